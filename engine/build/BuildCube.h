@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace qel::engine {
+
+struct BuildOptions {
+    std::filesystem::path
+        definition;               ///< JSON, docs/cube-definition.md; data files are relative to its folder
+    std::filesystem::path output; ///< replaced in one step when the build has succeeded, untouched otherwise
+    /// When set, lines that cannot be used are written here (as they stand) instead of stopping the build.
+    std::optional<std::filesystem::path> skippedLines;
+    /// Called with the step's name and its share done, 0 to 1. May be empty.
+    std::function<void(const std::string& step, double share)> progress;
+};
+
+struct BuildTotals {
+    std::uint64_t linesRead = 0, linesKept = 0,
+                  linesSkipped = 0; ///< of the fact tables, header lines not counted
+    std::uint64_t bytesWritten = 0;
+};
+
+/// Builds a cube file. Raises EngineError: InvalidDefinition naming the key, InvalidData naming file, line,
+/// column and what was expected, FileNotFound, CannotWrite.
+BuildTotals BuildCube(const BuildOptions& options);
+
+} // namespace qel::engine

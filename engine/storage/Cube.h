@@ -1,0 +1,137 @@
+#pragma once
+
+#include "engine/storage/FactTable.h"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace qel::engine {
+
+/// A member's number in its hierarchy: level by level from the top, in member order within a level. A
+/// parent's children are neighbours, so they are a range of numbers.
+using MemberId = std::uint32_t;
+inline constexpr MemberId noMember = 0xFFFFFFFFU;
+
+/// A half-open range of member numbers.
+struct MemberRange {
+    MemberId first = 0;
+    MemberId last = 0;
+
+    std::uint32_t Count() const { return last - first; }
+};
+
+struct Level {
+    std::string name;
+    std::uint32_t depth = 0; ///< 0 for the top level
+    MemberRange members;
+    bool isAll = false;
+};
+
+/// The stored columns of a hierarchy's members; spans point into the mapped file and were checked when it was
+/// opened.
+struct MemberColumns {
+    std::span<const std::uint32_t> nameOffsets, captionOffsets,
+        keyOffsets; ///< one more than there are members
+    std::string_view names, captions, keys;
+    std::span<const MemberId> parents;           ///< noMember at the top level
+    std::span<const std::uint32_t> firstChild;   ///< one more than there are members; absolute member numbers
+    std::span<const std::uint32_t> rangeOffsets; ///< one more than there are members
+    std::span<const KeyRange> ranges;
+    std::span<const std::uint32_t> nameSlots,
+        keySlots; ///< open-addressing tables of member number + 1, see NameIndex.h
+};
+
+/// One hierarchy of a dimension. Its members stand for sets of codes of one key column of the fact table; two
+/// hierarchies over one key column (codes and names of the same accounts) restrict each other.
+class Hierarchy {
+public:
+    const std::string& Name() const { return name_; }
+    const std::string& Caption() const { return caption_; }
+    /// "[Dimension].[Hierarchy]", or "[Dimension]" when the two names are equal.
+    const std::string& UniqueName() const { return uniqueName_; }
+    /// The dimension's number in the cube.
+    std::size_t DimensionIndex() const { return dimensionIndex_; }
+    /// This hierarchy's number in the cube, over all dimensions.
+    std::size_t Index() const { return index_; }
+    /// The number of the fact table's key column that the members stand on; none for a dimension without
+    /// facts.
+    std::optional<std::size_t> KeyColumn() const { return keyColumn_; }
+    std::span<const Level> Levels() const { return levels_; }
+    bool HasAll() const { return !levels_.empty() && levels_.front().isAll; }
+    MemberId DefaultMember() const { return defaultMember_; }
+    std::uint32_t MemberCount() const { return static_cast<std::uint32_t>(columns_.parents.size()); }
+
+    std::string_view MemberName(MemberId member) const;
+    std::string_view MemberCaption(MemberId member) const;
+    std::string_view MemberKey(MemberId member) const;
+    /// "[Dimension].[Hierarchy].[All].[parent].[member]" with "]" doubled; "&[key]" steps where a name is not
+    /// unique among its siblings.
+    std::string MemberUniqueName(MemberId member) const;
+    MemberId Parent(MemberId member) const { return columns_.parents[member]; }
+    MemberRange Children(MemberId member) const;
+    /// The number of the level that the member belongs to.
+    std::size_t LevelOf(MemberId member) const;
+    /// The codes of the key column that the member stands for: ascending, disjoint, not adjacent. Empty for a
+    /// member without facts' keys, and for every member of a hierarchy without a key column.
+    std::span<const KeyRange> Ranges(MemberId member) const;
+
+    /// All members of that name (any letter case) in ascending order, appended to `found`.
+    void FindByName(std::string_view name, std::vector<MemberId>& found) const;
+    /// The same by key.
+    void FindByKey(std::string_view key, std::vector<MemberId>& found) const;
+    /// The level of that name (any letter case), or none.
+    std::optional<std::size_t> FindLevel(std::string_view name) const;
+
+private:
+    friend class CubeLoader;
+
+    std::string name_, caption_, uniqueName_;
+    std::size_t dimensionIndex_ = 0;
+    std::size_t index_ = 0;
+    std::optional<std::size_t> keyColumn_;
+    std::vector<Level> levels_;
+    MemberId defaultMember_ = 0;
+    MemberColumns columns_;
+};
+
+struct Dimension {
+    std::string name;
+    std::string caption;
+    std::vector<std::size_t>
+        hierarchies; ///< numbers in Cube::Hierarchies(); the first is the default hierarchy
+    bool isTime = false;
+};
+
+/// One cube of a file: metadata that was read and checked when the file was opened, and the mapped facts.
+/// Safe for any number of threads. Lives as long as the file does; CubeFile::FindCube hands out shared
+/// ownership.
+class Cube {
+public:
+    const std::string& Name() const { return name_; }
+    const std::string& Caption() const { return caption_; }
+    std::span<const Dimension> Dimensions() const { return dimensions_; }
+    std::span<const Hierarchy> Hierarchies() const { return hierarchies_; }
+    const FactTable& Facts() const { return facts_; }
+    /// The number of the measure that a cell reads when the statement names none.
+    std::size_t DefaultMeasure() const { return defaultMeasure_; }
+
+    std::optional<std::size_t> FindDimension(std::string_view name) const;
+    std::optional<std::size_t> FindMeasure(std::string_view name) const;
+
+private:
+    friend class CubeLoader;
+
+    std::string name_, caption_;
+    std::vector<Dimension> dimensions_;
+    std::vector<Hierarchy> hierarchies_;
+    std::size_t defaultMeasure_ = 0;
+    FactTable facts_;
+};
+
+} // namespace qel::engine

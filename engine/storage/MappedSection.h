@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace qel::engine {
+
+class PageVerifier;
+
+/// A run of bytes of a mapped cube file whose pages are checked against their checksums when they are first
+/// touched, so that opening a file does not read its facts.
+class MappedSection {
+public:
+    MappedSection() = default;
+    MappedSection(const std::byte* data, std::uint64_t offsetInFile, std::uint64_t size,
+                  PageVerifier* verifier)
+        : data_(data), offsetInFile_(offsetInFile), size_(size), verifier_(verifier) {}
+
+    std::uint64_t Size() const { return size_; }
+    /// The bytes from `offset` on, of which `length` are now known to be as they were written.
+    /// Raises EngineError (DamagedFile), also when the run does not lie within the section.
+    const std::byte* Bytes(std::uint64_t offset, std::uint64_t length) const;
+
+private:
+    const std::byte* data_ = nullptr;
+    std::uint64_t offsetInFile_ = 0;
+    std::uint64_t size_ = 0;
+    PageVerifier* verifier_ = nullptr; ///< owned by the file
+};
+
+} // namespace qel::engine
