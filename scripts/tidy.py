@@ -1,0 +1,78 @@
+#!/usr/bin/env python3
+"""Runs clang-tidy over the sources of a build folder, two at a time, and remembers which were clean.
+
+A source is checked again when it, a header of the repository that it includes, its compile command or the rules
+change, so a run without changes takes a second.
+"""
+import argparse
+import concurrent.futures
+import hashlib
+import json
+import os
+import pathlib
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+
+
+def included_files(build):
+    """Maps each object file to the repository's files that its compilation read."""
+    listing = subprocess.run(["ninja", "-C", build, "-t", "deps"], capture_output=True, text=True, check=True).stdout
+    files, current = {}, None
+    for line in listing.splitlines():
+        if line and not line.startswith(" "):
+            current = files.setdefault(line.split(":")[0], [])
+        elif line.strip():
+            path = (pathlib.Path(build) / line.strip()).resolve()
+            if path.is_relative_to(ROOT):
+                current.append(path)
+    return files
+
+
+def fingerprint(command, paths):
+    digest = hashlib.sha256((ROOT / ".clang-tidy").read_bytes())
+    digest.update(command.encode())
+    for path in sorted(paths):
+        digest.update(path.read_bytes())
+    return digest.hexdigest()
+
+
+def check(build, source):
+    done = subprocess.run(
+        ["clang-tidy", "-p", build, "--quiet", "--extra-arg=-Wno-unknown-warning-option", source],
+        capture_output=True, text=True)
+    return done.returncode, done.stdout
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("build", help="a configured and built folder, such as build/native")
+    build = os.path.abspath(parser.parse_args().build)
+
+    includes = included_files(build)
+    stamps = pathlib.Path(build) / "tidy-clean"
+    stamps.mkdir(exist_ok=True)
+    waiting = []
+    for entry in json.loads((pathlib.Path(build) / "compile_commands.json").read_text()):
+        mark = stamps / fingerprint(entry["command"], includes.get(entry["output"], [pathlib.Path(entry["file"])]))
+        if not mark.exists():
+            waiting.append((entry["file"], mark))
+
+    failures = 0
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        results = {pool.submit(check, build, source): (source, mark) for source, mark in waiting}
+        for result in concurrent.futures.as_completed(results):
+            source, mark = results[result]
+            status, text = result.result()
+            if status == 0:
+                mark.touch()
+                continue
+            failures += 1
+            print(text.strip() or f"clang-tidy failed on {source}")
+    print(f"clang-tidy: {len(waiting)} sources checked, {failures} with findings")
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
