@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/DataAccess.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace qel::ModSetCube {
+
+/// A zero-based list of keys made from one worksheet argument; statements use element 0 alone.
+using KeyList = std::vector<Variant>;
+
+/// The periods of the open cube: the members of the finest level of [Date], in member order.
+struct DateTable {
+    std::vector<AutomationDate> CubeDates;  ///< ascending; the first day of each period
+    std::vector<std::string> CubeDateNames; ///< their unique names
+    AutomationDate CubeMinDate, CubeMaxDate;
+};
+
+/// What every object of one thread shares. A door keeps one a thread (the component is apartment-threaded).
+struct ThreadState {
+    std::shared_ptr<Connection> CubeConnection; ///< none after an error or when an object of the thread ended
+    DateTable dates;                            ///< of the cube that the last version check saw
+};
+
+} // namespace qel::ModSetCube

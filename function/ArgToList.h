@@ -1,0 +1,17 @@
+#pragma once
+
+#include "cube/ThreadState.h"
+
+namespace qel {
+
+using ModSetCube::KeyList;
+
+/// The keys of one worksheet argument, by the argument's type: a number, an array or a range of cells gives
+/// its texts; a date, a plain text and everything else gives one empty element. Raises as ArrayToList.
+KeyList ArgToList(const Variant& value, const Locale& locale);
+
+/// The texts of a one-dimensional array whose upper bound is at most 5, or the text of a scalar. Raises
+/// "To many dimensions" for a larger bound, 9 for several dimensions, and as ToText.
+KeyList ArrayToList(const Variant& value, const Locale& locale);
+
+} // namespace qel
