@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qel {
+
+/// What a connection text says that decides which cube is opened. Other properties are left to the provider
+/// that wants them.
+struct ConnectionText {
+    std::string provider;       ///< empty when the text names none
+    std::string dataSource;     ///< a path or an address, blanks at both ends removed
+    std::string initialCatalog; ///< the cube's name; may be empty
+};
+
+/// Reads "Name=value;Name=value;…". Names in any letter case; a value is everything up to the next ';',
+/// without the blanks around it; of a name that occurs twice the last one counts. Raises AutomationError for
+/// a part without '=' and for a text without a data source.
+ConnectionText ParseConnectionText(std::string_view text);
+
+} // namespace qel

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+namespace qel {
+
+/// A path from the UTF-8 text that names it.
+std::filesystem::path PathOfText(const std::string& text);
+
+/// Returns when the data source is a file that the embedded engine wrote; otherwise raises AutomationError
+/// naming the source, what is wrong with it and what can be opened.
+void RequireCubeFile(const std::string& dataSource);
+
+} // namespace qel

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "engine/storage/Cube.h"
+#include "platform/DataAccess.h"
+
+#include <memory>
+#include <string>
+
+namespace qel {
+
+class OpenCubeFiles;
+
+/// The cube that the connection text names. Raises AutomationError for a text, file or cube that cannot be
+/// opened.
+std::shared_ptr<const engine::Cube> OpenCube(OpenCubeFiles& files, const std::string& connectionString);
+
+/// A connection to one cube of a cube file.
+class LocalConnection : public Connection {
+public:
+    explicit LocalConnection(std::shared_ptr<OpenCubeFiles> files) : files_(std::move(files)) {}
+
+    void Open(const std::string& connectionString, const std::string& user, const std::string& password,
+              int options) override;
+    void Close() override;
+    int State() const override { return cube_ ? stateOpen : stateClosed; }
+    std::string ConnectionString() const override { return connectionString_; }
+
+    /// The cube behind a connection that a client handed in. Raises AutomationError (3709) when it is none,
+    /// not open, or another provider's.
+    static std::shared_ptr<const engine::Cube> CubeOf(const std::shared_ptr<Connection>& connection);
+
+private:
+    std::shared_ptr<OpenCubeFiles> files_;
+    std::string connectionString_;
+    std::shared_ptr<const engine::Cube> cube_;
+};
+
+} // namespace qel

@@ -1,0 +1,20 @@
+#include "platform/local/LocalDataAccess.h"
+
+#include "platform/local/LocalCatalog.h"
+#include "platform/local/LocalCellset.h"
+#include "platform/local/LocalConnection.h"
+#include "platform/local/OpenCubeFiles.h"
+
+namespace qel {
+
+LocalDataAccess::LocalDataAccess() : files_(std::make_shared<OpenCubeFiles>()) {}
+
+std::shared_ptr<Connection> LocalDataAccess::CreateConnection() {
+    return std::make_shared<LocalConnection>(files_);
+}
+
+std::unique_ptr<Catalog> LocalDataAccess::CreateCatalog() { return std::make_unique<LocalCatalog>(files_); }
+
+std::unique_ptr<Cellset> LocalDataAccess::CreateCellset() { return std::make_unique<LocalCellset>(); }
+
+} // namespace qel

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "engine/storage/CubeFile.h"
+#include "platform/local/FileIdentity.h"
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <vector>
+
+namespace qel {
+
+/// The cube files that were opened last, so that a sheet full of formulas opens its cube once. A file that
+/// was replaced on disk is opened anew; those who hold the old one keep it. Safe for any number of threads.
+class OpenCubeFiles {
+public:
+    /// The open file of that path, relative ones being taken from the current folder. Raises AutomationError.
+    std::shared_ptr<const engine::CubeFile> Open(const std::string& path);
+
+private:
+    struct Entry {
+        std::string path;
+        FileIdentity identity;
+        std::shared_ptr<const engine::CubeFile> file;
+    };
+
+    std::shared_ptr<const engine::CubeFile> Find(const std::string& path, const FileIdentity& identity);
+    void Keep(Entry entry);
+
+    std::mutex mutex_;
+    std::vector<Entry> entries_; ///< the last used first
+};
+
+} // namespace qel
