@@ -1,0 +1,13 @@
+#pragma once
+
+#include "examples/ledger/LedgerLine.h"
+
+namespace qel::ledger {
+
+/// The example group's ledger: three firms, 2023 to 2025, month by month. The same seed gives the same lines.
+void GenerateGroupLedger(std::uint64_t seed, const LineSink& sink);
+
+/// The tables that explain the codes of those lines.
+std::vector<DimensionTable> GroupTables();
+
+} // namespace qel::ledger

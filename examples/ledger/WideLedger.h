@@ -1,0 +1,42 @@
+#pragma once
+
+#include "examples/ledger/LedgerLine.h"
+
+#include <memory>
+
+namespace qel::ledger {
+
+/// How wide a ledger for benchmarks is.
+struct WideLedgerShape {
+    std::uint64_t rows = 100'000; ///< at least; the last entry is finished
+    std::size_t accounts = 5'000; ///< used by Zipf's law: a few accounts have most of the lines
+    std::size_t activities = 200;
+    std::size_t costCentres = 300;
+    std::size_t obsLeaves = 2'000;
+    std::size_t obsNumbers = 20;
+    std::size_t firms = 5;
+    std::size_t plbs = 4;
+    std::size_t moneySets = 3;
+    std::size_t months = 60; ///< from January 2020
+};
+
+/// A ledger of any size with the columns and tables of the example group's, of balanced entries without
+/// accounting sense. Lines point into it.
+class WideLedger {
+public:
+    explicit WideLedger(const WideLedgerShape& shape);
+    ~WideLedger();
+    WideLedger(const WideLedger&) = delete;
+    WideLedger& operator=(const WideLedger&) = delete;
+
+    /// The same seed gives the same lines, in the order of their dates.
+    void Generate(std::uint64_t seed, const LineSink& sink) const;
+    std::vector<DimensionTable> Tables() const;
+
+private:
+    struct Codes;
+    WideLedgerShape shape_;
+    std::unique_ptr<Codes> codes_;
+};
+
+} // namespace qel::ledger
