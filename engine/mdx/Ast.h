@@ -1,0 +1,95 @@
+#pragma once
+
+#include "engine/mdx/Place.h"
+
+#include <cstdint>
+#include <deque>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// What a statement says, before any of its names is looked up.
+
+namespace qel::engine::mdx {
+
+using NodeId = std::uint32_t;
+inline constexpr NodeId noNode = 0xFFFFFFFFU;
+
+enum class NodeKind : std::uint8_t {
+    Path,       ///< a name in dotted parts; children: Part
+    Part,       ///< text: the name; flags isKey, isWord
+    Number,     ///< text: the digits
+    Text,       ///< text: the text
+    Set,        ///< { ... }; children: the elements, empty ones left out
+    Tuple,      ///< ( ... ) with one element or several
+    Call,       ///< text: the function; children: the arguments
+    Method,     ///< text: the word after the dot; first child: what it is applied to, then arguments
+    Range,      ///< first : last
+    Chain,      ///< children joined from left to right by operators of one precedence
+    Comparison, ///< two children; op: the second child's joiner
+    Negation,   ///< - x
+    Not,        ///< NOT x
+    Missing     ///< an argument that was left out
+};
+
+enum class Operator : std::uint8_t {
+    None,
+    Add,
+    Subtract,
+    Multiply,
+    Divide,
+    And,
+    Or,
+    Xor,
+    Equal,
+    NotEqual,
+    Less,
+    LessOrEqual,
+    Greater,
+    GreaterOrEqual,
+    Is
+};
+
+/// A node of the syntax tree. Children are a linked list through `next`, so that the whole tree is one
+/// vector.
+struct Node {
+    NodeKind kind = NodeKind::Missing;
+    Operator joiner = Operator::None; ///< how the node joins its left neighbour in a Chain or a Comparison
+    bool isKey = false;               ///< Part: written &[key]
+    bool isWord = false;              ///< Part: written without brackets
+    std::uint32_t childCount = 0;
+    NodeId firstChild = noNode;
+    NodeId next = noNode;
+    std::string_view text;
+    Place place;
+};
+
+/// WITH MEMBER or WITH SET.
+struct Definition {
+    bool isSet = false;
+    NodeId name = noNode; ///< a Path
+    NodeId formula = noNode;
+    int solveOrder = 0;
+};
+
+struct AxisClause {
+    bool nonEmpty = false;
+    NodeId set = noNode;
+};
+
+/// A statement's tree. Texts are views into the statement or into `decoded`; the statement must outlive it.
+struct Statement {
+    std::string_view source;
+    std::vector<Node> nodes;
+    std::deque<std::string> decoded; ///< names and texts in which a bracket or a quote was doubled
+    std::vector<Definition> definitions;
+    std::vector<AxisClause> axes; ///< columns first
+    std::string_view cubeName;
+    Place cubePlace;
+    NodeId slicer = noNode;
+
+    const Node& At(NodeId id) const { return nodes[id]; }
+};
+
+} // namespace qel::engine::mdx

@@ -1,0 +1,355 @@
+#include "engine/mdx/ExpressionParser.h"
+
+#include "engine/mdx/Words.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <span>
+
+namespace qel::engine::mdx {
+
+namespace {
+
+/// Deep enough for people, shallow enough for the small stack of a thread of a spreadsheet.
+constexpr int nestingLimit = 100;
+
+struct Joiner {
+    TokenKind kind;
+    std::string_view word; ///< for a Word
+    Operator op;
+};
+
+/// The operators from the loosest to the tightest binding.
+constexpr Joiner disjunction[] = {{TokenKind::Word, "or", Operator::Or},
+                                  {TokenKind::Word, "xor", Operator::Xor}};
+constexpr Joiner conjunction[] = {{TokenKind::Word, "and", Operator::And}};
+constexpr Joiner comparison[] = {
+    {TokenKind::Equal, "", Operator::Equal},     {TokenKind::NotEqual, "", Operator::NotEqual},
+    {TokenKind::Less, "", Operator::Less},       {TokenKind::LessOrEqual, "", Operator::LessOrEqual},
+    {TokenKind::Greater, "", Operator::Greater}, {TokenKind::GreaterOrEqual, "", Operator::GreaterOrEqual},
+    {TokenKind::Word, "is", Operator::Is}};
+constexpr Joiner addition[] = {{TokenKind::Plus, "", Operator::Add},
+                               {TokenKind::Minus, "", Operator::Subtract}};
+constexpr Joiner multiplication[] = {{TokenKind::Star, "", Operator::Multiply},
+                                     {TokenKind::Slash, "", Operator::Divide}};
+constexpr std::array<std::span<const Joiner>, 5> precedences{disjunction, conjunction, comparison, addition,
+                                                             multiplication};
+constexpr std::size_t comparisonPrecedence = 2;
+
+std::string Found(const Token& token) {
+    switch (token.kind) {
+    case TokenKind::End:
+        return "the end of the statement";
+    case TokenKind::FormulaEnd:
+        return "the end of the formula";
+    case TokenKind::Name:
+        return fmt::format("[{}]", token.text);
+    case TokenKind::Text:
+        return fmt::format("the text \"{}\"", token.text);
+    default:
+        return fmt::format("'{}'", token.text);
+    }
+}
+
+} // namespace
+
+/// Counts one step down; raises TooLarge when the limit is passed.
+class ExpressionParser::Nesting {
+public:
+    explicit Nesting(ExpressionParser& parser) : parser_(parser) {
+        if (++parser_.nesting_ > nestingLimit) {
+            RaiseAt(ErrorKind::TooLarge, parser_.statement_.source, parser_.current_.place,
+                    fmt::format("more than {} expressions stand inside one another", nestingLimit));
+        }
+    }
+    ~Nesting() { --parser_.nesting_; }
+    Nesting(const Nesting&) = delete;
+    Nesting& operator=(const Nesting&) = delete;
+
+private:
+    ExpressionParser& parser_;
+};
+
+ExpressionParser::ExpressionParser(Statement& statement) : statement_(statement), lexer_(statement.source) {
+    statement_.nodes.reserve(64);
+    lastChild_.reserve(64);
+    Advance();
+}
+
+NodeId ExpressionParser::ParseExpression(std::string_view expected) {
+    const Nesting nesting(*this);
+    return ParseOperators(0, expected);
+}
+
+NodeId ExpressionParser::ParseOperators(std::size_t precedence, std::string_view expected) {
+    if (precedence == precedences.size()) {
+        return ParseRange(expected);
+    }
+    if (precedence == comparisonPrecedence && IsAt("not")) {
+        const Nesting nesting(*this);
+        const NodeId negated = NewNode(NodeKind::Not, current_.place);
+        Advance();
+        AddChild(negated, ParseOperators(precedence, "a condition"));
+        return negated;
+    }
+    const NodeId first = ParseOperators(precedence + 1, expected);
+    NodeId chain = noNode;
+    for (Operator op = TakeJoiner(precedence); op != Operator::None; op = TakeJoiner(precedence)) {
+        if (chain == noNode) {
+            const bool compares = precedence == comparisonPrecedence;
+            chain = NewNode(compares ? NodeKind::Comparison : NodeKind::Chain, statement_.At(first).place);
+            AddChild(chain, first);
+        } else if (precedence == comparisonPrecedence) {
+            Fail("AND, OR or the end of the comparison");
+        }
+        const NodeId operand = ParseOperators(precedence + 1, "an operand");
+        statement_.nodes[operand].joiner = op;
+        AddChild(chain, operand);
+    }
+    return chain == noNode ? first : chain;
+}
+
+Operator ExpressionParser::TakeJoiner(std::size_t precedence) {
+    for (const Joiner& joiner : precedences[precedence]) {
+        if (joiner.kind == current_.kind && (joiner.word.empty() || IsWord(current_.text, joiner.word))) {
+            Advance();
+            return joiner.op;
+        }
+    }
+    return Operator::None;
+}
+
+NodeId ExpressionParser::ParseRange(std::string_view expected) {
+    const NodeId first = ParseSign(expected);
+    if (!IsAt(TokenKind::Colon)) {
+        return first;
+    }
+    const NodeId range = NewNode(NodeKind::Range, statement_.At(first).place);
+    Advance();
+    AddChild(range, first);
+    AddChild(range, ParseSign("the last member of the range"));
+    return range;
+}
+
+NodeId ExpressionParser::ParseSign(std::string_view expected) {
+    if (Skip(TokenKind::Plus)) {
+        const Nesting nesting(*this);
+        return ParseSign("a number");
+    }
+    if (!IsAt(TokenKind::Minus)) {
+        return ParsePostfix(expected);
+    }
+    const Nesting nesting(*this);
+    const NodeId negation = NewNode(NodeKind::Negation, current_.place);
+    Advance();
+    AddChild(negation, ParseSign("a number"));
+    return negation;
+}
+
+NodeId ExpressionParser::ParsePostfix(std::string_view expected) {
+    return ParseMethods(ParsePrimary(expected));
+}
+
+NodeId ExpressionParser::ParsePrimary(std::string_view expected) {
+    const Token token = current_;
+    switch (token.kind) {
+    case TokenKind::LeftBrace:
+        return ParseSet();
+    case TokenKind::LeftParenthesis:
+        return ParseTuple();
+    case TokenKind::Number:
+    case TokenKind::Text: {
+        const NodeKind kind = token.kind == TokenKind::Number ? NodeKind::Number : NodeKind::Text;
+        const NodeId literal = NewNode(kind, token.place, DecodedText());
+        Advance();
+        return literal;
+    }
+    case TokenKind::Name:
+        return ParsePath(expected);
+    case TokenKind::Word:
+        if (IsReserved(token.text)) {
+            Fail(expected);
+        }
+        if (lexer_.IsBefore(TokenKind::LeftParenthesis)) {
+            Advance();
+            return ParseCall(token);
+        }
+        return ParsePath(expected);
+    default:
+        Fail(expected);
+    }
+}
+
+NodeId ExpressionParser::ParseSet() {
+    const NodeId set = NewNode(NodeKind::Set, current_.place);
+    Advance();
+    while (!IsAt(TokenKind::RightBrace)) {
+        // Composed statements may leave an element empty: { , [a] }.
+        if (Skip(TokenKind::Comma)) {
+            continue;
+        }
+        AddChild(set, ParseExpression("a member or a set"));
+        if (!IsAt(TokenKind::Comma) && !IsAt(TokenKind::RightBrace)) {
+            Fail("',' or '}'");
+        }
+    }
+    Advance();
+    return set;
+}
+
+NodeId ExpressionParser::ParseTuple() {
+    const NodeId tuple = NewNode(NodeKind::Tuple, current_.place);
+    Advance();
+    do {
+        AddChild(tuple, ParseExpression("a member"));
+    } while (Skip(TokenKind::Comma));
+    Expect(TokenKind::RightParenthesis, "',' or ')'");
+    return tuple;
+}
+
+NodeId ExpressionParser::ParseCall(const Token& name) {
+    const NodeId call = NewNode(NodeKind::Call, name.place, name.text);
+    ParseArguments(call);
+    return call;
+}
+
+void ExpressionParser::ParseArguments(NodeId call) {
+    Expect(TokenKind::LeftParenthesis, "'('");
+    if (Skip(TokenKind::RightParenthesis)) {
+        return;
+    }
+    do {
+        const bool missing = IsAt(TokenKind::Comma) || IsAt(TokenKind::RightParenthesis);
+        AddChild(call, missing ? NewNode(NodeKind::Missing, current_.place) : ParseExpression("an argument"));
+    } while (Skip(TokenKind::Comma));
+    Expect(TokenKind::RightParenthesis, "',' or ')'");
+}
+
+NodeId ExpressionParser::ParsePath(std::string_view expected) {
+    const NodeId path = NewNode(NodeKind::Path, current_.place);
+    if (!IsAt(TokenKind::Name) && !(IsAt(TokenKind::Word) && !IsReserved(current_.text))) {
+        Fail(expected);
+    }
+    ParsePart(path);
+    while (IsAt(TokenKind::Dot) && !lexer_.IsBeforeMethod()) {
+        Advance();
+        ParsePart(path);
+    }
+    statement_.nodes[path].place.end = statement_.At(lastChild_[path]).place.end;
+    return path;
+}
+
+void ExpressionParser::ParsePart(NodeId path) {
+    const Place start = current_.place;
+    const bool isKey = Skip(TokenKind::Ampersand);
+    const bool isWord = IsAt(TokenKind::Word);
+    if (!isWord && !IsAt(TokenKind::Name) && !(isKey && IsAt(TokenKind::Number))) {
+        Fail("a name");
+    }
+    const NodeId part = NewNode(NodeKind::Part, {start.begin, current_.place.end}, DecodedText());
+    statement_.nodes[part].isKey = isKey;
+    statement_.nodes[part].isWord = isWord;
+    Advance();
+    AddChild(path, part);
+}
+
+NodeId ExpressionParser::ParseMethods(NodeId target) {
+    const int outerNesting = nesting_;
+    while (IsAt(TokenKind::Dot)) {
+        if (++nesting_ > nestingLimit) {
+            RaiseAt(ErrorKind::TooLarge, statement_.source, current_.place,
+                    fmt::format("more than {} expressions stand inside one another", nestingLimit));
+        }
+        Advance();
+        if (!IsAt(TokenKind::Word) || !IsMethod(current_.text)) {
+            Fail("a function of a member or a set, such as Parent, Children or Members");
+        }
+        const NodeId method = NewNode(NodeKind::Method, current_.place, current_.text);
+        Advance();
+        AddChild(method, target);
+        if (IsAt(TokenKind::LeftParenthesis)) {
+            ParseArguments(method);
+        }
+        target = method;
+    }
+    nesting_ = outerNesting;
+    return target;
+}
+
+bool ExpressionParser::IsAt(std::string_view word) const {
+    return current_.kind == TokenKind::Word && IsWord(current_.text, word);
+}
+
+bool ExpressionParser::Skip(std::string_view word) {
+    const bool found = IsAt(word);
+    if (found) {
+        Advance();
+    }
+    return found;
+}
+
+bool ExpressionParser::Skip(TokenKind kind) {
+    const bool found = IsAt(kind);
+    if (found) {
+        Advance();
+    }
+    return found;
+}
+
+void ExpressionParser::Expect(std::string_view word) {
+    if (!Skip(word)) {
+        Fail(word);
+    }
+}
+
+void ExpressionParser::Expect(TokenKind kind, std::string_view what) {
+    if (!Skip(kind)) {
+        Fail(what);
+    }
+}
+
+void ExpressionParser::Fail(std::string_view expected) const {
+    RaiseAt(ErrorKind::SyntaxError, statement_.source, current_.place,
+            fmt::format("expected {}, found {}", expected, Found(current_)));
+}
+
+bool ExpressionParser::IsAtProperty() const {
+    if (!IsAt(TokenKind::Comma)) {
+        return false;
+    }
+    Lexer ahead = lexer_;
+    return ahead.Next().kind == TokenKind::Word && ahead.Next().kind == TokenKind::Equal;
+}
+
+std::string_view ExpressionParser::DecodedText() {
+    std::string decoded;
+    if ((current_.kind == TokenKind::Name || current_.kind == TokenKind::Text) &&
+        lexer_.Decode(current_, decoded)) {
+        return statement_.decoded.emplace_back(std::move(decoded));
+    }
+    return current_.text;
+}
+
+NodeId ExpressionParser::NewNode(NodeKind kind, Place place, std::string_view text) {
+    const auto id = static_cast<NodeId>(statement_.nodes.size());
+    Node& node = statement_.nodes.emplace_back();
+    node.kind = kind;
+    node.place = place;
+    node.text = text;
+    lastChild_.push_back(noNode);
+    return id;
+}
+
+void ExpressionParser::AddChild(NodeId parent, NodeId child) {
+    Node& node = statement_.nodes[parent];
+    ++node.childCount;
+    if (node.firstChild == noNode) {
+        node.firstChild = child;
+    } else {
+        statement_.nodes[lastChild_[parent]].next = child;
+    }
+    lastChild_[parent] = child;
+}
+
+} // namespace qel::engine::mdx

@@ -1,0 +1,243 @@
+#include "engine/mdx/Parser.h"
+
+#include "engine/mdx/ExpressionParser.h"
+#include "engine/mdx/Words.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+
+namespace qel::engine::mdx {
+
+namespace {
+
+constexpr std::size_t lengthLimit = 16U << 20U;
+constexpr std::size_t axisLimit = 16;
+
+/// The clauses around the expressions.
+class StatementParser {
+public:
+    explicit StatementParser(Statement& statement) : statement_(statement), expressions_(statement) {}
+
+    void Parse();
+
+private:
+    void ParseDefinitions();
+    void ParseMember();
+    void ParseNamedSet();
+    /// The text between AS and what follows: in single quotes, or as it stands.
+    NodeId ParseFormula();
+    void ParseProperties(Definition& definition);
+    void ParseAxes();
+    void ParseAxis();
+    std::size_t ParseAxisNumber();
+    void ParseCube();
+    void ParseSlicer();
+    /// PROPERTIES a, b.c: what the client would like to see of members or cells; accepted and left out.
+    void SkipPropertyList();
+
+    Statement& statement_;
+    ExpressionParser expressions_;
+};
+
+void StatementParser::Parse() {
+    if (expressions_.Skip("with")) {
+        ParseDefinitions();
+    }
+    if (!expressions_.IsAt("select")) {
+        expressions_.Fail(statement_.definitions.empty() ? "SELECT or WITH" : "MEMBER, SET or SELECT");
+    }
+    expressions_.Advance();
+    ParseAxes();
+    ParseCube();
+    ParseSlicer();
+    if (expressions_.Skip("cell")) {
+        SkipPropertyList();
+    }
+    if (!expressions_.IsAt(TokenKind::End)) {
+        expressions_.Fail("the end of the statement");
+    }
+}
+
+void StatementParser::ParseDefinitions() {
+    do {
+        if (expressions_.Skip("member")) {
+            ParseMember();
+        } else if (expressions_.Skip("set")) {
+            ParseNamedSet();
+        } else {
+            expressions_.Fail("MEMBER or SET");
+        }
+        expressions_.Skip(TokenKind::Comma);
+    } while (expressions_.IsAt("member") || expressions_.IsAt("set"));
+}
+
+void StatementParser::ParseMember() {
+    Definition definition;
+    definition.name = expressions_.ParsePath("the name of the calculated member");
+    definition.formula = ParseFormula();
+    ParseProperties(definition);
+    statement_.definitions.push_back(definition);
+}
+
+void StatementParser::ParseNamedSet() {
+    Definition definition;
+    definition.isSet = true;
+    definition.name = expressions_.ParsePath("the name of the set");
+    definition.formula = ParseFormula();
+    statement_.definitions.push_back(definition);
+}
+
+NodeId StatementParser::ParseFormula() {
+    if (!expressions_.IsAt("as")) {
+        expressions_.Fail("AS");
+    }
+    const bool quoted = expressions_.Source().EnterFormula();
+    expressions_.Advance();
+    const NodeId formula = expressions_.ParseExpression("an expression");
+    if (quoted) {
+        expressions_.Expect(TokenKind::FormulaEnd, "the end of the formula");
+    }
+    return formula;
+}
+
+void StatementParser::ParseProperties(Definition& definition) {
+    while (expressions_.IsAtProperty()) {
+        expressions_.Advance();
+        const bool isSolveOrder = expressions_.IsAt("solve_order");
+        expressions_.Advance();
+        expressions_.Advance();
+        const Place place = expressions_.Current().place;
+        if (!isSolveOrder) {
+            expressions_.ParseExpression("the property's value");
+            continue;
+        }
+        const std::string_view sign = expressions_.Skip(TokenKind::Minus) ? "-" : "";
+        const std::string digits = fmt::format("{}{}", sign, expressions_.Current().text);
+        const auto [end, error] =
+            std::from_chars(digits.data(), digits.data() + digits.size(), definition.solveOrder);
+        if (!expressions_.IsAt(TokenKind::Number) || error != std::errc() ||
+            end != digits.data() + digits.size()) {
+            RaiseAt(ErrorKind::SyntaxError, statement_.source, place, "the solve order is no whole number");
+        }
+        expressions_.Advance();
+    }
+}
+
+void StatementParser::ParseAxes() {
+    if (expressions_.IsAt("from")) {
+        return;
+    }
+    do {
+        ParseAxis();
+    } while (expressions_.Skip(TokenKind::Comma));
+    for (std::size_t i = 0; i < statement_.axes.size(); ++i) {
+        if (statement_.axes[i].set == noNode) {
+            RaiseAt(ErrorKind::SyntaxError, statement_.source, expressions_.Current().place,
+                    fmt::format("the statement has axis {} but no axis {}", statement_.axes.size() - 1, i));
+        }
+    }
+}
+
+void StatementParser::ParseAxis() {
+    AxisClause axis;
+    if (expressions_.Skip("non")) {
+        expressions_.Expect("empty");
+        axis.nonEmpty = true;
+    }
+    const Place place = expressions_.Current().place;
+    axis.set = expressions_.ParseExpression("a set");
+    if (expressions_.Skip("dimension")) {
+        SkipPropertyList();
+    }
+    if (!expressions_.Skip("on")) {
+        expressions_.Fail("ON");
+    }
+    const std::size_t number = ParseAxisNumber();
+    statement_.axes.resize(std::max(statement_.axes.size(), number + 1));
+    if (statement_.axes[number].set != noNode) {
+        RaiseAt(ErrorKind::SyntaxError, statement_.source, place,
+                fmt::format("axis {} is given twice", number));
+    }
+    statement_.axes[number] = axis;
+}
+
+std::size_t StatementParser::ParseAxisNumber() {
+    constexpr std::string_view names[] = {"columns", "rows", "pages", "chapters", "sections"};
+    for (std::size_t i = 0; i < std::size(names); ++i) {
+        if (expressions_.Skip(names[i])) {
+            return i;
+        }
+    }
+    const bool inParentheses = expressions_.Skip("axis");
+    if (inParentheses) {
+        expressions_.Expect(TokenKind::LeftParenthesis, "'('");
+    }
+    if (!expressions_.IsAt(TokenKind::Number)) {
+        expressions_.Fail("COLUMNS, ROWS, PAGES, AXIS(n) or a number");
+    }
+    const std::string_view digits = expressions_.Current().text;
+    std::size_t number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (error != std::errc() || end != digits.data() + digits.size() || number >= axisLimit) {
+        expressions_.Fail(fmt::format("the number of an axis, 0 to {}", axisLimit - 1));
+    }
+    expressions_.Advance();
+    if (inParentheses) {
+        expressions_.Expect(TokenKind::RightParenthesis, "')'");
+    }
+    return number;
+}
+
+void StatementParser::ParseCube() {
+    if (!expressions_.IsAt("from")) {
+        expressions_.Fail(statement_.axes.empty() ? "a set or FROM" : "',' or FROM");
+    }
+    if (expressions_.Source().IsBefore(TokenKind::Name)) {
+        expressions_.Advance();
+        statement_.cubePlace = expressions_.Current().place;
+        statement_.cubeName = expressions_.DecodedText();
+        expressions_.Advance();
+        return;
+    }
+    // Composed statements insert the cube's name as it is, whatever characters it has.
+    const Token name = expressions_.Source().RawUpTo("where");
+    expressions_.Advance();
+    if (name.text.empty()) {
+        expressions_.Fail("the name of a cube");
+    }
+    statement_.cubeName = name.text;
+    statement_.cubePlace = name.place;
+}
+
+void StatementParser::ParseSlicer() {
+    if (expressions_.Skip("where")) {
+        statement_.slicer = expressions_.ParseExpression("a member or a tuple");
+    }
+}
+
+void StatementParser::SkipPropertyList() {
+    expressions_.Expect("properties");
+    do {
+        expressions_.ParsePath("the name of a property");
+        while (expressions_.Skip(TokenKind::Dot)) { // a property may be called as a method is
+            expressions_.Advance();
+        }
+    } while (expressions_.Skip(TokenKind::Comma));
+}
+
+} // namespace
+
+Statement Parse(std::string_view text) {
+    Statement statement;
+    statement.source = text;
+    if (text.size() > lengthLimit) {
+        throw EngineError(ErrorKind::TooLarge, fmt::format("the statement has {} bytes; {} is the limit",
+                                                           text.size(), lengthLimit));
+    }
+    StatementParser(statement).Parse();
+    return statement;
+}
+
+} // namespace qel::engine::mdx
