@@ -25,4 +25,7 @@ bool OpenOrReuse(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened
 bool EnsureCurrentCubeOpen(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened,
                            const std::string& cubeFile, const std::string& cubeName);
 
+/// The thread's connection. Raises 91 when it has none.
+const Connection& RequireConnection(const ThreadState& thread);
+
 } // namespace qel::ModSetCube

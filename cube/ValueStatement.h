@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace qel::ModSetCube {
 
@@ -19,10 +20,10 @@ struct PeriodSpan {
 };
 
 /// True for a selection that restricts nothing: "All" in any letter case, or nothing, blanks aside.
-bool IsUnrestricted(const std::string& selection);
+bool IsUnrestricted(std::string_view selection);
 
 /// "[dimension].[member]", or empty when the member restricts nothing.
-std::string MemberSlicer(const std::string& dimension, const std::string& member);
+std::string MemberSlicer(std::string_view dimension, std::string_view member);
 
 /// True when the selection's OBS level is a level of [OBS], so that the statement needs BuildObsSel's text.
 bool NeedsObsSel(const ValueSelection& selection);

@@ -122,9 +122,12 @@ std::string PlainNumber(std::string_view text, const Locale& locale) {
     return i == text.size() ? plain : std::string();
 }
 
-/// A number that std::from_chars finds out of range is too large or too small: the exponent's sign tells.
+/// A number that std::from_chars finds out of range is too large or too small: its exponent tells, or without
+/// one whether anything stands before the decimal point.
 double OutOfRange(const std::string& plain) {
-    const bool tooSmall = plain.find("e-") != std::string::npos || plain.front() == '.';
+    const std::size_t exponent = plain.find('e');
+    const bool tooSmall = exponent != std::string::npos ? plain[exponent + 1] == '-'
+                                                        : plain[plain.find_first_not_of('0')] == '.';
     return tooSmall ? 0 : std::numeric_limits<double>::infinity();
 }
 

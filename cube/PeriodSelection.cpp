@@ -1,0 +1,73 @@
+#include "cube/PeriodSelection.h"
+
+#include "platform/AutomationError.h"
+
+#include <algorithm>
+#include <cstdint>
+
+namespace qel::ModSetCube {
+
+namespace {
+
+const char* const startsAfterItsEnd = "#ERR 11111111";
+
+Variant Nothing() { return std::int16_t{0}; }
+
+/// The first day of the first period that starts on `from` or later; `from` itself when there is none.
+AutomationDate StartOfPeriods(const DateTable& table, AutomationDate from) {
+    const auto period = std::find_if(table.CubeDates.begin(), table.CubeDates.end(),
+                                     [&](AutomationDate date) { return date >= from; });
+    return period == table.CubeDates.end() || from.IsZero() ? from : *period;
+}
+
+/// Counts from the period of `from` up to the one of `to`.
+PeriodSpan CountPeriods(const DateTable& table, AutomationDate from, AutomationDate to) {
+    const auto& dates = table.CubeDates;
+    const auto first = std::find(dates.begin(), dates.end(), from);
+    const auto last = std::find_if(first, dates.end(), [&](AutomationDate date) { return date >= to; });
+    if (last == dates.end()) // the members are not in the order of their dates
+        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    return {static_cast<int>(last - first) + 1,
+            table.CubeDateNames[static_cast<std::size_t>(last - dates.begin())]};
+}
+
+} // namespace
+
+std::optional<Variant> ClampToCube(const DateTable& table, DayRange& days) {
+    auto& [from, to] = days;
+    if (from > to)
+        return startsAfterItsEnd;
+    to = WithoutTime(to);
+    if (from < table.CubeMinDate) {
+        if (to < table.CubeMinDate)
+            return Nothing();
+        if (!from.IsZero()) {
+            from = table.CubeMinDate;
+        } else if (to > table.CubeMaxDate) {
+            to = table.CubeMaxDate;
+            from = to;
+        }
+    }
+    if (to > table.CubeMaxDate) {
+        if (from > table.CubeMaxDate)
+            return Nothing();
+        to = table.CubeMaxDate;
+    }
+    return std::nullopt;
+}
+
+std::optional<PeriodSpan> FindPeriods(const DateTable& table, DayRange days) {
+    const auto& dates = table.CubeDates;
+    if (dates.empty())
+        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    AutomationDate from = StartOfPeriods(table, days.from);
+    const auto lastNotAfter =
+        std::find_if(dates.rbegin(), dates.rend(), [&](AutomationDate date) { return date <= days.to; });
+    if (lastNotAfter == dates.rend()) // the days end before the first period
+        return std::nullopt;
+    const AutomationDate to = *lastNotAfter;
+    from = from.IsZero() ? to : std::min(from, to);
+    return CountPeriods(table, from, to);
+}
+
+} // namespace qel::ModSetCube

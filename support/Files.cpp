@@ -1,0 +1,106 @@
+#include "support/Files.h"
+
+#include "platform/Text.h"
+#include "support/Wildcard.h"
+
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+#include <vector>
+
+namespace qel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsSeparator(char c) { return c == '/' || c == '\\'; }
+
+fs::path ToPath(std::string_view text) {
+    std::u8string path(text.begin(), text.end());
+#ifndef _WIN32
+    for (char8_t& c : path) {
+        if (c == u8'\\')
+            c = u8'/';
+    }
+#endif
+    return path;
+}
+
+/// A file system's name in the form that patterns are compared in.
+std::string NameOf(const fs::path& path) {
+    const std::u8string name = path.filename().u8string();
+    const std::string text(name.begin(), name.end());
+#ifdef _WIN32
+    return FoldCase(text); // Windows file systems ignore letter case
+#else
+    return text;
+#endif
+}
+
+std::vector<fs::path> FilesMatching(const fs::path& pattern) {
+    std::vector<fs::path> found;
+    const fs::path folder = pattern.has_parent_path() ? pattern.parent_path() : fs::path(".");
+    const std::string namePattern = NameOf(pattern);
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        std::error_code ignored;
+        if (entry.is_regular_file(ignored) && MatchesWildcard(NameOf(entry.path()), namePattern))
+            found.push_back(entry.path());
+    }
+    return found;
+}
+
+/// Runs an operation whose every failure means "no".
+template <class Operation>
+bool Trapped(Operation operation) {
+    try {
+        return operation();
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+} // namespace
+
+void AddBackslash(std::string& path) {
+    path.erase(path.find_last_not_of(' ') + 1);
+    if (path.empty() || !IsSeparator(path.back()))
+        path += '\\';
+}
+
+std::string StripQuotes(std::string_view text) {
+    std::string_view stripped = Trimmed(text);
+    if (stripped.size() >= 2 && stripped.front() == '"' && stripped.back() == '"')
+        stripped = stripped.substr(1, stripped.size() - 2);
+    return std::string(stripped);
+}
+
+bool FileExists(std::string_view path) {
+    return Trapped([&] {
+        std::string text = StripQuotes(path);
+        if (!text.empty() && text.back() == '\\')
+            text.pop_back();
+        const fs::path file = ToPath(text);
+        return !fs::is_directory(file) && std::ifstream(file, std::ios::binary).is_open();
+    });
+}
+
+bool DirExists(std::string_view path) {
+    return Trapped([&] {
+        std::string text(path);
+        AddBackslash(text);
+        return fs::is_directory(ToPath(text));
+    });
+}
+
+void DeleteFiles(std::string_view pattern) {
+    Trapped([&] {
+        for (const fs::path& file : FilesMatching(ToPath(pattern))) {
+            std::error_code ignored;
+            fs::remove(file, ignored);
+        }
+        return true;
+    });
+}
+
+} // namespace qel
