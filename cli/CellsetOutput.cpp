@@ -1,0 +1,128 @@
+#include "cli/CellsetOutput.h"
+
+#include "cli/TextTable.h"
+#include "cli/ValueText.h"
+
+#include <nlohmann/json.hpp>
+
+namespace qel {
+
+namespace {
+
+std::size_t TupleSize(const std::vector<Tuple>& positions) {
+    return positions.empty() ? 0 : positions.front().size();
+}
+
+std::string JoinedCaptions(const Tuple& tuple) {
+    std::string text;
+    for (const auto& member : tuple)
+        text += (text.empty() ? "" : " / ") + CaptionOf(member);
+    return text;
+}
+
+std::vector<std::string> RowHeadings(const CellsetGrid& grid) {
+    std::vector<std::string> headings;
+    if (!grid.rows.empty())
+        for (const auto& member : grid.rows.front())
+            headings.push_back(member.levelName);
+    return headings;
+}
+
+std::string CsvField(const std::string& text) {
+    if (text.find_first_of(",\"\r\n") == std::string::npos)
+        return text;
+    std::string quoted = "\"";
+    for (const char c : text)
+        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    return quoted + '"';
+}
+
+void PrintCsvLine(const std::vector<std::string>& fields, std::ostream& output) {
+    for (std::size_t i = 0; i < fields.size(); ++i)
+        output << (i == 0 ? "" : ",") << CsvField(fields[i]);
+    output << '\n';
+}
+
+nlohmann::ordered_json AxisJson(const std::vector<Tuple>& positions) {
+    auto axis = nlohmann::ordered_json::array();
+    for (const auto& tuple : positions) {
+        auto members = nlohmann::ordered_json::array();
+        for (const auto& member : tuple)
+            members.push_back({{"name", member.name},
+                               {"caption", CaptionOf(member)},
+                               {"uniqueName", member.uniqueName},
+                               {"level", member.levelName},
+                               {"depth", member.levelDepth}});
+        axis.push_back({{"members", std::move(members)}});
+    }
+    return axis;
+}
+
+nlohmann::ordered_json CellJson(const Variant& value) {
+    if (value.Is<double>())
+        return value.As<double>();
+    if (value.Is<Null>() || value.Is<Empty>())
+        return nullptr;
+    return ValueText(value);
+}
+
+} // namespace
+
+void PrintAsTable(const CellsetGrid& grid, std::ostream& output) {
+    TextTable table;
+    table.leftColumns = TupleSize(grid.rows);
+    const auto rowHeadings = RowHeadings(grid);
+    const auto headingLines = TupleSize(grid.columns);
+    for (std::size_t i = 0; i < headingLines; ++i) {
+        const bool isLast = i + 1 == headingLines;
+        auto line = isLast ? rowHeadings : std::vector<std::string>(rowHeadings.size());
+        for (const auto& tuple : grid.columns)
+            line.push_back(CaptionOf(tuple[i]));
+        table.lines.push_back(std::move(line));
+    }
+    for (std::size_t row = 0; row < grid.rows.size(); ++row) {
+        std::vector<std::string> line;
+        for (const auto& member : grid.rows[row])
+            line.push_back(CaptionOf(member));
+        for (const auto& cell : grid.cells[row])
+            line.push_back(ValueText(cell));
+        table.lines.push_back(std::move(line));
+    }
+    PrintTable(table, output);
+}
+
+void PrintAsCsv(const CellsetGrid& grid, std::ostream& output) {
+    auto headings = RowHeadings(grid);
+    for (const auto& tuple : grid.columns)
+        headings.push_back(JoinedCaptions(tuple));
+    if (grid.axisCount > 0)
+        PrintCsvLine(headings, output);
+    for (std::size_t row = 0; row < grid.rows.size(); ++row) {
+        std::vector<std::string> line;
+        for (const auto& member : grid.rows[row])
+            line.push_back(CaptionOf(member));
+        for (const auto& cell : grid.cells[row])
+            line.push_back(ValueText(cell));
+        PrintCsvLine(line, output);
+    }
+}
+
+void PrintAsJson(const CellsetGrid& grid, std::ostream& output) {
+    nlohmann::ordered_json document;
+    document["axes"] = nlohmann::ordered_json::array();
+    if (grid.axisCount > 0)
+        document["axes"].push_back(AxisJson(grid.columns));
+    if (grid.axisCount > 1)
+        document["axes"].push_back(AxisJson(grid.rows));
+    document["cells"] = nlohmann::ordered_json::array();
+    for (const auto& row : grid.cells) {
+        auto cells = nlohmann::ordered_json::array();
+        for (const auto& cell : row)
+            cells.push_back(CellJson(cell));
+        document["cells"].push_back(std::move(cells));
+    }
+    using Handler = nlohmann::ordered_json::error_handler_t;
+    output << document.dump(2, ' ', false, Handler::replace) << '\n';
+}
+
+} // namespace qel

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/DataAccess.h"
+
+#include <ostream>
+
+namespace qel {
+
+/// What the commands work with; made in Main.cpp.
+struct CommandContext {
+    DataAccess& dataAccess;
+    Locale locale;
+    std::istream& input;
+    std::ostream& output;   ///< results
+    std::ostream& messages; ///< everything else
+    bool messagesAreOnTerminal = false;
+    bool failed = false; ///< set by a command that did what it could and has told what it could not
+};
+
+} // namespace qel

@@ -1,0 +1,64 @@
+#include "cli/CubeBuildCommand.h"
+
+#include "cli/ProgressBar.h"
+#include "engine/build/BuildCube.h"
+#include "platform/local/CubeSource.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fmt/ostream.h>
+
+namespace qel {
+
+namespace {
+
+constexpr const char* description = "Make a cube file from ledger files in CSV";
+
+constexpr const char* footer =
+    R"(DEFINITION is a JSON file; docs/cube-definition.md describes it. The cube file is replaced in one step when the
+build has succeeded, and stays as it was otherwise. A line that cannot be used stops the build, unless
+--skip-bad-lines says where to put such lines.
+
+Example:
+  qel cube build examples/ledger/ledger.json --output demo.cub --skip-bad-lines rejected.csv)";
+
+struct BuildArguments {
+    std::string definition, output, skippedLines;
+};
+
+void Build(const BuildArguments& arguments, CommandContext& context) {
+    engine::BuildOptions options;
+    options.definition = PathOfText(arguments.definition);
+    options.output = PathOfText(arguments.output);
+    if (!arguments.skippedLines.empty())
+        options.skippedLines = PathOfText(arguments.skippedLines);
+    const auto start = std::chrono::steady_clock::now();
+    engine::BuildTotals totals;
+    {
+        ProgressBar bar(context.messages, context.messagesAreOnTerminal);
+        options.progress = [&](const std::string& step, double share) { bar.Show(step, share); };
+        totals = engine::BuildCube(options);
+    }
+    const auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    fmt::print(context.output, "{}: {} bytes in {:.1f} s\n", arguments.output, totals.bytesWritten, seconds);
+    fmt::print(context.output, "lines read {}, kept {}, skipped {}\n", totals.linesRead, totals.linesKept,
+               totals.linesSkipped);
+    if (totals.linesSkipped > 0)
+        fmt::print(context.messages, "qel cube build: {} lines could not be used; they are in {}\n",
+                   totals.linesSkipped, arguments.skippedLines);
+}
+
+} // namespace
+
+void AddCubeBuildCommand(CLI::App& cube, CommandContext& context) {
+    auto* command = cube.add_subcommand("build", description);
+    command->footer(footer);
+    auto arguments = std::make_shared<BuildArguments>();
+    command->add_option("DEFINITION", arguments->definition, "The cube definition (JSON)")->required();
+    command->add_option("-o,--output", arguments->output, "The cube file to write")->required();
+    command->add_option("--skip-bad-lines", arguments->skippedLines,
+                        "Write lines that cannot be used to this file and go on");
+    command->callback([arguments, &context] { Build(*arguments, context); });
+}
+
+} // namespace qel

@@ -1,0 +1,108 @@
+#include "cli/CubeInfoCommand.h"
+
+#include "cli/LevelPath.h"
+#include "cli/TextTable.h"
+#include "engine/storage/CubeFile.h"
+#include "platform/local/CubeSource.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fmt/ostream.h>
+
+namespace qel {
+
+namespace {
+
+constexpr const char* description = "Show the cubes, dimensions, levels and measures of a cube file";
+
+constexpr const char* footer = R"(Examples:
+  qel cube info demo.cub
+  qel cube info demo.cub --members '[OBS].[Level2]'
+  qel cube info demo.cub --members SuperSum1)";
+
+const char* AggregateName(engine::Aggregate aggregate) {
+    return aggregate == engine::Aggregate::Sum ? "sum" : "count";
+}
+
+void PrintLevels(const engine::Cube& cube, std::ostream& output) {
+    TextTable table{2, {{"  level", "depth", "members"}}};
+    table.leftColumns = 1;
+    for (const auto& dimension : cube.Dimensions())
+        for (const auto index : dimension.hierarchies)
+            for (const auto& level : cube.Hierarchies()[index].Levels())
+                table.lines.push_back({"  " + FullName({&cube, &cube.Hierarchies()[index], &level}),
+                                       fmt::format("{}", level.depth),
+                                       fmt::format("{}", level.members.Count())});
+    PrintTable(table, output);
+}
+
+void PrintMeasures(const engine::Cube& cube, std::ostream& output) {
+    TextTable table{2, {{"  measure", "aggregate", "decimals"}}};
+    const auto measures = cube.Facts().Measures();
+    for (std::size_t i = 0; i < measures.size(); ++i)
+        table.lines.push_back({"  " + measures[i].name + (i == cube.DefaultMeasure() ? " (default)" : ""),
+                               AggregateName(measures[i].aggregate),
+                               fmt::format("{}", measures[i].decimals)});
+    PrintTable(table, output);
+}
+
+void PrintSortOrders(const engine::Cube& cube, std::ostream& output) {
+    const auto columns = cube.Facts().KeyColumns();
+    for (const auto& projection : cube.Facts().Projections()) {
+        std::string keys;
+        for (const auto column : projection.SortOrder())
+            keys += fmt::format("{}{}", keys.empty() ? "" : ", ", columns[column].name);
+        fmt::print(output, "  sorted by {}\n", keys);
+    }
+}
+
+void PrintCube(const engine::Cube& cube, std::ostream& output) {
+    fmt::print(output, "\ncube {}{}\n", cube.Name(),
+               cube.Caption() == cube.Name() ? "" : fmt::format(" \"{}\"", cube.Caption()));
+    fmt::print(output, "  {} facts, {} dimensions, {} measures\n", cube.Facts().RowCount(),
+               cube.Dimensions().size(), cube.Facts().Measures().size());
+    PrintLevels(cube, output);
+    PrintMeasures(cube, output);
+    PrintSortOrders(cube, output);
+}
+
+void PrintMembers(const LevelPlace& place, std::ostream& output) {
+    constexpr std::size_t textColumns = 4;
+    TextTable table{textColumns, {{"name", "caption", "key", "unique name"}}};
+    const auto& hierarchy = *place.hierarchy;
+    for (auto member = place.level->members.first; member < place.level->members.last; ++member)
+        table.lines.push_back({std::string(hierarchy.MemberName(member)),
+                               std::string(hierarchy.MemberCaption(member)),
+                               std::string(hierarchy.MemberKey(member)), hierarchy.MemberUniqueName(member)});
+    PrintTable(table, output);
+}
+
+void PrintInfo(const std::string& fileName, const std::string& level, CommandContext& context) {
+    RequireCubeFile(fileName);
+    const auto file = engine::CubeFile::Open(PathOfText(fileName));
+    if (!level.empty()) {
+        PrintMembers(FindLevel(*file, level), context.output);
+        return;
+    }
+    fmt::print(context.output, "{}: {} bytes, {} cube{}\n", fileName, file->Size(), file->Cubes().size(),
+               file->Cubes().size() == 1 ? "" : "s");
+    for (const auto& cube : file->Cubes())
+        PrintCube(cube, context.output);
+}
+
+} // namespace
+
+void AddCubeInfoCommand(CLI::App& cube, CommandContext& context) {
+    auto* command = cube.add_subcommand("info", description);
+    command->footer(footer);
+    struct Arguments {
+        std::string file, level;
+    };
+    auto arguments = std::make_shared<Arguments>();
+    command->add_option("FILE", arguments->file, "The cube file")->required();
+    command->add_option("--members", arguments->level,
+                        "List the members of this level: name, caption, key, unique name");
+    command->callback([arguments, &context] { PrintInfo(arguments->file, arguments->level, context); });
+}
+
+} // namespace qel

@@ -1,0 +1,38 @@
+#include "cli/CubeVerifyCommand.h"
+
+#include "cli/ProgressBar.h"
+#include "engine/storage/CubeFile.h"
+#include "platform/local/CubeSource.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fmt/ostream.h>
+
+namespace qel {
+
+namespace {
+
+constexpr const char* description = "Check every checksum and invariant of a cube file";
+
+void Verify(const std::string& file, CommandContext& context) {
+    RequireCubeFile(file);
+    const auto cubeFile = engine::CubeFile::Open(PathOfText(file));
+    {
+        ProgressBar bar(context.messages, context.messagesAreOnTerminal);
+        cubeFile->Verify([&](double share) { bar.Show("checking", share); });
+    }
+    fmt::print(context.output, "{}: OK\n", file);
+}
+
+} // namespace
+
+void AddCubeVerifyCommand(CLI::App& cube, CommandContext& context) {
+    auto* command = cube.add_subcommand("verify", description);
+    command->footer("Prints FILE: OK, or tells the first fault and exits with status 1.\n\n"
+                    "Example:\n  qel cube verify demo.cub");
+    auto file = std::make_shared<std::string>();
+    command->add_option("FILE", *file, "The cube file")->required();
+    command->callback([file, &context] { Verify(*file, context); });
+}
+
+} // namespace qel

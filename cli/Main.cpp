@@ -1,0 +1,93 @@
+#include "cli/CubeBuildCommand.h"
+#include "cli/CubeInfoCommand.h"
+#include "cli/CubeVerifyCommand.h"
+#include "cli/EvalCommand.h"
+#include "cli/ExplainCommand.h"
+#include "cli/MdxCommand.h"
+#include "cli/Terminal.h"
+#include "cli/Version.h"
+#include "engine/EngineError.h"
+#include "platform/AutomationError.h"
+#include "platform/local/LocalDataAccess.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <iostream>
+
+// Where the program is put together: its data provider, its streams and its commands.
+
+namespace {
+
+enum ExitStatus { succeeded = 0, askedFailed = 1, wrongUsage = 2 };
+
+constexpr const char* description =
+    "Reads OLAP cubes through the formulas of the accounting suite's spreadsheet add-in.";
+
+constexpr const char* footer =
+    R"(Results go to standard output, messages to standard error. Exit status: 0 done, 1 what was asked for failed,
+2 wrong usage. 'qel COMMAND --help' shows a command's options and examples.)";
+
+void AddDateOrder(CLI::App& app, qel::Locale& locale) {
+    const std::map<std::string, qel::DateOrder> orders = {{"dmy", qel::DateOrder::DayMonthYear},
+                                                          {"mdy", qel::DateOrder::MonthDayYear},
+                                                          {"ymd", qel::DateOrder::YearMonthDay}};
+    app.add_option("--date-order", locale.dateOrder, "Order of day, month and year in date texts")
+        ->transform(CLI::CheckedTransformer(orders, CLI::ignore_case))
+        ->option_text("dmy|mdy|ymd (default dmy)");
+}
+
+void AddCommands(CLI::App& app, qel::CommandContext& context) {
+    app.require_subcommand(1);
+    app.fallthrough();
+    qel::AddEvalCommand(app, context);
+    qel::AddExplainCommand(app, context);
+    qel::AddMdxCommand(app, context);
+    auto* cube = app.add_subcommand("cube", "Make, describe and check cube files");
+    cube->require_subcommand(1);
+    cube->fallthrough();
+    qel::AddCubeBuildCommand(*cube, context);
+    qel::AddCubeInfoCommand(*cube, context);
+    qel::AddCubeVerifyCommand(*cube, context);
+}
+
+int Run(int argc, char** argv) {
+    qel::LocalDataAccess dataAccess;
+    qel::CommandContext context{dataAccess, {},        std::cin,
+                                std::cout,  std::cerr, qel::StandardErrorIsTerminal()};
+    CLI::App app{description, "qel"};
+    app.footer(footer);
+    app.set_version_flag("--version", std::string("qel ") + qel::programVersion);
+    AddDateOrder(app, context.locale);
+    AddCommands(app, context);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error, std::cout, std::cerr) == 0 ? succeeded : wrongUsage;
+    }
+    return context.failed ? askedFailed : succeeded;
+}
+
+int Fail(const std::string& reason) {
+    std::cout.flush();
+    std::cerr << "qel: " << reason << '\n';
+    return askedFailed;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    std::ios::sync_with_stdio(false);
+    std::cin.tie(nullptr);
+    try {
+        const int status = Run(argc, argv);
+        std::cout.flush();
+        return std::cout ? status : Fail("standard output cannot be written");
+    } catch (const qel::AutomationError& error) {
+        return Fail(fmt::format("{} (error {})", error.Description(), error.Number()));
+    } catch (const qel::engine::EngineError& error) {
+        return Fail(fmt::format("{} (error {})", error.what(), static_cast<std::int32_t>(error.Kind())));
+    } catch (const std::exception& error) {
+        return Fail(error.what());
+    }
+}

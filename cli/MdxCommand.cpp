@@ -1,0 +1,56 @@
+#include "cli/MdxCommand.h"
+
+#include "cli/CellsetOutput.h"
+#include "cli/InputLines.h"
+#include "cube/CubeConnection.h"
+
+#include <CLI/CLI.hpp>
+
+namespace qel {
+
+namespace {
+
+constexpr const char* description = "Run an MDX statement and print its cells";
+
+constexpr const char* footer = R"(Columns go across, rows go down; an empty cell is empty, not 0.
+
+Examples:
+  qel mdx demo.cub LedgerFNC 'SELECT {[Measures].[Amount]} ON COLUMNS, [Firma].Members ON ROWS FROM [LedgerFNC]'
+  qel mdx demo.cub LedgerFNC - --csv < statement.mdx)";
+
+struct MdxOptions {
+    std::string cubeFile, cubeName, statement;
+    bool csv = false, json = false;
+};
+
+void RunMdx(const MdxOptions& options, CommandContext& context) {
+    const auto connection = context.dataAccess.CreateConnection();
+    connection->Open(ModSetCube::ComposeConnectionText(options.cubeFile, options.cubeName), "", "",
+                     optionsUnspecified);
+    const auto cellset = context.dataAccess.CreateCellset();
+    cellset->Open(options.statement == "-" ? ReadAll(context.input) : options.statement, connection);
+    const auto grid = ReadGrid(*cellset);
+    if (options.csv)
+        PrintAsCsv(grid, context.output);
+    else if (options.json)
+        PrintAsJson(grid, context.output);
+    else
+        PrintAsTable(grid, context.output);
+}
+
+} // namespace
+
+void AddMdxCommand(CLI::App& app, CommandContext& context) {
+    auto* command = app.add_subcommand("mdx", description);
+    command->footer(footer);
+    auto options = std::make_shared<MdxOptions>();
+    command->add_option("CUBEFILE", options->cubeFile, "The cube file")->required();
+    command->add_option("CUBENAME", options->cubeName, "The cube in it")->required();
+    command->add_option("STATEMENT", options->statement, "The MDX statement; '-' reads standard input")
+        ->required();
+    auto* csv = command->add_flag("--csv", options->csv, "Print comma-separated values (RFC 4180)");
+    command->add_flag("--json", options->json, "Print JSON: axes with members, cells by row")->excludes(csv);
+    command->callback([options, &context] { RunMdx(*options, context); });
+}
+
+} // namespace qel

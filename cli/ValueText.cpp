@@ -1,0 +1,77 @@
+#include "cli/ValueText.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <cstdlib>
+
+namespace qel {
+
+namespace {
+
+constexpr int significantDigits = 15;
+constexpr int smallestPlainExponent = -9;
+constexpr int largestPlainExponent = 20;
+
+struct DecimalDigits {
+    std::string digits; ///< without trailing zeros; the point comes after the first
+    int exponent = 0;
+};
+
+DecimalDigits DigitsOf(double number) {
+    const auto scientific = fmt::format("{:.{}e}", number, significantDigits - 1);
+    const auto e = scientific.find('e');
+    DecimalDigits result;
+    result.digits = scientific.substr(0, e);
+    result.digits.erase(1, 1);
+    result.exponent = static_cast<int>(std::strtol(scientific.c_str() + e + 1, nullptr, 10));
+    result.digits.erase(result.digits.find_last_not_of('0') + 1);
+    return result;
+}
+
+std::string PlainText(DecimalDigits number) {
+    if (number.exponent < 0)
+        return fmt::format("0.{:0>{}}", number.digits,
+                           number.digits.size() + static_cast<std::size_t>(-number.exponent - 1));
+    const auto wholeDigits = static_cast<std::size_t>(number.exponent) + 1;
+    if (number.digits.size() <= wholeDigits)
+        return number.digits + std::string(wholeDigits - number.digits.size(), '0');
+    return number.digits.insert(wholeDigits, 1, '.');
+}
+
+std::string ExponentText(DecimalDigits number) {
+    if (number.digits.size() > 1)
+        number.digits.insert(1, 1, '.');
+    return fmt::format("{}E{}{:02}", number.digits, number.exponent < 0 ? '-' : '+',
+                       std::abs(number.exponent));
+}
+
+} // namespace
+
+std::string NumberText(double number) {
+    if (!std::isfinite(number))
+        return "#NUM!";
+    if (number == 0)
+        return "0";
+    const auto digits = DigitsOf(std::abs(number));
+    const bool isPlain = digits.exponent >= smallestPlainExponent && digits.exponent <= largestPlainExponent;
+    return fmt::format("{}{}", number < 0 ? "-" : "", isPlain ? PlainText(digits) : ExponentText(digits));
+}
+
+std::string ValueText(const Variant& value) {
+    if (value.Is<std::string>())
+        return value.As<std::string>();
+    if (value.Is<double>())
+        return NumberText(value.As<double>());
+    if (value.Is<std::int16_t>())
+        return fmt::format("{}", value.As<std::int16_t>());
+    if (value.Is<std::int32_t>())
+        return fmt::format("{}", value.As<std::int32_t>());
+    if (value.Is<bool>())
+        return value.As<bool>() ? "TRUE" : "FALSE";
+    if (value.Is<Empty>() || value.Is<Null>())
+        return "";
+    return fmt::format("({})", value.TypeName());
+}
+
+} // namespace qel

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/Variant.h"
+
+#include <string>
+
+namespace qel {
+
+/// A number as a cell of general format shows it: up to 15 significant digits, no exponent from 1E-9 up to
+/// 1E+21, a decimal point, no thousands separators.
+std::string NumberText(double number);
+
+/// A cell's value on one line: numbers as NumberText, texts as they are, nothing for an empty one.
+std::string ValueText(const Variant& value);
+
+} // namespace qel

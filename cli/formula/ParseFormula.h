@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/formula/Formula.h"
+
+#include <string_view>
+
+namespace qel {
+
+/// Reads the text of a cell, e.g. `=OrmFunctionQel4.OrmQelFunction.QelName("a.cub", "Fin", "SuperSum1", 42)`.
+/// The leading '=' and the class's name may be missing, names stand in any letter case, arguments are
+/// separated by ',' or throughout by ';', the elements of an array constant by ',', ';' or '\'.
+/// Raises FormulaError naming what is wrong and where.
+Formula ParseFormula(std::string_view text);
+
+} // namespace qel
