@@ -1,0 +1,128 @@
+#include "support/Files.h"
+
+#include "support/Wildcard.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+namespace qel {
+namespace {
+
+namespace fs = std::filesystem;
+
+class FilesTest : public ::testing::Test {
+protected:
+    FilesTest() : folder_(fs::temp_directory_path() / fs::u8path(u8"qel files שכר " + UniqueName())) {
+        fs::create_directories(folder_ / "sub");
+        for (const char* name : {"a.tmp", "b.tmp", "b.TMP", "no extension", "keep.cub", "sub/c.tmp"})
+            std::ofstream(folder_ / name) << "x";
+    }
+    ~FilesTest() override { fs::remove_all(folder_); }
+    FilesTest(const FilesTest&) = delete;
+    FilesTest& operator=(const FilesTest&) = delete;
+
+    static std::u8string UniqueName() {
+        const std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
+        return {name.begin(), name.end()};
+    }
+    std::string PathOf(const std::string& name) const {
+        const std::u8string path = folder_.u8string();
+        return std::string(path.begin(), path.end()) + name;
+    }
+    std::set<std::string> Remaining() const {
+        std::set<std::string> names;
+        for (const auto& entry : fs::directory_iterator(folder_))
+            names.insert(entry.path().filename().string());
+        return names;
+    }
+
+    fs::path folder_;
+};
+
+TEST(FileTexts, AddBackslashEndsAPathOnce) {
+    const std::pair<const char*, const char*> cases[] = {{"C:\\data", "C:\\data\\"},
+                                                         {"C:\\data\\  ", "C:\\data\\"},
+                                                         {"data/", "data/"},
+                                                         {"data  ", "data\\"},
+                                                         {" data", " data\\"},
+                                                         {"", "\\"},
+                                                         {"   ", "\\"}};
+    for (const auto& [path, ended] : cases) {
+        std::string text = path;
+        AddBackslash(text);
+        EXPECT_EQ(text, ended);
+    }
+}
+
+TEST(FileTexts, StripQuotesTakesOnePairOff) {
+    const std::pair<const char*, const char*> cases[] = {
+        {" \"a b\" ", "a b"}, {"\"\"", ""}, {"\"", "\""},           {"\"a", "\"a"},
+        {"a\"", "a\""},       {"", ""},     {"\"\"a\"\"", "\"a\""}, {"\" a \"", " a "}};
+    for (const auto& [text, stripped] : cases)
+        EXPECT_EQ(StripQuotes(text), stripped);
+}
+
+TEST_F(FilesTest, TellsFilesFromFoldersWithEitherSeparator) {
+    EXPECT_TRUE(FileExists(PathOf("/a.tmp")));
+    EXPECT_TRUE(FileExists(" \"" + PathOf("\\sub\\c.tmp") + "\" "));
+    EXPECT_TRUE(FileExists(PathOf("/a.tmp\\"))) << "one backslash at the end is ignored";
+    EXPECT_TRUE(DirExists(PathOf("\\sub  ")));
+    EXPECT_TRUE(DirExists(PathOf("/sub/")));
+    for (const char* name :
+         {"", "/sub", "/sub\\", "/missing", "/missing/a.tmp", "/a.tmp/a.tmp", "/a.tmp\\\\"})
+        EXPECT_FALSE(FileExists(PathOf(name))) << name;
+    for (const char* name : {"/a.tmp", "/missing", "/a.tmp/x"})
+        EXPECT_FALSE(DirExists(PathOf(name))) << name;
+    const std::string tooLong(100000, 'x');
+    EXPECT_FALSE(FileExists(tooLong));
+    EXPECT_FALSE(DirExists(tooLong));
+    EXPECT_FALSE(FileExists(""));
+}
+
+TEST_F(FilesTest, DeletesTheFilesOfOneFolderThatMatch) {
+    DeleteFiles(PathOf("/missing/*.tmp"));
+    DeleteFiles(PathOf("\\?.tmp"));
+    const std::set<std::string> others = {"b.TMP", "no extension", "keep.cub", "sub"};
+#ifdef _WIN32
+    EXPECT_EQ(Remaining(), (std::set<std::string>{"no extension", "keep.cub", "sub"}));
+#else
+    EXPECT_EQ(Remaining(), others);
+#endif
+    DeleteFiles(PathOf("\\*.*"));
+    EXPECT_EQ(Remaining(), std::set<std::string>{"sub"});
+    EXPECT_TRUE(FileExists(PathOf("/sub/c.tmp")));
+}
+
+TEST(Wildcard, MatchesWholeNames) {
+    const struct {
+        const char* name;
+        const char* pattern;
+        bool matches;
+    } cases[] = {
+        {"a.tmp", "*.tmp", true},
+        {"a.tmp.bak", "*.tmp", false},
+        {"a.tmp.tmp", "*.tmp", true},
+        {"name", "*.*", true},
+        {"name", "name", true},
+        {"name", "nam", false},
+        {"nam", "name", false},
+        {"é.x", "?.x", true},
+        {"é", "??", false},
+        {"", "*", true},
+        {"", "?", false},
+        {"", "", true},
+        {"aXbXc", "a*X?", true},
+        {"שכר.cub", "ש?ר*", true},
+        {"ab", "a*b*", true},
+        {"mississippi", "m*iss*pi", true},
+        {"mississippi", "m*iss*px", false},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(MatchesWildcard(c.name, c.pattern), c.matches) << c.name << " " << c.pattern;
+}
+
+} // namespace
+} // namespace qel
