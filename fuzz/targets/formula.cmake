@@ -1,0 +1,1 @@
+qel_fuzz(formula targets/formula.cpp qel_cli_formula)

@@ -1,0 +1,21 @@
+#include "cli/formula/BindFormula.h"
+#include "cli/formula/FormulaError.h"
+#include "cli/formula/ParseFormula.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string_view>
+
+// Any text either becomes a call or is refused with a place inside the text (or just behind it).
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const qel::Locale locale;
+    try {
+        qel::BindFormula(qel::ParseFormula(text), locale);
+    } catch (const qel::FormulaError& error) {
+        if (error.Position() < 1 || error.Position() > size + 1)
+            std::abort();
+    }
+    return 0;
+}

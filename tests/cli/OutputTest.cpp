@@ -1,0 +1,130 @@
+#include "cli/CellsetOutput.h"
+#include "cli/InputLines.h"
+#include "cli/TextTable.h"
+#include "cli/ValueText.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <sstream>
+
+namespace qel {
+namespace {
+
+TEST(ValueText, ShowsNumbersAsACellDoes) {
+    struct Case {
+        double number;
+        const char* text;
+    };
+    const Case cases[] = {
+        {0, "0"},
+        {-0.0, "0"},
+        {12, "12"},
+        {-1234567.89, "-1234567.89"},
+        {0.1 + 0.2, "0.3"},
+        {1.005, "1.005"},
+        {0.07, "0.07"},
+        {-0.000001, "-0.000001"},
+        {100, "100"},
+        {9999999999999.99, "9999999999999.99"},
+        {123456789012345678.0, "123456789012346000"},
+        {999999999999999.9, "1000000000000000"},
+        {1e15, "1000000000000000"},
+        {1e20, "100000000000000000000"},
+        {1e21, "1E+21"},
+        {-1.25e300, "-1.25E+300"},
+        {1e-9, "0.000000001"},
+        {2.5e-10, "2.5E-10"},
+        {std::numeric_limits<double>::infinity(), "#NUM!"},
+        {std::numeric_limits<double>::quiet_NaN(), "#NUM!"},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(ValueText(c.number), c.text);
+    EXPECT_EQ(ValueText(std::int16_t{0}), "0");
+    EXPECT_EQ(ValueText("Outdated Cube Version"), "Outdated Cube Version");
+    EXPECT_EQ(ValueText(Null{}), "");
+}
+
+TEST(InputLines, ReadsWhatEditorsAndWindowsWrite) {
+    std::istringstream input("\xEF\xBB\xBF=F(1)\r\n\r\n   \n\t\n=F(2)\n=F(3)");
+    InputLines lines(input);
+    std::vector<std::pair<std::size_t, std::string>> read;
+    while (const auto line = lines.NextFilled())
+        read.emplace_back(lines.Number(), *line);
+    const std::vector<std::pair<std::size_t, std::string>> expected = {
+        {1, "=F(1)"}, {5, "=F(2)"}, {6, "=F(3)"}};
+    EXPECT_EQ(read, expected);
+}
+
+TEST(TextTable, AlignsByWhatIsSeen) {
+    TextTable table{1, {{"name", "Q1"}, {"שָׁלוֹם", "5"}, {"line\nbreak", "-1234.5"}}};
+    std::ostringstream output;
+    PrintTable(table, output);
+    EXPECT_EQ(output.str(), "name             Q1\n"
+                            "שָׁלוֹם              5\n"
+                            "line break  -1234.5\n");
+}
+
+CellsetMember Named(const std::string& caption, const std::string& level = "L") {
+    return {caption, "[D].[" + caption + "]", level, caption, 1};
+}
+
+CellsetGrid SmallGrid() {
+    CellsetGrid grid;
+    grid.axisCount = 2;
+    grid.columns = {{Named("2024"), Named("Amount")}, {Named("2024"), Named("A \"quoted\", one")}};
+    grid.rows = {{Named("4000", "Account"), Named("שכר", "AccountName")},
+                 {Named("5000", "Account"), Named("a\nb", "AccountName")}};
+    grid.cells = {{1234.5, Null{}}, {-0.25, 3.0}};
+    return grid;
+}
+
+TEST(CellsetOutput, TableHasAHeadingLineForEveryColumnMember) {
+    std::ostringstream output;
+    PrintAsTable(SmallGrid(), output);
+    EXPECT_EQ(output.str(), "                        2024             2024\n"
+                            "Account  AccountName  Amount  A \"quoted\", one\n"
+                            "4000     שכר          1234.5\n"
+                            "5000     a b           -0.25                3\n");
+}
+
+TEST(CellsetOutput, CsvQuotesWhatNeedsIt) {
+    std::ostringstream output;
+    PrintAsCsv(SmallGrid(), output);
+    EXPECT_EQ(output.str(), "Account,AccountName,2024 / Amount,\"2024 / A \"\"quoted\"\", one\"\n"
+                            "4000,שכר,1234.5,\n"
+                            "5000,\"a\nb\",-0.25,3\n");
+}
+
+TEST(CellsetOutput, JsonKeepsAxesAndEmptyCells) {
+    auto grid = SmallGrid();
+    grid.rows.resize(1);
+    grid.rows[0].resize(1);
+    grid.cells.resize(1);
+    grid.columns.resize(1);
+    grid.columns[0] = {Named("bad \xD7 byte")};
+    grid.cells[0] = {Null{}};
+    std::ostringstream output;
+    PrintAsJson(grid, output);
+    std::string flat;
+    for (const char c : output.str())
+        if (c != ' ' && c != '\n')
+            flat += c;
+    EXPECT_EQ(flat, R"({"axes":[[{"members":[{"name":"bad�byte","caption":"bad�byte",)"
+                    R"("uniqueName":"[D].[bad�byte]","level":"L","depth":1}]}],)"
+                    R"([{"members":[{"name":"4000","caption":"4000","uniqueName":"[D].[4000]",)"
+                    R"("level":"Account","depth":1}]}]],"cells":[[null]]})");
+}
+
+TEST(CellsetOutput, NoAxesIsTheCellAlone) {
+    const CellsetGrid grid{0, {{}}, {{}}, {{7.5}}};
+    std::ostringstream table;
+    std::ostringstream csv;
+    PrintAsTable(grid, table);
+    PrintAsCsv(grid, csv);
+    EXPECT_EQ(table.str(), "7.5\n");
+    EXPECT_EQ(csv.str(), "7.5\n");
+}
+
+} // namespace
+} // namespace qel
