@@ -1,0 +1,37 @@
+#pragma once
+
+#include "examples/ledger/Random.h"
+#include "function/OrmQelFunction.h"
+#include "platform/local/LocalDataAccess.h"
+#include "tests/ledger/reference/Selection.h"
+
+#include <filesystem>
+#include <string>
+
+namespace qel::ledger {
+
+/// A worksheet's cell over one cube file: the arguments as a spreadsheet sends them, evaluated by the
+/// component over the embedded engine.
+class FormulaCell {
+public:
+    /// `variety` decides how "no restriction" and the keys are written, where people write them in several
+    /// ways.
+    FormulaCell(std::string cubeFile, std::uint64_t variety);
+
+    /// What QelF1 shows. Raises std::runtime_error when it is not a number.
+    double Value(const Selection& selection);
+
+private:
+    std::string Unrestricted();
+    std::string Text(const std::string& member);
+    Variant Key(const std::string& member);
+
+    std::string cubeFile_;
+    Random variety_;
+    LocalDataAccess dataAccess_;
+    Locale locale_;
+    ModSetCube::ThreadState thread_;
+    OrmQelFunction function_;
+};
+
+} // namespace qel::ledger

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace qel::ledger {
+
+/// A prepared statement. Every operation raises std::runtime_error with SQLite's own message.
+class SqlStatement {
+public:
+    SqlStatement(sqlite3* database, const std::string& sql);
+
+    /// Parameters count from 1. A text is copied.
+    void Bind(int parameter, std::string_view text);
+    void Bind(int parameter, std::int64_t number);
+    /// True while there is a row.
+    bool Step();
+    std::int64_t Number(int column) const;
+    std::string Text(int column) const;
+    /// Ready for the next run; the bindings stay.
+    void Reset();
+
+private:
+    struct Finalize {
+        void operator()(sqlite3_stmt* statement) const;
+    };
+    sqlite3* database_;
+    std::unique_ptr<sqlite3_stmt, Finalize> statement_;
+};
+
+/// An SQLite database in memory.
+class SqlDatabase {
+public:
+    SqlDatabase();
+
+    void Run(const std::string& sql);
+    SqlStatement Prepare(const std::string& sql) { return {database_.get(), sql}; }
+    /// The first row's first number.
+    std::int64_t Number(const std::string& sql);
+    std::string Text(const std::string& sql);
+
+private:
+    struct Close {
+        void operator()(sqlite3* database) const;
+    };
+    std::unique_ptr<sqlite3, Close> database_;
+};
+
+} // namespace qel::ledger
