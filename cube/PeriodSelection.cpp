@@ -20,13 +20,11 @@ AutomationDate StartOfPeriods(const DateTable& table, AutomationDate from) {
     return period == table.CubeDates.end() || from.IsZero() ? from : *period;
 }
 
-/// Counts from the period of `from` up to the one of `to`.
+/// Counts from the period of `from` up to the one of `to`, which both start periods of the table.
 PeriodSpan CountPeriods(const DateTable& table, AutomationDate from, AutomationDate to) {
     const auto& dates = table.CubeDates;
     const auto first = std::find(dates.begin(), dates.end(), from);
     const auto last = std::find_if(first, dates.end(), [&](AutomationDate date) { return date >= to; });
-    if (last == dates.end()) // the members are not in the order of their dates
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
     return {static_cast<int>(last - first) + 1,
             table.CubeDateNames[static_cast<std::size_t>(last - dates.begin())]};
 }

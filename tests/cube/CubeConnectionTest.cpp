@@ -1,0 +1,92 @@
+#include "cube/CubeConnection.h"
+
+#include "platform/AutomationError.h"
+#include "tests/doubles/RecordingProvider.h"
+
+#include <gtest/gtest.h>
+
+namespace qel::ModSetCube {
+namespace {
+
+using Log = std::vector<std::string>;
+
+const std::string textOfA = "Provider=MSOLAP;Data Source=C:\\a b\\A.cub;Initial Catalog=Finance;Client Cache "
+                            "Size=25;Auto Synch Period=10000";
+const std::string textOfLowerA = "Provider=MSOLAP;Data Source=C:\\a b\\a.cub;Initial Catalog=Finance;Client "
+                                 "Cache Size=25;Auto Synch Period=10000";
+const std::string textOfOtherCube = "Provider=MSOLAP;Data Source=C:\\a b\\A.cub;Initial "
+                                    "Catalog=finance;Client Cache Size=25;Auto Synch Period=10000";
+
+class CubeConnectionTest : public ::testing::Test {
+protected:
+    bool Ensure(const std::string& cubeFile, const std::string& cubeName = "Finance") {
+        return EnsureCurrentCubeOpen(thread_, provider_, opened_, cubeFile, cubeName);
+    }
+
+    testing::RecordingProvider provider_ = testing::LedgerProvider();
+    ThreadState thread_;
+    OpenedCube opened_;
+};
+
+TEST_F(CubeConnectionTest, MakesOpensAndChecksOnce) {
+    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + textOfA, "catalog " + textOfA}));
+    EXPECT_EQ(thread_.dates.CubeDates.size(), 24U);
+    EXPECT_EQ(opened_.cubeFile, "") << "the first opening leaves the object's cube to the evaluation";
+    opened_ = {"C:\\a b\\A.cub", "Finance"};
+    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    EXPECT_EQ(provider_.TakeLog(), Log{});
+}
+
+TEST_F(CubeConnectionTest, OpensAConnectionThatIsNotOpen) {
+    thread_.CubeConnection = provider_.CreateConnection();
+    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    thread_.CubeConnection->Close(); // as a provider does by itself
+    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + textOfA, "catalog " + textOfA, "close",
+                                        "open " + textOfA, "catalog " + textOfA}));
+}
+
+TEST_F(CubeConnectionTest, ReopensForAnyOtherText) {
+    Ensure("C:\\a b\\A.cub");
+    opened_ = {"C:\\a b\\A.cub", "Finance"};
+    provider_.TakeLog();
+    EXPECT_TRUE(Ensure("C:\\a b\\a.cub"));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + textOfLowerA, "catalog " + textOfLowerA}));
+    EXPECT_EQ(opened_.cubeFile, "C:\\a b\\a.cub");
+    EXPECT_TRUE(Ensure("C:\\a b\\A.cub", "finance"));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + textOfOtherCube, "catalog " + textOfOtherCube}));
+    EXPECT_EQ(opened_.cubeName, "finance");
+}
+
+TEST_F(CubeConnectionTest, DropsAnOutdatedCubeEveryTime) {
+    provider_.DimensionScript("ActX").levels.pop_back();
+    const Log drop = {"new connection", "open " + textOfA, "catalog " + textOfA, "release"};
+    for (int call = 0; call < 2; ++call) {
+        EXPECT_FALSE(Ensure("C:\\a b\\A.cub"));
+        EXPECT_EQ(thread_.CubeConnection, nullptr);
+        EXPECT_EQ(provider_.TakeLog(), drop);
+    }
+}
+
+TEST_F(CubeConnectionTest, NamesTheNewCubeEvenWhenItCannotBeOpened) {
+    Ensure("C:\\a b\\A.cub");
+    provider_.failingOpen = -2147467259;
+    EXPECT_THROW(Ensure("missing.cub", "None"), AutomationError);
+    EXPECT_EQ(opened_.cubeFile, "missing.cub");
+    EXPECT_EQ(opened_.cubeName, "None");
+    EXPECT_EQ(thread_.CubeConnection->State(), stateClosed);
+}
+
+TEST_F(CubeConnectionTest, NameCallsOpenByTheSameRulesWithoutTheCheck) {
+    EXPECT_TRUE(OpenOrReuse(thread_, provider_, opened_, "C:\\a b\\A.cub", "Finance"));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + textOfA}));
+    EXPECT_TRUE(OpenOrReuse(thread_, provider_, opened_, "C:\\a b\\A.cub", "Finance"))
+        << "the first opening did not name the cube";
+    EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + textOfA}));
+    EXPECT_FALSE(OpenOrReuse(thread_, provider_, opened_, "C:\\a b\\A.cub", "Finance"));
+    EXPECT_EQ(provider_.TakeLog(), Log{});
+}
+
+} // namespace
+} // namespace qel::ModSetCube

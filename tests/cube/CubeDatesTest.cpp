@@ -1,0 +1,134 @@
+#include "cube/CubeDates.h"
+
+#include "platform/AutomationError.h"
+#include "tests/doubles/RecordingProvider.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace qel::ModSetCube {
+namespace {
+
+using testing::LedgerProvider;
+using testing::MonthlyDates;
+using testing::RecordingProvider;
+using testing::ScriptedDimension;
+
+AutomationDate Day(int year, int month, int day) { return DateFromDay({year, month, day}); }
+
+/// All, Year, Quarter, Month, Day: 31 December 2019 and 1 and 2 January 2020, quarters named oddly.
+ScriptedDimension DailyDates() {
+    return {"Date",
+            {{"All", {{"All", "", 0}}},
+             {"Year", {{"2019", "", 0}, {"2020", "", 0}}},
+             {"Quarter", {{"Last", "", 0}, {"רבעון 1", "", 1}}},
+             {"Month", {{"12", "", 0}, {"1", "", 1}}},
+             {"Day", {{"31", "[d1]", 0}, {"1", "[d2]", 1}, {"2", "[d3]", 1}}}}};
+}
+
+/// All, Year, Month.
+ScriptedDimension DatesWithoutQuarters() {
+    return {"Date",
+            {{"All", {{"All", "", 0}}},
+             {"Year", {{"19", "", 0}, {"2020", "", 0}}},
+             {"Month", {{"12", "[m1]", 0}, {" 1 ", "[m2]", 1}}}}};
+}
+
+class CubeDatesTest : public ::testing::Test {
+protected:
+    CubeDatesTest() {
+        thread_.CubeConnection = provider_.CreateConnection();
+        thread_.CubeConnection->Open("TEXT", "", "", optionsUnspecified);
+        provider_.TakeLog();
+    }
+
+    RecordingProvider provider_ = LedgerProvider();
+    ThreadState thread_;
+};
+
+TEST_F(CubeDatesTest, LoadsMonthsByYearAndMonth) {
+    provider_.DimensionScript("Date") = MonthlyDates(2019, 11, 2020, 2);
+    EXPECT_EQ(LoadCubeDates(thread_, provider_), 0);
+    const std::vector<AutomationDate> dates = {Day(2019, 11, 1), Day(2019, 12, 1), Day(2020, 1, 1),
+                                               Day(2020, 2, 1)};
+    const std::vector<std::string> names = {"[Date].[2019].[11]", "[Date].[2019].[12]", "[Date].[2020].[1]",
+                                            "[Date].[2020].[2]"};
+    EXPECT_EQ(thread_.dates.CubeDates, dates);
+    EXPECT_EQ(thread_.dates.CubeDateNames, names);
+    EXPECT_EQ(thread_.dates.CubeMinDate, Day(2019, 11, 1));
+    EXPECT_EQ(thread_.dates.CubeMaxDate, Day(2020, 2, 1));
+    EXPECT_EQ(provider_.log, std::vector<std::string>{"catalog TEXT"});
+}
+
+TEST_F(CubeDatesTest, LoadsDaysWhateverTheQuartersAreCalled) {
+    provider_.DimensionScript("Date") = DailyDates();
+    EXPECT_EQ(LoadCubeDates(thread_, provider_), 0);
+    const std::vector<AutomationDate> dates = {Day(2019, 12, 31), Day(2020, 1, 1), Day(2020, 1, 2)};
+    EXPECT_EQ(thread_.dates.CubeDates, dates);
+    EXPECT_EQ(thread_.dates.CubeDateNames, (std::vector<std::string>{"[d1]", "[d2]", "[d3]"}));
+    EXPECT_EQ(thread_.dates.CubeMinDate, Day(2019, 12, 31));
+    EXPECT_EQ(thread_.dates.CubeMaxDate, Day(2020, 1, 2));
+}
+
+TEST_F(CubeDatesTest, LoadsMonthsRightUnderTheirYear) {
+    provider_.DimensionScript("Date") = DatesWithoutQuarters();
+    EXPECT_EQ(LoadCubeDates(thread_, provider_), 0);
+    EXPECT_EQ(thread_.dates.CubeDates, (std::vector<AutomationDate>{Day(2019, 12, 1), Day(2020, 1, 1)}));
+    EXPECT_EQ(thread_.dates.CubeMaxDate, Day(2020, 1, 1));
+}
+
+TEST_F(CubeDatesTest, AMonthWithoutANameHasNoDate) {
+    ScriptedDimension dates = MonthlyDates(2020, 1, 2020, 3);
+    dates.levels[3].members[1].name = "";
+    dates.levels[3].members[2].name = "";
+    provider_.DimensionScript("Date") = dates;
+    EXPECT_EQ(LoadCubeDates(thread_, provider_), 0);
+    EXPECT_EQ(thread_.dates.CubeDates, (std::vector<AutomationDate>{Day(2020, 1, 1), {}, {}}));
+    EXPECT_EQ(thread_.dates.CubeDateNames.size(), 3U);
+    EXPECT_TRUE(thread_.dates.CubeMaxDate.IsZero());
+}
+
+TEST_F(CubeDatesTest, AnOutdatedLayoutLeavesTheTableAlone) {
+    LoadCubeDates(thread_, provider_);
+    provider_.DimensionScript("actx").levels.pop_back();
+    provider_.DimensionScript("Date") = DailyDates();
+    EXPECT_EQ(LoadCubeDates(thread_, provider_), 9999);
+    EXPECT_EQ(thread_.dates.CubeDates.size(), 24U);
+}
+
+TEST_F(CubeDatesTest, RaisesForWhatIsNoCalendarAndKeepsTheOldTable) {
+    LoadCubeDates(thread_, provider_);
+    const struct {
+        const char* what;
+        std::function<void(RecordingProvider&)> spoil;
+        std::int32_t number;
+    } cases[] = {
+        {"no Date dimension", [](auto& p) { p.DimensionScript("Date").name = "Calendar"; }, 3265},
+        {"no ActX dimension", [](auto& p) { p.DimensionScript("ActX").name = "Other"; }, 3265},
+        {"a month in words", [](auto& p) { p.DimensionScript("Date").levels[3].members[0].name = "ינואר"; },
+         13},
+        {"month 13", [](auto& p) { p.DimensionScript("Date").levels[3].members[23].name = "13"; }, 5},
+        {"no months", [](auto& p) { p.DimensionScript("Date").levels[3].members.clear(); }, 9},
+        {"no levels", [](auto& p) { p.DimensionScript("Date").levels.resize(1); }, 9},
+        {"the catalog fails", [](auto& p) { p.failingCatalog = -2147467259; }, -2147467259},
+        {"no connection", [](auto&) {}, 91},
+    };
+    for (const auto& c : cases) {
+        RecordingProvider spoiled = LedgerProvider();
+        c.spoil(spoiled);
+        ThreadState thread = thread_;
+        if (c.number == 91)
+            thread.CubeConnection.reset();
+        try {
+            LoadCubeDates(thread, spoiled);
+            ADD_FAILURE() << c.what;
+        } catch (const AutomationError& error) {
+            EXPECT_EQ(error.Number(), c.number) << c.what;
+        }
+        EXPECT_EQ(thread.dates.CubeDates.size(), 24U) << c.what;
+    }
+}
+
+} // namespace
+} // namespace qel::ModSetCube
