@@ -21,6 +21,7 @@ struct BuildOptions {
 struct BuildTotals {
     std::uint64_t linesRead = 0, linesKept = 0,
                   linesSkipped = 0; ///< of the fact tables, header lines not counted
+    std::uint64_t dimensionLinesSkipped = 0;
     std::uint64_t bytesWritten = 0;
 };
 

@@ -44,7 +44,8 @@ struct MemberColumns {
     std::span<const std::uint32_t> rangeOffsets; ///< one more than there are members
     std::span<const KeyRange> ranges;
     std::span<const std::uint32_t> nameSlots,
-        keySlots; ///< open-addressing tables of member number + 1, see NameIndex.h
+        keySlots;                        ///< open-addressing tables of member number + 1, see NameIndex.h
+    std::span<const std::uint8_t> flags; ///< see format::nameIsShared
 };
 
 /// One hierarchy of a dimension. Its members stand for sets of codes of one key column of the fact table; two

@@ -1,0 +1,56 @@
+#include "engine/build/BadLines.h"
+
+#include "engine/EngineError.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <system_error>
+
+namespace qel::engine {
+
+namespace {
+
+void WriteLine(std::ofstream& file, std::string_view line) {
+    file << line;
+    if (line.empty() || (line.back() != '\n' && line.back() != '\r'))
+        file << '\n';
+}
+
+} // namespace
+
+BadLines::BadLines(const std::optional<std::filesystem::path>& skippedLines)
+    : isSkipping_(skippedLines.has_value()) {
+    if (!isSkipping_)
+        return;
+    path_ = *skippedLines;
+    file_.open(path_, std::ios::binary | std::ios::trunc);
+    if (!file_)
+        throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", path_.string(),
+                                                              std::generic_category().message(errno)));
+}
+
+void BadLines::Report(const CsvReader& reader, const std::string& column, const std::string& fault) {
+    if (!isSkipping_) {
+        const std::string place = column.empty() ? "" : ", column " + column;
+        throw EngineError(ErrorKind::InvalidData,
+                          fmt::format("{}, line {}{}: {}", reader.FileName(), reader.Line(), place, fault));
+    }
+    if (!written_.emplace(reader.FileName(), reader.Line()).second)
+        return;
+    if (lastFile_ != reader.FileName())
+        WriteLine(file_, reader.HeaderText());
+    lastFile_ = reader.FileName();
+    WriteLine(file_, reader.Raw());
+}
+
+void BadLines::Finish() {
+    if (!isSkipping_)
+        return;
+    file_.close();
+    if (!file_)
+        throw EngineError(ErrorKind::CannotWrite,
+                          fmt::format("{}: not all skipped lines could be written", path_.string()));
+}
+
+} // namespace qel::engine

@@ -1,0 +1,40 @@
+#include "engine/build/BuildCube.h"
+
+#include "engine/build/BadLines.h"
+#include "engine/build/CubeBuilder.h"
+#include "engine/build/Definition.h"
+#include "engine/build/FactSorter.h"
+#include "engine/storage/CubeFileWriter.h"
+
+#include <memory>
+#include <vector>
+
+namespace qel::engine {
+
+BuildTotals BuildCube(const BuildOptions& options) {
+    const Definition definition = ReadDefinition(options.definition);
+    BuildTotals totals;
+    CubeFileWriter writer(options.output); // first of all: a long build must not end at a wrong path
+    BadLines badLines(options.skippedLines);
+    // The metadata of every cube comes before any facts, so that it is read with few pages.
+    std::vector<std::unique_ptr<CubeBuilder>> cubes;
+    for (const CubeDefinition& cube : definition.cubes) {
+        cubes.push_back(std::make_unique<CubeBuilder>(definition, cube, badLines, options.progress));
+        cubes.back()->Run(totals);
+        writer.AddCube(cubes.back()->Model());
+    }
+    badLines.Finish();
+    for (std::uint32_t i = 0; i < cubes.size(); ++i) {
+        const std::string step = "Writing " + cubes[i]->Model().name;
+        const auto progress = [&](double share) {
+            if (options.progress)
+                options.progress(step, share);
+        };
+        WriteFacts(cubes[i]->Model(), cubes[i]->Facts(), i, writer, progress);
+        cubes[i].reset();
+    }
+    totals.bytesWritten = writer.Commit();
+    return totals;
+}
+
+} // namespace qel::engine

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "engine/build/Definition.h"
+#include "engine/storage/CubeModel.h"
+
+#include <chrono>
+#include <cstdint>
+
+namespace qel::engine {
+
+/// The periods of a date column, months or days without a gap, numbered from 0.
+class Calendar {
+public:
+    Calendar(bool byDays, std::chrono::sys_days first, std::chrono::sys_days last);
+
+    std::uint32_t PeriodCount() const { return periodCount_; }
+    /// The number of the period that the day belongs to; the day must lie between the first and the last.
+    std::uint32_t PeriodOf(std::chrono::sys_days day) const;
+
+    /// The hierarchy of years, quarters, months and days; members are named 2024, Q1, 3 and 31, their keys
+    /// are 2024, 2024-Q1, 2024-03 and 2024-03-31. Raises EngineError (InvalidDefinition) for a default member
+    /// that does not exist.
+    HierarchyModel Model(const HierarchyDefinition& definition, const CalendarDefinition& calendar,
+                         std::uint32_t keyColumn) const;
+
+private:
+    enum class Unit : std::uint8_t { Year, Quarter, Month, Day };
+
+    void AddLevel(Unit unit, std::uint32_t firstParent, HierarchyModel& model) const;
+    /// The first day of a period.
+    std::chrono::year_month_day DayOf(std::uint32_t period) const;
+
+    bool byDays_;
+    std::chrono::sys_days firstDay_;
+    int firstMonth_; ///< months since year 0
+    std::uint32_t periodCount_;
+};
+
+} // namespace qel::engine

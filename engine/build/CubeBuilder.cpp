@@ -1,0 +1,151 @@
+#include "engine/build/CubeBuilder.h"
+
+#include "engine/EngineError.h"
+#include "engine/build/FactSorter.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+namespace qel::engine {
+
+CubeBuilder::CubeBuilder(const Definition& definition, const CubeDefinition& cube, BadLines& badLines,
+                         const BuildProgress& progress)
+    : definition_(definition), cube_(cube), badLines_(badLines), progress_(progress) {
+    for (const DimensionDefinition& dimension : cube.dimensions)
+        dimensions_.emplace_back(dimension);
+    AddKeyColumns();
+}
+
+void CubeBuilder::AddKeyColumns() {
+    for (const DimensionDefinition& dimension : cube_.dimensions) {
+        keyColumnOf_.emplace_back();
+        if (!dimension.column)
+            continue;
+        // A calendar numbers periods, not texts: it has a key column of its own.
+        const auto found = std::find_if(keyColumns_.begin(), keyColumns_.end(), [&](const auto& column) {
+            return column.Name() == *dimension.column &&
+                   column.IsCalendar() == dimension.calendar.has_value();
+        });
+        keyColumnOf_.back() = static_cast<std::uint32_t>(found - keyColumns_.begin());
+        if (found == keyColumns_.end())
+            keyColumns_.emplace_back(*dimension.column, dimension.calendar);
+    }
+}
+
+KeyColumnBuilder* CubeBuilder::KeysOf(std::size_t dimension) {
+    return keyColumnOf_[dimension] ? &keyColumns_[*keyColumnOf_[dimension]] : nullptr;
+}
+
+void CubeBuilder::Run(BuildTotals& totals) {
+    ReadDimensionTables(totals);
+    ReadFactTables(totals);
+    for (std::size_t i = 0; i < dimensions_.size(); ++i) {
+        dimensions_[i].TakeValues(KeysOf(i));
+        dimensions_[i].Finish();
+    }
+    NumberKeys();
+    MakeModel();
+}
+
+void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
+    std::vector<std::vector<std::string>> tableNames(keyColumns_.size());
+    for (std::size_t i = 0; i < dimensions_.size(); ++i) {
+        const DimensionDefinition& dimension = dimensions_[i].Definition();
+        if (dimension.tables.empty())
+            continue;
+        std::size_t tableOfKeys = 0;
+        if (keyColumnOf_[i]) {
+            auto& names = tableNames[*keyColumnOf_[i]];
+            tableOfKeys = names.size();
+            names.push_back(
+                fmt::format("table of dimension {} ({})", dimension.name,
+                            definition_.tables[dimension.tables.front()].file.filename().string()));
+        }
+        for (const std::size_t table : dimension.tables) {
+            TableReader reader(definition_.tables[table], badLines_, progress_);
+            dimensions_[i].ReadTables(reader, KeysOf(i), tableOfKeys);
+            totals.dimensionLinesSkipped += reader.LinesSkipped();
+        }
+    }
+    for (std::size_t i = 0; i < keyColumns_.size(); ++i)
+        keyColumns_[i].CloseTables(std::move(tableNames[i]));
+}
+
+void CubeBuilder::ReadFactTables(BuildTotals& totals) {
+    for (const std::size_t table : cube_.facts) {
+        TableReader reader(definition_.tables[table], badLines_, progress_);
+        ReadFacts(reader, cube_.measures, keyColumns_, facts_);
+        totals.linesRead += reader.LinesRead();
+        totals.linesSkipped += reader.LinesSkipped();
+        totals.linesKept += reader.LinesRead() - reader.LinesSkipped();
+        if (facts_.rowCount > std::numeric_limits<std::uint32_t>::max())
+            throw EngineError(ErrorKind::InvalidData,
+                              fmt::format("cube {}: more than 4,294,967,295 facts", cube_.name));
+    }
+}
+
+void CubeBuilder::NumberKeys() {
+    for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
+        KeyColumnBuilder& column = keyColumns_[i];
+        if (column.IsCalendar())
+            column.NumberDates(facts_.keys[i], cube_.name);
+        else
+            column.NumberTexts(MainTree(i).ValuesInTreeOrder(column.Ranks()));
+    }
+    ReplaceNumbersByCodes(keyColumns_, facts_);
+}
+
+const MemberTree& CubeBuilder::MainTree(std::size_t keyColumn) const {
+    const MemberTree* best = nullptr;
+    std::size_t bestDepth = 0;
+    for (std::size_t i = 0; i < dimensions_.size(); ++i) {
+        if (keyColumnOf_[i] != keyColumn)
+            continue;
+        if (dimensions_[i].Definition().isMain)
+            return dimensions_[i].Tree(0);
+        const std::size_t tree = dimensions_[i].DeepestTree();
+        const std::size_t depth = dimensions_[i].Definition().hierarchies[tree].levels.size();
+        if (best == nullptr || depth > bestDepth) {
+            best = &dimensions_[i].Tree(tree);
+            bestDepth = depth;
+        }
+    }
+    return *best; // a key column exists because a dimension stands on it
+}
+
+void CubeBuilder::MakeModel() {
+    model_.name = cube_.name;
+    model_.caption = cube_.caption;
+    model_.defaultMeasure = static_cast<std::uint32_t>(cube_.defaultMeasure);
+    model_.rowCount = facts_.rowCount;
+    for (const KeyColumnBuilder& column : keyColumns_)
+        model_.keyColumns.push_back({column.Name(), column.CodeCount(), CodeWidth(column.CodeCount())});
+    model_.measures = MeasureModels(cube_.measures, facts_, cube_.name);
+    for (std::size_t i = 0; i < dimensions_.size(); ++i)
+        model_.dimensions.push_back(dimensions_[i].Model(KeysOf(i), keyColumnOf_[i]));
+    for (const auto& order : SortOrders())
+        model_.projections.push_back(DescribeProjection(order, model_.keyColumns, facts_));
+}
+
+std::vector<std::vector<std::uint16_t>> CubeBuilder::SortOrders() const {
+    std::vector<std::vector<std::uint16_t>> orders;
+    for (const auto& columns : cube_.sortOrders) {
+        orders.emplace_back();
+        for (const std::string& column : columns) {
+            const auto found = std::find_if(keyColumns_.begin(), keyColumns_.end(),
+                                            [&column](const auto& keys) { return keys.Name() == column; });
+            orders.back().push_back(static_cast<std::uint16_t>(found - keyColumns_.begin()));
+        }
+    }
+    if (!orders.empty())
+        return orders;
+    std::vector<bool> isCalendar;
+    for (const KeyColumnBuilder& column : keyColumns_)
+        isCalendar.push_back(column.IsCalendar());
+    return ChooseSortOrders(model_.keyColumns, isCalendar);
+}
+
+} // namespace qel::engine

@@ -1,0 +1,99 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+// What a definition file says (docs/cube-definition.md), checked and with every default filled in.
+
+namespace qel::engine {
+
+enum class DateFormat : std::uint8_t { Iso, DayMonthYear, MonthDayYear, YearMonthDay };
+
+struct CsvFormat {
+    char delimiter = 0; ///< 0: from the header line
+    char decimal = '.';
+    char thousands = 0; ///< 0: none
+    DateFormat dates = DateFormat::Iso;
+};
+
+struct TableDefinition {
+    std::string name;
+    std::filesystem::path file; ///< absolute, or relative to the current folder
+    CsvFormat format;
+    /// The name by which a column is used, and its name in the file; other columns keep theirs.
+    std::vector<std::pair<std::string, std::string>> columns;
+};
+
+enum class MemberOrder : std::uint8_t { Key, Name, File };
+
+struct LevelDefinition {
+    std::string name;
+    std::string key;        ///< column of the dimension's table
+    std::string memberName; ///< column; the key's when absent in the file
+    std::string caption;    ///< column; the name's when absent in the file
+    MemberOrder order = MemberOrder::Key;
+};
+
+struct HierarchyDefinition {
+    std::string place; ///< where it stands in the definition: "cubes[0].dimensions[2].hierarchies[0]"
+    std::string name, caption;
+    std::optional<std::string> all; ///< the top member's name, none without a top member
+    std::optional<std::string> defaultKey;
+    std::vector<LevelDefinition> levels; ///< without the top level
+};
+
+struct CalendarDefinition {
+    bool byDays = false;
+    bool hasQuarters = true;
+    std::optional<std::chrono::sys_days> from, to;
+    std::vector<std::string> levels; ///< names, top to bottom, without the top level
+};
+
+struct DimensionDefinition {
+    std::string place;
+    std::string name, caption;
+    std::optional<std::string> column; ///< of the facts
+    std::vector<std::size_t> tables;   ///< numbers in Definition::tables; the same columns in each
+    std::string key;                   ///< the tables' column that holds the fact column's values
+    bool isMain = false;
+    std::optional<CalendarDefinition> calendar;
+    std::vector<std::string> members; ///< of a dimension without column and table
+    std::vector<HierarchyDefinition> hierarchies;
+};
+
+struct MeasureDefinition {
+    std::string name, caption;
+    std::optional<std::string> column; ///< none for a count
+    std::uint8_t decimals = 2;
+};
+
+struct CubeDefinition {
+    std::string place;
+    std::string name, caption;
+    std::vector<std::size_t> facts; ///< numbers in Definition::tables
+    std::vector<DimensionDefinition> dimensions;
+    std::vector<MeasureDefinition> measures;
+    std::size_t defaultMeasure = 0;
+    std::vector<std::vector<std::string>> sortOrders; ///< of fact columns; empty: chosen by the build
+};
+
+struct Definition {
+    std::vector<TableDefinition> tables;
+    std::vector<CubeDefinition> cubes;
+};
+
+/// Reads a definition's text. `fileName` is for messages, `folder` is where relative paths start. Raises
+/// EngineError (InvalidDefinition) naming the file and the key.
+Definition ParseDefinition(std::string_view text, const std::string& fileName,
+                           const std::filesystem::path& folder);
+
+/// Reads a definition's file; FileNotFound when it cannot be read.
+Definition ReadDefinition(const std::filesystem::path& path);
+
+} // namespace qel::engine

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "engine/build/KeyColumnBuilder.h"
+#include "engine/build/MemberTree.h"
+#include "engine/build/TableReader.h"
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace qel::engine {
+
+/// Gathers the members of one dimension and makes its model.
+class DimensionBuilder {
+public:
+    explicit DimensionBuilder(const DimensionDefinition& definition);
+
+    const DimensionDefinition& Definition() const { return definition_; }
+    /// Takes the lines of the dimension's tables. `keys` is its key column (none for a dimension without
+    /// one), to which it is table number `tableOfKeys`.
+    void ReadTables(TableReader& reader, KeyColumnBuilder* keys, std::size_t tableOfKeys);
+    /// For a dimension without tables: takes the listed members, or every value of its column.
+    void TakeValues(const KeyColumnBuilder* keys);
+    /// After the last member.
+    void Finish();
+
+    /// The tree that a main dimension numbers its column by.
+    const MemberTree& FirstTree() const { return trees_.front(); }
+    /// The hierarchy with the most levels.
+    std::size_t DeepestTree() const;
+    const MemberTree& Tree(std::size_t index) const { return trees_[index]; }
+    DimensionModel Model(const KeyColumnBuilder* keys, std::optional<std::uint32_t> keyColumn) const;
+
+private:
+    const DimensionDefinition& definition_;
+    std::vector<MemberTree> trees_; ///< one a hierarchy; none of a calendar
+};
+
+} // namespace qel::engine

@@ -1,0 +1,167 @@
+#include "engine/build/FactColumns.h"
+
+#include "engine/EngineError.h"
+#include "engine/build/AmountText.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <limits>
+
+namespace qel::engine {
+
+namespace {
+
+constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
+
+/// Reads the lines of one fact table.
+class FactReader {
+public:
+    FactReader(TableReader& reader, const std::vector<MeasureDefinition>& measures,
+               std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts)
+        : reader_(reader), measures_(measures), keyColumns_(keyColumns), facts_(facts),
+          numbers_(keyColumns.size()), amounts_(measures.size()) {
+        for (const KeyColumnBuilder& column : keyColumns)
+            keyFields_.push_back(reader.Column(column.Name()));
+        for (const MeasureDefinition& measure : measures)
+            valueFields_.push_back(measure.column ? reader.Column(*measure.column) : noColumn);
+    }
+
+    void Run() {
+        while (reader_.Next()) {
+            // Texts that are taken as they come get a member, so they wait until the line is known to be
+            // good.
+            if (TakeKeys(false) && TakeAmounts() && TakeKeys(true))
+                AddRow();
+        }
+    }
+
+private:
+    bool TakeKeys(bool anyText) {
+        const DateFormat dates = reader_.Table().format.dates;
+        for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
+            if (keyColumns_[i].TakesAnyText() != anyText)
+                continue;
+            const std::string_view field = reader_.Field(keyFields_[i]);
+            const auto number = keyColumns_[i].NumberOf(field, dates);
+            if (!number) {
+                reader_.ReportBad(keyFields_[i], keyColumns_[i].FaultOf(field, dates));
+                return false;
+            }
+            numbers_[i] = *number;
+        }
+        return true;
+    }
+
+    bool TakeAmounts() {
+        const CsvFormat& format = reader_.Table().format;
+        for (std::size_t i = 0; i < measures_.size(); ++i) {
+            if (valueFields_[i] == noColumn)
+                continue;
+            const std::string_view field = reader_.Field(valueFields_[i]);
+            const auto amount = ParseAmount(field, format, measures_[i].decimals);
+            if (!amount) {
+                reader_.ReportBad(valueFields_[i], AmountFault(field, measures_[i].decimals));
+                return false;
+            }
+            amounts_[i] = *amount;
+        }
+        return true;
+    }
+
+    std::string AmountFault(std::string_view field, std::uint8_t decimals) const {
+        const CsvFormat& format = reader_.Table().format;
+        const std::string thousands = format.thousands == 0 ? "" : std::string(1, format.thousands);
+        std::string example = fmt::format("1{}234", thousands);
+        if (decimals > 0)
+            example += format.decimal + std::string("567890123").substr(0, decimals);
+        return fmt::format("expected an amount such as {}, with at most {} decimals, found \"{}\"", example,
+                           decimals, field);
+    }
+
+    void AddRow() {
+        for (std::size_t i = 0; i < numbers_.size(); ++i)
+            facts_.keys[i].push_back(numbers_[i]);
+        for (std::size_t i = 0; i < amounts_.size(); ++i) {
+            if (valueFields_[i] != noColumn)
+                facts_.values[i].push_back(amounts_[i]);
+        }
+        ++facts_.rowCount;
+    }
+
+    TableReader& reader_;
+    const std::vector<MeasureDefinition>& measures_;
+    std::vector<KeyColumnBuilder>& keyColumns_;
+    FactColumns& facts_;
+    std::vector<std::size_t> keyFields_, valueFields_;
+    std::vector<std::uint32_t> numbers_;
+    std::vector<std::int64_t> amounts_;
+};
+
+/// The narrowest signed width for values between the two.
+std::uint8_t ValueWidth(std::int64_t least, std::int64_t most) {
+    const auto fits = [&](auto smallest, auto largest) { return least >= smallest && most <= largest; };
+    if (fits(std::numeric_limits<std::int8_t>::min(), std::numeric_limits<std::int8_t>::max()))
+        return 1;
+    if (fits(std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()))
+        return 2;
+    if (fits(std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()))
+        return 4;
+    return 8;
+}
+
+/// Whether the sum of the absolute values stays within 63 bits.
+bool IsSummable(const std::vector<std::int64_t>& values) {
+    std::int64_t rest = std::numeric_limits<std::int64_t>::max();
+    for (const std::int64_t value : values) {
+        const std::int64_t magnitude = value < 0 ? -value : value; // amounts are read with 63 bits
+        if (magnitude > rest)
+            return false;
+        rest -= magnitude;
+    }
+    return true;
+}
+
+} // namespace
+
+void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measures,
+               std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts) {
+    facts.keys.resize(keyColumns.size());
+    facts.values.resize(measures.size());
+    FactReader(reader, measures, keyColumns, facts).Run();
+}
+
+void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts) {
+    for (std::size_t i = 0; i < keyColumns.size(); ++i) {
+        const auto& codes = keyColumns[i].Codes();
+        for (std::uint32_t& key : facts.keys[i])
+            key = codes[key];
+    }
+}
+
+std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measures, const FactColumns& facts,
+                                   const std::string& cubeName) {
+    std::vector<Measure> models;
+    for (std::size_t i = 0; i < measures.size(); ++i) {
+        const MeasureDefinition& measure = measures[i];
+        Measure model{measure.name, measure.caption, Aggregate::Count, measure.decimals, 0};
+        if (measure.column) {
+            const auto& values = facts.values[i];
+            if (!IsSummable(values))
+                throw EngineError(
+                    ErrorKind::InvalidData,
+                    fmt::format("cube {}, measure {}: the amounts are too large; the sum of their "
+                                "absolute values is beyond 63 bits at {} decimals",
+                                cubeName, measure.name, measure.decimals));
+            const auto [least, most] = std::minmax_element(values.begin(), values.end());
+            model.aggregate = Aggregate::Sum;
+            model.width = values.empty() ? std::uint8_t{1} : ValueWidth(*least, *most);
+        }
+        models.push_back(model);
+    }
+    return models;
+}
+
+std::uint8_t CodeWidth(std::uint32_t codes) { return codes <= 0x100U ? 1 : codes <= 0x10000U ? 2 : 4; }
+
+} // namespace qel::engine

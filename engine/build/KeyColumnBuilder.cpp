@@ -1,0 +1,147 @@
+#include "engine/build/KeyColumnBuilder.h"
+
+#include "engine/EngineError.h"
+#include "engine/build/DateText.h"
+#include "engine/build/TextOrder.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+namespace qel::engine {
+
+namespace {
+
+constexpr std::uint32_t noCode = 0xFFFFFFFFU;
+
+bool IsSet(const std::vector<bool>& flags, std::uint32_t number) {
+    return number < flags.size() && flags[number];
+}
+
+} // namespace
+
+std::uint32_t KeyColumnBuilder::AddKnownValue(std::string_view text, std::size_t table) {
+    const std::uint32_t number = texts_.Add(text);
+    if (isKnown_.size() <= table)
+        isKnown_.resize(table + 1);
+    std::vector<bool>& known = isKnown_[table];
+    if (known.size() <= number)
+        known.resize(std::size_t{number} + 1);
+    known[number] = true;
+    return number;
+}
+
+void KeyColumnBuilder::CloseTables(std::vector<std::string> tableNames) {
+    tableNames_ = std::move(tableNames);
+    isKnown_.resize(tableNames_.size());
+    isUsable_.resize(texts_.Count());
+    for (std::uint32_t number = 0; number < texts_.Count(); ++number)
+        isUsable_[number] = IsKnownToAll(number);
+}
+
+bool KeyColumnBuilder::IsKnownToAll(std::uint32_t number) const {
+    return std::all_of(isKnown_.begin(), isKnown_.end(),
+                       [number](const auto& known) { return IsSet(known, number); });
+}
+
+std::optional<std::uint32_t> KeyColumnBuilder::NumberOf(std::string_view field, DateFormat format) {
+    if (IsCalendar())
+        return NumberOfDate(field, format);
+    // An empty field belongs to no member, so no table has to know it.
+    if (tableNames_.empty() || field.empty())
+        return texts_.Add(field);
+    const auto number = texts_.Find(field);
+    return number && IsSet(isUsable_, *number) ? number : std::nullopt;
+}
+
+std::optional<std::uint32_t> KeyColumnBuilder::NumberOfDate(std::string_view field, DateFormat format) {
+    datedText_.assign(1, static_cast<char>('0' + static_cast<int>(format)));
+    datedText_ += field;
+    const std::uint32_t number = texts_.Add(datedText_);
+    if (number == days_.size()) {
+        auto day = ParseDate(field, format);
+        const CalendarDefinition& rules = *calendarDefinition_;
+        if (day && ((rules.from && *day < *rules.from) || (rules.to && *day > *rules.to)))
+            day.reset();
+        days_.push_back(day);
+    }
+    return days_[number] ? std::optional(number) : std::nullopt;
+}
+
+std::string KeyColumnBuilder::FaultOf(std::string_view field, DateFormat format) const {
+    if (IsCalendar()) {
+        const CalendarDefinition& rules = *calendarDefinition_;
+        if (!ParseDate(field, format))
+            return fmt::format("expected {}, found \"{}\"", ExpectedDate(format), field);
+        return fmt::format("\"{}\" lies outside the calendar ({} to {})", field,
+                           rules.from ? FormatDate(*rules.from) : "any date",
+                           rules.to ? FormatDate(*rules.to) : "any date");
+    }
+    const auto number = texts_.Find(field);
+    for (std::size_t table = 0; table < tableNames_.size(); ++table) {
+        if (!number || !IsSet(isKnown_[table], *number))
+            return fmt::format("\"{}\" is not in the {}", field, tableNames_[table]);
+    }
+    return "cannot be used";
+}
+
+void KeyColumnBuilder::NumberDates(const std::vector<std::uint32_t>& facts, const std::string& cubeName) {
+    const auto fail = [&](const std::string& fault) {
+        throw EngineError(ErrorKind::InvalidData,
+                          fmt::format("cube {}, column {}: {}", cubeName, name_, fault));
+    };
+    std::vector<bool> isUsed(days_.size());
+    for (const std::uint32_t number : facts)
+        isUsed[number] = true;
+    auto first = calendarDefinition_->from, last = calendarDefinition_->to;
+    for (std::size_t i = 0; i < days_.size(); ++i) {
+        if (!isUsed[i])
+            continue;
+        if (!calendarDefinition_->from)
+            first = std::min(first.value_or(*days_[i]), *days_[i]);
+        if (!calendarDefinition_->to)
+            last = std::max(last.value_or(*days_[i]), *days_[i]);
+    }
+    if (!first || !last)
+        fail("there are no dates; set the calendar's \"from\" and \"to\"");
+    constexpr std::chrono::days longest(200 * 366);
+    if (*last - *first > longest)
+        fail(fmt::format(
+            "the dates span more than 200 years, from {} to {}; set the calendar's \"from\" and \"to\"",
+            FormatDate(*first), FormatDate(*last)));
+    periods_.emplace(calendarDefinition_->byDays, *first, *last);
+    codeCount_ = periods_->PeriodCount();
+    codes_.assign(days_.size(), noCode);
+    for (std::size_t i = 0; i < days_.size(); ++i) {
+        if (isUsed[i])
+            codes_[i] = periods_->PeriodOf(*days_[i]);
+    }
+}
+
+void KeyColumnBuilder::NumberTexts(const std::vector<std::uint32_t>& ordered) {
+    codes_.assign(texts_.Count(), noCode);
+    for (const std::uint32_t number : ordered)
+        codes_[number] = codeCount_++;
+    std::vector<std::uint32_t> others(texts_.Count());
+    const auto ranks = Ranks();
+    for (std::uint32_t number = 0; number < texts_.Count(); ++number)
+        others[ranks[number]] = number;
+    for (const std::uint32_t number : others) {
+        if (codes_[number] == noCode)
+            codes_[number] = codeCount_++;
+    }
+}
+
+std::vector<std::uint32_t> KeyColumnBuilder::Ranks() const {
+    std::vector<std::string_view> texts;
+    for (std::uint32_t number = 0; number < texts_.Count(); ++number)
+        texts.push_back(texts_.Text(number));
+    const auto order = SortTexts(texts);
+    std::vector<std::uint32_t> ranks(order.size());
+    for (std::uint32_t place = 0; place < order.size(); ++place)
+        ranks[order[place]] = place;
+    return ranks;
+}
+
+} // namespace qel::engine

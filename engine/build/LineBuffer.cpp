@@ -1,0 +1,37 @@
+#include "engine/build/LineBuffer.h"
+
+#include <algorithm>
+
+namespace qel::engine {
+
+std::string_view LineBuffer::LineAt(std::size_t offset) {
+    for (std::size_t searched = offset;;) {
+        const std::string_view window = std::string_view(buffer_).substr(start_);
+        const auto* const end = std::find_if(window.begin() + searched, window.end(),
+                                             [](char c) { return c == '\n' || c == '\r'; });
+        const auto place = static_cast<std::size_t>(end - window.begin());
+        // A carriage return at the buffer's very end may have its line feed in the next chunk.
+        if (place < window.size() && (window[place] == '\n' || place + 1 < window.size() || isAtEnd_)) {
+            const bool isPair = window.substr(place, 2) == "\r\n";
+            return window.substr(offset, place + (isPair ? 2 : 1) - offset);
+        }
+        if (isAtEnd_)
+            return window.substr(offset);
+        searched = place;
+        ReadMore();
+    }
+}
+
+void LineBuffer::ReadMore() {
+    constexpr std::size_t chunkSize = 1 << 20;
+    buffer_.erase(0, start_);
+    discarded_ += start_;
+    start_ = 0;
+    const std::size_t size = buffer_.size();
+    buffer_.resize(size + chunkSize);
+    input_.read(buffer_.data() + size, static_cast<std::streamsize>(chunkSize));
+    buffer_.resize(size + static_cast<std::size_t>(input_.gcount()));
+    isAtEnd_ = !input_;
+}
+
+} // namespace qel::engine

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <istream>
+#include <string>
+#include <string_view>
+
+namespace qel::engine {
+
+/// A window on a text file for a reader that takes physical lines (ended by LF, CR LF or CR) one after the
+/// other, and may want to go back to where its record began.
+class LineBuffer {
+public:
+    explicit LineBuffer(std::istream& input) : input_(input) {}
+
+    /// The line that starts `offset` bytes behind the window's start, its end included; empty at the end of
+    /// the file. Valid until the next call.
+    std::string_view LineAt(std::size_t offset);
+    /// The first bytes of the window, which LineAt has reached.
+    std::string_view First(std::size_t size) const { return std::string_view(buffer_).substr(start_, size); }
+    /// Moves the window's start on.
+    void Drop(std::size_t size) { start_ += size; }
+    /// The window's place in the file.
+    std::uint64_t Position() const { return discarded_ + start_; }
+
+private:
+    void ReadMore();
+
+    std::istream& input_;
+    std::string buffer_;
+    std::size_t start_ = 0;
+    std::uint64_t discarded_ = 0; ///< bytes of the file before the buffer
+    bool isAtEnd_ = false;
+};
+
+} // namespace qel::engine

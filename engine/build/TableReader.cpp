@@ -1,0 +1,61 @@
+#include "engine/build/TableReader.h"
+
+#include "engine/EngineError.h"
+#include "engine/build/Suggestion.h"
+#include "engine/build/TextFile.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+
+namespace qel::engine {
+
+TableReader::TableReader(const TableDefinition& table, BadLines& badLines, const BuildProgress& progress)
+    : table_(table), badLines_(badLines), progress_(progress),
+      step_("Reading " + table.file.filename().string()), file_(OpenTextFile(table.file)),
+      csv_(file_, table.file.string(), table.format.delimiter) {
+    std::error_code error;
+    fileSize_ = std::max<std::uint64_t>(1, std::filesystem::file_size(table.file, error));
+}
+
+std::size_t TableReader::Column(const std::string& name) const {
+    const auto renamed = std::find_if(table_.columns.begin(), table_.columns.end(),
+                                      [&name](const auto& column) { return column.first == name; });
+    const std::string& inFile = renamed == table_.columns.end() ? name : renamed->second;
+    const auto& header = csv_.Header();
+    const auto found = std::find(header.begin(), header.end(), inFile);
+    if (found == header.end())
+        throw EngineError(ErrorKind::InvalidData,
+                          fmt::format("{}: there is no column \"{}\"; the columns are \"{}\"{}",
+                                      csv_.FileName(), inFile, fmt::join(header, "\", \""),
+                                      Suggestion(inFile, header)));
+    return static_cast<std::size_t>(found - header.begin());
+}
+
+bool TableReader::Next() {
+    while (csv_.Next()) {
+        ++linesRead_;
+        ShowProgress();
+        if (csv_.Fault().empty())
+            return true;
+        ++linesSkipped_;
+        badLines_.Report(csv_, "", csv_.Fault());
+    }
+    if (progress_)
+        progress_(step_, 1);
+    return false;
+}
+
+void TableReader::ReportBad(std::size_t column, const std::string& fault) {
+    ++linesSkipped_;
+    badLines_.Report(csv_, csv_.Header()[column], fault);
+}
+
+void TableReader::ShowProgress() {
+    constexpr std::uint64_t linesPerReport = 8192;
+    if (progress_ && linesRead_ % linesPerReport == 1)
+        progress_(step_, static_cast<double>(csv_.Position()) / static_cast<double>(fileSize_));
+}
+
+} // namespace qel::engine

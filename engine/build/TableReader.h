@@ -1,0 +1,50 @@
+#pragma once
+
+#include "engine/build/BadLines.h"
+#include "engine/build/CsvReader.h"
+#include "engine/build/Definition.h"
+
+#include <cstdint>
+#include <fstream>
+#include <functional>
+#include <string>
+
+namespace qel::engine {
+
+/// A build's progress: the step's name and its share done.
+using BuildProgress = std::function<void(const std::string& step, double share)>;
+
+/// Reads the lines of one table of a definition.
+class TableReader {
+public:
+    /// Raises EngineError: FileNotFound, InvalidData.
+    TableReader(const TableDefinition& table, BadLines& badLines, const BuildProgress& progress);
+
+    const TableDefinition& Table() const { return table_; }
+    const CsvReader& Csv() const { return csv_; }
+    /// The number of the column that the definition knows by this name. Raises EngineError (InvalidData)
+    /// naming the file and the columns that there are.
+    std::size_t Column(const std::string& name) const;
+    /// Reads the next line whose form is right; wrong ones are reported. False at the end.
+    bool Next();
+    std::string_view Field(std::size_t column) const { return csv_.Field(column); }
+    /// Reports the current line.
+    void ReportBad(std::size_t column, const std::string& fault);
+
+    std::uint64_t LinesRead() const { return linesRead_; }
+    std::uint64_t LinesSkipped() const { return linesSkipped_; }
+
+private:
+    void ShowProgress();
+
+    const TableDefinition& table_;
+    BadLines& badLines_;
+    const BuildProgress& progress_;
+    std::string step_;
+    std::uint64_t fileSize_;
+    std::ifstream file_;
+    CsvReader csv_;
+    std::uint64_t linesRead_ = 0, linesSkipped_ = 0;
+};
+
+} // namespace qel::engine

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace qel::engine {
+
+/// Opens a regular file for reading its bytes. Raises EngineError (FileNotFound) naming the file and saying
+/// why it cannot be read.
+std::ifstream OpenTextFile(const std::filesystem::path& path);
+
+/// The bytes of a whole file; errors as above.
+std::string ReadTextFile(const std::filesystem::path& path);
+
+} // namespace qel::engine

@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qel::engine {
+
+/// "[name]" with every "]" of the name doubled.
+std::string BracketedName(std::string_view name);
+
+} // namespace qel::engine

@@ -1,0 +1,91 @@
+#include "engine/storage/CubeFile.h"
+
+#include "engine/EngineError.h"
+#include "engine/storage/CubeLoader.h"
+#include "engine/storage/FactVerifier.h"
+#include "engine/storage/FileImage.h"
+#include "engine/storage/MappedFile.h"
+#include "engine/storage/MemberVerifier.h"
+#include "engine/text/CaseFold.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+#include <algorithm>
+#include <fstream>
+#include <utility>
+
+namespace qel::engine {
+
+struct CubeFile::Contents {
+    Contents(std::filesystem::path filePath, MappedFile mapped)
+        : path(std::move(filePath)), file(std::move(mapped)), image(path.string(), file.Bytes()) {
+        for (std::uint32_t i = 0; i < image.CubeCount(); ++i)
+            cubes.push_back(CubeLoader(image, i).Load());
+    }
+
+    std::filesystem::path path;
+    MappedFile file;
+    FileImage image;
+    std::vector<Cube> cubes;
+};
+
+CubeFile::CubeFile(std::unique_ptr<Contents> contents) : contents_(std::move(contents)) {}
+
+CubeFile::~CubeFile() = default;
+
+std::shared_ptr<const CubeFile> CubeFile::Open(const std::filesystem::path& path) {
+    auto contents = std::make_unique<Contents>(path, MappedFile(path));
+    return std::shared_ptr<const CubeFile>(new CubeFile(std::move(contents))); // private constructor
+}
+
+bool CubeFile::HasSignature(const std::filesystem::path& path) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(path, error))
+        return false;
+    std::array<char, format::signature.size()> start = {};
+    std::ifstream file(path, std::ios::binary);
+    return file.read(start.data(), start.size()) && start == format::signature;
+}
+
+const std::filesystem::path& CubeFile::Path() const { return contents_->path; }
+
+std::uint64_t CubeFile::Size() const { return contents_->file.Bytes().size(); }
+
+const std::vector<Cube>& CubeFile::Cubes() const { return contents_->cubes; }
+
+std::shared_ptr<const Cube> CubeFile::FindCube(std::string_view name) const {
+    std::vector<std::string> names;
+    for (const Cube& cube : Cubes()) {
+        if (EqualIgnoringCase(cube.Name(), name))
+            return {shared_from_this(), &cube};
+        names.push_back(cube.Name());
+    }
+    throw EngineError(ErrorKind::UnknownCube, fmt::format("{}: there is no cube \"{}\"; the file holds {}",
+                                                          Path().string(), name, fmt::join(names, ", ")));
+}
+
+void CubeFile::Verify(const std::function<void(double)>& progress) const {
+    std::uint64_t rows = 1;
+    for (const Cube& cube : Cubes())
+        rows += cube.Facts().RowCount() * cube.Facts().Projections().size();
+    std::uint64_t rowsBefore = 0;
+    const auto report = [&](std::uint64_t rowsOfCube) {
+        if (progress)
+            progress(static_cast<double>(rowsBefore + rowsOfCube) / static_cast<double>(rows));
+    };
+    PageVerifier& pages = contents_->image.Verifier();
+    for (const Cube& cube : Cubes()) {
+        std::string fault = FindMemberFault(cube);
+        if (fault.empty())
+            fault = FindFactFault(cube, report);
+        if (!fault.empty())
+            contents_->image.Fail(fault);
+        rowsBefore += cube.Facts().RowCount() * cube.Facts().Projections().size();
+    }
+    for (std::uint64_t page = 0; page < pages.PageCount(); ++page)
+        pages.Check(page * format::pageSize, 1); // those that no section touches, too
+    report(1);
+}
+
+} // namespace qel::engine

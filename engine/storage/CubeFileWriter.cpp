@@ -1,0 +1,221 @@
+#include "engine/storage/CubeFileWriter.h"
+
+#include "engine/storage/ByteBuffer.h"
+#include "engine/storage/NameIndex.h"
+
+#include <xxhash.h>
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace qel::engine {
+
+namespace {
+
+using format::SectionKind;
+
+constexpr format::SectionId Id(SectionKind kind, std::uint32_t cube, std::size_t first = 0,
+                               std::size_t second = 0) {
+    return {static_cast<std::uint32_t>(kind), cube, static_cast<std::uint32_t>(first),
+            static_cast<std::uint32_t>(second)};
+}
+
+template <class T>
+std::span<const std::byte> AsBytes(const std::vector<T>& values) {
+    return std::as_bytes(std::span(values));
+}
+
+std::span<const std::byte> AsBytes(const std::string& text) { return std::as_bytes(std::span(text)); }
+
+void DescribeFacts(const CubeModel& cube, ByteWriter& out) {
+    out.Put(static_cast<std::uint32_t>(cube.keyColumns.size()));
+    for (const KeyColumn& column : cube.keyColumns) {
+        out.PutText(column.name);
+        out.Put(column.codes);
+        out.Put(column.width);
+    }
+    out.Put(static_cast<std::uint32_t>(cube.measures.size()));
+    for (const Measure& measure : cube.measures) {
+        out.PutText(measure.name);
+        out.PutText(measure.caption);
+        out.Put(static_cast<std::uint8_t>(measure.aggregate));
+        out.Put(measure.decimals);
+        out.Put(measure.width);
+    }
+    out.Put(static_cast<std::uint32_t>(cube.projections.size()));
+    for (const ProjectionModel& projection : cube.projections) {
+        out.Put(static_cast<std::uint32_t>(projection.sortOrder.size()));
+        for (const std::uint16_t column : projection.sortOrder)
+            out.Put(column);
+    }
+}
+
+void DescribeHierarchy(const HierarchyModel& hierarchy, ByteWriter& out) {
+    out.PutText(hierarchy.name);
+    out.PutText(hierarchy.caption);
+    out.Put(hierarchy.keyColumn ? *hierarchy.keyColumn + 1 : std::uint32_t{0});
+    out.Put(hierarchy.defaultMember);
+    out.Put(static_cast<std::uint32_t>(hierarchy.levels.size()));
+    for (const LevelModel& level : hierarchy.levels) {
+        out.PutText(level.name);
+        out.Put(static_cast<std::uint8_t>(level.isAll));
+        out.Put(level.memberCount);
+    }
+}
+
+ByteWriter Describe(const CubeModel& cube) {
+    ByteWriter out;
+    out.PutText(cube.name);
+    out.PutText(cube.caption);
+    out.Put(cube.defaultMeasure);
+    out.Put(cube.rowCount);
+    DescribeFacts(cube, out);
+    out.Put(static_cast<std::uint32_t>(cube.dimensions.size()));
+    for (const DimensionModel& dimension : cube.dimensions) {
+        out.PutText(dimension.name);
+        out.PutText(dimension.caption);
+        out.Put(static_cast<std::uint8_t>(dimension.isTime));
+        out.Put(static_cast<std::uint32_t>(dimension.hierarchies.size()));
+        for (const HierarchyModel& hierarchy : dimension.hierarchies)
+            DescribeHierarchy(hierarchy, out);
+    }
+    return out;
+}
+
+/// Marks the members whose name a sibling has too. Siblings are neighbours.
+std::vector<std::uint8_t> SharedNameFlags(const HierarchyModel& hierarchy) {
+    const auto count = static_cast<std::uint32_t>(hierarchy.parents.size());
+    std::vector<std::uint8_t> flags(count);
+    std::vector<std::string> folded(count);
+    for (std::uint32_t member = 0; member < count; ++member)
+        AppendFolded(hierarchy.names.At(member), folded[member]);
+    for (std::uint32_t first = 0, last = 0; first < count; first = last) {
+        std::unordered_set<std::string_view> seen, shared;
+        for (last = first; last < count && hierarchy.parents[last] == hierarchy.parents[first]; ++last) {
+            if (!seen.insert(folded[last]).second)
+                shared.insert(folded[last]);
+        }
+        for (std::uint32_t member = first; !shared.empty() && member < last; ++member)
+            flags[member] = shared.count(folded[member]) != 0 ? format::nameIsShared : std::uint8_t{0};
+    }
+    return flags;
+}
+
+} // namespace
+
+CubeFileWriter::CubeFileWriter(const std::filesystem::path& path) : file_(path) {
+    page_.reserve(format::pageSize);
+    page_.resize(sizeof(format::Header)); // its place; the header itself is written last
+}
+
+std::uint32_t CubeFileWriter::AddCube(const CubeModel& cube) {
+    const std::uint32_t number = cubes_++;
+    Section(Id(SectionKind::CubeDescription, number), Describe(cube).Bytes());
+    std::uint32_t index = 0;
+    for (const DimensionModel& dimension : cube.dimensions) {
+        for (const HierarchyModel& hierarchy : dimension.hierarchies)
+            AddHierarchy(number, index++, hierarchy);
+    }
+    for (std::size_t i = 0; i < cube.projections.size(); ++i)
+        Section(Id(SectionKind::LeadRows, number, i), AsBytes(cube.projections[i].leadRows));
+    return number;
+}
+
+void CubeFileWriter::AddHierarchy(std::uint32_t cube, std::uint32_t index, const HierarchyModel& hierarchy) {
+    const auto add = [&](SectionKind kind, const auto& values) {
+        Section(Id(kind, cube, index), AsBytes(values));
+    };
+    add(SectionKind::MemberNames, hierarchy.names.bytes);
+    add(SectionKind::MemberNameOffsets, hierarchy.names.offsets);
+    add(SectionKind::MemberCaptions, hierarchy.captions.bytes);
+    add(SectionKind::MemberCaptionOffsets, hierarchy.captions.offsets);
+    add(SectionKind::MemberKeys, hierarchy.keys.bytes);
+    add(SectionKind::MemberKeyOffsets, hierarchy.keys.offsets);
+    add(SectionKind::MemberParents, hierarchy.parents);
+    add(SectionKind::MemberFirstChildren, hierarchy.firstChild);
+    add(SectionKind::MemberRangeOffsets, hierarchy.rangeOffsets);
+    add(SectionKind::MemberRanges, hierarchy.ranges);
+    const auto count = static_cast<std::uint32_t>(hierarchy.parents.size());
+    add(SectionKind::MemberNameSlots,
+        BuildNameIndex(count, [&](std::uint32_t member) { return hierarchy.names.At(member); }));
+    add(SectionKind::MemberKeySlots,
+        BuildNameIndex(count, [&](std::uint32_t member) { return hierarchy.keys.At(member); }));
+    add(SectionKind::MemberFlags, SharedNameFlags(hierarchy));
+}
+
+void CubeFileWriter::BeginKeys(std::uint32_t cube, std::size_t projection, std::size_t keyColumn) {
+    Begin(Id(SectionKind::KeyCodes, cube, projection, keyColumn));
+}
+
+void CubeFileWriter::BeginValues(std::uint32_t cube, std::size_t projection, std::size_t measure) {
+    Begin(Id(SectionKind::FactValues, cube, projection, measure));
+}
+
+void CubeFileWriter::Begin(const format::SectionId& id) {
+    Pad();
+    directory_.push_back({id, Position(), 0});
+}
+
+void CubeFileWriter::Append(std::span<const std::byte> bytes) { Emit(bytes); }
+
+void CubeFileWriter::End() { directory_.back().size = Position() - directory_.back().offset; }
+
+void CubeFileWriter::Section(const format::SectionId& id, std::span<const std::byte> bytes) {
+    Begin(id);
+    Append(bytes);
+    End();
+}
+
+void CubeFileWriter::Pad() {
+    const std::uint64_t excess = Position() % format::sectionAlignment;
+    if (excess != 0)
+        Emit(std::vector<std::byte>(format::sectionAlignment - excess));
+}
+
+void CubeFileWriter::Emit(std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const std::size_t part = std::min<std::size_t>(bytes.size(), format::pageSize - page_.size());
+        page_.insert(page_.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(part));
+        bytes = bytes.subspan(part);
+        if (page_.size() == format::pageSize)
+            FinishPage();
+    }
+}
+
+void CubeFileWriter::FinishPage() {
+    // The header's place at the start of the first page does not count: its bytes come last.
+    const std::size_t skip = flushed_ == 0 ? sizeof(format::Header) : 0;
+    checksums_.push_back(XXH3_64bits(page_.data() + skip, page_.size() - skip));
+    file_.Append(page_);
+    flushed_ += page_.size();
+    page_.clear();
+}
+
+std::uint64_t CubeFileWriter::Commit() {
+    Pad();
+    if (!page_.empty())
+        FinishPage();
+    std::sort(directory_.begin(), directory_.end(),
+              [](const auto& left, const auto& right) { return left.id < right.id; });
+    const auto checksums = AsBytes(checksums_);
+    const auto directory = AsBytes(directory_);
+    std::vector<std::byte> tail(checksums.begin(), checksums.end());
+    tail.insert(tail.end(), directory.begin(), directory.end());
+    file_.Append(tail);
+
+    format::Header header = {};
+    header.signature = format::signature;
+    header.version = format::version;
+    header.pageSize = static_cast<std::uint32_t>(format::pageSize);
+    header.fileSize = flushed_ + tail.size();
+    header.checksumTableOffset = flushed_;
+    header.directoryOffset = flushed_ + checksums.size();
+    header.directoryEntries = static_cast<std::uint32_t>(directory_.size());
+    header.tailChecksum = XXH3_64bits(tail.data(), tail.size());
+    header.headerChecksum = XXH3_64bits(&header, format::headerChecksumOffset);
+    file_.Overwrite(0, std::as_bytes(std::span(&header, 1)));
+    file_.Commit();
+    return header.fileSize;
+}
+
+} // namespace qel::engine

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "engine/storage/AtomicFile.h"
+#include "engine/storage/CubeModel.h"
+#include "engine/storage/Format.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <vector>
+
+namespace qel::engine {
+
+/// Writes a cube file section by section: AddCube for every cube, then each fact column of each cube with
+/// Begin, Append and End, then Commit. Raises EngineError (CannotWrite); without Commit the old file stays.
+class CubeFileWriter {
+public:
+    explicit CubeFileWriter(const std::filesystem::path& path);
+
+    /// Writes the metadata of the next cube, and returns its number.
+    std::uint32_t AddCube(const CubeModel& cube);
+
+    void BeginKeys(std::uint32_t cube, std::size_t projection, std::size_t keyColumn);
+    void BeginValues(std::uint32_t cube, std::size_t projection, std::size_t measure);
+    void Append(std::span<const std::byte> bytes);
+    void End();
+
+    /// Completes the file and puts it in place. Returns its size in bytes.
+    std::uint64_t Commit();
+
+private:
+    void Begin(const format::SectionId& id);
+    void Section(const format::SectionId& id, std::span<const std::byte> bytes);
+    void AddHierarchy(std::uint32_t cube, std::uint32_t index, const HierarchyModel& hierarchy);
+    /// Bytes of the section region.
+    void Emit(std::span<const std::byte> bytes);
+    void Pad();
+    void FinishPage();
+    std::uint64_t Position() const { return flushed_ + page_.size(); }
+
+    AtomicFile file_;
+    std::uint32_t cubes_ = 0;
+    std::uint64_t flushed_ = 0;   ///< bytes that are in the file
+    std::vector<std::byte> page_; ///< the page that is being filled
+    std::vector<std::uint64_t> checksums_;
+    std::vector<format::DirectoryEntry> directory_;
+};
+
+} // namespace qel::engine

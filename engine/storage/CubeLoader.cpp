@@ -1,0 +1,273 @@
+#include "engine/storage/CubeLoader.h"
+
+#include "engine/storage/BracketedName.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+namespace qel::engine {
+
+namespace {
+
+using format::SectionKind;
+
+bool IsWidth(std::uint8_t width, std::uint8_t widest) {
+    return std::has_single_bit(width) && width <= widest;
+}
+
+/// Whether every code below `codes` fits the width.
+bool Fits(std::uint32_t codes, std::uint8_t width) { return codes <= (std::uint64_t{1} << (8U * width)); }
+
+} // namespace
+
+Cube CubeLoader::Load() {
+    Cube cube;
+    ByteReader in(image_.Array<std::byte>(Id(SectionKind::CubeDescription)));
+    cube.name_ = in.GetText();
+    cube.caption_ = in.GetText();
+    cube.defaultMeasure_ = in.Get<std::uint32_t>();
+    cube.facts_.rowCount_ = in.Get<std::uint64_t>();
+    ReadFactColumns(in, cube.facts_);
+    ReadSortOrders(in, cube.facts_);
+    ReadDimensions(in, cube);
+    if (in.Failed() || !in.AtEnd())
+        Fail("its description has the wrong length");
+    if (cube.defaultMeasure_ >= cube.facts_.measures_.size())
+        Fail("its default measure does not exist");
+    for (Hierarchy& hierarchy : cube.hierarchies_)
+        LoadMembers(hierarchy);
+    for (const Hierarchy& hierarchy : cube.hierarchies_)
+        CheckRanges(hierarchy,
+                    hierarchy.keyColumn_ ? cube.facts_.keyColumns_[*hierarchy.keyColumn_].codes : 0);
+    for (std::size_t i = 0; i < cube.facts_.projections_.size(); ++i)
+        LoadProjection(cube.facts_, i, cube.facts_.projections_[i]);
+    return cube;
+}
+
+void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
+    facts.keyColumns_.resize(in.GetCount(9));
+    for (KeyColumn& column : facts.keyColumns_) {
+        column.name = in.GetText();
+        column.codes = in.Get<std::uint32_t>();
+        column.width = in.Get<std::uint8_t>();
+        if (!IsWidth(column.width, 4) || !Fits(column.codes, column.width))
+            Fail(fmt::format("key column {} has a wrong width", column.name));
+    }
+    facts.measures_.resize(in.GetCount(11));
+    for (Measure& measure : facts.measures_) {
+        measure.name = in.GetText();
+        measure.caption = in.GetText();
+        const auto aggregate = in.Get<std::uint8_t>();
+        measure.decimals = in.Get<std::uint8_t>();
+        measure.width = in.Get<std::uint8_t>();
+        const bool isSum = aggregate == static_cast<std::uint8_t>(Aggregate::Sum);
+        const bool isCount = aggregate == static_cast<std::uint8_t>(Aggregate::Count);
+        measure.aggregate = isCount ? Aggregate::Count : Aggregate::Sum;
+        constexpr std::uint8_t mostDecimals = 18;
+        if ((!isSum && !isCount) || measure.decimals > mostDecimals ||
+            (isSum ? !IsWidth(measure.width, 8) : measure.width != 0))
+            Fail(fmt::format("measure {} is not well-formed", measure.name));
+    }
+}
+
+void CubeLoader::ReadSortOrders(ByteReader& in, FactTable& facts) const {
+    facts.projections_.resize(in.GetCount(4));
+    if (facts.projections_.empty())
+        Fail("it has no facts in any order");
+    for (Projection& projection : facts.projections_) {
+        projection.sortOrder_.resize(in.GetCount(2));
+        for (std::uint16_t& column : projection.sortOrder_) {
+            column = in.Get<std::uint16_t>();
+            if (column >= facts.keyColumns_.size())
+                Fail("a sort order names a key column that does not exist");
+        }
+        if (projection.sortOrder_.empty())
+            Fail("a sort order is empty");
+    }
+}
+
+void CubeLoader::ReadDimensions(ByteReader& in, Cube& cube) const {
+    cube.dimensions_.resize(in.GetCount(13));
+    for (std::size_t i = 0; i < cube.dimensions_.size(); ++i) {
+        Dimension& dimension = cube.dimensions_[i];
+        dimension.name = in.GetText();
+        dimension.caption = in.GetText();
+        dimension.isTime = in.Get<std::uint8_t>() != 0;
+        const std::uint32_t count = in.GetCount(20);
+        if (count == 0)
+            Fail(fmt::format("dimension {} has no hierarchy", dimension.name));
+        for (std::uint32_t n = 0; n < count; ++n) {
+            Hierarchy hierarchy = ReadHierarchy(in, cube, dimension.name);
+            hierarchy.dimensionIndex_ = i;
+            hierarchy.index_ = cube.hierarchies_.size();
+            dimension.hierarchies.push_back(hierarchy.index_);
+            cube.hierarchies_.push_back(std::move(hierarchy));
+        }
+    }
+}
+
+Hierarchy CubeLoader::ReadHierarchy(ByteReader& in, const Cube& cube,
+                                    const std::string& dimensionName) const {
+    Hierarchy hierarchy;
+    hierarchy.name_ = in.GetText();
+    hierarchy.caption_ = in.GetText();
+    hierarchy.uniqueName_ = BracketedName(dimensionName);
+    if (hierarchy.name_ != dimensionName)
+        hierarchy.uniqueName_.append(".").append(BracketedName(hierarchy.name_));
+    const auto keyColumn = in.Get<std::uint32_t>();
+    if (keyColumn > cube.facts_.keyColumns_.size())
+        Fail(fmt::format("hierarchy {} stands on a key column that does not exist", hierarchy.uniqueName_));
+    if (keyColumn != 0)
+        hierarchy.keyColumn_ = keyColumn - 1;
+    hierarchy.defaultMember_ = in.Get<MemberId>();
+    ReadLevels(in, hierarchy);
+    return hierarchy;
+}
+
+void CubeLoader::ReadLevels(ByteReader& in, Hierarchy& hierarchy) const {
+    hierarchy.levels_.resize(in.GetCount(9));
+    std::uint64_t members = 0;
+    std::uint32_t depth = 0;
+    for (Level& level : hierarchy.levels_) {
+        level.name = in.GetText();
+        level.isAll = in.Get<std::uint8_t>() != 0;
+        level.depth = depth++;
+        level.members.first = static_cast<MemberId>(members);
+        members += in.Get<std::uint32_t>();
+        level.members.last = static_cast<MemberId>(members);
+        if (members >= noMember || (level.isAll && (level.depth != 0 || members != 1)))
+            Fail(fmt::format("level {} of {} is not well-formed", level.name, hierarchy.uniqueName_));
+    }
+    if (hierarchy.defaultMember_ >= members)
+        Fail(fmt::format("the default member of {} does not exist", hierarchy.uniqueName_));
+}
+
+void CubeLoader::LoadMembers(Hierarchy& hierarchy) const {
+    const std::size_t index = hierarchy.index_;
+    const auto numbers = [&](SectionKind kind) { return image_.Array<std::uint32_t>(Id(kind, index)); };
+    const auto texts = [&](SectionKind kind) {
+        const auto bytes = image_.Array<char>(Id(kind, index));
+        return std::string_view(bytes.data(), bytes.size());
+    };
+    MemberColumns& columns = hierarchy.columns_;
+    columns.names = texts(SectionKind::MemberNames);
+    columns.nameOffsets = numbers(SectionKind::MemberNameOffsets);
+    columns.captions = texts(SectionKind::MemberCaptions);
+    columns.captionOffsets = numbers(SectionKind::MemberCaptionOffsets);
+    columns.keys = texts(SectionKind::MemberKeys);
+    columns.keyOffsets = numbers(SectionKind::MemberKeyOffsets);
+    columns.parents = numbers(SectionKind::MemberParents);
+    columns.firstChild = numbers(SectionKind::MemberFirstChildren);
+    columns.rangeOffsets = numbers(SectionKind::MemberRangeOffsets);
+    columns.ranges = image_.Array<KeyRange>(Id(SectionKind::MemberRanges, index));
+    columns.nameSlots = numbers(SectionKind::MemberNameSlots);
+    columns.keySlots = numbers(SectionKind::MemberKeySlots);
+    columns.flags = image_.Array<std::uint8_t>(Id(SectionKind::MemberFlags, index));
+
+    const std::size_t count = hierarchy.levels_.back().members.last;
+    CheckTexts(columns.nameOffsets, columns.names, count);
+    CheckTexts(columns.captionOffsets, columns.captions, count);
+    CheckTexts(columns.keyOffsets, columns.keys, count);
+    CheckSlots(columns.nameSlots, count);
+    CheckSlots(columns.keySlots, count);
+    if (columns.parents.size() != count || columns.flags.size() != count)
+        Fail(fmt::format("the member columns of {} differ in length", hierarchy.uniqueName_));
+    CheckTree(hierarchy);
+}
+
+void CubeLoader::CheckTexts(std::span<const std::uint32_t> offsets, std::string_view texts,
+                            std::size_t count) const {
+    if (offsets.size() != count + 1 || offsets.front() != 0 || offsets.back() != texts.size() ||
+        !std::is_sorted(offsets.begin(), offsets.end()))
+        Fail("the places of the members' texts are not in order");
+}
+
+void CubeLoader::CheckSlots(std::span<const std::uint32_t> slots, std::size_t count) const {
+    // A search ends at a free slot, so there must be one.
+    const bool isInRange =
+        std::all_of(slots.begin(), slots.end(), [count](auto slot) { return slot <= count; });
+    if (!std::has_single_bit(slots.size()) || !isInRange ||
+        std::find(slots.begin(), slots.end(), 0U) == slots.end())
+        Fail("a lookup table of members is not well-formed");
+}
+
+void CubeLoader::CheckTree(const Hierarchy& hierarchy) const {
+    const MemberColumns& columns = hierarchy.columns_;
+    const std::size_t count = columns.parents.size();
+    const auto fail = [&] { Fail(fmt::format("the tree of {} is not consistent", hierarchy.uniqueName_)); };
+    if (columns.firstChild.size() != count + 1 || columns.firstChild.back() != count ||
+        !std::is_sorted(columns.firstChild.begin(), columns.firstChild.end()))
+        fail();
+    // The children of a level's members are the members of the next one.
+    for (const Level& level : hierarchy.levels_) {
+        if (columns.firstChild[level.members.first] != level.members.last)
+            fail();
+    }
+    const MemberId topLevelEnd = hierarchy.levels_.front().members.last;
+    for (MemberId member = 0; member < topLevelEnd; ++member) {
+        if (columns.parents[member] != noMember)
+            fail();
+    }
+    for (MemberId parent = 0; parent < count; ++parent) {
+        for (MemberId child = columns.firstChild[parent]; child < columns.firstChild[parent + 1]; ++child) {
+            if (columns.parents[child] != parent)
+                fail();
+        }
+    }
+}
+
+void CubeLoader::CheckRanges(const Hierarchy& hierarchy, std::uint32_t codes) const {
+    const auto offsets = hierarchy.columns_.rangeOffsets;
+    const auto ranges = hierarchy.columns_.ranges;
+    const auto fail = [&] { Fail(fmt::format("the keys of {} are out of range", hierarchy.uniqueName_)); };
+    if (offsets.size() != std::size_t{hierarchy.MemberCount()} + 1 || offsets.front() != 0 ||
+        offsets.back() != ranges.size() || !std::is_sorted(offsets.begin(), offsets.end()))
+        fail();
+    for (MemberId member = 0; member < hierarchy.MemberCount(); ++member) {
+        std::uint64_t lowest = 0;
+        for (const KeyRange& range : hierarchy.Ranges(member)) {
+            if (range.first < lowest || range.first >= range.last || range.last > codes)
+                fail();
+            lowest = std::uint64_t{range.last} + 1; // the next may not even be adjacent
+        }
+    }
+}
+
+void CubeLoader::LoadProjection(const FactTable& facts, std::size_t index, Projection& projection) const {
+    projection.rowCount_ = facts.rowCount_;
+    projection.leadRows_ = image_.Array<std::uint64_t>(Id(SectionKind::LeadRows, index));
+    const auto lead = projection.leadRows_;
+    if (lead.size() != std::size_t{facts.keyColumns_[projection.sortOrder_.front()].codes} + 1 ||
+        lead.front() != 0 || lead.back() != facts.rowCount_ || !std::is_sorted(lead.begin(), lead.end()))
+        Fail("the row numbers of a sort order are not consistent");
+    const auto column = [&](SectionKind kind, std::size_t number, std::uint8_t width) {
+        MappedSection section = image_.Section(Id(kind, index, number));
+        if (section.Size() % width != 0 || section.Size() / width != facts.rowCount_)
+            Fail("a column of facts has the wrong length");
+        return section;
+    };
+    for (std::size_t i = 0; i < facts.keyColumns_.size(); ++i) {
+        projection.keyWidths_.push_back(facts.keyColumns_[i].width);
+        projection.keys_.push_back(column(SectionKind::KeyCodes, i, facts.keyColumns_[i].width));
+    }
+    for (std::size_t i = 0; i < facts.measures_.size(); ++i) {
+        const std::uint8_t width = facts.measures_[i].width;
+        projection.valueWidths_.push_back(width);
+        projection.values_.push_back(width == 0 ? MappedSection()
+                                                : column(SectionKind::FactValues, i, width));
+    }
+}
+
+format::SectionId CubeLoader::Id(SectionKind kind, std::size_t first, std::size_t second) const {
+    return {static_cast<std::uint32_t>(kind), cubeNumber_, static_cast<std::uint32_t>(first),
+            static_cast<std::uint32_t>(second)};
+}
+
+void CubeLoader::Fail(const std::string& fault) const {
+    image_.Fail(fmt::format("cube {}: {}", cubeNumber_ + 1, fault));
+}
+
+} // namespace qel::engine

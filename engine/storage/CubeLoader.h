@@ -1,0 +1,41 @@
+#pragma once
+
+#include "engine/storage/ByteBuffer.h"
+#include "engine/storage/Cube.h"
+#include "engine/storage/FileImage.h"
+
+#include <cstdint>
+#include <string>
+
+namespace qel::engine {
+
+/// Reads one cube of a file. Everything that the cube's accessors later take for granted is checked here:
+/// counts, offsets, the shape of the trees, code ranges, lookup tables, section sizes. Nothing is built per
+/// member; the columns stay in the mapped file.
+class CubeLoader {
+public:
+    CubeLoader(const FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}
+
+    /// Raises EngineError (DamagedFile).
+    Cube Load();
+
+private:
+    void ReadFactColumns(ByteReader& in, FactTable& facts) const;
+    void ReadSortOrders(ByteReader& in, FactTable& facts) const;
+    void ReadDimensions(ByteReader& in, Cube& cube) const;
+    Hierarchy ReadHierarchy(ByteReader& in, const Cube& cube, const std::string& dimensionName) const;
+    void ReadLevels(ByteReader& in, Hierarchy& hierarchy) const;
+    void LoadMembers(Hierarchy& hierarchy) const;
+    void CheckTree(const Hierarchy& hierarchy) const;
+    void CheckRanges(const Hierarchy& hierarchy, std::uint32_t codes) const;
+    void CheckTexts(std::span<const std::uint32_t> offsets, std::string_view texts, std::size_t count) const;
+    void CheckSlots(std::span<const std::uint32_t> slots, std::size_t count) const;
+    void LoadProjection(const FactTable& facts, std::size_t index, Projection& projection) const;
+    format::SectionId Id(format::SectionKind kind, std::size_t first = 0, std::size_t second = 0) const;
+    [[noreturn]] void Fail(const std::string& fault) const;
+
+    const FileImage& image_;
+    std::uint32_t cubeNumber_;
+};
+
+} // namespace qel::engine

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "engine/storage/FactTable.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// A cube as the build hands it to the writer; the facts follow column by column.
+
+namespace qel::engine {
+
+/// Texts one behind the other, as they are stored.
+struct TextColumn {
+    std::vector<std::uint32_t> offsets{0}; ///< one more than there are texts
+    std::string bytes;
+
+    std::size_t Count() const { return offsets.size() - 1; }
+    std::string_view At(std::size_t index) const {
+        return std::string_view(bytes).substr(offsets[index], offsets[index + 1] - offsets[index]);
+    }
+    void Add(std::string_view text) {
+        bytes += text;
+        offsets.push_back(static_cast<std::uint32_t>(bytes.size()));
+    }
+};
+
+struct LevelModel {
+    std::string name;
+    bool isAll = false;
+    std::uint32_t memberCount = 0;
+};
+
+/// The members in the order of their numbers, see Cube.h.
+struct HierarchyModel {
+    std::string name, caption;
+    std::optional<std::uint32_t> keyColumn;
+    std::uint32_t defaultMember = 0;
+    std::vector<LevelModel> levels;
+    TextColumn names, captions, keys;
+    std::vector<std::uint32_t> parents, firstChild;
+    std::vector<std::uint32_t> rangeOffsets{0};
+    std::vector<KeyRange> ranges;
+};
+
+struct DimensionModel {
+    std::string name, caption;
+    bool isTime = false;
+    std::vector<HierarchyModel> hierarchies;
+};
+
+struct ProjectionModel {
+    std::vector<std::uint16_t> sortOrder;
+    std::vector<std::uint64_t> leadRows; ///< one more than the leading key has codes
+};
+
+struct CubeModel {
+    std::string name, caption;
+    std::vector<DimensionModel> dimensions;
+    std::vector<KeyColumn> keyColumns;
+    std::vector<Measure> measures;
+    std::uint32_t defaultMeasure = 0;
+    std::uint64_t rowCount = 0;
+    std::vector<ProjectionModel> projections;
+};
+
+} // namespace qel::engine

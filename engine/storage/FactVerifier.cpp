@@ -1,0 +1,158 @@
+#include "engine/storage/FactVerifier.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+namespace qel::engine {
+
+namespace {
+
+constexpr std::uint64_t blockRows = 8192;
+
+template <class Stored>
+void Widen(const std::byte* from, std::vector<std::int64_t>& to) {
+    for (std::size_t i = 0; i < to.size(); ++i) {
+        Stored value = 0;
+        std::memcpy(&value, from + i * sizeof(Stored), sizeof(Stored));
+        to[i] = static_cast<std::int64_t>(value);
+    }
+}
+
+void WidenCodes(const std::byte* from, std::uint8_t width, std::vector<std::int64_t>& to) {
+    if (width == 1)
+        Widen<std::uint8_t>(from, to);
+    else if (width == 2)
+        Widen<std::uint16_t>(from, to);
+    else
+        Widen<std::uint32_t>(from, to);
+}
+
+void WidenValues(const std::byte* from, std::uint8_t width, std::vector<std::int64_t>& to) {
+    if (width == 1)
+        Widen<std::int8_t>(from, to);
+    else if (width == 2)
+        Widen<std::int16_t>(from, to);
+    else if (width == 4)
+        Widen<std::int32_t>(from, to);
+    else
+        Widen<std::int64_t>(from, to);
+}
+
+std::uint64_t Mix(std::uint64_t hash, std::int64_t value) {
+    hash = (hash ^ static_cast<std::uint64_t>(value)) * 0x9E3779B97F4A7C15U;
+    return hash ^ (hash >> 29U);
+}
+
+/// One sort order, block by block.
+class ProjectionCheck {
+public:
+    ProjectionCheck(const FactTable& facts, const Projection& projection)
+        : facts_(facts), projection_(projection), codes_(facts.KeyColumns().size()),
+          lastCodes_(projection.SortOrder().size(), -1), magnitudes_(facts.Measures().size()) {}
+
+    /// The fault, or an empty text.
+    std::string Block(RowRange rows) {
+        hashes_.assign(rows.Count(), 0);
+        for (std::size_t column = 0; column < codes_.size(); ++column) {
+            if (!ReadCodes(column, rows))
+                return fmt::format("key column {} has a code out of range", facts_.KeyColumns()[column].name);
+        }
+        for (std::size_t measure = 0; measure < magnitudes_.size(); ++measure) {
+            if (!ReadValues(measure, rows))
+                return fmt::format("the values of measure {} are too large to be summed",
+                                   facts_.Measures()[measure].name);
+        }
+        for (const std::uint64_t hash : hashes_)
+            contents_ += hash;
+        return IsInOrder(rows) ? "" : "the facts are not in their order";
+    }
+
+    /// A number that is the same for the same facts in any order.
+    std::uint64_t Contents() const { return contents_; }
+
+private:
+    bool ReadCodes(std::size_t column, RowRange rows) {
+        const KeyColumn& key = facts_.KeyColumns()[column];
+        codes_[column].resize(rows.Count());
+        WidenCodes(projection_.Keys(column, rows), key.width, codes_[column]);
+        for (std::size_t i = 0; i < hashes_.size(); ++i)
+            hashes_[i] = Mix(hashes_[i], codes_[column][i]);
+        return std::all_of(codes_[column].begin(), codes_[column].end(),
+                           [&key](std::int64_t code) { return code < key.codes; });
+    }
+
+    bool ReadValues(std::size_t measure, RowRange rows) {
+        const std::uint8_t width = facts_.Measures()[measure].width;
+        if (width == 0)
+            return true;
+        values_.resize(rows.Count());
+        WidenValues(projection_.Values(measure, rows), width, values_);
+        constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+        std::uint64_t& sum = magnitudes_[measure];
+        for (std::size_t i = 0; i < values_.size(); ++i) {
+            hashes_[i] = Mix(hashes_[i], values_[i]);
+            const auto bits = static_cast<std::uint64_t>(values_[i]);
+            const std::uint64_t magnitude = values_[i] < 0 ? 0 - bits : bits;
+            if (magnitude > most - sum)
+                return false;
+            sum += magnitude;
+        }
+        return true;
+    }
+
+    bool IsInOrder(RowRange rows) {
+        const auto order = projection_.SortOrder();
+        for (std::size_t i = 0; i < hashes_.size(); ++i) {
+            bool isDecided = false;
+            for (std::size_t k = 0; k < order.size(); ++k) {
+                const std::int64_t code = codes_[order[k]][i];
+                if (!isDecided && code < lastCodes_[k])
+                    return false;
+                isDecided = isDecided || code > lastCodes_[k];
+                lastCodes_[k] = code;
+            }
+            const auto lead = static_cast<std::uint32_t>(lastCodes_[0]);
+            const RowRange place = projection_.RowsOfLead({lead, lead + 1});
+            const std::uint64_t row = rows.first + i;
+            if (row < place.first || row >= place.last)
+                return false;
+        }
+        return true;
+    }
+
+    const FactTable& facts_;
+    const Projection& projection_;
+    std::vector<std::vector<std::int64_t>> codes_;
+    std::vector<std::int64_t> values_, lastCodes_;
+    std::vector<std::uint64_t> hashes_, magnitudes_;
+    std::uint64_t contents_ = 0;
+};
+
+} // namespace
+
+std::string FindFactFault(const Cube& cube, const std::function<void(std::uint64_t)>& progress) {
+    const FactTable& facts = cube.Facts();
+    std::uint64_t contents = 0, rowsRead = 0;
+    for (std::size_t i = 0; i < facts.Projections().size(); ++i) {
+        ProjectionCheck check(facts, facts.Projections()[i]);
+        for (std::uint64_t row = 0; row < facts.RowCount(); row += blockRows) {
+            const RowRange rows{row, std::min(row + blockRows, facts.RowCount())};
+            const std::string fault = check.Block(rows);
+            if (!fault.empty())
+                return fmt::format("cube {}, sort order {}: {}", cube.Name(), i + 1, fault);
+            rowsRead += rows.Count();
+            if (progress)
+                progress(rowsRead);
+        }
+        if (i > 0 && check.Contents() != contents)
+            return fmt::format("cube {}: sort orders 1 and {} hold different facts", cube.Name(), i + 1);
+        contents = check.Contents();
+    }
+    return {};
+}
+
+} // namespace qel::engine

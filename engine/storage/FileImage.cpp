@@ -1,0 +1,113 @@
+#include "engine/storage/FileImage.h"
+
+#include "engine/EngineError.h"
+
+#include <fmt/format.h>
+#include <xxhash.h>
+
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace qel::engine {
+
+namespace {
+
+/// Kinds that this version knows, all of them required where they belong.
+bool IsKnown(std::uint32_t kind) {
+    using format::SectionKind;
+    const auto between = [kind](SectionKind first, SectionKind last) {
+        return kind >= static_cast<std::uint32_t>(first) && kind <= static_cast<std::uint32_t>(last);
+    };
+    return between(SectionKind::CubeDescription, SectionKind::CubeDescription) ||
+           between(SectionKind::MemberNames, SectionKind::MemberFlags) ||
+           between(SectionKind::LeadRows, SectionKind::FactValues);
+}
+
+} // namespace
+
+FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes)
+    : fileName_(std::move(fileName)), bytes_(bytes) {
+    if (bytes.size() < format::signature.size() ||
+        std::memcmp(bytes.data(), format::signature.data(), format::signature.size()) != 0)
+        throw EngineError(ErrorKind::NotACubeFile,
+                          fileName_ + ": not a cube file (it does not begin with a cube file's signature)");
+    format::Header header = {};
+    if (bytes.size() < sizeof header)
+        Fail(fmt::format("it ends after {} bytes, within the header", bytes.size()));
+    std::memcpy(&header, bytes.data(), sizeof header);
+    CheckHeader(header);
+
+    const auto pages = bytes.first(header.checksumTableOffset);
+    const auto tail = bytes.subspan(header.checksumTableOffset);
+    if (XXH3_64bits(tail.data(), tail.size()) != header.tailChecksum)
+        Fail("the directory is not as it was written (wrong checksum)");
+    directory_ = {reinterpret_cast<const format::DirectoryEntry*>(bytes.data() + header.directoryOffset),
+                  header.directoryEntries};
+    CheckDirectory(pages.size());
+    const std::size_t pageCount = (pages.size() + format::pageSize - 1) / format::pageSize;
+    verifier_ = std::make_unique<PageVerifier>(
+        fileName_, pages, std::span(reinterpret_cast<const std::uint64_t*>(tail.data()), pageCount));
+}
+
+void FileImage::CheckHeader(const format::Header& header) const {
+    // The version comes first: another version's header may have another form.
+    if (header.version != format::version)
+        throw EngineError(ErrorKind::UnsupportedVersion,
+                          fmt::format("{}: a cube file of format version {}; this program reads version {}",
+                                      fileName_, header.version, format::version));
+    if (XXH3_64bits(bytes_.data(), format::headerChecksumOffset) != header.headerChecksum)
+        Fail("the header is not as it was written (wrong checksum)");
+    if (header.fileSize != bytes_.size())
+        Fail(fmt::format("it has {} bytes instead of {}", bytes_.size(), header.fileSize));
+    const std::uint64_t pagesEnd = header.checksumTableOffset;
+    if (header.pageSize != format::pageSize || pagesEnd < sizeof header || pagesEnd > bytes_.size() ||
+        pagesEnd % format::sectionAlignment != 0)
+        Fail("the header's places are out of range");
+    const std::uint64_t tableSize = (pagesEnd + format::pageSize - 1) / format::pageSize * 8;
+    const std::uint64_t directorySize =
+        std::uint64_t{header.directoryEntries} * sizeof(format::DirectoryEntry);
+    if (header.directoryOffset != pagesEnd + tableSize ||
+        bytes_.size() != header.directoryOffset + directorySize)
+        Fail("the header's places are out of range");
+}
+
+void FileImage::CheckDirectory(std::uint64_t pagesEnd) const {
+    const format::DirectoryEntry* previous = nullptr;
+    for (const format::DirectoryEntry& entry : directory_) {
+        if (entry.id.kind < format::firstOptionalKind && !IsKnown(entry.id.kind))
+            throw EngineError(ErrorKind::UnsupportedVersion,
+                              fmt::format("{}: has sections of kind {}, which a newer version writes",
+                                          fileName_, entry.id.kind));
+        if (previous != nullptr && previous->id >= entry.id)
+            Fail("the directory is not in order");
+        if (entry.offset % format::sectionAlignment != 0 || entry.offset < sizeof(format::Header) ||
+            entry.offset > pagesEnd || entry.size > pagesEnd - entry.offset)
+            Fail("a section lies outside the file");
+        previous = &entry;
+    }
+}
+
+std::uint32_t FileImage::CubeCount() const {
+    std::uint32_t count = 0;
+    for (const format::DirectoryEntry& entry : directory_) {
+        if (entry.id.kind == static_cast<std::uint32_t>(format::SectionKind::CubeDescription))
+            ++count;
+    }
+    return count;
+}
+
+MappedSection FileImage::Section(const format::SectionId& id) const {
+    const auto found =
+        std::lower_bound(directory_.begin(), directory_.end(), id,
+                         [](const auto& entry, const auto& wanted) { return entry.id < wanted; });
+    if (found == directory_.end() || found->id != id)
+        Fail(fmt::format("section {} of cube {} is missing", id.kind, id.cube));
+    return {bytes_.data() + found->offset, found->offset, found->size, verifier_.get()};
+}
+
+void FileImage::Fail(const std::string& fault) const {
+    throw EngineError(ErrorKind::DamagedFile, fmt::format("{}: damaged cube file: {}", fileName_, fault));
+}
+
+} // namespace qel::engine

@@ -1,0 +1,81 @@
+#pragma once
+
+#include <array>
+#include <bit>
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+
+// The fixed parts of a cube file, as docs/cub-format.md describes them.
+
+namespace qel::engine::format {
+
+static_assert(std::endian::native == std::endian::little, "cube files are mapped as they are: little-endian");
+
+/// The first byte is not ASCII and the last is a line feed, so that a file that went through a text transfer
+/// is told from a cube.
+inline constexpr std::array<char, 8> signature = {'\x89', 'Q', 'E', 'L', 'C', 'U', 'B', '\n'};
+inline constexpr std::uint32_t version = 1;
+inline constexpr std::uint64_t pageSize = 65536;
+inline constexpr std::uint64_t sectionAlignment = 64;
+
+struct Header {
+    std::array<char, 8> signature;
+    std::uint32_t version;
+    std::uint32_t pageSize;
+    std::uint64_t fileSize;
+    std::uint64_t checksumTableOffset; ///< where the section pages end and the tail begins
+    std::uint64_t directoryOffset;
+    std::uint32_t directoryEntries;
+    std::uint32_t reserved;
+    std::uint64_t tailChecksum;   ///< XXH3-64 of the checksum table and the directory
+    std::uint64_t headerChecksum; ///< XXH3-64 of the 56 bytes before it
+};
+static_assert(sizeof(Header) == 64);
+inline constexpr std::size_t headerChecksumOffset = offsetof(Header, headerChecksum);
+
+/// What a section holds; `first` and `second` of its directory entry say which one.
+enum class SectionKind : std::uint32_t {
+    CubeDescription = 1, ///< names, levels, key columns, measures, sort orders
+    // One each for every hierarchy (first: hierarchy).
+    MemberNames = 16,
+    MemberNameOffsets = 17,
+    MemberCaptions = 18,
+    MemberCaptionOffsets = 19,
+    MemberKeys = 20,
+    MemberKeyOffsets = 21,
+    MemberParents = 22,
+    MemberFirstChildren = 23,
+    MemberRangeOffsets = 24,
+    MemberRanges = 25,
+    MemberNameSlots = 26,
+    MemberKeySlots = 27,
+    MemberFlags = 28,
+    // One each for every projection.
+    LeadRows = 48,  ///< first: projection
+    KeyCodes = 49,  ///< first: projection, second: key column
+    FactValues = 50 ///< first: projection, second: measure
+};
+
+/// Sections of kinds from here on may be passed over by a reader that does not know them; an unknown kind
+/// below makes a file of a newer format.
+inline constexpr std::uint32_t firstOptionalKind = 0x80000000U;
+
+struct SectionId {
+    std::uint32_t kind = 0, cube = 0, first = 0, second = 0;
+
+    auto operator<=>(const SectionId&) const = default;
+};
+
+/// Directory entries ascend by their section's id.
+struct DirectoryEntry {
+    SectionId id;
+    std::uint64_t offset;
+    std::uint64_t size;
+};
+static_assert(sizeof(DirectoryEntry) == 32);
+
+/// A member's flags.
+inline constexpr std::uint8_t nameIsShared = 1; ///< a sibling has the same name
+
+} // namespace qel::engine::format
