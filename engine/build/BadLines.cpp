@@ -1,6 +1,7 @@
 #include "engine/build/BadLines.h"
 
 #include "engine/EngineError.h"
+#include "engine/storage/PathText.h"
 
 #include <fmt/format.h>
 
@@ -26,7 +27,7 @@ BadLines::BadLines(const std::optional<std::filesystem::path>& skippedLines)
     path_ = *skippedLines;
     file_.open(path_, std::ios::binary | std::ios::trunc);
     if (!file_)
-        throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", path_.string(),
+        throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", PathText(path_),
                                                               std::generic_category().message(errno)));
 }
 
@@ -50,7 +51,7 @@ void BadLines::Finish() {
     file_.close();
     if (!file_)
         throw EngineError(ErrorKind::CannotWrite,
-                          fmt::format("{}: not all skipped lines could be written", path_.string()));
+                          fmt::format("{}: not all skipped lines could be written", PathText(path_)));
 }
 
 } // namespace qel::engine

@@ -2,6 +2,7 @@
 
 #include "engine/EngineError.h"
 #include "engine/build/FactSorter.h"
+#include "engine/storage/PathText.h"
 
 #include <fmt/format.h>
 
@@ -62,7 +63,7 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
             tableOfKeys = names.size();
             names.push_back(
                 fmt::format("table of dimension {} ({})", dimension.name,
-                            definition_.tables[dimension.tables.front()].file.filename().string()));
+                            PathText(definition_.tables[dimension.tables.front()].file.filename())));
         }
         for (const std::size_t table : dimension.tables) {
             TableReader reader(definition_.tables[table], badLines_, progress_);

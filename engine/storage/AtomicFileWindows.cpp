@@ -1,21 +1,19 @@
 // AtomicFile on Windows.
 
-#include "engine/storage/AtomicFile.h"
-
 #include "engine/EngineError.h"
+#include "engine/storage/AtomicFile.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <random>
-#include <string>
-#include <system_error>
-#include <utility>
-
 #include <fcntl.h>
 #include <io.h>
+#include <random>
+#include <string>
 #include <sys/stat.h>
+#include <system_error>
+#include <utility>
 #include <windows.h>
 
 namespace qel::engine {
@@ -76,7 +74,8 @@ void AtomicFile::Commit() {
     // An open file can be renamed by nobody else's leave, so it is closed first.
     if (::_close(std::exchange(descriptor_, -1)) != 0)
         Fail(errno);
-    if (::MoveFileExW(temporary_.c_str(), path_.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
+    if (::MoveFileExW(temporary_.c_str(), path_.c_str(),
+                      MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) == 0) {
         const std::error_code error(static_cast<int>(::GetLastError()), std::system_category());
         throw EngineError(ErrorKind::CannotWrite,
                           fmt::format("{}: cannot be replaced: {}", Utf8Of(path_), error.message()));

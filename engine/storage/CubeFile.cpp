@@ -6,6 +6,7 @@
 #include "engine/storage/FileImage.h"
 #include "engine/storage/MappedFile.h"
 #include "engine/storage/MemberVerifier.h"
+#include "engine/storage/PathText.h"
 #include "engine/text/CaseFold.h"
 
 #include <fmt/format.h>
@@ -19,7 +20,7 @@ namespace qel::engine {
 
 struct CubeFile::Contents {
     Contents(std::filesystem::path filePath, MappedFile mapped)
-        : path(std::move(filePath)), file(std::move(mapped)), image(path.string(), file.Bytes()) {
+        : path(std::move(filePath)), file(std::move(mapped)), image(PathText(path), file.Bytes()) {
         for (std::uint32_t i = 0; i < image.CubeCount(); ++i)
             cubes.push_back(CubeLoader(image, i).Load());
     }
@@ -62,7 +63,7 @@ std::shared_ptr<const Cube> CubeFile::FindCube(std::string_view name) const {
         names.push_back(cube.Name());
     }
     throw EngineError(ErrorKind::UnknownCube, fmt::format("{}: there is no cube \"{}\"; the file holds {}",
-                                                          Path().string(), name, fmt::join(names, ", ")));
+                                                          PathText(Path()), name, fmt::join(names, ", ")));
 }
 
 void CubeFile::Verify(const std::function<void(double)>& progress) const {

@@ -1,12 +1,9 @@
-// MappedFile on Windows.
-
 #include "engine/EngineError.h"
 #include "engine/storage/MappedFile.h"
+#include "engine/storage/PathText.h"
 
 #include <fmt/format.h>
 
-#include <cstdint>
-#include <string>
 #include <system_error>
 #include <utility>
 #include <windows.h>
@@ -25,25 +22,16 @@ public:
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
 
-    explicit operator bool() const { return handle_ != nullptr; }
     HANDLE Get() const { return handle_; }
 
 private:
     HANDLE handle_;
 };
 
-std::string Utf8Of(const std::filesystem::path& path) {
-    const std::u8string name = path.u8string();
-    return {name.begin(), name.end()};
-}
-
-[[noreturn]] void Fail(const std::filesystem::path& path, const std::string& fault) {
-    throw EngineError(ErrorKind::FileNotFound, fmt::format("{}: {}", Utf8Of(path), fault));
-}
-
-[[noreturn]] void FailWithLastError(const std::filesystem::path& path) {
-    const std::error_code error(static_cast<int>(::GetLastError()), std::system_category());
-    Fail(path, error.message());
+[[noreturn]] void Fail(const std::filesystem::path& path) {
+    const auto error = static_cast<int>(::GetLastError());
+    throw EngineError(ErrorKind::FileNotFound,
+                      fmt::format("{}: {}", PathText(path), std::system_category().message(error)));
 }
 
 } // namespace
@@ -51,29 +39,23 @@ std::string Utf8Of(const std::filesystem::path& path) {
 MappedFile::MappedFile(const std::filesystem::path& path) {
     std::error_code ignored;
     if (std::filesystem::is_directory(path, ignored))
-        Fail(path, "is a folder");
-    // The suite may put a new cube in the place of this one while it is being read.
-    constexpr DWORD sharing = FILE_SHARE_READ | FILE_SHARE_DELETE;
-    const Handle file(::CreateFileW(path.c_str(), GENERIC_READ, sharing, nullptr, OPEN_EXISTING,
+        throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is a folder");
+    constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const Handle file(::CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
                                     FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!file)
-        FailWithLastError(path);
-    if (::GetFileType(file.Get()) != FILE_TYPE_DISK)
-        Fail(path, "is not a regular file");
-    LARGE_INTEGER length = {};
-    if (::GetFileSizeEx(file.Get(), &length) == 0)
-        FailWithLastError(path);
-    if (length.QuadPart == 0)
+    LARGE_INTEGER size = {};
+    if (file.Get() == nullptr || !::GetFileSizeEx(file.Get(), &size))
+        Fail(path);
+    if (size.QuadPart == 0)
         return;
-    if (static_cast<std::uint64_t>(length.QuadPart) > SIZE_MAX)
-        Fail(path, "is too large for a 32-bit program");
     const Handle mapping(::CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
-    if (!mapping)
-        FailWithLastError(path);
-    const void* const data = ::MapViewOfFile(mapping.Get(), FILE_MAP_READ, 0, 0, 0);
+    if (mapping.Get() == nullptr)
+        Fail(path);
+    const void* const data =
+        ::MapViewOfFile(mapping.Get(), FILE_MAP_READ, 0, 0, 0); // keeps what it needs open
     if (data == nullptr)
-        FailWithLastError(path);
-    bytes_ = {static_cast<const std::byte*>(data), static_cast<std::size_t>(length.QuadPart)};
+        Fail(path);
+    bytes_ = {static_cast<const std::byte*>(data), static_cast<std::size_t>(size.QuadPart)};
 }
 
 MappedFile::~MappedFile() {

@@ -1,6 +1,6 @@
-#include "engine/storage/AtomicFile.h"
-
 #include "engine/EngineError.h"
+#include "engine/storage/AtomicFile.h"
+#include "engine/storage/PathText.h"
 
 #include <fmt/format.h>
 
@@ -84,7 +84,7 @@ void AtomicFile::Commit() {
 }
 
 void AtomicFile::Fail(int error) const {
-    throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", path_.string(),
+    throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", PathText(path_),
                                                           std::generic_category().message(error)));
 }
 

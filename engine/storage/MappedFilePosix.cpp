@@ -1,6 +1,6 @@
-#include "engine/storage/MappedFile.h"
-
 #include "engine/EngineError.h"
+#include "engine/storage/MappedFile.h"
+#include "engine/storage/PathText.h"
 
 #include <fmt/format.h>
 
@@ -34,7 +34,7 @@ private:
 
 [[noreturn]] void Fail(const std::filesystem::path& path, int error) {
     throw EngineError(ErrorKind::FileNotFound,
-                      fmt::format("{}: {}", path.string(), std::generic_category().message(error)));
+                      fmt::format("{}: {}", PathText(path), std::generic_category().message(error)));
 }
 
 } // namespace
@@ -48,9 +48,9 @@ MappedFile::MappedFile(const std::filesystem::path& path) {
     if (::fstat(file.Number(), &status) != 0)
         Fail(path, errno);
     if (S_ISDIR(status.st_mode))
-        throw EngineError(ErrorKind::FileNotFound, path.string() + ": is a folder");
+        throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is a folder");
     if (!S_ISREG(status.st_mode))
-        throw EngineError(ErrorKind::FileNotFound, path.string() + ": is not a regular file");
+        throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is not a regular file");
     const auto size = static_cast<std::size_t>(status.st_size);
     if (size == 0)
         return;
