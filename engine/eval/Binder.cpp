@@ -1,0 +1,255 @@
+#include "engine/eval/Binder.h"
+
+#include "engine/eval/Functions.h"
+#include "engine/eval/SetOperations.h"
+#include "engine/mdx/Words.h"
+#include "engine/text/CaseFold.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+namespace qel::engine {
+
+using mdx::Node;
+using mdx::NodeId;
+using mdx::NodeKind;
+using mdx::noNode;
+
+void Binder::BindDefinitions() {
+    for (const mdx::Definition& definition : statement_.definitions) {
+        if (definition.isSet) {
+            continue;
+        }
+        const Node& path = At(definition.name);
+        const HierarchyId hierarchy = names_.HierarchyOfNew(path);
+        NodeId name = path.firstChild;
+        while (At(name).next != noNode) {
+            name = At(name).next;
+        }
+        if (space_.FindCalculated(hierarchy, At(name).text)) {
+            Fail(definition.name, fmt::format("the calculated member {} is defined twice", At(name).text));
+        }
+        space_.AddCalculated(hierarchy, At(name).text);
+    }
+    for (const mdx::Definition& definition : statement_.definitions) {
+        if (!definition.isSet) {
+            continue;
+        }
+        if (At(definition.name).childCount != 1) {
+            Fail(definition.name, "the name of a set has one part");
+        }
+        namedSets_.push_back({At(At(definition.name).firstChild).text, BindSet(definition.formula),
+                              std::make_shared<std::optional<TupleSet>>()});
+    }
+    for (const mdx::Definition& definition : statement_.definitions) {
+        if (!definition.isSet) {
+            evaluator_.AddFormula(
+                {BindNumber(definition.formula), definition.solveOrder, At(definition.name).place});
+        }
+    }
+}
+
+Bound Binder::Bind(NodeId id) {
+    const Node& node = At(id);
+    switch (node.kind) {
+    case NodeKind::Path:
+        return BindPath(id, false);
+    case NodeKind::Number: {
+        const CellValue number = NumberFromText(node.text);
+        return MakeNumber(true, [number](Evaluator&) { return number; });
+    }
+    case NodeKind::Text:
+        return MakeText([text = std::string(node.text)](Evaluator&) { return text; });
+    case NodeKind::Set:
+        return BindBraces(id);
+    case NodeKind::Tuple:
+        return BindTuple(id);
+    case NodeKind::Call:
+        return BindCall(id);
+    case NodeKind::Method:
+        return BindMethod(*this, id);
+    case NodeKind::Range:
+        return BindRange(id);
+    case NodeKind::Chain:
+        return BindChain(id);
+    case NodeKind::Comparison:
+        return BindComparison(id);
+    case NodeKind::Negation: {
+        NumberPtr operand = BindNumber(node.firstChild);
+        const bool isConstant = operand->IsConstant();
+        return MakeNumber(isConstant, [operand = std::move(operand)](Evaluator& evaluator) {
+            return Negate(operand->Evaluate(evaluator));
+        });
+    }
+    case NodeKind::Not:
+        return MakeCondition([operand = BindCondition(node.firstChild)](Evaluator& evaluator) {
+            return !operand->Evaluate(evaluator);
+        });
+    default:
+        Fail(id, "an argument is missing");
+    }
+}
+
+Bound Binder::BindPath(NodeId id, bool wantsLevel) {
+    const Node& node = At(id);
+    const Node& first = At(node.firstChild);
+    if (node.childCount == 1) {
+        for (const NamedSet& named : namedSets_) {
+            if (EqualIgnoringCase(named.name, first.text)) {
+                return BindNamedSet(named);
+            }
+        }
+        if (first.isWord && mdx::IsWord(first.text, "null")) {
+            return MakeNumber(true, [](Evaluator&) { return CellValue::Empty(); });
+        }
+    }
+    const Resolved resolved = names_.Resolve(node, wantsLevel);
+    if (const auto* member = std::get_if<MemberRef>(&resolved)) {
+        return ConstantMember(*member);
+    }
+    if (const auto* level = std::get_if<LevelName>(&resolved)) {
+        return *level;
+    }
+    return std::get<HierarchyName>(resolved);
+}
+
+Bound Binder::BindNamedSet(const NamedSet& named) const {
+    return MakeSet(named.set->IsConstant(), named.set->GetShape(),
+                   [set = named.set, tuples = named.tuples](Evaluator& evaluator, TupleSet& result) {
+                       if (!*tuples) {
+                           *tuples = TupleSet{set->GetShape(), {}}; // empty while it is being evaluated
+                           *tuples = set->Evaluate(evaluator);
+                       }
+                       result.Append(**tuples);
+                   });
+}
+
+Bound Binder::BindBraces(NodeId id) {
+    std::vector<SetPtr> elements;
+    Shape shape;
+    bool isConstant = true;
+    for (NodeId child = At(id).firstChild; child != noNode; child = At(child).next) {
+        SetPtr element = BindSet(child);
+        CheckShape(shape, *element, child);
+        shape = element->GetShape().empty() ? shape : element->GetShape();
+        isConstant = isConstant && element->IsConstant();
+        elements.push_back(std::move(element));
+    }
+    if (elements.size() == 1) {
+        return std::move(elements.front());
+    }
+    return MakeSet(isConstant, shape, [elements = std::move(elements)](Evaluator& evaluator, TupleSet& result) {
+        for (const SetPtr& element : elements) {
+            element->Append(evaluator, result);
+        }
+    });
+}
+
+Bound Binder::BindTuple(NodeId id) {
+    if (At(id).childCount == 1) {
+        return Bind(At(id).firstChild);
+    }
+    std::vector<Bound> elements;
+    bool hasSet = false;
+    for (NodeId child = At(id).firstChild; child != noNode; child = At(child).next) {
+        elements.push_back(Bind(child));
+        hasSet = hasSet || IsSet(elements.back());
+    }
+    NodeId child = At(id).firstChild;
+    if (hasSet) { // ({a, b}, {c, d}) is the cross join
+        SetPtr joined;
+        for (Bound& element : elements) {
+            SetPtr set = ToSet(std::move(element), child);
+            joined = joined ? MakeCrossJoin(*this, std::move(joined), std::move(set), child) : std::move(set);
+            child = At(child).next;
+        }
+        return joined;
+    }
+    TupleExpression tuple;
+    for (Bound& element : elements) {
+        MemberPtr member = ToMember(std::move(element), child);
+        for (const MemberPtr& other : tuple) {
+            if (other->Hierarchy() == member->Hierarchy()) {
+                Fail(child, fmt::format("the hierarchy {} stands in the tuple twice",
+                                        space_.HierarchyUniqueName(member->Hierarchy())));
+            }
+        }
+        tuple.push_back(std::move(member));
+        child = At(child).next;
+    }
+    return tuple;
+}
+
+Bound Binder::BindRange(NodeId id) {
+    const NodeId firstNode = At(id).firstChild;
+    const NodeId lastNode = At(firstNode).next;
+    MemberPtr first = BindMember(firstNode);
+    MemberPtr last = BindMember(lastNode);
+    const HierarchyId hierarchy = first->Hierarchy();
+    if (last->Hierarchy() != hierarchy) {
+        Fail(lastNode, "the two ends of a range are members of different hierarchies");
+    }
+    const bool isConstant = first->IsConstant() && last->IsConstant();
+    return MakeSet(isConstant, {hierarchy},
+                   [this, lastNode, first = std::move(first), last = std::move(last)](Evaluator& evaluator,
+                                                                                      TupleSet& result) {
+                       const MemberId from = first->Evaluate(evaluator);
+                       const MemberId to = last->Evaluate(evaluator);
+                       if (from == noMember || to == noMember) {
+                           return;
+                       }
+                       const HierarchyId both = first->Hierarchy();
+                       if (IsCalculated(from) || IsCalculated(to) ||
+                           space_.LevelOf({both, from}) != space_.LevelOf({both, to})) {
+                           Fail(lastNode, "the two ends of a range are not on one level");
+                       }
+                       result.Append(MemberRange{std::min(from, to), std::max(from, to) + 1});
+                   });
+}
+
+Bound Binder::BindCall(NodeId id) {
+    const Node& node = At(id);
+    const Function* function = FindFunction(node.text);
+    if (function == nullptr) {
+        Fail(id, fmt::format("there is no function {}", node.text));
+    }
+    if (node.childCount < function->fewestArguments || node.childCount > function->mostArguments) {
+        Fail(id, function->fewestArguments == function->mostArguments
+                     ? fmt::format("{} takes {} arguments, not {}", function->name, function->fewestArguments,
+                                   node.childCount)
+                     : fmt::format("{} takes {} to {} arguments, not {}", function->name, function->fewestArguments,
+                                   function->mostArguments, node.childCount));
+    }
+    Call call{*this, id, {}};
+    for (NodeId child = node.firstChild; child != noNode; child = At(child).next) {
+        call.arguments.push_back(child);
+    }
+    return function->bind(call);
+}
+
+std::string_view Binder::Word(NodeId id) const {
+    const Node& node = At(id);
+    const bool isWord = node.kind == NodeKind::Path && node.childCount == 1 && At(node.firstChild).isWord;
+    return isWord ? At(node.firstChild).text : std::string_view();
+}
+
+void Binder::Fail(NodeId node, std::string_view message) const {
+    mdx::RaiseAt(ErrorKind::InvalidExpression, statement_.source, At(node).place, message);
+}
+
+std::string Binder::Describe(const Shape& shape) const {
+    std::string text;
+    for (const HierarchyId hierarchy : shape) {
+        text += (text.empty() ? "" : ", ") + space_.HierarchyUniqueName(hierarchy);
+    }
+    return text;
+}
+
+void Binder::CheckShape(const Shape& shape, const SetExpression& set, NodeId node) const {
+    if (!shape.empty() && !set.GetShape().empty() && shape != set.GetShape()) {
+        Fail(node, fmt::format("a set of {} takes no element of {}", Describe(shape), Describe(set.GetShape())));
+    }
+}
+
+} // namespace qel::engine

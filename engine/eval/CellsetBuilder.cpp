@@ -1,0 +1,55 @@
+#include "engine/eval/CellsetBuilder.h"
+
+#include <unordered_map>
+
+namespace qel::engine {
+
+const AxisMember& Cellset::MemberAt(std::size_t axis, std::size_t position, std::size_t index) const {
+    return axes_[axis].members[axes_[axis].positions[position][index]];
+}
+
+const CellValue& Cellset::Cell(const std::vector<std::size_t>& positions) const {
+    std::size_t cell = 0;
+    for (std::size_t axis = axes_.size(); axis-- > 0;) {
+        cell = cell * axes_[axis].positions.size() + positions[axis];
+    }
+    return cells_[cell];
+}
+
+void CellsetBuilder::AddAxis(const TupleSet& tuples) {
+    Cellset::Axis& axis = cellset_.axes_.emplace_back();
+    axis.tupleSize = tuples.shape.size();
+    axis.positions.reserve(tuples.Count());
+    std::unordered_map<std::uint64_t, std::uint32_t> known;
+    for (std::size_t i = 0; i < tuples.Count(); ++i) {
+        std::vector<std::uint32_t>& position = axis.positions.emplace_back();
+        position.reserve(tuples.shape.size());
+        for (std::size_t place = 0; place < tuples.shape.size(); ++place) {
+            const MemberRef member{tuples.shape[place], tuples.At(i)[place]};
+            const std::uint64_t key = std::uint64_t{member.hierarchy} << 32U | member.id;
+            const auto [entry, isNew] = known.emplace(key, static_cast<std::uint32_t>(axis.members.size()));
+            if (isNew) {
+                axis.members.push_back(Describe(member));
+            }
+            position.push_back(entry->second);
+        }
+    }
+}
+
+Cellset CellsetBuilder::Finish(std::vector<CellValue> cells) {
+    cellset_.cells_ = std::move(cells);
+    return std::move(cellset_);
+}
+
+AxisMember CellsetBuilder::Describe(MemberRef member) const {
+    const std::size_t level = space_.LevelOf(member);
+    AxisMember description;
+    description.name = space_.Name(member);
+    description.caption = space_.Caption(member);
+    description.uniqueName = space_.UniqueName(member);
+    description.levelName = space_.LevelName({member.hierarchy, level});
+    description.levelDepth = static_cast<std::uint32_t>(level);
+    return description;
+}
+
+} // namespace qel::engine

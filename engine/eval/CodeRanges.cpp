@@ -1,0 +1,75 @@
+#include "engine/eval/CodeRanges.h"
+
+#include <algorithm>
+
+namespace qel::engine {
+
+namespace {
+
+/// Calls `visit(range)` for the common part of every two ranges that overlap, until it returns false.
+template <class Visit>
+void VisitOverlaps(CodeRanges left, CodeRanges right, const Visit& visit) {
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i < left.size() && j < right.size()) {
+        const KeyRange common{std::max(left[i].first, right[j].first), std::min(left[i].last, right[j].last)};
+        if (common.first < common.last && !visit(common)) {
+            return;
+        }
+        if (left[i].last < right[j].last) {
+            ++i;
+        } else {
+            ++j;
+        }
+    }
+}
+
+} // namespace
+
+std::uint64_t CountCodes(CodeRanges ranges) {
+    std::uint64_t count = 0;
+    for (const KeyRange range : ranges) {
+        count += range.last - range.first;
+    }
+    return count;
+}
+
+bool CoversAll(CodeRanges ranges, std::uint32_t codes) {
+    return ranges.size() == 1 && ranges[0].first == 0 && ranges[0].last == codes;
+}
+
+bool Intersects(CodeRanges left, CodeRanges right) {
+    bool found = false;
+    VisitOverlaps(left, right, [&](KeyRange) {
+        found = true;
+        return false;
+    });
+    return found;
+}
+
+void Intersect(CodeRanges left, CodeRanges right, std::vector<KeyRange>& result) {
+    result.clear();
+    VisitOverlaps(left, right, [&](KeyRange common) {
+        result.push_back(common);
+        return true;
+    });
+}
+
+bool JoinDisjoint(std::vector<KeyRange>& ranges) {
+    std::sort(ranges.begin(), ranges.end(), [](KeyRange a, KeyRange b) { return a.first < b.first; });
+    std::size_t kept = 0;
+    for (const KeyRange range : ranges) {
+        if (kept > 0 && range.first < ranges[kept - 1].last) {
+            return false;
+        }
+        if (kept > 0 && range.first == ranges[kept - 1].last) {
+            ranges[kept - 1].last = range.last;
+        } else {
+            ranges[kept++] = range;
+        }
+    }
+    ranges.resize(kept);
+    return true;
+}
+
+} // namespace qel::engine

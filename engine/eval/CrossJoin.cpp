@@ -1,0 +1,187 @@
+#include "engine/eval/SetOperations.h"
+
+#include <algorithm>
+#include <numeric>
+#include <optional>
+
+#include <fmt/format.h>
+
+namespace qel::engine {
+
+namespace {
+
+/// Hierarchies of one dimension over one key column: which places of either side's tuples are theirs.
+struct SharedColumn {
+    std::size_t dimension = 0;
+    std::vector<std::size_t> leftPlaces, rightPlaces;
+};
+
+/// The columns that restrict combinations: those with hierarchies on both sides.
+std::vector<SharedColumn> FindSharedColumns(const MemberSpace& space, const Shape& left, const Shape& right) {
+    const auto dimensionOf = [&](HierarchyId hierarchy) -> std::optional<std::size_t> {
+        return space.KeyColumn(hierarchy) ? std::optional(space.Stored(hierarchy).DimensionIndex()) : std::nullopt;
+    };
+    std::vector<SharedColumn> shared;
+    for (std::size_t i = 0; i < left.size(); ++i) {
+        const std::optional<std::size_t> dimension = dimensionOf(left[i]);
+        const auto known = std::find_if(shared.begin(), shared.end(), [&](const SharedColumn& column) {
+            return dimension && column.dimension == *dimension;
+        });
+        if (known != shared.end()) {
+            known->leftPlaces.push_back(i);
+            continue;
+        }
+        SharedColumn column{dimension.value_or(0), {i}, {}};
+        for (std::size_t j = 0; dimension && j < right.size(); ++j) {
+            if (dimensionOf(right[j]) == dimension) {
+                column.rightPlaces.push_back(j);
+            }
+        }
+        if (!column.rightPlaces.empty()) {
+            shared.push_back(std::move(column));
+        }
+    }
+    return shared;
+}
+
+/// The codes that all of a tuple's members at these places stand for; none when only calculated ones do.
+class TupleCodes {
+public:
+    TupleCodes(const MemberSpace& space, const TupleSet& set, const std::vector<std::size_t>& places)
+        : space_(space), set_(set), places_(places) {}
+
+    std::optional<CodeRanges> Of(std::size_t tuple) {
+        std::optional<CodeRanges> codes;
+        for (const std::size_t place : places_) {
+            const MemberRef member{set_.shape[place], set_.At(tuple)[place]};
+            if (IsCalculated(member.id)) {
+                continue;
+            }
+            if (codes) {
+                std::vector<KeyRange> common;
+                Intersect(*codes, space_.Codes(member), common);
+                common_ = std::move(common);
+                codes = CodeRanges(common_);
+            } else {
+                codes = space_.Codes(member);
+            }
+        }
+        return codes;
+    }
+
+private:
+    const MemberSpace& space_;
+    const TupleSet& set_;
+    const std::vector<std::size_t>& places_;
+    std::vector<KeyRange> common_;
+};
+
+/// Finds the tuples of a set that share a code with given ones, without trying all of them.
+class OverlapIndex {
+public:
+    OverlapIndex(const MemberSpace& space, const TupleSet& set, const std::vector<std::size_t>& places) {
+        TupleCodes codes(space, set, places);
+        for (std::size_t tuple = 0; tuple < set.Count(); ++tuple) {
+            const std::optional<CodeRanges> ranges = codes.Of(tuple);
+            if (!ranges) {
+                unrestricted_.push_back(tuple);
+                continue;
+            }
+            for (const KeyRange range : *ranges) {
+                entries_.push_back({range, range.last, tuple});
+            }
+        }
+        std::sort(entries_.begin(), entries_.end(),
+                  [](const Entry& a, const Entry& b) { return a.range.first < b.range.first; });
+        for (std::size_t i = 1; i < entries_.size(); ++i) {
+            entries_[i].furthest = std::max(entries_[i].furthest, entries_[i - 1].furthest);
+        }
+    }
+
+    /// In the set's order.
+    void Find(CodeRanges codes, std::vector<std::size_t>& found) const {
+        found = unrestricted_;
+        for (const KeyRange range : codes) {
+            auto entry = std::lower_bound(entries_.begin(), entries_.end(), range.last,
+                                          [](const Entry& e, std::uint32_t code) { return e.range.first < code; });
+            while (entry != entries_.begin() && (--entry)->furthest > range.first) {
+                if (entry->range.last > range.first) {
+                    found.push_back(entry->tuple);
+                }
+            }
+        }
+        std::sort(found.begin(), found.end());
+        found.erase(std::unique(found.begin(), found.end()), found.end());
+    }
+
+private:
+    struct Entry {
+        KeyRange range;
+        std::uint32_t furthest; ///< the largest end of this range and all before it
+        std::size_t tuple;
+    };
+    std::vector<Entry> entries_;
+    std::vector<std::size_t> unrestricted_;
+};
+
+void Join(const MemberSpace& space, const TupleSet& left, const TupleSet& right, TupleSet& result) {
+    const std::vector<SharedColumn> shared = FindSharedColumns(space, left.shape, right.shape);
+    std::vector<std::size_t> all(right.Count());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    std::vector<OverlapIndex> indexes;
+    std::vector<TupleCodes> codes;
+    for (const SharedColumn& column : shared) {
+        indexes.emplace_back(space, right, column.rightPlaces);
+        codes.emplace_back(space, left, column.leftPlaces);
+    }
+    std::vector<std::size_t> partners;
+    std::vector<std::size_t> found;
+    std::vector<std::size_t> both;
+    for (std::size_t i = 0; i < left.Count(); ++i) {
+        bool isRestricted = false;
+        for (std::size_t k = 0; k < shared.size(); ++k) {
+            const std::optional<CodeRanges> ranges = codes[k].Of(i);
+            if (!ranges) {
+                continue;
+            }
+            indexes[k].Find(*ranges, found);
+            if (isRestricted) {
+                both.clear();
+                std::set_intersection(partners.begin(), partners.end(), found.begin(), found.end(),
+                                      std::back_inserter(both));
+                partners.swap(both);
+            } else {
+                partners.swap(found);
+                isRestricted = true;
+            }
+        }
+        for (const std::size_t partner : isRestricted ? partners : all) {
+            result.Append(left.At(i));
+            result.Append(right.At(partner));
+        }
+    }
+}
+
+} // namespace
+
+SetPtr MakeCrossJoin(Binder& binder, SetPtr left, SetPtr right, mdx::NodeId node) {
+    Shape shape = left->GetShape();
+    for (const HierarchyId hierarchy : right->GetShape()) {
+        if (std::find(shape.begin(), shape.end(), hierarchy) != shape.end()) {
+            binder.Fail(node, fmt::format("the hierarchy {} stands on both sides of the cross join",
+                                          binder.Space().HierarchyUniqueName(hierarchy)));
+        }
+        shape.push_back(hierarchy);
+    }
+    if (left->GetShape().empty() || right->GetShape().empty()) {
+        shape.clear(); // one side is {}, so there is no combination
+        return MakeSet(true, std::move(shape), [](Evaluator&, TupleSet&) {});
+    }
+    const bool isConstant = left->IsConstant() && right->IsConstant();
+    return MakeSet(isConstant, std::move(shape),
+                   [left = std::move(left), right = std::move(right)](Evaluator& evaluator, TupleSet& result) {
+                       Join(evaluator.Space(), left->Evaluate(evaluator), right->Evaluate(evaluator), result);
+                   });
+}
+
+} // namespace qel::engine

@@ -1,0 +1,183 @@
+#include "engine/eval/Evaluator.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+namespace qel::engine {
+
+namespace {
+
+/// Keeps formulas that never end away from the end of the stack, which is small in a spreadsheet's threads.
+constexpr int nestingLimit = 400;
+
+} // namespace
+
+void FactCell::Clear() {
+    restrictions.clear();
+    intersections.clear();
+}
+
+void FactCell::Restrict(std::size_t keyColumn, CodeRanges codes) {
+    for (Restriction& restriction : restrictions) {
+        if (restriction.keyColumn == keyColumn) {
+            std::vector<KeyRange>& common = intersections.emplace_back();
+            Intersect(restriction.codes, codes, common);
+            restriction.codes = common;
+            return;
+        }
+    }
+    restrictions.push_back({keyColumn, codes});
+}
+
+Evaluator::Evaluator(const MemberSpace& space, std::string_view statement) : space_(space), statement_(statement) {
+    coordinates_.resize(space.HierarchyCount());
+    for (HierarchyId hierarchy = 0; hierarchy < coordinates_.size(); ++hierarchy) {
+        coordinates_[hierarchy] = space.DefaultMember(hierarchy);
+    }
+}
+
+CellValue Evaluator::Cell() {
+    if (const CalculatedFormula* top = TopFormula(coordinates_)) {
+        const Nesting nesting(*this, top->place);
+        return top->formula->Evaluate(*this);
+    }
+    folded_.clear();
+    folding_ = coordinates_;
+    CollectRestrictions({}, cell_);
+    return Read(cell_);
+}
+
+std::optional<CellValue> Evaluator::FoldedCell(const SumOfSet& sum) {
+    if (!Fold(&sum)) {
+        return std::nullopt;
+    }
+    CollectRestrictions({}, cell_);
+    return Read(cell_);
+}
+
+bool Evaluator::ReadsFacts(std::span<const HierarchyId> open, FactCell& cell) {
+    if (!Fold(nullptr)) {
+        return false;
+    }
+    for (const HierarchyId hierarchy : open) {
+        for (const FoldedHierarchy& folded : folded_) {
+            if (folded.hierarchy == hierarchy) {
+                return false;
+            }
+        }
+    }
+    CollectRestrictions(open, cell);
+    return true;
+}
+
+const CalculatedFormula* Evaluator::TopFormula(std::span<const MemberId> coordinates) const {
+    const CalculatedFormula* top = nullptr;
+    if (formulas_.empty()) {
+        return top;
+    }
+    for (const MemberId member : coordinates) {
+        if (!IsCalculated(member)) {
+            continue;
+        }
+        const CalculatedFormula& formula = formulas_[member - firstCalculated];
+        if (top == nullptr || formula.solveOrder > top->solveOrder ||
+            (formula.solveOrder == top->solveOrder && &formula > top)) {
+            top = &formula;
+        }
+    }
+    return top;
+}
+
+bool Evaluator::Fold(const SumOfSet* sum) {
+    if (sum != nullptr && sum->Folded(*this) == nullptr) {
+        return false;
+    }
+    folding_ = coordinates_;
+    folded_.clear();
+    if (sum != nullptr && !Apply(*sum)) {
+        return false;
+    }
+    while (const CalculatedFormula* top = TopFormula(folding_)) {
+        const SumOfSet* next = top->formula->AsSum();
+        if (next == nullptr || !Apply(*next)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool Evaluator::Apply(const SumOfSet& sum) {
+    const Folding* folding = sum.Folded(*this);
+    if (folding == nullptr) {
+        return false;
+    }
+    for (const FoldedHierarchy& folded : folded_) {
+        if (folded.hierarchy == folding->hierarchy) {
+            return false; // one sum inside another over the same hierarchy, or a formula that names itself
+        }
+    }
+    folded_.push_back({folding->hierarchy, folding->codes});
+    folding_[folding->hierarchy] = noMember;
+    if (folding->measure) {
+        folding_[space_.Measures()] = *folding->measure;
+    }
+    return true;
+}
+
+void Evaluator::CollectRestrictions(std::span<const HierarchyId> open, FactCell& cell) const {
+    cell.Clear();
+    cell.measure = folding_[space_.Measures()];
+    const auto restrict = [&](HierarchyId hierarchy, CodeRanges codes) {
+        const std::optional<std::size_t> keyColumn = space_.KeyColumn(hierarchy);
+        if (keyColumn && !CoversAll(codes, space_.GetCube().Facts().KeyColumns()[*keyColumn].codes)) {
+            cell.Restrict(*keyColumn, codes);
+        }
+    };
+    for (HierarchyId hierarchy = 0; hierarchy < space_.Measures(); ++hierarchy) {
+        const bool isOpen = std::find(open.begin(), open.end(), hierarchy) != open.end();
+        if (folding_[hierarchy] != noMember && !isOpen) {
+            restrict(hierarchy, space_.Codes({hierarchy, folding_[hierarchy]}));
+        }
+    }
+    for (const FoldedHierarchy& folded : folded_) {
+        restrict(folded.hierarchy, folded.codes);
+    }
+}
+
+CellValue Evaluator::Read(const FactCell& cell) const {
+    const FactTable& facts = space_.GetCube().Facts();
+    const Measure& measure = facts.Measures()[cell.measure];
+    const FactSum total = SumFacts(facts, cell.restrictions, cell.measure);
+    if (total.rows == 0) {
+        return CellValue::Empty();
+    }
+    return measure.aggregate == Aggregate::Count ? CellValue::Exact(static_cast<std::int64_t>(total.rows), 0)
+                                                 : CellValue::Exact(total.sum, measure.decimals);
+}
+
+Evaluator::Position::Position(Evaluator& evaluator, std::span<const HierarchyId> shape,
+                              std::span<const MemberId> tuple)
+    : evaluator_(evaluator), shape_(shape) {
+    for (std::size_t i = 0; i < shape.size(); ++i) {
+        evaluator.saved_.push_back(std::exchange(evaluator.coordinates_[shape[i]], tuple[i]));
+    }
+}
+
+Evaluator::Position::~Position() {
+    for (std::size_t i = shape_.size(); i-- > 0;) {
+        evaluator_.coordinates_[shape_[i]] = evaluator_.saved_.back();
+        evaluator_.saved_.pop_back();
+    }
+}
+
+Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::Place place) : evaluator_(evaluator) {
+    if (evaluator.depth_ >= nestingLimit) {
+        mdx::RaiseAt(ErrorKind::InvalidExpression, evaluator.statement_, place,
+                     fmt::format("the calculated member needs more than {} others, or itself, to be evaluated",
+                                 nestingLimit));
+    }
+    ++evaluator.depth_;
+}
+
+} // namespace qel::engine

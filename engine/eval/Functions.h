@@ -1,0 +1,53 @@
+#pragma once
+
+#include "engine/eval/Binder.h"
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace qel::engine {
+
+/// A call of a function, to be bound.
+struct Call {
+    Binder& binder;
+    mdx::NodeId node;
+    std::vector<mdx::NodeId> arguments;
+
+    std::size_t Count() const { return arguments.size(); }
+    SetPtr Set(std::size_t argument) { return binder.BindSet(arguments[argument]); }
+    NumberPtr Number(std::size_t argument) { return binder.BindNumber(arguments[argument]); }
+    MemberPtr Member(std::size_t argument) { return binder.BindMember(arguments[argument]); }
+    /// The argument's value, or nothing when it was left out.
+    NumberPtr OptionalNumber(std::size_t argument) { return Count() > argument ? Number(argument) : nullptr; }
+    /// The place of `Word(argument)` in `words`; raises InvalidExpression naming them when it is none of them.
+    std::size_t Flag(std::size_t argument, std::span<const std::string_view> words) const;
+};
+
+struct Function {
+    std::string_view name;
+    std::size_t fewestArguments;
+    std::size_t mostArguments;
+    Bound (*bind)(Call& call);
+};
+
+/// As many arguments as one likes.
+inline constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
+
+/// Null when there is no function of that name (any letter case).
+const Function* FindFunction(std::string_view name);
+
+/// The tables that FindFunction looks in, one a kind of function.
+std::span<const Function> SetFunctions();
+std::span<const Function> SortFunctions();
+std::span<const Function> FamilyFunctions();
+std::span<const Function> NumberFunctions();
+
+/// A member's or a set's function, written after a dot.
+Bound BindMethod(Binder& binder, mdx::NodeId node);
+
+/// A whole number that an argument gives; fractions are cut off.
+std::int64_t WholeNumber(const CellValue& value);
+
+} // namespace qel::engine

@@ -1,0 +1,93 @@
+#pragma once
+
+#include "engine/eval/CodeRanges.h"
+#include "engine/eval/Query.h"
+#include "engine/mdx/Place.h"
+#include "engine/storage/Cube.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qel::engine {
+
+/// The number of a hierarchy in its cube; the measures are one more, behind the last.
+using HierarchyId = std::uint32_t;
+
+/// A member of any hierarchy, of the measures, or a calculated one. `id` is noMember for no member.
+struct MemberRef {
+    HierarchyId hierarchy = 0;
+    MemberId id = noMember;
+
+    bool operator==(const MemberRef&) const = default;
+};
+
+/// Calculated members are numbered from here on, over all hierarchies.
+inline constexpr MemberId firstCalculated = 0x80000000U;
+inline bool IsCalculated(MemberId id) { return id >= firstCalculated && id != noMember; }
+
+struct LevelRef {
+    HierarchyId hierarchy = 0;
+    std::size_t level = 0;
+};
+
+struct CalculatedName {
+    HierarchyId hierarchy = 0;
+    std::string name;
+};
+
+/// Everything that a statement can name: a cube's hierarchies, its measures as one more hierarchy with a
+/// single level, and the statement's calculated members, which belong to their hierarchy's top level.
+class MemberSpace {
+public:
+    explicit MemberSpace(const Cube& cube) : cube_(cube) {}
+
+    const Cube& GetCube() const { return cube_; }
+    HierarchyId Measures() const { return static_cast<HierarchyId>(cube_.Hierarchies().size()); }
+    std::size_t HierarchyCount() const { return cube_.Hierarchies().size() + 1; }
+    bool IsMeasures(HierarchyId hierarchy) const { return hierarchy == Measures(); }
+    const Hierarchy& Stored(HierarchyId hierarchy) const { return cube_.Hierarchies()[hierarchy]; }
+
+    std::string HierarchyUniqueName(HierarchyId hierarchy) const;
+    MemberId DefaultMember(HierarchyId hierarchy) const;
+    std::size_t LevelCount(HierarchyId hierarchy) const;
+    std::string_view LevelName(LevelRef level) const;
+    /// The stored members.
+    MemberRange LevelMembers(LevelRef level) const;
+    MemberRange AllMembers(HierarchyId hierarchy) const;
+
+    /// 0 for a measure or a calculated member.
+    std::size_t LevelOf(MemberRef member) const;
+    MemberId Parent(MemberRef member) const;
+    MemberRange Children(MemberRef member) const;
+    /// The members with the same parent, or the whole top level.
+    MemberRange Siblings(MemberRef member) const;
+    /// Those of the member's descendants (or the member itself) that lie on the level.
+    MemberRange DescendantsAt(MemberRef member, std::size_t level) const;
+    /// The member itself when it lies on the level, its ancestor there when it lies below, otherwise noMember.
+    MemberId AncestorAt(MemberRef member, std::size_t level) const;
+    /// `steps` further on the member's level (before it when negative); noMember beyond the level's ends.
+    MemberId Shifted(MemberRef member, std::int64_t steps) const;
+
+    std::string_view Name(MemberRef member) const;
+    std::string_view Caption(MemberRef member) const;
+    std::string_view Key(MemberRef member) const;
+    std::string UniqueName(MemberRef member) const;
+
+    /// The key column that the hierarchy's members restrict, and their codes.
+    std::optional<std::size_t> KeyColumn(HierarchyId hierarchy) const;
+    CodeRanges Codes(MemberRef member) const { return Stored(member.hierarchy).Ranges(member.id); }
+
+    MemberRef AddCalculated(HierarchyId hierarchy, std::string_view name);
+    /// None when the hierarchy has no calculated member of that name (any letter case).
+    std::optional<MemberId> FindCalculated(HierarchyId hierarchy, std::string_view name) const;
+    const std::vector<CalculatedName>& Calculated() const { return calculated_; }
+
+private:
+    const CalculatedName& CalculatedAt(MemberId id) const { return calculated_[id - firstCalculated]; }
+
+    const Cube& cube_;
+    std::vector<CalculatedName> calculated_;
+};
+
+} // namespace qel::engine

@@ -1,0 +1,187 @@
+#include "engine/eval/NameResolver.h"
+
+#include "engine/text/CaseFold.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+namespace qel::engine {
+
+Resolved NameResolver::Resolve(const mdx::Node& path, bool wantsLevel) {
+    TakeParts(path);
+    if (std::optional<Resolved> resolved = ResolveAll()) {
+        return *resolved;
+    }
+    Fail(wantsLevel);
+}
+
+HierarchyId NameResolver::HierarchyOfNew(const mdx::Node& path) {
+    TakeParts(path);
+    parts_.pop_back();
+    if (parts_.empty()) {
+        return space_.Measures();
+    }
+    const std::optional<Resolved> resolved = ResolveAll();
+    if (!resolved) {
+        Fail(false);
+    }
+    if (const auto* hierarchy = std::get_if<HierarchyName>(&*resolved)) {
+        return hierarchy->hierarchy;
+    }
+    const auto* level = std::get_if<LevelName>(&*resolved);
+    return level != nullptr ? level->level.hierarchy : std::get<MemberRef>(*resolved).hierarchy;
+}
+
+void NameResolver::TakeParts(const mdx::Node& path) {
+    parts_.clear();
+    furthest_ = 0;
+    for (mdx::NodeId part = path.firstChild; part != mdx::noNode; part = statement_.At(part).next) {
+        parts_.push_back(&statement_.At(part));
+    }
+}
+
+bool NameResolver::IsNamed(std::size_t part, std::string_view name) const {
+    return !parts_[part]->isKey && EqualIgnoringCase(parts_[part]->text, name);
+}
+
+std::optional<Resolved> NameResolver::ResolveAll() {
+    if (IsNamed(0, "Measures")) {
+        return InMeasures();
+    }
+    const Cube& cube = space_.GetCube();
+    const std::optional<std::size_t> index =
+        parts_[0]->isKey ? std::nullopt : cube.FindDimension(parts_[0]->text);
+    if (!index) {
+        return std::nullopt;
+    }
+    const std::vector<std::size_t>& hierarchies = cube.Dimensions()[*index].hierarchies;
+    furthest_ = 1;
+    if (parts_.size() == 1) {
+        return HierarchyName{static_cast<HierarchyId>(hierarchies.front())};
+    }
+    for (const std::size_t hierarchy : hierarchies) {
+        if (!IsNamed(1, cube.Hierarchies()[hierarchy].Name())) {
+            continue;
+        }
+        if (std::optional<Resolved> resolved = InHierarchy(static_cast<HierarchyId>(hierarchy), 2)) {
+            return resolved;
+        }
+    }
+    for (const std::size_t hierarchy : hierarchies) {
+        if (std::optional<Resolved> resolved = InHierarchy(static_cast<HierarchyId>(hierarchy), 1)) {
+            return resolved;
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<Resolved> NameResolver::InMeasures() {
+    const HierarchyId measures = space_.Measures();
+    std::size_t part = 1;
+    furthest_ = 1;
+    // [Measures].[Measures] and [Measures].[MeasuresLevel] may stand before the name.
+    if (part < parts_.size() && IsNamed(part, "Measures")) {
+        ++part;
+    }
+    if (part == parts_.size()) {
+        return HierarchyName{measures};
+    }
+    if (IsNamed(part, "MeasuresLevel")) {
+        if (++part == parts_.size()) {
+            return LevelName{{measures, 0}, noMember};
+        }
+    }
+    furthest_ = part;
+    if (const auto calculated = space_.FindCalculated(measures, parts_[part]->text)) {
+        return part + 1 == parts_.size() ? std::optional<Resolved>(MemberRef{measures, *calculated}) : std::nullopt;
+    }
+    const std::optional<std::size_t> measure = space_.GetCube().FindMeasure(parts_[part]->text);
+    if (!measure || part + 1 < parts_.size()) {
+        furthest_ += measure ? 1U : 0U;
+        return std::nullopt;
+    }
+    return MemberRef{measures, static_cast<MemberId>(*measure)};
+}
+
+std::optional<Resolved> NameResolver::InHierarchy(HierarchyId hierarchy, std::size_t part) {
+    furthest_ = std::max(furthest_, part);
+    if (part == parts_.size()) {
+        return HierarchyName{hierarchy};
+    }
+    const bool isLast = part + 1 == parts_.size();
+    if (isLast && !parts_[part]->isKey) {
+        if (const auto calculated = space_.FindCalculated(hierarchy, parts_[part]->text)) {
+            return MemberRef{hierarchy, *calculated};
+        }
+    }
+    const MemberRange all = space_.AllMembers(hierarchy);
+    const auto level = parts_[part]->isKey ? std::nullopt : space_.Stored(hierarchy).FindLevel(parts_[part]->text);
+    if (level && isLast) {
+        return LevelName{{hierarchy, *level}, MemberPath(hierarchy, all, part)};
+    }
+    if (level) {
+        const MemberRange members = space_.LevelMembers({hierarchy, *level});
+        if (const MemberId member = MemberPath(hierarchy, members, part + 1); member != noMember) {
+            return MemberRef{hierarchy, member};
+        }
+    }
+    if (const MemberId member = MemberPath(hierarchy, all, part); member != noMember) {
+        return MemberRef{hierarchy, member};
+    }
+    return std::nullopt;
+}
+
+MemberId NameResolver::MemberPath(HierarchyId hierarchy, MemberRange among, std::size_t part) {
+    furthest_ = std::max(furthest_, part);
+    std::vector<MemberId> found;
+    Find(hierarchy, part, found);
+    for (const MemberId member : found) {
+        if (member < among.first || member >= among.last) {
+            continue;
+        }
+        const MemberId descendant = Descend(hierarchy, member, part + 1);
+        if (descendant != noMember) {
+            return descendant;
+        }
+    }
+    return noMember;
+}
+
+MemberId NameResolver::Descend(HierarchyId hierarchy, MemberId member, std::size_t part) {
+    if (part == parts_.size()) {
+        return member;
+    }
+    return MemberPath(hierarchy, space_.Children({hierarchy, member}), part);
+}
+
+void NameResolver::Find(HierarchyId hierarchy, std::size_t part, std::vector<MemberId>& found) const {
+    const mdx::Node& name = *parts_[part];
+    if (name.text.empty()) {
+        return;
+    }
+    if (name.isKey) {
+        space_.Stored(hierarchy).FindByKey(name.text, found);
+    } else {
+        space_.Stored(hierarchy).FindByName(name.text, found);
+    }
+}
+
+void NameResolver::Fail(bool wantsLevel) const {
+    const std::size_t failed = std::min(furthest_, parts_.size() - 1);
+    const mdx::Node& part = *parts_[failed];
+    std::string before;
+    for (std::size_t i = 0; i < failed; ++i) {
+        before += (i > 0 ? "." : "") + std::string(parts_[i]->isKey ? "&" : "") + mdx::Bracketed(parts_[i]->text);
+    }
+    const std::string name = (part.isKey ? "&" : "") + mdx::Bracketed(part.text);
+    if (failed == 0) {
+        mdx::RaiseAt(ErrorKind::UnknownName, statement_.source, part.place,
+                     fmt::format("the cube {} has no dimension {}", mdx::Bracketed(space_.GetCube().Name()), name));
+    }
+    const bool isMember = !wantsLevel || failed + 1 < parts_.size();
+    mdx::RaiseAt(isMember ? ErrorKind::UnknownMember : ErrorKind::UnknownName, statement_.source, part.place,
+                 fmt::format("{} has no {} {}", before, isMember ? "member" : "hierarchy or level", name));
+}
+
+} // namespace qel::engine

@@ -1,0 +1,159 @@
+#include "engine/eval/Binder.h"
+#include "engine/eval/SetOperations.h"
+#include "engine/mdx/Words.h"
+
+// + - * / between numbers and between sets, comparisons, AND, OR, XOR.
+
+namespace qel::engine {
+
+using mdx::NodeId;
+using mdx::noNode;
+using mdx::Operator;
+
+namespace {
+
+CellValue Join(Operator op, const CellValue& left, const CellValue& right) {
+    switch (op) {
+    case Operator::Add:
+        return Add(left, right);
+    case Operator::Subtract:
+        return Add(left, Negate(right));
+    case Operator::Multiply:
+        return Multiply(left, right);
+    default:
+        return Divide(left, right);
+    }
+}
+
+/// Whether a comparison's result, negative, 0 or positive, is what the operator asks for.
+bool Holds(Operator op, int order) {
+    switch (op) {
+    case Operator::Equal:
+        return order == 0;
+    case Operator::NotEqual:
+        return order != 0;
+    case Operator::Less:
+        return order < 0;
+    case Operator::LessOrEqual:
+        return order <= 0;
+    case Operator::Greater:
+        return order > 0;
+    default:
+        return order >= 0;
+    }
+}
+
+SetPtr JoinSets(Binder& binder, Operator op, SetPtr left, SetPtr right, NodeId node) {
+    switch (op) {
+    case Operator::Add:
+        return MakeSetOperation(binder, SetOperation::Union, std::move(left), std::move(right), false, node);
+    case Operator::Subtract:
+        return MakeSetOperation(binder, SetOperation::Except, std::move(left), std::move(right), false, node);
+    case Operator::Multiply:
+        return MakeCrossJoin(binder, std::move(left), std::move(right), node);
+    default:
+        binder.Fail(node, "a set cannot be divided");
+    }
+}
+
+} // namespace
+
+Bound Binder::BindChain(NodeId id) {
+    const NodeId first = At(id).firstChild;
+    const Operator kind = At(At(first).next).joiner;
+    if (kind == Operator::And || kind == Operator::Or || kind == Operator::Xor) {
+        return BindConditions(id);
+    }
+    std::vector<Bound> operands;
+    bool hasSet = false;
+    for (NodeId child = first; child != noNode; child = At(child).next) {
+        operands.push_back(Bind(child));
+        hasSet = hasSet || IsSet(operands.back());
+    }
+    if (hasSet) {
+        SetPtr joined = ToSet(std::move(operands[0]), first);
+        NodeId child = At(first).next;
+        for (std::size_t i = 1; i < operands.size(); ++i, child = At(child).next) {
+            joined = JoinSets(*this, At(child).joiner, std::move(joined), ToSet(std::move(operands[i]), child), child);
+        }
+        return joined;
+    }
+    struct Operand {
+        Operator joiner;
+        NumberPtr number;
+    };
+    std::vector<Operand> numbers;
+    bool isConstant = true;
+    NodeId child = first;
+    for (Bound& operand : operands) {
+        numbers.push_back({At(child).joiner, ToNumber(std::move(operand), child)});
+        isConstant = isConstant && numbers.back().number->IsConstant();
+        child = At(child).next;
+    }
+    return MakeNumber(isConstant, [numbers = std::move(numbers)](Evaluator& evaluator) {
+        CellValue result = numbers[0].number->Evaluate(evaluator);
+        for (std::size_t i = 1; i < numbers.size(); ++i) {
+            result = Join(numbers[i].joiner, result, numbers[i].number->Evaluate(evaluator));
+        }
+        return result;
+    });
+}
+
+Bound Binder::BindConditions(NodeId id) {
+    struct Operand {
+        Operator joiner;
+        ConditionPtr condition;
+    };
+    std::vector<Operand> operands;
+    for (NodeId child = At(id).firstChild; child != noNode; child = At(child).next) {
+        operands.push_back({At(child).joiner, BindCondition(child)});
+    }
+    return MakeCondition([operands = std::move(operands)](Evaluator& evaluator) {
+        bool result = operands[0].condition->Evaluate(evaluator);
+        for (std::size_t i = 1; i < operands.size(); ++i) {
+            const Operator joiner = operands[i].joiner;
+            const bool isDecided = joiner != Operator::Xor && result == (joiner == Operator::Or);
+            if (!isDecided) {
+                const bool operand = operands[i].condition->Evaluate(evaluator);
+                result = joiner == Operator::Xor ? result != operand : operand;
+            }
+        }
+        return result;
+    });
+}
+
+Bound Binder::BindComparison(NodeId id) {
+    const NodeId left = At(id).firstChild;
+    const NodeId right = At(left).next;
+    const Operator op = At(right).joiner;
+    if (op == Operator::Is) {
+        return BindIdentity(left, right);
+    }
+    Bound leftBound = Bind(left);
+    if (std::holds_alternative<TextPtr>(leftBound)) {
+        return MakeCondition([op, leftText = std::get<TextPtr>(std::move(leftBound)),
+                              rightText = BindText(right)](Evaluator& evaluator) {
+            return Holds(op, leftText->Evaluate(evaluator).compare(rightText->Evaluate(evaluator)));
+        });
+    }
+    return MakeCondition([op, leftNumber = ToNumber(std::move(leftBound), left),
+                          rightNumber = BindNumber(right)](Evaluator& evaluator) {
+        return Holds(op, Compare(leftNumber->Evaluate(evaluator), rightNumber->Evaluate(evaluator)));
+    });
+}
+
+/// `member IS member` and `member IS NULL`.
+Bound Binder::BindIdentity(NodeId left, NodeId right) {
+    MemberPtr member = BindMember(left);
+    if (mdx::IsWord(Word(right), "null")) {
+        return MakeCondition([member = std::move(member)](Evaluator& evaluator) {
+            return member->Evaluate(evaluator) == noMember;
+        });
+    }
+    return MakeCondition([member = std::move(member), other = BindMember(right)](Evaluator& evaluator) {
+        return member->Hierarchy() == other->Hierarchy() &&
+               member->Evaluate(evaluator) == other->Evaluate(evaluator);
+    });
+}
+
+} // namespace qel::engine

@@ -1,0 +1,208 @@
+#include "engine/eval/Binder.h"
+#include "engine/eval/CellsetBuilder.h"
+#include "engine/eval/NonEmpty.h"
+#include "engine/mdx/Parser.h"
+#include "engine/text/CaseFold.h"
+
+#include <algorithm>
+
+#include <fmt/format.h>
+
+namespace qel::engine {
+
+namespace {
+
+/// One statement on its way to a cellset.
+class StatementRun {
+public:
+    StatementRun(const Cube& cube, std::string_view text)
+        : statement_(mdx::Parse(text)), space_(cube), evaluator_(space_, text),
+          binder_(statement_, space_, evaluator_) {}
+
+    Cellset Run();
+
+private:
+    void CheckCube() const;
+    void EvaluateSlicer();
+    void EvaluateAxes();
+    /// Every hierarchy may stand on one axis, or in the slicer.
+    void CheckHierarchies(const Shape& shape, mdx::NodeId node);
+    bool RemoveEmpty(std::size_t axis);
+    std::vector<CellValue> EvaluateCells();
+    void EvaluateCells(std::size_t axis, std::vector<CellValue>& cells);
+    CellValue EvaluateCell();
+    void RemoveEmptyByCells(std::vector<CellValue>& cells);
+
+    mdx::Statement statement_;
+    MemberSpace space_;
+    Evaluator evaluator_;
+    Binder binder_;
+    std::vector<HierarchyId> used_;
+    TupleSet slicer_;
+    bool hasSlicer_ = false;
+    std::vector<TupleSet> axes_;
+};
+
+Cellset StatementRun::Run() {
+    CheckCube();
+    binder_.BindDefinitions();
+    EvaluateSlicer();
+    EvaluateAxes();
+    bool cellsDecide = false;
+    for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
+        cellsDecide |= statement_.axes[axis].nonEmpty && !RemoveEmpty(axis);
+    }
+    std::vector<CellValue> cells = EvaluateCells();
+    if (cellsDecide) {
+        RemoveEmptyByCells(cells);
+    }
+    CellsetBuilder builder(space_);
+    for (const TupleSet& axis : axes_) {
+        builder.AddAxis(axis);
+    }
+    return builder.Finish(std::move(cells));
+}
+
+void StatementRun::CheckCube() const {
+    const std::string& name = space_.GetCube().Name();
+    if (!EqualIgnoringCase(name, statement_.cubeName)) {
+        mdx::RaiseAt(ErrorKind::UnknownCube, statement_.source, statement_.cubePlace,
+                     fmt::format("there is no cube {}; the connection's cube is {}",
+                                 mdx::Bracketed(statement_.cubeName), mdx::Bracketed(name)));
+    }
+}
+
+void StatementRun::EvaluateSlicer() {
+    if (statement_.slicer == mdx::noNode) {
+        return;
+    }
+    const SetPtr set = binder_.BindSet(statement_.slicer);
+    CheckHierarchies(set->GetShape(), statement_.slicer);
+    slicer_ = set->Evaluate(evaluator_);
+    hasSlicer_ = true;
+    if (slicer_.Count() == 1) {
+        for (std::size_t i = 0; i < slicer_.shape.size(); ++i) {
+            evaluator_.SetCurrent(slicer_.shape[i], slicer_.ids[i]);
+        }
+        hasSlicer_ = false;
+    }
+}
+
+void StatementRun::EvaluateAxes() {
+    std::size_t cells = 1;
+    for (const mdx::AxisClause& clause : statement_.axes) {
+        const SetPtr set = binder_.BindSet(clause.set);
+        CheckHierarchies(set->GetShape(), clause.set);
+        axes_.push_back(set->Evaluate(evaluator_));
+    }
+    for (const TupleSet& axis : axes_) {
+        cells *= std::max<std::size_t>(1, axis.Count());
+        if (cells > setLimit) {
+            throw EngineError(ErrorKind::TooLarge, fmt::format("the answer has more than {} cells", setLimit));
+        }
+    }
+}
+
+void StatementRun::CheckHierarchies(const Shape& shape, mdx::NodeId node) {
+    for (const HierarchyId hierarchy : shape) {
+        if (std::find(used_.begin(), used_.end(), hierarchy) != used_.end()) {
+            binder_.Fail(node, fmt::format("the hierarchy {} stands on another axis or in the slicer already",
+                                           space_.HierarchyUniqueName(hierarchy)));
+        }
+    }
+    used_.insert(used_.end(), shape.begin(), shape.end());
+}
+
+bool StatementRun::RemoveEmpty(std::size_t axis) {
+    std::vector<const TupleSet*> others;
+    for (std::size_t i = 0; i < axes_.size(); ++i) {
+        if (i != axis) {
+            others.push_back(&axes_[i]);
+        }
+    }
+    if (hasSlicer_) {
+        others.push_back(&slicer_);
+    }
+    return RemoveEmptyPositions(evaluator_, others, axes_[axis]);
+}
+
+std::vector<CellValue> StatementRun::EvaluateCells() {
+    std::size_t count = 1;
+    for (const TupleSet& axis : axes_) {
+        count *= axis.Count();
+    }
+    std::vector<CellValue> cells;
+    cells.reserve(count);
+    EvaluateCells(axes_.size(), cells);
+    return cells;
+}
+
+/// The cells of the axes below `axis`, the first axis varying fastest.
+void StatementRun::EvaluateCells(std::size_t axis, std::vector<CellValue>& cells) {
+    if (axis == 0) {
+        cells.push_back(EvaluateCell());
+        return;
+    }
+    const TupleSet& tuples = axes_[axis - 1];
+    for (std::size_t i = 0; i < tuples.Count(); ++i) {
+        const Evaluator::Position position(evaluator_, tuples.shape, tuples.At(i));
+        EvaluateCells(axis - 1, cells);
+    }
+}
+
+CellValue StatementRun::EvaluateCell() {
+    if (!hasSlicer_) {
+        return evaluator_.Cell();
+    }
+    CellValue sum;
+    for (std::size_t i = 0; i < slicer_.Count(); ++i) {
+        const Evaluator::Position position(evaluator_, slicer_.shape, slicer_.At(i));
+        sum = Add(sum, evaluator_.Cell());
+    }
+    return sum;
+}
+
+/// For axes whose cells are calculated: keeps the positions that have a cell which is not empty.
+void StatementRun::RemoveEmptyByCells(std::vector<CellValue>& cells) {
+    std::vector<std::vector<bool>> isKept;
+    for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
+        isKept.emplace_back(axes_[axis].Count(), !statement_.axes[axis].nonEmpty);
+    }
+    const auto placeOn = [&](std::size_t axis, std::size_t cell) {
+        for (std::size_t i = 0; i < axis; ++i) {
+            cell /= axes_[i].Count();
+        }
+        return cell % axes_[axis].Count();
+    };
+    for (std::size_t cell = 0; cell < cells.size(); ++cell) {
+        for (std::size_t axis = 0; axis < axes_.size() && !cells[cell].isEmpty; ++axis) {
+            isKept[axis][placeOn(axis, cell)] = true;
+        }
+    }
+    std::vector<CellValue> kept;
+    for (std::size_t cell = 0; cell < cells.size(); ++cell) {
+        bool all = true;
+        for (std::size_t axis = 0; axis < axes_.size() && all; ++axis) {
+            all = isKept[axis][placeOn(axis, cell)];
+        }
+        if (all) {
+            kept.push_back(cells[cell]);
+        }
+    }
+    cells = std::move(kept);
+    for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
+        TupleSet positions{axes_[axis].shape, {}};
+        for (std::size_t i = 0; i < axes_[axis].Count(); ++i) {
+            if (isKept[axis][i]) {
+                positions.Append(axes_[axis].At(i));
+            }
+        }
+        axes_[axis] = std::move(positions);
+    }
+}
+
+} // namespace
+
+Cellset RunStatement(const Cube& cube, std::string_view statement) { return StatementRun(cube, statement).Run(); }
+
+} // namespace qel::engine

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "engine/eval/FactScan.h"
+
+namespace qel::engine {
+
+/// How to read the facts under some restrictions: a projection, the rows that its order leaves over, and the
+/// restrictions that every one of these rows must still be tested with.
+struct ScanPlan {
+    const Projection* projection = nullptr;
+    std::vector<RowRange> rows;
+    std::vector<Restriction> tests;
+};
+
+ScanPlan PlanScan(const FactTable& facts, std::span<const Restriction> restrictions);
+
+} // namespace qel::engine

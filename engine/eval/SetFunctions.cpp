@@ -1,0 +1,112 @@
+#include "engine/eval/Functions.h"
+#include "engine/eval/SetOperations.h"
+
+#include <algorithm>
+#include <array>
+
+// Functions that combine sets, or cut pieces out of one.
+
+namespace qel::engine {
+
+namespace {
+
+constexpr std::array<std::string_view, 1> allFlag{"all"};
+
+Bound CrossJoin(Call& call) {
+    SetPtr joined = call.Set(0);
+    for (std::size_t i = 1; i < call.Count(); ++i) {
+        joined = MakeCrossJoin(call.binder, std::move(joined), call.Set(i), call.arguments[i]);
+    }
+    return joined;
+}
+
+Bound Combine(Call& call, SetOperation operation) {
+    bool all = false;
+    if (call.Count() > 2 && !call.binder.Word(call.arguments.back()).empty()) {
+        all = call.Flag(call.Count() - 1, allFlag) == 0;
+        call.arguments.pop_back();
+    }
+    SetPtr combined = call.Set(0);
+    for (std::size_t i = 1; i < call.Count(); ++i) {
+        combined = MakeSetOperation(call.binder, operation, std::move(combined), call.Set(i), all, call.arguments[i]);
+    }
+    return combined;
+}
+
+Bound Union(Call& call) { return Combine(call, SetOperation::Union); }
+Bound Intersect(Call& call) { return Combine(call, SetOperation::Intersect); }
+Bound Except(Call& call) { return Combine(call, SetOperation::Except); }
+
+Bound Distinct(Call& call) {
+    SetPtr set = call.Set(0);
+    SetPtr none = MakeSet(true, set->GetShape(), [](Evaluator&, TupleSet&) {});
+    return MakeSetOperation(call.binder, SetOperation::Union, std::move(set), std::move(none), false, call.node);
+}
+
+/// `piece(count, set size)` gives the first tuple of the piece and the one behind its last.
+template <class Piece>
+Bound Cut(SetPtr set, NumberPtr number, const Piece& piece) {
+    Shape shape = set->GetShape();
+    const bool isConstant = set->IsConstant() && (!number || number->IsConstant());
+    return MakeSet(isConstant, std::move(shape),
+                   [piece, set = std::move(set), number = std::move(number)](Evaluator& evaluator, TupleSet& result) {
+                       const TupleSet whole = set->Evaluate(evaluator);
+                       const auto size = static_cast<std::int64_t>(whole.Count());
+                       const std::int64_t count = number ? WholeNumber(number->Evaluate(evaluator)) : 1;
+                       const auto [first, last] = piece(count, size);
+                       for (std::int64_t i = std::max<std::int64_t>(0, first); i < std::min(size, last); ++i) {
+                           result.Append(whole.At(static_cast<std::size_t>(i)));
+                       }
+                   });
+}
+
+using Bounds = std::pair<std::int64_t, std::int64_t>;
+
+Bound Head(Call& call) {
+    return Cut(call.Set(0), call.OptionalNumber(1),
+               [](std::int64_t count, std::int64_t) { return Bounds{0, count}; });
+}
+
+Bound Tail(Call& call) {
+    return Cut(call.Set(0), call.OptionalNumber(1),
+               [](std::int64_t count, std::int64_t size) { return Bounds{size - count, size}; });
+}
+
+Bound Subset(Call& call) {
+    auto from = std::get<SetPtr>(Cut(call.Set(0), call.Number(1), [](std::int64_t start, std::int64_t size) {
+        return Bounds{start < 0 ? size : start, size};
+    }));
+    return call.Count() < 3 ? Bound(std::move(from))
+                            : Cut(std::move(from), call.Number(2),
+                                  [](std::int64_t count, std::int64_t) { return Bounds{0, count}; });
+}
+
+Bound HierarchizeSet(Call& call) {
+    constexpr std::array<std::string_view, 2> orders{"pre", "post"};
+    const bool post = call.Count() > 1 && call.Flag(1, orders) == 1;
+    SetPtr set = call.Set(0);
+    const bool isConstant = set->IsConstant();
+    Shape shape = set->GetShape();
+    return MakeSet(isConstant, std::move(shape),
+                   [post, set = std::move(set)](Evaluator& evaluator, TupleSet& result) {
+                       TupleSet sorted = set->Evaluate(evaluator);
+                       Hierarchize(evaluator.Space(), sorted, post);
+                       result.Append(sorted);
+                   });
+}
+
+constexpr std::array<Function, 9> functions{{{"CrossJoin", 2, anyNumber, CrossJoin},
+                                             {"Union", 2, anyNumber, Union},
+                                             {"Intersect", 2, 3, Intersect},
+                                             {"Except", 2, 3, Except},
+                                             {"Distinct", 1, 1, Distinct},
+                                             {"Head", 1, 2, Head},
+                                             {"Tail", 1, 2, Tail},
+                                             {"Subset", 2, 3, Subset},
+                                             {"Hierarchize", 1, 2, HierarchizeSet}}};
+
+} // namespace
+
+std::span<const Function> SetFunctions() { return functions; }
+
+} // namespace qel::engine

@@ -1,0 +1,60 @@
+#include "engine/eval/SumOfSet.h"
+
+#include "engine/eval/Evaluator.h"
+
+#include <algorithm>
+
+namespace qel::engine {
+
+SumOfSet::SumOfSet(SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember)
+    : NumberExpression(false), set_(std::move(set)), value_(std::move(value)), valueMember_(valueMember) {}
+
+CellValue SumOfSet::Evaluate(Evaluator& evaluator) const {
+    if (const std::optional<CellValue> folded = evaluator.FoldedCell(*this)) {
+        return *folded;
+    }
+    const TupleSet set = set_->Evaluate(evaluator);
+    CellValue sum;
+    for (std::size_t i = 0; i < set.Count(); ++i) {
+        const Evaluator::Position position(evaluator, set.shape, set.At(i));
+        sum = Add(sum, value_ ? value_->Evaluate(evaluator) : evaluator.Cell());
+    }
+    return sum;
+}
+
+const Folding* SumOfSet::Folded(Evaluator& evaluator) const {
+    if (!foldTried_) {
+        foldTried_ = true;
+        folding_ = Fold(evaluator);
+    }
+    return folding_ ? &*folding_ : nullptr;
+}
+
+std::optional<Folding> SumOfSet::Fold(Evaluator& evaluator) const {
+    const MemberSpace& space = evaluator.Space();
+    if (!set_->IsConstant() || set_->GetShape().size() != 1 || !space.KeyColumn(set_->GetShape()[0])) {
+        return std::nullopt;
+    }
+    Folding folding;
+    folding.hierarchy = set_->GetShape()[0];
+    if (value_) {
+        if (!valueMember_ || !space.IsMeasures(valueMember_->hierarchy) || IsCalculated(valueMember_->id)) {
+            return std::nullopt;
+        }
+        folding.measure = valueMember_->id;
+    }
+    const TupleSet set = set_->Evaluate(evaluator);
+    for (const MemberId member : set.ids) {
+        if (IsCalculated(member)) {
+            return std::nullopt;
+        }
+        const CodeRanges codes = space.Codes({folding.hierarchy, member});
+        folding.codes.insert(folding.codes.end(), codes.begin(), codes.end());
+    }
+    if (!JoinDisjoint(folding.codes)) {
+        return std::nullopt;
+    }
+    return folding;
+}
+
+} // namespace qel::engine

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "engine/eval/MemberSpace.h"
+
+#include <cstddef>
+#include <functional>
+#include <span>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+namespace qel::engine {
+
+/// The hierarchies that the members of a tuple come from, in order.
+using Shape = std::vector<HierarchyId>;
+
+/// Sets and grids beyond this are refused with TooLarge before memory runs out.
+inline constexpr std::size_t setLimit = 10'000'000;
+
+/// An ordered list of tuples of one shape; no tuple has an absent member.
+struct TupleSet {
+    Shape shape;
+    std::vector<MemberId> ids; ///< tuple after tuple
+
+    std::size_t Count() const { return shape.empty() ? 0 : ids.size() / shape.size(); }
+    std::span<const MemberId> At(std::size_t tuple) const {
+        return {ids.data() + tuple * shape.size(), shape.size()};
+    }
+    /// Raises TooLarge when the set has become larger than the limit.
+    void Append(std::span<const MemberId> tuple);
+    void Append(MemberRange members);
+    void Append(const TupleSet& set) { Append(std::span<const MemberId>(set.ids)); }
+};
+
+/// Finds tuples of one set. Views the set's memory, which must stay as it is.
+class TupleIndex {
+public:
+    /// False when the tuple was there already.
+    bool Insert(std::span<const MemberId> tuple) { return tuples_.insert(AsText(tuple)).second; }
+    bool Contains(std::span<const MemberId> tuple) const { return tuples_.count(AsText(tuple)) > 0; }
+
+private:
+    static std::string_view AsText(std::span<const MemberId> tuple) {
+        return {reinterpret_cast<const char*>(tuple.data()), tuple.size_bytes()};
+    }
+
+    std::unordered_set<std::string_view> tuples_;
+};
+
+} // namespace qel::engine
