@@ -1,5 +1,6 @@
 #include "support/Files.h"
 
+#include "platform/PathText.h"
 #include "platform/Text.h"
 #include "support/Wildcard.h"
 
@@ -16,21 +17,10 @@ namespace fs = std::filesystem;
 
 bool IsSeparator(char c) { return c == '/' || c == '\\'; }
 
-fs::path ToPath(std::string_view text) {
-    std::u8string path(text.begin(), text.end());
-#ifndef _WIN32
-    for (char8_t& c : path) {
-        if (c == u8'\\')
-            c = u8'/';
-    }
-#endif
-    return path;
-}
-
 /// A file system's name in the form that patterns are compared in.
 std::string NameOf(const fs::path& path) {
     const std::u8string name = path.filename().u8string();
-    const std::string text(name.begin(), name.end());
+    std::string text(name.begin(), name.end());
 #ifdef _WIN32
     return FoldCase(text); // Windows file systems ignore letter case
 #else
@@ -80,7 +70,7 @@ bool FileExists(std::string_view path) {
         std::string text = StripQuotes(path);
         if (!text.empty() && text.back() == '\\')
             text.pop_back();
-        const fs::path file = ToPath(text);
+        const fs::path file = PathFromText(text);
         return !fs::is_directory(file) && std::ifstream(file, std::ios::binary).is_open();
     });
 }
@@ -89,13 +79,13 @@ bool DirExists(std::string_view path) {
     return Trapped([&] {
         std::string text(path);
         AddBackslash(text);
-        return fs::is_directory(ToPath(text));
+        return fs::is_directory(PathFromText(text));
     });
 }
 
 void DeleteFiles(std::string_view pattern) {
     Trapped([&] {
-        for (const fs::path& file : FilesMatching(ToPath(pattern))) {
+        for (const fs::path& file : FilesMatching(PathFromText(pattern))) {
             std::error_code ignored;
             fs::remove(file, ignored);
         }

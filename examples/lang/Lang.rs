@@ -1,0 +1,73 @@
+<xml xmlns:s='uuid:BDC6E3F0-6DA3-11d1-A2A3-00AA00C14882'
+	xmlns:dt='uuid:C2F41010-65B3-11d1-A29F-00AA00C14882'
+	xmlns:rs='urn:schemas-microsoft-com:rowset'
+	xmlns:z='#RowsetSchema'>
+<s:Schema id='RowsetSchema'>
+	<s:ElementType name='row' content='eltOnly' rs:updatable='true'>
+		<s:AttributeType name='lId' rs:number='1' rs:nullable='true' rs:write='true'>
+			<s:datatype dt:type='int' dt:maxLength='4' rs:precision='10' rs:fixedlength='true'/>
+		</s:AttributeType>
+		<s:AttributeType name='sId' rs:number='2' rs:nullable='true' rs:write='true'>
+			<s:datatype dt:type='int' dt:maxLength='4' rs:precision='10' rs:fixedlength='true'/>
+		</s:AttributeType>
+		<s:AttributeType name='sText' rs:number='3' rs:nullable='true' rs:write='true'>
+			<s:datatype dt:type='string' dt:maxLength='255'/>
+		</s:AttributeType>
+		<s:extends type='rs:rowbase'/>
+	</s:ElementType>
+</s:Schema>
+<rs:data>
+	<z:row lId='0' sId='20' sText="Tahoma"/>
+	<z:row lId='0' sId='21' sText="8"/>
+	<z:row lId='0' sId='1364' sText="Unvalid Name for File Cube"/>
+	<z:row lId='0' sId='1366' sText="Choose a Cube Name and a Cube File"/>
+	<z:row lId='0' sId='1473' sText="Select Cube"/>
+	<z:row lId='0' sId='1474' sText="Cube Name"/>
+	<z:row lId='0' sId='1475' sText="From Date"/>
+	<z:row lId='0' sId='1476' sText="To Date"/>
+	<z:row lId='0' sId='1477' sText="Measure"/>
+	<z:row lId='0' sId='1478' sText="RH"/>
+	<z:row lId='0' sId='1479' sText="Firma"/>
+	<z:row lId='0' sId='1480' sText="Money Set"/>
+	<z:row lId='0' sId='1481' sText="Opening Balance"/>
+	<z:row lId='0' sId='1482' sText="Plbs"/>
+	<z:row lId='0' sId='1483' sText="Account type"/>
+	<z:row lId='0' sId='1484' sText="Summary Group"/>
+	<z:row lId='0' sId='1485' sText="Account list"/>
+	<z:row lId='0' sId='1486' sText="OBS"/>
+	<z:row lId='0' sId='1487' sText="OBS Level"/>
+	<z:row lId='0' sId='1488' sText="OBS Data"/>
+	<z:row lId='0' sId='1489' sText="Activity List"/>
+	<z:row lId='0' sId='1490' sText="Calculate"/>
+	<z:row lId='0' sId='1491' sText="OK"/>
+	<z:row lId='0' sId='1492' sText="Cancel"/>
+	<z:row lId='0' sId='1493' sText="Account Level"/>
+	<z:row lId='0' sId='1494' sText="Single cell function"/>
+	<z:row lId='1' sId='20' sText="Tahoma"/>
+	<z:row lId='1' sId='21' sText="9"/>
+	<z:row lId='1' sId='1364' sText="שם לא תקין לקובץ קוביה"/>
+	<z:row lId='1' sId='1366' sText="יש לבחור שם קוביה וקובץ קוביה"/>
+	<z:row lId='1' sId='1473' sText="בחירת קוביה"/>
+	<z:row lId='1' sId='1474' sText="שם קוביה"/>
+	<z:row lId='1' sId='1475' sText="מתאריך"/>
+	<z:row lId='1' sId='1476' sText="עד תאריך"/>
+	<z:row lId='1' sId='1477' sText="מדד"/>
+	<z:row lId='1' sId='1478' sText="RH"/>
+	<z:row lId='1' sId='1479' sText="פירמה"/>
+	<z:row lId='1' sId='1480' sText="סידרת כסף"/>
+	<z:row lId='1' sId='1481' sText="יתרת פתיחה"/>
+	<z:row lId='1' sId='1482' sText="פ/ת/ה/תכ"/>
+	<z:row lId='1' sId='1483' sText="סוג חשבון"/>
+	<z:row lId='1' sId='1484' sText="סעיף מרמה"/>
+	<z:row lId='1' sId='1485' sText="רשימת חשבונות"/>
+	<z:row lId='1' sId='1486' sText="OBS"/>
+	<z:row lId='1' sId='1487' sText="רמת OBS"/>
+	<z:row lId='1' sId='1488' sText="נתוני OBS"/>
+	<z:row lId='1' sId='1489' sText="רשימת פעילויות"/>
+	<z:row lId='1' sId='1490' sText="חישוב"/>
+	<z:row lId='1' sId='1491' sText="אישור"/>
+	<z:row lId='1' sId='1492' sText="ביטול"/>
+	<z:row lId='1' sId='1493' sText="סעיפים"/>
+	<z:row lId='1' sId='1494' sText="פונקציה לתא בודד"/>
+</rs:data>
+</xml>

@@ -1,0 +1,151 @@
+#include "platform/files/IniFile.h"
+
+#include "platform/AutomationError.h"
+#include "platform/PathText.h"
+#include "platform/files/IniLines.h"
+
+#include <SimpleIni.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <fstream>
+#include <iterator>
+
+namespace qel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::int32_t deviceIoError = 57;
+constexpr std::int32_t pathFileAccessError = 75;
+
+/// Comments after the last entry belong to no entry, and the library forgets them; as the comments of a
+/// section that is added at the end they stay. This one is taken off again before the text is written.
+constexpr const char* endSection = "\x01 end";
+
+AutomationError FileError(std::int32_t number, const fs::path& path, std::string_view fault) {
+    return {number, fmt::format("The settings file '{}' {}.", TextFromPath(path), fault)};
+}
+
+/// Empty for a missing file.
+std::string ReadText(const fs::path& path) {
+    std::error_code failed;
+    if (fs::status(path, failed).type() == fs::file_type::not_found)
+        return {};
+    std::ifstream file(path, std::ios::binary);
+    if (fs::is_directory(path, failed) || !file)
+        throw FileError(pathFileAccessError, path, "cannot be read");
+    std::string text(std::istreambuf_iterator<char>(file), {});
+    if (file.bad())
+        throw FileError(deviceIoError, path, "cannot be read to its end");
+    return text;
+}
+
+using Ini = CSimpleIniA;
+
+void Load(Ini& ini, const fs::path& path, const std::string& text) {
+    ini.SetUnicode(true);
+    ini.SetMultiKey(true);
+    ini.SetSpaces(false);
+    if (ini.LoadData(text) < 0)
+        throw FileError(deviceIoError, path, "cannot be understood");
+}
+
+std::string WithSection(const std::string& text, const std::string& section) {
+    return text + "\n[" + section + "]\n";
+}
+
+std::string TextOf(const Ini& ini) {
+    std::string text;
+    ini.Save(text, false);
+    return text;
+}
+
+/// The text with one entry set.
+std::string Edited(const fs::path& path, const std::string& text, const std::string& section,
+                   const std::string& key, const std::string& value) {
+    Ini before;
+    Load(before, path, text);
+    const bool isNew = !before.SectionExists(section.c_str());
+    Ini ini;
+    Load(ini, path, WithSection(text, isNew ? section : endSection));
+    ini.SetValue(section.c_str(), key.c_str(), value.c_str(), nullptr, true);
+    std::string edited = TextOf(ini);
+    if (!isNew)
+        edited.erase(edited.rfind(std::string("[") + endSection + "]"));
+    while (edited.ends_with("\n\n"))
+        edited.pop_back();
+    return edited;
+}
+
+void Replace(const fs::path& path, const std::string& text) {
+    fs::path fresh = path;
+    fresh += ".new";
+    {
+        std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
+        file << text;
+        file.flush();
+        if (!file)
+            throw FileError(pathFileAccessError, path, "cannot be written");
+    }
+    std::error_code failed;
+    fs::rename(fresh, path, failed);
+    if (failed)
+        throw FileError(pathFileAccessError, path, fmt::format("cannot be replaced ({})", failed.message()));
+}
+
+void RequireOneLine(const fs::path& path, std::string_view value) {
+    if (value.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos)
+        throw FileError(ErrorNumber::InvalidProcedureCall, path, "cannot hold a value of more than one line");
+}
+
+void RequireNothingLost(const fs::path& path, std::string_view before, std::string_view after,
+                        const IniEntry& changed) {
+    if (const auto line = FirstLineLost(before, after, changed))
+        throw FileError(
+            pathFileAccessError, path,
+            fmt::format("is left as it is: line {} would be lost, because it is no name=value, [section] "
+                        "or comment (;) in its place. Correct or remove it first",
+                        *line));
+}
+
+} // namespace
+
+std::optional<std::string> IniFile::Get(const std::string& section, const std::string& key) const {
+    Ini ini;
+    Load(ini, path_, ReadText(path_));
+    const char* value = ini.GetValue(section.c_str(), key.c_str());
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+bool IniFile::HasSection(const std::string& section) const {
+    Ini ini;
+    Load(ini, path_, ReadText(path_));
+    return ini.SectionExists(section.c_str());
+}
+
+std::vector<std::pair<std::string, std::string>> IniFile::Entries(const std::string& section) const {
+    Ini ini;
+    Load(ini, path_, ReadText(path_));
+    const auto* stored = ini.GetSection(section.c_str());
+    std::vector<std::pair<std::string, std::string>> entries;
+    if (!stored)
+        return entries;
+    std::vector<std::pair<Ini::Entry, const char*>> inOrder(stored->begin(), stored->end());
+    std::stable_sort(inOrder.begin(), inOrder.end(),
+                     [](const auto& a, const auto& b) { return a.first.nOrder < b.first.nOrder; });
+    for (const auto& [key, value] : inOrder)
+        entries.emplace_back(key.pItem, value);
+    return entries;
+}
+
+void IniFile::Set(const std::string& section, const std::string& key, const std::string& value) const {
+    RequireOneLine(path_, value);
+    const auto before = ReadText(path_);
+    const auto after = Edited(path_, before, section, key, value);
+    RequireNothingLost(path_, before, after, {section, key});
+    Replace(path_, after);
+}
+
+} // namespace qel

@@ -1,0 +1,41 @@
+#include "platform/sqlite/DatabaseFile.h"
+
+#include <array>
+#include <fstream>
+#include <string_view>
+#include <system_error>
+
+namespace qel {
+
+namespace {
+
+using std::string_view_literals::operator""sv;
+
+constexpr auto sqliteSignature = "SQLite format 3\0"sv;
+/// Jet and its successor ACE write their names after four bytes of their own.
+constexpr auto jetPrefix = "\0\1\0\0"sv;
+constexpr auto jetSignature = "Standard Jet DB\0"sv;
+constexpr auto aceSignature = "Standard ACE DB\0"sv;
+
+} // namespace
+
+DatabaseFileKind IdentifyDatabaseFile(const std::filesystem::path& path) {
+    std::error_code failed;
+    const auto type = std::filesystem::status(path, failed).type();
+    if (type == std::filesystem::file_type::not_found)
+        return DatabaseFileKind::Missing;
+    std::ifstream file(path, std::ios::binary);
+    if (type != std::filesystem::file_type::regular || !file)
+        return DatabaseFileKind::Unreadable;
+    std::array<char, jetPrefix.size() + jetSignature.size()> bytes{};
+    file.read(bytes.data(), bytes.size());
+    const std::string_view start(bytes.data(), static_cast<std::size_t>(file.gcount()));
+    if (start.starts_with(sqliteSignature))
+        return DatabaseFileKind::Sqlite;
+    if (!start.starts_with(jetPrefix))
+        return DatabaseFileKind::Other;
+    const auto name = start.substr(jetPrefix.size());
+    return name == jetSignature || name == aceSignature ? DatabaseFileKind::Jet : DatabaseFileKind::Other;
+}
+
+} // namespace qel

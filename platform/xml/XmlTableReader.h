@@ -1,0 +1,15 @@
+#pragma once
+
+#include "platform/PersistedTable.h"
+
+namespace qel {
+
+/// Reads recordsets that were saved in their XML form. Integer columns become Longs, all others texts. Rows
+/// whose deletion or insertion was saved before it was written to the database are read as the recordset
+/// showed them.
+class XmlTableReader : public PersistedTableReader {
+public:
+    PersistedTable Read(const std::string& path) override;
+};
+
+} // namespace qel

@@ -1,0 +1,50 @@
+#include "store/LocalDb.h"
+
+#include "store/ModAPI.h"
+#include "support/ModError.h"
+
+namespace qel {
+
+namespace {
+
+TableDefinition TableOf(std::string name, std::initializer_list<const char*> texts,
+                        std::initializer_list<const char*> dates = {}) {
+    TableDefinition table{std::move(name), {}};
+    for (const char* column : texts)
+        table.columns.push_back({column, ColumnType::Text});
+    for (const char* column : dates)
+        table.columns.push_back({column, ColumnType::Date});
+    return table;
+}
+
+} // namespace
+
+TableDefinition DataTblTable() {
+    return TableOf("DataTbl",
+                   {"CubeFile", "CubeName", "ObsName", "ObsNum", "ObsLevel", "ObsMember", "ActivityList",
+                    "SumeryLevel", "SumeryMember", "AccountList", "Measure", "MoneySet", "Plbs", "Rh",
+                    "Firma", "OpeningBalance"},
+                   {"FromDate", "ToDate"});
+}
+
+TableDefinition QelNameTable() {
+    return TableOf("QelName", {"CubeFile", "CubeName", "DimName", "LevelNum", "DataMember", "Firma", "Obs"});
+}
+
+std::string LocalDbConnectionText(StoreEnvironment& store) {
+    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ModAPI::QelFuncMdbPath(store) +
+           ModAPI::localDbFile;
+}
+
+void CreateLocalDb(StoreEnvironment& store) {
+    try {
+        const auto catalog = store.database.NewCatalog();
+        catalog->Create(LocalDbConnectionText(store));
+        catalog->AppendTable(DataTblTable());
+        catalog->AppendTable(QelNameTable());
+    } catch (...) {
+        ModError::ReportError(store.messages, ModError::CurrentError(), "", "", "");
+    }
+}
+
+} // namespace qel
