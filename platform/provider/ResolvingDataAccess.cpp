@@ -1,0 +1,134 @@
+#include "platform/provider/ResolvingDataAccess.h"
+
+#include "platform/AutomationError.h"
+
+namespace qel {
+
+namespace {
+
+// ADO's numbers and words for objects that are used before they are opened.
+AutomationError ObjectClosed() { return {3704, "Operation is not allowed when the object is closed."}; }
+AutomationError InvalidConnection() {
+    return {3709,
+            "The connection cannot be used to perform this operation. It is either closed or invalid in "
+            "this context."};
+}
+
+class ResolvingConnection : public Connection {
+public:
+    explicit ResolvingConnection(ProviderChoice choose) : choose_(std::move(choose)) {}
+
+    void Open(const std::string& connectionString, const std::string& user, const std::string& password,
+              int options) override {
+        if (!opened_ || State() == stateClosed) {
+            provider_ = &choose_(connectionString);
+            opened_ = provider_->CreateConnection();
+        }
+        opened_->Open(connectionString, user, password, options);
+    }
+
+    void Close() override { Opened()->Close(); }
+    int State() const override { return opened_ ? opened_->State() : stateClosed; }
+    std::string ConnectionString() const override { return opened_ ? opened_->ConnectionString() : ""; }
+
+    DataAccess& Provider() const { return *provider_; }
+    const std::shared_ptr<Connection>& Opened() const {
+        if (!opened_)
+            throw ObjectClosed();
+        return opened_;
+    }
+
+private:
+    ProviderChoice choose_;
+    DataAccess* provider_ = nullptr;
+    std::shared_ptr<Connection> opened_; ///< the provider's own; none before the first opening
+};
+
+/// The connection that a client handed in. Raises 3709 when it was never opened or was made elsewhere.
+const ResolvingConnection& Resolved(const std::shared_ptr<Connection>& connection) {
+    const auto* own = dynamic_cast<const ResolvingConnection*>(connection.get());
+    if (!own || own->State() == stateClosed)
+        throw InvalidConnection();
+    return *own;
+}
+
+class ResolvingCatalog : public Catalog {
+public:
+    explicit ResolvingCatalog(ProviderChoice choose) : choose_(std::move(choose)) {}
+
+    void SetActiveConnection(const std::string& connectionString) override {
+        auto catalog = choose_(connectionString).CreateCatalog();
+        catalog->SetActiveConnection(connectionString);
+        catalog_ = std::move(catalog);
+    }
+
+    void SetActiveConnection(const std::shared_ptr<Connection>& connection) override {
+        const ResolvingConnection& resolved = Resolved(connection);
+        auto catalog = resolved.Provider().CreateCatalog();
+        catalog->SetActiveConnection(resolved.Opened());
+        catalog_ = std::move(catalog);
+    }
+
+    std::int32_t CubeCount() const override { return Connected().CubeCount(); }
+    std::unique_ptr<CubeDef> CubeAt(std::int32_t index) const override { return Connected().CubeAt(index); }
+
+private:
+    const Catalog& Connected() const {
+        if (!catalog_)
+            throw InvalidConnection();
+        return *catalog_;
+    }
+
+    ProviderChoice choose_;
+    std::unique_ptr<Catalog> catalog_;
+};
+
+class ResolvingCellset : public Cellset {
+public:
+    void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override {
+        const ResolvingConnection& resolved = Resolved(connection);
+        auto cellset = resolved.Provider().CreateCellset();
+        cellset->Open(source, resolved.Opened());
+        cellset_ = std::move(cellset);
+    }
+
+    void Close() override {
+        Opened().Close();
+        cellset_.reset();
+    }
+
+    std::int32_t AxisCount() const override { return Opened().AxisCount(); }
+    std::int32_t PositionCount(std::int32_t axis) const override { return Opened().PositionCount(axis); }
+    std::int32_t MemberCount(std::int32_t axis, std::int32_t position) const override {
+        return Opened().MemberCount(axis, position);
+    }
+    CellsetMember MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const override {
+        return Opened().MemberAt(axis, position, index);
+    }
+    Variant Value(const std::vector<std::int32_t>& positions) const override {
+        return Opened().Value(positions);
+    }
+
+private:
+    Cellset& Opened() const {
+        if (!cellset_)
+            throw ObjectClosed();
+        return *cellset_;
+    }
+
+    std::unique_ptr<Cellset> cellset_;
+};
+
+} // namespace
+
+std::shared_ptr<Connection> ResolvingDataAccess::CreateConnection() {
+    return std::make_shared<ResolvingConnection>(choose_);
+}
+
+std::unique_ptr<Catalog> ResolvingDataAccess::CreateCatalog() {
+    return std::make_unique<ResolvingCatalog>(choose_);
+}
+
+std::unique_ptr<Cellset> ResolvingDataAccess::CreateCellset() { return std::make_unique<ResolvingCellset>(); }
+
+} // namespace qel

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/windows/ComPointer.h"
+#include "platform/windows/OwnedVariant.h"
+#include "platform/windows/WideText.h"
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qel::windows {
+
+/// The arguments of one late-bound call, in the order in which a macro writes them.
+using CallArguments = std::vector<OwnedVariant>;
+
+/// Makes arguments of texts, numbers and objects: ArgumentList(1, "text", object).
+OwnedVariant ToArgument(std::string_view text);
+OwnedVariant ToArgument(std::int32_t number);
+
+template <class... Values>
+CallArguments ArgumentList(const Values&... values) {
+    CallArguments arguments;
+    (arguments.push_back(ToArgument(values)), ...);
+    return arguments;
+}
+
+/// An object whose members are found by name when they are used, as a macro uses them. Every call raises
+/// AutomationError with the number, description and source that the object gave, or that say why there was no
+/// call.
+class DispatchObject {
+public:
+    /// Raises 91 for a null object; `name` is what messages call it.
+    DispatchObject(ComPointer<IDispatch> object, std::string name);
+    /// A new object of a registered class. Raises 429 when the class is not there.
+    static DispatchObject Create(const wchar_t* progId);
+
+    IDispatch* Get() const { return object_.Get(); }
+
+    OwnedVariant Property(const wchar_t* member, CallArguments arguments = {}) const;
+    std::string Text(const wchar_t* member) const;
+    std::int32_t Number(const wchar_t* member) const;
+    /// Raises 91 when the member is no object.
+    DispatchObject Child(const wchar_t* member, CallArguments arguments = {}) const;
+    void Call(const wchar_t* member, CallArguments arguments = {}) const;
+    void Put(const wchar_t* member, OwnedVariant value) const;
+
+private:
+    OwnedVariant Invoke(const wchar_t* member, WORD kind, CallArguments arguments) const;
+    std::string Described(const wchar_t* member) const;
+
+    ComPointer<IDispatch> object_;
+    std::string name_;
+};
+
+OwnedVariant ToArgument(const DispatchObject& object);
+
+} // namespace qel::windows

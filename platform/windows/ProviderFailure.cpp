@@ -1,0 +1,98 @@
+#include "platform/windows/ProviderFailure.h"
+
+#include "platform/windows/Bstr.h"
+#include "platform/windows/ComPointer.h"
+
+#include <fmt/format.h>
+
+namespace qel::windows {
+
+namespace {
+
+struct NamedResult {
+    HRESULT result;
+    std::int32_t number;
+};
+
+const NamedResult namedResults[] = {
+    {DISP_E_OVERFLOW, ErrorNumber::Overflow},
+    {E_OUTOFMEMORY, 7},
+    {DISP_E_BADINDEX, ErrorNumber::SubscriptOutOfRange},
+    {DISP_E_TYPEMISMATCH, ErrorNumber::TypeMismatch},
+    {E_INVALIDARG, ErrorNumber::InvalidProcedureCall},
+    {REGDB_E_CLASSNOTREG, 429},
+    {CO_E_CLASSSTRING, 429},
+    {DISP_E_UNKNOWNNAME, 438},
+    {DISP_E_MEMBERNOTFOUND, 438},
+    {DISP_E_PARAMNOTFOUND, 448},
+    {DISP_E_PARAMNOTOPTIONAL, 449},
+    {DISP_E_BADPARAMCOUNT, 450},
+};
+
+std::string SystemText(HRESULT result) {
+    wchar_t text[512];
+    const DWORD length = ::FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS, nullptr,
+                                          static_cast<DWORD>(result), 0, text, 512, nullptr);
+    std::string utf8 = ToUtf8({text, length});
+    utf8.erase(utf8.find_last_not_of("\r\n ") + 1);
+    return utf8;
+}
+
+std::string Described(std::string description, HRESULT result, const std::string& what) {
+    if (description.empty())
+        description = SystemText(result);
+    if (description.empty())
+        return fmt::format("{} (0x{:08X})", what, static_cast<std::uint32_t>(result));
+    return description;
+}
+
+} // namespace
+
+std::int32_t NumberOfResult(HRESULT result) {
+    if (HRESULT_FACILITY(result) == FACILITY_CONTROL && FAILED(result))
+        return HRESULT_CODE(result);
+    for (const NamedResult& named : namedResults) {
+        if (named.result == result)
+            return named.number;
+    }
+    return result;
+}
+
+HRESULT ResultOfNumber(std::int32_t number) {
+    if (number > 0 && number <= 0xFFFF)
+        return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number);
+    return number < 0 ? number : E_FAIL;
+}
+
+AutomationError FailureOf(HRESULT result, const std::string& what) {
+    Bstr description;
+    Bstr source;
+    ComPointer<IErrorInfo> info;
+    if (::GetErrorInfo(0, info.Receive()) == S_OK && info) {
+        info->GetDescription(description.Receive());
+        info->GetSource(source.Receive());
+    }
+    return {NumberOfResult(result), Described(TextOfBstr(description.Get()), result, what),
+            TextOfBstr(source.Get())};
+}
+
+AutomationError FailureOf(EXCEPINFO& details, const std::string& what) {
+    if (details.pfnDeferredFillIn != nullptr)
+        details.pfnDeferredFillIn(&details);
+    Bstr description;
+    Bstr source;
+    Bstr helpFile;
+    *description.Receive() = details.bstrDescription;
+    *source.Receive() = details.bstrSource;
+    *helpFile.Receive() = details.bstrHelpFile;
+    const HRESULT result = details.scode != 0 ? details.scode : ResultOfNumber(details.wCode);
+    return {NumberOfResult(result), Described(TextOfBstr(description.Get()), result, what),
+            TextOfBstr(source.Get())};
+}
+
+void Check(HRESULT result, const char* what) {
+    if (FAILED(result))
+        throw FailureOf(result, what);
+}
+
+} // namespace qel::windows

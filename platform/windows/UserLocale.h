@@ -1,0 +1,10 @@
+#pragma once
+
+#include "platform/AutomationDate.h"
+
+namespace qel::windows {
+
+/// The user's regional settings as they are now.
+Locale UserLocale();
+
+} // namespace qel::windows

@@ -1,0 +1,17 @@
+#include "platform/windows/ado/LateBoundConnection.h"
+
+#include "platform/AutomationError.h"
+
+namespace qel::windows {
+
+const DispatchObject& LateBoundConnection::ObjectOf(const std::shared_ptr<Connection>& connection) {
+    constexpr std::int32_t invalidConnection = 3709;
+    const auto* own = dynamic_cast<const LateBoundConnection*>(connection.get());
+    if (own == nullptr)
+        throw AutomationError(invalidConnection,
+                              "The connection cannot be used to perform this operation. It is either "
+                              "closed or invalid in this context.");
+    return own->connection_;
+}
+
+} // namespace qel::windows

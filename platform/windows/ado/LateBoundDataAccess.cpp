@@ -1,0 +1,17 @@
+#include "platform/windows/ado/LateBoundDataAccess.h"
+
+#include "platform/windows/ado/LateBoundCatalog.h"
+#include "platform/windows/ado/LateBoundCellset.h"
+#include "platform/windows/ado/LateBoundConnection.h"
+
+namespace qel::windows {
+
+std::shared_ptr<Connection> LateBoundDataAccess::CreateConnection() {
+    return std::make_shared<LateBoundConnection>();
+}
+
+std::unique_ptr<Catalog> LateBoundDataAccess::CreateCatalog() { return std::make_unique<LateBoundCatalog>(); }
+
+std::unique_ptr<Cellset> LateBoundDataAccess::CreateCellset() { return std::make_unique<LateBoundCellset>(); }
+
+} // namespace qel::windows
