@@ -66,8 +66,21 @@ std::string RandomSelections::Lookup(const std::string& table, const std::string
     return statement.Text(0);
 }
 
+Selection RandomSelections::DrawParts(const std::vector<SelectionShape>& parts, LedgerCube cube) {
+    const Line line = AnyLine();
+    lastLineDay_ = Shifted(line[date], 0);
+    Selection selection;
+    selection.cube = cube;
+    DrawStructure(selection, line);
+    for (const SelectionShape part : parts) {
+        RestrictTo(selection, part, line);
+    }
+    return selection;
+}
+
 Selection RandomSelections::Draw(SelectionShape shape, DateShape dates, LedgerCube cube) {
     const Line line = AnyLine();
+    lastLineDay_ = Shifted(line[date], 0);
     Selection selection;
     selection.cube = cube;
     const std::uint64_t measure = random_.Below(5);

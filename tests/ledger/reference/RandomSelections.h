@@ -53,6 +53,10 @@ public:
 
     /// Now and then a member is unknown, or of another line so that nothing may match.
     Selection Draw(SelectionShape shape, DateShape dates, LedgerCube cube);
+    /// The parts of one line, all of them together. The dates stay as they are by default.
+    Selection DrawParts(const std::vector<SelectionShape>& parts, LedgerCube cube);
+    /// The date of the line that the last draw was made around.
+    const CalendarDay& LastLineDay() const { return lastLineDay_; }
 
 private:
     using Line = std::array<std::string, 11>; ///< in the order of LineColumn
@@ -67,6 +71,7 @@ private:
     SqlDatabase& database_;
     Random random_;
     std::int64_t lineCount_;
+    CalendarDay lastLineDay_;
     SqlStatement line_, structures_;
 };
 

@@ -49,9 +49,9 @@ std::string SqlStatement::Text(int column) const {
 
 void SqlStatement::Reset() { Check(sqlite3_reset(statement_.get()), database_, "reset"); }
 
-SqlDatabase::SqlDatabase() {
+SqlDatabase::SqlDatabase(const std::string& file) {
     sqlite3* database = nullptr;
-    const int result = sqlite3_open(":memory:", &database);
+    const int result = sqlite3_open(file.c_str(), &database);
     database_.reset(database);
     Check(result, database, "open");
 }

@@ -33,10 +33,10 @@ private:
     std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };
 
-/// An SQLite database in memory.
+/// An SQLite database, in memory when no file is named.
 class SqlDatabase {
 public:
-    SqlDatabase();
+    explicit SqlDatabase(const std::string& file = ":memory:");
 
     void Run(const std::string& sql);
     SqlStatement Prepare(const std::string& sql) { return {database_.get(), sql}; }

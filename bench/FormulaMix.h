@@ -1,0 +1,14 @@
+#pragma once
+
+#include "tests/ledger/reference/RandomSelections.h"
+
+#include <vector>
+
+namespace qel::bench {
+
+/// Formulas as reports hold them: mostly accounts and summary groups on a unit, a cost centre or an activity,
+/// some wide; by month, quarter, year to date and longer, about one in eleven not from a month's first day.
+std::vector<ledger::Selection> DrawFormulas(ledger::RandomSelections& selections, std::uint64_t seed,
+                                            std::size_t count, ledger::LedgerCube cube);
+
+} // namespace qel::bench
