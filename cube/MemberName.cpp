@@ -32,7 +32,7 @@ std::string GetMemberName(const ThreadState& thread, DataAccess& dataAccess, con
         return {};
     const auto cellset = dataAccess.CreateCellset();
     cellset->Open(ComposeMemberNameStatement(cubeName, dimType, dimMember), thread.CubeConnection);
-    const std::string name = cellset->MemberAt(rows, 0, 0).caption.value_or("");
+    std::string name = cellset->MemberAt(rows, 0, 0).caption.value_or("");
     cellset->Close();
     return name;
 }

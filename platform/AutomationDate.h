@@ -23,7 +23,8 @@ struct AutomationDate {
     double days = 0;
 
     bool IsZero() const { return days == 0; }
-    auto operator<=>(const AutomationDate&) const = default;
+    auto operator<=>(const AutomationDate& other) const { return days <=> other.days; }
+    bool operator==(const AutomationDate&) const = default;
 };
 
 struct CalendarDay {

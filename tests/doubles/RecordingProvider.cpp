@@ -3,6 +3,8 @@
 #include "platform/AutomationError.h"
 #include "platform/Text.h"
 
+#include <fmt/format.h>
+
 namespace qel::testing {
 
 namespace {
@@ -254,16 +256,16 @@ ScriptedDimension MonthlyDates(int firstYear, int firstMonth, int lastYear, int 
     for (int year = firstYear, month = firstMonth; year * 12 + month <= lastYear * 12 + lastMonth;) {
         const std::string yearName = std::to_string(year);
         const std::string monthName = std::to_string(month);
-        const std::string quarterName = std::string("Q").append(std::to_string((month + 2) / 3));
+        const std::string quarterName = fmt::format("Q{}", (month + 2) / 3);
         if (years.members.empty() || years.members.back().name != yearName)
-            years.members.push_back({yearName, "[Date].[" + yearName + "]", 0});
+            years.members.push_back({yearName, fmt::format("[Date].[{}]", year), 0});
         const std::size_t ofYear = years.members.size() - 1;
         if (quarters.members.empty() || quarters.members.back().name != quarterName ||
             quarters.members.back().parent != ofYear)
             quarters.members.push_back(
-                {quarterName, "[Date].[" + yearName + "].[" + quarterName + "]", ofYear});
+                {quarterName, fmt::format("[Date].[{}].[{}]", year, quarterName), ofYear});
         months.members.push_back(
-            {monthName, "[Date].[" + yearName + "].[" + monthName + "]", quarters.members.size() - 1});
+            {monthName, fmt::format("[Date].[{}].[{}]", year, month), quarters.members.size() - 1});
         year += month / 12;
         month = month % 12 + 1;
     }

@@ -14,7 +14,7 @@ namespace {
 namespace fs = std::filesystem;
 
 class FilesTest : public ::testing::Test {
-protected:
+public:
     FilesTest() : folder_(fs::temp_directory_path() / fs::u8path(u8"qel files שכר " + UniqueName())) {
         fs::create_directories(folder_ / "sub");
         for (const char* name : {"a.tmp", "b.tmp", "b.TMP", "no extension", "keep.cub", "sub/c.tmp"})
@@ -24,6 +24,7 @@ protected:
     FilesTest(const FilesTest&) = delete;
     FilesTest& operator=(const FilesTest&) = delete;
 
+protected:
     static std::u8string UniqueName() {
         const std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
         return {name.begin(), name.end()};
