@@ -28,9 +28,15 @@ struct BenchOptions {
     std::filesystem::path data = QEL_BENCH_DATA;
 };
 
-void PrintRow(const char* what, const Timings& timings) {
-    fmt::print("  {:<28}{:>12.2f}{:>12.1f}{:>16.0f}\n", what, timings.Quantile(0.5), timings.Quantile(0.99),
+void PrintTimes(const char* what, const Timings& timings) {
+    fmt::print("  {:<32}{:>12.2f}{:>12.1f}{:>16.0f}\n", what, timings.Quantile(0.5), timings.Quantile(0.99),
                timings.CallsPerSecond());
+}
+
+void PrintRatio(const char* what, const Timings& component, const Timings& peer) {
+    fmt::print("  {:<32}{:>12.1f}{:>12.1f}{:>16.1f}\n", what, peer.Quantile(0.5) / component.Quantile(0.5),
+               peer.Quantile(0.99) / component.Quantile(0.99),
+               component.CallsPerSecond() / peer.CallsPerSecond());
 }
 
 /// Times the formulas through the component and through SQLite. Returns how many values differ.
@@ -43,7 +49,7 @@ std::size_t Compare(const BenchOptions& options, const BenchData& data, std::uin
         cells.push_back(peer.Prepare(formula));
     }
     FormulaCell cell(data.cubeFile.string(), options.seed);
-    Timings opening, component, sqlite;
+    Timings opening, component, prepared, text;
     opening.Measure([&] { return cell.Value(formulas.front()); });
 
     std::size_t differences = 0, zeros = 0;
@@ -59,18 +65,20 @@ std::size_t Compare(const BenchOptions& options, const BenchData& data, std::uin
             component.Measure([&] { return cell.Value(formula); });
         }
     }
-    for (const SqliteCell& prepared : cells) {
-        sqlite.Measure([&] { return SqlitePeer::Run(prepared); });
+    for (const SqliteCell& sqliteCell : cells) {
+        prepared.Measure([&] { return SqlitePeer::Run(sqliteCell); });
+    }
+    for (const SqliteCell& sqliteCell : cells) {
+        text.Measure([&] { return peer.RunText(sqliteCell); });
     }
     fmt::print("{} facts, cube by {}, {} formulas ({} of them 0), {} values differ\n", rows,
                cube == LedgerCube::Months ? "months" : "days", formulas.size(), zeros, differences);
-    fmt::print("  {:<28}{:>12}{:>12}{:>16}\n", "", "median µs", "p99 µs", "formulas/s");
-    PrintRow("QelF1, whole path", component);
-    PrintRow("SQLite, covering indexes", sqlite);
-    fmt::print("  {:<28}{:>12.1f}{:>12.1f}{:>16.1f}\n", "times faster",
-               sqlite.Quantile(0.5) / component.Quantile(0.5),
-               sqlite.Quantile(0.99) / component.Quantile(0.99),
-               component.CallsPerSecond() / sqlite.CallsPerSecond());
+    fmt::print("  {:<32}{:>12}{:>12}{:>16}\n", "", "median µs", "p99 µs", "formulas/s");
+    PrintTimes("QelF1, arguments to value", component);
+    PrintTimes("SQLite, from statement text", text);
+    PrintTimes("SQLite, statement prepared", prepared);
+    PrintRatio("QelF1 is faster than text by", component, text);
+    PrintRatio("QelF1 is faster than prepared by", component, prepared);
     fmt::print("  first formula, with opening the cube: {:.0f} µs\n\n", opening.Quantile(0.5));
     return differences;
 }
@@ -96,7 +104,8 @@ std::size_t RunBench(const BenchOptions& options, const std::filesystem::path& p
 int main(int argc, char** argv) {
     CLI::App app{
         "Times random formulas over generated ledgers: the whole path of QelF1 from its arguments to "
-        "the value, beside prepared SQLite statements for the same cells. Every pair of values is "
+        "the value, beside SQLite with covering indexes for the same cells, with its statements "
+        "prepared beforehand and from their texts. Every pair of values is "
         "compared; status 1 when one differs."};
     BenchOptions options;
     app.add_option("--rows", options.rows, "facts of each ledger")->capture_default_str();

@@ -62,6 +62,16 @@ struct Where {
     }
 };
 
+double BindAndRun(ledger::SqlStatement& statement, const SqliteCell& cell) {
+    for (std::size_t i = 0; i < cell.values.size(); ++i) {
+        statement.Bind(static_cast<int>(i) + 1, cell.values[i]);
+    }
+    statement.Step();
+    const auto sum = static_cast<double>(statement.Number(0));
+    statement.Reset();
+    return sum / cell.scale;
+}
+
 } // namespace
 
 void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::filesystem::path& file) {
@@ -172,20 +182,19 @@ SqliteCell SqlitePeer::Prepare(const Selection& selection) {
     if (statement == statements_.end()) {
         statement = statements_.emplace(sql, database_.Prepare(sql)).first;
     }
-    return {&statement->second, std::move(where.values), isQuantity ? 1000.0 : 100.0};
+    return {&statement->second, sql, std::move(where.values), isQuantity ? 1000.0 : 100.0};
 }
 
 double SqlitePeer::Run(const SqliteCell& cell) {
+    return cell.statement == nullptr ? 0 : BindAndRun(*cell.statement, cell);
+}
+
+double SqlitePeer::RunText(const SqliteCell& cell) {
     if (cell.statement == nullptr) {
         return 0;
     }
-    for (std::size_t i = 0; i < cell.values.size(); ++i) {
-        cell.statement->Bind(static_cast<int>(i) + 1, cell.values[i]);
-    }
-    cell.statement->Step();
-    const auto sum = static_cast<double>(cell.statement->Number(0));
-    cell.statement->Reset();
-    return sum / cell.scale;
+    ledger::SqlStatement statement = database_.Prepare(cell.sql);
+    return BindAndRun(statement, cell);
 }
 
 } // namespace qel::bench

@@ -18,6 +18,7 @@ void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::files
 /// A cell as SQLite answers it: a statement that is prepared already and the values to bind.
 struct SqliteCell {
     ledger::SqlStatement* statement = nullptr; ///< none for a cell that is 0 by its dates alone
+    std::string sql;
     std::vector<std::int64_t> values;
     double scale = 1;
 };
@@ -32,6 +33,8 @@ public:
     SqliteCell Prepare(const ledger::Selection& selection);
     /// Binds and runs: the number that the formula's cell shows.
     static double Run(const SqliteCell& cell);
+    /// The same from the statement's text, as the component does for every formula.
+    double RunText(const SqliteCell& cell);
 
     ledger::SqlDatabase& Database() { return database_; }
 

@@ -78,7 +78,8 @@ def statement(options):
     names = {group: name_formula(cube, group) for group in groups}
     amounts = {group: [value_formula(cube, options, period, group) for period in periods] for group in groups}
     net = [value_formula(cube, options, period) for period in periods]
-    formulas = list(names.values()) + [formula for row in amounts.values() for formula in row] + net
+    # Values before names: a value formula reads the cube's dates when it opens the cube, a name formula does not.
+    formulas = [formula for row in amounts.values() for formula in row] + net + list(names.values())
     if options.formulas:
         print("\n".join(formulas))
         sys.exit(0)
@@ -98,6 +99,8 @@ def statement(options):
         if subtotal:
             rows.append((subtotal[options.hebrew], so_far, True))
     net_profit = amounts_of(net)
+    if not any(net_profit):
+        sys.exit(f"No profit and loss amounts in {options.cube} for {options.year}.")
     if net_profit != so_far:
         sys.exit(f"The groups sum to {so_far}, but the profit and loss accounts to {net_profit}.")
     rows.append((NET_PROFIT[options.hebrew], net_profit, True))
@@ -116,7 +119,8 @@ def show(options, rows):
         return "".join(reversed(padded)) + "  " + name if options.hebrew else name.ljust(name_width) + "".join(padded)
 
     rule = "-" * (name_width + sum(widths))
-    print(line("", headings))
+    unit = "בשקלים" if options.hebrew else "in shekels"
+    print(line(unit, headings))
     print(rule)
     for name, cells, total in shown:
         print(line(name, cells))
