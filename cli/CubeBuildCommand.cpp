@@ -17,7 +17,7 @@ constexpr const char* description = "Make a cube file from ledger files in CSV";
 constexpr const char* footer =
     R"(DEFINITION is a JSON file; docs/cube-definition.md describes it. The cube file is replaced in one step when the
 build has succeeded, and stays as it was otherwise. A line that cannot be used stops the build, unless
---skip-bad-lines says where to put such lines.
+--skip-bad-lines says where to put such lines. Lines are counted for every cube that reads them.
 
 Example:
   qel cube build examples/ledger/ledger.json --output demo.cub --skip-bad-lines rejected.csv)";

@@ -21,7 +21,7 @@ constexpr const char* footer =
     R"(The statement stands exactly as it was sent between the lines "---- statement ----" and
 "---- end of statement ----". Errors that the formula shows as 0 (QelF1) or "-" (QelName) are told.
 
-Cut the statement out and run it:
+Example (cuts the statement out and runs it):
   qel explain "$formula" | sed '1,/^---- statement/d;/^---- end of statement/,$d' | qel mdx demo.cub LedgerFNC -)";
 
 using Clock = std::chrono::steady_clock;

@@ -52,7 +52,8 @@ Variant RunFormula(OrmQelFunction& object, FormulaCall call, const Locale& local
         return RunMasked<&OrmQelFunction::QeL1>(object, std::get<ValueCall>(call.arguments));
     case WorksheetFunction::QelFuncDemo: {
         auto& value = std::get<ValueCall>(call.arguments);
-        return RunUnmasked(object, NormaliseKeyLists(call.function, value, locale), std::move(value));
+        auto lists = NormaliseKeyLists(call.function, value, locale);
+        return RunUnmasked(object, std::move(lists), std::move(value));
     }
     case WorksheetFunction::QelName: {
         auto& name = std::get<NameCall>(call.arguments);

@@ -1,0 +1,336 @@
+#!/usr/bin/env python3
+"""Runs the built qel program as a person does: what it prints where, and how it ends."""
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+import unittest
+
+QEL = ""
+BOOKS = pathlib.Path(__file__).resolve().parent.parent / "books"
+
+
+def run(*arguments, stdin="", cwd=None):
+    data = stdin if isinstance(stdin, bytes) else stdin.encode()
+    done = subprocess.run([QEL, *map(str, arguments)], input=data, capture_output=True, cwd=cwd, timeout=120)
+    return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+
+def value_formula(cube_file, cube="BooksFNC", name='{"OBS"}', number='{"1"}', level='{"All"}', member='{"All"}',
+                  activity='{"All"}', group="All", group_member="All", account="All", measure="Amount", firm="All",
+                  dates='"01/01/2024","31/12/2024"', function="QelF1"):
+    return (f'=OrmFunctionQel4.OrmQelFunction.{function}("{cube_file}", "{cube}", {name},{number},{level}, {member},'
+            f'{activity},"{group}","{group_member}","{account}","{measure}","All","All","All","{firm}","All",{dates})')
+
+
+class WithBooks(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory(prefix="qel-test-")
+        cls.path = pathlib.Path(cls.folder.name)
+        cls.cube = cls.path / "books.cub"
+        cls.built = run("cube", "build", BOOKS / "books.json", "--output", cls.cube)
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def setUp(self):
+        self.assertEqual(self.built[0], 0, self.built[2])
+
+    def formula(self, **changes):
+        return value_formula(self.cube, **changes)
+
+
+class Eval(WithBooks):
+    def test_values_of_every_kind_of_selection(self):
+        cases = [
+            ("the whole year", {}, "-929.95"),
+            ("an account", dict(account="4000"), "-1500.3"),
+            ("a quarter of an account", dict(account="5100", dates='"01/01/2024","31/03/2024"'), "0.3"),
+            ("cents that doubles cannot hold", dict(account="4000", dates='"01/01/2024","31/01/2024"'), "-1000.3"),
+            ("a cost centre", dict(level='{"Cost_Centers"}', member='{"200"}'), "-300"),
+            ("a level's member under two parents", dict(level='{"Level2"}', member='{"main"}'), "-930.05"),
+            ("a name with an apostrophe", dict(level='{"Level2"}', member='{"Karmi\'el"}'), "-0.2"),
+            ("quotes carried as no-break blanks", dict(level='{"Level2"}', member='{"Say \u00a0]\u00a0 & go"}'), "0.3"),
+            ("a summary group", dict(group="SuperSum1", group_member="2"), "570.35"),
+            ("an activity", dict(activity='{"W"}'), "270.3"),
+            ("a firm", dict(firm="20"), "-299.7"),
+            ("another measure", dict(measure="Lines"), "7"),
+            ("no start date", dict(dates=',"29/02/2024"'), "-199.95"),
+            ("dates as numbers and DATE", dict(dates='45292,DATE(2024,1,31)'), "-1000.3"),
+            ("outside the cube's dates", dict(dates='"01/01/2020","31/12/2020"'), "0"),
+            ("nothing booked", dict(account="4000", dates='"01/04/2024","30/04/2024"'), "0"),
+            ("a number as the OBS number", dict(number="1"), "-929.95"),
+            ("an error masked as 0", dict(account="9999"), "0"),
+            ("the start after the end", dict(dates='"01/03/2024","01/02/2024"'), "0"),
+            ("the start after the end, unmasked",
+             dict(function="QelFuncDemo", dates='"01/03/2024","01/02/2024"'), "#ERR 11111111"),
+            ("an outdated cube", dict(cube="FlatFNC"), "Outdated Cube Version"),
+            ("the cube's name in another letter case", dict(cube="bookSfnc"), "-929.95"),
+        ]
+        formulas = [self.formula(**changes) for _, changes, _ in cases]
+        status, output, errors = run("eval", *formulas)
+        self.assertEqual((status, errors), (0, ""))
+        for (what, _, expected), value in zip(cases, output.splitlines(), strict=True):
+            self.assertEqual(value, expected, what)
+
+    def test_names(self):
+        name = lambda kind, key: f'=OrmFunctionQel4.OrmQelFunction.QelName("{self.cube}","BooksFNC","{kind}",{key})'
+        status, output, _ = run("eval", name("SuperSum1", 2), name("SuperSum1", '"Sales"'), name("Accounts", 1),
+                                name("SuperSum1", 77))
+        self.assertEqual((status, output), (0, "הוצאות\nSales\n\n-\n"))
+
+    def test_standard_input_with_bom_blank_lines_and_failures(self):
+        lines = ["\ufeff" + self.formula(account="4000"), "", "  ", "=QelF1(", self.formula(name="{1,2,3,4,5,6,7}"),
+                 self.formula(account="5100")]
+        status, output, errors = run("eval", stdin="\r\n".join(lines))
+        self.assertEqual(output.splitlines(), ["-1500.3", "#VALUE!", "#VALUE!", "70.3"])
+        self.assertEqual(status, 1)
+        self.assertIn("line 4: ", errors)
+        self.assertIn("line 5: To many dimensions", errors)
+        self.assertEqual(len(errors.splitlines()), 2)
+
+    def test_date_order(self):
+        changes = dict(account="4000", dates='"02/01/2024","02/29/2024"')
+        self.assertEqual(run("--date-order", "mdy", "eval", self.formula(**changes))[1], "-500\n")
+        self.assertEqual(run("eval", "--date-order", "MDY", self.formula(**changes))[1], "-500\n")
+        status, output, errors = run("eval", self.formula(dates='"31/31/2024",'))
+        self.assertEqual((status, output), (1, "#VALUE!\n"))
+        self.assertIn("formula 1: Argument 17 (From_Date)", errors)
+
+    def test_a_relative_path_starts_at_the_current_folder(self):
+        self.assertEqual(run("eval", value_formula(" books.cub "), cwd=self.path)[1], "-929.95\n")
+
+    def test_a_value_is_there_before_the_next_formula_is_written(self):
+        with subprocess.Popen([QEL, "eval"], stdin=subprocess.PIPE, stdout=subprocess.PIPE) as program:
+            for account, expected in (("4000", b"-1500.3\n"), ("5100", b"70.3\n")):
+                program.stdin.write(self.formula(account=account).encode() + b"\n")
+                program.stdin.flush()
+                self.assertEqual(program.stdout.readline(), expected)
+            program.stdin.close()
+            self.assertEqual(program.wait(timeout=60), 0)
+
+    def test_output_that_cannot_be_written_fails(self):
+        with open("/dev/full", "wb") as full:
+            done = subprocess.run([QEL, "eval", self.formula()], stdout=full, stderr=subprocess.PIPE, timeout=60)
+        self.assertEqual(done.returncode, 1)
+        self.assertIn(b"standard output", done.stderr)
+
+
+class Explain(WithBooks):
+    def test_shows_keys_texts_and_value(self):
+        status, output, errors = run("explain", self.formula(
+            number="1", level='{"Cost_Centers"}', member='{"200"}', account="5000", dates='"01/02/2024","31/03/2024"'))
+        self.assertEqual((status, errors), (0, ""))
+        before, rest = output.split("---- statement ----\n")
+        statement, after = rest.split("\n---- end of statement ----\n")
+        self.assertEqual(statement,
+                         "WITH MEMBER [Date].DateSel as '   SUM( LastPeriods(2,[Date].[All].[2024].[Q1].[3]),"
+                         "[Measures].[Amount])    ' SELECT  { [Date].DateSel} ON COLUMNS, "
+                         " { [SuperSumery].[SumeryCode] }ON ROWS  From BooksFNC where ("
+                         "  [ActX].[OBSx].[All].[OBS].[1],[Cost_Centers].[All].[200],"
+                         "[Accounts].[AccountCodes].[All].[5000])")
+        self.assertEqual(run("mdx", self.cube, "BooksFNC", "-", "--json", stdin=statement)[0], 0)
+        lines = dict(line.split(":", 1) for line in (before + after).splitlines())
+        shown = {label: text.strip() for label, text in lines.items()}
+        self.assertEqual(shown["ObsName keys"], '"OBS"')
+        self.assertEqual(shown["ObsNum keys"], '"1"')
+        self.assertEqual(shown["connection"], f"Provider=MSOLAP;Data Source={self.cube};Initial Catalog=BooksFNC;"
+                                              "Client Cache Size=25;Auto Synch Period=10000")
+        self.assertEqual(shown["value"], "200")
+        self.assertNotIn("masked error", shown)
+        for label in ("open", "first call", "compose and run"):
+            self.assertRegex(shown[label], r"^\d+\.\d µs")
+
+    def test_tells_what_the_formula_masks(self):
+        cases = [
+            ("an unknown account", self.formula(account="9999"), "0", r"masked error: +#ERR -\d+\n.*9999"),
+            ("an unknown level", self.formula(level='{"Levle2"}', member='{"x"}'), "0",
+             r"masked error: +#ERR 3265\n.*no level 'Levle2'"),
+            ("an unknown cube", self.formula(cube="Nope"), "0", r"masked error: +#err -\d+\n.*Nope.*BooksFNC"),
+            ("reversed dates", self.formula(dates='"01/03/2024","01/02/2024"'), "0",
+             r"masked error: +#ERR 11111111 .*later"),
+            ("a name that is not there", f'=QelName("{self.cube}","BooksFNC","SuperSum1",77)', "-", r"reason: +\S"),
+        ]
+        for what, formula, value, pattern in cases:
+            status, output, _ = run("explain", formula)
+            self.assertEqual(status, 0, what)
+            self.assertRegex(output, rf"value: +{value}\n", what)
+            self.assertRegex(output, pattern, what)
+
+    def test_a_plain_text_is_no_key(self):
+        self.assertRegex(run("explain", self.formula(level='"Level1"'))[1], r"ObsLevel keys: +\(empty\)\n")
+
+    def test_a_failed_call(self):
+        status, output, errors = run("explain", self.formula(activity="{1,2,3,4,5,6,7}"))
+        self.assertEqual((status, output.split()[-1]), (1, "#VALUE!"))
+        self.assertIn("To many dimensions", errors)
+
+
+class Mdx(WithBooks):
+    STATEMENT = ("SELECT {[Measures].[Amount],[Measures].[Lines]} ON COLUMNS, "
+                 "{[Accounts].[AccountNames].[AccountName].Members} ON ROWS FROM BooksFNC WHERE ([Firma].[20])")
+
+    def test_table(self):
+        self.assertEqual(run("mdx", self.cube, "BooksFNC", self.STATEMENT), (0, (
+            "AccountName       Amount  Lines\n"
+            "Sales               -500      1\n"
+            'Wages, "regular"     200      1\n'
+            "Rent                 0.3      1\n"), ""))
+
+    def test_csv_from_standard_input(self):
+        status, output, _ = run("mdx", self.cube, "BooksFNC", "-", "--csv", stdin="\ufeff" + self.STATEMENT)
+        self.assertEqual((status, output), (0, 'AccountName,Amount,Lines\nSales,-500,1\n"Wages, ""regular""",200,1\n'
+                                               "Rent,0.3,1\n"))
+
+    def test_json_has_null_for_an_empty_cell(self):
+        statement = self.STATEMENT.replace("[Firma].[20]", "[Firma].[10]")
+        status, output, _ = run("mdx", self.cube, "BooksFNC", statement, "--json")
+        document = json.loads(output)
+        self.assertEqual(status, 0)
+        self.assertEqual(document["cells"], [[-1000.3, 2], [300.05, 1], [70, 1]])
+        self.assertEqual(document["axes"][1][0]["members"][0]["caption"], "Sales")
+        statement = self.STATEMENT.replace("[Firma].[20]", "[Firma].[20],[Cost_Centers].[100]")
+        self.assertEqual(json.loads(run("mdx", self.cube, "BooksFNC", statement, "--json")[1])["cells"][0][0], None)
+
+    def test_more_axes_than_two(self):
+        status, output, errors = run("mdx", self.cube, "BooksFNC",
+                                     "SELECT {[Firma].[10]} ON 0, {[Measures].[Amount]} ON 1, "
+                                     "{[Accounts].[AccountCodes].[4000]} ON 2 FROM BooksFNC")
+        self.assertEqual((status, output), (1, ""))
+        self.assertIn("3 axes", errors)
+
+
+class Cube(WithBooks):
+    def test_build_tells_totals_and_draws_no_bar_into_a_file(self):
+        status, output, errors = self.built
+        self.assertIn("lines read 14, kept 14, skipped 0", output)
+        self.assertIn(f"{self.cube.stat().st_size} bytes", output)
+        self.assertEqual(errors, "")
+
+    def test_info(self):
+        status, output, errors = run("cube", "info", self.cube)
+        self.assertEqual((status, errors), (0, ""))
+        self.assertIn(f"{self.cube.stat().st_size} bytes, 2 cubes", output)
+        for pattern in (r"cube BooksFNC\n +7 facts, 8 dimensions, 2 measures", r"\[OBS\]\.\[OBS\]\.\[Level2\] +2 +4\n",
+                        r"\[Date\]\.\[Date\]\.\[Month\] +3 +4\n", r"Amount \(default\) +sum +2\n", r"Lines +count",
+                        r"sorted by \w+"):
+            self.assertRegex(output, pattern)
+
+    def test_members(self):
+        status, output, _ = run("cube", "info", self.cube, "--members", "accountnames.AccountName")
+        self.assertEqual(status, 0)
+        self.assertEqual([line.split()[0] for line in output.splitlines()], ["name", "Sales", "Wages,", "Rent"])
+        self.assertIn('Wages, "regular"  Wages, "regular"  5000', output)
+        self.assertIn("[OBS].[All].[South].[Say \"]]\" & go]",
+                      run("cube", "info", self.cube, "--members", "[OBS].[Level2]")[1])
+        for level, part in (("Month", "Several levels"), ("[OBS].[Level9]", "no level"), ("[OBS", "without ']'")):
+            status, output, errors = run("cube", "info", self.cube, "--members", level)
+            self.assertEqual((status, output), (1, ""), level)
+            self.assertIn(part, errors)
+
+    def test_verify(self):
+        self.assertEqual(run("cube", "verify", self.cube), (0, f"{self.cube}: OK\n", ""))
+
+    def test_skipped_lines_are_written_aside_and_told(self):
+        folder = self.path / "skip"
+        folder.mkdir()
+        for name in ("books.json", "accounts.csv", "obs.csv"):
+            (folder / name).write_bytes((BOOKS / name).read_bytes())
+        bad = "2024-02-30,4000,A1,100,S,10,1.00\n2024-02-01,4000,A1,100,S,10,1.005\n"
+        (folder / "ledger.csv").write_text((BOOKS / "ledger.csv").read_text() + bad)
+        status, output, errors = run("cube", "build", folder / "books.json", "--output", folder / "b.cub")
+        self.assertEqual((status, output, (folder / "b.cub").exists()), (1, "", False))
+        self.assertIn("ledger.csv, line 9", errors)
+        status, output, errors = run("cube", "build", folder / "books.json", "-o", folder / "b.cub",
+                                     "--skip-bad-lines", folder / "bad.csv")
+        self.assertEqual(status, 0, errors)
+        self.assertIn("lines read 18, kept 14, skipped 4", output)
+        self.assertIn("bad.csv", errors)
+        for line in bad.splitlines():
+            self.assertIn(line, (folder / "bad.csv").read_text())
+        self.assertEqual(run("eval", value_formula(folder / "b.cub"))[1], "-929.95\n")
+
+
+class WrongInput(WithBooks):
+    def test_what_is_no_cube_is_named_with_its_fault(self):
+        empty, text, cut, flipped = (self.path / name for name in ("empty.cub", "text.cub", "cut.cub", "flipped.cub"))
+        good = self.cube.read_bytes()
+        empty.write_bytes(b"")
+        text.write_text("not a cube, just a text that is long enough to hold a header of sixty-four bytes or more\n")
+        cut.write_bytes(good[:len(good) // 2])
+        flipped.write_bytes(good[:-20] + bytes([good[-20] ^ 1]) + good[-19:])
+        missing = self.path / "missing.cub"
+        cases = [(missing, "does not exist"), (self.path, "is a folder"), (empty, "is empty"),
+                 (text, "is not a cube"), (cut, "cut.cub"), ("http://server/msmdpump.dll", "not supported")]
+        for file, fault in cases:
+            for command in (("cube", "info", file), ("cube", "verify", file),
+                            ("mdx", file, "BooksFNC", "SELECT FROM BooksFNC")):
+                status, output, errors = run(*command)
+                self.assertEqual((status, output), (1, ""), command)
+                self.assertIn(fault, errors, command)
+                self.assertIn(str(file), errors, command)
+                self.assertEqual(len(errors.splitlines()), 1, command)
+            self.assertEqual(run("eval", value_formula(file))[:2], (0, "0\n"))
+            self.assertRegex(run("explain", value_formula(file))[1], rf"#err -\d+\nreason: .*{fault}")
+        status, _, errors = run("cube", "verify", flipped)
+        self.assertEqual(status, 1)
+        self.assertIn("flipped.cub", errors)
+
+    def test_wrong_things_asked(self):
+        (self.path / "typo.json").write_text((BOOKS / "books.json").read_text().replace('"measures"', '"mesures"', 1))
+        (self.path / "syntax.json").write_text('{ "cubes": [ }')
+        quotes = self.path / "quotes"
+        quotes.mkdir(exist_ok=True)
+        for name in ("books.json", "accounts.csv", "obs.csv"):
+            (quotes / name).write_bytes((BOOKS / name).read_bytes())
+        (quotes / "ledger.csv").write_text((BOOKS / "ledger.csv").read_text() + '2024-02-01,"4000,A1,100,S,10,1\n')
+        out = self.path / "never.cub"
+        cases = [
+            (("mdx", self.cube, "NopeFNC", "SELECT FROM NopeFNC"), ["NopeFNC", "BooksFNC"]),
+            (("mdx", self.cube, "", "SELECT FROM BooksFNC"), ["No cube is named", "BooksFNC", "FlatFNC"]),
+            (("mdx", self.cube, "BooksFNC", "SELECT FRM BooksFNC"), ["FRM"]),
+            (("mdx", self.cube, "BooksFNC", ""), [""]),
+            (("mdx", self.cube, "BooksFNC", "SELECT {[Firma].[99]} ON 0 FROM BooksFNC"), ["99"]),
+            (("mdx", "a;b.cub", "BooksFNC", "SELECT FROM BooksFNC"), ["b.cub", "';'"]),
+            (("cube", "build", self.path / "typo.json", "--output", out), ["cubes[0]", "measures"]),
+            (("cube", "build", self.path / "syntax.json", "--output", out), ["syntax.json", "line 1"]),
+            (("cube", "build", self.path / "none.json", "--output", out), ["none.json"]),
+            (("cube", "build", self.path, "--output", out), [str(self.path)]),
+            (("cube", "build", quotes / "books.json", "--output", out), ["ledger.csv", "line 9"]),
+            (("cube", "build", BOOKS / "books.json", "--output", self.path / "no" / "x.cub"), ["x.cub"]),
+            (("cube", "build", BOOKS / "books.json", "--output", self.path), [str(self.path)]),
+        ]
+        for command, parts in cases:
+            status, output, errors = run(*command)
+            self.assertEqual((status, output), (1, ""), command)
+            self.assertTrue(errors.startswith("qel: "), errors)
+            for part in parts:
+                self.assertIn(part, errors, command)
+        self.assertFalse(out.exists())
+
+    def test_wrong_usage(self):
+        cases = [(), ("frobnicate",), ("eval", "--frob"), ("explain",), ("mdx", "a.cub"), ("cube",), ("cube", "frob"),
+                 ("cube", "build", "a.json"), ("cube", "verify"), ("--date-order", "dym", "eval", "=F()"),
+                 ("mdx", "a", "b", "c", "--csv", "--json"), ("explain", "=F()", "=G()")]
+        for command in cases:
+            status, output, errors = run(*command)
+            self.assertEqual((status, output), (2, ""), command)
+            self.assertNotEqual(errors, "", command)
+
+    def test_help_and_version(self):
+        for command in ((), ("eval",), ("explain",), ("mdx",), ("cube",), ("cube", "build"), ("cube", "info"),
+                        ("cube", "verify")):
+            status, output, errors = run(*command, "--help")
+            self.assertEqual((status, errors), (0, ""), command)
+            self.assertIn("Usage:", output, command)
+            if command not in ((), ("cube",)):
+                self.assertIn("Example", output, command)
+        self.assertRegex(run("--version")[1], r"^qel \d+\.\d+\.\d+\n$")
+
+
+if __name__ == "__main__":
+    QEL = str(pathlib.Path(sys.argv.pop(1)).resolve())
+    unittest.main(verbosity=2)

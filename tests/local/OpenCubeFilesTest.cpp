@@ -1,0 +1,116 @@
+#include "platform/local/OpenCubeFiles.h"
+
+#include "engine/EngineError.h"
+#include "platform/AutomationError.h"
+#include "tests/local/BooksCube.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <thread>
+
+namespace qel {
+namespace {
+
+using engine::ErrorKind;
+using test::BuildBooks;
+using test::TemporaryFolder;
+
+TEST(OpenCubeFiles, OpensAFileOnce) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder / "a.cub");
+    OpenCubeFiles files;
+    const auto* const first = files.Open(path).get();
+    EXPECT_EQ(files.Open(path).get(), first);
+}
+
+TEST(OpenCubeFiles, AReplacedFileIsOpenedAnewAndTheOldOneStaysReadable) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder / "a.cub");
+    OpenCubeFiles files;
+    const auto old = files.Open(path);
+    BuildBooks(path);
+    const auto fresh = files.Open(path);
+    EXPECT_NE(fresh.get(), old.get());
+    EXPECT_EQ(files.Open(path).get(), fresh.get());
+    old->Verify({});
+    EXPECT_EQ(old->Cubes().size(), 2U);
+}
+
+TEST(OpenCubeFiles, ARemovedFileIsAnErrorAlthoughItWasOpen) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder / "a.cub");
+    OpenCubeFiles files;
+    files.Open(path);
+    std::filesystem::remove(path);
+    EXPECT_THROW(files.Open(path), AutomationError);
+}
+
+TEST(OpenCubeFiles, KeepsOnlyTheLastFilesOpen) {
+    const TemporaryFolder folder;
+    OpenCubeFiles files;
+    std::vector<std::weak_ptr<const engine::CubeFile>> opened;
+    for (int i = 0; i < 10; ++i)
+        opened.push_back(files.Open(BuildBooks(folder / fmt::format("{}.cub", i))));
+    EXPECT_TRUE(opened.front().expired());
+    EXPECT_FALSE(opened.back().expired());
+}
+
+TEST(OpenCubeFiles, ServesManyThreads) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder / "a.cub");
+    OpenCubeFiles files;
+    std::vector<std::thread> threads;
+    std::vector<std::size_t> cubes(4);
+    for (auto& count : cubes)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 200; ++i)
+                count += files.Open(path)->Cubes().size();
+        });
+    for (int i = 0; i < 20; ++i)
+        BuildBooks(path);
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(cubes, (std::vector<std::size_t>{400, 400, 400, 400}));
+}
+
+TEST(OpenCubeFiles, TellsWhatIsWrongWithASource) {
+    const TemporaryFolder folder;
+    std::ofstream(folder / "empty.cub").close();
+    std::ofstream(folder / "text.cub") << std::string(1000, 'x');
+    std::filesystem::create_directory(folder / "folder.cub");
+    const auto whole = BuildBooks(folder / "whole.cub");
+    std::filesystem::copy_file(whole, folder / "cut.cub");
+    std::filesystem::resize_file(folder / "cut.cub", std::filesystem::file_size(whole) / 2);
+
+    struct Case {
+        std::string source;
+        std::int32_t number;
+        const char* part;
+    };
+    const auto number = [](ErrorKind kind) { return static_cast<std::int32_t>(kind); };
+    const Case cases[] = {
+        {(folder / "none.cub").string(), number(ErrorKind::FileNotFound), "does not exist"},
+        {(folder / "empty.cub" / "x").string(), number(ErrorKind::FileNotFound), "x'"},
+        {(folder / "folder.cub").string(), number(ErrorKind::FileNotFound), "is a folder"},
+        {"/dev/null", number(ErrorKind::FileNotFound), "not an ordinary file"},
+        {(folder / "empty.cub").string(), number(ErrorKind::NotACubeFile), "is empty"},
+        {(folder / "text.cub").string(), number(ErrorKind::NotACubeFile), "qel cube build"},
+        {(folder / "cut.cub").string(), number(ErrorKind::DamagedFile), "cut.cub"},
+        {"HTTPS://server/msmdpump.dll", static_cast<std::int32_t>(0x80040E6F),
+         "server cubes are not supported by this build"},
+    };
+    for (const auto& c : cases) {
+        try {
+            OpenCubeFiles().Open(c.source);
+            ADD_FAILURE() << c.source << " was opened";
+        } catch (const AutomationError& error) {
+            EXPECT_EQ(error.Number(), c.number) << error.Description();
+            EXPECT_NE(error.Description().find(c.source), std::string::npos) << error.Description();
+            EXPECT_NE(error.Description().find(c.part), std::string::npos) << error.Description();
+        }
+    }
+}
+
+} // namespace
+} // namespace qel
