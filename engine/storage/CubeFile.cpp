@@ -18,15 +18,20 @@
 
 namespace qel::engine {
 
+/// The bytes are either mapped or held in memory.
 struct CubeFile::Contents {
-    Contents(std::filesystem::path filePath, MappedFile mapped)
-        : path(std::move(filePath)), file(std::move(mapped)), image(PathText(path), file.Bytes()) {
+    Contents(std::filesystem::path filePath, MappedFile mapped, std::vector<std::byte> memory)
+        : path(std::move(filePath)), file(std::move(mapped)), held(std::move(memory)),
+          bytes(held.empty() ? file.Bytes() : std::span<const std::byte>(held)),
+          image(PathText(path), bytes) {
         for (std::uint32_t i = 0; i < image.CubeCount(); ++i)
             cubes.push_back(CubeLoader(image, i).Load());
     }
 
     std::filesystem::path path;
     MappedFile file;
+    std::vector<std::byte> held;
+    std::span<const std::byte> bytes;
     FileImage image;
     std::vector<Cube> cubes;
 };
@@ -36,7 +41,13 @@ CubeFile::CubeFile(std::unique_ptr<Contents> contents) : contents_(std::move(con
 CubeFile::~CubeFile() = default;
 
 std::shared_ptr<const CubeFile> CubeFile::Open(const std::filesystem::path& path) {
-    auto contents = std::make_unique<Contents>(path, MappedFile(path));
+    auto contents = std::make_unique<Contents>(path, MappedFile(path), std::vector<std::byte>());
+    return std::shared_ptr<const CubeFile>(new CubeFile(std::move(contents))); // private constructor
+}
+
+std::shared_ptr<const CubeFile> CubeFile::FromMemory(const std::filesystem::path& name,
+                                                     std::vector<std::byte> bytes) {
+    auto contents = std::make_unique<Contents>(name, MappedFile(), std::move(bytes));
     return std::shared_ptr<const CubeFile>(new CubeFile(std::move(contents))); // private constructor
 }
 
@@ -51,7 +62,7 @@ bool CubeFile::HasSignature(const std::filesystem::path& path) {
 
 const std::filesystem::path& CubeFile::Path() const { return contents_->path; }
 
-std::uint64_t CubeFile::Size() const { return contents_->file.Bytes().size(); }
+std::uint64_t CubeFile::Size() const { return contents_->bytes.size(); }
 
 const std::vector<Cube>& CubeFile::Cubes() const { return contents_->cubes; }
 

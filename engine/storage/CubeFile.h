@@ -2,6 +2,7 @@
 
 #include "engine/storage/Cube.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -17,6 +18,10 @@ public:
     /// Maps the file and reads and checks its metadata; facts are checked as they are read.
     /// Raises EngineError: FileNotFound, NotACubeFile, UnsupportedVersion or DamagedFile, naming the file.
     static std::shared_ptr<const CubeFile> Open(const std::filesystem::path& path);
+
+    /// The same from the bytes of a file that are in memory; `name` is for messages.
+    static std::shared_ptr<const CubeFile> FromMemory(const std::filesystem::path& name,
+                                                      std::vector<std::byte> bytes);
 
     /// True when the file starts with a cube file's signature. False for anything else, unreadable files
     /// included.

@@ -1,7 +1,7 @@
 #include "engine/build/BuildCube.h"
 
 #include "engine/storage/CubeFile.h"
-#include "tests/engine/build/TemporaryFolder.h"
+#include "tests/engine/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 

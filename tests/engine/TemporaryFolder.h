@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -26,12 +27,19 @@ public:
 
     std::filesystem::path Path(std::string_view name = "") const { return path_ / name; }
     std::filesystem::path Write(std::string_view name, std::string_view text) const {
-        std::ofstream(Path(name), std::ios::binary) << text;
+        std::ofstream file(Path(name), std::ios::binary);
+        file << text;
         return Path(name);
     }
     std::string Read(std::string_view name) const {
         std::ifstream file(Path(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    }
+    std::size_t FileCount() const {
+        std::size_t count = 0;
+        for (const auto& entry : std::filesystem::directory_iterator(path_))
+            count += entry.is_directory() ? 0U : 1U;
+        return count;
     }
 
 private:

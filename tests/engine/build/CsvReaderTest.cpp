@@ -1,0 +1,123 @@
+#include "engine/build/CsvReader.h"
+
+#include "engine/EngineError.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+
+namespace qel::engine {
+namespace {
+
+/// Header and records as "line:field|field", a wrong record as "line!fault", one a line.
+std::string ReadAll(const std::string& text) {
+    std::istringstream input(text);
+    std::string result;
+    try {
+        CsvReader reader(input, "t.csv", 0);
+        for (const std::string& column : reader.Header())
+            result += "<" + column + ">";
+        while (reader.Next()) {
+            result += "\n" + std::to_string(reader.Line());
+            if (!reader.Fault().empty()) {
+                result += "!" + reader.Fault();
+                continue;
+            }
+            result += ":";
+            for (std::size_t i = 0; i < reader.Header().size(); ++i)
+                result += (i == 0 ? "" : "|") + std::string(reader.Field(i));
+        }
+    } catch (const EngineError& error) {
+        result = error.what();
+    }
+    return result;
+}
+
+TEST(CsvReader, ReadsWhatPeopleHave) {
+    struct Case {
+        const char* what;
+        std::string text;
+        std::string expected;
+    };
+    const Case cases[] = {
+        {"plain", "a,b\n1,2\n3,4", "<a><b>\n2:1|2\n3:3|4"},
+        {"byte order mark, semicolons, CR LF",
+         "\xEF\xBB\xBF"
+         "a;b\r\n1,5;2\r\n",
+         "<a><b>\n2:1,5|2"},
+        {"tabs, with empty fields at the ends", "a\tb\tc\n\t2\t\n\t\t\n", "<a><b><c>\n2:|2|\n3:||"},
+        {"bars", "a|b\n1|2\n", "<a><b>\n2:1|2"},
+        {"old line ends", "a,b\r1,2\r3,4\r", "<a><b>\n2:1|2\n3:3|4"},
+        {"the most frequent delimiter outside quotes", "\"a,b,c\";d;e\n1;2;3\n", "<a,b,c><d><e>\n2:1|2|3"},
+        {"one column", "a\n1\n", "<a>\n2:1"},
+        {"quotes, doubled and around line ends", "a,b\n\"say \"\"hi\"\"\",\"x\ny\"\n5,6\n",
+         "<a><b>\n2:say \"hi\"|x\ny\n4:5|6"},
+        {"blank lines are no records and are counted", "\n\na,b\n\n1,2\n  \n\n3,4\n\n",
+         "<a><b>\n5:1|2\n8:3|4"},
+        {"blanks around fields, no-break ones too", "a , b\n 1\xC2\xA0,\"\xC2\xA0 2 \" \n", "<a><b>\n2:1|2"},
+        {"Hebrew", "\xD7\xA9\xD7\x9D,b\n\xD7\x90\xD7\x91,2\n", "<\xD7\xA9\xD7\x9D><b>\n2:\xD7\x90\xD7\x91|2"},
+        {"header alone", "a,b", "<a><b>"},
+        {"columns without a name", "a,,\n1,2,3\n", "<a><><>\n2:1|2|3"},
+        {"too few and too many fields", "a,b\n1\n1,2,3\n4,5\n",
+         "<a><b>\n2!expected 2 fields, found 1\n3!expected 2 fields, found 3\n4:4|5"},
+        {"not UTF-8", "a,b\n\xE9t\xE9,2\n3,4\n", "<a><b>\n2!the text is not UTF-8\n3:3|4"},
+        {"code 0", std::string("a,b\n1\0,2\n3,4\n", 13), "<a><b>\n2!a character with code 0\n3:3|4"},
+        {"a quote within a field", "a,b\n5\" pipe,2\n3,4\n",
+         "<a><b>\n2!a quote stands within a field, and is not doubled\n3:3|4"},
+        {"a text behind a quote", "a,b\n\"x\"y,2\n3,4\n",
+         "<a><b>\n2!a quote stands within a field, and is not doubled\n3:3|4"},
+        {"an open quote: reading goes on with the next line", "a,b\n1,2\n\"3,4\n5,6\n7,8\n",
+         "<a><b>\n2:1|2\n3!a quote is not closed\n4:5|6\n5:7|8"},
+        {"two open quotes", "a,b\n\"3,4\n5,6\n\"7,8\n9,1\n",
+         "<a><b>\n2!a quote stands within a field, and is not doubled\n3:5|6\n4!a quote is not "
+         "closed\n5:9|1"},
+        {"empty file", "", "t.csv: the file is empty, expected a line with the names of the columns"},
+        {"blank file", "\xEF\xBB\xBF\n \n",
+         "t.csv: the file is empty, expected a line with the names of the columns"},
+        {"UTF-16",
+         "\xFF\xFE"
+         "a",
+         "t.csv: line 1: the file is UTF-16, expected UTF-8"},
+        {"a column twice", "a,b,a\n", "t.csv: line 1: two columns are named \"a\""},
+        {"header with an open quote", "a,\"b\n1,2\n", "t.csv: line 1: a quote is not closed"},
+    };
+    for (const Case& test : cases)
+        EXPECT_EQ(ReadAll(test.text), test.expected) << test.what;
+}
+
+/// Records, quoted line ends and CR LF pairs that lie across the places where the file is read on.
+TEST(CsvReader, ReadsOnAcrossChunks) {
+    std::string text = "number,text\r\n";
+    constexpr int records = 40000;
+    for (int i = 0; i < records; ++i)
+        text += std::to_string(i) + ",\"" + std::string(static_cast<std::size_t>(i) % 97, 'x') + "\r\n\"\r\n";
+    std::istringstream input(text);
+    CsvReader reader(input, "t.csv", 0);
+    int record = 0;
+    for (; reader.Next(); ++record) {
+        ASSERT_EQ(reader.Fault(), "");
+        ASSERT_EQ(reader.Field(0), std::to_string(record));
+        ASSERT_EQ(reader.Line(), static_cast<std::uint64_t>(record) * 2 + 2);
+        ASSERT_EQ(reader.Field(1).size(), static_cast<std::size_t>(record) % 97 + 2);
+    }
+    EXPECT_EQ(record, records);
+}
+
+TEST(CsvReader, AnOpenQuoteDoesNotSwallowABigFile) {
+    std::string text = "a,b\n\"1,2\n";
+    for (int i = 0; i < 300000; ++i)
+        text += "3,4\n";
+    std::istringstream input(text);
+    CsvReader reader(input, "t.csv", 0);
+    ASSERT_TRUE(reader.Next());
+    EXPECT_EQ(reader.Fault(), "a quote is not closed");
+    EXPECT_EQ(reader.Raw(), "\"1,2\n");
+    int records = 0;
+    while (reader.Next())
+        records += reader.Fault().empty() ? 1 : 0;
+    EXPECT_EQ(records, 300000);
+}
+
+} // namespace
+} // namespace qel::engine

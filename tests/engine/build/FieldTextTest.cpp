@@ -1,0 +1,141 @@
+#include "engine/build/AmountText.h"
+#include "engine/build/DateText.h"
+
+#include <gtest/gtest.h>
+
+namespace qel::engine {
+namespace {
+
+TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
+    const CsvFormat plain;
+    CsvFormat english, german, swiss, french;
+    english.thousands = ',';
+    german.decimal = ',';
+    german.thousands = '.';
+    swiss.thousands = '\'';
+    french.decimal = ',';
+    french.thousands = ' ';
+    constexpr auto no = std::optional<std::int64_t>();
+    struct Case {
+        const char* text;
+        const CsvFormat& format;
+        std::optional<std::int64_t> cents;
+    };
+    const Case cases[] = {
+        {"", plain, 0},
+        {" ", plain, 0},
+        {"0", plain, 0},
+        {"12", plain, 1200},
+        {"12.5", plain, 1250},
+        {"12.50", plain, 1250},
+        {"12.5000", plain, 1250}, // zeros lose nothing
+        {"12.505", plain, no},
+        {".5", plain, 50},
+        {"5.", plain, 500},
+        {".", plain, no},
+        {"-", plain, no},
+        {"-12.34", plain, -1234},
+        {"12.34-", plain, -1234},
+        {"- 12.34", plain, -1234},
+        {"(12.34)", plain, -1234},
+        {"( 12.34 )", plain, -1234},
+        {"+1", plain, 100},
+        {"--1", plain, no},
+        {"-1-", plain, no},
+        {"(-1)", plain, no},
+        {"(1", plain, no},
+        {"1)", plain, no},
+        {"()", plain, no},
+        {"1e5", plain, no},
+        {"1.2.3", plain, no},
+        {"1,234.50", plain, no}, // no thousands sign was declared
+        {"12 abc", plain, no},
+        {"1,234.50", english, 123450},
+        {"1,234,567", english, 123456700},
+        {"1234567.1", english, 123456710},
+        {"1,5", english, no}, // a decimal comma where a thousands comma is expected
+        {"1,2345", english, no},
+        {",123", english, no},
+        {"1234,567", english, no},
+        {"1,234,", english, no},
+        {"1.234,50", german, 123450},
+        {"-0,01", german, -1},
+        {"1'234.50", swiss, 123450},
+        {"1\xE2\x80\x99"
+         "234.50",
+         swiss, 123450},
+        {"1 234,50", french, 123450},
+        {"1\xC2\xA0"
+         "234,50",
+         french, 123450},
+        {"1\xE2\x80\xAF"
+         "234,50\xC2\xA0",
+         french, 123450},
+        {"\xE2\x88\x92"
+         "5",
+         plain, -500},
+        {"\xE2\x80\x8E-5\xE2\x80\x8F", plain, -500}, // marks of direction
+        {"\xD7\x90", plain, no},
+        {"92233720368547758.07", plain, 9223372036854775807},
+        {"-92233720368547758.07", plain, -9223372036854775807},
+        {"92233720368547758.08", plain, no},
+        {"99999999999999999999", plain, no},
+    };
+    for (const Case& test : cases)
+        EXPECT_EQ(ParseAmount(test.text, test.format, 2), test.cents) << "\"" << test.text << "\"";
+    EXPECT_EQ(ParseAmount("7", plain, 0), 7);
+    EXPECT_EQ(ParseAmount("0.123456789", plain, 9), 123456789);
+}
+
+TEST(DateText, ReadsTheDeclaredOrderAndIso) {
+    using enum DateFormat;
+    struct Case {
+        const char* text;
+        DateFormat format;
+        const char* day; ///< empty: not a date
+    };
+    const Case cases[] = {
+        {"2024-03-31", Iso, "2024-03-31"},
+        {"2024-3-1", Iso, "2024-03-01"},
+        {"20240331", Iso, "2024-03-31"},
+        {"2024-03", Iso, "2024-03-01"},
+        {"2024-03-31T23:59:59Z", Iso, "2024-03-31"},
+        {"2024-03-31 00:00:00.000", Iso, "2024-03-31"},
+        {"2024-03-31 noon", Iso, ""},
+        {"2024-02-30", Iso, ""},
+        {"2024-13-01", Iso, ""},
+        {"2024-00-01", Iso, ""},
+        {"31-12-24", Iso, ""}, // must not become a day of 1931
+        {"31/12/2024", Iso, ""},
+        {"0099-01-01", Iso, ""},
+        {"9999-12-31", Iso, "9999-12-31"},
+        {"", Iso, ""},
+        {"2024", Iso, ""},
+        {"2024-", Iso, ""},
+        {"2024-03-31-", Iso, ""},
+        {"2024--31", Iso, ""},
+        {"+2024-03-31", Iso, ""},
+        {"31/12/2024", DayMonthYear, "2024-12-31"},
+        {"1.2.2024", DayMonthYear, "2024-02-01"},
+        {"1 2 2024", DayMonthYear, "2024-02-01"},
+        {"31/12/2024 10:30", DayMonthYear, "2024-12-31"},
+        {"29/02/2023", DayMonthYear, ""},
+        {"12/31/2024", DayMonthYear, ""},
+        {"2024-12-31", DayMonthYear, "2024-12-31"},
+        {"31/12/29", DayMonthYear, "2029-12-31"},
+        {"31/12/30", DayMonthYear, "1930-12-31"},
+        {"31/12/024", DayMonthYear, ""},
+        {"03/2024", DayMonthYear, "2024-03-01"},
+        {"12/31/2024", MonthDayYear, "2024-12-31"},
+        {"31/12/2024", MonthDayYear, ""},
+        {"24/12/31", YearMonthDay, "2024-12-31"},
+        {"Q1 2024", DayMonthYear, ""},
+    };
+    for (const Case& test : cases) {
+        const auto day = ParseDate(test.text, test.format);
+        EXPECT_EQ(day ? FormatDate(*day) : "", test.day) << "\"" << test.text << "\"";
+    }
+}
+
+} // namespace
+} // namespace qel::engine

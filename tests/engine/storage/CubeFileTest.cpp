@@ -1,0 +1,371 @@
+#include "engine/storage/CubeFile.h"
+
+#include "engine/EngineError.h"
+#include "tests/engine/FileSizeLimit.h"
+#include "tests/engine/TemporaryFolder.h"
+#include "tests/engine/storage/SmallCube.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <string>
+
+namespace qel::engine {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+/// Everything that a cube answers, as a text.
+std::string Answers(const Cube& cube) {
+    std::string text = cube.Name() + cube.Caption() + std::to_string(cube.DefaultMeasure());
+    std::vector<MemberId> found;
+    for (const Hierarchy& hierarchy : cube.Hierarchies()) {
+        text += hierarchy.UniqueName() + std::to_string(hierarchy.DefaultMember());
+        for (const Level& level : hierarchy.Levels())
+            text += level.name + std::to_string(level.members.last) + (level.isAll ? "*" : "");
+        for (MemberId member = 0; member < hierarchy.MemberCount(); ++member) {
+            found.clear();
+            hierarchy.FindByName(hierarchy.MemberName(member), found);
+            hierarchy.FindByKey(hierarchy.MemberKey(member), found);
+            text += hierarchy.MemberUniqueName(member);
+            text += hierarchy.MemberCaption(member);
+            text +=
+                std::to_string(hierarchy.LevelOf(member)) + std::to_string(hierarchy.Children(member).last);
+            for (const MemberId same : found)
+                text += "=" + std::to_string(same);
+            for (const KeyRange& range : hierarchy.Ranges(member))
+                text += std::to_string(range.first) + "-" + std::to_string(range.last);
+        }
+    }
+    const FactTable& facts = cube.Facts();
+    for (const KeyColumn& column : facts.KeyColumns())
+        text += column.name + std::to_string(column.codes);
+    for (const Measure& measure : facts.Measures())
+        text += measure.name + measure.caption + std::to_string(measure.decimals);
+    for (const Projection& projection : facts.Projections()) {
+        const RowRange all{0, projection.RowCount()};
+        for (std::size_t i = 0; i < facts.KeyColumns().size(); ++i) {
+            const auto* const bytes = reinterpret_cast<const char*>(projection.Keys(i, all));
+            text.append(bytes, all.Count() * facts.KeyColumns()[i].width);
+        }
+        const auto* const bytes = reinterpret_cast<const char*>(projection.Values(0, all));
+        text.append(bytes, all.Count() * facts.Measures()[0].width);
+        const RowRange second = projection.RowsOfLead({1, 2});
+        text += std::to_string(second.first) + std::to_string(second.last);
+    }
+    return text;
+}
+
+std::string OpenFault(const std::filesystem::path& path) {
+    try {
+        CubeFile::Open(path)->Verify({});
+    } catch (const EngineError& error) {
+        return error.what();
+    }
+    return "no fault";
+}
+
+std::shared_ptr<const CubeFile> OpenBytes(const std::string& bytes) {
+    const auto* const first = reinterpret_cast<const std::byte*>(bytes.data());
+    return CubeFile::FromMemory("bad.cub", {first, first + bytes.size()});
+}
+
+TEST(CubeFile, GivesBackWhatWasWritten) {
+    const TemporaryFolder folder;
+    SmallCube().Write(folder.Path("a.cub"));
+    EXPECT_TRUE(CubeFile::HasSignature(folder.Path("a.cub")));
+    const auto cube = CubeFile::Open(folder.Path("a.cub"))->FindCube("SMALL"); // outlives the file's handle
+    const Hierarchy& accounts = cube->Hierarchies()[0];
+    EXPECT_EQ(accounts.UniqueName(), "[Accounts].[Tree]");
+    EXPECT_EQ(cube->Hierarchies()[1].UniqueName(), "[Firm]");
+    EXPECT_EQ(accounts.MemberUniqueName(1), "[Accounts].[Tree].[All].[4]]]");
+    EXPECT_EQ(accounts.MemberUniqueName(3), "[Accounts].[Tree].[All].[4]]].&[4100]");
+    EXPECT_EQ(accounts.LevelOf(0), 0U);
+    EXPECT_EQ(accounts.LevelOf(3), 2U);
+    EXPECT_EQ(accounts.FindLevel("ACCOUNT"), 2U);
+    std::vector<MemberId> found;
+    accounts.FindByName("SALES", found);
+    EXPECT_THAT(found, ElementsAre(2, 3));
+    found.clear();
+    accounts.FindByKey("4100", found);
+    cube->Hierarchies()[1].FindByName("\xD7\x90", found);
+    EXPECT_THAT(found, ElementsAre(3, 0));
+    EXPECT_EQ(cube->FindMeasure("lines"), 1U);
+    EXPECT_EQ(cube->FindDimension("firm"), 1U);
+    const RowRange rows = cube->Facts().Projections()[0].RowsOfLead({1, 2});
+    const auto* const values = cube->Facts().Projections()[0].Values(0, rows);
+    EXPECT_THAT(std::vector<int>({static_cast<signed char>(values[0]), static_cast<signed char>(values[1])}),
+                ElementsAre(-7, 9));
+    EXPECT_THROW(cube->Facts().Projections()[0].Keys(0, {2, 4}), EngineError);
+}
+
+TEST(CubeFile, NamesWhatCannotBeOpened) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.Path("folder"));
+    folder.Write("empty", "");
+    folder.Write("text", "date,amount\n2024-01-01,3\n");
+    struct Case {
+        const char* file;
+        ErrorKind kind;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"absent.cub", ErrorKind::FileNotFound, "absent.cub: No such file or directory"},
+        {"folder", ErrorKind::FileNotFound, "folder: is a folder"},
+        {"empty", ErrorKind::NotACubeFile, "empty: not a cube file"},
+        {"text", ErrorKind::NotACubeFile, "text: not a cube file"},
+    };
+    for (const Case& test : cases) {
+        EXPECT_FALSE(CubeFile::HasSignature(folder.Path(test.file))) << test.file;
+        try {
+            CubeFile::Open(folder.Path(test.file));
+            ADD_FAILURE() << test.file;
+        } catch (const EngineError& error) {
+            EXPECT_EQ(error.Kind(), test.kind) << test.file;
+            EXPECT_THAT(error.what(), HasSubstr(test.message));
+        }
+    }
+    SmallCube().Write(folder.Path("a.cub"));
+    try {
+        CubeFile::Open(folder.Path("a.cub"))->FindCube("Big");
+        ADD_FAILURE() << "a cube that is not there";
+    } catch (const EngineError& error) {
+        EXPECT_EQ(error.Kind(), ErrorKind::UnknownCube);
+        EXPECT_THAT(error.what(), HasSubstr("a.cub: there is no cube \"Big\"; the file holds Small"));
+    }
+}
+
+TEST(CubeFile, EveryDamagedByteIsFound) {
+    const TemporaryFolder folder;
+    SmallCube().Write(folder.Path("a.cub"));
+    const std::string good = folder.Read("a.cub");
+    for (std::size_t place = 0; place < good.size(); ++place) {
+        std::string bad = good;
+        bad[place] = static_cast<char>(bad[place] ^ 0x41);
+        try {
+            OpenBytes(bad);
+            ADD_FAILURE() << "byte " << place; // the file is one page, which metadata shares with facts
+        } catch (const EngineError& error) {
+            EXPECT_THAT(error.what(), HasSubstr("bad.cub")) << "byte " << place;
+        }
+    }
+}
+
+TEST(CubeFile, EveryTruncationIsFound) {
+    const TemporaryFolder folder;
+    SmallCube().Write(folder.Path("a.cub"));
+    const std::string good = folder.Read("a.cub");
+    for (std::size_t size = 0; size < good.size(); ++size)
+        EXPECT_THROW(OpenBytes(good.substr(0, size)), EngineError) << size << " bytes";
+    EXPECT_THAT(OpenFault(folder.Write("bad.cub", good + '\0')), HasSubstr("bytes instead of"));
+}
+
+TEST(CubeFile, TellsAnotherVersionFromDamage) {
+    const TemporaryFolder folder;
+    SmallCube().Write(folder.Path("a.cub"));
+    std::string bytes = folder.Read("a.cub");
+    bytes[8] = 2;
+    try {
+        CubeFile::Open(folder.Write("new.cub", bytes));
+        ADD_FAILURE();
+    } catch (const EngineError& error) {
+        EXPECT_EQ(error.Kind(), ErrorKind::UnsupportedVersion);
+        EXPECT_THAT(error.what(), HasSubstr("format version 2; this program reads version 1"));
+    }
+}
+
+/// The pages of facts are not read when the file is opened, and checked when they are.
+TEST(CubeFile, FactPagesAreCheckedWhenTheyAreRead) {
+    const TemporaryFolder folder;
+    SmallCube cube;
+    constexpr std::size_t rows = 300000;
+    cube.model.rowCount = rows;
+    cube.model.projections = {{{0}, {0, rows, rows}}};
+    cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
+    cube.values = {std::vector<std::int8_t>(rows, 1)};
+    cube.Write(folder.Path("a.cub"));
+    EXPECT_EQ(OpenFault(folder.Path("a.cub")), "no fault");
+    std::string bytes = folder.Read("a.cub");
+    bytes[bytes.size() - 100000] = 3; // among the last column, the values
+    const auto file = CubeFile::Open(folder.Write("bad.cub", bytes));
+    const Projection& projection = file->Cubes()[0].Facts().Projections()[0];
+    EXPECT_NO_THROW(projection.Keys(1, {0, rows}));
+    EXPECT_NO_THROW(projection.Values(0, {0, 1000}));
+    EXPECT_THROW(projection.Values(0, {0, rows}), EngineError);
+    EXPECT_THROW(file->Verify({}), EngineError);
+}
+
+/// Contents that contradict themselves below right checksums: what a faulty or hostile writer would make.
+TEST(CubeFile, InconsistentContentsAreFound) {
+    struct Case {
+        const char* what;
+        std::function<void(SmallCube&)> spoil;
+        const char* fault;
+    };
+    const Case cases[] = {
+        {"default measure", [](auto& c) { c.model.defaultMeasure = 2; }, "default measure does not exist"},
+        {"no sort order", [](auto& c) { c.model.projections.clear(); }, "no facts in any order"},
+        {"empty sort order", [](auto& c) { c.model.projections[1].sortOrder.clear(); },
+         "sort order is empty"},
+        {"sort order of no column", [](auto& c) { c.model.projections[1].sortOrder = {2}; },
+         "names a key column that does not exist"},
+        {"width of codes", [](auto& c) { c.model.keyColumns[0].width = 3; },
+         "key column account has a wrong width"},
+        {"codes beyond the width", [](auto& c) { c.model.keyColumns[0].codes = 257; }, "has a wrong width"},
+        {"width of values", [](auto& c) { c.model.measures[0].width = 0; },
+         "measure Amount is not well-formed"},
+        {"decimals", [](auto& c) { c.model.measures[0].decimals = 19; }, "measure Amount is not well-formed"},
+        {"rows", [](auto& c) { c.model.rowCount = 4; }, "row numbers of a sort order"},
+        {"rows beyond all memory",
+         [](auto& c) {
+             c.model.rowCount = 0x4000000000000000U;
+             c.model.projections[0].leadRows.back() = c.model.projections[1].leadRows.back() =
+                 c.model.rowCount;
+         },
+         "a column of facts has the wrong length"},
+        {"lead rows descend",
+         [](auto& c) {
+             c.model.projections[0].leadRows = {0, 4, 3};
+         },
+         "row numbers"},
+        {"a lead row too few",
+         [](auto& c) {
+             c.model.projections[0].leadRows = {0, 3};
+         },
+         "row numbers"},
+        {"key column of a hierarchy", [](auto& c) { c.Accounts().keyColumn = 2; },
+         "key column that does not exist"},
+        {"default member", [](auto& c) { c.Accounts().defaultMember = 4; },
+         "default member of [Accounts].[Tree]"},
+        {"no levels", [](auto& c) { c.Accounts().levels.clear(); }, "default member of"},
+        {"All below the top", [](auto& c) { c.Accounts().levels[1].isAll = true; }, "level Group of"},
+        {"All of two members",
+         [](auto& c) {
+             c.Accounts().levels = {{"A", true, 2}};
+         },
+         "level A of"},
+        {"members beyond all numbers", [](auto& c) { c.Accounts().levels[2].memberCount = 0xFFFFFFFEU; },
+         "level Account of"},
+        {"a member too many", [](auto& c) { ++c.Accounts().levels[2].memberCount; },
+         "places of the members' texts"},
+        {"no hierarchy", [](auto& c) { c.model.dimensions[1].hierarchies.clear(); }, "Firm has no hierarchy"},
+        {"offsets descend", [](auto& c) { c.Accounts().names.offsets[2] = 1; },
+         "places of the members' texts"},
+        {"offsets beyond the text", [](auto& c) { c.Accounts().keys.bytes.pop_back(); }, "members' texts"},
+        {"a parent of its own", [](auto& c) { c.Accounts().parents[1] = 1; }, "tree of [Accounts].[Tree]"},
+        {"a top member with a parent", [](auto& c) { c.Accounts().parents[0] = 0; }, "tree of"},
+        {"a parent of another level",
+         [](auto& c) {
+             c.Accounts().firstChild = {1, 2, 3, 4, 4};
+         },
+         "tree of"},
+        {"children beyond the level",
+         [](auto& c) {
+             c.Accounts().firstChild = {1, 4, 4, 4, 4};
+         },
+         "tree of"},
+        {"children too few",
+         [](auto& c) {
+             c.Accounts().firstChild = {1, 2, 4};
+         },
+         "tree of"},
+        {"children beyond all", [](auto& c) { c.Accounts().firstChild.back() = 5; }, "tree of"},
+        {"a code out of range", [](auto& c) { c.Accounts().ranges[1].last = 3; },
+         "keys of [Accounts].[Tree]"},
+        {"an empty range",
+         [](auto& c) {
+             c.Accounts().ranges[2] = {0, 0};
+         },
+         "keys of"},
+        {"ranges that touch",
+         [](auto& c) {
+             c.Accounts().ranges.insert(c.Accounts().ranges.begin(), {0, 1});
+             c.Accounts().ranges[1] = {1, 2};
+             c.Accounts().rangeOffsets = {0, 2, 3, 4, 5};
+         },
+         "keys of"},
+        {"range places descend",
+         [](auto& c) {
+             c.Accounts().rangeOffsets = {0, 2, 1, 3, 4};
+         },
+         "keys of"},
+        {"a column too short", [](auto& c) { c.keys[1][0].pop_back(); },
+         "a column of facts has the wrong length"},
+        {"a column missing", [](auto& c) { c.keys[1].pop_back(); }, "section 49 of cube 0 is missing"},
+        // Those below open, since reading facts is what they would need, but do not pass the check of the
+        // whole.
+        {"a fact's code out of range", [](auto& c) { c.keys[0][1][2] = 2; },
+         "key column firm has a code out of range"},
+        {"facts not in order",
+         [](auto& c) {
+             c.keys[0][1] = {0, 1, 0};
+         },
+         "sort order 1: the facts are not in their"},
+        {"a fact under another lead",
+         [](auto& c) {
+             c.keys[0][0] = {0, 0, 1};
+         },
+         "not in their order"},
+        {"orders that differ", [](auto& c) { c.values[1][0] = 8; },
+         "sort orders 1 and 2 hold different facts"},
+        {"a child's code its parent lacks",
+         [](auto& c) {
+             c.Accounts().ranges[1] = {0, 1};
+         },
+         "parent lacks some"},
+        {"a name that is not UTF-8", [](auto& c) { c.Accounts().names.bytes[0] = '\xFF'; }, "not UTF-8"},
+    };
+    const TemporaryFolder folder;
+    for (const Case& test : cases) {
+        SmallCube cube;
+        test.spoil(cube);
+        cube.Write(folder.Path("bad.cub"));
+        EXPECT_THAT(OpenFault(folder.Path("bad.cub")), HasSubstr(test.fault)) << test.what;
+    }
+}
+
+TEST(CubeFile, AppearsOnlyWhenItIsComplete) {
+    const TemporaryFolder folder;
+    SmallCube().Write(folder.Path("a.cub"));
+    const auto before = folder.Read("a.cub");
+    const auto opened = CubeFile::Open(folder.Path("a.cub"));
+    {
+        CubeFileWriter abandoned(folder.Path("a.cub"));
+        abandoned.AddCube(SmallCube().model);
+    }
+    EXPECT_EQ(folder.Read("a.cub"), before);
+    EXPECT_EQ(folder.FileCount(), 1U) << "a temporary file stayed behind";
+
+    SmallCube other;
+    other.model.name = "Other";
+    std::filesystem::create_symlink(folder.Path("a.cub"), folder.Path("link.cub"));
+    other.Write(folder.Path("link.cub"));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.Path("link.cub")));
+    EXPECT_EQ(CubeFile::Open(folder.Path("a.cub"))->Cubes()[0].Name(), "Other");
+    EXPECT_NE(Answers(opened->Cubes()[0]).find("Small"), std::string::npos)
+        << "readers keep what they opened";
+
+    EXPECT_THROW(CubeFileWriter(folder.Path("absent/a.cub")), EngineError);
+    EXPECT_THROW(CubeFileWriter(folder.Path()), EngineError);
+}
+
+TEST(CubeFile, AFullDiskIsAnError) {
+    const TemporaryFolder folder;
+    SmallCube().Write(folder.Path("a.cub"));
+    const auto before = folder.Read("a.cub");
+    const FileSizeLimit limit(100);
+    try {
+        SmallCube().Write(folder.Path("a.cub"));
+        ADD_FAILURE() << "written beyond the limit";
+    } catch (const EngineError& error) {
+        EXPECT_EQ(error.Kind(), ErrorKind::CannotWrite);
+        EXPECT_THAT(error.what(), HasSubstr("a.cub: cannot be written: File too large"));
+    }
+    EXPECT_EQ(folder.Read("a.cub"), before);
+    EXPECT_EQ(folder.FileCount(), 1U);
+}
+
+} // namespace
+} // namespace qel::engine

@@ -1,0 +1,75 @@
+#include "tests/engine/storage/SmallCube.h"
+
+#include "engine/storage/Cube.h"
+
+#include <span>
+
+namespace qel::engine {
+
+namespace {
+
+void AddMember(HierarchyModel& hierarchy, const char* name, const char* key, std::uint32_t parent,
+               std::vector<KeyRange> ranges) {
+    hierarchy.names.Add(name);
+    hierarchy.captions.Add(name);
+    hierarchy.keys.Add(key);
+    hierarchy.parents.push_back(parent);
+    hierarchy.ranges.insert(hierarchy.ranges.end(), ranges.begin(), ranges.end());
+    hierarchy.rangeOffsets.push_back(static_cast<std::uint32_t>(hierarchy.ranges.size()));
+}
+
+HierarchyModel MakeAccounts() {
+    HierarchyModel accounts;
+    accounts.name = accounts.caption = "Tree";
+    accounts.keyColumn = 0;
+    accounts.levels = {{"(All)", true, 1}, {"Group", false, 1}, {"Account", false, 2}};
+    AddMember(accounts, "All", "All", noMember, {{0, 2}});
+    AddMember(accounts, "4]", "4]", 0, {{0, 2}});
+    AddMember(accounts, "Sales", "4000", 1, {{0, 1}});
+    AddMember(accounts, "sales", "4100", 1, {{1, 2}});
+    accounts.firstChild = {1, 2, 4, 4, 4};
+    return accounts;
+}
+
+HierarchyModel MakeFirms() {
+    HierarchyModel firms;
+    firms.name = firms.caption = "Firm";
+    firms.keyColumn = 1;
+    firms.levels = {{"Firm", false, 2}};
+    AddMember(firms, "\xD7\x90", "1", noMember, {{0, 1}});
+    AddMember(firms, "B", "2", noMember, {{1, 2}});
+    firms.firstChild = {2, 2, 2};
+    return firms;
+}
+
+} // namespace
+
+SmallCube::SmallCube() {
+    model.name = model.caption = "Small";
+    model.dimensions = {{"Accounts", "Accounts", false, {MakeAccounts()}},
+                        {"Firm", "Firm", false, {MakeFirms()}}};
+    model.keyColumns = {{"account", 2, 1}, {"firm", 2, 1}};
+    model.measures = {{"Amount", "Amount", Aggregate::Sum, 2, 1}, {"Lines", "Lines", Aggregate::Count, 0, 0}};
+    model.rowCount = 3;
+    model.projections = {{{0, 1}, {0, 1, 3}}, {{1}, {0, 2, 3}}};
+    keys = {{{0, 1, 1}, {0, 0, 1}}, {{1, 0, 1}, {0, 0, 1}}};
+    values = {{5, -7, 9}, {-7, 5, 9}};
+}
+
+void SmallCube::Write(const std::filesystem::path& path) const {
+    CubeFileWriter writer(path);
+    const std::uint32_t cube = writer.AddCube(model);
+    for (std::size_t order = 0; order < keys.size(); ++order) {
+        for (std::size_t column = 0; column < keys[order].size(); ++column) {
+            writer.BeginKeys(cube, order, column);
+            writer.Append(std::as_bytes(std::span(keys[order][column])));
+            writer.End();
+        }
+        writer.BeginValues(cube, order, 0);
+        writer.Append(std::as_bytes(std::span(values[order])));
+        writer.End();
+    }
+    writer.Commit();
+}
+
+} // namespace qel::engine

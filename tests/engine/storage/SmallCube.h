@@ -1,0 +1,25 @@
+#pragma once
+
+#include "engine/storage/CubeFileWriter.h"
+#include "engine/storage/CubeModel.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <vector>
+
+namespace qel::engine {
+
+/// Two accounts in one group, two firms, three facts: made by hand, so that a test can spoil any part of it
+/// and still write it with right checksums.
+struct SmallCube {
+    CubeModel model;
+    /// By sort order: a byte for each fact.
+    std::vector<std::vector<std::vector<std::uint8_t>>> keys;
+    std::vector<std::vector<std::int8_t>> values;
+
+    SmallCube();
+    HierarchyModel& Accounts() { return model.dimensions[0].hierarchies[0]; }
+    void Write(const std::filesystem::path& path) const;
+};
+
+} // namespace qel::engine
