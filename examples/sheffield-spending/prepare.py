@@ -40,6 +40,12 @@ def decode(data):
         return data.decode("cp1252")
 
 
+def unescaped(text):
+    """Some quarters carry a dash as the four characters \\x96, or as the tail \\x80\\x93 of its UTF-8 form."""
+    text = text.replace("\\x80\\x93", "\N{EN DASH}")
+    return re.sub(r"\\x([0-9A-Fa-f]{2})", lambda match: bytes.fromhex(match[1]).decode("cp1252", "replace"), text)
+
+
 def date_of(text):
     for form in DATE_FORMS:
         try:
@@ -87,7 +93,7 @@ def published_lines(folder):
             if not any(row):
                 continue
             try:
-                line = {field: row[column].strip() for field, column in columns.items()}
+                line = {field: unescaped(row[column].strip()) for field, column in columns.items()}
                 line["date"] = date_of(line["date"])
                 line["amount"] = amount_of(line["amount"])
             except (ValueError, IndexError) as error:
