@@ -1,8 +1,41 @@
 #include "platform/DataAccess.h"
 
+#include "platform/AutomationError.h"
 #include "platform/Text.h"
 
+#include <algorithm>
+
 namespace qel {
+
+namespace {
+
+constexpr std::int32_t objectDoesNotSupportThisAction = 445;
+
+/// The value of one property of a connection text; the last one counts, as for providers.
+std::string PropertyOf(std::string_view text, std::string_view name) {
+    std::string value;
+    while (!text.empty()) {
+        const auto end = std::min(text.find(';'), text.size());
+        const auto part = text.substr(0, end);
+        const auto equals = part.find('=');
+        if (equals != std::string_view::npos && EqualIgnoringCase(Trimmed(part.substr(0, equals)), name))
+            value = Trimmed(part.substr(equals + 1));
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return value;
+}
+
+} // namespace
+
+std::string Connection::Provider() const { return PropertyOf(ConnectionString(), "Provider"); }
+
+std::string Connection::DefaultDatabase() const { return PropertyOf(ConnectionString(), "Initial Catalog"); }
+
+std::unique_ptr<Recordset> DataAccess::CreateRecordset() {
+    throw AutomationError(objectDoesNotSupportThisAction,
+                          "Object doesn't support this action: the provider has no "
+                          "recordsets.");
+}
 
 std::vector<std::unique_ptr<Member>> Level::MembersNamed(const std::string& name) const {
     std::vector<std::unique_ptr<Member>> named;

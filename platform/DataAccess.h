@@ -16,7 +16,7 @@ namespace qel {
 /// ADO's values of Connection.State that matter here.
 inline constexpr int stateClosed = 0;
 inline constexpr int stateOpen = 1;
-/// adConnectUnspecified, adCmdUnspecified and the like.
+/// adConnectUnspecified, adCmdUnspecified, adOpenUnspecified and the like.
 inline constexpr int optionsUnspecified = -1;
 
 class Connection {
@@ -27,6 +27,10 @@ public:
     virtual void Close() = 0;
     virtual int State() const = 0;
     virtual std::string ConnectionString() const = 0;
+    /// The provider that the connection text names; empty when it was never opened.
+    virtual std::string Provider() const;
+    /// The catalog that the connection text names, or the one that the provider chose.
+    virtual std::string DefaultDatabase() const;
 };
 
 /// ADOMD's Member.
@@ -116,6 +120,26 @@ public:
     virtual Variant Value(const std::vector<std::int32_t>& positions) const = 0;
 };
 
+/// ADO's Recordset over a statement whose rows are flattened: a column for every level of the rows'
+/// hierarchies, from the top, and a column for every position of the columns axis after them.
+class Recordset {
+public:
+    virtual ~Recordset() = default;
+    virtual void Open(const std::string& source, const std::shared_ptr<Connection>& connection,
+                      int cursorType, int lockType, int options) = 0;
+    virtual void Close() = 0;
+    virtual std::int32_t FieldCount() const = 0;
+    /// "[Dimension].[Hierarchy].[Level].[MEMBER_CAPTION]", or the unique name of a column's member.
+    virtual std::string FieldName(std::int32_t index) const = 0;
+    /// Of the current row; Null for a level below the row's member. Raises 3021 when there is no current row.
+    virtual Variant FieldValue(std::int32_t index) const = 0;
+    /// True after the last row (ADO's EOF), and at once when there is none.
+    virtual bool AtEnd() const = 0;
+    /// Raises 3021 when there are no rows.
+    virtual void MoveFirst() = 0;
+    virtual void MoveNext() = 0;
+};
+
 /// Makes the provider's objects; a door chooses one implementation in its composition root.
 class DataAccess {
 public:
@@ -123,6 +147,8 @@ public:
     virtual std::shared_ptr<Connection> CreateConnection() = 0;
     virtual std::unique_ptr<Catalog> CreateCatalog() = 0;
     virtual std::unique_ptr<Cellset> CreateCellset() = 0;
+    /// Raises 445 for a provider without recordsets.
+    virtual std::unique_ptr<Recordset> CreateRecordset();
 };
 
 } // namespace qel

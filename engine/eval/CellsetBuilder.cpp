@@ -49,6 +49,10 @@ AxisMember CellsetBuilder::Describe(MemberRef member) const {
     description.uniqueName = space_.UniqueName(member);
     description.levelName = space_.LevelName({member.hierarchy, level});
     description.levelDepth = static_cast<std::uint32_t>(level);
+    description.hierarchy = member.hierarchy;
+    if (!space_.IsMeasures(member.hierarchy) && !IsCalculated(member.id)) {
+        description.member = member.id;
+    }
     return description;
 }
 

@@ -3,6 +3,7 @@
 #include "platform/local/LocalCatalog.h"
 #include "platform/local/LocalCellset.h"
 #include "platform/local/LocalConnection.h"
+#include "platform/local/LocalRecordset.h"
 #include "platform/local/OpenCubeFiles.h"
 
 namespace qel {
@@ -16,5 +17,7 @@ std::shared_ptr<Connection> LocalDataAccess::CreateConnection() {
 std::unique_ptr<Catalog> LocalDataAccess::CreateCatalog() { return std::make_unique<LocalCatalog>(files_); }
 
 std::unique_ptr<Cellset> LocalDataAccess::CreateCellset() { return std::make_unique<LocalCellset>(); }
+
+std::unique_ptr<Recordset> LocalDataAccess::CreateRecordset() { return std::make_unique<LocalRecordset>(); }
 
 } // namespace qel

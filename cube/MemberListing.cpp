@@ -1,0 +1,93 @@
+#include "cube/MemberListing.h"
+
+#include "platform/AutomationError.h"
+
+namespace qel::ModSetCube {
+
+namespace {
+
+constexpr const char* cubeProvider = "MSOLAP";
+
+void Open(Connection& connection, const std::string& cubeFile, const std::string& cubeName) {
+    connection.Open(ComposeConnectionText(cubeFile, cubeName), "", "", optionsUnspecified);
+}
+
+std::shared_ptr<Connection> OpenNew(DataAccess& dataAccess, const std::string& cubeFile,
+                                    const std::string& cubeName) {
+    auto connection = dataAccess.CreateConnection();
+    Open(*connection, cubeFile, cubeName);
+    return connection;
+}
+
+/// Closes a connection in whatever state it is; one that is closed already says so, which is no failure here.
+void CloseIgnoringState(Connection& connection) {
+    try {
+        connection.Close();
+    } catch (const AutomationError&) { // NOLINT(bugprone-empty-catch): it is opened again next
+    }
+}
+
+/// The listing's cube, over the thread's connection. The Date table is not touched: it belongs to value
+/// calls.
+void EnsureListingConnection(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened,
+                             const std::string& cubeFile, const std::string& cubeName) {
+    auto& connection = thread.CubeConnection;
+    const bool isUsable = connection && connection->Provider() == cubeProvider;
+    if (!isUsable) {
+        connection = OpenNew(dataAccess, cubeFile, cubeName);
+    } else if (connection->State() != stateOpen) {
+        CloseIgnoringState(*connection);
+        Open(*connection, cubeFile, cubeName);
+    } else if (opened.cubeFile != cubeFile || opened.cubeName != cubeName) {
+        connection->Close();
+        Open(*connection, cubeFile, cubeName);
+    }
+    opened = {cubeFile, cubeName};
+}
+
+/// The first field of which some row holds a text, or `fieldCount` when none does.
+std::int32_t FirstFilledField(Recordset& rows, std::int32_t fieldCount) {
+    for (std::int32_t field = 0; field < fieldCount; ++field) {
+        for (rows.MoveFirst(); !rows.AtEnd(); rows.MoveNext()) {
+            const Variant value = rows.FieldValue(field);
+            if (value.Is<std::string>() && !value.As<std::string>().empty())
+                return field;
+        }
+    }
+    return fieldCount;
+}
+
+} // namespace
+
+std::unique_ptr<Cellset> ListMembersCellset(DataAccess& dataAccess, const std::string& cubeFile,
+                                            const MemberListing& listing) {
+    const auto connection = OpenNew(dataAccess, cubeFile, listing.cubeName);
+    auto cellset = dataAccess.CreateCellset();
+    cellset->Open(ComposeCellsetStatement(listing).value_or(""), connection);
+    return cellset;
+}
+
+void OpenMemberRecordset(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened,
+                         Recordset& recordset, const std::string& cubeFile, const MemberListing& listing) {
+    EnsureListingConnection(thread, dataAccess, opened, cubeFile, listing.cubeName);
+    recordset.Open(ComposeRecordsetStatement(listing).value_or(""), thread.CubeConnection, optionsUnspecified,
+                   optionsUnspecified, optionsUnspecified);
+}
+
+std::int16_t CountObsLevels(DataAccess& dataAccess, const std::string& cubeName, const std::string& cubeFile,
+                            const std::string& obsNumber, const std::string& obsMember) {
+    const auto connection = OpenNew(dataAccess, cubeFile, cubeName);
+    const auto rows = dataAccess.CreateRecordset();
+    rows->Open(ComposeObsLevelsStatement(cubeName, obsNumber, obsMember), connection, optionsUnspecified,
+               optionsUnspecified, optionsUnspecified);
+    std::int32_t levels = 0;
+    if (!rows->AtEnd()) {
+        const std::int32_t levelFields = rows->FieldCount() - 1; // the measure is the last field
+        levels = levelFields - FirstFilledField(*rows, levelFields);
+    }
+    rows->Close();
+    connection->Close();
+    return static_cast<std::int16_t>(levels);
+}
+
+} // namespace qel::ModSetCube
