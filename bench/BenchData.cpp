@@ -37,7 +37,7 @@ BenchData PrepareBenchData(const std::filesystem::path& folder, const std::files
                            std::uint64_t rows, std::uint64_t seed) {
     const std::filesystem::path own = folder / fmt::format("{}-{}", rows, seed);
     const std::filesystem::path done = own / "done";
-    const BenchData data{own, own / "ledger.cub", own / "ledger.sqlite"};
+    BenchData data{own, own / "ledger.cub", own / "ledger.sqlite"};
     if (std::filesystem::exists(done) &&
         std::filesystem::last_write_time(done) >= std::filesystem::last_write_time(program)) {
         return data;

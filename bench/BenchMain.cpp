@@ -45,6 +45,7 @@ std::size_t Compare(const BenchOptions& options, const BenchData& data, std::uin
     qel::ledger::RandomSelections selections(peer.Database(), options.seed);
     const std::vector<Selection> formulas = DrawFormulas(selections, options.seed, options.formulas, cube);
     std::vector<SqliteCell> cells;
+    cells.reserve(formulas.size());
     for (const Selection& formula : formulas) {
         cells.push_back(peer.Prepare(formula));
     }

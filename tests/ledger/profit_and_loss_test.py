@@ -1,0 +1,92 @@
+"""Compares every number of the printed profit and loss statement with sums over the ledger's lines."""
+
+import csv
+import re
+import subprocess
+import sys
+import tempfile
+import unittest
+from collections import defaultdict
+from decimal import ROUND_HALF_EVEN, Decimal
+from pathlib import Path
+
+QEL, LEDGER_FOLDER = sys.argv.pop(), Path(sys.argv.pop())
+NAMES = {"English": "name", "Hebrew": "name_he"}
+
+
+def read(name):
+    with open(LEDGER_FOLDER / name, encoding="utf-8", newline="") as file:
+        return list(csv.DictReader(file))
+
+
+class ProfitAndLoss(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.cube = str(Path(cls.folder.name) / "ledger.cub")
+        subprocess.run([QEL, "cube", "build", str(LEDGER_FOLDER / "ledger.json"), "--output", cls.cube],
+                       check=True, stdout=subprocess.DEVNULL)
+        cls.accounts = {account["code"]: account for account in read("accounts.csv")}
+        cls.lines = [line for line in read("ledger.csv") if line["account"] >= "4"]
+
+    @classmethod
+    def tearDownClass(cls):
+        cls.folder.cleanup()
+
+    def statement(self, *options):
+        """The printed rows as (name, numbers in the order of the columns on the page)."""
+        run = subprocess.run([sys.executable, str(LEDGER_FOLDER / "profit_and_loss.py"), self.cube, "--qel", QEL,
+                              *options], stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", check=False)
+        self.assertEqual(run.returncode, 0, run.stderr)
+        rows = []
+        for line in run.stdout.splitlines()[1:]:
+            if not line.startswith("---"):
+                numbers = re.findall(r"(?<![\w-])-?\d[\d,]*", line)
+                rows.append((re.sub(r"-?\d[\d,]*", "", line).strip(), [int(n.replace(",", "")) for n in numbers]))
+        return rows
+
+    def expected(self, year, length, firm=None, business_lines="WSEG"):
+        """Credits less debits by the code of a summary group ("" all) in every period, then in the year."""
+        sums = defaultdict(lambda: [Decimal(0)] * (12 // length + 1))
+        for line in self.lines:
+            if line["date"][:4] != str(year) or line["obs_number"] not in business_lines:
+                continue
+            if firm and line["firm"] != firm:
+                continue
+            period = (int(line["date"][5:7]) - 1) // length
+            for group in ("", line["account"][:1], line["account"][:2]):
+                sums[group][period] -= Decimal(line["amount"])
+                sums[group][-1] -= Decimal(line["amount"])
+        return {group: [int(n.quantize(Decimal(1), ROUND_HALF_EVEN)) for n in row] for group, row in sums.items()}
+
+    def check(self, rows, sums, language):
+        suffix = NAMES[language]
+        named = {}
+        for account in self.accounts.values():
+            named[account["group2"]] = account["group2_" + suffix]
+            named[account["group1"]] = account["group1_" + suffix]
+        shown = [(name, numbers if language == "English" else numbers[::-1]) for name, numbers in rows]
+        empty = [0] * len(shown[0][1])
+        for group in ["41", "42", "43", "44", "4", "51", "52", "5", "61", "62", "63", "64", "6", "71", "72", "7", "81", "8"]:
+            self.assertIn((named[group], sums.get(group, empty)), shown, group)
+        self.assertEqual(shown[-1][1], sums[""], "net profit")
+
+    def test_quarters(self):
+        self.check(self.statement("--year", "2025"), self.expected(2025, 3), "English")
+
+    def test_months_of_one_firm(self):
+        self.check(self.statement("--year", "2023", "--by", "months", "--firm", "20"), self.expected(2023, 1, "20"), "English")
+
+    def test_hebrew_names_of_one_business_line(self):
+        rows = self.statement("--year", "2024", "--hebrew", "--obs-number", "4")
+        self.check(rows, self.expected(2024, 3, business_lines="E"), "Hebrew")
+
+    def test_a_year_outside_the_cube_is_told(self):
+        run = subprocess.run([sys.executable, str(LEDGER_FOLDER / "profit_and_loss.py"), self.cube, "--qel", QEL,
+                              "--year", "2031"], stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", check=False)
+        self.assertNotEqual(run.returncode, 0)
+        self.assertIn("2031", run.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
