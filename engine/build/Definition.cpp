@@ -161,7 +161,8 @@ private:
             return;
         }
         if (!calendar)
-            base.levels = {{dimension.name, dimension.key, "", "", MemberOrder::Key}};
+            base.levels = {
+                {dimension.name, dimension.key, "", "", members ? MemberOrder::File : MemberOrder::Key}};
         dimension.hierarchies.push_back(base);
     }
 

@@ -12,20 +12,24 @@ namespace qel::engine {
 
 namespace {
 
-/// Levenshtein's distance in bytes.
+/// The number of bytes to insert, remove, replace or exchange with their neighbour.
 std::size_t Distance(std::string_view left, std::string_view right) {
-    std::vector<std::size_t> row(right.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < left.size(); ++i) {
-        std::size_t diagonal = row[0];
-        row[0] = i + 1;
-        for (std::size_t j = 0; j < right.size(); ++j) {
-            const std::size_t replaced = diagonal + (left[i] == right[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, row[j] + 1, row[j + 1] + 1});
+    std::vector<std::size_t> before, last(right.size() + 1), row(right.size() + 1);
+    std::iota(last.begin(), last.end(), std::size_t{0});
+    for (std::size_t i = 1; i <= left.size(); ++i) {
+        row[0] = i;
+        for (std::size_t j = 1; j <= right.size(); ++j) {
+            const std::size_t replaced = last[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
+            row[j] = std::min({replaced, last[j] + 1, row[j - 1] + 1});
+            const bool isExchanged =
+                i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1];
+            if (isExchanged)
+                row[j] = std::min(row[j], before[j - 2] + 1);
         }
+        before = last;
+        last = row;
     }
-    return row.back();
+    return last.back();
 }
 
 } // namespace

@@ -1,34 +1,370 @@
 #include "engine/build/BuildCube.h"
 
+#include "engine/EngineError.h"
 #include "engine/storage/CubeFile.h"
 #include "tests/engine/TemporaryFolder.h"
+#include "tests/engine/build/CubeText.h"
 
 #include <gtest/gtest.h>
+
+#include <map>
+#include <random>
+#include <string>
 
 namespace qel::engine {
 namespace {
 
-TEST(BuildCube, Smoke) {
-    const TemporaryFolder folder;
-    folder.Write("accounts.csv",
-                 "code,name,group1,group2\n4000,Sales,4,40\n4100,Other,4,41\n5000,Cost,5,50\n");
-    folder.Write("ledger.csv", "date,account,firm,amount\n2024-01-31,4000,1,10.50\n2024-03-01,5000,2,-3\n");
-    const auto definition = folder.Write("cube.json", R"({
-      "tables": {"ledger": {"file": "ledger.csv"}, "accounts": {"file": "accounts.csv"}},
-      "cubes": [{"name": "LedgerFNC", "facts": "ledger", "dimensions": [
-        {"name": "Date", "column": "date", "calendar": {"periods": "months"}},
-        {"name": "Accounts", "column": "account", "table": "accounts", "key": "code", "hierarchies": [
-          {"name": "AccountCodes", "levels": [{"name": "AccountCode", "key": "code", "caption": "name"}]},
-          {"name": "Groups", "levels": [{"name": "G1", "key": "group1"}, {"name": "G2", "key": "group2"}]}]},
-        {"name": "Firma", "column": "firm"}, {"name": "MoneyType", "members": ["Local"]}],
-        "measures": [{"name": "Amount", "column": "amount"}]}]})");
-    const auto totals = BuildCube({definition, folder.Path("out.cub"), std::nullopt, {}});
-    EXPECT_EQ(totals.linesKept, 2U);
-    const auto file = CubeFile::Open(folder.Path("out.cub"));
-    file->Verify({});
-    const auto cube = file->FindCube("ledgerfnc");
-    ASSERT_EQ(cube->Hierarchies().size(), 5U);
-    EXPECT_EQ(cube->Hierarchies()[0].MemberUniqueName(4), "[Date].[All].[2024].[Q1].[2]");
+/// Tables and a definition in a folder of their own, built and opened.
+class BuildTest : public testing::Test {
+protected:
+    void Table(const std::string& name, const std::string& text) { folder_.Write(name + ".csv", text); }
+
+    /// `cube` is what the definition says of the one cube, besides its name, facts and measures.
+    BuildOptions Define(const std::string& cube, const std::string& extra = "",
+                        const std::string& measures = R"({"name": "Amount", "column": "amount"})") {
+        std::string tables;
+        for (const auto& file : std::filesystem::directory_iterator(folder_.Path())) {
+            if (file.path().extension() == ".csv")
+                tables += (tables.empty() ? "" : ", ") +
+                          ("\"" + file.path().stem().string() + "\": {\"file\": \"") +
+                          file.path().filename().string() + "\"}";
+        }
+        options_.definition =
+            folder_.Write("cube.json", "{" + extra + "\"tables\": {" + tables +
+                                           R"(}, "cubes": [{"name": "C", "facts": "ledger", )" + cube +
+                                           ", \"measures\": [" + measures + "]}]}");
+        options_.output = folder_.Path("out.cub");
+        return options_;
+    }
+
+    std::shared_ptr<const Cube> Build(const BuildOptions& options) {
+        totals_ = BuildCube(options);
+        const auto file = CubeFile::Open(options.output);
+        file->Verify({});
+        EXPECT_EQ(file->Size(), totals_.bytesWritten);
+        return file->FindCube("C");
+    }
+
+    /// The error of a build, its folder's name left out.
+    std::string Fault(const BuildOptions& options) {
+        try {
+            BuildCube(options);
+        } catch (const EngineError& error) {
+            std::string text = error.what();
+            const std::string folder = folder_.Path().string();
+            for (auto place = text.find(folder); place != std::string::npos; place = text.find(folder))
+                text.erase(place, folder.size());
+            return text;
+        }
+        return "no fault";
+    }
+
+    TemporaryFolder folder_;
+    BuildOptions options_;
+    BuildTotals totals_;
+};
+
+const char* const datedFirms =
+    R"("dimensions": [{"name": "Date", "column": "date", "calendar": {"periods": "months"}},
+                      {"name": "Firm", "column": "firm"}])";
+
+TEST_F(BuildTest, MembersComeFromTablesListsAndTheFacts) {
+    Table("accounts", "code;name;group;group_name\n"
+                      "4000;\"Sales \"\"A\"\"\";4;Income\n"
+                      "500;Cost ];5;\n"
+                      "10000;\xD7\x9E\xD7\x9B\xD7\x99\xD7\xA8\xD7\x95\xD7\xAA;4;Ignored\n");
+    Table("ledger", "account,firm,amount\n4000,b,1.00\n10000,A,0.20\n 500 ,,0.03\n4000,10,0.004\n");
+    const auto cube = Build(Define(
+        R"("dimensions": [
+          {"name": "Accounts", "column": "account", "table": "accounts", "key": "code", "hierarchies": [
+            {"name": "Codes", "levels": [{"name": "Code", "caption": "name"}]},
+            {"name": "Groups", "all": "Total", "default": "5", "levels": [
+              {"name": "Group", "key": "group", "memberName": "group_name"},
+              {"name": "Account", "key": "code", "memberName": "name", "order": "name"}]}]},
+          {"name": "Firm", "column": "firm", "caption": "Company"},
+          {"name": "MoneyType", "members": ["Local", "Euro"], "all": false}])",
+        "",
+        R"({"name": "Amount", "column": "amount", "decimals": 3}, {"name": "Lines", "aggregate": "count"})"));
+    EXPECT_EQ(DrawHierarchy(*cube, 0), "All 1234\n"
+                                       " 500=Cost ] 30\n"
+                                       " 4000=Sales \"A\" 1004\n"
+                                       " 10000=\xD7\x9E\xD7\x9B\xD7\x99\xD7\xA8\xD7\x95\xD7\xAA 200\n");
+    EXPECT_EQ(DrawHierarchy(*cube, 1), "Total 1234\n"
+                                       " Income&4 1204\n"
+                                       "  Sales \"A\"&4000 1004\n"
+                                       "  \xD7\x9E\xD7\x9B\xD7\x99\xD7\xA8\xD7\x95\xD7\xAA&10000 200\n"
+                                       " 5 30\n"
+                                       "  Cost ]&500 30\n");
+    EXPECT_EQ(DrawHierarchy(*cube, 2), "All 1234\n 10 4\n A 200\n b 1000\n")
+        << "an empty firm counts in All alone";
+    EXPECT_EQ(DrawHierarchy(*cube, 3), "Local 1234\nEuro 1234\n") << "no column: nothing is restricted";
+    const Hierarchy& groups = cube->Hierarchies()[1];
+    EXPECT_EQ(groups.MemberUniqueName(groups.DefaultMember()), "[Accounts].[Groups].[Total].[5]");
+    EXPECT_EQ(cube->Hierarchies()[0].KeyColumn(), groups.KeyColumn());
+    EXPECT_EQ(groups.Levels()[0].name, "(All)");
+    EXPECT_EQ(cube->Dimensions()[1].caption, "Company");
+    EXPECT_EQ(SumOf(*cube, 1, 0, {}), 4);
+}
+
+/// Branches of different depth, a value in several groups, and groups across the main tree.
+TEST_F(BuildTest, RaggedAndOverlappingTreesCountEveryFactOnce) {
+    Table("tree", "code,a,b,other\n1,X,X1,p\n2,X,,q\n3,X,X2,p\n4,Y,Y1,q\n1,Y,Y1,p\n1,X,X2,p\n5,,Z,\n");
+    Table("ledger", "code,amount\n1,0.01\n2,0.10\n3,1.00\n4,10.00\n5,100.00\n1,1000.00\n");
+    const auto cube = Build(Define(
+        R"("dimensions": [{"name": "D", "column": "code", "table": "tree", "key": "code", "hierarchies": [
+             {"name": "Other", "levels": [{"name": "O", "key": "other"}]},
+             {"name": "Tree", "levels": [{"name": "A", "key": "a"}, {"name": "B", "key": "b"},
+                                         {"name": "C", "key": "code"}]}]}])"));
+    EXPECT_EQ(DrawHierarchy(*cube, 1), "All 111111\n"
+                                       " X 100111\n"
+                                       "  X1 100001\n"
+                                       "   1 100001\n"
+                                       "  X2 100101\n"
+                                       "   1 100001\n"
+                                       "   3 100\n"
+                                       " Y 101001\n"
+                                       "  Y1 101001\n"
+                                       "   1 100001\n"
+                                       "   4 1000\n");
+    EXPECT_EQ(DrawHierarchy(*cube, 0), "All 111111\n p 100101\n q 1010\n");
+    EXPECT_EQ(cube->Hierarchies()[1].Ranges(1).size(), 1U) << "a group of the deepest tree is one range";
+}
+
+TEST_F(BuildTest, CalendarsHaveEveryPeriod) {
+    struct Case {
+        const char* calendar;
+        const char* drawn;
+    };
+    const Case cases[] = {
+        {R"({"periods": "months"})",
+         "All 111\n 2023 1\n  Q4&2023-Q4 1\n   12&2023-12 1\n 2024 110\n  Q1&2024-Q1 10\n   1&2024-01 10\n"
+         "   2&2024-02 0\n   3&2024-03 0\n  Q2&2024-Q2 100\n   4&2024-04 100\n"},
+        {R"({"periods": "months", "quarters": false, "from": "2023-11-30", "to": "2024-04-30"})",
+         "All 111\n 2023 1\n  11&2023-11 0\n  12&2023-12 1\n 2024 110\n  1&2024-01 10\n  2&2024-02 0\n  "
+         "3&2024-03 0\n"
+         "  4&2024-04 100\n"},
+        {R"({"periods": "days", "quarters": false, "from": "2023-12-31", "to": "2024-01-02"})",
+         "All 11\n 2023 1\n  12&2023-12 1\n   31&2023-12-31 1\n 2024 10\n  1&2024-01 10\n   1&2024-01-01 0\n"
+         "   2&2024-01-02 10\n"},
+    };
+    Table("ledger", "date,amount\n2023-12-31,0.01\n2024-01-02,0.10\n2024-04-01,1\n");
+    for (const Case& test : cases) {
+        BuildOptions options =
+            Define(std::string(R"("dimensions": [{"name": "Date", "column": "date", "calendar": )") +
+                   test.calendar + "}]");
+        options.skippedLines = folder_.Path("skipped"); // April lies outside the last calendar
+        const auto cube = Build(options);
+        EXPECT_EQ(DrawHierarchy(*cube, 0), test.drawn) << test.calendar;
+        EXPECT_TRUE(cube->Dimensions()[0].isTime);
+        const Hierarchy& date = cube->Hierarchies()[0];
+        EXPECT_EQ(date.MemberUniqueName(date.Levels().back().members.first).substr(0, 20),
+                  "[Date].[All].[2023].");
+    }
+}
+
+/// Any combination of members gives the same sum in every sort order as the lines of the CSV do.
+TEST_F(BuildTest, SumsAgreeWithTheLinesInEverySortOrder) {
+    std::mt19937 random(7);
+    std::string ledger = "date,account,firm,amount\n";
+    std::map<std::string, std::int64_t> byAccount, byFirm, byBoth;
+    std::int64_t total = 0;
+    for (int i = 0; i < 5000; ++i) {
+        const std::string account = std::to_string(random() % 300), firm = std::to_string(random() % 3);
+        const auto cents = static_cast<std::int64_t>(random() % 2000001) - 1000000;
+        const auto magnitude = static_cast<std::uint64_t>(cents < 0 ? -cents : cents);
+        const std::string tail = std::to_string(magnitude % 100);
+        ledger += "2024-0" + std::to_string(random() % 9 + 1) + "-15," + account + "," + firm + "," +
+                  (cents < 0 ? "-" : "") + std::to_string(magnitude / 100) + "." +
+                  (tail.size() < 2 ? "0" : "") + tail + "\n";
+        byAccount[account] += cents;
+        byFirm[firm] += cents;
+        byBoth[account + "/" + firm] += cents;
+        total += cents;
+    }
+    Table("ledger", ledger);
+    const auto cube = Build(Define(
+        std::string(datedFirms)
+            .insert(std::string(datedFirms).size() - 1, R"(, {"name": "Account", "column": "account"})")));
+    ASSERT_EQ(cube->Facts().Projections().size(), 2U) << "accounts and months lead one each";
+    const Hierarchy& firms = cube->Hierarchies()[1];
+    const Hierarchy& accounts = cube->Hierarchies()[2];
+    for (std::size_t order = 0; order < 2; ++order) {
+        EXPECT_EQ(SumOf(*cube, 0, order, {}), total);
+        for (MemberId firm = 1; firm < firms.MemberCount(); ++firm)
+            EXPECT_EQ(SumOf(*cube, 0, order, {{1, firm}}), byFirm[std::string(firms.MemberName(firm))]);
+        for (MemberId account = 1; account < accounts.MemberCount(); account += 17) {
+            const std::string name(accounts.MemberName(account));
+            EXPECT_EQ(SumOf(*cube, 0, order, {{2, account}}), byAccount[name]);
+            EXPECT_EQ(SumOf(*cube, 0, order, {{2, account}, {1, 2}}), byBoth[name + "/1"]);
+        }
+    }
+}
+
+TEST_F(BuildTest, AmountsOfEveryWidthAreExact) {
+    struct Case {
+        const char* lines;
+        std::uint8_t width;
+        std::int64_t sum;
+    };
+    const Case cases[] = {
+        {"1,0.00\n", 1, 0},
+        {"1,1.27\n1,-1.28\n", 1, -1},
+        {"1,1.28\n", 2, 128},
+        {"1,-327.68\n1,327.67\n", 2, -1},
+        {"1,327.68\n", 4, 32768},
+        {"1,-21474836.48\n", 4, -2147483648},
+        {"1,21474836.48\n", 8, 2147483648},
+        {"1,46116860184273879.03\n1,-46116860184273879.04\n", 8, -1},
+        {"1,92233720368547758.07\n", 8, 9223372036854775807},
+    };
+    for (const Case& test : cases) {
+        Table("ledger", std::string("firm,amount\n") + test.lines);
+        const auto cube = Build(Define(R"("dimensions": [{"name": "Firm", "column": "firm"}])"));
+        EXPECT_EQ(cube->Facts().Measures()[0].width, test.width) << test.lines;
+        EXPECT_EQ(SumOf(*cube, 0, 0, {}), test.sum) << test.lines;
+    }
+    Table("ledger", "firm,amount\n1,46116860184273879.04\n1,-46116860184273879.04\n");
+    EXPECT_EQ(Fault(Define(R"("dimensions": [{"name": "Firm", "column": "firm"}])")),
+              "cube C, measure Amount: the amounts are too large; the sum of their absolute values is beyond "
+              "63 bits at "
+              "2 decimals");
+}
+
+TEST_F(BuildTest, BadLinesStopTheBuildOrAreWrittenAside) {
+    struct Case {
+        const char* line;
+        const char* fault;
+    };
+    const Case cases[] = {
+        {"2024-01-31,1,x,\n",
+         "column account: \"x\" is not in the table of dimension Account (accounts.csv)"},
+        {"31/01/2024,1,7,2\n", "column date: expected a date such as 2024-12-31, found \"31/01/2024\""},
+        {",1,7,2\n", "column date: expected a date such as 2024-12-31, found \"\""},
+        {"2023-12-31,1,7,2\n",
+         "column date: \"2023-12-31\" lies outside the calendar (2024-01-01 to any date)"},
+        {"2024-01-31,1,7,1.005\n",
+         "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1.005\""},
+        {"2024-01-31,1,7,\"1,005\"\n",
+         "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1,005\""},
+        {"2024-01-31,new,7\n", "expected 4 fields, found 3"},
+        {"2024-01-31,\"new,7,2\n", "a quote is not closed"},
+        {"2024-01-31,\xFF,7,2\n", "the text is not UTF-8"},
+    };
+    Table("accounts", "code\n7\n");
+    const std::string header = "date,firm,account,amount\n";
+    const std::string good = "2024-01-31,1,7,2\n\n2024-02-01,2,,3\n";
+    const std::string cube =
+        R"("dimensions": [{"name": "Date", "column": "date", "calendar": {"periods": "days", "from": "2024-01-01"}},
+          {"name": "Firm", "column": "firm"}, {"name": "Account", "column": "account", "table": "accounts", "key": "code"}])";
+    for (const Case& test : cases) {
+        Table("ledger", header + good + test.line);
+        BuildOptions options = Define(cube);
+        std::filesystem::remove(options.output);
+        const bool hasColumn = std::string(test.fault).substr(0, 7) == "column ";
+        EXPECT_EQ(Fault(options), std::string("ledger.csv, line 5") + (hasColumn ? ", " : ": ") + test.fault);
+        EXPECT_FALSE(std::filesystem::exists(options.output));
+
+        options.skippedLines = folder_.Path("skipped.txt");
+        const auto built = Build(options);
+        EXPECT_EQ(folder_.Read("skipped.txt"), header + test.line);
+        EXPECT_EQ(totals_.linesRead, 3U);
+        EXPECT_EQ(totals_.linesKept, 2U);
+        EXPECT_EQ(totals_.linesSkipped, 1U);
+        EXPECT_EQ(SumOf(*built, 0, 0, {}), 500);
+        EXPECT_EQ(built->Hierarchies()[1].MemberCount(), 3U)
+            << "a skipped line's firm is no member: " << test.line;
+    }
+}
+
+TEST_F(BuildTest, SkippedLinesOfATableThatIsReadTwiceAreWrittenOnce) {
+    Table("ledger", "code,name,amount\n1,One,5\n1\n2,Two,x\n");
+    BuildOptions options =
+        Define(R"("dimensions": [{"name": "D", "column": "code", "table": "ledger", "key": "code",
+        "hierarchies": [{"name": "N", "levels": [{"name": "L", "memberName": "name"}]}]}])");
+    options.skippedLines = folder_.Path("skipped.txt");
+    const auto cube = Build(options);
+    EXPECT_EQ(folder_.Read("skipped.txt"), "code,name,amount\n1\n2,Two,x\n");
+    EXPECT_EQ(totals_.dimensionLinesSkipped, 1U);
+    EXPECT_EQ(DrawHierarchy(*cube, 0), "All 500\n One&1 500\n Two&2 0\n");
+}
+
+TEST_F(BuildTest, SaysWhatIsMissing) {
+    Table("ledger", "date,firm,amount\n");
+    Table("empty", "");
+    std::filesystem::create_directory(folder_.Path("folder.csv"));
+    const auto dimension = [](const std::string& text) {
+        return "\"dimensions\": [{\"name\": \"D\", " + text + "}]";
+    };
+    EXPECT_EQ(Fault(Define(datedFirms)),
+              "cube C, column date: there are no dates; set the calendar's \"from\" and \"to\"");
+    EXPECT_EQ(Fault(Define(dimension(R"("column": "frm")"))),
+              "ledger.csv: there is no column \"frm\"; the columns are \"date\", \"firm\", \"amount\"; did "
+              "you mean "
+              "\"firm\"?");
+    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "table": "ledger", "key": "code")"))),
+              "ledger.csv: there is no column \"code\"; the columns are \"date\", \"firm\", \"amount\"");
+    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "table": "empty", "key": "code")"))),
+              "empty.csv: the file is empty, expected a line with the names of the columns");
+    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "table": "folder", "key": "code")"))),
+              "folder.csv: is a folder, not a file");
+    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "default": "9")"))),
+              "cubes[0].dimensions[0]: the hierarchy \"D\" has no member with the key \"9\", which is to be "
+              "its default");
+    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "all": false)"))),
+              "cubes[0].dimensions[0]: the hierarchy \"D\" would have no members");
+    BuildOptions options = Define(datedFirms);
+    options.definition = folder_.Path("absent.json");
+    EXPECT_EQ(Fault(options), "absent.json: No such file or directory");
+    options = Define(datedFirms);
+    options.output = folder_.Path("absent/out.cub");
+    EXPECT_EQ(Fault(options), "absent/out.cub: cannot be written: No such file or directory");
+    Table("ledger", "date,firm,amount\n0204-01-01,1,1\n2024-01-01,1,1\n");
+    EXPECT_EQ(Fault(Define(datedFirms)),
+              "cube C, column date: the dates span more than 200 years, from 0204-01-01 to "
+              "2024-01-01; set the calendar's \"from\" and \"to\"");
+}
+
+TEST_F(BuildTest, SeveralTablesAndCubesWithTheirOwnForms) {
+    folder_.Write("a.csv", "date,firm,amount\n2024-01-01,1,1.5\n");
+    folder_.Write("b.csv", "Datum;Firma;Betrag\n31.12.2024;1;1.000,25-\n01.02.2024;2;(3)\n");
+    options_.definition = folder_.Write("cube.json", R"({
+      "tables": {"a": {"file": "a.csv"},
+        "b": {"file": "b.csv", "dates": "dmy", "decimal": ",", "thousands": ".",
+              "columns": {"date": "Datum", "firm": "Firma", "amount": "Betrag"}}},
+      "cubes": [
+        {"name": "B", "facts": "b", "dimensions": [{"name": "Firm", "column": "firm"}],
+         "measures": [{"name": "Amount", "column": "amount"}]},
+        {"name": "C", "facts": ["a", "b"], "sortOrders": [["firm", "date"], ["date"]],
+         "dimensions": [{"name": "Firm", "column": "firm"},
+                        {"name": "Date", "column": "date", "calendar": {"periods": "months", "levels": ["J", "Q", "M"]}}],
+         "measures": [{"name": "Amount", "column": "amount"}]}]})");
+    options_.output = folder_.Path("out.cub");
+    std::vector<std::string> steps;
+    options_.progress = [&steps](const std::string& step, double share) {
+        EXPECT_GE(share, 0);
+        EXPECT_LE(share, 1);
+        if (share == 1)
+            steps.push_back(step);
+    };
+    const auto cube = Build(options_);
+    EXPECT_EQ(DrawHierarchy(*cube, 0), "All -100175\n 1 -99875\n 2 -300\n");
+    EXPECT_EQ(cube->Hierarchies()[1].FindLevel("m"), 3U);
+    EXPECT_EQ(cube->Facts().Projections().size(), 2U);
+    const auto other = CubeFile::Open(options_.output)->FindCube("b");
+    EXPECT_EQ(DrawHierarchy(*other, 0), "All -100325\n 1 -100025\n 2 -300\n");
+    EXPECT_EQ(steps, (std::vector<std::string>{"Reading b.csv", "Reading a.csv", "Reading b.csv", "Writing B",
+                                               "Writing C"}));
+}
+
+TEST_F(BuildTest, AFailedBuildLeavesTheOldCube) {
+    Table("ledger", "date,firm,amount\n2024-01-01,1,1\n");
+    Build(Define(datedFirms));
+    const std::string before = folder_.Read("out.cub");
+    Table("ledger", "date,firm,amount\n2024-01-01,1,1\nwrong\n");
+    const std::size_t files = folder_.FileCount();
+    EXPECT_EQ(Fault(Define(datedFirms)), "ledger.csv, line 3: expected 3 fields, found 1");
+    EXPECT_EQ(folder_.Read("out.cub"), before);
+    EXPECT_EQ(folder_.FileCount(), files);
 }
 
 } // namespace

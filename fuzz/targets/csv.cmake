@@ -1,0 +1,1 @@
+qel_fuzz(csv targets/csv.cpp qel_engine_build)

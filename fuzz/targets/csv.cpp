@@ -1,0 +1,42 @@
+#include "engine/EngineError.h"
+#include "engine/build/AmountText.h"
+#include "engine/build/CsvReader.h"
+#include "engine/build/DateText.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <sstream>
+#include <string>
+
+// Reads any bytes as a CSV table, every field as an amount and as a date. The first byte chooses the
+// delimiter and the signs.
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace qel::engine;
+    if (size == 0)
+        return 0;
+    CsvFormat format;
+    format.delimiter = "\0,;\t"[data[0] & 3U];
+    format.decimal = (data[0] & 4U) != 0 ? ',' : '.';
+    format.thousands = (data[0] & 8U) != 0 ? ' ' : '\0';
+    format.dates = static_cast<DateFormat>((data[0] >> 4U) & 3U);
+    std::istringstream input(std::string(reinterpret_cast<const char*>(data) + 1, size - 1));
+    try {
+        CsvReader reader(input, "fuzz.csv", format.delimiter);
+        std::uint64_t line = reader.Header().empty() ? 0 : 1;
+        while (reader.Next()) {
+            if (reader.Line() <= line || reader.Raw().empty())
+                std::abort(); // reading must go on
+            line = reader.Line();
+            for (std::size_t i = 0; reader.Fault().empty() && i < reader.Header().size(); ++i) {
+                ParseAmount(reader.Field(i), format, 2);
+                const auto day = ParseDate(reader.Field(i), format.dates);
+                if (day && ParseDate(FormatDate(*day), DateFormat::Iso) != day)
+                    std::abort();
+            }
+        }
+    } catch (const EngineError&) {
+        return 0; // a fault that was told
+    }
+    return 0;
+}

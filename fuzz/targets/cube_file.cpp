@@ -1,0 +1,107 @@
+#include "engine/EngineError.h"
+#include "engine/storage/CubeFile.h"
+#include "engine/storage/Format.h"
+#include "engine/storage/PageVerifier.h"
+
+#include <xxhash.h>
+
+#include <algorithm>
+#include <cstring>
+#include <span>
+#include <vector>
+
+// Opens any bytes as a cube file, asks for everything that it holds and verifies it. Checksums are put right
+// first: they would keep nearly every input from the checks behind them.
+
+namespace {
+
+using namespace qel::engine;
+
+/// Fills in the header's sizes as far as they follow from the others, and all checksums.
+void Repair(std::vector<std::byte>& bytes) {
+    format::Header header = {};
+    if (bytes.size() < sizeof header)
+        return;
+    std::memcpy(&header, bytes.data(), sizeof header);
+    header.signature = format::signature;
+    header.version = format::version;
+    header.pageSize = static_cast<std::uint32_t>(format::pageSize);
+    header.fileSize = bytes.size();
+    const std::uint64_t directorySize =
+        std::uint64_t{header.directoryEntries} * sizeof(format::DirectoryEntry);
+    const std::uint64_t end = header.checksumTableOffset;
+    if (end < sizeof header || end > bytes.size() || directorySize > bytes.size() - end)
+        return;
+    const std::span<const std::byte> pages(bytes.data(), end);
+    const std::uint64_t pageCount = (end + format::pageSize - 1) / format::pageSize;
+    header.directoryOffset = end + pageCount * sizeof(std::uint64_t);
+    for (std::uint64_t page = 0; page < pageCount; ++page) {
+        const std::uint64_t checksum = PageChecksum(pages, page);
+        const std::uint64_t place = end + page * sizeof checksum;
+        if (place + sizeof checksum <= bytes.size())
+            std::memcpy(bytes.data() + place, &checksum, sizeof checksum);
+    }
+    header.tailChecksum = XXH3_64bits(bytes.data() + end, bytes.size() - end);
+    header.headerChecksum = XXH3_64bits(&header, format::headerChecksumOffset);
+    std::memcpy(bytes.data(), &header, sizeof header);
+}
+
+std::size_t AskHierarchy(const Hierarchy& hierarchy) {
+    std::vector<MemberId> found;
+    std::size_t sum = 0;
+    const MemberId count = std::min<MemberId>(hierarchy.MemberCount(), 1000);
+    for (MemberId member = 0; member < count; ++member) {
+        found.clear();
+        hierarchy.FindByName(hierarchy.MemberName(member), found);
+        hierarchy.FindByKey(hierarchy.MemberKey(member), found);
+        for (const MemberId other : found)
+            sum += hierarchy.MemberName(other).size();
+        sum += hierarchy.MemberUniqueName(member).size() + hierarchy.MemberCaption(member).size();
+        sum += hierarchy.LevelOf(member) + hierarchy.Children(member).Count();
+        for (const KeyRange& range : hierarchy.Ranges(member))
+            sum += range.last;
+    }
+    hierarchy.FindByName("all", found);
+    return sum + hierarchy.MemberName(hierarchy.DefaultMember()).size();
+}
+
+std::size_t AskFacts(const Cube& cube) {
+    std::size_t sum = 0;
+    const FactTable& facts = cube.Facts();
+    for (const Projection& projection : facts.Projections()) {
+        const RowRange all{0, projection.RowCount()};
+        for (std::size_t i = 0; i < facts.KeyColumns().size(); ++i) {
+            const auto* const bytes = projection.Keys(i, all);
+            for (std::uint64_t n = 0; n < all.Count() * facts.KeyColumns()[i].width; ++n)
+                sum += static_cast<std::size_t>(bytes[n]);
+        }
+        for (const Hierarchy& hierarchy : cube.Hierarchies()) {
+            if (hierarchy.KeyColumn() != projection.SortOrder().front())
+                continue;
+            for (const KeyRange& range : hierarchy.Ranges(hierarchy.DefaultMember()))
+                sum += projection.RowsOfLead(range).Count();
+        }
+    }
+    return sum + cube.FindMeasure("amount").value_or(0) + facts.Measures()[cube.DefaultMeasure()].name.size();
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const auto* const first = reinterpret_cast<const std::byte*>(data);
+    std::vector<std::byte> bytes(first, first + size);
+    Repair(bytes);
+    volatile std::size_t sum = 0; // the reads must happen
+    try {
+        const auto file = CubeFile::FromMemory("fuzz.cub", std::move(bytes));
+        for (const Cube& cube : file->Cubes()) {
+            for (const Hierarchy& hierarchy : cube.Hierarchies())
+                sum = sum + AskHierarchy(hierarchy);
+            sum = sum + AskFacts(cube);
+        }
+        file->Verify({});
+    } catch (const EngineError&) {
+        return 0; // a fault that was told
+    }
+    return 0;
+}

@@ -1,0 +1,1 @@
+qel_fuzz(definition targets/definition.cpp qel_engine_build)

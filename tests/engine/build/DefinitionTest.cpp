@@ -1,0 +1,166 @@
+#include "engine/build/Definition.h"
+
+#include "engine/EngineError.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace qel::engine {
+namespace {
+
+/// A definition that is right, with one part replaced by another.
+std::string With(const std::string& part, const std::string& replacement) {
+    std::string text = R"({
+  // a comment
+  "csv": { "delimiter": ";", "decimal": ",", "thousands": "." },
+  "tables": {
+    "ledger": { "file": "ledger.csv", "dates": "dmy", "columns": { "amount": "Value GBP" } },
+    "accounts": { "file": "accounts.csv", "decimal": ".", "thousands": "" }
+  },
+  "cubes": [ {
+    "name": "LedgerFNC", "facts": [ "ledger" ],
+    "dimensions": [
+      { "name": "Date", "column": "date", "calendar": { "periods": "days", "quarters": false, "from": "2024-01-01" } },
+      { "name": "Accounts", "column": "account", "table": "accounts", "key": "code", "all": "Total", "hierarchies": [
+        { "name": "Codes", "levels": [ { "name": "Code", "caption": "name" } ] },
+        { "name": "Names", "all": false, "default": "1", "levels": [ { "name": "Group", "key": "group" },
+                                                                     { "name": "Name", "memberName": "name", "order": "file" } ] } ] },
+      { "name": "Firm", "column": "firm" },
+      { "name": "MoneyType", "members": [ "Local" ] }
+    ],
+    "measures": [ { "name": "Amount", "column": "amount", "decimals": 3 }, { "name": "Lines", "aggregate": "count" } ],
+    "defaultMeasure": "lines",
+    "sortOrders": [ [ "account", "date" ] ]
+  } ]
+})";
+    const auto place = text.find(part);
+    EXPECT_NE(place, std::string::npos) << part;
+    return text.replace(place, part.size(), replacement);
+}
+
+TEST(Definition, FillsInWhatIsNotSaid) {
+    const Definition definition = ParseDefinition(With("// a comment", "/* another */"), "d.json", "/data");
+    const TableDefinition& accounts = definition.tables[0]; // tables come in order of their names
+    const TableDefinition& ledger = definition.tables[1];
+    EXPECT_EQ(accounts.file, std::filesystem::path("/data/accounts.csv"));
+    EXPECT_EQ(accounts.format.delimiter, ';');
+    EXPECT_EQ(accounts.format.decimal, '.');
+    EXPECT_EQ(accounts.format.thousands, '\0');
+    EXPECT_EQ(ledger.format.thousands, '.');
+    EXPECT_EQ(ledger.format.dates, DateFormat::DayMonthYear);
+    EXPECT_EQ(ledger.columns.at(0).second, "Value GBP");
+
+    const CubeDefinition& cube = definition.cubes.at(0);
+    EXPECT_EQ(cube.caption, "LedgerFNC");
+    EXPECT_EQ(cube.defaultMeasure, 1U);
+    EXPECT_EQ(cube.measures[0].decimals, 3);
+    EXPECT_EQ(cube.dimensions[0].calendar->levels, (std::vector<std::string>{"Year", "Month", "Day"}));
+    const auto& codes = cube.dimensions[1].hierarchies.at(0);
+    const auto& names = cube.dimensions[1].hierarchies.at(1);
+    EXPECT_EQ(codes.all, "Total") << "a hierarchy takes its dimension's";
+    EXPECT_EQ(names.all, std::nullopt);
+    EXPECT_EQ(names.defaultKey, "1");
+    EXPECT_EQ(codes.levels.at(0).key, "code") << "the dimension's key";
+    EXPECT_EQ(names.levels.at(1).order, MemberOrder::File);
+    EXPECT_EQ(cube.dimensions[2].hierarchies.at(0).levels.at(0).key, "firm");
+}
+
+TEST(Definition, NamesTheKeyThatIsWrong) {
+    struct Case {
+        const char* part;
+        const char* replacement;
+        const char* message;
+    };
+    const Case cases[] = {
+        {"// a comment", "a comment",
+         "line 2, column 3: syntax error while parsing object key - invalid literal; last "
+         "read: '{<U+000A>  a'; expected string literal"},
+        {"\"facts\": [ \"ledger\" ]", "\"name\": \"B\"", "the key \"name\" stands twice in one object"},
+        {"\"cubes\"", "\"cube\"", "the key \"cubes\" is missing"},
+        {"\"csv\"", "\"cvs\"", "unknown key \"cvs\"; did you mean \"csv\"?"},
+        {"{ \"name\": \"Firm\", \"column\"", "{ \"name\": \"Firm\", \"colum\": 1, \"column\"",
+         "cubes[0].dimensions[2]: unknown key \"colum\"; did you mean \"column\"?"},
+        {"\"Code\", \"caption\"", "\"Code\", \"captions\"",
+         "cubes[0].dimensions[1].hierarchies[0].levels[0]: unknown key \"captions\"; did you mean "
+         "\"caption\"?"},
+        {"\"Code\", \"caption\"", "\"Code\", \"wholly other\"",
+         "cubes[0].dimensions[1].hierarchies[0].levels[0]: unknown key \"wholly other\""},
+        {"\"key\": \"group\"", "\"key\": 5",
+         "cubes[0].dimensions[1].hierarchies[1].levels[0].key: expected a text, found number"},
+        {"\"key\": \"group\"", "\"key\": \"\"",
+         "cubes[0].dimensions[1].hierarchies[1].levels[0].key: expected a text that is not empty"},
+        {"[ \"ledger\" ]", "\"leger\"", "cubes[0].facts: there is no table \"leger\" in \"tables\""},
+        {"[ \"ledger\" ]", "[]", "cubes[0].facts: expected at least one element"},
+        {"[ \"ledger\" ]", "{}", "cubes[0].facts: expected an array, found object"},
+        {"\";\"", "\"::\"",
+         "csv.delimiter: expected one of \",\", \";\", \"\t\", \"|\", \"auto\", found \"::\""},
+        {"\"thousands\": \".\"", "\"thousands\": \",\"",
+         "csv: \"decimal\" and \"thousands\" are the same sign"},
+        {"\"decimal\": \".\", \"thousands\": \"\"", "\"decimal\": \".\"",
+         "tables.accounts: \"decimal\" and \"thousands\" are the same sign"},
+        {"{ \"file\": \"ledger.csv\", ", "{ ", "tables.ledger: the key \"file\" is missing"},
+        {"\"name\": \"Firm\"", "\"name\": \"DATE\"",
+         "cubes[0].dimensions[2]: there is another dimension named \"DATE\""},
+        {"\"name\": \"Firm\"", "\"name\": \"measures\"",
+         "cubes[0].dimensions[2]: there is another dimension named \"measures\""},
+        {"\"name\": \"Names\"", "\"name\": \"codes\"",
+         "cubes[0].dimensions[1].hierarchies[1]: there is another hierarchy named \"codes\""},
+        {"\"name\": \"Lines\"", "\"name\": \"amount\"",
+         "cubes[0].measures[1]: there is another measure named \"amount\""},
+        {"\"days\"", "\"weeks\"",
+         "cubes[0].dimensions[0].calendar.periods: expected one of \"months\", \"days\", found \"weeks\""},
+        {"\"2024-01-01\"", "\"01/02/2024\"",
+         "cubes[0].dimensions[0].calendar.from: expected a date such as 2024-12-31"},
+        {"\"2024-01-01\"", "\"2024-01-01\", \"to\": \"2023-12-31\"",
+         "cubes[0].dimensions[0].calendar: \"from\" is later than \"to\""},
+        {"\"quarters\": false", "\"levels\": [ \"Y\" ]",
+         "cubes[0].dimensions[0].calendar.levels: expected 4 names, found 1"},
+        {"\"quarters\": false", "\"quarters\": 0",
+         "cubes[0].dimensions[0].calendar.quarters: expected true or false, found number"},
+        {"\"column\": \"firm\"", "\"column\": \"date\", \"calendar\": { \"periods\": \"months\" }",
+         "cubes[0].dimensions[2]: the column \"date\" has a calendar already"},
+        {"\"column\": \"firm\"", "\"main\": true, \"members\": [ \"x\" ]",
+         "cubes[0].dimensions[2]: a main dimension needs a \"column\""},
+        {"\"column\": \"firm\"", "\"caption\": \"x\"",
+         "cubes[0].dimensions[2]: needs a \"column\" of the facts, a \"table\" or \"members\""},
+        {"\"column\": \"firm\"", "\"column\": \"firm\", \"members\": [ \"x\" ]",
+         "cubes[0].dimensions[2]: \"members\" are for a dimension without \"column\" and \"table\""},
+        {"\"column\": \"firm\"", "\"column\": \"firm\", \"key\": \"code\"",
+         "cubes[0].dimensions[2].key: a key column needs a \"table\""},
+        {"\"column\": \"firm\"",
+         "\"column\": \"firm\", \"hierarchies\": [ { \"name\": \"F\", \"levels\": [ { \"name\": \"F\", "
+         "\"key\": \"x\" } ] } ]",
+         "cubes[0].dimensions[2].hierarchies[0].levels[0]: a dimension without a \"table\" has no other "
+         "columns than its "
+         "own"},
+        {"\"all\": \"Total\"", "\"all\": true",
+         "cubes[0].dimensions[1].all: expected the top member's name, or false for none"},
+        {"[ \"Local\" ]", "[ \"Local\", \"LOCAL\" ]",
+         "cubes[0].dimensions[3].members[1]: there is another member named \"LOCAL\""},
+        {"\"decimals\": 3", "\"decimals\": 10",
+         "cubes[0].measures[0].decimals: expected a whole number from 0 to 9"},
+        {"\"decimals\": 3", "\"decimals\": 1.5",
+         "cubes[0].measures[0].decimals: expected a whole number from 0 to 9"},
+        {"\"column\": \"amount\", ", "", "cubes[0].measures[0]: the key \"column\" is missing"},
+        {"\"aggregate\": \"count\"", "\"aggregate\": \"count\", \"column\": \"x\"",
+         "cubes[0].measures[1]: a count has no \"column\" and no \"decimals\""},
+        {"\"lines\"", "\"Balance\"", "cubes[0].defaultMeasure: there is no measure \"Balance\""},
+        {"\"account\", \"date\" ]", "\"acount\" ]",
+         "cubes[0].sortOrders[0][0]: no dimension has the column \"acount\""},
+        {"\"account\", \"date\" ]", "\"firm\", \"firm\" ]",
+         "cubes[0].sortOrders[0][1]: the column \"firm\" stands twice"},
+    };
+    for (const Case& test : cases) {
+        try {
+            ParseDefinition(With(test.part, test.replacement), "d.json", "");
+            ADD_FAILURE() << test.message;
+        } catch (const EngineError& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::InvalidDefinition);
+            EXPECT_EQ(error.what(), std::string("d.json: ") + test.message);
+        }
+    }
+}
+
+} // namespace
+} // namespace qel::engine
