@@ -10,8 +10,8 @@ namespace qel::ModSetCube {
 struct MemberListing {
     std::string cubeName;
     std::int16_t kind = 0;
-    std::string argumentA;                           ///< the Firma member; for kinds 2 and 3 the OBS number
-    std::string argumentB;                           ///< the OBS number; for kind 2 the OBS level
+    std::string argumentA = {};                      ///< the Firma member; for kinds 2 and 3 the OBS number
+    std::string argumentB = {};                      ///< the OBS number; for kind 2 the OBS level
     std::string obsSubMember = std::string(1, '\0'); ///< the text of one zero character stands for none
     std::string summaryLevel = {};
     std::int16_t accountsMode = 0; ///< kind 1 is composed when it is 1 alone

@@ -213,6 +213,37 @@ private:
     RecordingProvider& provider_;
 };
 
+class RecordedRecordset : public Recordset {
+public:
+    explicit RecordedRecordset(RecordingProvider& provider) : provider_(provider) {}
+
+    void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
+              int lockType, int options) override {
+        const bool plain = cursorType == -1 && lockType == -1 && options == -1;
+        provider_.log.push_back((plain ? "recordset " : "recordset with other options ") + source);
+        if (!connection || connection->State() != stateOpen)
+            throw AutomationError(3709, "no open connection", "RecordingProvider");
+        FailIf(provider_.failingStatement);
+    }
+    void Close() override { provider_.log.emplace_back("close recordset"); }
+    std::int32_t FieldCount() const override { return provider_.recordFields; }
+    std::string FieldName(std::int32_t index) const override { return "field " + std::to_string(index); }
+    Variant FieldValue(std::int32_t index) const override {
+        return At(At(provider_.recordRows, row_), index);
+    }
+    bool AtEnd() const override { return row_ >= static_cast<std::int32_t>(provider_.recordRows.size()); }
+    void MoveFirst() override {
+        row_ = 0;
+        if (AtEnd())
+            throw AutomationError(3021, "no rows", "RecordingProvider");
+    }
+    void MoveNext() override { ++row_; }
+
+private:
+    RecordingProvider& provider_;
+    std::int32_t row_ = 0;
+};
+
 ScriptedLevel AllLevelOf(const std::string& name) { return {name, {{"All", "[" + name + "].[All]", 0}}}; }
 
 } // namespace
@@ -227,6 +258,10 @@ std::unique_ptr<Catalog> RecordingProvider::CreateCatalog() {
 
 std::unique_ptr<Cellset> RecordingProvider::CreateCellset() {
     return std::make_unique<RecordedCellset>(*this);
+}
+
+std::unique_ptr<Recordset> RecordingProvider::CreateRecordset() {
+    return std::make_unique<RecordedRecordset>(*this);
 }
 
 ScriptedDimension& RecordingProvider::DimensionScript(const std::string& name) {

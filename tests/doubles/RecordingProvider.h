@@ -27,12 +27,15 @@ struct ScriptedDimension {
 };
 
 /// A data provider that answers from a script and records every call, one line each, in `log`:
-/// "new connection", "open TEXT", "close", "release", "catalog TEXT", "statement TEXT", "close cellset".
+/// "new connection", "open TEXT", "close", "release", "catalog TEXT", "statement TEXT", "close cellset",
+/// "recordset TEXT", "close recordset".
 class RecordingProvider : public DataAccess {
 public:
     std::vector<ScriptedDimension> dimensions; ///< of the one cube of every catalog
     Variant cell = 1.0;
-    std::vector<CellsetMember> rowMembers; ///< what the row axis of a cellset holds, one a position
+    std::vector<CellsetMember> rowMembers;        ///< what the row axis of a cellset holds, one a position
+    std::vector<std::vector<Variant>> recordRows; ///< of every recordset, its fields from left to right
+    std::int32_t recordFields = 0;
     // The number of the error that an operation raises; 0 for none.
     std::int32_t failingOpen = 0, failingCatalog = 0, failingStatement = 0;
     std::vector<std::string> log;
@@ -40,6 +43,7 @@ public:
     std::shared_ptr<Connection> CreateConnection() override;
     std::unique_ptr<Catalog> CreateCatalog() override;
     std::unique_ptr<Cellset> CreateCellset() override;
+    std::unique_ptr<Recordset> CreateRecordset() override;
 
     ScriptedDimension& DimensionScript(const std::string& name);
     /// The statements that were sent, in order.

@@ -1,0 +1,115 @@
+#include "cube/MemberListing.h"
+
+#include "platform/AutomationError.h"
+#include "tests/doubles/RecordingProvider.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace qel::ModSetCube {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::StartsWith;
+
+const std::string ledgerText = "Provider=MSOLAP;Data Source=a.cub;Initial Catalog=LedgerFNC;Client Cache "
+                               "Size=25;Auto Synch Period=10000";
+const MemberListing costCenters = {"LedgerFNC", 2, "OBS", "Cost_Centers"};
+
+std::int32_t ErrorOf(const std::function<void()>& work) {
+    try {
+        work();
+        return 0;
+    } catch (const AutomationError& error) {
+        return error.Number();
+    }
+}
+
+TEST(ListMembersCellset, OpensAConnectionOfItsOwn) {
+    auto provider = testing::LedgerProvider();
+    const auto cellset = ListMembersCellset(provider, "a.cub", costCenters);
+    EXPECT_THAT(provider.TakeLog(),
+                ElementsAre("new connection", "open " + ledgerText,
+                            "statement " + *ComposeCellsetStatement(costCenters), "release"));
+    // A kind without a statement is left to the provider to refuse.
+    ListMembersCellset(provider, "a.cub", {"LedgerFNC", 9});
+    EXPECT_EQ(provider.Statements(), std::vector<std::string>{""});
+    provider.failingStatement = -2147217900;
+    EXPECT_EQ(ErrorOf([&] { ListMembersCellset(provider, "a.cub", costCenters); }), -2147217900);
+    provider.failingOpen = 53;
+    EXPECT_EQ(ErrorOf([&] { ListMembersCellset(provider, "a.cub", costCenters); }), 53);
+}
+
+struct OpenMemberRecordsetTest : ::testing::Test {
+    void List(const std::string& cubeFile, const std::string& cubeName) {
+        const auto rows = provider.CreateRecordset();
+        OpenMemberRecordset(thread, provider, opened, *rows, cubeFile, {cubeName, 5, "", "OBS"});
+    }
+    /// What a listing logs before its statement.
+    std::vector<std::string> ConnectionStepsOf(const std::string& cubeFile, const std::string& cubeName) {
+        provider.TakeLog();
+        List(cubeFile, cubeName);
+        auto log = provider.TakeLog();
+        EXPECT_THAT(log.back(), StartsWith("recordset SELECT {[AccX].[AccX].[All] } on columns,"))
+            << cubeName;
+        log.pop_back();
+        return log;
+    }
+
+    testing::RecordingProvider provider = testing::LedgerProvider();
+    ThreadState thread;
+    OpenedCube opened;
+};
+
+TEST_F(OpenMemberRecordsetTest, ReusesTheThreadsConnectionForTheSameCube) {
+    EXPECT_THAT(ConnectionStepsOf("a.cub", "LedgerFNC"), ElementsAre("new connection", "open " + ledgerText));
+    EXPECT_THAT(ConnectionStepsOf("a.cub", "LedgerFNC"), ElementsAre());
+    EXPECT_THAT(ConnectionStepsOf("a.cub", "OtherFNC"),
+                ElementsAre("close", StartsWith("open Provider=MSOLAP;Data")));
+    EXPECT_EQ(opened.cubeName, "OtherFNC");
+    EXPECT_THAT(ConnectionStepsOf("A.cub", "OtherFNC"), ElementsAre("close", StartsWith("open ")))
+        << "letter case";
+
+    thread.CubeConnection->Close();
+    EXPECT_THAT(ConnectionStepsOf("A.cub", "OtherFNC"), ElementsAre("close", StartsWith("open ")))
+        << "a connection that the provider closed";
+}
+
+TEST_F(OpenMemberRecordsetTest, ReplacesAConnectionOfAnotherProviderOrNone) {
+    thread.CubeConnection = provider.CreateConnection();
+    EXPECT_THAT(ConnectionStepsOf("a.cub", "LedgerFNC"),
+                ElementsAre("new connection", "open " + ledgerText, "release"))
+        << "one that was never opened has no provider";
+    thread.CubeConnection->Close();
+    thread.CubeConnection->Open("Provider=Other;Data Source=a.cub", "", "", optionsUnspecified);
+    EXPECT_THAT(ConnectionStepsOf("a.cub", "LedgerFNC"),
+                ElementsAre("new connection", "open " + ledgerText, "release"));
+}
+
+TEST(CountObsLevels, CountsFromTheFirstFilledFieldDown) {
+    const Variant null = Null{};
+    struct CountCase {
+        const char* what;
+        std::vector<std::vector<Variant>> rows;
+        std::int16_t levels;
+    };
+    const CountCase cases[] = {
+        {"the top level", {{null, null, null, 5.0}, {"North", null, null, 5.0}}, 3},
+        {"the second level", {{null, null, null, 1.0}, {null, "Main", null, 1.0}, {"", "Main", "x", 1.0}}, 2},
+        {"only numbers", {{null, null, null, 1.0}}, 0},
+        {"no rows", {}, 0},
+    };
+    for (const auto& c : cases) {
+        auto provider = testing::LedgerProvider();
+        provider.recordFields = 4;
+        provider.recordRows = c.rows;
+        EXPECT_EQ(CountObsLevels(provider, "LedgerFNC", "a.cub", "OBS", "1"), c.levels) << c.what;
+        EXPECT_THAT(provider.log,
+                    ElementsAre("new connection", "open " + ledgerText,
+                                "recordset " + ComposeObsLevelsStatement("LedgerFNC", "OBS", "1"),
+                                "close recordset", "close", "release"));
+    }
+}
+
+} // namespace
+} // namespace qel::ModSetCube

@@ -1,0 +1,104 @@
+#include "platform/AutomationError.h"
+#include "platform/Conversion.h"
+#include "platform/local/LocalDataAccess.h"
+#include "tests/local/BooksCube.h"
+
+#include <gtest/gtest.h>
+
+namespace qel {
+namespace {
+
+class LocalRecordsetTest : public testing::Test {
+protected:
+    std::unique_ptr<Recordset> Run(const std::string& statement) {
+        auto connection = dataAccess_.CreateConnection();
+        connection->Open(test::TextFor(cubeFile_, "BooksFNC"), "", "", optionsUnspecified);
+        auto recordset = dataAccess_.CreateRecordset();
+        recordset->Open(statement, connection, -1, -1, -1);
+        return recordset;
+    }
+
+    std::string Table(const std::string& statement) {
+        const auto rows = Run(statement);
+        std::string table;
+        for (std::int32_t field = 0; field < rows->FieldCount(); ++field)
+            table += (field == 0 ? "" : "|") + rows->FieldName(field);
+        for (; !rows->AtEnd(); rows->MoveNext()) {
+            for (std::int32_t field = 0; field < rows->FieldCount(); ++field) {
+                const auto value = rows->FieldValue(field);
+                table += (field == 0 ? "\n" : "|") + (value.Is<Null>() ? "-" : ToText(value, {}));
+            }
+        }
+        return table;
+    }
+
+    std::int32_t ErrorOf(const std::string& statement) {
+        try {
+            Run(statement);
+        } catch (const AutomationError& error) {
+            return error.Number();
+        }
+        return 0;
+    }
+
+    test::TemporaryFolder folder_;
+    std::string cubeFile_ = test::BuildBooks(folder_ / "books.cub");
+    LocalDataAccess dataAccess_;
+};
+
+struct TableCase {
+    const char* what;
+    std::string statement, table;
+};
+
+const TableCase tableCases[] = {
+    {"a row for every member; ancestors fill their fields, All fills none",
+     "SELECT NON EMPTY {[Measures]} ON COLUMNS, NON EMPTY {[OBS].Members} ON ROWS FROM BooksFNC",
+     "[OBS].[Level1].[MEMBER_CAPTION]|[OBS].[Level2].[MEMBER_CAPTION]|[Measures].[Amount]\n"
+     "-|-|-929.95\n"
+     "North|-|-630.25\nSouth|-|-299.7\n"
+     "North|Karmi'el|-0.2\nNorth|Main|-630.05\nSouth|Main|-300\nSouth|Say \"]\" & go|0.3"},
+    {"two hierarchies side by side, down to their deepest member; an empty cell is Null",
+     "SELECT {[Measures].[Lines],[Measures].[Amount]} ON COLUMNS, "
+     "CrossJoin({[Accounts].[AccountCodes].[AccountCode]."
+     "members},{[Accounts].[AccountNames].[All]}) ON ROWS FROM BooksFNC WHERE ([Date].[2024].[Q1].[2])",
+     "[Accounts].[AccountCodes].[AccountCode].[MEMBER_CAPTION]|[Measures].[Lines]|[Measures].[Amount]\n"
+     "Sales|1|-500\nWages, \"regular\"|1|300.05\nRent|-|-"},
+    {"a calculated member stands on its hierarchy's top level; measures may stand on rows",
+     "WITH MEMBER [Measures].[Double] AS '2*[Measures].[Amount]' SELECT {[Firma].[10]} ON COLUMNS, "
+     "{[Measures].[Double],[Measures].[Amount]} ON ROWS FROM BooksFNC",
+     "[Measures].[MeasuresLevel].[MEMBER_CAPTION]|[Firma].[All].[10]\nDouble|-1260.5\nAmount|-630.25"},
+    {"a tuple on columns", "SELECT {([Measures].[Amount],[Firma].[20])} ON COLUMNS FROM BooksFNC",
+     "[Measures].[Amount].[Firma].[All].[20]\n-299.7"},
+    {"no row at all",
+     "SELECT {[Measures]} ON COLUMNS, NON EMPTY {[Accounts].[AccountCodes].[All].[5100]} ON ROWS "
+     "FROM BooksFNC WHERE ([Date].[2024].[Q1].[2])",
+     "[Measures].[Amount]"},
+};
+
+TEST_F(LocalRecordsetTest, FlattensTheAnswer) {
+    for (const auto& c : tableCases)
+        EXPECT_EQ(Table(c.statement), c.table) << c.what;
+}
+
+TEST_F(LocalRecordsetTest, StandsOnRowsAsAdoDoes) {
+    const auto rows = Run("SELECT {[Measures]} ON COLUMNS, {[Firma].[Firma].Members} ON ROWS FROM BooksFNC");
+    EXPECT_TRUE(rows->FieldValue(0).Is<Null>()) << "the member of all";
+    rows->MoveNext();
+    rows->MoveNext();
+    EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
+    rows->MoveNext();
+    EXPECT_TRUE(rows->AtEnd());
+    EXPECT_THROW(rows->MoveNext(), AutomationError);
+    EXPECT_THROW(rows->FieldValue(0), AutomationError) << "no current row";
+    rows->MoveFirst();
+    EXPECT_EQ(rows->FieldValue(1).As<double>(), -929.95);
+    EXPECT_THROW(rows->FieldValue(2), AutomationError);
+    rows->Close();
+    EXPECT_THROW(rows->MoveFirst(), AutomationError);
+    EXPECT_NE(ErrorOf(""), 0) << "a statement of nothing";
+    EXPECT_NE(ErrorOf("SELECT {[Measures]} ON COLUMNS, {[OBS].[Level9].members} ON ROWS FROM BooksFNC"), 0);
+}
+
+} // namespace
+} // namespace qel
