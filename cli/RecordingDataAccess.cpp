@@ -29,6 +29,8 @@ public:
     void Close() override { inner_->Close(); }
     int State() const override { return inner_->State(); }
     std::string ConnectionString() const override { return inner_->ConnectionString(); }
+    std::string Provider() const override { return inner_->Provider(); }
+    std::string DefaultDatabase() const override { return inner_->DefaultDatabase(); }
 
     /// The provider's own connection behind one that a client handed in.
     static std::shared_ptr<Connection> Inner(const std::shared_ptr<Connection>& connection) {

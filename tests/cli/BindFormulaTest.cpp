@@ -65,16 +65,16 @@ TEST(BindFormula, ConvertsTextsAsAutomationDoes) {
 
 TEST(BindFormula, DatesFollowTheLocalesOrder) {
     struct Case {
-        DateOrder order;
         const char* text;
         CalendarDay expected;
+        DateOrder order;
     };
     const Case cases[] = {
-        {DateOrder::DayMonthYear, R"("02/03/2024")", {2024, 3, 2}},
-        {DateOrder::MonthDayYear, R"("02/03/2024")", {2024, 2, 3}},
-        {DateOrder::YearMonthDay, R"("2024/02/03")", {2024, 2, 3}},
-        {DateOrder::MonthDayYear, "DATE(2024,3,2)", {2024, 3, 2}},
-        {DateOrder::DayMonthYear, "45382.75", {2024, 3, 31}},
+        {R"("02/03/2024")", {2024, 3, 2}, DateOrder::DayMonthYear},
+        {R"("02/03/2024")", {2024, 2, 3}, DateOrder::MonthDayYear},
+        {R"("2024/02/03")", {2024, 2, 3}, DateOrder::YearMonthDay},
+        {"DATE(2024,3,2)", {2024, 3, 2}, DateOrder::MonthDayYear},
+        {"45382.75", {2024, 3, 31}, DateOrder::DayMonthYear},
     };
     for (const auto& c : cases) {
         Locale locale;

@@ -49,9 +49,9 @@ TEST(OpenCubeFiles, ARemovedFileIsAnErrorAlthoughItWasOpen) {
 TEST(OpenCubeFiles, KeepsOnlyTheLastFilesOpen) {
     const TemporaryFolder folder;
     OpenCubeFiles files;
-    std::vector<std::weak_ptr<const engine::CubeFile>> opened;
-    for (int i = 0; i < 10; ++i)
-        opened.push_back(files.Open(BuildBooks(folder / fmt::format("{}.cub", i))));
+    std::vector<std::weak_ptr<const engine::CubeFile>> opened(10);
+    for (std::size_t i = 0; i < opened.size(); ++i)
+        opened[i] = files.Open(BuildBooks(folder / fmt::format("{}.cub", i)));
     EXPECT_TRUE(opened.front().expired());
     EXPECT_FALSE(opened.back().expired());
 }
@@ -60,8 +60,9 @@ TEST(OpenCubeFiles, ServesManyThreads) {
     const TemporaryFolder folder;
     const auto path = BuildBooks(folder / "a.cub");
     OpenCubeFiles files;
-    std::vector<std::thread> threads;
     std::vector<std::size_t> cubes(4);
+    std::vector<std::thread> threads;
+    threads.reserve(cubes.size());
     for (auto& count : cubes)
         threads.emplace_back([&] {
             for (int i = 0; i < 200; ++i)
