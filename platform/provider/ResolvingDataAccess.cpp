@@ -31,7 +31,10 @@ public:
     int State() const override { return opened_ ? opened_->State() : stateClosed; }
     std::string ConnectionString() const override { return opened_ ? opened_->ConnectionString() : ""; }
 
-    DataAccess& Provider() const { return *provider_; }
+    std::string Provider() const override { return opened_ ? opened_->Provider() : ""; }
+    std::string DefaultDatabase() const override { return opened_ ? opened_->DefaultDatabase() : ""; }
+
+    DataAccess& Objects() const { return *provider_; }
     const std::shared_ptr<Connection>& Opened() const {
         if (!opened_)
             throw ObjectClosed();
@@ -64,7 +67,7 @@ public:
 
     void SetActiveConnection(const std::shared_ptr<Connection>& connection) override {
         const ResolvingConnection& resolved = Resolved(connection);
-        auto catalog = resolved.Provider().CreateCatalog();
+        auto catalog = resolved.Objects().CreateCatalog();
         catalog->SetActiveConnection(resolved.Opened());
         catalog_ = std::move(catalog);
     }
@@ -87,7 +90,7 @@ class ResolvingCellset : public Cellset {
 public:
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override {
         const ResolvingConnection& resolved = Resolved(connection);
-        auto cellset = resolved.Provider().CreateCellset();
+        auto cellset = resolved.Objects().CreateCellset();
         cellset->Open(source, resolved.Opened());
         cellset_ = std::move(cellset);
     }
@@ -119,6 +122,38 @@ private:
     std::unique_ptr<Cellset> cellset_;
 };
 
+class ResolvingRecordset : public Recordset {
+public:
+    void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
+              int lockType, int options) override {
+        const ResolvingConnection& resolved = Resolved(connection);
+        auto recordset = resolved.Objects().CreateRecordset();
+        recordset->Open(source, resolved.Opened(), cursorType, lockType, options);
+        recordset_ = std::move(recordset);
+    }
+
+    void Close() override {
+        Opened().Close();
+        recordset_.reset();
+    }
+
+    std::int32_t FieldCount() const override { return Opened().FieldCount(); }
+    std::string FieldName(std::int32_t index) const override { return Opened().FieldName(index); }
+    Variant FieldValue(std::int32_t index) const override { return Opened().FieldValue(index); }
+    bool AtEnd() const override { return Opened().AtEnd(); }
+    void MoveFirst() override { Opened().MoveFirst(); }
+    void MoveNext() override { Opened().MoveNext(); }
+
+private:
+    Recordset& Opened() const {
+        if (!recordset_)
+            throw ObjectClosed();
+        return *recordset_;
+    }
+
+    std::unique_ptr<Recordset> recordset_;
+};
+
 } // namespace
 
 std::shared_ptr<Connection> ResolvingDataAccess::CreateConnection() {
@@ -130,5 +165,9 @@ std::unique_ptr<Catalog> ResolvingDataAccess::CreateCatalog() {
 }
 
 std::unique_ptr<Cellset> ResolvingDataAccess::CreateCellset() { return std::make_unique<ResolvingCellset>(); }
+
+std::unique_ptr<Recordset> ResolvingDataAccess::CreateRecordset() {
+    return std::make_unique<ResolvingRecordset>();
+}
 
 } // namespace qel

@@ -11,7 +11,8 @@ namespace qel {
 using ProviderChoice = std::function<DataAccess&(const std::string& connectionText)>;
 
 /// Data-access objects that learn at their opening which provider serves them: a connection and a catalog by
-/// the connection text, a cellset by its connection. Until then nothing of a provider is touched.
+/// the connection text, a cellset and a recordset by their connection. Until then nothing of a provider is
+/// touched.
 class ResolvingDataAccess : public DataAccess {
 public:
     explicit ResolvingDataAccess(ProviderChoice choose) : choose_(std::move(choose)) {}
@@ -19,6 +20,7 @@ public:
     std::shared_ptr<Connection> CreateConnection() override;
     std::unique_ptr<Catalog> CreateCatalog() override;
     std::unique_ptr<Cellset> CreateCellset() override;
+    std::unique_ptr<Recordset> CreateRecordset() override;
 
 private:
     ProviderChoice choose_;

@@ -42,6 +42,10 @@ OwnedVariant DispatchObject::Property(const wchar_t* member, CallArguments argum
     return Invoke(member, DISPATCH_PROPERTYGET | DISPATCH_METHOD, std::move(arguments));
 }
 
+OwnedVariant DispatchObject::SpecialProperty(DISPID id) const {
+    return Invoke(id, name_, DISPATCH_PROPERTYGET | DISPATCH_METHOD, {});
+}
+
 std::string DispatchObject::Text(const wchar_t* member) const {
     return ToText(FromAutomation(Property(member).Get()), UserLocale());
 }
@@ -76,7 +80,12 @@ OwnedVariant DispatchObject::Invoke(const wchar_t* member, WORD kind, CallArgume
     DISPID id = DISPID_UNKNOWN;
     auto* name = const_cast<LPOLESTR>(member);
     Check(object_->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id), Described(member).c_str());
+    return Invoke(id, Described(member), kind, std::move(arguments));
+}
 
+OwnedVariant DispatchObject::Invoke(DISPID id, const std::string& what, WORD kind,
+                                    CallArguments arguments) const {
+    ::SetErrorInfo(0, nullptr);
     std::vector<VARIANT> reversed; // views: the arguments stay the owners
     for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
         reversed.push_back(argument->Get());
@@ -89,8 +98,8 @@ OwnedVariant DispatchObject::Invoke(const wchar_t* member, WORD kind, CallArgume
     const HRESULT status = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
                                            isPut ? nullptr : result.Receive(), &details, nullptr);
     if (status == DISP_E_EXCEPTION)
-        throw FailureOf(details, Described(member));
-    Check(status, Described(member).c_str());
+        throw FailureOf(details, what);
+    Check(status, what.c_str());
     return result;
 }
 

@@ -38,6 +38,8 @@ public:
     IDispatch* Get() const { return object_.Get(); }
 
     OwnedVariant Property(const wchar_t* member, CallArguments arguments = {}) const;
+    /// One of the properties that have a number instead of a name: DISPID_VALUE, DISPID_NEWENUM.
+    OwnedVariant SpecialProperty(DISPID id) const;
     std::string Text(const wchar_t* member) const;
     std::int32_t Number(const wchar_t* member) const;
     /// Raises 91 when the member is no object.
@@ -47,6 +49,7 @@ public:
 
 private:
     OwnedVariant Invoke(const wchar_t* member, WORD kind, CallArguments arguments) const;
+    OwnedVariant Invoke(DISPID id, const std::string& what, WORD kind, CallArguments arguments) const;
     std::string Described(const wchar_t* member) const;
 
     ComPointer<IDispatch> object_;

@@ -21,7 +21,7 @@ private:
 /// A range of cells, reached as a macro reaches it.
 class SheetRange : public Range {
 public:
-    explicit SheetRange(ComPointer<IDispatch> range) : range_(std::move(range)) {}
+    explicit SheetRange(IDispatch* range) : range_(ComPointer<IDispatch>(range), "Range") {}
 
     void ForEachCell(const std::function<void(const Variant& value)>& visit) const override {
         const ComPointer<IEnumVARIANT> cells = NewEnumeration();
@@ -38,16 +38,7 @@ public:
 
 private:
     ComPointer<IEnumVARIANT> NewEnumeration() const {
-        ::SetErrorInfo(0, nullptr);
-        DISPPARAMS none = {};
-        OwnedVariant enumeration;
-        EXCEPINFO details = {};
-        const HRESULT status = range_->Invoke(DISPID_NEWENUM, IID_NULL, LOCALE_USER_DEFAULT,
-                                              DISPATCH_METHOD | DISPATCH_PROPERTYGET, &none,
-                                              enumeration.Receive(), &details, nullptr);
-        if (status == DISP_E_EXCEPTION)
-            throw FailureOf(details, "Range._NewEnum");
-        Check(status, "Range._NewEnum");
+        const OwnedVariant enumeration = range_.SpecialProperty(DISPID_NEWENUM);
         ComPointer<IEnumVARIANT> cells;
         const VARIANT& value = enumeration.Get();
         if (V_VT(&value) == VT_UNKNOWN || V_VT(&value) == VT_DISPATCH)
@@ -64,7 +55,7 @@ private:
         return FromAutomation(object.Property(L"Value").Get());
     }
 
-    ComPointer<IDispatch> range_;
+    DispatchObject range_;
 };
 
 std::string NameIn(ITypeInfo& info) {
@@ -95,7 +86,7 @@ Variant ObjectFrom(IDispatch* object) {
         return std::shared_ptr<const Object>();
     std::string name = TypeNameOf(object);
     if (name == "Range")
-        return std::shared_ptr<const Object>(std::make_shared<SheetRange>(ComPointer<IDispatch>(object)));
+        return std::shared_ptr<const Object>(std::make_shared<SheetRange>(object));
     return std::shared_ptr<const Object>(std::make_shared<OtherObject>(std::move(name)));
 }
 

@@ -17,6 +17,8 @@ public:
     void Close() override { connection_.Call(L"Close"); }
     int State() const override { return connection_.Number(L"State"); }
     std::string ConnectionString() const override { return connection_.Text(L"ConnectionString"); }
+    std::string Provider() const override { return connection_.Text(L"Provider"); }
+    std::string DefaultDatabase() const override { return connection_.Text(L"DefaultDatabase"); }
 
     /// The object behind a connection that this provider made. Raises 3709 for any other.
     static const DispatchObject& ObjectOf(const std::shared_ptr<Connection>& connection);

@@ -3,6 +3,7 @@
 #include "platform/windows/ado/LateBoundCatalog.h"
 #include "platform/windows/ado/LateBoundCellset.h"
 #include "platform/windows/ado/LateBoundConnection.h"
+#include "platform/windows/ado/LateBoundRecordset.h"
 
 namespace qel::windows {
 
@@ -13,5 +14,9 @@ std::shared_ptr<Connection> LateBoundDataAccess::CreateConnection() {
 std::unique_ptr<Catalog> LateBoundDataAccess::CreateCatalog() { return std::make_unique<LateBoundCatalog>(); }
 
 std::unique_ptr<Cellset> LateBoundDataAccess::CreateCellset() { return std::make_unique<LateBoundCellset>(); }
+
+std::unique_ptr<Recordset> LateBoundDataAccess::CreateRecordset() {
+    return std::make_unique<LateBoundRecordset>();
+}
 
 } // namespace qel::windows

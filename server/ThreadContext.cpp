@@ -1,0 +1,46 @@
+#include "server/ThreadContext.h"
+
+#include "engine/storage/CubeFile.h"
+#include "platform/AutomationError.h"
+#include "platform/local/ConnectionText.h"
+#include "platform/local/CubeSource.h"
+#include "platform/local/LocalDataAccess.h"
+#include "platform/provider/ResolvingDataAccess.h"
+#include "platform/windows/ado/LateBoundDataAccess.h"
+
+namespace qel::server {
+
+namespace {
+
+/// False too for a text that only another provider may understand.
+bool NamesEmbeddedCube(const std::string& connectionText) {
+    try {
+        return engine::CubeFile::HasSignature(PathOfText(ParseConnectionText(connectionText).dataSource));
+    } catch (const AutomationError&) {
+        return false;
+    }
+}
+
+/// The server's providers: embedded cubes are read here, every other data source by the machine's own
+/// objects.
+DataAccess& Providers() {
+    static LocalDataAccess embedded;
+    static windows::LateBoundDataAccess machine;
+    static ResolvingDataAccess providers([](const std::string& connectionText) -> DataAccess& {
+        if (NamesEmbeddedCube(connectionText))
+            return embedded;
+        return machine;
+    });
+    return providers;
+}
+
+ModSetCube::ThreadState& StateOfThread() {
+    thread_local ModSetCube::ThreadState state;
+    return state;
+}
+
+} // namespace
+
+FunctionContext ContextOfThread(const Locale& locale) { return {StateOfThread(), Providers(), locale}; }
+
+} // namespace qel::server

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/AutomationDate.h"
+#include "server/dispatch/AutomationClass.h"
+
+namespace qel::server {
+
+/// IDispatch::GetIDsOfNames: members and parameters by name, in any letter case.
+HRESULT FindNames(const ClassTypes& types, LPOLESTR* names, UINT count, DISPID* ids);
+
+/// IDispatch::Invoke on the object's own table.
+HRESULT CallLateBound(const ClassTypes& types, IDispatch* object, const Locale& locale, DISPID id, WORD flags,
+                      DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* details,
+                      UINT* wrongArgument) noexcept;
+
+} // namespace qel::server
