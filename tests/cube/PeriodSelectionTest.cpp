@@ -90,6 +90,8 @@ TEST(PeriodSelection, TakesTheTimeOfDayFromTheEndAlone) {
         << "a start in the afternoon leaves its day out";
     EXPECT_EQ(Selected(Days(), {{Day(2020, 2, 29).days + 0.5}, Day(2020, 2, 29)}), "#ERR 11111111");
     EXPECT_EQ(Selected(Days(), {{Day(2020, 2, 29).days + 0.5}, {Day(2020, 2, 29).days + 0.6}}), "1 to 29");
+    EXPECT_EQ(Selected(Days(), {{Day(2020, 3, 3).days + 0.5}, {Day(2020, 3, 3).days + 0.6}}), "1 to 3")
+        << "the cube's last day is not after its dates";
 }
 
 TEST(PeriodSelection, RaisesForATableWithoutPeriods) {

@@ -128,12 +128,18 @@ TEST_F(ValueFormulaTest, RestoresQuotesAndDates) {
               "[Cost_Centers].[All].[ע\"מ 5\"]");
     EXPECT_EQ(partOf(SentBy([](Formula& f) { f.from = {}; }), "LastPeriods", ","), "LastPeriods(1")
         << "without a start only the period of the end";
+    const auto onTheLastDay = [](Formula& f) {
+        f.from = {};
+        f.to = DateFromDay({2020, 12, 31});
+    };
+    EXPECT_EQ(SentBy(onTheLastDay), "0 statements")
+        << "the end stands in for the start, and it lies after the last month's first day";
     locale_ = {DateOrder::MonthDayYear, '.', ',', '.'};
-    EXPECT_EQ(partOf(SentBy([](Formula& f) {
-                         f.to = DateFromDay({2020, 5, 4});
-                     }),
-                     "LastPeriods", ")"),
-              "LastPeriods(5,[Date].[2020].[5]");
+    const auto februaryToMay = [](Formula& f) {
+        f.from = DateFromDay({2020, 2, 1});
+        f.to = DateFromDay({2020, 5, 4});
+    };
+    EXPECT_EQ(partOf(SentBy(februaryToMay), "LastPeriods", ")"), "LastPeriods(4,[Date].[2020].[5]");
 }
 
 TEST_F(ValueFormulaTest, ShowsNumbersAndTheOutdatedCubeAndMasksTheRest) {
