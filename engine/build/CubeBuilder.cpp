@@ -100,21 +100,21 @@ void CubeBuilder::NumberKeys() {
 }
 
 const MemberTree& CubeBuilder::MainTree(std::size_t keyColumn) const {
-    const MemberTree* best = nullptr;
-    std::size_t bestDepth = 0;
+    std::size_t best = 0, tree = 0, depth = 0; // a dimension and its tree, which has at least one level
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         if (keyColumnOf_[i] != keyColumn)
             continue;
-        if (dimensions_[i].Definition().isMain)
+        const DimensionDefinition& dimension = dimensions_[i].Definition();
+        if (dimension.isMain)
             return dimensions_[i].Tree(0);
-        const std::size_t tree = dimensions_[i].DeepestTree();
-        const std::size_t depth = dimensions_[i].Definition().hierarchies[tree].levels.size();
-        if (best == nullptr || depth > bestDepth) {
-            best = &dimensions_[i].Tree(tree);
-            bestDepth = depth;
+        const std::size_t deepest = dimensions_[i].DeepestTree();
+        if (dimension.hierarchies[deepest].levels.size() > depth) {
+            best = i;
+            tree = deepest;
+            depth = dimension.hierarchies[deepest].levels.size();
         }
     }
-    return *best; // a key column exists because a dimension stands on it
+    return dimensions_[best].Tree(tree);
 }
 
 void CubeBuilder::MakeModel() {

@@ -24,8 +24,6 @@ public:
     /// After the last member.
     void Finish();
 
-    /// The tree that a main dimension numbers its column by.
-    const MemberTree& FirstTree() const { return trees_.front(); }
     /// The hierarchy with the most levels.
     std::size_t DeepestTree() const;
     const MemberTree& Tree(std::size_t index) const { return trees_[index]; }

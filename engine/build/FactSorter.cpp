@@ -78,8 +78,8 @@ std::vector<std::vector<std::uint16_t>> ChooseSortOrders(const std::vector<KeyCo
     constexpr std::uint32_t largeFrom = 32; // codes
     constexpr std::size_t mostLeads = 5;
     std::vector<std::uint16_t> texts, dates;
-    for (std::uint16_t i = 0; i < keyColumns.size(); ++i)
-        (isCalendar[i] ? dates : texts).push_back(i);
+    for (std::size_t i = 0; i < keyColumns.size(); ++i)
+        (isCalendar[i] ? dates : texts).push_back(static_cast<std::uint16_t>(i));
     std::stable_sort(texts.begin(), texts.end(),
                      [&](auto left, auto right) { return keyColumns[left].codes > keyColumns[right].codes; });
 

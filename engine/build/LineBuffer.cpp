@@ -23,7 +23,7 @@ std::string_view LineBuffer::LineAt(std::size_t offset) {
 }
 
 void LineBuffer::ReadMore() {
-    constexpr std::size_t chunkSize = 1 << 20;
+    constexpr std::size_t chunkSize = 1 << 16;
     buffer_.erase(0, start_);
     discarded_ += start_;
     start_ = 0;

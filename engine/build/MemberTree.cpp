@@ -58,6 +58,7 @@ std::vector<std::uint32_t> MemberTree::SortLevel(const std::vector<std::uint32_t
     std::vector<std::uint32_t> sorted = level;
     if (rule != MemberOrder::File) {
         std::vector<std::string_view> texts;
+        texts.reserve(level.size());
         for (const std::uint32_t node : level)
             texts.push_back(texts_.Text(rule == MemberOrder::Key ? nodes_[node].key : nodes_[node].name));
         const auto places = SortTexts(texts);

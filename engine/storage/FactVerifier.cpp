@@ -18,7 +18,7 @@ void Widen(const std::byte* from, std::vector<std::int64_t>& to) {
     for (std::size_t i = 0; i < to.size(); ++i) {
         Stored value = 0;
         std::memcpy(&value, from + i * sizeof(Stored), sizeof(Stored));
-        to[i] = static_cast<std::int64_t>(value);
+        to[i] = std::int64_t{value};
     }
 }
 

@@ -79,7 +79,7 @@ void FileImage::CheckDirectory(std::uint64_t pagesEnd) const {
             throw EngineError(ErrorKind::UnsupportedVersion,
                               fmt::format("{}: has sections of kind {}, which a newer version writes",
                                           fileName_, entry.id.kind));
-        if (previous != nullptr && previous->id >= entry.id)
+        if (previous != nullptr && !(previous->id < entry.id))
             Fail("the directory is not in order");
         if (entry.offset % format::sectionAlignment != 0 || entry.offset < sizeof(format::Header) ||
             entry.offset > pagesEnd || entry.size > pagesEnd - entry.offset)

@@ -2,9 +2,9 @@
 
 #include <array>
 #include <bit>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
+#include <tuple>
 
 // The fixed parts of a cube file, as docs/cub-format.md describes them.
 
@@ -64,7 +64,11 @@ inline constexpr std::uint32_t firstOptionalKind = 0x80000000U;
 struct SectionId {
     std::uint32_t kind = 0, cube = 0, first = 0, second = 0;
 
-    auto operator<=>(const SectionId&) const = default;
+    bool operator==(const SectionId&) const = default;
+    bool operator<(const SectionId& other) const {
+        return std::tie(kind, cube, first, second) <
+               std::tie(other.kind, other.cube, other.first, other.second);
+    }
 };
 
 /// Directory entries ascend by their section's id.
