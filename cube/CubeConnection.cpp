@@ -5,46 +5,41 @@
 
 namespace qel::ModSetCube {
 
-namespace {
-
-void Open(Connection& connection, const std::string& cubeFile, const std::string& cubeName) {
-    connection.Open(ComposeConnectionText(cubeFile, cubeName), "", "", optionsUnspecified);
-}
-
-} // namespace
-
 std::string ComposeConnectionText(const std::string& cubeFile, const std::string& cubeName) {
     return "Provider=MSOLAP;Data Source=" + cubeFile + ";Initial Catalog=" + cubeName +
            ";Client Cache Size=25;Auto Synch Period=10000";
 }
 
-bool OpenOrReuse(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened, const std::string& cubeFile,
-                 const std::string& cubeName) {
+void OpenThreadConnection(ThreadState& thread, const OpenedCube& cube) {
+    thread.datesAreCurrent = false;
+    thread.CubeConnection->Open(ComposeConnectionText(cube.cubeFile, cube.cubeName), "", "",
+                                optionsUnspecified);
+    thread.connected = cube;
+}
+
+void OpenOrReuse(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened, const OpenedCube& wanted) {
     if (!thread.CubeConnection) {
         thread.CubeConnection = dataAccess.CreateConnection();
-        Open(*thread.CubeConnection, cubeFile, cubeName);
-        return true;
+    } else if (thread.CubeConnection->State() == stateOpen) {
+        // Objects of a thread share the connection but not `opened`: it may be open on another object's cube.
+        if (opened == wanted && thread.connected == wanted)
+            return;
+        thread.CubeConnection->Close();
+        opened = wanted;
     }
-    Connection& connection = *thread.CubeConnection;
-    if (connection.State() != stateOpen) {
-        Open(connection, cubeFile, cubeName);
-        return true;
-    }
-    if (opened.cubeFile == cubeFile && opened.cubeName == cubeName)
-        return false;
-    connection.Close();
-    opened = {cubeFile, cubeName};
-    Open(connection, cubeFile, cubeName);
-    return true;
+    OpenThreadConnection(thread, wanted);
 }
 
 bool EnsureCurrentCubeOpen(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened,
-                           const std::string& cubeFile, const std::string& cubeName) {
-    const bool openedAfresh = OpenOrReuse(thread, dataAccess, opened, cubeFile, cubeName);
-    if (!openedAfresh || LoadCubeDates(thread, dataAccess) == currentLayout)
-        return true;
-    thread.CubeConnection.reset();
-    return false;
+                           const OpenedCube& wanted) {
+    OpenOrReuse(thread, dataAccess, opened, wanted);
+    // A name call opens the connection without its dates; summing by another cube's dates would be wrong.
+    if (!thread.datesAreCurrent && LoadCubeDates(thread, dataAccess) != currentLayout) {
+        thread.CubeConnection.reset();
+        return false;
+    }
+    thread.datesAreCurrent = true;
+    return true;
 }
 
 const Connection& RequireConnection(const ThreadState& thread) {

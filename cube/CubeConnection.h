@@ -6,24 +6,21 @@
 
 namespace qel::ModSetCube {
 
-/// The cube that an object last saw opened: its g_cubeFile and g_CubeName.
-struct OpenedCube {
-    std::string cubeFile, cubeName;
-};
-
 /// The connection text. Nothing is quoted or escaped.
 std::string ComposeConnectionText(const std::string& cubeFile, const std::string& cubeName);
 
-/// Leaves CubeConnection open. An open connection is reused when `opened` names exactly this cube, otherwise
-/// it is closed, `opened` is rewritten and it is opened again. Returns false when it was reused. Raises what
-/// the provider raises.
-bool OpenOrReuse(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened, const std::string& cubeFile,
-                 const std::string& cubeName);
+/// Opens CubeConnection, which exists, on the cube. Raises what the provider raises.
+void OpenThreadConnection(ThreadState& thread, const OpenedCube& cube);
 
-/// The same, and a connection that was opened afresh has its layout checked and its Date table loaded.
-/// Returns false for a cube of an outdated layout; CubeConnection is none then.
+/// Leaves CubeConnection open. An open connection is reused when `opened` (the object's g_cubeFile and
+/// g_CubeName) names exactly this cube and no other object has opened another one since; otherwise it is
+/// closed, `opened` is rewritten and it is opened again. Raises what the provider raises.
+void OpenOrReuse(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened, const OpenedCube& wanted);
+
+/// The same, and a connection that was opened since the last check has its layout checked and its Date table
+/// loaded. Returns false for a cube of an outdated layout; CubeConnection is none then.
 bool EnsureCurrentCubeOpen(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened,
-                           const std::string& cubeFile, const std::string& cubeName);
+                           const OpenedCube& wanted);
 
 /// The thread's connection. Raises 91 when it has none.
 const Connection& RequireConnection(const ThreadState& thread);

@@ -8,14 +8,10 @@ namespace {
 
 constexpr const char* cubeProvider = "MSOLAP";
 
-void Open(Connection& connection, const std::string& cubeFile, const std::string& cubeName) {
-    connection.Open(ComposeConnectionText(cubeFile, cubeName), "", "", optionsUnspecified);
-}
-
 std::shared_ptr<Connection> OpenNew(DataAccess& dataAccess, const std::string& cubeFile,
                                     const std::string& cubeName) {
     auto connection = dataAccess.CreateConnection();
-    Open(*connection, cubeFile, cubeName);
+    connection->Open(ComposeConnectionText(cubeFile, cubeName), "", "", optionsUnspecified);
     return connection;
 }
 
@@ -30,19 +26,19 @@ void CloseIgnoringState(Connection& connection) {
 /// The listing's cube, over the thread's connection. The Date table is not touched: it belongs to value
 /// calls.
 void EnsureListingConnection(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened,
-                             const std::string& cubeFile, const std::string& cubeName) {
+                             const OpenedCube& wanted) {
     auto& connection = thread.CubeConnection;
-    const bool isUsable = connection && connection->Provider() == cubeProvider;
-    if (!isUsable) {
-        connection = OpenNew(dataAccess, cubeFile, cubeName);
+    if (!connection || connection->Provider() != cubeProvider) {
+        connection = dataAccess.CreateConnection();
     } else if (connection->State() != stateOpen) {
         CloseIgnoringState(*connection);
-        Open(*connection, cubeFile, cubeName);
-    } else if (opened.cubeFile != cubeFile || opened.cubeName != cubeName) {
+    } else if (opened == wanted && thread.connected == wanted) {
+        return;
+    } else {
         connection->Close();
-        Open(*connection, cubeFile, cubeName);
     }
-    opened = {cubeFile, cubeName};
+    OpenThreadConnection(thread, wanted);
+    opened = wanted;
 }
 
 /// The first field of which some row holds a text, or `fieldCount` when none does.
@@ -69,7 +65,7 @@ std::unique_ptr<Cellset> ListMembersCellset(DataAccess& dataAccess, const std::s
 
 void OpenMemberRecordset(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened,
                          Recordset& recordset, const std::string& cubeFile, const MemberListing& listing) {
-    EnsureListingConnection(thread, dataAccess, opened, cubeFile, listing.cubeName);
+    EnsureListingConnection(thread, dataAccess, opened, {cubeFile, listing.cubeName});
     recordset.Open(ComposeRecordsetStatement(listing).value_or(""), thread.CubeConnection, optionsUnspecified,
                    optionsUnspecified, optionsUnspecified);
 }

@@ -18,10 +18,19 @@ struct DateTable {
     AutomationDate CubeMinDate, CubeMaxDate;
 };
 
+/// A cube in its file, as a call named it.
+struct OpenedCube {
+    std::string cubeFile, cubeName;
+
+    bool operator==(const OpenedCube&) const = default;
+};
+
 /// What every object of one thread shares. A door keeps one a thread (the component is apartment-threaded).
 struct ThreadState {
     std::shared_ptr<Connection> CubeConnection; ///< none after an error or when an object of the thread ended
+    OpenedCube connected;                       ///< what CubeConnection was last opened on, by any object
     DateTable dates;                            ///< of the cube that the last version check saw
+    bool datesAreCurrent = false;               ///< `dates` were loaded since CubeConnection was last opened
 };
 
 } // namespace qel::ModSetCube

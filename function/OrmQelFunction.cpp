@@ -45,7 +45,7 @@ Variant OrmQelFunction::QelFuncDemo(std::string& cubeFile, std::string& CubeName
     try {
         Trim(cubeFile);
         Trim(CubeName);
-        if (!EnsureCurrentCubeOpen(thread, dataAccess, opened_, cubeFile, CubeName))
+        if (!EnsureCurrentCubeOpen(thread, dataAccess, opened_, {cubeFile, CubeName}))
             return outdatedCube;
         RestoreQuotes(arrObsMember, locale);
         Trim(strMeasure);
@@ -132,7 +132,7 @@ Variant OrmQelFunction::RetQelName(std::string& cubeFile, std::string& CubeName,
     try {
         Trim(cubeFile);
         Trim(CubeName);
-        OpenOrReuse(thread, dataAccess, opened_, cubeFile, CubeName);
+        OpenOrReuse(thread, dataAccess, opened_, {cubeFile, CubeName});
         return ModSetCube::GetMemberName(thread, dataAccess, locale, CubeName, DimType, DimMember);
     } catch (const AutomationError&) {
         return "-"; // a worksheet function raises no dialog

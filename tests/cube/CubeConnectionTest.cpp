@@ -20,7 +20,7 @@ const std::string textOfOtherCube = "Provider=MSOLAP;Data Source=C:\\a b\\A.cub;
 class CubeConnectionTest : public ::testing::Test {
 protected:
     bool Ensure(const std::string& cubeFile, const std::string& cubeName = "Finance") {
-        return EnsureCurrentCubeOpen(thread_, provider_, opened_, cubeFile, cubeName);
+        return EnsureCurrentCubeOpen(thread_, provider_, opened_, {cubeFile, cubeName});
     }
 
     testing::RecordingProvider provider_ = testing::LedgerProvider();
@@ -79,13 +79,29 @@ TEST_F(CubeConnectionTest, NamesTheNewCubeEvenWhenItCannotBeOpened) {
 }
 
 TEST_F(CubeConnectionTest, NameCallsOpenByTheSameRulesWithoutTheCheck) {
-    EXPECT_TRUE(OpenOrReuse(thread_, provider_, opened_, "C:\\a b\\A.cub", "Finance"));
+    const OpenedCube cube{"C:\\a b\\A.cub", "Finance"};
+    OpenOrReuse(thread_, provider_, opened_, cube);
     EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + textOfA}));
-    EXPECT_TRUE(OpenOrReuse(thread_, provider_, opened_, "C:\\a b\\A.cub", "Finance"))
-        << "the first opening did not name the cube";
-    EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + textOfA}));
-    EXPECT_FALSE(OpenOrReuse(thread_, provider_, opened_, "C:\\a b\\A.cub", "Finance"));
+    OpenOrReuse(thread_, provider_, opened_, cube);
+    EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + textOfA})) << "the first opening named no cube";
+    OpenOrReuse(thread_, provider_, opened_, cube);
     EXPECT_EQ(provider_.TakeLog(), Log{});
+
+    EXPECT_TRUE(Ensure(cube.cubeFile));
+    EXPECT_EQ(provider_.TakeLog(), Log{"catalog " + textOfA}) << "a value call needs the dates all the same";
+    EXPECT_EQ(thread_.dates.CubeDates.size(), 24U);
+    EXPECT_TRUE(Ensure(cube.cubeFile));
+    EXPECT_EQ(provider_.TakeLog(), Log{});
+}
+
+TEST_F(CubeConnectionTest, ReopensWhenAnotherObjectOpenedAnotherCube) {
+    Ensure("C:\\a b\\A.cub");
+    opened_ = {"C:\\a b\\A.cub", "Finance"};
+    OpenedCube openedByOther;
+    EnsureCurrentCubeOpen(thread_, provider_, openedByOther, {"C:\\a b\\a.cub", "Finance"});
+    provider_.TakeLog();
+    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + textOfA, "catalog " + textOfA}));
 }
 
 } // namespace

@@ -78,12 +78,12 @@ TEST_F(OpenMemberRecordsetTest, ReusesTheThreadsConnectionForTheSameCube) {
 TEST_F(OpenMemberRecordsetTest, ReplacesAConnectionOfAnotherProviderOrNone) {
     thread.CubeConnection = provider.CreateConnection();
     EXPECT_THAT(ConnectionStepsOf("a.cub", "LedgerFNC"),
-                ElementsAre("new connection", "open " + ledgerText, "release"))
+                ElementsAre("new connection", "release", "open " + ledgerText))
         << "one that was never opened has no provider";
     thread.CubeConnection->Close();
     thread.CubeConnection->Open("Provider=Other;Data Source=a.cub", "", "", optionsUnspecified);
     EXPECT_THAT(ConnectionStepsOf("a.cub", "LedgerFNC"),
-                ElementsAre("new connection", "open " + ledgerText, "release"));
+                ElementsAre("new connection", "release", "open " + ledgerText));
 }
 
 TEST(CountObsLevels, CountsFromTheFirstFilledFieldDown) {
