@@ -61,9 +61,12 @@ def periods_of(options):
 
 def evaluate(options, formulas):
     """The values of the formulas, by one run of the evaluator."""
-    run = subprocess.run(
-        [options.qel, "eval"], input="\n".join(formulas) + "\n", stdout=subprocess.PIPE, encoding="utf-8", check=False
-    )
+    try:
+        run = subprocess.run(
+            [options.qel, "eval"], input="\n".join(formulas) + "\n", stdout=subprocess.PIPE, encoding="utf-8", check=False
+        )
+    except OSError as error:
+        sys.exit(f"Cannot run the formula evaluator: {error}; name it with --qel.")
     values = run.stdout.splitlines()
     if run.returncode != 0 or len(values) != len(formulas):
         sys.exit(f"{options.qel} gave {len(values)} values for {len(formulas)} formulas, status {run.returncode}")
@@ -78,8 +81,7 @@ def statement(options):
     names = {group: name_formula(cube, group) for group in groups}
     amounts = {group: [value_formula(cube, options, period, group) for period in periods] for group in groups}
     net = [value_formula(cube, options, period) for period in periods]
-    # Values before names: a value formula reads the cube's dates when it opens the cube, a name formula does not.
-    formulas = [formula for row in amounts.values() for formula in row] + net + list(names.values())
+    formulas = list(names.values()) + [formula for row in amounts.values() for formula in row] + net
     if options.formulas:
         print("\n".join(formulas))
         sys.exit(0)
