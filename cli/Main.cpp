@@ -3,7 +3,10 @@
 #include "cli/CubeVerifyCommand.h"
 #include "cli/EvalCommand.h"
 #include "cli/ExplainCommand.h"
+#include "cli/LangCommand.h"
 #include "cli/MdxCommand.h"
+#include "cli/MembersCommand.h"
+#include "cli/SettingsCommand.h"
 #include "cli/Terminal.h"
 #include "cli/Version.h"
 #include "engine/EngineError.h"
@@ -43,12 +46,15 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddEvalCommand(app, context);
     qel::AddExplainCommand(app, context);
     qel::AddMdxCommand(app, context);
+    qel::AddMembersCommand(app, context);
     auto* cube = app.add_subcommand("cube", "Make, describe and check cube files");
     cube->require_subcommand(1);
     cube->fallthrough();
     qel::AddCubeBuildCommand(*cube, context);
     qel::AddCubeInfoCommand(*cube, context);
     qel::AddCubeVerifyCommand(*cube, context);
+    qel::AddSettingsCommand(app, context);
+    qel::AddLangCommand(app, context);
 }
 
 int Run(int argc, char** argv) {

@@ -152,6 +152,31 @@ private:
     Recording& recording_;
 };
 
+class RecordingRecordset : public Recordset {
+public:
+    RecordingRecordset(std::unique_ptr<Recordset> inner, Recording& recording)
+        : inner_(std::move(inner)), recording_(recording) {}
+
+    void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
+              int lockType, int options) override {
+        recording_.statements.push_back(source);
+        NotingErrors(recording_, [&] {
+            inner_->Open(source, RecordingConnection::Inner(connection), cursorType, lockType, options);
+        });
+    }
+    void Close() override { inner_->Close(); }
+    std::int32_t FieldCount() const override { return inner_->FieldCount(); }
+    std::string FieldName(std::int32_t index) const override { return inner_->FieldName(index); }
+    Variant FieldValue(std::int32_t index) const override { return inner_->FieldValue(index); }
+    bool AtEnd() const override { return inner_->AtEnd(); }
+    void MoveFirst() override { inner_->MoveFirst(); }
+    void MoveNext() override { inner_->MoveNext(); }
+
+private:
+    std::unique_ptr<Recordset> inner_;
+    Recording& recording_;
+};
+
 } // namespace
 
 std::shared_ptr<Connection> RecordingDataAccess::CreateConnection() {
@@ -164,6 +189,10 @@ std::unique_ptr<Catalog> RecordingDataAccess::CreateCatalog() {
 
 std::unique_ptr<Cellset> RecordingDataAccess::CreateCellset() {
     return std::make_unique<RecordingCellset>(provider_.CreateCellset(), recording_);
+}
+
+std::unique_ptr<Recordset> RecordingDataAccess::CreateRecordset() {
+    return std::make_unique<RecordingRecordset>(provider_.CreateRecordset(), recording_);
 }
 
 } // namespace qel

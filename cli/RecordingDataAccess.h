@@ -29,6 +29,7 @@ public:
     std::shared_ptr<Connection> CreateConnection() override;
     std::unique_ptr<Catalog> CreateCatalog() override;
     std::unique_ptr<Cellset> CreateCellset() override;
+    std::unique_ptr<Recordset> CreateRecordset() override;
 
 private:
     DataAccess& provider_;

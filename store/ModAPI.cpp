@@ -29,17 +29,21 @@ std::string RootName(KeyHandle handle) {
 
 } // namespace
 
+std::string LocalDbFolder(StoreEnvironment& store) {
+    // The separator is appended before the test for nothing, so a missing MDBPath means the root of the drive
+    // and the two steps after it never apply. That order is intended.
+    std::string folder = GetRegSetting(store, mdbPathValue) + store.separator;
+    if (folder.empty())
+        folder = GetRegSetting(store, tempPathValue) + store.separator;
+    if (folder.empty())
+        folder = R"(C:\Pralix 17\)";
+    return folder;
+}
+
 std::string QelFuncMdbPath(StoreEnvironment& store) {
     std::string folder;
     try {
-        // The separator is appended before the test for nothing, so a missing MDBPath means the root of the
-        // drive and the two steps after it never apply. That order is intended.
-        if (folder.empty())
-            folder = GetRegSetting(store, mdbPathValue) + store.separator;
-        if (folder.empty())
-            folder = GetRegSetting(store, tempPathValue) + store.separator;
-        if (folder.empty())
-            folder = R"(C:\Pralix 17\)";
+        folder = LocalDbFolder(store);
         if (!FileExists(folder + localDbFile) && !DirExists(folder))
             MakeFolder(folder);
     } catch (...) {

@@ -12,6 +12,9 @@ inline constexpr const char* mdbPathValue = "MDBPath";
 inline constexpr const char* tempPathValue = "TempPath";
 inline constexpr const char* localDbFile = "QelFunction17.mdb";
 
+/// Where the folder of the local database and of Cub.ini is, with a separator at its end. Makes nothing.
+std::string LocalDbFolder(StoreEnvironment& store);
+
 /// The folder of the local database and of Cub.ini, with a separator at its end; read anew by every call. A
 /// folder that is missing is made, its parents are not; when that fails the error is reported and the folder
 /// is returned all the same.

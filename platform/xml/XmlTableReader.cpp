@@ -104,7 +104,9 @@ private:
 
     void ReadColumns() {
         const auto type = root_.child((schema_ + "Schema").c_str()).child((schema_ + "ElementType").c_str());
-        for (const auto& attribute : type.children((schema_ + "AttributeType").c_str()))
+        // The range keeps the pointer to the name, not the name.
+        const std::string columnElement = schema_ + "AttributeType";
+        for (const auto& attribute : type.children(columnElement.c_str()))
             columns_.push_back(ReadColumn(attribute));
         if (columns_.empty())
             throw Fault("is damaged: its schema names no column");
@@ -141,8 +143,10 @@ private:
 
     /// Rows that were inserted or changed; an original that was changed stands in an element of its own.
     void AddPendingRows(const pugi::xml_node& pending) {
-        for (const auto& row : pending.children((row_ + "row").c_str()))
-            AddRow(row, pending.child((rowset_ + "original").c_str()).child((row_ + "row").c_str()));
+        const std::string rowElement = row_ + "row";
+        const auto original = pending.child((rowset_ + "original").c_str()).child(rowElement.c_str());
+        for (const auto& row : pending.children(rowElement.c_str()))
+            AddRow(row, original);
     }
 
     void AddRow(const pugi::xml_node& row, const pugi::xml_node& original = {}) {

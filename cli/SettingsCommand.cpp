@@ -1,0 +1,198 @@
+#include "cli/SettingsCommand.h"
+
+#include "cli/LocalStore.h"
+#include "platform/AutomationError.h"
+#include "platform/PathText.h"
+#include "platform/Text.h"
+#include "platform/sqlite/DatabaseFile.h"
+#include "store/LocalDb.h"
+#include "store/ModAPI.h"
+#include "store/ModPublics.h"
+#include "support/Files.h"
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <fmt/ostream.h>
+
+namespace qel {
+
+namespace {
+
+constexpr const char* description = "Show the suite's settings: value, and where each stands";
+
+constexpr const char* footer =
+    R"(Settings that the suite keeps in the registry stand in settings.ini of the configuration folder
+($XDG_CONFIG_HOME/qel or ~/.config/qel); the rest in Qel.ini and Cub.ini of the folder MDBPath.
+
+Examples:
+  qel settings
+  qel settings set MDBPath /srv/pralix
+  qel settings set QelUILanguage 1)";
+
+constexpr const char* setFooter =
+    R"(NAME is one of
+  MDBPath        the suite's data folder, and the local database's; it is made when only the last part is missing
+  TempPath       the suite's temporary folder
+  QelUILanguage  0 English, 1 Hebrew, 2 a further language of Lang.rs; in Qel.ini of MDBPath
+  FileCube       the wizard's last cube file; in Cub.ini of MDBPath)";
+
+constexpr const char* helpFile = "PralixHeb.chm";
+
+std::string Presence(const std::string& path) { return FileExists(path) ? "there" : "missing"; }
+
+std::string DatabaseState(const std::string& path) {
+    switch (IdentifyDatabaseFile(PathFromText(path))) {
+    case DatabaseFileKind::Missing:
+        return "missing";
+    case DatabaseFileKind::Sqlite:
+        return "there";
+    case DatabaseFileKind::Jet:
+        return "made by Microsoft Jet, which is not to be had here; it is left as it is";
+    case DatabaseFileKind::Unreadable:
+        return "cannot be read";
+    default:
+        return "no database";
+    }
+}
+
+/// Prints one setting a line: name, value, where it stands.
+class SettingsList {
+public:
+    SettingsList(LocalStore& store, std::ostream& output) : store_(store), output_(output) {}
+
+    void Print() {
+        auto& environment = store_.environment;
+        const std::string key =
+            fmt::format("[HKEY_CURRENT_USER\\{}] of {}", ModAPI::suiteKey, TextFromPath(store_.settingsFile));
+        Line("MDBPath", ModAPI::GetRegSetting(environment, ModAPI::mdbPathValue), key);
+        Line("TempPath", ModAPI::GetRegSetting(environment, ModAPI::tempPathValue), key);
+        const auto language =
+            ModPublics::ReadQelIni(environment, ModPublics::languageSection, ModPublics::languageKey);
+        Line("QelUILanguage", language,
+             fmt::format("[Qel] of {}{}{}", environment.suiteFolder, pathSeparator, ModPublics::qelIniFile));
+        const auto folder = ModAPI::LocalDbFolder(environment);
+        Line("FileCube", LastCubeFile(folder),
+             fmt::format("[FileCube] F of {}{}", folder, ModPublics::cubIniFile));
+        const auto database = folder + ModAPI::localDbFile;
+        Line("local database", database,
+             fmt::format("{}; engine: {}", DatabaseState(database), environment.database.Name()));
+        const auto component = environment.componentFolder + pathSeparator;
+        Line("language table", component + ModLangFrm::langTableFile,
+             Presence(component + ModLangFrm::langTableFile));
+        Line("help file", component + helpFile, Presence(component + helpFile));
+    }
+
+private:
+    /// As ReadCubIniSection, which would make the folder.
+    std::string LastCubeFile(const std::string& folder) {
+        return store_.profiles.ReadString(ModPublics::cubeFileSection, ModPublics::cubeFileKey, maxCubeFile,
+                                          folder + ModPublics::cubIniFile);
+    }
+
+    void Line(std::string_view name, const std::string& value, const std::string& place) {
+        fmt::print(output_, "{}\t{}\t{}\n", name, value.empty() ? "(not set)" : value, place);
+    }
+
+    static constexpr std::size_t maxCubeFile = 510;
+    LocalStore& store_;
+    std::ostream& output_;
+};
+
+/// One of the suite's registry values.
+void SetRegistryValue(LocalStore& store, const char* name, const std::string& folder) {
+    if (folder.empty())
+        throw CLI::ValidationError("VALUE", "the folder is empty");
+    auto path = std::filesystem::absolute(PathFromText(folder)).lexically_normal();
+    if (!path.has_filename())
+        path = path.parent_path(); // the component appends a separator itself
+    std::filesystem::create_directories(store.settingsFile.parent_path());
+    store.registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, name, TextFromPath(path));
+}
+
+void RequireMdbPath(LocalStore& store, std::string_view file) {
+    if (ModAPI::GetRegSetting(store.environment, ModAPI::mdbPathValue).empty())
+        throw AutomationError(
+            ErrorNumber::InvalidProcedureCall,
+            fmt::format("MDBPath is not set, and {} stands in that folder: run 'qel settings set "
+                        "MDBPath FOLDER' first.",
+                        file));
+}
+
+void RequireWritten(const LocalStore& store, std::int32_t result) {
+    if (result == 0)
+        throw store.profiles.LastError().value_or(
+            AutomationError(ErrorNumber::InvalidProcedureCall, "The setting could not be written."));
+}
+
+void SetLanguage(LocalStore& store, const std::string& value) {
+    if (value != "0" && value != "1" && value != "2")
+        throw CLI::ValidationError("VALUE", fmt::format("'{}' is no language: 0, 1 or 2", value));
+    RequireMdbPath(store, ModPublics::qelIniFile);
+    const auto file = ModAPI::QelFuncMdbPath(store.environment) + ModPublics::qelIniFile;
+    RequireWritten(
+        store, store.profiles.WriteString(ModPublics::languageSection, ModPublics::languageKey, value, file));
+}
+
+void SetLastCube(LocalStore& store, const std::string& value) {
+    RequireMdbPath(store, ModPublics::cubIniFile);
+    RequireWritten(store, ModPublics::WriteCubIni(store.environment, ModPublics::cubeFileSection,
+                                                  ModPublics::cubeFileKey, value));
+}
+
+void Set(CommandContext& context, const std::string& name, const std::string& value) {
+    LocalStore store(context.messages);
+    if (EqualIgnoringCase(name, ModAPI::mdbPathValue)) {
+        SetRegistryValue(store, ModAPI::mdbPathValue, value);
+        ModAPI::QelFuncMdbPath(store.environment);
+    } else if (EqualIgnoringCase(name, ModAPI::tempPathValue)) {
+        SetRegistryValue(store, ModAPI::tempPathValue, value);
+    } else if (EqualIgnoringCase(name, ModPublics::languageKey)) {
+        SetLanguage(store, value);
+    } else if (EqualIgnoringCase(name, ModPublics::cubeFileSection)) {
+        SetLastCube(store, value);
+    } else {
+        throw CLI::ValidationError(
+            "NAME", fmt::format("there is no setting '{}': MDBPath, TempPath, QelUILanguage or "
+                                "FileCube",
+                                name));
+    }
+    context.failed = store.messages.HasShown();
+}
+
+void MakeDatabase(CommandContext& context) {
+    LocalStore store(context.messages);
+    RequireMdbPath(store, ModAPI::localDbFile);
+    CreateLocalDb(store.environment);
+    context.failed = store.messages.HasShown();
+}
+
+} // namespace
+
+void AddSettingsCommand(CLI::App& app, CommandContext& context) {
+    auto* command = app.add_subcommand("settings", description);
+    command->footer(footer);
+    command->fallthrough();
+    command->require_subcommand(0, 1);
+    command->callback([command, &context] {
+        if (!command->get_subcommands().empty())
+            return;
+        LocalStore store(context.messages);
+        SettingsList(store, context.output).Print();
+    });
+
+    auto* set = command->add_subcommand("set", "Change one setting");
+    set->footer(setFooter);
+    struct Change {
+        std::string name, value;
+    };
+    auto change = std::make_shared<Change>();
+    set->add_option("NAME", change->name, "The setting's name, in any letter case")->required();
+    set->add_option("VALUE", change->value, "Its new value")->required();
+    set->callback([change, &context] { Set(context, change->name, change->value); });
+
+    auto* database =
+        command->add_subcommand("make-database", "Make the wizards' local database, QelFunction17.mdb");
+    database->callback([&context] { MakeDatabase(context); });
+}
+
+} // namespace qel
