@@ -5,9 +5,9 @@
 #include "engine/mdx/Words.h"
 #include "engine/text/CaseFold.h"
 
-#include <algorithm>
-
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace qel::engine {
 
@@ -139,11 +139,12 @@ Bound Binder::BindBraces(NodeId id) {
     if (elements.size() == 1) {
         return std::move(elements.front());
     }
-    return MakeSet(isConstant, shape, [elements = std::move(elements)](Evaluator& evaluator, TupleSet& result) {
-        for (const SetPtr& element : elements) {
-            element->Append(evaluator, result);
-        }
-    });
+    return MakeSet(isConstant, shape,
+                   [elements = std::move(elements)](Evaluator& evaluator, TupleSet& result) {
+                       for (const SetPtr& element : elements) {
+                           element->Append(evaluator, result);
+                       }
+                   });
 }
 
 Bound Binder::BindTuple(NodeId id) {
@@ -218,8 +219,8 @@ Bound Binder::BindCall(NodeId id) {
         Fail(id, function->fewestArguments == function->mostArguments
                      ? fmt::format("{} takes {} arguments, not {}", function->name, function->fewestArguments,
                                    node.childCount)
-                     : fmt::format("{} takes {} to {} arguments, not {}", function->name, function->fewestArguments,
-                                   function->mostArguments, node.childCount));
+                     : fmt::format("{} takes {} to {} arguments, not {}", function->name,
+                                   function->fewestArguments, function->mostArguments, node.childCount));
     }
     Call call{*this, id, {}};
     for (NodeId child = node.firstChild; child != noNode; child = At(child).next) {
@@ -248,7 +249,8 @@ std::string Binder::Describe(const Shape& shape) const {
 
 void Binder::CheckShape(const Shape& shape, const SetExpression& set, NodeId node) const {
     if (!shape.empty() && !set.GetShape().empty() && shape != set.GetShape()) {
-        Fail(node, fmt::format("a set of {} takes no element of {}", Describe(shape), Describe(set.GetShape())));
+        Fail(node,
+             fmt::format("a set of {} takes no element of {}", Describe(shape), Describe(set.GetShape())));
     }
 }
 

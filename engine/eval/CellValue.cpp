@@ -1,11 +1,11 @@
 #include "engine/eval/CellArithmetic.h"
 
+#include <fmt/format.h>
+
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <limits>
-
-#include <fmt/format.h>
 
 namespace qel::engine {
 
@@ -145,7 +145,8 @@ CellValue NumberFromText(std::string_view digits) {
         return CellValue::Exact(scaled, static_cast<std::uint8_t>(decimals));
     }
     double number = 0;
-    const auto [numberEnd, numberError] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    const auto [numberEnd, numberError] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), number);
     if (numberError != std::errc()) {
         number = digits.find("e-") == std::string_view::npos ? std::numeric_limits<double>::infinity() : 0.0;
     }

@@ -29,7 +29,8 @@ public:
     CodeColumn(const std::byte* data, std::uint8_t width) : data_(data), width_(width) {}
 
     std::uint32_t operator[](std::size_t row) const {
-        return VisitCodeType(width_, [&](auto type) -> std::uint32_t { return ReadAt<decltype(type)>(data_, row); });
+        return VisitCodeType(width_,
+                             [&](auto type) -> std::uint32_t { return ReadAt<decltype(type)>(data_, row); });
     }
 
     /// The first row in [first, last) whose code is not less than `code`; the rows are sorted.

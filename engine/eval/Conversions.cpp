@@ -1,9 +1,9 @@
 #include "engine/eval/Binder.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
-
-#include <fmt/format.h>
 
 // How what stands in a statement becomes what is wanted there.
 
@@ -21,7 +21,8 @@ std::string_view KindOf(const Bound& bound) {
 
 class ConstantMemberExpression final : public MemberExpression {
 public:
-    explicit ConstantMemberExpression(MemberRef member) : MemberExpression(true, member.hierarchy), id_(member.id) {}
+    explicit ConstantMemberExpression(MemberRef member)
+        : MemberExpression(true, member.hierarchy), id_(member.id) {}
     MemberId Evaluate(Evaluator&) const override { return id_; }
 
 private:
@@ -57,12 +58,13 @@ SetPtr SetOfTuple(TupleExpression tuple) {
     const bool isConstant =
         std::all_of(tuple.begin(), tuple.end(), [](const MemberPtr& member) { return member->IsConstant(); });
     Shape shape = ShapeOf(tuple);
-    return MakeSet(isConstant, std::move(shape), [tuple = std::move(tuple)](Evaluator& evaluator, TupleSet& result) {
-        std::vector<MemberId> ids;
-        if (EvaluateTuple(tuple, evaluator, ids)) {
-            result.Append(std::span<const MemberId>(ids));
-        }
-    });
+    return MakeSet(isConstant, std::move(shape),
+                   [tuple = std::move(tuple)](Evaluator& evaluator, TupleSet& result) {
+                       std::vector<MemberId> ids;
+                       if (EvaluateTuple(tuple, evaluator, ids)) {
+                           result.Append(std::span<const MemberId>(ids));
+                       }
+                   });
 }
 
 NumberPtr ValueOf(TupleExpression tuple) {

@@ -1,10 +1,10 @@
 #include "engine/eval/SetOperations.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <numeric>
 #include <optional>
-
-#include <fmt/format.h>
 
 namespace qel::engine {
 
@@ -19,7 +19,8 @@ struct SharedColumn {
 /// The columns that restrict combinations: those with hierarchies on both sides.
 std::vector<SharedColumn> FindSharedColumns(const MemberSpace& space, const Shape& left, const Shape& right) {
     const auto dimensionOf = [&](HierarchyId hierarchy) -> std::optional<std::size_t> {
-        return space.KeyColumn(hierarchy) ? std::optional(space.Stored(hierarchy).DimensionIndex()) : std::nullopt;
+        return space.KeyColumn(hierarchy) ? std::optional(space.Stored(hierarchy).DimensionIndex())
+                                          : std::nullopt;
     };
     std::vector<SharedColumn> shared;
     for (std::size_t i = 0; i < left.size(); ++i) {
@@ -102,8 +103,9 @@ public:
     void Find(CodeRanges codes, std::vector<std::size_t>& found) const {
         found = unrestricted_;
         for (const KeyRange range : codes) {
-            auto entry = std::lower_bound(entries_.begin(), entries_.end(), range.last,
-                                          [](const Entry& e, std::uint32_t code) { return e.range.first < code; });
+            auto entry =
+                std::lower_bound(entries_.begin(), entries_.end(), range.last,
+                                 [](const Entry& e, std::uint32_t code) { return e.range.first < code; });
             while (entry != entries_.begin() && (--entry)->furthest > range.first) {
                 if (entry->range.last > range.first) {
                     found.push_back(entry->tuple);
@@ -178,10 +180,11 @@ SetPtr MakeCrossJoin(Binder& binder, SetPtr left, SetPtr right, mdx::NodeId node
         return MakeSet(true, std::move(shape), [](Evaluator&, TupleSet&) {});
     }
     const bool isConstant = left->IsConstant() && right->IsConstant();
-    return MakeSet(isConstant, std::move(shape),
-                   [left = std::move(left), right = std::move(right)](Evaluator& evaluator, TupleSet& result) {
-                       Join(evaluator.Space(), left->Evaluate(evaluator), right->Evaluate(evaluator), result);
-                   });
+    return MakeSet(
+        isConstant, std::move(shape),
+        [left = std::move(left), right = std::move(right)](Evaluator& evaluator, TupleSet& result) {
+            Join(evaluator.Space(), left->Evaluate(evaluator), right->Evaluate(evaluator), result);
+        });
 }
 
 } // namespace qel::engine

@@ -1,8 +1,8 @@
 #include "engine/eval/Evaluator.h"
 
-#include <algorithm>
-
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace qel::engine {
 
@@ -30,7 +30,8 @@ void FactCell::Restrict(std::size_t keyColumn, CodeRanges codes) {
     restrictions.push_back({keyColumn, codes});
 }
 
-Evaluator::Evaluator(const MemberSpace& space, std::string_view statement) : space_(space), statement_(statement) {
+Evaluator::Evaluator(const MemberSpace& space, std::string_view statement)
+    : space_(space), statement_(statement) {
     coordinates_.resize(space.HierarchyCount());
     for (HierarchyId hierarchy = 0; hierarchy < coordinates_.size(); ++hierarchy) {
         coordinates_[hierarchy] = space.DefaultMember(hierarchy);
@@ -173,9 +174,10 @@ Evaluator::Position::~Position() {
 
 Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::Place place) : evaluator_(evaluator) {
     if (evaluator.depth_ >= nestingLimit) {
-        mdx::RaiseAt(ErrorKind::InvalidExpression, evaluator.statement_, place,
-                     fmt::format("the calculated member needs more than {} others, or itself, to be evaluated",
-                                 nestingLimit));
+        mdx::RaiseAt(
+            ErrorKind::InvalidExpression, evaluator.statement_, place,
+            fmt::format("the calculated member needs more than {} others, or itself, to be evaluated",
+                        nestingLimit));
     }
     ++evaluator.depth_;
 }

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-// Expressions whose names are resolved and whose types are known: made once a statement, evaluated as often as
-// its cells need.
+// Expressions whose names are resolved and whose types are known: made once a statement, evaluated as often
+// as its cells need.
 
 namespace qel::engine {
 
@@ -52,7 +52,8 @@ public:
 
 class MemberExpression : public Expression {
 public:
-    MemberExpression(bool isConstant, HierarchyId hierarchy) : Expression(isConstant), hierarchy_(hierarchy) {}
+    MemberExpression(bool isConstant, HierarchyId hierarchy)
+        : Expression(isConstant), hierarchy_(hierarchy) {}
     HierarchyId Hierarchy() const { return hierarchy_; }
     /// noMember where there is none, such as the parent of a top member.
     virtual MemberId Evaluate(Evaluator& evaluator) const = 0;

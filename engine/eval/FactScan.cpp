@@ -15,8 +15,8 @@ bool AnyIsEmpty(std::span<const Restriction> restrictions) {
                        [](const Restriction& restriction) { return restriction.codes.empty(); });
 }
 
-/// Calls visit(projection, rows, mask) for every block of the rows that the plan leaves over, until it returns
-/// false. The mask is null when every row of the block is selected.
+/// Calls visit(projection, rows, mask) for every block of the rows that the plan leaves over, until it
+/// returns false. The mask is null when every row of the block is selected.
 template <class Visit>
 void VisitBlocks(const FactTable& facts, std::span<const Restriction> restrictions, const Visit& visit) {
     if (facts.RowCount() == 0 || AnyIsEmpty(restrictions)) {
@@ -73,7 +73,8 @@ std::uint64_t SumSelected(const std::byte* values, const std::uint8_t* mask, std
     return sum;
 }
 
-std::uint64_t SumSelected(const std::byte* values, std::uint8_t width, const std::uint8_t* mask, std::size_t count) {
+std::uint64_t SumSelected(const std::byte* values, std::uint8_t width, const std::uint8_t* mask,
+                          std::size_t count) {
     switch (width) {
     case 1:
         return SumSelected<std::int8_t>(values, mask, count);
@@ -92,15 +93,15 @@ FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictio
     const Measure& summed = facts.Measures()[measure];
     FactSum total;
     std::uint64_t sum = 0;
-    VisitBlocks(facts, restrictions,
-                [&](const Projection& projection, RowRange rows, const std::uint8_t* mask) {
-                    const std::uint64_t selected = CountSelected(mask, rows.Count());
-                    total.rows += selected;
-                    if (selected > 0 && summed.aggregate == Aggregate::Sum) {
-                        sum += SumSelected(projection.Values(measure, rows), summed.width, mask, rows.Count());
-                    }
-                    return true;
-                });
+    VisitBlocks(
+        facts, restrictions, [&](const Projection& projection, RowRange rows, const std::uint8_t* mask) {
+            const std::uint64_t selected = CountSelected(mask, rows.Count());
+            total.rows += selected;
+            if (selected > 0 && summed.aggregate == Aggregate::Sum) {
+                sum += SumSelected(projection.Values(measure, rows), summed.width, mask, rows.Count());
+            }
+            return true;
+        });
     total.sum = static_cast<std::int64_t>(sum);
     return total;
 }
@@ -117,16 +118,17 @@ bool AnyFact(const FactTable& facts, std::span<const Restriction> restrictions) 
 void MarkCodes(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t keyColumn,
                std::vector<std::uint8_t>& marks) {
     const std::uint8_t width = facts.KeyColumns()[keyColumn].width;
-    VisitBlocks(facts, restrictions, [&](const Projection& projection, RowRange rows, const std::uint8_t* mask) {
-        const CodeColumn codes(projection.Keys(keyColumn, rows), width);
-        for (std::size_t i = 0; i < rows.Count(); ++i) {
-            // A code comes from the file and is not trusted to lie within the marks.
-            if (const std::uint32_t code = codes[i]; code < marks.size()) {
-                marks[code] |= mask == nullptr ? std::uint8_t{1} : mask[i];
-            }
-        }
-        return true;
-    });
+    VisitBlocks(facts, restrictions,
+                [&](const Projection& projection, RowRange rows, const std::uint8_t* mask) {
+                    const CodeColumn codes(projection.Keys(keyColumn, rows), width);
+                    for (std::size_t i = 0; i < rows.Count(); ++i) {
+                        // A code comes from the file and is not trusted to lie within the marks.
+                        if (const std::uint32_t code = codes[i]; code < marks.size()) {
+                            marks[code] |= mask == nullptr ? std::uint8_t{1} : mask[i];
+                        }
+                    }
+                    return true;
+                });
 }
 
 } // namespace qel::engine

@@ -1,10 +1,10 @@
 #include "engine/eval/Functions.h"
 #include "engine/eval/SetOperations.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <array>
-
-#include <fmt/format.h>
 
 // Functions that walk a hierarchy from a member: its relatives, and the periods before it.
 
@@ -32,7 +32,8 @@ MemberPtr PeriodArgument(Call& call, std::size_t argument) {
 }
 
 /// The members from `first` to `last` in that order or the other, as far as the level has them.
-MemberRange ClippedToLevel(const MemberSpace& space, MemberRef member, std::int64_t first, std::int64_t last) {
+MemberRange ClippedToLevel(const MemberSpace& space, MemberRef member, std::int64_t first,
+                           std::int64_t last) {
     const MemberRange level = space.LevelMembers({member.hierarchy, space.LevelOf(member)});
     const auto clip = [&](std::int64_t id) {
         return static_cast<MemberId>(std::clamp<std::int64_t>(id, level.first, level.last));
@@ -45,43 +46,44 @@ Bound LastPeriods(Call& call) {
     MemberPtr member = PeriodArgument(call, 1);
     const HierarchyId hierarchy = member->Hierarchy();
     const bool isConstant = count->IsConstant() && member->IsConstant();
-    return MakeSet(isConstant, {hierarchy},
-                   [count = std::move(count), member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
-                       const MemberRef last{member->Hierarchy(), member->Evaluate(evaluator)};
-                       if (last.id == noMember || IsCalculated(last.id)) {
-                           return;
-                       }
-                       const std::int64_t periods = WholeNumber(count->Evaluate(evaluator));
-                       const std::int64_t id = last.id;
-                       const std::int64_t first = periods > 0 ? id - periods + 1 : id;
-                       const std::int64_t end = periods > 0 ? id + 1 : id - periods;
-                       result.Append(ClippedToLevel(evaluator.Space(), last, first, end));
-                   });
+    return MakeSet(
+        isConstant, {hierarchy},
+        [count = std::move(count), member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
+            const MemberRef last{member->Hierarchy(), member->Evaluate(evaluator)};
+            if (last.id == noMember || IsCalculated(last.id)) {
+                return;
+            }
+            const std::int64_t periods = WholeNumber(count->Evaluate(evaluator));
+            const std::int64_t id = last.id;
+            const std::int64_t first = periods > 0 ? id - periods + 1 : id;
+            const std::int64_t end = periods > 0 ? id + 1 : id - periods;
+            result.Append(ClippedToLevel(evaluator.Space(), last, first, end));
+        });
 }
 
 /// The members of the last's level from the first under the same ancestor up to it.
 SetPtr ToDate(LevelRef level, MemberPtr member) {
     const bool isConstant = member->IsConstant();
-    return MakeSet(isConstant, {level.hierarchy},
-                   [level, member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
-                       const MemberSpace& space = evaluator.Space();
-                       const MemberRef last{level.hierarchy, member->Evaluate(evaluator)};
-                       const MemberId ancestor = space.AncestorAt(last, level.level);
-                       if (ancestor == noMember || IsCalculated(ancestor)) {
-                           return;
-                       }
-                       const MemberRange all =
-                           space.DescendantsAt({level.hierarchy, ancestor}, space.LevelOf(last));
-                       result.Append(MemberRange{all.first, last.id + 1});
-                   });
+    return MakeSet(
+        isConstant, {level.hierarchy},
+        [level, member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
+            const MemberSpace& space = evaluator.Space();
+            const MemberRef last{level.hierarchy, member->Evaluate(evaluator)};
+            const MemberId ancestor = space.AncestorAt(last, level.level);
+            if (ancestor == noMember || IsCalculated(ancestor)) {
+                return;
+            }
+            const MemberRange all = space.DescendantsAt({level.hierarchy, ancestor}, space.LevelOf(last));
+            result.Append(MemberRange{all.first, last.id + 1});
+        });
 }
 
 Bound PeriodsToDate(Call& call) {
     const LevelRef level = call.binder.BindLevel(call.arguments[0]);
-    MemberPtr member = call.Count() > 1 ? call.Member(1)
-                                        : MakeMember(false, level.hierarchy, [level](Evaluator& evaluator) {
-                                              return evaluator.Current(level.hierarchy);
-                                          });
+    MemberPtr member =
+        call.Count() > 1 ? call.Member(1) : MakeMember(false, level.hierarchy, [level](Evaluator& evaluator) {
+            return evaluator.Current(level.hierarchy);
+        });
     if (member->Hierarchy() != level.hierarchy) {
         call.binder.Fail(call.arguments[1], "the member and the level are of different hierarchies");
     }
@@ -105,22 +107,23 @@ Bound ParallelPeriod(Call& call) {
         call.binder.Fail(call.arguments[2], "the member and the level are of different hierarchies");
     }
     const bool isConstant = lag->IsConstant() && member->IsConstant();
-    return MakeMember(isConstant, level.hierarchy,
-                      [level, lag = std::move(lag), member = std::move(member)](Evaluator& evaluator) {
-                          const MemberSpace& space = evaluator.Space();
-                          const MemberRef here{level.hierarchy, member->Evaluate(evaluator)};
-                          const MemberId ancestor = space.AncestorAt(here, level.level);
-                          const MemberId other = space.Shifted({level.hierarchy, ancestor},
-                                                               -WholeNumber(lag->Evaluate(evaluator)));
-                          if (other == noMember) {
-                              return noMember;
-                          }
-                          const std::size_t depth = space.LevelOf(here);
-                          const MemberId start = space.DescendantsAt({level.hierarchy, ancestor}, depth).first;
-                          const MemberRange there = space.DescendantsAt({level.hierarchy, other}, depth);
-                          const MemberId place = here.id - start;
-                          return place < there.Count() ? there.first + place : noMember;
-                      });
+    return MakeMember(
+        isConstant, level.hierarchy,
+        [level, lag = std::move(lag), member = std::move(member)](Evaluator& evaluator) {
+            const MemberSpace& space = evaluator.Space();
+            const MemberRef here{level.hierarchy, member->Evaluate(evaluator)};
+            const MemberId ancestor = space.AncestorAt(here, level.level);
+            const MemberId other =
+                space.Shifted({level.hierarchy, ancestor}, -WholeNumber(lag->Evaluate(evaluator)));
+            if (other == noMember) {
+                return noMember;
+            }
+            const std::size_t depth = space.LevelOf(here);
+            const MemberId start = space.DescendantsAt({level.hierarchy, ancestor}, depth).first;
+            const MemberRange there = space.DescendantsAt({level.hierarchy, other}, depth);
+            const MemberId place = here.id - start;
+            return place < there.Count() ? there.first + place : noMember;
+        });
 }
 
 Bound Ancestor(Call& call) {
@@ -130,7 +133,8 @@ Bound Ancestor(Call& call) {
     const Bound target = call.binder.Bind(call.arguments[1]);
     if (std::holds_alternative<NumberPtr>(target)) {
         NumberPtr distance = call.Number(1);
-        return MakeMember(isConstant && distance->IsConstant(), hierarchy,
+        const bool bothConstant = isConstant && distance->IsConstant();
+        return MakeMember(bothConstant, hierarchy,
                           [member = std::move(member), distance = std::move(distance)](Evaluator& evaluator) {
                               MemberRef ancestor{member->Hierarchy(), member->Evaluate(evaluator)};
                               std::int64_t steps = WholeNumber(distance->Evaluate(evaluator));
@@ -150,12 +154,13 @@ Bound Ascendants(Call& call) {
     MemberPtr member = call.Member(0);
     const HierarchyId hierarchy = member->Hierarchy();
     const bool isConstant = member->IsConstant();
-    return MakeSet(isConstant, {hierarchy}, [member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
-        MemberRef step{member->Hierarchy(), member->Evaluate(evaluator)};
-        for (; step.id != noMember; step.id = evaluator.Space().Parent(step)) {
-            result.Append({&step.id, 1});
-        }
-    });
+    return MakeSet(isConstant, {hierarchy},
+                   [member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
+                       MemberRef step{member->Hierarchy(), member->Evaluate(evaluator)};
+                       for (; step.id != noMember; step.id = evaluator.Space().Parent(step)) {
+                           result.Append({&step.id, 1});
+                       }
+                   });
 }
 
 /// Which levels Descendants takes, seen from the level that it is given.
@@ -164,9 +169,14 @@ struct Reach {
 };
 
 Reach ReachOf(Call& call) {
-    constexpr std::array<std::string_view, 8> flags{"self",          "after",           "before",
-                                                    "self_and_after", "self_and_before", "before_and_after",
-                                                    "self_before_after", "leaves"};
+    constexpr std::array<std::string_view, 8> flags{"self",
+                                                    "after",
+                                                    "before",
+                                                    "self_and_after",
+                                                    "self_and_before",
+                                                    "before_and_after",
+                                                    "self_before_after",
+                                                    "leaves"};
     constexpr std::array<Reach, 8> reaches{{{false, true, false, false},
                                             {false, false, true, false},
                                             {true, false, false, false},
@@ -215,8 +225,8 @@ Bound Descendants(Call& call) {
         }
     }
     return MakeSet(isConstant, {hierarchy},
-                   [reach, level, member = std::move(member), distance = std::move(distance)](Evaluator& evaluator,
-                                                                                              TupleSet& result) {
+                   [reach, level, member = std::move(member),
+                    distance = std::move(distance)](Evaluator& evaluator, TupleSet& result) {
                        const MemberRef top{member->Hierarchy(), member->Evaluate(evaluator)};
                        if (top.id == noMember || IsCalculated(top.id)) {
                            return;

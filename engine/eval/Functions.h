@@ -21,7 +21,8 @@ struct Call {
     MemberPtr Member(std::size_t argument) { return binder.BindMember(arguments[argument]); }
     /// The argument's value, or nothing when it was left out.
     NumberPtr OptionalNumber(std::size_t argument) { return Count() > argument ? Number(argument) : nullptr; }
-    /// The place of `Word(argument)` in `words`; raises InvalidExpression naming them when it is none of them.
+    /// The place of `Word(argument)` in `words`; raises InvalidExpression naming them when it is none of
+    /// them.
     std::size_t Flag(std::size_t argument, std::span<const std::string_view> words) const;
 };
 

@@ -9,7 +9,8 @@ std::string MemberSpace::HierarchyUniqueName(HierarchyId hierarchy) const {
 }
 
 MemberId MemberSpace::DefaultMember(HierarchyId hierarchy) const {
-    return IsMeasures(hierarchy) ? static_cast<MemberId>(cube_.DefaultMeasure()) : Stored(hierarchy).DefaultMember();
+    return IsMeasures(hierarchy) ? static_cast<MemberId>(cube_.DefaultMeasure())
+                                 : Stored(hierarchy).DefaultMember();
 }
 
 std::size_t MemberSpace::LevelCount(HierarchyId hierarchy) const {
@@ -32,17 +33,21 @@ MemberRange MemberSpace::AllMembers(HierarchyId hierarchy) const {
 }
 
 std::size_t MemberSpace::LevelOf(MemberRef member) const {
-    return IsMeasures(member.hierarchy) || IsCalculated(member.id) ? 0 : Stored(member.hierarchy).LevelOf(member.id);
+    return IsMeasures(member.hierarchy) || IsCalculated(member.id)
+               ? 0
+               : Stored(member.hierarchy).LevelOf(member.id);
 }
 
 MemberId MemberSpace::Parent(MemberRef member) const {
-    return IsMeasures(member.hierarchy) || IsCalculated(member.id) ? noMember
-                                                                   : Stored(member.hierarchy).Parent(member.id);
+    return IsMeasures(member.hierarchy) || IsCalculated(member.id)
+               ? noMember
+               : Stored(member.hierarchy).Parent(member.id);
 }
 
 MemberRange MemberSpace::Children(MemberRef member) const {
-    return IsMeasures(member.hierarchy) || IsCalculated(member.id) ? MemberRange{}
-                                                                   : Stored(member.hierarchy).Children(member.id);
+    return IsMeasures(member.hierarchy) || IsCalculated(member.id)
+               ? MemberRange{}
+               : Stored(member.hierarchy).Children(member.id);
 }
 
 MemberRange MemberSpace::Siblings(MemberRef member) const {
@@ -58,7 +63,8 @@ MemberRange MemberSpace::DescendantsAt(MemberRef member, std::size_t level) cons
     MemberRange range{member.id, member.id + 1};
     // Neighbours have neighbouring children, so the descendants on every level are one range.
     for (; at < level && range.Count() > 0; ++at) {
-        range = {Children({member.hierarchy, range.first}).first, Children({member.hierarchy, range.last - 1}).last};
+        range = {Children({member.hierarchy, range.first}).first,
+                 Children({member.hierarchy, range.last - 1}).last};
     }
     return range;
 }
@@ -96,8 +102,9 @@ std::string_view MemberSpace::Caption(MemberRef member) const {
 }
 
 std::string_view MemberSpace::Key(MemberRef member) const {
-    return IsMeasures(member.hierarchy) || IsCalculated(member.id) ? Name(member)
-                                                                   : Stored(member.hierarchy).MemberKey(member.id);
+    return IsMeasures(member.hierarchy) || IsCalculated(member.id)
+               ? Name(member)
+               : Stored(member.hierarchy).MemberKey(member.id);
 }
 
 std::string MemberSpace::UniqueName(MemberRef member) const {

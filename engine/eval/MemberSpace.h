@@ -64,7 +64,8 @@ public:
     MemberRange Siblings(MemberRef member) const;
     /// Those of the member's descendants (or the member itself) that lie on the level.
     MemberRange DescendantsAt(MemberRef member, std::size_t level) const;
-    /// The member itself when it lies on the level, its ancestor there when it lies below, otherwise noMember.
+    /// The member itself when it lies on the level, its ancestor there when it lies below, otherwise
+    /// noMember.
     MemberId AncestorAt(MemberRef member, std::size_t level) const;
     /// `steps` further on the member's level (before it when negative); noMember beyond the level's ends.
     MemberId Shifted(MemberRef member, std::int64_t steps) const;

@@ -1,9 +1,9 @@
 #include "engine/eval/Functions.h"
 #include "engine/mdx/Words.h"
 
-#include <array>
-
 #include <fmt/format.h>
+
+#include <array>
 
 // Functions of hierarchies, levels, members and sets, written after a dot.
 
@@ -89,7 +89,8 @@ Bound MethodBinder::Bind() {
                       [](const MemberSpace& space, MemberRef of) { return std::string(space.Key(of)); });
     }
     if (IsWord(name_, "uniquename")) {
-        return TextOf(std::move(target), [](const MemberSpace& space, MemberRef of) { return space.UniqueName(of); });
+        return TextOf(std::move(target),
+                      [](const MemberSpace& space, MemberRef of) { return space.UniqueName(of); });
     }
     if (IsWord(name_, "children")) {
         return ChildrenOf(member());
@@ -107,10 +108,12 @@ Bound MethodBinder::Bind() {
         return Relative(member(), [](const MemberSpace& space, MemberRef of) { return space.Parent(of); });
     }
     if (IsWord(name_, "prevmember")) {
-        return Relative(member(), [](const MemberSpace& space, MemberRef of) { return space.Shifted(of, -1); });
+        return Relative(member(),
+                        [](const MemberSpace& space, MemberRef of) { return space.Shifted(of, -1); });
     }
     if (IsWord(name_, "nextmember")) {
-        return Relative(member(), [](const MemberSpace& space, MemberRef of) { return space.Shifted(of, 1); });
+        return Relative(member(),
+                        [](const MemberSpace& space, MemberRef of) { return space.Shifted(of, 1); });
     }
     const bool ofSiblings = IsWord(name_, "firstsibling") || IsWord(name_, "lastsibling");
     const bool first = IsWord(name_, "firstchild") || IsWord(name_, "firstsibling");
@@ -127,41 +130,45 @@ Bound MethodBinder::AllOf(const Bound& target, bool withCalculated) {
     const auto* level = std::get_if<LevelName>(&target);
     const HierarchyId hierarchy = level != nullptr ? level->level.hierarchy : HierarchyOf(target);
     const MemberSpace& space = binder_.Space();
-    const MemberRange range = level != nullptr ? space.LevelMembers(level->level) : space.AllMembers(hierarchy);
+    const MemberRange range =
+        level != nullptr ? space.LevelMembers(level->level) : space.AllMembers(hierarchy);
     const bool isTop = level == nullptr || level->level.level == 0;
-    return MakeSet(true, {hierarchy},
-                   [hierarchy, range, calculated = withCalculated && isTop](Evaluator& evaluator, TupleSet& result) {
-                       result.Append(range);
-                       const auto& names = evaluator.Space().Calculated();
-                       for (std::size_t i = 0; calculated && i < names.size(); ++i) {
-                           const MemberId id = firstCalculated + static_cast<MemberId>(i);
-                           if (names[i].hierarchy == hierarchy) {
-                               result.Append({&id, 1});
-                           }
-                       }
-                   });
+    return MakeSet(
+        true, {hierarchy},
+        [hierarchy, range, calculated = withCalculated && isTop](Evaluator& evaluator, TupleSet& result) {
+            result.Append(range);
+            const auto& names = evaluator.Space().Calculated();
+            for (std::size_t i = 0; calculated && i < names.size(); ++i) {
+                const MemberId id = firstCalculated + static_cast<MemberId>(i);
+                if (names[i].hierarchy == hierarchy) {
+                    result.Append({&id, 1});
+                }
+            }
+        });
 }
 
 Bound MethodBinder::ChildrenOf(MemberPtr member) {
     const HierarchyId hierarchy = member->Hierarchy();
     const bool isConstant = member->IsConstant();
-    return MakeSet(isConstant, {hierarchy}, [member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
-        const MemberRef parent{member->Hierarchy(), member->Evaluate(evaluator)};
-        if (parent.id != noMember) {
-            result.Append(evaluator.Space().Children(parent));
-        }
-    });
+    return MakeSet(isConstant, {hierarchy},
+                   [member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
+                       const MemberRef parent{member->Hierarchy(), member->Evaluate(evaluator)};
+                       if (parent.id != noMember) {
+                           result.Append(evaluator.Space().Children(parent));
+                       }
+                   });
 }
 
 Bound MethodBinder::SiblingsOf(MemberPtr member) {
     const HierarchyId hierarchy = member->Hierarchy();
     const bool isConstant = member->IsConstant();
-    return MakeSet(isConstant, {hierarchy}, [member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
-        const MemberRef sibling{member->Hierarchy(), member->Evaluate(evaluator)};
-        if (sibling.id != noMember) {
-            result.Append(evaluator.Space().Siblings(sibling));
-        }
-    });
+    return MakeSet(isConstant, {hierarchy},
+                   [member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
+                       const MemberRef sibling{member->Hierarchy(), member->Evaluate(evaluator)};
+                       if (sibling.id != noMember) {
+                           result.Append(evaluator.Space().Siblings(sibling));
+                       }
+                   });
 }
 
 Bound MethodBinder::Levels(HierarchyId hierarchy) {
@@ -179,14 +186,14 @@ Bound MethodBinder::Item(SetPtr set) {
     const std::shared_ptr<const NumberExpression> index = Argument();
     TupleExpression tuple;
     for (std::size_t place = 0; place < shared->GetShape().size(); ++place) {
-        tuple.push_back(MakeMember(shared->IsConstant() && index->IsConstant(), shared->GetShape()[place],
-                                   [shared, index, place](Evaluator& evaluator) {
-                                       const TupleSet tuples = shared->Evaluate(evaluator);
-                                       const std::int64_t item = WholeNumber(index->Evaluate(evaluator));
-                                       const bool exists =
-                                           item >= 0 && static_cast<std::size_t>(item) < tuples.Count();
-                                       return exists ? tuples.At(static_cast<std::size_t>(item))[place] : noMember;
-                                   }));
+        tuple.push_back(
+            MakeMember(shared->IsConstant() && index->IsConstant(), shared->GetShape()[place],
+                       [shared, index, place](Evaluator& evaluator) {
+                           const TupleSet tuples = shared->Evaluate(evaluator);
+                           const std::int64_t item = WholeNumber(index->Evaluate(evaluator));
+                           const bool exists = item >= 0 && static_cast<std::size_t>(item) < tuples.Count();
+                           return exists ? tuples.At(static_cast<std::size_t>(item))[place] : noMember;
+                       }));
     }
     if (tuple.size() == 1) {
         return std::move(tuple.front());
@@ -198,11 +205,12 @@ Bound MethodBinder::Shifted(MemberPtr member, int direction) {
     const HierarchyId hierarchy = member->Hierarchy();
     NumberPtr steps = Argument();
     const bool isConstant = member->IsConstant() && steps->IsConstant();
-    return MakeMember(isConstant, hierarchy,
-                      [direction, member = std::move(member), steps = std::move(steps)](Evaluator& evaluator) {
-                          return evaluator.Space().Shifted({member->Hierarchy(), member->Evaluate(evaluator)},
-                                                           direction * WholeNumber(steps->Evaluate(evaluator)));
-                      });
+    return MakeMember(
+        isConstant, hierarchy,
+        [direction, member = std::move(member), steps = std::move(steps)](Evaluator& evaluator) {
+            return evaluator.Space().Shifted({member->Hierarchy(), member->Evaluate(evaluator)},
+                                             direction * WholeNumber(steps->Evaluate(evaluator)));
+        });
 }
 
 template <class Find>
@@ -230,7 +238,8 @@ HierarchyId MethodBinder::HierarchyOf(const Bound& target) {
     if (const auto* level = std::get_if<LevelName>(&target)) {
         return level->level.hierarchy;
     }
-    if (const auto* member = std::get_if<MemberPtr>(&target); member != nullptr && !IsWord(name_, "members")) {
+    if (const auto* member = std::get_if<MemberPtr>(&target);
+        member != nullptr && !IsWord(name_, "members")) {
         return (*member)->Hierarchy();
     }
     binder_.Fail(target_, fmt::format("expected a hierarchy or a level before .{}", name_));

@@ -2,9 +2,9 @@
 
 #include "engine/text/CaseFold.h"
 
-#include <algorithm>
-
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace qel::engine {
 
@@ -94,7 +94,8 @@ std::optional<Resolved> NameResolver::InMeasures() {
     }
     furthest_ = part;
     if (const auto calculated = space_.FindCalculated(measures, parts_[part]->text)) {
-        return part + 1 == parts_.size() ? std::optional<Resolved>(MemberRef{measures, *calculated}) : std::nullopt;
+        return part + 1 == parts_.size() ? std::optional<Resolved>(MemberRef{measures, *calculated})
+                                         : std::nullopt;
     }
     const std::optional<std::size_t> measure = space_.GetCube().FindMeasure(parts_[part]->text);
     if (!measure || part + 1 < parts_.size()) {
@@ -116,7 +117,8 @@ std::optional<Resolved> NameResolver::InHierarchy(HierarchyId hierarchy, std::si
         }
     }
     const MemberRange all = space_.AllMembers(hierarchy);
-    const auto level = parts_[part]->isKey ? std::nullopt : space_.Stored(hierarchy).FindLevel(parts_[part]->text);
+    const auto level =
+        parts_[part]->isKey ? std::nullopt : space_.Stored(hierarchy).FindLevel(parts_[part]->text);
     if (level && isLast) {
         return LevelName{{hierarchy, *level}, MemberPath(hierarchy, all, part)};
     }
@@ -172,12 +174,14 @@ void NameResolver::Fail(bool wantsLevel) const {
     const mdx::Node& part = *parts_[failed];
     std::string before;
     for (std::size_t i = 0; i < failed; ++i) {
-        before += (i > 0 ? "." : "") + std::string(parts_[i]->isKey ? "&" : "") + mdx::Bracketed(parts_[i]->text);
+        before +=
+            (i > 0 ? "." : "") + std::string(parts_[i]->isKey ? "&" : "") + mdx::Bracketed(parts_[i]->text);
     }
     const std::string name = (part.isKey ? "&" : "") + mdx::Bracketed(part.text);
     if (failed == 0) {
-        mdx::RaiseAt(ErrorKind::UnknownName, statement_.source, part.place,
-                     fmt::format("the cube {} has no dimension {}", mdx::Bracketed(space_.GetCube().Name()), name));
+        mdx::RaiseAt(
+            ErrorKind::UnknownName, statement_.source, part.place,
+            fmt::format("the cube {} has no dimension {}", mdx::Bracketed(space_.GetCube().Name()), name));
     }
     const bool isMember = !wantsLevel || failed + 1 < parts_.size();
     mdx::RaiseAt(isMember ? ErrorKind::UnknownMember : ErrorKind::UnknownName, statement_.source, part.place,

@@ -21,14 +21,15 @@ struct LevelName {
 /// What a path means.
 using Resolved = std::variant<HierarchyName, LevelName, MemberRef>;
 
-/// Looks up dotted names in a cube. A part after the dimension's name may be a hierarchy, a level or a member;
-/// these readings are tried in this order, and the first under which every part has a meaning counts.
+/// Looks up dotted names in a cube. A part after the dimension's name may be a hierarchy, a level or a
+/// member; these readings are tried in this order, and the first under which every part has a meaning counts.
 class NameResolver {
 public:
-    NameResolver(const MemberSpace& space, const mdx::Statement& statement) : space_(space), statement_(statement) {}
+    NameResolver(const MemberSpace& space, const mdx::Statement& statement)
+        : space_(space), statement_(statement) {}
 
-    /// Raises EngineError at the part that has no meaning: UnknownName, or UnknownMember when it stands where a
-    /// member does. `wantsLevel` says that only a hierarchy or a level makes sense here.
+    /// Raises EngineError at the part that has no meaning: UnknownName, or UnknownMember when it stands where
+    /// a member does. `wantsLevel` says that only a hierarchy or a level makes sense here.
     Resolved Resolve(const mdx::Node& path, bool wantsLevel);
     /// The hierarchy that a calculated member of this name belongs to; its own name is the last part.
     HierarchyId HierarchyOfNew(const mdx::Node& path);

@@ -32,8 +32,9 @@ public:
             if (!keyColumn) {
                 continue;
             }
-            auto column = std::find_if(columns_.begin(), columns_.end(),
-                                       [&](const AxisColumn& known) { return known.keyColumn == *keyColumn; });
+            auto column = std::find_if(columns_.begin(), columns_.end(), [&](const AxisColumn& known) {
+                return known.keyColumn == *keyColumn;
+            });
             if (column == columns_.end()) {
                 columns_.push_back({*keyColumn, {}, {}, {}});
                 column = columns_.end() - 1;

@@ -15,11 +15,12 @@ Bound Sum(Call& call) {
     }
     Bound value = call.binder.Bind(call.arguments[1]);
     std::optional<MemberRef> member;
-    if (const auto* expression = std::get_if<MemberPtr>(&value); expression != nullptr && (*expression)->IsConstant()) {
+    if (const auto* expression = std::get_if<MemberPtr>(&value);
+        expression != nullptr && (*expression)->IsConstant()) {
         member = MemberRef{(*expression)->Hierarchy(), (*expression)->Evaluate(call.binder.GetEvaluator())};
     }
-    return std::make_unique<SumOfSet>(std::move(set), call.binder.ToNumber(std::move(value), call.arguments[1]),
-                                      member);
+    return std::make_unique<SumOfSet>(std::move(set),
+                                      call.binder.ToNumber(std::move(value), call.arguments[1]), member);
 }
 
 /// Calls `take(value)` with the value of every tuple's cell that is not empty, and gives the number of all.
@@ -86,7 +87,8 @@ Bound IIf(Call& call) {
     if (std::holds_alternative<TextPtr>(whenTrue)) {
         return MakeText([condition = std::move(condition), whenTrue = std::get<TextPtr>(std::move(whenTrue)),
                          whenFalse = call.binder.BindText(call.arguments[2])](Evaluator& evaluator) {
-            return condition->Evaluate(evaluator) ? whenTrue->Evaluate(evaluator) : whenFalse->Evaluate(evaluator);
+            return condition->Evaluate(evaluator) ? whenTrue->Evaluate(evaluator)
+                                                  : whenFalse->Evaluate(evaluator);
         });
     }
     return MakeNumber(false, [condition = std::move(condition),

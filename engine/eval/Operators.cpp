@@ -74,7 +74,8 @@ Bound Binder::BindChain(NodeId id) {
         SetPtr joined = ToSet(std::move(operands[0]), first);
         NodeId child = At(first).next;
         for (std::size_t i = 1; i < operands.size(); ++i, child = At(child).next) {
-            joined = JoinSets(*this, At(child).joiner, std::move(joined), ToSet(std::move(operands[i]), child), child);
+            joined = JoinSets(*this, At(child).joiner, std::move(joined),
+                              ToSet(std::move(operands[i]), child), child);
         }
         return joined;
     }

@@ -29,7 +29,8 @@ struct AxisMember {
     std::string name, caption, uniqueName, levelName;
     std::uint32_t levelDepth = 0;
     std::uint32_t hierarchy = 0; ///< its number in the cube; for a measure, one more than the last
-    MemberId member = noMember;  ///< its number in the hierarchy; noMember for a measure or a calculated member
+    MemberId member =
+        noMember; ///< its number in the hierarchy; noMember for a measure or a calculated member
 };
 
 /// The answer to a statement: axes of positions (tuples of members), and a cell for every combination.

@@ -4,9 +4,9 @@
 #include "engine/mdx/Parser.h"
 #include "engine/text/CaseFold.h"
 
-#include <algorithm>
-
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace qel::engine {
 
@@ -98,7 +98,8 @@ void StatementRun::EvaluateAxes() {
     for (const TupleSet& axis : axes_) {
         cells *= std::max<std::size_t>(1, axis.Count());
         if (cells > setLimit) {
-            throw EngineError(ErrorKind::TooLarge, fmt::format("the answer has more than {} cells", setLimit));
+            throw EngineError(ErrorKind::TooLarge,
+                              fmt::format("the answer has more than {} cells", setLimit));
         }
     }
 }
@@ -203,6 +204,8 @@ void StatementRun::RemoveEmptyByCells(std::vector<CellValue>& cells) {
 
 } // namespace
 
-Cellset RunStatement(const Cube& cube, std::string_view statement) { return StatementRun(cube, statement).Run(); }
+Cellset RunStatement(const Cube& cube, std::string_view statement) {
+    return StatementRun(cube, statement).Run();
+}
 
 } // namespace qel::engine

@@ -50,7 +50,8 @@ struct Choice {
 
 /// The cheaper of two ways through one projection: all rows of the leading codes, or a search for the second
 /// key's codes inside each leading code.
-Choice BestChoice(const FactTable& facts, const Projection& projection, std::span<const Restriction> restrictions) {
+Choice BestChoice(const FactTable& facts, const Projection& projection,
+                  std::span<const Restriction> restrictions) {
     const std::span<const std::uint16_t> order = projection.SortOrder();
     Choice choice;
     choice.projection = &projection;
@@ -84,12 +85,13 @@ void AppendRows(RowRange rows, std::vector<RowRange>& result) {
 }
 
 /// Inside the rows of one leading code, which the second key sorts.
-void SearchSecond(const FactTable& facts, const Projection& projection, RowRange rows, const Restriction& second,
-                  std::vector<RowRange>& result) {
+void SearchSecond(const FactTable& facts, const Projection& projection, RowRange rows,
+                  const Restriction& second, std::vector<RowRange>& result) {
     if (rows.Count() == 0) {
         return;
     }
-    const CodeColumn codes(projection.Keys(second.keyColumn, rows), facts.KeyColumns()[second.keyColumn].width);
+    const CodeColumn codes(projection.Keys(second.keyColumn, rows),
+                           facts.KeyColumns()[second.keyColumn].width);
     std::size_t position = 0;
     for (const KeyRange range : second.codes) {
         const std::size_t first = codes.LowerBound(position, rows.Count(), range.first);

@@ -28,7 +28,8 @@ Bound Combine(Call& call, SetOperation operation) {
     }
     SetPtr combined = call.Set(0);
     for (std::size_t i = 1; i < call.Count(); ++i) {
-        combined = MakeSetOperation(call.binder, operation, std::move(combined), call.Set(i), all, call.arguments[i]);
+        combined = MakeSetOperation(call.binder, operation, std::move(combined), call.Set(i), all,
+                                    call.arguments[i]);
     }
     return combined;
 }
@@ -40,7 +41,8 @@ Bound Except(Call& call) { return Combine(call, SetOperation::Except); }
 Bound Distinct(Call& call) {
     SetPtr set = call.Set(0);
     SetPtr none = MakeSet(true, set->GetShape(), [](Evaluator&, TupleSet&) {});
-    return MakeSetOperation(call.binder, SetOperation::Union, std::move(set), std::move(none), false, call.node);
+    return MakeSetOperation(call.binder, SetOperation::Union, std::move(set), std::move(none), false,
+                            call.node);
 }
 
 /// `piece(count, set size)` gives the first tuple of the piece and the one behind its last.
@@ -48,28 +50,31 @@ template <class Piece>
 Bound Cut(SetPtr set, NumberPtr number, const Piece& piece) {
     Shape shape = set->GetShape();
     const bool isConstant = set->IsConstant() && (!number || number->IsConstant());
-    return MakeSet(isConstant, std::move(shape),
-                   [piece, set = std::move(set), number = std::move(number)](Evaluator& evaluator, TupleSet& result) {
-                       const TupleSet whole = set->Evaluate(evaluator);
-                       const auto size = static_cast<std::int64_t>(whole.Count());
-                       const std::int64_t count = number ? WholeNumber(number->Evaluate(evaluator)) : 1;
-                       const auto [first, last] = piece(count, size);
-                       for (std::int64_t i = std::max<std::int64_t>(0, first); i < std::min(size, last); ++i) {
-                           result.Append(whole.At(static_cast<std::size_t>(i)));
-                       }
-                   });
+    return MakeSet(
+        isConstant, std::move(shape),
+        [piece, set = std::move(set), number = std::move(number)](Evaluator& evaluator, TupleSet& result) {
+            const TupleSet whole = set->Evaluate(evaluator);
+            const auto size = static_cast<std::int64_t>(whole.Count());
+            const std::int64_t count = number ? WholeNumber(number->Evaluate(evaluator)) : 1;
+            const auto [first, last] = piece(count, size);
+            for (std::int64_t i = std::max<std::int64_t>(0, first); i < std::min(size, last); ++i) {
+                result.Append(whole.At(static_cast<std::size_t>(i)));
+            }
+        });
 }
 
 using Bounds = std::pair<std::int64_t, std::int64_t>;
 
 Bound Head(Call& call) {
-    return Cut(call.Set(0), call.OptionalNumber(1),
-               [](std::int64_t count, std::int64_t) { return Bounds{0, count}; });
+    return Cut(call.Set(0), call.OptionalNumber(1), [](std::int64_t count, std::int64_t) {
+        return Bounds{0, count};
+    });
 }
 
 Bound Tail(Call& call) {
-    return Cut(call.Set(0), call.OptionalNumber(1),
-               [](std::int64_t count, std::int64_t size) { return Bounds{size - count, size}; });
+    return Cut(call.Set(0), call.OptionalNumber(1), [](std::int64_t count, std::int64_t size) {
+        return Bounds{size - count, size};
+    });
 }
 
 Bound Subset(Call& call) {
@@ -77,8 +82,9 @@ Bound Subset(Call& call) {
         return Bounds{start < 0 ? size : start, size};
     }));
     return call.Count() < 3 ? Bound(std::move(from))
-                            : Cut(std::move(from), call.Number(2),
-                                  [](std::int64_t count, std::int64_t) { return Bounds{0, count}; });
+                            : Cut(std::move(from), call.Number(2), [](std::int64_t count, std::int64_t) {
+                                  return Bounds{0, count};
+                              });
 }
 
 Bound HierarchizeSet(Call& call) {

@@ -78,8 +78,8 @@ void Hierarchize(const MemberSpace& space, TupleSet& set, bool post) {
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
         for (std::size_t i = 0; i < set.shape.size(); ++i) {
-            const int comparison = CompareInTree(space, {set.shape[i], set.At(left)[i]},
-                                            {set.shape[i], set.At(right)[i]}, post);
+            const int comparison =
+                CompareInTree(space, {set.shape[i], set.At(left)[i]}, {set.shape[i], set.At(right)[i]}, post);
             if (comparison != 0) {
                 return comparison < 0;
             }

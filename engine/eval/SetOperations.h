@@ -4,8 +4,8 @@
 
 namespace qel::engine {
 
-/// Every tuple of one set with every tuple of the other; of hierarchies of one dimension only the combinations
-/// whose members share codes. Raises InvalidExpression when the sets share a hierarchy.
+/// Every tuple of one set with every tuple of the other; of hierarchies of one dimension only the
+/// combinations whose members share codes. Raises InvalidExpression when the sets share a hierarchy.
 SetPtr MakeCrossJoin(Binder& binder, SetPtr left, SetPtr right, mdx::NodeId node);
 
 enum class SetOperation { Union, Intersect, Except };

@@ -52,8 +52,8 @@ Bound Extremes(Call& call, int sign) {
     SetPtr set = call.Set(0);
     Shape shape = set->GetShape();
     return MakeSet(false, std::move(shape),
-                   [sign, set = std::move(set), count = call.Number(1), value = call.OptionalNumber(2)](
-                       Evaluator& evaluator, TupleSet& result) {
+                   [sign, set = std::move(set), count = call.Number(1),
+                    value = call.OptionalNumber(2)](Evaluator& evaluator, TupleSet& result) {
                        const TupleSet whole = set->Evaluate(evaluator);
                        Order order = FirstToLast(whole.Count());
                        if (value) {
@@ -121,25 +121,26 @@ bool IsNumberLike(const Bound& bound) { return !std::holds_alternative<TextPtr>(
 
 Bound SortByText(SetPtr set, TextPtr text, int sign) {
     Shape shape = set->GetShape();
-    return MakeSet(false, std::move(shape),
-                   [sign, set = std::move(set), text = std::move(text)](Evaluator& evaluator, TupleSet& result) {
-                       const TupleSet whole = set->Evaluate(evaluator);
-                       const auto texts = ValuesOf<std::string>(text, whole, evaluator);
-                       Order order = FirstToLast(whole.Count());
-                       std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-                           return sign * texts[a].compare(texts[b]) < 0;
-                       });
-                       for (const std::size_t tuple : order) {
-                           result.Append(whole.At(tuple));
-                       }
-                   });
+    return MakeSet(
+        false, std::move(shape),
+        [sign, set = std::move(set), text = std::move(text)](Evaluator& evaluator, TupleSet& result) {
+            const TupleSet whole = set->Evaluate(evaluator);
+            const auto texts = ValuesOf<std::string>(text, whole, evaluator);
+            Order order = FirstToLast(whole.Count());
+            std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+                return sign * texts[a].compare(texts[b]) < 0;
+            });
+            for (const std::size_t tuple : order) {
+                result.Append(whole.At(tuple));
+            }
+        });
 }
 
 Bound SortByNumber(SetPtr set, NumberPtr value, int sign, bool withinFamilies) {
     Shape shape = set->GetShape();
     return MakeSet(false, std::move(shape),
-                   [sign, withinFamilies, set = std::move(set), value = std::move(value)](Evaluator& evaluator,
-                                                                                          TupleSet& result) {
+                   [sign, withinFamilies, set = std::move(set),
+                    value = std::move(value)](Evaluator& evaluator, TupleSet& result) {
                        const TupleSet whole = set->Evaluate(evaluator);
                        Order order = FirstToLast(whole.Count());
                        if (withinFamilies && whole.shape.size() == 1) {
@@ -168,7 +169,8 @@ Bound OrderSet(Call& call) {
     if (!IsNumberLike(key)) {
         return SortByText(std::move(set), std::get<TextPtr>(std::move(key)), sign);
     }
-    return SortByNumber(std::move(set), call.binder.ToNumber(std::move(key), call.arguments[1]), sign, flag < 2);
+    return SortByNumber(std::move(set), call.binder.ToNumber(std::move(key), call.arguments[1]), sign,
+                        flag < 2);
 }
 
 constexpr std::array<Function, 4> functions{{{"Filter", 2, 2, Filter},

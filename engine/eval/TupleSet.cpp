@@ -2,9 +2,9 @@
 
 #include "engine/EngineError.h"
 
-#include <numeric>
-
 #include <fmt/format.h>
+
+#include <numeric>
 
 namespace qel::engine {
 

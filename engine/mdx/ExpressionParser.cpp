@@ -14,27 +14,27 @@ namespace {
 /// Deep enough for people, shallow enough for the small stack of a thread of a spreadsheet.
 constexpr int nestingLimit = 100;
 
-struct Joiner {
+struct OperatorToken {
     TokenKind kind;
     std::string_view word; ///< for a Word
     Operator op;
 };
 
 /// The operators from the loosest to the tightest binding.
-constexpr Joiner disjunction[] = {{TokenKind::Word, "or", Operator::Or},
-                                  {TokenKind::Word, "xor", Operator::Xor}};
-constexpr Joiner conjunction[] = {{TokenKind::Word, "and", Operator::And}};
-constexpr Joiner comparison[] = {
+constexpr OperatorToken disjunction[] = {{TokenKind::Word, "or", Operator::Or},
+                                         {TokenKind::Word, "xor", Operator::Xor}};
+constexpr OperatorToken conjunction[] = {{TokenKind::Word, "and", Operator::And}};
+constexpr OperatorToken comparison[] = {
     {TokenKind::Equal, "", Operator::Equal},     {TokenKind::NotEqual, "", Operator::NotEqual},
     {TokenKind::Less, "", Operator::Less},       {TokenKind::LessOrEqual, "", Operator::LessOrEqual},
     {TokenKind::Greater, "", Operator::Greater}, {TokenKind::GreaterOrEqual, "", Operator::GreaterOrEqual},
     {TokenKind::Word, "is", Operator::Is}};
-constexpr Joiner addition[] = {{TokenKind::Plus, "", Operator::Add},
-                               {TokenKind::Minus, "", Operator::Subtract}};
-constexpr Joiner multiplication[] = {{TokenKind::Star, "", Operator::Multiply},
-                                     {TokenKind::Slash, "", Operator::Divide}};
-constexpr std::array<std::span<const Joiner>, 5> precedences{disjunction, conjunction, comparison, addition,
-                                                             multiplication};
+constexpr OperatorToken addition[] = {{TokenKind::Plus, "", Operator::Add},
+                                      {TokenKind::Minus, "", Operator::Subtract}};
+constexpr OperatorToken multiplication[] = {{TokenKind::Star, "", Operator::Multiply},
+                                            {TokenKind::Slash, "", Operator::Divide}};
+constexpr std::array<std::span<const OperatorToken>, 5> precedences{disjunction, conjunction, comparison,
+                                                                    addition, multiplication};
 constexpr std::size_t comparisonPrecedence = 2;
 
 std::string Found(const Token& token) {
@@ -100,24 +100,32 @@ NodeId ExpressionParser::ParseOperators(std::size_t precedence, std::string_view
             const bool compares = precedence == comparisonPrecedence;
             chain = NewNode(compares ? NodeKind::Comparison : NodeKind::Chain, statement_.At(first).place);
             AddChild(chain, first);
-        } else if (precedence == comparisonPrecedence) {
-            Fail("AND, OR or the end of the comparison");
         }
         const NodeId operand = ParseOperators(precedence + 1, "an operand");
         statement_.nodes[operand].joiner = op;
         AddChild(chain, operand);
+        if (precedence == comparisonPrecedence && Joiner(precedence) != Operator::None) {
+            Fail("AND, OR or the end of the comparison");
+        }
     }
     return chain == noNode ? first : chain;
 }
 
-Operator ExpressionParser::TakeJoiner(std::size_t precedence) {
-    for (const Joiner& joiner : precedences[precedence]) {
-        if (joiner.kind == current_.kind && (joiner.word.empty() || IsWord(current_.text, joiner.word))) {
-            Advance();
-            return joiner.op;
+Operator ExpressionParser::Joiner(std::size_t precedence) const {
+    for (const OperatorToken& token : precedences[precedence]) {
+        if (token.kind == current_.kind && (token.word.empty() || IsWord(current_.text, token.word))) {
+            return token.op;
         }
     }
     return Operator::None;
+}
+
+Operator ExpressionParser::TakeJoiner(std::size_t precedence) {
+    const Operator op = Joiner(precedence);
+    if (op != Operator::None) {
+        Advance();
+    }
+    return op;
 }
 
 NodeId ExpressionParser::ParseRange(std::string_view expected) {

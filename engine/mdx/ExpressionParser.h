@@ -53,6 +53,8 @@ private:
 
     NodeId NewNode(NodeKind kind, Place place, std::string_view text = {});
     void AddChild(NodeId parent, NodeId child);
+    /// The operator of this precedence that the current token is, or None.
+    Operator Joiner(std::size_t precedence) const;
     Operator TakeJoiner(std::size_t precedence);
 
     Statement& statement_;
