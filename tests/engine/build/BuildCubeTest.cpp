@@ -5,8 +5,10 @@
 #include "tests/engine/TemporaryFolder.h"
 #include "tests/engine/build/CubeText.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <map>
 #include <random>
 #include <string>
@@ -171,14 +173,11 @@ TEST_F(BuildTest, SumsAgreeWithTheLinesInEverySortOrder) {
     for (int i = 0; i < 5000; ++i) {
         const std::string account = std::to_string(random() % 300), firm = std::to_string(random() % 3);
         const auto cents = static_cast<std::int64_t>(random() % 2000001) - 1000000;
-        const auto magnitude = static_cast<std::uint64_t>(cents < 0 ? -cents : cents);
-        const std::string tail = std::to_string(magnitude % 100);
-        ledger += "2024-0" + std::to_string(random() % 9 + 1) + "-15," + account + "," + firm + "," +
-                  (cents < 0 ? "-" : "") + std::to_string(magnitude / 100) + "." +
-                  (tail.size() < 2 ? "0" : "") + tail + "\n";
+        ledger += fmt::format("2024-{:02}-15,{},{},{}{}.{:02}\n", random() % 9 + 1, account, firm,
+                              cents < 0 ? "-" : "", std::abs(cents) / 100, std::abs(cents) % 100);
         byAccount[account] += cents;
         byFirm[firm] += cents;
-        byBoth[account + "/" + firm] += cents;
+        byBoth[fmt::format("{}/{}", account, firm)] += cents;
         total += cents;
     }
     Table("ledger", ledger);
