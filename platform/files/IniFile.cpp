@@ -100,9 +100,9 @@ void RequireOneLine(const fs::path& path, std::string_view value) {
         throw FileError(ErrorNumber::InvalidProcedureCall, path, "cannot hold a value of more than one line");
 }
 
-void RequireNothingLost(const fs::path& path, std::string_view before, std::string_view after,
-                        const IniEntry& changed) {
-    if (const auto line = FirstLineLost(before, after, changed))
+/// Nothing is written when a line, by its number, would be lost.
+void RequireNone(const fs::path& path, const std::optional<std::size_t>& line) {
+    if (line)
         throw FileError(
             pathFileAccessError, path,
             fmt::format("is left as it is: line {} would be lost, because it is no name=value, [section] "
@@ -143,8 +143,9 @@ std::vector<std::pair<std::string, std::string>> IniFile::Entries(const std::str
 void IniFile::Set(const std::string& section, const std::string& key, const std::string& value) const {
     RequireOneLine(path_, value);
     const auto before = ReadText(path_);
+    RequireNone(path_, FirstBrokenLine(before));
     const auto after = Edited(path_, before, section, key, value);
-    RequireNothingLost(path_, before, after, {section, key});
+    RequireNone(path_, FirstLineLost(before, after, {section, key}));
     Replace(path_, after);
 }
 

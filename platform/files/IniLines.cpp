@@ -63,6 +63,17 @@ std::map<std::string, int> Count(std::string_view text) {
 
 } // namespace
 
+std::optional<std::size_t> FirstBrokenLine(std::string_view text) {
+    std::size_t number = 0;
+    for (const auto line : LinesOf(text)) {
+        ++number;
+        const bool isHeading = !line.empty() && line.front() == '[';
+        if (line.find('\0') != std::string_view::npos || (isHeading && !SectionOf(line)))
+            return number;
+    }
+    return std::nullopt;
+}
+
 std::optional<std::size_t> FirstLineLost(std::string_view before, std::string_view after,
                                          const IniEntry& changed) {
     auto left = Count(after);

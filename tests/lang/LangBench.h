@@ -1,0 +1,46 @@
+#pragma once
+
+#include "lang/ModLangFrm.h"
+#include "tests/doubles/StoreDoubles.h"
+#include "tests/engine/TemporaryFolder.h"
+
+namespace qel::testing {
+
+/// Answers with a table, or with an error when it has none; writes the paths down.
+class ScriptedTables : public PersistedTableReader {
+public:
+    std::optional<PersistedTable> table;
+    std::vector<std::string> paths;
+
+    PersistedTable Read(const std::string& path) override {
+        paths.push_back(path);
+        if (!table)
+            throw AutomationError(-2147467259, "The file is damaged.", "MSPersist");
+        return *table;
+    }
+};
+
+/// A language table as the suite has it: numbers as Longs.
+inline PersistedTable TableOf(const std::vector<LangRow>& rows) {
+    PersistedTable table{{"lId", "sId", "sText"}, {}};
+    for (const auto& row : rows)
+        table.rows.push_back({row.language, row.number, row.text});
+    return table;
+}
+
+/// The language layer over doubles, the component's folder being a temporary one.
+struct LangBench {
+    LangBench() { bench.store.componentFolder = TextFromPath(folder.Path("component")); }
+
+    void PutLangFile() const {
+        std::filesystem::create_directory(folder.Path("component"));
+        folder.Write("component/Lang.rs", "x");
+    }
+
+    const engine::TemporaryFolder folder;
+    StoreBench bench;
+    ScriptedTables tables;
+    ModLangFrm::LanguageState state{bench.store, tables};
+};
+
+} // namespace qel::testing
