@@ -1,0 +1,60 @@
+#include "engine/EngineError.h"
+#include "engine/build/BuildCube.h"
+#include "engine/eval/Query.h"
+#include "engine/storage/CubeFile.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <string_view>
+
+// Runs any bytes as a statement on a small cube: they give a cellset or an EngineError, and end.
+
+namespace {
+
+constexpr std::string_view ledger = "date,account,group,firm,amount\n"
+                                    "2024-01-31,4000,Income,1,10.00\n2024-02-29,4000,Income,2,-3.50\n"
+                                    "2024-02-29,5000,Costs,1,7.25\n2023-12-31,5100,Costs,2,0.01\n";
+
+constexpr std::string_view definition = R"({ "tables": { "ledger": { "file": "ledger.csv" } },
+  "cubes": [ { "name": "Finance", "facts": "ledger", "dimensions": [
+    { "name": "Date", "column": "date", "calendar": { "periods": "months", "quarters": true } },
+    { "name": "Accounts", "column": "account", "table": "ledger", "key": "account", "hierarchies": [
+      { "name": "Codes", "levels": [ { "name": "Group", "key": "group" }, { "name": "Code", "key": "account" } ] },
+      { "name": "Names", "levels": [ { "name": "Name", "key": "account" } ] } ] },
+    { "name": "Firma", "column": "firm" }, { "name": "MoneyType", "members": [ "Local" ] } ],
+  "measures": [ { "name": "Amount", "column": "amount", "decimals": 2 }, { "name": "Lines", "aggregate": "count" } ] } ] })";
+
+std::shared_ptr<const qel::engine::Cube> BuildSmallCube() {
+    const std::filesystem::path folder =
+        std::filesystem::temp_directory_path() / ("qel-fuzz-" + std::to_string(std::random_device()()));
+    std::filesystem::create_directories(folder);
+    std::ofstream(folder / "ledger.csv") << ledger;
+    std::ofstream(folder / "cube.json") << definition;
+    qel::engine::BuildOptions options;
+    options.definition = folder / "cube.json";
+    options.output = folder / "small.cub";
+    qel::engine::BuildCube(options);
+    auto cube = qel::engine::CubeFile::Open(options.output)->FindCube("Finance");
+    std::filesystem::remove_all(folder);
+    return cube;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::shared_ptr<const qel::engine::Cube> cube = BuildSmallCube();
+    try {
+        const std::string_view statement(reinterpret_cast<const char*>(data), size);
+        const qel::engine::Cellset cellset = qel::engine::RunStatement(*cube, statement);
+        for (std::size_t axis = 0; axis < cellset.AxisCount(); ++axis) {
+            for (std::size_t i = 0; i < cellset.PositionCount(axis) && cellset.TupleSize(axis) > 0; ++i) {
+                static_cast<void>(cellset.MemberAt(axis, i, cellset.TupleSize(axis) - 1));
+            }
+        }
+    } catch (const qel::engine::EngineError&) {
+        return 0; // a fault that was told
+    }
+    return 0;
+}
