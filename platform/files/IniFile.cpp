@@ -112,11 +112,25 @@ void RequireNone(const fs::path& path, const std::optional<std::size_t>& line) {
 
 } // namespace
 
-std::optional<std::string> IniFile::Get(const std::string& section, const std::string& key) const {
+std::optional<std::string> FindInIniText(const fs::path& file, const std::string& text,
+                                         const IniEntry& entry) {
     Ini ini;
-    Load(ini, path_, ReadText(path_));
-    const char* value = ini.GetValue(section.c_str(), key.c_str());
+    Load(ini, file, text);
+    const char* value = ini.GetValue(entry.section.c_str(), entry.key.c_str());
     return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+std::string EditIniText(const fs::path& file, const std::string& text, const IniEntry& entry,
+                        const std::string& value) {
+    RequireOneLine(file, value);
+    RequireNone(file, FirstBrokenLine(text));
+    std::string edited = Edited(file, text, entry.section, entry.key, value);
+    RequireNone(file, FirstLineLost(text, edited, entry));
+    return edited;
+}
+
+std::optional<std::string> IniFile::Get(const std::string& section, const std::string& key) const {
+    return FindInIniText(path_, ReadText(path_), {section, key});
 }
 
 bool IniFile::HasSection(const std::string& section) const {
@@ -141,12 +155,7 @@ std::vector<std::pair<std::string, std::string>> IniFile::Entries(const std::str
 }
 
 void IniFile::Set(const std::string& section, const std::string& key, const std::string& value) const {
-    RequireOneLine(path_, value);
-    const auto before = ReadText(path_);
-    RequireNone(path_, FirstBrokenLine(before));
-    const auto after = Edited(path_, before, section, key, value);
-    RequireNone(path_, FirstLineLost(before, after, {section, key}));
-    Replace(path_, after);
+    Replace(path_, EditIniText(path_, ReadText(path_), {section, key}, value));
 }
 
 } // namespace qel

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/files/IniLines.h"
+
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -30,5 +32,12 @@ public:
 private:
     std::filesystem::path path_;
 };
+
+/// What IniFile::Get reads in a file's text. `file` names the text in errors, here and below.
+std::optional<std::string> FindInIniText(const std::filesystem::path& file, const std::string& text,
+                                         const IniEntry& entry);
+/// What IniFile::Set makes of a file's text.
+std::string EditIniText(const std::filesystem::path& file, const std::string& text, const IniEntry& entry,
+                        const std::string& value);
 
 } // namespace qel

@@ -31,13 +31,18 @@ struct Column {
     bool isInteger = false;
 };
 
+AutomationError FileFault(const std::string& name, std::string_view fault) {
+    return {providerError, fmt::format("The file '{}' {}.", name, fault), source};
+}
+
 /// One file while it is read.
 class Reading {
 public:
-    explicit Reading(const std::string& path) : path_(path) {}
+    explicit Reading(const std::string& name) : name_(name) {}
 
-    PersistedTable Run() {
-        const auto document = Parse(LoadText());
+    PersistedTable Run(const std::string& bytes) {
+        RequireXml(bytes);
+        const auto document = Parse(bytes);
         root_ = document->document_element();
         if (std::string_view(root_.name()) != "xml")
             throw Fault("is no recordset: its outermost element is not <xml>");
@@ -50,23 +55,14 @@ public:
     }
 
 private:
-    AutomationError Fault(std::string_view fault) const {
-        return {providerError, fmt::format("The file '{}' {}.", path_, fault), source};
-    }
+    AutomationError Fault(std::string_view fault) const { return FileFault(name_, fault); }
 
-    std::string LoadText() const {
-        const auto path = PathFromText(path_);
-        std::error_code failed;
-        std::ifstream file(path, std::ios::binary);
-        if (!file || std::filesystem::is_directory(path, failed))
-            throw Fault("cannot be read");
-        std::string text(std::istreambuf_iterator<char>(file), {});
-        if (text.empty())
+    void RequireXml(const std::string& bytes) const {
+        if (bytes.empty())
             throw Fault("is empty");
-        if (text.starts_with("TG!"))
+        if (bytes.starts_with("TG!"))
             throw Fault(
                 "is a recordset in binary form, which only Windows can read; save it as XML (adPersistXML)");
-        return text;
     }
 
     std::unique_ptr<pugi::xml_document> Parse(const std::string& text) const {
@@ -171,7 +167,7 @@ private:
         return number;
     }
 
-    std::string path_;
+    std::string name_;
     pugi::xml_node root_;
     std::string schema_, datatype_, rowset_, row_; ///< prefixes with their colons
     std::vector<Column> columns_;
@@ -180,6 +176,17 @@ private:
 
 } // namespace
 
-PersistedTable XmlTableReader::Read(const std::string& path) { return Reading(path).Run(); }
+PersistedTable ParseXmlTable(const std::string& bytes, const std::string& name) {
+    return Reading(name).Run(bytes);
+}
+
+PersistedTable XmlTableReader::Read(const std::string& path) {
+    const auto file = PathFromText(path);
+    std::error_code failed;
+    std::ifstream stream(file, std::ios::binary);
+    if (!stream || std::filesystem::is_directory(file, failed))
+        throw FileFault(path, "cannot be read");
+    return ParseXmlTable(std::string(std::istreambuf_iterator<char>(stream), {}), path);
+}
 
 } // namespace qel

@@ -4,6 +4,9 @@
 
 namespace qel {
 
+/// The recordset in a file's bytes; `name` stands for the file in errors. See XmlTableReader.
+PersistedTable ParseXmlTable(const std::string& bytes, const std::string& name);
+
 /// Reads recordsets that were saved in their XML form. Integer columns become Longs, all others texts. Rows
 /// whose deletion or insertion was saved before it was written to the database are read as the recordset
 /// showed them.

@@ -1,0 +1,1 @@
+qel_fuzz(ini targets/ini.cpp qel_platform_files)

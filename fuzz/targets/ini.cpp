@@ -1,0 +1,25 @@
+#include "platform/AutomationError.h"
+#include "platform/files/IniFile.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+
+// Setting an entry of any text is either refused, or the entry reads back, the rest is still there, and
+// setting the same entry again changes nothing.
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    const qel::IniEntry entry{"Qel", "QelUILanguage"};
+    qel::FindInIniText("file", text, entry);
+    std::string edited;
+    try {
+        edited = qel::EditIniText("file", text, entry, "1");
+    } catch (const qel::AutomationError&) {
+        return 0;
+    }
+    if (qel::FindInIniText("file", edited, entry) != "1" || qel::FirstLineLost(text, edited, entry) ||
+        qel::EditIniText("file", edited, entry, "1") != edited)
+        std::abort();
+    return 0;
+}
