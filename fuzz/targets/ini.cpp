@@ -18,8 +18,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     } catch (const qel::AutomationError&) {
         return 0;
     }
+    const auto again = qel::EditIniText("file", edited, entry, "1");
     if (qel::FindInIniText("file", edited, entry) != "1" || qel::FirstLineLost(text, edited, entry) ||
-        qel::EditIniText("file", edited, entry, "1") != edited)
+        qel::FirstLineLost(edited, again, entry) || qel::EditIniText("file", again, entry, "1") != again)
         std::abort();
     return 0;
 }

@@ -51,6 +51,9 @@ std::string Normalised(std::string_view line) {
     return std::string(KeyOf(line)) + '=' + std::string(WithoutSpace(line.substr(equals + 1)));
 }
 
+/// A control character, which no line of settings holds; a carriage return inside a line is one.
+bool IsStray(char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; }
+
 /// How often each line of entries, comments and junk occurs.
 std::map<std::string, int> Count(std::string_view text) {
     std::map<std::string, int> counts;
@@ -67,8 +70,10 @@ std::optional<std::size_t> FirstBrokenLine(std::string_view text) {
     std::size_t number = 0;
     for (const auto line : LinesOf(text)) {
         ++number;
+        const auto section = line.empty() ? std::nullopt : SectionOf(line);
         const bool isHeading = !line.empty() && line.front() == '[';
-        if (line.find('\0') != std::string_view::npos || (isHeading && !SectionOf(line)))
+        const bool hasStray = std::any_of(line.begin(), line.end(), IsStray);
+        if (hasStray || (isHeading && section.value_or("").empty()))
             return number;
     }
     return std::nullopt;

@@ -11,8 +11,8 @@ struct IniEntry {
     std::string section, key;
 };
 
-/// The number (from 1) of the first line that the library would misread: a heading without its end, or one
-/// with a zero character. None when there is none.
+/// The number (from 1) of the first line that the library would misread: a heading without its end
+/// or name, or a line with a control character inside. None when there is none.
 std::optional<std::size_t> FirstBrokenLine(std::string_view text);
 
 /// Compares a profile file's text before and after one entry was set: the number (from 1) of the first line
