@@ -22,6 +22,10 @@ endif()
 # The scans over fact columns rely on the vectoriser, which GCC 12 runs in full only at this level.
 string(REPLACE "-O2" "-O3" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 
+if(QEL_SANITIZE OR QEL_FUZZ)
+    # Instrumented code compiles slowly; this is fast enough to run, and its stack traces have lines.
+    set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
+endif()
 if(QEL_SANITIZE)
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)

@@ -4,6 +4,9 @@ set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
+# Another clone's objects serve as well: the same sources give the same objects wherever they stand.
+export CCACHE_BASEDIR="$root" CCACHE_NOHASHDIR=1
+
 say() { printf '\n== %s\n' "$*"; }
 
 # What the repository needs, by purpose.
