@@ -129,6 +129,10 @@ int Compare(const CellValue& a, const CellValue& b) {
     if (exact && Align(a, b, left, right)) {
         return left < right ? -1 : static_cast<int>(left > right);
     }
+    if (std::isnan(a.number) ||
+        std::isnan(b.number)) { // 0 / 0 comes before every number, so that sorting works
+        return static_cast<int>(std::isnan(b.number)) - static_cast<int>(std::isnan(a.number));
+    }
     return a.number < b.number ? -1 : static_cast<int>(a.number > b.number);
 }
 

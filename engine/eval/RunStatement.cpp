@@ -169,26 +169,28 @@ void StatementRun::RemoveEmptyByCells(std::vector<CellValue>& cells) {
     for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
         isKept.emplace_back(axes_[axis].Count(), !statement_.axes[axis].nonEmpty);
     }
-    const auto placeOn = [&](std::size_t axis, std::size_t cell) {
-        for (std::size_t i = 0; i < axis; ++i) {
-            cell /= axes_[i].Count();
+    std::vector<std::size_t> position(axes_.size());
+    const auto advance = [&] { // to the next cell, columns varying fastest
+        for (std::size_t axis = 0; axis < axes_.size() && ++position[axis] == axes_[axis].Count(); ++axis) {
+            position[axis] = 0;
         }
-        return cell % axes_[axis].Count();
     };
-    for (std::size_t cell = 0; cell < cells.size(); ++cell) {
-        for (std::size_t axis = 0; axis < axes_.size() && !cells[cell].isEmpty; ++axis) {
-            isKept[axis][placeOn(axis, cell)] = true;
+    for (const CellValue& cell : cells) {
+        for (std::size_t axis = 0; axis < axes_.size() && !cell.isEmpty; ++axis) {
+            isKept[axis][position[axis]] = true;
         }
+        advance();
     }
     std::vector<CellValue> kept;
-    for (std::size_t cell = 0; cell < cells.size(); ++cell) {
+    for (const CellValue& cell : cells) {
         bool all = true;
         for (std::size_t axis = 0; axis < axes_.size() && all; ++axis) {
-            all = isKept[axis][placeOn(axis, cell)];
+            all = isKept[axis][position[axis]];
         }
         if (all) {
-            kept.push_back(cells[cell]);
+            kept.push_back(cell);
         }
+        advance();
     }
     cells = std::move(kept);
     for (std::size_t axis = 0; axis < axes_.size(); ++axis) {

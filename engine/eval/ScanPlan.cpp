@@ -103,10 +103,11 @@ void SearchSecond(const FactTable& facts, const Projection& projection, RowRange
 } // namespace
 
 ScanPlan PlanScan(const FactTable& facts, std::span<const Restriction> restrictions) {
-    Choice best;
-    for (const Projection& projection : facts.Projections()) {
+    const std::span<const Projection> projections = facts.Projections();
+    Choice best = BestChoice(facts, projections.front(), restrictions);
+    for (const Projection& projection : projections.subspan(1)) {
         const Choice choice = BestChoice(facts, projection, restrictions);
-        if (best.projection == nullptr || choice.cost < best.cost) {
+        if (choice.cost < best.cost) {
             best = choice;
         }
     }

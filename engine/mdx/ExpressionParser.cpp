@@ -15,24 +15,24 @@ namespace {
 constexpr int nestingLimit = 100;
 
 struct OperatorToken {
-    TokenKind kind;
     std::string_view word; ///< for a Word
+    TokenKind kind;
     Operator op;
 };
 
 /// The operators from the loosest to the tightest binding.
-constexpr OperatorToken disjunction[] = {{TokenKind::Word, "or", Operator::Or},
-                                         {TokenKind::Word, "xor", Operator::Xor}};
-constexpr OperatorToken conjunction[] = {{TokenKind::Word, "and", Operator::And}};
+constexpr OperatorToken disjunction[] = {{"or", TokenKind::Word, Operator::Or},
+                                         {"xor", TokenKind::Word, Operator::Xor}};
+constexpr OperatorToken conjunction[] = {{"and", TokenKind::Word, Operator::And}};
 constexpr OperatorToken comparison[] = {
-    {TokenKind::Equal, "", Operator::Equal},     {TokenKind::NotEqual, "", Operator::NotEqual},
-    {TokenKind::Less, "", Operator::Less},       {TokenKind::LessOrEqual, "", Operator::LessOrEqual},
-    {TokenKind::Greater, "", Operator::Greater}, {TokenKind::GreaterOrEqual, "", Operator::GreaterOrEqual},
-    {TokenKind::Word, "is", Operator::Is}};
-constexpr OperatorToken addition[] = {{TokenKind::Plus, "", Operator::Add},
-                                      {TokenKind::Minus, "", Operator::Subtract}};
-constexpr OperatorToken multiplication[] = {{TokenKind::Star, "", Operator::Multiply},
-                                            {TokenKind::Slash, "", Operator::Divide}};
+    {"", TokenKind::Equal, Operator::Equal},     {"", TokenKind::NotEqual, Operator::NotEqual},
+    {"", TokenKind::Less, Operator::Less},       {"", TokenKind::LessOrEqual, Operator::LessOrEqual},
+    {"", TokenKind::Greater, Operator::Greater}, {"", TokenKind::GreaterOrEqual, Operator::GreaterOrEqual},
+    {"is", TokenKind::Word, Operator::Is}};
+constexpr OperatorToken addition[] = {{"", TokenKind::Plus, Operator::Add},
+                                      {"", TokenKind::Minus, Operator::Subtract}};
+constexpr OperatorToken multiplication[] = {{"", TokenKind::Star, Operator::Multiply},
+                                            {"", TokenKind::Slash, Operator::Divide}};
 constexpr std::array<std::span<const OperatorToken>, 5> precedences{disjunction, conjunction, comparison,
                                                                     addition, multiplication};
 constexpr std::size_t comparisonPrecedence = 2;
