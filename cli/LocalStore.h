@@ -31,6 +31,7 @@ class LocalStore {
 public:
     /// Raises AutomationError when the configuration folder is not known.
     explicit LocalStore(std::ostream& messageStream);
+    ~LocalStore() = default;
     LocalStore(const LocalStore&) = delete;
     LocalStore& operator=(const LocalStore&) = delete;
 
