@@ -1,0 +1,39 @@
+#pragma once
+
+#include "tests/server/AutomationClient.h"
+
+#include <string>
+#include <vector>
+
+namespace qel::test {
+
+/// A value formula over the example ledger; as it stands, the profit and loss of 2024.
+struct LedgerCall {
+    std::string cubeFile = QEL_TEST_CUBE, cubeName = "LedgerFNC";
+    std::string obsName = "OBS", obsNumber = "1", obsLevel = "All", obsMember = "All", activity = "All";
+    std::vector<std::string> selections = {"All", "", "All", "Amount", "All", "P", "All", "All", "All"};
+    double from = 45292, to = 45657; // 1 January and 31 December 2024
+};
+
+/// The places of the arguments that tests replace.
+enum LedgerArgument {
+    cubeFileAt = 0,
+    obsNameAt = 2,
+    obsNumberAt = 3,
+    obsMemberAt = 5,
+    moneySetAt = 11,
+    rhAt = 13,
+    fromAt = 16,
+    toAt = 17
+};
+
+/// The call's eighteen arguments as a spreadsheet sends them.
+Arguments ArgumentsOf(const LedgerCall& call);
+
+/// The same call made in process, without COM. Not 0 for a call that tells anything.
+double ValueInProcess(const LedgerCall& call);
+
+/// The number that QeLF1 gives; fails the test when it gives none.
+double ValueThroughCom(IDispatch* object, Arguments& arguments);
+
+} // namespace qel::test

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "tests/server/AutomationClient.h"
+
+namespace qel::test {
+
+/// A spreadsheet's range: its class is called Range, its cells are objects with a Value.
+ComPointer<IDispatch> MakeRange(std::vector<OwnedVariant> values);
+
+} // namespace qel::test

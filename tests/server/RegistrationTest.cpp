@@ -1,0 +1,128 @@
+#include "tests/server/AutomationClient.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <set>
+
+namespace qel::test {
+namespace {
+
+using Entry = HRESULT(STDAPICALLTYPE*)();
+using InstallEntry = HRESULT(STDAPICALLTYPE*)(BOOL, PCWSTR);
+
+/// Every key and text value below a key, as "key|name|text".
+void Collect(HKEY parent, const std::wstring& path, std::set<std::wstring>& found) {
+    HKEY key = nullptr;
+    if (::RegOpenKeyExW(parent, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
+        return;
+    found.insert(path);
+    wchar_t name[300];
+    for (DWORD i = 0;; ++i) {
+        DWORD nameLength = 300;
+        wchar_t text[2000] = {};
+        DWORD bytes = sizeof text - sizeof *text;
+        DWORD type = 0;
+        if (::RegEnumValueW(key, i, name, &nameLength, nullptr, &type, reinterpret_cast<BYTE*>(text),
+                            &bytes) != ERROR_SUCCESS)
+            break;
+        found.insert(path + L"|" + name + L"|" + (type == REG_SZ ? text : L""));
+    }
+    for (DWORD i = 0;; ++i) {
+        DWORD length = 300;
+        if (::RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+            break;
+        Collect(parent, path + L"\\" + name, found);
+    }
+    ::RegCloseKey(key);
+}
+
+std::set<std::wstring> ClassesOf(HKEY root) {
+    std::set<std::wstring> found;
+    Collect(root, L"Software\\Classes", found);
+    return found;
+}
+
+class Registration : public testing::Test {
+protected:
+    Registration() : library_(::LoadLibraryW(windows::ToWide(QEL_TEST_SERVER).c_str())) {}
+    ~Registration() override { ::FreeLibrary(library_); }
+
+    template <class Function>
+    Function Find(const char* name) const {
+        Function function = nullptr;
+        const FARPROC found = ::GetProcAddress(library_, name);
+        static_assert(sizeof function == sizeof found);
+        std::memcpy(&function, &found, sizeof function);
+        return function;
+    }
+
+    HMODULE library_;
+};
+
+TEST_F(Registration, OfTheMachineLeavesNothingBehind) {
+    const auto add = Find<Entry>("DllRegisterServer");
+    const auto remove = Find<Entry>("DllUnregisterServer");
+    ASSERT_EQ(remove(), S_OK);
+    const auto before = ClassesOf(HKEY_LOCAL_MACHINE);
+    EXPECT_EQ(before.count(L"Software\\Classes\\OrmFunctionQel4.OrmQelFunction"), 0U);
+    ASSERT_EQ(add(), S_OK);
+    const auto during = ClassesOf(HKEY_LOCAL_MACHINE);
+    const std::wstring key = L"Software\\Classes\\CLSID\\{00BD0718-0F69-4087-B2E8-F036566AE73A}";
+    EXPECT_EQ(during.count(key + L"\\Programmable"), 1U);
+    EXPECT_EQ(during.count(key + L"\\InprocServer32|ThreadingModel|Apartment"), 1U);
+    EXPECT_EQ(
+        during.count(
+            L"Software\\Classes\\TypeLib\\{39CAA233-9A21-4A5A-AD45-2E4B078291ED}\\17.0||QRN Function QeL 17"),
+        1U);
+    ASSERT_EQ(add(), S_OK);
+    EXPECT_EQ(ClassesOf(HKEY_LOCAL_MACHINE), during) << "registering twice";
+    ASSERT_EQ(remove(), S_OK);
+    EXPECT_EQ(ClassesOf(HKEY_LOCAL_MACHINE), before);
+    EXPECT_EQ(remove(), S_OK) << "unregistering twice";
+    ASSERT_EQ(add(), S_OK); // the tests after this one find their server
+}
+
+TEST_F(Registration, OfAUserTouchesTheUsersClassesAlone) {
+    const auto install = Find<InstallEntry>("DllInstall");
+    const auto userBefore = ClassesOf(HKEY_CURRENT_USER);
+    const auto machineBefore = ClassesOf(HKEY_LOCAL_MACHINE);
+    ASSERT_EQ(install(TRUE, L"user"), S_OK);
+    const auto during = ClassesOf(HKEY_CURRENT_USER);
+    EXPECT_EQ(during.count(L"Software\\Classes\\OrmFunctionQel4.ClTimming"), 1U);
+    EXPECT_EQ(ClassesOf(HKEY_LOCAL_MACHINE), machineBefore);
+    ASSERT_EQ(install(FALSE, L"USER"), S_OK);
+    std::set<std::wstring> userAfter = ClassesOf(HKEY_CURRENT_USER);
+    for (const wchar_t* shared : {L"", L"\\CLSID", L"\\Interface", L"\\TypeLib"}) // the system's own folders
+        userAfter.erase(std::wstring(L"Software\\Classes") + shared);
+    for (const std::wstring& entry : userAfter)
+        EXPECT_EQ(userBefore.count(entry), 1U) << windows::ToUtf8(entry);
+}
+
+TEST_F(Registration, TheServerMayUnloadOnceItsObjectsAreGone) {
+    const Apartment apartment;
+    const auto canUnload = Find<Entry>("DllCanUnloadNow");
+    EXPECT_EQ(canUnload(), S_OK);
+    {
+        const auto object = CreateByName(L"OrmFunctionQel4.OrmQelFunction");
+        EXPECT_EQ(canUnload(), S_FALSE);
+    }
+    EXPECT_EQ(canUnload(), S_OK);
+}
+
+TEST(TypeLibrary, IsNamedAndDescribedAndListsItsClasses) {
+    ComPointer<ITypeLib> library;
+    ASSERT_EQ(::LoadTypeLibEx(windows::ToWide(QEL_TEST_SERVER).c_str(), REGKIND_NONE, library.Receive()),
+              S_OK);
+    BSTR name = nullptr;
+    BSTR description = nullptr;
+    ASSERT_EQ(library->GetDocumentation(MEMBERID_NIL, &name, &description, nullptr, nullptr), S_OK);
+    EXPECT_EQ(windows::TextOfBstr(name), "OrmFunctionQel4");
+    EXPECT_EQ(windows::TextOfBstr(description), "QRN Function QeL 17");
+    ::SysFreeString(name);
+    ::SysFreeString(description);
+    EXPECT_EQ(library->GetTypeInfoCount(), 4U);
+}
+
+} // namespace
+} // namespace qel::test

@@ -1,0 +1,97 @@
+#include "function/OrmQelFunction.h"
+#include "platform/local/LocalDataAccess.h"
+#include "tests/server/LedgerCall.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdio>
+#include <psapi.h>
+#include <thread>
+
+namespace qel::test {
+namespace {
+
+constexpr int calls = 100'000;
+
+std::size_t PrivateBytes() {
+    PROCESS_MEMORY_COUNTERS_EX counters = {};
+    counters.cb = sizeof counters;
+    EXPECT_NE(::GetProcessMemoryInfo(::GetCurrentProcess(),
+                                     reinterpret_cast<PROCESS_MEMORY_COUNTERS*>(&counters), sizeof counters),
+              0);
+    return counters.PrivateUsage;
+}
+
+template <class Work>
+double Seconds(const Work& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+TEST(Throughput, AHundredThousandCallsLeaveNoMemoryBehind) {
+    const Apartment apartment;
+    const auto object = CreateByName(L"OrmFunctionQel4.OrmQelFunction");
+    const double expected = ValueInProcess({});
+    Arguments arguments = ArgumentsOf({});
+    const auto callMany = [&](int count) {
+        for (int i = 0; i < count; ++i)
+            ASSERT_EQ(ValueThroughCom(object.Get(), arguments), expected);
+    };
+    callMany(calls / 10); // fills the caches
+    const std::size_t before = PrivateBytes();
+    const double throughCom = Seconds([&] { callMany(calls); });
+    const std::size_t after = PrivateBytes();
+
+    LocalDataAccess dataAccess;
+    ModSetCube::ThreadState thread;
+    const Locale locale;
+    OrmQelFunction function({thread, dataAccess, locale});
+    const auto list = [](const char* key) { return Variant::List({std::string(key)}); };
+    const double inProcess = Seconds([&] {
+        for (int i = 0; i < calls; ++i) {
+            LedgerCall call;
+            auto& s = call.selections;
+            function.QeLF1(call.cubeFile, call.cubeName, list("OBS"), list("1"), list("All"), list("All"),
+                           list("All"), s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7], s[8], {call.from},
+                           {call.to});
+        }
+    });
+    const auto grown = static_cast<std::int64_t>(after) - static_cast<std::int64_t>(before);
+    std::printf("through IDispatch %.0f calls/s, in process %.0f calls/s, memory %+lld bytes over %d calls\n",
+                calls / throughCom, calls / inProcess, static_cast<long long>(grown), calls);
+    EXPECT_LT(grown, 1'000'000) << "ten bytes a call";
+}
+
+TEST(Threads, EightApartmentsGetTheirOwnValues) {
+    std::vector<double> expected;
+    for (int i = 0; i < 8; ++i) {
+        LedgerCall call;
+        call.from = 45292 + 31 * i;
+        expected.push_back(ValueInProcess(call));
+    }
+    ASSERT_NE(expected.front(), expected.back());
+    std::vector<int> wrong(expected.size(), 0);
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        threads.emplace_back([&, i] {
+            const Apartment apartment;
+            const auto object = CreateByName(L"OrmFunctionQel4.OrmQelFunction");
+            LedgerCall call;
+            call.from = 45292 + 31 * static_cast<double>(i);
+            for (int turn = 0; turn < 500; ++turn) {
+                call.cubeName = turn % 50 == 0 ? "LedgerHebrewFNC" : "LedgerFNC"; // reopens now and then
+                Arguments arguments = ArgumentsOf(call);
+                const double value = ValueThroughCom(object.Get(), arguments);
+                wrong[i] += call.cubeName == "LedgerFNC" && value != expected[i];
+            }
+        });
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    EXPECT_EQ(wrong, std::vector<int>(expected.size(), 0));
+}
+
+} // namespace
+} // namespace qel::test
