@@ -30,6 +30,11 @@ def included_files(build):
     return files
 
 
+def object_of(command):
+    words = command.split()
+    return words[words.index("-o") + 1]
+
+
 def fingerprint(command, paths):
     digest = hashlib.sha256((ROOT / ".clang-tidy").read_bytes())
     digest.update(command.encode())
@@ -55,7 +60,8 @@ def main():
     stamps.mkdir(exist_ok=True)
     waiting = []
     for entry in json.loads((pathlib.Path(build) / "compile_commands.json").read_text()):
-        mark = stamps / fingerprint(entry["command"], includes.get(entry["output"], [pathlib.Path(entry["file"])]))
+        read = includes.get(object_of(entry["command"]), [pathlib.Path(entry["file"])])
+        mark = stamps / fingerprint(entry["command"], read)
         if not mark.exists():
             waiting.append((entry["file"], mark))
 
