@@ -2,13 +2,15 @@
 
 #include "engine/build/BuildCube.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/engine/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 
 #include <fmt/format.h>
 
 namespace qel::engine {
 
 namespace {
+
+using test::TemporaryFolder;
 
 constexpr std::string_view definition = R"({
   "tables": { "ledger": { "file": "ledger.csv", "delimiter": ";" }, "accounts": { "file": "accounts.csv" },

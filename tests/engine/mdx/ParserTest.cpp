@@ -14,7 +14,7 @@ std::string Show(const Statement& statement, NodeId id) {
     for (NodeId child = node.firstChild; child != noNode; child = statement.At(child).next) {
         children += (children.empty() ? "" : " ") + Show(statement, child);
     }
-    const std::string text(node.text);
+    std::string text(node.text);
     switch (node.kind) {
     case NodeKind::Path:
         return children;
