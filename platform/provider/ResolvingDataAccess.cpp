@@ -20,11 +20,17 @@ public:
 
     void Open(const std::string& connectionString, const std::string& user, const std::string& password,
               int options) override {
-        if (!opened_ || State() == stateClosed) {
-            provider_ = &choose_(connectionString);
-            opened_ = provider_->CreateConnection();
+        if (State() != stateClosed) { // the provider refuses a second opening in its own words
+            opened_->Open(connectionString, user, password, options);
+            return;
         }
-        opened_->Open(connectionString, user, password, options);
+        opened_.reset();
+        DataAccess& provider = choose_(connectionString);
+        auto connection = provider.CreateConnection();
+        connection->Open(connectionString, user, password, options);
+        // Only now: an object that could not open its source may not even tell its state.
+        provider_ = &provider;
+        opened_ = std::move(connection);
     }
 
     void Close() override { Opened()->Close(); }

@@ -39,6 +39,11 @@ TEST(Throughput, AHundredThousandCallsLeaveNoMemoryBehind) {
         for (int i = 0; i < count; ++i)
             ASSERT_EQ(ValueThroughCom(object.Get(), arguments), expected);
     };
+    {
+        const std::size_t empty = PrivateBytes();
+        const std::vector<char> lost(20'000'000, 'x');
+        ASSERT_GT(PrivateBytes(), empty + lost.size() / 2) << "the measure must see memory that is held";
+    }
     callMany(calls / 10); // fills the caches
     const std::size_t before = PrivateBytes();
     const double throughCom = Seconds([&] { callMany(calls); });
