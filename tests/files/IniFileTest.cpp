@@ -1,14 +1,14 @@
 #include "platform/files/IniFile.h"
 
 #include "platform/AutomationError.h"
-#include "tests/engine/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 namespace qel {
 namespace {
 
-using engine::TemporaryFolder;
+using test::TemporaryFolder;
 
 struct EditCase {
     const char* what;

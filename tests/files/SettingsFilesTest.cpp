@@ -4,8 +4,8 @@
 #include "platform/files/FileRegistry.h"
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/doubles/StoreDoubles.h"
-#include "tests/engine/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@
 namespace qel {
 namespace {
 
-using engine::TemporaryFolder;
+using test::TemporaryFolder;
 
 /// The store's operations over files, as a machine without the suite has them.
 struct SettingsFiles : ::testing::Test {

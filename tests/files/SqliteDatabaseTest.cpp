@@ -3,8 +3,8 @@
 #include "platform/AutomationError.h"
 #include "platform/sqlite/DatabaseFile.h"
 #include "store/LocalDb.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/doubles/StoreDoubles.h"
-#include "tests/engine/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -63,7 +63,7 @@ struct SqliteDatabaseTest : ::testing::Test {
         return bench.messages.shown.empty() ? "" : bench.messages.shown[0].text;
     }
 
-    const engine::TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     testing::StoreBench bench;
     SqliteDatabase sqlite;
     StoreEnvironment store{bench.registry, bench.profiles, sqlite, bench.messages, ""};

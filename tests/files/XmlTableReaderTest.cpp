@@ -4,7 +4,7 @@
 #include "lang/StringTable.h"
 #include "platform/AutomationError.h"
 #include "platform/PathText.h"
-#include "tests/engine/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -17,7 +17,7 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 PersistedTable Read(const std::string& bytes) {
-    const engine::TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     return XmlTableReader().Read(TextFromPath(folder.Write("Lang.rs", bytes)));
 }
 

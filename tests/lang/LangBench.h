@@ -1,8 +1,8 @@
 #pragma once
 
 #include "lang/ModLangFrm.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/doubles/StoreDoubles.h"
-#include "tests/engine/TemporaryFolder.h"
 
 namespace qel::testing {
 
@@ -37,7 +37,7 @@ struct LangBench {
         folder.Write("component/Lang.rs", "x");
     }
 
-    const engine::TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     StoreBench bench;
     ScriptedTables tables;
     ModLangFrm::LanguageState state{bench.store, tables};

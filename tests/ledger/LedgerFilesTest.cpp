@@ -4,7 +4,7 @@
 #include "examples/ledger/GroupLedger.h"
 #include "examples/ledger/Journal.h"
 #include "examples/ledger/WideLedger.h"
-#include "tests/ledger/reference/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>
@@ -20,6 +20,8 @@
 
 namespace qel::ledger {
 namespace {
+
+using test::TemporaryFolder;
 
 constexpr std::uint64_t committedSeed = 17;
 

@@ -1,9 +1,9 @@
 #include "engine/build/BuildCube.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/ledger/reference/FormulaCell.h"
 #include "tests/ledger/reference/LedgerDatabase.h"
 #include "tests/ledger/reference/PlainSums.h"
 #include "tests/ledger/reference/RandomSelections.h"
-#include "tests/ledger/reference/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -13,6 +13,8 @@
 
 namespace qel::ledger {
 namespace {
+
+using test::TemporaryFolder;
 
 constexpr std::uint64_t seed = 20260731;
 const std::string profitAndLoss = "P";

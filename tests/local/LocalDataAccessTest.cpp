@@ -34,7 +34,7 @@ protected:
     }
 
     test::TemporaryFolder folder_;
-    std::string cubeFile_ = BuildBooks(folder_ / "books.cub");
+    std::string cubeFile_ = BuildBooks(folder_.Path("books.cub"));
     LocalDataAccess dataAccess_;
 };
 

@@ -42,7 +42,7 @@ protected:
     }
 
     test::TemporaryFolder folder_;
-    std::string cubeFile_ = test::BuildBooks(folder_ / "books.cub");
+    std::string cubeFile_ = test::BuildBooks(folder_.Path("books.cub"));
     LocalDataAccess dataAccess_;
 };
 

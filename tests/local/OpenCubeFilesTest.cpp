@@ -4,6 +4,7 @@
 #include "platform/AutomationError.h"
 #include "tests/local/BooksCube.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -18,7 +19,7 @@ using test::TemporaryFolder;
 
 TEST(OpenCubeFiles, OpensAFileOnce) {
     const TemporaryFolder folder;
-    const auto path = BuildBooks(folder / "a.cub");
+    const auto path = BuildBooks(folder.Path("a.cub"));
     OpenCubeFiles files;
     const auto* const first = files.Open(path).get();
     EXPECT_EQ(files.Open(path).get(), first);
@@ -26,7 +27,7 @@ TEST(OpenCubeFiles, OpensAFileOnce) {
 
 TEST(OpenCubeFiles, AReplacedFileIsOpenedAnewAndTheOldOneStaysReadable) {
     const TemporaryFolder folder;
-    const auto path = BuildBooks(folder / "a.cub");
+    const auto path = BuildBooks(folder.Path("a.cub"));
     OpenCubeFiles files;
     const auto old = files.Open(path);
     BuildBooks(path);
@@ -39,7 +40,7 @@ TEST(OpenCubeFiles, AReplacedFileIsOpenedAnewAndTheOldOneStaysReadable) {
 
 TEST(OpenCubeFiles, ARemovedFileIsAnErrorAlthoughItWasOpen) {
     const TemporaryFolder folder;
-    const auto path = BuildBooks(folder / "a.cub");
+    const auto path = BuildBooks(folder.Path("a.cub"));
     OpenCubeFiles files;
     files.Open(path);
     std::filesystem::remove(path);
@@ -51,14 +52,14 @@ TEST(OpenCubeFiles, KeepsOnlyTheLastFilesOpen) {
     OpenCubeFiles files;
     std::vector<std::weak_ptr<const engine::CubeFile>> opened(10);
     for (std::size_t i = 0; i < opened.size(); ++i)
-        opened[i] = files.Open(BuildBooks(folder / fmt::format("{}.cub", i)));
+        opened[i] = files.Open(BuildBooks(folder.Path(fmt::format("{}.cub", i))));
     EXPECT_TRUE(opened.front().expired());
     EXPECT_FALSE(opened.back().expired());
 }
 
 TEST(OpenCubeFiles, ServesManyThreads) {
     const TemporaryFolder folder;
-    const auto path = BuildBooks(folder / "a.cub");
+    const auto path = BuildBooks(folder.Path("a.cub"));
     OpenCubeFiles files;
     std::vector<std::size_t> cubes(4);
     std::vector<std::thread> threads;
@@ -77,12 +78,12 @@ TEST(OpenCubeFiles, ServesManyThreads) {
 
 TEST(OpenCubeFiles, TellsWhatIsWrongWithASource) {
     const TemporaryFolder folder;
-    std::ofstream(folder / "empty.cub").close();
-    std::ofstream(folder / "text.cub") << std::string(1000, 'x');
-    std::filesystem::create_directory(folder / "folder.cub");
-    const auto whole = BuildBooks(folder / "whole.cub");
-    std::filesystem::copy_file(whole, folder / "cut.cub");
-    std::filesystem::resize_file(folder / "cut.cub", std::filesystem::file_size(whole) / 2);
+    std::ofstream(folder.Path("empty.cub")).close();
+    std::ofstream(folder.Path("text.cub")) << std::string(1000, 'x');
+    std::filesystem::create_directory(folder.Path("folder.cub"));
+    const auto whole = BuildBooks(folder.Path("whole.cub"));
+    std::filesystem::copy_file(whole, folder.Path("cut.cub"));
+    std::filesystem::resize_file(folder.Path("cut.cub"), std::filesystem::file_size(whole) / 2);
 
     struct Case {
         std::string source;
@@ -91,13 +92,13 @@ TEST(OpenCubeFiles, TellsWhatIsWrongWithASource) {
     };
     const auto number = [](ErrorKind kind) { return static_cast<std::int32_t>(kind); };
     const Case cases[] = {
-        {(folder / "none.cub").string(), number(ErrorKind::FileNotFound), "does not exist"},
-        {(folder / "empty.cub" / "x").string(), number(ErrorKind::FileNotFound), "x'"},
-        {(folder / "folder.cub").string(), number(ErrorKind::FileNotFound), "is a folder"},
+        {folder.Path("none.cub").string(), number(ErrorKind::FileNotFound), "does not exist"},
+        {(folder.Path("empty.cub") / "x").string(), number(ErrorKind::FileNotFound), "x'"},
+        {folder.Path("folder.cub").string(), number(ErrorKind::FileNotFound), "is a folder"},
         {"/dev/null", number(ErrorKind::FileNotFound), "not an ordinary file"},
-        {(folder / "empty.cub").string(), number(ErrorKind::NotACubeFile), "is empty"},
-        {(folder / "text.cub").string(), number(ErrorKind::NotACubeFile), "qel cube build"},
-        {(folder / "cut.cub").string(), number(ErrorKind::DamagedFile), "cut.cub"},
+        {folder.Path("empty.cub").string(), number(ErrorKind::NotACubeFile), "is empty"},
+        {folder.Path("text.cub").string(), number(ErrorKind::NotACubeFile), "qel cube build"},
+        {folder.Path("cut.cub").string(), number(ErrorKind::DamagedFile), "cut.cub"},
         {"HTTPS://server/msmdpump.dll", static_cast<std::int32_t>(0x80040E6F),
          "server cubes are not supported by this build"},
     };

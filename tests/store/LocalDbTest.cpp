@@ -1,7 +1,7 @@
 #include "store/LocalDb.h"
 
+#include "tests/TemporaryFolder.h"
 #include "tests/doubles/StoreDoubles.h"
-#include "tests/engine/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,7 +14,7 @@ using ::testing::ElementsAre;
 struct LocalDb : ::testing::Test {
     LocalDb() { bench.SuiteKey()["MDBPath"] = {registryString, folder}; }
 
-    const engine::TemporaryFolder temporary;
+    const test::TemporaryFolder temporary;
     const std::string folder = TextFromPath(temporary.Path("Suite"));
     testing::StoreBench bench;
 };

@@ -1,7 +1,7 @@
 #include "store/ModAPI.h"
 
+#include "tests/TemporaryFolder.h"
 #include "tests/doubles/StoreDoubles.h"
-#include "tests/engine/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -35,7 +35,7 @@ TEST(QelFuncMdbPath, IsTheSettingAndASeparator) {
         {"a text ends at its first zero character", RegistryValue{registryString, std::string("@\0junk", 6)},
          "@\\"},
     };
-    const engine::TemporaryFolder temporary;
+    const test::TemporaryFolder temporary;
     std::string folder = TextFromPath(temporary.Path());
     folder.pop_back();
     for (const auto& c : cases) {
@@ -52,7 +52,7 @@ TEST(QelFuncMdbPath, IsTheSettingAndASeparator) {
 }
 
 TEST(QelFuncMdbPath, MakesItsFolderAndReportsWhenItCannot) {
-    const engine::TemporaryFolder temporary;
+    const test::TemporaryFolder temporary;
     StoreBench bench;
     const std::string folder = TextFromPath(temporary.Path("תיקיה של Pralix"));
     bench.SuiteKey()["MDBPath"] = {registryString, folder};

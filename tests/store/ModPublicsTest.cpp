@@ -1,7 +1,7 @@
 #include "store/ModPublics.h"
 
+#include "tests/TemporaryFolder.h"
 #include "tests/doubles/StoreDoubles.h"
-#include "tests/engine/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ TEST(ReadQelIni, ReadsTheSuitesFileOrTheComponents) {
 }
 
 TEST(CubIni, StandsBesideTheDatabase) {
-    const engine::TemporaryFolder temporary;
+    const test::TemporaryFolder temporary;
     const std::string folder = TextFromPath(temporary.Path("db"));
     StoreBench bench;
     bench.SuiteKey()["MDBPath"] = {registryString, folder};

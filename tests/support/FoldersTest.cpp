@@ -2,7 +2,7 @@
 
 #include "platform/AutomationError.h"
 #include "platform/PathText.h"
-#include "tests/engine/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,7 @@ std::int32_t ErrorOfMaking(const std::string& path) {
 }
 
 TEST(MakeFolder, MakesOneLevelOrTellsWhyNot) {
-    const engine::TemporaryFolder folder;
+    const test::TemporaryFolder folder;
     const std::string parent = TextFromPath(folder.Path());
     folder.Write("file", "x");
     EXPECT_EQ(ErrorOfMaking(parent + "הנהלה חשבונות\\"), 0);

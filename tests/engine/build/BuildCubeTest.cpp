@@ -2,7 +2,7 @@
 
 #include "engine/EngineError.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/engine/TemporaryFolder.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/engine/build/CubeText.h"
 
 #include <fmt/format.h>
@@ -15,6 +15,8 @@
 
 namespace qel::engine {
 namespace {
+
+using test::TemporaryFolder;
 
 /// Tables and a definition in a folder of their own, built and opened.
 class BuildTest : public testing::Test {

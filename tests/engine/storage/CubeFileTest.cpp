@@ -1,8 +1,8 @@
 #include "engine/storage/CubeFile.h"
 
 #include "engine/EngineError.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/engine/FileSizeLimit.h"
-#include "tests/engine/TemporaryFolder.h"
 #include "tests/engine/storage/SmallCube.h"
 
 #include <gmock/gmock.h>
@@ -14,6 +14,7 @@
 namespace qel::engine {
 namespace {
 
+using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 

@@ -8,14 +8,15 @@
 #include <string>
 #include <string_view>
 
-namespace qel::engine {
+namespace qel::test {
 
 /// A folder of a test's own, gone when the test ends.
 class TemporaryFolder {
 public:
     TemporaryFolder()
         : path_(std::filesystem::temp_directory_path() /
-                ("qel-test-" + std::to_string(std::random_device()()))) {
+                ("qel-test-" + std::to_string(std::random_device()()) + "-" +
+                 std::to_string(std::random_device()()))) {
         std::filesystem::create_directories(path_);
     }
     ~TemporaryFolder() {
@@ -46,4 +47,4 @@ private:
     std::filesystem::path path_;
 };
 
-} // namespace qel::engine
+} // namespace qel::test
