@@ -28,10 +28,12 @@ std::vector<KeyRange> RangesOf(std::uint32_t bits) {
 TEST(CodeRanges, AreSetsOfCodes) {
     std::mt19937 random(3);
     for (int round = 0; round < 20'000; ++round) {
-        // Few bits, many bits and long runs of bits.
         const std::uint32_t all = (1U << codes) - 1;
-        const std::uint32_t left = round % 3 == 0 ? random() & random() & all : random() & all;
-        const std::uint32_t right = round % 5 == 0 ? (all >> random() % codes) : random() & random() & all;
+        const auto anyBits = [&] { return static_cast<std::uint32_t>(random()) & all; };
+        std::uint32_t left = anyBits();
+        std::uint32_t right = anyBits();
+        left &= round % 3 == 0 ? anyBits() : all; // few codes now and then
+        right &= round % 5 == 0 ? all >> (anyBits() % codes) : anyBits();
         std::vector<KeyRange> common;
         Intersect(RangesOf(left), RangesOf(right), common);
         ASSERT_EQ(common, RangesOf(left & right)) << left << " and " << right;

@@ -86,6 +86,7 @@ TEST_F(DamagedStatement, IsAnswersOrAnErrorWithItsPlace) {
 
 TEST_F(DamagedStatement, LeavesOtherThreadsAlone) {
     std::vector<std::string> expected;
+    expected.reserve(statements.size());
     for (const char* statement : statements) {
         expected.push_back(Show(RunStatement(*cube_, statement)));
     }
