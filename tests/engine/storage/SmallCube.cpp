@@ -56,8 +56,7 @@ SmallCube::SmallCube() {
     values = {{5, -7, 9}, {-7, 5, 9}};
 }
 
-void SmallCube::Write(const std::filesystem::path& path) const {
-    CubeFileWriter writer(path);
+void SmallCube::AddTo(CubeFileWriter& writer) const {
     const std::uint32_t cube = writer.AddCube(model);
     for (std::size_t order = 0; order < keys.size(); ++order) {
         for (std::size_t column = 0; column < keys[order].size(); ++column) {
@@ -69,6 +68,11 @@ void SmallCube::Write(const std::filesystem::path& path) const {
         writer.Append(std::as_bytes(std::span(values[order])));
         writer.End();
     }
+}
+
+void SmallCube::Write(const std::filesystem::path& path) const {
+    CubeFileWriter writer(path);
+    AddTo(writer);
     writer.Commit();
 }
 

@@ -19,6 +19,9 @@ struct SmallCube {
 
     SmallCube();
     HierarchyModel& Accounts() { return model.dimensions[0].hierarchies[0]; }
+    /// Adds this cube and its facts to a file of several.
+    void AddTo(CubeFileWriter& writer) const;
+    /// Writes a file of this cube alone.
     void Write(const std::filesystem::path& path) const;
 };
 

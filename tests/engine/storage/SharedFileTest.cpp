@@ -1,0 +1,152 @@
+#include "engine/EngineError.h"
+#include "engine/storage/CubeFile.h"
+#include "tests/TemporaryFolder.h"
+#include "tests/engine/storage/SmallCube.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+
+namespace qel::engine {
+namespace {
+
+using test::TemporaryFolder;
+using testing::EndsWith;
+using testing::HasSubstr;
+
+constexpr std::uint64_t page = 65536;
+
+/// Facts over many pages; the value of a row is its number in seven bits.
+SmallCube ManyPages(std::size_t rows) {
+    SmallCube cube;
+    cube.model.rowCount = rows;
+    cube.model.projections = {{{0}, {0, rows, rows}}};
+    cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
+    cube.values = {std::vector<std::int8_t>(rows)};
+    for (std::size_t row = 0; row < rows; ++row)
+        cube.values[0][row] = static_cast<std::int8_t>(row % 128);
+    return cube;
+}
+
+/// Threads that meet the same unchecked pages at the same time each get the right bytes or the fault.
+TEST(SharedFile, ThreadsCheckPagesTogether) {
+    const TemporaryFolder folder;
+    constexpr std::uint64_t rows = 12 * page;
+    constexpr std::uint64_t badRow = 7 * page;
+    ManyPages(rows).Write(folder.Path("a.cub"));
+    std::string bytes = folder.Read("a.cub");
+    // The values are the last column: the tables behind it are as long in every file of this many pages.
+    const std::size_t firstValue = bytes.rfind(std::string("\x7E\x7F", 2)) + 2 - rows;
+    ASSERT_EQ(bytes[firstValue + 100], 100);
+    bytes[firstValue + badRow] = 1; // where a 0 stood
+    folder.Write("bad.cub", bytes);
+
+    constexpr std::size_t threadCount = 4;
+    constexpr std::uint64_t step = page / 4;
+    for (int round = 0; round < 20; ++round) {
+        const auto file = CubeFile::Open(folder.Path("bad.cub"));
+        const Projection& facts = file->Cubes()[0].Facts().Projections()[0];
+        std::atomic<std::size_t> ready = 0, wrongValues = 0, faults = 0;
+        const auto read = [&](std::size_t thread) {
+            for (++ready; ready < threadCount;)
+                std::this_thread::yield();
+            for (std::uint64_t i = 0; i < rows / step; ++i) {
+                // Half of the threads from the front, half from the back.
+                const std::uint64_t row = (thread % 2 == 0 ? i : rows / step - 1 - i) * step;
+                try {
+                    const auto* const values = facts.Values(0, {row, row + step});
+                    for (std::uint64_t k = 0; k < step; ++k)
+                        wrongValues += values[k] == static_cast<std::byte>((row + k) % 128) ? 0U : 1U;
+                } catch (const EngineError&) {
+                    ++faults;
+                }
+            }
+        };
+        std::vector<std::thread> threads;
+        for (std::size_t thread = 0; thread < threadCount; ++thread)
+            threads.emplace_back(read, thread);
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(wrongValues, 0U) << "a damaged page was handed out";
+        // A page is four steps, or five where it begins within one; every thread meets each of them.
+        EXPECT_GE(faults, threadCount * 4);
+        EXPECT_LE(faults, threadCount * 5);
+    }
+}
+
+/// A file of three cubes, the second of which may be spoiled.
+void WriteThree(const std::filesystem::path& path, void (*spoil)(SmallCube&)) {
+    CubeFileWriter writer(path);
+    for (const char* const name : {"One", "Two", "Three"}) {
+        SmallCube cube;
+        cube.model.name = name;
+        if (cube.model.name == "Two")
+            spoil(cube);
+        cube.AddTo(writer);
+    }
+    writer.Commit();
+}
+
+TEST(SharedFile, EveryCubeIsFoundWithItsOwnFacts) {
+    const TemporaryFolder folder;
+    WriteThree(folder.Path("three.cub"), [](SmallCube& cube) {
+        cube.values = {{50, -70, 90}, {-70, 50, 90}};
+    });
+    const auto file = CubeFile::Open(folder.Path("three.cub"));
+    const auto firstValue = [&](const char* name) {
+        return static_cast<int>(*file->FindCube(name)->Facts().Projections()[0].Values(0, {0, 1}));
+    };
+    EXPECT_EQ(firstValue("one"), 5);
+    EXPECT_EQ(firstValue("TWO"), 50);
+    EXPECT_EQ(firstValue("Three"), 5);
+    try {
+        file->FindCube("Four");
+        ADD_FAILURE();
+    } catch (const EngineError& error) {
+        EXPECT_THAT(error.what(), EndsWith("there is no cube \"Four\"; the file holds One, Two, Three"));
+    }
+}
+
+TEST(SharedFile, VerifyReadsEveryCubeAndNamesTheOneAtFault) {
+    struct Case {
+        const char* what;
+        void (*spoil)(SmallCube&);
+        const char* fault; ///< nullptr when there is none
+    };
+    const Case cases[] = {
+        {"all are whole", [](SmallCube&) {}, nullptr},
+        {"facts that differ", [](SmallCube& cube) { cube.values[1][0] = 8; },
+         "cube Two: sort orders 1 and 2 hold different facts"},
+        {"a code out of range", [](SmallCube& cube) { cube.keys[0][1][2] = 2; },
+         "cube Two, sort order 1: key column firm has a code out of range"},
+        {"members at fault", [](SmallCube& cube) { cube.Accounts().names.bytes[0] = '\xFF'; }, "not UTF-8"},
+    };
+    const TemporaryFolder folder;
+    for (const Case& test : cases) {
+        WriteThree(folder.Path("three.cub"), test.spoil);
+        std::vector<double> shares;
+        std::string fault;
+        try {
+            CubeFile::Open(folder.Path("three.cub"))->Verify([&](double share) { shares.push_back(share); });
+        } catch (const EngineError& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::DamagedFile) << test.what;
+            fault = error.what();
+        }
+        ASSERT_FALSE(shares.empty()) << test.what;
+        for (std::size_t i = 1; i < shares.size(); ++i)
+            EXPECT_GE(shares[i], shares[i - 1]) << test.what << ": progress goes back between cubes";
+        if (test.fault == nullptr) {
+            EXPECT_EQ(fault, "") << test.what;
+            EXPECT_EQ(shares.back(), 1) << test.what;
+        } else {
+            EXPECT_THAT(fault, HasSubstr(test.fault)) << test.what;
+            EXPECT_LT(shares.back(), 1) << test.what;
+        }
+    }
+}
+
+} // namespace
+} // namespace qel::engine
