@@ -166,6 +166,93 @@ TEST_F(BuildTest, CalendarsHaveEveryPeriod) {
     }
 }
 
+TEST_F(BuildTest, CalendarsBeginAndEndWhereTheyAreTold) {
+    struct Case {
+        const char* what;
+        const char* calendar; ///< and what else the dimension says
+        const char* date;     ///< of the one line
+        const char* drawn;
+    };
+    const Case cases[] = {
+        {"a leap day alone", R"({"periods": "days", "quarters": false})", "2024-02-29",
+         "All 100\n 2024 100\n  2&2024-02 100\n   29&2024-02-29 100\n"},
+        {"a month alone", R"({"periods": "months"})", "2024-02-29",
+         "All 100\n 2024 100\n  Q1&2024-Q1 100\n   2&2024-02 100\n"},
+        {"across a leap day", R"({"periods": "days", "quarters": false, "from": "2024-02-28"})", "2024-03-01",
+         "All 100\n 2024 100\n  2&2024-02 0\n   28&2024-02-28 0\n   29&2024-02-29 0\n  3&2024-03 100\n"
+         "   1&2024-03-01 100\n"},
+        {"no leap day in a century's year", R"({"periods": "days", "quarters": false, "from": "1900-02-28"})",
+         "1900-03-01",
+         "All 100\n 1900 100\n  2&1900-02 0\n   28&1900-02-28 0\n  3&1900-03 100\n   1&1900-03-01 100\n"},
+        {"from alone, in the month before", R"({"periods": "months", "from": "2024-03-31"})", "2024-04-01",
+         "All 100\n 2024 100\n  Q1&2024-Q1 0\n   3&2024-03 0\n  Q2&2024-Q2 100\n   4&2024-04 100\n"},
+        {"to alone, in the month after", R"({"periods": "months", "to": "2024-05-01"})", "2024-04-30",
+         "All 100\n 2024 100\n  Q2&2024-Q2 100\n   4&2024-04 100\n   5&2024-05 0\n"},
+        {"the last day and the first", R"({"periods": "days", "from": "2024-12-31", "to": "2025-01-01"})",
+         "2025-01-01",
+         "All 100\n 2024 0\n  Q4&2024-Q4 0\n   12&2024-12 0\n    31&2024-12-31 0\n"
+         " 2025 100\n  Q1&2025-Q1 100\n   1&2025-01 100\n    1&2025-01-01 100\n"},
+        {"no top member", R"({"periods": "months", "quarters": false, "to": "2025-01-31"}, "all": false)",
+         "2024-12-01", "2024 100\n 12&2024-12 100\n2025 0\n 1&2025-01 0\n"},
+    };
+    for (const Case& test : cases) {
+        Table("ledger", std::string("date,amount\n") + test.date + ",1\n");
+        const auto cube =
+            Build(Define(std::string(R"("dimensions": [{"name": "Date", "column": "date", "calendar": )") +
+                         test.calendar + "}]"));
+        EXPECT_EQ(DrawHierarchy(*cube, 0), test.drawn) << test.what;
+    }
+}
+
+/// Which tree numbers the codes, and how the facts lie, changes how quick an answer is and no answer.
+TEST_F(BuildTest, TheMainTreeAndTheSortOrdersChangeNoSum) {
+    struct Case {
+        const char* what;
+        const char* main; ///< said of the dimension with the flat tree
+        const char* sortOrders;
+        std::size_t deepRanges, flatRanges; ///< of their first groups
+        std::vector<std::vector<std::uint16_t>> orders;
+    };
+    const Case cases[] = {
+        {"the deepest tree numbers", "", "", 1, 2, {{0, 1}}},
+        {"the main one does", R"(, "main": true)", "", 3, 1, {{0, 1}}},
+        {"deepest, two orders", "", R"(, "sortOrders": [["firm", "code"], ["code"]])", 1, 2, {{1, 0}, {0}}},
+        {"main, two orders",
+         R"(, "main": true)",
+         R"(, "sortOrders": [["code", "firm"], ["firm"]])",
+         3,
+         1,
+         {{0, 1}, {1}}},
+    };
+    Table("tree", "code,g,h\n1,a,x\n2,b,x\n3,a,x\n4,b,y\n5,a,y\n6,b,y\n");
+    Table("ledger",
+          "code,firm,amount\n6,1,0.32\n1,1,0.01\n5,2,0.16\n2,1,0.02\n4,2,0.08\n3,1,0.04\n1,2,0.64\n");
+    for (const Case& test : cases) {
+        const auto cube = Build(Define(fmt::format(R"("dimensions": [
+              {{"name": "Deep", "column": "code", "table": "tree", "key": "code", "hierarchies": [
+                {{"name": "Deep", "levels": [{{"name": "G", "key": "g"}}, {{"name": "C", "key": "code"}}]}}]}},
+              {{"name": "Flat", "column": "code", "table": "tree", "key": "code"{}, "hierarchies": [
+                {{"name": "Flat", "levels": [{{"name": "H", "key": "h"}}]}}]}},
+              {{"name": "Firm", "column": "firm"}}]{})",
+                                                   test.main, test.sortOrders)));
+        EXPECT_EQ(DrawHierarchy(*cube, 0),
+                  "All 127\n a 85\n  1 65\n  3 4\n  5 16\n b 42\n  2 2\n  4 8\n  6 32\n")
+            << test.what;
+        EXPECT_EQ(DrawHierarchy(*cube, 1), "All 127\n x 71\n y 56\n") << test.what;
+        EXPECT_EQ(DrawHierarchy(*cube, 2), "All 127\n 1 39\n 2 88\n") << test.what;
+        EXPECT_EQ(cube->Hierarchies()[0].Ranges(1).size(), test.deepRanges) << test.what;
+        EXPECT_EQ(cube->Hierarchies()[1].Ranges(1).size(), test.flatRanges) << test.what;
+        std::vector<std::vector<std::uint16_t>> orders;
+        for (std::size_t i = 0; i < cube->Facts().Projections().size(); ++i) {
+            const auto order = cube->Facts().Projections()[i].SortOrder();
+            orders.emplace_back(order.begin(), order.end());
+            EXPECT_EQ(SumOf(*cube, 0, i, {{0, 1}, {1, 2}}), 16) << test.what << ": in a and in y is 5";
+            EXPECT_EQ(SumOf(*cube, 0, i, {{1, 1}, {2, 2}}), 64) << test.what << ": in x, of firm 2";
+        }
+        EXPECT_EQ(orders, test.orders) << test.what;
+    }
+}
+
 /// Any combination of members gives the same sum in every sort order as the lines of the CSV do.
 TEST_F(BuildTest, SumsAgreeWithTheLinesInEverySortOrder) {
     std::mt19937 random(7);
