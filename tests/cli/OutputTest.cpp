@@ -4,6 +4,7 @@
 #include "cli/ValueText.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <limits>
 #include <sstream>
@@ -94,6 +95,65 @@ TEST(CellsetOutput, CsvQuotesWhatNeedsIt) {
     EXPECT_EQ(output.str(), "Account,AccountName,2024 / Amount,\"2024 / A \"\"quoted\"\", one\"\n"
                             "4000,שכר,1234.5,\n"
                             "5000,\"a\nb\",-0.25,3\n");
+}
+
+TEST(CellsetOutput, CsvFieldsAreQuotedOnlyWhereAReaderWouldSplitThem) {
+    struct Case {
+        const char* caption;
+        const char* field;
+    };
+    const Case cases[] = {
+        {"plain", "plain"},
+        {"", ""},
+        {"two words", "two words"},
+        {" blanks around ", " blanks around "},
+        {"a;b|c\td", "a;b|c\td"},
+        {"O'Neil", "O'Neil"},
+        {"a,b", "\"a,b\""},
+        {"\"", "\"\"\"\""},
+        {"5\" pipe", "\"5\"\" pipe\""},
+        {"\"all\"", "\"\"\"all\"\"\""},
+        {"old\rMac", "\"old\rMac\""},
+        {"two\r\nlines", "\"two\r\nlines\""},
+        {"חשבון, \"ישן\"", "\"חשבון, \"\"ישן\"\"\""},
+    };
+    for (const Case& c : cases) {
+        const CellsetGrid grid{2, {{Named("Amount")}}, {{Named(c.caption)}}, {{1.5}}};
+        std::ostringstream output;
+        PrintAsCsv(grid, output);
+        EXPECT_EQ(output.str(), std::string("L,Amount\n") + c.field + ",1.5\n");
+    }
+}
+
+TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
+    struct Case {
+        const char* what;
+        CellsetGrid grid;
+        const char* axes;
+        const char* cells;
+    };
+    const double infinite = std::numeric_limits<double>::infinity();
+    const Case cases[] = {
+        {"no axes", {0, {{}}, {{}}, {{7.5}}}, "[]", "[[7.5]]"},
+        {"one axis", {1, {{Named("x")}}, {{}}, {{0.1}}}, "[1]", "[[0.1]]"},
+        {"no row", {2, {{Named("x")}, {Named("y")}}, {}, {}}, "[2,0]", "[]"},
+        {"cents keep their shortest form",
+         {2, {{Named("x")}}, {{Named("r")}, {Named("s")}}, {{-1500.3}, {9999999999999.99}}},
+         "[1,2]",
+         "[[-1500.3],[9999999999999.99]]"},
+        {"no number", {1, {{Named("x")}, {Named("y")}}, {{}}, {{Null{}, infinite}}}, "[2]", "[[null,null]]"},
+        {"a text", {1, {{Named("x")}}, {{}}, {{"a \"b\"\n"}}}, "[1]", R"([["a \"b\"\n"]])"},
+    };
+    for (const Case& c : cases) {
+        std::ostringstream output;
+        PrintAsJson(c.grid, output);
+        const auto document = nlohmann::json::parse(output.str());
+        auto positions = nlohmann::json::array(); // of each axis
+        for (const auto& axis : document["axes"])
+            positions.push_back(axis.size());
+        EXPECT_EQ(positions.dump(), c.axes) << c.what;
+        EXPECT_EQ(document["cells"].dump(), c.cells) << c.what;
+    }
 }
 
 TEST(CellsetOutput, JsonKeepsAxesAndEmptyCells) {

@@ -1,9 +1,12 @@
 #include "platform/AutomationError.h"
 #include "platform/Conversion.h"
 #include "platform/local/LocalDataAccess.h"
+#include "platform/local/ProviderErrors.h"
 #include "tests/local/BooksCube.h"
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace qel {
 namespace {
@@ -70,6 +73,17 @@ const TableCase tableCases[] = {
      "[Measures].[MeasuresLevel].[MEMBER_CAPTION]|[Firma].[All].[10]\nDouble|-1260.5\nAmount|-630.25"},
     {"a tuple on columns", "SELECT {([Measures].[Amount],[Firma].[20])} ON COLUMNS FROM BooksFNC",
      "[Measures].[Amount].[Firma].[All].[20]\n-299.7"},
+    {"a level that a mixed set reaches has its field; All and its parents leave it Null",
+     "SELECT {[Measures].[Amount]} ON COLUMNS, {[OBS].[South].[Main],[OBS],[OBS].[North]} ON ROWS "
+     "FROM BooksFNC",
+     "[OBS].[Level1].[MEMBER_CAPTION]|[OBS].[Level2].[MEMBER_CAPTION]|[Measures].[Amount]\n"
+     "South|Main|-300\n-|-|-929.95\nNorth|-|-630.25"},
+    {"All alone has no field", "SELECT {[Measures].[Amount]} ON COLUMNS, {[OBS]} ON ROWS FROM BooksFNC",
+     "[Measures].[Amount]\n-929.95"},
+    {"no rows axis: one row, a field for every column",
+     "SELECT {[Firma].[20],[Firma],[Firma].[10]} ON COLUMNS FROM BooksFNC",
+     "[Firma].[All].[20]|[Firma].[All]|[Firma].[All].[10]\n-299.7|-929.95|-630.25"},
+    {"no axis at all", "SELECT FROM BooksFNC", ""},
     {"no row at all",
      "SELECT {[Measures]} ON COLUMNS, NON EMPTY {[Accounts].[AccountCodes].[All].[5100]} ON ROWS "
      "FROM BooksFNC WHERE ([Date].[2024].[Q1].[2])",
@@ -98,6 +112,55 @@ TEST_F(LocalRecordsetTest, StandsOnRowsAsAdoDoes) {
     EXPECT_THROW(rows->MoveFirst(), AutomationError);
     EXPECT_NE(ErrorOf(""), 0) << "a statement of nothing";
     EXPECT_NE(ErrorOf("SELECT {[Measures]} ON COLUMNS, {[OBS].[Level9].members} ON ROWS FROM BooksFNC"), 0);
+}
+
+TEST_F(LocalRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
+    auto connection = dataAccess_.CreateConnection();
+    connection->Open(test::TextFor(cubeFile_, "BooksFNC"), "", "", optionsUnspecified);
+    const std::string statement = "SELECT {[Measures]} ON COLUMNS, {[Firma].[20]} ON ROWS FROM BooksFNC";
+    const auto rows = dataAccess_.CreateRecordset();
+    const auto open = [&](const std::string& text) { rows->Open(text, connection, -1, -1, -1); };
+    struct Case {
+        const char* what;
+        std::function<void()> use;
+        std::int32_t number;
+    };
+    const Case whenClosed[] = {
+        {"fields of a closed recordset", [&] { rows->FieldCount(); }, errorObjectClosed},
+        {"end of a closed recordset", [&] { rows->AtEnd(); }, errorObjectClosed},
+        {"moving in a closed recordset", [&] { rows->MoveNext(); }, errorObjectClosed},
+        {"closing twice", [&] { rows->Close(); }, errorObjectClosed},
+        {"three axes", [&] { open("SELECT {[Measures]} ON 0, {[Firma]} ON 1, {[OBS]} ON 2 FROM BooksFNC"); },
+         errorNotSupported},
+        {"no connection", [&] { rows->Open(statement, nullptr, -1, -1, -1); }, errorInvalidConnection},
+        {"a failed statement leaves it closed", [&] { rows->FieldCount(); }, errorObjectClosed},
+    };
+    const Case whenOpen[] = {
+        {"a field before the first", [&] { rows->FieldName(-1); }, errorItemNotFound},
+        {"a field behind the last", [&] { rows->FieldName(2); }, errorItemNotFound},
+        {"a value before the first", [&] { rows->FieldValue(-1); }, errorItemNotFound},
+        {"opening twice", [&] { open(statement); }, errorObjectOpen},
+    };
+    const auto numberOf = [](const std::function<void()>& use) {
+        try {
+            use();
+        } catch (const AutomationError& error) {
+            return error.Number();
+        }
+        return 0;
+    };
+    for (int round = 0; round < 2; ++round) { // a closed recordset can be opened again
+        for (const Case& c : whenClosed)
+            EXPECT_EQ(numberOf(c.use), c.number) << c.what;
+        open(statement);
+        for (const Case& c : whenOpen)
+            EXPECT_EQ(numberOf(c.use), c.number) << c.what;
+        EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
+        EXPECT_EQ(rows->FieldValue(1).As<double>(), -299.7);
+        rows->MoveNext();
+        EXPECT_TRUE(rows->AtEnd());
+        rows->Close();
+    }
 }
 
 } // namespace
