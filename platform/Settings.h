@@ -20,6 +20,9 @@ inline constexpr KeyHandle LocalMachine = 0x80000002U;
 inline constexpr KeyHandle Users = 0x80000003U;
 } // namespace RootKey
 
+/// "HKEY_CURRENT_USER" and the like; an empty text for a handle that is no root key.
+std::string RootKeyName(KeyHandle handle);
+
 /// REG_SZ, the one type of value that counts.
 inline constexpr std::uint32_t registryString = 1;
 

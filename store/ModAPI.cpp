@@ -12,21 +12,6 @@ namespace {
 
 constexpr std::int16_t notFound = -1;
 
-std::string RootName(KeyHandle handle) {
-    switch (handle) {
-    case RootKey::ClassesRoot:
-        return "HKEY_CLASSES_ROOT";
-    case RootKey::CurrentUser:
-        return "HKEY_CURRENT_USER";
-    case RootKey::LocalMachine:
-        return "HKEY_LOCAL_MACHINE";
-    case RootKey::Users:
-        return "HKEY_USERS";
-    default:
-        return {};
-    }
-}
-
 } // namespace
 
 std::string LocalDbFolder(StoreEnvironment& store) {
@@ -67,7 +52,7 @@ bool RegOpen(StoreEnvironment& store, KeyHandle root, const std::string& subKey,
     if (!opened)
         return false;
     handle = *opened;
-    RememberKey(store, handle, RootName(root) + "\\" + subKey);
+    RememberKey(store, handle, RootKeyName(root) + "\\" + subKey);
     return true;
 }
 
@@ -83,7 +68,7 @@ bool RegGetString(StoreEnvironment& store, KeyHandle handle, const std::string& 
 bool RegClose(StoreEnvironment& store, KeyHandle handle) { return store.registry.CloseKey(handle) == 0; }
 
 std::string KeyName(const StoreEnvironment& store, KeyHandle handle) {
-    std::string name = RootName(handle);
+    std::string name = RootKeyName(handle);
     if (!name.empty())
         return name;
     const std::int16_t at = FindKey(store, handle);

@@ -13,23 +13,8 @@ constexpr std::int32_t invalidHandle = 6;
 /// The number of the first handle; small numbers look like errors to some callers.
 constexpr KeyHandle firstHandle = 0x100;
 
-const char* RootSection(KeyHandle root) {
-    switch (root) {
-    case RootKey::ClassesRoot:
-        return "HKEY_CLASSES_ROOT";
-    case RootKey::CurrentUser:
-        return "HKEY_CURRENT_USER";
-    case RootKey::LocalMachine:
-        return "HKEY_LOCAL_MACHINE";
-    case RootKey::Users:
-        return "HKEY_USERS";
-    default:
-        return "";
-    }
-}
-
 std::string SectionName(KeyHandle root, const std::string& subKey) {
-    return RootSection(root) + ("\\" + subKey);
+    return RootKeyName(root) + "\\" + subKey;
 }
 
 } // namespace
