@@ -10,6 +10,8 @@ namespace {
 
 /// Keeps formulas that never end away from the end of the stack, which is small in a spreadsheet's threads.
 constexpr int nestingLimit = 400;
+/// Formulas that use others twice each double the work at every step: forty of them would take years.
+constexpr int evaluationLimit = 10'000'000;
 
 } // namespace
 
@@ -178,6 +180,14 @@ Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::Place place) : evaluator_
             ErrorKind::InvalidExpression, evaluator.statement_, place,
             fmt::format("the calculated member needs more than {} others, or itself, to be evaluated",
                         nestingLimit));
+    }
+    if (evaluator.depth_ == 0) {
+        evaluator.evaluations_ = 0;
+    }
+    if (++evaluator.evaluations_ > evaluationLimit) {
+        mdx::RaiseAt(
+            ErrorKind::TooLarge, evaluator.statement_, place,
+            fmt::format("one cell needs more than {} evaluations of calculated members", evaluationLimit));
     }
     ++evaluator.depth_;
 }

@@ -63,7 +63,8 @@ public:
         std::span<const HierarchyId> shape_;
     };
 
-    /// Counts formulas and expressions within one another; raises InvalidExpression when there is no end.
+    /// Counts formulas within one another and all of one cell; raises InvalidExpression when there is no end,
+    /// and TooLarge when there is one too far away.
     class Nesting {
     public:
         explicit Nesting(Evaluator& evaluator, mdx::Place place);
@@ -98,6 +99,7 @@ private:
     std::vector<FoldedHierarchy> folded_;
     FactCell cell_;
     int depth_ = 0;
+    int evaluations_ = 0; ///< for the outermost cell
 };
 
 } // namespace qel::engine

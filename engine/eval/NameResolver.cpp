@@ -162,11 +162,24 @@ void NameResolver::Find(HierarchyId hierarchy, std::size_t part, std::vector<Mem
     if (name.text.empty()) {
         return;
     }
+    const Hierarchy& stored = space_.Stored(hierarchy);
     if (name.isKey) {
-        space_.Stored(hierarchy).FindByKey(name.text, found);
+        stored.FindByKey(name.text, found);
     } else {
-        space_.Stored(hierarchy).FindByName(name.text, found);
+        stored.FindByName(name.text, found);
     }
+    if (found.size() < 2) {
+        return;
+    }
+    // Members of one level may differ in letter case alone: the one that is spelt as in the path comes first.
+    std::stable_sort(found.begin(), found.end(), [&](MemberId left, MemberId right) {
+        const auto rank = [&](MemberId member) {
+            const std::string_view spelling =
+                name.isKey ? stored.MemberKey(member) : stored.MemberName(member);
+            return std::pair(stored.LevelOf(member), spelling != name.text);
+        };
+        return rank(left) < rank(right);
+    });
 }
 
 void NameResolver::Fail(bool wantsLevel) const {

@@ -1,4 +1,7 @@
 #include "engine/EngineError.h"
+#include "engine/build/BuildCube.h"
+#include "engine/storage/CubeFile.h"
+#include "tests/TemporaryFolder.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <gtest/gtest.h>
@@ -87,6 +90,25 @@ TEST(Name, OfEveryMemberLeadsBackToIt) {
             EXPECT_EQ(FirstMember(name), name);
         }
     }
+}
+
+TEST(Name, PrefersTheSpellingOfThePathOnOneLevel) {
+    const test::TemporaryFolder folder;
+    folder.Write("lines.csv", "day,dept,amount\n2024-01-01,a,1\n2024-01-01,A,2\n");
+    BuildOptions options;
+    options.output = folder.Path("cube.cub");
+    options.definition = folder.Write("cube.json", R"({"tables": {"lines": {"file": "lines.csv"}}, "cubes": [{
+        "name": "Finance", "facts": "lines", "dimensions": [{"name": "Dept", "column": "dept"},
+            {"name": "Date", "column": "day", "calendar": {"periods": "months", "quarters": true}}],
+        "measures": [{"name": "Amount", "column": "amount"}]}]})");
+    BuildCube(options);
+    const auto cube = CubeFile::Open(options.output)->FindCube("Finance");
+    const Cellset cells =
+        RunStatement(*cube, "SELECT {[Dept].[a], [Dept].[A], [Dept].&[a], [Dept].&[A]} ON 0 FROM Finance");
+    EXPECT_EQ(cells.Cell({0}).number, 1);
+    EXPECT_EQ(cells.Cell({1}).number, 2);
+    EXPECT_EQ(cells.Cell({2}).number, 1);
+    EXPECT_EQ(cells.Cell({3}).number, 2);
 }
 
 } // namespace

@@ -372,6 +372,21 @@ TEST(Statement, ComputesNumbers) {
     }
 }
 
+TEST(Statement, EndsFormulasThatDoubleTheWorkAtEveryStep) {
+    std::string text = "WITH ";
+    for (int i = 0; i < 40; ++i) {
+        const std::string next = "[Measures].A" + std::to_string(i + 1);
+        text += "MEMBER [Measures].A" + std::to_string(i) + " AS " + next + " + " + next + " ";
+    }
+    text += "MEMBER [Measures].A40 AS 1 SELECT {[Measures].A0} ON 0 FROM Finance";
+    try {
+        RunStatement(Finance(), text);
+        FAIL() << "no error";
+    } catch (const EngineError& error) {
+        EXPECT_EQ(error.Kind(), ErrorKind::TooLarge) << error.what();
+    }
+}
+
 TEST(Statement, RefusesWhatHasNoMeaning) {
     const struct {
         const char* what;
