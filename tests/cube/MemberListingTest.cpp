@@ -1,6 +1,7 @@
 #include "cube/MemberListing.h"
 
 #include "platform/AutomationError.h"
+#include "tests/ErrorOf.h"
 #include "tests/doubles/RecordingProvider.h"
 
 #include <gmock/gmock.h>
@@ -9,21 +10,13 @@
 namespace qel::ModSetCube {
 namespace {
 
+using test::ErrorOf;
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
 
 const std::string ledgerText = "Provider=MSOLAP;Data Source=a.cub;Initial Catalog=LedgerFNC;Client Cache "
                                "Size=25;Auto Synch Period=10000";
 const MemberListing costCenters = {"LedgerFNC", 2, "OBS", "Cost_Centers"};
-
-std::int32_t ErrorOf(const std::function<void()>& work) {
-    try {
-        work();
-        return 0;
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-}
 
 TEST(ListMembersCellset, OpensAConnectionOfItsOwn) {
     auto provider = testing::LedgerProvider();

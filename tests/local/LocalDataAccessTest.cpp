@@ -2,6 +2,7 @@
 
 #include "engine/EngineError.h"
 #include "platform/AutomationError.h"
+#include "tests/ErrorOf.h"
 #include "tests/local/BooksCube.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,7 @@ namespace qel {
 namespace {
 
 using test::BuildBooks;
+using test::ErrorOf;
 using test::TextFor;
 
 /// The cubes of tests/books behind the ports.
@@ -37,17 +39,6 @@ protected:
     std::string cubeFile_ = BuildBooks(folder_.Path("books.cub"));
     LocalDataAccess dataAccess_;
 };
-
-/// The number of the error that `work` ends with; 0 when it ends well.
-template <class Work>
-std::int32_t ErrorOf(const Work& work) {
-    try {
-        work();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 template <class Work>
 std::string DescriptionOf(const Work& work) {

@@ -2,6 +2,7 @@
 #include "platform/Conversion.h"
 #include "platform/local/LocalDataAccess.h"
 #include "platform/local/ProviderErrors.h"
+#include "tests/ErrorOf.h"
 #include "tests/local/BooksCube.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +11,8 @@
 
 namespace qel {
 namespace {
+
+using test::ErrorOf;
 
 class LocalRecordsetTest : public testing::Test {
 protected:
@@ -33,15 +36,6 @@ protected:
             }
         }
         return table;
-    }
-
-    std::int32_t ErrorOf(const std::string& statement) {
-        try {
-            Run(statement);
-        } catch (const AutomationError& error) {
-            return error.Number();
-        }
-        return 0;
     }
 
     test::TemporaryFolder folder_;
@@ -110,8 +104,11 @@ TEST_F(LocalRecordsetTest, StandsOnRowsAsAdoDoes) {
     EXPECT_THROW(rows->FieldValue(2), AutomationError);
     rows->Close();
     EXPECT_THROW(rows->MoveFirst(), AutomationError);
-    EXPECT_NE(ErrorOf(""), 0) << "a statement of nothing";
-    EXPECT_NE(ErrorOf("SELECT {[Measures]} ON COLUMNS, {[OBS].[Level9].members} ON ROWS FROM BooksFNC"), 0);
+    EXPECT_NE(ErrorOf([&] { Run(""); }), 0) << "a statement of nothing";
+    EXPECT_NE(ErrorOf([&] {
+                  Run("SELECT {[Measures]} ON COLUMNS, {[OBS].[Level9].members} ON ROWS FROM BooksFNC");
+              }),
+              0);
 }
 
 TEST_F(LocalRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
@@ -141,20 +138,12 @@ TEST_F(LocalRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
         {"a value before the first", [&] { rows->FieldValue(-1); }, errorItemNotFound},
         {"opening twice", [&] { open(statement); }, errorObjectOpen},
     };
-    const auto numberOf = [](const std::function<void()>& use) {
-        try {
-            use();
-        } catch (const AutomationError& error) {
-            return error.Number();
-        }
-        return 0;
-    };
     for (int round = 0; round < 2; ++round) { // a closed recordset can be opened again
         for (const Case& c : whenClosed)
-            EXPECT_EQ(numberOf(c.use), c.number) << c.what;
+            EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
         open(statement);
         for (const Case& c : whenOpen)
-            EXPECT_EQ(numberOf(c.use), c.number) << c.what;
+            EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
         EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
         EXPECT_EQ(rows->FieldValue(1).As<double>(), -299.7);
         rows->MoveNext();

@@ -1,6 +1,7 @@
 #include "platform/Conversion.h"
 
 #include "platform/AutomationError.h"
+#include "tests/ErrorOf.h"
 
 #include <gtest/gtest.h>
 
@@ -8,6 +9,8 @@
 
 namespace qel {
 namespace {
+
+using test::ErrorOf;
 
 constexpr Locale plain{};
 constexpr Locale commaDecimal{DateOrder::DayMonthYear, '.', ',', '.'};
@@ -19,16 +22,6 @@ public:
 
 Variant ArrayOf(ElementType type) {
     return std::make_shared<const VariantArray>(VariantArray{type, {{0, 0}}, {Variant()}});
-}
-
-template <class Operation>
-std::int32_t ErrorOf(Operation operation) {
-    try {
-        operation();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
 }
 
 TEST(Conversion, WritesValuesAsThePlatformDoes) {

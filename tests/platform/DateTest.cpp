@@ -1,5 +1,6 @@
 #include "platform/AutomationDate.h"
 #include "platform/AutomationError.h"
+#include "tests/ErrorOf.h"
 
 #include <gtest/gtest.h>
 
@@ -8,19 +9,11 @@
 namespace qel {
 namespace {
 
+using test::ErrorOf;
+
 constexpr Locale dayFirst{DateOrder::DayMonthYear, '/', '.', ','};
 constexpr Locale monthFirst{DateOrder::MonthDayYear, '/', '.', ','};
 constexpr Locale yearFirst{DateOrder::YearMonthDay, '-', '.', ','};
-
-template <class Operation>
-std::int32_t ErrorOf(Operation operation) {
-    try {
-        operation();
-    } catch (const AutomationError& error) {
-        return error.Number();
-    }
-    return 0;
-}
 
 TEST(Date, CountsDaysFromItsEpoch) {
     EXPECT_EQ(DateFromDay({1899, 12, 30}).days, 0);
