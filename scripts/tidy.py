@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the sources of a build folder, two at a time, and remembers which were clean.
+"""Runs clang-tidy over the sources of a build folder, one a core, and remembers which were clean.
 
-A source is checked again when it, a header of the repository that it includes, its compile command or the rules
-change, so a run without changes takes a second.
+A source is checked again when it, a header of the repository that it includes, its compile command, the rules or
+clang-tidy change, so a run without changes takes a second. What is remembered stands in the user's cache folder and
+serves every clone.
 """
 import argparse
 import concurrent.futures
@@ -35,9 +36,14 @@ def object_of(command):
     return words[words.index("-o") + 1]
 
 
-def fingerprint(command, paths):
-    digest = hashlib.sha256((ROOT / ".clang-tidy").read_bytes())
-    digest.update(command.encode())
+def rules():
+    version = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
+    return hashlib.sha256(version + (ROOT / ".clang-tidy").read_bytes())
+
+
+def fingerprint(base, command, paths):
+    digest = base.copy()
+    digest.update(command.replace(str(ROOT), "").encode())
     for path in sorted(paths):
         digest.update(path.read_bytes())
     return digest.hexdigest()
@@ -56,12 +62,14 @@ def main():
     build = os.path.abspath(parser.parse_args().build)
 
     includes = included_files(build)
-    stamps = pathlib.Path(build) / "tidy-clean"
-    stamps.mkdir(exist_ok=True)
+    cache = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache")
+    stamps = cache / "orm-func-qel4" / "tidy-clean"
+    stamps.mkdir(parents=True, exist_ok=True)
+    base = rules()
     waiting = []
     for entry in json.loads((pathlib.Path(build) / "compile_commands.json").read_text()):
         read = includes.get(object_of(entry["command"]), [pathlib.Path(entry["file"])])
-        mark = stamps / fingerprint(entry["command"], read)
+        mark = stamps / fingerprint(base, entry["command"], read)
         if not mark.exists():
             waiting.append((entry["file"], mark))
 
