@@ -68,7 +68,7 @@ std::string FileProfiles::ReadSection(const std::string& section, std::size_t ca
     return Trapped(lastError_, [&] {
         std::string entries;
         for (const auto& [key, value] : IniFile(PathFromText(file)).Entries(section))
-            entries += key + '=' + value + '\0';
+            entries.append(key).append(1, '=').append(value).append(1, '\0');
         Cut(entries, capacity - 2);
         return entries;
     });

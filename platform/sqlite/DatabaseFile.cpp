@@ -9,13 +9,11 @@ namespace qel {
 
 namespace {
 
-using std::string_view_literals::operator""sv;
-
-constexpr auto sqliteSignature = "SQLite format 3\0"sv;
+constexpr std::string_view sqliteSignature("SQLite format 3\0", 16);
 /// Jet and its successor ACE write their names after four bytes of their own.
-constexpr auto jetPrefix = "\0\1\0\0"sv;
-constexpr auto jetSignature = "Standard Jet DB\0"sv;
-constexpr auto aceSignature = "Standard ACE DB\0"sv;
+constexpr std::string_view jetPrefix("\0\1\0\0", 4);
+constexpr std::string_view jetSignature("Standard Jet DB\0", 16);
+constexpr std::string_view aceSignature("Standard ACE DB\0", 16);
 
 } // namespace
 
