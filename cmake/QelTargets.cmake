@@ -19,6 +19,10 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # GCC 12 reports null dereferences and overlapping copies inside the standard library's own inlined code.
     target_compile_options(qel_options INTERFACE -Wno-null-dereference -Wno-restrict -Wduplicated-cond -Wlogical-op)
 endif()
+if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    # Sizes in a cube file have 64 bits. A file that 32-bit memory could not hold whole is refused before they are used.
+    target_compile_options(qel_options INTERFACE -Wno-conversion -Wno-sign-conversion -Wno-narrowing)
+endif()
 # The scans over fact columns rely on the vectoriser, which GCC 12 runs in full only at this level.
 string(REPLACE "-O2" "-O3" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 

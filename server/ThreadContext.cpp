@@ -6,6 +6,7 @@
 #include "platform/local/CubeSource.h"
 #include "platform/local/LocalDataAccess.h"
 #include "platform/provider/ResolvingDataAccess.h"
+#include "platform/windows/WindowsApi.h"
 #include "platform/windows/ado/LateBoundDataAccess.h"
 
 namespace qel::server {
@@ -39,8 +40,23 @@ ModSetCube::ThreadState& StateOfThread() {
     return state;
 }
 
+/// Keeps the DLL loaded until the process ends: a thread's state ends with its thread, by code of the DLL,
+/// and the last apartment to close would otherwise unload it under threads that are still ending.
+void KeepLoaded() {
+    static const HMODULE pinned = [] {
+        HMODULE module = nullptr;
+        ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                             reinterpret_cast<LPCWSTR>(&KeepLoaded), &module);
+        return module;
+    }();
+    static_cast<void>(pinned);
+}
+
 } // namespace
 
-FunctionContext ContextOfThread(const Locale& locale) { return {StateOfThread(), Providers(), locale}; }
+FunctionContext ContextOfThread(const Locale& locale) {
+    KeepLoaded();
+    return {StateOfThread(), Providers(), locale};
+}
 
 } // namespace qel::server

@@ -26,7 +26,9 @@ public:
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    std::filesystem::path Path(std::string_view name = "") const { return path_ / name; }
+    std::filesystem::path Path(std::string_view name = "") const {
+        return path_ / std::u8string(name.begin(), name.end());
+    }
     std::filesystem::path Write(std::string_view name, std::string_view text) const {
         std::ofstream file(Path(name), std::ios::binary);
         file << text;
