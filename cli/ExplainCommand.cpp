@@ -66,12 +66,18 @@ private:
     void PrintKeyLists() {
         if (const auto* value = std::get_if<ValueCall>(&call_.arguments)) {
             lists_ = NormaliseKeyLists(call_.function, *value, context_.locale);
-            Line("ObsName keys", ListText(lists_.ObsName, context_.locale));
-            Line("ObsNum keys", ListText(lists_.ObsNum, context_.locale));
-            Line("ObsLevel keys", ListText(lists_.ObsLevel, context_.locale));
-            Line("ObsMember keys", ListText(lists_.ObsMember, context_.locale));
-            Line("Activity keys", ListText(lists_.ActivityList, context_.locale));
+            PrintKeyList("ObsName", lists_.ObsName);
+            PrintKeyList("ObsNum", lists_.ObsNum);
+            PrintKeyList("ObsLevel", lists_.ObsLevel);
+            PrintKeyList("ObsMember", lists_.ObsMember);
+            PrintKeyList("Activity", lists_.ActivityList);
         }
+    }
+
+    void PrintKeyList(std::string_view name, const KeyList& list) {
+        Line(fmt::format("{} keys", name), ListText(list, context_.locale));
+        if (list.size() > 1)
+            Line("note", fmt::format("only the first key of {} is used", name));
     }
 
     void PrintSent(const Recording& recording) {
@@ -79,10 +85,24 @@ private:
             Line("connection", text);
         if (recording.statements.empty()) {
             Line("statement", "(none was sent)");
+            PrintOutsideDates();
             return;
         }
         for (const auto& statement : recording.statements)
             fmt::print(context_.output, "---- statement ----\n{}\n---- end of statement ----\n", statement);
+    }
+
+    void PrintOutsideDates() {
+        const auto* call = std::get_if<ValueCall>(&call_.arguments);
+        if (!call || thread_.dates.CubeDates.empty() || !thread_.datesAreCurrent)
+            return;
+        const auto& dates = thread_.dates;
+        const bool isOutside = call->From_Date <= call->To_Date &&
+                               (call->To_Date < dates.CubeMinDate || call->From_Date > dates.CubeMaxDate);
+        if (isOutside)
+            Line("reason", fmt::format("no statement was sent: the dates lie outside the cube's, {} to {}",
+                                       ToText(dates.CubeMinDate, context_.locale),
+                                       ToText(dates.CubeMaxDate, context_.locale)));
     }
 
     /// The failure that the function shows as 0 or "-", if there is one.

@@ -11,6 +11,7 @@
 #include "cli/Version.h"
 #include "engine/EngineError.h"
 #include "platform/AutomationError.h"
+#include "platform/Text.h"
 #include "platform/local/LocalDataAccess.h"
 
 #include <CLI/CLI.hpp>
@@ -32,11 +33,18 @@ constexpr const char* footer =
 2 wrong usage. 'qel COMMAND --help' shows a command's options and examples.)";
 
 void AddDateOrder(CLI::App& app, qel::Locale& locale) {
-    const std::map<std::string, qel::DateOrder> orders = {{"dmy", qel::DateOrder::DayMonthYear},
-                                                          {"mdy", qel::DateOrder::MonthDayYear},
-                                                          {"ymd", qel::DateOrder::YearMonthDay}};
-    app.add_option("--date-order", locale.dateOrder, "Order of day, month and year in date texts")
-        ->transform(CLI::CheckedTransformer(orders, CLI::ignore_case))
+    const auto take = [&locale](const std::string& order) {
+        if (qel::EqualIgnoringCase(order, "dmy"))
+            locale.dateOrder = qel::DateOrder::DayMonthYear;
+        else if (qel::EqualIgnoringCase(order, "mdy"))
+            locale.dateOrder = qel::DateOrder::MonthDayYear;
+        else if (qel::EqualIgnoringCase(order, "ymd"))
+            locale.dateOrder = qel::DateOrder::YearMonthDay;
+        else
+            throw CLI::ValidationError(fmt::format("--date-order takes dmy, mdy or ymd, not {}", order));
+    };
+    app.add_option_function<std::string>("--date-order", take, "Order of day, month and year in date texts")
+        ->trigger_on_parse()
         ->option_text("dmy|mdy|ymd (default dmy)");
 }
 

@@ -9,6 +9,7 @@
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"
 #include "support/Files.h"
+#include "support/Folders.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -98,13 +99,15 @@ private:
     std::ostream& output_;
 };
 
-/// One of the suite's registry values.
-void SetRegistryValue(LocalStore& store, const char* name, const std::string& folder) {
-    if (folder.empty())
+std::filesystem::path FolderOf(const std::string& value) {
+    if (value.empty())
         throw CLI::ValidationError("VALUE", "the folder is empty");
-    auto path = std::filesystem::absolute(PathFromText(folder)).lexically_normal();
-    if (!path.has_filename())
-        path = path.parent_path(); // the component appends a separator itself
+    const auto path = std::filesystem::absolute(PathFromText(value)).lexically_normal();
+    return path.has_filename() ? path : path.parent_path(); // the component appends a separator itself
+}
+
+/// One of the suite's registry values.
+void SetRegistryValue(LocalStore& store, const char* name, const std::filesystem::path& path) {
     std::filesystem::create_directories(store.settingsFile.parent_path());
     store.registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, name, TextFromPath(path));
 }
@@ -142,10 +145,13 @@ void SetLastCube(LocalStore& store, const std::string& value) {
 void Set(CommandContext& context, const std::string& name, const std::string& value) {
     LocalStore store(context.messages);
     if (EqualIgnoringCase(name, ModAPI::mdbPathValue)) {
-        SetRegistryValue(store, ModAPI::mdbPathValue, value);
-        ModAPI::QelFuncMdbPath(store.environment);
+        // Made before it is stored: a folder that cannot be must not take the place of one that is.
+        const auto folder = FolderOf(value);
+        if (!DirExists(TextFromPath(folder)))
+            MakeFolder(TextFromPath(folder));
+        SetRegistryValue(store, ModAPI::mdbPathValue, folder);
     } else if (EqualIgnoringCase(name, ModAPI::tempPathValue)) {
-        SetRegistryValue(store, ModAPI::tempPathValue, value);
+        SetRegistryValue(store, ModAPI::tempPathValue, FolderOf(value));
     } else if (EqualIgnoringCase(name, ModPublics::languageKey)) {
         SetLanguage(store, value);
     } else if (EqualIgnoringCase(name, ModPublics::cubeFileSection)) {

@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <cstdlib>
 
@@ -10,6 +12,7 @@ namespace qel {
 namespace {
 
 constexpr int significantDigits = 15;
+constexpr int moneyDecimals = 4;
 constexpr int smallestPlainExponent = -9;
 constexpr int largestPlainExponent = 20;
 
@@ -18,15 +21,34 @@ struct DecimalDigits {
     int exponent = 0;
 };
 
-DecimalDigits DigitsOf(double number) {
-    const auto scientific = fmt::format("{:.{}e}", number, significantDigits - 1);
+/// Of a text like 1.25e+03.
+DecimalDigits ReadScientific(std::string_view scientific) {
     const auto e = scientific.find('e');
     DecimalDigits result;
     result.digits = scientific.substr(0, e);
-    result.digits.erase(1, 1);
-    result.exponent = static_cast<int>(std::strtol(scientific.c_str() + e + 1, nullptr, 10));
+    if (result.digits.size() > 1)
+        result.digits.erase(1, 1);
+    result.exponent = static_cast<int>(std::strtol(std::string(scientific.substr(e + 1)).c_str(), nullptr, 10));
     result.digits.erase(result.digits.find_last_not_of('0') + 1);
     return result;
+}
+
+/// The fewest digits that read back as the same number.
+DecimalDigits ShortestDigits(double number) {
+    std::array<char, 32> text{};
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), number, std::chars_format::scientific).ptr;
+    return ReadScientific({text.data(), static_cast<std::size_t>(end - text.data())});
+}
+
+/// Large sums need 16 or 17 digits to keep their cents; the further decimals of other numbers are a double's
+/// rounding.
+DecimalDigits DigitsOf(double number) {
+    auto shortest = ShortestDigits(number);
+    const auto decimals = static_cast<int>(shortest.digits.size()) - 1 - shortest.exponent;
+    if (decimals <= moneyDecimals && shortest.exponent <= largestPlainExponent)
+        return shortest;
+    return ReadScientific(fmt::format("{:.{}e}", number, significantDigits - 1));
 }
 
 std::string PlainText(DecimalDigits number) {

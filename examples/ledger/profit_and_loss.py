@@ -7,6 +7,7 @@ the script only lays them out, turns the ledger's signs (income is a credit, so 
 
 import argparse
 import calendar
+import os
 import subprocess
 import sys
 from decimal import Decimal
@@ -59,14 +60,24 @@ def periods_of(options):
     return columns
 
 
-def evaluate(options, formulas):
-    """The values of the formulas, by one run of the evaluator."""
+def run_qel(options, *arguments, **streams):
     try:
-        run = subprocess.run(
-            [options.qel, "eval"], input="\n".join(formulas) + "\n", stdout=subprocess.PIPE, encoding="utf-8", check=False
-        )
+        return subprocess.run([options.qel, *arguments], stdout=subprocess.PIPE, encoding="utf-8", check=False, **streams)
     except OSError as error:
         sys.exit(f"Cannot run the formula evaluator: {error}; name it with --qel.")
+
+
+def require_cube(options):
+    """Formulas show a cube that cannot be read as 0; here its fault is told."""
+    info = run_qel(options, "cube", "info", options.cube, stderr=subprocess.PIPE)
+    if info.returncode != 0:
+        sys.exit(info.stderr.strip())
+
+
+def evaluate(options, formulas):
+    """The values of the formulas, by one run of the evaluator."""
+    require_cube(options)
+    run = run_qel(options, "eval", input="\n".join(formulas) + "\n")
     values = run.stdout.splitlines()
     if run.returncode != 0 or len(values) != len(formulas):
         sys.exit(f"{options.qel} gave {len(values)} values for {len(formulas)} formulas, status {run.returncode}")
@@ -83,7 +94,7 @@ def statement(options):
     net = [value_formula(cube, options, period) for period in periods]
     formulas = list(names.values()) + [formula for row in amounts.values() for formula in row] + net
     if options.formulas:
-        print("\n".join(formulas))
+        print("\n".join(formulas), flush=True)
         sys.exit(0)
     values = evaluate(options, formulas)
 
@@ -141,7 +152,11 @@ def main():
     parser.add_argument("--hebrew", action="store_true", help="Hebrew names, from the Hebrew cube")
     parser.add_argument("--formulas", action="store_true", help="print the formulas instead of evaluating them")
     options = parser.parse_args()
-    show(options, statement(options))
+    try:
+        show(options, statement(options))
+        sys.stdout.flush()
+    except BrokenPipeError:  # the reader, as head does, has seen enough
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
 
 
 if __name__ == "__main__":

@@ -160,6 +160,26 @@ class Explain(WithBooks):
             self.assertRegex(output, rf"value: +{value}\n", what)
             self.assertRegex(output, pattern, what)
 
+    def test_tells_why_no_statement_was_sent(self):
+        reason = "no statement was sent: the dates lie outside the cube's, "
+        cases = [
+            ("before", self.formula(dates='"01/01/2020","31/12/2020"'), True),
+            ("after", self.formula(dates='"01/01/2031","31/12/2031"'), True),
+            ("no dates", self.formula(dates=","), True),
+            ("inside", self.formula(), False),
+            ("reversed", self.formula(dates='"01/03/2024","01/02/2024"'), False),
+        ]
+        for what, formula, told in cases:
+            output = run("explain", formula)[1]
+            self.assertEqual(reason in output, told, f"{what}: {output}")
+        output = run("--date-order", "ymd", "explain", self.formula(dates=","))[1]
+        self.assertRegex(output, reason + r"2024/01/01 to 2024/\d\d/01\n")
+
+    def test_tells_of_keys_that_are_not_used(self):
+        note = r"note: +only the first key of ObsNum is used\n"
+        self.assertRegex(run("explain", self.formula(number='{"1","2"}'))[1], note)
+        self.assertNotRegex(run("explain", self.formula())[1], r"note:")
+
     def test_a_plain_text_is_no_key(self):
         self.assertRegex(run("explain", self.formula(level='"Level1"'))[1], r"ObsLevel keys: +\(empty\)\n")
 
@@ -319,6 +339,12 @@ class WrongInput(WithBooks):
             status, output, errors = run(*command)
             self.assertEqual((status, output), (2, ""), command)
             self.assertNotEqual(errors, "", command)
+
+    def test_a_date_order_is_a_word(self):
+        for order in ("xyz", "0", "1"):
+            status, output, errors = run("--date-order", order, "eval", "=F()")
+            self.assertEqual((status, output), (2, ""), order)
+            self.assertIn(f"--date-order takes dmy, mdy or ymd, not {order}\n", errors)
 
     def test_help_and_version(self):
         for command in ((), ("eval",), ("explain",), ("mdx",), ("cube",), ("cube", "build"), ("cube", "info"),

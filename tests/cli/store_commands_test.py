@@ -156,11 +156,17 @@ class Settings(WithLedger):
         self.assertEqual((suite / "Qel.ini").read_text(), "[Qel]\nQelUILanguage 1\n")
 
     def test_wrong_settings_change_nothing(self):
+        kept = self.path / "kept"
+        self.good("settings", "set", "MDBPath", kept)
+        (self.path / "file").write_text("")
+        before = (self.path / "config" / "qel" / "settings.ini").read_bytes()
         for name, value, expected in [("QelUILanguage", "he", 2), ("MdbPaths", "/x", 2), ("TempPath", "", 2),
-                                      ("MDBPath", "/proc/none/such", 1)]:
+                                      ("MDBPath", "/proc/none/such", 1), ("MDBPath", self.path / "file", 1)]:
             with self.subTest(name):
                 status, _, messages = self.run_qel("settings", "set", name, value)
                 self.assertEqual(status, expected, messages)
+                self.assertEqual((self.path / "config" / "qel" / "settings.ini").read_bytes(), before)
+        self.assertEqual(self.settings()["MDBPath"][0], str(kept))
 
 
 class Lang(WithLedger):

@@ -87,6 +87,22 @@ class ProfitAndLoss(unittest.TestCase):
         self.assertNotEqual(run.returncode, 0)
         self.assertIn("2031", run.stderr)
 
+    def test_a_cube_that_cannot_be_read_is_told(self):
+        damaged = Path(self.folder.name) / "damaged.cub"
+        damaged.write_bytes(Path(self.cube).read_bytes()[:5000])
+        for cube in (Path(self.folder.name) / "missing.cub", damaged):
+            run = subprocess.run([sys.executable, str(LEDGER_FOLDER / "profit_and_loss.py"), str(cube), "--qel", QEL],
+                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", check=False)
+            self.assertEqual((run.returncode, run.stdout), (1, ""))
+            self.assertIn(cube.name, run.stderr)
+            self.assertNotIn("No profit and loss", run.stderr)
+
+    def test_a_reader_that_stops_early_is_no_error(self):
+        with subprocess.Popen([sys.executable, str(LEDGER_FOLDER / "profit_and_loss.py"), self.cube, "--formulas", "--by",
+                               "months"], stdout=subprocess.PIPE, stderr=subprocess.PIPE) as script:
+            script.stdout.close()
+            self.assertEqual(script.stderr.read(), b"")
+
 
 if __name__ == "__main__":
     unittest.main()
