@@ -43,9 +43,12 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     fmt::print(context.output, "{}: {} bytes in {:.1f} s\n", arguments.output, totals.bytesWritten, seconds);
     fmt::print(context.output, "lines read {}, kept {}, skipped {}\n", totals.linesRead, totals.linesKept,
                totals.linesSkipped);
-    if (totals.linesSkipped > 0)
+    if (totals.distinctLinesSkipped == 1)
+        fmt::print(context.messages, "qel cube build: 1 line could not be used; it is in {}\n",
+                   arguments.skippedLines);
+    if (totals.distinctLinesSkipped > 1)
         fmt::print(context.messages, "qel cube build: {} lines could not be used; they are in {}\n",
-                   totals.linesSkipped, arguments.skippedLines);
+                   totals.distinctLinesSkipped, arguments.skippedLines);
 }
 
 } // namespace

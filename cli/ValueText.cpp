@@ -28,7 +28,8 @@ DecimalDigits ReadScientific(std::string_view scientific) {
     result.digits = scientific.substr(0, e);
     if (result.digits.size() > 1)
         result.digits.erase(1, 1);
-    result.exponent = static_cast<int>(std::strtol(std::string(scientific.substr(e + 1)).c_str(), nullptr, 10));
+    result.exponent =
+        static_cast<int>(std::strtol(std::string(scientific.substr(e + 1)).c_str(), nullptr, 10));
     result.digits.erase(result.digits.find_last_not_of('0') + 1);
     return result;
 }

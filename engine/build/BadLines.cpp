@@ -20,23 +20,21 @@ void WriteLine(std::ofstream& file, std::string_view line) {
 
 } // namespace
 
-BadLines::BadLines(const std::optional<std::filesystem::path>& skippedLines)
-    : isSkipping_(skippedLines.has_value()) {
-    if (!isSkipping_)
-        return;
-    path_ = *skippedLines;
-    file_.open(path_, std::ios::binary | std::ios::trunc);
+void BadLines::CreateFile() {
+    file_.open(*path_, std::ios::binary | std::ios::trunc);
     if (!file_)
-        throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", PathText(path_),
+        throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", PathText(*path_),
                                                               std::generic_category().message(errno)));
 }
 
 void BadLines::Report(const CsvReader& reader, const std::string& column, const std::string& fault) {
-    if (!isSkipping_) {
+    if (!path_) {
         const std::string place = column.empty() ? "" : ", column " + column;
         throw EngineError(ErrorKind::InvalidData,
                           fmt::format("{}, line {}{}: {}", reader.FileName(), reader.Line(), place, fault));
     }
+    if (written_.empty())
+        CreateFile();
     if (!written_.emplace(reader.FileName(), reader.Line()).second)
         return;
     if (lastFile_ != reader.FileName())
@@ -46,12 +44,12 @@ void BadLines::Report(const CsvReader& reader, const std::string& column, const 
 }
 
 void BadLines::Finish() {
-    if (!isSkipping_)
+    if (written_.empty())
         return;
     file_.close();
     if (!file_)
         throw EngineError(ErrorKind::CannotWrite,
-                          fmt::format("{}: not all skipped lines could be written", PathText(path_)));
+                          fmt::format("{}: not all skipped lines could be written", PathText(*path_)));
 }
 
 } // namespace qel::engine

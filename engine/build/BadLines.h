@@ -16,19 +16,23 @@ namespace qel::engine {
 /// written aside as it stands, below the header of its file.
 class BadLines {
 public:
-    /// Raises EngineError (CannotWrite) when the file for the lines cannot be created.
-    explicit BadLines(const std::optional<std::filesystem::path>& skippedLines);
+    /// The file for the lines is created for the first of them.
+    explicit BadLines(std::optional<std::filesystem::path> skippedLines) : path_(std::move(skippedLines)) {}
 
     /// Raises EngineError (InvalidData): "FILE, line N, column NAME: fault" (without the column when there is
-    /// none), or writes the current line aside and returns.
+    /// none), or writes the current line aside and returns;
+    /// CannotWrite when the file for the lines cannot be created.
     void Report(const CsvReader& reader, const std::string& column, const std::string& fault);
     /// Completes the file. Raises CannotWrite when not all of it could be written.
     void Finish();
+    /// How many lines were written.
+    std::uint64_t LineCount() const { return written_.size(); }
 
 private:
-    std::filesystem::path path_;
+    void CreateFile();
+
+    std::optional<std::filesystem::path> path_;
     std::ofstream file_;
-    bool isSkipping_ = false;
     std::string lastFile_;
     /// File and line of what was written: a table that is read twice has its lines written once.
     std::set<std::pair<std::string, std::uint64_t>> written_;

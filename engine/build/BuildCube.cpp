@@ -1,6 +1,7 @@
 #include "engine/build/BuildCube.h"
 
 #include "engine/build/BadLines.h"
+#include "engine/build/BuildPaths.h"
 #include "engine/build/CubeBuilder.h"
 #include "engine/build/Definition.h"
 #include "engine/build/FactSorter.h"
@@ -13,6 +14,7 @@ namespace qel::engine {
 
 BuildTotals BuildCube(const BuildOptions& options) {
     const Definition definition = ReadDefinition(options.definition);
+    CheckWrittenPaths(options, definition);
     BuildTotals totals;
     CubeFileWriter writer(options.output); // first of all: a long build must not end at a wrong path
     BadLines badLines(options.skippedLines);
@@ -24,6 +26,7 @@ BuildTotals BuildCube(const BuildOptions& options) {
         writer.AddCube(cubes.back()->Model());
     }
     badLines.Finish();
+    totals.distinctLinesSkipped = badLines.LineCount();
     for (std::uint32_t i = 0; i < cubes.size(); ++i) {
         const std::string step = "Writing " + cubes[i]->Model().name;
         const auto progress = [&](double share) {

@@ -13,6 +13,7 @@ struct BuildOptions {
         definition;               ///< JSON, docs/cube-definition.md; data files are relative to its folder
     std::filesystem::path output; ///< replaced in one step when the build has succeeded, untouched otherwise
     /// When set, lines that cannot be used are written here (as they stand) instead of stopping the build.
+    /// The file is made, or replaced, when there is such a line, and left alone otherwise.
     std::optional<std::filesystem::path> skippedLines;
     /// Called with the step's name and its share done, 0 to 1. May be empty.
     std::function<void(const std::string& step, double share)> progress;
@@ -22,11 +23,13 @@ struct BuildTotals {
     std::uint64_t linesRead = 0, linesKept = 0,
                   linesSkipped = 0; ///< of the fact tables, header lines not counted
     std::uint64_t dimensionLinesSkipped = 0;
+    /// Of all tables, each line once however many cubes and dimensions read it: what was written aside.
+    std::uint64_t distinctLinesSkipped = 0;
     std::uint64_t bytesWritten = 0;
 };
 
 /// Builds a cube file. Raises EngineError: InvalidDefinition naming the key, InvalidData naming file, line,
-/// column and what was expected, FileNotFound, CannotWrite.
+/// column and what was expected, FileNotFound, CannotWrite (also when what would be written is read).
 BuildTotals BuildCube(const BuildOptions& options);
 
 } // namespace qel::engine

@@ -8,8 +8,8 @@
 namespace qel::engine {
 
 /// A file that appears under its name only when it is complete: written beside it, synced, renamed. Until
-/// Commit the old file stays untouched; without Commit nothing stays behind. Every failure raises
-/// EngineError (CannotWrite) naming the file.
+/// Commit the old file stays untouched; without Commit nothing stays behind. A folder, device or pipe is
+/// never replaced. Every failure raises EngineError (CannotWrite) naming the file.
 class AtomicFile {
 public:
     explicit AtomicFile(const std::filesystem::path& path);

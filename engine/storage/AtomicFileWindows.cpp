@@ -28,8 +28,14 @@ std::string Utf8Of(const std::filesystem::path& path) {
 } // namespace
 
 AtomicFile::AtomicFile(const std::filesystem::path& path) : path_(path) {
-    if (std::filesystem::is_directory(path_))
+    std::error_code unknown;
+    const auto status = std::filesystem::status(path_, unknown);
+    if (std::filesystem::is_directory(status))
         Fail(EISDIR);
+    // A rename would put a file in the place of a device or a pipe.
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+        throw EngineError(ErrorKind::CannotWrite,
+                          fmt::format("{}: cannot be written: it is not a regular file", Utf8Of(path)));
     std::random_device random;
     constexpr int attempts = 100;
     for (int attempt = 0; descriptor_ < 0; ++attempt) {

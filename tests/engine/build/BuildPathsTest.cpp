@@ -1,0 +1,124 @@
+#include "engine/EngineError.h"
+#include "engine/build/BuildCube.h"
+#include "tests/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+namespace qel::engine {
+namespace {
+
+const std::string definition =
+    R"({"tables": {"ledger": {"file": "ledger.csv"}, "firms": {"file": "firms.csv"}},
+  "cubes": [{"name": "A", "facts": "ledger", "measures": [{"name": "Amount", "column": "amount"}],
+             "dimensions": [{"name": "Firm", "column": "firm", "table": "firms", "key": "code"}]},
+            {"name": "B", "facts": "ledger", "measures": [{"name": "Amount", "column": "amount"}],
+             "dimensions": [{"name": "Firm", "column": "firm"}]}]})";
+const std::string ledger = "firm,amount\n1,5.00\n";
+const std::string firms = "code\n1\n";
+
+class BuildPaths : public testing::Test {
+protected:
+    BuildPaths() {
+        folder_.Write("cube.json", definition);
+        folder_.Write("ledger.csv", ledger);
+        folder_.Write("firms.csv", firms);
+        folder_.Write("old.cub", "an older cube");
+        std::filesystem::create_directory(folder_.Path("sub"));
+        std::filesystem::create_symlink(folder_.Path("ledger.csv"), folder_.Path("link.csv"));
+        std::filesystem::create_hard_link(folder_.Path("firms.csv"), folder_.Path("twin.csv"));
+    }
+
+    BuildOptions Options(const std::string& output, const std::string& skipped) const {
+        BuildOptions options;
+        options.definition = folder_.Path("cube.json");
+        options.output = folder_.Path(output); // an absolute path stays what it is
+        if (!skipped.empty())
+            options.skippedLines = folder_.Path(skipped);
+        return options;
+    }
+
+    static std::string Fault(const BuildOptions& options) {
+        try {
+            BuildCube(options);
+        } catch (const EngineError& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::CannotWrite) << error.what();
+            return error.what();
+        }
+        return "no fault";
+    }
+
+    test::TemporaryFolder folder_;
+};
+
+TEST_F(BuildPaths, WhatIsReadIsNeverWritten) {
+    struct Case {
+        const char* output;
+        const char* skipped;
+        const char* named;
+        const char* fault;
+    };
+    const Case cases[] = {
+        {"cube.json", "", "cube.json", "as the cube file: it is the cube definition"},
+        {"ledger.csv", "", "ledger.csv", "as the cube file: it is the file of the table \"ledger\""},
+        {"sub/../firms.csv", "", "sub/../firms.csv",
+         "as the cube file: it is the file of the table \"firms\""},
+        {"link.csv", "", "link.csv", "as the cube file: it is the file of the table \"ledger\""},
+        {"out.cub", "cube.json", "cube.json", "as the file for skipped lines: it is the cube definition"},
+        {"out.cub", "link.csv", "link.csv",
+         "as the file for skipped lines: it is the file of the table \"ledger\""},
+        {"out.cub", "twin.csv", "twin.csv",
+         "as the file for skipped lines: it is the file of the table \"firms\""},
+        {"old.cub", "sub/../old.cub", "sub/../old.cub", "as the file for skipped lines: it is the cube file"},
+        {"new.cub", "sub/../new.cub", "sub/../new.cub", "as the file for skipped lines: it is the cube file"},
+    };
+    const std::size_t files = folder_.FileCount();
+    for (const Case& test : cases) {
+        EXPECT_EQ(Fault(Options(test.output, test.skipped)),
+                  folder_.Path(test.named).string() + ": cannot be written " + test.fault);
+        EXPECT_EQ(folder_.Read("cube.json"), definition);
+        EXPECT_EQ(folder_.Read("ledger.csv"), ledger);
+        EXPECT_EQ(folder_.Read("firms.csv"), firms);
+        EXPECT_EQ(folder_.Read("old.cub"), "an older cube");
+        EXPECT_EQ(folder_.FileCount(), files);
+    }
+}
+
+TEST_F(BuildPaths, OnlyARegularFileIsReplacedByTheCube) {
+    const std::filesystem::path device = "/dev/null";
+    ASSERT_TRUE(std::filesystem::is_character_file(device));
+    std::filesystem::create_symlink(device, folder_.Path("device.cub"));
+    EXPECT_EQ(Fault(Options("device.cub", "")),
+              folder_.Path("device.cub").string() + ": cannot be written: it is not a regular file");
+    EXPECT_EQ(Fault(Options(device.string(), "")), "/dev/null: cannot be written: it is not a regular file");
+    EXPECT_EQ(Fault(Options("sub", "")),
+              folder_.Path("sub").string() + ": cannot be written: Is a directory");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder_.Path("device.cub")));
+    EXPECT_TRUE(std::filesystem::is_character_file(device));
+
+    std::filesystem::create_symlink(folder_.Path("old.cub"), folder_.Path("link.cub"));
+    EXPECT_GT(BuildCube(Options("link.cub", "")).bytesWritten, 0U);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder_.Path("link.cub")));
+    EXPECT_NE(folder_.Read("old.cub"), "an older cube") << "the link's file is what is replaced";
+}
+
+TEST_F(BuildPaths, TheFileForSkippedLinesIsMadeForTheFirstOfThem) {
+    folder_.Write("kept.txt", "of an earlier day");
+    EXPECT_EQ(BuildCube(Options("out.cub", "kept.txt")).distinctLinesSkipped, 0U);
+    EXPECT_EQ(folder_.Read("kept.txt"), "of an earlier day");
+    EXPECT_EQ(BuildCube(Options("out.cub", "new.txt")).distinctLinesSkipped, 0U);
+    EXPECT_FALSE(std::filesystem::exists(folder_.Path("new.txt")));
+
+    folder_.Write("ledger.csv", ledger + "1,x\n");
+    const BuildTotals totals = BuildCube(Options("out.cub", "kept.txt"));
+    EXPECT_EQ(folder_.Read("kept.txt"), "firm,amount\n1,x\n");
+    EXPECT_EQ(totals.linesSkipped, 2U) << "by both cubes";
+    EXPECT_EQ(totals.distinctLinesSkipped, 1U) << "as many as were written";
+    EXPECT_EQ(Fault(Options("out.cub", "absent/bad.txt")),
+              folder_.Path("absent/bad.txt").string() + ": cannot be written: No such file or directory");
+}
+
+} // namespace
+} // namespace qel::engine
