@@ -9,6 +9,7 @@ namespace qel {
 namespace {
 
 using test::TemporaryFolder;
+using namespace std::string_literals;
 
 struct EditCase {
     const char* what;
@@ -54,7 +55,7 @@ TEST(IniFile, RefusesToWriteAFileOfWhichSomethingWouldBeLost) {
         {"a line that is none of all", "[Qel]\nQelUILanguage 1\n", "line 2 would be lost"},
         {"a heading without an end", "; x\n\n[Qel\na=1\n", "line 3 would be lost"},
         {"an entry without a name", "[Qel]\n=1\n", "line 2 would be lost"},
-        {"a zero character", std::string("[Qel]\na\0b=1\nc=2\n", 17), "line 2 would be lost"},
+        {"a zero character", "[Qel]\na"s + '\0' + "b=1\nc=2\n", "line 2 would be lost"},
         {"a heading without a name", "[Qel]\n[ ]\nb=2\n", "line 2 would be lost"},
         {"a carriage return inside a heading", "a=1\n[Q\rel]\nb=2\n", "line 2 would be lost"},
         {"a comment of a heading that occurs twice", "[Qel]\na=1\n[B]\nb=1\n; more\n[Qel]\nc=1\n",

@@ -80,7 +80,7 @@ TEST_F(SettingsFiles, ReadValuesAsProfileFilesDo) {
         {"quotes of the other kind", "k='a'", "a"},
         {"quotes that do not match", "k=\"a'", "\"a'"},
         {"one quote", "k=\"", "\""},
-        {"cut to 254 whole characters", "k=" + hebrew, hebrew.substr(0, 254 * 2)},
+        {"cut to 254 whole characters", "k=" + hebrew, hebrew.substr(0, std::size_t{254} * 2)},
     };
     for (const auto& c : cases) {
         const auto file = TextFromPath(folder.Write("p.ini", "[s]\n" + c.line + "\n"));

@@ -13,7 +13,6 @@
 namespace qel {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
 PersistedTable Read(const std::string& bytes) {

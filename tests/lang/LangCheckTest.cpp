@@ -41,7 +41,7 @@ TEST(StringTable, HasAFontForEachLanguageAndTextsInThatLanguage) {
     }
     int hebrewTexts = 0;
     for (const auto& entry : StringTable())
-        hebrewTexts += std::string(entry.hebrew).find("\xD7") != std::string::npos ? 1 : 0;
+        hebrewTexts += std::string(entry.hebrew).find('\xD7') != std::string::npos ? 1 : 0;
     EXPECT_GE(hebrewTexts, 20) << "Hebrew letters survive the generation";
 }
 

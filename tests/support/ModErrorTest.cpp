@@ -69,23 +69,25 @@ TEST(ModError, ShowsOneWarningBoxWhateverTheReservedArguments) {
     EXPECT_NO_THROW(ModError::ReportError(messages, error, "", "F", "M"));
 }
 
-template <class Error>
-PendingError TakenFrom(const Error& error) {
+template <class Raise>
+PendingError TakenFrom(const Raise& raise) {
     try {
-        throw error;
+        raise();
+        ADD_FAILURE() << "nothing was raised";
+        return {};
     } catch (...) {
         return ModError::CurrentError(30);
     }
 }
 
 TEST(ModError, TakesTheErrorThatIsBeingHandled) {
-    const auto automation = TakenFrom(AutomationError(-2147217865, "no cube", "MSOLAP"));
+    const auto automation = TakenFrom([] { throw AutomationError(-2147217865, "no cube", "MSOLAP"); });
     EXPECT_EQ(automation.number, -2147217865);
     EXPECT_EQ(automation.description, "no cube");
     EXPECT_EQ(automation.source, "MSOLAP");
     EXPECT_EQ(automation.codeSection, 30);
-    EXPECT_EQ(TakenFrom(std::runtime_error("disk")).description, "disk");
-    EXPECT_EQ(TakenFrom(17).description, "An unknown error has occurred!");
+    EXPECT_EQ(TakenFrom([] { throw std::runtime_error("disk"); }).description, "disk");
+    EXPECT_EQ(TakenFrom([] { throw 17; }).description, "An unknown error has occurred!");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "engine/EngineError.h"
 #include "tests/engine/eval/LedgerCube.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -376,7 +377,7 @@ TEST(Statement, EndsFormulasThatDoubleTheWorkAtEveryStep) {
     std::string text = "WITH ";
     for (int i = 0; i < 40; ++i) {
         const std::string next = "[Measures].A" + std::to_string(i + 1);
-        text += "MEMBER [Measures].A" + std::to_string(i) + " AS " + next + " + " + next + " ";
+        text += fmt::format("MEMBER [Measures].A{} AS {} + {} ", i, next, next);
     }
     text += "MEMBER [Measures].A40 AS 1 SELECT {[Measures].A0} ON 0 FROM Finance";
     try {
