@@ -31,6 +31,9 @@ public:
     std::string ConnectionString() const override { return inner_->ConnectionString(); }
     std::string Provider() const override { return inner_->Provider(); }
     std::string DefaultDatabase() const override { return inner_->DefaultDatabase(); }
+    std::unique_ptr<Recordset> OpenSchema(int schema) override {
+        return NotingErrors(recording_, [&] { return inner_->OpenSchema(schema); });
+    }
 
     /// The provider's own connection behind one that a client handed in.
     static std::shared_ptr<Connection> Inner(const std::shared_ptr<Connection>& connection) {
@@ -168,6 +171,7 @@ public:
     std::int32_t FieldCount() const override { return inner_->FieldCount(); }
     std::string FieldName(std::int32_t index) const override { return inner_->FieldName(index); }
     Variant FieldValue(std::int32_t index) const override { return inner_->FieldValue(index); }
+    Variant FieldValueNamed(const std::string& name) const override { return inner_->FieldValueNamed(name); }
     bool AtEnd() const override { return inner_->AtEnd(); }
     void MoveFirst() override { inner_->MoveFirst(); }
     void MoveNext() override { inner_->MoveNext(); }

@@ -10,6 +10,9 @@ namespace qel {
 namespace {
 
 constexpr std::int32_t objectDoesNotSupportThisAction = 445;
+// ADO's numbers and words.
+constexpr std::int32_t featureNotAvailable = 3251;
+constexpr std::int32_t itemNotFound = 3265;
 
 /// The value of one property of a connection text; the last one counts, as for providers.
 std::string PropertyOf(std::string_view text, std::string_view name) {
@@ -30,6 +33,23 @@ std::string PropertyOf(std::string_view text, std::string_view name) {
 std::string Connection::Provider() const { return PropertyOf(ConnectionString(), "Provider"); }
 
 std::string Connection::DefaultDatabase() const { return PropertyOf(ConnectionString(), "Initial Catalog"); }
+
+std::unique_ptr<Recordset> Connection::OpenSchema(int /*schema*/) {
+    throw AutomationError(featureNotAvailable,
+                          "Object or provider is not capable of performing requested operation.");
+}
+
+Variant Recordset::FieldValueNamed(const std::string& name) const {
+    const std::int32_t count = FieldCount();
+    for (std::int32_t i = 0; i < count; ++i) {
+        if (EqualIgnoringCase(FieldName(i), name))
+            return FieldValue(i);
+    }
+    throw AutomationError(itemNotFound,
+                          "Item cannot be found in the collection corresponding to the requested name or "
+                          "ordinal: '" +
+                              name + "'.");
+}
 
 std::unique_ptr<Recordset> DataAccess::CreateRecordset() {
     throw AutomationError(objectDoesNotSupportThisAction,

@@ -18,6 +18,10 @@ inline constexpr int stateClosed = 0;
 inline constexpr int stateOpen = 1;
 /// adConnectUnspecified, adCmdUnspecified, adOpenUnspecified and the like.
 inline constexpr int optionsUnspecified = -1;
+/// adSchemaCatalogs: the schema rowset of the catalogs that a connection's data source holds.
+inline constexpr int schemaCatalogs = 1;
+
+class Recordset;
 
 class Connection {
 public:
@@ -31,6 +35,9 @@ public:
     virtual std::string Provider() const;
     /// The catalog that the connection text names, or the one that the provider chose.
     virtual std::string DefaultDatabase() const;
+    /// An open recordset that describes the data source; of schemaCatalogs, a row a catalog with the field
+    /// "CATALOG_NAME". Raises 3251 for a rowset that the provider does not have.
+    virtual std::unique_ptr<Recordset> OpenSchema(int schema);
 };
 
 /// ADOMD's Member.
@@ -133,6 +140,8 @@ public:
     virtual std::string FieldName(std::int32_t index) const = 0;
     /// Of the current row; Null for a level below the row's member. Raises 3021 when there is no current row.
     virtual Variant FieldValue(std::int32_t index) const = 0;
+    /// The same by the field's name, any letter case. Raises 3265 when there is no such field.
+    virtual Variant FieldValueNamed(const std::string& name) const;
     /// True after the last row (ADO's EOF), and at once when there is none.
     virtual bool AtEnd() const = 0;
     /// Raises 3021 when there are no rows.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -8,9 +9,10 @@ namespace qel {
 /// What a connection text says that decides which cube is opened. Other properties are left to the provider
 /// that wants them.
 struct ConnectionText {
-    std::string provider;       ///< empty when the text names none
-    std::string dataSource;     ///< a path or an address, blanks at both ends removed
-    std::string initialCatalog; ///< the cube's name; may be empty
+    std::string provider;   ///< empty when the text names none
+    std::string dataSource; ///< a path or an address, blanks at both ends removed
+    /// The cube's name, which may be empty; none when the text leaves the choice to the provider.
+    std::optional<std::string> initialCatalog;
 };
 
 /// Reads "Name=value;Name=value;…". Names in any letter case; a value is everything up to the next ';',

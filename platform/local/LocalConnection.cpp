@@ -2,6 +2,7 @@
 
 #include "platform/Text.h"
 #include "platform/local/ConnectionText.h"
+#include "platform/local/LocalRecordset.h"
 #include "platform/local/OpenCubeFiles.h"
 #include "platform/local/ProviderErrors.h"
 
@@ -35,23 +36,42 @@ std::shared_ptr<const engine::Cube> OnlyCube(const engine::CubeFile& file, const
         fmt::format("No cube is named, and the cube file '{}' holds {}: {}.", path, cubes.size(), names));
 }
 
+std::shared_ptr<const engine::CubeFile> OpenFile(OpenCubeFiles& files, const ConnectionText& text) {
+    RequireProvider(text.provider);
+    return files.Open(text.dataSource);
+}
+
+std::shared_ptr<const engine::Cube> ChooseCube(const engine::CubeFile& file, const ConnectionText& text) {
+    return TranslatingErrors([&] {
+        if (!text.initialCatalog && !file.Cubes().empty())
+            return file.FindCube(file.Cubes().front().Name());
+        const std::string name = text.initialCatalog.value_or("");
+        return name.empty() ? OnlyCube(file, text.dataSource) : file.FindCube(name);
+    });
+}
+
+FlattenedRows CatalogRows(const engine::CubeFile& file) {
+    FlattenedRows table{.fields = {"CATALOG_NAME"}, .rows = {}};
+    for (const auto& cube : file.Cubes())
+        table.rows.push_back({cube.Name()});
+    return table;
+}
+
 } // namespace
 
 std::shared_ptr<const engine::Cube> OpenCube(OpenCubeFiles& files, const std::string& connectionString) {
     const auto text = ParseConnectionText(connectionString);
-    RequireProvider(text.provider);
-    const auto file = files.Open(text.dataSource);
-    return TranslatingErrors([&] {
-        return text.initialCatalog.empty() ? OnlyCube(*file, text.dataSource)
-                                           : file->FindCube(text.initialCatalog);
-    });
+    return ChooseCube(*OpenFile(files, text), text);
 }
 
 void LocalConnection::Open(const std::string& connectionString, const std::string& /*user*/,
                            const std::string& /*password*/, int /*options*/) {
     if (cube_)
         throw ProviderError(errorObjectOpen, "Operation is not allowed when the object is open.");
-    cube_ = OpenCube(*files_, connectionString);
+    const auto text = ParseConnectionText(connectionString);
+    auto file = OpenFile(*files_, text);
+    cube_ = ChooseCube(*file, text);
+    file_ = std::move(file);
     connectionString_ = connectionString;
 }
 
@@ -59,6 +79,15 @@ void LocalConnection::Close() {
     if (!cube_)
         throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
     cube_ = nullptr;
+    file_ = nullptr;
+}
+
+std::unique_ptr<Recordset> LocalConnection::OpenSchema(int schema) {
+    if (!file_)
+        throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+    if (schema != schemaCatalogs)
+        return Connection::OpenSchema(schema);
+    return std::make_unique<LocalRecordset>(CatalogRows(*file_));
 }
 
 std::shared_ptr<const engine::Cube> LocalConnection::CubeOf(const std::shared_ptr<Connection>& connection) {

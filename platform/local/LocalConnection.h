@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/storage/Cube.h"
+#include "engine/storage/CubeFile.h"
 #include "platform/DataAccess.h"
 
 #include <memory>
@@ -10,11 +10,11 @@ namespace qel {
 
 class OpenCubeFiles;
 
-/// The cube that the connection text names. Raises AutomationError for a text, file or cube that cannot be
-/// opened.
+/// The cube that the connection text names; the file's first one when the text has no Initial Catalog. Raises
+/// AutomationError for a text, file or cube that cannot be opened.
 std::shared_ptr<const engine::Cube> OpenCube(OpenCubeFiles& files, const std::string& connectionString);
 
-/// A connection to one cube of a cube file.
+/// A connection to one cube of a cube file, which is a catalog of its own.
 class LocalConnection : public Connection {
 public:
     explicit LocalConnection(std::shared_ptr<OpenCubeFiles> files) : files_(std::move(files)) {}
@@ -24,6 +24,8 @@ public:
     void Close() override;
     int State() const override { return cube_ ? stateOpen : stateClosed; }
     std::string ConnectionString() const override { return connectionString_; }
+    std::string DefaultDatabase() const override { return cube_ ? cube_->Name() : ""; }
+    std::unique_ptr<Recordset> OpenSchema(int schema) override;
 
     /// The cube behind a connection that a client handed in. Raises AutomationError (3709) when it is none,
     /// not open, or another provider's.
@@ -32,6 +34,7 @@ public:
 private:
     std::shared_ptr<OpenCubeFiles> files_;
     std::string connectionString_;
+    std::shared_ptr<const engine::CubeFile> file_; ///< none while closed, as the cube
     std::shared_ptr<const engine::Cube> cube_;
 };
 

@@ -7,10 +7,14 @@
 
 namespace qel {
 
-/// The flattened answer to one statement. Cursor, lock and options make no difference: the rows are all there
-/// and cannot be changed.
+/// The flattened answer to one statement, or a table that is there already. Cursor, lock and options make no
+/// difference: the rows are all there and cannot be changed.
 class LocalRecordset : public Recordset {
 public:
+    LocalRecordset() = default;
+    /// Open, on these rows.
+    explicit LocalRecordset(FlattenedRows rows) : answer_(std::move(rows)) {}
+
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
               int lockType, int options) override;
     void Close() override;

@@ -39,6 +39,7 @@ public:
 
     std::string Provider() const override { return opened_ ? opened_->Provider() : ""; }
     std::string DefaultDatabase() const override { return opened_ ? opened_->DefaultDatabase() : ""; }
+    std::unique_ptr<Recordset> OpenSchema(int schema) override { return Opened()->OpenSchema(schema); }
 
     DataAccess& Objects() const { return *provider_; }
     const std::shared_ptr<Connection>& Opened() const {
@@ -146,6 +147,7 @@ public:
     std::int32_t FieldCount() const override { return Opened().FieldCount(); }
     std::string FieldName(std::int32_t index) const override { return Opened().FieldName(index); }
     Variant FieldValue(std::int32_t index) const override { return Opened().FieldValue(index); }
+    Variant FieldValueNamed(const std::string& name) const override { return Opened().FieldValueNamed(name); }
     bool AtEnd() const override { return Opened().AtEnd(); }
     void MoveFirst() override { Opened().MoveFirst(); }
     void MoveNext() override { Opened().MoveNext(); }

@@ -55,6 +55,11 @@ public:
     }
     int State() const override { return state_; }
     std::string ConnectionString() const override { return connectionString_; }
+    std::string DefaultDatabase() const override {
+        const std::string named = Connection::DefaultDatabase();
+        return named.empty() ? provider_.defaultDatabase : named;
+    }
+    std::unique_ptr<Recordset> OpenSchema(int schema) override;
 
 private:
     RecordingProvider& provider_;
@@ -213,9 +218,15 @@ private:
     RecordingProvider& provider_;
 };
 
+/// A table from the script; a statement's rows as they stood when it was opened.
 class RecordedRecordset : public Recordset {
 public:
     explicit RecordedRecordset(RecordingProvider& provider) : provider_(provider) {}
+    RecordedRecordset(RecordingProvider& provider, std::string field, const std::vector<std::string>& texts)
+        : provider_(provider), fields_{std::move(field)} {
+        for (const std::string& text : texts)
+            rows_.push_back({text});
+    }
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
               int lockType, int options) override {
@@ -224,14 +235,15 @@ public:
         if (!connection || connection->State() != stateOpen)
             throw AutomationError(3709, "no open connection", "RecordingProvider");
         FailIf(provider_.failingStatement);
+        for (std::int32_t field = 0; field < provider_.recordFields; ++field)
+            fields_.push_back("field " + std::to_string(field));
+        rows_ = provider_.recordRows;
     }
     void Close() override { provider_.log.emplace_back("close recordset"); }
-    std::int32_t FieldCount() const override { return provider_.recordFields; }
-    std::string FieldName(std::int32_t index) const override { return "field " + std::to_string(index); }
-    Variant FieldValue(std::int32_t index) const override {
-        return At(At(provider_.recordRows, row_), index);
-    }
-    bool AtEnd() const override { return row_ >= static_cast<std::int32_t>(provider_.recordRows.size()); }
+    std::int32_t FieldCount() const override { return static_cast<std::int32_t>(fields_.size()); }
+    std::string FieldName(std::int32_t index) const override { return At(fields_, index); }
+    Variant FieldValue(std::int32_t index) const override { return At(At(rows_, row_), index); }
+    bool AtEnd() const override { return row_ >= static_cast<std::int32_t>(rows_.size()); }
     void MoveFirst() override {
         row_ = 0;
         if (AtEnd())
@@ -241,8 +253,18 @@ public:
 
 private:
     RecordingProvider& provider_;
+    std::vector<std::string> fields_;
+    std::vector<std::vector<Variant>> rows_;
     std::int32_t row_ = 0;
 };
+
+std::unique_ptr<Recordset> RecordedConnection::OpenSchema(int schema) {
+    provider_.log.push_back("schema " + std::to_string(schema));
+    FailIf(provider_.failingSchema);
+    if (schema != schemaCatalogs)
+        return Connection::OpenSchema(schema);
+    return std::make_unique<RecordedRecordset>(provider_, "CATALOG_NAME", provider_.catalogNames);
+}
 
 ScriptedLevel AllLevelOf(const std::string& name) { return {name, {{"All", "[" + name + "].[All]", 0}}}; }
 

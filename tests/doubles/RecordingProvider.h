@@ -28,7 +28,7 @@ struct ScriptedDimension {
 
 /// A data provider that answers from a script and records every call, one line each, in `log`:
 /// "new connection", "open TEXT", "close", "release", "catalog TEXT", "statement TEXT", "close cellset",
-/// "recordset TEXT", "close recordset".
+/// "recordset TEXT", "close recordset", "schema NUMBER".
 class RecordingProvider : public DataAccess {
 public:
     std::vector<ScriptedDimension> dimensions; ///< of the one cube of every catalog
@@ -36,8 +36,10 @@ public:
     std::vector<CellsetMember> rowMembers;        ///< what the row axis of a cellset holds, one a position
     std::vector<std::vector<Variant>> recordRows; ///< of every recordset, its fields from left to right
     std::int32_t recordFields = 0;
+    std::vector<std::string> catalogNames; ///< the rows of the catalogs schema
+    std::string defaultDatabase;           ///< of a connection whose text names no catalog
     // The number of the error that an operation raises; 0 for none.
-    std::int32_t failingOpen = 0, failingCatalog = 0, failingStatement = 0;
+    std::int32_t failingOpen = 0, failingCatalog = 0, failingStatement = 0, failingSchema = 0;
     std::vector<std::string> log;
 
     std::shared_ptr<Connection> CreateConnection() override;

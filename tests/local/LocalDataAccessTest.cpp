@@ -82,6 +82,27 @@ TEST_F(LocalDataAccessTest, AFailedOpeningLeavesTheConnectionClosed) {
     EXPECT_EQ(connection->State(), stateClosed);
 }
 
+TEST_F(LocalDataAccessTest, AConnectionWithoutACatalogListsTheCubesOfTheFile) {
+    const auto connection = dataAccess_.CreateConnection();
+    EXPECT_EQ(ErrorOf([&] { connection->OpenSchema(schemaCatalogs); }), 3704);
+    connection->Open("Provider=MSOLAP;Data Source=" + cubeFile_ +
+                         ";Client Cache Size=25;Auto Synch Period=10000",
+                     "", "", optionsUnspecified);
+    EXPECT_EQ(connection->DefaultDatabase(), "BooksFNC") << "the first cube of the file";
+
+    const auto rows = connection->OpenSchema(schemaCatalogs);
+    EXPECT_EQ(rows->FieldCount(), 1);
+    std::vector<std::string> names;
+    for (; !rows->AtEnd(); rows->MoveNext())
+        names.push_back(rows->FieldValueNamed("catalog_name").As<std::string>());
+    EXPECT_EQ(names, (std::vector<std::string>{"BooksFNC", "FlatFNC"}));
+    rows->MoveFirst();
+    EXPECT_EQ(ErrorOf([&] { rows->FieldValueNamed("CUBE_NAME"); }), 3265);
+    EXPECT_EQ(ErrorOf([&] { connection->OpenSchema(20); }), 3251);
+
+    EXPECT_EQ(Connect("flatfnc")->DefaultDatabase(), "FlatFNC") << "the named cube, as the file writes it";
+}
+
 TEST_F(LocalDataAccessTest, TheCatalogHasTheShapeThatAdomdGives) {
     const auto cube = BooksDefinition();
     EXPECT_EQ(cube->Name(), "BooksFNC");

@@ -1,8 +1,14 @@
 #include "platform/windows/ado/LateBoundConnection.h"
 
 #include "platform/AutomationError.h"
+#include "platform/windows/ado/LateBoundRecordset.h"
 
 namespace qel::windows {
+
+std::unique_ptr<Recordset> LateBoundConnection::OpenSchema(int schema) {
+    return std::make_unique<LateBoundRecordset>(
+        connection_.Child(L"OpenSchema", ArgumentList(std::int32_t{schema})));
+}
 
 const DispatchObject& LateBoundConnection::ObjectOf(const std::shared_ptr<Connection>& connection) {
     constexpr std::int32_t invalidConnection = 3709;

@@ -19,6 +19,7 @@ public:
     std::string ConnectionString() const override { return connection_.Text(L"ConnectionString"); }
     std::string Provider() const override { return connection_.Text(L"Provider"); }
     std::string DefaultDatabase() const override { return connection_.Text(L"DefaultDatabase"); }
+    std::unique_ptr<Recordset> OpenSchema(int schema) override;
 
     /// The object behind a connection that this provider made. Raises 3709 for any other.
     static const DispatchObject& ObjectOf(const std::shared_ptr<Connection>& connection);

@@ -12,8 +12,9 @@ void LateBoundRecordset::Open(const std::string& source, const std::shared_ptr<C
                                  std::int32_t{lockType}, std::int32_t{options}));
 }
 
-DispatchObject LateBoundRecordset::Field(std::int32_t index) const {
-    return recordset_.Child(L"Fields").Child(L"Item", ArgumentList(index));
+template <class Key>
+DispatchObject LateBoundRecordset::Field(const Key& key) const {
+    return recordset_.Child(L"Fields").Child(L"Item", ArgumentList(key));
 }
 
 std::int32_t LateBoundRecordset::FieldCount() const { return recordset_.Child(L"Fields").Number(L"Count"); }
@@ -22,6 +23,10 @@ std::string LateBoundRecordset::FieldName(std::int32_t index) const { return Fie
 
 Variant LateBoundRecordset::FieldValue(std::int32_t index) const {
     return FromAutomation(Field(index).Property(L"Value").Get());
+}
+
+Variant LateBoundRecordset::FieldValueNamed(const std::string& name) const {
+    return FromAutomation(Field(name).Property(L"Value").Get());
 }
 
 bool LateBoundRecordset::AtEnd() const { return recordset_.Number(L"EOF") != 0; }

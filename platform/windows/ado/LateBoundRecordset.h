@@ -9,6 +9,8 @@ namespace qel::windows {
 class LateBoundRecordset : public Recordset {
 public:
     LateBoundRecordset() : recordset_(DispatchObject::Create(L"ADODB.Recordset")) {}
+    /// One that the provider opened itself.
+    explicit LateBoundRecordset(DispatchObject recordset) : recordset_(std::move(recordset)) {}
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
               int lockType, int options) override;
@@ -16,12 +18,14 @@ public:
     std::int32_t FieldCount() const override;
     std::string FieldName(std::int32_t index) const override;
     Variant FieldValue(std::int32_t index) const override;
+    Variant FieldValueNamed(const std::string& name) const override;
     bool AtEnd() const override;
     void MoveFirst() override { recordset_.Call(L"MoveFirst"); }
     void MoveNext() override { recordset_.Call(L"MoveNext"); }
 
 private:
-    DispatchObject Field(std::int32_t index) const;
+    template <class Key>
+    DispatchObject Field(const Key& key) const;
 
     DispatchObject recordset_;
 };
