@@ -38,8 +38,9 @@ struct ControlDesign {
     const char* name; ///< unique on its form; one of an array of controls has its index, as in "TxtDate(0)"
     ControlKind kind;
     Place place = {};
-    std::int32_t tag = 0;     ///< the number of its caption in the string table; 0 for none
-    const char* caption = ""; ///< as designed; shown unless there is a tag
+    std::int32_t tag = 0;     ///< the number of its caption in the suite's table of texts; 0 for none
+    const char* caption = ""; ///< as designed; shown until the form is translated
+    std::int32_t ownText = 0; ///< without a tag: the number of its caption in the component's own strings
     /// Letters, one a language: the first that the shown caption holds is its access key.
     const char* mnemonic = "";
     bool isReadOnly = false; ///< of a text box: shown and copied, not typed
@@ -47,7 +48,7 @@ struct ControlDesign {
 
 struct FormDesign {
     const char* name;
-    std::int32_t tag = 0; ///< the number of the form's caption in the string table; 0 for none
+    std::int32_t tag = 0; ///< the number of the form's caption in the component's own strings; 0 for none
     const char* caption = "";
     std::int16_t width = 0, height = 0; ///< of the area inside the frame, in dialog units
     /// In tab order; a label's mnemonic leads to the next control that takes the focus.
@@ -112,10 +113,10 @@ public:
     virtual bool IsEnabled(std::string_view control) const = 0;
     virtual void SetFocus(std::string_view control) = 0;
 
-    /// Text boxes: their text. Labels: their caption. Combo boxes: the chosen item, or nothing. Bound lists:
-    /// what was typed, or the chosen row.
+    /// Text boxes: their text. Labels, buttons, check boxes: their caption. Combo boxes: the chosen item, or
+    /// nothing. Bound lists: what was typed, or the chosen row.
     virtual std::string Text(std::string_view control) const = 0;
-    /// Text boxes and labels.
+    /// Text boxes: their text. Labels, buttons and check boxes: their caption.
     virtual void SetText(std::string_view control, const std::string& text) = 0;
 
     /// Check boxes.

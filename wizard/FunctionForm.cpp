@@ -1,0 +1,95 @@
+#include "wizard/FunctionForm.h"
+
+namespace qel {
+
+namespace {
+
+using namespace FunctionForm;
+using enum ControlKind;
+
+// The file and the cube stand on top, OBS on the left, accounts, activities and dates on the right, the other
+// dimensions in two columns below them, the value and the buttons at the bottom.
+constexpr ControlDesign controls[] = {
+    {.name = txtCubeFile, .kind = TextBox, .place = {8, 8, 296, 12}},
+    {.name = CmdCubeFile, .kind = Button, .place = {308, 7, 74, 14}, .tag = 1473, .mnemonic = "Sב"},
+    {.name = CmdDial, .kind = FileDialog},
+    {.name = "LabelCubeName", .kind = Label, .place = {8, 28, 66, 8}, .tag = 1474, .mnemonic = "Nש"},
+    {.name = cboDatabaseList, .kind = ComboBox, .place = {78, 26, 226, 12}},
+
+    {.name = "Line1", .kind = Line, .place = {8, 45, 374, 1}},
+    {.name = "LabelObs", .kind = Label, .place = {8, 54, 66, 8}, .tag = 1486, .mnemonic = "O"},
+    {.name = ComOBSNum, .kind = ComboBox, .place = {78, 52, 112, 12}},
+    {.name = ComObsX, .kind = ComboBox, .place = {78, 68, 112, 12}},
+    {.name = "LabelObsLevel", .kind = Label, .place = {8, 86, 66, 8}, .tag = 1487, .mnemonic = "Lר"},
+    {.name = ComLevel, .kind = ComboBox, .place = {78, 84, 54, 12}},
+    {.name = ComLevelObs, .kind = ComboBox, .place = {136, 84, 54, 12}},
+    {.name = "LabelObsData", .kind = Label, .place = {8, 102, 66, 8}, .tag = 1488, .mnemonic = "Dנ"},
+    {.name = ComOBSData, .kind = ComboBox, .place = {78, 100, 112, 12}},
+    {.name = ComAddOBS,
+     .kind = Button,
+     .place = {78, 116, 54, 14},
+     .caption = "Select OBS",
+     .ownText = 1501,
+     .mnemonic = "Eה"},
+    {.name = ComRemoveObs,
+     .kind = Button,
+     .place = {136, 116, 54, 14},
+     .caption = "Remove OBS",
+     .ownText = 1502,
+     .mnemonic = "Rס"},
+    {.name = ListObs, .kind = ListBox, .place = {78, 134, 112, 40}},
+
+    {.name = "LabelAccX", .kind = Label, .place = {200, 54, 66, 8}, .tag = 1483, .mnemonic = "Aג"},
+    {.name = ComAccX, .kind = ComboBox, .place = {270, 52, 112, 12}},
+    {.name = "LabelMember", .kind = Label, .place = {200, 70, 66, 8}, .tag = 1484, .mnemonic = "Gף"},
+    {.name = ComMember, .kind = ComboBox, .place = {270, 68, 112, 12}},
+    {.name = CheckAcc, .kind = CheckBox, .place = {200, 85, 182, 10}, .tag = 1485, .mnemonic = "Uח"},
+    {.name = "LabelAccount", .kind = Label, .place = {200, 102, 66, 8}, .tag = 1493},
+    {.name = ListAccount, .kind = BoundList, .place = {270, 100, 112, 12}},
+    {.name = ChekAct, .kind = CheckBox, .place = {200, 117, 68, 10}, .tag = 1489, .mnemonic = "Vע"},
+    {.name = ComActMember, .kind = BoundList, .place = {270, 116, 112, 12}},
+    {.name = "Line4", .kind = Line, .place = {200, 136, 182, 1}},
+    {.name = "LabelFromDate", .kind = Label, .place = {200, 146, 66, 8}, .tag = 1475, .mnemonic = "Fת"},
+    {.name = FromDate, .kind = TextBox, .place = {270, 144, 64, 12}},
+    {.name = "LabelToDate", .kind = Label, .place = {200, 162, 66, 8}, .tag = 1476, .mnemonic = "Tד"},
+    {.name = ToDate, .kind = TextBox, .place = {270, 160, 64, 12}},
+
+    {.name = "Line2", .kind = Line, .place = {8, 181, 374, 1}},
+    {.name = "LabelMeasure", .kind = Label, .place = {8, 190, 66, 8}, .tag = 1477, .mnemonic = "Mמ"},
+    {.name = ChcMeasure, .kind = ComboBox, .place = {78, 188, 112, 12}},
+    {.name = "LabelMoneySet", .kind = Label, .place = {200, 190, 66, 8}, .tag = 1480, .mnemonic = "Yכ"},
+    {.name = ComMoneySet, .kind = ComboBox, .place = {270, 188, 112, 12}},
+    {.name = "LabelFirma", .kind = Label, .place = {8, 206, 66, 8}, .tag = 1479, .mnemonic = "Iפ"},
+    {.name = ComFirma, .kind = ComboBox, .place = {78, 204, 112, 12}},
+    {.name = "LabelPlbs", .kind = Label, .place = {200, 206, 66, 8}, .tag = 1482, .mnemonic = "P"},
+    {.name = ComPlbs, .kind = ComboBox, .place = {270, 204, 112, 12}},
+    {.name = "LabelRh", .kind = Label, .place = {8, 222, 66, 8}, .tag = 1478, .mnemonic = "H"},
+    {.name = ComRh, .kind = ComboBox, .place = {78, 220, 112, 12}},
+    {.name = "LabelOB", .kind = Label, .place = {200, 222, 66, 8}, .tag = 1481, .mnemonic = "Bי"},
+    {.name = ComOB, .kind = ComboBox, .place = {270, 220, 112, 12}},
+
+    {.name = "Line3", .kind = Line, .place = {8, 239, 374, 1}},
+    {.name = Command1, .kind = Button, .place = {8, 246, 66, 14}, .tag = 1490, .mnemonic = "Cו"},
+    {.name = TxtCalc, .kind = TextBox, .place = {78, 247, 304, 12}, .isReadOnly = true},
+    {.name = LabelVersion, .kind = Label, .place = {8, 273, 152, 8}},
+    {.name = CmdOK, .kind = Button, .place = {166, 270, 60, 14}, .tag = 1491},
+    {.name = Command2, .kind = Button, .place = {230, 270, 88, 14}, .tag = 1494, .mnemonic = "ק"},
+    {.name = CmdCancel, .kind = Button, .place = {322, 270, 60, 14}, .tag = 1492},
+};
+
+constexpr FormDesign design = {
+    .name = "frmFuncQelWiz",
+    .tag = 1500,
+    .caption = "Function QEL",
+    .width = 390,
+    .height = 292,
+    .controls = controls,
+    .defaultButton = CmdOK,
+    .cancelButton = CmdCancel,
+};
+
+} // namespace
+
+const FormDesign& FunctionFormDesign() { return design; }
+
+} // namespace qel
