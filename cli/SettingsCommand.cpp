@@ -2,9 +2,9 @@
 
 #include "cli/LocalStore.h"
 #include "platform/AutomationError.h"
+#include "platform/DatabaseFile.h"
 #include "platform/PathText.h"
 #include "platform/Text.h"
-#include "platform/sqlite/DatabaseFile.h"
 #include "store/LocalDb.h"
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"

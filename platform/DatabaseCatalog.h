@@ -1,11 +1,13 @@
 #pragma once
 
+#include "platform/DatabaseConnection.h"
+
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
 
-// The port through which the local database is made: the shape of ADOX.
+// The port through which the local database is made and opened; making has the shape of ADOX.
 
 namespace qel {
 
@@ -43,6 +45,9 @@ public:
     virtual std::string Name() const = 0;
     /// Raises when the engine cannot be reached.
     virtual std::unique_ptr<DatabaseCatalog> NewCatalog() = 0;
+    /// Opens a database that exists. Raises AutomationError, naming the file and the fault, for one that is
+    /// missing, damaged or another engine's.
+    virtual std::unique_ptr<DatabaseConnection> Open(const std::string& connectionString) = 0;
 };
 
 } // namespace qel

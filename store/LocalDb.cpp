@@ -47,4 +47,8 @@ void CreateLocalDb(StoreEnvironment& store) {
     }
 }
 
+std::unique_ptr<DatabaseConnection> OpenLocalDb(StoreEnvironment& store) {
+    return store.database.Open(LocalDbConnectionText(store));
+}
+
 } // namespace qel

@@ -18,4 +18,7 @@ std::string LocalDbConnectionText(StoreEnvironment& store);
 /// one; it is left as it is. Raises nothing.
 void CreateLocalDb(StoreEnvironment& store);
 
+/// Opens the local database, which must exist. Raises AutomationError, naming the file and the fault.
+std::unique_ptr<DatabaseConnection> OpenLocalDb(StoreEnvironment& store);
+
 } // namespace qel

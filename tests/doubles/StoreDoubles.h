@@ -87,11 +87,13 @@ public:
     }
 };
 
-/// Records "create TEXT" and "table NAME: COLUMN TYPE SIZE ATTRIBUTES, ...".
+/// Keeps rows in memory and records "create TEXT", "table NAME: COLUMN TYPE SIZE ATTRIBUTES, ...",
+/// "open TEXT", "read TABLE", "replace TABLE".
 class RecordedDatabase : public DatabaseEngine {
 public:
     std::vector<std::string> log;
-    bool isMissing = false, failsToCreate = false;
+    std::map<std::string, std::vector<TableRow>> rows; ///< of each table
+    bool isMissing = false, failsToCreate = false, failsToOpen = false;
 
     std::string Name() const override { return "recorder"; }
     std::unique_ptr<DatabaseCatalog> NewCatalog() override {
@@ -99,8 +101,31 @@ public:
             throw AutomationError(429, "ActiveX component can't create object");
         return std::make_unique<Catalog>(*this);
     }
+    std::unique_ptr<DatabaseConnection> Open(const std::string& connectionString) override {
+        log.push_back("open " + connectionString);
+        if (failsToOpen)
+            throw AutomationError(-2147467259, "Could not find file.", "Microsoft JET Database Engine");
+        return std::make_unique<Rows>(*this);
+    }
 
 private:
+    class Rows : public DatabaseConnection {
+    public:
+        explicit Rows(RecordedDatabase& database) : database_(database) {}
+
+        std::vector<TableRow> ReadRows(const std::string& table) override {
+            database_.log.push_back("read " + table);
+            return database_.rows[table];
+        }
+        void ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) override {
+            database_.log.push_back("replace " + table);
+            database_.rows[table] = rows;
+        }
+
+    private:
+        RecordedDatabase& database_;
+    };
+
     class Catalog : public DatabaseCatalog {
     public:
         explicit Catalog(RecordedDatabase& database) : database_(database) {}

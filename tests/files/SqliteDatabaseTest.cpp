@@ -1,7 +1,7 @@
 #include "platform/sqlite/SqliteDatabase.h"
 
 #include "platform/AutomationError.h"
-#include "platform/sqlite/DatabaseFile.h"
+#include "platform/DatabaseFile.h"
 #include "store/LocalDb.h"
 #include "tests/TemporaryFolder.h"
 #include "tests/doubles/StoreDoubles.h"
@@ -151,6 +151,106 @@ TEST_F(SqliteDatabaseTest, ReportsADatabaseThatAnotherProgramLocks) {
     EXPECT_EQ(other.Rows("SELECT name FROM sqlite_master").size(), 1U);
     EXPECT_THROW(sqlite.NewCatalog()->AppendTable(QelNameTable()), AutomationError) << "never created";
     EXPECT_THROW(sqlite.NewCatalog()->Create("Provider=x"), AutomationError) << "no data source";
+}
+
+/// A row of DataTbl: its texts are all the same.
+TableRow Selection(const Variant& text, const Variant& from, const Variant& to) {
+    TableRow row(16, text);
+    row.push_back(from);
+    row.push_back(to);
+    return row;
+}
+
+TEST_F(SqliteDatabaseTest, KeepsRowsAsTheyWereWritten) {
+    ASSERT_EQ(Create(), "");
+    const AutomationDate lastDay = DateFromDay({9999, 12, 31});
+    const std::vector<TableRow> rows = {
+        Selection("קוביה's \"]\xC2\xA0", DateFromDay({2020, 3, 31}), AutomationDate{43921.75}),
+        Selection("", Null{}, AutomationDate{}),
+        Selection(Null{}, DateFromDay({100, 1, 1}), AutomationDate{-1.25}),
+        Selection(std::string("a\0b", 3), lastDay, AutomationDate{lastDay.days + 0.9999999}),
+    };
+    OpenLocalDb(store)->ReplaceRows("DataTbl", {rows[2], rows[1]});
+    OpenLocalDb(store)->ReplaceRows("DataTbl", rows);
+    const auto read = OpenLocalDb(store)->ReadRows("DataTbl");
+    ASSERT_EQ(read.size(), rows.size());
+    for (std::size_t row = 0; row < rows.size(); ++row) {
+        for (std::size_t column = 0; column < rows[row].size(); ++column) {
+            const Variant& written = rows[row][column];
+            if (written.Is<AutomationDate>()) {
+                EXPECT_NEAR(read[row][column].As<AutomationDate>().days, written.As<AutomationDate>().days,
+                            2e-5)
+                    << row << " " << column;
+            } else {
+                EXPECT_EQ(read[row][column].Get(), written.Get()) << row << " " << column;
+            }
+        }
+    }
+    EXPECT_THAT(Inspected(File()).Rows("SELECT FromDate, ToDate, typeof(ToDate) FROM DataTbl"),
+                ElementsAre("2020-03-31 2020-03-31 18:00:00 text", "NULL 1899-12-30 text",
+                            "0100-01-01 1899-12-29 06:00:00 text", "9999-12-31 9999-12-31 23:59:59 text"));
+    EXPECT_TRUE(OpenLocalDb(store)->ReadRows("QelName").empty());
+}
+
+TEST_F(SqliteDatabaseTest, KeepsTheOldRowsWhenNewOnesCannotBeWritten) {
+    ASSERT_EQ(Create(), "");
+    const auto database = OpenLocalDb(store);
+    const TableRow good(7, "a");
+    database->ReplaceRows("QelName", {good});
+    struct FailingCase {
+        const char* what;
+        std::string table;
+        TableRow bad;
+        std::int32_t number;
+        const char* fault;
+    };
+    const FailingCase cases[] = {
+        {"too few values", "QelName", TableRow(6, "b"), -2147467259, "has 7 columns but 6 values"},
+        {"a table that is not there", "Qel\"Name", good, -2147467259, "no such table: Qel\"Name"},
+        {"a date out of range", "QelName", TableRow(7, AutomationDate{1e9}), ErrorNumber::Overflow,
+         "Overflow"},
+    };
+    for (const auto& c : cases) {
+        try {
+            database->ReplaceRows(c.table, {TableRow(7, "new"), c.bad});
+            ADD_FAILURE() << c.what << ": written";
+        } catch (const AutomationError& error) {
+            EXPECT_EQ(error.Number(), c.number) << c.what;
+            EXPECT_THAT(error.Description(), HasSubstr(c.fault)) << c.what;
+        }
+        EXPECT_THAT(Inspected(File()).Rows("SELECT CubeFile FROM QelName"), ElementsAre("a")) << c.what;
+    }
+    Inspected other(File());
+    other.Rows("BEGIN EXCLUSIVE");
+    EXPECT_THROW(database->ReplaceRows("QelName", {}), AutomationError) << "locked by another program";
+    other.Rows("ROLLBACK");
+    EXPECT_EQ(database->ReadRows("QelName").size(), 1U);
+}
+
+TEST_F(SqliteDatabaseTest, TellsWhyAFileCannotBeOpened) {
+    const std::string name = "מסד \"נתונים\"/QelFunction17.mdb";
+    const auto faultOfOpening = [&](const std::string& table = {}) -> std::string {
+        try {
+            const auto database = OpenLocalDb(store);
+            database->ReadRows(table);
+        } catch (const AutomationError& error) {
+            return error.Description();
+        }
+        return "opened";
+    };
+    EXPECT_THAT(faultOfOpening(), HasSubstr("QelFunction17.mdb' does not exist."));
+    folder.Write(name, std::string("\0\1\0\0Standard Jet DB\0", 20));
+    EXPECT_THAT(faultOfOpening(), HasSubstr("was made by Microsoft Jet"));
+    folder.Write(name, "text");
+    EXPECT_THAT(faultOfOpening(), HasSubstr("is no database"));
+    std::filesystem::remove(File());
+    ASSERT_EQ(Create(), "");
+    auto bytes = folder.Read(name);
+    folder.Write(name, bytes.substr(0, 100) + std::string(bytes.size() - 100, '\xFF'));
+    EXPECT_THAT(faultOfOpening("QelName"), HasSubstr("malformed"));
+    folder.Write(name, bytes);
+    Inspected(File()).Rows("INSERT INTO DataTbl (FromDate) VALUES ('yesterday')");
+    EXPECT_THAT(faultOfOpening("DataTbl"), HasSubstr("Type mismatch"));
 }
 
 } // namespace

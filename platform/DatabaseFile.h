@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <string>
 
 namespace qel {
 
@@ -9,5 +10,9 @@ namespace qel {
 enum class DatabaseFileKind : std::uint8_t { Missing, Unreadable, Jet, Sqlite, Other };
 
 DatabaseFileKind IdentifyDatabaseFile(const std::filesystem::path& path);
+
+/// The file that a connection text names as its data source, which ends the text. Raises AutomationError when
+/// it names none.
+std::filesystem::path DatabaseFileOf(const std::string& connectionString);
 
 } // namespace qel

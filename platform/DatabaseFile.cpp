@@ -1,4 +1,7 @@
-#include "platform/sqlite/DatabaseFile.h"
+#include "platform/DatabaseFile.h"
+
+#include "platform/AutomationError.h"
+#include "platform/PathText.h"
 
 #include <array>
 #include <fstream>
@@ -34,6 +37,16 @@ DatabaseFileKind IdentifyDatabaseFile(const std::filesystem::path& path) {
         return DatabaseFileKind::Other;
     const auto name = start.substr(jetPrefix.size());
     return name == jetSignature || name == aceSignature ? DatabaseFileKind::Jet : DatabaseFileKind::Other;
+}
+
+std::filesystem::path DatabaseFileOf(const std::string& connectionString) {
+    constexpr auto unspecifiedError = static_cast<std::int32_t>(0x80004005);
+    constexpr std::string_view key = ";Data Source=";
+    const auto at = connectionString.find(key);
+    if (at == std::string::npos)
+        throw AutomationError(unspecifiedError,
+                              "The connection text names no data source: " + connectionString);
+    return PathFromText(std::string_view(connectionString).substr(at + key.size()));
 }
 
 } // namespace qel

@@ -1,0 +1,88 @@
+#include "platform/sqlite/SqliteCatalog.h"
+
+#include "platform/DatabaseFile.h"
+#include "platform/PathText.h"
+
+#include <fmt/format.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <system_error>
+
+namespace qel {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The provider's number for a database that exists already.
+constexpr auto databaseExists = static_cast<std::int32_t>(0x80040E17);
+constexpr std::int32_t objectClosed = 3704;
+/// "Qel1": tells a file of this component from others; stored in the database's header.
+constexpr int applicationId = 0x51656C31;
+
+AutomationError ExistsAlready(const fs::path& path) {
+    switch (IdentifyDatabaseFile(path)) {
+    case DatabaseFileKind::Sqlite:
+        return DatabaseError(databaseExists, path, "already exists");
+    case DatabaseFileKind::Jet:
+        return DatabaseError(
+            databaseExists, path,
+            "already exists and was made by Microsoft Jet, which is not to be had here; it is left as it "
+            "is. Set MDBPath to another folder, or move the file away");
+    default:
+        return DatabaseError(databaseExists, path, "already exists and is no database; it is left as it is");
+    }
+}
+
+std::FILE* OpenNewFile(const fs::path& path) {
+#ifdef _WIN32
+    return ::_wfopen(path.c_str(), L"wbx");
+#else
+    return std::fopen(path.c_str(), "wbx");
+#endif
+}
+
+/// Makes the file, and takes care that nobody else has made it.
+void MakeEmptyFile(const fs::path& path) {
+    errno = 0;
+    std::FILE* file = OpenNewFile(path); // NOLINT(cppcoreguidelines-owning-memory)
+    const int failure = errno;
+    if (file) {
+        std::fclose(file); // NOLINT(cppcoreguidelines-owning-memory)
+        return;
+    }
+    if (failure == EEXIST)
+        throw ExistsAlready(path);
+    throw DatabaseError(unspecifiedError, path,
+                        fmt::format("cannot be made ({})", std::generic_category().message(failure)));
+}
+
+std::string ColumnText(const TableColumn& column) {
+    std::string type = column.type == ColumnType::Date ? "DATE" : "TEXT";
+    if (column.type == ColumnType::Text && column.definedSize > 0)
+        type = fmt::format("VARCHAR({})", column.definedSize);
+    const bool isNullable = (column.attributes & columnNullable) != 0;
+    return QuotedName(column.name) + " " + type + (isNullable ? "" : " NOT NULL");
+}
+
+} // namespace
+
+void SqliteCatalog::Create(const std::string& connectionString) {
+    const fs::path path = DatabaseFileOf(connectionString);
+    MakeEmptyFile(path);
+    file_.emplace(path);
+    // Writes the header, so that the file is known for what it is before it has a table.
+    file_->Run(fmt::format("PRAGMA application_id = {}", applicationId));
+}
+
+void SqliteCatalog::AppendTable(const TableDefinition& table) {
+    if (!file_)
+        throw AutomationError(objectClosed, "Operation is not allowed when the object is closed.");
+    std::string columns;
+    for (const auto& column : table.columns)
+        columns += (columns.empty() ? "" : ", ") + ColumnText(column);
+    file_->Run("CREATE TABLE " + QuotedName(table.name) + " (" + columns + ")");
+}
+
+} // namespace qel
