@@ -11,10 +11,10 @@ struct CommandContext {
     DataAccess& dataAccess;
     Locale locale;
     std::istream& input;
-    std::ostream& output;   ///< results
-    std::ostream& messages; ///< everything else
-    bool messagesAreOnTerminal = false;
-    bool failed = false; ///< set by a command that did what it could and has told what it could not
+    std::ostream& output;    ///< results
+    std::ostream& messages;  ///< everything else
+    int terminalColumns = 0; ///< of the terminal that messages go to, 0 for none
+    bool failed = false;     ///< set by a command that did what it could and has told what it could not
 };
 
 } // namespace qel

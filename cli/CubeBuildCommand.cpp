@@ -1,5 +1,6 @@
 #include "cli/CubeBuildCommand.h"
 
+#include "cli/Interruption.h"
 #include "cli/ProgressBar.h"
 #include "engine/build/BuildCube.h"
 #include "platform/local/CubeSource.h"
@@ -35,8 +36,12 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     const auto start = std::chrono::steady_clock::now();
     engine::BuildTotals totals;
     {
-        ProgressBar bar(context.messages, context.messagesAreOnTerminal);
-        options.progress = [&](const std::string& step, double share) { bar.Show(step, share); };
+        ProgressBar bar(context.messages, context.terminalColumns);
+        const Interruption interruption;
+        options.progress = [&](const std::string& step, double share) {
+            interruption.Check("interrupted; the cube file is as it was");
+            bar.Show(step, share);
+        };
         totals = engine::BuildCube(options);
     }
     const auto seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();

@@ -18,7 +18,7 @@ void Verify(const std::string& file, CommandContext& context) {
     RequireCubeFile(file);
     const auto cubeFile = engine::CubeFile::Open(PathOfText(file));
     {
-        ProgressBar bar(context.messages, context.messagesAreOnTerminal);
+        ProgressBar bar(context.messages, context.terminalColumns);
         cubeFile->Verify([&](double share) { bar.Show("checking", share); });
     }
     fmt::print(context.output, "{}: OK\n", file);

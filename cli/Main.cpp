@@ -67,8 +67,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
 
 int Run(int argc, char** argv) {
     qel::LocalDataAccess dataAccess;
-    qel::CommandContext context{dataAccess, {},        std::cin,
-                                std::cout,  std::cerr, qel::StandardErrorIsTerminal()};
+    qel::CommandContext context{dataAccess, {}, std::cin, std::cout, std::cerr, qel::StandardErrorColumns()};
     CLI::App app{description, "qel"};
     app.footer(footer);
     app.set_version_flag("--version", std::string("qel ") + qel::programVersion);

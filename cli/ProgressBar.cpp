@@ -13,6 +13,15 @@ constexpr auto shortestPause = std::chrono::milliseconds(50);
 /// Back to the line's start, and erase it.
 constexpr const char* eraseLine = "\r\x1B[K";
 
+std::string FirstCharacters(std::string text, int count) {
+    const auto startsCharacter = [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (startsCharacter(text[i]) && count-- == 0)
+            return text.substr(0, i);
+    }
+    return text;
+}
+
 } // namespace
 
 ProgressBar::~ProgressBar() {
@@ -21,7 +30,7 @@ ProgressBar::~ProgressBar() {
 }
 
 void ProgressBar::Show(const std::string& step, double share) {
-    if (!isTerminal_)
+    if (columns_ <= 0)
         return;
     const auto now = std::chrono::steady_clock::now();
     const bool isDone = share >= 1;
@@ -29,8 +38,10 @@ void ProgressBar::Show(const std::string& step, double share) {
         return;
     share = std::clamp(share, 0.0, 1.0);
     const auto filled = static_cast<int>(share * barWidth);
-    auto line =
-        fmt::format("[{:#<{}}{:.<{}}] {:3.0f}%  {}", "", filled, "", barWidth - filled, share * 100, step);
+    // A line that wraps could not be erased, and the last column wraps on some terminals.
+    auto line = FirstCharacters(
+        fmt::format("[{:#<{}}{:.<{}}] {:3.0f}%  {}", "", filled, "", barWidth - filled, share * 100, step),
+        columns_ - 1);
     if (line == shown_)
         return;
     output_ << eraseLine << line << std::flush;

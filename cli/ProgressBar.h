@@ -6,11 +6,11 @@
 
 namespace qel {
 
-/// One line on a terminal that shows a step's share done; removed when the work ends. Does nothing when the
-/// output is no terminal.
+/// One line on a terminal of so many columns that shows a step's share done; removed when the work ends. Does
+/// nothing with 0 columns.
 class ProgressBar {
 public:
-    ProgressBar(std::ostream& output, bool isTerminal) : output_(output), isTerminal_(isTerminal) {}
+    ProgressBar(std::ostream& output, int columns) : output_(output), columns_(columns) {}
     ~ProgressBar();
     ProgressBar(const ProgressBar&) = delete;
     ProgressBar& operator=(const ProgressBar&) = delete;
@@ -20,7 +20,7 @@ public:
 
 private:
     std::ostream& output_;
-    bool isTerminal_;
+    int columns_;
     std::string shown_;
     std::chrono::steady_clock::time_point lastShown_;
 };

@@ -1,8 +1,13 @@
 #include "cli/Terminal.h"
 
+#include <cstdlib>
+#include <string_view>
+
 #ifdef _WIN32
 #include <io.h>
+#include <windows.h>
 #else
+#include <sys/ioctl.h>
 #include <unistd.h>
 #endif
 
@@ -10,16 +15,34 @@ namespace qel {
 
 namespace {
 
-constexpr int standardError = 2;
+constexpr int usualColumns = 80;
+
+#ifdef _WIN32
+int TerminalColumns() {
+    constexpr int standardError = 2;
+    if (_isatty(standardError) == 0)
+        return 0;
+    CONSOLE_SCREEN_BUFFER_INFO screen{};
+    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &screen) == 0)
+        return usualColumns;
+    return screen.srWindow.Right - screen.srWindow.Left + 1;
+}
+#else
+int TerminalColumns() {
+    if (isatty(STDERR_FILENO) == 0)
+        return 0;
+    winsize size{};
+    const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
+    return isKnown ? size.ws_col : usualColumns;
+}
+#endif
 
 } // namespace
 
-bool StandardErrorIsTerminal() {
-#ifdef _WIN32
-    return _isatty(standardError) != 0;
-#else
-    return isatty(standardError) != 0;
-#endif
+int StandardErrorColumns() {
+    const char* kind = std::getenv("TERM");
+    const bool isDumb = kind != nullptr && std::string_view(kind) == "dumb";
+    return isDumb ? 0 : TerminalColumns();
 }
 
 } // namespace qel

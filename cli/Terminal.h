@@ -2,7 +2,8 @@
 
 namespace qel {
 
-/// True when standard error goes to a person's terminal.
-bool StandardErrorIsTerminal();
+/// The columns of the terminal that standard error goes to; 0 when it goes elsewhere or to a terminal that
+/// cannot move its cursor.
+int StandardErrorColumns();
 
 } // namespace qel

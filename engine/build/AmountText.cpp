@@ -1,44 +1,14 @@
 #include "engine/build/AmountText.h"
 
-#include <array>
+#include "engine/build/PlainSigns.h"
+
 #include <limits>
-#include <string>
-#include <utility>
 
 namespace qel::engine {
 
 namespace {
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-/// The text with the signs that spreadsheets and right-to-left exports use in place of plain ones replaced.
-std::string Plain(std::string_view text) {
-    constexpr std::array<std::pair<std::string_view, std::string_view>, 9> signs = {{
-        {"\xC2\xA0", " "},     // no-break blank
-        {"\xE2\x80\xAF", " "}, // narrow no-break blank
-        {"\xE2\x80\x89", " "}, // thin blank
-        {"\xE2\x88\x92", "-"}, // minus
-        {"\xE2\x80\x99", "'"}, // apostrophe
-        {"\xE2\x80\x8E", ""},  // left-to-right mark
-        {"\xE2\x80\x8F", ""},  // right-to-left mark
-        {"\xE2\x81\xA6", ""},  // left-to-right isolate
-        {"\xE2\x81\xA9", ""},  // its end
-    }};
-    std::string plain;
-    while (!text.empty()) {
-        std::string_view replacement = text.substr(0, 1);
-        std::size_t length = 1;
-        for (const auto& [sign, by] : signs) {
-            if (text.substr(0, sign.size()) == sign) {
-                replacement = by;
-                length = sign.size();
-            }
-        }
-        plain += replacement;
-        text.remove_prefix(length);
-    }
-    return plain;
-}
 
 void TrimBlanks(std::string_view& text) {
     while (!text.empty() && text.front() == ' ')
@@ -68,20 +38,20 @@ bool TakeSign(std::string_view& magnitude, bool& isNegative) {
     return true;
 }
 
-/// Adds digits to a value that must stay within 63 bits.
+/// A value made digit by digit; stays at the most that 63 bits hold, and knows that it was more.
 class DigitSum {
 public:
-    bool Add(int digit) {
+    void Add(int digit) {
         constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
-        if (value_ > (most - digit) / 10)
-            return false;
-        value_ = value_ * 10 + digit;
-        return true;
+        isTooLarge_ = isTooLarge_ || value_ > (most - digit) / 10;
+        value_ = isTooLarge_ ? most : value_ * 10 + digit;
     }
     std::int64_t Value() const { return value_; }
+    bool IsTooLarge() const { return isTooLarge_; }
 
 private:
     std::int64_t value_ = 0;
+    bool isTooLarge_ = false;
 };
 
 bool AddWholePart(std::string_view whole, char thousands, DigitSum& sum) {
@@ -90,8 +60,7 @@ bool AddWholePart(std::string_view whole, char thousands, DigitSum& sum) {
     for (const char c : whole) {
         if (IsDigit(c)) {
             ++sinceSeparator;
-            if (!sum.Add(c - '0'))
-                return false;
+            sum.Add(c - '0');
             continue;
         }
         // The first group has one to three digits, the others have three.
@@ -107,45 +76,41 @@ bool AddWholePart(std::string_view whole, char thousands, DigitSum& sum) {
 
 bool AddDecimals(std::string_view digits, std::size_t decimals, DigitSum& sum) {
     for (std::size_t i = 0; i < digits.size(); ++i) {
-        if (!IsDigit(digits[i]) || (i >= decimals && digits[i] != '0') ||
-            (i < decimals && !sum.Add(digits[i] - '0')))
+        if (!IsDigit(digits[i]) || (i >= decimals && digits[i] != '0'))
             return false;
+        if (i < decimals)
+            sum.Add(digits[i] - '0');
     }
-    for (std::size_t i = digits.size(); i < decimals; ++i) {
-        if (!sum.Add(0))
-            return false;
-    }
+    for (std::size_t i = digits.size(); i < decimals; ++i)
+        sum.Add(0);
     return true;
 }
 
-std::optional<std::int64_t> ParsePlain(std::string_view text, const CsvFormat& format,
-                                       std::uint8_t decimals) {
+ParsedAmount ParsePlain(std::string_view text, const CsvFormat& format, std::uint8_t decimals) {
     TrimBlanks(text);
     if (text.empty())
-        return 0;
+        return {0, false};
     bool isNegative = false;
     if (!TakeSign(text, isNegative))
-        return std::nullopt;
+        return {};
     const auto point = text.find(format.decimal);
     const std::string_view whole = text.substr(0, point);
     const std::string_view fraction = point == std::string_view::npos ? "" : text.substr(point + 1);
     DigitSum sum;
     if (whole.empty() && fraction.empty())
-        return std::nullopt;
+        return {};
     if (!AddWholePart(whole, format.thousands, sum) || !AddDecimals(fraction, decimals, sum))
-        return std::nullopt;
-    return isNegative ? -sum.Value() : sum.Value();
+        return {};
+    if (sum.IsTooLarge())
+        return {std::nullopt, true};
+    return {isNegative ? -sum.Value() : sum.Value(), false};
 }
 
 } // namespace
 
-std::optional<std::int64_t> ParseAmount(std::string_view text, const CsvFormat& format,
-                                        std::uint8_t decimals) {
-    for (const char c : text) {
-        if ((static_cast<unsigned char>(c) & 0x80U) != 0)
-            return ParsePlain(Plain(text), format, decimals);
-    }
-    return ParsePlain(text, format, decimals);
+ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::uint8_t decimals) {
+    return IsAscii(text) ? ParsePlain(text, format, decimals)
+                         : ParsePlain(WithPlainSigns(text), format, decimals);
 }
 
 } // namespace qel::engine

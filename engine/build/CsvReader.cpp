@@ -146,7 +146,7 @@ bool CsvReader::ReadRecord() {
         if (csv_parse(parser_.get(), line.data(), line.size(), OnField, OnRecord, this) != line.size())
             fault_ = "a quote stands within a field, and is not doubled";
         else if (recordSize_ > longestRecord)
-            fault_ = notClosed;
+            fault_ = "no end within 1 MiB; a quote is not closed";
     }
     if (!fault_.empty()) {
         ResetParser();

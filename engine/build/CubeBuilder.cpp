@@ -5,6 +5,7 @@
 #include "engine/storage/PathText.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <limits>
@@ -92,11 +93,18 @@ void CubeBuilder::NumberKeys() {
     for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
         KeyColumnBuilder& column = keyColumns_[i];
         if (column.IsCalendar())
-            column.NumberDates(facts_.keys[i], cube_.name);
+            column.NumberDates(facts_.keys[i], FactPlace());
         else
             column.NumberTexts(MainTree(i).ValuesInTreeOrder(column.Ranks()));
     }
     ReplaceNumbersByCodes(keyColumns_, facts_);
+}
+
+std::string CubeBuilder::FactPlace() const {
+    std::vector<std::string> files;
+    for (const std::size_t table : cube_.facts)
+        files.push_back(PathText(definition_.tables[table].file.filename()));
+    return fmt::format("cube {}, facts of {}", cube_.name, fmt::join(files, ", "));
 }
 
 const MemberTree& CubeBuilder::MainTree(std::size_t keyColumn) const {

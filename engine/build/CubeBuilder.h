@@ -32,6 +32,8 @@ private:
     void ReadDimensionTables(BuildTotals& totals);
     void ReadFactTables(BuildTotals& totals);
     void NumberKeys();
+    /// The cube and the files of its facts, for a message.
+    std::string FactPlace() const;
     /// The tree by which a text column's codes are numbered.
     const MemberTree& MainTree(std::size_t keyColumn) const;
     void MakeModel();

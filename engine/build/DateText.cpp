@@ -1,5 +1,7 @@
 #include "engine/build/DateText.h"
 
+#include "engine/build/PlainSigns.h"
+
 #include <fmt/format.h>
 
 #include <array>
@@ -89,9 +91,7 @@ std::optional<std::chrono::sys_days> EightDigits(int value) {
     return Day({value / yearPlace, 4}, {value / monthPlace % monthPlace, 2}, {value % monthPlace, 2});
 }
 
-} // namespace
-
-std::optional<std::chrono::sys_days> ParseDate(std::string_view text, DateFormat format) {
+std::optional<std::chrono::sys_days> ParsePlain(std::string_view text, DateFormat format) {
     const DateNumbers date = SplitNumbers(WithoutTime(text));
     const auto& [a, b, c] = date.numbers;
     const bool yearFirst = a.digits == 4 || format == DateFormat::YearMonthDay;
@@ -107,6 +107,12 @@ std::optional<std::chrono::sys_days> ParseDate(std::string_view text, DateFormat
     if (yearFirst)
         return Day(a, b, c);
     return format == DateFormat::DayMonthYear ? Day(c, b, a) : Day(c, a, b);
+}
+
+} // namespace
+
+std::optional<std::chrono::sys_days> ParseDate(std::string_view text, DateFormat format) {
+    return IsAscii(text) ? ParsePlain(text, format) : ParsePlain(WithPlainSigns(text), format);
 }
 
 std::string FormatDate(std::chrono::sys_days day) {

@@ -72,7 +72,6 @@ public:
     CubeDefinition Read(const JsonPlace& place) const {
         JsonObject object(place);
         CubeDefinition cube;
-        cube.place = place.place;
         cube.name = object.Required("name").Text();
         cube.caption = object.TextOr("caption", cube.name);
         cube.facts = Tables(object.Required("facts"));
@@ -115,7 +114,7 @@ private:
     DimensionDefinition ReadDimension(const JsonPlace& place) const {
         JsonObject object(place);
         DimensionDefinition dimension;
-        dimension.place = place.place;
+        dimension.place = place.Where();
         dimension.name = object.Required("name").Text();
         dimension.caption = object.TextOr("caption", dimension.name);
         if (const auto column = object.Optional("column"))
@@ -236,7 +235,7 @@ private:
         for (const JsonPlace& element : place.Elements()) {
             JsonObject object(element);
             HierarchyDefinition hierarchy = base;
-            hierarchy.place = element.place;
+            hierarchy.place = element.Where();
             hierarchy.name = object.Required("name").Text();
             names.Add(hierarchy.name, element);
             hierarchy.caption = object.TextOr("caption", hierarchy.name);

@@ -41,7 +41,7 @@ struct LevelDefinition {
 };
 
 struct HierarchyDefinition {
-    std::string place; ///< where it stands in the definition: "cubes[0].dimensions[2].hierarchies[0]"
+    std::string place; ///< "ledger.json: cubes[0].dimensions[2].hierarchies[0]", for messages
     std::string name, caption;
     std::optional<std::string> all; ///< the top member's name, none without a top member
     std::optional<std::string> defaultKey;
@@ -74,7 +74,6 @@ struct MeasureDefinition {
 };
 
 struct CubeDefinition {
-    std::string place;
     std::string name, caption;
     std::vector<std::size_t> facts; ///< numbers in Definition::tables
     std::vector<DimensionDefinition> dimensions;

@@ -60,13 +60,22 @@ private:
                 continue;
             const std::string_view field = reader_.Field(valueFields_[i]);
             const auto amount = ParseAmount(field, format, measures_[i].decimals);
-            if (!amount) {
-                reader_.ReportBad(valueFields_[i], AmountFault(field, measures_[i].decimals));
+            if (!amount.value) {
+                reader_.ReportBad(valueFields_[i], amount.isTooLarge
+                                                       ? TooLarge(field, measures_[i].decimals)
+                                                       : AmountFault(field, measures_[i].decimals));
                 return false;
             }
-            amounts_[i] = *amount;
+            amounts_[i] = *amount.value;
         }
         return true;
+    }
+
+    static std::string TooLarge(std::string_view field, std::uint8_t decimals) {
+        std::string most = std::to_string(std::numeric_limits<std::int64_t>::max());
+        if (decimals > 0)
+            most.insert(most.size() - decimals, ".");
+        return fmt::format("the amount {} is too large; the most is {}", field, most);
     }
 
     std::string AmountFault(std::string_view field, std::uint8_t decimals) const {

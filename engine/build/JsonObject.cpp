@@ -11,10 +11,12 @@
 
 namespace qel::engine {
 
+std::string JsonPlace::Where() const {
+    return place.empty() ? *fileName : fmt::format("{}: {}", *fileName, place);
+}
+
 void JsonPlace::Fail(const std::string& fault) const {
-    throw EngineError(ErrorKind::InvalidDefinition, place.empty()
-                                                        ? fmt::format("{}: {}", *fileName, fault)
-                                                        : fmt::format("{}: {}: {}", *fileName, place, fault));
+    throw EngineError(ErrorKind::InvalidDefinition, fmt::format("{}: {}", Where(), fault));
 }
 
 std::string JsonPlace::Text() const {
@@ -79,9 +81,12 @@ JsonPlace JsonObject::Child(const std::string& key, const nlohmann::json& value)
 
 JsonPlace JsonObject::Required(const std::string& key) {
     const auto child = Optional(key);
-    if (!child)
-        place_.Fail(fmt::format("the key \"{}\" is missing", key));
-    return *child;
+    if (child)
+        return *child;
+    const auto others = UnknownKeys();
+    const std::string* slip = NearestWord(key, others);
+    place_.Fail(fmt::format("the key \"{}\" is missing{}", key,
+                            slip == nullptr ? "" : fmt::format("; is \"{}\" meant for it?", *slip)));
 }
 
 std::optional<JsonPlace> JsonObject::Optional(const std::string& key) {
@@ -106,13 +111,21 @@ std::vector<std::pair<std::string, JsonPlace>> JsonObject::All() {
     return all;
 }
 
-void JsonObject::Finish() const {
+std::vector<std::string> JsonObject::UnknownKeys() const {
+    std::vector<std::string> unknown;
     for (const auto& [key, value] : place_.value->items()) {
-        if (known_.count(key) == 0) {
-            const std::vector<std::string> known(known_.begin(), known_.end());
-            place_.Fail(fmt::format("unknown key \"{}\"{}", key, Suggestion(key, known)));
-        }
+        if (known_.count(key) == 0)
+            unknown.push_back(key);
     }
+    return unknown;
+}
+
+void JsonObject::Finish() const {
+    const auto unknown = UnknownKeys();
+    if (unknown.empty())
+        return;
+    const std::vector<std::string> known(known_.begin(), known_.end());
+    place_.Fail(fmt::format("unknown key \"{}\"{}", unknown.front(), Suggestion(unknown.front(), known)));
 }
 
 nlohmann::json ParseJson(std::string_view text, const std::string& fileName) {

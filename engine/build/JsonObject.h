@@ -16,6 +16,8 @@ struct JsonPlace {
     std::string place;
     const std::string* fileName = nullptr;
 
+    /// "FILE: place"
+    std::string Where() const;
     /// Raises EngineError (InvalidDefinition): "FILE: place: fault".
     [[noreturn]] void Fail(const std::string& fault) const;
 
@@ -46,6 +48,8 @@ public:
     void Finish() const;
 
 private:
+    /// The keys that nobody has asked for yet.
+    std::vector<std::string> UnknownKeys() const;
     JsonPlace Child(const std::string& key, const nlohmann::json& value) const;
 
     JsonPlace place_;

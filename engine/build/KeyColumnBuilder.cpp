@@ -86,10 +86,9 @@ std::string KeyColumnBuilder::FaultOf(std::string_view field, DateFormat format)
     return "cannot be used";
 }
 
-void KeyColumnBuilder::NumberDates(const std::vector<std::uint32_t>& facts, const std::string& cubeName) {
+void KeyColumnBuilder::NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place) {
     const auto fail = [&](const std::string& fault) {
-        throw EngineError(ErrorKind::InvalidData,
-                          fmt::format("cube {}, column {}: {}", cubeName, name_, fault));
+        throw EngineError(ErrorKind::InvalidData, fmt::format("{}, column {}: {}", place, name_, fault));
     };
     std::vector<bool> isUsed(days_.size());
     for (const std::uint32_t number : facts)

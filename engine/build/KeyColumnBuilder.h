@@ -37,7 +37,7 @@ public:
 
     /// Settles the codes of dates from the numbers that the facts have. Raises EngineError (InvalidData) when
     /// there are no dates or they span too many years.
-    void NumberDates(const std::vector<std::uint32_t>& facts, const std::string& cubeName);
+    void NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place);
     /// Settles the codes of texts: `ordered` first, in its order, then all others.
     void NumberTexts(const std::vector<std::uint32_t>& ordered);
     /// The numbers' places in the order of their texts.

@@ -34,10 +34,10 @@ std::size_t Distance(std::string_view left, std::string_view right) {
 
 } // namespace
 
-std::string Suggestion(std::string_view word, std::span<const std::string> known) {
+const std::string* NearestWord(std::string_view word, std::span<const std::string> known) {
     constexpr std::size_t longest = 100; // longer than any word that a person mistypes
     if (word.size() > longest)
-        return {};
+        return nullptr;
     const std::string folded = FoldCase(word);
     const std::string* nearest = nullptr;
     std::size_t best = std::max<std::size_t>(1, word.size() / 3) + 1;
@@ -48,6 +48,11 @@ std::string Suggestion(std::string_view word, std::span<const std::string> known
             nearest = &candidate;
         }
     }
+    return nearest;
+}
+
+std::string Suggestion(std::string_view word, std::span<const std::string> known) {
+    const std::string* nearest = NearestWord(word, known);
     return nearest == nullptr ? std::string() : fmt::format("; did you mean \"{}\"?", *nearest);
 }
 

@@ -1,10 +1,18 @@
 #!/usr/bin/env python3
 """Runs the built qel program as a person does: what it prints where, and how it ends."""
+import contextlib
+import fcntl
 import json
+import os
 import pathlib
+import pty
+import signal
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
+import time
 import unittest
 
 QEL = ""
@@ -272,6 +280,49 @@ class Cube(WithBooks):
         for line in bad.splitlines():
             self.assertIn(line, (folder / "bad.csv").read_text())
         self.assertEqual(run("eval", value_formula(folder / "b.cub"))[1], "-929.95\n")
+
+
+class Interrupted(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory(prefix="qel-test-")
+        self.addCleanup(self.folder.cleanup)
+        self.path = pathlib.Path(self.folder.name)
+        (self.path / "long.csv").write_text("code,amount\n" + "7,1\n" * 4_000_000)
+        (self.path / "long.json").write_text(json.dumps({
+            "tables": {"t": {"file": "long.csv"}},
+            "cubes": [{"name": "LongFNC", "facts": ["t"], "dimensions": [{"name": "D", "column": "code"}],
+                       "measures": [{"name": "M", "column": "amount"}]}]}))
+
+    def test_a_build_takes_back_what_it_has_half_done(self):
+        old = self.path / "long.cub"
+        old.write_text("the old file")
+        for request in (signal.SIGINT, signal.SIGTERM):
+            build = subprocess.Popen([QEL, "cube", "build", self.path / "long.json", "--output", old],
+                                     stderr=subprocess.PIPE)
+            while build.poll() is None and not list(self.path.glob("*.tmp")):
+                time.sleep(0.001)
+            build.send_signal(request)
+            _, errors = build.communicate(timeout=120)
+            self.assertEqual((build.returncode, errors.decode()), (1, "qel: interrupted; the cube file is as it was\n"))
+            self.assertEqual(sorted(file.name for file in self.path.iterdir()), ["long.csv", "long.cub", "long.json"])
+        self.assertEqual(old.read_text(), "the old file")
+
+    def test_the_bar_fits_the_terminal(self):
+        for columns, kind, widest in ((20, "xterm", 19), (200, "xterm", 60), (80, "dumb", 0)):
+            main, terminal = pty.openpty()
+            fcntl.ioctl(terminal, termios.TIOCSWINSZ, struct.pack("HHHH", 24, columns, 0, 0))
+            build = subprocess.Popen([QEL, "cube", "build", self.path / "long.json", "--output", self.path / "x.cub"],
+                                     stdout=subprocess.DEVNULL, stderr=terminal, env={**os.environ, "TERM": kind})
+            os.close(terminal)
+            shown = b""
+            with contextlib.suppress(OSError):  # the terminal's end
+                while part := os.read(main, 4096):
+                    shown += part
+            os.close(main)
+            self.assertEqual(build.wait(timeout=120), 0)
+            lines = shown.decode().replace("\x1b[K", "").split("\r")
+            self.assertLessEqual(max(map(len, lines)), widest, kind)
+            self.assertEqual(any("#" in line for line in lines), kind != "dumb")
 
 
 class WrongInput(WithBooks):

@@ -334,6 +334,8 @@ TEST_F(BuildTest, BadLinesStopTheBuildOrAreWrittenAside) {
          "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1.005\""},
         {"2024-01-31,1,7,\"1,005\"\n",
          "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1,005\""},
+        {"2024-01-31,1,7,99999999999999999999\n",
+         "column amount: the amount 99999999999999999999 is too large; the most is 92233720368547758.07"},
         {"2024-01-31,new,7\n", "expected 4 fields, found 3"},
         {"2024-01-31,\"new,7,2\n", "a quote is not closed"},
         {"2024-01-31,\xFF,7,2\n", "the text is not UTF-8"},
@@ -383,8 +385,8 @@ TEST_F(BuildTest, SaysWhatIsMissing) {
     const auto dimension = [](const std::string& text) {
         return "\"dimensions\": [{\"name\": \"D\", " + text + "}]";
     };
-    EXPECT_EQ(Fault(Define(datedFirms)),
-              "cube C, column date: there are no dates; set the calendar's \"from\" and \"to\"");
+    EXPECT_EQ(Fault(Define(datedFirms)), "cube C, facts of ledger.csv, column date: there are no dates; set "
+                                         "the calendar's \"from\" and \"to\"");
     EXPECT_EQ(Fault(Define(dimension(R"("column": "frm")"))),
               "ledger.csv: there is no column \"frm\"; the columns are \"date\", \"firm\", \"amount\"; did "
               "you mean "
@@ -396,10 +398,11 @@ TEST_F(BuildTest, SaysWhatIsMissing) {
     EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "table": "folder", "key": "code")"))),
               "folder.csv: is a folder, not a file");
     EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "default": "9")"))),
-              "cubes[0].dimensions[0]: the hierarchy \"D\" has no member with the key \"9\", which is to be "
+              "cube.json: cubes[0].dimensions[0]: the hierarchy \"D\" has no member with the key \"9\", "
+              "which is to be "
               "its default");
     EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "all": false)"))),
-              "cubes[0].dimensions[0]: the hierarchy \"D\" would have no members");
+              "cube.json: cubes[0].dimensions[0]: the hierarchy \"D\" would have no members");
     BuildOptions options = Define(datedFirms);
     options.definition = folder_.Path("absent.json");
     EXPECT_EQ(Fault(options), "absent.json: No such file or directory");
@@ -407,9 +410,10 @@ TEST_F(BuildTest, SaysWhatIsMissing) {
     options.output = folder_.Path("absent/out.cub");
     EXPECT_EQ(Fault(options), "absent/out.cub: cannot be written: No such file or directory");
     Table("ledger", "date,firm,amount\n0204-01-01,1,1\n2024-01-01,1,1\n");
-    EXPECT_EQ(Fault(Define(datedFirms)),
-              "cube C, column date: the dates span more than 200 years, from 0204-01-01 to "
-              "2024-01-01; set the calendar's \"from\" and \"to\"");
+    EXPECT_EQ(
+        Fault(Define(datedFirms)),
+        "cube C, facts of ledger.csv, column date: the dates span more than 200 years, from 0204-01-01 to "
+        "2024-01-01; set the calendar's \"from\" and \"to\"");
 }
 
 TEST_F(BuildTest, SeveralTablesAndCubesWithTheirOwnForms) {

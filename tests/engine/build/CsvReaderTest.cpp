@@ -111,7 +111,7 @@ TEST(CsvReader, AnOpenQuoteDoesNotSwallowABigFile) {
     std::istringstream input(text);
     CsvReader reader(input, "t.csv", 0);
     ASSERT_TRUE(reader.Next());
-    EXPECT_EQ(reader.Fault(), "a quote is not closed");
+    EXPECT_EQ(reader.Fault(), "no end within 1 MiB; a quote is not closed");
     EXPECT_EQ(reader.Raw(), "\"1,2\n");
     int records = 0;
     while (reader.Next())

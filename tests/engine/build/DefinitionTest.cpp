@@ -77,7 +77,7 @@ TEST(Definition, NamesTheKeyThatIsWrong) {
          "line 2, column 3: syntax error while parsing object key - invalid literal; last "
          "read: '{<U+000A>  a'; expected string literal"},
         {"\"facts\": [ \"ledger\" ]", "\"name\": \"B\"", "the key \"name\" stands twice in one object"},
-        {"\"cubes\"", "\"cube\"", "the key \"cubes\" is missing"},
+        {"\"cubes\"", "\"cube\"", "the key \"cubes\" is missing; is \"cube\" meant for it?"},
         {"\"csv\"", "\"cvs\"", "unknown key \"cvs\"; did you mean \"csv\"?"},
         {"{ \"name\": \"Firm\", \"column\"", "{ \"name\": \"Firm\", \"colum\": 1, \"column\"",
          "cubes[0].dimensions[2]: unknown key \"colum\"; did you mean \"column\"?"},

@@ -82,9 +82,11 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
         {"99999999999999999999", plain, no},
     };
     for (const Case& test : cases)
-        EXPECT_EQ(ParseAmount(test.text, test.format, 2), test.cents) << "\"" << test.text << "\"";
-    EXPECT_EQ(ParseAmount("7", plain, 0), 7);
-    EXPECT_EQ(ParseAmount("0.123456789", plain, 9), 123456789);
+        EXPECT_EQ(ParseAmount(test.text, test.format, 2).value, test.cents) << "\"" << test.text << "\"";
+    EXPECT_EQ(ParseAmount("7", plain, 0).value, 7);
+    EXPECT_EQ(ParseAmount("0.123456789", plain, 9).value, 123456789);
+    EXPECT_TRUE(ParseAmount("92233720368547758.08", plain, 2).isTooLarge);
+    EXPECT_FALSE(ParseAmount("99999999999999999999x", plain, 2).isTooLarge);
 }
 
 TEST(DateText, ReadsTheDeclaredOrderAndIso) {
@@ -98,6 +100,9 @@ TEST(DateText, ReadsTheDeclaredOrderAndIso) {
         {"2024-03-31", Iso, "2024-03-31"},
         {"2024-3-1", Iso, "2024-03-01"},
         {"20240331", Iso, "2024-03-31"},
+        {"\xE2\x80\x8F"
+         "2024-03-31\xE2\x80\x8E",
+         Iso, "2024-03-31"},
         {"2024-03", Iso, "2024-03-01"},
         {"2024-03-31T23:59:59Z", Iso, "2024-03-31"},
         {"2024-03-31 00:00:00.000", Iso, "2024-03-31"},
