@@ -1,0 +1,89 @@
+#include "calc/CellArguments.h"
+
+#include "calc/OfficeText.h"
+#include "platform/AutomationError.h"
+#include "platform/Conversion.h"
+
+#include <com/sun/star/uno/Sequence.hxx>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace qel::calc {
+
+using com::sun::star::uno::Any;
+using com::sun::star::uno::Sequence;
+using Rows = Sequence<Sequence<Any>>;
+
+namespace {
+
+/// The values of cells that Calc has read already.
+class CellBlock : public Range {
+public:
+    explicit CellBlock(std::vector<Variant> values) : values_(std::move(values)) {}
+
+    void ForEachCell(const std::function<void(const Variant& value)>& visit) const override {
+        for (const Variant& value : values_)
+            visit(value);
+    }
+
+private:
+    std::vector<Variant> values_;
+};
+
+Variant RangeOf(std::vector<Variant> values) {
+    return std::shared_ptr<const Object>(std::make_shared<CellBlock>(std::move(values)));
+}
+
+/// A number or a text. Raises 13 for a block of cells and for what no cell holds.
+Variant ScalarFromCell(const Any& value) {
+    if (!value.hasValue())
+        return ErrorValue{parameterNotFound};
+    if (double number = 0; value >>= number)
+        return number;
+    if (rtl::OUString text; value >>= text)
+        return FromOffice(text);
+    if (bool truth = false; value >>= truth)
+        return truth ? 1.0 : 0.0; // as a cell's TRUE arrives
+    throw PlatformError(ErrorNumber::TypeMismatch);
+}
+
+Variant BlockFromCell(const Rows& rows) {
+    std::vector<Variant> values;
+    for (const auto& row : rows) {
+        for (const Any& value : row)
+            values.push_back(ScalarFromCell(value));
+    }
+    return values.size() == 1 ? Variant::List(std::move(values)) : RangeOf(std::move(values));
+}
+
+bool IsOmitted(const Variant& value) { return value.Is<ErrorValue>(); }
+
+} // namespace
+
+Variant KeysFromCell(const Any& argument) {
+    if (Rows rows; argument >>= rows)
+        return BlockFromCell(rows);
+    Variant value = ScalarFromCell(argument);
+    if (!value.Is<std::string>())
+        return value;
+    return value.As<std::string>().empty() ? value : RangeOf({std::move(value)});
+}
+
+std::string TextFromCell(const Any& argument, const Locale& locale) {
+    const Variant value = ScalarFromCell(argument);
+    return IsOmitted(value) ? std::string() : ToText(value, locale);
+}
+
+AutomationDate DateFromCell(const Any& argument, const Locale& locale) {
+    const Variant value = ScalarFromCell(argument);
+    return IsOmitted(value) ? AutomationDate() : ToDate(value, locale);
+}
+
+Any ToCell(const Variant& result) {
+    if (result.Is<std::string>())
+        return Any(ToOffice(result.As<std::string>()));
+    return Any(ToDouble(result, {}));
+}
+
+} // namespace qel::calc

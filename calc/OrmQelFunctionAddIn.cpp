@@ -1,0 +1,181 @@
+#include "calc/OrmQelFunctionAddIn.h"
+
+#include "calc/CellArguments.h"
+#include "calc/FunctionTexts.h"
+#include "calc/OfficeText.h"
+#include "calc/ThreadFunction.h"
+
+#include <com/sun/star/uno/RuntimeException.hpp>
+#include <cppuhelper/supportsservice.hxx>
+#include <exception>
+
+namespace qel::calc {
+
+namespace uno = com::sun::star::uno;
+namespace sheet = com::sun::star::sheet;
+
+namespace {
+
+constexpr const char* serviceName = "OrmFunctionQel4.OrmQelFunction";
+constexpr const char* addInService = "com.sun.star.sheet.AddIn";
+constexpr const char* implementationName = "OrmFunctionQel4.OrmQelFunctionAddIn";
+
+using Any = uno::Any;
+
+/// One call of a cell: its arguments as the class takes them.
+class CellCall {
+public:
+    CellCall(const DocumentReference& document, const OrmQelFunctionAddIn::Context& context)
+        : document_(document), thread_(FunctionOfThread()) {
+        thread_.locale = LocaleOf(document, context);
+    }
+
+    OrmQelFunction& Function() { return thread_.function; }
+    std::string CubeFile(const Any& argument) const { return CubePathFrom(document_, Text(argument)); }
+    std::string Text(const Any& argument) const { return TextFromCell(argument, thread_.locale); }
+    AutomationDate Date(const Any& argument) const { return DateFromCell(argument, thread_.locale); }
+
+private:
+    const DocumentReference& document_;
+    ThreadFunction& thread_;
+};
+
+/// Runs a call; whatever fails it becomes the office's own exception.
+template <class Call>
+Any Answer(const Call& call) {
+    try {
+        return ToCell(call());
+    } catch (const uno::Exception&) {
+        throw;
+    } catch (const std::exception& error) {
+        throw uno::RuntimeException(ToOffice(error.what()));
+    }
+}
+
+const ArgumentTexts* FindArgument(const rtl::OUString& method, sal_Int32 argument) {
+    const FunctionTexts* const texts = FindByMethod(FromOffice(method));
+    const auto index = static_cast<std::size_t>(argument) - 1; // the first one is the document
+    return texts != nullptr && argument > 0 && index < texts->arguments.size() ? &texts->arguments[index]
+                                                                               : nullptr;
+}
+
+} // namespace
+
+Any OrmQelFunctionAddIn::QelF1(const DocumentReference& document, const Any& cubeFile, const Any& CubeName,
+                               const Any& ObsName, const Any& ObsNum, const Any& ObsLevel,
+                               const Any& ObsMember, const Any& ActivityList, const Any& SummaryGroup,
+                               const Any& SeifLevel, const Any& Accounts, const Any& Measure,
+                               const Any& MoneySet, const Any& Plbs, const Any& RH, const Any& Firma,
+                               const Any& OpeningBalance, const Any& FromDate, const Any& ToDate) {
+    return Answer([&] {
+        CellCall call(document, context_);
+        std::string file = call.CubeFile(cubeFile);
+        std::string cube = call.Text(CubeName);
+        std::string summaryGroup = call.Text(SummaryGroup);
+        std::string seifLevel = call.Text(SeifLevel);
+        std::string accounts = call.Text(Accounts);
+        std::string measure = call.Text(Measure);
+        std::string moneySet = call.Text(MoneySet);
+        std::string plbs = call.Text(Plbs);
+        std::string rh = call.Text(RH);
+        std::string firma = call.Text(Firma);
+        std::string openingBalance = call.Text(OpeningBalance);
+        return call.Function().QeLF1(
+            file, cube, KeysFromCell(ObsName), KeysFromCell(ObsNum), KeysFromCell(ObsLevel),
+            KeysFromCell(ObsMember), KeysFromCell(ActivityList), summaryGroup, seifLevel, accounts, measure,
+            moneySet, plbs, rh, firma, openingBalance, call.Date(FromDate), call.Date(ToDate));
+    });
+}
+
+Any OrmQelFunctionAddIn::QeL1(const DocumentReference& document, const Any& cubeFile, const Any& CubeName,
+                              const Any& ObsName, const Any& ObsNum, const Any& ObsLevel,
+                              const Any& ObsMember, const Any& ActivityList, const Any& SummaryGroup,
+                              const Any& SeifLevel, const Any& Accounts, const Any& Measure,
+                              const Any& MoneySet, const Any& Plbs, const Any& RH, const Any& Firma,
+                              const Any& OpeningBalance, const Any& FromDate, const Any& ToDate) {
+    return QelF1(document, cubeFile, CubeName, ObsName, ObsNum, ObsLevel, ObsMember, ActivityList,
+                 SummaryGroup, SeifLevel, Accounts, Measure, MoneySet, Plbs, RH, Firma, OpeningBalance,
+                 FromDate, ToDate);
+}
+
+Any OrmQelFunctionAddIn::QelName(const DocumentReference& document, const Any& cubeFile, const Any& CubeName,
+                                 const Any& DimType, const Any& DimMember) {
+    return Answer([&] {
+        CellCall call(document, context_);
+        std::string file = call.CubeFile(cubeFile);
+        std::string cube = call.Text(CubeName);
+        std::string type = call.Text(DimType);
+        std::string member = call.Text(DimMember);
+        return call.Function().QelName(file, cube, type, member);
+    });
+}
+
+Any OrmQelFunctionAddIn::RetQelName(const DocumentReference& document, const Any& cubeFile,
+                                    const Any& CubeName, const Any& DimType, const Any& DimMember) {
+    return QelName(document, cubeFile, CubeName, DimType, DimMember);
+}
+
+rtl::OUString OrmQelFunctionAddIn::getProgrammaticFuntionName(const Text& displayName) {
+    const FunctionTexts* const texts = FindByFullName(FromOffice(displayName));
+    return texts != nullptr ? ToOffice(texts->method) : Text();
+}
+
+rtl::OUString OrmQelFunctionAddIn::getDisplayFunctionName(const Text& method) {
+    const FunctionTexts* const texts = FindByMethod(FromOffice(method));
+    return texts != nullptr ? ToOffice(texts->fullName) : Text();
+}
+
+rtl::OUString OrmQelFunctionAddIn::getFunctionDescription(const Text& method) {
+    const FunctionTexts* const texts = FindByMethod(FromOffice(method));
+    return texts != nullptr ? ToOffice(texts->help.In(IsHebrew())) : Text();
+}
+
+rtl::OUString OrmQelFunctionAddIn::getDisplayArgumentName(const Text& method, sal_Int32 argument) {
+    const ArgumentTexts* const texts = FindArgument(method, argument);
+    return texts != nullptr ? ToOffice(texts->name.In(IsHebrew())) : Text();
+}
+
+rtl::OUString OrmQelFunctionAddIn::getArgumentDescription(const Text& method, sal_Int32 argument) {
+    const ArgumentTexts* const texts = FindArgument(method, argument);
+    return texts != nullptr ? ToOffice(texts->help.In(IsHebrew())) : Text();
+}
+
+rtl::OUString OrmQelFunctionAddIn::getProgrammaticCategoryName(const Text& /*method*/) {
+    return ToOffice(categoryName.english);
+}
+
+rtl::OUString OrmQelFunctionAddIn::getDisplayCategoryName(const Text& /*method*/) {
+    return ToOffice(categoryName.In(IsHebrew()));
+}
+
+void OrmQelFunctionAddIn::setLocale(const Language& language) { language_ = language; }
+
+OrmQelFunctionAddIn::Language OrmQelFunctionAddIn::getLocale() { return language_; }
+
+uno::Sequence<sheet::LocalizedName> OrmQelFunctionAddIn::getCompatibilityNames(const Text& method) {
+    const FunctionTexts* const texts = FindByMethod(FromOffice(method));
+    if (texts == nullptr)
+        return {};
+    const sheet::LocalizedName everywhere(Language("en", "US", ""), ToOffice(texts->fullName));
+    return {&everywhere, 1};
+}
+
+rtl::OUString OrmQelFunctionAddIn::getServiceName() { return ToOffice(serviceName); }
+
+rtl::OUString OrmQelFunctionAddIn::getImplementationName() { return ToOffice(implementationName); }
+
+sal_Bool OrmQelFunctionAddIn::supportsService(const Text& service) {
+    return cppu::supportsService(this, service);
+}
+
+uno::Sequence<rtl::OUString> OrmQelFunctionAddIn::getSupportedServiceNames() {
+    const rtl::OUString names[] = {ToOffice(serviceName), ToOffice(addInService)};
+    return {names, 2};
+}
+
+/// The language's code is "iw" in files of old versions.
+bool OrmQelFunctionAddIn::IsHebrew() const {
+    return language_.Language == "he" || language_.Language == "iw";
+}
+
+} // namespace qel::calc
