@@ -105,4 +105,12 @@ OwnedVariant DispatchObject::Invoke(DISPID id, const std::string& what, WORD kin
 
 std::string DispatchObject::Described(const wchar_t* member) const { return name_ + "." + ToUtf8(member); }
 
+bool CanLoadClass(const wchar_t* progId) {
+    CLSID classId = {};
+    ComPointer<IUnknown> factory;
+    return SUCCEEDED(::CLSIDFromProgID(progId, &classId)) &&
+           SUCCEEDED(::CoGetClassObject(classId, CLSCTX_INPROC_SERVER, nullptr, IID_IUnknown,
+                                        factory.ReceiveVoid()));
+}
+
 } // namespace qel::windows

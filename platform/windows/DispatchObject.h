@@ -58,4 +58,7 @@ private:
 
 OwnedVariant ToArgument(const DispatchObject& object);
 
+/// True when a class of that name is registered and its server can be loaded into this process.
+bool CanLoadClass(const wchar_t* progId);
+
 } // namespace qel::windows

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/PersistedTable.h"
+
+namespace qel::windows {
+
+/// Reads saved recordsets through the provider that saves them, in their XML form and their binary one.
+class LateBoundTableReader : public PersistedTableReader {
+public:
+    PersistedTable Read(const std::string& path) override;
+};
+
+} // namespace qel::windows
