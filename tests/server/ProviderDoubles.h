@@ -1,6 +1,7 @@
 #pragma once
 
-#include "tests/server/DispatchDouble.h"
+#include "tests/automation/DispatchDouble.h"
+#include "tests/automation/NamedClass.h"
 
 #include <memory>
 #include <optional>
@@ -29,7 +30,6 @@ public:
     ProviderLog& Log() { return *log_; }
 
 private:
-    class NamedClass;
     std::shared_ptr<ProviderLog> log_;
     std::vector<std::unique_ptr<NamedClass>> classes_;
 };

@@ -1,6 +1,6 @@
 #include "tests/server/RangeDouble.h"
 
-#include "tests/server/DispatchDouble.h"
+#include "tests/automation/DispatchDouble.h"
 
 #include <memory>
 

@@ -1,4 +1,4 @@
-#include "tests/server/AutomationClient.h"
+#include "tests/automation/AutomationClient.h"
 
 #include <gtest/gtest.h>
 

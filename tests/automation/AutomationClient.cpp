@@ -1,4 +1,4 @@
-#include "tests/server/AutomationClient.h"
+#include "tests/automation/AutomationClient.h"
 
 #include "platform/windows/Bstr.h"
 #include "platform/windows/VariantConversion.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/server/AutomationClient.h"
+#include "tests/automation/AutomationClient.h"
 
 #include <functional>
 #include <map>

@@ -1,4 +1,4 @@
-#include "tests/server/DispatchDouble.h"
+#include "tests/automation/DispatchDouble.h"
 
 #include "platform/windows/Bstr.h"
 #include "platform/windows/VariantConversion.h"
