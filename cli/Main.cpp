@@ -1,4 +1,5 @@
 #include "cli/CubeBuildCommand.h"
+#include "cli/CubeExportCommand.h"
 #include "cli/CubeInfoCommand.h"
 #include "cli/CubeVerifyCommand.h"
 #include "cli/EvalCommand.h"
@@ -60,6 +61,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     cube->fallthrough();
     qel::AddCubeBuildCommand(*cube, context);
     qel::AddCubeInfoCommand(*cube, context);
+    qel::AddCubeExportCommand(*cube, context);
     qel::AddCubeVerifyCommand(*cube, context);
     qel::AddSettingsCommand(app, context);
     qel::AddLangCommand(app, context);

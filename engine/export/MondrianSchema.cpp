@@ -1,0 +1,147 @@
+#include "engine/export/MondrianSchema.h"
+
+#include "engine/EngineError.h"
+
+#include <fmt/format.h>
+
+namespace qel::engine {
+
+namespace {
+
+/// A text as an attribute's value.
+std::string Escaped(std::string_view text) {
+    std::string escaped;
+    for (const char character : text) {
+        switch (character) {
+        case '&':
+            escaped += "&amp;";
+            break;
+        case '<':
+            escaped += "&lt;";
+            break;
+        case '"':
+            escaped += "&quot;";
+            break;
+        case '\n':
+            escaped += "&#10;";
+            break;
+        case '\t':
+            escaped += "&#9;";
+            break;
+        default:
+            escaped += character;
+        }
+    }
+    return escaped;
+}
+
+std::string CaptionAttribute(std::string_view name, std::string_view caption) {
+    return name == caption ? "" : fmt::format(" caption=\"{}\"", Escaped(caption));
+}
+
+bool HasCaptions(const Hierarchy& hierarchy, const Level& level) {
+    for (MemberId member = level.members.first; member < level.members.last; ++member)
+        if (hierarchy.MemberName(member) != hierarchy.MemberCaption(member))
+            return true;
+    return false;
+}
+
+/// The tables joined from the top level down; the facts are joined to the first.
+std::string Relation(const std::vector<StarTable>& tables, std::size_t first, const std::string& indent) {
+    const std::string table = fmt::format("{}<Table name=\"{}\"/>\n", indent, tables[first].name);
+    if (first + 1 == tables.size())
+        return table;
+    const std::string deeper = Relation(tables, first + 1, indent + "  ");
+    const bool rightIsJoin = first + 2 < tables.size();
+    return fmt::format(
+        "{0}<Join leftKey=\"{1}\" rightKey=\"{2}\"{3}>\n  {4}{5}{0}</Join>\n", indent, rowColumn, ownerColumn,
+        rightIsJoin ? fmt::format(" rightAlias=\"{}\"", tables[first + 1].name) : "", table, deeper);
+}
+
+std::string LevelElement(const Hierarchy& hierarchy, const StarTable& table, std::size_t level,
+                         bool namesTable) {
+    const Level& stored = hierarchy.Levels()[level];
+    const std::string tableAttribute = namesTable ? fmt::format(" table=\"{}\"", table.name) : "";
+    const std::string captions =
+        HasCaptions(hierarchy, stored) ? fmt::format(" captionColumn=\"{}\"", CaptionColumn(level)) : "";
+    return fmt::format("        <Level name=\"{}\"{} column=\"{}\" nameColumn=\"{}\"{} type=\"Integer\" "
+                       "uniqueMembers=\"true\"/>\n",
+                       Escaped(stored.name), tableAttribute, IdColumn(level), NameColumn(level), captions);
+}
+
+std::string AllAttributes(const Hierarchy& hierarchy) {
+    if (!hierarchy.HasAll())
+        return " hasAll=\"false\"";
+    return fmt::format(" hasAll=\"true\" allLevelName=\"{}\" allMemberName=\"{}\"",
+                       Escaped(hierarchy.Levels().front().name), Escaped(hierarchy.MemberName(0)));
+}
+
+std::string HierarchyElement(const StarSchema& star, const Hierarchy& hierarchy,
+                             std::string_view dimensionName) {
+    const auto& tables = star.hierarchies[hierarchy.Index()];
+    const bool isJoined = tables.size() > 1;
+    std::string attributes;
+    if (hierarchy.Name() != dimensionName)
+        attributes += fmt::format(" name=\"{}\"", Escaped(hierarchy.Name()));
+    attributes += CaptionAttribute(hierarchy.Name(), hierarchy.Caption()) + AllAttributes(hierarchy);
+    attributes += fmt::format(" primaryKey=\"{}\"", ownerColumn);
+    if (isJoined)
+        attributes += fmt::format(" primaryKeyTable=\"{}\"", tables.front().name);
+    if (hierarchy.DefaultMember() != 0)
+        attributes += fmt::format(" defaultMember=\"{}\"",
+                                  Escaped(hierarchy.MemberUniqueName(hierarchy.DefaultMember())));
+    std::string text = fmt::format("      <Hierarchy{}>\n{}", attributes, Relation(tables, 0, "        "));
+    for (const auto& table : tables)
+        for (const std::size_t level : table.levels)
+            text += LevelElement(hierarchy, table, level, isJoined);
+    return text + "      </Hierarchy>\n";
+}
+
+/// The fact column that the dimension's tables are joined by.
+const std::string& ForeignKey(const StarSchema& star, const Dimension& dimension) {
+    const auto& hierarchies = star.cube->Hierarchies();
+    const auto column = hierarchies[dimension.hierarchies.front()].KeyColumn();
+    for (const std::size_t index : dimension.hierarchies)
+        if (hierarchies[index].KeyColumn() != column)
+            throw EngineError(
+                ErrorKind::InvalidExpression,
+                fmt::format("The dimension '{}' of the cube '{}' has hierarchies over several fact "
+                            "columns, which the schema cannot say.",
+                            dimension.name, star.cube->Name()));
+    return column ? star.keyColumns[*column] : star.constantColumn;
+}
+
+std::string MeasureElement(const StarSchema& star, std::size_t index) {
+    const Measure& measure = star.cube->Facts().Measures()[index];
+    const bool isCount = measure.aggregate == Aggregate::Count;
+    const std::string decimals = measure.decimals == 0 ? "" : "." + std::string(measure.decimals, '0');
+    return fmt::format("    <Measure name=\"{}\"{} column=\"{}\" aggregator=\"{}\" datatype=\"{}\" "
+                       "formatString=\"#,##0{}\"/>\n",
+                       Escaped(measure.name), CaptionAttribute(measure.name, measure.caption),
+                       star.measureColumns[index], isCount ? "count" : "sum", isCount ? "Integer" : "Numeric",
+                       decimals);
+}
+
+} // namespace
+
+std::string ComposeMondrianSchema(const StarSchema& star) {
+    const Cube& cube = *star.cube;
+    const auto measures = cube.Facts().Measures();
+    std::string text =
+        fmt::format("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Schema name=\"{0}\">\n"
+                    "  <Cube name=\"{0}\"{1} defaultMeasure=\"{2}\">\n    <Table name=\"{3}\"/>\n",
+                    Escaped(cube.Name()), CaptionAttribute(cube.Name(), cube.Caption()),
+                    Escaped(measures[cube.DefaultMeasure()].name), star.factTable);
+    for (const auto& dimension : cube.Dimensions()) {
+        text += fmt::format("    <Dimension name=\"{}\"{} foreignKey=\"{}\">\n", Escaped(dimension.name),
+                            CaptionAttribute(dimension.name, dimension.caption), ForeignKey(star, dimension));
+        for (const std::size_t index : dimension.hierarchies)
+            text += HierarchyElement(star, cube.Hierarchies()[index], dimension.name);
+        text += "    </Dimension>\n";
+    }
+    for (std::size_t i = 0; i < measures.size(); ++i)
+        text += MeasureElement(star, i);
+    return text + "  </Cube>\n</Schema>\n";
+}
+
+} // namespace qel::engine

@@ -1,0 +1,160 @@
+#include "engine/export/StarRows.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace qel::engine {
+
+namespace {
+
+constexpr const char* integerType = "INTEGER";
+
+std::size_t LongestText(const Hierarchy& hierarchy) {
+    std::size_t longest = 1;
+    for (MemberId member = 0; member < hierarchy.MemberCount(); ++member)
+        longest = std::max({longest, hierarchy.MemberKey(member).size(), hierarchy.MemberName(member).size(),
+                            hierarchy.MemberCaption(member).size()});
+    return longest;
+}
+
+std::string MemberTable(const Hierarchy& hierarchy, const StarTable& table) {
+    const std::string textType = fmt::format("VARCHAR({})", LongestText(hierarchy));
+    std::vector<SqlColumn> columns{{rowColumn, integerType}, {ownerColumn, integerType}};
+    for (const std::size_t level : table.levels) {
+        columns.push_back({IdColumn(level), integerType});
+        columns.push_back({KeyColumnName(level), textType});
+        columns.push_back({NameColumn(level), textType});
+        columns.push_back({CaptionColumn(level), textType});
+    }
+    return CreateTable(table.name, columns);
+}
+
+std::string Index(std::string_view table, std::string_view column) {
+    return fmt::format("CREATE INDEX {} ON {} ({});\n", SqlName(fmt::format("{}_by_{}", table, column)),
+                       SqlName(table), SqlName(column));
+}
+
+std::string FactTableText(const StarSchema& star) {
+    std::vector<SqlColumn> columns;
+    for (const auto& name : star.keyColumns)
+        columns.push_back({name, integerType});
+    for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
+        const Measure& measure = star.cube->Facts().Measures()[i];
+        columns.push_back({star.measureColumns[i], measure.aggregate == Aggregate::Count
+                                                       ? integerType
+                                                       : fmt::format("DECIMAL(19,{})", measure.decimals)});
+    }
+    if (!star.constantColumn.empty())
+        columns.push_back({star.constantColumn, integerType});
+    std::string text = CreateTable(star.factTable, columns);
+    for (const auto& name : star.keyColumns)
+        text += Index(star.factTable, name);
+    return text;
+}
+
+void WriteMembers(const Hierarchy& hierarchy, const StarTable& table, const TextSink& sink) {
+    RowWriter writer(table.name, sink);
+    for (const StarRow& row : table.rows) {
+        std::vector<std::string> values{std::to_string(row.row), std::to_string(row.owner)};
+        for (const MemberId member : row.members) {
+            values.push_back(std::to_string(member));
+            values.push_back(SqlText(hierarchy.MemberKey(member)));
+            values.push_back(SqlText(hierarchy.MemberName(member)));
+            values.push_back(SqlText(hierarchy.MemberCaption(member)));
+        }
+        writer.Add(values);
+    }
+    writer.Finish();
+}
+
+template <class Stored>
+Stored At(const std::byte* column, std::uint64_t row) {
+    Stored value = 0;
+    std::memcpy(&value, column + row * sizeof(Stored), sizeof(Stored));
+    return value;
+}
+
+std::int64_t CodeAt(const std::byte* column, std::uint8_t width, std::uint64_t row) {
+    if (width == 1)
+        return At<std::uint8_t>(column, row);
+    return width == 2 ? At<std::uint16_t>(column, row) : std::int64_t{At<std::uint32_t>(column, row)};
+}
+
+std::int64_t AmountAt(const std::byte* column, std::uint8_t width, std::uint64_t row) {
+    switch (width) {
+    case 1:
+        return At<std::int8_t>(column, row);
+    case 2:
+        return At<std::int16_t>(column, row);
+    case 4:
+        return At<std::int32_t>(column, row);
+    default:
+        return At<std::int64_t>(column, row);
+    }
+}
+
+/// A run of neighbouring facts.
+class FactBlock {
+public:
+    FactBlock(const FactTable& facts, RowRange rows) : facts_(facts), rows_(rows) {
+        const Projection& order = facts.Projections().front();
+        for (std::size_t column = 0; column < facts.KeyColumns().size(); ++column)
+            keys_.push_back(order.Keys(column, rows));
+        for (std::size_t i = 0; i < facts.Measures().size(); ++i)
+            values_.push_back(facts.Measures()[i].width == 0 ? nullptr : order.Values(i, rows));
+    }
+
+    void Write(RowWriter& writer, bool hasConstant) const {
+        for (std::uint64_t row = 0; row < rows_.Count(); ++row) {
+            std::vector<std::string> values;
+            for (std::size_t i = 0; i < keys_.size(); ++i)
+                values.push_back(std::to_string(CodeAt(keys_[i], facts_.KeyColumns()[i].width, row)));
+            for (std::size_t i = 0; i < values_.size(); ++i)
+                values.push_back(AmountText(i, row));
+            if (hasConstant)
+                values.emplace_back("0");
+            writer.Add(values);
+        }
+    }
+
+private:
+    std::string AmountText(std::size_t index, std::uint64_t row) const {
+        const Measure& measure = facts_.Measures()[index];
+        if (!values_[index]) // a count, or a sum whose amounts are all nothing
+            return measure.aggregate == Aggregate::Count ? "1" : "0";
+        return SqlAmount(AmountAt(values_[index], measure.width, row), measure.decimals);
+    }
+
+    const FactTable& facts_;
+    RowRange rows_;
+    std::vector<const std::byte*> keys_, values_;
+};
+
+} // namespace
+
+std::string ComposeTables(const StarSchema& star) {
+    std::string text = FactTableText(star);
+    for (const auto& hierarchy : star.cube->Hierarchies())
+        for (const auto& table : star.hierarchies[hierarchy.Index()])
+            text += MemberTable(hierarchy, table) + Index(table.name, ownerColumn);
+    return text;
+}
+
+void WriteRows(const StarSchema& star, const TextSink& sink, const std::function<void(double)>& progress) {
+    constexpr std::uint64_t blockRows = 8192;
+    for (const auto& hierarchy : star.cube->Hierarchies())
+        for (const auto& table : star.hierarchies[hierarchy.Index()])
+            WriteMembers(hierarchy, table, sink);
+    RowWriter writer(star.factTable, sink);
+    const FactTable& facts = star.cube->Facts();
+    for (std::uint64_t first = 0; first < facts.RowCount(); first += blockRows) {
+        const RowRange rows{first, std::min(first + blockRows, facts.RowCount())};
+        FactBlock(facts, rows).Write(writer, !star.constantColumn.empty());
+        progress(static_cast<double>(rows.last) / static_cast<double>(facts.RowCount()));
+    }
+    writer.Finish();
+}
+
+} // namespace qel::engine

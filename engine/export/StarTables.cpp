@@ -1,0 +1,118 @@
+#include "engine/export/StarTables.h"
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace qel::engine {
+
+namespace {
+
+/// A dimension without a fact column: its members restrict nothing, so all of them own this code.
+constexpr std::int64_t everyFact = 0;
+
+/// Which codes belong to which member, level by level.
+class MemberCodes {
+public:
+    explicit MemberCodes(const Hierarchy& hierarchy)
+        : hierarchy_(hierarchy), codes_(hierarchy.MemberCount()) {
+        for (MemberId member = 0; member < hierarchy.MemberCount(); ++member)
+            codes_[member] = StoredCodes(member);
+        for (MemberId member = 0; member < hierarchy.MemberCount(); ++member)
+            if (codes_[member].empty() && hierarchy.Children(member).Count() == 0)
+                GiveOwnCode(member);
+        for (auto& codes : codes_)
+            std::sort(codes.begin(), codes.end());
+    }
+
+    const std::vector<std::int64_t>& Of(MemberId member) const { return codes_[member]; }
+
+private:
+    std::vector<std::int64_t> StoredCodes(MemberId member) const {
+        if (!hierarchy_.KeyColumn())
+            return {everyFact};
+        std::vector<std::int64_t> codes;
+        for (const KeyRange& range : hierarchy_.Ranges(member))
+            for (std::uint32_t code = range.first; code < range.last; ++code)
+                codes.push_back(code);
+        return codes;
+    }
+
+    /// No fact has it; the member and its ancestors are found in the tables through it.
+    void GiveOwnCode(MemberId member) {
+        const std::int64_t code = --lastOwnCode_;
+        for (MemberId step = member; step != noMember; step = hierarchy_.Parent(step))
+            codes_[step].push_back(code);
+    }
+
+    const Hierarchy& hierarchy_;
+    std::vector<std::vector<std::int64_t>> codes_;
+    std::int64_t lastOwnCode_ = 0;
+};
+
+std::vector<std::size_t> StoredLevels(const Hierarchy& hierarchy) {
+    std::vector<std::size_t> levels;
+    for (std::size_t level = 0; level < hierarchy.Levels().size(); ++level)
+        if (!hierarchy.Levels()[level].isAll)
+            levels.push_back(level);
+    return levels;
+}
+
+/// The one member of every code on every level; empty when a code has none or several on one.
+std::map<std::int64_t, std::vector<MemberId>>
+OnePathPerCode(const Hierarchy& hierarchy, const MemberCodes& codes, const std::vector<std::size_t>& levels) {
+    std::map<std::int64_t, std::vector<MemberId>> paths;
+    for (std::size_t place = 0; place < levels.size(); ++place) {
+        const MemberRange members = hierarchy.Levels()[levels[place]].members;
+        for (MemberId member = members.first; member < members.last; ++member)
+            for (const std::int64_t code : codes.Of(member)) {
+                auto& path = paths[code];
+                if (path.size() != place || (place > 0 && path.back() != hierarchy.Parent(member)))
+                    return {};
+                path.push_back(member);
+            }
+    }
+    const bool isWhole = std::all_of(paths.begin(), paths.end(),
+                                     [&](const auto& path) { return path.second.size() == levels.size(); });
+    return isWhole ? paths : std::map<std::int64_t, std::vector<MemberId>>{};
+}
+
+/// A row for every code of every member of the level, joined to the same code's row of the member's parent.
+StarTable LevelTable(const Hierarchy& hierarchy, const MemberCodes& codes, std::size_t level,
+                     std::map<std::pair<MemberId, std::int64_t>, std::int64_t>& rowNumbers) {
+    StarTable table{.name = {}, .levels = {level}, .rows = {}};
+    const MemberRange members = hierarchy.Levels()[level].members;
+    for (MemberId member = members.first; member < members.last; ++member)
+        for (const std::int64_t code : codes.Of(member)) {
+            const auto number = static_cast<std::int64_t>(rowNumbers.size()) + 1;
+            const auto above = rowNumbers.find({hierarchy.Parent(member), code});
+            rowNumbers[{member, code}] = number;
+            table.rows.push_back({.row = number,
+                                  .owner = above == rowNumbers.end() ? code : above->second,
+                                  .members = {member}});
+        }
+    return table;
+}
+
+} // namespace
+
+std::vector<StarTable> MakeStarTables(const Hierarchy& hierarchy, const std::string& name) {
+    const MemberCodes codes(hierarchy);
+    const auto levels = StoredLevels(hierarchy);
+    const auto paths = OnePathPerCode(hierarchy, codes, levels);
+    std::vector<StarTable> tables;
+    if (!paths.empty()) {
+        auto& table = tables.emplace_back(StarTable{.name = name, .levels = levels, .rows = {}});
+        for (const auto& [code, path] : paths)
+            table.rows.push_back({.row = code, .owner = code, .members = path});
+        return tables;
+    }
+    std::map<std::pair<MemberId, std::int64_t>, std::int64_t> rowNumbers;
+    for (const std::size_t level : levels) {
+        tables.push_back(LevelTable(hierarchy, codes, level, rowNumbers));
+        tables.back().name = levels.size() == 1 ? name : name + "_" + std::to_string(level);
+    }
+    return tables;
+}
+
+} // namespace qel::engine
