@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <optional>
 #include <string_view>
 #include <system_error>
 
@@ -23,9 +24,13 @@ bool CodePageHas(const std::wstring& text) {
     return text.empty() || (length > 0 && isReplaced == FALSE);
 }
 
-std::string ReadBytes(const fs::path& file) {
+/// Nothing of a file that is missing; none when it is there and cannot be read.
+std::optional<std::string> ReadBytes(const fs::path& file) {
+    std::error_code failed;
     std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+    if (!stream)
+        return fs::exists(file, failed) || failed ? std::nullopt : std::optional(std::string());
+    return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
 }
 
 std::wstring FromCodePage(const std::string& bytes) {
@@ -49,12 +54,14 @@ bool WriteUtf16(const std::wstring& text, const fs::path& file) {
 } // namespace
 
 void MakeRoomFor(const std::wstring& text, const std::wstring& file) {
-    const std::string bytes = ReadBytes(file);
-    if (CodePageHas(text) || bytes.starts_with(utf16Mark))
+    if (CodePageHas(text))
+        return;
+    const auto bytes = ReadBytes(file);
+    if (!bytes || bytes->starts_with(utf16Mark))
         return;
     const std::wstring rewritten = file + L".new"; // takes the file's place only when it is whole
     std::error_code ignored;
-    if (WriteUtf16(FromCodePage(bytes), rewritten))
+    if (WriteUtf16(FromCodePage(*bytes), rewritten))
         fs::rename(rewritten, file, ignored);
     fs::remove(rewritten, ignored);
 }

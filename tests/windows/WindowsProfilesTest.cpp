@@ -1,0 +1,118 @@
+#include "platform/windows/settings/WindowsProfiles.h"
+
+#include "platform/PathText.h"
+#include "platform/windows/settings/WindowsRegistry.h"
+#include "store/ModPublics.h"
+#include "tests/TemporaryFolder.h"
+#include "tests/doubles/StoreDoubles.h"
+#include "tests/windows/SuiteKey.h"
+
+#include <gmock/gmock.h>
+
+namespace qel::test {
+namespace {
+
+/// A text in UTF-16 with its byte order mark, as bytes.
+std::string Utf16(const std::string& text) {
+    const std::wstring wide = L'\xFEFF' + windows::ToWide(text);
+    return {reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t)};
+}
+
+/// The system's code page has no Hebrew here, and Western letters there.
+bool CodePageIsWestern() { return ::GetACP() == 1252; }
+
+/// The suite's data folder with a Hebrew name, over the real registry and files.
+struct WindowsProfilesTest : ::testing::Test {
+    WindowsProfilesTest() {
+        std::filesystem::create_directory(folder.Path(name));
+        key.SetText(L"MDBPath", TextFromPath(folder.Path(name)));
+    }
+    std::string File(const std::string& file) const { return name + "/" + file; }
+
+    const std::string name = "נתוני פרליקס";
+    const TemporaryFolder folder;
+    const SuiteKey key;
+    qel::testing::StoreBench bench;
+    windows::WindowsRegistry registry;
+    windows::WindowsProfiles profiles;
+    StoreEnvironment store{registry, profiles, bench.database, bench.messages, TextFromPath(folder.Path())};
+};
+
+TEST_F(WindowsProfilesTest, ReadsTheLanguageAsTheSuiteWroteIt) {
+    struct FileCase {
+        const char* what;
+        std::string bytes, expected;
+    };
+    const FileCase cases[] = {
+        {"plain", "[Qel]\r\nQelUILanguage=1\r\n", "1"},
+        {"any letter case", "[QEL]\nqeluilanguage=2\n", "2"},
+        {"blanks around the parts", "[Qel]\r\n  QelUILanguage  =  1  \r\n", "1"},
+        {"a quoted value", "[Qel]\r\nQelUILanguage=\"1\"\r\n", "1"},
+        {"a comment before it", "; QelUILanguage=2\r\n[Qel]\r\n;QelUILanguage=2\r\nQelUILanguage=1\r\n", "1"},
+        {"the first of two", "[Qel]\r\nQelUILanguage=1\r\nQelUILanguage=2\r\n", "1"},
+        {"another section's", "[Other]\r\nQelUILanguage=1\r\n", ""},
+        {"UTF-16", Utf16("[Qel]\r\nQelUILanguage=עברית\r\n"), "עברית"},
+        {"junk", std::string("\0\x01[[[Qel\r\n=1\r\n]", 17), ""},
+        {"nothing", "", ""},
+        {"longer than the buffer", "[Qel]\r\nQelUILanguage=" + std::string(300, 'x') + "\r\n",
+         std::string(254, 'x')},
+    };
+    for (const auto& c : cases) {
+        // Another file each time: the system may keep the last one in memory.
+        const std::string subfolder = name + std::to_string(&c - cases);
+        std::filesystem::create_directory(folder.Path(subfolder));
+        folder.Write(subfolder + "/Qel.ini", c.bytes);
+        key.SetText(L"MDBPath", TextFromPath(folder.Path(subfolder)));
+        EXPECT_EQ(ModPublics::ReadQelIni(store, "Qel", "QelUILanguage"), c.expected) << c.what;
+    }
+    key.SetText(L"MDBPath", "");
+    folder.Write("Qel.ini", "[Qel]\r\nQelUILanguage=2\r\n");
+    EXPECT_EQ(ModPublics::ReadQelIni(store, "Qel", "QelUILanguage"), "2") << "the component's own folder";
+}
+
+TEST_F(WindowsProfilesTest, RemembersTheLastCubeWhateverItsLetters) {
+    const std::string cubes[] = {"C:\\cubes\\ledger.cub", "D:\\קוביות\\מאזן \"2020\".cub", "E:\\été.cub", ""};
+    std::string read = "before";
+    ModPublics::ReadCubIniSection(store, "FileCube", read);
+    EXPECT_EQ(read, "") << "no file yet";
+    for (const std::string& cube : cubes) {
+        EXPECT_NE(ModPublics::WriteCubIni(store, "FileCube", "F", "  " + cube + " "), 0);
+        ModPublics::ReadCubIniSection(store, "FileCube", read);
+        EXPECT_EQ(read, cube);
+    }
+    EXPECT_TRUE(bench.messages.shown.empty());
+}
+
+TEST_F(WindowsProfilesTest, ChangesTheFilesEncodingOnlyForALetterThatItLacks) {
+    if (!CodePageIsWestern())
+        GTEST_FAIL() << "made for a system whose code page has no Hebrew";
+    folder.Write(File("Cub.ini"), "; caf\xE9\r\n[Other]\r\nKey=\xE9t\xE9\r\n");
+    ASSERT_NE(ModPublics::WriteCubIni(store, "FileCube", "F", "C:\\a.cub"), 0);
+    EXPECT_EQ(folder.Read(File("Cub.ini")),
+              "; caf\xE9\r\n[Other]\r\nKey=\xE9t\xE9\r\n[FileCube]\r\nF=C:\\a.cub\r\n");
+    ASSERT_NE(ModPublics::WriteCubIni(store, "FileCube", "F", "C:\\א.cub"), 0);
+    EXPECT_EQ(folder.Read(File("Cub.ini")),
+              Utf16("; café\r\n[Other]\r\nKey=été\r\n[FileCube]\r\nF=C:\\א.cub\r\n"));
+    ASSERT_NE(ModPublics::WriteCubIni(store, "FileCube", "F", "C:\\ב.cub"), 0);
+    EXPECT_EQ(folder.Read(File("Cub.ini")),
+              Utf16("; café\r\n[Other]\r\nKey=été\r\n[FileCube]\r\nF=C:\\ב.cub\r\n"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path(name)), {}), 1)
+        << "nothing is left behind";
+}
+
+TEST_F(WindowsProfilesTest, TellsWhatCannotBeWritten) {
+    const auto path = folder.Write(File("Cub.ini"), "[FileCube]\r\nF=C:\\a.cub\r\n");
+    HANDLE const otherProgram = ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
+                                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    ASSERT_NE(otherProgram, INVALID_HANDLE_VALUE);
+    for (const char* cube : {"C:\\b.cub", "C:\\ב.cub"})
+        EXPECT_EQ(profiles.WriteString("FileCube", "F", cube, TextFromPath(path)), 0) << cube;
+    ::CloseHandle(otherProgram);
+    EXPECT_EQ(folder.Read(File("Cub.ini")), "[FileCube]\r\nF=C:\\a.cub\r\n");
+    EXPECT_EQ(
+        profiles.WriteString("FileCube", "F", "C:\\א.cub", TextFromPath(folder.Path("missing/Cub.ini"))), 0);
+    EXPECT_FALSE(std::filesystem::exists(folder.Path("missing")));
+}
+
+} // namespace
+} // namespace qel::test
