@@ -25,9 +25,9 @@ using Any = uno::Any;
 /// One call of a cell: its arguments as the class takes them.
 class CellCall {
 public:
-    CellCall(const DocumentReference& document, const OrmQelFunctionAddIn::Context& context)
+    CellCall(const DocumentReference& document, DocumentLocales& locales)
         : document_(document), thread_(FunctionOfThread()) {
-        thread_.locale = LocaleOf(document, context);
+        thread_.locale = locales.Of(document);
     }
 
     OrmQelFunction& Function() { return thread_.function; }
@@ -68,7 +68,7 @@ Any OrmQelFunctionAddIn::QelF1(const DocumentReference& document, const Any& cub
                                const Any& MoneySet, const Any& Plbs, const Any& RH, const Any& Firma,
                                const Any& OpeningBalance, const Any& FromDate, const Any& ToDate) {
     return Answer([&] {
-        CellCall call(document, context_);
+        CellCall call(document, locales_);
         std::string file = call.CubeFile(cubeFile);
         std::string cube = call.Text(CubeName);
         std::string summaryGroup = call.Text(SummaryGroup);
@@ -101,7 +101,7 @@ Any OrmQelFunctionAddIn::QeL1(const DocumentReference& document, const Any& cube
 Any OrmQelFunctionAddIn::QelName(const DocumentReference& document, const Any& cubeFile, const Any& CubeName,
                                  const Any& DimType, const Any& DimMember) {
     return Answer([&] {
-        CellCall call(document, context_);
+        CellCall call(document, locales_);
         std::string file = call.CubeFile(cubeFile);
         std::string cube = call.Text(CubeName);
         std::string type = call.Text(DimType);
@@ -173,7 +173,6 @@ uno::Sequence<rtl::OUString> OrmQelFunctionAddIn::getSupportedServiceNames() {
     return {names, 2};
 }
 
-/// The language's code is "iw" in files of old versions.
 bool OrmQelFunctionAddIn::IsHebrew() const {
     return language_.Language == "he" || language_.Language == "iw";
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "calc/CallingDocument.h"
+#include "calc/DocumentLocales.h"
 
 #include <OrmFunctionQel4/XWorksheetFunctions.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
@@ -21,13 +21,13 @@ using AddInInterfaces =
 class OrmQelFunctionAddIn : public AddInInterfaces {
 public:
     using Any = com::sun::star::uno::Any;
-    using Context = com::sun::star::uno::Reference<com::sun::star::uno::XComponentContext>;
+    using Context = DocumentLocales::Context;
     using Language = com::sun::star::lang::Locale;
     using Text = rtl::OUString;
     template <class T>
     using List = com::sun::star::uno::Sequence<T>;
 
-    explicit OrmQelFunctionAddIn(const Context& context) : context_(context) {}
+    explicit OrmQelFunctionAddIn(const Context& context) : locales_(context) {}
 
     // XWorksheetFunctions
     Any SAL_CALL QelF1(const DocumentReference& document, const Any& cubeFile, const Any& CubeName,
@@ -70,7 +70,7 @@ public:
 private:
     bool IsHebrew() const;
 
-    Context context_;
+    DocumentLocales locales_;
     Language language_; ///< of the office's menus
 };
 
