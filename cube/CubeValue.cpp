@@ -64,8 +64,10 @@ Variant ReadFirstCell(const std::string& statement, const ThreadState& thread, D
     return IsEmptyCell(value) ? Zero() : value;
 }
 
-Variant ComposeAndRun(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
-                      const ValueArguments& arguments) {
+} // namespace
+
+Variant ComputeCubeValue(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
+                         const ValueArguments& arguments) {
     DayRange days{ParseDate(arguments.fromDate, locale), ParseDate(arguments.toDate, locale)};
     if (const auto known = ClampToCube(thread.dates, days))
         return *known;
@@ -81,12 +83,10 @@ Variant ComposeAndRun(const ThreadState& thread, DataAccess& dataAccess, const L
     return ReadFirstCell(ComposeValueStatement(selection, *span, obsSel), thread, dataAccess);
 }
 
-} // namespace
-
 Variant GetCubeValue(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
                      const ValueArguments& arguments) {
     try {
-        return ComposeAndRun(thread, dataAccess, locale, arguments);
+        return ComputeCubeValue(thread, dataAccess, locale, arguments);
     } catch (const AutomationError& error) {
         return "#ERR " + std::to_string(error.Number());
     }

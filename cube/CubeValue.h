@@ -18,6 +18,10 @@ struct ValueArguments {
     const std::string &fromDate, &toDate; ///< in the locale's short form
 };
 
+/// GetCubeValue without its trap: raises what goes wrong.
+Variant ComputeCubeValue(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
+                         const ValueArguments& arguments);
+
 /// Composes the statement, runs it over the open CubeConnection and returns the cell's value; 0 (16-bit) for
 /// an empty cell or a period outside the cube, "#ERR 11111111" for a period that ends before it starts,
 /// "#ERR " and the number for any error. Raises nothing.

@@ -41,7 +41,7 @@ Variant OrmQelFunction::QelFuncDemo(std::string& cubeFile, std::string& CubeName
                                     std::string& strMeasure, std::string& ComMoneySet, std::string& strPlbs,
                                     std::string& ComRh, std::string& ComFirma, std::string& ComOB,
                                     AutomationDate strMin, AutomationDate strMax, std::int16_t /*optLev*/) {
-    const auto& [thread, dataAccess, locale] = context_;
+    const auto& [thread, dataAccess, locale, wizards] = context_;
     try {
         Trim(cubeFile);
         Trim(CubeName);
@@ -128,7 +128,7 @@ Variant OrmQelFunction::QelName(std::string& cubeFile, std::string& CubeName, st
 
 Variant OrmQelFunction::RetQelName(std::string& cubeFile, std::string& CubeName, std::string& DimType,
                                    std::string& DimMember) {
-    const auto& [thread, dataAccess, locale] = context_;
+    const auto& [thread, dataAccess, locale, wizards] = context_;
     try {
         Trim(cubeFile);
         Trim(CubeName);

@@ -3,6 +3,8 @@
 #include "cube/CubeConnection.h"
 #include "cube/ThreadState.h"
 #include "function/ArgToList.h"
+#include "platform/Spreadsheet.h"
+#include "wizard/WizardContext.h"
 
 #include <cstdint>
 #include <string>
@@ -14,6 +16,7 @@ struct FunctionContext {
     ModSetCube::ThreadState& thread;
     DataAccess& dataAccess;
     const Locale& locale;
+    WizardServices* wizards = nullptr; ///< null where no dialogs can be shown
 };
 
 /// The worksheet functions. Texts are passed by reference as the interface defines them: they may come back
@@ -69,7 +72,16 @@ public:
     Variant RetQelName(std::string& cubeFile, std::string& CubeName, std::string& DimType,
                        std::string& DimMember);
 
+    /// Shows the function wizard and writes what was chosen into the sheet of `xlActiveCell`: the formula
+    /// into the active cell, or a table of the arguments from there on. Returns the formula's argument text;
+    /// " " when the wizard was canceled, an empty text when something failed, which is reported. Raises
+    /// E_NOTIMPL where no dialogs can be shown.
+    std::string ShowFormGetVal(const std::shared_ptr<SheetRange>& xlActiveCell);
+    /// The same for the name wizard and a name formula.
+    std::string ShowFormQelName(const std::shared_ptr<SheetRange>& xlActiveCell);
+
 private:
+    WizardContext RequireWizards() const;
     Variant EvalQel(std::string& cubeFile, std::string& CubeName, const Variant& ObsName,
                     const Variant& ObsNum, const Variant& ObsLevel, const Variant& ObsMember,
                     const Variant& ActivityList, std::string& Summary_Group, std::string& Seif_level,

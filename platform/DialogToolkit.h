@@ -130,7 +130,9 @@ public:
     /// None chooses nothing, and empties what was typed into a bound list.
     virtual void Select(std::string_view control, std::optional<std::size_t> index) = 0;
 
-    /// Bound lists: replaces the rows; none is chosen afterwards. Null for no rows.
+    /// Bound lists: replaces the rows; none is chosen afterwards. Null for no rows. A source may be slow when
+    /// it is first asked for a row, so it is asked when the list is first opened or typed into. Leaving the
+    /// list with a typed text chooses the first row that matches it, or none.
     virtual void Bind(std::string_view control, std::shared_ptr<const ListSource> rows) = 0;
 
     /// The path that the user chose to open; empty when the user chose none.

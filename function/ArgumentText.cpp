@@ -1,0 +1,63 @@
+#include "function/ArgumentText.h"
+
+#include "platform/AutomationError.h"
+#include "platform/Conversion.h"
+#include "platform/Text.h"
+
+namespace qel {
+
+namespace {
+
+constexpr const char* noBreakSpace = "\xC2\xA0";
+constexpr std::string_view textSeparator = ", ";
+
+std::string Quoted(const std::string& text) { return '"' + text + '"'; }
+
+/// Carries a double quote of the one key as a no-break space: the value function turns it back.
+void ReplaceQuotes(Variant& argument, const VariantArray& array, const Locale& locale) {
+    VariantArray replaced = array;
+    replaced.elements.front() = ReplaceAll(ToText(array.elements.front(), locale), "\"", noBreakSpace);
+    argument = std::make_shared<const VariantArray>(std::move(replaced));
+}
+
+std::string ArrayText(Variant& argument, const Locale& locale) {
+    const auto array = argument.As<std::shared_ptr<const VariantArray>>();
+    if (array->elements.empty())
+        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    if (array->elements.size() == 1) {
+        if (array->elements.front().Is<Empty>())
+            return Quoted("") + std::string(textSeparator);
+        ReplaceQuotes(argument, *array, locale);
+    }
+    std::string text;
+    for (const Variant& element : argument.As<std::shared_ptr<const VariantArray>>()->elements) {
+        text += text.empty() ? "{" : textSeparator;
+        text += Quoted(ToText(element, locale));
+    }
+    return text + "},";
+}
+
+} // namespace
+
+std::string ComposeArgumentText(FormulaArgs& arguments, const Locale& locale) {
+    std::string text;
+    for (Variant& argument : arguments) {
+        if (argument.IsArray())
+            text += ArrayText(argument, locale);
+        else
+            text += Quoted(ToText(argument, locale)) + std::string(textSeparator);
+    }
+    text.resize(text.size() - textSeparator.size());
+    return text;
+}
+
+std::string ComposeNameArgumentText(const std::vector<std::string>& arguments) {
+    std::string text;
+    for (const std::string& argument : arguments) {
+        text += text.empty() ? "" : textSeparator;
+        text += Quoted(argument);
+    }
+    return text;
+}
+
+} // namespace qel

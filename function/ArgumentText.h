@@ -1,0 +1,18 @@
+#pragma once
+
+#include "wizard/FormulaArgs.h"
+
+#include <string>
+#include <vector>
+
+namespace qel {
+
+/// The arguments as they stand between the parentheses of a value formula: texts in double quotes followed by
+/// ", ", arrays in braces followed by "},". Nothing is escaped; of an array of one text the double quotes
+/// become no-break spaces, in `arguments` too. Raises as ToText.
+std::string ComposeArgumentText(FormulaArgs& arguments, const Locale& locale);
+
+/// The same of a name formula, whose arguments are four texts.
+std::string ComposeNameArgumentText(const std::vector<std::string>& arguments);
+
+} // namespace qel

@@ -1,0 +1,68 @@
+#include "wizard/CubeFileChoice.h"
+
+#include "platform/AutomationError.h"
+#include "platform/Conversion.h"
+#include "platform/PathText.h"
+#include "platform/Text.h"
+#include "support/Files.h"
+#include "support/ModError.h"
+
+namespace qel {
+
+namespace {
+
+constexpr std::string_view listedEnding = "FNC";
+constexpr std::string_view cubeFileEnding = "cub"; // in these letters
+constexpr std::int32_t invalidFileText = 1364;
+
+bool IsListed(std::string_view catalog) {
+    return catalog.size() >= listedEnding.size() &&
+           EqualIgnoringCase(catalog.substr(catalog.size() - listedEnding.size()), listedEnding);
+}
+
+} // namespace
+
+std::optional<std::int32_t> CubeFileFault(const std::string& cubeFile) {
+    if (cubeFile.empty())
+        return noCubeFileText;
+    if (!cubeFile.ends_with(cubeFileEnding) || !FileExists(cubeFile))
+        return invalidFileText;
+    return std::nullopt;
+}
+
+std::string AskForCubeFile(Dialog& dialog, const char* control, const std::string& cubeFileNow) {
+    return dialog.AskForFile(control, {.title = std::string(componentName) + " - Open a file",
+                                       .filter = "Cub files(*.cub)|*.cub",
+                                       .startFolder = TextFromPath(PathFromText(cubeFileNow).parent_path())});
+}
+
+std::shared_ptr<Connection> OpenCubeFile(DataAccess& dataAccess, const std::string& cubeFile) {
+    auto connection = dataAccess.CreateConnection();
+    connection->Open("Provider=MSOLAP;Data Source=" + cubeFile +
+                         ";Client Cache Size=25;Auto Synch Period=10000",
+                     "", "", optionsUnspecified);
+    return connection;
+}
+
+bool SetCube(const WizardContext& context, ChoiceBox& cubes, Connection* connection) {
+    cubes.Clear();
+    cubes.Enable(connection != nullptr);
+    std::vector<MemberChoice> catalogs;
+    if (connection != nullptr) {
+        const auto rows = connection->OpenSchema(schemaCatalogs);
+        for (; !rows->AtEnd(); rows->MoveNext()) {
+            const std::string name = ToText(rows->FieldValueNamed("CATALOG_NAME"), context.locale);
+            if (IsListed(name))
+                catalogs.push_back({name, name});
+        }
+    }
+    if (catalogs.empty()) {
+        context.Messages().Show(MessageBoxStyle::Exclamation, "", "Not valid cube");
+        return false;
+    }
+    // The first one is chosen, even where the connection's own default is another.
+    cubes.Fill(std::move(catalogs));
+    return true;
+}
+
+} // namespace qel

@@ -1,0 +1,97 @@
+#include "wizard/DateSelector.h"
+
+#include "cube/CubeConnection.h"
+#include "platform/AutomationError.h"
+#include "platform/Text.h"
+#include "support/ModError.h"
+#include "wizard/FunctionForm.h"
+#include "wizard/OwnText.h"
+
+namespace qel {
+
+namespace {
+
+using namespace FunctionForm;
+
+constexpr const char* dateErrorText = "Error with the date in the Cube\r\nContinue with another cube";
+
+} // namespace
+
+void DateSelector::Fill(const ModSetCube::OpenedCube& cube) {
+    Clear();
+    try {
+        if (!ModSetCube::EnsureCurrentCubeOpen(context_.thread, context_.dataAccess, opened_, cube))
+            throw AutomationError(ErrorNumber::InvalidProcedureCall, "Outdated Cube Version");
+        opened_ = cube;
+        Show(context_.thread.dates.CubeMinDate, context_.thread.dates.CubeMaxDate);
+    } catch (...) {
+        ModError::ReportError(context_.Messages(), ModError::CurrentError(), dateErrorText, "SetDate",
+                              "frmFuncQelWiz");
+    }
+}
+
+void DateSelector::Clear() {
+    dialog_.SetText(FromDate, "");
+    dialog_.SetText(ToDate, "");
+}
+
+void DateSelector::Enable(bool isEnabled) {
+    dialog_.SetEnabled(FromDate, isEnabled);
+    dialog_.SetEnabled(ToDate, isEnabled);
+}
+
+void DateSelector::Show(AutomationDate from, AutomationDate to) {
+    dialog_.SetText(FromDate, FormatShortDate(from, context_.locale));
+    dialog_.SetText(ToDate, FormatShortDate(to, context_.locale));
+}
+
+std::optional<AutomationDate> DateSelector::DateIn(std::string_view control) const {
+    try {
+        return ParseDate(dialog_.Text(control), context_.locale);
+    } catch (const AutomationError&) {
+        return std::nullopt;
+    }
+}
+
+std::string DateSelector::NoDateText(std::string_view control) const {
+    return OwnText(context_, OwnTextNumber::NoDate) + " " + dialog_.Text(control);
+}
+
+std::optional<std::string> DateSelector::Fault() const {
+    const auto from = DateIn(FromDate), to = DateIn(ToDate);
+    if (!from || !to)
+        return NoDateText(from ? ToDate : FromDate);
+    if (*from > *to)
+        return OwnText(context_, OwnTextNumber::ReversedDates);
+    const auto& dates = context_.thread.dates;
+    // The last period begins on the cube's last date and ends after it.
+    if (*to < dates.CubeMinDate || *from >= AddMonths(dates.CubeMaxDate, 1))
+        return OwnText(context_, OwnTextNumber::DatesOutsideCube) + " " +
+               FormatShortDate(dates.CubeMinDate, context_.locale) + " - " +
+               FormatShortDate(dates.CubeMaxDate, context_.locale);
+    return std::nullopt;
+}
+
+void DateSelector::OnLeave(std::string_view control) const {
+    if (control != FromDate && control != ToDate)
+        return;
+    // The other date may still be on its way, so a range is judged when its end is left.
+    const auto fault =
+        DateIn(control) ? (control == ToDate ? Fault() : std::nullopt) : std::optional(NoDateText(control));
+    if (!fault)
+        return;
+    Warn(context_, *fault);
+    dialog_.SetFocus(control);
+}
+
+void DateSelector::Read(Selection& selection) const {
+    selection.from = DateIn(FromDate).value_or(selection.from);
+    selection.to = DateIn(ToDate).value_or(selection.to);
+}
+
+void DateSelector::Restore(const Selection& selection) {
+    if (!selection.from.IsZero() && !selection.to.IsZero())
+        Show(selection.from, selection.to);
+}
+
+} // namespace qel

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "wizard/LoadedCube.h"
+#include "wizard/Selection.h"
+
+namespace qel {
+
+/// The choice of the OBS: its name, its number, a level, and members of that level.
+class ObsSelector {
+public:
+    ObsSelector(const WizardContext& context, Dialog& dialog);
+
+    /// Fills every list from the cube. Raises what the provider raises.
+    void Fill(std::shared_ptr<const LoadedCube> cube);
+    void Clear();
+    /// Enables or disables all of it; what the chosen level does not use stays disabled.
+    void Enable(bool isEnabled);
+
+    /// Takes another choice of one of its combo boxes. Raises what the provider raises.
+    void OnChange(std::string_view control);
+    /// True when the name or the number is chosen there, which other lists depend on.
+    bool IsScope(std::string_view control) const { return names_.Is(control) || numbers_.Is(control); }
+    /// Puts the member that is shown into the list of chosen ones.
+    void AddMember();
+    void RemoveMember();
+
+    /// The chosen name and number; empty for none.
+    std::string Name() const { return names_.Key().value_or(""); }
+    std::string Number() const { return numbers_.Key().value_or(""); }
+    void Read(Selection& selection) const;
+    /// Chooses what was saved; names in `dropped` what the cube does not have. Raises what the provider
+    /// raises.
+    void Restore(const Selection& selection, std::vector<std::string>& dropped);
+
+private:
+    void FillNumbers();
+    void FillLevels();
+    void FillMembers();
+    void ShowChosen(std::vector<MemberChoice> chosen);
+    bool UsesObsLevels() const;
+    /// "All", "Cost_Centers", or the name of a level of [OBS]; empty when there is none.
+    std::string Level() const;
+    void RestoreMembers(const Selection& selection, std::vector<std::string>& dropped);
+
+    const WizardContext& context_;
+    Dialog& dialog_;
+    ChoiceBox names_, numbers_, kinds_, levels_, members_, chosen_;
+    std::shared_ptr<const LoadedCube> cube_;
+    bool isEnabled_ = false;
+};
+
+} // namespace qel

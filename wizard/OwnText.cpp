@@ -1,0 +1,28 @@
+#include "wizard/OwnText.h"
+
+#include "support/ModError.h"
+
+namespace qel {
+
+std::string OwnText(const WizardContext& context, std::int32_t number) {
+    return ResourceString(number, context.language.iLang);
+}
+
+void Warn(const WizardContext& context, const std::string& text) {
+    context.Messages().Show(MessageBoxStyle::Exclamation, componentName, text);
+}
+
+void ShowOwnTexts(const WizardContext& context, const FormDesign& design, Dialog& dialog) {
+    for (const ControlDesign& control : design.controls) {
+        if (control.ownText != 0)
+            dialog.SetText(control.name, OwnText(context, control.ownText));
+    }
+}
+
+std::string DroppedChoice(const WizardContext& context, std::int32_t label, const std::string& key) {
+    return ModLangFrm::GetLangString(context.language, label) + ": " + key;
+}
+
+std::string VersionText() { return std::string(componentName) + " " + QEL_VERSION; }
+
+} // namespace qel

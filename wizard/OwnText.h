@@ -1,0 +1,40 @@
+#pragma once
+
+#include "wizard/WizardContext.h"
+
+#include <string>
+
+namespace qel {
+
+/// Numbers of the dialogs' own texts in the component's strings; the suite's table has none of them.
+namespace OwnTextNumber {
+inline constexpr std::int32_t Everything = 1508;
+inline constexpr std::int32_t CostCenters = 1509;
+inline constexpr std::int32_t ObsLevels = 1510;
+inline constexpr std::int32_t TooManyObsMembers = 1511;
+inline constexpr std::int32_t NoDate = 1512;
+inline constexpr std::int32_t ReversedDates = 1513;
+inline constexpr std::int32_t DatesOutsideCube = 1514;
+inline constexpr std::int32_t DroppedChoices = 1515;
+inline constexpr std::int32_t NoObsMember = 1516;
+inline constexpr std::int32_t NoAccount = 1517;
+inline constexpr std::int32_t NoActivity = 1518;
+inline constexpr std::int32_t NoMember = 1519;
+} // namespace OwnTextNumber
+
+/// The text in the dialogs' language.
+std::string OwnText(const WizardContext& context, std::int32_t number);
+
+/// A warning with the component's name as its title.
+void Warn(const WizardContext& context, const std::string& text);
+
+/// Gives the controls of a design that have own texts their captions.
+void ShowOwnTexts(const WizardContext& context, const FormDesign& design, Dialog& dialog);
+
+/// "Firma: 12", for the message of dropped choices: the text of a label's number, and the key.
+std::string DroppedChoice(const WizardContext& context, std::int32_t label, const std::string& key);
+
+/// "OrmFuncQel4 17.0.0".
+std::string VersionText();
+
+} // namespace qel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/DatabaseConnection.h"
+#include "wizard/FormulaArgs.h"
+#include "wizard/MemberChoice.h"
+
+#include <string>
+#include <vector>
+
+namespace qel {
+
+/// What a person chose in the function wizard: keys as the cube names its members.
+struct Selection {
+    std::string cubeFile, cubeName;
+    std::string obsName, obsNumber; ///< empty for none
+    std::string obsLevel = allMembers;
+    std::vector<std::string> obsMembers;
+    std::string activity = allMembers;
+    std::string summaryLevel = allMembers, summaryMember = allMembers;
+    std::string account = allMembers;
+    std::string measure;
+    std::string moneySet = allMembers, plbs = allMembers, rh = allMembers, firma = allMembers,
+                openingBalance = allMembers;
+    AutomationDate from, to;
+
+    bool operator==(const Selection&) const = default;
+};
+
+/// The OBS level of cost centres.
+inline constexpr const char* costCentersLevel = "Cost_Centers";
+
+/// The arguments of the value formula, ready for a statement and for a formula's text.
+FormulaArgs ArgumentsOf(const Selection& selection, const Locale& locale);
+
+/// The selection as a row of the table DataTbl, and back. A field without a value is an empty text or the
+/// zero date. Raises 9 for a row of too few columns.
+TableRow RowOf(const Selection& selection);
+Selection SelectionOf(const TableRow& row, const Locale& locale);
+
+} // namespace qel

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "cube/ThreadState.h"
+#include "lang/ModLangFrm.h"
+#include "platform/DialogToolkit.h"
+
+namespace qel {
+
+/// What a door adds for the dialogs; it outlives every object of the component.
+struct WizardServices {
+    DialogToolkit& toolkit;
+    ModLangFrm::LanguageState& language; ///< with the store's settings, local database and message boxes
+};
+
+/// What a dialog works with.
+struct WizardContext {
+    ModSetCube::ThreadState& thread;
+    DataAccess& dataAccess;
+    const Locale& locale;
+    DialogToolkit& toolkit;
+    ModLangFrm::LanguageState& language;
+
+    StoreEnvironment& Store() const { return language.store; }
+    MessageDisplay& Messages() const { return language.store.messages; }
+    bool IsHebrew() const { return language.iLang == Language::Hebrew; }
+};
+
+} // namespace qel

@@ -1,0 +1,63 @@
+#include "wizard/WizardForm.h"
+
+#include "store/ModAPI.h"
+#include "support/Files.h"
+#include "support/ModError.h"
+#include "wizard/OwnText.h"
+
+namespace qel {
+
+namespace {
+
+constexpr const char* helpFileName = "PralixHeb.chm";
+
+void FindSuiteFolder(StoreEnvironment& store) {
+    store.suiteFolder = ModAPI::GetRegSetting(store, ModAPI::mdbPathValue);
+    if (store.suiteFolder.empty())
+        store.suiteFolder = store.componentFolder;
+}
+
+std::unique_ptr<Dialog> NewDialog(const WizardContext& context, const FormDesign& design,
+                                  DialogEvents& events) {
+    StoreEnvironment& store = context.Store();
+    FindSuiteFolder(store);
+    const auto& language = context.language;
+    ModLangFrm::InitLanguage(context.language);
+    // The component's own strings alone do not turn the dialog round: only the suite's table does.
+    const bool isRightToLeft = context.IsHebrew() && !language.resourceOnly && language.table.has_value();
+    auto dialog = context.toolkit.NewDialog(design, isRightToLeft, events);
+    const std::string helpFile = store.componentFolder + "/" + helpFileName;
+    if (FileExists(helpFile))
+        dialog->SetHelpFile(helpFile);
+    ModLangFrm::TranslateForm(language, dialog->Texts());
+    ShowOwnTexts(context, design, *dialog);
+    return dialog;
+}
+
+} // namespace
+
+WizardForm::WizardForm(const WizardContext& context, const FormDesign& design)
+    : context_(context), design_(design), dialog_(NewDialog(context_, design, *this)) {}
+
+void WizardForm::Cancel() {
+    CanceledPivot = true;
+    dialog_->Hide();
+}
+
+bool WizardForm::Trapped(const std::string& function, const std::function<void()>& operation,
+                         const char* module) noexcept {
+    try {
+        operation();
+        return true;
+    } catch (...) {
+        ModError::ReportError(context_.Messages(), ModError::CurrentError(), "", function,
+                              module != nullptr ? module : design_.name);
+        return false;
+    }
+}
+
+void WizardForm::WarnNumbered(std::int32_t number) const {
+    Warn(context_, ModLangFrm::GetLangString(context_.language, number));
+}
+
+} // namespace qel

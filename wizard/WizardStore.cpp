@@ -1,0 +1,35 @@
+#include "wizard/WizardStore.h"
+
+#include "store/LocalDb.h"
+#include "store/ModAPI.h"
+#include "store/ModPublics.h"
+#include "support/Files.h"
+
+namespace qel {
+
+bool HasWizardDatabase(const WizardContext& context) {
+    return FileExists(ModAPI::QelFuncMdbPath(context.Store()) + ModAPI::localDbFile);
+}
+
+void PrepareWizardDatabase(const WizardContext& context) {
+    // Made anew where there is one it would tell that it exists.
+    if (!HasWizardDatabase(context))
+        CreateLocalDb(context.Store());
+}
+
+std::unique_ptr<DatabaseConnection> OpenWizardDatabase(const WizardContext& context) {
+    StoreEnvironment& store = context.Store();
+    return store.database.Open(LocalDbConnectionText(store));
+}
+
+std::string RememberedCubeFile(const WizardContext& context) {
+    std::string cubeFile;
+    ModPublics::ReadCubIniSection(context.Store(), ModPublics::cubeFileSection, cubeFile);
+    return cubeFile;
+}
+
+void RememberCubeFile(const WizardContext& context, const std::string& cubeFile) {
+    ModPublics::WriteCubIni(context.Store(), ModPublics::cubeFileSection, ModPublics::cubeFileKey, cubeFile);
+}
+
+} // namespace qel

@@ -1,0 +1,100 @@
+#include "wizard/frmFuncQelWiz.h"
+
+#include "platform/Text.h"
+#include "support/Files.h"
+#include "wizard/Calculation.h"
+#include "wizard/FunctionForm.h"
+#include "wizard/OwnText.h"
+
+namespace qel {
+
+using namespace FunctionForm;
+
+frmFuncQelWiz::frmFuncQelWiz(const WizardContext& context)
+    : WizardForm(context, FunctionFormDesign()), cubes_(Form(), cboDatabaseList),
+      measures_(Context(), Form()), obs_(Context(), Form()), accounts_(Context(), Form()),
+      activities_(Context(), Form()), dates_(Context(), Form()), others_(Context(), Form()) {}
+
+void frmFuncQelWiz::OnLoad() {
+    Trapped("Form_Load", [this] { Form_Load(); });
+}
+
+void frmFuncQelWiz::OnClick(std::string_view control) {
+    Trapped(std::string(control) + "_Click", [&] {
+        if (control == CmdCubeFile)
+            CmdCubeFile_Click();
+        else if (control == CmdOK)
+            CheckAndHandBack(false);
+        else if (control == Command2)
+            CheckAndHandBack(true);
+        else if (control == CmdCancel)
+            Cancel();
+        else if (control == Command1)
+            Command1_Click();
+        else
+            TakeChoice(control);
+    });
+}
+
+void frmFuncQelWiz::OnChange(std::string_view control) {
+    Trapped(std::string(control) + "_Change", [&] { TakeChoice(control); });
+}
+
+void frmFuncQelWiz::OnLeave(std::string_view control) {
+    Trapped(std::string(control) + "_LostFocus", [&] {
+        if (control == txtCubeFile && CubeFile() != takenFile_ && FileExists(CubeFile()))
+            TakeCubeFile(CubeFile());
+        else if (cube_)
+            dates_.OnLeave(control);
+    });
+}
+
+void frmFuncQelWiz::Form_Load() {
+    EnableButtons(false);
+    FormulaArgs = {};
+    LoadCube();
+    Form().SetText(LabelVersion, VersionText());
+}
+
+void frmFuncQelWiz::Command1_Click() {
+    ForgetResult();
+    if (const auto fault = Fault())
+        return Warn(Context(), *fault);
+    const Calculation calculation = Calculate(Context(), opened_, Read());
+    QelResult = calculation.value;
+    Form().SetText(TxtCalc, calculation.text);
+}
+
+void frmFuncQelWiz::TakeChoice(std::string_view control) {
+    if (control == txtCubeFile)
+        return; // a path is taken when it is whole
+    ForgetResult();
+    if (control == cboDatabaseList)
+        return TakeOtherCube();
+    if (!cube_)
+        return;
+    if (control == ComAddOBS)
+        return obs_.AddMember();
+    if (control == ComRemoveObs)
+        return obs_.RemoveMember();
+    obs_.OnChange(control);
+    accounts_.OnChange(control);
+    activities_.Enable(true);
+    if (obs_.IsScope(control) || control == ComFirma)
+        BindLists();
+}
+
+void frmFuncQelWiz::EnableButtons(bool isEnabled) {
+    measures_.Enable(isEnabled);
+    obs_.Enable(isEnabled);
+    accounts_.Enable(isEnabled);
+    activities_.Enable(isEnabled);
+    dates_.Enable(isEnabled);
+    others_.Enable(isEnabled);
+    Form().SetEnabled(Command1, isEnabled);
+    Form().SetEnabled(TxtCalc, isEnabled);
+}
+
+std::string frmFuncQelWiz::CubeFile() const { return std::string(Trimmed(Form().Text(txtCubeFile))); }
+
+} // namespace qel

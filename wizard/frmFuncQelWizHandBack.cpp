@@ -1,0 +1,70 @@
+#include "store/LocalDb.h"
+#include "wizard/CubeFileChoice.h"
+#include "wizard/FunctionForm.h"
+#include "wizard/OwnText.h"
+#include "wizard/WizardStore.h"
+#include "wizard/frmFuncQelWiz.h"
+
+namespace qel {
+
+using namespace FunctionForm;
+
+void frmFuncQelWiz::CheckAndHandBack(bool detail) {
+    const std::string cubeFile = CubeFile();
+    if (const auto fault = CubeFileFault(cubeFile))
+        return WarnNumbered(*fault);
+    // Enter may press the button while a path is still being typed: the person sees first what is in the
+    // file.
+    if (cubeFile != takenFile_)
+        return TakeCubeFile(cubeFile);
+    if (!cube_)
+        return WarnNumbered(noCubeFileText);
+    GoToSheet(detail);
+}
+
+void frmFuncQelWiz::GoToSheet(bool detail) {
+    if (const auto fault = Fault())
+        return Warn(Context(), *fault);
+    const Selection selection = Read();
+    FormulaArgs = ArgumentsOf(selection, Context().locale);
+    bDetail = detail;
+    // The formula does not need what is kept for the next time.
+    Trapped("GoToSheet", [&] {
+        RememberCubeFile(Context(), selection.cubeFile);
+        PrepareWizardDatabase(Context());
+        OpenWizardDatabase(Context())->ReplaceRows(DataTblTable().name, {RowOf(selection)});
+    });
+    Form().Hide();
+}
+
+Selection frmFuncQelWiz::Read() const {
+    Selection selection;
+    selection.cubeFile = CubeFile();
+    selection.cubeName = cubes_.Key().value_or("");
+    obs_.Read(selection);
+    activities_.Read(selection);
+    accounts_.Read(selection);
+    measures_.Read(selection);
+    others_.Read(selection);
+    dates_.Read(selection);
+    return selection;
+}
+
+std::optional<std::string> frmFuncQelWiz::Fault() const {
+    if (auto fault = dates_.Fault())
+        return fault;
+    std::optional<std::int32_t> missing = accounts_.Missing();
+    if (!missing)
+        missing = activities_.Missing();
+    const Selection selection = Read();
+    if (selection.obsLevel != allMembers && selection.obsMembers.empty())
+        missing = OwnTextNumber::NoObsMember;
+    return missing ? std::optional(OwnText(Context(), *missing)) : std::nullopt;
+}
+
+void frmFuncQelWiz::ForgetResult() {
+    QelResult = Null{};
+    Form().SetText(TxtCalc, "");
+}
+
+} // namespace qel

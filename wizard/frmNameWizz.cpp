@@ -1,0 +1,271 @@
+#include "wizard/frmNameWizz.h"
+
+#include "cube/CubeConnection.h"
+#include "cube/MemberListing.h"
+#include "cube/MemberName.h"
+#include "platform/Conversion.h"
+#include "platform/Text.h"
+#include "support/Files.h"
+#include "wizard/CubeFileChoice.h"
+#include "wizard/NameForm.h"
+#include "wizard/OwnText.h"
+#include "wizard/WizardStore.h"
+
+#include <set>
+
+namespace qel {
+
+using namespace NameForm;
+
+namespace {
+
+/// Under this form's name two of the handlers below report themselves; the suite's support knows them so.
+constexpr const char* reportedForm = "frmFuncQelWiz";
+constexpr const char* dimTypePart = "SuperSum"; // only these have names to look up
+
+std::vector<MemberChoice> AllAnd(const WizardContext& context, const Hierarchy* hierarchy) {
+    std::vector<MemberChoice> choices = {{allMembers, OwnText(context, OwnTextNumber::Everything)}};
+    if (hierarchy == nullptr)
+        return choices;
+    for (MemberChoice& choice : ChoicesOf(*hierarchy->LevelAt(hierarchy->LevelCount() - 1)))
+        choices.push_back(std::move(choice));
+    return choices;
+}
+
+std::vector<MemberChoice> DimensionTypes(const LoadedCube& cube) {
+    std::vector<MemberChoice> types;
+    const auto hierarchy = cube.HierarchyNamed("SuperSumery", "SumeryCode");
+    for (std::int32_t i = 1; hierarchy && i < hierarchy->LevelCount(); ++i) {
+        const auto level = hierarchy->LevelAt(i);
+        if (ContainsIgnoringCase(level->Name(), dimTypePart))
+            types.push_back({level->Name(), CaptionWithKey(level->Name(), level->Caption())});
+    }
+    return types;
+}
+
+} // namespace
+
+frmNameWizz::frmNameWizz(const WizardContext& context)
+    : WizardForm(context, NameFormDesign()), cubes_(Form(), cboDatabaseList), obs_(Form(), ComOBSNum),
+      firmas_(Form(), ComFirma), dimTypes_(Form(), ComDim), members_(Form(), cmbmember), queries_(Context()) {
+}
+
+void frmNameWizz::OnLoad() {
+    Trapped("Form_Load", [this] {
+        EnableButtons(false);
+        Trapped("OpenDb", [this] { OpenDb(); });
+        if (!queries_.All().empty())
+            TakeQuery(queries_.All().back());
+        else if (const std::string cubeFile = RememberedCubeFile(Context()); FileExists(cubeFile))
+            LoadCubeFile(cubeFile);
+        Form().SetText(LabelVersion, VersionText());
+    });
+}
+
+void frmNameWizz::OnClick(std::string_view control) {
+    Trapped(std::string(control) + "_Click", [&] {
+        if (control == CmdCubeFile) {
+            const std::string cubeFile = AskForCubeFile(Form(), CmdDial, CubeFile());
+            if (!cubeFile.empty())
+                LoadCubeFile(cubeFile);
+        } else if (control == CmdRemove) {
+            RemoveQuery();
+        } else if (control == CmdOK) {
+            CheckAndHandBack();
+        } else if (control == CmdCancel) {
+            Cancel();
+        }
+    });
+}
+
+void frmNameWizz::OnChange(std::string_view control) {
+    Trapped(control == cmbmember ? std::string(control) : std::string(control) + "_Change", [&] {
+        if (control == cboDatabaseList)
+            LoadCubeFile(CubeFile(), cubes_.Key().value_or(""));
+        else if (control == cmbmember)
+            ShowName();
+        else if (control == ListQuery && Form().Selected(ListQuery))
+            TakeQuery(queries_.All().at(*Form().Selected(ListQuery)));
+        else if (cube_ && (obs_.Is(control) || firmas_.Is(control) || dimTypes_.Is(control)))
+            SetMember();
+    });
+}
+
+void frmNameWizz::OnLeave(std::string_view control) {
+    if (control == txtCubeFile && CubeFile() != takenFile_ && FileExists(CubeFile()))
+        LoadCubeFile(CubeFile());
+}
+
+void frmNameWizz::OpenDb() {
+    queries_.Load();
+    ShowQueries();
+}
+
+void frmNameWizz::ShowQueries() {
+    std::vector<std::string> texts;
+    for (const NamedQuery& query : queries_.All())
+        texts.push_back(query.dimType + " " + query.dataMember + " - " + query.cubeName + ", " +
+                        query.cubeFile);
+    Form().SetItems(ListQuery, texts);
+}
+
+bool frmNameWizz::LoadCubeFile(const std::string& cubeFile, const std::string& cubeName) {
+    return Trapped(
+        "Loadube",
+        [&] {
+            Form().SetText(txtCubeFile, cubeFile);
+            takenFile_ = cubeFile;
+            ClearLists();
+            const auto connection = OpenCubeFile(Context().dataAccess, cubeFile);
+            if (!SetCube(Context(), cubes_, connection.get())) {
+                Form().SetText(txtCubeFile, "");
+                return;
+            }
+            cubes_.Choose(cubeName);
+            FillFromCube();
+        },
+        reportedForm);
+}
+
+void frmNameWizz::FillFromCube() {
+    const auto cube = OpenWizardCube(Context(), ChosenCube());
+    if (!cube)
+        return;
+    constexpr std::int32_t nameLevel = 1;
+    const auto obs = cube->FirstHierarchy("ActX");
+    if (obs && obs->LevelCount() > nameLevel)
+        obs_.Fill(ChoicesOf(*obs->LevelAt(nameLevel)));
+    firmas_.Fill(AllAnd(Context(), cube->FirstHierarchy("Firma").get()));
+    dimTypes_.Fill(DimensionTypes(*cube));
+    cube_ = cube;
+    SetMember();
+    EnableButtons(true);
+}
+
+void frmNameWizz::SetMember() {
+    Form().SetText(TxtName, "");
+    members_.Bind([this] {
+        std::vector<MemberRow> rows;
+        Trapped(
+            "SetMember", [&] { rows = ListMembers(); }, reportedForm);
+        return rows;
+    });
+}
+
+/// Codes and names of a level's groups, of which those are left that have data for the firm and the OBS.
+std::vector<MemberRow> frmNameWizz::ListMembers() const {
+    using namespace ModSetCube;
+    if (!cube_ || !dimTypes_.Key())
+        return {};
+    auto rows = ListRows(Context(), cube_->name.cubeFile,
+                         {.cubeName = cube_->name.cubeName,
+                          .kind = CellsetKind::SummaryGroups,
+                          .summaryLevel = *dimTypes_.Key()});
+    const auto withData = Context().dataAccess.CreateRecordset();
+    ThreadState own; // the thread's connection stays with the worksheet's cube
+    OpenedCube ownCube;
+    OpenMemberRecordset(own, Context().dataAccess, ownCube, *withData, cube_->name.cubeFile,
+                        {.cubeName = cube_->name.cubeName,
+                         .kind = RecordsetKind::SummaryGroups,
+                         .argumentA = InBrackets(firmas_.Key().value_or(allMembers)),
+                         .argumentB = InBrackets(obs_.Key().value_or("")),
+                         .summaryLevel = *dimTypes_.Key()});
+    std::set<std::string> names;
+    for (const std::int32_t nameField = withData->FieldCount() - 2; !withData->AtEnd();
+         withData->MoveNext()) {
+        const Variant name = withData->FieldValue(nameField);
+        names.insert(name.Is<Null>() ? std::string() : ToText(name, Context().locale));
+    }
+    std::erase_if(rows, [&](const MemberRow& row) { return !names.contains(row.name); });
+    return rows;
+}
+
+void frmNameWizz::TakeQuery(const NamedQuery& query) {
+    if (!FileExists(query.cubeFile)) {
+        Context().Messages().Show(MessageBoxStyle::Exclamation, "", query.cubeFile + " File Not Found");
+        return;
+    }
+    if (!LoadCubeFile(query.cubeFile, query.cubeName) || !cube_)
+        return;
+    obs_.Choose(query.obs);
+    firmas_.Choose(query.firma);
+    const bool hasType = dimTypes_.Choose(query.dimType);
+    SetMember();
+    if (!hasType || ChosenCube().cubeName != query.cubeName || !members_.Choose(query.dataMember))
+        return Warn(Context(), OwnText(Context(), OwnTextNumber::DroppedChoices) + "\r\n" + query.dimType +
+                                   " " + query.dataMember);
+    ShowName();
+}
+
+void frmNameWizz::ShowName() {
+    using namespace ModSetCube;
+    Form().SetText(TxtName, "");
+    const auto member = members_.Chosen();
+    if (!member || !cube_)
+        return;
+    OpenOrReuse(Context().thread, Context().dataAccess, opened_, cube_->name);
+    opened_ = cube_->name;
+    Form().SetText(TxtName, GetMemberName(Context().thread, Context().dataAccess, Context().locale,
+                                          cube_->name.cubeName, dimTypes_.Key().value_or(""),
+                                          InBrackets(member->code)));
+}
+
+void frmNameWizz::RemoveQuery() {
+    const auto index = Form().Selected(ListQuery);
+    if (!index)
+        return;
+    queries_.Remove(*index);
+    ShowQueries();
+}
+
+NamedQuery frmNameWizz::Read() const {
+    const auto level = Form().Selected(ComDim);
+    return {.cubeFile = CubeFile(),
+            .cubeName = cubes_.Key().value_or(""),
+            .dimType = dimTypes_.Key().value_or(""),
+            .levelNum = level ? std::to_string(*level + 1) : std::string(),
+            .dataMember = members_.Chosen().value_or(MemberRow{}).code,
+            .firma = firmas_.Key().value_or(""),
+            .obs = obs_.Key().value_or("")};
+}
+
+void frmNameWizz::CheckAndHandBack() {
+    const std::string cubeFile = CubeFile();
+    if (const auto fault = CubeFileFault(cubeFile))
+        return WarnNumbered(*fault);
+    if (cubeFile != takenFile_) {
+        LoadCubeFile(cubeFile);
+        return;
+    }
+    if (!cube_)
+        return WarnNumbered(noCubeFileText);
+    const NamedQuery query = Read();
+    if (query.dataMember.empty())
+        return Warn(Context(), OwnText(Context(), OwnTextNumber::NoMember));
+    Arguments.clear();
+    for (const std::string& key :
+         {query.cubeFile, query.cubeName, query.dimType, InBrackets(query.dataMember)})
+        Arguments.push_back(InFormula(key));
+    Trapped("OpenDb", [&] { queries_.Use(query); });
+    Form().Hide();
+}
+
+void frmNameWizz::ClearLists() {
+    cube_.reset();
+    EnableButtons(false);
+    for (ChoiceBox* box : {&cubes_, &obs_, &firmas_, &dimTypes_})
+        box->Clear();
+    members_.Clear();
+    Form().SetText(TxtName, "");
+}
+
+void frmNameWizz::EnableButtons(bool isEnabled) {
+    for (ChoiceBox* box : {&obs_, &firmas_, &dimTypes_})
+        box->Enable(isEnabled);
+    members_.Enable(isEnabled);
+    Form().SetEnabled(TxtName, isEnabled);
+}
+
+std::string frmNameWizz::CubeFile() const { return std::string(Trimmed(Form().Text(txtCubeFile))); }
+
+} // namespace qel
