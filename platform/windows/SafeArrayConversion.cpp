@@ -6,6 +6,7 @@
 #include "platform/windows/VariantConversion.h"
 
 #include <cstring>
+#include <new>
 
 namespace qel::windows {
 
@@ -109,6 +110,30 @@ Variant ArrayFrom(SAFEARRAY* array, VARTYPE elementType) {
     for (std::size_t i = 0; i < count; ++i)
         result->elements.push_back(elements.At(i, elementType));
     return std::shared_ptr<const VariantArray>(std::move(result));
+}
+
+OwnedVariant ToAutomationArray(const VariantArray& array) {
+    std::vector<SAFEARRAYBOUND> bounds;
+    for (const ArrayBounds& dimension : array.bounds)
+        bounds.push_back(
+            {static_cast<ULONG>(std::int64_t{dimension.upper} - dimension.lower + 1), dimension.lower});
+    OwnedVariant result;
+    V_ARRAY(&result.Get()) = ::SafeArrayCreate(VT_VARIANT, static_cast<UINT>(bounds.size()), bounds.data());
+    if (V_ARRAY(&result.Get()) == nullptr)
+        throw std::bad_alloc();
+    V_VT(&result.Get()) = VT_ARRAY | VT_VARIANT;
+    void* data = nullptr; // the first dimension varies fastest here, too
+    Check(::SafeArrayAccessData(V_ARRAY(&result.Get()), &data), "The array's elements cannot be written");
+    try {
+        auto* element = static_cast<VARIANT*>(data);
+        for (const Variant& value : array.elements)
+            *element++ = ToAutomation(value).Release();
+    } catch (...) {
+        ::SafeArrayUnaccessData(V_ARRAY(&result.Get()));
+        throw;
+    }
+    ::SafeArrayUnaccessData(V_ARRAY(&result.Get()));
+    return result;
 }
 
 void ReplaceTexts(SAFEARRAY* array, const std::vector<Variant>& texts) {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Variant.h"
-#include "platform/windows/WindowsApi.h"
+#include "platform/windows/OwnedVariant.h"
 
 namespace qel::windows {
 
@@ -9,6 +9,10 @@ namespace qel::windows {
 /// names. An array that was never dimensioned (null) has no bounds and no elements. Raises 13 for elements
 /// that no variant can be.
 Variant ArrayFrom(SAFEARRAY* array, VARTYPE elementType);
+
+/// An automation array of variants with the array's bounds and elements, which are scalars. Raises 13 for any
+/// other element.
+OwnedVariant ToAutomationArray(const VariantArray& array);
 
 /// Puts the texts in place of elements of a one-dimensional array of variants or texts, which is what a
 /// caller that passed it by reference sees. Elements whose new text is no other than their own stay

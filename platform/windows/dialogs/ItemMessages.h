@@ -1,0 +1,46 @@
+#pragma once
+
+#include "platform/windows/WindowsApi.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qel::windows {
+
+/// How the items of a combo box or of a list box are reached.
+struct ItemMessages {
+    UINT reset, add, count, select, selected, text, textLength;
+};
+
+inline constexpr ItemMessages comboMessages = {CB_RESETCONTENT, CB_ADDSTRING, CB_GETCOUNT,    CB_SETCURSEL,
+                                               CB_GETCURSEL,    CB_GETLBTEXT, CB_GETLBTEXTLEN};
+inline constexpr ItemMessages listMessages = {LB_RESETCONTENT, LB_ADDSTRING, LB_GETCOUNT,  LB_SETCURSEL,
+                                              LB_GETCURSEL,    LB_GETTEXT,   LB_GETTEXTLEN};
+
+/// The items of a combo box or list box.
+class Items {
+public:
+    Items(HWND window, const ItemMessages& messages) : window_(window), messages_(messages) {}
+
+    void Replace(const std::vector<std::string>& items) const;
+    std::optional<std::size_t> Selected() const;
+    /// Raises 9 for an index beyond the items.
+    void Select(std::optional<std::size_t> index) const;
+    /// Of the chosen item; empty when none is.
+    std::string SelectedText() const;
+
+private:
+    LRESULT Send(UINT message, WPARAM word = 0, LPARAM value = 0) const {
+        return ::SendMessageW(window_, message, word, value);
+    }
+
+    HWND window_;
+    const ItemMessages& messages_;
+};
+
+/// A window's text, however long.
+std::wstring WindowText(HWND window);
+
+} // namespace qel::windows
