@@ -48,10 +48,7 @@ std::string FactTableText(const StarSchema& star) {
     }
     if (!star.constantColumn.empty())
         columns.push_back({star.constantColumn, integerType});
-    std::string text = CreateTable(star.factTable, columns);
-    for (const auto& name : star.keyColumns)
-        text += Index(star.factTable, name);
-    return text;
+    return CreateTable(star.factTable, columns);
 }
 
 void WriteMembers(const Hierarchy& hierarchy, const StarTable& table, const TextSink& sink) {
@@ -132,13 +129,23 @@ private:
     std::vector<const std::byte*> keys_, values_;
 };
 
+std::string ComposeIndexes(const StarSchema& star) {
+    std::string text;
+    for (const auto& name : star.keyColumns)
+        text += Index(star.factTable, name);
+    for (const auto& tables : star.hierarchies)
+        for (const auto& table : tables)
+            text += Index(table.name, ownerColumn);
+    return text;
+}
+
 } // namespace
 
 std::string ComposeTables(const StarSchema& star) {
     std::string text = FactTableText(star);
     for (const auto& hierarchy : star.cube->Hierarchies())
         for (const auto& table : star.hierarchies[hierarchy.Index()])
-            text += MemberTable(hierarchy, table) + Index(table.name, ownerColumn);
+            text += MemberTable(hierarchy, table);
     return text;
 }
 
@@ -155,6 +162,7 @@ void WriteRows(const StarSchema& star, const TextSink& sink, const std::function
         progress(static_cast<double>(rows.last) / static_cast<double>(facts.RowCount()));
     }
     writer.Finish();
+    sink(ComposeIndexes(star));
 }
 
 } // namespace qel::engine

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <set>
 #include <utility>
 
 namespace qel::engine {
@@ -94,6 +95,17 @@ StarTable LevelTable(const Hierarchy& hierarchy, const MemberCodes& codes, std::
     return table;
 }
 
+/// A row a code. Mondrian joins the facts to the lowest level's table first, which would count a code once
+/// for each of its members there, unless some table of the join has no level.
+StarTable CodeTable(const StarTable& topLevel) {
+    StarTable table;
+    std::set<std::int64_t> codes;
+    for (const StarRow& row : topLevel.rows)
+        if (codes.insert(row.owner).second)
+            table.rows.push_back({.row = row.owner, .owner = row.owner, .members = {}});
+    return table;
+}
+
 } // namespace
 
 std::vector<StarTable> MakeStarTables(const Hierarchy& hierarchy, const std::string& name) {
@@ -108,10 +120,12 @@ std::vector<StarTable> MakeStarTables(const Hierarchy& hierarchy, const std::str
         return tables;
     }
     std::map<std::pair<MemberId, std::int64_t>, std::int64_t> rowNumbers;
-    for (const std::size_t level : levels) {
+    for (const std::size_t level : levels)
         tables.push_back(LevelTable(hierarchy, codes, level, rowNumbers));
-        tables.back().name = levels.size() == 1 ? name : name + "_" + std::to_string(level);
-    }
+    if (levels.size() > 1)
+        tables.insert(tables.begin(), CodeTable(tables.front()));
+    for (std::size_t i = 0; i < tables.size(); ++i)
+        tables[i].name = tables.size() == 1 ? name : name + "_" + std::to_string(i);
     return tables;
 }
 

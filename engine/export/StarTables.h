@@ -16,7 +16,7 @@ struct StarRow {
     std::vector<MemberId> members; ///< one for each of the table's levels
 };
 
-/// A table of one or more neighbouring levels of a hierarchy.
+/// A table of neighbouring levels of a hierarchy; of none when it only holds the codes.
 struct StarTable {
     std::string name;
     std::vector<std::size_t> levels; ///< numbers in Hierarchy::Levels()
@@ -24,9 +24,9 @@ struct StarTable {
 };
 
 /// The tables that a hierarchy's members are read from in a star: one table with a row a code where every
-/// code has one member on every level. Otherwise a table a level, each joined to the one above it, so that a
-/// code with several members on one level is still counted once in each, and once in their parent. A level of
-/// all members has no column. Members without a code get rows with negative codes.
+/// code has one member on every level. Otherwise a table of the codes and a table a level, each joined to the
+/// one before it, so that a code with several members on one level is still counted once in each, and once in
+/// their parent. A level of all members has no column. Members without a code get rows with negative codes.
 std::vector<StarTable> MakeStarTables(const Hierarchy& hierarchy, const std::string& name);
 
 } // namespace qel::engine
