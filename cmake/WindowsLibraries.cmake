@@ -18,5 +18,7 @@ target_include_directories(qel_xxhash SYSTEM INTERFACE "${QEL_HEADERS}")
 target_compile_definitions(qel_xxhash INTERFACE XXH_INLINE_ALL)
 set(XXHASH_LIBRARY qel_xxhash)
 
+include(SqliteForWindows)
+
 # Text in the system's wide form, and no headers or macros that nobody asked for.
 add_compile_definitions(UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)

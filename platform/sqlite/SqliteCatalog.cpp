@@ -6,8 +6,14 @@
 #include <fmt/format.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <system_error>
+#ifdef _WIN32
+#include <io.h>
+#else
+#include <unistd.h>
+#endif
 
 namespace qel {
 
@@ -35,23 +41,22 @@ AutomationError ExistsAlready(const fs::path& path) {
     }
 }
 
-std::FILE* OpenNewFile(const fs::path& path) {
-#ifdef _WIN32
-    return ::_wfopen(path.c_str(), L"wbx");
+/// Makes an empty file that nobody else has made. Returns the system's error number; 0 when it was made.
+int MakeNewFile(const fs::path& path) {
+    errno = 0;
+#ifdef _WIN32 // whose fopen has no mode for it
+    const int file = ::_wopen(path.c_str(), _O_CREAT | _O_EXCL | _O_WRONLY, _S_IREAD | _S_IWRITE);
+    return file < 0 ? errno : ::_close(file);
 #else
-    return std::fopen(path.c_str(), "wbx");
+    const int file = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0666);
+    return file < 0 ? errno : ::close(file);
 #endif
 }
 
-/// Makes the file, and takes care that nobody else has made it.
-void MakeEmptyFile(const fs::path& path) {
-    errno = 0;
-    std::FILE* file = OpenNewFile(path); // NOLINT(cppcoreguidelines-owning-memory)
-    const int failure = errno;
-    if (file) {
-        std::fclose(file); // NOLINT(cppcoreguidelines-owning-memory)
+void MakeDatabaseFile(const fs::path& path) {
+    const int failure = MakeNewFile(path);
+    if (failure == 0)
         return;
-    }
     if (failure == EEXIST)
         throw ExistsAlready(path);
     throw DatabaseError(unspecifiedError, path,
@@ -70,7 +75,7 @@ std::string ColumnText(const TableColumn& column) {
 
 void SqliteCatalog::Create(const std::string& connectionString) {
     const fs::path path = DatabaseFileOf(connectionString);
-    MakeEmptyFile(path);
+    MakeDatabaseFile(path);
     file_.emplace(path);
     // Writes the header, so that the file is known for what it is before it has a table.
     file_->Run(fmt::format("PRAGMA application_id = {}", applicationId));
