@@ -2,7 +2,7 @@
 
 #include "engine/storage/CubeFile.h"
 #include "platform/AutomationError.h"
-#include "platform/local/ConnectionText.h"
+#include "platform/ConnectionText.h"
 #include "platform/local/CubeSource.h"
 #include "platform/local/LocalDataAccess.h"
 #include "platform/provider/ResolvingDataAccess.h"

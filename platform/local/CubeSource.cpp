@@ -1,7 +1,7 @@
 #include "platform/local/CubeSource.h"
 
 #include "engine/storage/CubeFile.h"
-#include "platform/Text.h"
+#include "platform/ConnectionText.h"
 #include "platform/local/ProviderErrors.h"
 
 #include <fmt/format.h>
@@ -13,13 +13,6 @@ namespace qel {
 namespace {
 
 constexpr const char* whatCanBeOpened = "A cube file made by 'qel cube build' can be opened.";
-
-bool IsServerAddress(std::string_view dataSource) {
-    const auto beginsWith = [&](std::string_view scheme) {
-        return EqualIgnoringCase(dataSource.substr(0, scheme.size()), scheme);
-    };
-    return beginsWith("http://") || beginsWith("https://");
-}
 
 AutomationError CannotOpen(engine::ErrorKind kind, const std::string& dataSource, std::string_view fault) {
     return ProviderError(static_cast<std::int32_t>(kind),

@@ -1,7 +1,7 @@
 #include "platform/local/LocalConnection.h"
 
+#include "platform/ConnectionText.h"
 #include "platform/Text.h"
-#include "platform/local/ConnectionText.h"
 #include "platform/local/LocalRecordset.h"
 #include "platform/local/OpenCubeFiles.h"
 #include "platform/local/ProviderErrors.h"

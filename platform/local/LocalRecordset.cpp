@@ -5,12 +5,6 @@
 
 namespace qel {
 
-namespace {
-
-constexpr std::int32_t errorNoCurrentRow = 3021;
-
-} // namespace
-
 void LocalRecordset::Open(const std::string& source, const std::shared_ptr<Connection>& connection,
                           int /*cursorType*/, int /*lockType*/, int /*options*/) {
     if (answer_)

@@ -1,7 +1,8 @@
-#include "platform/local/ConnectionText.h"
+#include "platform/ConnectionText.h"
 
+#include "platform/AutomationError.h"
+#include "platform/DataAccessErrors.h"
 #include "platform/Text.h"
-#include "platform/local/ProviderErrors.h"
 
 #include <fmt/format.h>
 
@@ -14,10 +15,10 @@ namespace {
 void ReadProperty(std::string_view part, ConnectionText& connection) {
     const auto equals = part.find('=');
     if (equals == std::string_view::npos)
-        throw ProviderError(errorBadConnectionText,
-                            fmt::format("The connection text has a part without '=': '{}'. A path cannot "
-                                        "contain ';'.",
-                                        part));
+        throw AutomationError(errorBadConnectionText,
+                              fmt::format("The connection text has a part without '=': '{}'. A path cannot "
+                                          "contain ';'.",
+                                          part));
     const auto name = Trimmed(part.substr(0, equals));
     const auto value = Trimmed(part.substr(equals + 1));
     if (EqualIgnoringCase(name, "Provider"))
@@ -30,6 +31,13 @@ void ReadProperty(std::string_view part, ConnectionText& connection) {
 
 } // namespace
 
+bool IsServerAddress(std::string_view dataSource) {
+    const auto beginsWith = [&](std::string_view scheme) {
+        return EqualIgnoringCase(dataSource.substr(0, scheme.size()), scheme);
+    };
+    return beginsWith("http://") || beginsWith("https://");
+}
+
 ConnectionText ParseConnectionText(std::string_view text) {
     ConnectionText connection;
     while (!text.empty()) {
@@ -40,8 +48,8 @@ ConnectionText ParseConnectionText(std::string_view text) {
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     if (connection.dataSource.empty())
-        throw ProviderError(errorBadConnectionText,
-                            "The connection text names no data source: the cube file's path is empty.");
+        throw AutomationError(errorBadConnectionText,
+                              "The connection text names no data source: the cube file's path is empty.");
     return connection;
 }
 

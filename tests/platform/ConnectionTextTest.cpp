@@ -1,4 +1,4 @@
-#include "platform/local/ConnectionText.h"
+#include "platform/ConnectionText.h"
 
 #include "platform/AutomationError.h"
 

@@ -20,4 +20,7 @@ struct ConnectionText {
 /// a part without '=' and for a text without a data source.
 ConnectionText ParseConnectionText(std::string_view text);
 
+/// True for the address of a server, "http://…" or "https://…" in any letter case.
+bool IsServerAddress(std::string_view dataSource);
+
 } // namespace qel
