@@ -43,6 +43,26 @@
 	<z:row lId='0' sId='1492' sText="Cancel"/>
 	<z:row lId='0' sId='1493' sText="Account Level"/>
 	<z:row lId='0' sId='1494' sText="Single cell function"/>
+	<z:row lId='0' sId='1500' sText="Function QEL"/>
+	<z:row lId='0' sId='1501' sText="Select OBS"/>
+	<z:row lId='0' sId='1502' sText="Remove OBS"/>
+	<z:row lId='0' sId='1503' sText="Name QEL"/>
+	<z:row lId='0' sId='1504' sText="Dimension type"/>
+	<z:row lId='0' sId='1505' sText="Name"/>
+	<z:row lId='0' sId='1506' sText="Saved queries"/>
+	<z:row lId='0' sId='1507' sText="Remove"/>
+	<z:row lId='0' sId='1508' sText="All"/>
+	<z:row lId='0' sId='1509' sText="Cost centres"/>
+	<z:row lId='0' sId='1510' sText="OBS levels"/>
+	<z:row lId='0' sId='1511' sText="One function takes at most five OBS members."/>
+	<z:row lId='0' sId='1512' sText="This is not a date:"/>
+	<z:row lId='0' sId='1513' sText="The From Date is later than the To Date."/>
+	<z:row lId='0' sId='1514' sText="The cube has no data between these dates. It has data between:"/>
+	<z:row lId='0' sId='1515' sText="The cube no longer has these saved choices:"/>
+	<z:row lId='0' sId='1516' sText="Choose an OBS member or the OBS level All."/>
+	<z:row lId='0' sId='1517' sText="Choose an account, or clear the box of the account list."/>
+	<z:row lId='0' sId='1518' sText="Choose an activity, or clear the box of the activity list."/>
+	<z:row lId='0' sId='1519' sText="Choose a summary group."/>
 	<z:row lId='1' sId='20' sText="Tahoma"/>
 	<z:row lId='1' sId='21' sText="9"/>
 	<z:row lId='1' sId='1364' sText="שם לא תקין לקובץ קוביה"/>
@@ -69,5 +89,25 @@
 	<z:row lId='1' sId='1492' sText="ביטול"/>
 	<z:row lId='1' sId='1493' sText="סעיפים"/>
 	<z:row lId='1' sId='1494' sText="פונקציה לתא בודד"/>
+	<z:row lId='1' sId='1500' sText="פונקציית QEL"/>
+	<z:row lId='1' sId='1501' sText="הוספת OBS"/>
+	<z:row lId='1' sId='1502' sText="הסרת OBS"/>
+	<z:row lId='1' sId='1503' sText="שם QEL"/>
+	<z:row lId='1' sId='1504' sText="סוג ממד"/>
+	<z:row lId='1' sId='1505' sText="שם"/>
+	<z:row lId='1' sId='1506' sText="שאילתות שמורות"/>
+	<z:row lId='1' sId='1507' sText="הסרה"/>
+	<z:row lId='1' sId='1508' sText="הכל"/>
+	<z:row lId='1' sId='1509' sText="מרכזי עלות"/>
+	<z:row lId='1' sId='1510' sText="רמות OBS"/>
+	<z:row lId='1' sId='1511' sText="פונקציה אחת מקבלת חמישה איברי OBS לכל היותר."/>
+	<z:row lId='1' sId='1512' sText="זה אינו תאריך:"/>
+	<z:row lId='1' sId='1513' sText="התאריך ההתחלתי מאוחר מתאריך הסיום."/>
+	<z:row lId='1' sId='1514' sText="אין בקוביה נתונים בין התאריכים האלה. יש בה נתונים בין:"/>
+	<z:row lId='1' sId='1515' sText="הבחירות השמורות האלה כבר אינן בקוביה:"/>
+	<z:row lId='1' sId='1516' sText="יש לבחור איבר OBS או את הרמה הכל."/>
+	<z:row lId='1' sId='1517' sText="יש לבחור חשבון או לבטל את הסימון של רשימת החשבונות."/>
+	<z:row lId='1' sId='1518' sText="יש לבחור פעילות או לבטל את הסימון של רשימת הפעילויות."/>
+	<z:row lId='1' sId='1519' sText="יש לבחור סעיף מרמה."/>
 </rs:data>
 </xml>

@@ -22,13 +22,18 @@ struct ShownMessage {
 class RecordedMessages : public MessageDisplay {
 public:
     std::vector<ShownMessage> shown;
+    std::vector<MessageBoxAnswer> answers; ///< to the boxes to come; OK when there are no more
     bool broken = false;
 
     MessageBoxAnswer Show(std::int32_t style, const std::string& title, const std::string& text) override {
         if (broken)
             throw std::runtime_error("no screen");
         shown.push_back({style, title, text});
-        return MessageBoxAnswer::Ok;
+        if (answers.empty())
+            return MessageBoxAnswer::Ok;
+        const auto answer = answers.front();
+        answers.erase(answers.begin());
+        return answer;
     }
 };
 

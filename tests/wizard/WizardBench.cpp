@@ -1,0 +1,95 @@
+#include "tests/wizard/WizardBench.h"
+
+#include "cli/RunFormula.h"
+#include "cli/ValueText.h"
+#include "cli/formula/ParseFormula.h"
+#include "engine/build/BuildCube.h"
+#include "store/LocalDb.h"
+#include "store/ModAPI.h"
+#include "store/ModPublics.h"
+
+#include <gtest/gtest.h>
+
+namespace qel::testing {
+
+namespace {
+
+std::filesystem::path SourceFile(const char* path) { return std::filesystem::path(QEL_SOURCE_DIR) / path; }
+
+} // namespace
+
+const std::string& LedgerFile() {
+    static const test::TemporaryFolder folder;
+    static const std::string file = [] {
+        const auto path = folder.Path("ledger.cub");
+        engine::BuildOptions options;
+        options.definition = SourceFile("examples/ledger/ledger.json");
+        options.output = path;
+        engine::BuildCube(options);
+        return path.string();
+    }();
+    return file;
+}
+
+WizardBench::WizardBench()
+    : registry(folder.Path("settings.ini")), store{registry, profiles, database, messages,
+                                                   folder.Path("component").string()},
+      language{store, tables}, services{toolkit, language}, object({thread, dataAccess, locale, &services}) {
+    std::filesystem::create_directory(folder.Path("component"));
+    registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, ModAPI::mdbPathValue,
+                      folder.Path("suite").string());
+    std::filesystem::create_directory(folder.Path("suite"));
+}
+
+void WizardBench::BeHebrew(bool hasTable) {
+    folder.Write("suite/Qel.ini", "[Qel]\nQelUILanguage=1\n");
+    if (hasTable)
+        std::filesystem::copy_file(SourceFile("examples/lang/Lang.rs"), folder.Path("component/Lang.rs"));
+}
+
+void WizardBench::Remember(const std::string& cubeFile) {
+    ModPublics::WriteCubIni(store, ModPublics::cubeFileSection, ModPublics::cubeFileKey, cubeFile);
+}
+
+std::string WizardBench::RememberedFile() const {
+    const std::string text = folder.Read("suite/Cub.ini");
+    const auto start = text.find("F=");
+    return start == std::string::npos ? ""
+                                      : text.substr(start + 2, text.find_first_of("\r\n", start) - start - 2);
+}
+
+std::vector<TableRow> WizardBench::Rows(const std::string& table) {
+    return database.Open(LocalDbConnectionText(store))->ReadRows(table);
+}
+
+void WizardBench::PutRows(const std::string& table, const std::vector<TableRow>& rows) {
+    if (!std::filesystem::exists(folder.Path("suite/QelFunction17.mdb")))
+        CreateLocalDb(store);
+    database.Open(LocalDbConnectionText(store))->ReplaceRows(table, rows);
+}
+
+std::string WizardBench::ShowFormGetVal(const std::function<void(DialogDouble&)>& person) {
+    toolkit.person = person;
+    return object.ShowFormGetVal(sheet.Cell(sheet.activeCell));
+}
+
+std::string WizardBench::ShowFormQelName(const std::function<void(DialogDouble&)>& person) {
+    toolkit.person = person;
+    return object.ShowFormQelName(sheet.Cell(sheet.activeCell));
+}
+
+std::string WizardBench::Evaluate(const std::string& formula) {
+    ModSetCube::ThreadState own;
+    OrmQelFunction function({own, dataAccess, locale});
+    return ValueText(RunFormula(function, BindFormula(ParseFormula(formula), locale), locale));
+}
+
+std::vector<std::string> WizardBench::TakeMessages() {
+    std::vector<std::string> texts;
+    for (const ShownMessage& message : messages.shown)
+        texts.push_back(message.text);
+    messages.shown.clear();
+    return texts;
+}
+
+} // namespace qel::testing

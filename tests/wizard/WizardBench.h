@@ -1,0 +1,58 @@
+#pragma once
+
+#include "function/OrmQelFunction.h"
+#include "platform/files/FileProfiles.h"
+#include "platform/files/FileRegistry.h"
+#include "platform/local/LocalDataAccess.h"
+#include "platform/sqlite/SqliteDatabase.h"
+#include "platform/xml/XmlTableReader.h"
+#include "tests/TemporaryFolder.h"
+#include "tests/doubles/DialogDouble.h"
+#include "tests/doubles/SheetDouble.h"
+#include "tests/doubles/StoreDoubles.h"
+
+namespace qel::testing {
+
+/// The example's cube file, built once for the whole program.
+const std::string& LedgerFile();
+
+/// A user's machine: settings, local database and cubes are real files; the sheet, the screen and the person
+/// before it are doubles.
+class WizardBench {
+public:
+    WizardBench();
+
+    /// Makes the suite Hebrew, with its table of texts or without.
+    void BeHebrew(bool hasTable);
+    void Remember(const std::string& cubeFile);
+    std::string RememberedFile() const;
+    std::vector<TableRow> Rows(const std::string& table);
+    void PutRows(const std::string& table, const std::vector<TableRow>& rows);
+
+    /// A macro's call while the person acts.
+    std::string ShowFormGetVal(const std::function<void(DialogDouble&)>& person);
+    std::string ShowFormQelName(const std::function<void(DialogDouble&)>& person);
+
+    /// What a cell with that formula shows, as text; calculated by another object on another connection.
+    std::string Evaluate(const std::string& formula);
+    /// The texts of the boxes shown since the last call.
+    std::vector<std::string> TakeMessages();
+
+    test::TemporaryFolder folder;
+    RecordedMessages messages;
+    FileRegistry registry;
+    FileProfiles profiles;
+    SqliteDatabase database;
+    XmlTableReader tables;
+    LocalDataAccess dataAccess;
+    Locale locale;
+    ModSetCube::ThreadState thread;
+    StoreEnvironment store;
+    ModLangFrm::LanguageState language;
+    ToolkitDouble toolkit;
+    WizardServices services;
+    OrmQelFunction object;
+    SheetDouble sheet;
+};
+
+} // namespace qel::testing
