@@ -123,9 +123,11 @@ class Office:
         return self.desktop.loadComponentFromURL("private:factory/scalc", "_blank", 0, properties(Hidden=True))
 
     def open(self, path, **options):
+        if not pathlib.Path(path).is_file():
+            raise OfficeError(f"{path}: there is no such file")
         document = self.desktop.loadComponentFromURL(url_of(path), "_blank", 0, properties(Hidden=True, **options))
         if document is None:
-            raise OfficeError(f"{path} cannot be opened")
+            raise OfficeError(f"{path} is nothing that the office opens")
         return document
 
     def close(self):
