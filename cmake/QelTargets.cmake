@@ -62,5 +62,10 @@ endfunction()
 function(qel_test name)
     qel_program(${name} ${ARGN})
     target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main)
-    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+    if(WIN32) # Wine runs them, and is stopped only when all of them are done
+        gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+            PROPERTIES TIMEOUT 300 FIXTURES_REQUIRED wine)
+    else()
+        gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+    endif()
 endfunction()
