@@ -17,6 +17,7 @@ from com.sun.star.connection import NoConnectException
 from com.sun.star.lang import DisposedException
 
 PROGRAM = pathlib.Path("/usr/lib/libreoffice/program")
+ADD_IN = "OrmFunctionQel4.OrmQelFunction"  # the package's identifier
 FIRST_START = 81  # a new profile is written, then the office asks to be started again
 PATIENCE = 180  # seconds; a busy machine starts an office slowly
 
@@ -49,13 +50,24 @@ class Profile:
     def environment(self):
         return {**os.environ, "HOME": str(self.folder), "SAL_USE_VCLPLUGIN": "svp"}
 
-    def install(self, package):
+    def manage_packages(self, command, *arguments):
         # The package manager refuses root an extension of root alone.
         layer = ["--shared"] if os.geteuid() == 0 else []
-        done = subprocess.run([PROGRAM / "unopkg", "add", *layer, "--force", *self.variables(), package],
-                              env=self.environment(), capture_output=True, text=True, timeout=PATIENCE, check=False)
+        return subprocess.run([PROGRAM / "unopkg", command, *layer, *self.variables(), *arguments], env=self.environment(),
+                              capture_output=True, text=True, timeout=PATIENCE, check=False)
+
+    def install(self, package):
+        done = self.manage_packages("add", "--force", package)
         if done.returncode:
-            raise OfficeError(f"{package} cannot be installed: {done.stderr or done.stdout}")
+            raise OfficeError(f"{package} cannot be installed: {(done.stderr or done.stdout).strip()}")
+
+    def remove(self):
+        done = self.manage_packages("remove", ADD_IN)
+        if done.returncode:
+            raise OfficeError(f"the add-in cannot be removed: {(done.stderr or done.stdout).strip()}")
+
+    def has_add_in(self):
+        return self.manage_packages("list", ADD_IN).returncode == 0
 
 
 def die_with_parent():
@@ -102,6 +114,8 @@ class Office:
                     self.process = subprocess.Popen(command, cwd=self.folder, env=self.profile.environment(),
                                                     stdin=subprocess.DEVNULL, stdout=log, stderr=log,
                                                     preexec_fn=die_with_parent)
+                elif self.process.poll() == 0:
+                    raise OfficeError("an office runs with this profile already; end it first")
                 elif self.process.poll() is not None:
                     raise OfficeError(f"the office ended with status {self.process.returncode}; see {log.name}")
                 try:
