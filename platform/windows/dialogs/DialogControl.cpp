@@ -2,6 +2,7 @@
 
 #include "platform/windows/WideText.h"
 #include "platform/windows/dialogs/AccessKey.h"
+#include "platform/windows/dialogs/ReadingDirection.h"
 
 #include <algorithm>
 
@@ -42,6 +43,11 @@ WindowKind KindOf(const ControlDesign& design, bool isDefaultButton) {
     return {nullptr, 0, 0};
 }
 
+void SetBits(HWND window, int which, DWORD bits, bool areSet) {
+    const auto before = static_cast<DWORD>(::GetWindowLongPtrW(window, which));
+    ::SetWindowLongPtrW(window, which, static_cast<LONG_PTR>(areSet ? before | bits : before & ~bits));
+}
+
 int HeightOf(HWND window) {
     RECT area = {};
     ::GetWindowRect(window, &area);
@@ -61,6 +67,12 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
                           0, 0, dialog, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), nullptr, nullptr);
     if (design.kind == ControlKind::BoundList)
         search_ = std::make_unique<SearchList>(dialog, window_, isRightToLeft, std::move(onChosen));
+    // Paths, dates and numbers read from left to right in any language, so a mirrored dialog's text boxes are
+    // not mirrored.
+    if (design.kind == ControlKind::TextBox && isRightToLeft) {
+        SetBits(window_, GWL_EXSTYLE, WS_EX_LAYOUTRTL, false);
+        SetBits(window_, GWL_STYLE, ES_RIGHT, true);
+    }
     ShowCaption();
 }
 
@@ -110,10 +122,18 @@ std::string DialogControl::Content() const {
 }
 
 void DialogControl::SetContent(const std::string& text) {
-    if (HasCaption())
+    if (HasCaption()) {
         SetText(TextProperty::Caption, text);
-    else
-        ::SetWindowTextW(window_, ToWide(text).c_str());
+        return;
+    }
+    const std::wstring shown = ToWide(text);
+    ReadFrom(shown);
+    ::SetWindowTextW(window_, shown.c_str());
+}
+
+void DialogControl::ReadFrom(const std::wstring& text) const {
+    if (isRightToLeft_)
+        SetBits(window_, GWL_EXSTYLE, WS_EX_RTLREADING, BeginsRightToLeft(text));
 }
 
 bool DialogControl::IsChecked() const { return ::SendMessageW(window_, BM_GETCHECK, 0, 0) == BST_CHECKED; }
@@ -150,7 +170,8 @@ bool DialogControl::HasCaption() const {
 
 void DialogControl::ShowCaption() const {
     if (HasCaption())
-        ::SetWindowTextW(window_, ToWide(WithAccessKey(caption_, design_.mnemonic)).c_str());
+        ::SetWindowTextW(window_,
+                         AsRead(ToWide(WithAccessKey(caption_, design_.mnemonic)), isRightToLeft_).c_str());
 }
 
 std::string DialogControl::GetText(TextProperty property) const {
@@ -200,9 +221,8 @@ void DialogControl::SetAligment(std::int32_t aligment) {
         return;
     // A mirrored dialog's left is what people see on the right.
     const bool isRight = aligment == 0;
-    const auto style = static_cast<DWORD>(::GetWindowLongPtrW(window_, GWL_STYLE)) & ~DWORD{SS_TYPEMASK};
-    ::SetWindowLongPtrW(window_, GWL_STYLE,
-                        static_cast<LONG_PTR>(style | (isRight != isRightToLeft_ ? SS_RIGHT : SS_LEFT)));
+    static_assert(SS_LEFT == 0);
+    SetBits(window_, GWL_STYLE, SS_RIGHT, isRight != isRightToLeft_);
     ::InvalidateRect(window_, nullptr, TRUE);
 }
 

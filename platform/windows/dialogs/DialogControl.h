@@ -43,6 +43,8 @@ public:
 
 private:
     bool HasCaption() const;
+    /// Reads a text box's text from the side where the text itself begins.
+    void ReadFrom(const std::wstring& text) const;
     void ShowCaption() const;
     windows::Items ItemsOfBox() const;
     void FitFieldOfBox(const RECT& place) const;

@@ -2,7 +2,9 @@
 
 #include "platform/AutomationError.h"
 #include "platform/windows/WideText.h"
+#include "platform/windows/dialogs/ControlIds.h"
 #include "platform/windows/dialogs/OpenFileQuestion.h"
+#include "platform/windows/dialogs/ReadingDirection.h"
 #include "platform/windows/dialogs/VisualStyles.h"
 #include "platform/windows/dialogs/WaitCursor.h"
 
@@ -14,7 +16,6 @@ namespace qel::windows {
 namespace {
 
 constexpr UINT tellWaiting = WM_APP + 1;
-constexpr int firstId = 100;
 
 /// Counts up for as long as it lives.
 class Counted {
@@ -27,14 +28,6 @@ public:
 private:
     int& count_;
 };
-
-/// The dialog's keys press the two buttons that the system knows by these numbers.
-WORD IdOf(const FormDesign& design, std::size_t index) {
-    const std::string_view name = design.controls[index].name;
-    if (name == design.defaultButton)
-        return IDOK;
-    return name == design.cancelButton ? WORD{IDCANCEL} : static_cast<WORD>(firstId + index);
-}
 
 bool IsFieldKind(ControlKind kind) {
     return kind == ControlKind::TextBox || kind == ControlKind::ComboBox || kind == ControlKind::BoundList;
@@ -58,7 +51,7 @@ void Win32Dialog::MakeControls() {
         const ControlDesign& control = design_.controls[i];
         const auto onChosen = [this, i] { Wait(Waiting::Kind::Change, *controls_[i]); };
         controls_.push_back(std::make_unique<DialogControl>(
-            frame_.Window(), control, IdOf(design_, i),
+            frame_.Window(), control, ControlId(design_, i),
             control.name == std::string_view(design_.defaultButton), isRightToLeft_, onChosen));
     }
 }
@@ -183,7 +176,7 @@ std::string Win32Dialog::Tag() const {
 }
 
 void Win32Dialog::SetCaption(const std::string& caption) {
-    ::SetWindowTextW(frame_.Window(), ToWide(caption).c_str());
+    ::SetWindowTextW(frame_.Window(), AsRead(ToWide(caption), isRightToLeft_).c_str());
 }
 
 void Win32Dialog::SetFont(const DialogFont& font) {
