@@ -86,12 +86,23 @@ std::string DialogDouble::Text(std::string_view control) const {
     return found.text;
 }
 
-void DialogDouble::SetText(std::string_view control, const std::string& text) { At(control).text = text; }
+void DialogDouble::RecordFilling(std::string_view control) {
+    if (filled_.empty() || filled_.back() != control)
+        filled_.emplace_back(control);
+}
+
+void DialogDouble::SetText(std::string_view control, const std::string& text) {
+    At(control).text = text;
+    if (!text.empty())
+        RecordFilling(control);
+}
 
 void DialogDouble::SetItems(std::string_view control, const std::vector<std::string>& items) {
     Control& found = At(control);
     found.items = items;
     found.selected.reset();
+    if (!items.empty())
+        RecordFilling(control);
 }
 
 void DialogDouble::Select(std::string_view control, std::optional<std::size_t> index) {
@@ -108,6 +119,8 @@ void DialogDouble::Bind(std::string_view control, std::shared_ptr<const ListSour
     Control& found = At(control);
     found.rows = std::move(rows);
     found.selected.reset();
+    if (found.rows)
+        RecordFilling(control);
 }
 
 std::string DialogDouble::AskForFile(std::string_view control, const FileQuestion& question) {

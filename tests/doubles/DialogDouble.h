@@ -6,6 +6,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qel::testing {
@@ -40,6 +41,8 @@ public:
     bool IsHidden() const { return isHidden_; }
     const FileQuestion& AskedForFile() const { return asked_; }
     std::string_view Focus() const { return focus_; }
+    /// The controls that the program put items, rows or texts into, in order, one after another told once.
+    std::vector<std::string> TakeFilled() { return std::exchange(filled_, {}); }
 
     std::string chosenFile;                       ///< the answer of the file dialog
     std::function<void(DialogDouble&)> beforeRun; ///< what the person does while the dialog is shown
@@ -95,6 +98,7 @@ private:
         bool isEnabled = true, isChecked = false;
     };
 
+    void RecordFilling(std::string_view control);
     Control& At(std::string_view control);
     const Control& At(std::string_view control) const;
     Control& Usable(std::string_view control, std::initializer_list<ControlKind> kinds);
@@ -106,6 +110,7 @@ private:
     DialogFont font_;
     FileQuestion asked_;
     std::string_view focus_;
+    std::vector<std::string> filled_;
     bool isRightToLeft_, isHidden_ = true;
 };
 

@@ -3,59 +3,280 @@
 
 #include <gmock/gmock.h>
 
+// The dialog itself: settings, opening, choosing a cube, its checks, and its three ends.
+
 namespace qel::testing {
 namespace {
 
 using namespace FunctionForm;
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using Messages = std::vector<std::string>;
 
-TEST(FunctionWizard, WritesAFormulaThatGivesTheValueTheDialogShowed) {
+void DoNothing(DialogDouble& /*dialog*/) {}
+
+TEST(FunctionWizard, OpensOnTheRememberedCubeInTheOrderOfItsLoading) {
     WizardBench bench;
-    bench.toolkit.chosenFile = LedgerFile();
-    std::string shown;
-    const std::string arguments = bench.ShowFormGetVal([&](DialogDouble& dialog) {
-        dialog.Press(CmdCubeFile);
-        for (const char* box : {cboDatabaseList, ComOBSNum, ComObsX, ComLevel, ComAccX, ChcMeasure, ComFirma,
-                                ComRh, ComOB, ComPlbs, ComMoneySet}) {
-            std::string line = std::string(box) + ":";
-            for (const auto& item : dialog.Items(box))
-                line += " [" + item + "]";
-            puts(line.c_str());
+    bench.Remember(LedgerFile());
+    bench.ShowFormGetVal([](DialogDouble& dialog) {
+        EXPECT_EQ(dialog.Text(txtCubeFile), LedgerFile());
+        EXPECT_THAT(dialog.Items(cboDatabaseList), ElementsAre("LedgerFNC", "LedgerHebrewFNC"));
+        EXPECT_EQ(dialog.Text(cboDatabaseList), "LedgerFNC") << "the first one";
+        EXPECT_THAT(dialog.Items(ChcMeasure), ElementsAre("Amount", "Quantity", "Lines"));
+        EXPECT_THAT(dialog.Items(ComFirma),
+                    ElementsAre("All", "10 - Arava Trading Ltd", "20 - Arava Stores Ltd",
+                                "30 - Arava Holdings & Services Ltd"));
+        EXPECT_EQ(dialog.Text(FromDate) + " " + dialog.Text(ToDate), "01/01/2023 01/12/2025");
+        EXPECT_EQ(dialog.Caption(), "Function QEL");
+        EXPECT_EQ(dialog.Text(CmdCubeFile) + "|" + dialog.Text(ComAddOBS), "Select Cube|Select OBS");
+        EXPECT_THAT(dialog.Text(LabelVersion), ::testing::MatchesRegex("OrmFuncQel4 17\\.[0-9]+\\.[0-9]+"));
+        EXPECT_TRUE(dialog.IsEnabled(Command1) && dialog.IsEnabled(ChcMeasure) && dialog.IsEnabled(FromDate));
+        EXPECT_FALSE(dialog.IsEnabled(ListAccount) || dialog.IsEnabled(ComActMember) ||
+                     dialog.IsEnabled(ComMember) || dialog.IsEnabled(ComOBSData))
+            << "what nothing was chosen for";
+        const auto filled = dialog.TakeFilled();
+        const std::vector<std::string> order = {txtCubeFile, cboDatabaseList, FromDate,
+                                                ChcMeasure,  ComOBSNum,       ComMoneySet,
+                                                ComAccX,     ListAccount,     ComActMember};
+        auto place = filled.begin();
+        for (const std::string& control : order) {
+            place = std::find(place, filled.end(), control);
+            EXPECT_NE(place, filled.end()) << control << " is filled too early or not at all";
         }
-        puts((dialog.Text(FromDate) + " " + dialog.Text(ToDate)).c_str());
-        dialog.Press(Command1);
-        shown = dialog.Text(TxtCalc);
-        puts(shown.c_str());
-        dialog.Choose(ComLevel, "OBS");
-        for (const char* box : {ComLevelObs, ComOBSData}) {
-            std::string line = std::string(box) + ":";
-            for (const auto& item : dialog.Items(box))
-                line += " [" + item + "]";
-            puts(line.c_str());
-        }
-        dialog.Choose(ComAccX, "SuperSum2");
-        for (const char* box : {ComMember}) {
-            std::string line = std::string(box) + ":";
-            for (const auto& item : dialog.Items(box))
-                line += " [" + item + "]";
-            puts(line.c_str());
-        }
-        dialog.Tick(CheckAcc, true);
-        printf("%zu\n", dialog.Find(ListAccount, "4"));
-        puts((dialog.Rows(ListAccount).Text(0, 0) + " " + dialog.Rows(ListAccount).Text(0, 1)).c_str());
-        dialog.Tick(CheckAcc, false);
-        dialog.Press(Command1);
-        shown = dialog.Text(TxtCalc);
-        puts(shown.c_str());
-        dialog.Press(CmdOK);
     });
     EXPECT_THAT(bench.TakeMessages(), IsEmpty());
-    puts(arguments.c_str());
-    EXPECT_THAT(bench.sheet.log,
-                ElementsAre("formula R3C2 =OrmFunctionQel4.OrmQelFunction.QelF1(" + arguments + ")"));
-    EXPECT_EQ(bench.Evaluate("=" + std::string("QelF1(") + arguments + ")"), shown);
+}
+
+TEST(FunctionWizard, FillsTheMeasuresBeforeTheDatesOfAChosenFile) {
+    WizardBench bench;
+    bench.toolkit.chosenFile = LedgerFile();
+    bench.ShowFormGetVal([](DialogDouble& dialog) {
+        EXPECT_FALSE(dialog.IsEnabled(ChcMeasure));
+        EXPECT_TRUE(dialog.IsEnabled(CmdCubeFile) && dialog.IsEnabled(CmdCancel) && dialog.IsEnabled(CmdOK));
+        dialog.TakeFilled();
+        dialog.Press(CmdCubeFile);
+        EXPECT_EQ(dialog.AskedForFile().title, "OrmFuncQel4 - Open a file");
+        EXPECT_EQ(dialog.AskedForFile().filter, "Cub files(*.cub)|*.cub");
+        const auto filled = dialog.TakeFilled();
+        EXPECT_LT(std::find(filled.begin(), filled.end(), ChcMeasure),
+                  std::find(filled.begin(), filled.end(), FromDate));
+        EXPECT_TRUE(dialog.IsEnabled(ChcMeasure));
+        dialog.chosenFile.clear();
+        dialog.Press(CmdCubeFile);
+        EXPECT_EQ(dialog.Text(txtCubeFile), LedgerFile()) << "no file changes nothing";
+        EXPECT_THAT(dialog.TakeFilled(), IsEmpty());
+    });
+}
+
+struct OpeningCase {
+    const char* what;
+    std::string remembered;
+    const char* messages; ///< all of them, one after another
+};
+
+TEST(FunctionWizard, OpensEmptyWithoutACubeToRemember) {
+    const OpeningCase cases[] = {
+        {"nothing is remembered", "", ""},
+        {"a path of one character", "x", ""},
+        {"a file that is gone", "/gone/old.cub", "/gone/old.cub File Not Found"},
+    };
+    for (const auto& c : cases) {
+        WizardBench bench;
+        bench.Remember(c.remembered);
+        bench.ShowFormGetVal([](DialogDouble& dialog) {
+            EXPECT_EQ(dialog.Text(txtCubeFile), "");
+            EXPECT_FALSE(dialog.IsEnabled(Command1));
+        });
+        std::string messages;
+        for (const auto& message : bench.TakeMessages())
+            messages += message;
+        EXPECT_EQ(messages, c.messages) << c.what;
+        EXPECT_THAT(bench.Rows("DataTbl"), IsEmpty())
+            << "the local database is made all the same: " << c.what;
+    }
+}
+
+TEST(FunctionWizard, RejectsAFileWithoutListedCubesAndFallsBackToTheRememberedOne) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    const auto plain = bench.folder.Write("plain.cub", "no cube");
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        dialog.chosenFile = plain.string();
+        dialog.Press(CmdCubeFile);
+        EXPECT_THAT(bench.TakeMessages(),
+                    ElementsAre(HasSubstr("Function : CmdCubeFile_Click\r\nModule : frmFuncQelWiz")));
+        EXPECT_FALSE(dialog.IsEnabled(ChcMeasure)) << "nothing of the cube before is left to choose from";
+        EXPECT_THAT(dialog.Items(ComFirma), IsEmpty());
+        dialog.Press(CmdOK);
+        EXPECT_THAT(bench.TakeMessages(), ElementsAre("Choose a Cube Name and a Cube File"));
+        EXPECT_FALSE(dialog.IsHidden());
+        dialog.chosenFile = LedgerFile();
+        dialog.Press(CmdCubeFile);
+        EXPECT_TRUE(dialog.IsEnabled(ChcMeasure)) << "the dialog stayed usable";
+        dialog.chosenFile = UnlistedFile();
+        dialog.Press(CmdCubeFile);
+        EXPECT_EQ(bench.messages.shown, (std::vector<ShownMessage>{{48, "", "Not valid cube"}}));
+        EXPECT_EQ(dialog.Text(txtCubeFile), LedgerFile());
+        EXPECT_TRUE(dialog.IsEnabled(ChcMeasure));
+    });
+}
+
+TEST(FunctionWizard, ForgetsARememberedFileWithoutListedCubes) {
+    WizardBench bench;
+    bench.Remember(UnlistedFile());
+    bench.ShowFormGetVal([](DialogDouble& dialog) {
+        EXPECT_EQ(dialog.Text(txtCubeFile), "");
+        EXPECT_FALSE(dialog.IsEnabled(Command1));
+    });
+    EXPECT_THAT(bench.TakeMessages(), ElementsAre("Not valid cube"));
+}
+
+TEST(FunctionWizard, ListsCubesByTheEndOfTheirNamesInAnyLetterCase) {
+    WizardBench bench;
+    bench.Remember(OddFile());
+    bench.ShowFormGetVal([](DialogDouble& dialog) {
+        EXPECT_THAT(dialog.Items(cboDatabaseList), ElementsAre("Oddfnc", "FlatFNC", "NoDateFNC"));
+    });
+}
+
+TEST(FunctionWizard, ReportsDatesThatCannotBeReadAndLetsAnotherCubeBeChosen) {
+    WizardBench bench;
+    bench.Remember(OddFile());
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        for (const char* cube : {"FlatFNC", "NoDateFNC"}) {
+            dialog.Choose(cboDatabaseList, cube);
+            const auto messages = bench.TakeMessages();
+            ASSERT_FALSE(messages.empty()) << cube;
+            EXPECT_THAT(
+                messages.front(),
+                HasSubstr(
+                    "\r\n\r\nError with the date in the Cube\r\nContinue with another cube\r\n\r\nFunction "
+                    ": SetDate\r\nModule : frmFuncQelWiz"))
+                << cube;
+            EXPECT_EQ(dialog.Text(FromDate), "") << cube;
+        }
+        dialog.Choose(cboDatabaseList, "Oddfnc");
+        EXPECT_EQ(dialog.Text(FromDate), "01/01/2024");
+        EXPECT_TRUE(dialog.IsEnabled(ChcMeasure));
+        EXPECT_THAT(bench.TakeMessages(), IsEmpty());
+    });
+}
+
+struct CheckCase {
+    const char* what;
+    std::string cubeFile;
+    const char* message;
+};
+
+TEST(FunctionWizard, ChecksTheCubeFileBeforeItHandsBack) {
+    WizardBench bench;
+    const auto capitals = bench.folder.Write("capitals.CUB", "");
+    const CheckCase cases[] = {
+        {"no file", "", "Choose a Cube Name and a Cube File"},
+        {"blanks alone", "  ", "Choose a Cube Name and a Cube File"},
+        {"another ending", bench.folder.Write("a.txt", "").string(), "Unvalid Name for File Cube"},
+        {"the ending in capitals", capitals.string(), "Unvalid Name for File Cube"},
+        {"no such file", bench.folder.Path("none.cub").string(), "Unvalid Name for File Cube"},
+        {"a folder", bench.folder.Path("component").string() + ".cub", "Unvalid Name for File Cube"},
+    };
+    for (const auto& c : cases) {
+        for (const char* button : {CmdOK, Command2}) {
+            bench.ShowFormGetVal([&](DialogDouble& dialog) {
+                static_cast<Dialog&>(dialog).SetText(txtCubeFile, c.cubeFile);
+                dialog.Press(button);
+                EXPECT_FALSE(dialog.IsHidden()) << c.what;
+            });
+            EXPECT_EQ(bench.messages.shown, (std::vector<ShownMessage>{{48, "OrmFuncQel4", c.message}}))
+                << c.what;
+            bench.TakeMessages();
+        }
+    }
+}
+
+TEST(FunctionWizard, TakesAPathThatWasTyped) {
+    WizardBench bench;
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        dialog.Type(txtCubeFile, bench.folder.Path("none.cub").string());
+        EXPECT_THAT(bench.TakeMessages(), IsEmpty()) << "a path that is not there is told by OK";
+        dialog.Type(txtCubeFile, " " + LedgerFile() + " ");
+        EXPECT_EQ(dialog.Text(cboDatabaseList), "LedgerFNC");
+        static_cast<Dialog&>(dialog).SetText(txtCubeFile, OddFile());
+        dialog.Press(CmdOK);
+        EXPECT_FALSE(dialog.IsHidden()) << "Enter while typing shows first what is in the file";
+        EXPECT_EQ(dialog.Text(cboDatabaseList), "Oddfnc");
+    });
+}
+
+TEST(FunctionWizard, WritesNothingWhenItIsCanceledOrClosed) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    bench.object.put_iShowDetail(7);
+    EXPECT_EQ(bench.ShowFormGetVal([](DialogDouble& dialog) { dialog.Press(CmdCancel); }), " ");
+    EXPECT_EQ(bench.ShowFormGetVal(DoNothing), " ") << "the close box";
+    EXPECT_THAT(bench.sheet.log, IsEmpty());
+    EXPECT_EQ(bench.object.get_iShowDetail(), 7);
+    EXPECT_THAT(bench.Rows("DataTbl"), IsEmpty());
+}
+
+TEST(FunctionWizard, WritesATableAfterSingleCellFunction) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    bench.ShowFormGetVal([](DialogDouble& dialog) { dialog.Press(Command2); });
+    EXPECT_THAT(bench.sheet.log, ElementsAre("format R3C2:R18C3 @", "formula R3C2:R21C3"));
+    EXPECT_EQ(bench.sheet.cells.at({3, 3}).As<std::string>(), LedgerFile());
+    EXPECT_NE(bench.object.get_iShowDetail(), 0);
+    bench.sheet = {};
+    bench.ShowFormGetVal([](DialogDouble& dialog) { dialog.Press(CmdOK); });
+    EXPECT_EQ(bench.sheet.log.size(), 1U);
+    EXPECT_EQ(bench.object.get_iShowDetail(), 0);
+}
+
+TEST(FunctionWizard, ReportsASheetThatRefusesTheFormula) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    bench.sheet.isProtected = true;
+    EXPECT_EQ(bench.ShowFormGetVal([](DialogDouble& dialog) { dialog.Press(CmdOK); }), "");
+    EXPECT_THAT(
+        bench.TakeMessages(),
+        ElementsAre(
+            "Error : 1004\r\n\r\nThe sheet is protected.\r\n\r\nFunction : ShowformGetVal\r\nModule : "
+            "OrmQelFunc\r\nSource : Excel"));
+    EXPECT_EQ(bench.object.ShowFormGetVal(nullptr), "");
+    EXPECT_THAT(bench.TakeMessages(), ElementsAre(HasSubstr("Error : 91"))) << "a macro that passes no cell";
+}
+
+struct LanguageCase {
+    const char* what;
+    bool hasTable;
+    bool isRightToLeft;
+};
+
+TEST(FunctionWizard, IsHebrewAndMirroredWithTheSuitesTable) {
+    const LanguageCase cases[] = {{"with the suite's table", true, true},
+                                  {"the component's own strings do not mirror it", false, false}};
+    for (const auto& c : cases) {
+        WizardBench bench;
+        bench.BeHebrew(c.hasTable);
+        bench.Remember(LedgerFile());
+        bench.folder.Write("component/PralixHeb.chm", "");
+        bench.ShowFormGetVal([&](DialogDouble& dialog) {
+            EXPECT_EQ(dialog.IsRightToLeft(), c.isRightToLeft) << c.what;
+            EXPECT_EQ(dialog.Text(CmdOK) + " " + dialog.Text(ComAddOBS), "אישור הוספת OBS") << c.what;
+            EXPECT_EQ(dialog.Caption(), "פונקציית QEL") << c.what;
+            EXPECT_EQ(dialog.Items(ComFirma).front(), "הכל") << c.what;
+            EXPECT_THAT(dialog.HelpFile(), ::testing::EndsWith("component/PralixHeb.chm")) << c.what;
+            dialog.Press(CmdOK);
+        });
+        EXPECT_THAT(bench.sheet.log.at(0), HasSubstr("\"All\", \"All\"")) << "formulas are in no language";
+        EXPECT_EQ(bench.object.get_iLang(), 1);
+    }
+}
+
+TEST(FunctionWizard, NeedsADoorWithDialogs) {
+    WizardBench bench;
+    OrmQelFunction without({bench.thread, bench.dataAccess, bench.locale});
+    EXPECT_THROW(without.ShowFormGetVal(bench.sheet.Cell({1, 1})), AutomationError);
+    EXPECT_THROW(without.ShowFormQelName(bench.sheet.Cell({1, 1})), AutomationError);
 }
 
 } // namespace

@@ -16,18 +16,31 @@ namespace {
 
 std::filesystem::path SourceFile(const char* path) { return std::filesystem::path(QEL_SOURCE_DIR) / path; }
 
+std::string Build(const char* definition, const std::filesystem::path& output) {
+    engine::BuildOptions options;
+    options.definition = SourceFile(definition);
+    options.output = output;
+    engine::BuildCube(options);
+    return output.string();
+}
+
 } // namespace
 
 const std::string& LedgerFile() {
     static const test::TemporaryFolder folder;
-    static const std::string file = [] {
-        const auto path = folder.Path("ledger.cub");
-        engine::BuildOptions options;
-        options.definition = SourceFile("examples/ledger/ledger.json");
-        options.output = path;
-        engine::BuildCube(options);
-        return path.string();
-    }();
+    static const std::string file = Build("examples/ledger/ledger.json", folder.Path("ledger.cub"));
+    return file;
+}
+
+const std::string& OddFile() {
+    static const test::TemporaryFolder folder;
+    static const std::string file = Build("tests/wizard/odd/odd.json", folder.Path("odd.cub"));
+    return file;
+}
+
+const std::string& UnlistedFile() {
+    static const test::TemporaryFolder folder;
+    static const std::string file = Build("tests/wizard/odd/unlisted.json", folder.Path("unlisted.cub"));
     return file;
 }
 

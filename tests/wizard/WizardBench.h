@@ -15,6 +15,12 @@ namespace qel::testing {
 
 /// The example's cube file, built once for the whole program.
 const std::string& LedgerFile();
+/// A cube file whose members have signs that statements and formulas give a meaning to, and cubes that the
+/// wizards do not list or cannot load.
+const std::string& OddFile();
+
+/// A cube file without a cube that the wizards list.
+const std::string& UnlistedFile();
 
 /// A user's machine: settings, local database and cubes are real files; the sheet, the screen and the person
 /// before it are doubles.
