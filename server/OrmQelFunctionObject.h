@@ -1,6 +1,7 @@
 #pragma once
 
 #include "OrmFunctionQel4.h"
+#include "function/OrmQelFunction.h"
 #include "platform/windows/UserLocale.h"
 #include "server/ServerModule.h"
 #include "server/ThreadContext.h"
@@ -12,7 +13,8 @@ namespace qel::server {
 class OrmQelFunctionObject : public AutomationObject<_OrmQelFunction> {
 public:
     explicit OrmQelFunctionObject(const ClassTypes& types)
-        : AutomationObject(types, windows::UserLocale()), function_(ContextOfThread(UserLocale())) {}
+        : AutomationObject(types, windows::UserLocale()), thread_(StateOfThread()),
+          function_({*thread_, Providers(), UserLocale()}) {}
 
     STDMETHODIMP QelFuncDemo(BSTR* cubeFile, BSTR* CubeName, VARIANT* ObsName, VARIANT* ObsNum,
                              VARIANT* arrObsLevel, VARIANT* arrObsMember, VARIANT* arrActivityList,
@@ -45,6 +47,7 @@ public:
 
 private:
     ServerUse use_;
+    std::shared_ptr<ModSetCube::ThreadState> thread_;
     OrmQelFunction function_;
 };
 

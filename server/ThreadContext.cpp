@@ -9,6 +9,9 @@
 #include "platform/windows/WindowsApi.h"
 #include "platform/windows/ado/LateBoundDataAccess.h"
 
+#include <map>
+#include <mutex>
+
 namespace qel::server {
 
 namespace {
@@ -22,8 +25,9 @@ bool NamesEmbeddedCube(const std::string& connectionText) {
     }
 }
 
-/// The server's providers: embedded cubes are read here, every other data source by the machine's own
-/// objects.
+} // namespace
+
+// Embedded cubes are read here, every other data source by the machine's own objects.
 DataAccess& Providers() {
     static LocalDataAccess embedded;
     static windows::LateBoundDataAccess machine;
@@ -35,28 +39,20 @@ DataAccess& Providers() {
     return providers;
 }
 
-ModSetCube::ThreadState& StateOfThread() {
-    thread_local ModSetCube::ThreadState state;
+// By thread number and not thread_local: the compiler's runtime frees thread-local memory at the thread's end
+// before it destroys what lies in it.
+std::shared_ptr<ModSetCube::ThreadState> StateOfThread() {
+    static std::mutex mutex;
+    static std::map<DWORD, std::weak_ptr<ModSetCube::ThreadState>> states;
+    const std::lock_guard lock(mutex);
+    std::erase_if(states, [](const auto& entry) { return entry.second.expired(); });
+    auto& known = states[::GetCurrentThreadId()];
+    auto state = known.lock();
+    if (!state) {
+        state = std::make_shared<ModSetCube::ThreadState>();
+        known = state;
+    }
     return state;
-}
-
-/// Keeps the DLL loaded until the process ends: a thread's state ends with its thread, by code of the DLL,
-/// and the last apartment to close would otherwise unload it under threads that are still ending.
-void KeepLoaded() {
-    static const HMODULE pinned = [] {
-        HMODULE module = nullptr;
-        ::GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
-                             reinterpret_cast<LPCWSTR>(&KeepLoaded), &module);
-        return module;
-    }();
-    static_cast<void>(pinned);
-}
-
-} // namespace
-
-FunctionContext ContextOfThread(const Locale& locale) {
-    KeepLoaded();
-    return {StateOfThread(), Providers(), locale};
 }
 
 } // namespace qel::server

@@ -1,11 +1,17 @@
 #pragma once
 
-#include "function/OrmQelFunction.h"
+#include "cube/ThreadState.h"
+#include "platform/DataAccess.h"
+
+#include <memory>
 
 namespace qel::server {
 
-/// What the objects of the calling thread share: its connection and Date table, and the providers of the
-/// machine. `locale` outlives the object that asks.
-FunctionContext ContextOfThread(const Locale& locale);
+/// The providers of this machine.
+DataAccess& Providers();
+
+/// What the objects of the calling thread share: its connection and Date table. It lives as long as one of
+/// the objects that hold it.
+std::shared_ptr<ModSetCube::ThreadState> StateOfThread();
 
 } // namespace qel::server

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <functional>
@@ -93,6 +94,45 @@ private:
     std::function<void()> work_;
     HANDLE handle_;
 };
+
+std::atomic<int> faults{0};
+
+LONG CALLBACK CountFault(EXCEPTION_POINTERS* exception) {
+    faults += exception->ExceptionRecord->ExceptionCode == EXCEPTION_ACCESS_VIOLATION;
+    return EXCEPTION_CONTINUE_SEARCH;
+}
+
+/// The system swallows what goes wrong while a thread ends, so the faults themselves are counted.
+TEST(Threads, EndWithoutTouchingWhatIsGone) {
+    faults = 0;
+    void* const handler = ::AddVectoredExceptionHandler(1, CountFault);
+    std::vector<std::unique_ptr<HostThread>> threads(8);
+    for (int turn = 0; turn < 1000; ++turn) {
+        threads[static_cast<std::size_t>(turn) % threads.size()] = std::make_unique<HostThread>([] {
+            const Apartment apartment;
+            const auto object = CreateByName(L"OrmFunctionQel4.OrmQelFunction");
+            Arguments arguments = ArgumentsOf({});
+            ValueThroughCom(object.Get(), arguments);
+        });
+    }
+    threads.clear();
+    ::RemoveVectoredExceptionHandler(handler);
+    EXPECT_EQ(faults, 0);
+}
+
+TEST(Threads, TheServerIsUnloadedWhenNobodyUsesItAndCanComeBack) {
+    const double expected = ValueInProcess({});
+    for (int turn = 0; turn < 3; ++turn) {
+        HostThread([&] {
+            const Apartment apartment;
+            const auto object = CreateByName(L"OrmFunctionQel4.OrmQelFunction");
+            Arguments arguments = ArgumentsOf({});
+            EXPECT_EQ(ValueThroughCom(object.Get(), arguments), expected);
+            EXPECT_NE(::GetModuleHandleW(L"OrmFuncQel4.dll"), nullptr);
+        });
+        EXPECT_EQ(::GetModuleHandleW(L"OrmFuncQel4.dll"), nullptr) << "turn " << turn;
+    }
+}
 
 TEST(Threads, EightApartmentsGetTheirOwnValues) {
     std::vector<double> expected;
