@@ -31,18 +31,18 @@ void DateSelector::Fill(const ModSetCube::OpenedCube& cube) {
 }
 
 void DateSelector::Clear() {
-    dialog_.SetText(FromDate, "");
-    dialog_.SetText(ToDate, "");
+    dialog_.SetText(TxtDateFrom, "");
+    dialog_.SetText(TxtDateTo, "");
 }
 
 void DateSelector::Enable(bool isEnabled) {
-    dialog_.SetEnabled(FromDate, isEnabled);
-    dialog_.SetEnabled(ToDate, isEnabled);
+    dialog_.SetEnabled(TxtDateFrom, isEnabled);
+    dialog_.SetEnabled(TxtDateTo, isEnabled);
 }
 
 void DateSelector::Show(AutomationDate from, AutomationDate to) {
-    dialog_.SetText(FromDate, FormatShortDate(from, context_.locale));
-    dialog_.SetText(ToDate, FormatShortDate(to, context_.locale));
+    dialog_.SetText(TxtDateFrom, FormatShortDate(from, context_.locale));
+    dialog_.SetText(TxtDateTo, FormatShortDate(to, context_.locale));
 }
 
 std::optional<AutomationDate> DateSelector::DateIn(std::string_view control) const {
@@ -58,9 +58,9 @@ std::string DateSelector::NoDateText(std::string_view control) const {
 }
 
 std::optional<std::string> DateSelector::Fault() const {
-    const auto from = DateIn(FromDate), to = DateIn(ToDate);
+    const auto from = DateIn(TxtDateFrom), to = DateIn(TxtDateTo);
     if (!from || !to)
-        return NoDateText(from ? ToDate : FromDate);
+        return NoDateText(from ? TxtDateTo : TxtDateFrom);
     if (*from > *to)
         return OwnText(context_, OwnTextNumber::ReversedDates);
     const auto& dates = context_.thread.dates;
@@ -73,11 +73,11 @@ std::optional<std::string> DateSelector::Fault() const {
 }
 
 void DateSelector::OnLeave(std::string_view control) const {
-    if (control != FromDate && control != ToDate)
+    if (control != TxtDateFrom && control != TxtDateTo)
         return;
     // The other date may still be on its way, so a range is judged when its end is left.
-    const auto fault =
-        DateIn(control) ? (control == ToDate ? Fault() : std::nullopt) : std::optional(NoDateText(control));
+    const auto fault = DateIn(control) ? (control == TxtDateTo ? Fault() : std::nullopt)
+                                       : std::optional(NoDateText(control));
     if (!fault)
         return;
     Warn(context_, *fault);
@@ -85,8 +85,8 @@ void DateSelector::OnLeave(std::string_view control) const {
 }
 
 void DateSelector::Read(Selection& selection) const {
-    selection.from = DateIn(FromDate).value_or(selection.from);
-    selection.to = DateIn(ToDate).value_or(selection.to);
+    selection.from = DateIn(TxtDateFrom).value_or(selection.from);
+    selection.to = DateIn(TxtDateTo).value_or(selection.to);
 }
 
 void DateSelector::Restore(const Selection& selection) {

@@ -50,9 +50,9 @@ constexpr ControlDesign controls[] = {
     {.name = ComActMember, .kind = BoundList, .place = {270, 116, 112, 12}},
     {.name = "Line4", .kind = Line, .place = {200, 136, 182, 1}},
     {.name = "LabelFromDate", .kind = Label, .place = {200, 146, 66, 8}, .tag = 1475, .mnemonic = "Fת"},
-    {.name = FromDate, .kind = TextBox, .place = {270, 144, 64, 12}},
+    {.name = TxtDateFrom, .kind = TextBox, .place = {270, 144, 64, 12}},
     {.name = "LabelToDate", .kind = Label, .place = {200, 162, 66, 8}, .tag = 1476, .mnemonic = "Tד"},
-    {.name = ToDate, .kind = TextBox, .place = {270, 160, 64, 12}},
+    {.name = TxtDateTo, .kind = TextBox, .place = {270, 160, 64, 12}},
 
     {.name = "Line2", .kind = Line, .place = {8, 181, 374, 1}},
     {.name = "LabelMeasure", .kind = Label, .place = {8, 190, 66, 8}, .tag = 1477, .mnemonic = "Mמ"},

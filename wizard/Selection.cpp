@@ -14,7 +14,15 @@ constexpr char memberSeparator = '\t'; // no member's name has one
 Variant KeyArgument(const std::string& key) { return InFormula(InBrackets(key)); }
 
 Variant OneKey(const std::string& key) {
-    return Variant::List({key.empty() ? Variant() : Variant(InBrackets(key))});
+    if (key.empty())
+        return Variant::List({Variant()});
+    const std::string name = InBrackets(key);
+    // The formula writer puts no-break spaces for the quotes of a lone key, and the value function puts
+    // quotes back for OBS members alone. Statements use the first key of a list, so a second one keeps the
+    // quotes.
+    if (key.find('"') != std::string::npos)
+        return Variant::List({InFormula(name), ""});
+    return Variant::List({name});
 }
 
 /// A member of [OBS] is found by its name as it is; a cost centre's goes into the statement.

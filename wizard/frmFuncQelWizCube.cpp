@@ -43,7 +43,8 @@ void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
         return;
     cube_ = cube;
     BindLists();
-    RestoreLastSelection();
+    // Without its database the dialog serves all the same.
+    Trapped("LoadCube", [this] { RestoreLastSelection(); });
     EnableButtons(true);
 }
 

@@ -26,16 +26,17 @@ TEST(FunctionWizard, OpensOnTheRememberedCubeInTheOrderOfItsLoading) {
         EXPECT_THAT(dialog.Items(ComFirma),
                     ElementsAre("All", "10 - Arava Trading Ltd", "20 - Arava Stores Ltd",
                                 "30 - Arava Holdings & Services Ltd"));
-        EXPECT_EQ(dialog.Text(FromDate) + " " + dialog.Text(ToDate), "01/01/2023 01/12/2025");
+        EXPECT_EQ(dialog.Text(TxtDateFrom) + " " + dialog.Text(TxtDateTo), "01/01/2023 01/12/2025");
         EXPECT_EQ(dialog.Caption(), "Function QEL");
         EXPECT_EQ(dialog.Text(CmdCubeFile) + "|" + dialog.Text(ComAddOBS), "Select Cube|Select OBS");
         EXPECT_THAT(dialog.Text(LabelVersion), ::testing::MatchesRegex("OrmFuncQel4 17\\.[0-9]+\\.[0-9]+"));
-        EXPECT_TRUE(dialog.IsEnabled(Command1) && dialog.IsEnabled(ChcMeasure) && dialog.IsEnabled(FromDate));
+        EXPECT_TRUE(dialog.IsEnabled(Command1) && dialog.IsEnabled(ChcMeasure) &&
+                    dialog.IsEnabled(TxtDateFrom));
         EXPECT_FALSE(dialog.IsEnabled(ListAccount) || dialog.IsEnabled(ComActMember) ||
                      dialog.IsEnabled(ComMember) || dialog.IsEnabled(ComOBSData))
             << "what nothing was chosen for";
         const auto filled = dialog.TakeFilled();
-        const std::vector<std::string> order = {txtCubeFile, cboDatabaseList, FromDate,
+        const std::vector<std::string> order = {txtCubeFile, cboDatabaseList, TxtDateFrom,
                                                 ChcMeasure,  ComOBSNum,       ComMoneySet,
                                                 ComAccX,     ListAccount,     ComActMember};
         auto place = filled.begin();
@@ -59,7 +60,7 @@ TEST(FunctionWizard, FillsTheMeasuresBeforeTheDatesOfAChosenFile) {
         EXPECT_EQ(dialog.AskedForFile().filter, "Cub files(*.cub)|*.cub");
         const auto filled = dialog.TakeFilled();
         EXPECT_LT(std::find(filled.begin(), filled.end(), ChcMeasure),
-                  std::find(filled.begin(), filled.end(), FromDate));
+                  std::find(filled.begin(), filled.end(), TxtDateFrom));
         EXPECT_TRUE(dialog.IsEnabled(ChcMeasure));
         dialog.chosenFile.clear();
         dialog.Press(CmdCubeFile);
@@ -135,7 +136,8 @@ TEST(FunctionWizard, ListsCubesByTheEndOfTheirNamesInAnyLetterCase) {
     WizardBench bench;
     bench.Remember(OddFile());
     bench.ShowFormGetVal([](DialogDouble& dialog) {
-        EXPECT_THAT(dialog.Items(cboDatabaseList), ElementsAre("Oddfnc", "FlatFNC", "NoDateFNC"));
+        EXPECT_THAT(dialog.Items(cboDatabaseList),
+                    ElementsAre("Oddfnc", "NoGroupsFNC", "FlatFNC", "NoDateFNC"));
     });
 }
 
@@ -153,10 +155,10 @@ TEST(FunctionWizard, ReportsDatesThatCannotBeReadAndLetsAnotherCubeBeChosen) {
                     "\r\n\r\nError with the date in the Cube\r\nContinue with another cube\r\n\r\nFunction "
                     ": SetDate\r\nModule : frmFuncQelWiz"))
                 << cube;
-            EXPECT_EQ(dialog.Text(FromDate), "") << cube;
+            EXPECT_EQ(dialog.Text(TxtDateFrom), "") << cube;
         }
         dialog.Choose(cboDatabaseList, "Oddfnc");
-        EXPECT_EQ(dialog.Text(FromDate), "01/01/2024");
+        EXPECT_EQ(dialog.Text(TxtDateFrom), "01/01/2024");
         EXPECT_TRUE(dialog.IsEnabled(ChcMeasure));
         EXPECT_THAT(bench.TakeMessages(), IsEmpty());
     });

@@ -1,0 +1,129 @@
+#include "wizard/MemberRows.h"
+
+#include "lang/StringTable.h"
+#include "tests/doubles/DialogDouble.h"
+#include "wizard/FunctionForm.h"
+#include "wizard/NameForm.h"
+
+#include <gmock/gmock.h>
+
+#include <set>
+
+namespace qel {
+namespace {
+
+using ::testing::ElementsAre;
+using Rows = std::vector<std::uint32_t>;
+
+struct SearchCase {
+    const char* what;
+    const char* typed;
+    Rows rows;
+};
+
+const SearchCase searchCases[] = {
+    {"nothing shows all", "", {0, 1, 2, 3, 4}},
+    {"blanks show all", "  ", {0, 1, 2, 3, 4}},
+    {"codes that begin so come before codes and names that hold it", "41", {1, 3, 0, 4}},
+    {"part of a name in another letter case", "WAGES", {2, 3}},
+    {"an umlaut in another letter case", "ÜBER", {4}},
+    {"Hebrew", "שכר", {2}},
+    {"a quote", "\"ב", {0}},
+    {"blanks at the ends are not searched for", " wages ", {2, 3}},
+    {"nothing that is there", "x41", {}},
+};
+
+TEST(MemberRows, ArePartlyTypedCodesAndNames) {
+    const MemberRows rows([] {
+        return std::vector<MemberRow>{{"1410", "מע\"ב"},
+                                      {"4100", "Sales"},
+                                      {"5000", "Wages שכר"},
+                                      {"41", "wages of old"},
+                                      {"6", "über 41"}};
+    });
+    for (const auto& c : searchCases)
+        EXPECT_EQ(rows.Matching(c.typed), c.rows) << c.what;
+}
+
+TEST(MemberRows, AreReadOnceAndOnlyWhenTheyAreNeeded) {
+    int loads = 0;
+    testing::ToolkitDouble toolkit;
+    struct NoEvents : DialogEvents {
+        void OnLoad() override {}
+        void OnClick(std::string_view) override {}
+        void OnChange(std::string_view) override {}
+        void OnLeave(std::string_view) override {}
+        void OnQueryUnload() override {}
+    } events;
+    const auto dialog = toolkit.NewDialog(FunctionFormDesign(), false, events);
+    MemberList list(*dialog, FunctionForm::ListAccount);
+    list.Bind([&] {
+        ++loads;
+        return std::vector<MemberRow>{{"1", "one"}, {"2", "two"}};
+    });
+    EXPECT_FALSE(list.Chosen());
+    EXPECT_EQ(loads, 0);
+    EXPECT_TRUE(list.Choose("2"));
+    EXPECT_EQ(list.Chosen()->name, "two");
+    EXPECT_FALSE(list.Choose("3"));
+    EXPECT_FALSE(list.Chosen());
+    EXPECT_EQ(loads, 1);
+}
+
+/// The lowest letter case of a caption's or mnemonic's characters, as toolkits compare them.
+std::vector<std::string> LettersOf(std::string_view text) {
+    std::vector<std::string> letters;
+    for (const char c : text) {
+        if ((static_cast<unsigned char>(c) & 0xC0U) == 0x80U)
+            letters.back() += c;
+        else
+            letters.emplace_back(1, static_cast<char>(std::tolower(static_cast<unsigned char>(c))));
+    }
+    return letters;
+}
+
+bool Overlap(const Place& a, const Place& b) {
+    return a.left < b.left + b.width && b.left < a.left + a.width && a.top < b.top + b.height &&
+           b.top < a.top + a.height;
+}
+
+/// A form's table has no control that another one covers, that leaves the form, or whose access key is
+/// another's.
+TEST(FormDesign, PlacesItsControlsApartAndGivesThemTheirOwnKeys) {
+    for (const FormDesign* design : {&FunctionFormDesign(), &NameFormDesign()}) {
+        std::set<std::string> names;
+        std::set<std::string> keys;
+        for (const ControlDesign& control : design->controls) {
+            EXPECT_TRUE(names.insert(control.name).second) << control.name;
+            for (const std::string& key : LettersOf(control.mnemonic))
+                EXPECT_TRUE(keys.insert(key).second) << control.name << ": " << key << " is taken";
+            EXPECT_GE(control.place.left, 0) << control.name;
+            EXPECT_LE(control.place.left + control.place.width, design->width) << control.name;
+            EXPECT_LE(control.place.top + control.place.height, design->height) << control.name;
+            for (const ControlDesign& other : design->controls)
+                EXPECT_TRUE(&control == &other || !Overlap(control.place, other.place))
+                    << control.name << " and " << other.name;
+        }
+        EXPECT_TRUE(names.contains(design->defaultButton) && names.contains(design->cancelButton));
+    }
+}
+
+/// Every access key is a letter of its control's caption, in English or in Hebrew.
+TEST(FormDesign, TakesAccessKeysFromTheCaptions) {
+    for (const FormDesign* design : {&FunctionFormDesign(), &NameFormDesign()}) {
+        for (const ControlDesign& control : design->controls) {
+            const std::int32_t number = control.tag != 0 ? control.tag : control.ownText;
+            if (number == 0)
+                continue;
+            const auto english = LettersOf(ResourceString(number, Language::English));
+            const auto hebrew = LettersOf(ResourceString(number, Language::Hebrew));
+            for (const std::string& key : LettersOf(control.mnemonic))
+                EXPECT_THAT((std::vector<std::vector<std::string>>{english, hebrew}),
+                            ::testing::Contains(::testing::Contains(key)))
+                    << control.name;
+        }
+    }
+}
+
+} // namespace
+} // namespace qel

@@ -1,0 +1,205 @@
+#include "tests/ErrorOf.h"
+#include "tests/wizard/WizardBench.h"
+#include "wizard/FunctionForm.h"
+#include "wizard/Selection.h"
+
+#include <gmock/gmock.h>
+
+// What the function wizard keeps for the next time, and what it finds again.
+
+namespace qel::testing {
+namespace {
+
+using namespace FunctionForm;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+Selection LedgerSelection() {
+    Selection selection;
+    selection.cubeFile = LedgerFile();
+    selection.cubeName = "LedgerFNC";
+    selection.obsName = "OBS";
+    selection.obsNumber = "3";
+    selection.obsLevel = "Level1";
+    selection.obsMembers = {"South & Negev", "North"};
+    selection.activity = "903";
+    selection.summaryLevel = "SuperSum2";
+    selection.summaryMember = "41";
+    selection.account = "4115";
+    selection.measure = "Quantity";
+    selection.moneySet = "USD";
+    selection.plbs = "P";
+    selection.rh = "R";
+    selection.firma = "10";
+    selection.openingBalance = "0";
+    selection.from = DateFromDay({2023, 2, 1});
+    selection.to = DateFromDay({2024, 6, 30});
+    return selection;
+}
+
+TEST(Selection, IsARowWithAColumnForEveryArgument) {
+    const TableRow row = RowOf(LedgerSelection());
+    std::vector<std::string> texts;
+    for (const Variant& value : row)
+        texts.push_back(value.Is<AutomationDate>() ? FormatShortDate(value.As<AutomationDate>(), Locale())
+                                                   : value.As<std::string>());
+    EXPECT_THAT(texts, ElementsAre(LedgerFile(), "LedgerFNC", "OBS", "3", "Level1", "South & Negev\tNorth",
+                                   "903", "SuperSum2", "41", "4115", "Quantity", "USD", "P", "R", "10", "0",
+                                   "01/02/2023", "30/06/2024"));
+    EXPECT_EQ(SelectionOf(row, Locale()), LedgerSelection());
+    EXPECT_EQ(SelectionOf(TableRow(18, Variant(Null{})), Locale()), Selection()) << "a row of nothing";
+    EXPECT_EQ(test::ErrorOf([&] { SelectionOf(TableRow(17), Locale()); }), ErrorNumber::SubscriptOutOfRange);
+}
+
+/// Chooses what LedgerSelection holds.
+void ChooseLedgerSelection(DialogDouble& dialog) {
+    dialog.Choose(ComObsX, "3 - ");
+    dialog.Choose(ComLevel, "OBS levels");
+    dialog.Choose(ComLevelObs, "Level1");
+    for (const char* member : {"South", "North"}) {
+        dialog.Choose(ComOBSData, member);
+        dialog.Press(ComAddOBS);
+    }
+    dialog.Choose(ComAccX, "SuperSum2");
+    dialog.Choose(ComMember, "41 - ");
+    dialog.Tick(ChekAct, true);
+    dialog.Find(ComActMember, "903");
+    dialog.Choose(ChcMeasure, "Quantity");
+    dialog.Choose(ComMoneySet, "USD");
+    dialog.Choose(ComPlbs, "P - ");
+    dialog.Choose(ComRh, "R - ");
+    dialog.Choose(ComFirma, "10 - ");
+    dialog.Choose(ComOB, "0 - ");
+    dialog.Tick(CheckAcc, true);
+    dialog.Find(ListAccount, "4115");
+    dialog.Type(TxtDateFrom, "01/02/2023");
+    dialog.Type(TxtDateTo, "30/06/2024");
+}
+
+TEST(SavedSelection, IsRestoredOnTheNextOpening) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    const std::string first = bench.ShowFormGetVal([](DialogDouble& dialog) {
+        ChooseLedgerSelection(dialog);
+        dialog.Press(CmdOK);
+    });
+    ASSERT_THAT(bench.TakeMessages(), IsEmpty());
+    ASSERT_THAT(bench.Rows("DataTbl"), ::testing::SizeIs(1));
+    EXPECT_EQ(SelectionOf(bench.Rows("DataTbl").at(0), bench.locale), LedgerSelection());
+    EXPECT_EQ(bench.RememberedFile(), LedgerFile());
+    const std::string second = bench.ShowFormGetVal([](DialogDouble& dialog) {
+        EXPECT_THAT(dialog.Items(ListObs), ElementsAre("South & Negev", "North"));
+        EXPECT_TRUE(dialog.IsChecked(CheckAcc) && dialog.IsEnabled(ListAccount) &&
+                    dialog.IsEnabled(ComMember));
+        EXPECT_EQ(dialog.Text(TxtDateTo), "30/06/2024");
+        dialog.Press(CmdOK);
+    });
+    EXPECT_EQ(second, first);
+    EXPECT_THAT(bench.Rows("DataTbl"), ::testing::SizeIs(1)) << "the last selection alone is kept";
+    EXPECT_THAT(bench.TakeMessages(), IsEmpty());
+}
+
+TEST(SavedSelection, OpensTheCubeOfTheFileThatItWasMadeFor) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    bench.ShowFormGetVal([](DialogDouble& dialog) {
+        dialog.Choose(cboDatabaseList, "LedgerHebrewFNC");
+        dialog.Choose(ComLevel, "OBS levels");
+        dialog.Choose(ComOBSData, "צפון");
+        dialog.Press(CmdOK);
+    });
+    bench.ShowFormGetVal([](DialogDouble& dialog) {
+        EXPECT_EQ(dialog.Text(cboDatabaseList), "LedgerHebrewFNC");
+        EXPECT_EQ(dialog.Text(ComOBSData), "צפון");
+        EXPECT_EQ(dialog.Text(TxtDateTo), "31/12/2025") << "a cube of days";
+    });
+    EXPECT_THAT(bench.TakeMessages(), IsEmpty());
+}
+
+TEST(SavedSelection, LosesWhatTheCubeNoLongerHasWithOneMessage) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    Selection old = LedgerSelection();
+    old.obsMembers = {"North", "Atlantis"};
+    old.firma = "99";
+    old.account = "0000";
+    old.activity = "none";
+    old.summaryMember = "x";
+    bench.PutRows("DataTbl", {RowOf(old)});
+    const std::string text = bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        EXPECT_THAT(bench.TakeMessages(),
+                    ElementsAre("The cube no longer has these saved choices:\r\nOBS Data: Atlantis\r\nFirma: "
+                                "99\r\nSummary Group: x\r\nAccount Level: 0000\r\nActivity List: none"));
+        EXPECT_THAT(dialog.Items(ListObs), ElementsAre("North"));
+        EXPECT_EQ(dialog.Text(ComFirma), "All");
+        EXPECT_FALSE(dialog.IsChecked(CheckAcc) || dialog.IsChecked(ChekAct));
+        dialog.Press(CmdOK);
+    });
+    EXPECT_THAT(text,
+                HasSubstr(R"({"Level1"},{"North"},{"All"},"SuperSum2", "11", "All", "Quantity", "USD")"));
+    EXPECT_THAT(bench.TakeMessages(), IsEmpty());
+}
+
+TEST(SavedSelection, OfAnotherCubeIsDroppedWhole) {
+    WizardBench bench;
+    bench.Remember(OddFile());
+    bench.PutRows("DataTbl", {RowOf(LedgerSelection())});
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        const auto messages = bench.TakeMessages();
+        ASSERT_EQ(messages.size(), 1U);
+        EXPECT_THAT(messages.front(), HasSubstr("\r\nMeasure: Quantity\r\n"));
+        dialog.Press(Command1);
+        EXPECT_EQ(dialog.Text(cboDatabaseList), "Oddfnc");
+        EXPECT_EQ(dialog.Text(ComLevel), "OBS levels") << "a level that both have";
+    });
+}
+
+TEST(SavedSelection, WithSignsOfFormulasComesBackAsItWas) {
+    WizardBench bench;
+    bench.Remember(OddFile());
+    std::string first;
+    for (int round = 0; round < 2; ++round) {
+        const std::string text = bench.ShowFormGetVal([&](DialogDouble& dialog) {
+            if (round == 0) {
+                dialog.Choose(ComLevel, "Cost");
+                dialog.Choose(ComOBSData, "1'0]");
+                dialog.Choose(ComFirma, "ב\"מ");
+                dialog.Choose(ComAccX, "SuperSum1");
+                dialog.Tick(CheckAcc, true);
+                dialog.Find(ListAccount, "4]0");
+                dialog.Tick(ChekAct, true);
+                dialog.Find(ComActMember, "ש\"ע");
+            }
+            dialog.Press(Command1);
+            EXPECT_EQ(dialog.Text(TxtCalc), "1000.1");
+            dialog.Press(CmdOK);
+        });
+        EXPECT_EQ(bench.Evaluate("=QelF1(" + text + ")"), "1000.1") << text;
+        first = round == 0 ? text : first;
+        EXPECT_EQ(text, first);
+    }
+    EXPECT_THAT(bench.TakeMessages(), IsEmpty());
+}
+
+TEST(SavedSelection, ThatCannotBeKeptDoesNotKeepTheFormulaBack) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        bench.folder.Write("suite/QelFunction17.mdb",
+                           "this is no database, but a text long enough to be taken for one");
+        dialog.Press(CmdOK);
+    });
+    EXPECT_THAT(bench.TakeMessages(),
+                ElementsAre(HasSubstr("Function : GoToSheet\r\nModule : frmFuncQelWiz")));
+    EXPECT_EQ(bench.sheet.log.size(), 1U);
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        EXPECT_THAT(bench.TakeMessages(),
+                    ElementsAre(HasSubstr("Function : LoadCube\r\nModule : frmFuncQelWiz")));
+        EXPECT_TRUE(dialog.IsEnabled(Command1)) << "the cube is there all the same";
+        dialog.Press(CmdCancel);
+    });
+}
+
+} // namespace
+} // namespace qel::testing

@@ -1,0 +1,290 @@
+#include "platform/Conversion.h"
+#include "tests/wizard/WizardBench.h"
+#include "wizard/FunctionForm.h"
+#include "wizard/frmFuncQelWiz.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+
+// What a person chooses in the function wizard, and the formula and value that come of it.
+
+namespace qel::testing {
+namespace {
+
+using namespace FunctionForm;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+/// The codes and names of a bound list's rows, with a blank between.
+std::vector<std::string> RowsOf(const DialogDouble& dialog, const char* control) {
+    const ListSource& rows = dialog.Rows(control);
+    std::vector<std::string> texts;
+    for (std::size_t i = 0; i < rows.RowCount(); ++i)
+        texts.push_back(rows.Text(i, 0) + " " + rows.Text(i, 1));
+    return texts;
+}
+
+TEST(ObsSelector, ListsTheMembersOfANumberAndALevel) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    bench.ShowFormGetVal([](DialogDouble& dialog) {
+        EXPECT_THAT(dialog.Items(ComOBSNum), ElementsAre("OBS", "Segments"));
+        EXPECT_THAT(dialog.Items(ComObsX), ElementsAre("1 - Whole group", "2 - Wholesale", "3 - Stores",
+                                                       "4 - Online", "5 - Shared services"));
+        EXPECT_THAT(dialog.Items(ComLevel), ElementsAre("All", "Cost centres", "OBS levels"));
+        dialog.Choose(ComLevel, "Cost centres");
+        const auto allCentres = dialog.Items(ComOBSData).size();
+        EXPECT_FALSE(dialog.IsEnabled(ComLevelObs));
+        dialog.Choose(ComObsX, "4 - Online");
+        EXPECT_LT(dialog.Items(ComOBSData).size(), allCentres) << "those with data under the number";
+        dialog.Choose(ComLevel, "OBS levels");
+        EXPECT_THAT(dialog.Items(ComLevelObs), ElementsAre("Level1", "Level2", "Level3"));
+        dialog.Choose(ComObsX, "1 - Whole group");
+        EXPECT_THAT(dialog.Items(ComOBSData), ElementsAre("North", "Centre", "South & Negev", "Head office"));
+        dialog.Choose(ComLevelObs, "Level2");
+        const auto members = dialog.Items(ComOBSData);
+        EXPECT_THAT(members, ::testing::Not(::testing::Contains("North")));
+        dialog.Choose(ComOBSNum, "Segments");
+        EXPECT_THAT(dialog.Items(ComObsX), ::testing::Not(::testing::Contains("1 - Whole group")));
+        EXPECT_EQ(dialog.Text(ComLevelObs), "Level2") << "the level stays";
+        dialog.Choose(ComLevel, "All");
+        EXPECT_THAT(dialog.Items(ComOBSData), IsEmpty());
+        EXPECT_FALSE(dialog.IsEnabled(ComAddOBS));
+    });
+    EXPECT_THAT(bench.TakeMessages(), IsEmpty());
+}
+
+TEST(ObsSelector, AddsAndRemovesMembers) {
+    WizardBench bench;
+    bench.Remember(OddFile());
+    const std::string text = bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        dialog.Choose(ComLevel, "OBS levels");
+        dialog.Choose(ComLevelObs, "Level2");
+        const auto members = dialog.Items(ComOBSData);
+        ASSERT_EQ(members.size(), 7U);
+        for (const char* member : {"Main", "Karmi", "Main", "Say", "חו", "Eilat"}) {
+            dialog.Choose(ComOBSData, member);
+            dialog.Press(ComAddOBS);
+        }
+        EXPECT_THAT(dialog.Items(ListObs),
+                    ElementsAre("Main", "Karmi'el", "Say \"]\" & go", "חו\"ל", "Eilat"));
+        EXPECT_THAT(bench.TakeMessages(), IsEmpty()) << "a member twice is one";
+        dialog.Choose(ComOBSData, "Arad");
+        dialog.Press(ComAddOBS);
+        EXPECT_THAT(bench.TakeMessages(), ElementsAre("One function takes at most five OBS members."));
+        dialog.Choose(ListObs, "Eilat");
+        dialog.Press(ComRemoveObs);
+        dialog.Choose(ListObs, "Karmi");
+        dialog.Press(ComRemoveObs);
+        dialog.Press(Command1);
+        EXPECT_EQ(dialog.Text(TxtCalc), "1800.15") << "the first member's, of both parents";
+        dialog.Press(CmdOK);
+    });
+    EXPECT_THAT(text, HasSubstr(R"({"Level2"},{"Main", "Say )"
+                                "\xC2\xA0]\xC2\xA0 & go\", \"חו\xC2\xA0ל\"},"))
+        << "quotes would end the formula's texts";
+    EXPECT_EQ(bench.Evaluate("=QelF1(" + text + ")"), "1800.15");
+}
+
+TEST(ObsSelector, ForgetsMembersOfAnotherLevel) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    const std::string text = bench.ShowFormGetVal([](DialogDouble& dialog) {
+        dialog.Choose(ComLevel, "OBS levels");
+        dialog.Press(ComAddOBS);
+        dialog.Choose(ComLevel, "Cost centres");
+        EXPECT_THAT(dialog.Items(ListObs), IsEmpty());
+        dialog.Press(CmdOK);
+    });
+    EXPECT_THAT(text, HasSubstr(R"({"Cost_Centers"},{"1110"},)"))
+        << "the member that is shown need not be added";
+}
+
+TEST(AccountSelector, ListsGroupsByLevelAndAccountsByFirm) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    const std::string text = bench.ShowFormGetVal([](DialogDouble& dialog) {
+        EXPECT_THAT(dialog.Items(ComAccX), ElementsAre("All", "SuperSum1", "SuperSum2", "SuperSum3"));
+        dialog.Choose(ComAccX, "SuperSum1");
+        const auto wide = dialog.Items(ComMember).size();
+        dialog.Choose(ComAccX, "SuperSum2");
+        EXPECT_GT(dialog.Items(ComMember).size(), wide);
+        dialog.Choose(ComMember, "41 - Sale of goods");
+        dialog.Tick(CheckAcc, true);
+        const auto all = RowsOf(dialog, ListAccount);
+        EXPECT_EQ(all.front(), "1111 Land and buildings");
+        dialog.Choose(ComFirma, "30 - ");
+        EXPECT_LT(RowsOf(dialog, ListAccount).size(), all.size());
+        dialog.Choose(ComFirma, "All");
+        EXPECT_EQ(dialog.Find(ListAccount, " Furniture, WHOLEsale "), 2U) << "blanks and letter case aside";
+        EXPECT_EQ(dialog.Selected(ListAccount), dialog.Rows(ListAccount).Matching("4111").front());
+        dialog.Choose(ComOBSNum, "Segments");
+        EXPECT_EQ(dialog.Rows(ListAccount).Text(*dialog.Selected(ListAccount), 0), "4111")
+            << "an account that the new list has, too, stays";
+        dialog.Press(CmdOK);
+    });
+    EXPECT_THAT(text, HasSubstr(R"("SuperSum2", "41", "4111", "Amount", )"));
+    EXPECT_THAT(bench.TakeMessages(), IsEmpty());
+}
+
+TEST(AccountSelector, IsNotWholeWithoutAnAccount) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        dialog.Tick(CheckAcc, true);
+        for (const char* button : {Command1, CmdOK, Command2}) {
+            dialog.Press(button);
+            EXPECT_THAT(bench.TakeMessages(), ElementsAre(HasSubstr("Choose an account")));
+        }
+        EXPECT_EQ(dialog.Find(ListAccount, "no such account"), 0U);
+        dialog.Press(CmdOK);
+        EXPECT_THAT(bench.TakeMessages(), ElementsAre(HasSubstr("Choose an account")));
+        dialog.Tick(CheckAcc, false);
+        dialog.Tick(ChekAct, true);
+        dialog.Press(CmdOK);
+        EXPECT_THAT(bench.TakeMessages(), ElementsAre(HasSubstr("Choose an activity")));
+        EXPECT_FALSE(dialog.IsHidden());
+    });
+}
+
+struct DatesCase {
+    const char* what;
+    const char* from;
+    const char* to;
+    std::string message;
+    const char* focus; ///< where the person is sent back to
+};
+
+const DatesCase datesCases[] = {
+    {"no day", "01/01/2024", "31/02/2024", "This is not a date: 31/02/2024", TxtDateTo},
+    {"no date at all", "soon", "31/12/2024", "This is not a date: soon", TxtDateFrom},
+    {"nothing", "", "31/12/2024", "This is not a date: ", TxtDateFrom},
+    {"reversed", "02/05/2024", "01/05/2024", "The From Date is later than the To Date.", TxtDateTo},
+    {"before the cube", "01/01/1999", "31/12/1999",
+     "The cube has no data between these dates. It has data between: 01/01/2023 - 01/12/2025", TxtDateTo},
+    {"after the cube", "01/01/2026", "31/12/2026",
+     "The cube has no data between these dates. It has data between: 01/01/2023 - 01/12/2025", TxtDateTo},
+};
+
+TEST(DateSelector, TellsOfImpossibleDatesAtOnceAndHandsNoneBack) {
+    for (const auto& c : datesCases) {
+        WizardBench bench;
+        bench.Remember(LedgerFile());
+        bench.ShowFormGetVal([&](DialogDouble& dialog) {
+            dialog.Type(TxtDateFrom, c.from);
+            if (std::string(c.focus) == TxtDateTo) {
+                EXPECT_THAT(bench.TakeMessages(), IsEmpty()) << c.what;
+                dialog.Type(TxtDateTo, c.to);
+            }
+            EXPECT_THAT(bench.TakeMessages(), ElementsAre(c.message)) << c.what;
+            EXPECT_EQ(dialog.Focus(), c.focus) << c.what;
+            dialog.Press(CmdOK);
+            EXPECT_THAT(bench.TakeMessages(), ElementsAre(c.message)) << c.what;
+            EXPECT_FALSE(dialog.IsHidden()) << c.what;
+            dialog.Press(CmdCancel);
+        });
+    }
+}
+
+TEST(DateSelector, TakesShortDatesInAnyFormOfTheLocale) {
+    WizardBench bench;
+    bench.Remember(LedgerFile());
+    const std::string text = bench.ShowFormGetVal([](DialogDouble& dialog) {
+        dialog.Type(TxtDateFrom, " 1.4.23");
+        dialog.Type(TxtDateTo, "2024-6-30");
+        dialog.Press(CmdOK);
+    });
+    EXPECT_THAT(text, ::testing::EndsWith(R"("01/04/2023", "30/06/2024")"));
+}
+
+TEST(Calculation, ShowsWhyThereIsNoValueAndForgetsAnOldOne) {
+    WizardBench bench;
+    bench.Remember(OddFile());
+    bench.ShowFormGetVal([](DialogDouble& dialog) {
+        dialog.Press(Command1);
+        EXPECT_EQ(dialog.Text(TxtCalc), "1911.6");
+        dialog.Choose(ChcMeasure, "Lines");
+        EXPECT_EQ(dialog.Text(TxtCalc), "") << "the value was another measure's";
+        dialog.Press(Command1);
+        EXPECT_EQ(dialog.Text(TxtCalc), "8");
+        dialog.Choose(cboDatabaseList, "NoGroupsFNC");
+        dialog.Press(Command1);
+        EXPECT_THAT(dialog.Text(TxtCalc), ::testing::StartsWith("#ERR "));
+        EXPECT_THAT(dialog.Text(TxtCalc), HasSubstr("SuperSumery"));
+    });
+}
+
+TEST(Calculation, IsKeptOnlyForTheChoiceItWasMadeFor) {
+    WizardBench bench;
+    bench.Remember(OddFile());
+    const auto resultAfter = [&](const std::function<void(DialogDouble&)>& act) {
+        bench.toolkit.person = [&](DialogDouble& dialog) {
+            dialog.Press(Command1);
+            act(dialog);
+            dialog.Press(CmdOK);
+        };
+        frmFuncQelWiz form({bench.thread, bench.dataAccess, bench.locale, bench.toolkit, bench.language});
+        form.Show();
+        return form.QelResult.Is<Null>() ? "Null" : ToText(form.QelResult, bench.locale);
+    };
+    EXPECT_EQ(resultAfter([](DialogDouble&) {}), "1911.6");
+    EXPECT_EQ(resultAfter([](DialogDouble& dialog) { dialog.Choose(ComFirma, "10"); }), "Null");
+    EXPECT_EQ(resultAfter([](DialogDouble& dialog) { dialog.Type(TxtDateFrom, "01/02/2024"); }), "Null");
+}
+
+/// Chooses one of a box's items, or leaves it.
+void ChooseAny(DialogDouble& dialog, std::mt19937& random, const char* control) {
+    const auto& items = dialog.Items(control);
+    if (!items.empty() && dialog.IsEnabled(control))
+        dialog.Choose(control, items[random() % items.size()]);
+}
+
+void FindAny(DialogDouble& dialog, std::mt19937& random, const char* box, const char* list) {
+    if (random() % 3 != 0)
+        return;
+    dialog.Tick(box, true);
+    const ListSource& rows = dialog.Rows(list);
+    if (rows.RowCount() == 0)
+        dialog.Tick(box, false);
+    else
+        dialog.Find(list, rows.Text(random() % rows.RowCount(), 0));
+}
+
+/// Whatever a person chooses, the cell shows what the dialog showed.
+TEST(FunctionWizard, GivesFormulasOfTheValueShownForAnyChoice) {
+    constexpr std::uint32_t seed = 20261121;
+    std::mt19937 random(seed);
+    int values = 0, zeros = 0;
+    for (const std::string& file : {LedgerFile(), OddFile()}) {
+        for (int round = 0; round < 20; ++round) {
+            WizardBench bench;
+            bench.Remember(file);
+            std::string shown;
+            const std::string text = bench.ShowFormGetVal([&](DialogDouble& dialog) {
+                if (file == LedgerFile())
+                    ChooseAny(dialog, random, cboDatabaseList);
+                for (const char* control :
+                     {ComOBSNum, ComObsX, ComLevel, ComLevelObs, ComOBSData, ComAccX, ComMember, ChcMeasure})
+                    ChooseAny(dialog, random, control);
+                for (const char* control : {ComFirma, ComRh, ComPlbs, ComOB, ComMoneySet}) {
+                    if (random() % 4 == 0)
+                        ChooseAny(dialog, random, control);
+                }
+                FindAny(dialog, random, CheckAcc, ListAccount);
+                FindAny(dialog, random, ChekAct, ComActMember);
+                dialog.Press(Command1);
+                shown = dialog.Text(TxtCalc);
+                dialog.Press(CmdOK);
+            });
+            EXPECT_THAT(bench.TakeMessages(), IsEmpty()) << "seed " << seed << ": " << text;
+            ASSERT_EQ(bench.Evaluate("=QelF1(" + text + ")"), shown) << "seed " << seed << ": " << text;
+            ++(shown == "0" ? zeros : values);
+        }
+    }
+    EXPECT_GT(values, zeros / 3) << "too few formulas have values to tell right from wrong";
+}
+
+} // namespace
+} // namespace qel::testing
