@@ -2,6 +2,7 @@
 
 #include "engine/EngineError.h"
 #include "engine/build/FactSorter.h"
+#include "engine/build/SlotLayout.h"
 #include "engine/storage/PathText.h"
 
 #include <fmt/format.h>
@@ -131,7 +132,8 @@ void CubeBuilder::MakeModel() {
     model_.defaultMeasure = static_cast<std::uint32_t>(cube_.defaultMeasure);
     model_.rowCount = facts_.rowCount;
     for (const KeyColumnBuilder& column : keyColumns_)
-        model_.keyColumns.push_back({column.Name(), column.CodeCount(), CodeWidth(column.CodeCount())});
+        model_.keyColumns.push_back({column.Name(), column.CodeCount()});
+    AssignSlots(model_.keyColumns);
     model_.measures = MeasureModels(cube_.measures, facts_, cube_.name);
     for (std::size_t i = 0; i < dimensions_.size(); ++i)
         model_.dimensions.push_back(dimensions_[i].Model(KeysOf(i), keyColumnOf_[i]));

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <numeric>
 
 namespace qel::engine {
 
@@ -119,6 +120,14 @@ std::uint8_t ValueWidth(std::int64_t least, std::int64_t most) {
     return 8;
 }
 
+/// The largest number that divides every value.
+std::int64_t CommonUnit(const std::vector<std::int64_t>& values) {
+    std::int64_t unit = 0;
+    for (std::size_t i = 0; i < values.size() && unit != 1; ++i)
+        unit = std::gcd(unit, values[i]);
+    return std::max<std::int64_t>(unit, 1);
+}
+
 /// Whether the sum of the absolute values stays within 63 bits.
 bool IsSummable(const std::vector<std::int64_t>& values) {
     std::int64_t rest = std::numeric_limits<std::int64_t>::max();
@@ -153,7 +162,7 @@ std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measure
     std::vector<Measure> models;
     for (std::size_t i = 0; i < measures.size(); ++i) {
         const MeasureDefinition& measure = measures[i];
-        Measure model{measure.name, measure.caption, Aggregate::Count, measure.decimals, 0};
+        Measure model{measure.name, measure.caption, Aggregate::Count, measure.decimals, 0, 1};
         if (measure.column) {
             const auto& values = facts.values[i];
             if (!IsSummable(values))
@@ -164,13 +173,13 @@ std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measure
                                 cubeName, measure.name, measure.decimals));
             const auto [least, most] = std::minmax_element(values.begin(), values.end());
             model.aggregate = Aggregate::Sum;
-            model.width = values.empty() ? std::uint8_t{1} : ValueWidth(*least, *most);
+            model.unit = CommonUnit(values);
+            model.width =
+                values.empty() ? std::uint8_t{1} : ValueWidth(*least / model.unit, *most / model.unit);
         }
         models.push_back(model);
     }
     return models;
 }
-
-std::uint8_t CodeWidth(std::uint32_t codes) { return codes <= 0x100U ? 1 : codes <= 0x10000U ? 2 : 4; }
 
 } // namespace qel::engine

@@ -23,12 +23,9 @@ void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measur
 /// Puts the codes in place of the numbers.
 void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts);
 
-/// The measures with the width that their values need. Raises EngineError (InvalidData) when the sum of the
-/// absolute values of a measure is beyond 63 bits.
+/// The measures with the unit that all their values are multiples of, and the width that these need. Raises
+/// EngineError (InvalidData) when the sum of the absolute values of a measure is beyond 63 bits.
 std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measures, const FactColumns& facts,
                                    const std::string& cubeName);
-
-/// The narrowest width that holds every code below `codes`.
-std::uint8_t CodeWidth(std::uint32_t codes);
 
 } // namespace qel::engine

@@ -1,9 +1,14 @@
 #include "engine/build/FactSorter.h"
 
+#include "engine/build/RollupBuilder.h"
+#include "engine/storage/RollupWriter.h"
+
 #include <algorithm>
 #include <future>
 #include <numeric>
+#include <set>
 #include <span>
+#include <utility>
 
 namespace qel::engine {
 
@@ -36,39 +41,105 @@ Rows SortRows(const std::vector<std::uint16_t>& sortOrder, const std::vector<Key
     return rows;
 }
 
-/// Appends a column in the rows' order, narrowed.
-template <class Stored, class Wide>
-void AppendAs(const std::vector<Wide>& column, const Rows& rows, CubeFileWriter& writer) {
+/// Appends value(row) for every one of the rows, narrowed.
+template <class Stored, class Value>
+void AppendAs(const Rows& rows, const Value& value, CubeFileWriter& writer) {
     constexpr std::size_t blockRows = 65536;
     std::vector<Stored> block;
     for (std::size_t first = 0; first < rows.size(); first += blockRows) {
         block.resize(std::min(blockRows, rows.size() - first));
         for (std::size_t i = 0; i < block.size(); ++i)
-            block[i] = static_cast<Stored>(column[rows[first + i]]);
+            block[i] = static_cast<Stored>(value(rows[first + i]));
         writer.Append(std::as_bytes(std::span(block)));
     }
 }
 
-void AppendKeys(const std::vector<std::uint32_t>& codes, std::uint8_t width, const Rows& rows,
+/// The columns that share a slot, put together.
+void AppendSlot(const CubeModel& model, const FactColumns& facts, std::size_t slot, const Rows& rows,
                 CubeFileWriter& writer) {
+    std::vector<std::pair<const std::uint32_t*, std::uint8_t>> parts; // codes and shift
+    std::uint8_t width = 1;
+    for (std::size_t i = 0; i < model.keyColumns.size(); ++i) {
+        if (model.keyColumns[i].slot != slot)
+            continue;
+        parts.emplace_back(facts.keys[i].data(), model.keyColumns[i].shift);
+        width = model.keyColumns[i].width;
+    }
+    const auto value = [&parts](std::uint32_t row) {
+        std::uint32_t bits = 0;
+        for (const auto& [codes, shift] : parts)
+            bits |= codes[row] << shift;
+        return bits;
+    };
     if (width == 1)
-        AppendAs<std::uint8_t>(codes, rows, writer);
+        AppendAs<std::uint8_t>(rows, value, writer);
     else if (width == 2)
-        AppendAs<std::uint16_t>(codes, rows, writer);
+        AppendAs<std::uint16_t>(rows, value, writer);
     else
-        AppendAs<std::uint32_t>(codes, rows, writer);
+        AppendAs<std::uint32_t>(rows, value, writer);
 }
 
-void AppendValues(const std::vector<std::int64_t>& values, std::uint8_t width, const Rows& rows,
+void AppendValues(const std::vector<std::int64_t>& values, const Measure& measure, const Rows& rows,
                   CubeFileWriter& writer) {
-    if (width == 1)
-        AppendAs<std::int8_t>(values, rows, writer);
-    else if (width == 2)
-        AppendAs<std::int16_t>(values, rows, writer);
-    else if (width == 4)
-        AppendAs<std::int32_t>(values, rows, writer);
+    const auto value = [&](std::uint32_t row) { return values[row] / measure.unit; };
+    if (measure.width == 1)
+        AppendAs<std::int8_t>(rows, value, writer);
+    else if (measure.width == 2)
+        AppendAs<std::int16_t>(rows, value, writer);
+    else if (measure.width == 4)
+        AppendAs<std::int32_t>(rows, value, writer);
     else
-        AppendAs<std::int64_t>(values, rows, writer);
+        AppendAs<std::int64_t>(rows, value, writer);
+}
+
+std::size_t SlotCount(const CubeModel& model) {
+    std::size_t count = 0;
+    for (const KeyColumn& column : model.keyColumns)
+        count = std::max(count, std::size_t{column.slot} + 1);
+    return count;
+}
+
+void WriteProjection(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
+                     std::size_t projection, const Rows& rows, CubeFileWriter& writer) {
+    for (std::size_t slot = 0; slot < SlotCount(model); ++slot) {
+        if (IsSlotOfLeadAlone(model.keyColumns, slot, model.projections[projection].sortOrder.front()))
+            continue;
+        writer.BeginSlots(cube, projection, slot);
+        AppendSlot(model, facts, slot, rows, writer);
+        writer.End();
+    }
+    for (std::size_t measure = 0; measure < model.measures.size(); ++measure) {
+        if (model.measures[measure].width == 0)
+            continue;
+        writer.BeginValues(cube, projection, measure);
+        AppendValues(facts.values[measure], model.measures[measure], rows, writer);
+        writer.End();
+    }
+}
+
+/// The rows of rollups, which have the slots of the word's columns and the time alone.
+void WriteRollupRows(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
+                     const BuiltRollups& rollups, CubeFileWriter& writer) {
+    const auto section = [&](format::SectionKind kind, std::size_t second, const auto& append) {
+        writer.Begin({static_cast<std::uint32_t>(kind), cube, 0, static_cast<std::uint32_t>(second)});
+        for (const Rows& rows : rollups.rows)
+            append(rows);
+        writer.End();
+    };
+    std::set<std::size_t> slots;
+    for (const RollupTable::WordColumn& word : rollups.model.wordColumns)
+        slots.insert(model.keyColumns[word.column].slot);
+    if (rollups.model.timeColumn)
+        slots.insert(model.keyColumns[*rollups.model.timeColumn].slot);
+    for (const std::size_t slot : slots)
+        section(format::SectionKind::RollupSlots, slot,
+                [&](const Rows& rows) { AppendSlot(model, facts, slot, rows, writer); });
+    for (std::size_t i = 0; i < model.measures.size(); ++i) {
+        if (model.measures[i].width != 0)
+            section(format::SectionKind::RollupValues, i, [&](const Rows& rows) {
+                AppendValues(facts.values[i], model.measures[i], rows, writer);
+            });
+    }
 }
 
 } // namespace
@@ -121,20 +192,15 @@ void WriteFacts(const CubeModel& model, const FactColumns& facts, std::uint32_t 
         const Rows rows = next.get();
         if (i + 1 < model.projections.size())
             next = std::async(std::launch::async, sort, i + 1);
-        for (std::size_t column = 0; column < model.keyColumns.size(); ++column) {
-            writer.BeginKeys(cube, i, column);
-            AppendKeys(facts.keys[column], model.keyColumns[column].width, rows, writer);
-            writer.End();
-        }
-        for (std::size_t measure = 0; measure < model.measures.size(); ++measure) {
-            if (model.measures[measure].width == 0)
-                continue;
-            writer.BeginValues(cube, i, measure);
-            AppendValues(facts.values[measure], model.measures[measure].width, rows, writer);
-            writer.End();
-        }
-        progress(static_cast<double>(i + 1) / static_cast<double>(model.projections.size()));
+        WriteProjection(model, facts, cube, i, rows, writer);
+        progress(static_cast<double>(i + 1) / static_cast<double>(model.projections.size() + 1));
     }
+    const BuiltRollups rollups = BuildRollups(model, facts);
+    if (!rollups.model.records.empty()) {
+        WriteRollups(rollups.model, model, cube, writer);
+        WriteRollupRows(model, facts, cube, rollups, writer);
+    }
+    progress(1);
 }
 
 } // namespace qel::engine

@@ -1,31 +1,35 @@
 #pragma once
 
-#include "engine/eval/FactScan.h"
+#include "engine/eval/CodeRanges.h"
+#include "engine/eval/ColumnLoops.h"
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
+#include <vector>
 
 namespace qel::engine {
 
-inline constexpr std::size_t blockRows = 1024;
-
-/// For each row of a block 1 when it passed, otherwise 0.
-using BlockMask = std::array<std::uint8_t, blockRows>;
-
-/// Tests the codes of one key column, a block of rows at a time, in loops without branches.
+/// Tests one slot of the facts, a block of rows at a time.
 class BlockFilter {
 public:
     BlockFilter(const Restriction& restriction, const KeyColumn& column);
 
-    std::size_t KeyColumnIndex() const { return restriction_.keyColumn; }
-    /// Takes out the rows whose code is not in the set. `codes` holds `count` codes of the column.
-    void Apply(const std::byte* codes, std::size_t count, BlockMask& mask) const;
+    std::size_t Slot() const { return slot_; }
+    /// Takes over another filter of the same slot when one comparison can do both; false when not.
+    bool Merge(const BlockFilter& other);
+    /// Takes out the rows that do not pass. `slots` holds `count` values of the slot.
+    void Apply(const std::byte* slots, std::size_t count, BlockMask& mask) const;
 
 private:
-    Restriction restriction_;
-    std::uint8_t width_;
-    std::vector<std::uint8_t> isIn_; ///< by code, when there are too many ranges to compare with each
+    std::size_t slot_;
+    std::uint8_t width_, shift_;
+    std::uint32_t bits_;
+    std::uint32_t first_ = 0, last_ = 0; ///< of the bits as they lie in the slot, both included
+    std::vector<std::uint8_t> isIn_;     ///< by code, for a set that is no single range
 };
+
+/// As few filters as test all of the restrictions.
+std::vector<BlockFilter> MakeFilters(const FactTable& facts, std::span<const Restriction> restrictions);
 
 } // namespace qel::engine

@@ -2,6 +2,7 @@
 
 #include "engine/storage/FactTable.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
@@ -10,6 +11,12 @@ namespace qel::engine {
 
 /// A set of a key column's codes: ascending, disjoint, not adjacent ranges.
 using CodeRanges = std::span<const KeyRange>;
+
+/// Only facts whose code in this key column is in the set.
+struct Restriction {
+    std::size_t keyColumn = 0;
+    CodeRanges codes;
+};
 
 std::uint64_t CountCodes(CodeRanges ranges);
 

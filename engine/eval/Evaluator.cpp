@@ -155,8 +155,11 @@ CellValue Evaluator::Read(const FactCell& cell) const {
     if (total.rows == 0) {
         return CellValue::Empty();
     }
-    return measure.aggregate == Aggregate::Count ? CellValue::Exact(static_cast<std::int64_t>(total.rows), 0)
-                                                 : CellValue::Exact(total.sum, measure.decimals);
+    return measure.aggregate == Aggregate::Count
+               ? CellValue::Exact(static_cast<std::int64_t>(total.rows), 0)
+               : CellValue::Exact(static_cast<std::int64_t>(static_cast<std::uint64_t>(total.sum) *
+                                                            static_cast<std::uint64_t>(measure.unit)),
+                                  measure.decimals);
 }
 
 Evaluator::Position::Position(Evaluator& evaluator, std::span<const HierarchyId> shape,

@@ -1,8 +1,9 @@
 #include "engine/eval/FactScan.h"
 
 #include "engine/eval/BlockFilter.h"
-#include "engine/eval/CodeColumn.h"
+#include "engine/eval/RollupSum.h"
 #include "engine/eval/ScanPlan.h"
+#include "engine/storage/CodeColumn.h"
 
 #include <algorithm>
 
@@ -15,101 +16,143 @@ bool AnyIsEmpty(std::span<const Restriction> restrictions) {
                        [](const Restriction& restriction) { return restriction.codes.empty(); });
 }
 
-/// Calls visit(projection, rows, mask) for every block of the rows that the plan leaves over, until it
-/// returns false. The mask is null when every row of the block is selected.
+/// Calls visit(rows, mask) for every block of the run until it returns false; returns whether it never did.
+/// The mask is null when every row of the block passed.
 template <class Visit>
-void VisitBlocks(const FactTable& facts, std::span<const Restriction> restrictions, const Visit& visit) {
+bool VisitBlocks(const Projection& projection, RowRange run, std::span<const BlockFilter> filters,
+                 const Visit& visit) {
+    BlockMask mask;
+    for (std::uint64_t first = run.first; first < run.last; first += blockRows) {
+        const RowRange rows{first, std::min(run.last, first + blockRows)};
+        if (!filters.empty()) {
+            std::fill_n(mask.begin(), rows.Count(), std::uint8_t{1});
+        }
+        for (const BlockFilter& filter : filters) {
+            filter.Apply(projection.Slot(filter.Slot(), rows), rows.Count(), mask);
+        }
+        if (!visit(rows, filters.empty() ? nullptr : &mask)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// The same over all rows that the best plan leaves over, with visit(projection, rows, mask).
+template <class Visit>
+void VisitPlan(const FactTable& facts, std::span<const Restriction> restrictions, const Visit& visit) {
     if (facts.RowCount() == 0 || AnyIsEmpty(restrictions)) {
         return;
     }
     const ScanPlan plan = PlanScan(facts, restrictions);
-    std::vector<BlockFilter> filters;
-    filters.reserve(plan.tests.size());
-    for (const Restriction& test : plan.tests) {
-        filters.emplace_back(test, facts.KeyColumns()[test.keyColumn]);
-    }
-    BlockMask mask;
+    const std::vector<BlockFilter> filters = MakeFilters(facts, plan.tests);
     for (const RowRange run : plan.rows) {
-        for (std::uint64_t first = run.first; first < run.last; first += blockRows) {
-            const RowRange rows{first, std::min(run.last, first + blockRows)};
-            if (!filters.empty()) {
-                std::fill_n(mask.begin(), rows.Count(), std::uint8_t{1});
-            }
-            for (const BlockFilter& filter : filters) {
-                filter.Apply(plan.projection->Keys(filter.KeyColumnIndex(), rows), rows.Count(), mask);
-            }
-            if (!visit(*plan.projection, rows, filters.empty() ? nullptr : mask.data())) {
-                return;
-            }
+        const bool goesOn =
+            VisitBlocks(*plan.projection, run, filters, [&](RowRange rows, const BlockMask* mask) {
+                return visit(*plan.projection, rows, mask);
+            });
+        if (!goesOn) {
+            return;
         }
     }
 }
 
-std::uint64_t CountSelected(const std::uint8_t* mask, std::size_t count) {
-    if (mask == nullptr) {
-        return count;
-    }
-    std::uint32_t selected = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        selected += mask[i];
-    }
-    return selected;
-}
+/// Adds up blocks of rows.
+class SumOfBlocks {
+public:
+    SumOfBlocks(const FactTable& facts, std::size_t measure)
+        : measure_(measure), width_(facts.Measures()[measure].width) {}
 
-/// Sums in unsigned arithmetic: a file that was tampered with may overflow, and must not be undefined.
-template <class Amount>
-std::uint64_t SumSelected(const std::byte* values, const std::uint8_t* mask, std::size_t count) {
-    std::uint64_t sum = 0;
-    if (mask == nullptr) {
-        for (std::size_t i = 0; i < count; ++i) {
-            sum += static_cast<std::uint64_t>(std::int64_t{ReadAt<Amount>(values, i)});
+    void Add(const Projection& projection, RowRange rows, const BlockMask* mask) {
+        const std::uint64_t passed = mask == nullptr ? rows.Count() : CountRows(*mask, rows.Count());
+        rows_ += passed;
+        if (passed > 0 && width_ != 0) {
+            sum_ += SumValues(projection.Values(measure_, rows), width_, rows.Count(), mask);
         }
-        return sum;
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint64_t all = 0 - std::uint64_t{mask[i]};
-        sum += static_cast<std::uint64_t>(std::int64_t{ReadAt<Amount>(values, i)}) & all;
+    FactSum Total() const { return {static_cast<std::int64_t>(sum_), rows_}; }
+
+private:
+    std::size_t measure_;
+    std::uint8_t width_; ///< 0 for a count
+    std::uint64_t sum_ = 0, rows_ = 0;
+};
+
+/// Marks the codes of a projection's leading key: of every code, the first fact that passes will do.
+void MarkLeads(const FactTable& facts, const Projection& projection,
+               std::span<const Restriction> restrictions, std::vector<std::uint8_t>& marks) {
+    const std::size_t lead = projection.SortOrder().front();
+    std::vector<Restriction> tests;
+    const KeyRange all{0, facts.KeyColumns()[lead].codes};
+    CodeRanges codes(&all, 1);
+    for (const Restriction& restriction : restrictions) {
+        if (restriction.keyColumn == lead) {
+            codes = restriction.codes;
+        } else {
+            tests.push_back(restriction);
+        }
     }
-    return sum;
+    const std::vector<BlockFilter> filters = MakeFilters(facts, tests);
+    for (const KeyRange range : codes) {
+        for (std::uint32_t code = range.first; code < range.last; ++code) {
+            const bool foundNone =
+                VisitBlocks(projection, projection.RowsOfLead({code, code + 1}), filters,
+                            [](RowRange rows, const BlockMask* mask) {
+                                return mask != nullptr && CountRows(*mask, rows.Count()) == 0;
+                            });
+            marks[code] |= foundNone ? std::uint8_t{0} : std::uint8_t{1};
+        }
+    }
 }
 
-std::uint64_t SumSelected(const std::byte* values, std::uint8_t width, const std::uint8_t* mask,
-                          std::size_t count) {
-    switch (width) {
-    case 1:
-        return SumSelected<std::int8_t>(values, mask, count);
-    case 2:
-        return SumSelected<std::int16_t>(values, mask, count);
-    case 4:
-        return SumSelected<std::int32_t>(values, mask, count);
-    default:
-        return SumSelected<std::int64_t>(values, mask, count);
+/// The projection to mark the codes of a key column in: led by it, unless another leaves few rows over.
+const Projection* ProjectionForMarks(const FactTable& facts, std::span<const Restriction> restrictions,
+                                     std::size_t keyColumn) {
+    for (const Projection& projection : facts.Projections()) {
+        if (projection.SortOrder().front() == keyColumn) {
+            constexpr std::uint64_t rowsPerCode = 64; // that marking may have to look at
+            const std::uint64_t few = rowsPerCode * facts.KeyColumns()[keyColumn].codes;
+            return PlanScan(facts, restrictions).RowCount() < few ? nullptr : &projection;
+        }
     }
+    return nullptr;
 }
 
 } // namespace
 
 FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure) {
-    const Measure& summed = facts.Measures()[measure];
+    if (AnyIsEmpty(restrictions)) {
+        return {};
+    }
     FactSum total;
-    std::uint64_t sum = 0;
-    VisitBlocks(
-        facts, restrictions, [&](const Projection& projection, RowRange rows, const std::uint8_t* mask) {
-            const std::uint64_t selected = CountSelected(mask, rows.Count());
-            total.rows += selected;
-            if (selected > 0 && summed.aggregate == Aggregate::Sum) {
-                sum += SumSelected(projection.Values(measure, rows), summed.width, mask, rows.Count());
-            }
-            return true;
-        });
-    total.sum = static_cast<std::int64_t>(sum);
-    return total;
+    if (facts.Rollups() != nullptr && SumRollups(facts, restrictions, measure, total)) {
+        return total;
+    }
+    return ScanFacts(facts, restrictions, measure);
+}
+
+FactSum ScanFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure) {
+    SumOfBlocks sum(facts, measure);
+    VisitPlan(facts, restrictions, [&](const Projection& projection, RowRange rows, const BlockMask* mask) {
+        sum.Add(projection, rows, mask);
+        return true;
+    });
+    return sum.Total();
+}
+
+FactSum SumRows(const FactTable& facts, const Projection& projection, RowRange rows,
+                std::span<const Restriction> tests, std::size_t measure) {
+    SumOfBlocks sum(facts, measure);
+    VisitBlocks(projection, rows, MakeFilters(facts, tests), [&](RowRange block, const BlockMask* mask) {
+        sum.Add(projection, block, mask);
+        return true;
+    });
+    return sum.Total();
 }
 
 bool AnyFact(const FactTable& facts, std::span<const Restriction> restrictions) {
     bool found = false;
-    VisitBlocks(facts, restrictions, [&](const Projection&, RowRange rows, const std::uint8_t* mask) {
-        found = CountSelected(mask, rows.Count()) > 0;
+    VisitPlan(facts, restrictions, [&](const Projection&, RowRange rows, const BlockMask* mask) {
+        found = mask == nullptr || CountRows(*mask, rows.Count()) > 0;
         return !found;
     });
     return found;
@@ -117,18 +160,23 @@ bool AnyFact(const FactTable& facts, std::span<const Restriction> restrictions) 
 
 void MarkCodes(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t keyColumn,
                std::vector<std::uint8_t>& marks) {
-    const std::uint8_t width = facts.KeyColumns()[keyColumn].width;
-    VisitBlocks(facts, restrictions,
-                [&](const Projection& projection, RowRange rows, const std::uint8_t* mask) {
-                    const CodeColumn codes(projection.Keys(keyColumn, rows), width);
-                    for (std::size_t i = 0; i < rows.Count(); ++i) {
-                        // A code comes from the file and is not trusted to lie within the marks.
-                        if (const std::uint32_t code = codes[i]; code < marks.size()) {
-                            marks[code] |= mask == nullptr ? std::uint8_t{1} : mask[i];
-                        }
-                    }
-                    return true;
-                });
+    if (facts.RowCount() == 0 || AnyIsEmpty(restrictions)) {
+        return;
+    }
+    if (const Projection* led = ProjectionForMarks(facts, restrictions, keyColumn)) {
+        MarkLeads(facts, *led, restrictions, marks);
+        return;
+    }
+    VisitPlan(facts, restrictions, [&](const Projection& projection, RowRange rows, const BlockMask* mask) {
+        const std::vector<std::uint32_t> codes = ReadCodes(facts, projection, keyColumn, rows);
+        for (std::size_t i = 0; i < codes.size(); ++i) {
+            // A code comes from the file and is not trusted to lie within the marks.
+            if (codes[i] < marks.size()) {
+                marks[codes[i]] |= mask == nullptr ? std::uint8_t{1} : (*mask)[i];
+            }
+        }
+        return true;
+    });
 }
 
 } // namespace qel::engine

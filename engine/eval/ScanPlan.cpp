@@ -1,15 +1,16 @@
 #include "engine/eval/ScanPlan.h"
 
-#include "engine/eval/CodeColumn.h"
+#include "engine/storage/CodeColumn.h"
 
 #include <algorithm>
+#include <numeric>
 
 namespace qel::engine {
 
 namespace {
 
 /// What finding a second key's codes inside one leading code costs, in rows tested.
-constexpr double searchCost = 60;
+constexpr double searchCost = 250;
 
 const Restriction* Find(std::span<const Restriction> restrictions, std::size_t keyColumn) {
     for (const Restriction& restriction : restrictions) {
@@ -90,8 +91,8 @@ void SearchSecond(const FactTable& facts, const Projection& projection, RowRange
     if (rows.Count() == 0) {
         return;
     }
-    const CodeColumn codes(projection.Keys(second.keyColumn, rows),
-                           facts.KeyColumns()[second.keyColumn].width);
+    const KeyColumn& column = facts.KeyColumns()[second.keyColumn];
+    const CodeColumn codes(projection.Slot(column.slot, rows), column);
     std::size_t position = 0;
     for (const KeyRange range : second.codes) {
         const std::size_t first = codes.LowerBound(position, rows.Count(), range.first);
@@ -101,6 +102,11 @@ void SearchSecond(const FactTable& facts, const Projection& projection, RowRange
 }
 
 } // namespace
+
+std::uint64_t ScanPlan::RowCount() const {
+    return std::accumulate(rows.begin(), rows.end(), std::uint64_t{0},
+                           [](std::uint64_t sum, RowRange run) { return sum + run.Count(); });
+}
 
 ScanPlan PlanScan(const FactTable& facts, std::span<const Restriction> restrictions) {
     const std::span<const Projection> projections = facts.Projections();

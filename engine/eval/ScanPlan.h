@@ -10,6 +10,8 @@ struct ScanPlan {
     const Projection* projection = nullptr;
     std::vector<RowRange> rows;
     std::vector<Restriction> tests;
+
+    std::uint64_t RowCount() const;
 };
 
 ScanPlan PlanScan(const FactTable& facts, std::span<const Restriction> restrictions);

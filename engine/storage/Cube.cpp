@@ -25,18 +25,4 @@ std::optional<std::size_t> Cube::FindMeasure(std::string_view name) const {
     return FindNamed(facts_.Measures(), name);
 }
 
-RowRange Projection::RowsOfLead(KeyRange codes) const {
-    return {leadRows_[codes.first], leadRows_[codes.last]};
-}
-
-const std::byte* Projection::Keys(std::size_t keyColumn, RowRange rows) const {
-    const std::uint64_t width = keyWidths_[keyColumn];
-    return keys_[keyColumn].Bytes(rows.first * width, rows.Count() * width);
-}
-
-const std::byte* Projection::Values(std::size_t measure, RowRange rows) const {
-    const std::uint64_t width = valueWidths_[measure];
-    return values_[measure].Bytes(rows.first * width, rows.Count() * width);
-}
-
 } // namespace qel::engine

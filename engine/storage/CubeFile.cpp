@@ -7,6 +7,7 @@
 #include "engine/storage/MappedFile.h"
 #include "engine/storage/MemberVerifier.h"
 #include "engine/storage/PathText.h"
+#include "engine/storage/RollupVerifier.h"
 #include "engine/text/CaseFold.h"
 
 #include <fmt/format.h>
@@ -91,6 +92,8 @@ void CubeFile::Verify(const std::function<void(double)>& progress) const {
         std::string fault = FindMemberFault(cube);
         if (fault.empty())
             fault = FindFactFault(cube, report);
+        if (fault.empty())
+            fault = FindRollupFault(cube);
         if (!fault.empty())
             contents_->image.Fail(fault);
         rowsBefore += cube.Facts().RowCount() * cube.Facts().Projections().size();

@@ -33,6 +33,8 @@ void DescribeFacts(const CubeModel& cube, ByteWriter& out) {
         out.PutText(column.name);
         out.Put(column.codes);
         out.Put(column.width);
+        out.Put(column.slot);
+        out.Put(column.shift);
     }
     out.Put(static_cast<std::uint32_t>(cube.measures.size()));
     for (const Measure& measure : cube.measures) {
@@ -41,6 +43,7 @@ void DescribeFacts(const CubeModel& cube, ByteWriter& out) {
         out.Put(static_cast<std::uint8_t>(measure.aggregate));
         out.Put(measure.decimals);
         out.Put(measure.width);
+        out.Put(measure.unit);
     }
     out.Put(static_cast<std::uint32_t>(cube.projections.size()));
     for (const ProjectionModel& projection : cube.projections) {
@@ -143,8 +146,8 @@ void CubeFileWriter::AddHierarchy(std::uint32_t cube, std::uint32_t index, const
     add(SectionKind::MemberFlags, SharedNameFlags(hierarchy));
 }
 
-void CubeFileWriter::BeginKeys(std::uint32_t cube, std::size_t projection, std::size_t keyColumn) {
-    Begin(Id(SectionKind::KeyCodes, cube, projection, keyColumn));
+void CubeFileWriter::BeginSlots(std::uint32_t cube, std::size_t projection, std::size_t slot) {
+    Begin(Id(SectionKind::KeySlots, cube, projection, slot));
 }
 
 void CubeFileWriter::BeginValues(std::uint32_t cube, std::size_t projection, std::size_t measure) {

@@ -21,8 +21,10 @@ public:
     /// Writes the metadata of the next cube, and returns its number.
     std::uint32_t AddCube(const CubeModel& cube);
 
-    void BeginKeys(std::uint32_t cube, std::size_t projection, std::size_t keyColumn);
+    void BeginSlots(std::uint32_t cube, std::size_t projection, std::size_t slot);
     void BeginValues(std::uint32_t cube, std::size_t projection, std::size_t measure);
+    /// Any other section.
+    void Begin(const format::SectionId& id);
     void Append(std::span<const std::byte> bytes);
     void End();
 
@@ -30,7 +32,6 @@ public:
     std::uint64_t Commit();
 
 private:
-    void Begin(const format::SectionId& id);
     void Section(const format::SectionId& id, std::span<const std::byte> bytes);
     void AddHierarchy(std::uint32_t cube, std::uint32_t index, const HierarchyModel& hierarchy);
     /// Bytes of the section region.

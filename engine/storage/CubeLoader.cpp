@@ -1,6 +1,7 @@
 #include "engine/storage/CubeLoader.h"
 
 #include "engine/storage/BracketedName.h"
+#include "engine/storage/RollupLoader.h"
 
 #include <fmt/format.h>
 
@@ -17,9 +18,6 @@ using format::SectionKind;
 bool IsWidth(std::uint8_t width, std::uint8_t widest) {
     return std::has_single_bit(width) && width <= widest;
 }
-
-/// Whether every code below `codes` fits the width.
-bool Fits(std::uint32_t codes, std::uint8_t width) { return codes <= (std::uint64_t{1} << (8U * width)); }
 
 } // namespace
 
@@ -44,33 +42,59 @@ Cube CubeLoader::Load() {
                     hierarchy.keyColumn_ ? cube.facts_.keyColumns_[*hierarchy.keyColumn_].codes : 0);
     for (std::size_t i = 0; i < cube.facts_.projections_.size(); ++i)
         LoadProjection(cube.facts_, i, cube.facts_.projections_[i]);
+    cube.facts_.rollups_ = RollupLoader(image_, cubeNumber_).Load(cube.facts_);
     return cube;
 }
 
 void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
-    facts.keyColumns_.resize(in.GetCount(9));
+    facts.keyColumns_.resize(in.GetCount(12));
+    std::vector<std::uint32_t> taken; // bits, by slot
     for (KeyColumn& column : facts.keyColumns_) {
         column.name = in.GetText();
         column.codes = in.Get<std::uint32_t>();
         column.width = in.Get<std::uint8_t>();
-        if (!IsWidth(column.width, 4) || !Fits(column.codes, column.width))
-            Fail(fmt::format("key column {} has a wrong width", column.name));
+        column.slot = in.Get<std::uint16_t>();
+        column.shift = in.Get<std::uint8_t>();
+        CheckLayout(column, facts, taken);
     }
-    facts.measures_.resize(in.GetCount(11));
+    // A slot of no column has no width either.
+    if (std::find(facts.slotWidths_.begin(), facts.slotWidths_.end(), 0) != facts.slotWidths_.end())
+        Fail("a slot belongs to no key column");
+    facts.measures_.resize(in.GetCount(19));
     for (Measure& measure : facts.measures_) {
         measure.name = in.GetText();
         measure.caption = in.GetText();
         const auto aggregate = in.Get<std::uint8_t>();
         measure.decimals = in.Get<std::uint8_t>();
         measure.width = in.Get<std::uint8_t>();
+        measure.unit = in.Get<std::int64_t>();
         const bool isSum = aggregate == static_cast<std::uint8_t>(Aggregate::Sum);
         const bool isCount = aggregate == static_cast<std::uint8_t>(Aggregate::Count);
         measure.aggregate = isCount ? Aggregate::Count : Aggregate::Sum;
         constexpr std::uint8_t mostDecimals = 18;
-        if ((!isSum && !isCount) || measure.decimals > mostDecimals ||
+        if ((!isSum && !isCount) || measure.decimals > mostDecimals || measure.unit < 1 ||
             (isSum ? !IsWidth(measure.width, 8) : measure.width != 0))
             Fail(fmt::format("measure {} is not well-formed", measure.name));
     }
+}
+
+/// Takes the column's bits of its slot.
+void CubeLoader::CheckLayout(const KeyColumn& column, FactTable& facts,
+                             std::vector<std::uint32_t>& taken) const {
+    if (column.slot >= facts.keyColumns_.size())
+        Fail(fmt::format("key column {} has a slot that does not exist", column.name));
+    if (column.slot >= taken.size()) {
+        taken.resize(std::size_t{column.slot} + 1);
+        facts.slotWidths_.resize(taken.size());
+    }
+    std::uint8_t& width = facts.slotWidths_[column.slot];
+    if (!IsWidth(column.width, 4) || (width != 0 && width != column.width) ||
+        column.shift >= 8 * column.width || column.shift + column.Bits() > 8U * column.width)
+        Fail(fmt::format("key column {} has a wrong width", column.name));
+    width = column.width;
+    if ((taken[column.slot] & column.Mask()) != 0)
+        Fail(fmt::format("key column {} lies over another", column.name));
+    taken[column.slot] |= column.Mask();
 }
 
 void CubeLoader::ReadSortOrders(ByteReader& in, FactTable& facts) const {
@@ -249,9 +273,12 @@ void CubeLoader::LoadProjection(const FactTable& facts, std::size_t index, Proje
             Fail("a column of facts has the wrong length");
         return section;
     };
-    for (std::size_t i = 0; i < facts.keyColumns_.size(); ++i) {
-        projection.keyWidths_.push_back(facts.keyColumns_[i].width);
-        projection.keys_.push_back(column(SectionKind::KeyCodes, i, facts.keyColumns_[i].width));
+    projection.slotWidths_ = facts.slotWidths_;
+    for (std::size_t slot = 0; slot < facts.SlotCount(); ++slot) {
+        const bool isStored = !IsSlotOfLeadAlone(facts.keyColumns_, slot, projection.sortOrder_.front());
+        projection.hasSlot_.push_back(isStored);
+        projection.slots_.push_back(isStored ? column(SectionKind::KeySlots, slot, facts.slotWidths_[slot])
+                                             : MappedSection());
     }
     for (std::size_t i = 0; i < facts.measures_.size(); ++i) {
         const std::uint8_t width = facts.measures_[i].width;

@@ -21,6 +21,7 @@ public:
 
 private:
     void ReadFactColumns(ByteReader& in, FactTable& facts) const;
+    void CheckLayout(const KeyColumn& column, FactTable& facts, std::vector<std::uint32_t>& taken) const;
     void ReadSortOrders(ByteReader& in, FactTable& facts) const;
     void ReadDimensions(ByteReader& in, Cube& cube) const;
     Hierarchy ReadHierarchy(ByteReader& in, const Cube& cube, const std::string& dimensionName) const;

@@ -56,6 +56,21 @@ struct ProjectionModel {
     std::vector<std::uint64_t> leadRows; ///< one more than the leading key has codes
 };
 
+/// The rollups of a cube, apart from the facts of those that are rows, which are written like a sort order's.
+struct RollupModel {
+    std::vector<RollupTable::WordColumn> wordColumns; ///< the leading one first
+    std::uint8_t blockBits = 0;
+    std::optional<std::uint32_t> timeColumn;
+    std::vector<std::uint32_t> granules;
+    std::vector<Rollup> records;
+    std::uint64_t rows = 0; ///< of all rollups that are rows
+    std::vector<std::uint32_t> stripWords;
+    std::vector<std::uint64_t> stripPeriods;
+    std::vector<std::uint32_t> stripEntries{0};  ///< one more than there are strips
+    std::vector<std::vector<std::int64_t>> sums; ///< by measure; empty for a count
+    std::vector<std::uint32_t> counts;           ///< empty when no measure counts
+};
+
 struct CubeModel {
     std::string name, caption;
     std::vector<DimensionModel> dimensions;

@@ -1,9 +1,10 @@
 #include "engine/storage/FactVerifier.h"
 
+#include "engine/storage/CodeColumn.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cstring>
 #include <limits>
 #include <vector>
 
@@ -15,20 +16,8 @@ constexpr std::uint64_t blockRows = 8192;
 
 template <class Stored>
 void Widen(const std::byte* from, std::vector<std::int64_t>& to) {
-    for (std::size_t i = 0; i < to.size(); ++i) {
-        Stored value = 0;
-        std::memcpy(&value, from + i * sizeof(Stored), sizeof(Stored));
-        to[i] = std::int64_t{value};
-    }
-}
-
-void WidenCodes(const std::byte* from, std::uint8_t width, std::vector<std::int64_t>& to) {
-    if (width == 1)
-        Widen<std::uint8_t>(from, to);
-    else if (width == 2)
-        Widen<std::uint16_t>(from, to);
-    else
-        Widen<std::uint32_t>(from, to);
+    for (std::size_t i = 0; i < to.size(); ++i)
+        to[i] = std::int64_t{ReadAt<Stored>(from, i)};
 }
 
 void WidenValues(const std::byte* from, std::uint8_t width, std::vector<std::int64_t>& to) {
@@ -58,8 +47,12 @@ public:
     std::string Block(RowRange rows) {
         hashes_.assign(rows.Count(), 0);
         for (std::size_t column = 0; column < codes_.size(); ++column) {
-            if (!ReadCodes(column, rows))
+            if (!TakeCodes(column, rows))
                 return fmt::format("key column {} has a code out of range", facts_.KeyColumns()[column].name);
+        }
+        for (std::size_t slot = 0; slot < facts_.SlotCount(); ++slot) {
+            if (projection_.HasSlot(slot) && !IsClean(slot, rows))
+                return "a slot has bits of no key column";
         }
         for (std::size_t measure = 0; measure < magnitudes_.size(); ++measure) {
             if (!ReadValues(measure, rows))
@@ -75,14 +68,28 @@ public:
     std::uint64_t Contents() const { return contents_; }
 
 private:
-    bool ReadCodes(std::size_t column, RowRange rows) {
+    bool TakeCodes(std::size_t column, RowRange rows) {
         const KeyColumn& key = facts_.KeyColumns()[column];
-        codes_[column].resize(rows.Count());
-        WidenCodes(projection_.Keys(column, rows), key.width, codes_[column]);
+        codes_[column] = ReadCodes(facts_, projection_, column, rows);
         for (std::size_t i = 0; i < hashes_.size(); ++i)
             hashes_[i] = Mix(hashes_[i], codes_[column][i]);
         return std::all_of(codes_[column].begin(), codes_[column].end(),
-                           [&key](std::int64_t code) { return code < key.codes; });
+                           [&key](std::uint32_t code) { return code < key.codes; });
+    }
+
+    /// Whether the bits of the slot that belong to no column are 0.
+    bool IsClean(std::size_t slot, RowRange rows) const {
+        std::uint32_t bits = 0;
+        for (const KeyColumn& column : facts_.KeyColumns())
+            bits |= column.slot == slot ? column.Mask() : 0U;
+        const std::byte* const slots = projection_.Slot(slot, rows);
+        return VisitCodeType(facts_.SlotWidth(slot), [&](auto type) {
+            for (std::uint64_t i = 0; i < rows.Count(); ++i) {
+                if ((ReadAt<decltype(type)>(slots, i) & ~bits) != 0)
+                    return false;
+            }
+            return true;
+        });
     }
 
     bool ReadValues(std::size_t measure, RowRange rows) {
@@ -92,12 +99,13 @@ private:
         values_.resize(rows.Count());
         WidenValues(projection_.Values(measure, rows), width, values_);
         constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+        const auto unit = static_cast<std::uint64_t>(facts_.Measures()[measure].unit);
         std::uint64_t& sum = magnitudes_[measure];
         for (std::size_t i = 0; i < values_.size(); ++i) {
             hashes_[i] = Mix(hashes_[i], values_[i]);
             const auto bits = static_cast<std::uint64_t>(values_[i]);
             const std::uint64_t magnitude = values_[i] < 0 ? 0 - bits : bits;
-            if (magnitude > most - sum)
+            if (magnitude > most / unit - sum)
                 return false;
             sum += magnitude;
         }
@@ -126,7 +134,7 @@ private:
 
     const FactTable& facts_;
     const Projection& projection_;
-    std::vector<std::vector<std::int64_t>> codes_;
+    std::vector<std::vector<std::uint32_t>> codes_;
     std::vector<std::int64_t> values_, lastCodes_;
     std::vector<std::uint64_t> hashes_, magnitudes_;
     std::uint64_t contents_ = 0;

@@ -97,13 +97,20 @@ std::uint32_t FileImage::CubeCount() const {
     return count;
 }
 
-MappedSection FileImage::Section(const format::SectionId& id) const {
+const format::DirectoryEntry* FileImage::Find(const format::SectionId& id) const {
     const auto found =
         std::lower_bound(directory_.begin(), directory_.end(), id,
                          [](const auto& entry, const auto& wanted) { return entry.id < wanted; });
-    if (found == directory_.end() || found->id != id)
+    return found == directory_.end() || found->id != id ? nullptr : &*found;
+}
+
+bool FileImage::HasSection(const format::SectionId& id) const { return Find(id) != nullptr; }
+
+MappedSection FileImage::Section(const format::SectionId& id) const {
+    const format::DirectoryEntry* const entry = Find(id);
+    if (entry == nullptr)
         Fail(fmt::format("section {} of cube {} is missing", id.kind, id.cube));
-    return {bytes_.data() + found->offset, found->offset, found->size, verifier_.get()};
+    return {bytes_.data() + entry->offset, entry->offset, entry->size, verifier_.get()};
 }
 
 void FileImage::Fail(const std::string& fault) const {

@@ -23,6 +23,8 @@ public:
     std::uint32_t CubeCount() const;
     /// Raises EngineError (DamagedFile) when there is no such section.
     MappedSection Section(const format::SectionId& id) const;
+    /// False when there is no such section, which is right for optional kinds alone.
+    bool HasSection(const format::SectionId& id) const;
     /// A section read as an array, its pages checked. Raises DamagedFile, also when the size does not fit.
     template <class T>
     std::span<const T> Array(const format::SectionId& id) const {
@@ -36,6 +38,8 @@ public:
 private:
     void CheckHeader(const format::Header& header) const;
     void CheckDirectory(std::uint64_t pagesEnd) const;
+    /// Null when there is none.
+    const format::DirectoryEntry* Find(const format::SectionId& id) const;
 
     std::string fileName_;
     std::span<const std::byte> bytes_;

@@ -15,7 +15,7 @@ static_assert(std::endian::native == std::endian::little, "cube files are mapped
 /// The first byte is not ASCII and the last is a line feed, so that a file that went through a text transfer
 /// is told from a cube.
 inline constexpr std::array<char, 8> signature = {'\x89', 'Q', 'E', 'L', 'C', 'U', 'B', '\n'};
-inline constexpr std::uint32_t version = 1;
+inline constexpr std::uint32_t version = 2;
 inline constexpr std::uint64_t pageSize = 65536;
 inline constexpr std::uint64_t sectionAlignment = 64;
 
@@ -52,9 +52,21 @@ enum class SectionKind : std::uint32_t {
     MemberKeySlots = 27,
     MemberFlags = 28,
     // One each for every projection.
-    LeadRows = 48,  ///< first: projection
-    KeyCodes = 49,  ///< first: projection, second: key column
-    FactValues = 50 ///< first: projection, second: measure
+    LeadRows = 48,   ///< first: projection
+    KeySlots = 49,   ///< first: projection, second: slot
+    FactValues = 50, ///< first: projection, second: measure
+    // Rollups, which a reader may do without: it finds the same answers in the facts.
+    RollupDescription = 0x80000001U,
+    RollupGranules = 0x80000002U,
+    RollupRecords = 0x80000003U,
+    RollupLookup = 0x80000004U,
+    RollupSlots = 0x80000005U,  ///< second: slot
+    RollupValues = 0x80000006U, ///< second: measure
+    StripWords = 0x80000007U,
+    StripPeriods = 0x80000008U,
+    StripEntries = 0x80000009U,
+    StripSums = 0x8000000AU, ///< second: measure
+    StripCounts = 0x8000000BU
 };
 
 /// Sections of kinds from here on may be passed over by a reader that does not know them; an unknown kind

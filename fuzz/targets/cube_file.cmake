@@ -1,1 +1,1 @@
-qel_fuzz(cube_file targets/cube_file.cpp qel_engine_storage)
+qel_fuzz(cube_file targets/cube_file.cpp qel_engine_eval)

@@ -1,4 +1,5 @@
 #include "engine/EngineError.h"
+#include "engine/eval/FactScan.h"
 #include "engine/storage/CubeFile.h"
 #include "engine/storage/Format.h"
 #include "engine/storage/PageVerifier.h"
@@ -71,9 +72,8 @@ std::size_t AskFacts(const Cube& cube) {
     for (const Projection& projection : facts.Projections()) {
         const RowRange all{0, projection.RowCount()};
         for (std::size_t i = 0; i < facts.KeyColumns().size(); ++i) {
-            const auto* const bytes = projection.Keys(i, all);
-            for (std::uint64_t n = 0; n < all.Count() * facts.KeyColumns()[i].width; ++n)
-                sum += static_cast<std::size_t>(bytes[n]);
+            for (const std::uint32_t code : ReadCodes(facts, projection, i, all))
+                sum += code;
         }
         for (const Hierarchy& hierarchy : cube.Hierarchies()) {
             if (hierarchy.KeyColumn() != projection.SortOrder().front())
@@ -83,6 +83,31 @@ std::size_t AskFacts(const Cube& cube) {
         }
     }
     return sum + cube.FindMeasure("amount").value_or(0) + facts.Measures()[cube.DefaultMeasure()].name.size();
+}
+
+/// Asks for the facts of every rollup, and for those of one period in the middle of time.
+std::size_t AskRollups(const FactTable& facts) {
+    std::size_t sum = 0;
+    const RollupTable* const rollups = facts.Rollups();
+    for (std::uint64_t i = 0; rollups != nullptr && i < std::min<std::uint64_t>(rollups->Count(), 100); ++i) {
+        const RollupKey& key = rollups->At(i).key;
+        std::vector<Restriction> restrictions;
+        const auto restrict = [&](std::size_t column, const KeyRange& codes) {
+            const auto& columns = facts.KeyColumns();
+            if (column < columns.size() && codes.first < codes.last && codes.last <= columns[column].codes)
+                restrictions.push_back({column, CodeRanges(&codes, 1)});
+        };
+        restrict(key.firstColumn, key.first);
+        restrict(key.secondColumn, key.second);
+        for (std::size_t measure = 0; measure < facts.Measures().size(); ++measure)
+            sum += SumFacts(facts, restrictions, measure).rows;
+        if (const auto time = rollups->TimeColumn()) {
+            const KeyRange middle{facts.KeyColumns()[*time].codes / 3, facts.KeyColumns()[*time].codes};
+            restrict(*time, middle);
+            sum += SumFacts(facts, restrictions, 0).rows;
+        }
+    }
+    return sum;
 }
 
 } // namespace
@@ -98,6 +123,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             for (const Hierarchy& hierarchy : cube.Hierarchies())
                 sum = sum + AskHierarchy(hierarchy);
             sum = sum + AskFacts(cube);
+            sum = sum + AskRollups(cube.Facts());
         }
         file->Verify({});
     } catch (const EngineError&) {

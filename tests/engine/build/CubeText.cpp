@@ -6,12 +6,11 @@ namespace qel::engine {
 
 namespace {
 
-std::int64_t Stored(const std::byte* bytes, std::size_t width, bool isSigned) {
+std::int64_t Stored(const std::byte* bytes, std::size_t width) {
     std::int64_t value = 0;
     std::memcpy(&value, bytes, width);
     const std::size_t unused = 64 - 8 * width;
-    return isSigned ? static_cast<std::int64_t>(static_cast<std::uint64_t>(value) << unused) >> unused
-                    : value;
+    return static_cast<std::int64_t>(static_cast<std::uint64_t>(value) << unused) >> unused;
 }
 
 bool Holds(const Cube& cube, const Projection& projection, std::size_t hierarchyIndex, MemberId member,
@@ -20,8 +19,7 @@ bool Holds(const Cube& cube, const Projection& projection, std::size_t hierarchy
     if (!hierarchy.KeyColumn())
         return true;
     const std::size_t column = *hierarchy.KeyColumn();
-    const std::int64_t code =
-        Stored(projection.Keys(column, {row, row + 1}), cube.Facts().KeyColumns()[column].width, false);
+    const std::uint32_t code = ReadCodes(cube.Facts(), projection, column, {row, row + 1}).front();
     for (const KeyRange& range : hierarchy.Ranges(member)) {
         if (code >= range.first && code < range.last)
             return true;
@@ -57,13 +55,14 @@ std::int64_t SumOf(const Cube& cube, std::size_t measure, std::size_t projection
                    const std::vector<std::pair<std::size_t, MemberId>>& members) {
     const Projection& facts = cube.Facts().Projections()[projection];
     const std::uint8_t width = cube.Facts().Measures()[measure].width;
+    const std::int64_t unit = cube.Facts().Measures()[measure].unit;
     std::int64_t sum = 0;
     for (std::uint64_t row = 0; row < facts.RowCount(); ++row) {
         bool isHeld = true;
         for (const auto& [hierarchy, member] : members)
             isHeld = isHeld && Holds(cube, facts, hierarchy, member, row);
         if (isHeld)
-            sum += width == 0 ? 1 : Stored(facts.Values(measure, {row, row + 1}), width, true);
+            sum += width == 0 ? 1 : Stored(facts.Values(measure, {row, row + 1}), width) * unit;
     }
     return sum;
 }

@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <numeric>
 #include <string>
 
 namespace qel::engine {
@@ -48,8 +49,8 @@ std::string Answers(const Cube& cube) {
     for (const Projection& projection : facts.Projections()) {
         const RowRange all{0, projection.RowCount()};
         for (std::size_t i = 0; i < facts.KeyColumns().size(); ++i) {
-            const auto* const bytes = reinterpret_cast<const char*>(projection.Keys(i, all));
-            text.append(bytes, all.Count() * facts.KeyColumns()[i].width);
+            for (const std::uint32_t code : ReadCodes(facts, projection, i, all))
+                text += std::to_string(code) + ",";
         }
         const auto* const bytes = reinterpret_cast<const char*>(projection.Values(0, all));
         text.append(bytes, all.Count() * facts.Measures()[0].width);
@@ -99,7 +100,7 @@ TEST(CubeFile, GivesBackWhatWasWritten) {
     const auto* const values = cube->Facts().Projections()[0].Values(0, rows);
     EXPECT_THAT(std::vector<int>({static_cast<signed char>(values[0]), static_cast<signed char>(values[1])}),
                 ElementsAre(-7, 9));
-    EXPECT_THROW(cube->Facts().Projections()[0].Keys(0, {2, 4}), EngineError);
+    EXPECT_THROW(cube->Facts().Projections()[0].Slot(1, {2, 4}), EngineError);
 }
 
 TEST(CubeFile, NamesWhatCannotBeOpened) {
@@ -167,13 +168,13 @@ TEST(CubeFile, TellsAnotherVersionFromDamage) {
     const TemporaryFolder folder;
     SmallCube().Write(folder.Path("a.cub"));
     std::string bytes = folder.Read("a.cub");
-    bytes[8] = 2;
+    bytes[8] = 3;
     try {
         CubeFile::Open(folder.Write("new.cub", bytes));
         ADD_FAILURE();
     } catch (const EngineError& error) {
         EXPECT_EQ(error.Kind(), ErrorKind::UnsupportedVersion);
-        EXPECT_THAT(error.what(), HasSubstr("format version 2; this program reads version 1"));
+        EXPECT_THAT(error.what(), HasSubstr("format version 3; this program reads version 2"));
     }
 }
 
@@ -186,13 +187,14 @@ TEST(CubeFile, FactPagesAreCheckedWhenTheyAreRead) {
     cube.model.projections = {{{0}, {0, rows, rows}}};
     cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
     cube.values = {std::vector<std::int8_t>(rows, 1)};
+    cube.hasRollups = false;
     cube.Write(folder.Path("a.cub"));
     EXPECT_EQ(OpenFault(folder.Path("a.cub")), "no fault");
     std::string bytes = folder.Read("a.cub");
     bytes[bytes.size() - 100000] = 3; // among the last column, the values
     const auto file = CubeFile::Open(folder.Write("bad.cub", bytes));
     const Projection& projection = file->Cubes()[0].Facts().Projections()[0];
-    EXPECT_NO_THROW(projection.Keys(1, {0, rows}));
+    EXPECT_NO_THROW(projection.Slot(1, {0, rows}));
     EXPECT_NO_THROW(projection.Values(0, {0, 1000}));
     EXPECT_THROW(projection.Values(0, {0, rows}), EngineError);
     EXPECT_THROW(file->Verify({}), EngineError);
@@ -215,6 +217,16 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         {"width of codes", [](auto& c) { c.model.keyColumns[0].width = 3; },
          "key column account has a wrong width"},
         {"codes beyond the width", [](auto& c) { c.model.keyColumns[0].codes = 257; }, "has a wrong width"},
+        {"a slot beyond all", [](auto& c) { c.model.keyColumns[0].slot = 2; },
+         "account has a slot that does not exist"},
+        {"a slot of no column",
+         [](auto& c) { c.model.keyColumns[0].slot = 1, c.model.keyColumns[0].shift = 4; },
+         "a slot belongs to no key column"},
+        {"bits beyond the slot", [](auto& c) { c.model.keyColumns[0].shift = 8; },
+         "account has a wrong width"},
+        {"columns on the same bits", [](auto& c) { c.model.keyColumns[1].slot = 0; },
+         "firm lies over another"},
+        {"unit", [](auto& c) { c.model.measures[0].unit = 0; }, "measure Amount is not well-formed"},
         {"width of values", [](auto& c) { c.model.measures[0].width = 0; },
          "measure Amount is not well-formed"},
         {"decimals", [](auto& c) { c.model.measures[0].decimals = 19; }, "measure Amount is not well-formed"},
@@ -294,11 +306,18 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "keys of"},
         {"a column too short", [](auto& c) { c.keys[1][0].pop_back(); },
          "a column of facts has the wrong length"},
-        {"a column missing", [](auto& c) { c.keys[1].pop_back(); }, "section 49 of cube 0 is missing"},
+        {"a column missing", [](auto& c) { c.keys[0].pop_back(); }, "section 49 of cube 0 is missing"},
         // Those below open, since reading facts is what they would need, but do not pass the check of the
         // whole.
-        {"a fact's code out of range", [](auto& c) { c.keys[0][1][2] = 2; },
+        {"a fact's code out of range",
+         [](auto& c) {
+             c.model.keyColumns[1].codes = 3;
+             c.model.projections[1].leadRows = {0, 2, 3, 3};
+             c.keys[0][1][2] = 3;
+             c.hasRollups = false;
+         },
          "key column firm has a code out of range"},
+        {"a fact with other bits", [](auto& c) { c.keys[0][1][2] = 2; }, "a slot has bits of no key column"},
         {"facts not in order",
          [](auto& c) {
              c.keys[0][1] = {0, 1, 0};
@@ -306,9 +325,9 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "sort order 1: the facts are not in their"},
         {"a fact under another lead",
          [](auto& c) {
-             c.keys[0][0] = {0, 0, 1};
+             c.model.projections[0].leadRows = {0, 2, 3};
          },
-         "not in their order"},
+         "sort orders 1 and 2 hold different facts"},
         {"orders that differ", [](auto& c) { c.values[1][0] = 8; },
          "sort orders 1 and 2 hold different facts"},
         {"a child's code its parent lacks",
@@ -316,6 +335,65 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.Accounts().ranges[1] = {0, 1};
          },
          "parent lacks some"},
+        {"rollups by a time that does not exist", [](auto& c) { c.rollups.timeColumn = 2; },
+         "the rollups' time"},
+        {"rollups by a word that does not exist", [](auto& c) { c.rollups.wordColumns[0].column = 2; },
+         "the rollups' word"},
+        {"a word column of other bits", [](auto& c) { c.rollups.wordColumns[0].bits = 2; },
+         "the rollups' word"},
+        {"a word column beyond the word", [](auto& c) { c.rollups.wordColumns[0].shift = 32; },
+         "the rollups' word"},
+        {"word columns on the same bits",
+         [](auto& c) {
+             c.rollups.wordColumns.push_back({1, 0, 1});
+         },
+         "the rollups' word"},
+        {"no periods", [](auto& c) { c.rollups.granules.clear(); }, "the rollups' periods"},
+        {"periods that do not end with time",
+         [](auto& c) {
+             c.rollups.granules = {0, 2};
+         },
+         "the rollups' periods"},
+        {"more periods than blocks have",
+         [](auto& c) {
+             c.rollups.timeColumn = 0;
+             c.model.keyColumns[0].codes = 66, c.model.keyColumns[0].width = 1;
+             c.model.projections[0].leadRows.assign(67, 3);
+             c.model.projections[0].leadRows[0] = 0;
+             c.rollups.granules.resize(67);
+             std::iota(c.rollups.granules.begin(), c.rollups.granules.end(), 0U);
+         },
+         "the rollups' periods"},
+        {"rollup rows beyond the section", [](auto& c) { c.rollups.rows = 3; }, "section of the rollups"},
+        {"strips without sums", [](auto& c) { c.rollups.sums[0].pop_back(); }, "section of the rollups"},
+        {"strips without periods", [](auto& c) { c.rollups.stripPeriods.pop_back(); },
+         "section of the rollups"},
+        {"a rollup beyond the rows", [](auto& c) { c.rollups.records[1].start = 1; },
+         "rollup 2: its facts are not in order"},
+        {"a rollup beyond the strips", [](auto& c) { c.rollups.records[0].strips = 3; },
+         "lie outside a section"},
+        {"strips that descend",
+         [](auto& c) {
+             c.rollups.stripWords = {1, 0};
+         },
+         "rollup 1: its facts are not in order"},
+        {"a strip of other periods", [](auto& c) { c.rollups.stripPeriods[0] = 3; },
+         "rollup 1: its facts are not in order"},
+        {"rollup rows that descend",
+         [](auto& c) {
+             c.rollupFirms = {1, 0};
+         },
+         "rollup 2: its facts are not in order"},
+        {"a sum that differs", [](auto& c) { c.rollups.sums[0][1] = 8; },
+         "rollup 1: it differs from the facts"},
+        {"a count that differs", [](auto& c) { c.rollups.counts[0] = 1; },
+         "rollup 1: it differs from the facts"},
+        {"a rollup's value that differs", [](auto& c) { c.rollupValues[0] = 7; },
+         "rollup 2: it differs from the facts"},
+        {"a rollup of no column", [](auto& c) { c.rollups.records[1].key.firstColumn = 2; },
+         "rollup 2: its key has codes that do not exist"},
+        {"two rollups of one key", [](auto& c) { c.rollups.records[1].key = {}; },
+         "its key does not find it"},
         {"a name that is not UTF-8", [](auto& c) { c.Accounts().names.bytes[0] = '\xFF'; }, "not UTF-8"},
     };
     const TemporaryFolder folder;
@@ -325,6 +403,22 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         cube.Write(folder.Path("bad.cub"));
         EXPECT_THAT(OpenFault(folder.Path("bad.cub")), HasSubstr(test.fault)) << test.what;
     }
+}
+
+/// Rollups are optional: a file without them gives the same facts.
+TEST(CubeFile, DoesWithoutRollups) {
+    const TemporaryFolder folder;
+    SmallCube with, without;
+    without.hasRollups = false;
+    with.Write(folder.Path("with.cub"));
+    without.Write(folder.Path("without.cub"));
+    const auto first = CubeFile::Open(folder.Path("with.cub")),
+               second = CubeFile::Open(folder.Path("without.cub"));
+    EXPECT_EQ(OpenFault(folder.Path("with.cub")), "no fault");
+    EXPECT_EQ(OpenFault(folder.Path("without.cub")), "no fault");
+    EXPECT_EQ(Answers(first->Cubes()[0]), Answers(second->Cubes()[0]));
+    ASSERT_NE(first->Cubes()[0].Facts().Rollups(), nullptr);
+    EXPECT_EQ(second->Cubes()[0].Facts().Rollups(), nullptr);
 }
 
 TEST(CubeFile, AppearsOnlyWhenItIsComplete) {

@@ -1,7 +1,9 @@
 #include "tests/engine/storage/SmallCube.h"
 
 #include "engine/storage/Cube.h"
+#include "engine/storage/RollupWriter.h"
 
+#include <algorithm>
 #include <span>
 
 namespace qel::engine {
@@ -48,19 +50,35 @@ SmallCube::SmallCube() {
     model.name = model.caption = "Small";
     model.dimensions = {{"Accounts", "Accounts", false, {MakeAccounts()}},
                         {"Firm", "Firm", false, {MakeFirms()}}};
-    model.keyColumns = {{"account", 2, 1}, {"firm", 2, 1}};
-    model.measures = {{"Amount", "Amount", Aggregate::Sum, 2, 1}, {"Lines", "Lines", Aggregate::Count, 0, 0}};
+    model.keyColumns = {{"account", 2, 1, 0, 0}, {"firm", 2, 1, 1, 0}};
+    model.measures = {{"Amount", "Amount", Aggregate::Sum, 2, 1, 1},
+                      {"Lines", "Lines", Aggregate::Count, 0, 0, 1}};
     model.rowCount = 3;
     model.projections = {{{0, 1}, {0, 1, 3}}, {{1}, {0, 2, 3}}};
     keys = {{{0, 1, 1}, {0, 0, 1}}, {{1, 0, 1}, {0, 0, 1}}};
     values = {{5, -7, 9}, {-7, 5, 9}};
+
+    rollups.wordColumns = {{1, 0, 1}};
+    rollups.granules = {0, 1};
+    rollups.records = {{{}, 2, 0, 3}, {{0, RollupKey::noColumn, {1, 2}, {}}, 0, 0, 2}};
+    rollups.rows = 2;
+    rollups.stripWords = {0, 1};
+    rollups.stripPeriods = {1, 1};
+    rollups.stripEntries = {0, 1, 2};
+    rollups.sums = {{-2, 9}, {}};
+    rollups.counts = {2, 1};
+    rollupFirms = {0, 1};
+    rollupValues = {-7, 9};
 }
 
 void SmallCube::AddTo(CubeFileWriter& writer) const {
     const std::uint32_t cube = writer.AddCube(model);
-    for (std::size_t order = 0; order < keys.size(); ++order) {
+    for (std::size_t order = 0; order < std::min(keys.size(), model.projections.size()); ++order) {
         for (std::size_t column = 0; column < keys[order].size(); ++column) {
-            writer.BeginKeys(cube, order, column);
+            const auto& sortOrder = model.projections[order].sortOrder;
+            if (!sortOrder.empty() && sortOrder.front() == column)
+                continue; // its place says a row's leading code
+            writer.BeginSlots(cube, order, column);
             writer.Append(std::as_bytes(std::span(keys[order][column])));
             writer.End();
         }
@@ -68,6 +86,16 @@ void SmallCube::AddTo(CubeFileWriter& writer) const {
         writer.Append(std::as_bytes(std::span(values[order])));
         writer.End();
     }
+    if (!hasRollups)
+        return;
+    WriteRollups(rollups, model, cube, writer);
+    using format::SectionKind;
+    writer.Begin({static_cast<std::uint32_t>(SectionKind::RollupSlots), cube, 0, 1});
+    writer.Append(std::as_bytes(std::span(rollupFirms)));
+    writer.End();
+    writer.Begin({static_cast<std::uint32_t>(SectionKind::RollupValues), cube, 0, 0});
+    writer.Append(std::as_bytes(std::span(rollupValues)));
+    writer.End();
 }
 
 void SmallCube::Write(const std::filesystem::path& path) const {

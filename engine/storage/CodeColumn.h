@@ -1,5 +1,7 @@
 #pragma once
 
+#include "engine/storage/FactTable.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -26,22 +28,28 @@ decltype(auto) VisitCodeType(std::uint8_t width, const Visit& visit) {
 /// The codes of some rows in one key column.
 class CodeColumn {
 public:
-    CodeColumn(const std::byte* data, std::uint8_t width) : data_(data), width_(width) {}
+    /// `slots` holds the rows' values of the column's slot.
+    CodeColumn(const std::byte* slots, const KeyColumn& column)
+        : data_(slots), mask_(column.Mask()), shift_(column.shift), width_(column.width) {}
 
     std::uint32_t operator[](std::size_t row) const {
-        return VisitCodeType(width_,
-                             [&](auto type) -> std::uint32_t { return ReadAt<decltype(type)>(data_, row); });
+        return VisitCodeType(width_, [&](auto type) -> std::uint32_t {
+            return (ReadAt<decltype(type)>(data_, row) & mask_) >> shift_;
+        });
     }
 
     /// The first row in [first, last) whose code is not less than `code`; the rows are sorted.
     std::size_t LowerBound(std::size_t first, std::size_t last, std::uint32_t code) const {
+        const std::uint64_t wanted = std::uint64_t{code} << shift_;
         return VisitCodeType(width_, [&](auto type) {
-            while (first < last) {
-                const std::size_t middle = first + (last - first) / 2;
-                if (ReadAt<decltype(type)>(data_, middle) < code) {
-                    first = middle + 1;
+            std::size_t count = last - first;
+            while (count > 0) {
+                const std::size_t half = count / 2;
+                if ((ReadAt<decltype(type)>(data_, first + half) & mask_) < wanted) {
+                    first += half + 1;
+                    count -= half + 1;
                 } else {
-                    last = middle;
+                    count = half;
                 }
             }
             return first;
@@ -50,7 +58,8 @@ public:
 
 private:
     const std::byte* data_;
-    std::uint8_t width_;
+    std::uint32_t mask_;
+    std::uint8_t shift_, width_;
 };
 
 } // namespace qel::engine

@@ -1,0 +1,213 @@
+#include "engine/build/RollupChoice.h"
+
+#include "engine/build/RollupLayout.h"
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+#include <set>
+#include <utility>
+
+namespace qel::engine {
+
+namespace {
+
+/// What reading costs, in nanoseconds: a row of a run, and finding a run inside the rows of a leading code.
+constexpr double rowCost = 0.25, searchCost = 300;
+/// Questions that cost less than this are left to the sort orders.
+constexpr double leastCost = 2000;
+/// What rollups may add to the file, in bytes a fact.
+constexpr double budgetPerFact = 55;
+/// A record and its share of the lookup table.
+constexpr std::uint64_t recordBytes = 52;
+
+struct Candidate {
+    ChosenRollup rollup;
+    double cost = 0;
+};
+
+/// How many facts each code has, added up.
+std::vector<std::uint64_t> RunningCounts(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
+    std::vector<std::uint64_t> counts(std::size_t{codeCount} + 1);
+    for (const std::uint32_t code : codes)
+        ++counts[std::size_t{code} + 1];
+    std::partial_sum(counts.begin(), counts.end(), counts.begin());
+    return counts;
+}
+
+/// A column that leads a sort order: its ranges that are costly even though their facts are one run.
+struct Lead {
+    std::vector<std::uint64_t> counts; ///< running, by code
+    std::vector<KeyRange> ranges;
+
+    std::uint64_t Rows(KeyRange range) const { return counts[range.last] - counts[range.first]; }
+};
+
+class RollupChooser {
+public:
+    RollupChooser(const CubeModel& model, const FactColumns& facts, const RollupModel& rollups)
+        : model_(model), facts_(facts), rollups_(rollups) {}
+
+    std::vector<ChosenRollup> Run();
+
+private:
+    void FindLeads();
+    void AddSingles();
+    void AddPairs(std::uint16_t lead, std::uint16_t second);
+    void AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second, const std::uint32_t* first,
+                    const std::uint32_t* last);
+    std::vector<ChosenRollup> TakeBest();
+    std::uint64_t Bytes(std::uint64_t rows) const;
+    /// The rows in the order of the column's codes.
+    std::vector<std::uint32_t> Sorted(std::uint16_t column) const;
+
+    const CubeModel& model_;
+    const FactColumns& facts_;
+    const RollupModel& rollups_;
+    std::map<std::uint16_t, Lead> leads_;
+    std::vector<Candidate> candidates_;
+};
+
+std::vector<ChosenRollup> RollupChooser::Run() {
+    FindLeads();
+    AddSingles();
+    std::set<std::pair<std::uint16_t, std::uint16_t>> done;
+    for (const ProjectionModel& projection : model_.projections) {
+        if (projection.sortOrder.size() < 2)
+            continue;
+        const std::uint16_t lead = projection.sortOrder[0], second = projection.sortOrder[1];
+        if (leads_.count(lead) != 0 && IsRollupKey(rollups_, second) &&
+            done.insert(std::minmax(lead, second)).second)
+            AddPairs(lead, second);
+    }
+    return TakeBest();
+}
+
+void RollupChooser::FindLeads() {
+    for (const ProjectionModel& projection : model_.projections) {
+        const std::uint16_t column = projection.sortOrder.front();
+        if (!IsRollupKey(rollups_, column) || leads_.count(column) != 0)
+            continue;
+        Lead lead;
+        lead.counts = RunningCounts(facts_.keys[column], model_.keyColumns[column].codes);
+        lead.ranges = MemberRanges(model_, column);
+        std::erase_if(lead.ranges, [&](KeyRange range) {
+            return static_cast<double>(lead.Rows(range)) * rowCost < leastCost;
+        });
+        leads_.emplace(column, std::move(lead));
+    }
+}
+
+void RollupChooser::AddSingles() {
+    const auto rows = facts_.rowCount;
+    if (static_cast<double>(rows) * rowCost >= leastCost)
+        candidates_.push_back({{{}, {}, {}, {}, rows}, static_cast<double>(rows) * rowCost});
+    for (const auto& [column, lead] : leads_) {
+        for (const KeyRange range : lead.ranges)
+            candidates_.push_back(
+                {{column, {}, range, {}, lead.Rows(range)}, static_cast<double>(lead.Rows(range)) * rowCost});
+    }
+}
+
+void RollupChooser::AddPairs(std::uint16_t lead, std::uint16_t second) {
+    const std::vector<std::uint32_t> rows = Sorted(lead);
+    for (const KeyRange range : leads_[lead].ranges) {
+        const auto& counts = leads_[lead].counts;
+        AddPairsOf(lead, range, second, rows.data() + counts[range.first], rows.data() + counts[range.last]);
+    }
+}
+
+void RollupChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
+                               const std::uint32_t* first, const std::uint32_t* last) {
+    const auto& secondCodes = facts_.keys[second];
+    std::vector<std::uint64_t> counts(std::size_t{model_.keyColumns[second].codes} + 1);
+    for (const std::uint32_t* row = first; row != last; ++row)
+        ++counts[std::size_t{secondCodes[*row]} + 1];
+    std::partial_sum(counts.begin(), counts.end(), counts.begin());
+    const auto ownLead = leads_.find(second);
+    const bool isSearchable =
+        std::any_of(model_.projections.begin(), model_.projections.end(), [&](const auto& other) {
+            return other.sortOrder.size() > 1 && other.sortOrder[0] == second && other.sortOrder[1] == lead;
+        });
+    for (const KeyRange range :
+         ownLead == leads_.end() ? MemberRanges(model_, second) : ownLead->second.ranges) {
+        const std::uint64_t rows = counts[range.last] - counts[range.first];
+        const double reading = static_cast<double>(rows) * rowCost;
+        double cost =
+            std::min(static_cast<double>(last - first) * rowCost, leadCodes.Count() * searchCost + reading);
+        if (isSearchable)
+            cost = std::min(cost, range.Count() * searchCost + reading);
+        if (cost >= leastCost)
+            candidates_.push_back({{lead, second, leadCodes, range, rows}, cost});
+    }
+}
+
+std::vector<ChosenRollup> RollupChooser::TakeBest() {
+    std::stable_sort(candidates_.begin(), candidates_.end(),
+                     [](const Candidate& left, const Candidate& right) { return left.cost > right.cost; });
+    auto budget = static_cast<std::uint64_t>(budgetPerFact * static_cast<double>(facts_.rowCount));
+    std::vector<ChosenRollup> chosen;
+    for (const Candidate& candidate : candidates_) {
+        const std::uint64_t bytes = Bytes(candidate.rollup.rows);
+        if (bytes > budget)
+            continue;
+        budget -= bytes;
+        chosen.push_back(candidate.rollup);
+    }
+    return chosen;
+}
+
+std::uint64_t RollupChooser::Bytes(std::uint64_t rows) const {
+    // Strips have an entry for each of the facts, or for all combinations that there can be.
+    std::uint64_t cells = rollups_.granules.size() - 1;
+    for (const RollupTable::WordColumn& word : rollups_.wordColumns)
+        cells = std::min(rows + 1, cells * std::max(1U, model_.keyColumns[word.column].codes));
+    return recordBytes +
+           std::min(rows * RollupRowBytes(model_, rollups_), std::min(rows, cells) * StripEntryBytes(model_));
+}
+
+std::vector<std::uint32_t> RollupChooser::Sorted(std::uint16_t column) const {
+    const auto& codes = facts_.keys[column];
+    std::vector<std::uint64_t> place = leads_.at(column).counts;
+    std::vector<std::uint32_t> rows(facts_.rowCount);
+    for (std::uint32_t row = 0; row < facts_.rowCount; ++row)
+        rows[place[codes[row]]++] = row;
+    return rows;
+}
+
+} // namespace
+
+RollupKey ChosenRollup::Key() const {
+    RollupKey key;
+    if (lead)
+        key.Add(*lead, leadCodes);
+    if (second)
+        key.Add(*second, secondCodes);
+    return key;
+}
+
+std::vector<ChosenRollup> ChooseRollups(const CubeModel& model, const FactColumns& facts,
+                                        const RollupModel& rollups) {
+    return RollupChooser(model, facts, rollups).Run();
+}
+
+std::uint64_t RollupRowBytes(const CubeModel& model, const RollupModel& rollups) {
+    std::map<std::uint16_t, std::uint64_t> slots;
+    for (const RollupTable::WordColumn& word : rollups.wordColumns)
+        slots[model.keyColumns[word.column].slot] = model.keyColumns[word.column].width;
+    if (rollups.timeColumn)
+        slots[model.keyColumns[*rollups.timeColumn].slot] = model.keyColumns[*rollups.timeColumn].width;
+    std::uint64_t bytes = 0;
+    for (const auto& [slot, width] : slots)
+        bytes += width;
+    for (const Measure& measure : model.measures)
+        bytes += measure.width;
+    return bytes;
+}
+
+std::uint64_t StripEntryBytes(const CubeModel& model) {
+    constexpr std::uint64_t bytesEach = 4; // at least
+    return model.measures.size() * bytesEach;
+}
+
+} // namespace qel::engine

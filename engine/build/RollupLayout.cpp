@@ -1,0 +1,104 @@
+#include "engine/build/RollupLayout.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace qel::engine {
+
+namespace {
+
+/// More granules than this would leave strips with little to share.
+constexpr std::size_t mostGranules = 400;
+constexpr unsigned wordBits = 32;
+/// A column of more bits has groups of members that are asked for; it is a key of rollups instead.
+constexpr unsigned mostBitsInWord = 5;
+constexpr std::uint32_t blockGranules = 64;
+
+const HierarchyModel* TimeHierarchy(const CubeModel& model) {
+    for (const DimensionModel& dimension : model.dimensions) {
+        if (dimension.isTime && dimension.hierarchies.front().keyColumn)
+            return &dimension.hierarchies.front();
+    }
+    return nullptr;
+}
+
+/// The members of the finest level that is not too fine. Every level of a calendar covers all of it.
+std::vector<std::uint32_t> GranulesOf(const HierarchyModel& time, std::uint32_t codes) {
+    std::vector<std::uint32_t> granules;
+    std::uint32_t levelEnd = static_cast<std::uint32_t>(time.parents.size());
+    for (auto level = time.levels.rbegin(); level != time.levels.rend() && granules.empty(); ++level) {
+        const std::uint32_t first = levelEnd - level->memberCount;
+        for (std::uint32_t member = first; member < levelEnd && level->memberCount <= mostGranules; ++member)
+            granules.push_back(time.ranges[time.rangeOffsets[member]].first);
+        levelEnd = first;
+    }
+    granules.push_back(codes);
+    if (granules.front() != 0)
+        granules.insert(granules.begin(), 0);
+    return granules;
+}
+
+} // namespace
+
+RollupModel LayOutRollups(const CubeModel& model) {
+    RollupModel rollups;
+    rollups.granules = {0, 1};
+    if (const HierarchyModel* time = TimeHierarchy(model)) {
+        rollups.timeColumn = time->keyColumn;
+        rollups.granules = GranulesOf(*time, model.keyColumns[*time->keyColumn].codes);
+    }
+    const auto blocks = static_cast<std::uint32_t>((rollups.granules.size() - 2) / blockGranules);
+    rollups.blockBits = static_cast<std::uint8_t>(std::bit_width(blocks));
+    std::vector<std::uint16_t> narrow;
+    for (std::size_t i = 0; i < model.keyColumns.size(); ++i) {
+        if (model.keyColumns[i].Bits() <= mostBitsInWord && i != rollups.timeColumn)
+            narrow.push_back(static_cast<std::uint16_t>(i));
+    }
+    std::stable_sort(narrow.begin(), narrow.end(), [&](auto left, auto right) {
+        return model.keyColumns[left].Bits() < model.keyColumns[right].Bits();
+    });
+    unsigned shift = rollups.blockBits;
+    for (const std::uint16_t column : narrow) {
+        const unsigned bits = model.keyColumns[column].Bits();
+        if (shift + bits > wordBits)
+            break;
+        rollups.wordColumns.insert(rollups.wordColumns.begin(), {column, static_cast<std::uint8_t>(shift),
+                                                                 static_cast<std::uint8_t>(bits)});
+        shift += bits;
+    }
+    rollups.sums.resize(model.measures.size());
+    return rollups;
+}
+
+bool IsRollupKey(const RollupModel& rollups, std::size_t keyColumn) {
+    const auto& words = rollups.wordColumns;
+    return keyColumn != rollups.timeColumn && std::none_of(words.begin(), words.end(), [&](const auto& word) {
+               return word.column == keyColumn;
+           });
+}
+
+std::vector<KeyRange> MemberRanges(const CubeModel& model, std::size_t keyColumn) {
+    constexpr std::uint32_t mostRanges = 16; // of a member
+    const KeyRange all{0, model.keyColumns[keyColumn].codes};
+    std::vector<KeyRange> found;
+    for (const DimensionModel& dimension : model.dimensions) {
+        for (const HierarchyModel& hierarchy : dimension.hierarchies) {
+            for (std::size_t member = 0;
+                 hierarchy.keyColumn == keyColumn && member < hierarchy.parents.size(); ++member) {
+                const std::uint32_t first = hierarchy.rangeOffsets[member];
+                const std::uint32_t last = hierarchy.rangeOffsets[member + 1];
+                if (last - first <= mostRanges)
+                    found.insert(found.end(), hierarchy.ranges.begin() + first,
+                                 hierarchy.ranges.begin() + last);
+            }
+        }
+    }
+    std::sort(found.begin(), found.end(), [](KeyRange left, KeyRange right) {
+        return left.first != right.first ? left.first < right.first : left.last > right.last;
+    });
+    found.erase(std::unique(found.begin(), found.end()), found.end());
+    found.erase(std::remove(found.begin(), found.end(), all), found.end());
+    return found;
+}
+
+} // namespace qel::engine

@@ -1,0 +1,124 @@
+#include "engine/eval/ColumnLoops.h"
+
+#include "engine/eval/Vectorised.h"
+#include "engine/storage/CodeColumn.h"
+
+#include <bit>
+#include <cstring>
+
+namespace qel::engine {
+
+namespace {
+
+#define QEL_INLINE inline __attribute__((always_inline))
+
+template <class Slot>
+QEL_INLINE void Between(const std::byte* slots, std::size_t count, std::uint32_t bits, std::uint32_t first,
+                        std::uint32_t last, std::uint8_t* mask) {
+    const auto under = static_cast<Slot>(bits);
+    const auto lowest = static_cast<Slot>(first);
+    // What lies below `first` wraps around to large numbers, so one comparison tests both ends.
+    const auto span = static_cast<Slot>(last - first);
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto distance = static_cast<Slot>((ReadAt<Slot>(slots, i) & under) - lowest);
+        mask[i] &= static_cast<std::uint8_t>(distance <= span);
+    }
+}
+
+template <class Amount>
+QEL_INLINE std::uint64_t SumAll(const std::byte* values, std::size_t count) {
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        sum += static_cast<std::uint64_t>(std::int64_t{ReadAt<Amount>(values, i)});
+    }
+    return sum;
+}
+
+template <class Amount>
+QEL_INLINE std::uint64_t SumMarked(const std::byte* values, std::size_t count, const std::uint8_t* mask) {
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint64_t all = 0 - std::uint64_t{mask[i]};
+        sum += static_cast<std::uint64_t>(std::int64_t{ReadAt<Amount>(values, i)}) & all;
+    }
+    return sum;
+}
+
+/// For blocks of which few rows passed: looks at eight rows at once.
+template <class Amount>
+QEL_INLINE std::uint64_t SumFew(const std::byte* values, std::size_t count, const std::uint8_t* mask) {
+    constexpr std::size_t step = 8;
+    std::uint64_t sum = 0;
+    std::size_t i = 0;
+    for (; i + step <= count; i += step) {
+        std::uint64_t marks = 0;
+        std::memcpy(&marks, mask + i, step);
+        for (; marks != 0; marks &= marks - 1) {
+            const std::size_t row = i + static_cast<std::size_t>(std::countr_zero(marks)) / step;
+            sum += static_cast<std::uint64_t>(std::int64_t{ReadAt<Amount>(values, row)});
+        }
+    }
+    return sum + SumMarked<Amount>(values + i * sizeof(Amount), count - i, mask + i);
+}
+
+template <class Amount>
+QEL_INLINE std::uint64_t SumBlock(const std::byte* values, std::size_t count, const BlockMask* mask) {
+    constexpr std::uint64_t fewShare = 8;
+    if (mask == nullptr) {
+        return SumAll<Amount>(values, count);
+    }
+    return CountRows(*mask, count) * fewShare < count ? SumFew<Amount>(values, count, mask->data())
+                                                      : SumMarked<Amount>(values, count, mask->data());
+}
+
+} // namespace
+
+QEL_VECTORISED
+void KeepBetween(SlotBlock slots, std::uint32_t bits, std::uint32_t first, std::uint32_t last,
+                 BlockMask& mask) {
+    if (slots.width == 1) {
+        Between<std::uint8_t>(slots.data, slots.count, bits, first, last, mask.data());
+    } else if (slots.width == 2) {
+        Between<std::uint16_t>(slots.data, slots.count, bits, first, last, mask.data());
+    } else {
+        Between<std::uint32_t>(slots.data, slots.count, bits, first, last, mask.data());
+    }
+}
+
+void KeepListed(SlotBlock slots, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
+                BlockMask& mask) {
+    VisitCodeType(slots.width, [&](auto type) {
+        using Slot = decltype(type);
+        for (std::size_t i = 0; i < slots.count; ++i) {
+            // A code comes from the file and is not trusted to lie within the table.
+            const std::size_t code = (ReadAt<Slot>(slots.data, i) & bits) >> shift;
+            mask[i] &= code < isIn.size() ? isIn[code] : std::uint8_t{0};
+        }
+    });
+}
+
+QEL_VECTORISED
+std::uint64_t CountRows(const BlockMask& mask, std::size_t count) {
+    std::uint32_t rows = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        rows += mask[i];
+    }
+    return rows;
+}
+
+QEL_VECTORISED
+std::uint64_t SumValues(const std::byte* values, std::uint8_t width, std::size_t count,
+                        const BlockMask* mask) {
+    switch (width) {
+    case 1:
+        return SumBlock<std::int8_t>(values, count, mask);
+    case 2:
+        return SumBlock<std::int16_t>(values, count, mask);
+    case 4:
+        return SumBlock<std::int32_t>(values, count, mask);
+    default:
+        return SumBlock<std::int64_t>(values, count, mask);
+    }
+}
+
+} // namespace qel::engine

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "engine/eval/FactScan.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace qel::engine {
+
+/// The codes of one word column that pass, as they lie in the word.
+struct WordTest {
+    std::uint32_t bits = 0;
+    std::uint8_t shift = 0;
+    CodeRanges codes;
+};
+
+/// Sums one rollup that is made of strips.
+class StripSum {
+public:
+    /// The tests are of the word's columns; one of time is passed over. All must outlive this object.
+    StripSum(const FactTable& facts, const Rollup& rollup, std::span<const Restriction> tests,
+             std::size_t measure);
+
+    /// The facts of the granules of time from `first` up to, without, `last`. For a measure that is summed
+    /// the rows that are told are fewer than there are, but 0 only when there is none.
+    FactSum Sum(std::uint32_t first, std::uint32_t last) const;
+
+private:
+    void AddTest(const RollupTable::WordColumn& word, CodeRanges codes);
+    void Narrow(std::uint8_t shift, KeyRange codes);
+
+    const FactTable& facts_;
+    const RollupTable& rollups_;
+    std::size_t measure_;
+    RollupTable::Strips strips_;
+    std::uint64_t stripCount_;
+    std::uint32_t bits_ = 0, value_ = 0; ///< what a word must have where one code alone passes
+    std::vector<WordTest> tests_;        ///< where more do
+};
+
+} // namespace qel::engine

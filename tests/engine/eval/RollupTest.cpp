@@ -1,0 +1,239 @@
+#include "engine/EngineError.h"
+#include "engine/build/BuildCube.h"
+#include "engine/eval/FactScan.h"
+#include "engine/eval/RollupSum.h"
+#include "engine/storage/CubeFile.h"
+#include "tests/TemporaryFolder.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <random>
+
+namespace qel::engine {
+namespace {
+
+using test::TemporaryFolder;
+
+/// A fact by the codes of its columns: account, region, number, firm, kind, day.
+struct Fact {
+    std::array<std::uint32_t, 6> codes;
+    std::array<std::int64_t, 2> amounts; ///< the second needs more than 32 bits to be summed
+};
+
+constexpr std::array<std::uint32_t, 6> codeCounts{300, 100, 20, 8, 25, 731};
+constexpr const char* columns[] = {"account", "region", "number", "firm", "kind", "date"};
+constexpr std::size_t day = 5;
+
+std::string DateOf(std::uint32_t dayNumber) {
+    constexpr std::array<std::uint32_t, 12> lengths{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
+    const std::uint32_t year = dayNumber < 365 ? 2023 : 2024;
+    std::uint32_t rest = dayNumber < 365 ? dayNumber : dayNumber - 365, month = 0;
+    for (; rest >= lengths[month] + (year == 2024 && month == 1 ? 1U : 0U); ++month) {
+        rest -= lengths[month] + (year == 2024 && month == 1 ? 1U : 0U);
+    }
+    return fmt::format("{}-{:02}-{:02}", year, month + 1, rest + 1);
+}
+
+/// A cube large enough to have rollups of both kinds, by days, whose facts the tests know.
+class RollupTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        std::mt19937_64 random(11);
+        std::string csv = "account,region,number,firm,kind,date,amount,wide\n";
+        for (std::uint32_t i = 0; i < 40'000; ++i) {
+            Fact fact{};
+            for (std::size_t column = 0; column < codeCounts.size(); ++column) {
+                // Every code occurs; low accounts have most of the facts.
+                const auto drawn = static_cast<std::uint32_t>(random() % codeCounts[column]);
+                fact.codes[column] = i < codeCounts[column] ? i
+                                     : column == 0 ? static_cast<std::uint32_t>(random() % (drawn + 1))
+                                                   : drawn;
+            }
+            fact.amounts = {static_cast<std::int64_t>(random() % 20'001) - 10'000,
+                            static_cast<std::int64_t>(random() % 4'000'000'000)};
+            const auto& c = fact.codes;
+            csv += fmt::format("{:03},{:03},{:02},{},{:02},{},{},{}\n", c[0], c[1], c[2], c[3], c[4],
+                               DateOf(c[5]), fact.amounts[0], fact.amounts[1]);
+            facts_.push_back(fact);
+        }
+        folder_ = std::make_unique<TemporaryFolder>();
+        folder_->Write("facts.csv", csv);
+        WriteTree("accounts.csv", codeCounts[0], 100, 10);
+        WriteTree("regions.csv", codeCounts[1], 50, 10);
+        BuildOptions options;
+        options.definition = folder_->Write("cube.json", R"({ "tables": { "facts": { "file": "facts.csv" },
+            "accounts": { "file": "accounts.csv" }, "regions": { "file": "regions.csv" } },
+          "cubes": [ { "name": "Rollups", "facts": "facts",
+            "dimensions": [
+              { "name": "Account", "column": "account", "table": "accounts", "key": "code", "hierarchies": [
+                { "name": "Account", "levels": [ { "name": "A", "key": "a" }, { "name": "B", "key": "b" }, { "name": "C", "key": "code" } ] } ] },
+              { "name": "Region", "column": "region", "table": "regions", "key": "code", "hierarchies": [
+                { "name": "Region", "levels": [ { "name": "A", "key": "a" }, { "name": "B", "key": "b" }, { "name": "C", "key": "code" } ] } ] },
+              { "name": "Number", "column": "number" }, { "name": "Firm", "column": "firm" },
+              { "name": "Kind", "column": "kind" },
+              { "name": "Date", "column": "date", "calendar": { "periods": "days", "quarters": true } } ],
+            "measures": [ { "name": "Amount", "column": "amount", "decimals": 0 },
+                          { "name": "Wide", "column": "wide", "decimals": 0 },
+                          { "name": "Lines", "aggregate": "count" } ] } ] })");
+        options.output = folder_->Path("rollups.cub");
+        BuildCube(options);
+        file_ = CubeFile::Open(options.output);
+    }
+    static void TearDownTestSuite() {
+        file_.reset();
+        facts_.clear();
+        folder_.reset();
+    }
+
+    static void WriteTree(const char* name, std::uint32_t codes, std::uint32_t large, std::uint32_t small) {
+        std::string csv = "code,a,b\n";
+        for (std::uint32_t code = 0; code < codes; ++code) {
+            csv += fmt::format("{:03},{},{:02}\n", code, code / large, code / small);
+        }
+        folder_->Write(name, csv);
+    }
+
+    static const FactTable& Table() { return file_->Cubes()[0].Facts(); }
+    static std::size_t Column(std::size_t column) {
+        for (std::size_t i = 0; i < Table().KeyColumns().size(); ++i) {
+            if (Table().KeyColumns()[i].name == columns[column]) {
+                return i;
+            }
+        }
+        throw std::logic_error("no such column");
+    }
+
+    std::uint32_t Below(std::uint32_t bound) { return static_cast<std::uint32_t>(random_() % bound); }
+
+    /// One range of a group's size, now and then two.
+    std::vector<KeyRange> DrawRanges(std::size_t column) {
+        const std::uint32_t size = std::array<std::uint32_t, 4>{1, 10, 50, 100}[Below(4)];
+        const std::uint32_t first = Below(codeCounts[column]) / size * size;
+        std::vector<KeyRange> ranges{{first, std::min(first + size, codeCounts[column])}};
+        if (Below(5) == 0 && first >= size + 1) {
+            ranges.insert(ranges.begin(), {first - size - 1, first - 1});
+        }
+        return ranges;
+    }
+    /// Whole months and years of the 24 months, or days.
+    std::vector<KeyRange> DrawDays() {
+        const auto granules = Table().Rollups()->Granules();
+        const std::uint32_t first = Below(24), last = first + 1 + Below(24 - first);
+        KeyRange days{granules[first], granules[last]};
+        if (Below(3) == 0) {
+            days.first += Below(40);
+            days.last = std::min(days.last + Below(40), codeCounts[day]);
+        }
+        if (days.first >= days.last) {
+            days = {100, 101};
+        }
+        return {days};
+    }
+
+    std::mt19937 random_{5};
+    static inline std::vector<Fact> facts_;
+    static inline std::unique_ptr<TemporaryFolder> folder_;
+    static inline std::shared_ptr<const CubeFile> file_;
+};
+
+TEST_F(RollupTest, SumsWhatTheFactsDo) {
+    ASSERT_NE(Table().Rollups(), nullptr);
+    int answered = 0;
+    for (int round = 0; round < 1500; ++round) {
+        std::array<std::vector<KeyRange>, 6> ranges;
+        std::vector<Restriction> restrictions;
+        for (std::size_t column = 0; column < ranges.size(); ++column) {
+            if (Below(2) == 0) {
+                ranges[column] = column == day ? DrawDays() : DrawRanges(column);
+                restrictions.push_back({Column(column), ranges[column]});
+            }
+        }
+        std::array<std::int64_t, 3> expected{};
+        for (const Fact& fact : facts_) {
+            bool isIn = true;
+            for (std::size_t column = 0; column < ranges.size(); ++column) {
+                isIn =
+                    isIn && (ranges[column].empty() ||
+                             std::any_of(ranges[column].begin(), ranges[column].end(), [&](KeyRange range) {
+                                 return fact.codes[column] >= range.first && fact.codes[column] < range.last;
+                             }));
+            }
+            expected[0] += isIn ? fact.amounts[0] : 0;
+            expected[1] += isIn ? fact.amounts[1] : 0;
+            expected[2] += isIn ? 1 : 0;
+        }
+        FactSum total;
+        answered += SumRollups(Table(), restrictions, 0, total) ? 1 : 0;
+        for (std::size_t measure = 0; measure < 3; ++measure) {
+            const FactSum sum = SumFacts(Table(), restrictions, measure);
+            const std::int64_t value = measure == 2 ? static_cast<std::int64_t>(sum.rows)
+                                                    : sum.sum * Table().Measures()[measure].unit;
+            ASSERT_EQ(value, expected[measure]) << "round " << round << ", measure " << measure;
+            ASSERT_EQ(sum.rows > 0, expected[2] > 0) << "round " << round << ", measure " << measure;
+        }
+    }
+    EXPECT_GT(answered, 300) << "questions that rollups help with are not asked";
+}
+
+TEST_F(RollupTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
+    const RollupTable& rollups = *Table().Rollups();
+    std::size_t strips = 0, rows = 0;
+    for (std::uint64_t i = 0; i < rollups.Count(); ++i) {
+        const Rollup& rollup = rollups.At(i);
+        (rollup.strips > 0 ? strips : rows) += 1;
+        EXPECT_EQ(rollups.Find(rollup.key), &rollup);
+        const auto total =
+            static_cast<std::uint64_t>(std::count_if(facts_.begin(), facts_.end(), [&](const Fact& fact) {
+                const auto holds = [&](std::uint16_t column, KeyRange range) {
+                    for (std::size_t known = 0; column != RollupKey::noColumn && known < codeCounts.size();
+                         ++known) {
+                        if (Column(known) == column) {
+                            return fact.codes[known] >= range.first && fact.codes[known] < range.last;
+                        }
+                    }
+                    return true;
+                };
+                return holds(rollup.key.firstColumn, rollup.key.first) &&
+                       holds(rollup.key.secondColumn, rollup.key.second);
+            }));
+        EXPECT_EQ(rollup.rows, total) << "rollup " << i;
+    }
+    EXPECT_GT(strips, 0U);
+    EXPECT_GT(rows, 0U);
+    EXPECT_NO_THROW(file_->Verify({}));
+}
+
+/// Whatever a file says in the rollups' sections, under right checksums, reading them stays within the map.
+TEST_F(RollupTest, DamagedPagesAreAnErrorOrTheRightAnswer) {
+    const std::string good = folder_->Read("rollups.cub");
+    std::vector<std::pair<std::size_t, KeyRange>> questions;
+    const RollupTable& rollups = *Table().Rollups();
+    for (std::uint64_t i = 0; i < rollups.Count(); ++i) {
+        if (rollups.At(i).key.secondColumn == RollupKey::noColumn &&
+            rollups.At(i).key.firstColumn != RollupKey::noColumn) {
+            questions.emplace_back(rollups.At(i).key.firstColumn, rollups.At(i).key.first);
+        }
+    }
+    ASSERT_FALSE(questions.empty());
+    for (int round = 0; round < 100; ++round) {
+        std::string bad = good;
+        bad[random_() % bad.size()] ^= static_cast<char>(1 + Below(255));
+        const auto* const first = reinterpret_cast<const std::byte*>(bad.data());
+        try {
+            const auto file = CubeFile::FromMemory("bad.cub", {first, first + bad.size()});
+            for (const auto& [column, range] : questions) {
+                const Restriction restriction{column, CodeRanges(&range, 1)};
+                ASSERT_EQ(SumFacts(file->Cubes()[0].Facts(), std::span(&restriction, 1), 0).sum,
+                          SumFacts(Table(), std::span(&restriction, 1), 0).sum);
+            }
+        } catch (const EngineError& error) {
+            EXPECT_EQ(error.Kind(), ErrorKind::DamagedFile) << error.what();
+        }
+    }
+}
+
+} // namespace
+} // namespace qel::engine
