@@ -73,12 +73,6 @@ Stored At(const std::byte* column, std::uint64_t row) {
     return value;
 }
 
-std::int64_t CodeAt(const std::byte* column, std::uint8_t width, std::uint64_t row) {
-    if (width == 1)
-        return At<std::uint8_t>(column, row);
-    return width == 2 ? At<std::uint16_t>(column, row) : std::int64_t{At<std::uint32_t>(column, row)};
-}
-
 std::int64_t AmountAt(const std::byte* column, std::uint8_t width, std::uint64_t row) {
     switch (width) {
     case 1:
@@ -98,7 +92,7 @@ public:
     FactBlock(const FactTable& facts, RowRange rows) : facts_(facts), rows_(rows) {
         const Projection& order = facts.Projections().front();
         for (std::size_t column = 0; column < facts.KeyColumns().size(); ++column)
-            keys_.push_back(order.Keys(column, rows));
+            codes_.push_back(ReadCodes(facts, order, column, rows));
         for (std::size_t i = 0; i < facts.Measures().size(); ++i)
             values_.push_back(facts.Measures()[i].width == 0 ? nullptr : order.Values(i, rows));
     }
@@ -106,8 +100,8 @@ public:
     void Write(RowWriter& writer, bool hasConstant) const {
         for (std::uint64_t row = 0; row < rows_.Count(); ++row) {
             std::vector<std::string> values;
-            for (std::size_t i = 0; i < keys_.size(); ++i)
-                values.push_back(std::to_string(CodeAt(keys_[i], facts_.KeyColumns()[i].width, row)));
+            for (const auto& codes : codes_)
+                values.push_back(std::to_string(codes[row]));
             for (std::size_t i = 0; i < values_.size(); ++i)
                 values.push_back(AmountText(i, row));
             if (hasConstant)
@@ -121,12 +115,13 @@ private:
         const Measure& measure = facts_.Measures()[index];
         if (!values_[index]) // a count, or a sum whose amounts are all nothing
             return measure.aggregate == Aggregate::Count ? "1" : "0";
-        return SqlAmount(AmountAt(values_[index], measure.width, row), measure.decimals);
+        return SqlAmount(AmountAt(values_[index], measure.width, row) * measure.unit, measure.decimals);
     }
 
     const FactTable& facts_;
     RowRange rows_;
-    std::vector<const std::byte*> keys_, values_;
+    std::vector<std::vector<std::uint32_t>> codes_; ///< by key column
+    std::vector<const std::byte*> values_;
 };
 
 std::string ComposeIndexes(const StarSchema& star) {
