@@ -149,6 +149,24 @@ TEST(AccountSelector, IsNotWholeWithoutAnAccount) {
     });
 }
 
+TEST(Selectors, ReportListingsThatFailAndStayUsable) {
+    WizardBench bench;
+    bench.Remember(PlainBooksFile());
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        EXPECT_THAT(bench.TakeMessages(), IsEmpty());
+        dialog.Choose(ComLevel, "Cost");
+        EXPECT_THAT(bench.TakeMessages(),
+                    ElementsAre(HasSubstr("Function : ComLevel_Change\r\nModule : frmFuncQelWiz")));
+        dialog.Choose(ComLevel, "All");
+        dialog.Tick(CheckAcc, true);
+        EXPECT_EQ(dialog.Find(ListAccount, "4"), 0U);
+        EXPECT_THAT(bench.TakeMessages(), ElementsAre(::testing::Not(HasSubstr("Function : "))));
+        dialog.Tick(CheckAcc, false);
+        dialog.Press(Command1);
+        EXPECT_EQ(dialog.Text(TxtCalc), "-929.95");
+    });
+}
+
 struct DatesCase {
     const char* what;
     const char* from;

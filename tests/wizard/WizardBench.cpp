@@ -38,6 +38,12 @@ const std::string& OddFile() {
     return file;
 }
 
+const std::string& PlainBooksFile() {
+    static const test::TemporaryFolder folder;
+    static const std::string file = Build("tests/books/books.json", folder.Path("books.cub"));
+    return file;
+}
+
 const std::string& UnlistedFile() {
     static const test::TemporaryFolder folder;
     static const std::string file = Build("tests/wizard/odd/unlisted.json", folder.Path("unlisted.cub"));

@@ -19,6 +19,8 @@ const std::string& LedgerFile();
 /// wizards do not list or cannot load.
 const std::string& OddFile();
 
+/// A cube file whose cube lacks dimensions that the listings name.
+const std::string& PlainBooksFile();
 /// A cube file without a cube that the wizards list.
 const std::string& UnlistedFile();
 
