@@ -143,13 +143,20 @@ private:
 
     /// In the user's language: "Account list: 171".
     void PrintTitle() {
-        LocalStore store(context_.messages);
-        ModLangFrm::LanguageState language{store.environment, store.tables};
-        ModLangFrm::InitLanguage(language);
         const auto count = options_.recordset ? lines_.size() - 1 : lines_.size();
-        const auto title = ModLangFrm::GetLangString(language, kind_.caption);
         if (options_.kind != obsLevels)
-            fmt::print(context_.messages, "{}: {}\n", title, count);
+            fmt::print(context_.messages, "{}: {}\n", Title(), count);
+    }
+
+    std::string Title() const {
+        try {
+            LocalStore store(context_.messages);
+            ModLangFrm::LanguageState language{store.environment, store.tables};
+            ModLangFrm::InitLanguage(language);
+            return ModLangFrm::GetLangString(language, kind_.caption);
+        } catch (const AutomationError&) { // a user without a folder for settings
+            return ResourceString(kind_.caption, Language::English);
+        }
     }
 
     /// A position whose code has no caption is no entry of the wizards' lists.
@@ -202,6 +209,9 @@ private:
 void ListMembers(CommandContext& context, const MembersOptions& options) {
     const KindOfList& kind = FindKind(options.kind);
     RequireOptions(kind, options);
+    if (options.kind == "obs" && !NamesObsLevel(options.level))
+        fmt::print(context.messages, "qel: '{}' does not begin with \"level\", so cost centres are listed\n",
+                   options.level);
     MemberList(context, kind, options).Print();
 }
 

@@ -5,6 +5,7 @@
 #include "platform/DatabaseFile.h"
 #include "platform/PathText.h"
 #include "platform/Text.h"
+#include "platform/files/IniFile.h"
 #include "store/LocalDb.h"
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"
@@ -59,7 +60,7 @@ std::string DatabaseState(const std::string& path) {
 /// Prints one setting a line: name, value, where it stands.
 class SettingsList {
 public:
-    SettingsList(LocalStore& store, std::ostream& output) : store_(store), output_(output) {}
+    SettingsList(LocalStore& store, CommandContext& context) : store_(store), context_(context) {}
 
     void Print() {
         auto& environment = store_.environment;
@@ -69,8 +70,7 @@ public:
         Line("TempPath", ModAPI::GetRegSetting(environment, ModAPI::tempPathValue), key);
         const auto language =
             ModPublics::ReadQelIni(environment, ModPublics::languageSection, ModPublics::languageKey);
-        Line("QelUILanguage", language,
-             fmt::format("[Qel] of {}{}{}", environment.suiteFolder, pathSeparator, ModPublics::qelIniFile));
+        Line("QelUILanguage", language, "[Qel] of " + QelIni());
         const auto folder = ModAPI::LocalDbFolder(environment);
         Line("FileCube", LastCubeFile(folder),
              fmt::format("[FileCube] F of {}{}", folder, ModPublics::cubIniFile));
@@ -81,9 +81,23 @@ public:
         Line("language table", component + ModLangFrm::langTableFile,
              Presence(component + ModLangFrm::langTableFile));
         Line("help file", component + helpFile, Presence(component + helpFile));
+        for (const auto& file :
+             {store_.settingsFile, PathFromText(QelIni()), PathFromText(folder + ModPublics::cubIniFile)})
+            Warn(file);
     }
 
 private:
+    /// Known after the first reading of it.
+    std::string QelIni() const {
+        return store_.environment.suiteFolder + pathSeparator + ModPublics::qelIniFile;
+    }
+
+    /// A setting in a file that cannot be understood looks as if it were not set.
+    void Warn(const std::filesystem::path& file) {
+        if (const auto fault = IniFile(file).FaultOfContent())
+            fmt::print(context_.messages, "qel: {}\n", fault->Description());
+    }
+
     /// As ReadCubIniSection, which would make the folder.
     std::string LastCubeFile(const std::string& folder) {
         return store_.profiles.ReadString(ModPublics::cubeFileSection, ModPublics::cubeFileKey, maxCubeFile,
@@ -91,18 +105,21 @@ private:
     }
 
     void Line(std::string_view name, const std::string& value, const std::string& place) {
-        fmt::print(output_, "{}\t{}\t{}\n", name, value.empty() ? "(not set)" : value, place);
+        fmt::print(context_.output, "{}\t{}\t{}\n", name, value.empty() ? "(not set)" : value, place);
     }
 
     static constexpr std::size_t maxCubeFile = 510;
     LocalStore& store_;
-    std::ostream& output_;
+    CommandContext& context_;
 };
 
 std::filesystem::path FolderOf(const std::string& value) {
-    if (value.empty())
+    const std::string_view trimmed = Trimmed(value);
+    if (trimmed.empty())
         throw CLI::ValidationError("VALUE", "the folder is empty");
-    const auto path = std::filesystem::absolute(PathFromText(value)).lexically_normal();
+    if (trimmed.find_first_of("\r\n") != std::string_view::npos)
+        throw CLI::ValidationError("VALUE", "the folder's name has more than one line");
+    const auto path = std::filesystem::absolute(PathFromText(trimmed)).lexically_normal();
     return path.has_filename() ? path : path.parent_path(); // the component appends a separator itself
 }
 
@@ -183,7 +200,7 @@ void AddSettingsCommand(CLI::App& app, CommandContext& context) {
         if (!command->get_subcommands().empty())
             return;
         LocalStore store(context.messages);
-        SettingsList(store, context.output).Print();
+        SettingsList(store, context).Print();
     });
 
     auto* set = command->add_subcommand("set", "Change one setting");

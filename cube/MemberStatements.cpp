@@ -28,11 +28,6 @@ std::string FirmaAndObsSlicer(const std::string& firma, const std::string& obsNu
     return everyFirma + FirmaSuffix(firma) + ", " + obsNumbers + Step(obsNumber) + ")";
 }
 
-bool NamesObsLevel(const std::string& name) {
-    constexpr std::string_view prefix = "level";
-    return EqualIgnoringCase(std::string_view(name).substr(0, prefix.size()), prefix);
-}
-
 std::string AccountsStatement(const MemberListing& listing) {
     return std::string(accountsOnColumns) +
            "  non empty{  "
@@ -79,6 +74,11 @@ std::string SummaryGroupsSelection(const MemberListing& listing) {
 }
 
 } // namespace
+
+bool NamesObsLevel(const std::string& name) {
+    constexpr std::string_view prefix = "level";
+    return EqualIgnoringCase(std::string_view(name).substr(0, prefix.size()), prefix);
+}
 
 std::optional<std::string> ComposeCellsetStatement(const MemberListing& listing) {
     switch (listing.kind) {

@@ -33,6 +33,10 @@ inline constexpr std::int16_t SummaryGroups = 4;
 inline constexpr std::int16_t AccountCodes = 5;
 } // namespace RecordsetKind
 
+/// True for a name that begins with "level", in any letter case. A listing of OBS members whose level is
+/// called otherwise lists cost centres.
+bool NamesObsLevel(const std::string& name);
+
 /// The statements exactly as they are sent; none for a kind that has none.
 std::optional<std::string> ComposeCellsetStatement(const MemberListing& listing);
 std::optional<std::string> ComposeRecordsetStatement(const MemberListing& listing);

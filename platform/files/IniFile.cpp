@@ -79,20 +79,31 @@ std::string Edited(const fs::path& path, const std::string& text, const std::str
     return edited;
 }
 
+bool Write(const fs::path& path, const std::string& text) {
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << text;
+    file.close();
+    return static_cast<bool>(file);
+}
+
+/// Writes the file as a whole, under another name first. A link stays one, and who may read the file stays.
 void Replace(const fs::path& path, const std::string& text) {
-    fs::path fresh = path;
-    fresh += ".new";
-    {
-        std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
-        file << text;
-        file.flush();
-        if (!file)
-            throw FileError(pathFileAccessError, path, "cannot be written");
-    }
     std::error_code failed;
-    fs::rename(fresh, path, failed);
-    if (failed)
-        throw FileError(pathFileAccessError, path, fmt::format("cannot be replaced ({})", failed.message()));
+    const bool isThere = fs::exists(path, failed);
+    const fs::path target = isThere ? fs::canonical(path) : path;
+    fs::path fresh = target;
+    fresh += ".new";
+    const bool isWritten = Write(fresh, text);
+    if (isWritten && isThere)
+        fs::permissions(fresh, fs::status(target).permissions(), failed);
+    if (isWritten)
+        fs::rename(fresh, target, failed);
+    if (isWritten && !failed)
+        return;
+    const std::string reason =
+        isWritten ? fmt::format("cannot be replaced ({})", failed.message()) : "cannot be written";
+    fs::remove(fresh, failed);
+    throw FileError(pathFileAccessError, path, reason);
 }
 
 void RequireOneLine(const fs::path& path, std::string_view value) {
@@ -156,6 +167,15 @@ std::vector<std::pair<std::string, std::string>> IniFile::Entries(const std::str
 
 void IniFile::Set(const std::string& section, const std::string& key, const std::string& value) const {
     Replace(path_, EditIniText(path_, ReadText(path_), {section, key}, value));
+}
+
+std::optional<AutomationError> IniFile::FaultOfContent() const {
+    try {
+        EditIniText(path_, ReadText(path_), {"any", "entry"}, "");
+        return std::nullopt;
+    } catch (const AutomationError& fault) {
+        return fault;
+    }
 }
 
 } // namespace qel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/AutomationError.h"
 #include "platform/files/IniLines.h"
 
 #include <filesystem>
@@ -28,6 +29,9 @@ public:
     /// failure leaves it as it was. Raises AutomationError when it cannot be written, and when it holds a
     /// line that would be lost.
     void Set(const std::string& section, const std::string& key, const std::string& value) const;
+    /// Why Set would refuse to write the file as it is: it cannot be read, or holds a line that would be
+    /// lost.
+    std::optional<AutomationError> FaultOfContent() const;
 
 private:
     std::filesystem::path path_;

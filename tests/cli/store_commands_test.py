@@ -98,6 +98,18 @@ class Members(WithLedger):
         self.assertEqual(output, "SELECT {[MoneyType]} on columns, non empty{[OBS].[Level2].members }on rows FROM "
                                  "LedgerFNC WHERE [ActX].[OBSx].[All].[OBS].[1]\n")
 
+    def test_another_list_than_was_meant_is_told(self):
+        centres, _ = self.members("cost-centers", "--obs", "OBS")
+        rows, messages = self.members("obs", "--obs", "OBS", "--level", "lev")
+        self.assertEqual(rows, centres)
+        self.assertTrue(messages.startswith("qel: 'lev' does not begin with \"level\", so cost centres are listed\n"))
+
+    def test_a_user_without_settings_gets_the_list_too(self):
+        environment = {name: value for name, value in self.environment.items() if name not in ("HOME", "XDG_CONFIG_HOME")}
+        done = subprocess.run([QEL, "members", self.cube, "LedgerFNC", "--kind", "summary", "--level", "SuperSum1"],
+                              capture_output=True, env=environment, timeout=120, check=True)
+        self.assertRegex(done.stderr.decode(), r"^Summary Group: \d+\n$")
+
     def test_what_cannot_be_listed_fails_with_the_reason(self):
         cases = [
             ("a firm after the closed slicer", ["--kind", "summary", "--level", "SuperSum1", "--firma", "10"], 1),
@@ -161,12 +173,25 @@ class Settings(WithLedger):
         (self.path / "file").write_text("")
         before = (self.path / "config" / "qel" / "settings.ini").read_bytes()
         for name, value, expected in [("QelUILanguage", "he", 2), ("MdbPaths", "/x", 2), ("TempPath", "", 2),
+                                      ("TempPath", " ", 2), ("MDBPath", f"{self.path}/two\nlines", 2),
                                       ("MDBPath", "/proc/none/such", 1), ("MDBPath", self.path / "file", 1)]:
             with self.subTest(name):
                 status, _, messages = self.run_qel("settings", "set", name, value)
                 self.assertEqual(status, expected, messages)
                 self.assertEqual((self.path / "config" / "qel" / "settings.ini").read_bytes(), before)
         self.assertEqual(self.settings()["MDBPath"][0], str(kept))
+        self.assertEqual(list(self.path.glob("two*")), [])
+        self.good("settings", "set", "MDBPath", f"  {kept} ")
+        self.assertEqual(self.settings()["MDBPath"][0], str(kept))
+
+    def test_files_that_cannot_be_understood_are_told(self):
+        suite = self.path / "told"
+        self.good("settings", "set", "MDBPath", suite)
+        self.assertEqual(self.good("settings")[1], "")
+        (suite / "Cub.ini").write_bytes(b"\0\1junk\n")
+        (suite / "Qel.ini").mkdir()
+        _, messages = self.good("settings")
+        self.assertRegex(messages, r"^qel: [^\n]*Qel\.ini' cannot be read\.\nqel: [^\n]*Cub\.ini' is left[^\n]* line 1 [^\n]*\n$")
 
 
 class Lang(WithLedger):

@@ -77,6 +77,19 @@ TEST(IniFile, RefusesToWriteAFileOfWhichSomethingWouldBeLost) {
     }
 }
 
+TEST(IniFile, KeepsLinksAndWhoMayReadTheFile) {
+    namespace fs = std::filesystem;
+    const test::TemporaryFolder folder;
+    const auto target = folder.Write("kept.ini", "[a]\nx=1\n");
+    fs::permissions(target, fs::perms::owner_read | fs::perms::owner_write);
+    fs::create_symlink("kept.ini", folder.Path("settings.ini"));
+    IniFile(folder.Path("settings.ini")).Set("a", "x", "2");
+    EXPECT_TRUE(fs::is_symlink(folder.Path("settings.ini")));
+    EXPECT_EQ(folder.Read("kept.ini"), "[a]\nx=2\n");
+    EXPECT_EQ(fs::status(target).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+    EXPECT_EQ(folder.FileCount(), 2U) << "no other file is left behind";
+}
+
 TEST(IniFile, ReadsAroundJunkAndTellsWhatItCannotRead) {
     const TemporaryFolder folder;
     const IniFile file(folder.Write("s.ini", "junk\n[Qel]\nmore junk\nQelUILanguage=2\nQelUILanguage=1\n"));
