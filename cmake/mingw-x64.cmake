@@ -3,4 +3,3 @@
 set(QEL_MINGW x86_64-w64-mingw32)
 set(QEL_WIDL_BITS --win64)
 include("${CMAKE_CURRENT_LIST_DIR}/mingw.cmake")
-set(CMAKE_CROSSCOMPILING_EMULATOR "${CMAKE_CURRENT_LIST_DIR}/../scripts/wine")
