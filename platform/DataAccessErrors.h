@@ -14,6 +14,8 @@ inline constexpr std::int32_t errorObjectOpen = 3705;
 inline constexpr std::int32_t errorInvalidConnection = 3709;
 /// A connection text that cannot be read (DB_E_BADINITSTRING).
 inline constexpr std::int32_t errorBadConnectionText = static_cast<std::int32_t>(0x80040E73);
+/// A statement without text (DB_E_NOCOMMAND).
+inline constexpr std::int32_t errorNoStatement = static_cast<std::int32_t>(0x80040E0C);
 /// A data source or provider that this build has no reader for.
 inline constexpr std::int32_t errorNotSupported = static_cast<std::int32_t>(0x80040E6F);
 /// No cube or catalog of the name that the connection text has.

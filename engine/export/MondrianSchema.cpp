@@ -48,7 +48,7 @@ bool HasCaptions(const Hierarchy& hierarchy, const Level& level) {
 
 /// The tables joined from the top level down; the facts are joined to the first.
 std::string Relation(const std::vector<StarTable>& tables, std::size_t first, const std::string& indent) {
-    const std::string table = fmt::format("{}<Table name=\"{}\"/>\n", indent, tables[first].name);
+    std::string table = fmt::format("{}<Table name=\"{}\"/>\n", indent, tables[first].name);
     if (first + 1 == tables.size())
         return table;
     const std::string deeper = Relation(tables, first + 1, indent + "  ");

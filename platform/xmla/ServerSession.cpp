@@ -263,6 +263,9 @@ RowsetAnswer ServerSession::ExecuteTabular(const std::string& statement) {
 }
 
 std::string ServerSession::ForServer(const std::string& statement) {
+    // A server may answer nothing at all, which would look like a listing without rows.
+    if (statement.find_first_not_of(" \t\r\n") == std::string::npos)
+        throw ServerError(errorNoStatement, "The statement is empty.");
     return WithMembersOfLowerLevels(WithoutEmptyElements(statement),
                                     [this](const std::string& hierarchy, const std::string& name) {
                                         return FindBelowHierarchy(hierarchy, name);
