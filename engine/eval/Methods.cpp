@@ -3,7 +3,7 @@
 
 #include <fmt/format.h>
 
-#include <array>
+#include <functional>
 
 // Functions of hierarchies, levels, members and sets, written after a dot.
 
@@ -21,19 +21,28 @@ public:
     Bound Bind();
 
 private:
+    /// A function of this kind: what follows the dot, and how it is bound to what stands before the dot.
+    struct Method {
+        std::string_view name;
+        Bound (*bind)(MethodBinder& binder, Bound target);
+    };
+    static const Method methods[];
+
     Bound AllOf(const Bound& target, bool withCalculated);
-    Bound ChildrenOf(MemberPtr member);
-    Bound SiblingsOf(MemberPtr member);
     Bound Levels(HierarchyId hierarchy);
     Bound Item(SetPtr set);
     Bound Shifted(MemberPtr member, int direction);
+    /// The members that belong to another one, found by `find(space, member)`.
+    template <auto find>
+    static Bound Family(MethodBinder& binder, Bound target);
     /// A member that is found from another one by `find(space, member)`.
-    template <class Find>
-    Bound Relative(MemberPtr member, Find find);
+    template <auto find>
+    static Bound Relative(MethodBinder& binder, Bound target);
     /// A text about a member.
-    template <class Describe>
-    Bound TextOf(Bound target, Describe describe);
+    template <auto describe>
+    static Bound TextOf(MethodBinder& binder, Bound target);
     HierarchyId HierarchyOf(const Bound& target);
+    MemberPtr MemberOf(Bound target) { return binder_.ToMember(std::move(target), target_); }
     NumberPtr Argument();
 
     Binder& binder_;
@@ -43,87 +52,75 @@ private:
     NodeId argument_;
 };
 
+namespace {
+
+MemberId FirstOf(MemberRange family) { return family.Count() == 0 ? noMember : family.first; }
+MemberId LastOf(MemberRange family) { return family.Count() == 0 ? noMember : family.last - 1; }
+
+MemberId Previous(const MemberSpace& space, MemberRef of) { return space.Shifted(of, -1); }
+MemberId Next(const MemberSpace& space, MemberRef of) { return space.Shifted(of, 1); }
+MemberId FirstChild(const MemberSpace& space, MemberRef of) { return FirstOf(space.Children(of)); }
+MemberId LastChild(const MemberSpace& space, MemberRef of) { return LastOf(space.Children(of)); }
+MemberId FirstSibling(const MemberSpace& space, MemberRef of) { return FirstOf(space.Siblings(of)); }
+MemberId LastSibling(const MemberSpace& space, MemberRef of) { return LastOf(space.Siblings(of)); }
+
+} // namespace
+
+const MethodBinder::Method MethodBinder::methods[] = {
+    {"hierarchy",
+     [](MethodBinder& b, Bound target) -> Bound { return HierarchyName{b.HierarchyOf(target)}; }},
+    {"dimension",
+     [](MethodBinder& b, Bound target) -> Bound { return HierarchyName{b.HierarchyOf(target)}; }},
+    {"currentmember",
+     [](MethodBinder& b, Bound target) -> Bound { return b.MemberOf(HierarchyName{b.HierarchyOf(target)}); }},
+    {"defaultmember",
+     [](MethodBinder& b, Bound target) -> Bound {
+         const HierarchyId hierarchy = b.HierarchyOf(target);
+         return ConstantMember({hierarchy, b.binder_.Space().DefaultMember(hierarchy)});
+     }},
+    {"levels", [](MethodBinder& b, Bound target) { return b.Levels(b.HierarchyOf(target)); }},
+    {"count",
+     [](MethodBinder& b, Bound target) -> Bound {
+         auto set = b.binder_.ToSet(std::move(target), b.target_);
+         return MakeNumber(false, [set = std::move(set)](Evaluator& evaluator) {
+             return CellValue::Exact(static_cast<std::int64_t>(set->Evaluate(evaluator).Count()), 0);
+         });
+     }},
+    {"item",
+     [](MethodBinder& b, Bound target) { return b.Item(b.binder_.ToSet(std::move(target), b.target_)); }},
+    {"value",
+     [](MethodBinder& b, Bound target) -> Bound { return b.binder_.ToNumber(std::move(target), b.target_); }},
+    {"name", TextOf<&MemberSpace::Name>},
+    {"caption", TextOf<&MemberSpace::Caption>},
+    {"member_caption", TextOf<&MemberSpace::Caption>},
+    {"member_key", TextOf<&MemberSpace::Key>},
+    {"uniquename", TextOf<&MemberSpace::UniqueName>},
+    {"children", Family<&MemberSpace::Children>},
+    {"siblings", Family<&MemberSpace::Siblings>},
+    {"lag", [](MethodBinder& b, Bound target) { return b.Shifted(b.MemberOf(std::move(target)), -1); }},
+    {"lead", [](MethodBinder& b, Bound target) { return b.Shifted(b.MemberOf(std::move(target)), 1); }},
+    {"parent", Relative<&MemberSpace::Parent>},
+    {"prevmember", Relative<Previous>},
+    {"nextmember", Relative<Next>},
+    {"firstchild", Relative<FirstChild>},
+    {"lastchild", Relative<LastChild>},
+    {"firstsibling", Relative<FirstSibling>},
+    {"lastsibling", Relative<LastSibling>},
+};
+
 Bound MethodBinder::Bind() {
-    const bool members = IsWord(name_, "members");
-    const bool allMembers = IsWord(name_, "allmembers");
-    if (members || allMembers) {
+    const bool withCalculated = IsWord(name_, "allmembers");
+    if (withCalculated || IsWord(name_, "members")) {
         const bool isPath = binder_.At(target_).kind == mdx::NodeKind::Path;
-        return AllOf(isPath ? binder_.BindPath(target_, true) : binder_.Bind(target_), allMembers);
+        return AllOf(isPath ? binder_.BindPath(target_, true) : binder_.Bind(target_), withCalculated);
     }
     Bound target = binder_.Bind(target_);
-    const auto member = [&] { return binder_.ToMember(std::move(target), target_); };
-    if (IsWord(name_, "hierarchy") || IsWord(name_, "dimension")) {
-        return HierarchyName{HierarchyOf(target)};
+    for (const Method& method : methods) {
+        if (IsWord(name_, method.name)) {
+            return method.bind(*this, std::move(target));
+        }
     }
-    if (IsWord(name_, "currentmember")) {
-        return binder_.ToMember(HierarchyName{HierarchyOf(target)}, target_);
-    }
-    if (IsWord(name_, "defaultmember")) {
-        const HierarchyId hierarchy = HierarchyOf(target);
-        return ConstantMember({hierarchy, binder_.Space().DefaultMember(hierarchy)});
-    }
-    if (IsWord(name_, "levels")) {
-        return Levels(HierarchyOf(target));
-    }
-    if (IsWord(name_, "count")) {
-        return MakeNumber(false, [set = binder_.ToSet(std::move(target), target_)](Evaluator& evaluator) {
-            return CellValue::Exact(static_cast<std::int64_t>(set->Evaluate(evaluator).Count()), 0);
-        });
-    }
-    if (IsWord(name_, "item")) {
-        return Item(binder_.ToSet(std::move(target), target_));
-    }
-    if (IsWord(name_, "value")) {
-        return binder_.ToNumber(std::move(target), target_);
-    }
-    if (IsWord(name_, "name")) {
-        return TextOf(std::move(target),
-                      [](const MemberSpace& space, MemberRef of) { return std::string(space.Name(of)); });
-    }
-    if (IsWord(name_, "caption") || IsWord(name_, "member_caption")) {
-        return TextOf(std::move(target),
-                      [](const MemberSpace& space, MemberRef of) { return std::string(space.Caption(of)); });
-    }
-    if (IsWord(name_, "member_key")) {
-        return TextOf(std::move(target),
-                      [](const MemberSpace& space, MemberRef of) { return std::string(space.Key(of)); });
-    }
-    if (IsWord(name_, "uniquename")) {
-        return TextOf(std::move(target),
-                      [](const MemberSpace& space, MemberRef of) { return space.UniqueName(of); });
-    }
-    if (IsWord(name_, "children")) {
-        return ChildrenOf(member());
-    }
-    if (IsWord(name_, "siblings")) {
-        return SiblingsOf(member());
-    }
-    if (IsWord(name_, "lag")) {
-        return Shifted(member(), -1);
-    }
-    if (IsWord(name_, "lead")) {
-        return Shifted(member(), 1);
-    }
-    if (IsWord(name_, "parent")) {
-        return Relative(member(), [](const MemberSpace& space, MemberRef of) { return space.Parent(of); });
-    }
-    if (IsWord(name_, "prevmember")) {
-        return Relative(member(),
-                        [](const MemberSpace& space, MemberRef of) { return space.Shifted(of, -1); });
-    }
-    if (IsWord(name_, "nextmember")) {
-        return Relative(member(),
-                        [](const MemberSpace& space, MemberRef of) { return space.Shifted(of, 1); });
-    }
-    const bool ofSiblings = IsWord(name_, "firstsibling") || IsWord(name_, "lastsibling");
-    const bool first = IsWord(name_, "firstchild") || IsWord(name_, "firstsibling");
-    if (!ofSiblings && !first && !IsWord(name_, "lastchild")) {
-        binder_.Fail(node_, fmt::format("the function {} cannot stand here", name_));
-    }
-    return Relative(member(), [ofSiblings, first](const MemberSpace& space, MemberRef of) {
-        const MemberRange family = ofSiblings ? space.Siblings(of) : space.Children(of);
-        return family.Count() == 0 ? noMember : first ? family.first : family.last - 1;
-    });
+    binder_.Fail(node_, fmt::format("the function {} cannot stand here", name_));
 }
 
 Bound MethodBinder::AllOf(const Bound& target, bool withCalculated) {
@@ -147,26 +144,16 @@ Bound MethodBinder::AllOf(const Bound& target, bool withCalculated) {
         });
 }
 
-Bound MethodBinder::ChildrenOf(MemberPtr member) {
+template <auto find>
+Bound MethodBinder::Family(MethodBinder& binder, Bound target) {
+    MemberPtr member = binder.MemberOf(std::move(target));
     const HierarchyId hierarchy = member->Hierarchy();
     const bool isConstant = member->IsConstant();
     return MakeSet(isConstant, {hierarchy},
                    [member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
-                       const MemberRef parent{member->Hierarchy(), member->Evaluate(evaluator)};
-                       if (parent.id != noMember) {
-                           result.Append(evaluator.Space().Children(parent));
-                       }
-                   });
-}
-
-Bound MethodBinder::SiblingsOf(MemberPtr member) {
-    const HierarchyId hierarchy = member->Hierarchy();
-    const bool isConstant = member->IsConstant();
-    return MakeSet(isConstant, {hierarchy},
-                   [member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
-                       const MemberRef sibling{member->Hierarchy(), member->Evaluate(evaluator)};
-                       if (sibling.id != noMember) {
-                           result.Append(evaluator.Space().Siblings(sibling));
+                       const MemberRef of{member->Hierarchy(), member->Evaluate(evaluator)};
+                       if (of.id != noMember) {
+                           result.Append(std::invoke(find, evaluator.Space(), of));
                        }
                    });
 }
@@ -213,21 +200,22 @@ Bound MethodBinder::Shifted(MemberPtr member, int direction) {
         });
 }
 
-template <class Find>
-Bound MethodBinder::Relative(MemberPtr member, Find find) {
+template <auto find>
+Bound MethodBinder::Relative(MethodBinder& binder, Bound target) {
+    MemberPtr member = binder.MemberOf(std::move(target));
     const HierarchyId hierarchy = member->Hierarchy();
     const bool isConstant = member->IsConstant();
-    return MakeMember(isConstant, hierarchy, [find, member = std::move(member)](Evaluator& evaluator) {
+    return MakeMember(isConstant, hierarchy, [member = std::move(member)](Evaluator& evaluator) {
         const MemberRef from{member->Hierarchy(), member->Evaluate(evaluator)};
-        return from.id == noMember ? noMember : find(evaluator.Space(), from);
+        return from.id == noMember ? noMember : std::invoke(find, evaluator.Space(), from);
     });
 }
 
-template <class Describe>
-Bound MethodBinder::TextOf(Bound target, Describe describe) {
-    return MakeText([describe, member = binder_.ToMember(std::move(target), target_)](Evaluator& evaluator) {
+template <auto describe>
+Bound MethodBinder::TextOf(MethodBinder& binder, Bound target) {
+    return MakeText([member = binder.MemberOf(std::move(target))](Evaluator& evaluator) {
         const MemberRef of{member->Hierarchy(), member->Evaluate(evaluator)};
-        return of.id == noMember ? std::string() : describe(evaluator.Space(), of);
+        return of.id == noMember ? std::string() : std::string(std::invoke(describe, evaluator.Space(), of));
     });
 }
 
