@@ -8,8 +8,6 @@
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"
 
-#include <gtest/gtest.h>
-
 namespace qel::testing {
 
 namespace {
