@@ -1,16 +1,21 @@
 #include "cli/EvalCommand.h"
 
+#include "batch/StatementBatch.h"
 #include "cli/InputLines.h"
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
 #include "cli/formula/FormulaError.h"
 #include "cli/formula/ParseFormula.h"
 #include "platform/AutomationError.h"
+#include "platform/ConnectionText.h"
+#include "platform/Text.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <memory>
+#include <optional>
 
 namespace qel {
 
@@ -31,26 +36,74 @@ Examples:
   qel eval '=QelName("demo.cub","LedgerFNC","SuperSum1","42")'
   qel eval < formulas.txt)";
 
-/// Evaluates one formula after the other with one object, as the cells of a sheet do.
+/// A formula as it was read: bound, or with the reason why it cannot be.
+struct ReadFormula {
+    std::string label; ///< says in a message which formula it is
+    std::optional<FormulaCall> call;
+    std::string fault;
+};
+
+/// True for a value formula over a server's cube.
+bool AsksServer(const ReadFormula& formula) {
+    const auto* value = formula.call ? std::get_if<ValueCall>(&formula.call->arguments) : nullptr;
+    return value && IsServerAddress(Trimmed(value->cubeFile));
+}
+
+/// Evaluates one formula after the other with one object, as the cells of a sheet do. Those that ask servers
+/// are asked for together, in as few statements as their cells fit into.
 class Evaluator {
 public:
     explicit Evaluator(CommandContext& context)
-        : context_(context), object_({thread_, context.dataAccess, context.locale}) {}
+        : context_(context), batch_(context.dataAccess), object_({thread_, batch_, context.locale}) {}
 
-    /// `label` says in a message which formula it is.
-    void Evaluate(std::string_view text, const std::string& label) {
+    ReadFormula Read(std::string_view text, std::string label) const {
         try {
-            const auto call = BindFormula(ParseFormula(text), context_.locale);
-            Print(ValueText(RunFormula(object_, call, context_.locale)));
+            return {std::move(label), BindFormula(ParseFormula(text), context_.locale), {}};
         } catch (const FormulaError& error) {
-            Fail(label, error.what());
+            return {std::move(label), std::nullopt, error.what()};
         } catch (const AutomationError& error) {
-            Fail(label,
-                 fmt::format("{} (error {}, {})", error.Description(), error.Number(), error.Source()));
+            return {std::move(label), std::nullopt, Describe(error)};
         }
     }
 
+    /// Prints the values in the order of the formulas.
+    void Evaluate(const std::vector<ReadFormula>& formulas) {
+        if (std::count_if(formulas.begin(), formulas.end(), AsksServer) > 1)
+            AskServers(formulas);
+        for (const auto& formula : formulas)
+            Evaluate(formula);
+        batch_.Forget();
+    }
+
 private:
+    static std::string Describe(const AutomationError& error) {
+        return fmt::format("{} (error {}, {})", error.Description(), error.Number(), error.Source());
+    }
+
+    void AskServers(const std::vector<ReadFormula>& formulas) {
+        batch_.StartCollecting();
+        for (const auto& formula : formulas) {
+            try {
+                if (AsksServer(formula))
+                    RunFormula(object_, *formula.call, context_.locale);
+            } catch (const AutomationError&) { // NOLINT(bugprone-empty-catch): its own evaluation tells it
+            }
+        }
+        batch_.Run();
+    }
+
+    void Evaluate(const ReadFormula& formula) {
+        if (!formula.call) {
+            Fail(formula.label, formula.fault);
+            return;
+        }
+        try {
+            Print(ValueText(RunFormula(object_, *formula.call, context_.locale)));
+        } catch (const AutomationError& error) {
+            Fail(formula.label, Describe(error));
+        }
+    }
+
     void Print(std::string_view value) { context_.output << value << '\n'; }
 
     void Fail(const std::string& label, std::string_view reason) {
@@ -62,22 +115,35 @@ private:
     }
 
     CommandContext& context_;
+    batch::StatementBatch batch_;
     ModSetCube::ThreadState thread_;
     OrmQelFunction object_;
 };
 
 void EvaluateLines(Evaluator& evaluator, CommandContext& context) {
+    constexpr std::size_t mostAtOnce = 20'000;
     InputLines lines(context.input);
+    std::vector<ReadFormula> waiting; // for further formulas that ask the server, and are there already
     while (true) {
+        const bool isMoreThere = context.input.rdbuf()->in_avail() > 0;
+        if (!isMoreThere || waiting.size() >= mostAtOnce) {
+            evaluator.Evaluate(waiting);
+            waiting.clear();
+        }
         // A program that writes a formula and waits for its value gets it; a whole file is not flushed by
         // line.
-        if (context.input.rdbuf()->in_avail() <= 0)
+        if (!isMoreThere)
             context.output.flush();
         const auto line = lines.NextFilled();
         if (!line)
-            return;
-        evaluator.Evaluate(*line, fmt::format("line {}", lines.Number()));
+            break;
+        waiting.push_back(evaluator.Read(*line, fmt::format("line {}", lines.Number())));
+        if (waiting.size() == 1 && !AsksServer(waiting.front())) {
+            evaluator.Evaluate(waiting);
+            waiting.clear();
+        }
     }
+    evaluator.Evaluate(waiting);
 }
 
 } // namespace
@@ -93,8 +159,10 @@ void AddEvalCommand(CLI::App& app, CommandContext& context) {
         Evaluator evaluator(context);
         if (formulas->empty())
             EvaluateLines(evaluator, context);
+        std::vector<ReadFormula> read;
         for (std::size_t i = 0; i < formulas->size(); ++i)
-            evaluator.Evaluate((*formulas)[i], fmt::format("formula {}", i + 1));
+            read.push_back(evaluator.Read((*formulas)[i], fmt::format("formula {}", i + 1)));
+        evaluator.Evaluate(read);
     });
 }
 

@@ -1,0 +1,70 @@
+#include "batch/ValueStatementParts.h"
+
+namespace qel::batch {
+
+namespace {
+
+constexpr std::string_view opening = "WITH MEMBER [Date].DateSel as '   SUM( ";
+constexpr std::string_view endOfSpan = ")    '";
+constexpr std::string_view select = " SELECT  { [Date].DateSel} ON COLUMNS,  { [SuperSumery].[SumeryCode]";
+constexpr std::string_view from = " }ON ROWS  From ";
+constexpr std::string_view where = " where (  ";
+constexpr std::string_view closing = ")";
+
+/// The place of `what` outside of brackets, or npos.
+std::size_t FindOutsideBrackets(std::string_view text, std::string_view what) {
+    bool inBrackets = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (!inBrackets && text.substr(i, what.size()) == what)
+            return i;
+        if (text[i] == '[')
+            inBrackets = true;
+        else if (text[i] == ']')
+            inBrackets = false; // a doubled one closes and opens nothing: the next one closes again
+    }
+    return std::string_view::npos;
+}
+
+/// Cuts `text` at `end`, which must be there outside of brackets: returns what is before, leaves what is
+/// behind.
+std::optional<std::string> TakeUntil(std::string_view& text, std::string_view end) {
+    const std::size_t place = FindOutsideBrackets(text, end);
+    if (place == std::string_view::npos)
+        return std::nullopt;
+    std::string taken(text.substr(0, place));
+    text.remove_prefix(place + end.size());
+    return taken;
+}
+
+std::string Join(const ValueStatementParts& parts) {
+    std::string text = std::string(opening) + parts.span + std::string(endOfSpan) + parts.obsSel +
+                       std::string(select) + parts.summaryGroup + std::string(from) + parts.cubeName;
+    for (std::size_t i = 0; i < parts.slicer.size(); ++i)
+        text += std::string(i == 0 ? where : ",") + parts.slicer[i];
+    return parts.slicer.empty() ? text : text + std::string(closing);
+}
+
+} // namespace
+
+std::optional<ValueStatementParts> ReadValueStatement(std::string_view statement) {
+    std::string_view rest = statement;
+    if (!rest.starts_with(opening))
+        return std::nullopt;
+    rest.remove_prefix(opening.size());
+    const auto span = TakeUntil(rest, endOfSpan);
+    const auto obsSel = span ? TakeUntil(rest, select) : std::nullopt;
+    const auto group = obsSel ? TakeUntil(rest, from) : std::nullopt;
+    const auto cubeName = group ? TakeUntil(rest, where) : std::nullopt;
+    if (!cubeName || !rest.ends_with(closing))
+        return std::nullopt;
+    rest.remove_suffix(closing.size());
+    ValueStatementParts parts{*span, *obsSel, *group, *cubeName, {}};
+    while (const auto piece = TakeUntil(rest, ","))
+        parts.slicer.push_back(*piece);
+    parts.slicer.emplace_back(rest);
+    if (Join(parts) != statement)
+        return std::nullopt;
+    return parts;
+}
+
+} // namespace qel::batch
