@@ -5,19 +5,20 @@
 namespace qel::engine {
 
 const AxisMember& Cellset::MemberAt(std::size_t axis, std::size_t position, std::size_t index) const {
-    return axes_[axis].members[axes_[axis].positions[position][index]];
+    const Axis& found = (*axes_)[axis];
+    return found.members[found.positions[position][index]];
 }
 
 const CellValue& Cellset::Cell(const std::vector<std::size_t>& positions) const {
     std::size_t cell = 0;
-    for (std::size_t axis = axes_.size(); axis-- > 0;) {
-        cell = cell * axes_[axis].positions.size() + positions[axis];
+    for (std::size_t axis = AxisCount(); axis-- > 0;) {
+        cell = cell * PositionCount(axis) + positions[axis];
     }
     return cells_[cell];
 }
 
 void CellsetBuilder::AddAxis(const TupleSet& tuples) {
-    Cellset::Axis& axis = cellset_.axes_.emplace_back();
+    Cellset::Axis& axis = axes_.emplace_back();
     axis.tupleSize = tuples.shape.size();
     axis.positions.reserve(tuples.Count());
     std::unordered_map<std::uint64_t, std::uint32_t> known;
@@ -37,8 +38,10 @@ void CellsetBuilder::AddAxis(const TupleSet& tuples) {
 }
 
 Cellset CellsetBuilder::Finish(std::vector<CellValue> cells) {
-    cellset_.cells_ = std::move(cells);
-    return std::move(cellset_);
+    Cellset cellset;
+    cellset.axes_ = std::make_shared<const std::vector<Cellset::Axis>>(std::move(axes_));
+    cellset.cells_ = std::move(cells);
+    return cellset;
 }
 
 AxisMember CellsetBuilder::Describe(MemberRef member) const {

@@ -19,7 +19,7 @@ private:
     AxisMember Describe(MemberRef member) const;
 
     const MemberSpace& space_;
-    Cellset cellset_;
+    std::vector<Cellset::Axis> axes_;
 };
 
 } // namespace qel::engine

@@ -32,6 +32,21 @@ void FactCell::Restrict(std::size_t keyColumn, CodeRanges codes) {
     restrictions.push_back({keyColumn, codes});
 }
 
+CellValue ReadFacts(const FactTable& facts, std::span<const Restriction> restrictions, MemberId measure) {
+    const Measure& read = facts.Measures()[measure];
+    const FactSum total = SumFacts(facts, restrictions, measure);
+    if (total.rows == 0) {
+        return CellValue::Empty();
+    }
+    if (read.aggregate == Aggregate::Count) {
+        return CellValue::Exact(static_cast<std::int64_t>(total.rows), 0);
+    }
+    // Unsigned: a file that was tampered with may overflow, and must not be undefined.
+    const std::uint64_t scaled =
+        static_cast<std::uint64_t>(total.sum) * static_cast<std::uint64_t>(read.unit);
+    return CellValue::Exact(static_cast<std::int64_t>(scaled), read.decimals);
+}
+
 Evaluator::Evaluator(const MemberSpace& space, std::string_view statement)
     : space_(space), statement_(statement) {
     coordinates_.resize(space.HierarchyCount());
@@ -146,20 +161,6 @@ void Evaluator::CollectRestrictions(std::span<const HierarchyId> open, FactCell&
     for (const FoldedHierarchy& folded : folded_) {
         restrict(folded.hierarchy, folded.codes);
     }
-}
-
-CellValue Evaluator::Read(const FactCell& cell) const {
-    const FactTable& facts = space_.GetCube().Facts();
-    const Measure& measure = facts.Measures()[cell.measure];
-    const FactSum total = SumFacts(facts, cell.restrictions, cell.measure);
-    if (total.rows == 0) {
-        return CellValue::Empty();
-    }
-    return measure.aggregate == Aggregate::Count
-               ? CellValue::Exact(static_cast<std::int64_t>(total.rows), 0)
-               : CellValue::Exact(static_cast<std::int64_t>(static_cast<std::uint64_t>(total.sum) *
-                                                            static_cast<std::uint64_t>(measure.unit)),
-                                  measure.decimals);
 }
 
 Evaluator::Position::Position(Evaluator& evaluator, std::span<const HierarchyId> shape,

@@ -30,6 +30,9 @@ struct FactCell {
     void Restrict(std::size_t keyColumn, CodeRanges codes);
 };
 
+/// The value of the facts under the restrictions. Raises EngineError (DamagedFile).
+CellValue ReadFacts(const FactTable& facts, std::span<const Restriction> restrictions, MemberId measure);
+
 /// Evaluates cells: holds the current member of every hierarchy and the formulas of calculated members.
 class Evaluator {
 public:
@@ -88,7 +91,9 @@ private:
     bool Fold(const SumOfSet* sum);
     bool Apply(const SumOfSet& sum);
     void CollectRestrictions(std::span<const HierarchyId> open, FactCell& cell) const;
-    CellValue Read(const FactCell& cell) const;
+    CellValue Read(const FactCell& cell) const {
+        return ReadFacts(space_.GetCube().Facts(), cell.restrictions, cell.measure);
+    }
 
     const MemberSpace& space_;
     std::string_view statement_;

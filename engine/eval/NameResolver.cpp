@@ -137,11 +137,8 @@ std::optional<Resolved> NameResolver::InHierarchy(HierarchyId hierarchy, std::si
 MemberId NameResolver::MemberPath(HierarchyId hierarchy, MemberRange among, std::size_t part) {
     furthest_ = std::max(furthest_, part);
     std::vector<MemberId> found;
-    Find(hierarchy, part, found);
+    Find(hierarchy, among, part, found);
     for (const MemberId member : found) {
-        if (member < among.first || member >= among.last) {
-            continue;
-        }
         const MemberId descendant = Descend(hierarchy, member, part + 1);
         if (descendant != noMember) {
             return descendant;
@@ -157,7 +154,8 @@ MemberId NameResolver::Descend(HierarchyId hierarchy, MemberId member, std::size
     return MemberPath(hierarchy, space_.Children({hierarchy, member}), part);
 }
 
-void NameResolver::Find(HierarchyId hierarchy, std::size_t part, std::vector<MemberId>& found) const {
+void NameResolver::Find(HierarchyId hierarchy, MemberRange among, std::size_t part,
+                        std::vector<MemberId>& found) const {
     const mdx::Node& name = *parts_[part];
     if (name.text.empty()) {
         return;
@@ -168,6 +166,7 @@ void NameResolver::Find(HierarchyId hierarchy, std::size_t part, std::vector<Mem
     } else {
         stored.FindByName(name.text, found);
     }
+    std::erase_if(found, [among](MemberId member) { return member < among.first || member >= among.last; });
     if (found.size() < 2) {
         return;
     }

@@ -40,7 +40,8 @@ private:
     std::optional<Resolved> InHierarchy(HierarchyId hierarchy, std::size_t part);
     MemberId MemberPath(HierarchyId hierarchy, MemberRange among, std::size_t part);
     MemberId Descend(HierarchyId hierarchy, MemberId member, std::size_t part);
-    void Find(HierarchyId hierarchy, std::size_t part, std::vector<MemberId>& found) const;
+    /// The members among these that the part names, the best one first.
+    void Find(HierarchyId hierarchy, MemberRange among, std::size_t part, std::vector<MemberId>& found) const;
     void TakeParts(const mdx::Node& path);
     bool IsNamed(std::size_t part, std::string_view name) const;
     [[noreturn]] void Fail(bool wantsLevel) const;

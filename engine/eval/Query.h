@@ -36,23 +36,24 @@ struct AxisMember {
 /// The answer to a statement: axes of positions (tuples of members), and a cell for every combination.
 class Cellset {
 public:
-    std::size_t AxisCount() const { return axes_.size(); }
-    std::size_t PositionCount(std::size_t axis) const { return axes_[axis].positions.size(); }
+    std::size_t AxisCount() const { return axes_ ? axes_->size() : 0; }
+    std::size_t PositionCount(std::size_t axis) const { return (*axes_)[axis].positions.size(); }
     /// How many members each position of the axis has.
-    std::size_t TupleSize(std::size_t axis) const { return axes_[axis].tupleSize; }
+    std::size_t TupleSize(std::size_t axis) const { return (*axes_)[axis].tupleSize; }
     const AxisMember& MemberAt(std::size_t axis, std::size_t position, std::size_t index) const;
     /// The cell at one position of every axis, columns first.
     const CellValue& Cell(const std::vector<std::size_t>& positions) const;
 
 private:
     friend class CellsetBuilder;
+    friend class StatementPlan;
 
     struct Axis {
         std::size_t tupleSize = 0;
         std::vector<std::vector<std::uint32_t>> positions; ///< indices into members
         std::vector<AxisMember> members;
     };
-    std::vector<Axis> axes_;
+    std::shared_ptr<const std::vector<Axis>> axes_; ///< shared by the answers to one statement
     std::vector<CellValue> cells_;
 };
 

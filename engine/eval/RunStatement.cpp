@@ -1,6 +1,7 @@
 #include "engine/eval/Binder.h"
 #include "engine/eval/CellsetBuilder.h"
 #include "engine/eval/NonEmpty.h"
+#include "engine/eval/StatementPlan.h"
 #include "engine/mdx/Parser.h"
 #include "engine/text/CaseFold.h"
 
@@ -20,6 +21,8 @@ public:
           binder_(statement_, space_, evaluator_) {}
 
     Cellset Run();
+    /// The statement's plan after Run, or null when its answer is not one cell, or more than one read.
+    std::shared_ptr<const StatementPlan> Plan(const Cellset& answer);
 
 private:
     void CheckCube() const;
@@ -61,6 +64,22 @@ Cellset StatementRun::Run() {
         builder.AddAxis(axis);
     }
     return builder.Finish(std::move(cells));
+}
+
+std::shared_ptr<const StatementPlan> StatementRun::Plan(const Cellset& answer) {
+    for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
+        if (axes_[axis].Count() != 1 || statement_.axes[axis].nonEmpty) {
+            return nullptr;
+        }
+        for (std::size_t i = 0; i < axes_[axis].shape.size(); ++i) {
+            evaluator_.SetCurrent(axes_[axis].shape[i], axes_[axis].ids[i]);
+        }
+    }
+    FactCell cell;
+    if (hasSlicer_ || !evaluator_.ReadsFacts({}, cell)) {
+        return nullptr;
+    }
+    return std::make_shared<const StatementPlan>(answer, cell);
 }
 
 void StatementRun::CheckCube() const {
@@ -208,6 +227,13 @@ void StatementRun::RemoveEmptyByCells(std::vector<CellValue>& cells) {
 
 Cellset RunStatement(const Cube& cube, std::string_view statement) {
     return StatementRun(cube, statement).Run();
+}
+
+PlannedAnswer RunAndPlan(const Cube& cube, std::string_view statement) {
+    StatementRun run(cube, statement);
+    PlannedAnswer answer{run.Run(), nullptr};
+    answer.plan = run.Plan(answer.cellset);
+    return answer;
 }
 
 } // namespace qel::engine

@@ -79,21 +79,31 @@ ExpressionParser::ExpressionParser(Statement& statement) : statement_(statement)
 
 NodeId ExpressionParser::ParseExpression(std::string_view expected) {
     const Nesting nesting(*this);
-    return ParseOperators(0, expected);
+    if (IsAt("not")) {
+        return ParseOperators(0, expected);
+    }
+    const NodeId operand = ParseRange(expected);
+    return EndsExpression() ? operand : ParseOperators(0, expected, operand);
 }
 
-NodeId ExpressionParser::ParseOperators(std::size_t precedence, std::string_view expected) {
+/// True where no operator can stand, which is where most expressions end.
+bool ExpressionParser::EndsExpression() const {
+    return IsAt(TokenKind::Comma) || IsAt(TokenKind::RightBrace) || IsAt(TokenKind::RightParenthesis) ||
+           IsAt(TokenKind::FormulaEnd) || IsAt(TokenKind::End);
+}
+
+NodeId ExpressionParser::ParseOperators(std::size_t precedence, std::string_view expected, NodeId leftmost) {
     if (precedence == precedences.size()) {
-        return ParseRange(expected);
+        return leftmost == noNode ? ParseRange(expected) : leftmost;
     }
-    if (precedence == comparisonPrecedence && IsAt("not")) {
+    if (leftmost == noNode && precedence == comparisonPrecedence && IsAt("not")) {
         const Nesting nesting(*this);
         const NodeId negated = NewNode(NodeKind::Not, current_.place);
         Advance();
         AddChild(negated, ParseOperators(precedence, "a condition"));
         return negated;
     }
-    const NodeId first = ParseOperators(precedence + 1, expected);
+    const NodeId first = ParseOperators(precedence + 1, expected, leftmost);
     NodeId chain = noNode;
     for (Operator op = TakeJoiner(precedence); op != Operator::None; op = TakeJoiner(precedence)) {
         if (chain == noNode) {

@@ -39,7 +39,9 @@ public:
 private:
     class Nesting;
 
-    NodeId ParseOperators(std::size_t precedence, std::string_view expected);
+    /// `leftmost` is the first operand when it was read already.
+    NodeId ParseOperators(std::size_t precedence, std::string_view expected, NodeId leftmost = noNode);
+    bool EndsExpression() const;
     NodeId ParseRange(std::string_view expected);
     NodeId ParseSign(std::string_view expected);
     NodeId ParsePostfix(std::string_view expected);

@@ -67,6 +67,9 @@ bool Lexer::IsBefore(TokenKind kind) const {
 }
 
 bool Lexer::IsBeforeMethod() const {
+    if (At(position_) == '[') {
+        return false;
+    }
     if (IsWordStart(At(position_)) || BlankLength(statement_.substr(position_, 3)) != 0) {
         Lexer ahead = *this;
         const Token token = ahead.Next();
@@ -105,6 +108,15 @@ Token Lexer::RawUpTo(std::string_view word) {
 
 void Lexer::SkipBlanks() {
     while (position_ < statement_.size()) {
+        // Most tokens follow at once, or behind single blanks.
+        const char c = statement_[position_];
+        if (c == ' ') {
+            ++position_;
+            continue;
+        }
+        if (c > ' ' && c != '-' && c != '/') {
+            return;
+        }
         const std::size_t blank = BlankLength(statement_.substr(position_, 3));
         if (blank == 0 && !SkipComment()) {
             return;
@@ -207,26 +219,39 @@ Token Lexer::ReadNumber() {
 
 Token Lexer::ReadWord() {
     std::size_t end = position_;
-    while (IsWordPart(At(end)) && BlankLength(statement_.substr(end, 3)) == 0) {
+    while (IsWordPart(At(end)) && (At(end) > 0 || BlankLength(statement_.substr(end, 3)) == 0)) {
         ++end;
     }
     return Take(TokenKind::Word, end - position_);
 }
 
 Token Lexer::ReadSymbol() {
+    switch (At(position_)) {
+    case '.':
+        return Take(TokenKind::Dot, 1);
+    case ',':
+        return Take(TokenKind::Comma, 1);
+    case '{':
+        return Take(TokenKind::LeftBrace, 1);
+    case '}':
+        return Take(TokenKind::RightBrace, 1);
+    case '(':
+        return Take(TokenKind::LeftParenthesis, 1);
+    case ')':
+        return Take(TokenKind::RightParenthesis, 1);
+    default:
+        return ReadOperator();
+    }
+}
+
+Token Lexer::ReadOperator() {
     struct Symbol {
         std::string_view text;
         TokenKind kind;
     };
-    static constexpr std::array<Symbol, 19> symbols{{{"<>", TokenKind::NotEqual},
+    static constexpr std::array<Symbol, 13> symbols{{{"<>", TokenKind::NotEqual},
                                                      {"<=", TokenKind::LessOrEqual},
                                                      {">=", TokenKind::GreaterOrEqual},
-                                                     {"{", TokenKind::LeftBrace},
-                                                     {"}", TokenKind::RightBrace},
-                                                     {"(", TokenKind::LeftParenthesis},
-                                                     {")", TokenKind::RightParenthesis},
-                                                     {",", TokenKind::Comma},
-                                                     {".", TokenKind::Dot},
                                                      {":", TokenKind::Colon},
                                                      {"&", TokenKind::Ampersand},
                                                      {"+", TokenKind::Plus},

@@ -72,6 +72,7 @@ private:
     Token ReadNumber();
     Token ReadWord();
     Token ReadSymbol();
+    Token ReadOperator();
     Token Take(TokenKind kind, std::size_t length);
     char At(std::size_t offset) const { return offset < statement_.size() ? statement_[offset] : '\0'; }
 

@@ -17,8 +17,7 @@ void RequireBelow(std::int32_t index, std::size_t count) {
 void LocalCellset::Open(const std::string& source, const std::shared_ptr<Connection>& connection) {
     if (answer_)
         throw ProviderError(errorObjectOpen, "Operation is not allowed when the object is open.");
-    const auto cube = LocalConnection::CubeOf(connection);
-    answer_ = TranslatingErrors([&] { return engine::RunStatement(*cube, source); });
+    answer_ = LocalConnection::Run(connection, source);
 }
 
 void LocalCellset::Close() {

@@ -71,6 +71,7 @@ void LocalConnection::Open(const std::string& connectionString, const std::strin
     const auto text = ParseConnectionText(connectionString);
     auto file = OpenFile(*files_, text);
     cube_ = ChooseCube(*file, text);
+    plans_ = files_->PlansOf(file);
     file_ = std::move(file);
     connectionString_ = connectionString;
 }
@@ -79,6 +80,7 @@ void LocalConnection::Close() {
     if (!cube_)
         throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
     cube_ = nullptr;
+    plans_ = nullptr;
     file_ = nullptr;
 }
 
@@ -91,12 +93,22 @@ std::unique_ptr<Recordset> LocalConnection::OpenSchema(int schema) {
 }
 
 std::shared_ptr<const engine::Cube> LocalConnection::CubeOf(const std::shared_ptr<Connection>& connection) {
+    return OpenOne(connection).cube_;
+}
+
+engine::Cellset LocalConnection::Run(const std::shared_ptr<Connection>& connection,
+                                     const std::string& statement) {
+    const LocalConnection& local = OpenOne(connection);
+    return TranslatingErrors([&] { return local.plans_->Run(*local.cube_, statement); });
+}
+
+const LocalConnection& LocalConnection::OpenOne(const std::shared_ptr<Connection>& connection) {
     const auto* local = dynamic_cast<const LocalConnection*>(connection.get());
     if (!local || !local->cube_)
         throw ProviderError(errorInvalidConnection,
                             "The connection cannot be used to perform this operation. It is either closed or "
                             "invalid in this context.");
-    return local->cube_;
+    return *local;
 }
 
 } // namespace qel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/eval/PlanCache.h"
 #include "engine/storage/CubeFile.h"
 #include "platform/DataAccess.h"
 
@@ -31,11 +32,17 @@ public:
     /// not open, or another provider's.
     static std::shared_ptr<const engine::Cube> CubeOf(const std::shared_ptr<Connection>& connection);
 
+    /// Runs a statement over the cube behind a connection; errors as above, and those of the statement.
+    static engine::Cellset Run(const std::shared_ptr<Connection>& connection, const std::string& statement);
+
 private:
+    static const LocalConnection& OpenOne(const std::shared_ptr<Connection>& connection);
+
     std::shared_ptr<OpenCubeFiles> files_;
     std::string connectionString_;
     std::shared_ptr<const engine::CubeFile> file_; ///< none while closed, as the cube
     std::shared_ptr<const engine::Cube> cube_;
+    std::shared_ptr<engine::PlanCache> plans_; ///< of the file
 };
 
 } // namespace qel

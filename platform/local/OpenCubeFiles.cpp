@@ -27,9 +27,19 @@ std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Open(const std::string& p
     // another identity and opens again.
     if (identity) {
         const std::lock_guard lock(mutex_);
-        Keep({path, *identity, file});
+        Keep({path, *identity, file, std::make_shared<engine::PlanCache>()});
     }
     return file;
+}
+
+std::shared_ptr<engine::PlanCache>
+OpenCubeFiles::PlansOf(const std::shared_ptr<const engine::CubeFile>& file) {
+    const std::lock_guard lock(mutex_);
+    for (const Entry& entry : entries_) {
+        if (entry.file == file)
+            return entry.plans;
+    }
+    return std::make_shared<engine::PlanCache>(); // so many others were opened that it is forgotten
 }
 
 std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Find(const std::string& path,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/eval/PlanCache.h"
 #include "engine/storage/CubeFile.h"
 #include "platform/local/FileIdentity.h"
 
@@ -16,12 +17,15 @@ class OpenCubeFiles {
 public:
     /// The open file of that path, relative ones being taken from the current folder. Raises AutomationError.
     std::shared_ptr<const engine::CubeFile> Open(const std::string& path);
+    /// The plans of statements over this file, shared by all who have it open.
+    std::shared_ptr<engine::PlanCache> PlansOf(const std::shared_ptr<const engine::CubeFile>& file);
 
 private:
     struct Entry {
         std::string path;
         FileIdentity identity;
         std::shared_ptr<const engine::CubeFile> file;
+        std::shared_ptr<engine::PlanCache> plans;
     };
 
     std::shared_ptr<const engine::CubeFile> Find(const std::string& path, const FileIdentity& identity);
