@@ -5,6 +5,8 @@
 #include "support/ModError.h"
 #include "wizard/OwnText.h"
 
+#include <algorithm>
+
 namespace qel {
 
 namespace {
@@ -54,6 +56,18 @@ bool WizardForm::Trapped(const std::string& function, const std::function<void()
                               module != nullptr ? module : design_.name);
         return false;
     }
+}
+
+std::string WizardForm::HandlerName(std::string_view control, const char* event) {
+    return std::string(control.substr(0, control.find('('))) + "_" + event;
+}
+
+std::string WizardForm::ChangeHandlerName(std::string_view control) const {
+    const bool isText =
+        std::any_of(design_.controls.begin(), design_.controls.end(), [&](const ControlDesign& design) {
+            return control == design.name && design.kind == ControlKind::TextBox;
+        });
+    return HandlerName(control, isText ? "Change" : "Click");
 }
 
 void WizardForm::WarnNumbered(std::int32_t number) const {

@@ -30,6 +30,11 @@ protected:
     bool Trapped(const std::string& function, const std::function<void()>& operation,
                  const char* module = nullptr) noexcept;
 
+    /// The name under which a control's handler reports itself: "TxtDate_LostFocus" of "TxtDate(0)".
+    static std::string HandlerName(std::string_view control, const char* event);
+    /// The same for another choice or an edited text: "ComLevel_Click", "TxtDate_Change".
+    std::string ChangeHandlerName(std::string_view control) const;
+
     /// Shows the text of a number of the suite's table as a warning.
     void WarnNumbered(std::int32_t number) const;
 

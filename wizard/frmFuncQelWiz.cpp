@@ -20,7 +20,7 @@ void frmFuncQelWiz::OnLoad() {
 }
 
 void frmFuncQelWiz::OnClick(std::string_view control) {
-    Trapped(std::string(control) + "_Click", [&] {
+    Trapped(HandlerName(control, "Click"), [&] {
         if (control == CmdCubeFile)
             CmdCubeFile_Click();
         else if (control == CmdOK)
@@ -37,11 +37,11 @@ void frmFuncQelWiz::OnClick(std::string_view control) {
 }
 
 void frmFuncQelWiz::OnChange(std::string_view control) {
-    Trapped(std::string(control) + "_Change", [&] { TakeChoice(control); });
+    Trapped(ChangeHandlerName(control), [&] { TakeChoice(control); });
 }
 
 void frmFuncQelWiz::OnLeave(std::string_view control) {
-    Trapped(std::string(control) + "_LostFocus", [&] {
+    Trapped(HandlerName(control, "LostFocus"), [&] {
         if (control == txtCubeFile && CubeFile() != takenFile_ && FileExists(CubeFile()))
             TakeCubeFile(CubeFile());
         else if (cube_)

@@ -74,8 +74,7 @@ void frmFuncQelWiz::TakeCubeFile(const std::string& cubeFile) {
 
 void frmFuncQelWiz::RejectCubeFile() {
     Form().SetText(txtCubeFile, "");
-    cubes_.Clear();
-    measures_.Clear();
+    ClearLists();
     LoadCube();
 }
 

@@ -63,7 +63,7 @@ void frmNameWizz::OnLoad() {
 }
 
 void frmNameWizz::OnClick(std::string_view control) {
-    Trapped(std::string(control) + "_Click", [&] {
+    Trapped(HandlerName(control, "Click"), [&] {
         if (control == CmdCubeFile) {
             const std::string cubeFile = AskForCubeFile(Form(), CmdDial, CubeFile());
             if (!cubeFile.empty())
@@ -79,7 +79,7 @@ void frmNameWizz::OnClick(std::string_view control) {
 }
 
 void frmNameWizz::OnChange(std::string_view control) {
-    Trapped(control == cmbmember ? std::string(control) : std::string(control) + "_Change", [&] {
+    Trapped(control == cmbmember ? std::string(control) : ChangeHandlerName(control), [&] {
         if (control == cboDatabaseList)
             LoadCubeFile(CubeFile(), cubes_.Key().value_or(""));
         else if (control == cmbmember)

@@ -156,7 +156,7 @@ TEST(Selectors, ReportListingsThatFailAndStayUsable) {
         EXPECT_THAT(bench.TakeMessages(), IsEmpty());
         dialog.Choose(ComLevel, "Cost");
         EXPECT_THAT(bench.TakeMessages(),
-                    ElementsAre(HasSubstr("Function : ComLevel_Change\r\nModule : frmFuncQelWiz")));
+                    ElementsAre(HasSubstr("Function : ComLevel_Click\r\nModule : frmFuncQelWiz")));
         dialog.Choose(ComLevel, "All");
         dialog.Tick(CheckAcc, true);
         EXPECT_EQ(dialog.Find(ListAccount, "4"), 0U);
