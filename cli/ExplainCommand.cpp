@@ -5,6 +5,7 @@
 #include "cli/ValueText.h"
 #include "cli/formula/FormulaError.h"
 #include "cli/formula/ParseFormula.h"
+#include "platform/ConnectionText.h"
 #include "platform/Conversion.h"
 
 #include <CLI/CLI.hpp>
@@ -82,7 +83,7 @@ private:
 
     void PrintSent(const Recording& recording) {
         for (const auto& text : recording.connectionTexts)
-            Line("connection", text);
+            Line("connection", WithoutPasswords(text));
         if (recording.statements.empty()) {
             Line("statement", "(none was sent)");
             PrintOutsideDates();

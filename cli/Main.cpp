@@ -12,11 +12,8 @@
 #include "cli/Version.h"
 #include "engine/EngineError.h"
 #include "platform/AutomationError.h"
-#include "platform/ConnectionText.h"
 #include "platform/Text.h"
-#include "platform/local/LocalDataAccess.h"
-#include "platform/provider/ResolvingDataAccess.h"
-#include "platform/xmla/XmlaDataAccess.h"
+#include "platform/standalone/StandaloneProviders.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -70,24 +67,10 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddLangCommand(app, context);
 }
 
-/// False too for a text that cannot be read, of which the embedded engine tells why.
-bool NamesServerCube(const std::string& connectionText) {
-    try {
-        return qel::IsServerAddress(qel::ParseConnectionText(connectionText).dataSource);
-    } catch (const qel::AutomationError&) {
-        return false;
-    }
-}
-
 int Run(int argc, char** argv) {
-    qel::LocalDataAccess embedded;
-    qel::XmlaDataAccess servers;
-    qel::ResolvingDataAccess dataAccess([&](const std::string& connectionText) -> qel::DataAccess& {
-        if (NamesServerCube(connectionText))
-            return servers;
-        return embedded;
-    });
-    qel::CommandContext context{dataAccess, {}, std::cin, std::cout, std::cerr, qel::StandardErrorColumns()};
+    qel::StandaloneProviders providers;
+    qel::CommandContext context{providers.Objects(), {},        std::cin,
+                                std::cout,           std::cerr, qel::StandardErrorColumns()};
     CLI::App app{description, "qel"};
     app.footer(footer);
     app.set_version_flag("--version", std::string("qel ") + qel::programVersion);

@@ -14,6 +14,10 @@ namespace {
 
 void ReadProperty(std::string_view part, ConnectionText& connection) {
     const auto equals = part.find('=');
+    if (equals == std::string_view::npos &&
+        IsServerAddress(connection.dataSource)) // it may end with a password
+        throw AutomationError(errorBadConnectionText,
+                              "The server's address contains ';', which is written as %3B.");
     if (equals == std::string_view::npos)
         throw AutomationError(errorBadConnectionText,
                               fmt::format("The connection text has a part without '=': '{}'. A path cannot "
@@ -36,6 +40,25 @@ bool IsServerAddress(std::string_view dataSource) {
         return EqualIgnoringCase(dataSource.substr(0, scheme.size()), scheme);
     };
     return beginsWith("http://") || beginsWith("https://");
+}
+
+std::string WithoutPasswords(std::string_view text) {
+    constexpr std::string_view afterScheme = "://";
+    std::string shown;
+    for (auto place = text.find(afterScheme); place != std::string_view::npos;
+         place = text.find(afterScheme)) {
+        place += afterScheme.size();
+        shown += text.substr(0, place);
+        text.remove_prefix(place);
+        const auto userAndPassword = text.substr(0, text.find_first_of(";\" \n"));
+        const auto at = userAndPassword.rfind('@');
+        const auto colon = userAndPassword.find(':');
+        if (at != std::string_view::npos && colon < at) {
+            shown += std::string(text.substr(0, colon)) + ":***";
+            text.remove_prefix(at);
+        }
+    }
+    return shown + std::string(text);
 }
 
 ConnectionText ParseConnectionText(std::string_view text) {

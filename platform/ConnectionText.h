@@ -20,6 +20,9 @@ struct ConnectionText {
 /// a part without '=' and for a text without a data source.
 ConnectionText ParseConnectionText(std::string_view text);
 
+/// The text as it can be shown: a password in an address in it is replaced by "***".
+std::string WithoutPasswords(std::string_view text);
+
 /// True for the address of a server, "http://…" or "https://…" in any letter case.
 bool IsServerAddress(std::string_view dataSource);
 
