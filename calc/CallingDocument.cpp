@@ -1,14 +1,17 @@
 #include "calc/CallingDocument.h"
 
-#include "calc/OfficeText.h"
 #include "platform/PathText.h"
 #include "platform/Text.h"
+#include "platform/office/OfficeText.h"
 
 #include <com/sun/star/frame/XModel.hpp>
 #include <osl/file.hxx>
 #include <system_error>
 
 namespace qel::calc {
+
+using office::FromOffice;
+using office::ToOffice;
 
 namespace {
 

@@ -1,8 +1,8 @@
 #include "calc/CellArguments.h"
 
-#include "calc/OfficeText.h"
 #include "platform/AutomationError.h"
 #include "platform/Conversion.h"
+#include "platform/office/OfficeText.h"
 
 #include <com/sun/star/uno/Sequence.hxx>
 #include <memory>
@@ -10,6 +10,9 @@
 #include <vector>
 
 namespace qel::calc {
+
+using office::FromOffice;
+using office::ToOffice;
 
 using com::sun::star::uno::Any;
 using com::sun::star::uno::Sequence;

@@ -2,14 +2,17 @@
 
 #include "calc/CellArguments.h"
 #include "calc/FunctionTexts.h"
-#include "calc/OfficeText.h"
 #include "calc/ThreadFunction.h"
+#include "platform/office/OfficeText.h"
 
 #include <com/sun/star/uno/RuntimeException.hpp>
 #include <cppuhelper/supportsservice.hxx>
 #include <exception>
 
 namespace qel::calc {
+
+using office::FromOffice;
+using office::ToOffice;
 
 namespace uno = com::sun::star::uno;
 namespace sheet = com::sun::star::sheet;

@@ -4,20 +4,16 @@
 
 namespace qel::calc {
 
-namespace {
-
-DataAccess& Cubes() {
-    static LocalDataAccess cubes;
-    return cubes;
-}
-
-} // namespace
-
-ThreadFunction::ThreadFunction() : function({state_, Cubes(), locale}) {}
+ThreadFunction::ThreadFunction() : function({state, Cubes(), locale}) {}
 
 ThreadFunction& FunctionOfThread() {
     thread_local ThreadFunction mine;
     return mine;
+}
+
+DataAccess& Cubes() {
+    static LocalDataAccess cubes;
+    return cubes;
 }
 
 } // namespace qel::calc

@@ -79,12 +79,13 @@ def die_with_parent():
 class Office:
     """A running office; a context manager, because it must be ended.
 
-    `folder` is its current folder, `settings` are options of its configuration by path.
+    `folder` is its current folder. With a `display`, an X server's name, it shows its windows there.
     """
 
-    def __init__(self, profile, folder=None):
+    def __init__(self, profile, folder=None, display=None):
         self.profile = profile
         self.folder = folder
+        self.display = display
         self.process = None
         self.context = None
         self.desktop = None
@@ -102,16 +103,19 @@ class Office:
 
     def start(self):
         pipe = f"qel-{uuid.uuid4().hex}"
-        command = [PROGRAM / "soffice.bin", "--headless", "--norestore", "--nologo", "--nodefault", "--nolockcheck",
+        command = [PROGRAM / "soffice.bin", *([] if self.display else ["--headless"]), "--norestore", "--nologo", "--nodefault", "--nolockcheck",
                    *self.profile.variables(), f"--accept=pipe,name={pipe};urp;"]
         local = uno.getComponentContext()
         resolver = local.ServiceManager.createInstanceWithContext("com.sun.star.bridge.UnoUrlResolver", local)
+        environment = self.profile.environment()
+        if self.display:
+            environment.update(DISPLAY=self.display, SAL_USE_VCLPLUGIN="gen")
         log = open(self.profile.folder / "office.log", "wb")
         deadline = time.monotonic() + PATIENCE
         with log:
             while time.monotonic() < deadline:
                 if self.process is None or self.process.poll() == FIRST_START:
-                    self.process = subprocess.Popen(command, cwd=self.folder, env=self.profile.environment(),
+                    self.process = subprocess.Popen(command, cwd=self.folder, env=environment,
                                                     stdin=subprocess.DEVNULL, stdout=log, stderr=log,
                                                     preexec_fn=die_with_parent)
                 elif self.process.poll() == 0:
@@ -134,7 +138,8 @@ class Office:
         return manager.createInstanceWithContext(name, self.context)
 
     def new_document(self):
-        return self.desktop.loadComponentFromURL("private:factory/scalc", "_blank", 0, properties(Hidden=True))
+        return self.desktop.loadComponentFromURL("private:factory/scalc", "_blank", 0,
+                                                 properties(Hidden=self.display is None))
 
     def open(self, path, **options):
         if not pathlib.Path(path).is_file():

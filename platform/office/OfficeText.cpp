@@ -1,8 +1,8 @@
-#include "calc/OfficeText.h"
+#include "platform/office/OfficeText.h"
 
 #include <rtl/textcvt.h>
 
-namespace qel::calc {
+namespace qel::office {
 
 std::string FromOffice(const rtl::OUString& text) {
     const rtl::OString bytes = rtl::OUStringToOString(text, RTL_TEXTENCODING_UTF8);
@@ -13,4 +13,4 @@ rtl::OUString ToOffice(std::string_view text) {
     return {text.data(), static_cast<sal_Int32>(text.size()), RTL_TEXTENCODING_UTF8};
 }
 
-} // namespace qel::calc
+} // namespace qel::office

@@ -1,0 +1,28 @@
+#include "calc/SuiteOfUser.h"
+
+#include "platform/PathText.h"
+#include "platform/files/ConfigFolder.h"
+
+#include <dlfcn.h>
+
+namespace qel::calc {
+
+namespace {
+
+/// The folder of the shared library that holds this code.
+std::string ComponentFolder() {
+    static const char anywhere = 0;
+    Dl_info library = {};
+    if (::dladdr(&anywhere, &library) == 0 || library.dli_fname == nullptr)
+        return TextFromPath(std::filesystem::current_path());
+    return TextFromPath(std::filesystem::path(library.dli_fname).parent_path());
+}
+
+} // namespace
+
+SuiteOfUser::SuiteOfUser(const office::Context& context)
+    : windows_(context), messages_(windows_), toolkit_(windows_),
+      registry_(SettingsFile()), environment_{registry_, profiles_, database_, messages_, ComponentFolder()},
+      language_{environment_, tables_}, services_{toolkit_, language_} {}
+
+} // namespace qel::calc

@@ -1,0 +1,72 @@
+#include "calc/WizardsService.h"
+
+#include "calc/ThreadFunction.h"
+#include "platform/office/OfficeText.h"
+
+#include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/uno/RuntimeException.hpp>
+#include <cppuhelper/supportsservice.hxx>
+
+namespace qel::calc {
+
+namespace uno = com::sun::star::uno;
+using office::FromOffice;
+using office::ToOffice;
+
+namespace {
+
+constexpr const char* serviceName = "OrmFunctionQel4.Wizards";
+
+} // namespace
+
+rtl::OUString WizardsService::ShowFormGetVal(const Any& activeCell) {
+    return Show(&OrmQelFunction::ShowFormGetVal, activeCell);
+}
+
+rtl::OUString WizardsService::ShowFormQelName(const Any& activeCell) {
+    return Show(&OrmQelFunction::ShowFormQelName, activeCell);
+}
+
+rtl::OUString WizardsService::Show(Form form, const Any& activeCell) {
+    try {
+        const auto document = DocumentInFront();
+        auto cell = office::CellFrom(activeCell, document);
+        if (!cell && document.is())
+            cell = office::ActiveCellOf(document);
+        if (!suite_)
+            suite_ = std::make_unique<SuiteOfUser>(context_);
+        const Locale locale = locales_.Of(DocumentReference(document, uno::UNO_QUERY));
+        // A macro's object is one of its own; the thread's connection is every object's.
+        OrmQelFunction object({FunctionOfThread().state, Cubes(), locale, &suite_->Services()});
+        return ToOffice((object.*form)(cell));
+    } catch (const uno::Exception&) {
+        throw;
+    } catch (const std::exception& error) {
+        throw uno::RuntimeException(ToOffice(error.what()));
+    }
+}
+
+office::SheetDocument WizardsService::DocumentInFront() const {
+    const auto desktop = com::sun::star::frame::Desktop::create(context_);
+    return {desktop->getCurrentComponent(), uno::UNO_QUERY};
+}
+
+void WizardsService::trigger(const rtl::OUString& method) {
+    if (method == "ShowFormGetVal")
+        ShowFormGetVal({});
+    else if (method == "ShowFormQelName")
+        ShowFormQelName({});
+}
+
+rtl::OUString WizardsService::getImplementationName() { return ToOffice("OrmFunctionQel4.WizardsService"); }
+
+sal_Bool WizardsService::supportsService(const rtl::OUString& service) {
+    return cppu::supportsService(this, service);
+}
+
+uno::Sequence<rtl::OUString> WizardsService::getSupportedServiceNames() {
+    const rtl::OUString name = ToOffice(serviceName);
+    return {&name, 1};
+}
+
+} // namespace qel::calc

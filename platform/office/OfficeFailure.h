@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/AutomationError.h"
+#include "platform/office/OfficeText.h"
+
+#include <com/sun/star/uno/Exception.hpp>
+#include <utility>
+
+namespace qel::office {
+
+/// The platform's number for an application's own failure, which the office's exceptions have none for.
+inline constexpr std::int32_t applicationDefinedError = 1004;
+
+/// Runs an operation of the office. What the office raises becomes an automation error with its description.
+template <class Operation>
+auto Translating(Operation&& operation) {
+    try {
+        return std::forward<Operation>(operation)();
+    } catch (const com::sun::star::uno::Exception& failure) {
+        throw AutomationError(applicationDefinedError, FromOffice(failure.Message), "LibreOffice");
+    }
+}
+
+} // namespace qel::office
