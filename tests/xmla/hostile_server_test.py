@@ -1,0 +1,314 @@
+#!/usr/bin/env python3
+"""Runs qel against servers that fail in every way: each failure is a clear error in time, in bounded memory."""
+import base64
+import http.server
+import os
+import pathlib
+import resource
+import socket
+import ssl
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+import zlib
+
+QEL = ""
+HERE = pathlib.Path(__file__).resolve().parent
+REQUEST_SECONDS = 4
+ENVELOPE = ('<?xml version="1.0" encoding="%s"?>\n<SOAP-ENV:Envelope xmlns:SOAP-ENV="http://schemas.xmlsoap.org/soap/'
+            'envelope/" xmlns:xsi="x" xmlns:xsd="y"><SOAP-ENV:Body>%s</SOAP-ENV:Body></SOAP-ENV:Envelope>')
+CATALOGS = ENVELOPE % ("UTF-8", "<r><root><row><CATALOG_NAME>Books &amp; more</CATALOG_NAME></row>"
+                                "<row><CATALOG_NAME>Other</CATALOG_NAME></row></root></r>")
+FAULT = ("<SOAP-ENV:Fault><faultcode>S.1</faultcode><faultstring>Execute failed</faultstring><detail><XA:error>"
+         "<code>9</code><desc>The caf\u00e9 is closed</desc></XA:error></detail></SOAP-ENV:Fault>")
+MEMBER = "<Member><UName>[A].[b]</UName><Caption>b</Caption><LName>[A].[L]</LName><LNum>1</LNum></Member>"
+AXES = ('<Axes><Axis name="Axis0"><Tuples><Tuple>' + MEMBER + '</Tuple></Tuples></Axis><Axis name="Axis1"><Tuples>'
+        '<Tuple>' + MEMBER + "</Tuple></Tuples></Axis></Axes>")
+
+
+def cellset(cells, axes=AXES):
+    return ENVELOPE % ("UTF-8", f"<r><root>{axes}<CellData>{cells}</CellData></root></r>")
+
+
+def packed_blanks(megabytes):
+    """So many blanks, packed without ever being whole in this program's memory."""
+    packer = zlib.compressobj(wbits=31)
+    blanks = b" " * (1 << 20)
+    return b"".join(packer.compress(blanks) for _ in range(megabytes)) + packer.flush()
+
+
+def cell(value, ordinal="0", kind="xsd:double"):
+    return f'<Cell CellOrdinal="{ordinal}"><Value xsi:type="{kind}">{value}</Value></Cell>'
+
+
+# What is answered to a statement: status, body, more headers; the answers that take longer are functions.
+EXECUTES = {
+    "good": (200, cellset(cell("4.25"))),
+    "empty-cell": (200, cellset("")),
+    "fault": (200, (ENVELOPE % ("ISO-8859-1", FAULT)).encode("latin-1")),
+    "fault-500": (500, ENVELOPE % ("UTF-8", FAULT)),
+    "messages": (200, ENVELOPE % ("UTF-8", '<r><root><Exception/><Messages><Error ErrorCode="1" Description="No such '
+                                           'measure &lt;x&gt;"/></Messages></root></r>')),
+    "error-cell": (200, cellset('<Cell CellOrdinal="0"><Value><Error><ErrorCode>7</ErrorCode><Description>Divided by '
+                                "zero</Description></Error></Value></Cell>")),
+    "status-401": (401, "<html>no</html>"),
+    "status-403": (403, "no"),
+    "status-404": (404, "<!DOCTYPE html><html>"),
+    "status-500": (500, "out of order"),
+    "html": (200, "<html><body>Log in first</body></html>"),
+    "text": (200, "Welcome!"),
+    "empty": (200, ""),
+    "cut-xml": (200, cellset(cell("4.25"))[:-60]),
+    "entities": (200, '<?xml version="1.0"?><!DOCTYPE a [<!ENTITY a "aaaaaaaaaa"><!ENTITY b "&a;&a;&a;&a;&a;&a;">'
+                      "<!ENTITY c '&b;&b;&b;&b;&b;&b;'>]><a>&c;</a>"),
+    "nested": (200, "<Envelope>" + "<a>" * 200_000),
+    "long-text": (200, ENVELOPE % ("UTF-8", "<a>" + "x" * 2_000_000 + "</a>")),
+    "number": (200, cellset(cell("12,5"))),
+    "ordinal": (200, cellset(cell("1", ordinal="-3"))),
+    "axes": (200, cellset("", axes='<Axes><Axis name="Axis7"/></Axes>')),
+    "encoding": (200, ENVELOPE % ("KOI-17", "<a/>")),
+    "packed-bomb": (200, packed_blanks(200), {"Content-Encoding": "gzip"}),
+}
+
+FAILURES = [
+    ("a fault's own words, in the letters of its encoding", "fault", "Execute failed: The caf\u00e9 is closed"),
+    ("a fault with status 500", "fault-500", "Execute failed: The caf\u00e9 is closed"),
+    ("an error that is no fault", "messages", "No such measure <x>"),
+    ("an error in a cell", "error-cell", "Divided by zero"),
+    ("credentials wanted", "status-401", "wants a user and a password"),
+    ("access denied", "status-403", "denies the access"),
+    ("nothing there", "status-404", "nothing at that path"),
+    ("a broken server", "status-500", "HTTP status 500"),
+    ("a page instead of an answer", "html", "begins with <html>"),
+    ("a text instead of an answer", "text", "is no XML"),
+    ("an empty answer", "empty", "ended before it was complete"),
+    ("XML that is cut", "cut-xml", "ended before it was complete"),
+    ("a body that is cut", "cut-body", "cannot be read"),
+    ("entities that expand", "entities", "declares a document type"),
+    ("elements in elements", "nested", "nested too deeply"),
+    ("a text without end", "long-text", "too long"),
+    ("an answer without end", "endless", "larger than is taken"),
+    ("an answer that unpacks to very much", "packed-bomb", "larger than is taken"),
+    ("a number that is none", "number", "'12,5' as a number"),
+    ("a cell's number that is none", "ordinal", "'-3' as a cell's number"),
+    ("axes out of order", "axes", "axis 'Axis7'"),
+    ("an encoding that nobody knows", "encoding", "is no XML"),
+    ("no answer at all", "silent", "did not answer in time"),
+    ("a byte now and then", "drip", "did not answer in time"),
+    ("no HTTP", "garbage", "cannot be"),
+    ("a redirection to another host", "elsewhere", "it is another host"),
+    ("redirections in a circle", "circle", "redirects in a circle"),
+    ("a redirection to nowhere", "nowhere", "redirects to nowhere"),
+]
+
+
+class Handler(http.server.BaseHTTPRequestHandler):
+    protocol_version = "HTTP/1.1"
+
+    def log_message(self, *_):
+        pass
+
+    def do_POST(self):
+        body = self.rfile.read(int(self.headers["Content-Length"])).decode()
+        self.server.seen.append((self.path, self.headers.get("Authorization"), body))
+        name = self.path.strip("/")
+        if name == "moved":
+            self.answer(307, "", {"Location": "/good"})
+        elif "Discover" in body:
+            self.answer(200, CATALOGS)
+        elif name in EXECUTES:
+            self.answer(*EXECUTES[name])
+        else:
+            getattr(self, name.replace("-", "_"))()
+
+    def answer(self, status, body, headers={}):
+        body = body.encode() if isinstance(body, str) else body
+        self.send_response(status)
+        for key, value in {"Content-Type": "text/xml", "Content-Length": len(body), **headers}.items():
+            self.send_header(key, str(value))
+        self.end_headers()
+        try:
+            self.wfile.write(body)
+        except OSError:
+            pass  # the client has had enough
+
+    def cut_body(self):
+        self.send_response(200)
+        self.send_header("Content-Length", "100000")
+        self.end_headers()
+        self.wfile.write(cellset(cell("1")).encode())
+        self.close_connection = True
+
+    def endless(self):
+        self.send_response(200)
+        self.end_headers()
+        self.send_pieces((ENVELOPE.split("%s</SOAP")[0] % "UTF-8").encode(), b"<row><A>1</A></row>" * 1000, 0)
+
+    def drip(self):
+        self.send_response(200)
+        self.end_headers()
+        self.send_pieces(b"<Envelope>", b" ", 0.1)
+
+    def send_pieces(self, first, piece, pause):
+        try:
+            self.wfile.write(first)
+            while not self.server.ending.wait(pause):
+                self.wfile.write(piece)
+        except OSError:
+            pass
+        self.close_connection = True
+
+    def silent(self):
+        self.server.ending.wait()
+        self.close_connection = True
+
+    def garbage(self):
+        self.wfile.write(b"\x00\x01SSH-2.0-nothing\r\n" * 10)
+        self.close_connection = True
+
+    def elsewhere(self):
+        self.answer(307, "", {"Location": f"http://localhost:{self.server.server_port}/good"})
+
+    def circle(self):
+        self.answer(307, "", {"Location": "/circle"})
+
+    def nowhere(self):
+        self.answer(302, "")
+
+
+class Server(http.server.ThreadingHTTPServer):
+    daemon_threads = True
+
+    def __init__(self):
+        super().__init__(("127.0.0.1", 0), Handler)
+        self.seen, self.ending = [], threading.Event()
+        threading.Thread(target=self.serve_forever, daemon=True).start()
+
+    def handle_error(self, *_):
+        pass  # clients that hang up are what is tested
+
+    def stop(self):
+        self.ending.set()
+        self.shutdown()
+        self.server_close()
+
+
+class HostileServer(unittest.TestCase):
+    def setUp(self):
+        self.server = Server()
+        self.addCleanup(self.server.stop)
+        self.folder = tempfile.TemporaryDirectory(prefix="qel-hostile-")
+        self.addCleanup(self.folder.cleanup)
+        self.home = pathlib.Path(self.folder.name)
+        self.settings = self.home / "qel" / "servers.ini"
+        self.settings.parent.mkdir()
+        self.limits = f"[Limits]\nConnectSeconds=4\nRequestSeconds={REQUEST_SECONDS}\nAnswerMegabytes=4\n"
+        self.settings.write_text(self.limits)
+
+    def address(self, path, credentials="", scheme="http", port=None):
+        return f"{scheme}://{credentials}127.0.0.1:{port or self.server.server_port}/{path}"
+
+    def mdx(self, address, catalog="Books & more"):
+        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
+        done = subprocess.run([QEL, "mdx", address, catalog, "SELECT {[A]} ON COLUMNS FROM x"], capture_output=True,
+                              env=environment, timeout=120)
+        return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+    def test_a_server_that_answers(self):
+        for path, shown in (("good", "4.25"), ("moved", "4.25")):
+            status, output, errors = self.mdx(self.address(path))
+            self.assertEqual((status, errors), (0, ""), path)
+            self.assertIn(shown, output, path)
+        status, output, errors = self.mdx(self.address("empty-cell"), catalog="books & MORE")
+        self.assertEqual((status, errors), (0, ""))
+
+    def test_every_failure_is_told_in_time(self):
+        for what, path, words in FAILURES:
+            with self.subTest(what):
+                started = time.monotonic()
+                status, output, errors = self.mdx(self.address(path))
+                self.assertEqual((status, output), (1, ""), errors)
+                self.assertIn(words, errors)
+                # Generous: the machine may be busy. Without a limit these would never end.
+                self.assertLess(time.monotonic() - started, REQUEST_SECONDS + 60)
+        largest = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss
+        self.assertLess(largest, 150 * 1024, "kilobytes of memory")
+
+    def test_unknown_catalogs_are_told_with_those_there_are(self):
+        status, _, errors = self.mdx(self.address("good"), catalog="Boks")
+        self.assertEqual(status, 1)
+        self.assertIn("no catalog 'Boks'; it has 'Books & more', 'Other'", errors)
+
+    def test_servers_that_cannot_be_reached(self):
+        with socket.socket() as closed:
+            closed.bind(("127.0.0.1", 0))  # bound, not listening
+            cases = [
+                ("refused", self.address("good", port=closed.getsockname()[1]), "cannot be reached"),
+                ("unknown host", "http://no-such-host.invalid/xmla", "cannot be reached"),
+                ("TLS where there is none", self.address("good", scheme="https"), "No trusted connection"),
+                ("no port of that number", "http://127.0.0.1:99999/xmla", "address cannot be read"),
+            ]
+            for what, address, words in cases:
+                status, _, errors = self.mdx(address)
+                self.assertEqual(status, 1, what)
+                self.assertIn(words, errors, what)
+
+    def test_certificates_are_checked(self):
+        context = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+        context.load_cert_chain(HERE / "self_signed.pem")
+        self.server.socket = context.wrap_socket(self.server.socket, server_side=True)
+        status, _, errors = self.mdx(self.address("good", credentials="ann:s3cret@", scheme="https"))
+        self.assertEqual(status, 1)
+        self.assertIn("No trusted connection", errors)
+        self.assertEqual(self.server.seen, [], "something was sent to a server that nobody vouches for")
+
+    def test_credentials(self):
+        secret = "pa%ss w\u00f6rd"
+        sent = "Basic " + base64.b64encode(f"ann:{secret}".encode()).decode()
+        host = "127.0.0.1"
+        cases = [
+            ("none", "", "", "", None),
+            ("in the address", "ann:pa%25ss%20w%C3%B6rd@", "", "", sent),
+            ("in the settings", "", f"[{host}]\nUser=ann\nPassword={secret}\n", "", sent),
+            ("of another host", "", f"[olap.example]\nUser=ann\nPassword={secret}\n", "", None),
+            ("in the netrc file", "", "", f'machine {host} login ann password "{secret}"\n', sent),
+            ("the address before the others", "ann:pa%25ss%20w%C3%B6rd@", f"[{host}]\nUser=bob\nPassword=x\n",
+             f"machine {host} login cid password y\n", sent),
+        ]
+        for what, credentials, settings, netrc, expected in cases:
+            with self.subTest(what):
+                self.settings.write_text(self.limits + settings)
+                self.settings.chmod(0o600)
+                (self.home / ".netrc").write_text(netrc)
+                self.server.seen.clear()
+                for path in ("good", "status-401"):
+                    _, output, errors = self.mdx(self.address(path, credentials=credentials))
+                    for text in (output, errors):
+                        self.assertNotIn("pa%", text)
+                self.assertEqual({authorization for _, authorization, _ in self.server.seen}, {expected})
+
+    def test_a_password_that_others_may_read_is_not_used(self):
+        self.settings.write_text(self.limits + "[127.0.0.1]\nUser=ann\nPassword=s3cret\n")
+        self.settings.chmod(0o644)
+        status, _, errors = self.mdx(self.address("good"))
+        self.assertEqual(status, 1)
+        self.assertIn("chmod 600", errors)
+        self.assertEqual(self.server.seen, [])
+
+    def test_redirections_do_not_carry_credentials_elsewhere(self):
+        self.mdx(self.address("elsewhere", credentials="ann:s3cret@"))
+        self.assertNotIn("/good", [path for path, _, _ in self.server.seen])
+
+    def test_limits_that_are_none(self):
+        self.settings.write_text("[Limits]\nRequestSeconds=soon\n")
+        status, _, errors = self.mdx(self.address("good"))
+        self.assertEqual(status, 1)
+        self.assertIn("RequestSeconds in [Limits] is 'soon'", errors)
+
+
+if __name__ == "__main__":
+    QEL = sys.argv.pop(1)
+    unittest.main()
