@@ -57,6 +57,7 @@ void NamedQueries::Remove(std::size_t index) {
 
 void NamedQueries::Write(std::vector<NamedQuery> queries) {
     std::vector<TableRow> rows;
+    rows.reserve(queries.size());
     for (const NamedQuery& query : queries)
         rows.push_back(RowOf(query));
     PrepareWizardDatabase(context_);

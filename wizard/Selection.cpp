@@ -29,6 +29,7 @@ Variant OneKey(const std::string& key) {
 Variant ObsMembers(const Selection& selection) {
     const auto& members = selection.obsMembers;
     std::vector<Variant> keys;
+    keys.reserve(members.size());
     for (const std::string& member : members) {
         std::string key = selection.obsLevel == costCentersLevel ? InBrackets(member) : member;
         // The formula writer does this for one key alone, the value function undoes it for all.

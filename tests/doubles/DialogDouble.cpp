@@ -131,6 +131,7 @@ std::string DialogDouble::AskForFile(std::string_view control, const FileQuestio
 
 std::vector<FormControl*> DialogDouble::Controls() const {
     std::vector<FormControl*> controls;
+    controls.reserve(controls_.size());
     for (const auto& [name, control] : controls_)
         controls.push_back(control.get());
     return controls;

@@ -99,6 +99,7 @@ std::vector<std::string> RowsOf(const VariantArray& table) {
         return cell.Is<Empty>() ? std::string("(empty)") : cell.As<std::string>();
     };
     std::vector<std::string> lines;
+    lines.reserve(rows);
     for (std::size_t i = 0; i < rows; ++i)
         lines.push_back(text(i) + "=" + text(rows + i));
     return lines;

@@ -84,6 +84,7 @@ void Pick(DialogDouble& dialog, const char* dimType, const char* code) {
 
 std::vector<std::string> MembersOf(const std::vector<TableRow>& rows) {
     std::vector<std::string> members;
+    members.reserve(rows.size());
     for (const TableRow& row : rows)
         members.push_back(NamedQueryOf(row, Locale()).dimType + " " + NamedQueryOf(row, Locale()).dataMember);
     return members;

@@ -41,6 +41,7 @@ Selection LedgerSelection() {
 TEST(Selection, IsARowWithAColumnForEveryArgument) {
     const TableRow row = RowOf(LedgerSelection());
     std::vector<std::string> texts;
+    texts.reserve(row.size());
     for (const Variant& value : row)
         texts.push_back(value.Is<AutomationDate>() ? FormatShortDate(value.As<AutomationDate>(), Locale())
                                                    : value.As<std::string>());

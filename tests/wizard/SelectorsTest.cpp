@@ -21,6 +21,7 @@ using ::testing::IsEmpty;
 std::vector<std::string> RowsOf(const DialogDouble& dialog, const char* control) {
     const ListSource& rows = dialog.Rows(control);
     std::vector<std::string> texts;
+    texts.reserve(rows.RowCount());
     for (std::size_t i = 0; i < rows.RowCount(); ++i)
         texts.push_back(rows.Text(i, 0) + " " + rows.Text(i, 1));
     return texts;

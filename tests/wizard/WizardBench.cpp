@@ -103,6 +103,7 @@ std::string WizardBench::Evaluate(const std::string& formula) {
 
 std::vector<std::string> WizardBench::TakeMessages() {
     std::vector<std::string> texts;
+    texts.reserve(messages.shown.size());
     for (const ShownMessage& message : messages.shown)
         texts.push_back(message.text);
     messages.shown.clear();
