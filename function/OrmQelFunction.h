@@ -30,6 +30,9 @@ public:
     OrmQelFunction(const OrmQelFunction&) = delete;
     OrmQelFunction& operator=(const OrmQelFunction&) = delete;
 
+    /// Gives dialogs to an object that was made without them. They outlive it.
+    void UseWizards(WizardServices& wizards) { context_.wizards = &wizards; }
+
     const std::string& get_g_cubeFile() const { return opened_.cubeFile; }
     void put_g_cubeFile(const std::string& value) { opened_.cubeFile = value; }
     const std::string& get_g_CubeName() const { return opened_.cubeName; }

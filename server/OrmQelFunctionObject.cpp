@@ -1,9 +1,11 @@
 #include "server/OrmQelFunctionObject.h"
 
 #include "platform/AutomationError.h"
+#include "platform/windows/LateBoundSheet.h"
 #include "platform/windows/SafeArrayConversion.h"
 #include "platform/windows/VariantConversion.h"
 #include "server/ByReference.h"
+#include "server/Wizards.h"
 
 namespace qel::server {
 
@@ -14,11 +16,6 @@ namespace {
 
 constexpr std::size_t valueTexts = 11;
 constexpr std::size_t nameTexts = 4;
-
-[[noreturn]] void RaiseNoWizards() {
-    throw AutomationError(E_NOTIMPL,
-                          "The wizards are not part of this build: write the formula into the cell itself.");
-}
 
 Variant Read(const VARIANT* argument) {
     return argument != nullptr ? FromAutomation(*argument) : Variant(ErrorValue{parameterNotFound});
@@ -38,6 +35,11 @@ void WriteKeys(VARIANT& list, const KeyList& keys) {
     VARIANT& target = windows::Dereferenced(list);
     if (V_ISARRAY(&target))
         windows::ReplaceTexts(V_ISBYREF(&target) ? *V_ARRAYREF(&target) : V_ARRAY(&target), keys);
+}
+
+/// Null when the caller passed no cell.
+std::shared_ptr<SheetRange> CellOf(IDispatch** cell) {
+    return cell != nullptr && *cell != nullptr ? windows::SheetRangeOf(*cell) : nullptr;
 }
 
 void Give(const Variant& value, VARIANT* result) { ResultPlace(result) = ToAutomation(value).Release(); }
@@ -71,12 +73,18 @@ STDMETHODIMP OrmQelFunctionObject::QelFuncDemo(BSTR* cubeFile, BSTR* CubeName, V
     });
 }
 
-STDMETHODIMP OrmQelFunctionObject::ShowFormGetVal(IDispatch** /*xlActiveCell*/, BSTR* /*result*/) {
-    return Guard(RaiseNoWizards);
+STDMETHODIMP OrmQelFunctionObject::ShowFormGetVal(IDispatch** xlActiveCell, BSTR* result) {
+    return Guard([&] {
+        function_.UseWizards(Wizards());
+        Give(function_.ShowFormGetVal(CellOf(xlActiveCell)), result);
+    });
 }
 
-STDMETHODIMP OrmQelFunctionObject::ShowFormQelName(IDispatch** /*xlActiveCell*/, BSTR* /*result*/) {
-    return Guard(RaiseNoWizards);
+STDMETHODIMP OrmQelFunctionObject::ShowFormQelName(IDispatch** xlActiveCell, BSTR* result) {
+    return Guard([&] {
+        function_.UseWizards(Wizards());
+        Give(function_.ShowFormQelName(CellOf(xlActiveCell)), result);
+    });
 }
 
 STDMETHODIMP OrmQelFunctionObject::get_g_cubeFile(BSTR* result) {

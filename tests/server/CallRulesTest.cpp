@@ -127,14 +127,6 @@ TEST_F(CallRules, PropertiesKeepTexts) {
     EXPECT_EQ(Invoke(object_.Get(), L"iLang", tooLarge, {}, DISPATCH_PROPERTYPUT).status, DISP_E_EXCEPTION);
 }
 
-TEST_F(CallRules, TheWizardsSayThatTheyAreNotThere) {
-    Arguments none;
-    const CallResult result = Invoke(object_.Get(), L"ShowFormGetVal", none);
-    EXPECT_EQ(result.status, DISP_E_EXCEPTION);
-    EXPECT_EQ(result.code, E_NOTIMPL);
-    EXPECT_EQ(result.description.substr(0, 40), "The wizards are not part of this build: ");
-}
-
 TEST_F(CallRules, ReleasingOneObjectLeavesTheOthersWorking) {
     const double expected = ValueInProcess({});
     Arguments arguments = ArgumentsOf({});

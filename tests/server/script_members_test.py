@@ -41,10 +41,6 @@ v = o.QelName(f)
 Check "too few arguments", Err.Number, 450
 v = o.QelName(f, "a", "b", "c", "d")
 Check "too many arguments", Err.Number, 450
-v = o.ShowFormGetVal()
-Check "function wizard", Hex(Err.Number) & " " & Left(Err.Description, 38), "80004001 The wizards are not part of this build"
-v = o.ShowFormQelName(Nothing)
-Check "name wizard", Hex(Err.Number), "80004001"
 Set t = CreateObject("OrmFunctionQel4.ClTimming")
 t.Start
 t.Finish

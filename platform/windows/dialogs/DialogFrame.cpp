@@ -72,7 +72,9 @@ void DialogFrame::RunModal(HWND firstFocus, const std::function<void(HWND)>& bef
         ::ShowWindow(window_, SW_SHOW);
         ::SetForegroundWindow(window_);
         ::SendMessageW(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(firstFocus), TRUE);
+        isRunning_ = true;
         Pump(beforeClick);
+        isRunning_ = false;
     } // the owner can be activated again before the dialog goes
     ::ShowWindow(window_, SW_HIDE);
     if (failure_)

@@ -21,6 +21,8 @@ public:
 
     HWND Window() const { return window_; }
     bool IsShown() const { return ::IsWindowVisible(window_) != FALSE; }
+    /// From when the window stands with its first focus until it is ended.
+    bool IsRunning() const { return isRunning_; }
     void Resize(SIZE insideFrame) const;
 
     /// No message reaches the handler any more.
@@ -41,7 +43,7 @@ private:
 
     Handler handler_;
     HWND window_ = nullptr;
-    bool isEnded_ = false;
+    bool isEnded_ = false, isRunning_ = false;
     std::exception_ptr failure_;
 };
 

@@ -290,6 +290,8 @@ void Win32Dialog::ShowHelp() const {
 }
 
 void Win32Dialog::Wait(Waiting::Kind kind, DialogControl& control) {
+    if (!frame_.IsRunning()) // the system's own first focus is nobody's doing
+        return;
     waiting_.push_back({kind, &control});
     ::PostMessageW(frame_.Window(), tellWaiting, 0, 0);
 }

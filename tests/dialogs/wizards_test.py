@@ -1,0 +1,283 @@
+#!/usr/bin/env python3
+"""Opens the wizards from a script, as a workbook's macro does, and acts on them as a person would.
+
+A VBScript client calls the server with a cell of a sheet of its own; dialog_person, another process, types, chooses
+and clicks in the dialog. The formula that lands in the cell is evaluated by qel and must give what the dialog showed.
+With --pictures, the dialogs are also photographed on their way.
+"""
+
+import argparse
+import itertools
+import pathlib
+import shutil
+import subprocess
+import sys
+import time
+
+from screen import ROOT, Screen, windows_path
+
+SCRIPT = """Option Explicit
+Dim log, app
+Set log = CreateObject("Scripting.FileSystemObject").CreateTextFile("%(seen)s", True, True)
+Class Cell
+  Public R, C, R2, C2
+  Public Property Get Application: Set Application = app: End Property
+  Public Property Get Row: Row = R: End Property
+  Public Property Get Column: Column = C: End Property
+  Public Property Get Value: Value = Empty: End Property
+  Public Function Offset(rows, columns): Set Offset = app.Cells(R + rows, C + columns): End Function
+  Public Property Let NumberFormat(format): log.WriteLine "format " & Place & " " & format: End Property
+  Public Property Let Formula(text)
+    Dim i, j
+    If IsArray(text) Then
+      For i = 0 To UBound(text, 1): For j = 0 To UBound(text, 2)
+        log.WriteLine "cell R" & (R + i) & "C" & (C + j) & " " & text(i, j)
+      Next: Next
+    Else
+      log.WriteLine "formula " & Place & " " & text
+    End If
+  End Property
+  Public Function Place
+    Place = "R" & R & "C" & C
+    If R2 <> R Or C2 <> C Then Place = Place & ":R" & R2 & "C" & C2
+  End Function
+End Class
+Class App
+  Public Property Get ActiveCell: Set ActiveCell = Cells(3, 2): End Property
+  Public Function Cells(row, column)
+    Set Cells = New Cell
+    Cells.R = row: Cells.C = column: Cells.R2 = row: Cells.C2 = column
+  End Function
+  Public Function Range(first, last)
+    Set Range = Cells(first.Row, first.Column)
+    Range.R2 = last.Row: Range.C2 = last.Column
+  End Function
+End Class
+Set app = New App
+Dim server, result
+Set server = CreateObject("OrmFunctionQel4.OrmQelFunction")
+result = server.%(member)s(app.ActiveCell)
+log.WriteLine "result " & result
+log.WriteLine "done"
+log.Close
+"""
+
+OK = "1"
+FUNCTION, NAME = ("function", "ShowFormGetVal"), ("name", "ShowFormQelName")
+
+
+class Failure(Exception):
+    pass
+
+
+def require(what, found, wanted):
+    if found != wanted:
+        raise Failure(f"{what}: {found!r}, not {wanted!r}")
+
+
+class Bench:
+    """A new user's machine for one case: empty settings, a cube, a sheet."""
+
+    def __init__(self, screen, options, name):
+        self.screen, self.options = screen, options
+        self.folder = screen.folder / name
+        shutil.rmtree(self.folder, ignore_errors=True)
+        (self.folder / "suite").mkdir(parents=True)
+        (screen.component / "Lang.rs").unlink(missing_ok=True)
+        screen.use_suite_folder(self.folder / "suite")
+        self.cube = self.folder / "Ledger.cub"
+        shutil.copy(screen.folder / "ledger.cub", self.cube)
+        self.calls = itertools.count(1)
+
+    def be_hebrew(self):
+        (self.folder / "suite" / "Qel.ini").write_text("[Qel]\r\nQelUILanguage=1\r\n")
+        (self.screen.component / "Lang.rs").write_text("read by the provider of saved recordsets")
+
+    def call(self, wizard, *steps):
+        """Calls the member while the person acts. Gives what the person saw and what was written, line by line."""
+        form, member = wizard
+        base = self.folder / f"call{next(self.calls)}"
+        paths = {kind: base.with_suffix("." + kind) for kind in ("vbs", "sheet", "steps", "seen")}
+        paths["vbs"].write_text(SCRIPT % {"member": member, "seen": windows_path(paths["sheet"])},
+                                encoding="ascii", newline="\r\n")
+        paths["steps"].write_text("".join("\t".join(step) + "\n" for step in steps), encoding="utf-8", newline="\n")
+        person = self.screen.start(self.options.bin / "dialog_person.exe", form, windows_path(paths["steps"]),
+                                   windows_path(paths["seen"]))
+        host = self.screen.start("cscript", "//nologo", windows_path(paths["vbs"]))
+        try:
+            self.photograph(steps, person)
+            person.wait(timeout=300)
+            seen = paths["seen"].read_text(encoding="utf-8").splitlines()
+            if seen[-1:] != ["done"]:
+                raise Failure(f"the person was disappointed: {seen}")
+            host.wait(timeout=60)
+        finally:
+            for process in (person, host):
+                process.kill()
+                process.wait()
+        sheet = paths["sheet"].read_text(encoding="utf-16").splitlines()
+        if sheet[-1:] != ["done"]:
+            raise Failure(f"the script ended early: {sheet}")
+        return seen[:-1], sheet[:-1]
+
+    def photograph(self, steps, person):
+        for ready in [self.posix(step[1]) for step in steps if step[0] == "hold"]:
+            while not ready.exists():
+                if person.poll() is not None:
+                    return # it was disappointed before
+                time.sleep(0.05)
+            time.sleep(1) # until everything is drawn
+            self.screen.take_picture(ready.with_suffix(""))
+            ready.unlink()
+
+    @staticmethod
+    def posix(path):
+        return pathlib.Path(path.removeprefix("Z:").replace("\\", "/"))
+
+    def picture(self, name):
+        if self.options.pictures is None:
+            return []
+        return [("hold", windows_path(self.options.pictures / (name + ".png.ready")))]
+
+    def value_of(self, formula):
+        done = subprocess.run([self.options.qel, "eval", formula], capture_output=True, text=True, timeout=60)
+        return done.stdout.strip() or done.stderr.strip()
+
+    def path(self, name="Ledger.cub"):
+        return windows_path(self.folder / name)
+
+
+def written(sheet):
+    """The formula in the cell, and the argument text that the call returned."""
+    formula, result = sheet
+    return formula.removeprefix("formula R3C2 "), result.removeprefix("result ")
+
+
+def choose_cube(bench, cube):
+    return [("click", "CmdCubeFile"), ("file", bench.path()), ("expect", "txtCubeFile", bench.path()),
+            ("choose", "cboDatabaseList", cube)]
+
+
+def nothing_is_written_when_cancelled(bench):
+    for end in (("click", "CmdCancel"), ("close",), ("key", "txtCubeFile", "esc")):
+        _, sheet = bench.call(FUNCTION, end, ("gone",))
+        require(f"the sheet after {end}", sheet, ["result  "])
+
+
+def wrong_files_are_told(bench):
+    (bench.folder / "poem.cub").write_text("This is no cube.")
+    (bench.folder / "Ledger.txt").write_text("Nor is this.")
+    seen, sheet = bench.call(
+        FUNCTION,
+        ("click", "CmdOK"), ("answer", OK),
+        ("type", "txtCubeFile", bench.path("Ledger.txt")), ("click", "Command2"), ("answer", OK), ("answer", OK),
+        ("type", "txtCubeFile", bench.path("poem.cub")), ("key", "txtCubeFile", "tab"), ("answer", OK),
+        ("click", "CmdCancel"), ("gone",))
+    print("   ", seen)
+    require("the first box", seen[0], "box\tChoose a Cube Name and a Cube File")
+    if "poem.cub" not in seen[-1]:
+        raise Failure(f"the last box names no file: {seen[-1]}")
+    require("the sheet", sheet, ["result  "])
+
+
+def the_formula_gives_the_value_shown(bench):
+    steps = [*choose_cube(bench, "LedgerFNC"),
+             ("choose", "ComLevel", "OBS levels"), ("choose", "ComOBSData", "South & Negev"), ("click", "ComAddOBS"),
+             ("expect", "ListObs", "South & Negev"),
+             ("choose", "ComAccX", "SuperSum2"), ("choose", "ComMember", "41 - Sale of goods"), ("click", "CheckAcc"),
+             ("type", "ListAccount", "4111"), ("key", "ListAccount", "enter"),
+             ("type", "TxtDate(0)", "1/1/2024"), ("type", "TxtDate(1)", "12/12/2024"),
+             ("click", "Command1"), ("click", "Command1"), *bench.picture("function-wizard"),
+             ("read", "ListAccount"), ("read", "TxtCalc"), ("click", "CmdOK"), ("gone",)]
+    seen, sheet = bench.call(FUNCTION, *steps)
+    formula, result = written(sheet)
+    shown = seen[1].split("\t")[1]
+    print("   ", seen, formula)
+    require("the formula", formula, f"=OrmFunctionQel4.OrmQelFunction.QelF1({result})")
+    value = bench.value_of(formula)
+    require("the value", float(value), float(shown))
+    if float(value) == 0:
+        raise Failure("a value of 0 shows nothing")
+
+    # The next opening shows the choices again, and the other button writes a table of them.
+    seen, sheet = bench.call(FUNCTION, ("expect", "txtCubeFile", bench.path()), ("expect", "ListObs", "South & Negev"),
+                             ("expect", "TxtDate(1)", "12/12/2024"), ("click", "Command1"), ("expect", "TxtCalc", shown),
+                             ("click", "Command2"), ("gone",))
+    require("the result", sheet[-1], f"result {result}")
+    require("the texts' rows", sheet[0].split(" ", 1)[0], "format")
+    if "cell R3C2 Cube" not in sheet or f"cell R3C3 {bench.path()}" not in sheet:
+        raise Failure(f"the table lacks its first row: {sheet}")
+
+
+def a_remembered_file_that_is_gone_is_told(bench):
+    bench.call(FUNCTION, *choose_cube(bench, "LedgerFNC"), ("click", "CmdOK"), ("gone",))
+    bench.cube.unlink()
+    seen, sheet = bench.call(FUNCTION, ("answer", OK), ("expect", "txtCubeFile", ""), ("click", "CmdCancel"), ("gone",))
+    require("the box", seen, [f"box\t{bench.path()} File Not Found"])
+    require("the sheet", sheet, ["result  "])
+
+
+def a_name_is_written(bench):
+    steps = [*choose_cube(bench, "LedgerFNC"), ("choose", "ComDim", "SuperSum2"),
+             ("type", "cmbmember", "Sale of g"), ("key", "cmbmember", "enter"), *bench.picture("name-wizard"),
+             ("read", "TxtName"), ("click", "CmdOK"), ("gone",)]
+    seen, sheet = bench.call(NAME, *steps)
+    formula, _ = written(sheet)
+    require("the name", bench.value_of(formula), seen[0].split("\t")[1])
+
+
+def hebrew_is_mirrored_and_gives_the_same_values(bench):
+    bench.be_hebrew()
+    steps = [*choose_cube(bench, "LedgerHebrewFNC"), ("choose", "ComLevel", "מרכזי עלות"), ("click", "ComAddOBS"),
+             ("choose", "ComAccX", "SuperSum1"), ("type", "TxtDate(0)", "1/1/2024"),
+             ("type", "TxtDate(1)", "12/12/2024"), ("click", "Command1"), ("click", "Command1"),
+             *bench.picture("function-wizard-hebrew"),
+             ("read", "TxtCalc"), ("click", "CmdOK"), ("gone",)]
+    seen, sheet = bench.call(FUNCTION, *steps)
+    formula, _ = written(sheet)
+    print("   ", seen, formula)
+    require("the value", float(bench.value_of(formula)), float(seen[0].split("\t")[1]))
+    steps = [*choose_cube(bench, "LedgerHebrewFNC"), ("choose", "ComDim", "SuperSum2"), ("type", "cmbmember", "41"),
+             ("key", "cmbmember", "enter"), *bench.picture("name-wizard-hebrew"), ("read", "TxtName"),
+             ("click", "CmdOK"), ("gone",)]
+    seen, sheet = bench.call(NAME, *steps)
+    formula, _ = written(sheet)
+    require("the name", bench.value_of(formula), seen[0].split("\t")[1])
+
+
+CASES = [nothing_is_written_when_cancelled, wrong_files_are_told, the_formula_gives_the_value_shown,
+         a_remembered_file_that_is_gone_is_told, a_name_is_written, hebrew_is_mirrored_and_gives_the_same_values]
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--qel", required=True, type=pathlib.Path)
+    parser.add_argument("--bin", required=True, type=pathlib.Path, help="the folder of dialog_person.exe")
+    parser.add_argument("--server", required=True, type=pathlib.Path, help="OrmFuncQel4.dll")
+    parser.add_argument("--table", required=True, type=pathlib.Path, help="saved_table_class.dll")
+    parser.add_argument("--folder", required=True, type=pathlib.Path)
+    parser.add_argument("--pictures", type=pathlib.Path, help="a folder for pictures of the dialogs")
+    parser.add_argument("--only", default="", help="a part of a case's name")
+    options = parser.parse_args()
+
+    folder = options.folder / "screen"
+    folder.mkdir(parents=True, exist_ok=True)
+    subprocess.run([options.qel, "cube", "build", ROOT / "examples" / "ledger" / "ledger.json", "--output",
+                    folder / "ledger.cub"], check=True, stdout=subprocess.DEVNULL)
+    failures = 0
+    with Screen(folder, options.server, options.table) as screen:
+        for case in CASES:
+            if options.only not in case.__name__:
+                continue
+            start = time.monotonic()
+            try:
+                case(Bench(screen, options, case.__name__))
+                print(f"{case.__name__}: {time.monotonic() - start:.1f} s", flush=True)
+            except (Failure, subprocess.TimeoutExpired) as failure:
+                failures += 1
+                print(f"{case.__name__} FAILED: {failure}", flush=True)
+    return 1 if failures else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
