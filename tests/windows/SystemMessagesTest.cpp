@@ -43,31 +43,28 @@ public:
 
 private:
     static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
-        ::EnumThreadWindows(
-            ::GetCurrentThreadId(),
-            [](HWND window, LPARAM) -> BOOL {
-                wchar_t name[16] = {};
-                ::GetClassNameW(window, name, 16);
-                if (std::wstring(name) != L"#32770")
-                    return TRUE;
-                current_->Read(window);
-                ::PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(current_->button_), 0);
-                return FALSE;
-            },
-            0);
+        ::EnumThreadWindows(::GetCurrentThreadId(), &BoxReader::LookAt, 0);
+    }
+    /// FALSE ends the search.
+    static BOOL CALLBACK LookAt(HWND window, LPARAM) {
+        wchar_t name[16] = {};
+        ::GetClassNameW(window, name, 16);
+        if (std::wstring(name) != L"#32770")
+            return TRUE;
+        current_->Read(window);
+        ::PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(current_->button_), 0);
+        return FALSE;
+    }
+    static BOOL CALLBACK LookAtPart(HWND part, LPARAM) {
+        current_->ReadPart(part);
+        return TRUE;
     }
     void Read(HWND box) {
         seen = {};
         seen.title = TextOf(box);
         seen.owner = ::GetWindow(box, GW_OWNER);
         seen.ownerIsEnabled = seen.owner != nullptr && ::IsWindowEnabled(seen.owner) != 0;
-        ::EnumChildWindows(
-            box,
-            [](HWND child, LPARAM self) -> BOOL {
-                reinterpret_cast<BoxReader*>(self)->ReadPart(child);
-                return TRUE;
-            },
-            reinterpret_cast<LPARAM>(this));
+        ::EnumChildWindows(box, &BoxReader::LookAtPart, 0);
         std::sort(seen.buttons.begin(), seen.buttons.end());
     }
     void ReadPart(HWND part) {
