@@ -18,8 +18,7 @@ void PrepareWizardDatabase(const WizardContext& context) {
 }
 
 std::unique_ptr<DatabaseConnection> OpenWizardDatabase(const WizardContext& context) {
-    StoreEnvironment& store = context.Store();
-    return store.database.Open(LocalDbConnectionText(store));
+    return OpenLocalDb(context.Store());
 }
 
 std::string RememberedCubeFile(const WizardContext& context) {

@@ -76,9 +76,16 @@ std::string ColumnText(const TableColumn& column) {
 void SqliteCatalog::Create(const std::string& connectionString) {
     const fs::path path = DatabaseFileOf(connectionString);
     MakeDatabaseFile(path);
-    file_.emplace(path);
-    // Writes the header, so that the file is known for what it is before it has a table.
-    file_->Run(fmt::format("PRAGMA application_id = {}", applicationId));
+    try {
+        file_.emplace(path);
+        // Writes the header, so that the file is known for what it is before it has a table.
+        file_->Run(fmt::format("PRAGMA application_id = {}", applicationId));
+    } catch (const AutomationError&) { // what is left would keep a database from being made later
+        file_.reset();
+        std::error_code ignored;
+        fs::remove(path, ignored);
+        throw;
+    }
 }
 
 void SqliteCatalog::AppendTable(const TableDefinition& table) {

@@ -33,6 +33,8 @@ public:
     /// The file must exist.
     explicit SqliteFile(std::filesystem::path path);
 
+    const std::filesystem::path& Path() const { return path_; }
+
     /// Runs statements that give no rows.
     void Run(const std::string& statements);
     /// Undoes the open transaction, if there is one. Raises nothing.

@@ -40,29 +40,42 @@ bool IsDateColumn(sqlite3_stmt* statement, int column) {
     return type != nullptr && EqualIgnoringCase(type, "DATE");
 }
 
-Variant ValueOf(sqlite3_stmt* statement, int column) {
-    if (sqlite3_column_type(statement, column) == SQLITE_NULL)
-        return Null{};
+std::string TextIn(sqlite3_stmt* statement, int column) {
     const auto* bytes = sqlite3_column_text(statement, column);
-    const std::string text(reinterpret_cast<const char*>(bytes),
-                           static_cast<std::size_t>(sqlite3_column_bytes(statement, column)));
-    if (IsDateColumn(statement, column))
-        return ParseDate(text, {.dateOrder = DateOrder::YearMonthDay, .dateSeparator = '-'});
-    return text;
+    return {reinterpret_cast<const char*>(bytes),
+            static_cast<std::size_t>(sqlite3_column_bytes(statement, column))};
 }
 
 } // namespace
 
 std::vector<TableRow> SqliteRows::ReadRows(const std::string& table) {
     const auto statement = file_.Prepare("SELECT * FROM " + QuotedName(table) + " ORDER BY rowid");
-    const int columns = sqlite3_column_count(statement.get());
     std::vector<TableRow> rows;
-    while (file_.Step(statement.get())) {
-        TableRow& row = rows.emplace_back();
-        for (int column = 0; column < columns; ++column)
-            row.push_back(ValueOf(statement.get(), column));
-    }
+    while (file_.Step(statement.get()))
+        rows.push_back(CurrentRow(statement.get()));
     return rows;
+}
+
+TableRow SqliteRows::CurrentRow(sqlite3_stmt* statement) const {
+    TableRow row;
+    for (int column = 0; column < sqlite3_column_count(statement); ++column) {
+        if (sqlite3_column_type(statement, column) == SQLITE_NULL)
+            row.emplace_back(Null{});
+        else if (IsDateColumn(statement, column))
+            row.emplace_back(DateOf(TextIn(statement, column), sqlite3_column_name(statement, column)));
+        else
+            row.emplace_back(TextIn(statement, column));
+    }
+    return row;
+}
+
+AutomationDate SqliteRows::DateOf(const std::string& text, const char* column) const {
+    try {
+        return ParseDate(text, {.dateOrder = DateOrder::YearMonthDay, .dateSeparator = '-'});
+    } catch (const AutomationError& error) {
+        throw DatabaseError(error.Number(), file_.Path(),
+                            fmt::format("holds '{}' in column {}, which is no date", text, column));
+    }
 }
 
 void SqliteRows::ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) {

@@ -16,6 +16,8 @@ public:
     void ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) override;
 
 private:
+    TableRow CurrentRow(sqlite3_stmt* statement) const;
+    AutomationDate DateOf(const std::string& text, const char* column) const;
     void AddRow(const std::string& table, const TableRow& row);
 
     SqliteFile file_;

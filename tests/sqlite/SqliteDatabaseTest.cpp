@@ -5,6 +5,9 @@
 #include "store/LocalDb.h"
 #include "tests/TemporaryFolder.h"
 #include "tests/doubles/StoreDoubles.h"
+#ifndef _WIN32
+#include "tests/engine/FileSizeLimit.h"
+#endif
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -162,6 +165,17 @@ TableRow Selection(const Variant& text, const Variant& from, const Variant& to) 
     return row;
 }
 
+#ifndef _WIN32 // which has no limit to stand for a full disk
+TEST_F(SqliteDatabaseTest, LeavesNoHalfDatabaseOnAFullDisk) {
+    {
+        const engine::FileSizeLimit full(100);
+        EXPECT_THAT(Create(), HasSubstr("cannot be written"));
+    }
+    EXPECT_EQ(IdentifyDatabaseFile(File()), DatabaseFileKind::Missing);
+    EXPECT_EQ(Create(), "") << "with room again";
+}
+#endif
+
 TEST_F(SqliteDatabaseTest, KeepsRowsAsTheyWereWritten) {
     ASSERT_EQ(Create(), "");
     const AutomationDate lastDay = DateFromDay({9999, 12, 31});
@@ -251,7 +265,8 @@ TEST_F(SqliteDatabaseTest, TellsWhyAFileCannotBeOpened) {
     EXPECT_THAT(faultOfOpening("QelName"), HasSubstr("malformed"));
     folder.Write(name, bytes);
     Inspected(File()).Rows("INSERT INTO DataTbl (FromDate) VALUES ('yesterday')");
-    EXPECT_THAT(faultOfOpening("DataTbl"), HasSubstr("Type mismatch"));
+    EXPECT_THAT(faultOfOpening("DataTbl"),
+                HasSubstr("QelFunction17.mdb' holds 'yesterday' in column FromDate"));
 }
 
 } // namespace
