@@ -50,14 +50,14 @@ std::vector<std::string> SlicerWithout(const ValueStatementParts& parts, const S
 
 /// Statements that differ in one slot's member and in what they sum.
 struct Family {
-    std::string cubeName, obsSel;
+    std::string cubeName, obsSel, measure;
     std::vector<std::string> slicer;
     std::vector<std::pair<std::size_t, std::string>> members; ///< statement and its row
 };
 
 std::string FamilyKey(const ValueStatementParts& parts, const std::string& dimension,
                       const std::vector<std::string>& slicer) {
-    std::string key = parts.cubeName + '\n' + parts.obsSel + '\n' + dimension;
+    std::string key = parts.cubeName + '\n' + parts.obsSel + '\n' + parts.measure + '\n' + dimension;
     for (const auto& piece : slicer)
         key += '\n' + piece;
     return key;
@@ -65,20 +65,23 @@ std::string FamilyKey(const ValueStatementParts& parts, const std::string& dimen
 
 /// The cells of one family, as grids without gaps: rows that are summed over the same spans stand together.
 class FamilyGrids {
+    /// The statement of every cell, by row and column.
+    using Rows = std::map<std::string, std::map<PeriodsSummed, std::size_t>>;
+
 public:
     FamilyGrids(const Family& family, const std::vector<std::optional<ValueStatementParts>>& parts)
         : family_(family) {
-        std::map<std::string, std::map<std::string, std::size_t>> rows; // row, span, statement
+        Rows rows;
         std::vector<std::string> order;
         for (const auto& [statement, row] : family.members) {
             const bool isNew = rows.find(row) == rows.end();
-            rows[row].emplace(parts[statement]->span, statement);
+            rows[row].emplace(PeriodsSummed{parts[statement]->periods, parts[statement]->last}, statement);
             if (isNew)
                 order.push_back(row);
         }
-        std::map<std::vector<std::string>, std::vector<std::string>> rowsBySpans;
+        std::map<std::vector<PeriodsSummed>, std::vector<std::string>> rowsBySpans;
         for (const auto& row : order) {
-            std::vector<std::string> spans;
+            std::vector<PeriodsSummed> spans;
             for (const auto& cell : rows[row])
                 spans.push_back(cell.first);
             rowsBySpans[spans].push_back(row);
@@ -90,15 +93,14 @@ public:
     std::vector<ValueGrid> grids;
 
 private:
-    using Rows = std::map<std::string, std::map<std::string, std::size_t>>;
-
-    void Cut(const std::vector<std::string>& spans, const std::vector<std::string>& names, const Rows& rows) {
+    void Cut(const std::vector<PeriodsSummed>& spans, const std::vector<std::string>& names,
+             const Rows& rows) {
         for (std::size_t column = 0; column < spans.size(); column += mostColumns) {
             const std::size_t columns = std::min(mostColumns, spans.size() - column);
             const std::size_t rowsAtOnce = std::max<std::size_t>(1, mostCells / columns);
             for (std::size_t first = 0; first < names.size(); first += rowsAtOnce) {
                 const std::size_t last = std::min(first + rowsAtOnce, names.size());
-                ValueGrid grid{family_.cubeName, family_.obsSel, family_.slicer, {}, {}, {}};
+                ValueGrid grid{family_.cubeName, family_.obsSel, family_.measure, family_.slicer, {}, {}, {}};
                 const auto begin = spans.begin() + static_cast<std::ptrdiff_t>(column);
                 grid.spans.assign(begin, begin + static_cast<std::ptrdiff_t>(columns));
                 for (std::size_t i = first; i < last; ++i) {
@@ -125,6 +127,7 @@ std::vector<Family> FamiliesBySize(const std::vector<std::optional<ValueStatemen
             auto& family = byKey[FamilyKey(*parts[i], DimensionOf(slot.member), slicer)];
             family.cubeName = parts[i]->cubeName;
             family.obsSel = parts[i]->obsSel;
+            family.measure = parts[i]->measure;
             family.slicer = std::move(slicer);
             family.members.emplace_back(i, slot.member);
         }
@@ -141,19 +144,23 @@ std::vector<Family> FamiliesBySize(const std::vector<std::optional<ValueStatemen
 } // namespace
 
 std::string ComposeGridStatement(const ValueGrid& grid) {
-    std::string members, columns, rows, slicer;
+    const std::string measure = "[Measures].[" + grid.measure + "]";
+    std::string members = grid.obsSel, columns, rows, slicer = measure;
     for (std::size_t i = 0; i < grid.spans.size(); ++i) {
-        const std::string name = "[Date].[QelSpan" + std::to_string(i + 1) + "]";
-        members += " MEMBER " + name + " as '   SUM( " + grid.spans[i] + ")    '";
-        columns += (i == 0 ? "" : ",") + name;
+        const auto& [periods, last] = grid.spans[i];
+        const std::string sum = "[Date].[QelSpan" + std::to_string(i + 1) + "]";
+        const bool isOne = periods == "1";
+        if (!isOne)
+            members += " MEMBER " + sum + " as '   SUM( LastPeriods(" + periods + "," + last + ")," +
+                       measure + ")    '";
+        columns += (i == 0 ? "" : ",") + (isOne ? last : sum);
     }
     for (const auto& row : grid.rows)
         rows += (rows.empty() ? "" : ",") + row;
     for (const auto& piece : grid.slicer)
-        slicer += (slicer.empty() ? "" : ",") + piece;
-    return "WITH" + members + grid.obsSel + " SELECT {" + columns + "} ON COLUMNS, {" + rows +
-           "} ON ROWS FROM " + grid.cubeName + (slicer.empty() ? "" : " WHERE (" + slicer + ")") +
-           " CELL PROPERTIES VALUE";
+        slicer += "," + piece;
+    return (members.empty() ? "" : "WITH") + members + " SELECT {" + columns + "} ON COLUMNS, {" + rows +
+           "} ON ROWS FROM " + grid.cubeName + " WHERE (" + slicer + ") CELL PROPERTIES VALUE";
 }
 
 GridPlan PlanGrids(const std::vector<std::string>& statements) {

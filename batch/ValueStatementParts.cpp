@@ -4,8 +4,11 @@ namespace qel::batch {
 
 namespace {
 
-constexpr std::string_view opening = "WITH MEMBER [Date].DateSel as '   SUM( ";
-constexpr std::string_view endOfSpan = ")    '";
+constexpr std::string_view opening = "WITH MEMBER [Date].DateSel as '   SUM( LastPeriods(";
+constexpr std::string_view endOfPeriods = ",";
+constexpr std::string_view endOfLast = "),[Measures]";
+constexpr std::string_view startOfMeasure = ".[";
+constexpr std::string_view endOfMeasure = "])    '";
 constexpr std::string_view select = " SELECT  { [Date].DateSel} ON COLUMNS,  { [SuperSumery].[SumeryCode]";
 constexpr std::string_view from = " }ON ROWS  From ";
 constexpr std::string_view where = " where (  ";
@@ -37,8 +40,10 @@ std::optional<std::string> TakeUntil(std::string_view& text, std::string_view en
 }
 
 std::string Join(const ValueStatementParts& parts) {
-    std::string text = std::string(opening) + parts.span + std::string(endOfSpan) + parts.obsSel +
-                       std::string(select) + parts.summaryGroup + std::string(from) + parts.cubeName;
+    std::string text = std::string(opening) + parts.periods + std::string(endOfPeriods) + parts.last +
+                       std::string(endOfLast) + std::string(startOfMeasure) + parts.measure +
+                       std::string(endOfMeasure) + parts.obsSel + std::string(select) + parts.summaryGroup +
+                       std::string(from) + parts.cubeName;
     for (std::size_t i = 0; i < parts.slicer.size(); ++i)
         text += std::string(i == 0 ? where : ",") + parts.slicer[i];
     return parts.slicer.empty() ? text : text + std::string(closing);
@@ -51,14 +56,21 @@ std::optional<ValueStatementParts> ReadValueStatement(std::string_view statement
     if (!rest.starts_with(opening))
         return std::nullopt;
     rest.remove_prefix(opening.size());
-    const auto span = TakeUntil(rest, endOfSpan);
-    const auto obsSel = span ? TakeUntil(rest, select) : std::nullopt;
+    const auto periods = TakeUntil(rest, endOfPeriods);
+    const auto last = periods ? TakeUntil(rest, endOfLast) : std::nullopt;
+    // A measure's name ends at the first text that ends it: with that text in the name, the parts do not fit.
+    const auto measureEnd = rest.find(endOfMeasure);
+    if (!last || !rest.starts_with(startOfMeasure) || measureEnd == std::string_view::npos)
+        return std::nullopt;
+    const std::string measure(rest.substr(startOfMeasure.size(), measureEnd - startOfMeasure.size()));
+    rest.remove_prefix(measureEnd + endOfMeasure.size());
+    const auto obsSel = TakeUntil(rest, select);
     const auto group = obsSel ? TakeUntil(rest, from) : std::nullopt;
     const auto cubeName = group ? TakeUntil(rest, where) : std::nullopt;
     if (!cubeName || !rest.ends_with(closing))
         return std::nullopt;
     rest.remove_suffix(closing.size());
-    ValueStatementParts parts{*span, *obsSel, *group, *cubeName, {}};
+    ValueStatementParts parts{*periods, *last, measure, *obsSel, *group, *cubeName, {}};
     while (const auto piece = TakeUntil(rest, ","))
         parts.slicer.push_back(*piece);
     parts.slicer.emplace_back(rest);

@@ -9,7 +9,9 @@ namespace qel::batch {
 
 /// What a value statement is made of, as its text has it.
 struct ValueStatementParts {
-    std::string span;         ///< what is summed: "LastPeriods(3,[Date].[2024].[3]),[Measures].[Amount]"
+    std::string periods;      ///< how many are summed
+    std::string last;         ///< the last of them, a member
+    std::string measure;      ///< the name between its brackets
     std::string obsSel;       ///< the calculated member [Obs].Sel, or empty
     std::string summaryGroup; ///< behind [SuperSumery].[SumeryCode]: ".[SuperSum1].[4]", or empty
     std::string cubeName;

@@ -7,6 +7,7 @@
 #include "cli/LangCommand.h"
 #include "cli/MdxCommand.h"
 #include "cli/MembersCommand.h"
+#include "cli/ServerCheckCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/Terminal.h"
 #include "cli/Version.h"
@@ -63,6 +64,10 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddCubeInfoCommand(*cube, context);
     qel::AddCubeExportCommand(*cube, context);
     qel::AddCubeVerifyCommand(*cube, context);
+    auto* server = app.add_subcommand("server", "Look at the cubes of servers");
+    server->require_subcommand(1);
+    server->fallthrough();
+    qel::AddServerCheckCommand(*server, context);
     qel::AddSettingsCommand(app, context);
     qel::AddLangCommand(app, context);
 }

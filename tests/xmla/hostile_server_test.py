@@ -17,7 +17,7 @@ import zlib
 
 QEL = ""
 HERE = pathlib.Path(__file__).resolve().parent
-REQUEST_SECONDS = 4
+REQUEST_SECONDS = 8
 ENVELOPE = ('<?xml version="1.0" encoding="%s"?>\n<SOAP-ENV:Envelope xmlns:SOAP-ENV="http://schemas.xmlsoap.org/soap/'
             'envelope/" xmlns:xsi="x" xmlns:xsd="y"><SOAP-ENV:Body>%s</SOAP-ENV:Body></SOAP-ENV:Envelope>')
 CATALOGS = ENVELOPE % ("UTF-8", "<r><root><row><CATALOG_NAME>Books &amp; more</CATALOG_NAME></row>"
@@ -205,14 +205,15 @@ class HostileServer(unittest.TestCase):
         self.home = pathlib.Path(self.folder.name)
         self.settings = self.home / "qel" / "servers.ini"
         self.settings.parent.mkdir()
-        self.limits = f"[Limits]\nConnectSeconds=4\nRequestSeconds={REQUEST_SECONDS}\nAnswerMegabytes=4\n"
+        self.limits = f"[Limits]\nConnectSeconds=8\nRequestSeconds={REQUEST_SECONDS}\nAnswerMegabytes=4\n"
         self.settings.write_text(self.limits)
 
     def address(self, path, credentials="", scheme="http", port=None):
         return f"{scheme}://{credentials}127.0.0.1:{port or self.server.server_port}/{path}"
 
     def mdx(self, address, catalog="Books & more"):
-        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
+        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home),
+                       "ASAN_OPTIONS": "quarantine_size_mb=8"}  # where memory is instrumented, count what is used
         done = subprocess.run([QEL, "mdx", address, catalog, "SELECT {[A]} ON COLUMNS FROM x"], capture_output=True,
                               env=environment, timeout=120)
         return done.returncode, done.stdout.decode(), done.stderr.decode()

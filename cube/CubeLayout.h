@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/DataAccess.h"
+
+#include <string>
+#include <vector>
+
+namespace qel::ModSetCube {
+
+/// What the statements need and the cube does not have, each by name ("no level [Accounts].[AccountCodes].
+/// [AccountCode]"); empty for a cube of the whole layout. Raises what the provider raises.
+std::vector<std::string> FindLayoutFaults(const CubeDef& cube);
+
+} // namespace qel::ModSetCube
