@@ -12,14 +12,16 @@ namespace qel::test {
 struct ProviderLog {
     std::vector<std::string> opened;     ///< "text|user|password|options" of each connection
     std::vector<std::string> statements; ///< of each cellset
-    std::vector<std::string> catalogs;   ///< the connection text of each catalog
-    int connectionsClosed = 0, cellsetsClosed = 0;
+    std::vector<std::string> recordsets; ///< "statement|cursor|lock|options" of each recordset
+    std::vector<std::string> catalogs;   ///< the connection text of each catalog, or "a connection"
+    int connectionsClosed = 0, cellsetsClosed = 0, recordsetsClosed = 0;
     int alive = 0; ///< objects that are still referenced
     std::optional<ScriptedFailure> openFailure, statementFailure;
 };
 
-/// ADODB.Connection, ADOMD.Catalog and ADOMD.Cellset for this process, over the embedded engine: a data
-/// source called "double:ledger" is the example's cube. The registered names are restored at the end.
+/// ADODB.Connection, ADODB.Recordset, ADOMD.Catalog and ADOMD.Cellset for this process, over the embedded
+/// engine: a data source called "double:ledger" is the example's cube. The registered names are restored at
+/// the end.
 class ProviderDoubles {
 public:
     ProviderDoubles();
