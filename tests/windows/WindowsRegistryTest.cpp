@@ -1,12 +1,10 @@
 #include "platform/windows/settings/WindowsRegistry.h"
 
-#include "platform/AutomationError.h"
-#include "platform/windows/settings/WindowsProfiles.h"
 #include "store/ModAPI.h"
 #include "tests/doubles/StoreDoubles.h"
 #include "tests/windows/SuiteKey.h"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 namespace qel::test {
 namespace {
@@ -70,18 +68,6 @@ TEST_F(WindowsRegistryTest, OpensNamesAndClosesKeys) {
     }
     EXPECT_FALSE(ModAPI::RegOpen(store, RootKey::CurrentUser, R"(SOFTWARE\QRN\Pralix 18)", handle));
     EXPECT_FALSE(ModAPI::RegOpen(store, 0x1234567, "x", handle)) << "a handle that is none";
-}
-
-TEST_F(WindowsRegistryTest, WritesTextsForTheSettingsCommand) {
-    SuiteKey::Remove();
-    registry.SetText(RootKey::CurrentUser, ModAPI::suiteKey, "MDBPath", "C:\\נתונים\\");
-    EXPECT_EQ(ModAPI::GetRegSetting(store, "MDBPath"), "C:\\נתונים\\");
-    try {
-        registry.SetText(0x1234567, "x", "MDBPath", "y");
-        FAIL() << "written under a handle that is none";
-    } catch (const AutomationError& error) {
-        EXPECT_THAT(error.Description(), ::testing::StartsWith("The registry value 'MDBPath' of "));
-    }
 }
 
 } // namespace

@@ -1,9 +1,8 @@
 #include "platform/windows/settings/WindowsRegistry.h"
 
-#include "platform/windows/ProviderFailure.h"
 #include "platform/windows/WideText.h"
 
-#include <fmt/format.h>
+#include <algorithm>
 
 namespace qel::windows {
 
@@ -54,20 +53,6 @@ std::optional<RegistryValue> WindowsRegistry::QueryValue(KeyHandle key, const st
 
 std::int32_t WindowsRegistry::CloseKey(KeyHandle key) {
     return static_cast<std::int32_t>(::RegCloseKey(SystemHandle(key)));
-}
-
-void WindowsRegistry::SetText(KeyHandle root, const std::string& subKey, const std::string& name,
-                              const std::string& text) {
-    const std::wstring wide = ToWide(text);
-    const auto bytes = static_cast<DWORD>((wide.size() + 1) * sizeof(wchar_t));
-    const LSTATUS status = ::RegSetKeyValueW(SystemHandle(root), ToWide(subKey).c_str(), ToWide(name).c_str(),
-                                             REG_SZ, wide.c_str(), bytes);
-    if (status != ERROR_SUCCESS) {
-        const auto failure = FailureOf(HRESULT_FROM_WIN32(static_cast<DWORD>(status)), "RegSetKeyValue");
-        throw AutomationError(failure.Number(),
-                              fmt::format("The registry value '{}' of {}\\{} cannot be written: {}", name,
-                                          RootKeyName(root), subKey, failure.Description()));
-    }
 }
 
 } // namespace qel::windows

@@ -10,10 +10,6 @@ public:
     std::optional<KeyHandle> OpenKey(KeyHandle root, const std::string& subKey) override;
     std::optional<RegistryValue> QueryValue(KeyHandle key, const std::string& name) override;
     std::int32_t CloseKey(KeyHandle key) override;
-
-    /// Makes the key when it is missing. Raises AutomationError with the system's text when it cannot be
-    /// written.
-    void SetText(KeyHandle root, const std::string& subKey, const std::string& name, const std::string& text);
 };
 
 } // namespace qel::windows
