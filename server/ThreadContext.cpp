@@ -1,8 +1,5 @@
 #include "server/ThreadContext.h"
 
-#include "engine/storage/CubeFile.h"
-#include "platform/AutomationError.h"
-#include "platform/ConnectionText.h"
 #include "platform/local/CubeSource.h"
 #include "platform/local/LocalDataAccess.h"
 #include "platform/provider/ResolvingDataAccess.h"
@@ -13,19 +10,6 @@
 #include <mutex>
 
 namespace qel::server {
-
-namespace {
-
-/// False too for a text that only another provider may understand.
-bool NamesEmbeddedCube(const std::string& connectionText) {
-    try {
-        return engine::CubeFile::HasSignature(PathOfText(ParseConnectionText(connectionText).dataSource));
-    } catch (const AutomationError&) {
-        return false;
-    }
-}
-
-} // namespace
 
 // Embedded cubes are read here, every other data source by the machine's own objects.
 DataAccess& Providers() {

@@ -25,6 +25,14 @@ std::filesystem::path PathOfText(const std::string& text) {
     return {std::u8string(text.begin(), text.end())};
 }
 
+bool NamesEmbeddedCube(const std::string& connectionText) {
+    try {
+        return engine::CubeFile::HasSignature(PathOfText(ParseConnectionText(connectionText).dataSource));
+    } catch (const AutomationError&) {
+        return false; // another provider may understand it
+    }
+}
+
 void RequireCubeFile(const std::string& dataSource) {
     using engine::ErrorKind;
     if (IsServerAddress(dataSource))
