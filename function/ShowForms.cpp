@@ -44,7 +44,7 @@ std::string OrmQelFunction::ShowFormGetVal(const std::shared_ptr<SheetRange>& xl
         put_ResQel(form.QelResult.Is<Null>() ? "0" : ToText(form.QelResult, context_.locale));
         put_iShowDetail(form.bDetail ? detailShown : std::int16_t{0});
         put_iLang(wizards.language.iLang);
-        const std::string text = ComposeArgumentText(form.FormulaArgs, context_.locale);
+        std::string text = ComposeArgumentText(form.FormulaArgs, context_.locale);
         if (get_iShowDetail() != 0)
             WriteDetailTable(*xlActiveCell, text, get_iLang(), wizards.Messages());
         else
@@ -66,7 +66,7 @@ std::string OrmQelFunction::ShowFormQelName(const std::shared_ptr<SheetRange>& x
         if (form.CanceledPivot)
             return canceled;
         put_iLang(wizards.language.iLang);
-        const std::string text = ComposeNameArgumentText(form.Arguments);
+        std::string text = ComposeNameArgumentText(form.Arguments);
         WriteFormula(*application, "QelName", text);
         return text;
     } catch (...) {

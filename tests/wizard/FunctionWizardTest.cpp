@@ -3,6 +3,8 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 // The dialog itself: settings, opening, choosing a cube, its checks, and its three ends.
 
 namespace qel::testing {
@@ -14,6 +16,18 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 void DoNothing(DialogDouble& /*dialog*/) {}
+
+/// Each of the controls was filled, for the last time after the ones before it.
+void ExpectFilledInOrder(DialogDouble& dialog, const std::vector<std::string>& order) {
+    const auto filled = dialog.TakeFilled();
+    auto last = filled.rend();
+    for (const std::string& control : order) {
+        const auto place = std::find(filled.rbegin(), filled.rend(), control);
+        ASSERT_NE(place, filled.rend()) << control << " is not filled";
+        EXPECT_LT(place, last) << control << " is filled too early";
+        last = place;
+    }
+}
 
 TEST(FunctionWizard, OpensOnTheRememberedCubeInTheOrderOfItsLoading) {
     WizardBench bench;
@@ -35,15 +49,8 @@ TEST(FunctionWizard, OpensOnTheRememberedCubeInTheOrderOfItsLoading) {
         EXPECT_FALSE(dialog.IsEnabled(ListAccount) || dialog.IsEnabled(ComActMember) ||
                      dialog.IsEnabled(ComMember) || dialog.IsEnabled(ComOBSData))
             << "what nothing was chosen for";
-        const auto filled = dialog.TakeFilled();
-        const std::vector<std::string> order = {txtCubeFile, cboDatabaseList, TxtDateFrom,
-                                                ChcMeasure,  ComOBSNum,       ComMoneySet,
-                                                ComAccX,     ListAccount,     ComActMember};
-        auto place = filled.begin();
-        for (const std::string& control : order) {
-            place = std::find(place, filled.end(), control);
-            EXPECT_NE(place, filled.end()) << control << " is filled too early or not at all";
-        }
+        ExpectFilledInOrder(dialog, {txtCubeFile, cboDatabaseList, TxtDateFrom, ChcMeasure, ComOBSNum,
+                                     ComMoneySet, ComAccX, ListAccount, ComActMember});
     });
     EXPECT_THAT(bench.TakeMessages(), IsEmpty());
 }
@@ -58,9 +65,8 @@ TEST(FunctionWizard, FillsTheMeasuresBeforeTheDatesOfAChosenFile) {
         dialog.Press(CmdCubeFile);
         EXPECT_EQ(dialog.AskedForFile().title, "OrmFuncQel4 - Open a file");
         EXPECT_EQ(dialog.AskedForFile().filter, "Cub files(*.cub)|*.cub");
-        const auto filled = dialog.TakeFilled();
-        EXPECT_LT(std::find(filled.begin(), filled.end(), ChcMeasure),
-                  std::find(filled.begin(), filled.end(), TxtDateFrom));
+        ExpectFilledInOrder(dialog, {txtCubeFile, cboDatabaseList, ChcMeasure, TxtDateFrom, ComOBSNum,
+                                     ComMoneySet, ComAccX, ListAccount, ComActMember});
         EXPECT_TRUE(dialog.IsEnabled(ChcMeasure));
         dialog.chosenFile.clear();
         dialog.Press(CmdCubeFile);

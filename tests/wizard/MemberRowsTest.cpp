@@ -12,7 +12,6 @@
 namespace qel {
 namespace {
 
-using ::testing::ElementsAre;
 using Rows = std::vector<std::uint32_t>;
 
 struct SearchCase {

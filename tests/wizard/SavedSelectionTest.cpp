@@ -80,16 +80,20 @@ void ChooseLedgerSelection(DialogDouble& dialog) {
 
 TEST(SavedSelection, IsRestoredOnTheNextOpening) {
     WizardBench bench;
-    bench.Remember(LedgerFile());
-    const std::string first = bench.ShowFormGetVal([](DialogDouble& dialog) {
+    bench.toolkit.chosenFile = LedgerFile();
+    std::size_t accounts = 0;
+    const std::string first = bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        dialog.Press(CmdCubeFile);
         ChooseLedgerSelection(dialog);
+        accounts = dialog.Rows(ListAccount).RowCount();
         dialog.Press(CmdOK);
     });
     ASSERT_THAT(bench.TakeMessages(), IsEmpty());
     ASSERT_THAT(bench.Rows("DataTbl"), ::testing::SizeIs(1));
     EXPECT_EQ(SelectionOf(bench.Rows("DataTbl").at(0), bench.locale), LedgerSelection());
     EXPECT_EQ(bench.RememberedFile(), LedgerFile());
-    const std::string second = bench.ShowFormGetVal([](DialogDouble& dialog) {
+    const std::string second = bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        EXPECT_EQ(dialog.Rows(ListAccount).RowCount(), accounts) << "those of the restored firm";
         EXPECT_THAT(dialog.Items(ListObs), ElementsAre("South & Negev", "North"));
         EXPECT_TRUE(dialog.IsChecked(CheckAcc) && dialog.IsEnabled(ListAccount) &&
                     dialog.IsEnabled(ComMember));

@@ -65,6 +65,9 @@ TEST(ObsSelector, AddsAndRemovesMembers) {
         dialog.Choose(ComLevelObs, "Level2");
         const auto members = dialog.Items(ComOBSData);
         ASSERT_EQ(members.size(), 7U);
+        dialog.Choose(ComOBSData, "Say");
+        dialog.Press(Command1);
+        EXPECT_EQ(dialog.Text(TxtCalc), "20.25");
         for (const char* member : {"Main", "Karmi", "Main", "Say", "חו", "Eilat"}) {
             dialog.Choose(ComOBSData, member);
             dialog.Press(ComAddOBS);
@@ -87,6 +90,20 @@ TEST(ObsSelector, AddsAndRemovesMembers) {
                                 "\xC2\xA0]\xC2\xA0 & go\", \"חו\xC2\xA0ל\"},"))
         << "quotes would end the formula's texts";
     EXPECT_EQ(bench.Evaluate("=QelF1(" + text + ")"), "1800.15");
+}
+
+TEST(ObsSelector, OffersNoLevelsOfANumberWithoutData) {
+    WizardBench bench;
+    bench.Remember(OddFile());
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        EXPECT_THAT(dialog.Items(ComLevelObs), ElementsAre("Level1", "Level2"));
+        dialog.Choose(ComObsX, "2");
+        EXPECT_THAT(dialog.Items(ComLevelObs), IsEmpty());
+        dialog.Choose(ComLevel, "OBS levels");
+        dialog.Press(CmdOK);
+        EXPECT_THAT(bench.TakeMessages(), ElementsAre("Choose an OBS member or the OBS level All."));
+        EXPECT_FALSE(dialog.IsHidden());
+    });
 }
 
 TEST(ObsSelector, ForgetsMembersOfAnotherLevel) {
@@ -261,7 +278,7 @@ void ChooseAny(DialogDouble& dialog, std::mt19937& random, const char* control) 
 }
 
 void FindAny(DialogDouble& dialog, std::mt19937& random, const char* box, const char* list) {
-    if (random() % 3 != 0)
+    if (random() % 6 != 0)
         return;
     dialog.Tick(box, true);
     const ListSource& rows = dialog.Rows(list);
@@ -284,9 +301,13 @@ TEST(FunctionWizard, GivesFormulasOfTheValueShownForAnyChoice) {
             const std::string text = bench.ShowFormGetVal([&](DialogDouble& dialog) {
                 if (file == LedgerFile())
                     ChooseAny(dialog, random, cboDatabaseList);
-                for (const char* control :
-                     {ComOBSNum, ComObsX, ComLevel, ComLevelObs, ComOBSData, ComAccX, ComMember, ChcMeasure})
-                    ChooseAny(dialog, random, control);
+                for (const char* control : {ComOBSNum, ComObsX, ComLevel, ComLevelObs, ComOBSData, ComAccX,
+                                            ComMember, ChcMeasure}) {
+                    if (random() % 2 == 0)
+                        ChooseAny(dialog, random, control);
+                }
+                if (dialog.Items(ComOBSData).empty())
+                    dialog.Choose(ComLevel, "All");
                 for (const char* control : {ComFirma, ComRh, ComPlbs, ComOB, ComMoneySet}) {
                     if (random() % 4 == 0)
                         ChooseAny(dialog, random, control);
