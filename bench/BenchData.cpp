@@ -9,6 +9,10 @@
 
 #include <chrono>
 #include <functional>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace qel::bench {
 namespace {
@@ -22,6 +26,13 @@ void Generate(const std::filesystem::path& folder, std::uint64_t rows, std::uint
         ledger::WriteTable(folder, table);
     }
     ledger::WriteDefinition(folder);
+}
+
+void BuildLedgerCube(const BenchData& data) {
+    engine::BuildCube({.definition = data.csvFolder / "ledger.json",
+                       .output = data.cubeFile,
+                       .skippedLines = {},
+                       .progress = {}});
 }
 
 void Timed(const char* what, const std::function<void()>& work) {
@@ -45,13 +56,36 @@ BenchData PrepareBenchData(const std::filesystem::path& folder, const std::files
     std::filesystem::remove_all(own);
     std::filesystem::create_directories(own);
     Timed("ledger in CSV", [&] { Generate(own, rows, seed); });
-    Timed("cube file", [&] {
-        engine::BuildCube(
-            {.definition = own / "ledger.json", .output = data.cubeFile, .skippedLines = {}, .progress = {}});
-    });
+    Timed("cube file", [&] { BuildLedgerCube(data); });
     Timed("SQLite database", [&] { MakeSqliteDatabase(own, data.database); });
     std::ofstream(done) << "complete\n";
     return data;
+}
+
+BuildCost MeasureBuild(const BenchData& data) {
+    const auto start = std::chrono::steady_clock::now();
+    const pid_t child = fork();
+    if (child == 0) {
+        try {
+            BuildLedgerCube(data);
+            _exit(0);
+        } catch (const std::exception& error) {
+            fmt::print(stderr, "{}\n", error.what());
+            _exit(1);
+        }
+    }
+    int status = 0;
+    rusage usage{};
+    if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0) {
+        throw std::runtime_error("The cube could not be built again.");
+    }
+    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    constexpr double kilobytesEach = 1024;
+    return {elapsed.count(), seconds(usage.ru_utime) + seconds(usage.ru_stime),
+            static_cast<double>(usage.ru_maxrss) / kilobytesEach};
 }
 
 } // namespace qel::bench

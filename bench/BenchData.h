@@ -10,9 +10,18 @@ struct BenchData {
     std::filesystem::path csvFolder, cubeFile, database;
 };
 
+/// What a build of the two cubes took, in a process of its own.
+struct BuildCost {
+    double seconds = 0, processorSeconds = 0;
+    double peakMegabytes = 0;
+};
+
 /// Makes what is missing, or older than `program`, in a folder of its own under `folder`; says so on standard
 /// error. Raises what the builders raise.
 BenchData PrepareBenchData(const std::filesystem::path& folder, const std::filesystem::path& program,
                            std::uint64_t rows, std::uint64_t seed);
+
+/// Builds the cube file again and measures it. To be called while the program has one thread.
+BuildCost MeasureBuild(const BenchData& data);
 
 } // namespace qel::bench

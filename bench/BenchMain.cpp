@@ -1,101 +1,169 @@
 #include "bench/BenchData.h"
+#include "bench/DuckDbPeer.h"
 #include "bench/FormulaMix.h"
 #include "bench/SqlitePeer.h"
-#include "bench/Timings.h"
-#include "tests/ledger/reference/FormulaCell.h"
+#include "bench/Workload.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace {
 
 using namespace qel::bench;
-using qel::ledger::FormulaCell;
 using qel::ledger::LedgerCube;
 using qel::ledger::Selection;
 
 struct BenchOptions {
     std::vector<std::uint64_t> rows{100'000, 1'000'000};
     std::vector<std::string> cubes{"months", "days"};
-    std::size_t formulas = 2'000;
+    std::size_t formulas = 20'000, peerFormulas = 2'000;
     int rounds = 3;
     std::uint64_t seed = 17;
-    std::filesystem::path data = QEL_BENCH_DATA;
+    std::filesystem::path data = QEL_BENCH_DATA, duckDb, csv;
+    bool measuresBuild = false;
 };
 
-void PrintTimes(const char* what, const Timings& timings) {
-    fmt::print("  {:<32}{:>12.2f}{:>12.1f}{:>16.0f}\n", what, timings.Quantile(0.5), timings.Quantile(0.99),
+/// Prints what was measured, and writes it in lines "facts,cube,what,number" for the table and the plot.
+class Report {
+public:
+    explicit Report(const std::filesystem::path& csv) {
+        if (!csv.empty()) {
+            csv_.open(csv);
+            csv_ << "facts,cube,what,number\n";
+        }
+    }
+
+    void Begin(std::uint64_t facts) { facts_ = facts; }
+    void BeginCube(const std::string& cube) { cube_ = cube; }
+    void Number(const std::string& what, double number) {
+        csv_ << fmt::format("{},{},{},{:.4g}\n", facts_, cube_, what, number) << std::flush;
+    }
+    void Times(const std::string& what, const std::string& key, const Timings& timings);
+
+private:
+    std::ofstream csv_;
+    std::uint64_t facts_ = 0;
+    std::string cube_;
+};
+
+void Report::Times(const std::string& what, const std::string& key, const Timings& timings) {
+    Number(key + " median", timings.Quantile(0.5));
+    Number(key + " p99", timings.Quantile(0.99));
+    Number(key + " per second", timings.CallsPerSecond());
+    fmt::print("  {:<44}{:>10.2f}{:>10.1f}{:>14.0f}\n", what, timings.Quantile(0.5), timings.Quantile(0.99),
                timings.CallsPerSecond());
 }
 
-void PrintRatio(const char* what, const Timings& component, const Timings& peer) {
-    fmt::print("  {:<32}{:>12.1f}{:>12.1f}{:>16.1f}\n", what, peer.Quantile(0.5) / component.Quantile(0.5),
-               peer.Quantile(0.99) / component.Quantile(0.99),
-               component.CallsPerSecond() / peer.CallsPerSecond());
+void PrintRatio(Report& report, const std::string& peer, const char* what, const Timings& own,
+                const Timings& other) {
+    const double ratio = own.CallsPerSecond() / other.CallsPerSecond();
+    report.Number(fmt::format("{} ratio {}", peer, what), ratio);
+    fmt::print("  {:<44}{:>34.0f}\n", fmt::format("times faster than {}: {}", peer, what), ratio);
 }
 
-/// Times the formulas through the component and through SQLite. Returns how many values differ.
-std::size_t Compare(const BenchOptions& options, const BenchData& data, std::uint64_t rows, LedgerCube cube) {
-    SqlitePeer peer(data.database);
-    qel::ledger::RandomSelections selections(peer.Database(), options.seed);
-    const std::vector<Selection> formulas = DrawFormulas(selections, options.seed, options.formulas, cube);
-    std::vector<SqliteCell> cells;
-    cells.reserve(formulas.size());
-    for (const Selection& formula : formulas) {
-        cells.push_back(peer.Prepare(formula));
+/// Compares the values and times the peer on the first formulas, which `own` has as well.
+template <class Run>
+std::size_t ComparePeer(Report& report, const std::string& name, const Run& run,
+                        const std::vector<SqliteCell>& cells, const std::vector<double>& values,
+                        const Workload& same, int rounds) {
+    Timings peer(cells.size());
+    std::size_t differences = 0;
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        const double value = peer.Measure(i, [&] { return run(cells[i]); });
+        if (value != values[i] && ++differences <= 5) {
+            fmt::print(stderr, "{} instead of {}: {}\n", values[i], value, Describe(same.Formulas()[i]));
+        }
     }
-    FormulaCell cell(data.cubeFile.string(), options.seed);
-    Timings opening, component, prepared, text;
-    opening.Measure([&] { return cell.Value(formulas.front()); });
+    report.Times(fmt::format("{} ({} formulas, {} differ)", name, cells.size(), differences), name, peer);
+    PrintRatio(report, name, "formula", same.Recalculation(rounds), peer);
+    PrintRatio(report, name, "engine", same.EngineAlone(rounds), peer);
+    return differences;
+}
 
-    std::size_t differences = 0, zeros = 0;
-    for (std::size_t i = 0; i < formulas.size(); ++i) {
-        const double shown = cell.Value(formulas[i]), expected = SqlitePeer::Run(cells[i]);
-        zeros += expected == 0 ? 1 : 0;
-        if (shown != expected && ++differences <= 5) {
-            fmt::print(stderr, "{} instead of {}: {}\n", shown, expected, Describe(formulas[i]));
-        }
+/// Times the formulas of one cube. Returns how many values differ from a peer's.
+std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePeer& sqlite,
+                    DuckDbPeer* duckDb, LedgerCube cube, Report& report) {
+    qel::ledger::RandomSelections selections(sqlite.Database(), options.seed);
+    const Workload all(data, DrawFormulas(selections, options.seed, options.formulas, cube), options.seed);
+    const Workload sheet(data, DrawSheet(selections, options.seed + 1, 834, cube), options.seed);
+    fmt::print("cube by {}\n  {:<44}{:>10}{:>10}{:>14}\n", cube == LedgerCube::Months ? "months" : "days", "",
+               "median µs", "p99 µs", "a second");
+    report.Times("formula, statement new", "new", all.FirstCalculation());
+    report.Times("formula, statement known", "known", all.Recalculation(options.rounds));
+    report.Times("engine alone, from plan to cell", "engine", all.EngineAlone(options.rounds));
+    const double sheetNew = sheet.FirstCalculation().Total() / 1e3;
+    const double sheetKnown = sheet.Recalculation(options.rounds).Total() / 1e3;
+    report.Number("sheet new ms", sheetNew);
+    report.Number("sheet known ms", sheetKnown);
+    fmt::print("  sheet of 834 rows by 12 months: {:.1f} ms new, {:.1f} ms calculated again\n", sheetNew,
+               sheetKnown);
+    for (const std::size_t threads : {std::size_t{1}, std::size_t{2}}) {
+        const double perSecond = all.FormulasPerSecond(threads, options.rounds);
+        report.Number(fmt::format("threads {} per second", threads), perSecond);
+        fmt::print("  formulas a second by the clock, {} threads: {:.0f}\n", threads, perSecond);
     }
-    for (int round = 0; round < options.rounds; ++round) {
-        for (const Selection& formula : formulas) {
-            component.Measure([&] { return cell.Value(formula); });
-        }
+
+    std::vector<Selection> first(all.Formulas().begin(),
+                                 all.Formulas().begin() + static_cast<std::ptrdiff_t>(std::min(
+                                                              options.peerFormulas, options.formulas)));
+    const Workload same(data, std::move(first), options.seed);
+    std::vector<SqliteCell> cells;
+    for (const Selection& formula : same.Formulas()) {
+        cells.push_back(sqlite.Prepare(formula));
     }
-    for (const SqliteCell& sqliteCell : cells) {
-        prepared.Measure([&] { return SqlitePeer::Run(sqliteCell); });
+    const std::vector<double> values = same.Values();
+    std::size_t differences =
+        ComparePeer(report, "SQLite", SqlitePeer::Run, cells, values, same, options.rounds);
+    if (duckDb != nullptr) {
+        differences += ComparePeer(
+            report, "DuckDB", [&](const SqliteCell& cell) { return duckDb->Run(cell); }, cells, values, same,
+            options.rounds);
     }
-    for (const SqliteCell& sqliteCell : cells) {
-        text.Measure([&] { return peer.RunText(sqliteCell); });
-    }
-    fmt::print("{} facts, cube by {}, {} formulas ({} of them 0), {} values differ\n", rows,
-               cube == LedgerCube::Months ? "months" : "days", formulas.size(), zeros, differences);
-    fmt::print("  {:<32}{:>12}{:>12}{:>16}\n", "", "median µs", "p99 µs", "formulas/s");
-    PrintTimes("QelF1, arguments to value", component);
-    PrintTimes("SQLite, from statement text", text);
-    PrintTimes("SQLite, statement prepared", prepared);
-    PrintRatio("QelF1 is faster than text by", component, text);
-    PrintRatio("QelF1 is faster than prepared by", component, prepared);
-    fmt::print("  first formula, with opening the cube: {:.0f} µs\n\n", opening.Quantile(0.5));
     return differences;
 }
 
 std::size_t RunBench(const BenchOptions& options, const std::filesystem::path& program) {
     std::size_t differences = 0;
+    Report report(options.csv);
     for (const std::uint64_t rows : options.rows) {
+        report.Begin(rows);
+        report.BeginCube("both");
         const BenchData data = PrepareBenchData(options.data, program, rows, options.seed);
-        fmt::print("cube file {:.1f} bytes a fact (two cubes), SQLite database {:.1f}\n",
-                   static_cast<double>(std::filesystem::file_size(data.cubeFile)) / static_cast<double>(rows),
-                   static_cast<double>(std::filesystem::file_size(data.database)) /
-                       static_cast<double>(rows));
-        for (const std::string& cube : options.cubes) {
-            differences +=
-                Compare(options, data, rows, cube == "months" ? LedgerCube::Months : LedgerCube::Days);
+        const auto perFact = [rows](const std::filesystem::path& file) {
+            return static_cast<double>(std::filesystem::file_size(file)) / static_cast<double>(rows);
+        };
+        fmt::print("== {} facts\n", rows);
+        if (options.measuresBuild) {
+            const BuildCost cost = MeasureBuild(data);
+            report.Number("build seconds", cost.seconds);
+            report.Number("build processor seconds", cost.processorSeconds);
+            report.Number("build megabytes", cost.peakMegabytes);
+            fmt::print("build of both cubes: {:.1f} s, {:.1f} s of processors, {:.0f} MB\n", cost.seconds,
+                       cost.processorSeconds, cost.peakMegabytes);
         }
+        fmt::print("bytes a fact: {:.1f} a cube (two in the file), SQLite {:.1f}\n",
+                   perFact(data.cubeFile) / 2, perFact(data.database));
+        fmt::print("open: {:.2f} ms\n", OpeningMilliseconds(data));
+        SqlitePeer sqlite(data.database);
+        std::optional<DuckDbPeer> duckDb;
+        if (!options.duckDb.empty()) {
+            duckDb.emplace(options.duckDb, sqlite);
+            fmt::print("DuckDB {}\n", duckDb->Version());
+        }
+        for (const std::string& cube : options.cubes) {
+            report.BeginCube(cube);
+            differences += Measure(options, data, sqlite, duckDb ? &*duckDb : nullptr,
+                                   cube == "months" ? LedgerCube::Months : LedgerCube::Days, report);
+        }
+        std::fflush(stdout);
     }
     return differences;
 }
@@ -104,10 +172,12 @@ std::size_t RunBench(const BenchOptions& options, const std::filesystem::path& p
 
 int main(int argc, char** argv) {
     CLI::App app{
-        "Times random formulas over generated ledgers: the whole path of QelF1 from its arguments to "
-        "the value, beside SQLite with covering indexes for the same cells, with its statements "
-        "prepared beforehand and from their texts. Every pair of values is "
-        "compared; status 1 when one differs."};
+        "Times random formulas over generated ledgers: the whole path of QelF1 from its arguments to the "
+        "value, "
+        "and the engine alone, beside SQLite with covering indexes (statements prepared beforehand) and "
+        "DuckDB "
+        "(one thread, statement texts) for the same cells. Of several rounds a formula's best time counts. "
+        "Every pair of values is compared; status 1 when one differs."};
     BenchOptions options;
     app.add_option("--rows", options.rows, "facts of each ledger")->capture_default_str();
     app.add_option("--cube", options.cubes, "months, days")
@@ -116,11 +186,18 @@ int main(int argc, char** argv) {
     app.add_option("--formulas", options.formulas, "formulas to draw")
         ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000}))
         ->capture_default_str();
+    app.add_option("--peer-formulas", options.peerFormulas, "how many of them the peers answer")
+        ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000}))
+        ->capture_default_str();
     app.add_option("--rounds", options.rounds, "timed passes through the component")
         ->check(CLI::Range(1, 1000))
         ->capture_default_str();
     app.add_option("--seed", options.seed, "of the ledger and of the formulas")->capture_default_str();
     app.add_option("--data", options.data, "where the generated ledgers are kept")->capture_default_str();
+    app.add_option("--duckdb", options.duckDb, "DuckDB's library; without it DuckDB is left out")
+        ->check(CLI::ExistingFile);
+    app.add_option("--csv", options.csv, "a file that the numbers are written to as well");
+    app.add_flag("--build", options.measuresBuild, "measure the build of the cubes, too");
     CLI11_PARSE(app, argc, argv);
     try {
         return RunBench(options, std::filesystem::absolute(argv[0])) == 0 ? 0 : 1;

@@ -85,4 +85,17 @@ std::vector<ledger::Selection> DrawFormulas(ledger::RandomSelections& selections
     return formulas;
 }
 
+std::vector<ledger::Selection> DrawSheet(ledger::RandomSelections& selections, std::uint64_t seed,
+                                         std::size_t rows, ledger::LedgerCube cube) {
+    std::vector<ledger::Selection> cells;
+    for (const ledger::Selection& row : DrawFormulas(selections, seed, rows, cube)) {
+        for (int month = 1; month <= 12; ++month) {
+            cells.push_back(row);
+            cells.back().from = CalendarDay{row.to.year, month, 1};
+            cells.back().to = {row.to.year, month, 28};
+        }
+    }
+    return cells;
+}
+
 } // namespace qel::bench

@@ -11,4 +11,8 @@ namespace qel::bench {
 std::vector<ledger::Selection> DrawFormulas(ledger::RandomSelections& selections, std::uint64_t seed,
                                             std::size_t count, ledger::LedgerCube cube);
 
+/// A sheet as people make them: rows of formulas, each twelve times for the months of a year.
+std::vector<ledger::Selection> DrawSheet(ledger::RandomSelections& selections, std::uint64_t seed,
+                                         std::size_t rows, ledger::LedgerCube cube);
+
 } // namespace qel::bench

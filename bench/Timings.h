@@ -1,29 +1,36 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <vector>
 
 namespace qel::bench {
 
-/// How long single calls took, in microseconds.
+/// How long the calls of one workload take, in microseconds: of several rounds the quickest time of each call
+/// counts, since whatever else runs on the machine can only make it slower.
 class Timings {
 public:
+    explicit Timings(std::size_t calls) : best_(calls) {}
+
     /// Runs and times one call.
     template <class Call>
-    auto Measure(const Call& call) {
+    auto Measure(std::size_t number, const Call& call) {
         const auto start = std::chrono::steady_clock::now();
         auto result = call();
         const std::chrono::duration<double, std::micro> elapsed = std::chrono::steady_clock::now() - start;
-        microseconds_.push_back(elapsed.count());
+        Take(number, elapsed.count());
         return result;
     }
 
-    /// `share` 0.5 is the median. Raises std::logic_error when nothing was measured.
+    /// `share` 0.5 is the median.
     double Quantile(double share) const;
-    double CallsPerSecond() const;
+    double Total() const;
+    double CallsPerSecond() const { return static_cast<double>(best_.size()) * 1e6 / Total(); }
 
 private:
-    std::vector<double> microseconds_;
+    void Take(std::size_t number, double microseconds);
+
+    std::vector<double> best_; ///< 0: not run yet
 };
 
 } // namespace qel::bench

@@ -15,16 +15,15 @@ Variant Nothing() { return std::int16_t{0}; }
 
 /// The first day of the first period that starts on `from` or later; `from` itself when there is none.
 AutomationDate StartOfPeriods(const DateTable& table, AutomationDate from) {
-    const auto period = std::find_if(table.CubeDates.begin(), table.CubeDates.end(),
-                                     [&](AutomationDate date) { return date >= from; });
+    const auto period = std::lower_bound(table.CubeDates.begin(), table.CubeDates.end(), from);
     return period == table.CubeDates.end() || from.IsZero() ? from : *period;
 }
 
 /// Counts from the period of `from` up to the one of `to`, which both start periods of the table.
 PeriodSpan CountPeriods(const DateTable& table, AutomationDate from, AutomationDate to) {
     const auto& dates = table.CubeDates;
-    const auto first = std::find(dates.begin(), dates.end(), from);
-    const auto last = std::find_if(first, dates.end(), [&](AutomationDate date) { return date >= to; });
+    const auto first = std::lower_bound(dates.begin(), dates.end(), from);
+    const auto last = std::lower_bound(first, dates.end(), to);
     return {static_cast<int>(last - first) + 1,
             table.CubeDateNames[static_cast<std::size_t>(last - dates.begin())]};
 }
@@ -59,11 +58,10 @@ std::optional<PeriodSpan> FindPeriods(const DateTable& table, DayRange days) {
     if (dates.empty())
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
     AutomationDate from = StartOfPeriods(table, days.from);
-    const auto lastNotAfter =
-        std::find_if(dates.rbegin(), dates.rend(), [&](AutomationDate date) { return date <= days.to; });
-    if (lastNotAfter == dates.rend()) // the days end before the first period
+    const auto firstAfter = std::upper_bound(dates.begin(), dates.end(), days.to);
+    if (firstAfter == dates.begin()) // the days end before the first period
         return std::nullopt;
-    const AutomationDate to = *lastNotAfter;
+    const AutomationDate to = *(firstAfter - 1);
     from = from.IsZero() ? to : std::min(from, to);
     return CountPeriods(table, from, to);
 }

@@ -1,6 +1,7 @@
 #include "engine/eval/BlockFilter.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace qel::engine {
 
@@ -42,11 +43,11 @@ std::vector<BlockFilter> MakeFilters(const FactTable& facts, std::span<const Res
     std::vector<BlockFilter> filters;
     filters.reserve(restrictions.size());
     for (const Restriction& restriction : restrictions) {
-        const BlockFilter filter(restriction, facts.KeyColumns()[restriction.keyColumn]);
+        BlockFilter filter(restriction, facts.KeyColumns()[restriction.keyColumn]);
         const bool isMerged = std::any_of(filters.begin(), filters.end(),
                                           [&](BlockFilter& other) { return other.Merge(filter); });
         if (!isMerged) {
-            filters.push_back(filter);
+            filters.push_back(std::move(filter));
         }
     }
     return filters;

@@ -62,13 +62,14 @@ QEL_INLINE std::uint64_t SumFew(const std::byte* values, std::size_t count, cons
 }
 
 template <class Amount>
-QEL_INLINE std::uint64_t SumBlock(const std::byte* values, std::size_t count, const BlockMask* mask) {
+QEL_INLINE std::uint64_t SumBlock(const std::byte* values, std::size_t count, const BlockMask* mask,
+                                  std::uint64_t passed) {
     constexpr std::uint64_t fewShare = 8;
     if (mask == nullptr) {
         return SumAll<Amount>(values, count);
     }
-    return CountRows(*mask, count) * fewShare < count ? SumFew<Amount>(values, count, mask->data())
-                                                      : SumMarked<Amount>(values, count, mask->data());
+    return passed * fewShare < count ? SumFew<Amount>(values, count, mask->data())
+                                     : SumMarked<Amount>(values, count, mask->data());
 }
 
 } // namespace
@@ -107,17 +108,17 @@ std::uint64_t CountRows(const BlockMask& mask, std::size_t count) {
 }
 
 QEL_VECTORISED
-std::uint64_t SumValues(const std::byte* values, std::uint8_t width, std::size_t count,
-                        const BlockMask* mask) {
+std::uint64_t SumValues(const std::byte* values, std::uint8_t width, std::size_t count, const BlockMask* mask,
+                        std::uint64_t passed) {
     switch (width) {
     case 1:
-        return SumBlock<std::int8_t>(values, count, mask);
+        return SumBlock<std::int8_t>(values, count, mask, passed);
     case 2:
-        return SumBlock<std::int16_t>(values, count, mask);
+        return SumBlock<std::int16_t>(values, count, mask, passed);
     case 4:
-        return SumBlock<std::int32_t>(values, count, mask);
+        return SumBlock<std::int32_t>(values, count, mask, passed);
     default:
-        return SumBlock<std::int64_t>(values, count, mask);
+        return SumBlock<std::int64_t>(values, count, mask, passed);
     }
 }
 

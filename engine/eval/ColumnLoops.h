@@ -31,9 +31,10 @@ void KeepListed(SlotBlock slots, std::uint32_t bits, unsigned shift, std::span<c
 
 /// How many rows of the block passed.
 std::uint64_t CountRows(const BlockMask& mask, std::size_t count);
-/// The sum of `count` signed values of `width` bytes, of those alone that passed when `mask` is not null.
-/// Wraps around: values come from a file, and must not be undefined whatever they are.
-std::uint64_t SumValues(const std::byte* values, std::uint8_t width, std::size_t count,
-                        const BlockMask* mask);
+/// The sum of `count` signed values of `width` bytes, of those alone that passed when `mask` is not null;
+/// `passed` says how many. Wraps around: values come from a file, and must not be undefined whatever they
+/// are.
+std::uint64_t SumValues(const std::byte* values, std::uint8_t width, std::size_t count, const BlockMask* mask,
+                        std::uint64_t passed);
 
 } // namespace qel::engine

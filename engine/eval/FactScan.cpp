@@ -66,7 +66,7 @@ public:
         const std::uint64_t passed = mask == nullptr ? rows.Count() : CountRows(*mask, rows.Count());
         rows_ += passed;
         if (passed > 0 && width_ != 0) {
-            sum_ += SumValues(projection.Values(measure_, rows), width_, rows.Count(), mask);
+            sum_ += SumValues(projection.Values(measure_, rows), width_, rows.Count(), mask, passed);
         }
     }
     FactSum Total() const { return {static_cast<std::int64_t>(sum_), rows_}; }

@@ -2,27 +2,22 @@
 
 #include "engine/eval/StatementPlan.h"
 
-#include <cstring>
+#include <xxhash.h>
+
+#include <functional>
 #include <utility>
 
 namespace qel::engine {
 
-namespace {
-
-/// The cubes of one file may be asked the same.
-std::string KeyOf(const Cube& cube, const std::string& statement) {
-    const Cube* const address = &cube;
-    std::string key(sizeof address, '\0');
-    std::memcpy(key.data(), &address, sizeof address);
-    return key += statement;
-}
-
-} // namespace
-
 PlanCache::~PlanCache() = default;
 
-Cellset PlanCache::Run(const Cube& cube, const std::string& statement) {
-    const std::string key = KeyOf(cube, statement);
+std::size_t PlanCache::Hash::operator()(const View& key) const {
+    const std::uint64_t hash = XXH3_64bits(key.statement.data(), key.statement.size());
+    return static_cast<std::size_t>(hash) ^ std::hash<const Cube*>()(key.cube);
+}
+
+Cellset PlanCache::Run(const Cube& cube, std::string_view statement) {
+    const View key{&cube, statement};
     if (const std::shared_ptr<const StatementPlan> plan = Find(key)) {
         return plan->Run(cube);
     }
@@ -38,7 +33,7 @@ std::size_t PlanCache::Count() const {
     return recent_.plans.size() + older_.plans.size();
 }
 
-std::shared_ptr<const StatementPlan> PlanCache::Find(const std::string& key) {
+std::shared_ptr<const StatementPlan> PlanCache::Find(const View& key) {
     std::shared_ptr<const StatementPlan> plan;
     {
         const std::lock_guard lock(mutex_);
@@ -56,14 +51,14 @@ std::shared_ptr<const StatementPlan> PlanCache::Find(const std::string& key) {
     return plan;
 }
 
-void PlanCache::Keep(const std::string& key, std::shared_ptr<const StatementPlan> plan) {
+void PlanCache::Keep(const View& key, std::shared_ptr<const StatementPlan> plan) {
     constexpr std::size_t perEntry = 128; // of the table itself
-    const std::size_t bytes = key.size() + plan->Bytes() + perEntry;
+    const std::size_t bytes = key.statement.size() + plan->Bytes() + perEntry;
     const std::lock_guard lock(mutex_);
     if (recent_.bytes + bytes > mostBytes_ / 2) {
         older_ = std::exchange(recent_, Generation{});
     }
-    if (recent_.plans.emplace(key, std::move(plan)).second) {
+    if (recent_.plans.emplace(Key{key.cube, std::string(key.statement)}, std::move(plan)).second) {
         recent_.bytes += bytes;
     }
 }

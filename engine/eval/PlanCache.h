@@ -6,6 +6,7 @@
 #include <memory>
 #include <mutex>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 namespace qel::engine {
@@ -24,19 +25,40 @@ public:
     PlanCache& operator=(const PlanCache&) = delete;
 
     /// As RunStatement. The cube must outlive this object.
-    Cellset Run(const Cube& cube, const std::string& statement);
+    Cellset Run(const Cube& cube, std::string_view statement);
     /// How many plans are remembered.
     std::size_t Count() const;
 
 private:
-    using Plans = std::unordered_map<std::string, std::shared_ptr<const StatementPlan>>;
+    /// The cubes of one file may be asked the same.
+    struct View {
+        const Cube* cube;
+        std::string_view statement;
+    };
+    struct Key {
+        const Cube* cube;
+        std::string statement;
+    };
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(const View& key) const;
+        std::size_t operator()(const Key& key) const { return (*this)(View{key.cube, key.statement}); }
+    };
+    struct Equal {
+        using is_transparent = void;
+        template <class Left, class Right>
+        bool operator()(const Left& left, const Right& right) const {
+            return left.cube == right.cube && left.statement == right.statement;
+        }
+    };
+    using Plans = std::unordered_map<Key, std::shared_ptr<const StatementPlan>, Hash, Equal>;
     struct Generation {
         Plans plans;
         std::size_t bytes = 0;
     };
 
-    std::shared_ptr<const StatementPlan> Find(const std::string& key);
-    void Keep(const std::string& key, std::shared_ptr<const StatementPlan> plan);
+    std::shared_ptr<const StatementPlan> Find(const View& key);
+    void Keep(const View& key, std::shared_ptr<const StatementPlan> plan);
 
     std::size_t mostBytes_;
     mutable std::mutex mutex_;

@@ -25,7 +25,7 @@ public:
 
 private:
     struct Pair {
-        const Rollup* rollup = nullptr;
+        const Rollup* rollup; ///< null when there is none
         KeyRange first, second;
     };
 
@@ -45,8 +45,7 @@ private:
     std::array<const Restriction*, 2> keys_{};
     const Restriction* time_ = nullptr;
     std::vector<Restriction> tests_; ///< of the word and the time
-    std::array<Pair, mostPairs> pairs_;
-    std::size_t pairCount_ = 0;
+    std::vector<Pair> pairs_;
     FactSum total_;
 };
 
@@ -54,8 +53,7 @@ bool RollupSum::Run(FactSum& total) {
     if (!Sort() || !FindPairs()) {
         return false;
     }
-    for (std::size_t i = 0; i < pairCount_; ++i) {
-        const Pair& pair = pairs_[i];
+    for (const Pair& pair : pairs_) {
         if (pair.rollup == nullptr) {
             AddScan(pair, time_ == nullptr ? CodeRanges() : time_->codes);
         } else if (pair.rollup->strips == 0) {
@@ -95,6 +93,7 @@ bool RollupSum::FindPairs() {
     if (first.size() > mostPairs || first.size() * second.size() > mostPairs) {
         return false;
     }
+    pairs_.reserve(first.size() * second.size());
     bool found = false;
     for (const KeyRange a : first) {
         for (const KeyRange b : second) {
@@ -107,7 +106,7 @@ bool RollupSum::FindPairs() {
             }
             const Rollup* rollup = rollups_.Find(key);
             found = found || rollup != nullptr;
-            pairs_[pairCount_++] = {rollup, a, b};
+            pairs_.push_back({rollup, a, b});
         }
     }
     return found;

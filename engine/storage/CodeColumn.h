@@ -2,6 +2,7 @@
 
 #include "engine/storage/FactTable.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -38,21 +39,26 @@ public:
         });
     }
 
-    /// The first row in [first, last) whose code is not less than `code`; the rows are sorted.
+    /// The first row in [first, last) whose code is not less than `code`; the rows are sorted. Looks near
+    /// `first` before it looks far.
     std::size_t LowerBound(std::size_t first, std::size_t last, std::uint32_t code) const {
         const std::uint64_t wanted = std::uint64_t{code} << shift_;
         return VisitCodeType(width_, [&](auto type) {
-            std::size_t count = last - first;
-            while (count > 0) {
-                const std::size_t half = count / 2;
-                if ((ReadAt<decltype(type)>(data_, first + half) & mask_) < wanted) {
-                    first += half + 1;
-                    count -= half + 1;
-                } else {
-                    count = half;
-                }
+            const auto isBefore = [&](std::size_t row) {
+                return (ReadAt<decltype(type)>(data_, row) & mask_) < wanted;
+            };
+            std::size_t step = 16;
+            while (step < last - first && isBefore(first + step - 1)) {
+                first += step;
+                step *= 4;
             }
-            return first;
+            std::size_t count = std::min(step, last - first);
+            while (count > 1) { // without a branch, which could not be predicted
+                const std::size_t half = count / 2;
+                first += isBefore(first + half - 1) ? half : 0;
+                count -= half;
+            }
+            return count == 1 && isBefore(first) ? first + 1 : first;
         });
     }
 

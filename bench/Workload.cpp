@@ -1,0 +1,128 @@
+#include "bench/Workload.h"
+
+#include "bench/RecordingDataAccess.h"
+#include "engine/eval/StatementPlan.h"
+#include "engine/storage/CubeFile.h"
+#include "tests/ledger/reference/FormulaCell.h"
+
+#include <algorithm>
+#include <chrono>
+#include <stdexcept>
+#include <thread>
+
+namespace qel::bench {
+namespace {
+
+double SecondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+} // namespace
+
+Timings Workload::FirstCalculation() const {
+    Timings timings(formulas_.size());
+    ledger::FormulaCell cell(data_.cubeFile.string(), seed_);
+    cell.Value(formulas_.front()); // opens the cube
+    for (std::size_t i = 0; i < formulas_.size(); ++i) {
+        timings.Measure(i, [&] { return cell.Value(formulas_[i]); });
+    }
+    return timings;
+}
+
+Timings Workload::Recalculation(int rounds) const {
+    Timings timings(formulas_.size());
+    ledger::FormulaCell cell(data_.cubeFile.string(), seed_);
+    for (const ledger::Selection& formula : formulas_) {
+        cell.Value(formula);
+    }
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < formulas_.size(); ++i) {
+            timings.Measure(i, [&] { return cell.Value(formulas_[i]); });
+        }
+    }
+    return timings;
+}
+
+std::vector<std::string> Workload::Statements() const {
+    LocalDataAccess embedded;
+    RecordingDataAccess recorder(embedded);
+    ledger::FormulaCell cell(data_.cubeFile.string(), seed_, recorder);
+    std::vector<std::string> statements;
+    for (const ledger::Selection& formula : formulas_) {
+        recorder.Forget();
+        cell.Value(formula);
+        if (!recorder.LastStatement().empty()) { // a period outside the cube needs none
+            statements.push_back(recorder.LastStatement());
+        }
+    }
+    return statements;
+}
+
+Timings Workload::EngineAlone(int rounds) const {
+    const auto file = engine::CubeFile::Open(data_.cubeFile);
+    const bool byMonths = formulas_.front().cube == ledger::LedgerCube::Months;
+    const auto cube = file->FindCube(byMonths ? "LedgerFNC" : "LedgerHebrewFNC");
+    std::vector<std::shared_ptr<const engine::StatementPlan>> plans;
+    for (const std::string& statement : Statements()) {
+        plans.push_back(engine::RunAndPlan(*cube, statement).plan);
+        if (plans.back() == nullptr) {
+            throw std::runtime_error("A formula's statement has no plan: " + statement);
+        }
+    }
+    Timings timings(plans.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < plans.size(); ++i) {
+            timings.Measure(i, [&] { return plans[i]->Run(*cube); });
+        }
+    }
+    return timings;
+}
+
+double Workload::FormulasPerSecond(std::size_t threads, int rounds) const {
+    LocalDataAccess shared;
+    double best = 0;
+    std::vector<std::unique_ptr<ledger::FormulaCell>> cells;
+    for (std::size_t i = 0; i < threads; ++i) {
+        cells.push_back(std::make_unique<ledger::FormulaCell>(data_.cubeFile.string(), seed_, shared));
+    }
+    for (int round = 0; round <= rounds; ++round) { // the first one warms up
+        const auto start = std::chrono::steady_clock::now();
+        std::vector<std::thread> running;
+        for (std::size_t thread = 0; thread < threads; ++thread) {
+            running.emplace_back([&, thread] {
+                for (std::size_t i = 0; i < formulas_.size(); ++i) {
+                    cells[thread]->Value(formulas_[(i + thread * 7919) % formulas_.size()]);
+                }
+            });
+        }
+        for (std::thread& thread : running) {
+            thread.join();
+        }
+        const double perSecond = static_cast<double>(threads * formulas_.size()) / SecondsSince(start);
+        best = round == 0 ? 0 : std::max(best, perSecond);
+    }
+    return best;
+}
+
+std::vector<double> Workload::Values() const {
+    ledger::FormulaCell cell(data_.cubeFile.string(), seed_);
+    std::vector<double> values;
+    for (const ledger::Selection& formula : formulas_) {
+        values.push_back(cell.Value(formula));
+    }
+    return values;
+}
+
+double OpeningMilliseconds(const BenchData& data) {
+    constexpr int tries = 20;
+    double best = 0;
+    for (int i = 0; i < tries; ++i) {
+        const auto start = std::chrono::steady_clock::now();
+        const auto file = engine::CubeFile::Open(data.cubeFile);
+        const double milliseconds = SecondsSince(start) * 1e3;
+        best = i == 0 ? milliseconds : std::min(best, milliseconds);
+    }
+    return best;
+}
+
+} // namespace qel::bench
