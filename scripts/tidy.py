@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the sources of a build folder, one a core, and remembers which were clean.
+"""Runs clang-tidy over the sources of build folders, one a core, and remembers which were clean.
 
 A source is checked again when it, a header of the repository that it includes, its compile command, the rules or
 clang-tidy change, so a run without changes takes a second. What is remembered stands in the user's cache folder and
-serves every clone.
+serves every clone. A source of several build folders is checked in the first of them.
 """
 import argparse
 import concurrent.futures
+import functools
 import hashlib
 import json
 import os
@@ -49,33 +50,59 @@ def fingerprint(base, command, paths):
     return digest.hexdigest()
 
 
-def check(build, source):
-    done = subprocess.run(
-        ["clang-tidy", "-p", build, "--quiet", "--extra-arg=-Wno-unknown-warning-option", source],
-        capture_output=True, text=True)
+@functools.cache
+def cross_arguments(compiler):
+    """What clang has to be told to read sources as a compiler for Windows does."""
+    target = pathlib.Path(compiler).name.partition("-g++")[0]
+    if not target.endswith("mingw32"):
+        return []
+    headers = pathlib.Path(subprocess.run([compiler, "-print-file-name=include"], capture_output=True, text=True,
+                                          check=True).stdout.strip()) / "c++"
+    return [f"--target={target}", "-nostdinc++", f"-isystem{headers}", f"-isystem{headers / target}"]
+
+
+def compiler_of(command):
+    return next(word for word in command.split() if not word.endswith("ccache"))
+
+
+def check(build, source, arguments):
+    extra = [f"--extra-arg={argument}" for argument in ["-Wno-unknown-warning-option", *arguments]]
+    done = subprocess.run(["clang-tidy", "-p", build, "--quiet", *extra, source], capture_output=True, text=True)
     return done.returncode, done.stdout
+
+
+def own_sources(builds):
+    """The compile commands of the repository's sources, each with its build folder."""
+    seen = set()
+    for build in builds:
+        for entry in json.loads((pathlib.Path(build) / "compile_commands.json").read_text()):
+            source = pathlib.Path(entry["file"])
+            if source.is_relative_to(ROOT) and not source.is_relative_to(ROOT / "build") and source not in seen:
+                seen.add(source)
+                yield build, entry
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("build", help="a configured and built folder, such as build/native")
-    build = os.path.abspath(parser.parse_args().build)
+    parser.add_argument("builds", nargs="+", help="configured and built folders, such as build/native")
+    builds = [os.path.abspath(build) for build in parser.parse_args().builds]
 
-    includes = included_files(build)
+    includes = {build: included_files(build) for build in builds}
     cache = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache")
     stamps = cache / "orm-func-qel4" / "tidy-clean"
     stamps.mkdir(parents=True, exist_ok=True)
     base = rules()
     waiting = []
-    for entry in json.loads((pathlib.Path(build) / "compile_commands.json").read_text()):
-        read = includes.get(object_of(entry["command"]), [pathlib.Path(entry["file"])])
+    for build, entry in own_sources(builds):
+        read = includes[build].get(object_of(entry["command"]), [pathlib.Path(entry["file"])])
         mark = stamps / fingerprint(base, entry["command"], read)
         if not mark.exists():
-            waiting.append((entry["file"], mark))
+            waiting.append((build, entry, mark))
 
     failures = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        results = {pool.submit(check, build, source): (source, mark) for source, mark in waiting}
+        results = {pool.submit(check, build, entry["file"], cross_arguments(compiler_of(entry["command"]))):
+                   (entry["file"], mark) for build, entry, mark in waiting}
         for result in concurrent.futures.as_completed(results):
             source, mark = results[result]
             status, text = result.result()

@@ -26,7 +26,12 @@ public:
     ~ComPointer() { Reset(); }
     ComPointer(const ComPointer& other) : ComPointer(other.object_) {}
     ComPointer(ComPointer&& other) noexcept : object_(other.Release()) {}
-    ComPointer& operator=(ComPointer other) noexcept {
+    ComPointer& operator=(const ComPointer& other) {
+        ComPointer copy(other);
+        std::swap(object_, copy.object_);
+        return *this;
+    }
+    ComPointer& operator=(ComPointer&& other) noexcept {
         std::swap(object_, other.object_);
         return *this;
     }
