@@ -62,6 +62,13 @@ HWND FindWindowWhere(const std::function<bool(HWND)>& isWanted) {
     return search.found;
 }
 
+HWND FindMessageBox() {
+    return FindWindowWhere([](HWND window) {
+        return HasClass(window, L"#32770") && ::IsWindowVisible(window) != FALSE &&
+               ::GetDlgItem(window, messageBoxText) != nullptr;
+    });
+}
+
 void PressKey(HWND window, WORD key) {
     ::PostMessageW(window, WM_KEYDOWN, key, 1);
     ::PostMessageW(window, WM_KEYUP, key, 1);
@@ -211,13 +218,15 @@ HWND Person::WaitForPopup() const {
     return popup;
 }
 
+std::string Person::TextOfBox() {
+    const HWND box = FindMessageBox();
+    return box != nullptr ? ToUtf8(TextOf(::GetDlgItem(box, messageBoxText))) : std::string();
+}
+
 std::string Person::Answer(int button) {
     HWND box = nullptr;
     WaitUntil("a message box", [&] {
-        box = FindWindowWhere([](HWND window) {
-            return HasClass(window, L"#32770") && ::IsWindowVisible(window) != FALSE &&
-                   ::GetDlgItem(window, messageBoxText) != nullptr;
-        });
+        box = FindMessageBox();
         return box != nullptr;
     });
     const std::string text = ToUtf8(TextOf(::GetDlgItem(box, messageBoxText)));

@@ -46,6 +46,8 @@ public:
     /// Waits for a message box, answers it with the button of that number, and gives its text. A box may
     /// stand there before the dialog does.
     static std::string Answer(int button);
+    /// The text of the message box that stands there now; empty for none.
+    static std::string TextOfBox();
     /// Chooses a file in the system's dialog for opening one.
     void ChooseFile(const std::string& path) const;
     /// Waits until the dialog is gone.

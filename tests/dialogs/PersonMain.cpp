@@ -101,7 +101,8 @@ int Run(const std::string& form, const std::string& stepsFile, const std::string
         seen << "done" << std::endl;
         return 0;
     } catch (const std::exception& error) {
-        seen << "at '" << line << "': " << error.what() << std::endl;
+        seen << "at '" << line << "': " << error.what() << "; a box says '" << OnOneLine(Person::TextOfBox())
+             << "'" << std::endl;
         return 1;
     }
 }

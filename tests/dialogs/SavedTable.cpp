@@ -1,13 +1,12 @@
-// A class that a test prefix registers as ADODB.Recordset: the suite's table of texts, opened as a saved
-// recordset. It holds what the component's own strings hold.
+#include "tests/dialogs/SavedTable.h"
 
 #include "lang/StringTable.h"
 #include "platform/windows/VariantConversion.h"
-#include "tests/automation/DispatchDouble.h"
 
 #include <vector>
 
 namespace qel::test {
+
 namespace {
 
 struct TextRow {
@@ -43,7 +42,9 @@ ComPointer<IDispatch> MakeField(const std::shared_ptr<Cursor>& cursor, std::int3
     return ComPointer<IDispatch>(field.Get());
 }
 
-ComPointer<IDispatch> MakeRecordset() {
+} // namespace
+
+ComPointer<IDispatch> MakeSavedTable() {
     const auto cursor = std::make_shared<Cursor>();
     auto fields = MakeDouble();
     fields->Define(L"Count", [](const auto&) { return windows::ToAutomation(3); });
@@ -66,28 +67,4 @@ ComPointer<IDispatch> MakeRecordset() {
     return ComPointer<IDispatch>(recordset.Get());
 }
 
-class RecordsetFactory : public IClassFactory {
-public:
-    virtual ~RecordsetFactory() = default;
-    STDMETHODIMP QueryInterface(REFIID /*id*/, void** object) override {
-        *object = static_cast<IClassFactory*>(this);
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return 2; } // lives as long as the library
-    STDMETHODIMP_(ULONG) Release() override { return 1; }
-    STDMETHODIMP CreateInstance(IUnknown* /*outer*/, REFIID id, void** object) override {
-        return MakeRecordset()->QueryInterface(id, object);
-    }
-    STDMETHODIMP LockServer(BOOL /*lock*/) override { return S_OK; }
-};
-
-} // namespace
 } // namespace qel::test
-
-extern "C" __declspec(dllexport) HRESULT WINAPI
-    DllGetClassObject(REFCLSID /*classId*/, REFIID id, void** object) {
-    static qel::test::RecordsetFactory factory;
-    return factory.QueryInterface(id, object);
-}
-
-extern "C" __declspec(dllexport) HRESULT WINAPI DllCanUnloadNow() { return S_FALSE; }

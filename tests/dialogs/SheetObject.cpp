@@ -108,6 +108,8 @@ SheetObject::SheetObject() : state_(std::make_shared<State>()) {
     state->application->Define(L"ActiveCell", [state](const auto&) {
         return ObjectValue(state->MakeRange(state->active, state->active));
     });
+    state->application->Define(
+        L"Log", [state](const auto&) { return Value(fmt::format("{}", fmt::join(state->log, "\r\n"))); });
     state->application->Define(L"Cells", [state](const auto& arguments) {
         const CellPlace place{NumberIn(arguments[0]), NumberIn(arguments[1])};
         return ObjectValue(state->MakeRange(place, place));
@@ -115,6 +117,10 @@ SheetObject::SheetObject() : state_(std::make_shared<State>()) {
     state->application->Define(L"Range", [state](const auto& arguments) {
         return ObjectValue(state->MakeRange(state->FirstOf(arguments[0]), state->FirstOf(arguments[1])));
     });
+}
+
+ComPointer<IDispatch> SheetObject::Application() const {
+    return ComPointer<IDispatch>(state_->application.Get());
 }
 
 ComPointer<IDispatch> SheetObject::Cell(std::int32_t row, std::int32_t column) const {

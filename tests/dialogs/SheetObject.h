@@ -9,11 +9,12 @@
 namespace qel::test {
 
 /// A sheet as an automation client sees the one of a spreadsheet: Application, Cells, Range, Offset, Value,
-/// NumberFormat and Formula. It remembers what was written.
+/// NumberFormat and Formula. It remembers what was written; its application tells it as Log, line by line.
 class SheetObject {
 public:
     SheetObject();
 
+    ComPointer<IDispatch> Application() const;
     ComPointer<IDispatch> Cell(std::int32_t row, std::int32_t column) const;
     /// The cell that the user stands on; R3C2 unless set.
     void Activate(std::int32_t row, std::int32_t column) const;

@@ -7,7 +7,7 @@ import subprocess
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
 WINE = ROOT / "scripts" / "wine"
-RECORDSET = "{3b7c0f8e-51a5-4a0e-9d9c-6b5a1f0c2d71}"
+SHEET, RECORDSET = "{5d2f8a14-0c3b-4e67-a19f-27d04b8e6310}", "{3b7c0f8e-51a5-4a0e-9d9c-6b5a1f0c2d71}"
 TIMEOUT = 300
 
 
@@ -22,8 +22,8 @@ def registry_text(text):
 class Screen:
     """Everything that it starts is ended when it is left."""
 
-    def __init__(self, folder, server, table):
-        self.folder, self.server, self.table = folder, server, table
+    def __init__(self, folder, server, classes):
+        self.folder, self.server, self.classes = folder, server, classes
         self.component = folder / "component"
         self.display = None
 
@@ -72,13 +72,13 @@ class Screen:
         marlett = pathlib.Path("/usr/share/wine/fonts/marlett.ttf") # the letters that are a window's own buttons
         if marlett.exists():
             shutil.copy(marlett, self.folder / "prefix" / "drive_c" / "windows" / "Fonts")
-        table = f"[HKEY_CLASSES_ROOT\\CLSID\\{RECORDSET}\\InprocServer32]\n" \
-                f'@="{registry_text(windows_path(self.table))}"\n"ThreadingModel"="Both"\n'
-        self.add_to_registry(
-            "[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n\"Managed\"=\"N\"\n"
-            "[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]\n\"Tahoma\"=\"DejaVu Sans Condensed\"\n"
-            f"[HKEY_CLASSES_ROOT\\ADODB.Recordset\\CLSID]\n@=\"{RECORDSET}\"\n"
-            f"[HKEY_CLASSES_ROOT\\MSPersist\\CLSID]\n@=\"{RECORDSET}\"\n" + table)
+        keys = "[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n\"Managed\"=\"N\"\n" \
+               "[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]\n\"Tahoma\"=\"DejaVu Sans Condensed\"\n"
+        for name, number in (("QelTest.Sheet", SHEET), ("ADODB.Recordset", RECORDSET), ("MSPersist", RECORDSET)):
+            keys += f"[HKEY_CLASSES_ROOT\\{name}\\CLSID]\n@=\"{number}\"\n" \
+                    f"[HKEY_CLASSES_ROOT\\CLSID\\{number}\\InprocServer32]\n" \
+                    f'@="{registry_text(windows_path(self.classes))}"\n"ThreadingModel"="Both"\n'
+        self.add_to_registry(keys)
         self.wine("regsvr32", "/s", windows_path(server))
 
     def add_to_registry(self, keys):
