@@ -124,17 +124,23 @@ INT_PTR CALLBACK DialogFrame::Procedure(HWND window, UINT message, WPARAM word, 
     }
 }
 
+namespace {
+
+// No lambda: one of 32 bits has another calling convention.
+BOOL CALLBACK TakeVisible(HWND window, LPARAM result) {
+    if (::IsWindowVisible(window) == FALSE || ::IsWindowEnabled(window) == FALSE)
+        return TRUE;
+    *reinterpret_cast<HWND*>(result) = window;
+    return FALSE;
+}
+
+} // namespace
+
 HWND CallingWindow() {
     if (const HWND active = ::GetActiveWindow(); active != nullptr)
         return active;
     HWND found = nullptr;
-    const auto takeVisible = [](HWND window, LPARAM result) -> BOOL {
-        if (::IsWindowVisible(window) == FALSE || ::IsWindowEnabled(window) == FALSE)
-            return TRUE;
-        *reinterpret_cast<HWND*>(result) = window;
-        return FALSE;
-    };
-    ::EnumThreadWindows(::GetCurrentThreadId(), takeVisible, reinterpret_cast<LPARAM>(&found));
+    ::EnumThreadWindows(::GetCurrentThreadId(), TakeVisible, reinterpret_cast<LPARAM>(&found));
     return found;
 }
 
