@@ -2,6 +2,8 @@
 
 #include "batch/ValueStatementParts.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <map>
 #include <optional>
@@ -133,6 +135,7 @@ std::vector<Family> FamiliesBySize(const std::vector<std::optional<ValueStatemen
         }
     }
     std::vector<Family> families;
+    families.reserve(byKey.size());
     for (auto& entry : byKey)
         families.push_back(std::move(entry.second));
     std::stable_sort(families.begin(), families.end(), [](const Family& left, const Family& right) {
@@ -144,27 +147,27 @@ std::vector<Family> FamiliesBySize(const std::vector<std::optional<ValueStatemen
 } // namespace
 
 std::string ComposeGridStatement(const ValueGrid& grid) {
-    const std::string measure = "[Measures].[" + grid.measure + "]";
-    std::string members = grid.obsSel, columns, rows, slicer = measure;
-    for (std::size_t i = 0; i < grid.spans.size(); ++i) {
-        const auto& [periods, last] = grid.spans[i];
-        const std::string sum = "[Date].[QelSpan" + std::to_string(i + 1) + "]";
-        const bool isOne = periods == "1";
-        if (!isOne)
-            members += " MEMBER " + sum + " as '   SUM( LastPeriods(" + periods + "," + last + ")," +
-                       measure + ")    '";
-        columns += (i == 0 ? "" : ",") + (isOne ? last : sum);
+    const std::string measure = fmt::format("[Measures].[{}]", grid.measure);
+    std::string members = grid.obsSel;
+    std::vector<std::string> columns;
+    for (const auto& [periods, last] : grid.spans) {
+        if (periods == "1") {
+            columns.push_back(last);
+            continue;
+        }
+        columns.push_back(fmt::format("[Date].[QelSpan{}]", columns.size() + 1));
+        members += fmt::format(" MEMBER {} as '   SUM( LastPeriods({},{}),{})    '", columns.back(), periods,
+                               last, measure);
     }
-    for (const auto& row : grid.rows)
-        rows += (rows.empty() ? "" : ",") + row;
-    for (const auto& piece : grid.slicer)
-        slicer += "," + piece;
-    return (members.empty() ? "" : "WITH") + members + " SELECT {" + columns + "} ON COLUMNS, {" + rows +
-           "} ON ROWS FROM " + grid.cubeName + " WHERE (" + slicer + ") CELL PROPERTIES VALUE";
+    return fmt::format(
+        "{}{} SELECT {{{}}} ON COLUMNS, {{{}}} ON ROWS FROM {} WHERE ({},{}) CELL PROPERTIES VALUE",
+        members.empty() ? "" : "WITH", members, fmt::join(columns, ","), fmt::join(grid.rows, ","),
+        grid.cubeName, measure, fmt::join(grid.slicer, ","));
 }
 
 GridPlan PlanGrids(const std::vector<std::string>& statements) {
     std::vector<std::optional<ValueStatementParts>> parts;
+    parts.reserve(statements.size());
     for (const auto& statement : statements)
         parts.push_back(ReadValueStatement(statement));
     GridPlan plan;

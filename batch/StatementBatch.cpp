@@ -22,7 +22,7 @@ public:
         if (!outcome_)
             Real();
         else if (const auto* error = std::get_if<AutomationError>(outcome_))
-            throw *error;
+            throw AutomationError(*error);
     }
 
     void Close() override {
