@@ -37,6 +37,7 @@ constexpr ControlDesign controls[] = {
      .caption = "Remove OBS",
      .ownText = 1502,
      .mnemonic = "Rס"},
+    {.name = LabelFirst, .kind = Label, .place = {8, 134, 66, 40}},
     {.name = ListObs, .kind = ListBox, .place = {78, 134, 112, 40}},
 
     {.name = "LabelAccX", .kind = Label, .place = {200, 54, 66, 8}, .tag = 1483, .mnemonic = "Aג"},

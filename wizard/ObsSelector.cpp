@@ -45,6 +45,7 @@ void ObsSelector::Clear() {
     cube_.reset();
     for (ChoiceBox* box : {&names_, &numbers_, &kinds_, &levels_, &members_, &chosen_})
         box->Clear();
+    TellWhichCounts();
 }
 
 void ObsSelector::Enable(bool isEnabled) {
@@ -67,7 +68,7 @@ void ObsSelector::OnChange(std::string_view control) {
     } else if (numbers_.Is(control)) {
         FillLevels();
     } else if (kinds_.Is(control) || levels_.Is(control)) {
-        chosen_.Clear();
+        ShowChosen({});
         FillMembers();
     }
     Enable(isEnabled_);
@@ -161,6 +162,12 @@ void ObsSelector::ShowChosen(std::vector<MemberChoice> chosen) {
     const std::string last = chosen.empty() ? std::string() : chosen.back().key;
     chosen_.Fill(std::move(chosen));
     chosen_.Choose(last);
+    TellWhichCounts();
+}
+
+void ObsSelector::TellWhichCounts() {
+    const bool areSeveral = chosen_.Choices().size() > 1;
+    dialog_.SetText(LabelFirst, areSeveral ? OwnText(context_, OwnTextNumber::FirstMemberCounts) : "");
 }
 
 void ObsSelector::Read(Selection& selection) const {

@@ -37,6 +37,8 @@ private:
     void FillLevels();
     void FillMembers();
     void ShowChosen(std::vector<MemberChoice> chosen);
+    /// A formula carries several members, but its value is the first one's.
+    void TellWhichCounts();
     bool UsesObsLevels() const;
     /// "All", "Cost_Centers", or the name of a level of [OBS]; empty when there is none.
     std::string Level() const;

@@ -20,6 +20,7 @@ inline constexpr std::int32_t NoObsMember = 1516;
 inline constexpr std::int32_t NoAccount = 1517;
 inline constexpr std::int32_t NoActivity = 1518;
 inline constexpr std::int32_t NoMember = 1519;
+inline constexpr std::int32_t FirstMemberCounts = 1520;
 } // namespace OwnTextNumber
 
 /// The text in the dialogs' language.

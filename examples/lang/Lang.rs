@@ -63,6 +63,7 @@
 	<z:row lId='0' sId='1517' sText="Choose an account, or clear the box of the account list."/>
 	<z:row lId='0' sId='1518' sText="Choose an activity, or clear the box of the activity list."/>
 	<z:row lId='0' sId='1519' sText="Choose a summary group."/>
+	<z:row lId='0' sId='1520' sText="The value is that of the first member."/>
 	<z:row lId='1' sId='20' sText="Tahoma"/>
 	<z:row lId='1' sId='21' sText="9"/>
 	<z:row lId='1' sId='1364' sText="שם לא תקין לקובץ קוביה"/>
@@ -109,5 +110,6 @@
 	<z:row lId='1' sId='1517' sText="יש לבחור חשבון או לבטל את הסימון של רשימת החשבונות."/>
 	<z:row lId='1' sId='1518' sText="יש לבחור פעילות או לבטל את הסימון של רשימת הפעילויות."/>
 	<z:row lId='1' sId='1519' sText="יש לבחור סעיף מרמה."/>
+	<z:row lId='1' sId='1520' sText="הערך הוא של האיבר הראשון."/>
 </rs:data>
 </xml>

@@ -77,6 +77,9 @@ void OfficeControl::PutInPlace(const FormDesign& form, std::size_t index) {
 
 void OfficeControl::MakeAsDesigned(const FormDesign& form) {
     switch (design_.kind) {
+    case ControlKind::Label:
+        Set("MultiLine", uno::Any(true));
+        break;
     case ControlKind::TextBox:
         Set("ReadOnly", uno::Any(design_.isReadOnly));
         // Paths, dates and numbers read from left to right in any language.

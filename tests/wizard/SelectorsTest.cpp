@@ -75,6 +75,7 @@ TEST(ObsSelector, AddsAndRemovesMembers) {
         EXPECT_THAT(dialog.Items(ListObs),
                     ElementsAre("Main", "Karmi'el", "Say \"]\" & go", "חו\"ל", "Eilat"));
         EXPECT_THAT(bench.TakeMessages(), IsEmpty()) << "a member twice is one";
+        EXPECT_EQ(dialog.Text(LabelFirst), "The value is that of the first member.");
         dialog.Choose(ComOBSData, "Arad");
         dialog.Press(ComAddOBS);
         EXPECT_THAT(bench.TakeMessages(), ElementsAre("One function takes at most five OBS members."));
@@ -114,6 +115,7 @@ TEST(ObsSelector, ForgetsMembersOfAnotherLevel) {
         dialog.Press(ComAddOBS);
         dialog.Choose(ComLevel, "Cost centres");
         EXPECT_THAT(dialog.Items(ListObs), IsEmpty());
+        EXPECT_EQ(dialog.Text(LabelFirst), "");
         dialog.Press(CmdOK);
     });
     EXPECT_THAT(text, HasSubstr(R"({"Cost_Centers"},{"1110"},)"))
