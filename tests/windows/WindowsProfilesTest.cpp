@@ -18,8 +18,19 @@ std::string Utf16(const std::string& text) {
     return {reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t)};
 }
 
-/// The system's code page has no Hebrew here, and Western letters there.
-bool CodePageIsWestern() { return ::GetACP() == 1252; }
+/// A letter that the system's code page has, its byte there, and one that the page lacks.
+struct CodePageLetters {
+    std::string inPage, byte, outside;
+};
+
+CodePageLetters LettersOfSystem() {
+    constexpr UINT hebrew = 1255;
+    constexpr UINT western = 1252;
+    if (::GetACP() == hebrew)
+        return {"א", "\xE0", "é"};
+    EXPECT_EQ(::GetACP(), western) << "no letters are known of this code page";
+    return {"é", "\xE9", "א"};
+}
 
 /// The suite's data folder with a Hebrew name, over the real registry and files.
 struct WindowsProfilesTest : ::testing::Test {
@@ -84,18 +95,17 @@ TEST_F(WindowsProfilesTest, RemembersTheLastCubeWhateverItsLetters) {
 }
 
 TEST_F(WindowsProfilesTest, ChangesTheFilesEncodingOnlyForALetterThatItLacks) {
-    if (!CodePageIsWestern())
-        GTEST_FAIL() << "made for a system whose code page has no Hebrew";
-    folder.Write(File("Cub.ini"), "; caf\xE9\r\n[Other]\r\nKey=\xE9t\xE9\r\n");
-    ASSERT_NE(ModPublics::WriteCubIni(store, "FileCube", "F", "C:\\a.cub"), 0);
-    EXPECT_EQ(folder.Read(File("Cub.ini")),
-              "; caf\xE9\r\n[Other]\r\nKey=\xE9t\xE9\r\n[FileCube]\r\nF=C:\\a.cub\r\n");
-    ASSERT_NE(ModPublics::WriteCubIni(store, "FileCube", "F", "C:\\א.cub"), 0);
-    EXPECT_EQ(folder.Read(File("Cub.ini")),
-              Utf16("; café\r\n[Other]\r\nKey=été\r\n[FileCube]\r\nF=C:\\א.cub\r\n"));
-    ASSERT_NE(ModPublics::WriteCubIni(store, "FileCube", "F", "C:\\ב.cub"), 0);
-    EXPECT_EQ(folder.Read(File("Cub.ini")),
-              Utf16("; café\r\n[Other]\r\nKey=été\r\n[FileCube]\r\nF=C:\\ב.cub\r\n"));
+    const auto [inPage, byte, outside] = LettersOfSystem();
+    const auto write = [&](const std::string& cube) {
+        EXPECT_NE(ModPublics::WriteCubIni(store, "FileCube", "F", cube), 0) << cube;
+        return folder.Read(File("Cub.ini"));
+    };
+    folder.Write(File("Cub.ini"), "; " + byte + "\r\n[Other]\r\nKey=" + byte + "\r\n");
+    EXPECT_EQ(write("C:\\" + inPage + ".cub"),
+              "; " + byte + "\r\n[Other]\r\nKey=" + byte + "\r\n[FileCube]\r\nF=C:\\" + byte + ".cub\r\n");
+    const std::string before = "; " + inPage + "\r\n[Other]\r\nKey=" + inPage + "\r\n[FileCube]\r\nF=C:\\";
+    EXPECT_EQ(write("C:\\" + outside + ".cub"), Utf16(before + outside + ".cub\r\n"));
+    EXPECT_EQ(write("C:\\b.cub"), Utf16(before + "b.cub\r\n")) << "and stays so";
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path(name)), {}), 1)
         << "nothing is left behind";
 }
