@@ -37,6 +37,7 @@ struct MadeRollup {
 /// Splits ranges into as few lists as keep overlapping ones apart.
 std::vector<Layer> MakeLayers(const std::vector<ChosenRollup>& chosen) {
     std::vector<const ChosenRollup*> order;
+    order.reserve(chosen.size());
     for (const ChosenRollup& rollup : chosen)
         order.push_back(&rollup);
     std::stable_sort(order.begin(), order.end(), [](const ChosenRollup* left, const ChosenRollup* right) {

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <random>
 
 namespace qel::engine {
@@ -23,18 +24,16 @@ struct Fact {
     std::array<std::int64_t, 2> amounts; ///< the second needs more than 32 bits to be summed
 };
 
-constexpr std::array<std::uint32_t, 6> codeCounts{300, 100, 20, 8, 25, 731};
+constexpr std::array<std::uint32_t, 6> codeCounts{300, 100, 20, 8, 4, 10'957};
 constexpr const char* columns[] = {"account", "region", "number", "firm", "kind", "date"};
 constexpr std::size_t day = 5;
 
+/// Thirty years of days: months fill several blocks.
 std::string DateOf(std::uint32_t dayNumber) {
-    constexpr std::array<std::uint32_t, 12> lengths{31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const std::uint32_t year = dayNumber < 365 ? 2023 : 2024;
-    std::uint32_t rest = dayNumber < 365 ? dayNumber : dayNumber - 365, month = 0;
-    for (; rest >= lengths[month] + (year == 2024 && month == 1 ? 1U : 0U); ++month) {
-        rest -= lengths[month] + (year == 2024 && month == 1 ? 1U : 0U);
-    }
-    return fmt::format("{}-{:02}-{:02}", year, month + 1, rest + 1);
+    const std::chrono::year_month_day date = std::chrono::sys_days(std::chrono::year{1995} / 1 / 1) +
+                                             std::chrono::days{static_cast<int>(dayNumber)};
+    return fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
+                       static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
 }
 
 /// A cube large enough to have rollups of both kinds, by days, whose facts the tests know.
@@ -55,7 +54,7 @@ protected:
             fact.amounts = {static_cast<std::int64_t>(random() % 20'001) - 10'000,
                             static_cast<std::int64_t>(random() % 4'000'000'000)};
             const auto& c = fact.codes;
-            csv += fmt::format("{:03},{:03},{:02},{},{:02},{},{},{}\n", c[0], c[1], c[2], c[3], c[4],
+            csv += fmt::format("{:03},{:03},{:02},{},{},{},{},{}\n", c[0], c[1], c[2], c[3], c[4],
                                DateOf(c[5]), fact.amounts[0], fact.amounts[1]);
             facts_.push_back(fact);
         }
@@ -118,10 +117,11 @@ protected:
         }
         return ranges;
     }
-    /// Whole months and years of the 24 months, or days.
+    /// Whole months, from one to all of them, or days.
     std::vector<KeyRange> DrawDays() {
         const auto granules = Table().Rollups()->Granules();
-        const std::uint32_t first = Below(24), last = first + 1 + Below(24 - first);
+        const auto months = static_cast<std::uint32_t>(granules.size() - 1);
+        const std::uint32_t first = Below(months), last = first + 1 + Below(months - first);
         KeyRange days{granules[first], granules[last]};
         if (Below(3) == 0) {
             days.first += Below(40);
@@ -141,8 +141,9 @@ protected:
 
 TEST_F(RollupTest, SumsWhatTheFactsDo) {
     ASSERT_NE(Table().Rollups(), nullptr);
+    ASSERT_EQ(Table().Rollups()->Granules().size(), 361U);
     int answered = 0;
-    for (int round = 0; round < 1500; ++round) {
+    for (int round = 0; round < 600; ++round) {
         std::array<std::vector<KeyRange>, 6> ranges;
         std::vector<Restriction> restrictions;
         for (std::size_t column = 0; column < ranges.size(); ++column) {
@@ -175,7 +176,7 @@ TEST_F(RollupTest, SumsWhatTheFactsDo) {
             ASSERT_EQ(sum.rows > 0, expected[2] > 0) << "round " << round << ", measure " << measure;
         }
     }
-    EXPECT_GT(answered, 300) << "questions that rollups help with are not asked";
+    EXPECT_GT(answered, 100) << "questions that rollups help with are not asked";
 }
 
 TEST_F(RollupTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
@@ -218,7 +219,7 @@ TEST_F(RollupTest, DamagedPagesAreAnErrorOrTheRightAnswer) {
         }
     }
     ASSERT_FALSE(questions.empty());
-    for (int round = 0; round < 100; ++round) {
+    for (int round = 0; round < 40; ++round) {
         std::string bad = good;
         bad[random_() % bad.size()] ^= static_cast<char>(1 + Below(255));
         const auto* const first = reinterpret_cast<const std::byte*>(bad.data());

@@ -1,0 +1,82 @@
+#include "engine/storage/CubeFile.h"
+#include "tests/TemporaryFolder.h"
+#include "tests/engine/storage/SmallCube.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdint>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace qel::engine {
+namespace {
+
+using test::TemporaryFolder;
+
+/// A cube of several pages, which the builder writes one by one.
+SmallCube LargerCube() {
+    constexpr std::size_t rows = 200'000;
+    SmallCube cube;
+    cube.model.name = "Larger";
+    cube.model.rowCount = rows;
+    cube.model.projections = {{{0}, {0, rows, rows}}};
+    cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
+    cube.values = {std::vector<std::int8_t>(rows, 1)};
+    cube.hasRollups = false;
+    return cube;
+}
+
+/// Writes the cube in a process that ends, without any chance to tidy up, with the write that takes the file
+/// beyond `bytes`. Returns whether the process came to its end all the same.
+bool WriteUntil(std::uint64_t bytes, const SmallCube& cube, const std::filesystem::path& path) {
+    const pid_t child = fork();
+    if (child == 0) {
+        const rlimit limit{bytes, bytes};
+        const rlimit noCore{0, 0};
+        setrlimit(RLIMIT_CORE, &noCore);
+        std::signal(SIGXFSZ, SIG_DFL);
+        setrlimit(RLIMIT_FSIZE, &limit);
+        try {
+            cube.Write(path);
+        } catch (const std::exception&) {
+            // The limit was reached inside a write, which was cut short: as with a power cut, nothing more
+            // comes.
+            kill(getpid(), SIGKILL);
+        }
+        _exit(0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+TEST(PowerCut, LeavesTheOldFileOrTheNewOneAtEveryWrite) {
+    const TemporaryFolder folder;
+    const auto path = folder.Path("a.cub");
+    const SmallCube cube = LargerCube();
+    cube.Write(path);
+    const std::string complete = folder.Read("a.cub");
+    SmallCube().Write(path);
+    const std::string old = folder.Read("a.cub");
+    ASSERT_NE(old, complete);
+    constexpr std::uint64_t page = 65536;
+    ASSERT_GT(complete.size(), 4 * page);
+    std::size_t cuts = 0;
+    // At every page's start, within it, and right before the file's end.
+    for (std::uint64_t bytes = 0; bytes < complete.size(); bytes += bytes % page == 0 ? 1000 : page - 1000) {
+        EXPECT_FALSE(WriteUntil(bytes, cube, path)) << bytes;
+        ASSERT_EQ(folder.Read("a.cub"), old) << "cut at " << bytes;
+        ++cuts;
+    }
+    EXPECT_FALSE(WriteUntil(complete.size() - 1, cube, path));
+    ASSERT_EQ(folder.Read("a.cub"), old);
+    EXPECT_GT(cuts, 8U);
+    EXPECT_TRUE(WriteUntil(complete.size(), cube, path));
+    EXPECT_EQ(folder.Read("a.cub"), complete);
+    EXPECT_NO_THROW(CubeFile::Open(path)->Verify({}));
+}
+
+} // namespace
+} // namespace qel::engine
