@@ -62,17 +62,16 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
     const WindowKind kind = KindOf(design, isDefaultButton);
     if (kind.className == nullptr)
         return;
-    window_ =
-        ::CreateWindowExW(kind.extendedStyle, kind.className, L"", kind.style | WS_CHILD | WS_VISIBLE, 0, 0,
-                          0, 0, dialog, reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), nullptr, nullptr);
-    if (design.kind == ControlKind::BoundList)
-        search_ = std::make_unique<SearchList>(dialog, window_, isRightToLeft, std::move(onChosen));
     // Paths, dates and numbers read from left to right in any language, so a mirrored dialog's text boxes are
     // not mirrored.
-    if (design.kind == ControlKind::TextBox && isRightToLeft) {
+    const bool isUnmirrored = isRightToLeft && design.kind == ControlKind::TextBox;
+    const DWORD style = kind.style | WS_CHILD | WS_VISIBLE | (isUnmirrored ? ES_RIGHT : 0U);
+    window_ = ::CreateWindowExW(kind.extendedStyle, kind.className, L"", style, 0, 0, 0, 0, dialog,
+                                reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), nullptr, nullptr);
+    if (design.kind == ControlKind::BoundList)
+        search_ = std::make_unique<SearchList>(dialog, window_, isRightToLeft, std::move(onChosen));
+    if (isUnmirrored)
         SetBits(window_, GWL_EXSTYLE, WS_EX_LAYOUTRTL, false);
-        SetBits(window_, GWL_STYLE, ES_RIGHT, true);
-    }
     ShowCaption();
 }
 

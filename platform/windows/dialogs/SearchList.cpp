@@ -65,6 +65,7 @@ void SearchList::OnTyped() {
 void SearchList::Commit() {
     const auto highlighted = popup_.IsOpen() ? popup_.Highlighted() : std::nullopt;
     popup_.Close();
+    ::SendMessageW(field_, EM_SETSEL, 0, 0);
     if (!isTyped_)
         return;
     std::optional<std::size_t> row;
