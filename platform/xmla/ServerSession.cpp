@@ -94,6 +94,7 @@ Answer ServerSession::Ask(const std::string& body, const char* action) {
 }
 
 void ServerSession::AskOnce(const std::string& body, const char* action, XmlHandler& content) {
+    const auto start = std::chrono::steady_clock::now();
     try {
         auto channel = channels_.Take();
         SoapAnswer soap(content);
@@ -119,7 +120,11 @@ void ServerSession::AskOnce(const std::string& body, const char* action, XmlHand
             throw StatusError(head, Url());
         channels_.Return(std::move(channel));
     } catch (const AutomationError& error) {
-        isLost_ = isLost_ || IsLostServer(error);
+        if (IsLostServer(error)) {
+            isLost_ = true;
+            if (onLoss_)
+                onLoss_(error, std::chrono::steady_clock::now() - start);
+        }
         throw;
     }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/AutomationError.h"
 #include "platform/xmla/CellsetAnswer.h"
 #include "platform/xmla/ChannelPool.h"
 #include "platform/xmla/RowsetAnswer.h"
@@ -7,6 +8,8 @@
 #include "platform/xmla/XmlaRequest.h"
 
 #include <atomic>
+#include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -20,9 +23,14 @@ namespace qel {
 /// connection text shares one, so that a server's metadata is read once. Safe for any number of threads.
 class ServerSession {
 public:
+    /// Told how a request failed to which no proper answer came, and how long that took.
+    using LossListener =
+        std::function<void(const AutomationError& error, std::chrono::steady_clock::duration taken)>;
+
     /// Asks nothing yet. `catalog` may be empty.
-    ServerSession(ServerAddress address, const ServerOptions& options, std::string catalog)
-        : channels_(std::move(address), options), catalog_(std::move(catalog)) {}
+    ServerSession(ServerAddress address, const ServerOptions& options, std::string catalog,
+                  LossListener onLoss = {})
+        : channels_(std::move(address), options), catalog_(std::move(catalog)), onLoss_(std::move(onLoss)) {}
 
     const std::string& Url() const { return channels_.Address().url; }
     /// In the server's letters once RequireCatalog has found it.
@@ -59,6 +67,7 @@ private:
 
     ChannelPool channels_;
     std::string catalog_;
+    LossListener onLoss_;
     std::atomic<bool> isLost_ = false;
     std::recursive_mutex metadata_; ///< guards the two below; held while they are read from the server
     std::optional<ServerCube> cube_;

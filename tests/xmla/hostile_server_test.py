@@ -117,6 +117,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
         name = self.path.strip("/")
         if name == "moved":
             self.answer(307, "", {"Location": "/good"})
+        elif "Discover" in body and self.server.silent_discovers:
+            self.silent()
         elif "Discover" in body:
             self.answer(200, CATALOGS)
         elif name in EXECUTES:
@@ -184,7 +186,7 @@ class Server(http.server.ThreadingHTTPServer):
 
     def __init__(self):
         super().__init__(("127.0.0.1", 0), Handler)
-        self.seen, self.ending = [], threading.Event()
+        self.seen, self.ending, self.silent_discovers = [], threading.Event(), False
         threading.Thread(target=self.serve_forever, daemon=True).start()
 
     def handle_error(self, *_):
@@ -237,6 +239,17 @@ class HostileServer(unittest.TestCase):
                 self.assertLess(time.monotonic() - started, REQUEST_SECONDS + 60)
         largest = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss
         self.assertLess(largest, 150 * 1024, "kilobytes of memory")
+
+    def test_a_sheet_over_a_silent_server_does_not_wait_for_every_cell(self):
+        cell_text = (f'=QelFuncDemo("{self.address("silent")}","Other",{{"OBS"}},{{"1"}},{{"All"}},{{"All"}},{{"All"}},"All",'
+                     '"All","%d","Amount","All","All","All","All","All","01/01/2024","31/01/2024")\n')
+        self.server.silent_discovers = True
+        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
+        done = subprocess.run([QEL, "eval"], input="".join(cell_text % i for i in range(300)).encode(),
+                              capture_output=True, env=environment, timeout=600)
+        values = done.stdout.decode().split("\n")[:-1]
+        self.assertEqual(values, ["#err -2147217791"] * 300)
+        self.assertLess(len(self.server.seen), 20, "every cell asked the silent server")
 
     def test_unknown_catalogs_are_told_with_those_there_are(self):
         status, _, errors = self.mdx(self.address("good"), catalog="Boks")
