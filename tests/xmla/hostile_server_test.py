@@ -214,8 +214,7 @@ class HostileServer(unittest.TestCase):
         return f"{scheme}://{credentials}127.0.0.1:{port or self.server.server_port}/{path}"
 
     def mdx(self, address, catalog="Books & more"):
-        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home),
-                       "ASAN_OPTIONS": "quarantine_size_mb=8"}  # where memory is instrumented, count what is used
+        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
         done = subprocess.run([QEL, "mdx", address, catalog, "SELECT {[A]} ON COLUMNS FROM x"], capture_output=True,
                               env=environment, timeout=120)
         return done.returncode, done.stdout.decode(), done.stderr.decode()
