@@ -57,13 +57,15 @@ public:
         : context_(context), batch_(context.dataAccess), object_({thread_, batch_, context.locale}) {}
 
     ReadFormula Read(std::string_view text, std::string label) const {
+        ReadFormula read{std::move(label), std::nullopt, {}};
         try {
-            return {std::move(label), BindFormula(ParseFormula(text), context_.locale), {}};
+            read.call = BindFormula(ParseFormula(text), context_.locale);
         } catch (const FormulaError& error) {
-            return {std::move(label), std::nullopt, error.what()};
+            read.fault = error.what();
         } catch (const AutomationError& error) {
-            return {std::move(label), std::nullopt, Describe(error)};
+            read.fault = Describe(error);
         }
+        return read;
     }
 
     /// Prints the values in the order of the formulas.

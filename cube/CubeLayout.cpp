@@ -37,10 +37,14 @@ const std::vector<RequiredHierarchy>& Layout() {
     return layout;
 }
 
+/// "[Dimension].[Hierarchy].[Level]", of as many names as there are.
 std::string Path(std::initializer_list<std::string> names) {
     std::string path;
-    for (const auto& name : names)
-        path += (path.empty() ? "[" : ".[") + name + "]";
+    for (const auto& name : names) {
+        path += path.empty() ? "[" : ".[";
+        path += name;
+        path += ']';
+    }
     return path;
 }
 

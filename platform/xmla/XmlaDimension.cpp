@@ -78,6 +78,7 @@ public:
         const auto found = members.byName.find(FoldCase(name));
         if (found == members.byName.end())
             return result;
+        result.reserve(found->second.size());
         for (const std::size_t index : found->second)
             result.push_back(
                 std::make_unique<XmlaMember>(session_, hierarchy_, level_, members.members[index]));
