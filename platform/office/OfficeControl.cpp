@@ -71,7 +71,8 @@ void OfficeControl::PutInPlace(const FormDesign& form, std::size_t index) {
     Set("Height", uno::Any(sal_Int32{place.height}));
     Set("Name", uno::Any(rtl::OUString::createFromAscii(design_.name)));
     Set("TabIndex", uno::Any(static_cast<sal_Int16>(index)));
-    if (isRightToLeft_)
+    // Lines have no reading direction.
+    if (isRightToLeft_ && model_->getPropertySetInfo()->hasPropertyByName("WritingMode"))
         Set("WritingMode", uno::Any(com::sun::star::text::WritingMode2::RL_TB));
 }
 
