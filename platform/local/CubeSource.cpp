@@ -37,8 +37,7 @@ void RequireCubeFile(const std::string& dataSource) {
     using engine::ErrorKind;
     if (IsServerAddress(dataSource))
         throw ProviderError(errorNotSupported,
-                            fmt::format("'{}' is the address of a server: server cubes are not supported by "
-                                        "this build. {}",
+                            fmt::format("'{}' is the address of a server, where a cube file is needed. {}",
                                         dataSource, whatCanBeOpened));
     const auto path = PathOfText(dataSource);
     if (engine::CubeFile::HasSignature(path))

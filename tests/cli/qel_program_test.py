@@ -335,7 +335,7 @@ class WrongInput(WithBooks):
         flipped.write_bytes(good[:-20] + bytes([good[-20] ^ 1]) + good[-19:])
         missing = self.path / "missing.cub"
         cases = [(missing, "does not exist"), (self.path, "is a folder"), (empty, "is empty"),
-                 (text, "is not a cube"), (cut, "cut.cub"), ("http://server/msmdpump.dll", "not supported")]
+                 (text, "is not a cube"), (cut, "cut.cub")]
         for file, fault in cases:
             for command in (("cube", "info", file), ("cube", "verify", file),
                             ("mdx", file, "BooksFNC", "SELECT FROM BooksFNC")):
@@ -344,6 +344,10 @@ class WrongInput(WithBooks):
                 self.assertIn(fault, errors, command)
                 self.assertIn(str(file), errors, command)
                 self.assertEqual(len(errors.splitlines()), 1, command)
+        for command in ("info", "verify"):
+            status, _, errors = run("cube", command, "http://server/msmdpump.dll")
+            self.assertEqual(status, 1)
+            self.assertIn("address of a server, where a cube file is needed", errors)
             self.assertEqual(run("eval", value_formula(file))[:2], (0, "0\n"))
             self.assertRegex(run("explain", value_formula(file))[1], rf"#err -\d+\nreason: .*{fault}")
         status, _, errors = run("cube", "verify", flipped)

@@ -100,7 +100,7 @@ TEST(OpenCubeFiles, TellsWhatIsWrongWithASource) {
         {folder.Path("text.cub").string(), number(ErrorKind::NotACubeFile), "qel cube build"},
         {folder.Path("cut.cub").string(), number(ErrorKind::DamagedFile), "cut.cub"},
         {"HTTPS://server/msmdpump.dll", static_cast<std::int32_t>(0x80040E6F),
-         "server cubes are not supported by this build"},
+         "is the address of a server, where a cube file is needed"},
     };
     for (const auto& c : cases) {
         try {
