@@ -14,7 +14,8 @@ build_packages="g++ cmake ninja-build ccache libfmt-dev nlohmann-json3-dev libcl
     libgtest-dev libgmock-dev libsqlite3-dev libsimpleini-dev libpugixml-dev libexpat1-dev libcurl4-openssl-dev python3-minimal python3"
 office_packages="libreoffice-calc libreoffice-dev python3-uno python3-openpyxl fonts-liberation poppler-utils"
 style_packages="clang clang-format clang-tidy"
-windows_packages="g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools libwine-dev wine wine64"
+windows_packages="g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools libwine-dev wine wine64
+    xvfb imagemagick fonts-dejavu-core fonts-dejavu-extra fonts-wine" # the second line for dialogs on a screen
 command -v npm >/dev/null || windows_packages+=" npm" # SQLite's source for the Windows build comes through it
 server_packages="openjdk-17-jre-headless libmondrian-java libjetty9-java libservlet-api-java liblog4j1.2-java
     libcommons-io-java libcommons-collections3-java libhsqldb-java"

@@ -45,20 +45,24 @@ bool IsOf(const FormDesign& design, HWND window) {
     return true;
 }
 
+struct WindowSearch {
+    const std::function<bool(HWND)>& isWanted;
+    HWND found = nullptr;
+};
+
+// No lambda: one of 32 bits has another calling convention.
+BOOL CALLBACK LookAtWindow(HWND window, LPARAM at) {
+    auto& search = *reinterpret_cast<WindowSearch*>(at);
+    if (!search.isWanted(window))
+        return TRUE;
+    search.found = window;
+    return FALSE;
+}
+
 /// The first window of the screen that is as wanted; null for none.
 HWND FindWindowWhere(const std::function<bool(HWND)>& isWanted) {
-    struct Search {
-        const std::function<bool(HWND)>& isWanted;
-        HWND found = nullptr;
-    } search{isWanted};
-    const auto look = [](HWND window, LPARAM at) -> BOOL {
-        auto& wanted = *reinterpret_cast<Search*>(at);
-        if (!wanted.isWanted(window))
-            return TRUE;
-        wanted.found = window;
-        return FALSE;
-    };
-    ::EnumWindows(look, reinterpret_cast<LPARAM>(&search));
+    WindowSearch search{isWanted};
+    ::EnumWindows(LookAtWindow, reinterpret_cast<LPARAM>(&search));
     return search.found;
 }
 

@@ -71,7 +71,7 @@ class Screen:
         shutil.copy(self.server, server)
         marlett = pathlib.Path("/usr/share/wine/fonts/marlett.ttf") # the letters that are a window's own buttons
         if marlett.exists():
-            shutil.copy(marlett, self.folder / "prefix" / "drive_c" / "windows" / "Fonts")
+            shutil.copy(marlett, self.drive / "windows" / "Fonts")
         keys = "[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n\"Managed\"=\"N\"\n" \
                "[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]\n\"Tahoma\"=\"DejaVu Sans Condensed\"\n"
         for name, number in (("QelTest.Sheet", SHEET), ("ADODB.Recordset", RECORDSET), ("MSPersist", RECORDSET)):
@@ -90,7 +90,12 @@ class Screen:
         self.add_to_registry("[HKEY_CURRENT_USER\\SOFTWARE\\QRN\\Pralix 17]\n"
                              f'"MDBPath"="{registry_text(windows_path(folder))}"\n')
 
+    @property
+    def drive(self):
+        """What programs call C:"""
+        return self.folder / "prefix" / "drive_c"
+
     def take_picture(self, path):
         """The dialog alone: what surrounds it is one colour."""
         subprocess.run(["import", "-display", f":{self.number}", "-window", "root", path], check=True, timeout=60)
-        subprocess.run(["mogrify", "-trim", "+repage", "-colors", "64", "-strip", path], check=True, timeout=60)
+        subprocess.run(["mogrify", "-trim", "+repage", "+dither", "-colors", "64", "-strip", path], check=True, timeout=60)

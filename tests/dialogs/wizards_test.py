@@ -58,7 +58,10 @@ class Bench:
         (self.folder / "suite").mkdir(parents=True)
         (screen.component / "Lang.rs").unlink(missing_ok=True)
         screen.use_suite_folder(self.folder / "suite")
-        self.cube = self.folder / "Ledger.cub"
+        self.cubes = screen.drive / "Cubes"
+        shutil.rmtree(self.cubes, ignore_errors=True)
+        self.cubes.mkdir()
+        self.cube = self.cubes / "Ledger.cub"
         shutil.copy(screen.folder / "ledger.cub", self.cube)
         self.calls = itertools.count(1)
 
@@ -117,8 +120,9 @@ class Bench:
         done = subprocess.run([self.options.qel, "eval", formula], capture_output=True, text=True, timeout=60)
         return done.stdout.strip()
 
-    def path(self, name="Ledger.cub"):
-        return windows_path(self.folder / name)
+    @staticmethod
+    def path(name="Ledger.cub"):
+        return "C:\\Cubes\\" + name
 
 
 def written(sheet):
@@ -139,8 +143,8 @@ def nothing_is_written_when_cancelled(bench):
 
 
 def wrong_files_are_told(bench):
-    (bench.folder / "poem.cub").write_text("This is no cube.")
-    (bench.folder / "Ledger.txt").write_text("Nor is this.")
+    (bench.cubes / "poem.cub").write_text("This is no cube.")
+    (bench.cubes / "Ledger.txt").write_text("Nor is this.")
     seen, sheet = bench.call(
         FUNCTION,
         ("click", "CmdOK"), ("answer", OK),

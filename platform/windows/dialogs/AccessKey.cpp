@@ -33,7 +33,7 @@ std::string WithAccessKey(std::string_view caption, std::string_view letters) {
         key = FindLetter(caption, letter);
         at += letter.size();
     }
-    const std::string before = ReplaceAll(caption.substr(0, std::min(key, caption.size())), "&", "&&");
+    std::string before = ReplaceAll(caption.substr(0, std::min(key, caption.size())), "&", "&&");
     if (key == std::string_view::npos)
         return before;
     return before + "&" + ReplaceAll(caption.substr(key), "&", "&&");
