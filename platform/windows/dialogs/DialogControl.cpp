@@ -2,6 +2,7 @@
 
 #include "platform/windows/WideText.h"
 #include "platform/windows/dialogs/AccessKey.h"
+#include "platform/windows/dialogs/CarriedPointer.h"
 #include "platform/windows/dialogs/ReadingDirection.h"
 
 #include <algorithm>
@@ -67,7 +68,8 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
     const bool isUnmirrored = isRightToLeft && design.kind == ControlKind::TextBox;
     const DWORD style = kind.style | WS_CHILD | WS_VISIBLE | (isUnmirrored ? ES_RIGHT : 0U);
     window_ = ::CreateWindowExW(kind.extendedStyle, kind.className, L"", style, 0, 0, 0, 0, dialog,
-                                reinterpret_cast<HMENU>(static_cast<UINT_PTR>(id)), nullptr, nullptr);
+                                CarriedPointer<std::remove_pointer_t<HMENU>>(static_cast<UINT_PTR>(id)),
+                                nullptr, nullptr);
     if (design.kind == ControlKind::BoundList)
         search_ = std::make_unique<SearchList>(dialog, window_, isRightToLeft, std::move(onChosen));
     if (isUnmirrored)
@@ -108,8 +110,8 @@ void DialogControl::FitDropDown(const std::vector<std::string>& items) const {
     int widest = 0;
     for (const std::string& item : items)
         widest = std::max(widest, font_->WidthOf(ToWide(item)));
-    const int frame = ::GetSystemMetrics(SM_CXVSCROLL) + 4 * ::GetSystemMetrics(SM_CXEDGE);
-    ::SendMessageW(window_, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(widest + frame), 0);
+    const int width = widest + ::GetSystemMetrics(SM_CXVSCROLL) + 4 * ::GetSystemMetrics(SM_CXEDGE);
+    ::SendMessageW(window_, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(width), 0);
 }
 
 std::string DialogControl::Content() const {

@@ -1,5 +1,6 @@
 #include "platform/windows/dialogs/DialogFrame.h"
 
+#include "platform/windows/dialogs/CarriedPointer.h"
 #include "platform/windows/dialogs/DisabledWindows.h"
 
 #include <algorithm>
@@ -109,7 +110,7 @@ INT_PTR CALLBACK DialogFrame::Procedure(HWND window, UINT message, WPARAM word, 
         ::SetWindowLongPtrW(window, DWLP_USER, value);
         return FALSE;
     }
-    auto* const self = reinterpret_cast<DialogFrame*>(::GetWindowLongPtrW(window, DWLP_USER));
+    auto* const self = CarriedPointer<DialogFrame>(::GetWindowLongPtrW(window, DWLP_USER));
     if (self == nullptr || self->window_ == nullptr || !self->handler_)
         return FALSE;
     try {
@@ -130,7 +131,7 @@ namespace {
 BOOL CALLBACK TakeVisible(HWND window, LPARAM result) {
     if (::IsWindowVisible(window) == FALSE || ::IsWindowEnabled(window) == FALSE)
         return TRUE;
-    *reinterpret_cast<HWND*>(result) = window;
+    *CarriedPointer<HWND>(result) = window;
     return FALSE;
 }
 

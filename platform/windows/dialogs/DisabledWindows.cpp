@@ -1,5 +1,7 @@
 #include "platform/windows/dialogs/DisabledWindows.h"
 
+#include "platform/windows/dialogs/CarriedPointer.h"
+
 namespace qel::windows {
 
 DisabledWindows::DisabledWindows(HWND dialog) : dialog_(dialog) {
@@ -12,7 +14,7 @@ DisabledWindows::~DisabledWindows() {
 }
 
 BOOL CALLBACK DisabledWindows::Disable(HWND window, LPARAM self) {
-    auto& disabled = *reinterpret_cast<DisabledWindows*>(self);
+    auto& disabled = *CarriedPointer<DisabledWindows>(self);
     if (window == disabled.dialog_ || ::IsWindowVisible(window) == FALSE ||
         ::IsWindowEnabled(window) == FALSE)
         return TRUE;

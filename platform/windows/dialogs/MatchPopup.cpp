@@ -1,6 +1,7 @@
 #include "platform/windows/dialogs/MatchPopup.h"
 
 #include "platform/windows/WideText.h"
+#include "platform/windows/dialogs/CarriedPointer.h"
 
 #include <algorithm>
 
@@ -199,7 +200,7 @@ LRESULT MatchPopup::OnMessage(UINT message, WPARAM word, LPARAM value) {
 LRESULT CALLBACK MatchPopup::Procedure(HWND window, UINT message, WPARAM word, LPARAM value, UINT_PTR /*id*/,
                                        DWORD_PTR self) {
     try {
-        return reinterpret_cast<MatchPopup*>(self)->OnMessage(message, word, value);
+        return CarriedPointer<MatchPopup>(self)->OnMessage(message, word, value);
     } catch (...) {
         return ::DefSubclassProc(window, message, word, value);
     }

@@ -2,6 +2,7 @@
 
 #include "platform/AutomationError.h"
 #include "platform/windows/WideText.h"
+#include "platform/windows/dialogs/CarriedPointer.h"
 #include "platform/windows/dialogs/ItemMessages.h"
 #include "platform/windows/dialogs/WaitCursor.h"
 
@@ -224,7 +225,7 @@ bool SearchList::OnKey(WPARAM key) {
 LRESULT CALLBACK SearchList::ComboProcedure(HWND window, UINT message, WPARAM word, LPARAM value,
                                             UINT_PTR /*id*/, DWORD_PTR self) {
     try {
-        if (const auto answer = reinterpret_cast<SearchList*>(self)->OnComboMessage(message, word))
+        if (const auto answer = CarriedPointer<SearchList>(self)->OnComboMessage(message, word))
             return *answer;
     } catch (...) {
         return 0; // a source that raises shows no rows
@@ -235,7 +236,7 @@ LRESULT CALLBACK SearchList::ComboProcedure(HWND window, UINT message, WPARAM wo
 LRESULT CALLBACK SearchList::FieldProcedure(HWND window, UINT message, WPARAM word, LPARAM value,
                                             UINT_PTR /*id*/, DWORD_PTR self) {
     try {
-        if (const auto answer = reinterpret_cast<SearchList*>(self)->OnFieldMessage(message, word, value))
+        if (const auto answer = CarriedPointer<SearchList>(self)->OnFieldMessage(message, word, value))
             return *answer;
     } catch (...) {
         return 0; // a source that raises shows no rows

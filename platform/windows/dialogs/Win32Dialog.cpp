@@ -2,6 +2,7 @@
 
 #include "platform/AutomationError.h"
 #include "platform/windows/WideText.h"
+#include "platform/windows/dialogs/CarriedPointer.h"
 #include "platform/windows/dialogs/ControlIds.h"
 #include "platform/windows/dialogs/OpenFileQuestion.h"
 #include "platform/windows/dialogs/ReadingDirection.h"
@@ -202,7 +203,7 @@ std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM 
         LRESULT result = 0;
         for (const auto& control : controls_) {
             if (control->Search() != nullptr &&
-                control->Search()->Answer(*reinterpret_cast<const NMHDR*>(value), result))
+                control->Search()->Answer(*CarriedPointer<const NMHDR>(value), result))
                 return result;
         }
         return std::nullopt;
