@@ -12,7 +12,8 @@ say() { printf '\n== %s\n' "$*"; }
 # What the repository needs, by purpose.
 build_packages="g++ cmake ninja-build ccache libfmt-dev nlohmann-json3-dev libcli11-dev libcsv-dev libxxhash-dev
     libgtest-dev libgmock-dev libsqlite3-dev libsimpleini-dev libpugixml-dev libexpat1-dev libcurl4-openssl-dev python3-minimal python3"
-office_packages="libreoffice-calc libreoffice-dev python3-uno python3-openpyxl fonts-liberation poppler-utils"
+office_packages="libreoffice-calc libreoffice-dev python3-uno python3-openpyxl fonts-liberation poppler-utils
+    xvfb imagemagick"
 style_packages="clang clang-format clang-tidy"
 windows_packages="g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools libwine-dev wine wine64
     xvfb imagemagick fonts-dejavu-core fonts-dejavu-extra fonts-wine" # the second line for dialogs on a screen

@@ -1,0 +1,171 @@
+"""A person before the office's windows: finds controls by what stands beside them, reads them, and uses them.
+
+The windows are reached through the office's accessibility interface, as a screen reader reaches them.
+"""
+import contextlib
+import subprocess
+import threading
+import time
+
+import calc_session
+from com.sun.star.accessibility.AccessibleRole import (COMBO_BOX, LIST, PUSH_BUTTON, TEXT)
+from com.sun.star.accessibility.AccessibleStateType import CHECKED, ENABLED
+
+PATIENCE = 120
+
+
+def eventually(what, test):
+    """The first true value of the test."""
+    deadline = time.monotonic() + PATIENCE
+    while time.monotonic() < deadline:
+        value = test()
+        if value:
+            return value
+        time.sleep(0.1)
+    raise AssertionError(f"{what} did not happen within {PATIENCE} s")
+
+
+@contextlib.contextmanager
+def screen():
+    """An X server without a monitor; gives its name."""
+    server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1400x1000x24", "-nolisten", "tcp"],
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
+                              preexec_fn=calc_session.die_with_parent)
+    try:
+        yield ":" + server.stdout.readline().strip()
+    finally:
+        server.terminate()
+        server.stdout.close()
+        server.wait()
+
+
+class Control:
+    def __init__(self, context):
+        self.context = context
+
+    def has(self, state):
+        return self.context.getAccessibleStateSet().contains(state)
+
+    def child(self, *roles):
+        for i in range(self.context.getAccessibleChildCount()):
+            child = self.context.getAccessibleChild(i).getAccessibleContext()
+            if child.getAccessibleRole() in roles:
+                return child
+        raise AssertionError(f"{self.context.getAccessibleName()} has no part of the role {roles}")
+
+    @property
+    def is_enabled(self):
+        return self.has(ENABLED)
+
+    @property
+    def is_checked(self):
+        return self.has(CHECKED)
+
+    @property
+    def text(self):
+        part = self.child(TEXT) if self.context.getAccessibleRole() == COMBO_BOX else self.context
+        return part.getText()
+
+    @property
+    def items(self):
+        entries = self.child(LIST)
+        return [entries.getAccessibleChild(i).getAccessibleContext().getAccessibleName()
+                for i in range(entries.getAccessibleChildCount())]
+
+    def type(self, text):
+        part = self.child(TEXT) if self.context.getAccessibleRole() == COMBO_BOX else self.context
+        self.context.grabFocus()
+        part.setText(text)
+
+    def press(self):
+        self.context.doAccessibleAction(0)
+
+    def choose(self, part):
+        """The first item that holds the text."""
+        items = self.items
+        found = [i for i, item in enumerate(items) if part in item]
+        if not found:
+            raise AssertionError(f"no item holds {part!r}; there are {items}")
+        self.child(LIST).selectAccessibleChild(found[0])
+
+
+class Window:
+    """A dialog or message box that is shown."""
+
+    def __init__(self, context):
+        self.context = context
+        self.controls = [context.getAccessibleChild(i).getAccessibleContext() for i in range(context.getAccessibleChildCount())]
+
+    @property
+    def title(self):
+        return self.context.getAccessibleName()
+
+    def texts(self):
+        return [control.getAccessibleName() for control in self.controls]
+
+    def first(self, *roles):
+        return next(Control(control) for control in self.controls if control.getAccessibleRole() in roles)
+
+    def after(self, name):
+        """The control that follows a label or button of that name in the tab order."""
+        names = [control.getAccessibleName() for control in self.controls]
+        if name not in names:
+            raise AssertionError(f"{self.title} has no {name!r}; there are {names}")
+        return Control(self.controls[names.index(name) + 1])
+
+    def button(self, name):
+        return self.named(name, PUSH_BUTTON)
+
+    def named(self, name, *roles):
+        for control in self.controls:
+            if control.getAccessibleName() == name and (not roles or control.getAccessibleRole() in roles):
+                return Control(control)
+        raise AssertionError(f"{self.title} has no {name!r}; there are {self.texts()}")
+
+
+class Person:
+    def __init__(self, office, display):
+        self.toolkit = office.service("com.sun.star.awt.Toolkit")
+        self.display = display
+
+    def windows(self):
+        for i in range(self.toolkit.getTopWindowCount()):
+            yield self.toolkit.getTopWindow(i).getAccessibleContext()
+
+    def all_windows(self):
+        return [Window(context) for context in self.windows()]
+
+    def sees(self, title):
+        """The window of that title, when it is there."""
+        def find():
+            for context in self.windows():
+                if context.getAccessibleName() == title:
+                    return Window(context)
+            return None
+        return eventually(f"a window {title!r}", find)
+
+    def photograph(self, path):
+        subprocess.run(["import", "-display", self.display, "-window", "root", path], check=True)
+
+
+class Call:
+    """A macro's call, which goes on while the person acts."""
+
+    def __init__(self, function, *arguments):
+        self.result = self.failure = None
+
+        def run():
+            try:
+                self.result = function(*arguments)
+            except Exception as failure:  # told by wait
+                self.failure = failure
+        self.thread = threading.Thread(target=run, daemon=True)
+        self.thread.start()
+
+    def wait(self):
+        self.thread.join(PATIENCE)
+        if self.thread.is_alive():
+            raise AssertionError("the call did not return")
+        if self.failure:
+            raise self.failure
+        return self.result

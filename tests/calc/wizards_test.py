@@ -1,0 +1,113 @@
+"""The wizards in Calc's own windows, on a screen without a monitor: a person chooses, and the formula stands in the sheet."""
+import os
+import shutil
+import unittest
+
+from calc_bench import CLASS, PACKAGE, SOURCE, WORK, calc_session, run_qel, shown
+from person import Call, Person, eventually, screen
+
+from com.sun.star.accessibility.AccessibleRole import LABEL, TEXT
+
+os.environ["XDG_CONFIG_HOME"] = str(WORK / "config")
+
+
+class Wizards(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.cube = WORK / "ledger.cub"
+        shutil.rmtree(WORK / "suite", ignore_errors=True)
+        (WORK / "suite").mkdir()
+        run_qel("settings", "set", "MDBPath", WORK / "suite")
+        run_qel("cube", "build", SOURCE / "examples" / "ledger" / "ledger.json", "--output", cls.cube)
+        profile = calc_session.fresh_profile(WORK / "profile", PACKAGE)
+        for library in (WORK / "profile").rglob("OrmFuncQel4.so"):  # the suite's texts stand beside it
+            shutil.copy(SOURCE / "examples" / "lang" / "Lang.rs", library.parent)
+        display = cls.enterClassContext(screen())
+        cls.office = cls.enterClassContext(calc_session.Office(profile, WORK, display))
+        cls.person = Person(cls.office, display)
+
+    def setUp(self):
+        self.document = self.office.new_document()
+        self.document.CurrentController.Frame.activate()  # as a window manager does with a new window
+        self.addCleanup(self.document.close, True)
+        self.cell = self.document.Sheets.getByIndex(0).getCellRangeByName("C5")
+        self.document.CurrentController.select(self.cell)
+        self.wizards = self.office.service("OrmFunctionQel4.Wizards")
+
+    def open_cube(self, dialog):
+        """OK takes a path that was typed, before anything else."""
+        dialog.first(TEXT).type(str(self.cube))
+        if not dialog.after("Cube Name").items:
+            dialog.button("OK").press()
+        eventually("the list of cubes", lambda: dialog.after("Cube Name").items)
+
+    def assert_cell(self, call, function, *parts):
+        """The cell's formula has the arguments that the call gives, and the value that qel gives it."""
+        arguments = call.wait()
+        for part in parts:
+            self.assertIn(part, arguments)
+        # A date in the arguments is written as the document writes dates.
+        value = run_qel("--date-order", "mdy", "eval", f"={CLASS}{function}({arguments})").strip()
+        self.assertNotIn(value, ("0", "-"))
+        self.assertEqual(shown(self.cell), float(value) if function == "QelF1" else value)
+        self.assertTrue(self.cell.Formula.startswith(f"={CLASS}{function}(".upper()), self.cell.Formula)
+
+    def test_the_function_wizard_writes_its_formula_at_the_active_cell(self):
+        run_qel("settings", "set", "QelUILanguage", "0")
+        call = Call(self.wizards.ShowFormGetVal, self.cell)
+        dialog = self.person.sees("Function QEL")
+        self.open_cube(dialog)
+        self.assertEqual(dialog.after("Cube Name").items, ["LedgerFNC", "LedgerHebrewFNC"])
+        dialog.after("Account type").choose("SuperSum1")
+        eventually("the list of groups", lambda: dialog.after("Summary Group").items)
+        dialog.after("Summary Group").choose("Revenue")
+        dialog.button("Calculate").press()
+        eventually("the value", lambda: dialog.after("Calculate").text)
+        self.person.photograph(WORK / "function-wizard.png")
+        dialog.button("OK").press()
+        self.assert_cell(call, "QelF1", '"SuperSum1"', '"4"')
+
+    def test_the_name_wizard_writes_its_formula(self):
+        run_qel("settings", "set", "QelUILanguage", "0")
+        call = Call(self.wizards.ShowFormQelName, None)
+        dialog = self.person.sees("Name QEL")
+        self.open_cube(dialog)
+        dialog.after("Dimension type").choose("SuperSum1")
+        dialog.after("Summary Group").type("reve")
+        self.person.photograph(WORK / "name-wizard.png")
+        dialog.button("OK").press()
+        self.assert_cell(call, "QelName", '"SuperSum1"', '"4"')
+
+    def test_a_faulty_file_is_told_and_cancel_changes_nothing(self):
+        run_qel("settings", "set", "QelUILanguage", "0")
+        (WORK / "damaged.cub").write_bytes(b"no cube")
+        call = Call(self.wizards.ShowFormGetVal, None)
+        dialog = self.person.sees("Function QEL")
+        dialog.first(TEXT).type(str(WORK / "damaged.cub"))
+        dialog.button("OK").press()
+        box = self.person.sees("OrmFuncQel4")
+        self.assertIn("damaged.cub", " ".join(box.texts()))
+        box.button("OK").press()
+        dialog.button("Cancel").press()
+        self.assertEqual(call.wait(), " ")
+        self.assertEqual(self.cell.Formula, "")
+
+    def test_in_hebrew_the_dialog_is_mirrored(self):
+        run_qel("settings", "set", "QelUILanguage", "1")
+        call = Call(self.wizards.ShowFormGetVal, None)
+        cancel = "ביטול"
+
+        def hebrew():
+            windows = [w for w in self.person.all_windows() if cancel in w.texts()]
+            return windows[0] if windows else None
+        dialog = eventually("a Hebrew dialog", hebrew)
+        self.person.photograph(WORK / "function-wizard-hebrew.png")
+        label = dialog.named("שם קוביה", LABEL).context.getLocationOnScreen()
+        box = dialog.after("שם קוביה").context.getLocationOnScreen()
+        self.assertGreater(label.X, box.X, "a label stands on the right of its box")
+        dialog.button(cancel).press()
+        self.assertEqual(call.wait(), " ")
+
+
+if __name__ == "__main__":
+    unittest.main()
