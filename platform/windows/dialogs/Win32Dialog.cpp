@@ -30,6 +30,11 @@ private:
     int& count_;
 };
 
+bool HasFocus(const DialogControl& control) {
+    const HWND focus = ::GetFocus();
+    return focus == control.Window() || ::IsChild(control.Window(), focus) != FALSE;
+}
+
 bool IsFieldKind(ControlKind kind) {
     return kind == ControlKind::TextBox || kind == ControlKind::ComboBox || kind == ControlKind::BoundList;
 }
@@ -262,7 +267,8 @@ void Win32Dialog::OnCommand(int id, int code) {
         break;
     }
     const int focusLost = control->Design().kind == ControlKind::TextBox ? EN_KILLFOCUS : CBN_KILLFOCUS;
-    if (IsFieldKind(control->Design().kind) && code == focusLost) {
+    // A list's combo box passes the focus on to its own text field.
+    if (IsFieldKind(control->Design().kind) && code == focusLost && !HasFocus(*control)) {
         if (control->Search() != nullptr)
             control->Search()->Commit();
         Wait(Waiting::Kind::Leave, *control);
@@ -311,8 +317,7 @@ void Win32Dialog::TellWaiting() {
 
 bool Win32Dialog::HasLeft(const DialogControl& control) const {
     const HWND focus = ::GetFocus();
-    if (focus == nullptr || ::IsChild(frame_.Window(), focus) == FALSE || focus == control.Window() ||
-        ::IsChild(control.Window(), focus) != FALSE)
+    if (focus == nullptr || ::IsChild(frame_.Window(), focus) == FALSE || HasFocus(control))
         return false;
     return ::GetDlgCtrlID(focus) != IDCANCEL;
 }
