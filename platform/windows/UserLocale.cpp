@@ -2,6 +2,7 @@
 
 #include "platform/windows/WindowsApi.h"
 
+#include <algorithm>
 #include <string>
 
 namespace qel::windows {
@@ -22,12 +23,24 @@ char Separator(LCTYPE type, char missing) {
     return text.front() < 0x80 ? static_cast<char>(text.front()) : ' ';
 }
 
+/// By what comes first, day, month or year; quoted words and the weekday are none of them.
 DateOrder OrderOf(const std::wstring& picture) {
-    const auto first = picture.find_first_of(L"dMy");
-    if (first != std::wstring::npos && picture[first] == L'M')
-        return DateOrder::MonthDayYear;
-    if (first != std::wstring::npos && picture[first] == L'y')
-        return DateOrder::YearMonthDay;
+    constexpr std::size_t shortestWeekday = 3; // "ddd"
+    bool isQuoted = false;
+    for (std::size_t i = 0, run = 1; i < picture.size(); i += run) {
+        const auto next = picture.find_first_not_of(picture[i], i);
+        run = std::min(next, picture.size()) - i;
+        if (picture[i] == L'\'')
+            isQuoted ^= run % 2 == 1;
+        if (isQuoted)
+            continue;
+        if (picture[i] == L'M')
+            return DateOrder::MonthDayYear;
+        if (picture[i] == L'y')
+            return DateOrder::YearMonthDay;
+        if (picture[i] == L'd' && run < shortestWeekday)
+            return DateOrder::DayMonthYear;
+    }
     return DateOrder::DayMonthYear;
 }
 
