@@ -40,10 +40,10 @@ struct ControlDesign {
     Place place = {};
     std::int32_t tag = 0;     ///< the number of its caption in the suite's table of texts; 0 for none
     const char* caption = ""; ///< as designed; shown until the form is translated
-    std::int32_t ownText = 0; ///< without a tag: the number of its caption in the component's own strings
     /// Letters, one a language: the first that the shown caption holds is its access key.
     const char* mnemonic = "";
-    bool isReadOnly = false; ///< of a text box: shown and copied, not typed
+    std::int32_t ownText = 0; ///< without a tag: the number of its caption in the component's own strings
+    bool isReadOnly = false;  ///< of a text box: shown and copied, not typed
 };
 
 struct FormDesign {
