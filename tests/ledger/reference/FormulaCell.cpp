@@ -31,8 +31,12 @@ Variant OneKey(std::string key) { return Variant::List({Variant(std::move(key))}
 } // namespace
 
 FormulaCell::FormulaCell(std::string cubeFile, std::uint64_t variety)
+    : cubeFile_(std::move(cubeFile)), variety_(variety), embedded_(std::make_unique<LocalDataAccess>()),
+      function_(FunctionContext{thread_, *embedded_, locale_}) {}
+
+FormulaCell::FormulaCell(std::string cubeFile, std::uint64_t variety, DataAccess& dataAccess)
     : cubeFile_(std::move(cubeFile)), variety_(variety),
-      function_(FunctionContext{thread_, dataAccess_, locale_}) {}
+      function_(FunctionContext{thread_, dataAccess, locale_}) {}
 
 std::string FormulaCell::Unrestricted() {
     static constexpr std::array<const char*, 4> ways{"All", "all", " ALL ", ""};

@@ -5,7 +5,7 @@
 #include "platform/local/LocalDataAccess.h"
 #include "tests/ledger/reference/Selection.h"
 
-#include <filesystem>
+#include <memory>
 #include <string>
 
 namespace qel::ledger {
@@ -17,6 +17,8 @@ public:
     /// `variety` decides how "no restriction" and the keys are written, where people write them in several
     /// ways.
     FormulaCell(std::string cubeFile, std::uint64_t variety);
+    /// The same over another provider, which outlives the cell.
+    FormulaCell(std::string cubeFile, std::uint64_t variety, DataAccess& dataAccess);
 
     /// What QelF1 shows. Raises std::runtime_error when it is not a number.
     double Value(const Selection& selection);
@@ -28,7 +30,7 @@ private:
 
     std::string cubeFile_;
     Random variety_;
-    LocalDataAccess dataAccess_;
+    std::unique_ptr<LocalDataAccess> embedded_; ///< none over another provider
     Locale locale_;
     ModSetCube::ThreadState thread_;
     OrmQelFunction function_;
