@@ -1,6 +1,7 @@
 #include "tests/dialogs/Person.h"
 
 #include "platform/windows/WideText.h"
+#include "platform/windows/dialogs/CarriedPointer.h"
 #include "platform/windows/dialogs/ControlIds.h"
 #include "platform/windows/dialogs/ItemMessages.h"
 
@@ -52,7 +53,7 @@ struct WindowSearch {
 
 // No lambda: one of 32 bits has another calling convention.
 BOOL CALLBACK LookAtWindow(HWND window, LPARAM at) {
-    auto& search = *reinterpret_cast<WindowSearch*>(at);
+    auto& search = *windows::CarriedPointer<WindowSearch>(at);
     if (!search.isWanted(window))
         return TRUE;
     search.found = window;
@@ -233,7 +234,7 @@ std::string Person::Answer(int button) {
         box = FindMessageBox();
         return box != nullptr;
     });
-    const std::string text = ToUtf8(TextOf(::GetDlgItem(box, messageBoxText)));
+    std::string text = ToUtf8(TextOf(::GetDlgItem(box, messageBoxText)));
     ::PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
     WaitUntil("the box closes", [&] { return ::IsWindow(box) == FALSE; });
     return text;

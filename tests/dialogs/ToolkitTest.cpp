@@ -239,6 +239,11 @@ TEST(Win32Dialog, FindsRowsOfABoundListByTyping) {
         {"its arrow opens the whole list, a key goes on from the chosen row",
          [](const auto& person) {
              person.Click("BndAccount");
+             const HWND list = person.Control("BndAccount");
+             Person::WaitUntil("the open list",
+                               [&] { return ::SendMessageW(list, CB_GETDROPPEDSTATE, 0, 0) != FALSE; });
+             // The focus on the combo box itself, which is not left by it.
+             ::PostMessageW(person.Dialog(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list), TRUE);
              person.Key("BndAccount", VK_DOWN);
              person.Key("BndAccount", VK_RETURN);
              person.Expect("BndAccount", "10008 - Sales 8");
