@@ -36,8 +36,8 @@ std::string Statement(const std::function<void(ValueSelection&)>& change,
     return ComposeValueStatement(selection, span, obsSel);
 }
 
-std::string OfAccount(const std::string& account, PeriodSpan span = {1, "[Date].[2024].[1]"}) {
-    return Statement([&](auto& s) { s.accounts = account; }, std::move(span));
+std::string OfAccount(const std::string& account, const PeriodSpan& span = {1, "[Date].[2024].[1]"}) {
+    return Statement([&](auto& s) { s.accounts = account; }, span);
 }
 
 TEST(ValueStatementParts, AreReadBackFromWhatTheyWereComposedOf) {
