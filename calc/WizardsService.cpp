@@ -10,7 +10,6 @@
 namespace qel::calc {
 
 namespace uno = com::sun::star::uno;
-using office::FromOffice;
 using office::ToOffice;
 
 namespace {

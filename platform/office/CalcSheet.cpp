@@ -56,7 +56,7 @@ class CalcRange;
 /// The document, as the object model's application.
 class CalcApplication : public SheetApplication {
 public:
-    explicit CalcApplication(SheetDocument document) : document_(std::move(document)) {}
+    explicit CalcApplication(const SheetDocument& document) : document_(document) {}
 
     std::shared_ptr<SheetRange> ActiveCell() const override { return ActiveCellOf(document_); }
     std::shared_ptr<SheetRange> Cells(std::int32_t row, std::int32_t column) const override;
@@ -68,8 +68,8 @@ private:
 
 class CalcRange : public SheetRange {
 public:
-    CalcRange(SheetDocument document, RangeReference range)
-        : document_(std::move(document)), range_(std::move(range)) {}
+    CalcRange(const SheetDocument& document, const RangeReference& range)
+        : document_(document), range_(range) {}
 
     std::shared_ptr<SheetApplication> Application() const override {
         return std::make_shared<CalcApplication>(document_);

@@ -128,7 +128,7 @@ std::string OfficeControl::Content() const {
 
 void OfficeControl::SetContent(const std::string& text) {
     if (HasCaption())
-        SetText(TextProperty::Caption, text);
+        OfficeControl::SetText(TextProperty::Caption, text);
     else if (design_.kind == ControlKind::TextBox)
         Set("Text", uno::Any(ToOffice(text)));
 }

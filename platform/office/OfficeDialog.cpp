@@ -73,7 +73,7 @@ void OfficeDialog::MakeModel() {
     model_->setPropertyValue("Height", uno::Any(sal_Int32{design_.height}));
     model_->setPropertyValue("Moveable", uno::Any(true));
     model_->setPropertyValue("Closeable", uno::Any(true));
-    SetCaption(design_.caption);
+    OfficeDialog::SetCaption(design_.caption);
     const uno::Reference<com::sun::star::lang::XMultiServiceFactory> factory(model_, uno::UNO_QUERY_THROW);
     for (std::size_t i = 0; i < design_.controls.size(); ++i)
         controls_.push_back(std::make_unique<OfficeControl>(factory, design_, i, isRightToLeft_));
@@ -91,9 +91,9 @@ void OfficeDialog::MakeWindow() {
     for (const auto& control : controls_) {
         if (!control->HasModel())
             continue;
-        listeners_.emplace_back(new ControlListener(CallbacksOf(*control)));
-        listeners_.back()->ListenTo(
-            container->getControl(rtl::OUString::createFromAscii(control->Design().name)));
+        const rtl::Reference<ControlListener> listener(new ControlListener(CallbacksOf(*control)));
+        listeners_.push_back(listener);
+        listener->ListenTo(container->getControl(rtl::OUString::createFromAscii(control->Design().name)));
     }
 }
 

@@ -15,7 +15,7 @@ class SearchBox {
 public:
     using Model = com::sun::star::uno::Reference<com::sun::star::beans::XPropertySet>;
 
-    explicit SearchBox(Model model) : model_(std::move(model)) {}
+    explicit SearchBox(const Model& model) : model_(model) {}
 
     void Bind(std::shared_ptr<const ListSource> rows);
     std::optional<std::size_t> Selected() const { return chosen_; }
