@@ -9,8 +9,8 @@
 
 namespace qel {
 
-/// A value for every column of its table, in the table's order: texts, dates, and Null for none. An empty text
-/// may be read back as Null.
+/// A value for every column of its table, in the table's order: texts, dates, and Null for none. An empty
+/// text may be read back as Null.
 using TableRow = std::vector<Variant>;
 
 /// An open local database, closed with its owner. Every operation raises AutomationError with the engine's
