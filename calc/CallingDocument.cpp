@@ -11,7 +11,6 @@
 namespace qel::calc {
 
 using office::FromOffice;
-using office::ToOffice;
 
 namespace {
 
