@@ -7,7 +7,7 @@
 namespace qel::ModSetCube {
 
 /// Which members a listing asks for, as its caller gives it. Nothing is quoted or escaped.
-struct MemberListing {
+struct MemberListing { // NOLINT(clang-analyzer-optin.performance.Padding)
     std::string cubeName;
     std::int16_t kind = 0;
     std::string argumentA = {};                      ///< the Firma member; for kinds 2 and 3 the OBS number

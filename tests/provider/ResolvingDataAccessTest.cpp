@@ -24,7 +24,7 @@ TEST(NamesEmbeddedCube, ByWhatTheDataSourceHolds) {
     const test::TemporaryFolder folder;
     const std::string cube = test::BuildBooks(folder.Path("ספר's [1].cub"));
     std::ofstream(folder.Path("other.cub")) << "Microsoft OLAP cube, not ours";
-    std::ofstream(folder.Path("empty.cub"));
+    std::ofstream(folder.Path("empty.cub")) << "";
     const auto at = [&](const char* name) { return folder.Path(name).string(); };
     struct Case {
         const char* what;

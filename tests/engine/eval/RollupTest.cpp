@@ -221,7 +221,8 @@ TEST_F(RollupTest, DamagedPagesAreAnErrorOrTheRightAnswer) {
     ASSERT_FALSE(questions.empty());
     for (int round = 0; round < 40; ++round) {
         std::string bad = good;
-        bad[random_() % bad.size()] ^= static_cast<char>(1 + Below(255));
+        char& byte = bad[random_() % bad.size()];
+        byte = static_cast<char>(byte ^ static_cast<char>(1 + Below(255)));
         const auto* const first = reinterpret_cast<const std::byte*>(bad.data());
         try {
             const auto file = CubeFile::FromMemory("bad.cub", {first, first + bad.size()});
