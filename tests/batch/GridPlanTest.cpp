@@ -16,7 +16,7 @@ using ModSetCube::PeriodSpan;
 using ModSetCube::ValueSelection;
 
 std::string Statement(const std::function<void(ValueSelection&)>& change,
-                      PeriodSpan span = {1, "[Date].[2024].[1]"}, const std::string& obsSel = "") {
+                      const PeriodSpan& span = {1, "[Date].[2024].[1]"}, const std::string& obsSel = "") {
     ValueSelection selection{.cubeName = "LedgerFNC",
                              .obsName = "OBS",
                              .obsNumber = "1",
