@@ -73,11 +73,17 @@ TEST(Throughput, AHundredThousandCallsLeaveNoMemoryBehind) {
     EXPECT_LT(grown, 1'000'000) << "ten bytes a call";
 }
 
+/// A host has a window long before it has a second thread. Wine loads what draws one on its first use, and
+/// two threads that come to it at once, one of them inside the loader, wait for each other for ever.
+void UseTheScreen() { ::ReleaseDC(nullptr, ::GetDC(nullptr)); }
+
 /// A thread as a host makes one. Waits for its real end, the system's notices to every DLL included.
 class HostThread {
 public:
-    explicit HostThread(std::function<void()> work)
-        : work_(std::move(work)), handle_(::CreateThread(nullptr, 0, Run, this, 0, nullptr)) {}
+    explicit HostThread(std::function<void()> work) : work_(std::move(work)) {
+        UseTheScreen();
+        handle_ = ::CreateThread(nullptr, 0, Run, this, 0, nullptr);
+    }
     ~HostThread() {
         EXPECT_EQ(::WaitForSingleObject(handle_, 60'000), WAIT_OBJECT_0) << "the thread does not end";
         ::CloseHandle(handle_);
@@ -92,7 +98,7 @@ private:
     }
 
     std::function<void()> work_;
-    HANDLE handle_;
+    HANDLE handle_ = nullptr;
 };
 
 std::atomic<int> faults{0};
