@@ -197,7 +197,7 @@ def a_remembered_file_that_is_gone_is_told(bench):
 def a_name_is_written(bench):
     steps = [*choose_cube(bench, "LedgerFNC"), ("choose", "ComDim", "SuperSum2"),
              ("type", "cmbmember", "Sale of g"), ("key", "cmbmember", "enter"), *bench.picture("name-wizard"),
-             ("read", "TxtName"), ("click", "CmdOK"), ("gone",)]
+             ("expect", "TxtName", "Sale of goods"), ("read", "TxtName"), ("click", "CmdOK"), ("gone",)]
     seen, sheet = bench.call(NAME, *steps)
     formula, _ = written(sheet)
     require("the name", bench.value_of(formula), seen[0].split("\t")[1])
@@ -215,8 +215,8 @@ def hebrew_is_mirrored_and_gives_the_same_values(bench):
     print(f"    {formula} shows {seen[-1]}")
     require_number(bench.value_of(formula), seen[0].split("\t")[1])
     steps = [*choose_cube(bench, "LedgerHebrewFNC"), ("choose", "ComDim", "SuperSum2"), ("type", "cmbmember", "41"),
-             ("key", "cmbmember", "enter"), *bench.picture("name-wizard-hebrew"), ("read", "TxtName"),
-             ("click", "CmdOK"), ("gone",)]
+             ("key", "cmbmember", "enter"), *bench.picture("name-wizard-hebrew"),
+             ("expect", "TxtName", "מכירת סחורות"), ("read", "TxtName"), ("click", "CmdOK"), ("gone",)]
     seen, sheet = bench.call(NAME, *steps)
     formula, _ = written(sheet)
     require("the name", bench.value_of(formula), seen[0].split("\t")[1])
