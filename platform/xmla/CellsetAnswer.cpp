@@ -47,6 +47,8 @@ std::string LastNameOf(std::string_view path) {
 }
 
 void CellsetAnswer::StartElement(std::string_view name, const XmlAttributes& attributes) {
+    if (inMember_)
+        return; // its properties, whatever they are called
     if (name == "Axes") {
         inAxes_ = true;
     } else if (inAxes_ && name == "Axis") {
