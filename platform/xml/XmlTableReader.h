@@ -7,9 +7,7 @@ namespace qel {
 /// The recordset in a file's bytes; `name` stands for the file in errors. See XmlTableReader.
 PersistedTable ParseXmlTable(const std::string& bytes, const std::string& name);
 
-/// Reads recordsets that were saved in their XML form. Integer columns become Longs, all others texts. Rows
-/// whose deletion or insertion was saved before it was written to the database are read as the recordset
-/// showed them.
+/// Reads recordsets that were saved in their XML form.
 class XmlTableReader : public PersistedTableReader {
 public:
     PersistedTable Read(const std::string& path) override;

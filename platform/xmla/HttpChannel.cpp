@@ -22,6 +22,12 @@ void StartLibraryOnce() {
         throw ServerError(errorServerUnreachable, "The HTTP library cannot be started.");
 }
 
+/// libcurl's callback while it waits, too; anything but 0 ends the transfer.
+int EndWhenStopped(void* isStopped, curl_off_t /*expected*/, curl_off_t /*received*/, curl_off_t /*toSend*/,
+                   curl_off_t /*sent*/) {
+    return static_cast<const std::atomic<bool>*>(isStopped)->load() ? 1 : 0;
+}
+
 bool IsRedirection(long status) { return status == 301 || status == 302 || status == 307 || status == 308; }
 
 } // namespace
@@ -65,7 +71,7 @@ struct HttpChannel::Transfer {
 
 HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& options)
     : address_(address), limits_(options.limits), credentials_(address.credentials),
-      handle_(std::make_unique<Handle>()) {
+      isStopped_(options.isStopped), handle_(std::make_unique<Handle>()) {
     StartLibraryOnce();
     if (credentials_.user.empty() && options.credentials)
         credentials_ = options.credentials(address.host);
@@ -81,6 +87,11 @@ HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& opti
     curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, ""); // whatever the library can unpack
     curl_easy_setopt(easy, CURLOPT_USERAGENT, "OrmFuncQel4");
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Transfer::Receive);
+    if (isStopped_) {
+        curl_easy_setopt(easy, CURLOPT_NOPROGRESS, 0L);
+        curl_easy_setopt(easy, CURLOPT_XFERINFOFUNCTION, &EndWhenStopped);
+        curl_easy_setopt(easy, CURLOPT_XFERINFODATA, isStopped_.get());
+    }
     if (credentials_.user.empty()) {
         curl_easy_setopt(easy, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_OPTIONAL));
     } else {
@@ -105,6 +116,8 @@ HttpHead HttpChannel::Post(const std::string& body, const std::string& action, c
 
 HttpHead HttpChannel::PostOnce(const std::string& url, const std::string& body, const std::string& action,
                                const AnswerSink& take) {
+    if (isStopped_ && *isStopped_)
+        throw ServerError(errorServerUnreachable, fmt::format("{} is not asked any more.", url));
     CURL* easy = handle_->easy.get();
     std::unique_ptr<curl_slist, FreeList> headers;
     // The last one: no waiting for the server's leave to send a large statement.

@@ -43,6 +43,7 @@ private:
     ServerAddress address_;
     ServerLimits limits_;
     Credentials credentials_;
+    std::shared_ptr<const std::atomic<bool>> isStopped_;
     struct Handle;
     std::unique_ptr<Handle> handle_;
 };

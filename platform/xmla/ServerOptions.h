@@ -2,9 +2,11 @@
 
 #include "platform/xmla/ServerAddress.h"
 
+#include <atomic>
 #include <chrono>
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <string>
 
 namespace qel {
@@ -23,6 +25,8 @@ struct ServerOptions {
     /// The credentials kept for a host; empty ones when there are none. Asked when the address has none; when
     /// this has none either, the user's netrc file is looked up.
     std::function<Credentials(const std::string& host)> credentials;
+    /// Once true, requests end at once as over a lost connection. May be none.
+    std::shared_ptr<const std::atomic<bool>> isStopped;
 };
 
 } // namespace qel

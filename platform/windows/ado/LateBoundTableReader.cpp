@@ -31,9 +31,11 @@ PersistedTable RowsOf(const DispatchObject& recordset) {
 
 } // namespace
 
+bool LateBoundTableReader::IsInstalled() { return CanLoadClass(L"MSPersist"); }
+
 PersistedTable LateBoundTableReader::Read(const std::string& path) {
     try {
-        if (!CanLoadClass(L"MSPersist"))
+        if (!IsInstalled())
             throw AutomationError(providerNotFound, "the provider MSPersist is not installed");
         const auto recordset = DispatchObject::Create(L"ADODB.Recordset");
         recordset.Call(L"Open", ArgumentList(path, "Provider=MSPersist", byDefault, byDefault, byDefault));
