@@ -59,6 +59,7 @@ Cellset StatementRun::Run() {
     if (cellsDecide) {
         RemoveEmptyByCells(cells);
     }
+    space_.GetCube().CheckUnchanged();
     CellsetBuilder builder(space_);
     for (const TupleSet& axis : axes_) {
         builder.AddAxis(axis);

@@ -24,6 +24,7 @@ Cellset StatementPlan::Run(const Cube& cube) const {
     Cellset answer;
     answer.axes_ = answer_.axes_;
     answer.cells_.push_back(ReadFacts(cube.Facts(), restrictions_, measure_));
+    cube.CheckUnchanged();
     return answer;
 }
 

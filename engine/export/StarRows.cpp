@@ -157,6 +157,7 @@ void WriteRows(const StarSchema& star, const TextSink& sink, const std::function
         progress(static_cast<double>(rows.last) / static_cast<double>(facts.RowCount()));
     }
     writer.Finish();
+    star.cube->CheckUnchanged();
     sink(ComposeIndexes(star));
 }
 

@@ -1,5 +1,6 @@
 #include "engine/storage/Cube.h"
 
+#include "engine/storage/PageVerifier.h"
 #include "engine/text/CaseFold.h"
 
 namespace qel::engine {
@@ -16,6 +17,8 @@ std::optional<std::size_t> FindNamed(std::span<const Named> all, std::string_vie
 }
 
 } // namespace
+
+void Cube::CheckUnchanged() const { pages_->CheckUnchanged(); }
 
 std::optional<std::size_t> Cube::FindDimension(std::string_view name) const {
     return FindNamed(Dimensions(), name);

@@ -13,6 +13,8 @@
 
 namespace qel::engine {
 
+class PageVerifier;
+
 /// A member's number in its hierarchy: level by level from the top, in member order within a level. A
 /// parent's children are neighbours, so they are a range of numbers.
 using MemberId = std::uint32_t;
@@ -33,8 +35,8 @@ struct Level {
     bool isAll = false;
 };
 
-/// The stored columns of a hierarchy's members; spans point into the mapped file and were checked when it was
-/// opened.
+/// The stored columns of a hierarchy's members; spans point to what the file keeps in memory and were checked
+/// when it was opened.
 struct MemberColumns {
     std::span<const std::uint32_t> nameOffsets, captionOffsets,
         keyOffsets; ///< one more than there are members
@@ -122,6 +124,10 @@ public:
     /// The number of the measure that a cell reads when the statement names none.
     std::size_t DefaultMeasure() const { return defaultMeasure_; }
 
+    /// Raises EngineError (DamagedFile) when the file was changed on disk, not replaced, since it was opened.
+    /// Facts that were read are right only when this is asked afterwards.
+    void CheckUnchanged() const;
+
     std::optional<std::size_t> FindDimension(std::string_view name) const;
     std::optional<std::size_t> FindMeasure(std::string_view name) const;
 
@@ -133,6 +139,7 @@ private:
     std::vector<Hierarchy> hierarchies_;
     std::size_t defaultMeasure_ = 0;
     FactTable facts_;
+    const PageVerifier* pages_ = nullptr; ///< owned by the file
 };
 
 } // namespace qel::engine

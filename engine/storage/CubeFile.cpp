@@ -24,9 +24,10 @@ struct CubeFile::Contents {
     Contents(std::filesystem::path filePath, MappedFile mapped, std::vector<std::byte> memory)
         : path(std::move(filePath)), file(std::move(mapped)), held(std::move(memory)),
           bytes(held.empty() ? file.Bytes() : std::span<const std::byte>(held)),
-          image(PathText(path), bytes) {
+          image(PathText(path), bytes, held.empty() ? &file : nullptr) {
         for (std::uint32_t i = 0; i < image.CubeCount(); ++i)
             cubes.push_back(CubeLoader(image, i).Load());
+        image.Verifier().CheckUnchanged();
     }
 
     std::filesystem::path path;
@@ -100,6 +101,7 @@ void CubeFile::Verify(const std::function<void(double)>& progress) const {
     }
     for (std::uint64_t page = 0; page < pages.PageCount(); ++page)
         pages.Check(page * format::pageSize, 1); // those that no section touches, too
+    pages.CheckUnchanged();
     report(1);
 }
 

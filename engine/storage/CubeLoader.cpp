@@ -42,6 +42,7 @@ Cube CubeLoader::Load() {
                     hierarchy.keyColumn_ ? cube.facts_.keyColumns_[*hierarchy.keyColumn_].codes : 0);
     for (std::size_t i = 0; i < cube.facts_.projections_.size(); ++i)
         LoadProjection(cube.facts_, i, cube.facts_.projections_[i]);
+    cube.pages_ = &image_.Verifier();
     cube.facts_.rollups_ = RollupLoader(image_, cubeNumber_).Load(cube.facts_);
     return cube;
 }

@@ -11,10 +11,10 @@ namespace qel::engine {
 
 /// Reads one cube of a file. Everything that the cube's accessors later take for granted is checked here:
 /// counts, offsets, the shape of the trees, code ranges, lookup tables, section sizes. Nothing is built per
-/// member; the columns stay in the mapped file.
+/// member; the columns are copied as they are.
 class CubeLoader {
 public:
-    CubeLoader(const FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}
+    CubeLoader(FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}
 
     /// Raises EngineError (DamagedFile).
     Cube Load();
@@ -35,7 +35,7 @@ private:
     format::SectionId Id(format::SectionKind kind, std::size_t first = 0, std::size_t second = 0) const;
     [[noreturn]] void Fail(const std::string& fault) const;
 
-    const FileImage& image_;
+    FileImage& image_;
     std::uint32_t cubeNumber_;
 };
 

@@ -26,7 +26,7 @@ bool IsKnown(std::uint32_t kind) {
 
 } // namespace
 
-FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes)
+FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes, const MappedFile* mapping)
     : fileName_(std::move(fileName)), bytes_(bytes) {
     if (bytes.size() < format::signature.size() ||
         std::memcmp(bytes.data(), format::signature.data(), format::signature.size()) != 0)
@@ -40,14 +40,15 @@ FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes)
 
     const auto pages = bytes.first(header.checksumTableOffset);
     const auto tail = bytes.subspan(header.checksumTableOffset);
-    if (XXH3_64bits(tail.data(), tail.size()) != header.tailChecksum)
+    tail_.resize(tail.size() / sizeof(std::uint64_t));
+    std::memcpy(tail_.data(), tail.data(), tail.size());
+    if (XXH3_64bits(tail_.data(), tail.size()) != header.tailChecksum)
         Fail("the directory is not as it was written (wrong checksum)");
-    directory_ = {reinterpret_cast<const format::DirectoryEntry*>(bytes.data() + header.directoryOffset),
+    const std::size_t pageCount = (pages.size() + format::pageSize - 1) / format::pageSize;
+    directory_ = {reinterpret_cast<const format::DirectoryEntry*>(tail_.data() + pageCount),
                   header.directoryEntries};
     CheckDirectory(pages.size());
-    const std::size_t pageCount = (pages.size() + format::pageSize - 1) / format::pageSize;
-    verifier_ = std::make_unique<PageVerifier>(
-        fileName_, pages, std::span(reinterpret_cast<const std::uint64_t*>(tail.data()), pageCount));
+    verifier_ = std::make_unique<PageVerifier>(fileName_, pages, std::span(tail_).first(pageCount), mapping);
 }
 
 void FileImage::CheckHeader(const format::Header& header) const {
@@ -111,6 +112,13 @@ MappedSection FileImage::Section(const format::SectionId& id) const {
     if (entry == nullptr)
         Fail(fmt::format("section {} of cube {} is missing", id.kind, id.cube));
     return {bytes_.data() + entry->offset, entry->offset, entry->size, verifier_.get()};
+}
+
+const std::byte* FileImage::Copy(const MappedSection& section) {
+    const std::byte* const bytes = section.Bytes(0, section.Size());
+    copies_.push_back(std::make_unique_for_overwrite<std::byte[]>(section.Size()));
+    std::memcpy(copies_.back().get(), bytes, section.Size());
+    return copies_.back().get();
 }
 
 void FileImage::Fail(const std::string& fault) const {

@@ -1,11 +1,13 @@
 #include "engine/EngineError.h"
 #include "engine/storage/MappedFile.h"
+#include "engine/storage/MappingWatch.h"
 #include "engine/storage/PathText.h"
 
 #include <fmt/format.h>
 
 #include <cerrno>
 #include <fcntl.h>
+#include <optional>
 #include <sys/mman.h>
 #include <sys/stat.h>
 #include <system_error>
@@ -37,13 +39,7 @@ private:
                       fmt::format("{}: {}", PathText(path), std::generic_category().message(error)));
 }
 
-} // namespace
-
-MappedFile::MappedFile(const std::filesystem::path& path) {
-    // Without O_NONBLOCK a named pipe would be waited for.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (file.Number() < 0)
-        Fail(path, errno);
+struct stat StatusOf(const Descriptor& file, const std::filesystem::path& path) {
     struct stat status = {};
     if (::fstat(file.Number(), &status) != 0)
         Fail(path, errno);
@@ -51,25 +47,65 @@ MappedFile::MappedFile(const std::filesystem::path& path) {
         throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is a folder");
     if (!S_ISREG(status.st_mode))
         throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is not a regular file");
-    const auto size = static_cast<std::size_t>(status.st_size);
-    if (size == 0)
-        return;
-    void* const data = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, file.Number(), 0);
-    if (data == MAP_FAILED)
-        Fail(path, errno);
-    bytes_ = {static_cast<const std::byte*>(data), size};
+    return status;
 }
 
-MappedFile::~MappedFile() {
-    if (!bytes_.empty())
-        ::munmap(const_cast<std::byte*>(bytes_.data()), bytes_.size());
-}
+} // namespace
 
-MappedFile::MappedFile(MappedFile&& other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}
+struct MappedFile::Mapping {
+    explicit Mapping(const std::filesystem::path& path)
+        // Without O_NONBLOCK a named pipe would be waited for.
+        : file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        if (file.Number() < 0)
+            Fail(path, errno);
+        status = StatusOf(file, path);
+        const auto size = static_cast<std::size_t>(status.st_size);
+        if (size == 0)
+            return;
+        void* const data = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, file.Number(), 0);
+        if (data == MAP_FAILED)
+            Fail(path, errno);
+        bytes = {static_cast<const std::byte*>(data), size};
+        watch.emplace(bytes);
+    }
+    ~Mapping() {
+        watch.reset(); // another mapping may be given these addresses from now on
+        if (!bytes.empty())
+            ::munmap(const_cast<std::byte*>(bytes.data()), bytes.size());
+    }
+    Mapping(const Mapping&) = delete;
+    Mapping& operator=(const Mapping&) = delete;
+
+    bool IsUnchanged() const {
+        if (watch && watch->HasLostBytes())
+            return false;
+        struct stat now = {};
+        return ::fstat(file.Number(), &now) == 0 && now.st_size == status.st_size &&
+               now.st_mtim.tv_sec == status.st_mtim.tv_sec && now.st_mtim.tv_nsec == status.st_mtim.tv_nsec;
+    }
+
+    Descriptor file;
+    struct stat status = {}; ///< when it was mapped
+    std::span<const std::byte> bytes;
+    std::optional<MappingWatch> watch;
+};
+
+MappedFile::MappedFile() = default;
+
+MappedFile::MappedFile(const std::filesystem::path& path)
+    : mapping_(std::make_unique<Mapping>(path)), bytes_(mapping_->bytes) {}
+
+MappedFile::~MappedFile() = default;
+
+MappedFile::MappedFile(MappedFile&& other) noexcept
+    : mapping_(std::move(other.mapping_)), bytes_(std::exchange(other.bytes_, {})) {}
 
 MappedFile& MappedFile::operator=(MappedFile&& other) noexcept {
+    std::swap(mapping_, other.mapping_);
     std::swap(bytes_, other.bytes_);
     return *this;
 }
+
+bool MappedFile::IsUnchanged() const { return mapping_ == nullptr || mapping_->IsUnchanged(); }
 
 } // namespace qel::engine

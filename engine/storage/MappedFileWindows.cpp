@@ -36,38 +36,55 @@ private:
 
 } // namespace
 
-MappedFile::MappedFile(const std::filesystem::path& path) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored))
-        throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is a folder");
-    constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const Handle file(::CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr));
-    LARGE_INTEGER size = {};
-    if (file.Get() == nullptr || !::GetFileSizeEx(file.Get(), &size))
-        Fail(path);
-    if (size.QuadPart == 0)
-        return;
-    const Handle mapping(::CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
-    if (mapping.Get() == nullptr)
-        Fail(path);
-    const void* const data =
-        ::MapViewOfFile(mapping.Get(), FILE_MAP_READ, 0, 0, 0); // keeps what it needs open
-    if (data == nullptr)
-        Fail(path);
-    bytes_ = {static_cast<const std::byte*>(data), static_cast<std::size_t>(size.QuadPart)};
-}
+struct MappedFile::Mapping {
+    explicit Mapping(const std::filesystem::path& path) {
+        std::error_code ignored;
+        if (std::filesystem::is_directory(path, ignored))
+            throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is a folder");
+        constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+        const Handle file(::CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
+                                        FILE_ATTRIBUTE_NORMAL, nullptr));
+        LARGE_INTEGER size = {};
+        if (file.Get() == nullptr || !::GetFileSizeEx(file.Get(), &size))
+            Fail(path);
+        if (size.QuadPart == 0)
+            return;
+        const Handle mapping(::CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
+        if (mapping.Get() == nullptr)
+            Fail(path);
+        const void* const data =
+            ::MapViewOfFile(mapping.Get(), FILE_MAP_READ, 0, 0, 0); // keeps what it needs open
+        if (data == nullptr)
+            Fail(path);
+        bytes = {static_cast<const std::byte*>(data), static_cast<std::size_t>(size.QuadPart)};
+    }
+    ~Mapping() {
+        if (!bytes.empty())
+            ::UnmapViewOfFile(bytes.data());
+    }
+    Mapping(const Mapping&) = delete;
+    Mapping& operator=(const Mapping&) = delete;
 
-MappedFile::~MappedFile() {
-    if (!bytes_.empty())
-        ::UnmapViewOfFile(bytes_.data());
-}
+    std::span<const std::byte> bytes;
+};
 
-MappedFile::MappedFile(MappedFile&& other) noexcept : bytes_(std::exchange(other.bytes_, {})) {}
+MappedFile::MappedFile() = default;
+
+MappedFile::MappedFile(const std::filesystem::path& path)
+    : mapping_(std::make_unique<Mapping>(path)), bytes_(mapping_->bytes) {}
+
+MappedFile::~MappedFile() = default;
+
+MappedFile::MappedFile(MappedFile&& other) noexcept
+    : mapping_(std::move(other.mapping_)), bytes_(std::exchange(other.bytes_, {})) {}
 
 MappedFile& MappedFile::operator=(MappedFile&& other) noexcept {
+    std::swap(mapping_, other.mapping_);
     std::swap(bytes_, other.bytes_);
     return *this;
 }
+
+/// The system refuses to cut a mapped file short, which is how files are overwritten.
+bool MappedFile::IsUnchanged() const { return true; }
 
 } // namespace qel::engine

@@ -2,6 +2,7 @@
 
 #include "engine/EngineError.h"
 #include "engine/storage/Format.h"
+#include "engine/storage/MappedFile.h"
 #include "engine/storage/MappedSection.h"
 
 #include <fmt/format.h>
@@ -19,8 +20,8 @@ std::uint64_t PageChecksum(std::span<const std::byte> file, std::uint64_t page) 
 }
 
 PageVerifier::PageVerifier(std::string fileName, std::span<const std::byte> file,
-                           std::span<const std::uint64_t> checksums)
-    : fileName_(std::move(fileName)), file_(file), checksums_(checksums),
+                           std::span<const std::uint64_t> checksums, const MappedFile* mapping)
+    : fileName_(std::move(fileName)), file_(file), checksums_(checksums), mapping_(mapping),
       isChecked_(std::make_unique<std::atomic<std::uint8_t>[]>(checksums.size())) {}
 
 void PageVerifier::Check(std::uint64_t offset, std::uint64_t length) {
@@ -34,10 +35,20 @@ void PageVerifier::Check(std::uint64_t offset, std::uint64_t length) {
 }
 
 void PageVerifier::CheckPage(std::uint64_t page) {
-    if (PageChecksum(file_, page) != checksums_[page])
+    if (PageChecksum(file_, page) != checksums_[page]) {
+        CheckUnchanged();
         Fail(fmt::format("the bytes from {} on are not as they were written (wrong checksum of page {})",
                          page * format::pageSize, page));
+    }
     isChecked_[page].store(1, std::memory_order_release);
+}
+
+void PageVerifier::CheckUnchanged() const {
+    if (mapping_ != nullptr && !mapping_->IsUnchanged())
+        throw EngineError(ErrorKind::DamagedFile,
+                          fmt::format("{}: the file was changed or cut short while it was open; it has to be "
+                                      "opened again (a new file belongs in its place, not into it)",
+                                      fileName_));
 }
 
 void PageVerifier::Fail(const std::string& fault) const {

@@ -13,7 +13,7 @@ namespace qel::engine {
 /// Reads the rollups of one cube: their description and the sizes of their sections.
 class RollupLoader {
 public:
-    RollupLoader(const FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}
+    RollupLoader(FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}
 
     /// None when the file has none. Raises EngineError (DamagedFile).
     std::optional<RollupTable> Load(const FactTable& facts) const;
@@ -29,7 +29,7 @@ private:
     format::SectionId Id(format::SectionKind kind, std::size_t second = 0) const;
     [[noreturn]] void Fail(const std::string& fault) const;
 
-    const FileImage& image_;
+    FileImage& image_;
     std::uint32_t cubeNumber_;
 };
 

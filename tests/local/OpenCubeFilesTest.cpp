@@ -38,6 +38,19 @@ TEST(OpenCubeFiles, AReplacedFileIsOpenedAnewAndTheOldOneStaysReadable) {
     EXPECT_EQ(old->Cubes().size(), 2U);
 }
 
+TEST(OpenCubeFiles, AFileCutShortIsAnErrorUntilItIsWholeAgain) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder.Path("a.cub"));
+    const std::string whole = folder.Read("a.cub");
+    OpenCubeFiles files;
+    const auto old = files.Open(path);
+    std::filesystem::resize_file(path, whole.size() / 2);
+    EXPECT_THROW(files.Open(path), AutomationError);
+    EXPECT_THROW(old->Verify({}), engine::EngineError);
+    folder.Write("a.cub", whole);
+    EXPECT_NO_THROW(files.Open(path)->Verify({}));
+}
+
 TEST(OpenCubeFiles, ARemovedFileIsAnErrorAlthoughItWasOpen) {
     const TemporaryFolder folder;
     const auto path = BuildBooks(folder.Path("a.cub"));
