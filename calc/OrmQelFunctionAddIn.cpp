@@ -2,6 +2,7 @@
 
 #include "calc/CellArguments.h"
 #include "calc/FunctionTexts.h"
+#include "calc/ServerResultsOfOffice.h"
 #include "calc/ThreadFunction.h"
 #include "platform/office/OfficeText.h"
 
@@ -28,32 +29,17 @@ using Any = uno::Any;
 /// One call of a cell: its arguments as the class takes them.
 class CellCall {
 public:
-    CellCall(const DocumentReference& document, DocumentLocales& locales)
-        : document_(document), thread_(FunctionOfThread()) {
-        thread_.locale = locales.Of(document);
-    }
+    CellCall(const DocumentReference& document, const Locale& locale)
+        : document_(document), locale_(locale) {}
 
-    OrmQelFunction& Function() { return thread_.function; }
     std::string CubeFile(const Any& argument) const { return CubePathFrom(document_, Text(argument)); }
-    std::string Text(const Any& argument) const { return TextFromCell(argument, thread_.locale); }
-    AutomationDate Date(const Any& argument) const { return DateFromCell(argument, thread_.locale); }
+    std::string Text(const Any& argument) const { return TextFromCell(argument, locale_); }
+    AutomationDate Date(const Any& argument) const { return DateFromCell(argument, locale_); }
 
 private:
     const DocumentReference& document_;
-    ThreadFunction& thread_;
+    const Locale& locale_;
 };
-
-/// Runs a call; whatever fails it becomes the office's own exception.
-template <class Call>
-Any Answer(const Call& call) {
-    try {
-        return ToCell(call());
-    } catch (const uno::Exception&) {
-        throw;
-    } catch (const std::exception& error) {
-        throw uno::RuntimeException(ToOffice(error.what()));
-    }
-}
 
 const ArgumentTexts* FindArgument(const rtl::OUString& method, sal_Int32 argument) {
     const FunctionTexts* const texts = FindByMethod(FromOffice(method));
@@ -64,29 +50,54 @@ const ArgumentTexts* FindArgument(const rtl::OUString& method, sal_Int32 argumen
 
 } // namespace
 
+LateResults& OrmQelFunctionAddIn::ServerResults() {
+    const std::scoped_lock lock(mutex_);
+    if (!serverResults_)
+        serverResults_ = MakeServerResults(context_);
+    return *serverResults_;
+}
+
+template <class Read>
+Any OrmQelFunctionAddIn::Answer(const DocumentReference& document, const Read& read) {
+    try {
+        ThreadFunction& thread = FunctionOfThread();
+        thread.locale = locales_.Of(document);
+        auto arguments = read(CellCall(document, thread.locale));
+        if (AsksServer(arguments.cubeFile))
+            return ServerResults().Ask(CallOf(arguments, thread.locale));
+        return ToCell(Evaluate(thread.function, std::move(arguments)));
+    } catch (const uno::Exception&) {
+        throw;
+    } catch (const std::exception& error) { // becomes the office's own exception
+        throw uno::RuntimeException(ToOffice(error.what()));
+    }
+}
+
 Any OrmQelFunctionAddIn::QelF1(const DocumentReference& document, const Any& cubeFile, const Any& CubeName,
                                const Any& ObsName, const Any& ObsNum, const Any& ObsLevel,
                                const Any& ObsMember, const Any& ActivityList, const Any& SummaryGroup,
                                const Any& SeifLevel, const Any& Accounts, const Any& Measure,
                                const Any& MoneySet, const Any& Plbs, const Any& RH, const Any& Firma,
                                const Any& OpeningBalance, const Any& FromDate, const Any& ToDate) {
-    return Answer([&] {
-        CellCall call(document, locales_);
-        std::string file = call.CubeFile(cubeFile);
-        std::string cube = call.Text(CubeName);
-        std::string summaryGroup = call.Text(SummaryGroup);
-        std::string seifLevel = call.Text(SeifLevel);
-        std::string accounts = call.Text(Accounts);
-        std::string measure = call.Text(Measure);
-        std::string moneySet = call.Text(MoneySet);
-        std::string plbs = call.Text(Plbs);
-        std::string rh = call.Text(RH);
-        std::string firma = call.Text(Firma);
-        std::string openingBalance = call.Text(OpeningBalance);
-        return call.Function().QeLF1(
-            file, cube, KeysFromCell(ObsName), KeysFromCell(ObsNum), KeysFromCell(ObsLevel),
-            KeysFromCell(ObsMember), KeysFromCell(ActivityList), summaryGroup, seifLevel, accounts, measure,
-            moneySet, plbs, rh, firma, openingBalance, call.Date(FromDate), call.Date(ToDate));
+    return Answer(document, [&](const CellCall& call) -> ValueArguments {
+        return {call.CubeFile(cubeFile),
+                call.Text(CubeName),
+                KeysFromCell(ObsName),
+                KeysFromCell(ObsNum),
+                KeysFromCell(ObsLevel),
+                KeysFromCell(ObsMember),
+                KeysFromCell(ActivityList),
+                call.Text(SummaryGroup),
+                call.Text(SeifLevel),
+                call.Text(Accounts),
+                call.Text(Measure),
+                call.Text(MoneySet),
+                call.Text(Plbs),
+                call.Text(RH),
+                call.Text(Firma),
+                call.Text(OpeningBalance),
+                call.Date(FromDate),
+                call.Date(ToDate)};
     });
 }
 
@@ -103,13 +114,8 @@ Any OrmQelFunctionAddIn::QeL1(const DocumentReference& document, const Any& cube
 
 Any OrmQelFunctionAddIn::QelName(const DocumentReference& document, const Any& cubeFile, const Any& CubeName,
                                  const Any& DimType, const Any& DimMember) {
-    return Answer([&] {
-        CellCall call(document, locales_);
-        std::string file = call.CubeFile(cubeFile);
-        std::string cube = call.Text(CubeName);
-        std::string type = call.Text(DimType);
-        std::string member = call.Text(DimMember);
-        return call.Function().QelName(file, cube, type, member);
+    return Answer(document, [&](const CellCall& call) -> NameArguments {
+        return {call.CubeFile(cubeFile), call.Text(CubeName), call.Text(DimType), call.Text(DimMember)};
     });
 }
 

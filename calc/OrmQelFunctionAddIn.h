@@ -1,6 +1,7 @@
 #pragma once
 
 #include "calc/DocumentLocales.h"
+#include "calc/LateResults.h"
 
 #include <OrmFunctionQel4/XWorksheetFunctions.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
@@ -17,7 +18,7 @@ using AddInInterfaces =
                           com::sun::star::lang::XServiceInfo>;
 
 /// The worksheet functions as Calc finds and calls them. A failed call leaves as a RuntimeException, which
-/// the cell shows as #VALUE!.
+/// the cell shows as #VALUE!. A formula over a server's cube gives a result that comes later.
 class OrmQelFunctionAddIn : public AddInInterfaces {
 public:
     using Any = com::sun::star::uno::Any;
@@ -27,7 +28,7 @@ public:
     template <class T>
     using List = com::sun::star::uno::Sequence<T>;
 
-    explicit OrmQelFunctionAddIn(const Context& context) : locales_(context) {}
+    explicit OrmQelFunctionAddIn(const Context& context) : context_(context), locales_(context) {}
 
     // XWorksheetFunctions
     Any SAL_CALL QelF1(const DocumentReference& document, const Any& cubeFile, const Any& CubeName,
@@ -69,8 +70,16 @@ public:
 
 private:
     bool IsHebrew() const;
+    /// Made at the first formula over a server; it ends with the office.
+    LateResults& ServerResults();
+    /// Reads the arguments and evaluates the call: now, or later when it asks a server.
+    template <class Read>
+    Any Answer(const DocumentReference& document, const Read& read);
 
+    Context context_;
     DocumentLocales locales_;
+    std::mutex mutex_; ///< guards the one below
+    std::shared_ptr<LateResults> serverResults_;
     Language language_; ///< of the office's menus
 };
 

@@ -3,13 +3,11 @@
 import csv
 import os
 import pathlib
-import select
-import socket
 import subprocess
 import sys
-import threading
 import unittest
-from urllib.parse import urlsplit
+
+from server_proxy import Proxy
 
 QEL = ""
 BUSY = ('6111', '6121', '2121')  # accounts with postings in every month
@@ -35,35 +33,6 @@ def same(local, served):
         return abs(float(local) - float(served)) < 0.0005
     except ValueError:
         return local.split(" ")[0] == served.split(" ")[0]
-
-
-class Proxy:
-    """Hands connections on to the server until it is told to drop them."""
-
-    def __init__(self):
-        self.target = (urlsplit(SERVER).hostname, urlsplit(SERVER).port)
-        self.listener = socket.create_server(("127.0.0.1", 0))
-        self.address = f"http://127.0.0.1:{self.listener.getsockname()[1]}/xmla"
-        self.open, self.requests, self.drop_after = [], 0, None
-        threading.Thread(target=self.accept, daemon=True).start()
-
-    def accept(self):
-        while True:
-            try:
-                client, _ = self.listener.accept()
-            except OSError:
-                return
-            threading.Thread(target=self.hand_on, args=(client,), daemon=True).start()
-
-    def hand_on(self, client):
-        with client, socket.create_connection(self.target) as server:
-            while True:
-                for source in select.select([client, server], [], [])[0]:
-                    data = source.recv(65536)
-                    self.requests += source is client and data.startswith(b"POST")
-                    if not data or (self.drop_after is not None and self.requests > self.drop_after):
-                        return
-                    (server if source is client else client).sendall(data)
 
 
 class ServedCube(unittest.TestCase):
@@ -99,14 +68,14 @@ class ServedCube(unittest.TestCase):
         self.assert_same(some, alone, output.splitlines()[::29])
 
     def test_few_statements_are_sent_for_many_cells(self):
-        proxy = Proxy()
+        proxy = Proxy(SERVER)
         self.addCleanup(proxy.listener.close)
         formulas = [formula(proxy.address, account, month) for account in BUSY for month in range(1, 13)]
         run("eval", *formulas)
         self.assertLess(proxy.requests, 25, "the cube's description and one statement, not one a cell")
 
     def test_a_lost_server_is_opened_afresh(self):
-        proxy = Proxy()
+        proxy = Proxy(SERVER)
         self.addCleanup(proxy.listener.close)
         expected = run("eval", formula(CUBE, BUSY[0]))[1].strip()
         self.assertNotEqual(float(expected), 0)
@@ -123,7 +92,7 @@ class ServedCube(unittest.TestCase):
             cells.stdin.close()
 
     def test_a_sheet_stays_right_when_its_batch_fails_half_way(self):
-        proxy = Proxy()
+        proxy = Proxy(SERVER)
         self.addCleanup(proxy.listener.close)
         formulas = [formula(proxy.address, account, month) for account in BUSY for month in range(1, 13)]
         local = [text.replace(proxy.address, CUBE) for text in formulas]
