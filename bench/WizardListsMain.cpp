@@ -89,10 +89,15 @@ int main(int argc, char** argv) {
     app.add_option("--accounts", accounts, "accounts of the generated cube")
         ->check(CLI::Range(1, 1'000'000))
         ->capture_default_str();
+    std::string keptCube;
+    app.add_option("--keep-cube", keptCube, "where to leave a copy of the generated cube");
     CLI11_PARSE(app, argc, argv);
     try {
         WizardBench bench;
-        TimeTheWizard(bench, BuildWideBook(bench.folder.Path(), accounts));
+        const std::string cube = BuildWideBook(bench.folder.Path(), accounts);
+        if (!keptCube.empty())
+            std::filesystem::copy_file(cube, keptCube, std::filesystem::copy_options::overwrite_existing);
+        TimeTheWizard(bench, cube);
         for (const std::string& message : bench.TakeMessages())
             fmt::print(stderr, "{}\n", message);
         return bench.sheet.log.empty() ? 1 : 0;

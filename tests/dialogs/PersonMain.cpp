@@ -6,6 +6,7 @@
 #include "wizard/FunctionForm.h"
 #include "wizard/NameForm.h"
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -52,6 +53,16 @@ void HoldStill(const std::string& file) {
     Person::WaitUntil("the picture " + file, [&] { return !std::filesystem::exists(file); });
 }
 
+/// How long the steps since the last reading took.
+std::string ReadClock(const std::string& what) {
+    using Clock = std::chrono::steady_clock;
+    static Clock::time_point last = Clock::now();
+    const Clock::time_point now = Clock::now();
+    const auto spent = std::chrono::duration_cast<std::chrono::milliseconds>(now - last);
+    last = now;
+    return "clock\t" + what + "\t" + std::to_string(spent.count());
+}
+
 std::string Act(const Person& person, const Words& step) {
     const std::string& what = step.at(0);
     if (what == "type")
@@ -74,6 +85,8 @@ std::string Act(const Person& person, const Words& step) {
         person.ExpectGone();
     else if (what == "hold")
         HoldStill(step.at(1));
+    else if (what == "clock")
+        return ReadClock(step.at(1));
     else
         throw Disappointment("Nobody knows how to '" + what + "'");
     return {};

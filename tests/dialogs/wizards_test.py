@@ -222,6 +222,20 @@ def hebrew_is_mirrored_and_gives_the_same_values(bench):
     require("the name", bench.value_of(formula), seen[0].split("\t")[1])
 
 
+def print_times_of_wide_lists(bench):
+    """With the cube of `qel-wizard-bench --keep-cube FILE`, whose accounts a person finds by typing."""
+    shutil.copy(bench.options.time_lists, bench.cube)
+    steps = [("read", "txtCubeFile"), ("clock", "-"), *choose_cube(bench, "Oddfnc"), ("clock", "choose the cube"),
+             ("click", "CheckAcc"), ("clock", "tick the accounts")]
+    for typed in ("g", "golan 31", "149999", "no such account"):
+        steps += [("type", "ListAccount", typed), ("clock", f"type '{typed}'")]
+    steps += [("type", "ListAccount", "149999"), ("key", "ListAccount", "enter"), ("clock", "choose '149999'"),
+              ("read", "ListAccount"), ("click", "CmdCancel"), ("gone",)]
+    start = time.monotonic()
+    seen, _ = bench.call(FUNCTION, *steps)
+    print(f"the whole visit {time.monotonic() - start:.1f} s", *seen[1:], sep="\n    ")
+
+
 CASES = [nothing_is_written_when_cancelled, wrong_files_are_told, the_formula_gives_the_value_shown,
          a_remembered_file_that_is_gone_is_told, a_name_is_written, hebrew_is_mirrored_and_gives_the_same_values]
 
@@ -234,6 +248,8 @@ def main():
     parser.add_argument("--classes", required=True, type=pathlib.Path, help="dialog_test_classes.dll")
     parser.add_argument("--folder", required=True, type=pathlib.Path)
     parser.add_argument("--pictures", type=pathlib.Path, help="a folder for pictures of the dialogs")
+    parser.add_argument("--time-lists", type=pathlib.Path, metavar="CUBE",
+                        help="time the lists of a cube with very many accounts instead")
     parser.add_argument("--only", default="", help="a part of a case's name")
     options = parser.parse_args()
 
@@ -244,7 +260,7 @@ def main():
     signal.signal(signal.SIGTERM, lambda *_: sys.exit(1)) # everything is ended then, too
     failures = 0
     with Screen(folder, options.server, options.classes) as screen:
-        for case in CASES:
+        for case in [print_times_of_wide_lists] if options.time_lists else CASES:
             if options.only not in case.__name__:
                 continue
             start = time.monotonic()
