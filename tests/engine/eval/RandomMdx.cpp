@@ -1,0 +1,434 @@
+#include "tests/engine/eval/RandomMdx.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace qel::engine::plain {
+
+namespace {
+
+std::vector<Tuple> Singles(const std::vector<int>& members) {
+    std::vector<Tuple> tuples;
+    tuples.reserve(members.size());
+    for (const int member : members) {
+        tuples.push_back({member});
+    }
+    return tuples;
+}
+
+Set Constant(std::string text, std::size_t hierarchy, const std::vector<int>& members) {
+    return {std::move(text), {hierarchy}, [tuples = Singles(members)](const World&, const Place&) {
+                return tuples;
+            }};
+}
+
+bool Contains(const std::vector<Tuple>& tuples, const Tuple& tuple) {
+    return std::find(tuples.begin(), tuples.end(), tuple) != tuples.end();
+}
+
+/// The tuples of the left that the right has or lacks, once each.
+std::vector<Tuple> Kept(const std::vector<Tuple>& left, const std::vector<Tuple>& right, bool isInRight) {
+    std::vector<Tuple> kept;
+    for (const Tuple& tuple : left) {
+        if (Contains(right, tuple) == isInRight && !Contains(kept, tuple)) {
+            kept.push_back(tuple);
+        }
+    }
+    return kept;
+}
+
+std::vector<Tuple> Joined(std::vector<Tuple> left, const std::vector<Tuple>& right) {
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+Set Combined(const char* form, const Set& left, const Set& right,
+             std::vector<Tuple> (*combine)(const std::vector<Tuple>&, const std::vector<Tuple>&)) {
+    return {fmt::format(fmt::runtime(form), left.text, right.text), left.shape,
+            [left, right, combine](const World& world, const Place& place) {
+                return combine(left.at(world, place), right.at(world, place));
+            }};
+}
+
+Number Binary(const Number& left, const char* sign, const Number& right,
+              Value (*apply)(const Value&, const Value&)) {
+    return {fmt::format("({} {} {})", left.text, sign, right.text),
+            [left, right, apply](const World& world, const Place& place) {
+                return apply(left.at(world, place), right.at(world, place));
+            }};
+}
+
+/// Tuples by a value; equal ones stay in their order.
+std::vector<Tuple> Sorted(const World& world, const Place& place, const Set& set, const Number& by,
+                          bool descends) {
+    std::vector<std::pair<Value, Tuple>> valued;
+    for (const Tuple& tuple : set.at(world, place)) {
+        valued.emplace_back(by.at(world, With(place, set.shape, tuple)), tuple);
+    }
+    std::stable_sort(valued.begin(), valued.end(), [descends](const auto& a, const auto& b) {
+        return descends ? Compare(b.first, a.first) < 0 : Compare(a.first, b.first) < 0;
+    });
+    std::vector<Tuple> sorted;
+    sorted.reserve(valued.size());
+    for (const auto& [value, tuple] : valued) {
+        sorted.push_back(tuple);
+    }
+    return sorted;
+}
+
+} // namespace
+
+Set RandomMdx::Leaf(std::size_t hierarchy) {
+    const Hierarchy& tree = cube_.hierarchies[hierarchy];
+    std::vector<int> members;
+    std::string text;
+    for (std::size_t count = 1 + Below(4); count > 0; --count) {
+        members.push_back(AnyMember(hierarchy));
+        text += (text.empty() ? "" : ", ") + tree.members[static_cast<std::size_t>(members.back())].path;
+    }
+    return Constant("{" + text + "}", hierarchy, members);
+}
+
+Set RandomMdx::Family(std::size_t hierarchy) {
+    const Hierarchy& tree = cube_.hierarchies[hierarchy];
+    const int member = AnyMember(hierarchy);
+    const std::string& path = tree.members[static_cast<std::size_t>(member)].path;
+    const int level = static_cast<int>(Below(tree.levels.size()));
+    switch (Below(4)) {
+    case 0:
+        return Constant(path + ".Children", hierarchy, tree.Children(member));
+    case 1: {
+        std::vector<int> below;
+        for (const int other : tree.OfLevel(level)) {
+            if (tree.AncestorAt(other, tree.members[static_cast<std::size_t>(member)].level) == member) {
+                below.push_back(other);
+            }
+        }
+        return Constant(fmt::format("Descendants({}, {}.Levels({}))", path, tree.uniqueName, level),
+                        hierarchy, below);
+    }
+    case 2: {
+        const std::string& name = tree.levels[static_cast<std::size_t>(level)];
+        const bool isHierarchyToo = name == tree.dimension; // which the name would mean
+        return Constant(fmt::format("{}.{}.Members", tree.uniqueName,
+                                    isHierarchyToo ? fmt::format("Levels({})", level) : "[" + name + "]"),
+                        hierarchy, tree.OfLevel(level));
+    }
+    default: {
+        std::vector<int> ancestors;
+        for (int step = member; step != noParent;
+             step = tree.members[static_cast<std::size_t>(step)].parent) {
+            ancestors.push_back(step);
+        }
+        return Constant("Ascendants(" + path + ")", hierarchy, ancestors);
+    }
+    }
+}
+
+/// Neighbours on a level: a range of members, or periods up to one.
+Set RandomMdx::Range(std::size_t hierarchy) {
+    const Hierarchy& tree = cube_.hierarchies[hierarchy];
+    const int member = AnyMember(hierarchy);
+    const std::vector<int> level = tree.OfLevel(tree.members[static_cast<std::size_t>(member)].level);
+    const auto at = std::find(level.begin(), level.end(), member);
+    const auto path = [&](int number) { return tree.members[static_cast<std::size_t>(number)].path; };
+    if (OneIn(2)) {
+        const auto count = static_cast<std::ptrdiff_t>(1 + Below(6));
+        const auto first = at - level.begin() < count ? level.begin() : at + 1 - count;
+        return Constant(fmt::format("LastPeriods({}, {})", count, path(member)), hierarchy, {first, at + 1});
+    }
+    const auto other = level.begin() + static_cast<std::ptrdiff_t>(Below(level.size()));
+    return Constant(fmt::format("{{{} : {}}}", path(member), path(*other)), hierarchy,
+                    {std::min(at, other), std::max(at, other) + 1});
+}
+
+/// Tuples of a set by the values of their cells.
+Set RandomMdx::Chosen(std::size_t hierarchy, int depth) {
+    const Set set = SetOver(hierarchy, depth - 1);
+    if (OneIn(2)) {
+        const Condition condition = ConditionOf(1);
+        return {fmt::format("Filter({}, {})", set.text, condition.text), set.shape,
+                [set, condition](const World& world, const Place& place) {
+                    std::vector<Tuple> kept;
+                    for (const Tuple& tuple : set.at(world, place)) {
+                        if (condition.at(world, With(place, set.shape, tuple))) {
+                            kept.push_back(tuple);
+                        }
+                    }
+                    return kept;
+                }};
+    }
+    const Number by = NumberOf(1);
+    const bool descends = OneIn(2);
+    if (OneIn(2)) {
+        return {
+            fmt::format("Order({}, {}, {})", set.text, by.text, descends ? "BDESC" : "BASC"), set.shape,
+            [=](const World& world, const Place& place) { return Sorted(world, place, set, by, descends); }};
+    }
+    const std::size_t count = Below(4);
+    return {fmt::format("{}({}, {}, {})", descends ? "TopCount" : "BottomCount", set.text, count, by.text),
+            set.shape, [=](const World& world, const Place& place) {
+                std::vector<Tuple> sorted = Sorted(world, place, set, by, descends);
+                sorted.resize(std::min(count, sorted.size()));
+                return sorted;
+            }};
+}
+
+Set RandomMdx::SetOver(std::size_t hierarchy, int depth, bool onlyStored) {
+    if (depth <= 0) {
+        const std::size_t kind = Below(3);
+        return kind == 0 ? Leaf(hierarchy) : kind == 1 ? Family(hierarchy) : Range(hierarchy);
+    }
+    if (!onlyStored && OneIn(3)) {
+        return Chosen(hierarchy, depth);
+    }
+    const Set left = SetOver(hierarchy, depth - 1, onlyStored);
+    const Set right = SetOver(hierarchy, depth - 1, onlyStored);
+    using Tuples = std::vector<Tuple>;
+    switch (Below(6)) {
+    case 0:
+        return Combined("Union({}, {})", left, right, [](const Tuples& a, const Tuples& b) {
+            return Kept(Joined(a, b), Joined(a, b), true);
+        });
+    case 1:
+        return Combined("{{{}, {}}}", left, right,
+                        [](const Tuples& a, const Tuples& b) { return Joined(a, b); });
+    case 2:
+        return Combined("Except({}, {})", left, right,
+                        [](const Tuples& a, const Tuples& b) { return Kept(a, b, false); });
+    case 3:
+        return Combined("Intersect({}, {})", left, right,
+                        [](const Tuples& a, const Tuples& b) { return Kept(a, b, true); });
+    case 4:
+        return Combined("Head({}, Count({}))", left, right, [](const Tuples& a, const Tuples& b) {
+            return Tuples(a.begin(), a.begin() + static_cast<std::ptrdiff_t>(std::min(a.size(), b.size())));
+        });
+    default:
+        return Combined("Tail({}, Count({}))", left, right, [](const Tuples& a, const Tuples& b) {
+            return Tuples(a.end() - static_cast<std::ptrdiff_t>(std::min(a.size(), b.size())), a.end());
+        });
+    }
+}
+
+Set RandomMdx::Crossed(Set left, Set right) {
+    std::vector<std::size_t> shape = left.shape;
+    shape.insert(shape.end(), right.shape.begin(), right.shape.end());
+    std::string text = OneIn(2) ? fmt::format("CrossJoin({}, {})", left.text, right.text)
+                                : fmt::format("{} * {}", left.text, right.text);
+    return {
+        std::move(text), shape, [left, right](const World& world, const Place& place) {
+            const auto& hierarchies = world.GetCube().hierarchies;
+            /// Members of one dimension that share no value do not meet.
+            const auto meet = [&](const Tuple& a, const Tuple& b) {
+                for (std::size_t i = 0; i < a.size(); ++i) {
+                    for (std::size_t j = 0; j < b.size(); ++j) {
+                        const std::size_t one = left.shape[i];
+                        const std::size_t two = right.shape[j];
+                        if (std::max(one, two) >= hierarchies.size() || std::max(a[i], b[j]) >= calculated ||
+                            hierarchies[one].dimension != hierarchies[two].dimension ||
+                            hierarchies[one].column == noColumn) {
+                            continue;
+                        }
+                        const auto& values = hierarchies[one].members[static_cast<std::size_t>(a[i])].values;
+                        const auto& others = hierarchies[two].members[static_cast<std::size_t>(b[j])].values;
+                        if (std::none_of(values.begin(), values.end(),
+                                         [&](const auto& value) { return others.count(value) > 0; })) {
+                            return false;
+                        }
+                    }
+                }
+                return true;
+            };
+            std::vector<Tuple> tuples;
+            const std::vector<Tuple> rights = right.at(world, place);
+            for (const Tuple& a : left.at(world, place)) {
+                for (const Tuple& b : rights) {
+                    if (meet(a, b)) {
+                        tuples.push_back(a);
+                        tuples.back().insert(tuples.back().end(), b.begin(), b.end());
+                    }
+                }
+            }
+            return tuples;
+        }};
+}
+
+/// A cell that names its measure, and perhaps a member.
+Number RandomMdx::Reading() {
+    const std::size_t measures = cube_.hierarchies.size();
+    std::vector<std::size_t> shape{measures};
+    Tuple tuple{static_cast<int>(Below(3))};
+    const World world(cube_);
+    std::string text = world.PathOf(measures, tuple[0]);
+    if (OneIn(3)) {
+        shape.push_back(AnyHierarchy());
+        tuple.push_back(AnyMember(shape[1]));
+        text = fmt::format("({}, {})", text, world.PathOf(shape[1], tuple[1]));
+    }
+    return {text, [shape, tuple](const World& at, const Place& place) {
+                return at.CellAt(With(place, shape, tuple));
+            }};
+}
+
+/// A number over a set.
+Number RandomMdx::OverSet(int depth) {
+    const Set set = SetOver(AnyHierarchy(), static_cast<int>(Below(2)), OneIn(2));
+    const Number number = NumberOf(depth - 1);
+    const std::size_t kind = Below(5);
+    constexpr const char* names[] = {"Sum", "Avg", "Min", "Max"};
+    if (kind == 4) {
+        return {fmt::format("Count(CrossJoin({}, {{[Measures].[Lines]}}), EXCLUDEEMPTY)", set.text),
+                [set](const World& world, const Place& place) {
+                    std::int64_t count = 0;
+                    for (const Tuple& tuple : set.at(world, place)) {
+                        Place cell = With(place, set.shape, tuple);
+                        cell.back() = 2;
+                        count += world.CellAt(cell).isEmpty ? 0 : 1;
+                    }
+                    return Exact(count, 0);
+                }};
+    }
+    return {fmt::format("{}({}, {})", names[kind], set.text, number.text),
+            [set, number, kind](const World& world, const Place& place) {
+                Value total;
+                std::int64_t count = 0;
+                for (const Tuple& tuple : set.at(world, place)) {
+                    const Value value = number.at(world, With(place, set.shape, tuple));
+                    count += value.isEmpty ? 0 : 1;
+                    if (kind < 2) {
+                        total = Plus(total, value);
+                    } else if (!value.isEmpty && (total.isEmpty || (kind == 2 ? Compare(value, total) < 0
+                                                                              : Compare(value, total) > 0))) {
+                        total = value;
+                    }
+                }
+                return kind == 1 && count > 0 ? Inexact(total.number / static_cast<double>(count)) : total;
+            }};
+}
+
+Number RandomMdx::NumberOf(int depth) {
+    if (depth <= 0) {
+        return Reading();
+    }
+    const auto literal = [&]() -> Number {
+        const auto tenths = static_cast<std::int64_t>(Below(60));
+        return {fmt::format("{}.{}", tenths / 10, tenths % 10),
+                [tenths](const World&, const Place&) { return Exact(tenths, 1); }};
+    };
+    switch (Below(8)) {
+    case 0:
+        return Binary(NumberOf(depth - 1), "+", NumberOf(depth - 1), Plus);
+    case 1:
+        return Binary(NumberOf(depth - 1), "-", NumberOf(depth - 1),
+                      [](const Value& a, const Value& b) { return Plus(a, Minus(b)); });
+    case 2:
+        return Binary(NumberOf(depth - 1), "*", literal(), Times);
+    case 3: {
+        const Condition condition = ConditionOf(depth - 1);
+        const Number yes = NumberOf(depth - 1);
+        const Number no = NumberOf(depth - 1);
+        return {fmt::format("IIf({}, {}, {})", condition.text, yes.text, no.text),
+                [=](const World& world, const Place& place) {
+                    return condition.at(world, place) ? yes.at(world, place) : no.at(world, place);
+                }};
+    }
+    case 4: {
+        const Number first = NumberOf(depth - 1);
+        const Number other = literal();
+        return {fmt::format("CoalesceEmpty({}, {})", first.text, other.text),
+                [=](const World& world, const Place& place) {
+                    const Value value = first.at(world, place);
+                    return value.isEmpty ? other.at(world, place) : value;
+                }};
+    }
+    case 5: {
+        const Number inner = NumberOf(depth - 1);
+        return {fmt::format("Abs({})", inner.text), [inner](const World& world, const Place& place) {
+                    const Value value = inner.at(world, place);
+                    return value.number < 0 ? Minus(value) : value;
+                }};
+    }
+    default:
+        return OverSet(depth);
+    }
+}
+
+Condition RandomMdx::ConditionOf(int depth) {
+    if (depth > 0 && OneIn(3)) {
+        const Condition left = ConditionOf(depth - 1);
+        const Condition right = ConditionOf(depth - 1);
+        const bool both = OneIn(2);
+        return {fmt::format("({} {} NOT {})", left.text, both ? "AND" : "OR", right.text),
+                [=](const World& world, const Place& place) {
+                    const bool a = left.at(world, place);
+                    const bool b = !right.at(world, place);
+                    return both ? a && b : a || b;
+                }};
+    }
+    const std::size_t hierarchy = AnyHierarchy();
+    const Hierarchy& tree = cube_.hierarchies[hierarchy];
+    const int member = AnyMember(hierarchy);
+    switch (Below(4)) {
+    case 0: {
+        const Number number = NumberOf(depth - 1);
+        return {fmt::format("IsEmpty({})", number.text),
+                [number](const World& world, const Place& place) { return number.at(world, place).isEmpty; }};
+    }
+    case 1:
+        return {fmt::format("{}.CurrentMember IS {}", tree.uniqueName,
+                            tree.members[static_cast<std::size_t>(member)].path),
+                [=](const World&, const Place& place) { return place[hierarchy] == member; }};
+    case 2: {
+        const std::string name = tree.members[static_cast<std::size_t>(member)].name;
+        if (name.find('"') != std::string::npos) {
+            return ConditionOf(depth);
+        }
+        return {fmt::format("{}.CurrentMember.Name = \"{}\"", tree.uniqueName, name),
+                [=](const World& world, const Place& place) {
+                    return world.NameOf(hierarchy, place[hierarchy]) == name;
+                }};
+    }
+    default: {
+        const Number left = NumberOf(depth - 1);
+        const Number right = NumberOf(depth - 1);
+        const bool orEqual = OneIn(2);
+        return {fmt::format("{} {} {}", left.text, orEqual ? "<=" : ">", right.text),
+                [=](const World& world, const Place& place) {
+                    const int order = Compare(left.at(world, place), right.at(world, place));
+                    return orEqual ? order <= 0 : order > 0;
+                }};
+    }
+    }
+}
+
+Number RandomMdx::MemberFormula(std::size_t hierarchy) {
+    const Hierarchy& tree = cube_.hierarchies[hierarchy];
+    if (OneIn(3)) {
+        const int first = AnyMember(hierarchy);
+        const int second = AnyMember(hierarchy);
+        const auto path = [&](int member) { return tree.members[static_cast<std::size_t>(member)].path; };
+        const auto cell = [hierarchy](int member) {
+            return [hierarchy, member](const World& world, const Place& place) {
+                return world.CellAt(With(place, {hierarchy}, {member}));
+            };
+        };
+        return Binary({path(first), cell(first)}, "-", {path(second), cell(second)},
+                      [](const Value& a, const Value& b) { return Plus(a, Minus(b)); });
+    }
+    const Set set = SetOver(hierarchy, static_cast<int>(Below(2)), true);
+    const bool namesMeasure = OneIn(2);
+    return {fmt::format("{}({}{})", OneIn(4) ? "Aggregate" : "Sum", set.text,
+                        namesMeasure ? ", [Measures].[Amount]" : ""),
+            [set, namesMeasure](const World& world, const Place& place) {
+                Value sum;
+                for (const Tuple& tuple : set.at(world, place)) {
+                    Place cell = With(place, set.shape, tuple);
+                    cell.back() = namesMeasure ? 0 : cell.back();
+                    sum = Plus(sum, world.CellAt(cell));
+                }
+                return sum;
+            }};
+}
+
+} // namespace qel::engine::plain

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "tests/engine/eval/PlainMdx.h"
+
+#include <random>
+
+namespace qel::engine::plain {
+
+/// Makes random expressions that are valid over a cube, each as a text and as what it means.
+class RandomMdx {
+public:
+    RandomMdx(const Cube& cube, std::uint32_t seed) : cube_(cube), random_(seed) {}
+
+    std::size_t Below(std::size_t bound) { return random_() % bound; }
+    bool OneIn(std::size_t count) { return Below(count) == 0; }
+    int AnyMember(std::size_t hierarchy) {
+        return static_cast<int>(Below(cube_.hierarchies[hierarchy].members.size()));
+    }
+    std::size_t AnyHierarchy() { return Below(cube_.hierarchies.size()); }
+
+    /// Over one hierarchy; the deeper, the more functions in one another. With `onlyStored` no tuple depends
+    /// on a cell's value.
+    Set SetOver(std::size_t hierarchy, int depth, bool onlyStored = false);
+    /// Of two hierarchies.
+    Set Crossed(Set left, Set right);
+    /// Every cell that it reads names its measure.
+    Number NumberOf(int depth);
+    Condition ConditionOf(int depth);
+    /// A member of the hierarchy, calculated from its stored ones under the current measure.
+    Number MemberFormula(std::size_t hierarchy);
+
+private:
+    Set Leaf(std::size_t hierarchy);
+    Set Family(std::size_t hierarchy);
+    Set Range(std::size_t hierarchy);
+    Set Chosen(std::size_t hierarchy, int depth);
+    Number Reading();
+    Number OverSet(int depth);
+
+    const Cube& cube_;
+    std::mt19937 random_;
+};
+
+} // namespace qel::engine::plain
