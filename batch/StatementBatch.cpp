@@ -1,5 +1,6 @@
 #include "batch/StatementBatch.h"
 
+#include "batch/BatchedConnection.h"
 #include "batch/GridPlan.h"
 #include "batch/GridRunner.h"
 #include "batch/ValueStatementParts.h"
@@ -49,7 +50,7 @@ private:
     Cellset& Real() const {
         if (!real_) {
             real_ = batch_.provider_.CreateCellset();
-            real_->Open(source_, connection_);
+            real_->Open(source_, RealConnection(connection_));
         }
         return *real_;
     }
@@ -61,7 +62,25 @@ private:
     mutable std::unique_ptr<Cellset> real_;
 };
 
+std::shared_ptr<Connection> StatementBatch::CreateConnection() {
+    return std::make_shared<BatchedConnection>(provider_.CreateConnection(),
+                                               [this](const std::string& text) { return HasAnswers(text); });
+}
+
+std::unique_ptr<Catalog> StatementBatch::CreateCatalog() {
+    return OverBatchedConnections(provider_.CreateCatalog());
+}
+
 std::unique_ptr<Cellset> StatementBatch::CreateCellset() { return std::make_unique<BatchedCellset>(*this); }
+
+std::unique_ptr<Recordset> StatementBatch::CreateRecordset() {
+    return OverBatchedConnections(provider_.CreateRecordset());
+}
+
+bool StatementBatch::HasAnswers(const std::string& connectionText) const {
+    const auto answers = byConnection_.find(connectionText);
+    return !isCollecting_ && answers != byConnection_.end() && !answers->second.outcomes.empty();
+}
 
 void StatementBatch::Collect(const std::string& statement, const std::string& connectionText) {
     auto& answers = byConnection_[connectionText];

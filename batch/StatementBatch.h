@@ -37,10 +37,12 @@ public:
     /// Forgets the answers, so that the next evaluation asks anew.
     void Forget();
 
-    std::shared_ptr<Connection> CreateConnection() override { return provider_.CreateConnection(); }
-    std::unique_ptr<Catalog> CreateCatalog() override { return provider_.CreateCatalog(); }
+    /// The connections are used no longer than the batch. With answers over one it stays open, even when
+    /// its server is lost.
+    std::shared_ptr<Connection> CreateConnection() override;
+    std::unique_ptr<Catalog> CreateCatalog() override;
     std::unique_ptr<Cellset> CreateCellset() override;
-    std::unique_ptr<Recordset> CreateRecordset() override { return provider_.CreateRecordset(); }
+    std::unique_ptr<Recordset> CreateRecordset() override;
 
 private:
     friend class BatchedCellset;
@@ -52,6 +54,7 @@ private:
         std::unordered_map<std::string, Outcome> outcomes;
     };
 
+    bool HasAnswers(const std::string& connectionText) const;
     void Collect(const std::string& statement, const std::string& connectionText);
     const Outcome* Find(const std::string& statement, const std::string& connectionText) const;
     BatchTotals Run(const std::string& connectionText, Answers& answers);

@@ -49,10 +49,10 @@ LateResults::Any LateResults::Ask(ServerCall call) {
 LateResults::Entry& LateResults::EntryOf(const ServerCall& call) {
     Entry& entry = entries_[call.key];
     if (!entry.result.is())
-        entry.result = new LateResult([mine = weak_from_this(), key = call.key] {
+        entry.result = rtl::Reference<LateResult>(new LateResult([mine = weak_from_this(), key = call.key] {
             if (const auto results = mine.lock())
                 results->Forget(key);
-        });
+        }));
     return entry;
 }
 

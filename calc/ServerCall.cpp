@@ -51,6 +51,7 @@ private:
 
 } // namespace
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the class changes its texts
 Variant Evaluate(OrmQelFunction& function, ValueArguments arguments) {
     auto& [cubeFile, cubeName, obsName, obsNumber, obsLevel, obsMember, activities, summaryGroup, seifLevel,
            accounts, measure, moneySet, plbs, rh, firma, openingBalance, fromDate, toDate] = arguments;

@@ -65,7 +65,7 @@ std::shared_ptr<LateResults> MakeServerResults(const uno::Reference<uno::XCompon
         } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office has ended
         }
     });
-    *delivery = new Delivery(results);
+    *delivery = uno::Reference<awt::XCallback>(new Delivery(results));
     frame::Desktop::create(context)->addTerminateListener(new EndOfOffice(results));
     return results;
 }

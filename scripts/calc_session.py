@@ -2,6 +2,7 @@
 
 Needs the Python that has LibreOffice's bindings: /usr/bin/python3 on Debian.
 """
+import contextlib
 import ctypes
 import os
 import pathlib
@@ -117,7 +118,7 @@ class Office:
                 if self.process is None or self.process.poll() == FIRST_START:
                     self.process = subprocess.Popen(command, cwd=self.folder, env=environment,
                                                     stdin=subprocess.DEVNULL, stdout=log, stderr=log,
-                                                    preexec_fn=die_with_parent)
+                                                    start_new_session=True, preexec_fn=die_with_parent)
                 elif self.process.poll() == 0:
                     raise OfficeError("an office runs with this profile already; end it first")
                 elif self.process.poll() is not None:
@@ -163,9 +164,12 @@ class Office:
         self.kill()
 
     def kill(self):
-        if self.process is not None and self.process.poll() is None:
-            self.process.kill()
-            self.process.wait()
+        """Ends the office's process and whatever it started, which are a group of their own."""
+        if self.process is None:
+            return
+        with contextlib.suppress(ProcessLookupError):
+            os.killpg(self.process.pid, signal.SIGKILL)
+        self.process.wait()
 
 
 def fresh_profile(folder, package):

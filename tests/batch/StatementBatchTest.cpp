@@ -177,5 +177,32 @@ TEST(StatementBatch, StaysRightWhenTheServerIsLostOnTheWay) {
     }
 }
 
+TEST(StatementBatch, TellsWhatCameBeforeTheServerWasLostForGood) {
+    AccountsServer server;
+    server.lostAfter = 2; // the grid with the unknown account fails, one half of it is answered
+    StatementBatch batch(server);
+    const auto connection = batch.CreateConnection();
+    connection->Open("Data Source=x", "", "", optionsUnspecified);
+    const auto each = [&](const auto& visit) {
+        for (int account = 0; account < 10; ++account)
+            for (int month = 1; month <= 6; ++month)
+                visit(account, month);
+    };
+    batch.StartCollecting();
+    each([&](int account, int month) { Evaluate(batch, connection, account, month); });
+    batch.Run();
+    EXPECT_TRUE(server.IsLost());
+    EXPECT_EQ(connection->State(), stateOpen) << "a formula would open it again, in vain";
+    int told = 0;
+    each([&](int account, int month) {
+        const std::string value = Evaluate(batch, connection, account, month);
+        told += value == ValueAlone(account, month) && account != 7;
+        EXPECT_TRUE(value == ValueAlone(account, month) || value.starts_with("error")) << value;
+    });
+    EXPECT_EQ(told, 30);
+    batch.Forget();
+    EXPECT_EQ(connection->State(), stateClosed);
+}
+
 } // namespace
 } // namespace qel::batch

@@ -54,11 +54,14 @@ private:
 /// An office that gets results: its main thread is the test's.
 class Office {
 public:
+    Office() = default;
     ~Office() { results->Stop(); }
+    Office(const Office&) = delete;
+    Office& operator=(const Office&) = delete;
 
     /// Gives the plain value, or listens to the late one.
-    Any Ask(const std::string& key, std::function<Variant()> evaluate, const rtl::Reference<Cells>& cells,
-            const std::string& server = "http://a/xmla") {
+    Any Ask(const std::string& key, const std::function<Variant()>& evaluate,
+            const rtl::Reference<Cells>& cells, const std::string& server = "http://a/xmla") {
         const Any answer =
             results->Ask({server, key, {}, true, [evaluate](OrmQelFunction&) { return evaluate(); }});
         if (uno::Reference<sheet::XVolatileResult> late; answer >>= late) {
