@@ -9,6 +9,12 @@ from person import Call, Person, eventually, screen
 from com.sun.star.accessibility.AccessibleRole import LABEL, TEXT
 
 os.environ["XDG_CONFIG_HOME"] = str(WORK / "config")
+TOOLBAR = "private:resource/toolbar/addon_OrmFunctionQel4.ToolBar"
+MACRO = """
+Function ShowWizard
+    ShowWizard = CreateUnoService("OrmFunctionQel4.Wizards").ShowFormGetVal(ThisComponent.CurrentSelection)
+End Function
+"""
 
 
 class Wizards(unittest.TestCase):
@@ -91,6 +97,38 @@ class Wizards(unittest.TestCase):
         dialog.button("Cancel").press()
         self.assertEqual(call.wait(), " ")
         self.assertEqual(self.cell.Formula, "")
+
+    def test_the_menu_and_the_toolbar_show_the_wizards(self):
+        run_qel("settings", "set", "QelUILanguage", "0")
+        frame = self.document.CurrentController.Frame
+        toolbar = eventually("the toolbar", lambda: frame.LayoutManager.getElement(TOOLBAR))
+        title = toolbar.getRealInterface().getAccessibleContext().getAccessibleName()
+        self.assertEqual(title, "Qel")
+        dispatcher = self.office.service("com.sun.star.frame.DispatchHelper")
+        for command, caption in (("ShowFormGetVal", "Function QEL"), ("ShowFormQelName", "Name QEL")):
+            call = Call(dispatcher.executeDispatch, frame, f"service:OrmFunctionQel4.Wizards?{command}", "_self", 0, ())
+            dialog = self.person.sees(caption)
+            dialog.button("Cancel").press()
+            call.wait()
+            eventually("the dialog's end", lambda: caption not in [window.title for window in self.person.all_windows()])
+
+    def test_a_basic_macro_writes_the_formula_or_the_table_of_its_arguments(self):
+        run_qel("settings", "set", "QelUILanguage", "0")
+        basic = self.office.service("com.sun.star.script.ApplicationScriptLibraryContainer")
+        if not basic.hasByName("QelTest"):
+            basic.createLibrary("QelTest").insertByName("Macros", MACRO)
+        script = self.office.service("com.sun.star.script.provider.MasterScriptProviderFactory").createScriptProvider(
+            "").getScript("vnd.sun.star.script:QelTest.Macros.ShowWizard?language=Basic&location=application")
+        call = Call(script.invoke, (), (), ())
+        dialog = self.person.sees("Function QEL")
+        self.open_cube(dialog)
+        dialog.after("Account type").choose("SuperSum1")
+        eventually("the list of groups", lambda: dialog.after("Summary Group").items)
+        dialog.after("Summary Group").choose("Revenue")
+        dialog.button("OK").press()
+        arguments = call.wait()[0]
+        self.assertIn('"SuperSum1"', arguments)
+        self.assertTrue(self.cell.Formula.startswith("=ORMFUNCTIONQEL4.ORMQELFUNCTION.QELF1("), self.cell.Formula)
 
     def test_in_hebrew_the_dialog_is_mirrored(self):
         run_qel("settings", "set", "QelUILanguage", "1")
