@@ -1,6 +1,7 @@
 #include "bench/BenchData.h"
 #include "bench/DuckDbPeer.h"
 #include "bench/FormulaMix.h"
+#include "bench/Listings.h"
 #include "bench/SqlitePeer.h"
 #include "bench/Workload.h"
 
@@ -93,6 +94,16 @@ std::size_t ComparePeer(Report& report, const std::string& name, const Run& run,
     return differences;
 }
 
+void PrintListings(const BenchOptions& options, const BenchData& data, LedgerCube cube, Report& report) {
+    double slowest = 0;
+    for (const ListingTime& listing : MeasureListings(data, cube, options.rounds)) {
+        fmt::print("  list of {:<36}{:>8} members{:>11.2f} ms\n", listing.what, listing.members,
+                   listing.milliseconds);
+        slowest = std::max(slowest, listing.milliseconds);
+    }
+    report.Number("slowest list ms", slowest);
+}
+
 /// Times the formulas of one cube. Returns how many values differ from a peer's.
 std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePeer& sqlite,
                     DuckDbPeer* duckDb, LedgerCube cube, Report& report) {
@@ -115,6 +126,8 @@ std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePe
         report.Number(fmt::format("threads {} per second", threads), perSecond);
         fmt::print("  formulas a second by the clock, {} threads: {:.0f}\n", threads, perSecond);
     }
+
+    PrintListings(options, data, cube, report);
 
     std::vector<Selection> first(all.Formulas().begin(),
                                  all.Formulas().begin() + static_cast<std::ptrdiff_t>(std::min(
