@@ -5,12 +5,15 @@
 #include "tests/engine/FileSizeLimit.h"
 #include "tests/engine/storage/SmallCube.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <numeric>
 #include <string>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace qel::engine {
 namespace {
@@ -444,6 +447,51 @@ TEST(CubeFile, AppearsOnlyWhenItIsComplete) {
 
     EXPECT_THROW(CubeFileWriter(folder.Path("absent/a.cub")), EngineError);
     EXPECT_THROW(CubeFileWriter(folder.Path()), EngineError);
+}
+
+/// Runs `work` in a process without the superuser's rights and gives what it returns as a message.
+std::string AsAnyUser(const TemporaryFolder& folder, const std::function<std::string()>& work) {
+    const auto answer = folder.Write("answer", "");
+    std::filesystem::permissions(answer, std::filesystem::perms::all);
+    const pid_t child = fork();
+    if (child == 0) {
+        constexpr unsigned nobody = 65534;
+        const bool mayDoAll = geteuid() == 0;
+        if (mayDoAll && (setgid(nobody) != 0 || setuid(nobody) != 0))
+            _exit(1);
+        std::ofstream(answer) << work();
+        _exit(0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    return folder.Read("answer");
+}
+
+TEST(CubeFile, NoPermissionIsAnErrorThatSaysSo) {
+    const TemporaryFolder folder;
+    SmallCube().Write(folder.Path("a.cub"));
+    folder.Write("answer", ""); // while the folder takes new files
+    std::filesystem::permissions(folder.Path("a.cub"), std::filesystem::perms::none);
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::remove);
+    const auto messageOf = [](const std::function<void()>& work) -> std::string {
+        try {
+            work();
+        } catch (const EngineError& error) {
+            return fmt::format("{}: {}", error.Kind() == ErrorKind::FileNotFound ? "read" : "write",
+                               error.what());
+        }
+        return "nothing";
+    };
+    EXPECT_THAT(AsAnyUser(folder, [&] { return messageOf([&] { CubeFile::Open(folder.Path("a.cub")); }); }),
+                AllOf(testing::StartsWith("read: "), testing::EndsWith("a.cub: Permission denied")));
+    EXPECT_THAT(
+        AsAnyUser(folder, [&] { return messageOf([&] { SmallCube().Write(folder.Path("new.cub")); }); }),
+        AllOf(testing::StartsWith("write: "),
+              testing::EndsWith("new.cub: cannot be written: Permission denied")));
+    std::filesystem::permissions(folder.Path(), std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::add);
 }
 
 TEST(CubeFile, AFullDiskIsAnError) {

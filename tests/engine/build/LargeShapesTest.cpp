@@ -1,0 +1,117 @@
+#include "engine/build/BuildCube.h"
+#include "engine/eval/Query.h"
+#include "engine/storage/CubeFile.h"
+#include "tests/TemporaryFolder.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdint>
+#include <iterator>
+#include <map>
+#include <string>
+
+namespace qel::engine {
+namespace {
+
+using test::TemporaryFolder;
+
+constexpr std::uint32_t accountCount = 1'000'000; // a line each
+constexpr std::uint32_t groupCount = 7;
+
+constexpr std::string_view definition = R"({
+  "tables": { "ledger": { "file": "ledger.csv" }, "accounts": { "file": "accounts.csv" } },
+  "cubes": [ { "name": "Large", "facts": "ledger",
+    "dimensions": [
+      { "name": "Date", "column": "date", "calendar": { "periods": "days" } },
+      { "name": "Accounts", "column": "account", "table": "accounts", "key": "code", "hierarchies": [
+        { "name": "Codes", "levels": [ { "name": "Group", "key": "group" }, { "name": "Code", "key": "code" } ] } ] },
+      { "name": "Firm", "column": "firm" } ],
+    "measures": [ { "name": "Amount", "column": "amount" } ] } ] })";
+
+/// A million accounts, every day of thirty years, one firm.
+struct LargeLedger {
+    std::int64_t total = 0;
+    std::map<std::uint32_t, std::int64_t> byGroup;
+    std::map<int, std::int64_t> byYear;
+    std::map<std::string, std::int64_t> byDay; ///< as their path in the cube
+
+    explicit LargeLedger(const TemporaryFolder& folder) {
+        using namespace std::chrono;
+        const sys_days firstDay = year(1995) / January / 1;
+        const auto days = static_cast<std::uint32_t>((sys_days(year(2025) / January / 1) - firstDay).count());
+        std::string ledger = "date,account,firm,amount\n";
+        std::string accounts = "code,group\n";
+        for (std::uint32_t i = 0; i < accountCount; ++i) {
+            const std::uint32_t code = 5'000'000 + i;
+            const year_month_day date(firstDay + std::chrono::days(i % days));
+            const auto yearNumber = static_cast<int>(date.year());
+            const auto month = static_cast<unsigned>(date.month());
+            const auto day = static_cast<unsigned>(date.day());
+            const std::int64_t cents = std::int64_t{i} * 7919 % 2'000'001 - 1'000'000;
+            fmt::format_to(std::back_inserter(ledger), "{}-{:02}-{:02},{},1,{}{}.{:02}\n", yearNumber, month,
+                           day, code, cents < 0 ? "-" : "", std::abs(cents) / 100, std::abs(cents) % 100);
+            fmt::format_to(std::back_inserter(accounts), "{},{}\n", code, i % groupCount);
+            total += cents;
+            byGroup[i % groupCount] += cents;
+            byYear[yearNumber] += cents;
+            byDay[fmt::format("[{}].[Q{}].[{}].[{}]", yearNumber, (month + 2) / 3, month, day)] += cents;
+        }
+        folder.Write("ledger.csv", ledger);
+        folder.Write("accounts.csv", accounts);
+    }
+};
+
+std::int64_t Cents(const Cube& cube, const std::string& slicer) {
+    const Cellset cellset = RunStatement(cube, "SELECT FROM Large WHERE (" + slicer + ")");
+    const CellValue& cell = cellset.Cell({});
+    EXPECT_TRUE(cell.isExact) << slicer;
+    EXPECT_EQ(cell.decimals, 2) << slicer;
+    return cell.scaled;
+}
+
+TEST(LargeShapes, MillionAccountsThirtyYearsOfDaysAndOneFirm) {
+    const TemporaryFolder folder;
+    const LargeLedger ledger(folder);
+    BuildOptions options;
+    options.definition = folder.Write("large.json", definition);
+    options.output = folder.Path("large.cub");
+    BuildCube(options);
+    const auto cube = CubeFile::Open(options.output)->FindCube("Large");
+
+    EXPECT_EQ(Cents(*cube, "[Firm].[1]"), ledger.total);
+    for (const auto& [group, cents] : ledger.byGroup) {
+        EXPECT_EQ(Cents(*cube, fmt::format("[Accounts].[{}]", group)), cents) << group;
+    }
+    for (const auto& [year, cents] : ledger.byYear) {
+        EXPECT_EQ(Cents(*cube, fmt::format("[Date].[{}]", year)), cents) << year;
+    }
+    std::size_t number = 0;
+    for (const auto& [day, cents] : ledger.byDay) {
+        if (++number % 97 == 0) {
+            EXPECT_EQ(Cents(*cube, "[Date].[All]." + day + ", [Firm].[1]"), cents) << day;
+        }
+    }
+    for (std::uint32_t i = 0; i < accountCount; i += accountCount / 500) {
+        EXPECT_EQ(Cents(*cube, fmt::format("[Accounts].[Codes].[Code].[{}]", 5'000'000 + i)),
+                  std::int64_t{i} * 7919 % 2'000'001 - 1'000'000);
+    }
+    // Of a group's accounts those with lines in a month.
+    const Cellset listed = RunStatement(
+        *cube, "SELECT NON EMPTY [Accounts].[3].Children ON 0 FROM Large WHERE [Date].[2024].[Q1].[2]");
+    std::int64_t sum = 0;
+    for (std::size_t i = 0; i < listed.PositionCount(0); ++i) {
+        sum += listed.Cell({i}).scaled;
+    }
+    EXPECT_EQ(sum, Cents(*cube, "[Accounts].[3], [Date].[2024].[Q1].[2]"));
+    EXPECT_GT(listed.PositionCount(0), 360U)
+        << "29 days with 91 lines each, of which a seventh are the group's";
+    EXPECT_LT(listed.PositionCount(0), 390U);
+
+    constexpr std::uint64_t bytesEach = 130; // of an account and its line
+    EXPECT_LT(std::filesystem::file_size(options.output), bytesEach * accountCount);
+}
+
+} // namespace
+} // namespace qel::engine
