@@ -63,7 +63,9 @@ void AddCubeBuildCommand(CLI::App& cube, CommandContext& context) {
     command->footer(footer);
     auto arguments = std::make_shared<BuildArguments>();
     command->add_option("DEFINITION", arguments->definition, "The cube definition (JSON)")->required();
-    command->add_option("-o,--output", arguments->output, "The cube file to write")->required();
+    command->add_option("-o,--output", arguments->output, "The cube file to write")
+        ->required()
+        ->check([](const std::string& file) { return file.empty() ? "names no file" : ""; }, "FILE");
     command->add_option("--skip-bad-lines", arguments->skippedLines,
                         "Write lines that cannot be used to this file and go on");
     command->callback([arguments, &context] { Build(*arguments, context); });

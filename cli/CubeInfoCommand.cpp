@@ -17,8 +17,8 @@ constexpr const char* description = "Show the cubes, dimensions, levels and meas
 
 constexpr const char* footer = R"(Examples:
   qel cube info demo.cub
-  qel cube info demo.cub --members '[OBS].[Level2]'
-  qel cube info demo.cub --members SuperSum1)";
+  qel cube info demo.cub --members '[OBS].[Level2]' --cube LedgerFNC
+  qel cube info demo.cub --members SuperSum1 --cube LedgerHebrewFNC)";
 
 const char* AggregateName(engine::Aggregate aggregate) {
     return aggregate == engine::Aggregate::Sum ? "sum" : "count";
@@ -77,15 +77,19 @@ void PrintMembers(const LevelPlace& place, std::ostream& output) {
     PrintTable(table, output);
 }
 
-void PrintInfo(const std::string& fileName, const std::string& level, CommandContext& context) {
-    RequireCubeFile(fileName);
-    const auto file = engine::CubeFile::Open(PathOfText(fileName));
-    if (!level.empty()) {
-        PrintMembers(FindLevel(*file, level), context.output);
+struct InfoArguments {
+    std::string file, level, cube;
+};
+
+void PrintInfo(const InfoArguments& arguments, CommandContext& context) {
+    RequireCubeFile(arguments.file);
+    const auto file = engine::CubeFile::Open(PathOfText(arguments.file));
+    if (!arguments.level.empty()) {
+        PrintMembers(FindLevel(*file, arguments.level, arguments.cube), context.output);
         return;
     }
-    fmt::print(context.output, "{}: {} bytes, {} cube{}\n", fileName, file->Size(), file->Cubes().size(),
-               file->Cubes().size() == 1 ? "" : "s");
+    fmt::print(context.output, "{}: {} bytes, {} cube{}\n", arguments.file, file->Size(),
+               file->Cubes().size(), file->Cubes().size() == 1 ? "" : "s");
     for (const auto& cube : file->Cubes())
         PrintCube(cube, context.output);
 }
@@ -95,14 +99,13 @@ void PrintInfo(const std::string& fileName, const std::string& level, CommandCon
 void AddCubeInfoCommand(CLI::App& cube, CommandContext& context) {
     auto* command = cube.add_subcommand("info", description);
     command->footer(footer);
-    struct Arguments {
-        std::string file, level;
-    };
-    auto arguments = std::make_shared<Arguments>();
+    auto arguments = std::make_shared<InfoArguments>();
     command->add_option("FILE", arguments->file, "The cube file")->required();
-    command->add_option("--members", arguments->level,
-                        "List the members of this level: name, caption, key, unique name");
-    command->callback([arguments, &context] { PrintInfo(arguments->file, arguments->level, context); });
+    auto* const members = command->add_option(
+        "--members", arguments->level, "List the members of this level: name, caption, key, unique name");
+    command->add_option("--cube", arguments->cube, "The cube of that level, when several have it")
+        ->needs(members);
+    command->callback([arguments, &context] { PrintInfo(*arguments, context); });
 }
 
 } // namespace qel

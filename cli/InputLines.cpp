@@ -1,6 +1,7 @@
 #include "cli/InputLines.h"
 
-#include <iterator>
+#include <array>
+#include <stdexcept>
 #include <string_view>
 
 namespace qel {
@@ -8,6 +9,12 @@ namespace qel {
 namespace {
 
 constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
+/// What cannot be read must not pass for the end.
+void RequireReadable(const std::istream& input) {
+    if (input.bad())
+        throw std::runtime_error("standard input cannot be read");
+}
 
 } // namespace
 
@@ -22,11 +29,16 @@ std::optional<std::string> InputLines::NextFilled() {
         if (line.find_first_not_of(" \t\f\v") != std::string::npos)
             return line;
     }
+    RequireReadable(input_);
     return std::nullopt;
 }
 
 std::string ReadAll(std::istream& input) {
-    std::string text{std::istreambuf_iterator<char>(input), std::istreambuf_iterator<char>()};
+    std::string text;
+    std::array<char, 65536> piece{};
+    while (input.read(piece.data(), piece.size()) || input.gcount() > 0)
+        text.append(piece.data(), static_cast<std::size_t>(input.gcount()));
+    RequireReadable(input);
     if (text.starts_with(byteOrderMark))
         text.erase(0, byteOrderMark.size());
     return text;

@@ -13,7 +13,8 @@ class InputLines {
 public:
     explicit InputLines(std::istream& input) : input_(input) {}
 
-    /// The next line that holds more than blanks, or none at the end.
+    /// The next line that holds more than blanks, or none at the end. Raises std::runtime_error when the
+    /// input cannot be read to its end.
     std::optional<std::string> NextFilled();
     /// The number of the line that was returned last, from 1.
     std::size_t Number() const { return number_; }
@@ -23,7 +24,7 @@ private:
     std::size_t number_ = 0;
 };
 
-/// The whole text without its byte order mark.
+/// The whole text without its byte order mark. Raises std::runtime_error when it cannot be read to its end.
 std::string ReadAll(std::istream& input);
 
 } // namespace qel

@@ -68,6 +68,21 @@ std::string NamesOf(const std::vector<LevelPlace>& places) {
     return names;
 }
 
+/// The levels of the cube of that name, or of all when it is empty.
+std::vector<LevelPlace> LevelsOf(const engine::CubeFile& file, std::string_view cubeName) {
+    std::vector<LevelPlace> levels;
+    for (const auto& cube : file.Cubes()) {
+        if (!cubeName.empty() && !EqualIgnoringCase(cube.Name(), cubeName))
+            continue;
+        for (const auto& hierarchy : cube.Hierarchies())
+            for (const auto& level : hierarchy.Levels())
+                levels.push_back({&cube, &hierarchy, &level});
+    }
+    if (levels.empty())
+        throw std::invalid_argument(fmt::format("The file has no cube '{}'", cubeName));
+    return levels;
+}
+
 } // namespace
 
 std::string FullName(const LevelPlace& place) {
@@ -77,13 +92,9 @@ std::string FullName(const LevelPlace& place) {
                        quoted(place.hierarchy->Name()), quoted(place.level->name));
 }
 
-LevelPlace FindLevel(const engine::CubeFile& file, std::string_view path) {
+LevelPlace FindLevel(const engine::CubeFile& file, std::string_view path, std::string_view cubeName) {
     const auto parts = SplitPath(path);
-    std::vector<LevelPlace> all;
-    for (const auto& cube : file.Cubes())
-        for (const auto& hierarchy : cube.Hierarchies())
-            for (const auto& level : hierarchy.Levels())
-                all.push_back({&cube, &hierarchy, &level});
+    const auto all = LevelsOf(file, cubeName);
     std::vector<LevelPlace> found;
     std::copy_if(all.begin(), all.end(), std::back_inserter(found),
                  [&](const LevelPlace& place) { return Matches(place, parts); });
@@ -91,7 +102,8 @@ LevelPlace FindLevel(const engine::CubeFile& file, std::string_view path) {
         throw std::invalid_argument(fmt::format("There is no level '{}'; there are:{}", path, NamesOf(all)));
     if (found.size() > 1)
         throw std::invalid_argument(
-            fmt::format("Several levels are called '{}', name one in full:{}", path, NamesOf(found)));
+            fmt::format("Several levels are called '{}', name one in full, and its cube with --cube:{}", path,
+                        NamesOf(found)));
     return found.front();
 }
 

@@ -83,6 +83,12 @@ int Run(int argc, char** argv) {
     AddCommands(app, context);
     try {
         app.parse(argc, argv);
+    } catch (const CLI::RequiredError& error) {
+        const auto unknown = app.remaining(true); // a command that is none is one that is missing
+        if (unknown.empty())
+            return app.exit(error, std::cout, std::cerr), wrongUsage;
+        std::cerr << fmt::format("qel: there is no command '{}'; see qel --help\n", unknown.front());
+        return wrongUsage;
     } catch (const CLI::ParseError& error) {
         return app.exit(error, std::cout, std::cerr) == 0 ? succeeded : wrongUsage;
     }
@@ -108,6 +114,8 @@ int main(int argc, char** argv) {
         return Fail(fmt::format("{} (error {})", error.Description(), error.Number()));
     } catch (const qel::engine::EngineError& error) {
         return Fail(fmt::format("{} (error {})", error.what(), static_cast<std::int32_t>(error.Kind())));
+    } catch (const std::bad_alloc&) {
+        return Fail("there is not enough memory");
     } catch (const std::exception& error) {
         return Fail(error.what());
     }

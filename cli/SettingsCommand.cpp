@@ -125,7 +125,12 @@ std::filesystem::path FolderOf(const std::string& value) {
 
 /// One of the suite's registry values.
 void SetRegistryValue(LocalStore& store, const char* name, const std::filesystem::path& path) {
-    std::filesystem::create_directories(store.settingsFile.parent_path());
+    const auto folder = store.settingsFile.parent_path();
+    std::error_code failed;
+    std::filesystem::create_directories(folder, failed);
+    if (failed)
+        throw std::runtime_error(
+            fmt::format("the folder {} cannot be made: {}", TextFromPath(folder), failed.message()));
     store.registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, name, TextFromPath(path));
 }
 

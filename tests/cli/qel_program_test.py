@@ -126,6 +126,16 @@ class Eval(WithBooks):
         self.assertEqual(done.returncode, 1)
         self.assertIn(b"standard output", done.stderr)
 
+    def test_input_that_cannot_be_read_is_no_end(self):
+        for command in (("eval",), ("mdx", self.cube, "BooksFNC", "-")):
+            folder = os.open("/", os.O_RDONLY)
+            try:
+                done = subprocess.run([QEL, *command], stdin=folder, capture_output=True, text=True, timeout=60)
+            finally:
+                os.close(folder)
+            self.assertEqual((done.returncode, done.stdout), (1, ""), command)
+            self.assertIn("standard input cannot be read", done.stderr, command)
+
 
 class Explain(WithBooks):
     def test_shows_keys_texts_and_value(self):
@@ -254,8 +264,12 @@ class Cube(WithBooks):
         self.assertIn('Wages, "regular"  Wages, "regular"  5000', output)
         self.assertIn("[OBS].[All].[South].[Say \"]]\" & go]",
                       run("cube", "info", self.cube, "--members", "[OBS].[Level2]")[1])
-        for level, part in (("Month", "Several levels"), ("[OBS].[Level9]", "no level"), ("[OBS", "without ']'")):
-            status, output, errors = run("cube", "info", self.cube, "--members", level)
+        self.assertIn("[Date].[All].[2024].[Q1].[3]",
+                      run("cube", "info", self.cube, "--members", "Month", "--cube", "booksfnc")[1])
+        for level, part in (("Month", "Several levels"), ("[OBS].[Level9]", "no level"), ("[OBS", "without ']'"),
+                            (("Month", "--cube", "Other"), "no cube 'Other'")):
+            words = [level] if isinstance(level, str) else level
+            status, output, errors = run("cube", "info", self.cube, "--members", *words)
             self.assertEqual((status, output), (1, ""), level)
             self.assertIn(part, errors)
 
@@ -394,6 +408,11 @@ class WrongInput(WithBooks):
             status, output, errors = run(*command)
             self.assertEqual((status, output), (2, ""), command)
             self.assertNotEqual(errors, "", command)
+
+    def test_wrong_usage_is_named(self):
+        for command, part in ((("frobnicate",), "'frobnicate'"), (("cube", "frob"), "'frob'"),
+                              (("cube", "build", "a.json", "-o", ""), "--output")):
+            self.assertIn(part, run(*command)[2], command)
 
     def test_a_date_order_is_a_word(self):
         for order in ("xyz", "0", "1"):

@@ -184,6 +184,14 @@ class Settings(WithLedger):
         self.good("settings", "set", "MDBPath", f"  {kept} ")
         self.assertEqual(self.settings()["MDBPath"][0], str(kept))
 
+    def test_a_configuration_folder_that_cannot_be_made_is_named(self):
+        (self.path / "no folder").write_text("")
+        environment = dict(self.environment, XDG_CONFIG_HOME=str(self.path / "no folder"))
+        done = subprocess.run([QEL, "settings", "set", "TempPath", "/x"], capture_output=True, text=True,
+                              env=environment, timeout=60)
+        self.assertEqual(done.returncode, 1)
+        self.assertRegex(done.stderr, r"^qel: the folder [^\n]*no folder/qel cannot be made: [^\n]+\n$")
+
     def test_files_that_cannot_be_understood_are_told(self):
         suite = self.path / "told"
         self.good("settings", "set", "MDBPath", suite)
