@@ -2,6 +2,7 @@
 
 #include "lang/LangCheck.h"
 #include "lang/StringTable.h"
+#include "platform/AutomationError.h"
 #include "platform/xml/XmlTableReader.h"
 
 #include <CLI/CLI.hpp>
@@ -29,8 +30,17 @@ bool HasFault(const LangFindings& findings) {
     return !findings.missing.empty() || !findings.empty.empty() || !findings.duplicate.empty();
 }
 
+std::vector<LangRow> RowsIn(const std::string& file) {
+    const auto table = XmlTableReader().Read(file);
+    try {
+        return LangRowsOf(table);
+    } catch (const AutomationError& error) {
+        throw AutomationError(error.Number(), fmt::format("{}: {}", file, error.Description()), error.Source());
+    }
+}
+
 void Check(CommandContext& context, const std::string& file) {
-    const auto rows = LangRowsOf(XmlTableReader().Read(file));
+    const auto rows = RowsIn(file);
     for (const auto& [language, findings] : CheckLangRows(rows)) {
         fmt::print(context.output, "language {}: {} rows\n", language, findings.rows);
         PrintNumbers(context.output, "missing", findings.missing);

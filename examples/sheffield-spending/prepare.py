@@ -81,6 +81,8 @@ def columns_of(header, path):
 
 def published_lines(folder):
     """Every published line as a dictionary of the fields, dates and amounts in one form."""
+    if not folder.is_dir():
+        sys.exit(f"{folder}: no such folder")
     paths = sorted(path for path in folder.iterdir() if path.name.endswith((".csv", ".csv.xz")))
     if not paths:
         sys.exit(f"{folder}: no .csv or .csv.xz files")

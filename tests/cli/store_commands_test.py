@@ -213,7 +213,8 @@ class Lang(WithLedger):
         status, output, _ = self.run_qel("lang", "check", broken)
         self.assertEqual(status, 1)
         self.assertIn("  missing: 1480\n  more than once: 1481\n", output)
-        for what, content in [("cut off", text[:900]), ("binary", "TG!\0"), ("empty", "")]:
+        for what, content in [("cut off", text[:900]), ("binary", "TG!\0"), ("empty", ""),
+                              ("no number", text.replace("sId", "number"))]:
             with self.subTest(what):
                 broken.write_text(content, encoding="utf-8")
                 status, output, messages = self.run_qel("lang", "check", broken)
