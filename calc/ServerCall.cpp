@@ -77,7 +77,11 @@ ServerCall CallOf(const ValueArguments& arguments, const Locale& locale) {
           &arguments.accounts, &arguments.measure, &arguments.moneySet, &arguments.plbs, &arguments.rh,
           &arguments.firma, &arguments.openingBalance})
         key.Add(*text);
-    return {std::string(Trimmed(arguments.cubeFile)), key.Take(), locale, true,
+    return {std::string(Trimmed(arguments.cubeFile)),
+            arguments.cubeName,
+            key.Take(),
+            locale,
+            true,
             [arguments](OrmQelFunction& function) { return Evaluate(function, arguments); }};
 }
 
@@ -87,7 +91,11 @@ ServerCall CallOf(const NameArguments& arguments, const Locale& locale) {
     for (const std::string* text :
          {&arguments.cubeFile, &arguments.cubeName, &arguments.dimType, &arguments.dimMember})
         key.Add(*text);
-    return {std::string(Trimmed(arguments.cubeFile)), key.Take(), locale, false,
+    return {std::string(Trimmed(arguments.cubeFile)),
+            arguments.cubeName,
+            key.Take(),
+            locale,
+            false,
             [arguments](OrmQelFunction& function) { return Evaluate(function, arguments); }};
 }
 

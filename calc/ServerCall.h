@@ -27,6 +27,7 @@ Variant Evaluate(OrmQelFunction& function, NameArguments arguments);
 /// A formula over a server's cube, to be evaluated when the cell waits no more.
 struct ServerCall {
     std::string server; ///< its address
+    std::string cube;   ///< the name, as the formula has it
     std::string key;    ///< equal for calls that ask for the same
     Locale locale;      ///< of the document that asked first
     bool isValue;       ///< a value formula, whose cell can be asked for together with others

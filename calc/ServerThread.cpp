@@ -3,6 +3,8 @@
 #include "batch/StatementBatch.h"
 
 #include <algorithm>
+#include <map>
+#include <memory>
 #include <utility>
 
 namespace qel::calc {
@@ -13,11 +15,11 @@ namespace {
 constexpr auto moment = std::chrono::milliseconds(20);
 constexpr std::size_t mostAtOnce = 20'000;
 
-/// Evaluates calls as the cells of one thread, twice when they can be asked for together: first to learn
-/// their statements, then from the answers.
+/// Evaluates calls, twice when they can be asked for together: first to learn their statements, then from the
+/// answers.
 class CallEvaluator {
 public:
-    explicit CallEvaluator(DataAccess& servers) : batch_(servers), function_({thread_, batch_, locale_}) {}
+    explicit CallEvaluator(DataAccess& servers) : batch_(servers) {}
 
     void AskTogether(const std::vector<ServerCall>& calls) {
         if (std::count_if(calls.begin(), calls.end(), [](const auto& call) { return call.isValue; }) < 2)
@@ -31,8 +33,9 @@ public:
 
     CallResult Evaluate(const ServerCall& call) {
         try {
-            locale_ = call.locale;
-            return call.evaluate(function_);
+            CubeCells& cells = CellsOf(call);
+            cells.locale = call.locale;
+            return call.evaluate(cells.function);
         } catch (const std::exception&) {
             return std::nullopt;
         }
@@ -41,10 +44,25 @@ public:
     void Forget() { batch_.Forget(); }
 
 private:
-    Locale locale_;
+    /// What the cells over one cube share. With one for all cubes, the connection would be opened again at
+    /// every change between them, and be gone with the server when answers have come already.
+    struct CubeCells {
+        explicit CubeCells(DataAccess& batch) : function({state, batch, locale}) {}
+
+        Locale locale;
+        ModSetCube::ThreadState state;
+        OrmQelFunction function;
+    };
+
+    CubeCells& CellsOf(const ServerCall& call) {
+        auto& cells = cells_[{call.server, call.cube}];
+        if (!cells)
+            cells = std::make_unique<CubeCells>(batch_);
+        return *cells;
+    }
+
     batch::StatementBatch batch_;
-    ModSetCube::ThreadState thread_;
-    OrmQelFunction function_;
+    std::map<std::pair<std::string, std::string>, std::unique_ptr<CubeCells>> cells_;
 };
 
 } // namespace

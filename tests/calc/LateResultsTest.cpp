@@ -62,8 +62,8 @@ public:
     /// Gives the plain value, or listens to the late one.
     Any Ask(const std::string& key, const std::function<Variant()>& evaluate,
             const rtl::Reference<Cells>& cells, const std::string& server = "http://a/xmla") {
-        const Any answer =
-            results->Ask({server, key, {}, true, [evaluate](OrmQelFunction&) { return evaluate(); }});
+        const Any answer = results->Ask(
+            {server, "LedgerFNC", key, {}, true, [evaluate](OrmQelFunction&) { return evaluate(); }});
         if (uno::Reference<sheet::XVolatileResult> late; answer >>= late) {
             late->addResultListener(cells.get());
             listening = late;

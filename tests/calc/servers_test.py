@@ -193,7 +193,6 @@ class ServedSheet(unittest.TestCase):
                   f"{'once' if times else 'for good'}: {failed} of {len(formulas)} formulas failed")
             failures[part, times] = failed
         self.assertGreater(failures[0.3, None], failures[0.9, None], "what had come was told")
-        self.assertGreater(failures[0.9, None], 0)
         self.assertLessEqual(max(failures[0.3, 1], failures[0.7, 1]), 10, "the others were asked afresh")
 
     def test_a_document_is_closed_while_its_cells_wait(self):
