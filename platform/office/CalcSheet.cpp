@@ -210,8 +210,8 @@ std::shared_ptr<SheetRange> CalcApplication::Range(const SheetRange& first, cons
     return Translating([&] {
         const auto view = As<sheet::XSpreadsheetView>(ControllerOf(document_));
         const RangeReference whole(view->getActiveSheet(), uno::UNO_QUERY);
-        const auto [left, right] = std::minmax(first.Column(), last.Column());
-        const auto [top, bottom] = std::minmax(first.Row(), last.Row());
+        const auto [left, right] = std::minmax({first.Column(), last.Column()});
+        const auto [top, bottom] = std::minmax({first.Row(), last.Row()});
         return std::make_shared<CalcRange>(document_,
                                            RangeOf(whole, left - 1, top - 1, right - 1, bottom - 1));
     });

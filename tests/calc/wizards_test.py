@@ -73,6 +73,26 @@ class Wizards(unittest.TestCase):
         dialog.button("OK").press()
         self.assert_cell(call, "QelF1", '"SuperSum1"', '"4"')
 
+    def test_the_table_of_the_arguments_is_written_from_the_active_cell_on(self):
+        run_qel("settings", "set", "QelUILanguage", "0")
+        call = Call(self.wizards.ShowFormGetVal, self.cell)
+        dialog = self.person.sees("Function QEL")
+        self.open_cube(dialog)
+        dialog.after("Account type").choose("SuperSum1")
+        eventually("the list of groups", lambda: dialog.after("Summary Group").items)
+        dialog.after("Summary Group").choose("Revenue")
+        dialog.button("Single cell function").press()
+        arguments = call.wait().translate(str.maketrans("", "", '"{}')).split(",")
+        sheet = self.document.Sheets.getByIndex(0)
+        rows = [[shown(sheet.getCellByPosition(column, row)) for column in (2, 3)] for row in range(4, 23)]
+        self.assertEqual([label for label, _ in rows],
+                         ["Cube", "Cube Name", "OBS", "OBS Number", "OBS Level", "OBS Member", "Activity", "Summary Group",
+                          "Account Level", "Accounts", "Measure", "Money Set", "Plbs", "RH", "Firma", "Opening Balance",
+                          "From Date", "To Date", ""])
+        self.assertEqual([value.strip() for _, value in rows[:16]], [argument.strip() for argument in arguments[:16]])
+        self.assertEqual([value for _, value in rows[7:9]], ["SuperSum1", "4"])
+        self.assertEqual(sheet.getCellByPosition(2, 3).Formula + sheet.getCellByPosition(4, 4).Formula, "")
+
     def test_the_name_wizard_writes_its_formula(self):
         run_qel("settings", "set", "QelUILanguage", "0")
         call = Call(self.wizards.ShowFormQelName, None)
@@ -112,7 +132,7 @@ class Wizards(unittest.TestCase):
             call.wait()
             eventually("the dialog's end", lambda: caption not in [window.title for window in self.person.all_windows()])
 
-    def test_a_basic_macro_writes_the_formula_or_the_table_of_its_arguments(self):
+    def test_a_basic_macro_writes_the_formula(self):
         run_qel("settings", "set", "QelUILanguage", "0")
         basic = self.office.service("com.sun.star.script.ApplicationScriptLibraryContainer")
         if not basic.hasByName("QelTest"):
