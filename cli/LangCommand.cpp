@@ -35,7 +35,8 @@ std::vector<LangRow> RowsIn(const std::string& file) {
     try {
         return LangRowsOf(table);
     } catch (const AutomationError& error) {
-        throw AutomationError(error.Number(), fmt::format("{}: {}", file, error.Description()), error.Source());
+        throw AutomationError(error.Number(), fmt::format("{}: {}", file, error.Description()),
+                              error.Source());
     }
 }
 
