@@ -17,8 +17,9 @@ using windows::ToWide;
 
 constexpr auto patience = std::chrono::seconds(60);
 constexpr auto pause = std::chrono::milliseconds(20);
-constexpr int messageBoxText = 0xFFFF; // the number of a message box's label
-constexpr int fileNameBox = 1148;      // of the system's dialog for opening files (cmb13)
+constexpr auto timeOfClick = std::chrono::milliseconds(60); // a finger's
+constexpr int messageBoxText = 0xFFFF;                      // the number of a message box's label
+constexpr int fileNameBox = 1148; // of the system's dialog for opening files (cmb13)
 
 /// A text of another process's window.
 std::wstring TextOf(HWND window) {
@@ -84,6 +85,12 @@ void TypeText(HWND field, const std::string& text) {
     ::PostMessageW(field, WM_CHAR, VK_BACK, 1);
     for (const wchar_t character : ToWide(text))
         ::PostMessageW(field, WM_CHAR, static_cast<WPARAM>(character), 1);
+}
+
+void PressAndRelease(HWND window, LPARAM pressed, LPARAM released) {
+    ::PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, pressed);
+    std::this_thread::sleep_for(timeOfClick);
+    ::PostMessageW(window, WM_LBUTTONUP, 0, released);
 }
 
 /// The text field of a bound list, otherwise the control itself.
@@ -174,8 +181,12 @@ void Person::Click(const std::string& control) const {
     ::GetClientRect(window, &area);
     // A list's arrow is at its end.
     const LPARAM point = MAKELPARAM(HasClass(window, L"ComboBox") ? area.right - 6 : 5, area.bottom / 2);
-    ::PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, point);
-    ::PostMessageW(window, WM_LBUTTONUP, 0, point);
+    PressAndRelease(window, point, point);
+}
+
+void Person::PressAndSlipOff(const std::string& button) const {
+    WaitUntil(button + " can be pressed", [&] { return IsEnabled(button); });
+    PressAndRelease(Control(button), MAKELPARAM(5, 5), MAKELPARAM(-50, -50));
 }
 
 void Person::UseCloseBox() const { ::PostMessageW(dialog_, WM_SYSCOMMAND, SC_CLOSE, 0); }
@@ -193,6 +204,15 @@ std::string Person::Read(const std::string& control) const {
         lines += (i == 0 ? L"" : L"|") + line;
     }
     return ToUtf8(lines);
+}
+
+std::string Person::ReadWhenShown(const std::string& control) const {
+    std::string text;
+    WaitUntil(control + " shows something", [&] {
+        text = Read(control);
+        return !text.empty();
+    });
+    return text;
 }
 
 bool Person::IsTicked(const std::string& control) const {

@@ -35,9 +35,13 @@ public:
     void Choose(const std::string& control, const std::string& item) const;
     /// Clicks a button, check box or the arrow of a list, when it can be clicked.
     void Click(const std::string& control) const;
+    /// Presses a button and lets it go beside it, which is no click.
+    void PressAndSlipOff(const std::string& button) const;
     void UseCloseBox() const;
 
     std::string Read(const std::string& control) const;
+    /// Waits until the control shows something: a reading overtakes clicks and keys that are on their way.
+    std::string ReadWhenShown(const std::string& control) const;
     bool IsEnabled(const std::string& control) const;
     bool IsTicked(const std::string& control) const;
     /// Waits until the control shows the text.

@@ -76,7 +76,7 @@ std::string Act(const Person& person, const Words& step) {
     else if (what == "expect")
         person.Expect(step.at(1), step.at(2));
     else if (what == "read")
-        return step.at(1) + "\t" + OnOneLine(person.Read(step.at(1)));
+        return step.at(1) + "\t" + OnOneLine(person.ReadWhenShown(step.at(1)));
     else if (what == "file")
         person.ChooseFile(step.at(1));
     else if (what == "close")

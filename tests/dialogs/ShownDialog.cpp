@@ -37,7 +37,11 @@ void EventLog::OnClick(std::string_view control) {
 
 void EventLog::OnChange(std::string_view control) { told.push_back("change " + std::string(control)); }
 
-void EventLog::OnLeave(std::string_view control) { told.push_back("leave " + std::string(control)); }
+void EventLog::OnLeave(std::string_view control) {
+    told.push_back("leave " + std::string(control));
+    if (onLeave)
+        onLeave(control);
+}
 
 void ShowTo(Dialog& dialog, const FormDesign& design, const std::function<void(const Person&)>& person) {
     std::atomic<bool> isGone = false;

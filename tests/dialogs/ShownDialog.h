@@ -14,7 +14,7 @@ class EventLog : public DialogEvents {
 public:
     std::vector<std::string> told;
     std::function<void()> onLoad;
-    std::function<void(std::string_view)> onClick;
+    std::function<void(std::string_view)> onClick, onLeave;
     Dialog* dialog = nullptr;
 
     void OnLoad() override;

@@ -296,6 +296,34 @@ TEST(Win32Dialog, RaisesWhatAHandlerRaised) {
     EXPECT_EQ(ErrorOf([&] { bench.Show([](const Person& person) { person.Click("CmdAdd"); }); }), 1004);
 }
 
+TEST(Win32Dialog, TakesAClickThoughLeavingTheFieldBeforeShowsABox) {
+    for (const char* const pressed : {"CmdAdd", "ChkAll"}) {
+        Bench bench;
+        bench.log.onLeave = [](std::string_view) {
+            ::MessageBoxW(::GetActiveWindow(), L"No such city", L"Test", MB_OK);
+        };
+        bench.Show([&](const Person& person) {
+            person.Key("TxtCity", VK_HOME);
+            person.Click(pressed);
+            EXPECT_EQ(Person::Answer(IDOK), "No such city");
+            person.Click("CmdOK");
+        });
+        EXPECT_THAT(bench.log.told,
+                    ElementsAre("load", "leave TxtCity", std::string("click ") + pressed, "click CmdOK"));
+    }
+}
+
+TEST(Win32Dialog, TellsThatAFieldIsLeftWhenAPressEndsBesideTheButton) {
+    Bench bench;
+    bench.Show([](const Person& person) {
+        person.Key("TxtCity", VK_HOME);
+        person.PressAndSlipOff("CmdAdd");
+        person.Key("CmdAdd", VK_TAB);
+        person.Click("CmdOK");
+    });
+    EXPECT_THAT(bench.log.told, ElementsAre("load", "leave TxtCity", "click CmdOK"));
+}
+
 TEST(Win32Dialog, RefusesControlsThatCannotDoWhatIsAsked) {
     Bench bench;
     const std::function<void()> calls[] = {

@@ -17,6 +17,8 @@ namespace qel::windows {
 namespace {
 
 constexpr UINT tellWaiting = WM_APP + 1;
+constexpr UINT_PTR whileButtonIsHeld = 1; ///< a timer
+constexpr UINT timeBetweenLooks = 15;     ///< ms
 
 /// Counts up for as long as it lives.
 class Counted {
@@ -214,7 +216,8 @@ std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM 
         return std::nullopt;
     }
     case tellWaiting:
-        TellWaiting();
+    case WM_TIMER:
+        TellWaitingWhenReleased();
         return 0;
     case WM_HELP:
         ShowHelp();
@@ -301,6 +304,26 @@ void Win32Dialog::Wait(Waiting::Kind kind, DialogControl& control) {
         return;
     waiting_.push_back({kind, &control});
     ::PostMessageW(frame_.Window(), tellWaiting, 0, 0);
+}
+
+void Win32Dialog::TellWaitingWhenReleased() {
+    // The mouse is not up yet: a message box of a handler would swallow the click, which tells what waits
+    // anyway.
+    if (IsButtonHeld()) {
+        ::SetTimer(frame_.Window(), whileButtonIsHeld, timeBetweenLooks, nullptr);
+        return;
+    }
+    ::KillTimer(frame_.Window(), whileButtonIsHeld);
+    TellWaiting();
+}
+
+bool Win32Dialog::IsButtonHeld() const {
+    const HWND holder = ::GetCapture();
+    return holder != nullptr && std::any_of(controls_.begin(), controls_.end(), [&](const auto& control) {
+               const ControlKind kind = control->Design().kind;
+               return control->Window() == holder &&
+                      (kind == ControlKind::Button || kind == ControlKind::CheckBox);
+           });
 }
 
 void Win32Dialog::TellWaiting() {

@@ -59,6 +59,8 @@ private:
     void OnClosed();
     void ShowHelp() const;
     void Wait(Waiting::Kind kind, DialogControl& control);
+    void TellWaitingWhenReleased();
+    bool IsButtonHeld() const;
     void TellWaiting();
     bool HasLeft(const DialogControl& control) const;
 
