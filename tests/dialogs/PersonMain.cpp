@@ -128,5 +128,6 @@ int main(int count, char** arguments) {
         std::cerr << "dialog_person function|name STEPS SEEN\n";
         return 2;
     }
+    std::cout << "dialog_person" << std::endl; // a program that prints nothing has not been started
     return qel::test::Run(arguments[1], arguments[2], arguments[3]);
 }

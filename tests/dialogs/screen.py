@@ -3,6 +3,7 @@
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
@@ -62,8 +63,17 @@ class Screen:
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=TIMEOUT)
 
     def start(self, *words):
-        return subprocess.Popen([WINE, *map(str, words)], env=self.environment, stdin=subprocess.DEVNULL,
-                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        """A program that goes on beside this one; to be given to end()."""
+        return subprocess.Popen([WINE, "--test", *map(str, words)], env=self.environment, stdin=subprocess.DEVNULL,
+                                stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
+
+    @staticmethod
+    def end(process):
+        try:
+            os.killpg(process.pid, signal.SIGKILL) # the program and the script that started it
+        except ProcessLookupError:
+            pass # both ended before
+        process.wait()
 
     def install(self):
         self.component.mkdir(exist_ok=True)
@@ -79,12 +89,12 @@ class Screen:
                     f"[HKEY_CLASSES_ROOT\\CLSID\\{number}\\InprocServer32]\n" \
                     f'@="{registry_text(windows_path(self.classes))}"\n"ThreadingModel"="Both"\n'
         self.add_to_registry(keys)
-        self.wine("regsvr32", "/s", windows_path(server))
+        self.wine("--test", "regsvr32", "/s", windows_path(server))
 
     def add_to_registry(self, keys):
         path = self.folder / "keys.reg"
         path.write_text("Windows Registry Editor Version 5.00\n\n" + keys, encoding="utf-16", newline="\r\n")
-        self.wine("regedit", "/S", windows_path(path))
+        self.wine("--test", "regedit", "/S", windows_path(path))
 
     def use_suite_folder(self, folder):
         self.add_to_registry("[HKEY_CURRENT_USER\\SOFTWARE\\QRN\\Pralix 17]\n"

@@ -79,7 +79,7 @@ class Bench:
         paths["steps"].write_text("".join("\t".join(step) + "\n" for step in steps), encoding="utf-8", newline="\n")
         person = self.screen.start(self.options.bin / "dialog_person.exe", form, windows_path(paths["steps"]),
                                    windows_path(paths["seen"]))
-        host = self.screen.start("cscript", "//nologo", windows_path(paths["vbs"]))
+        host = self.screen.start("cscript", windows_path(paths["vbs"]))
         try:
             self.photograph(steps, person)
             person.wait(timeout=300)
@@ -89,8 +89,7 @@ class Bench:
             host.wait(timeout=60)
         finally:
             for process in (person, host):
-                process.kill()
-                process.wait()
+                self.screen.end(process)
         sheet = paths["sheet"].read_text(encoding="utf-16").splitlines()
         if sheet[-1:] != ["done"]:
             raise Failure(f"the script ended early: {sheet}")
