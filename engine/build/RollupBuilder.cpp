@@ -1,5 +1,6 @@
 #include "engine/build/RollupBuilder.h"
 
+#include "engine/build/MemberSets.h"
 #include "engine/build/RollupChoice.h"
 #include "engine/build/RollupLayout.h"
 
@@ -7,8 +8,11 @@
 #include <atomic>
 #include <bit>
 #include <future>
+#include <iterator>
+#include <map>
 #include <numeric>
 #include <span>
+#include <tuple>
 
 namespace qel::engine {
 
@@ -19,9 +23,36 @@ using Rows = std::vector<std::uint32_t>;
 /// Rollups of one leading column whose codes do not overlap: made in one pass.
 struct Layer {
     std::optional<std::uint16_t> column;
-    std::vector<KeyRange> ranges; ///< ascending
-    /// For every range, what is to be made of its facts.
+    std::vector<KeyRange> sets; ///< as in a rollup's key
+    /// For every set, what is to be made of its facts.
     std::vector<std::vector<const ChosenRollup*>> rollups;
+    std::map<std::uint32_t, std::uint32_t> taken; ///< the ranges of all sets
+
+    bool IsFree(CodeRanges ranges) const {
+        return std::all_of(ranges.begin(), ranges.end(), [&](KeyRange range) {
+            const auto behind = taken.lower_bound(range.last);
+            return behind == taken.begin() || std::prev(behind)->second <= range.first;
+        });
+    }
+    void Add(KeyRange set, CodeRanges ranges) {
+        sets.push_back(set);
+        rollups.emplace_back();
+        for (const KeyRange range : ranges)
+            taken.emplace(range.first, range.last);
+    }
+};
+
+constexpr std::uint32_t blockGranules = 64;
+
+/// The strip that a fact belongs to, and its granule.
+struct StripPlace {
+    std::uint32_t word = 0, granule = 0;
+
+    bool operator==(const StripPlace&) const = default;
+};
+
+struct StripCount {
+    std::uint64_t strips = 0, entries = 0;
 };
 
 /// What one rollup has become.
@@ -34,34 +65,40 @@ struct MadeRollup {
     std::vector<std::uint32_t> counts;
 };
 
-/// Splits ranges into as few lists as keep overlapping ones apart.
-std::vector<Layer> MakeLayers(const std::vector<ChosenRollup>& chosen) {
+/// Of the rollup of all facts, one range that nothing is asked of.
+CodeRanges LeadRanges(const ChosenRollup& rollup, const CodeGroups& groups) {
+    return rollup.lead ? groups.Ranges(rollup.leadCodes) : CodeRanges(&rollup.leadCodes, 1);
+}
+
+/// Splits sets into few lists that keep overlapping ones apart.
+std::vector<Layer> MakeLayers(const std::vector<ChosenRollup>& chosen, const CodeGroups& groups) {
     std::vector<const ChosenRollup*> order;
     order.reserve(chosen.size());
     for (const ChosenRollup& rollup : chosen)
         order.push_back(&rollup);
-    std::stable_sort(order.begin(), order.end(), [](const ChosenRollup* left, const ChosenRollup* right) {
-        if (left->lead != right->lead)
-            return left->lead < right->lead;
-        return left->leadCodes.first != right->leadCodes.first
-                   ? left->leadCodes.first < right->leadCodes.first
-                   : left->leadCodes.last > right->leadCodes.last;
+    // Large sets before those inside them, and one set's rollups together.
+    const auto place = [&](const ChosenRollup* rollup) {
+        const CodeRanges ranges = LeadRanges(*rollup, groups);
+        return std::tuple(rollup->lead, ranges.front().first, ~ranges.back().last, rollup->leadCodes.first,
+                          rollup->leadCodes.last);
+    };
+    std::stable_sort(order.begin(), order.end(), [&](const ChosenRollup* left, const ChosenRollup* right) {
+        return place(left) < place(right);
     });
     std::vector<Layer> layers;
+    Layer* last = nullptr; // that a set was put into
     for (const ChosenRollup* rollup : order) {
-        const auto fits = [&](const Layer& layer) {
-            return layer.column == rollup->lead && (layer.ranges.back() == rollup->leadCodes ||
-                                                    layer.ranges.back().last <= rollup->leadCodes.first);
-        };
-        auto layer = std::find_if(layers.begin(), layers.end(), fits);
-        if (layer == layers.end()) {
-            layers.push_back({rollup->lead, {rollup->leadCodes}, {{}}});
-            layer = layers.end() - 1;
-        } else if (!(layer->ranges.back() == rollup->leadCodes)) {
-            layer->ranges.push_back(rollup->leadCodes);
-            layer->rollups.emplace_back();
+        if (last == nullptr || last->column != rollup->lead || !(last->sets.back() == rollup->leadCodes)) {
+            const CodeRanges ranges = LeadRanges(*rollup, groups);
+            auto layer = std::find_if(layers.begin(), layers.end(), [&](const Layer& each) {
+                return each.column == rollup->lead && each.IsFree(ranges);
+            });
+            if (layer == layers.end())
+                layer = layers.insert(layers.end(), Layer{rollup->lead, {}, {}, {}});
+            layer->Add(rollup->leadCodes, ranges);
+            last = &*layer;
         }
-        layer->rollups.back().push_back(rollup);
+        last->rollups.back().push_back(rollup);
     }
     return layers;
 }
@@ -74,33 +111,42 @@ public:
     std::vector<MadeRollup> Make(const Layer& layer) const;
 
 private:
+    void FindGranules(const std::vector<std::uint32_t>& times);
     void SortFacts();
     MadeRollup MakeOne(const ChosenRollup& chosen, std::span<const std::uint32_t> rows) const;
-    void MakeStrips(std::span<const std::uint32_t> rows, MadeRollup& made) const;
+    StripCount CountStrips(std::span<const std::uint32_t> rows) const;
+    void MakeStrips(std::span<const std::uint32_t> rows, StripCount count, MadeRollup& made) const;
     void MakeOf(const std::vector<const ChosenRollup*>& chosen, std::span<const std::uint32_t> rows,
                 std::vector<MadeRollup>& made) const;
-    std::uint32_t TimeOf(std::uint32_t row) const {
-        return layout_.timeColumn ? facts_.keys[*layout_.timeColumn][row] : 0;
-    }
 
     const CubeModel& model_;
     const FactColumns& facts_;
     const RollupModel& layout_;
-    std::vector<std::uint32_t> words_;     ///< by fact, without the block
-    std::vector<std::uint32_t> granuleOf_; ///< by time code
+    const CodeGroups groups_;
+    std::vector<StripPlace> places_; ///< by fact
     Rows sorted_;
 };
 
 RollupMaker::RollupMaker(const CubeModel& model, const FactColumns& facts, const RollupModel& layout)
-    : model_(model), facts_(facts), layout_(layout), words_(facts.rowCount) {
+    : model_(model), facts_(facts), layout_(layout), groups_(layout.Groups()), places_(facts.rowCount) {
     for (const RollupTable::WordColumn& word : layout.wordColumns) {
         const auto& codes = facts.keys[word.column];
-        for (std::size_t row = 0; row < words_.size(); ++row)
-            words_[row] |= codes[row] << word.shift;
+        for (std::size_t row = 0; row < places_.size(); ++row)
+            places_[row].word |= codes[row] << word.shift;
     }
-    for (std::uint32_t granule = 0; granule + 1 < layout.granules.size(); ++granule)
-        granuleOf_.insert(granuleOf_.end(), layout.granules[granule + 1] - layout.granules[granule], granule);
+    if (layout.timeColumn)
+        FindGranules(facts.keys[*layout.timeColumn]);
     SortFacts();
+}
+
+void RollupMaker::FindGranules(const std::vector<std::uint32_t>& times) {
+    std::vector<std::uint32_t> granuleOf; // by time code
+    for (std::uint32_t granule = 0; granule + 1 < layout_.granules.size(); ++granule)
+        granuleOf.insert(granuleOf.end(), layout_.granules[granule + 1] - layout_.granules[granule], granule);
+    for (std::size_t row = 0; row < places_.size(); ++row) {
+        places_[row].granule = granuleOf[times[row]];
+        places_[row].word |= places_[row].granule / blockGranules;
+    }
 }
 
 /// One counting sort for every column of the key, the least significant first.
@@ -124,22 +170,23 @@ void RollupMaker::SortFacts() {
         sortBy(word->column);
 }
 
-/// Gives each of the rows to the range that its code lies in: the rows of range i start at place[i]. Ranges
-/// do not overlap.
+/// Gives each of the rows to the layer's set that its code lies in: the rows of set i start at place[i].
 Rows Distribute(std::span<const std::uint32_t> rows, const std::vector<std::uint32_t>& codes,
-                const std::vector<KeyRange>& ranges, std::uint32_t codeCount,
+                const Layer& layer, const CodeGroups& groups, std::uint32_t codeCount,
                 std::vector<std::size_t>& place) {
-    std::vector<std::uint32_t> rangeOf(codeCount, static_cast<std::uint32_t>(ranges.size()));
-    for (std::uint32_t i = 0; i < ranges.size(); ++i)
-        std::fill(rangeOf.begin() + ranges[i].first, rangeOf.begin() + ranges[i].last, i);
-    place.assign(ranges.size() + 2, 0);
+    std::vector<std::uint32_t> setOf(codeCount, static_cast<std::uint32_t>(layer.sets.size()));
+    for (std::uint32_t i = 0; i < layer.sets.size(); ++i) {
+        for (const KeyRange range : groups.Ranges(layer.sets[i]))
+            std::fill(setOf.begin() + range.first, setOf.begin() + range.last, i);
+    }
+    place.assign(layer.sets.size() + 2, 0);
     for (const std::uint32_t row : rows)
-        ++place[rangeOf[codes[row]] + std::size_t{1}];
+        ++place[setOf[codes[row]] + std::size_t{1}];
     std::partial_sum(place.begin(), place.end(), place.begin());
     Rows distributed(rows.size());
     std::vector<std::size_t> next = place;
     for (const std::uint32_t row : rows)
-        distributed[next[rangeOf[codes[row]]]++] = row;
+        distributed[next[setOf[codes[row]]]++] = row;
     return distributed;
 }
 
@@ -150,14 +197,14 @@ std::vector<MadeRollup> RollupMaker::Make(const Layer& layer) const {
         return made;
     }
     std::vector<std::size_t> place;
-    const Rows rows = Distribute(sorted_, facts_.keys[*layer.column], layer.ranges,
+    const Rows rows = Distribute(sorted_, facts_.keys[*layer.column], layer, groups_,
                                  model_.keyColumns[*layer.column].codes, place);
-    for (std::size_t i = 0; i < layer.ranges.size(); ++i)
+    for (std::size_t i = 0; i < layer.sets.size(); ++i)
         MakeOf(layer.rollups[i], std::span(rows).subspan(place[i], place[i + 1] - place[i]), made);
     return made;
 }
 
-/// The rollups of one range of leading codes: of all its facts, and of those under ranges of other columns.
+/// The rollups of one set of leading codes: of all its facts, and of those under sets of other columns.
 void RollupMaker::MakeOf(const std::vector<const ChosenRollup*>& chosen, std::span<const std::uint32_t> rows,
                          std::vector<MadeRollup>& made) const {
     std::vector<ChosenRollup> inner;
@@ -170,11 +217,11 @@ void RollupMaker::MakeOf(const std::vector<const ChosenRollup*>& chosen, std::sp
         std::swap(inner.back().lead, inner.back().second);
         std::swap(inner.back().leadCodes, inner.back().secondCodes);
     }
-    for (const Layer& layer : MakeLayers(inner)) {
+    for (const Layer& layer : MakeLayers(inner, groups_)) {
         std::vector<std::size_t> place;
-        const Rows distributed = Distribute(rows, facts_.keys[*layer.column], layer.ranges,
+        const Rows distributed = Distribute(rows, facts_.keys[*layer.column], layer, groups_,
                                             model_.keyColumns[*layer.column].codes, place);
-        for (std::size_t i = 0; i < layer.ranges.size(); ++i)
+        for (std::size_t i = 0; i < layer.sets.size(); ++i)
             made.push_back(MakeOne(*layer.rollups[i].front(),
                                    std::span(distributed).subspan(place[i], place[i + 1] - place[i])));
     }
@@ -182,36 +229,52 @@ void RollupMaker::MakeOf(const std::vector<const ChosenRollup*>& chosen, std::sp
 
 MadeRollup RollupMaker::MakeOne(const ChosenRollup& chosen, std::span<const std::uint32_t> rows) const {
     constexpr std::size_t leastRowsOfStrips = 4096;
+    constexpr std::uint64_t stripBytes =
+        sizeof(std::uint32_t) + sizeof(std::uint64_t) + sizeof(std::uint32_t);
     MadeRollup made;
     made.record.key = chosen.Key();
     made.record.rows = rows.size();
     made.sums.resize(model_.measures.size());
     if (rows.size() >= leastRowsOfStrips) {
-        MakeStrips(rows, made);
-        constexpr std::uint64_t stripBytes =
-            sizeof(std::uint32_t) + sizeof(std::uint64_t) + sizeof(std::uint32_t);
-        const std::uint64_t bytes =
-            made.words.size() * stripBytes + made.counts.size() * StripEntryBytes(model_);
-        if (bytes <= rows.size() * RollupRowBytes(model_, layout_)) {
-            made.record.strips = static_cast<std::uint32_t>(made.words.size());
+        const StripCount count = CountStrips(rows);
+        if (count.strips * stripBytes + count.entries * StripEntryBytes(model_) <=
+            rows.size() * RollupRowBytes(model_, layout_)) {
+            MakeStrips(rows, count, made);
             return made;
         }
-        made.words.clear();
-        made.periods.clear();
-        made.firstEntries.clear();
-        made.counts.clear();
-        made.sums.assign(model_.measures.size(), {});
     }
     made.rows.assign(rows.begin(), rows.end());
     return made;
 }
 
-void RollupMaker::MakeStrips(std::span<const std::uint32_t> rows, MadeRollup& made) const {
-    constexpr std::uint32_t blockGranules = 64;
+StripCount RollupMaker::CountStrips(std::span<const std::uint32_t> rows) const {
+    StripCount count;
+    StripPlace last;
+    for (const std::uint32_t row : rows) {
+        const StripPlace place = places_[row];
+        count.strips += count.strips == 0 || place.word != last.word ? 1U : 0U;
+        count.entries += count.entries == 0 || !(place == last) ? 1U : 0U;
+        last = place;
+    }
+    return count;
+}
+
+void RollupMaker::MakeStrips(std::span<const std::uint32_t> rows, StripCount count, MadeRollup& made) const {
+    made.record.strips = static_cast<std::uint32_t>(count.strips);
+    made.words.reserve(count.strips);
+    made.periods.reserve(count.strips);
+    made.firstEntries.reserve(count.strips);
+    made.counts.reserve(count.entries);
+    std::vector<std::size_t> summed; // measures; the others count
+    for (std::size_t i = 0; i < made.sums.size(); ++i) {
+        if (facts_.values[i].empty())
+            continue;
+        summed.push_back(i);
+        made.sums[i].reserve(count.entries);
+    }
     std::uint32_t lastGranule = 0;
     for (const std::uint32_t row : rows) {
-        const std::uint32_t granule = granuleOf_[TimeOf(row)];
-        const std::uint32_t word = words_[row] | granule / blockGranules;
+        const auto [word, granule] = places_[row];
         const bool isNewStrip = made.words.empty() || made.words.back() != word;
         if (isNewStrip) {
             made.words.push_back(word);
@@ -221,16 +284,33 @@ void RollupMaker::MakeStrips(std::span<const std::uint32_t> rows, MadeRollup& ma
         if (isNewStrip || granule != lastGranule) {
             made.periods.back() |= std::uint64_t{1} << granule % blockGranules;
             made.counts.push_back(isNewStrip ? 0 : made.counts.back());
-            for (auto& sums : made.sums)
-                sums.push_back(isNewStrip ? 0 : sums.back());
+            for (const std::size_t i : summed)
+                made.sums[i].push_back(isNewStrip ? 0 : made.sums[i].back());
         }
         lastGranule = granule;
         ++made.counts.back();
-        for (std::size_t i = 0; i < made.sums.size(); ++i) {
-            if (!facts_.values[i].empty())
-                made.sums[i].back() += facts_.values[i][row] / model_.measures[i].unit;
+        for (const std::size_t i : summed)
+            made.sums[i].back() += facts_.values[i][row] / model_.measures[i].unit;
+    }
+}
+
+/// Room for all of them, so that no list is copied as it grows.
+void Reserve(const std::vector<std::vector<MadeRollup>>& made, bool hasCounts, RollupModel& model) {
+    std::size_t rollups = 0, strips = 0, entries = 0;
+    for (const std::vector<MadeRollup>& ofLayer : made) {
+        rollups += ofLayer.size();
+        for (const MadeRollup& rollup : ofLayer) {
+            strips += rollup.words.size();
+            entries += rollup.counts.size();
         }
     }
+    model.records.reserve(rollups);
+    model.stripWords.reserve(strips);
+    model.stripPeriods.reserve(strips);
+    model.stripEntries.reserve(strips + 1);
+    for (auto& sums : model.sums)
+        sums.reserve(entries); // untouched memory of a measure that counts costs nothing
+    model.counts.reserve(hasCounts ? entries : 0);
 }
 
 /// Puts a rollup behind those that are there.
@@ -262,10 +342,11 @@ void Append(MadeRollup& made, bool hasCounts, BuiltRollups& built) {
 BuiltRollups BuildRollups(const CubeModel& model, const FactColumns& facts) {
     BuiltRollups built;
     built.model = LayOutRollups(model);
+    FindGroups(model, built.model);
     const std::vector<ChosenRollup> chosen = ChooseRollups(model, facts, built.model);
     if (chosen.empty())
         return built;
-    const std::vector<Layer> layers = MakeLayers(chosen);
+    const std::vector<Layer> layers = MakeLayers(chosen, built.model.Groups());
     const RollupMaker maker(model, facts, built.model);
     std::vector<std::vector<MadeRollup>> made(layers.size());
     std::atomic<std::size_t> next = 0;
@@ -279,10 +360,12 @@ BuiltRollups BuildRollups(const CubeModel& model, const FactColumns& facts) {
     const bool hasCounts =
         std::any_of(model.measures.begin(), model.measures.end(),
                     [](const Measure& measure) { return measure.aggregate == Aggregate::Count; });
+    Reserve(made, hasCounts, built.model);
     for (std::vector<MadeRollup>& ofLayer : made) {
-        for (MadeRollup& rollup : ofLayer)
+        for (MadeRollup& rollup : ofLayer) {
             Append(rollup, hasCounts, built);
-        ofLayer.clear();
+            rollup = {};
+        }
     }
     return built;
 }

@@ -1,11 +1,13 @@
 #include "engine/build/RollupChoice.h"
 
+#include "engine/build/MemberSets.h"
 #include "engine/build/RollupLayout.h"
 
 #include <algorithm>
 #include <map>
 #include <numeric>
 #include <set>
+#include <span>
 #include <utility>
 
 namespace qel::engine {
@@ -17,7 +19,7 @@ constexpr double rowCost = 0.25, searchCost = 300;
 /// Questions that cost less than this are left to the sort orders.
 constexpr double leastCost = 2000;
 /// What rollups may add to the file, in bytes a fact.
-constexpr double budgetPerFact = 55;
+constexpr double budgetPerFact = 80;
 /// A record and its share of the lookup table.
 constexpr std::uint64_t recordBytes = 52;
 
@@ -27,7 +29,7 @@ struct Candidate {
 };
 
 /// How many facts each code has, added up.
-std::vector<std::uint64_t> RunningCounts(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
+std::vector<std::uint64_t> CountUp(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
     std::vector<std::uint64_t> counts(std::size_t{codeCount} + 1);
     for (const std::uint32_t code : codes)
         ++counts[std::size_t{code} + 1];
@@ -35,18 +37,25 @@ std::vector<std::uint64_t> RunningCounts(const std::vector<std::uint32_t>& codes
     return counts;
 }
 
-/// A column that leads a sort order: its ranges that are costly even though their facts are one run.
-struct Lead {
-    std::vector<std::uint64_t> counts; ///< running, by code
-    std::vector<KeyRange> ranges;
+using RunningCounts = std::vector<std::uint64_t>;
 
-    std::uint64_t Rows(KeyRange range) const { return counts[range.last] - counts[range.first]; }
+std::uint64_t RowsUnder(const RunningCounts& counts, CodeRanges ranges) {
+    std::uint64_t rows = 0;
+    for (const KeyRange range : ranges)
+        rows += counts[range.last] - counts[range.first];
+    return rows;
+}
+
+/// A column that leads a sort order: its sets that are costly even though their facts are few runs.
+struct Lead {
+    RunningCounts counts; ///< by code
+    std::vector<KeyRange> sets;
 };
 
 class RollupChooser {
 public:
     RollupChooser(const CubeModel& model, const FactColumns& facts, const RollupModel& rollups)
-        : model_(model), facts_(facts), rollups_(rollups) {}
+        : model_(model), facts_(facts), rollups_(rollups), groups_(rollups.Groups()) {}
 
     std::vector<ChosenRollup> Run();
 
@@ -54,8 +63,8 @@ private:
     void FindLeads();
     void AddSingles();
     void AddPairs(std::uint16_t lead, std::uint16_t second);
-    void AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second, const std::uint32_t* first,
-                    const std::uint32_t* last);
+    void AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
+                    const std::vector<KeyRange>& secondSets, std::span<const std::uint32_t> rows);
     std::vector<ChosenRollup> TakeBest();
     std::uint64_t Bytes(std::uint64_t rows) const;
     /// The rows in the order of the column's codes.
@@ -64,6 +73,7 @@ private:
     const CubeModel& model_;
     const FactColumns& facts_;
     const RollupModel& rollups_;
+    const CodeGroups groups_;
     std::map<std::uint16_t, Lead> leads_;
     std::vector<Candidate> candidates_;
 };
@@ -89,10 +99,10 @@ void RollupChooser::FindLeads() {
         if (!IsRollupKey(rollups_, column) || leads_.count(column) != 0)
             continue;
         Lead lead;
-        lead.counts = RunningCounts(facts_.keys[column], model_.keyColumns[column].codes);
-        lead.ranges = MemberRanges(model_, column);
-        std::erase_if(lead.ranges, [&](KeyRange range) {
-            return static_cast<double>(lead.Rows(range)) * rowCost < leastCost;
+        lead.counts = CountUp(facts_.keys[column], model_.keyColumns[column].codes);
+        lead.sets = MemberSets(model_, groups_, column);
+        std::erase_if(lead.sets, [&](const KeyRange& set) {
+            return static_cast<double>(RowsUnder(lead.counts, groups_.Ranges(set))) * rowCost < leastCost;
         });
         leads_.emplace(column, std::move(lead));
     }
@@ -103,42 +113,57 @@ void RollupChooser::AddSingles() {
     if (static_cast<double>(rows) * rowCost >= leastCost)
         candidates_.push_back({{{}, {}, {}, {}, rows}, static_cast<double>(rows) * rowCost});
     for (const auto& [column, lead] : leads_) {
-        for (const KeyRange range : lead.ranges)
-            candidates_.push_back(
-                {{column, {}, range, {}, lead.Rows(range)}, static_cast<double>(lead.Rows(range)) * rowCost});
+        for (const KeyRange& set : lead.sets) {
+            const std::uint64_t under = RowsUnder(lead.counts, groups_.Ranges(set));
+            candidates_.push_back({{column, {}, set, {}, under}, static_cast<double>(under) * rowCost});
+        }
     }
 }
 
 void RollupChooser::AddPairs(std::uint16_t lead, std::uint16_t second) {
-    const std::vector<std::uint32_t> rows = Sorted(lead);
-    for (const KeyRange range : leads_[lead].ranges) {
-        const auto& counts = leads_[lead].counts;
-        AddPairsOf(lead, range, second, rows.data() + counts[range.first], rows.data() + counts[range.last]);
+    const std::vector<std::uint32_t> sorted = Sorted(lead);
+    const auto ownLead = leads_.find(second);
+    const std::vector<KeyRange> secondSets =
+        ownLead == leads_.end() ? MemberSets(model_, groups_, second) : ownLead->second.sets;
+    const auto& counts = leads_[lead].counts;
+    std::vector<std::uint32_t> rows;
+    for (const KeyRange& set : leads_[lead].sets) {
+        rows.clear();
+        for (const KeyRange range : groups_.Ranges(set)) {
+            const auto at = [&](std::uint32_t code) {
+                return sorted.begin() + static_cast<std::ptrdiff_t>(counts[code]);
+            };
+            rows.insert(rows.end(), at(range.first), at(range.last));
+        }
+        AddPairsOf(lead, set, second, secondSets, rows);
     }
 }
 
 void RollupChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
-                               const std::uint32_t* first, const std::uint32_t* last) {
+                               const std::vector<KeyRange>& secondSets, std::span<const std::uint32_t> rows) {
     const auto& secondCodes = facts_.keys[second];
-    std::vector<std::uint64_t> counts(std::size_t{model_.keyColumns[second].codes} + 1);
-    for (const std::uint32_t* row = first; row != last; ++row)
-        ++counts[std::size_t{secondCodes[*row]} + 1];
+    RunningCounts counts(std::size_t{model_.keyColumns[second].codes} + 1);
+    for (const std::uint32_t row : rows)
+        ++counts[std::size_t{secondCodes[row]} + 1];
     std::partial_sum(counts.begin(), counts.end(), counts.begin());
-    const auto ownLead = leads_.find(second);
     const bool isSearchable =
         std::any_of(model_.projections.begin(), model_.projections.end(), [&](const auto& other) {
             return other.sortOrder.size() > 1 && other.sortOrder[0] == second && other.sortOrder[1] == lead;
         });
-    for (const KeyRange range :
-         ownLead == leads_.end() ? MemberRanges(model_, second) : ownLead->second.ranges) {
-        const std::uint64_t rows = counts[range.last] - counts[range.first];
-        const double reading = static_cast<double>(rows) * rowCost;
+    const CodeRanges leadRanges = groups_.Ranges(leadCodes);
+    const auto searchAll = [](CodeRanges outer, CodeRanges inner) {
+        return static_cast<double>(CountCodes(outer) * inner.size()) * searchCost;
+    };
+    for (const KeyRange& set : secondSets) {
+        const CodeRanges ranges = groups_.Ranges(set);
+        const std::uint64_t under = RowsUnder(counts, ranges);
+        const double reading = static_cast<double>(under) * rowCost;
         double cost =
-            std::min(static_cast<double>(last - first) * rowCost, leadCodes.Count() * searchCost + reading);
+            std::min(static_cast<double>(rows.size()) * rowCost, searchAll(leadRanges, ranges) + reading);
         if (isSearchable)
-            cost = std::min(cost, range.Count() * searchCost + reading);
+            cost = std::min(cost, searchAll(ranges, leadRanges) + reading);
         if (cost >= leastCost)
-            candidates_.push_back({{lead, second, leadCodes, range, rows}, cost});
+            candidates_.push_back({{lead, second, leadCodes, set, under}, cost});
     }
 }
 

@@ -9,18 +9,18 @@
 
 namespace qel::engine {
 
-/// A rollup that is worth its bytes: the facts under one range of codes of two key columns, or of fewer.
+/// A rollup that is worth its bytes: the facts under one set of codes of two key columns, or of fewer.
 struct ChosenRollup {
     std::optional<std::uint16_t> lead;   ///< a column that leads a sort order
     std::optional<std::uint16_t> second; ///< the column that comes next in it
-    KeyRange leadCodes, secondCodes;
+    KeyRange leadCodes, secondCodes;     ///< as in a rollup's key
     std::uint64_t rows = 0;
 
     RollupKey Key() const;
 };
 
 /// Finds the pairs of members whose facts take long to read from every sort order, and takes the most costly
-/// ones until the budget is used up. The model has its projections.
+/// ones until the budget is used up. The model has its projections, the rollups their groups.
 std::vector<ChosenRollup> ChooseRollups(const CubeModel& model, const FactColumns& facts,
                                         const RollupModel& rollups);
 

@@ -77,28 +77,4 @@ bool IsRollupKey(const RollupModel& rollups, std::size_t keyColumn) {
            });
 }
 
-std::vector<KeyRange> MemberRanges(const CubeModel& model, std::size_t keyColumn) {
-    constexpr std::uint32_t mostRanges = 16; // of a member
-    const KeyRange all{0, model.keyColumns[keyColumn].codes};
-    std::vector<KeyRange> found;
-    for (const DimensionModel& dimension : model.dimensions) {
-        for (const HierarchyModel& hierarchy : dimension.hierarchies) {
-            for (std::size_t member = 0;
-                 hierarchy.keyColumn == keyColumn && member < hierarchy.parents.size(); ++member) {
-                const std::uint32_t first = hierarchy.rangeOffsets[member];
-                const std::uint32_t last = hierarchy.rangeOffsets[member + 1];
-                if (last - first <= mostRanges)
-                    found.insert(found.end(), hierarchy.ranges.begin() + first,
-                                 hierarchy.ranges.begin() + last);
-            }
-        }
-    }
-    std::sort(found.begin(), found.end(), [](KeyRange left, KeyRange right) {
-        return left.first != right.first ? left.first < right.first : left.last > right.last;
-    });
-    found.erase(std::unique(found.begin(), found.end()), found.end());
-    found.erase(std::remove(found.begin(), found.end(), all), found.end());
-    return found;
-}
-
 } // namespace qel::engine

@@ -26,14 +26,6 @@ void VisitOverlaps(CodeRanges left, CodeRanges right, const Visit& visit) {
 
 } // namespace
 
-std::uint64_t CountCodes(CodeRanges ranges) {
-    std::uint64_t count = 0;
-    for (const KeyRange range : ranges) {
-        count += range.last - range.first;
-    }
-    return count;
-}
-
 bool CoversAll(CodeRanges ranges, std::uint32_t codes) {
     return ranges.size() == 1 && ranges[0].first == 0 && ranges[0].last == codes;
 }
@@ -53,23 +45,6 @@ void Intersect(CodeRanges left, CodeRanges right, std::vector<KeyRange>& result)
         result.push_back(common);
         return true;
     });
-}
-
-bool JoinDisjoint(std::vector<KeyRange>& ranges) {
-    std::sort(ranges.begin(), ranges.end(), [](KeyRange a, KeyRange b) { return a.first < b.first; });
-    std::size_t kept = 0;
-    for (const KeyRange range : ranges) {
-        if (kept > 0 && range.first < ranges[kept - 1].last) {
-            return false;
-        }
-        if (kept > 0 && range.first == ranges[kept - 1].last) {
-            ranges[kept - 1].last = range.last;
-        } else {
-            ranges[kept++] = range;
-        }
-    }
-    ranges.resize(kept);
-    return true;
 }
 
 } // namespace qel::engine

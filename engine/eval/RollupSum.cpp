@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace qel::engine {
 
@@ -14,8 +15,8 @@ namespace {
 /// More pairs of ranges than this are not worth a lookup each.
 constexpr std::size_t mostPairs = 64;
 
-/// One question to the rollups. A rollup answers for one range of codes in up to two key columns; a
-/// restriction to several ranges is asked for range by range.
+/// One question to the rollups. A rollup answers for one set of codes in up to two key columns; what has none
+/// as it is asked for is asked for range by range.
 class RollupSum {
 public:
     RollupSum(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure)
@@ -26,12 +27,19 @@ public:
 private:
     struct Pair {
         const Rollup* rollup; ///< null when there is none
-        KeyRange first, second;
+        CodeRanges first, second;
     };
 
     /// Sorts the restrictions into keys, the word's and the time's. False when there are more keys than a
     /// rollup has.
     bool Sort();
+    /// What a key is restricted to; of a key that there is not, one range that nothing is done with.
+    CodeRanges CodesOf(std::size_t key) const {
+        static constexpr KeyRange none{};
+        return keys_[key] == nullptr ? CodeRanges(&none, 1) : keys_[key]->codes;
+    }
+    const Rollup* Find(const KeyRange& first, const KeyRange& second) const;
+    bool FindWhole();
     bool FindPairs();
     void Add(FactSum sum);
     void AddRows(const Rollup& rollup);
@@ -50,7 +58,7 @@ private:
 };
 
 bool RollupSum::Run(FactSum& total) {
-    if (!Sort() || !FindPairs()) {
+    if (!Sort() || (!FindWhole() && !FindPairs())) {
         return false;
     }
     for (const Pair& pair : pairs_) {
@@ -86,27 +94,43 @@ bool RollupSum::Sort() {
     return true;
 }
 
+const Rollup* RollupSum::Find(const KeyRange& first, const KeyRange& second) const {
+    RollupKey key;
+    if (keys_[0] != nullptr) {
+        key.Add(static_cast<std::uint16_t>(keys_[0]->keyColumn), first);
+    }
+    if (keys_[1] != nullptr) {
+        key.Add(static_cast<std::uint16_t>(keys_[1]->keyColumn), second);
+    }
+    return rollups_.Find(key);
+}
+
+bool RollupSum::FindWhole() {
+    const auto setOf = [&](CodeRanges codes) {
+        return codes.size() == 1 ? std::optional(codes.front()) : rollups_.Groups().Find(codes);
+    };
+    const std::optional<KeyRange> first = setOf(CodesOf(0));
+    const std::optional<KeyRange> second = setOf(CodesOf(1));
+    const Rollup* const rollup = first && second ? Find(*first, *second) : nullptr;
+    if (rollup != nullptr) {
+        pairs_.push_back({rollup, CodesOf(0), CodesOf(1)});
+    }
+    return rollup != nullptr;
+}
+
 bool RollupSum::FindPairs() {
-    static constexpr KeyRange none{};
-    const CodeRanges first = keys_[0] == nullptr ? CodeRanges(&none, 1) : keys_[0]->codes;
-    const CodeRanges second = keys_[1] == nullptr ? CodeRanges(&none, 1) : keys_[1]->codes;
-    if (first.size() > mostPairs || first.size() * second.size() > mostPairs) {
+    const CodeRanges first = CodesOf(0), second = CodesOf(1);
+    if (first.size() > mostPairs || first.size() * second.size() > mostPairs ||
+        first.size() * second.size() == 1) { // which was looked for as a whole
         return false;
     }
     pairs_.reserve(first.size() * second.size());
     bool found = false;
-    for (const KeyRange a : first) {
-        for (const KeyRange b : second) {
-            RollupKey key;
-            if (keys_[0] != nullptr) {
-                key.Add(static_cast<std::uint16_t>(keys_[0]->keyColumn), a);
-            }
-            if (keys_[1] != nullptr) {
-                key.Add(static_cast<std::uint16_t>(keys_[1]->keyColumn), b);
-            }
-            const Rollup* rollup = rollups_.Find(key);
+    for (const KeyRange& a : first) {
+        for (const KeyRange& b : second) {
+            const Rollup* const rollup = Find(a, b);
             found = found || rollup != nullptr;
-            pairs_.push_back({rollup, a, b});
+            pairs_.push_back({rollup, CodeRanges(&a, 1), CodeRanges(&b, 1)});
         }
     }
     return found;
@@ -176,10 +200,10 @@ void RollupSum::AddScan(const Pair& pair, CodeRanges time) {
             {test.keyColumn, time_ != nullptr && test.keyColumn == time_->keyColumn ? time : test.codes});
     }
     if (keys_[0] != nullptr) {
-        restrictions.push_back({keys_[0]->keyColumn, CodeRanges(&pair.first, 1)});
+        restrictions.push_back({keys_[0]->keyColumn, pair.first});
     }
     if (keys_[1] != nullptr) {
-        restrictions.push_back({keys_[1]->keyColumn, CodeRanges(&pair.second, 1)});
+        restrictions.push_back({keys_[1]->keyColumn, pair.second});
     }
     Add(ScanFacts(facts_, restrictions, measure_));
 }

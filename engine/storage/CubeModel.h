@@ -62,6 +62,8 @@ struct RollupModel {
     std::uint8_t blockBits = 0;
     std::optional<std::uint32_t> timeColumn;
     std::vector<std::uint32_t> granules;
+    std::vector<std::uint32_t> groupPlaces{0}; ///< see CodeGroups
+    std::vector<KeyRange> groupRanges;
     std::vector<Rollup> records;
     std::uint64_t rows = 0; ///< of all rollups that are rows
     std::vector<std::uint32_t> stripWords;
@@ -69,6 +71,8 @@ struct RollupModel {
     std::vector<std::uint32_t> stripEntries{0};  ///< one more than there are strips
     std::vector<std::vector<std::int64_t>> sums; ///< by measure; empty for a count
     std::vector<std::uint32_t> counts;           ///< empty when no measure counts
+
+    CodeGroups Groups() const { return {groupPlaces, groupRanges}; }
 };
 
 struct CubeModel {

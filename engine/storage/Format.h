@@ -66,7 +66,9 @@ enum class SectionKind : std::uint32_t {
     StripPeriods = 0x80000008U,
     StripEntries = 0x80000009U,
     StripSums = 0x8000000AU, ///< second: measure
-    StripCounts = 0x8000000BU
+    StripCounts = 0x8000000BU,
+    GroupPlaces = 0x8000000CU,
+    GroupRanges = 0x8000000DU
 };
 
 /// Sections of kinds from here on may be passed over by a reader that does not know them; an unknown kind

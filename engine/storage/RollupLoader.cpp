@@ -16,6 +16,7 @@ std::optional<RollupTable> RollupLoader::Load(const FactTable& facts) const {
     ByteReader in(image_.Array<std::byte>(Id(SectionKind::RollupDescription)));
     ReadWord(in, facts, table);
     ReadGranules(facts, table);
+    ReadGroups(table);
     const auto rollups = in.Get<std::uint32_t>();
     LoadRows(in, facts, table);
     LoadStrips(in, facts, table);
@@ -60,6 +61,17 @@ void RollupLoader::ReadGranules(const FactTable& facts, RollupTable& table) cons
     if (granules.size() < 2 || granules.front() != 0 || granules.back() != codes || !ascend ||
         granules.size() - 1 > (std::uint64_t{64} << table.blockBits_))
         Fail("the rollups' periods are not well-formed");
+}
+
+void RollupLoader::ReadGroups(RollupTable& table) const {
+    if (!image_.HasSection(Id(SectionKind::GroupPlaces)))
+        return;
+    const auto places = image_.Array<std::uint32_t>(Id(SectionKind::GroupPlaces));
+    const auto ranges = image_.Array<KeyRange>(Id(SectionKind::GroupRanges));
+    if (places.empty() || places.front() != 0 || places.back() != ranges.size() ||
+        !std::is_sorted(places.begin(), places.end()))
+        Fail("the groups of codes are not well-formed");
+    table.groups_ = CodeGroups(places, ranges);
 }
 
 void RollupLoader::LoadRows(ByteReader& in, const FactTable& facts, RollupTable& table) const {

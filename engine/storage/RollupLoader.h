@@ -21,6 +21,7 @@ public:
 private:
     void ReadWord(ByteReader& in, const FactTable& facts, RollupTable& table) const;
     void ReadGranules(const FactTable& facts, RollupTable& table) const;
+    void ReadGroups(RollupTable& table) const;
     void LoadRows(ByteReader& in, const FactTable& facts, RollupTable& table) const;
     void LoadStrips(ByteReader& in, const FactTable& facts, RollupTable& table) const;
     /// A section of exactly `count` elements.

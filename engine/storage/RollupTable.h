@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/storage/CodeGroups.h"
 #include "engine/storage/Projection.h"
 
 #include <cstddef>
@@ -10,8 +11,8 @@
 
 namespace qel::engine {
 
-/// What a rollup is of: the facts under one range of codes in up to two key columns. The lower column number
-/// comes first; a column that is left out has the range {0, 0}.
+/// What a rollup is of: the facts under one set of codes in up to two key columns. The lower column number
+/// comes first; a column that is left out has the range {0, 0}. See CodeGroups for sets that are no range.
 struct RollupKey {
     static constexpr std::uint16_t noColumn = 0xFFFF;
 
@@ -60,6 +61,7 @@ public:
     /// The time codes that granules begin with, and the number of codes.
     std::span<const std::uint32_t> Granules() const { return granules_; }
 
+    const CodeGroups& Groups() const { return groups_; }
     std::uint64_t Count() const { return records_.Size() / sizeof(Rollup); }
     /// Null when there is none. Raises EngineError (DamagedFile), as all below do.
     const Rollup* Find(const RollupKey& key) const;
@@ -81,6 +83,7 @@ private:
     unsigned blockBits_ = 0;
     std::optional<std::size_t> timeColumn_;
     std::span<const std::uint32_t> granules_;
+    CodeGroups groups_;
     MappedSection records_, lookup_, stripWords_, stripPeriods_, stripEntries_, counts_;
     std::vector<MappedSection> sums_; ///< by measure
     std::vector<std::uint8_t> sumWidths_;

@@ -32,6 +32,16 @@ std::int64_t SignedAt(const std::byte* values, std::uint8_t width, std::size_t i
     }
 }
 
+bool Ascend(const CodeGroups& groups) {
+    for (std::uint32_t number = 1; number < groups.Count(); ++number) {
+        const KeyRange before{number - 1, 0}, group{number, 0};
+        const CodeRanges left = groups.Ranges(before), right = groups.Ranges(group);
+        if (!std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(), IsBefore))
+            return false;
+    }
+    return true;
+}
+
 class RollupCheck {
 public:
     explicit RollupCheck(const FactTable& facts) : facts_(facts), rollups_(*facts.Rollups()) {}
@@ -54,10 +64,18 @@ private:
     Totals NoTotals() const { return {0, std::vector<std::uint64_t>(facts_.Measures().size())}; }
 
     bool IsOfColumns(const RollupKey& key) const {
-        const auto exists = [&](std::uint16_t column, KeyRange codes) {
-            return column == RollupKey::noColumn ||
-                   (column < facts_.KeyColumns().size() && codes.first < codes.last &&
-                    codes.last <= facts_.KeyColumns()[column].codes);
+        const auto exists = [&](std::uint16_t column, const KeyRange& codes) {
+            if (column == RollupKey::noColumn)
+                return true;
+            const CodeRanges ranges = rollups_.Groups().Ranges(codes);
+            std::uint32_t end = 0; // ranges ascend
+            for (const KeyRange range : ranges) {
+                if (range.first < end || range.first >= range.last)
+                    return false;
+                end = range.last;
+            }
+            return !ranges.empty() && column < facts_.KeyColumns().size() &&
+                   end <= facts_.KeyColumns()[column].codes;
         };
         return exists(key.firstColumn, key.first) && exists(key.secondColumn, key.second);
     }
@@ -76,8 +94,22 @@ private:
         }
     }
 
-    /// What the facts say: from the sort order that one of the columns leads.
+    /// What the facts say.
     Totals TotalsOf(const RollupKey& key) const {
+        Totals totals = NoTotals();
+        static constexpr KeyRange left{}; // out of the key
+        const auto rangesOf = [&](std::uint16_t column, const KeyRange& codes) {
+            return column == RollupKey::noColumn ? CodeRanges(&left, 1) : rollups_.Groups().Ranges(codes);
+        };
+        for (const KeyRange first : rangesOf(key.firstColumn, key.first)) {
+            for (const KeyRange second : rangesOf(key.secondColumn, key.second))
+                AddFacts({key.firstColumn, key.secondColumn, first, second}, totals);
+        }
+        return totals;
+    }
+
+    /// The facts under two ranges, from the sort order that one of their columns leads.
+    void AddFacts(const RollupKey& key, Totals& totals) const {
         const Projection* projection = &facts_.Projections().front();
         RowRange rows{0, facts_.RowCount()};
         for (const Projection& other : facts_.Projections()) {
@@ -100,9 +132,7 @@ private:
         };
         restrict(key.firstColumn, key.first);
         restrict(key.secondColumn, key.second);
-        Totals totals = NoTotals();
         AddValues(*projection, rows, isIn, totals);
-        return totals;
     }
 
     bool AddRows(const Rollup& rollup, Totals& totals) const {
@@ -147,6 +177,8 @@ std::string FindRollupFault(const Cube& cube) {
     if (cube.Facts().Rollups() == nullptr)
         return {};
     const RollupTable& rollups = *cube.Facts().Rollups();
+    if (!Ascend(rollups.Groups()))
+        return fmt::format("cube {}: the groups of codes are not in order", cube.Name());
     const RollupCheck check(cube.Facts());
     for (std::uint64_t i = 0; i < rollups.Count(); ++i) {
         const std::string fault = check.FaultOf(rollups.At(i));

@@ -92,6 +92,8 @@ void WriteRollups(const RollupModel& rollups, const CubeModel& model, std::uint3
     }
     sections.Write(SectionKind::RollupDescription, description.Bytes());
     sections.Write(SectionKind::RollupGranules, rollups.granules);
+    sections.Write(SectionKind::GroupPlaces, rollups.groupPlaces);
+    sections.Write(SectionKind::GroupRanges, rollups.groupRanges);
     sections.Write(SectionKind::RollupRecords, rollups.records);
     sections.Write(SectionKind::RollupLookup, BuildLookup(rollups.records));
     sections.Write(SectionKind::StripWords, rollups.stripWords);

@@ -26,7 +26,9 @@ struct Fact {
 
 constexpr std::array<std::uint32_t, 6> codeCounts{300, 100, 20, 8, 4, 10'957};
 constexpr const char* columns[] = {"account", "region", "number", "firm", "kind", "date"};
-constexpr std::size_t day = 5;
+constexpr std::size_t region = 1, day = 5;
+/// Regions are in ten units of ten, of which two each have one name.
+constexpr std::uint32_t unitSize = 10, namesOfUnits = 5;
 
 /// Thirty years of days: months fill several blocks.
 std::string DateOf(std::uint32_t dayNumber) {
@@ -34,6 +36,11 @@ std::string DateOf(std::uint32_t dayNumber) {
                                              std::chrono::days{static_cast<int>(dayNumber)};
     return fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
                        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
+}
+
+bool Holds(CodeRanges ranges, std::uint32_t code) {
+    return std::any_of(ranges.begin(), ranges.end(),
+                       [&](KeyRange range) { return code >= range.first && code < range.last; });
 }
 
 /// A cube large enough to have rollups of both kinds, by days, whose facts the tests know.
@@ -70,7 +77,7 @@ protected:
               { "name": "Account", "column": "account", "table": "accounts", "key": "code", "hierarchies": [
                 { "name": "Account", "levels": [ { "name": "A", "key": "a" }, { "name": "B", "key": "b" }, { "name": "C", "key": "code" } ] } ] },
               { "name": "Region", "column": "region", "table": "regions", "key": "code", "hierarchies": [
-                { "name": "Region", "levels": [ { "name": "A", "key": "a" }, { "name": "B", "key": "b" }, { "name": "C", "key": "code" } ] } ] },
+                { "name": "Region", "levels": [ { "name": "A", "key": "a" }, { "name": "B", "key": "b", "memberName": "b_name" }, { "name": "C", "key": "code" } ] } ] },
               { "name": "Number", "column": "number" }, { "name": "Firm", "column": "firm" },
               { "name": "Kind", "column": "kind" },
               { "name": "Date", "column": "date", "calendar": { "periods": "days", "quarters": true } } ],
@@ -88,9 +95,10 @@ protected:
     }
 
     static void WriteTree(const char* name, std::uint32_t codes, std::uint32_t large, std::uint32_t small) {
-        std::string csv = "code,a,b\n";
+        std::string csv = "code,a,b,b_name\n";
         for (std::uint32_t code = 0; code < codes; ++code) {
-            csv += fmt::format("{:03},{},{:02}\n", code, code / large, code / small);
+            csv += fmt::format("{:03},{},{:02},Unit {}\n", code, code / large, code / small,
+                               code / small % namesOfUnits);
         }
         folder_->Write(name, csv);
     }
@@ -107,8 +115,16 @@ protected:
 
     std::uint32_t Below(std::uint32_t bound) { return static_cast<std::uint32_t>(random_() % bound); }
 
+    /// What is under all units of one name.
+    static std::vector<KeyRange> UnitsNamed(std::uint32_t name) {
+        const std::uint32_t first = name * unitSize, second = (name + namesOfUnits) * unitSize;
+        return {{first, first + unitSize}, {second, second + unitSize}};
+    }
     /// One range of a group's size, now and then two.
     std::vector<KeyRange> DrawRanges(std::size_t column) {
+        if (column == region && Below(3) == 0) {
+            return UnitsNamed(Below(namesOfUnits));
+        }
         const std::uint32_t size = std::array<std::uint32_t, 4>{1, 10, 50, 100}[Below(4)];
         const std::uint32_t first = Below(codeCounts[column]) / size * size;
         std::vector<KeyRange> ranges{{first, std::min(first + size, codeCounts[column])}};
@@ -156,11 +172,7 @@ TEST_F(RollupTest, SumsWhatTheFactsDo) {
         for (const Fact& fact : facts_) {
             bool isIn = true;
             for (std::size_t column = 0; column < ranges.size(); ++column) {
-                isIn =
-                    isIn && (ranges[column].empty() ||
-                             std::any_of(ranges[column].begin(), ranges[column].end(), [&](KeyRange range) {
-                                 return fact.codes[column] >= range.first && fact.codes[column] < range.last;
-                             }));
+                isIn = isIn && (ranges[column].empty() || Holds(ranges[column], fact.codes[column]));
             }
             expected[0] += isIn ? fact.amounts[0] : 0;
             expected[1] += isIn ? fact.amounts[1] : 0;
@@ -179,6 +191,24 @@ TEST_F(RollupTest, SumsWhatTheFactsDo) {
     EXPECT_GT(answered, 100) << "questions that rollups help with are not asked";
 }
 
+TEST_F(RollupTest, AreMadeOfMembersOfOneName) {
+    const RollupTable& rollups = *Table().Rollups();
+    int made = 0;
+    for (std::uint32_t name = 0; name < namesOfUnits; ++name) {
+        const auto group = rollups.Groups().Find(UnitsNamed(name));
+        ASSERT_TRUE(group) << name;
+        RollupKey key;
+        key.Add(static_cast<std::uint16_t>(Column(region)), *group);
+        made += rollups.Find(key) != nullptr ? 1 : 0;
+    }
+    EXPECT_GT(made, 0) << "no name has facts enough";
+    EXPECT_EQ(rollups.Groups().Count(), namesOfUnits);
+    for (const std::vector<KeyRange>& other :
+         {std::vector<KeyRange>{{0, 10}, {40, 50}}, {{0, 10}}, {{0, 10}, {50, 60}, {70, 80}}, {}}) {
+        EXPECT_FALSE(rollups.Groups().Find(other));
+    }
+}
+
 TEST_F(RollupTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
     const RollupTable& rollups = *Table().Rollups();
     std::size_t strips = 0, rows = 0;
@@ -188,14 +218,15 @@ TEST_F(RollupTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
         EXPECT_EQ(rollups.Find(rollup.key), &rollup);
         const auto total =
             static_cast<std::uint64_t>(std::count_if(facts_.begin(), facts_.end(), [&](const Fact& fact) {
-                const auto holds = [&](std::uint16_t column, KeyRange range) {
-                    for (std::size_t known = 0; column != RollupKey::noColumn && known < codeCounts.size();
-                         ++known) {
-                        if (Column(known) == column) {
-                            return fact.codes[known] >= range.first && fact.codes[known] < range.last;
-                        }
+                const auto holds = [&](std::uint16_t column, const KeyRange& codes) {
+                    if (column == RollupKey::noColumn) {
+                        return true;
                     }
-                    return true;
+                    std::size_t known = 0;
+                    while (Column(known) != column) {
+                        ++known;
+                    }
+                    return Holds(rollups.Groups().Ranges(codes), fact.codes[known]);
                 };
                 return holds(rollup.key.firstColumn, rollup.key.first) &&
                        holds(rollup.key.secondColumn, rollup.key.second);

@@ -395,6 +395,43 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "rollup 2: it differs from the facts"},
         {"a rollup of no column", [](auto& c) { c.rollups.records[1].key.firstColumn = 2; },
          "rollup 2: its key has codes that do not exist"},
+        {"groups without an end",
+         [](auto& c) {
+             c.rollups.groupPlaces = {0, 2};
+         },
+         "the groups of codes"},
+        {"groups that overlap",
+         [](auto& c) {
+             c.rollups.groupPlaces = {0, 2, 1};
+             c.rollups.groupRanges = {{0, 1}};
+         },
+         "the groups of codes"},
+        {"no places of groups", [](auto& c) { c.rollups.groupPlaces.clear(); }, "the groups of codes"},
+        {"groups that descend",
+         [](auto& c) {
+             c.rollups.groupPlaces = {0, 1, 2};
+             c.rollups.groupRanges = {{1, 2}, {0, 1}};
+         },
+         "the groups of codes are not in order"},
+        {"a rollup of a group that does not exist",
+         [](auto& c) {
+             c.rollups.records[1].key.first = {0, 0};
+         },
+         "rollup 2: its key has codes that do not exist"},
+        {"a rollup of a group that descends",
+         [](auto& c) {
+             c.rollups.groupPlaces = {0, 2};
+             c.rollups.groupRanges = {{1, 2}, {0, 1}};
+             c.rollups.records[1].key.first = {0, 0};
+         },
+         "rollup 2: its key has codes that do not exist"},
+        {"a rollup of another group's facts",
+         [](auto& c) {
+             c.rollups.groupPlaces = {0, 2};
+             c.rollups.groupRanges = {{0, 1}, {1, 2}};
+             c.rollups.records[1].key.first = {0, 0};
+         },
+         "rollup 2: it differs from the facts"},
         {"two rollups of one key", [](auto& c) { c.rollups.records[1].key = {}; },
          "its key does not find it"},
         {"a name that is not UTF-8", [](auto& c) { c.Accounts().names.bytes[0] = '\xFF'; }, "not UTF-8"},
