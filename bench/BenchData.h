@@ -1,5 +1,7 @@
 #pragma once
 
+#include "tests/ledger/reference/Selection.h"
+
 #include <cstdint>
 #include <filesystem>
 
@@ -10,7 +12,7 @@ struct BenchData {
     std::filesystem::path csvFolder, cubeFile, database;
 };
 
-/// What a build of the two cubes took, in a process of its own.
+/// What a build of one cube took, in a process of its own.
 struct BuildCost {
     double seconds = 0, processorSeconds = 0;
     double peakMegabytes = 0;
@@ -21,7 +23,7 @@ struct BuildCost {
 BenchData PrepareBenchData(const std::filesystem::path& folder, const std::filesystem::path& program,
                            std::uint64_t rows, std::uint64_t seed);
 
-/// Builds the cube file again and measures it. To be called while the program has one thread.
-BuildCost MeasureBuild(const BenchData& data);
+/// Builds a file of one of the cubes and measures it. To be called while the program has one thread.
+BuildCost MeasureBuild(const BenchData& data, ledger::LedgerCube cube);
 
 } // namespace qel::bench

@@ -13,12 +13,11 @@ ROWS = [  # what the table says, where the number comes from, how it is written
     ("file, bytes a fact", "both", "bytes", "{:.0f}"),
     ("SQLite, bytes a fact (one cube's facts)", "both", "SQLite bytes", "{:.0f}"),
     ("open, ms", "both", "open ms", "{:.2f}"),
-    ("build of both cubes, s", "both", "build seconds", "{:.1f}"),
-    ("the same, s of processors", "both", "build processor seconds", "{:.1f}"),
-    ("build, MB of memory", "both", "build megabytes", "{:,.0f}"),
 ]
 for cube in ("months", "days"):
     ROWS += [
+        (f"{cube}: build, s and s of processors", cube, ("build seconds", "build processor seconds"), "{:.1f}"),
+        (f"{cube}: build, MB of memory", cube, "build megabytes", "{:,.0f}"),
         (f"{cube}: formulas a second, statement known", cube, "known per second", "{:,.0f}"),
         (f"{cube}: median, p99 µs", cube, ("known median", "known p99"), "{:.1f}"),
         (f"{cube}: formulas a second, statement new", cube, "new per second", "{:,.0f}"),

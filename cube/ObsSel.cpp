@@ -25,7 +25,7 @@ std::string BuildObsSel(const ThreadState& thread, DataAccess& dataAccess, const
     for (const auto& found : obsLevel->MembersNamed(member)) {
         if (text.empty())
             text = "\r\n Member [Obs].Sel as ' SUM ({ ";
-        text += " , " + ReplaceAll(found->UniqueName(), "'", "''");
+        text.append(" , ").append(ReplaceAll(found->UniqueName(), "'", "''"));
     }
     return text + " }) ' ";
 }

@@ -4,6 +4,7 @@
 #include "platform/AutomationError.h"
 #include "platform/Text.h"
 
+#include <fmt/compile.h>
 #include <fmt/format.h>
 
 #include <cmath>
@@ -182,13 +183,16 @@ void AppendDay(CalendarDay day, const Locale& locale, fmt::memory_buffer& text) 
     const char separator = locale.dateSeparator;
     switch (locale.dateOrder) {
     case DateOrder::DayMonthYear:
-        fmt::format_to(out, "{:02}{}{:02}{}{:04}", day.day, separator, day.month, separator, day.year);
+        fmt::format_to(out, FMT_COMPILE("{:02}{}{:02}{}{:04}"), day.day, separator, day.month, separator,
+                       day.year);
         return;
     case DateOrder::MonthDayYear:
-        fmt::format_to(out, "{:02}{}{:02}{}{:04}", day.month, separator, day.day, separator, day.year);
+        fmt::format_to(out, FMT_COMPILE("{:02}{}{:02}{}{:04}"), day.month, separator, day.day, separator,
+                       day.year);
         return;
     case DateOrder::YearMonthDay:
-        fmt::format_to(out, "{:04}{}{:02}{}{:02}", day.year, separator, day.month, separator, day.day);
+        fmt::format_to(out, FMT_COMPILE("{:04}{}{:02}{}{:02}"), day.year, separator, day.month, separator,
+                       day.day);
         return;
     }
 }

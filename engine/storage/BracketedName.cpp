@@ -2,14 +2,20 @@
 
 namespace qel::engine {
 
-std::string BracketedName(std::string_view name) {
-    std::string text = "[";
-    for (const char c : name) {
-        if (c == ']')
-            text += ']';
-        text += c;
+void AppendBracketed(std::string_view name, std::string& text) {
+    text += '[';
+    std::size_t start = 0;
+    for (std::size_t at = name.find(']'); at != std::string_view::npos; at = name.find(']', start)) {
+        text.append(name, start, at + 1 - start).append("]");
+        start = at + 1;
     }
-    text += ']';
+    text.append(name, start).append("]");
+}
+
+std::string BracketedName(std::string_view name) {
+    std::string text;
+    text.reserve(name.size() + 2);
+    AppendBracketed(name, text);
     return text;
 }
 

@@ -34,7 +34,7 @@ std::string Hierarchy::MemberUniqueName(MemberId member) const {
     for (auto step = path.rbegin(); step != path.rend(); ++step) {
         const bool isShared = (columns_.flags[*step] & format::nameIsShared) != 0;
         text += isShared ? ".&" : ".";
-        text += BracketedName(isShared ? MemberKey(*step) : MemberName(*step));
+        AppendBracketed(isShared ? MemberKey(*step) : MemberName(*step), text);
     }
     return text;
 }
