@@ -2,45 +2,19 @@
 
 #include "engine/build/MemberSets.h"
 #include "engine/build/RollupChoice.h"
+#include "engine/build/RollupLayers.h"
 #include "engine/build/RollupLayout.h"
 
 #include <algorithm>
 #include <atomic>
 #include <bit>
 #include <future>
-#include <iterator>
-#include <map>
 #include <numeric>
 #include <span>
-#include <tuple>
 
 namespace qel::engine {
 
 namespace {
-
-using Rows = std::vector<std::uint32_t>;
-
-/// Rollups of one leading column whose codes do not overlap: made in one pass.
-struct Layer {
-    std::optional<std::uint16_t> column;
-    std::vector<KeyRange> sets; ///< as in a rollup's key
-    /// For every set, what is to be made of its facts.
-    std::vector<std::vector<const ChosenRollup*>> rollups;
-    std::map<std::uint32_t, std::uint32_t> taken; ///< the ranges of all sets
-
-    bool IsFree(CodeRanges ranges) const {
-        return std::all_of(ranges.begin(), ranges.end(), [&](KeyRange range) {
-            const auto behind = taken.lower_bound(range.last);
-            return behind == taken.begin() || std::prev(behind)->second <= range.first;
-        });
-    }
-    void Add(KeyRange set, CodeRanges ranges) {
-        sets.push_back(set);
-        rollups.emplace_back();
-        for (const KeyRange range : ranges)
-            taken.emplace(range.first, range.last);
-    }
-};
 
 constexpr std::uint32_t blockGranules = 64;
 
@@ -58,57 +32,19 @@ struct StripCount {
 /// What one rollup has become.
 struct MadeRollup {
     Rollup record;
-    Rows rows; ///< of a rollup that is rows
+    RowNumbers rows; ///< of a rollup that is rows
     std::vector<std::uint32_t> words, firstEntries;
     std::vector<std::uint64_t> periods;
     std::vector<std::vector<std::int64_t>> sums; ///< by measure
     std::vector<std::uint32_t> counts;
 };
 
-/// Of the rollup of all facts, one range that nothing is asked of.
-CodeRanges LeadRanges(const ChosenRollup& rollup, const CodeGroups& groups) {
-    return rollup.lead ? groups.Ranges(rollup.leadCodes) : CodeRanges(&rollup.leadCodes, 1);
-}
-
-/// Splits sets into few lists that keep overlapping ones apart.
-std::vector<Layer> MakeLayers(const std::vector<ChosenRollup>& chosen, const CodeGroups& groups) {
-    std::vector<const ChosenRollup*> order;
-    order.reserve(chosen.size());
-    for (const ChosenRollup& rollup : chosen)
-        order.push_back(&rollup);
-    // Large sets before those inside them, and one set's rollups together.
-    const auto place = [&](const ChosenRollup* rollup) {
-        const CodeRanges ranges = LeadRanges(*rollup, groups);
-        return std::tuple(rollup->lead, ranges.front().first, ~ranges.back().last, rollup->leadCodes.first,
-                          rollup->leadCodes.last);
-    };
-    std::stable_sort(order.begin(), order.end(), [&](const ChosenRollup* left, const ChosenRollup* right) {
-        return place(left) < place(right);
-    });
-    std::vector<Layer> layers;
-    Layer* last = nullptr; // that a set was put into
-    for (const ChosenRollup* rollup : order) {
-        if (last == nullptr || last->column != rollup->lead || !(last->sets.back() == rollup->leadCodes)) {
-            const CodeRanges ranges = LeadRanges(*rollup, groups);
-            auto layer = std::find_if(layers.begin(), layers.end(), [&](const Layer& each) {
-                return each.column == rollup->lead && each.IsFree(ranges);
-            });
-            if (layer == layers.end())
-                layer = layers.insert(layers.end(), Layer{rollup->lead, {}, {}, {}});
-            layer->Add(rollup->leadCodes, ranges);
-            last = &*layer;
-        }
-        last->rollups.back().push_back(rollup);
-    }
-    return layers;
-}
-
 /// Makes the rollups from facts that are sorted by word and time; every step keeps that order.
 class RollupMaker {
 public:
     RollupMaker(const CubeModel& model, const FactColumns& facts, const RollupModel& layout);
 
-    std::vector<MadeRollup> Make(const Layer& layer) const;
+    std::vector<MadeRollup> Make(const RollupLayer& layer) const;
 
 private:
     void FindGranules(const std::vector<std::uint32_t>& times);
@@ -124,7 +60,7 @@ private:
     const RollupModel& layout_;
     const CodeGroups groups_;
     std::vector<StripPlace> places_; ///< by fact
-    Rows sorted_;
+    RowNumbers sorted_;
 };
 
 RollupMaker::RollupMaker(const CubeModel& model, const FactColumns& facts, const RollupModel& layout)
@@ -153,7 +89,7 @@ void RollupMaker::FindGranules(const std::vector<std::uint32_t>& times) {
 void RollupMaker::SortFacts() {
     sorted_.resize(facts_.rowCount);
     std::iota(sorted_.begin(), sorted_.end(), 0U);
-    Rows next(sorted_.size());
+    RowNumbers next(sorted_.size());
     const auto sortBy = [&](std::size_t column) {
         const auto& codes = facts_.keys[column];
         std::vector<std::uint32_t> place(std::size_t{model_.keyColumns[column].codes} + 1);
@@ -170,35 +106,14 @@ void RollupMaker::SortFacts() {
         sortBy(word->column);
 }
 
-/// Gives each of the rows to the layer's set that its code lies in: the rows of set i start at place[i].
-Rows Distribute(std::span<const std::uint32_t> rows, const std::vector<std::uint32_t>& codes,
-                const Layer& layer, const CodeGroups& groups, std::uint32_t codeCount,
-                std::vector<std::size_t>& place) {
-    std::vector<std::uint32_t> setOf(codeCount, static_cast<std::uint32_t>(layer.sets.size()));
-    for (std::uint32_t i = 0; i < layer.sets.size(); ++i) {
-        for (const KeyRange range : groups.Ranges(layer.sets[i]))
-            std::fill(setOf.begin() + range.first, setOf.begin() + range.last, i);
-    }
-    place.assign(layer.sets.size() + 2, 0);
-    for (const std::uint32_t row : rows)
-        ++place[setOf[codes[row]] + std::size_t{1}];
-    std::partial_sum(place.begin(), place.end(), place.begin());
-    Rows distributed(rows.size());
-    std::vector<std::size_t> next = place;
-    for (const std::uint32_t row : rows)
-        distributed[next[setOf[codes[row]]]++] = row;
-    return distributed;
-}
-
-std::vector<MadeRollup> RollupMaker::Make(const Layer& layer) const {
+std::vector<MadeRollup> RollupMaker::Make(const RollupLayer& layer) const {
     std::vector<MadeRollup> made;
     if (!layer.column) {
         MakeOf(layer.rollups.front(), sorted_, made);
         return made;
     }
     std::vector<std::size_t> place;
-    const Rows rows = Distribute(sorted_, facts_.keys[*layer.column], layer, groups_,
-                                 model_.keyColumns[*layer.column].codes, place);
+    const RowNumbers rows = layer.Distribute(sorted_, facts_.keys[*layer.column], groups_, place);
     for (std::size_t i = 0; i < layer.sets.size(); ++i)
         MakeOf(layer.rollups[i], std::span(rows).subspan(place[i], place[i + 1] - place[i]), made);
     return made;
@@ -217,10 +132,9 @@ void RollupMaker::MakeOf(const std::vector<const ChosenRollup*>& chosen, std::sp
         std::swap(inner.back().lead, inner.back().second);
         std::swap(inner.back().leadCodes, inner.back().secondCodes);
     }
-    for (const Layer& layer : MakeLayers(inner, groups_)) {
+    for (const RollupLayer& layer : MakeRollupLayers(inner, groups_)) {
         std::vector<std::size_t> place;
-        const Rows distributed = Distribute(rows, facts_.keys[*layer.column], layer, groups_,
-                                            model_.keyColumns[*layer.column].codes, place);
+        const RowNumbers distributed = layer.Distribute(rows, facts_.keys[*layer.column], groups_, place);
         for (std::size_t i = 0; i < layer.sets.size(); ++i)
             made.push_back(MakeOne(*layer.rollups[i].front(),
                                    std::span(distributed).subspan(place[i], place[i + 1] - place[i])));
@@ -346,7 +260,7 @@ BuiltRollups BuildRollups(const CubeModel& model, const FactColumns& facts) {
     const std::vector<ChosenRollup> chosen = ChooseRollups(model, facts, built.model);
     if (chosen.empty())
         return built;
-    const std::vector<Layer> layers = MakeLayers(chosen, built.model.Groups());
+    const std::vector<RollupLayer> layers = MakeRollupLayers(chosen, built.model.Groups());
     const RollupMaker maker(model, facts, built.model);
     std::vector<std::vector<MadeRollup>> made(layers.size());
     std::atomic<std::size_t> next = 0;
