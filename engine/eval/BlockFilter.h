@@ -20,6 +20,8 @@ public:
     bool Merge(const BlockFilter& other);
     /// Takes out the rows that do not pass. `slots` holds `count` values of the slot.
     void Apply(const std::byte* slots, std::size_t count, BlockMask& mask) const;
+    /// About how much memory this owns.
+    std::size_t OwnedBytes() const { return isIn_.capacity(); }
 
 private:
     std::size_t slot_;

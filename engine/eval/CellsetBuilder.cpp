@@ -17,6 +17,24 @@ const CellValue& Cellset::Cell(const std::vector<std::size_t>& positions) const 
     return cells_[cell];
 }
 
+std::size_t Cellset::AxisBytes() const {
+    std::size_t bytes = 0;
+    for (std::size_t axis = 0; axis < AxisCount(); ++axis) {
+        bytes += sizeof(Axis);
+        for (const std::vector<std::uint32_t>& position : (*axes_)[axis].positions) {
+            bytes += sizeof position + position.capacity() * sizeof(std::uint32_t);
+        }
+        for (const AxisMember& member : (*axes_)[axis].members) {
+            bytes += sizeof member;
+            for (const std::string* text :
+                 {&member.name, &member.caption, &member.uniqueName, &member.levelName}) {
+                bytes += text->capacity();
+            }
+        }
+    }
+    return bytes;
+}
+
 void CellsetBuilder::AddAxis(const TupleSet& tuples) {
     Cellset::Axis& axis = axes_.emplace_back();
     axis.tupleSize = tuples.shape.size();

@@ -26,6 +26,11 @@ void VisitOverlaps(CodeRanges left, CodeRanges right, const Visit& visit) {
 
 } // namespace
 
+bool AnyIsEmpty(std::span<const Restriction> restrictions) {
+    return std::any_of(restrictions.begin(), restrictions.end(),
+                       [](const Restriction& restriction) { return restriction.codes.empty(); });
+}
+
 bool CoversAll(CodeRanges ranges, std::uint32_t codes) {
     return ranges.size() == 1 && ranges[0].first == 0 && ranges[0].last == codes;
 }

@@ -15,6 +15,9 @@ struct Restriction {
     CodeRanges codes;
 };
 
+/// True when one of the restrictions lets no code through.
+bool AnyIsEmpty(std::span<const Restriction> restrictions);
+
 /// True when every code from 0 to codes-1 is in the set.
 bool CoversAll(CodeRanges ranges, std::uint32_t codes);
 

@@ -32,19 +32,17 @@ void FactCell::Restrict(std::size_t keyColumn, CodeRanges codes) {
     restrictions.push_back({keyColumn, codes});
 }
 
-CellValue ReadFacts(const FactTable& facts, std::span<const Restriction> restrictions, MemberId measure) {
-    const Measure& read = facts.Measures()[measure];
-    const FactSum total = SumFacts(facts, restrictions, measure);
+CellValue ValueOf(FactSum total, const Measure& measure) {
     if (total.rows == 0) {
         return CellValue::Empty();
     }
-    if (read.aggregate == Aggregate::Count) {
+    if (measure.aggregate == Aggregate::Count) {
         return CellValue::Exact(static_cast<std::int64_t>(total.rows), 0);
     }
     // Unsigned: a file that was tampered with may overflow, and must not be undefined.
     const std::uint64_t scaled =
-        static_cast<std::uint64_t>(total.sum) * static_cast<std::uint64_t>(read.unit);
-    return CellValue::Exact(static_cast<std::int64_t>(scaled), read.decimals);
+        static_cast<std::uint64_t>(total.sum) * static_cast<std::uint64_t>(measure.unit);
+    return CellValue::Exact(static_cast<std::int64_t>(scaled), measure.decimals);
 }
 
 Evaluator::Evaluator(const MemberSpace& space, std::string_view statement)
@@ -161,6 +159,11 @@ void Evaluator::CollectRestrictions(std::span<const HierarchyId> open, FactCell&
     for (const FoldedHierarchy& folded : folded_) {
         restrict(folded.hierarchy, folded.codes);
     }
+}
+
+CellValue Evaluator::Read(const FactCell& cell) const {
+    const FactTable& facts = space_.GetCube().Facts();
+    return ValueOf(SumFacts(facts, cell.restrictions, cell.measure), facts.Measures()[cell.measure]);
 }
 
 Evaluator::Position::Position(Evaluator& evaluator, std::span<const HierarchyId> shape,

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/eval/FactScan.h"
+#include "engine/eval/FactReading.h"
 #include "engine/eval/SumOfSet.h"
 
 #include <deque>
@@ -30,8 +30,8 @@ struct FactCell {
     void Restrict(std::size_t keyColumn, CodeRanges codes);
 };
 
-/// The value of the facts under the restrictions. Raises EngineError (DamagedFile).
-CellValue ReadFacts(const FactTable& facts, std::span<const Restriction> restrictions, MemberId measure);
+/// The value of a cell that sums these facts.
+CellValue ValueOf(FactSum total, const Measure& measure);
 
 /// Evaluates cells: holds the current member of every hierarchy and the formulas of calculated members.
 class Evaluator {
@@ -91,9 +91,7 @@ private:
     bool Fold(const SumOfSet* sum);
     bool Apply(const SumOfSet& sum);
     void CollectRestrictions(std::span<const HierarchyId> open, FactCell& cell) const;
-    CellValue Read(const FactCell& cell) const {
-        return ReadFacts(space_.GetCube().Facts(), cell.restrictions, cell.measure);
-    }
+    CellValue Read(const FactCell& cell) const;
 
     const MemberSpace& space_;
     std::string_view statement_;

@@ -1,43 +1,13 @@
 #include "engine/eval/FactScan.h"
 
-#include "engine/eval/BlockFilter.h"
-#include "engine/eval/RollupSum.h"
 #include "engine/eval/ScanPlan.h"
-#include "engine/storage/CodeColumn.h"
-
-#include <algorithm>
+#include "engine/eval/VisitBlocks.h"
 
 namespace qel::engine {
 
 namespace {
 
-bool AnyIsEmpty(std::span<const Restriction> restrictions) {
-    return std::any_of(restrictions.begin(), restrictions.end(),
-                       [](const Restriction& restriction) { return restriction.codes.empty(); });
-}
-
-/// Calls visit(rows, mask) for every block of the run until it returns false; returns whether it never did.
-/// The mask is null when every row of the block passed.
-template <class Visit>
-bool VisitBlocks(const Projection& projection, RowRange run, std::span<const BlockFilter> filters,
-                 const Visit& visit) {
-    BlockMask mask;
-    for (std::uint64_t first = run.first; first < run.last; first += blockRows) {
-        const RowRange rows{first, std::min(run.last, first + blockRows)};
-        if (!filters.empty()) {
-            std::fill_n(mask.begin(), rows.Count(), std::uint8_t{1});
-        }
-        for (const BlockFilter& filter : filters) {
-            filter.Apply(projection.Slot(filter.Slot(), rows), rows.Count(), mask);
-        }
-        if (!visit(rows, filters.empty() ? nullptr : &mask)) {
-            return false;
-        }
-    }
-    return true;
-}
-
-/// The same over all rows that the best plan leaves over, with visit(projection, rows, mask).
+/// Calls visit(projection, rows, mask), as VisitBlocks does, for all rows that the best plan leaves over.
 template <class Visit>
 void VisitPlan(const FactTable& facts, std::span<const Restriction> restrictions, const Visit& visit) {
     if (facts.RowCount() == 0 || AnyIsEmpty(restrictions)) {
@@ -55,27 +25,6 @@ void VisitPlan(const FactTable& facts, std::span<const Restriction> restrictions
         }
     }
 }
-
-/// Adds up blocks of rows.
-class SumOfBlocks {
-public:
-    SumOfBlocks(const FactTable& facts, std::size_t measure)
-        : measure_(measure), width_(facts.Measures()[measure].width) {}
-
-    void Add(const Projection& projection, RowRange rows, const BlockMask* mask) {
-        const std::uint64_t passed = mask == nullptr ? rows.Count() : CountRows(*mask, rows.Count());
-        rows_ += passed;
-        if (passed > 0 && width_ != 0) {
-            sum_ += SumValues(projection.Values(measure_, rows), width_, rows.Count(), mask, passed);
-        }
-    }
-    FactSum Total() const { return {static_cast<std::int64_t>(sum_), rows_}; }
-
-private:
-    std::size_t measure_;
-    std::uint8_t width_; ///< 0 for a count
-    std::uint64_t sum_ = 0, rows_ = 0;
-};
 
 /// Marks the codes of a projection's leading key: of every code, the first fact that passes will do.
 void MarkLeads(const FactTable& facts, const Projection& projection,
@@ -118,36 +67,6 @@ const Projection* ProjectionForMarks(const FactTable& facts, std::span<const Res
 }
 
 } // namespace
-
-FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure) {
-    if (AnyIsEmpty(restrictions)) {
-        return {};
-    }
-    FactSum total;
-    if (facts.Rollups() != nullptr && SumRollups(facts, restrictions, measure, total)) {
-        return total;
-    }
-    return ScanFacts(facts, restrictions, measure);
-}
-
-FactSum ScanFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure) {
-    SumOfBlocks sum(facts, measure);
-    VisitPlan(facts, restrictions, [&](const Projection& projection, RowRange rows, const BlockMask* mask) {
-        sum.Add(projection, rows, mask);
-        return true;
-    });
-    return sum.Total();
-}
-
-FactSum SumRows(const FactTable& facts, const Projection& projection, RowRange rows,
-                std::span<const Restriction> tests, std::size_t measure) {
-    SumOfBlocks sum(facts, measure);
-    VisitBlocks(projection, rows, MakeFilters(facts, tests), [&](RowRange block, const BlockMask* mask) {
-        sum.Add(projection, block, mask);
-        return true;
-    });
-    return sum.Total();
-}
 
 bool AnyFact(const FactTable& facts, std::span<const Restriction> restrictions) {
     bool found = false;

@@ -1,5 +1,7 @@
 #include "engine/eval/NonEmpty.h"
 
+#include "engine/eval/FactScan.h"
+
 #include <algorithm>
 
 namespace qel::engine {

@@ -11,15 +11,15 @@ namespace qel::engine {
 
 PlanCache::~PlanCache() = default;
 
-std::size_t PlanCache::Hash::operator()(const View& key) const {
-    const std::uint64_t hash = XXH3_64bits(key.statement.data(), key.statement.size());
-    return static_cast<std::size_t>(hash) ^ std::hash<const Cube*>()(key.cube);
+PlanCache::View PlanCache::MakeKey(const Cube& cube, std::string_view statement) {
+    const std::uint64_t hash = XXH3_64bits(statement.data(), statement.size());
+    return {&cube, statement, hash ^ std::hash<const Cube*>()(&cube)};
 }
 
 Cellset PlanCache::Run(const Cube& cube, std::string_view statement) {
-    const View key{&cube, statement};
+    const View key = MakeKey(cube, statement);
     if (const std::shared_ptr<const StatementPlan> plan = Find(key)) {
-        return plan->Run(cube);
+        return plan->Run();
     }
     PlannedAnswer answer = RunAndPlan(cube, statement);
     if (answer.plan) {
@@ -54,11 +54,14 @@ std::shared_ptr<const StatementPlan> PlanCache::Find(const View& key) {
 void PlanCache::Keep(const View& key, std::shared_ptr<const StatementPlan> plan) {
     constexpr std::size_t perEntry = 128; // of the table itself
     const std::size_t bytes = key.statement.size() + plan->Bytes() + perEntry;
+    if (bytes > mostBytes_ / 2) {
+        return;
+    }
     const std::lock_guard lock(mutex_);
     if (recent_.bytes + bytes > mostBytes_ / 2) {
         older_ = std::exchange(recent_, Generation{});
     }
-    if (recent_.plans.emplace(Key{key.cube, std::string(key.statement)}, std::move(plan)).second) {
+    if (recent_.plans.emplace(Key{key.cube, std::string(key.statement), key.hash}, std::move(plan)).second) {
         recent_.bytes += bytes;
     }
 }

@@ -3,6 +3,7 @@
 #include "engine/eval/Query.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -19,7 +20,7 @@ class StatementPlan;
 class PlanCache {
 public:
     /// Plans, with their statements, take about so much memory at most.
-    explicit PlanCache(std::size_t mostBytes = 64U << 20U) : mostBytes_(mostBytes) {}
+    explicit PlanCache(std::size_t mostBytes = 128U << 20U) : mostBytes_(mostBytes) {}
     ~PlanCache();
     PlanCache(const PlanCache&) = delete;
     PlanCache& operator=(const PlanCache&) = delete;
@@ -30,25 +31,27 @@ public:
     std::size_t Count() const;
 
 private:
-    /// The cubes of one file may be asked the same.
-    struct View {
+    /// The cubes of one file may be asked the same. A key knows its hash: looking for one hashes no other.
+    template <class Text>
+    struct KeyOf {
         const Cube* cube;
-        std::string_view statement;
+        Text statement;
+        std::uint64_t hash;
     };
-    struct Key {
-        const Cube* cube;
-        std::string statement;
-    };
+    using View = KeyOf<std::string_view>;
+    using Key = KeyOf<std::string>;
     struct Hash {
         using is_transparent = void;
-        std::size_t operator()(const View& key) const;
-        std::size_t operator()(const Key& key) const { return (*this)(View{key.cube, key.statement}); }
+        template <class Text>
+        std::size_t operator()(const KeyOf<Text>& key) const {
+            return static_cast<std::size_t>(key.hash);
+        }
     };
     struct Equal {
         using is_transparent = void;
         template <class Left, class Right>
         bool operator()(const Left& left, const Right& right) const {
-            return left.cube == right.cube && left.statement == right.statement;
+            return left.hash == right.hash && left.cube == right.cube && left.statement == right.statement;
         }
     };
     using Plans = std::unordered_map<Key, std::shared_ptr<const StatementPlan>, Hash, Equal>;
@@ -57,6 +60,7 @@ private:
         std::size_t bytes = 0;
     };
 
+    static View MakeKey(const Cube& cube, std::string_view statement);
     std::shared_ptr<const StatementPlan> Find(const View& key);
     void Keep(const View& key, std::shared_ptr<const StatementPlan> plan);
 

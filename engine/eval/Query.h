@@ -43,6 +43,8 @@ public:
     const AxisMember& MemberAt(std::size_t axis, std::size_t position, std::size_t index) const;
     /// The cell at one position of every axis, columns first.
     const CellValue& Cell(const std::vector<std::size_t>& positions) const;
+    /// About how much memory the axes take.
+    std::size_t AxisBytes() const;
 
 private:
     friend class CellsetBuilder;

@@ -20,12 +20,15 @@ public:
         : statement_(mdx::Parse(text)), space_(cube), evaluator_(space_, text),
           binder_(statement_, space_, evaluator_) {}
 
-    Cellset Run();
-    /// The statement's plan after Run, or null when its answer is not one cell, or more than one read.
-    std::shared_ptr<const StatementPlan> Plan(const Cellset& answer);
+    /// Comes first: finds the names, and what stands on the axes.
+    void Resolve();
+    Cellset Answer();
+    /// Null when the answer is not one cell, or that is more than one read.
+    std::shared_ptr<const StatementPlan> Plan();
 
 private:
     void CheckCube() const;
+    Cellset Finish(std::vector<CellValue> cells) const;
     void EvaluateSlicer();
     void EvaluateAxes();
     /// Every hierarchy may stand on one axis, or in the slicer.
@@ -46,11 +49,14 @@ private:
     std::vector<TupleSet> axes_;
 };
 
-Cellset StatementRun::Run() {
+void StatementRun::Resolve() {
     CheckCube();
     binder_.BindDefinitions();
     EvaluateSlicer();
     EvaluateAxes();
+}
+
+Cellset StatementRun::Answer() {
     bool cellsDecide = false;
     for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
         cellsDecide |= statement_.axes[axis].nonEmpty && !RemoveEmpty(axis);
@@ -60,6 +66,10 @@ Cellset StatementRun::Run() {
         RemoveEmptyByCells(cells);
     }
     space_.GetCube().CheckUnchanged();
+    return Finish(std::move(cells));
+}
+
+Cellset StatementRun::Finish(std::vector<CellValue> cells) const {
     CellsetBuilder builder(space_);
     for (const TupleSet& axis : axes_) {
         builder.AddAxis(axis);
@@ -67,7 +77,7 @@ Cellset StatementRun::Run() {
     return builder.Finish(std::move(cells));
 }
 
-std::shared_ptr<const StatementPlan> StatementRun::Plan(const Cellset& answer) {
+std::shared_ptr<const StatementPlan> StatementRun::Plan() {
     for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
         if (axes_[axis].Count() != 1 || statement_.axes[axis].nonEmpty) {
             return nullptr;
@@ -80,7 +90,7 @@ std::shared_ptr<const StatementPlan> StatementRun::Plan(const Cellset& answer) {
     if (hasSlicer_ || !evaluator_.ReadsFacts({}, cell)) {
         return nullptr;
     }
-    return std::make_shared<const StatementPlan>(answer, cell);
+    return std::make_shared<const StatementPlan>(space_.GetCube(), Finish({}), cell);
 }
 
 void StatementRun::CheckCube() const {
@@ -227,14 +237,18 @@ void StatementRun::RemoveEmptyByCells(std::vector<CellValue>& cells) {
 } // namespace
 
 Cellset RunStatement(const Cube& cube, std::string_view statement) {
-    return StatementRun(cube, statement).Run();
+    StatementRun run(cube, statement);
+    run.Resolve();
+    return run.Answer();
 }
 
 PlannedAnswer RunAndPlan(const Cube& cube, std::string_view statement) {
     StatementRun run(cube, statement);
-    PlannedAnswer answer{run.Run(), nullptr};
-    answer.plan = run.Plan(answer.cellset);
-    return answer;
+    run.Resolve();
+    if (std::shared_ptr<const StatementPlan> plan = run.Plan()) {
+        return {plan->Run(), plan};
+    }
+    return {run.Answer(), nullptr};
 }
 
 } // namespace qel::engine

@@ -1,6 +1,10 @@
 #pragma once
 
-#include "engine/eval/FactScan.h"
+#include "engine/eval/CodeRanges.h"
+
+#include <cstdint>
+#include <span>
+#include <vector>
 
 namespace qel::engine {
 

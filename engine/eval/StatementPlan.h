@@ -3,27 +3,34 @@
 #include "engine/eval/Evaluator.h"
 
 #include <cstddef>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 namespace qel::engine {
 
-/// What is left of a statement of one cell that is one read of facts, once its names are resolved: the facts
-/// to read and what the axes show. Immutable; serves any number of threads as long as its cube lives.
+/// What is left of a statement of one cell that is one read of facts, once its names are resolved and its
+/// facts are found: where these are and what the axes show. Immutable; serves any number of threads as long
+/// as its cube lives.
 class StatementPlan {
 public:
-    /// `answer` is the statement's, `cell` what its cell reads.
-    StatementPlan(Cellset answer, const FactCell& cell);
+    /// `answer` is the statement's, `cell` what its cell reads. Raises EngineError (DamagedFile), as Run
+    /// does.
+    StatementPlan(const Cube& cube, Cellset answer, const FactCell& cell);
+    StatementPlan(const StatementPlan&) = delete;
+    StatementPlan& operator=(const StatementPlan&) = delete;
 
-    /// Reads the facts. Raises EngineError (DamagedFile).
-    Cellset Run(const Cube& cube) const;
+    /// Reads the facts.
+    Cellset Run() const;
     /// About how much memory the plan takes.
     std::size_t Bytes() const;
 
 private:
+    const Cube& cube_;
     Cellset answer_;
-    std::vector<KeyRange> codes_;
-    std::vector<Restriction> restrictions_; ///< views of codes_
     MemberId measure_;
+    std::vector<KeyRange> codes_; ///< of the cell's restrictions, which the reading refers to
+    FactReading reading_;
 };
 
 /// An answer, and the statement's plan when it has one.

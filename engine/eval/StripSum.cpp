@@ -100,9 +100,9 @@ StripTotal SumWide(const StripRun& run) { return SumRun<std::int64_t>(run); }
 
 StripSum::StripSum(const FactTable& facts, const Rollup& rollup, std::span<const Restriction> tests,
                    std::size_t measure)
-    : facts_(facts), rollups_(*facts.Rollups()), measure_(measure),
-      strips_(rollups_.StripsOf(rollup.start, rollup.strips)), stripCount_(rollup.strips) {
-    for (const RollupTable::WordColumn& word : rollups_.WordColumns()) {
+    : facts_(&facts), rollups_(facts.Rollups()), measure_(measure),
+      strips_(rollups_->StripsOf(rollup.start, rollup.strips)), stripCount_(rollup.strips) {
+    for (const RollupTable::WordColumn& word : rollups_->WordColumns()) {
         for (const Restriction& test : tests) {
             if (test.keyColumn == word.column) {
                 AddTest(word, test.codes);
@@ -112,7 +112,7 @@ StripSum::StripSum(const FactTable& facts, const Rollup& rollup, std::span<const
 }
 
 void StripSum::AddTest(const RollupTable::WordColumn& word, CodeRanges codes) {
-    const bool isLead = word.column == rollups_.WordColumns().front().column;
+    const bool isLead = word.column == rollups_->WordColumns().front().column;
     if (isLead) {
         Narrow(word.shift, {codes.front().first, codes.back().last});
     }
@@ -148,17 +148,17 @@ FactSum StripSum::Sum(std::uint32_t first, std::uint32_t last) const {
         throw EngineError(ErrorKind::DamagedFile, "cube file: the strips of a rollup are not in order");
     }
     StripRun run{strips_, stripCount_, bits_, value_, tests_};
-    run.blockMask = static_cast<std::uint32_t>((std::uint64_t{1} << rollups_.BlockBits()) - 1);
+    run.blockMask = static_cast<std::uint32_t>((std::uint64_t{1} << rollups_->BlockBits()) - 1);
     run.first = first;
     run.last = last;
     run.entries = lastEntry - firstEntry;
-    const bool isCount = facts_.Measures()[measure_].aggregate == Aggregate::Count;
+    const bool isCount = facts_->Measures()[measure_].aggregate == Aggregate::Count;
     if (isCount) {
-        run.counts = rollups_.Counts(firstEntry, run.entries);
+        run.counts = rollups_->Counts(firstEntry, run.entries);
     } else {
-        run.sums = rollups_.Sums(measure_, firstEntry, run.entries);
+        run.sums = rollups_->Sums(measure_, firstEntry, run.entries);
     }
-    const bool isNarrow = isCount || rollups_.SumWidth(measure_) == sizeof(std::int32_t);
+    const bool isNarrow = isCount || rollups_->SumWidth(measure_) == sizeof(std::int32_t);
     const StripTotal total = isNarrow ? SumNarrow(run) : SumWide(run);
     if (total.isDamaged) {
         throw EngineError(ErrorKind::DamagedFile, "cube file: the strips of a rollup lie outside its sums");

@@ -1,8 +1,11 @@
 #pragma once
 
-#include "engine/eval/FactScan.h"
+#include "engine/eval/CodeRanges.h"
+#include "engine/eval/FactSum.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace qel::engine {
@@ -24,13 +27,15 @@ public:
     /// The facts of the granules of time from `first` up to, without, `last`. For a measure that is summed
     /// the rows that are told are fewer than there are, but 0 only when there is none.
     FactSum Sum(std::uint32_t first, std::uint32_t last) const;
+    /// About how much memory this owns.
+    std::size_t OwnedBytes() const { return tests_.capacity() * sizeof(WordTest); }
 
 private:
     void AddTest(const RollupTable::WordColumn& word, CodeRanges codes);
     void Narrow(std::uint8_t shift, KeyRange codes);
 
-    const FactTable& facts_;
-    const RollupTable& rollups_;
+    const FactTable* facts_;
+    const RollupTable* rollups_;
     std::size_t measure_;
     RollupTable::Strips strips_;
     std::uint64_t stripCount_;

@@ -1,4 +1,5 @@
 #include "engine/EngineError.h"
+#include "engine/eval/FactReading.h"
 #include "engine/eval/FactScan.h"
 #include "engine/storage/CubeFile.h"
 #include "engine/storage/Format.h"

@@ -99,6 +99,9 @@ TEST(PlanCache, KeepsItsMemoryBoundAndWhatIsUsed) {
     }
     EXPECT_LT(most, 100U);
     EXPECT_GT(most, 10U);
+    PlanCache small(500); // less than one plan takes
+    EXPECT_EQ(Answer(small, statement(1)), often);
+    EXPECT_EQ(small.Count(), 0U);
 }
 
 TEST(PlanCache, ServesManyThreads) {

@@ -1,7 +1,7 @@
 #include "engine/EngineError.h"
 #include "engine/build/BuildCube.h"
-#include "engine/eval/FactScan.h"
-#include "engine/eval/RollupSum.h"
+#include "engine/eval/FactReading.h"
+#include "engine/eval/RollupPlan.h"
 #include "engine/storage/CubeFile.h"
 #include "tests/TemporaryFolder.h"
 
@@ -178,8 +178,8 @@ TEST_F(RollupTest, SumsWhatTheFactsDo) {
             expected[1] += isIn ? fact.amounts[1] : 0;
             expected[2] += isIn ? 1 : 0;
         }
-        FactSum total;
-        answered += SumRollups(Table(), restrictions, 0, total) ? 1 : 0;
+        FactReading reading(Table(), 0);
+        answered += PlanRollups(Table(), restrictions, 0, reading) ? 1 : 0;
         for (std::size_t measure = 0; measure < 3; ++measure) {
             const FactSum sum = SumFacts(Table(), restrictions, measure);
             const std::int64_t value = measure == 2 ? static_cast<std::int64_t>(sum.rows)

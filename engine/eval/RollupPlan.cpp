@@ -1,7 +1,6 @@
-#include "engine/eval/RollupSum.h"
+#include "engine/eval/RollupPlan.h"
 
 #include "engine/EngineError.h"
-#include "engine/eval/StripSum.h"
 #include "engine/storage/CodeColumn.h"
 
 #include <algorithm>
@@ -17,12 +16,14 @@ constexpr std::size_t mostPairs = 64;
 
 /// One question to the rollups. A rollup answers for one set of codes in up to two key columns; what has none
 /// as it is asked for is asked for range by range.
-class RollupSum {
+class RollupPlan {
 public:
-    RollupSum(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure)
-        : facts_(facts), rollups_(*facts.Rollups()), restrictions_(restrictions), measure_(measure) {}
+    RollupPlan(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure,
+               FactReading& reading)
+        : facts_(facts), rollups_(*facts.Rollups()), restrictions_(restrictions), measure_(measure),
+          reading_(reading) {}
 
-    bool Run(FactSum& total);
+    bool Make();
 
 private:
     struct Pair {
@@ -41,7 +42,6 @@ private:
     const Rollup* Find(const KeyRange& first, const KeyRange& second) const;
     bool FindWhole();
     bool FindPairs();
-    void Add(FactSum sum);
     void AddRows(const Rollup& rollup);
     void AddStrips(const Pair& pair);
     void AddScan(const Pair& pair, CodeRanges time);
@@ -54,10 +54,10 @@ private:
     const Restriction* time_ = nullptr;
     std::vector<Restriction> tests_; ///< of the word and the time
     std::vector<Pair> pairs_;
-    FactSum total_;
+    FactReading& reading_;
 };
 
-bool RollupSum::Run(FactSum& total) {
+bool RollupPlan::Make() {
     if (!Sort() || (!FindWhole() && !FindPairs())) {
         return false;
     }
@@ -70,11 +70,10 @@ bool RollupSum::Run(FactSum& total) {
             AddStrips(pair);
         }
     }
-    total = total_;
     return true;
 }
 
-bool RollupSum::Sort() {
+bool RollupPlan::Sort() {
     const auto words = rollups_.WordColumns();
     tests_.reserve(restrictions_.size());
     for (const Restriction& restriction : restrictions_) {
@@ -94,7 +93,7 @@ bool RollupSum::Sort() {
     return true;
 }
 
-const Rollup* RollupSum::Find(const KeyRange& first, const KeyRange& second) const {
+const Rollup* RollupPlan::Find(const KeyRange& first, const KeyRange& second) const {
     RollupKey key;
     if (keys_[0] != nullptr) {
         key.Add(static_cast<std::uint16_t>(keys_[0]->keyColumn), first);
@@ -105,7 +104,7 @@ const Rollup* RollupSum::Find(const KeyRange& first, const KeyRange& second) con
     return rollups_.Find(key);
 }
 
-bool RollupSum::FindWhole() {
+bool RollupPlan::FindWhole() {
     const auto setOf = [&](CodeRanges codes) {
         return codes.size() == 1 ? std::optional(codes.front()) : rollups_.Groups().Find(codes);
     };
@@ -118,7 +117,7 @@ bool RollupSum::FindWhole() {
     return rollup != nullptr;
 }
 
-bool RollupSum::FindPairs() {
+bool RollupPlan::FindPairs() {
     const CodeRanges first = CodesOf(0), second = CodesOf(1);
     if (first.size() > mostPairs || first.size() * second.size() > mostPairs ||
         first.size() * second.size() == 1) { // which was looked for as a whole
@@ -136,14 +135,7 @@ bool RollupSum::FindPairs() {
     return found;
 }
 
-void RollupSum::Add(FactSum sum) {
-    // Unsigned: a file that was tampered with may overflow, and must not be undefined.
-    total_.sum = static_cast<std::int64_t>(static_cast<std::uint64_t>(total_.sum) +
-                                           static_cast<std::uint64_t>(sum.sum));
-    total_.rows += sum.rows;
-}
-
-void RollupSum::AddRows(const Rollup& rollup) {
+void RollupPlan::AddRows(const Rollup& rollup) {
     const Projection& projection = rollups_.Rows();
     RowRange rows{rollup.start, rollup.start + rollup.rows};
     if (rows.last < rows.first || rows.last > projection.RowCount()) {
@@ -163,14 +155,14 @@ void RollupSum::AddRows(const Rollup& rollup) {
             rows = {rows.first + begin, rows.first + end};
         }
     }
-    Add(SumRows(facts_, projection, rows, tests_, measure_));
+    reading_.AddRows(projection, rows, tests_);
 }
 
-void RollupSum::AddStrips(const Pair& pair) {
+void RollupPlan::AddStrips(const Pair& pair) {
     const auto granules = rollups_.Granules();
     const KeyRange always{granules.front(), granules.back()};
     std::vector<KeyRange> edges; // of time, that no whole granule covers
-    StripSum strips(facts_, *pair.rollup, tests_, measure_);
+    const StripSum strips(facts_, *pair.rollup, tests_, measure_);
     for (const KeyRange range : time_ == nullptr ? CodeRanges(&always, 1) : time_->codes) {
         const auto first = std::lower_bound(granules.begin(), granules.end(), range.first);
         const auto last = std::upper_bound(granules.begin(), granules.end(), range.last) - 1;
@@ -184,15 +176,15 @@ void RollupSum::AddStrips(const Pair& pair) {
         if (*last < range.last) {
             edges.push_back({*last, range.last});
         }
-        Add(strips.Sum(static_cast<std::uint32_t>(first - granules.begin()),
-                       static_cast<std::uint32_t>(last - granules.begin())));
+        reading_.AddStrips(strips, static_cast<std::uint32_t>(first - granules.begin()),
+                           static_cast<std::uint32_t>(last - granules.begin()));
     }
     if (!edges.empty()) {
         AddScan(pair, edges);
     }
 }
 
-void RollupSum::AddScan(const Pair& pair, CodeRanges time) {
+void RollupPlan::AddScan(const Pair& pair, CodeRanges time) {
     std::vector<Restriction> restrictions;
     restrictions.reserve(restrictions_.size());
     for (const Restriction& test : tests_) {
@@ -205,14 +197,14 @@ void RollupSum::AddScan(const Pair& pair, CodeRanges time) {
     if (keys_[1] != nullptr) {
         restrictions.push_back({keys_[1]->keyColumn, pair.second});
     }
-    Add(ScanFacts(facts_, restrictions, measure_));
+    reading_.AddScan(restrictions);
 }
 
 } // namespace
 
-bool SumRollups(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure,
-                FactSum& total) {
-    return RollupSum(facts, restrictions, measure).Run(total);
+bool PlanRollups(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure,
+                 FactReading& reading) {
+    return RollupPlan(facts, restrictions, measure, reading).Make();
 }
 
 } // namespace qel::engine

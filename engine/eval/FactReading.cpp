@@ -1,0 +1,107 @@
+#include "engine/eval/FactReading.h"
+
+#include "engine/eval/RollupPlan.h"
+#include "engine/eval/ScanPlan.h"
+#include "engine/eval/VisitBlocks.h"
+
+#include <utility>
+
+namespace qel::engine {
+
+namespace {
+
+/// Adds up blocks of rows.
+class SumOfBlocks {
+public:
+    SumOfBlocks(const FactTable& facts, std::size_t measure)
+        : measure_(measure), width_(facts.Measures()[measure].width) {}
+
+    void Add(const Projection& projection, RowRange rows, const BlockMask* mask) {
+        const std::uint64_t passed = mask == nullptr ? rows.Count() : CountRows(*mask, rows.Count());
+        rows_ += passed;
+        if (passed > 0 && width_ != 0) {
+            sum_ += SumValues(projection.Values(measure_, rows), width_, rows.Count(), mask, passed);
+        }
+    }
+    FactSum Total() const { return {static_cast<std::int64_t>(sum_), rows_}; }
+
+private:
+    std::size_t measure_;
+    std::uint8_t width_; ///< 0 for a count
+    std::uint64_t sum_ = 0, rows_ = 0;
+};
+
+/// Wraps around: sums come from a file, and must not be undefined whatever they are.
+FactSum Add(FactSum left, FactSum right) {
+    const std::uint64_t sum = static_cast<std::uint64_t>(left.sum) + static_cast<std::uint64_t>(right.sum);
+    return {static_cast<std::int64_t>(sum), left.rows + right.rows};
+}
+
+} // namespace
+
+void FactReading::AddRows(const Projection& projection, RowRange run, std::span<const Restriction> tests) {
+    if (run.Count() > 0) {
+        rows_.push_back({&projection, {run}, MakeFilters(*facts_, tests)});
+    }
+}
+
+void FactReading::AddScan(std::span<const Restriction> restrictions) {
+    if (facts_->RowCount() == 0 || AnyIsEmpty(restrictions)) {
+        return;
+    }
+    ScanPlan plan = PlanScan(*facts_, restrictions);
+    rows_.push_back({plan.projection, std::move(plan.rows), MakeFilters(*facts_, plan.tests)});
+}
+
+void FactReading::AddStrips(const StripSum& strips, std::uint32_t first, std::uint32_t last) {
+    strips_.push_back({strips, first, last});
+}
+
+FactSum FactReading::Sum() const {
+    FactSum total;
+    for (const Strips& strips : strips_) {
+        total = Add(total, strips.sum.Sum(strips.first, strips.last));
+    }
+    SumOfBlocks blocks(*facts_, measure_);
+    for (const Rows& rows : rows_) {
+        for (const RowRange run : rows.runs) {
+            VisitBlocks(*rows.projection, run, rows.filters, [&](RowRange block, const BlockMask* mask) {
+                blocks.Add(*rows.projection, block, mask);
+                return true;
+            });
+        }
+    }
+    return Add(total, blocks.Total());
+}
+
+std::size_t FactReading::OwnedBytes() const {
+    std::size_t bytes = 0;
+    for (const Strips& strips : strips_) {
+        bytes += sizeof strips + strips.sum.OwnedBytes();
+    }
+    for (const Rows& rows : rows_) {
+        bytes += sizeof rows + rows.runs.capacity() * sizeof(RowRange);
+        for (const BlockFilter& filter : rows.filters) {
+            bytes += sizeof filter + filter.OwnedBytes();
+        }
+    }
+    return bytes;
+}
+
+FactReading PlanReading(const FactTable& facts, std::span<const Restriction> restrictions,
+                        std::size_t measure) {
+    FactReading reading(facts, measure);
+    if (AnyIsEmpty(restrictions)) {
+        return reading;
+    }
+    if (facts.Rollups() == nullptr || !PlanRollups(facts, restrictions, measure, reading)) {
+        reading.AddScan(restrictions);
+    }
+    return reading;
+}
+
+FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure) {
+    return PlanReading(facts, restrictions, measure).Sum();
+}
+
+} // namespace qel::engine

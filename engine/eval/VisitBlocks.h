@@ -1,0 +1,32 @@
+#pragma once
+
+#include "engine/eval/BlockFilter.h"
+#include "engine/storage/Projection.h"
+
+#include <algorithm>
+#include <span>
+
+namespace qel::engine {
+
+/// Calls visit(rows, mask) for every block of the run until it returns false; returns whether it never did.
+/// The mask is null when every row of the block passed. Raises EngineError (DamagedFile).
+template <class Visit>
+bool VisitBlocks(const Projection& projection, RowRange run, std::span<const BlockFilter> filters,
+                 const Visit& visit) {
+    BlockMask mask;
+    for (std::uint64_t first = run.first; first < run.last; first += blockRows) {
+        const RowRange rows{first, std::min(run.last, first + blockRows)};
+        if (!filters.empty()) {
+            std::fill_n(mask.begin(), rows.Count(), std::uint8_t{1});
+        }
+        for (const BlockFilter& filter : filters) {
+            filter.Apply(projection.Slot(filter.Slot(), rows), rows.Count(), mask);
+        }
+        if (!visit(rows, filters.empty() ? nullptr : &mask)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace qel::engine
