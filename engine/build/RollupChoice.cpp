@@ -15,11 +15,11 @@ namespace qel::engine {
 namespace {
 
 /// What reading costs, in nanoseconds: a row of a run, and finding a run inside the rows of a leading code.
-constexpr double rowCost = 0.25, searchCost = 300;
+constexpr double rowCost = 0.5, searchCost = 300;
 /// Questions that cost less than this are left to the sort orders.
 constexpr double leastCost = 2000;
 /// What rollups may add to the file, in bytes a fact.
-constexpr double budgetPerFact = 80;
+constexpr double budgetPerFact = 85;
 /// A record and its share of the lookup table.
 constexpr std::uint64_t recordBytes = 52;
 
