@@ -59,8 +59,9 @@ void Report::Times(const std::string& what, const std::string& key, const Timing
     Number(key + " median", timings.Quantile(0.5));
     Number(key + " p99", timings.Quantile(0.99));
     Number(key + " per second", timings.CallsPerSecond());
-    fmt::print("  {:<44}{:>10.2f}{:>10.1f}{:>14.0f}\n", what, timings.Quantile(0.5), timings.Quantile(0.99),
-               timings.CallsPerSecond());
+    Number(key + " allocations", timings.AllocationsPerCall());
+    fmt::print("  {:<44}{:>10.2f}{:>10.1f}{:>14.0f}{:>14.1f}\n", what, timings.Quantile(0.5),
+               timings.Quantile(0.99), timings.CallsPerSecond(), timings.AllocationsPerCall());
 }
 
 void PrintRatio(Report& report, const std::string& peer, const char* what, const Timings& own,
@@ -110,8 +111,9 @@ std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePe
     qel::ledger::RandomSelections selections(sqlite.Database(), options.seed);
     const Workload all(data, DrawFormulas(selections, options.seed, options.formulas, cube), options.seed);
     const Workload sheet(data, DrawSheet(selections, options.seed + 1, 834, cube), options.seed);
-    fmt::print("cube by {}\n  {:<44}{:>10}{:>10}{:>14}\n", cube == LedgerCube::Months ? "months" : "days", "",
-               "median µs", "p99 µs", "a second");
+    fmt::print("cube by {}\n  {:<44}{:>10}{:>10}{:>14}{:>14}\n",
+               cube == LedgerCube::Months ? "months" : "days", "", "median µs", "p99 µs", "a second",
+               "allocations");
     report.Times("formula, statement new", "new", all.FirstCalculation());
     report.Times("formula, statement known", "known", all.Recalculation(options.rounds));
     report.Times("engine alone, from plan to cell", "engine", all.EngineAlone(options.rounds));

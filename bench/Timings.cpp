@@ -5,9 +5,11 @@
 
 namespace qel::bench {
 
-void Timings::Take(std::size_t number, double microseconds) {
+void Timings::Take(std::size_t number, double microseconds, std::size_t allocations) {
     double& best = best_.at(number);
     best = best == 0 ? microseconds : std::min(best, microseconds);
+    allocations_ += allocations;
+    ++measured_;
 }
 
 double Timings::Quantile(double share) const {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "bench/Allocations.h"
+
 #include <chrono>
 #include <cstddef>
 #include <vector>
@@ -15,10 +17,11 @@ public:
     /// Runs and times one call.
     template <class Call>
     auto Measure(std::size_t number, const Call& call) {
+        const std::size_t allocations = AllocationsSoFar();
         const auto start = std::chrono::steady_clock::now();
         auto result = call();
         const std::chrono::duration<double, std::micro> elapsed = std::chrono::steady_clock::now() - start;
-        Take(number, elapsed.count());
+        Take(number, elapsed.count(), AllocationsSoFar() - allocations);
         return result;
     }
 
@@ -26,11 +29,16 @@ public:
     double Quantile(double share) const;
     double Total() const;
     double CallsPerSecond() const { return static_cast<double>(best_.size()) * 1e6 / Total(); }
+    /// On average.
+    double AllocationsPerCall() const {
+        return static_cast<double>(allocations_) / static_cast<double>(measured_);
+    }
 
 private:
-    void Take(std::size_t number, double microseconds);
+    void Take(std::size_t number, double microseconds, std::size_t allocations);
 
     std::vector<double> best_; ///< 0: not run yet
+    std::size_t allocations_ = 0, measured_ = 0;
 };
 
 } // namespace qel::bench

@@ -23,6 +23,7 @@ for cube in ("months", "days"):
         (f"{cube}: formulas a second, statement new", cube, "new per second", "{:,.0f}"),
         (f"{cube}: engine alone, cells a second", cube, "engine per second", "{:,.0f}"),
         (f"{cube}: engine alone, median, p99 µs", cube, ("engine median", "engine p99"), "{:.1f}"),
+        (f"{cube}: allocations, formula new, known, engine", cube, ("new allocations", "known allocations", "engine allocations"), "{:.0f}"),
         (f"{cube}: sheet of 834 × 12 again, ms", cube, "sheet known ms", "{:.0f}"),
         (f"{cube}: sheet of 834 × 12 new, ms", cube, "sheet new ms", "{:.0f}"),
         (f"{cube}: slowest list of members, ms", cube, "slowest list ms", "{:.1f}"),
