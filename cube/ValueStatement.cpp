@@ -9,9 +9,14 @@ namespace {
 constexpr std::string_view everything = "All";
 constexpr std::string_view costCenters = "Cost_Centers";
 
+/// Most statements are shorter, so that composing one takes memory once.
+constexpr std::size_t usualLength = 512;
+
 /// The pieces of the where tuple, joined with commas.
 class SlicerList {
 public:
+    SlicerList() { text_.reserve(usualLength / 2); }
+
     void Add(std::string_view piece) {
         if (piece.empty())
             return;
@@ -87,7 +92,9 @@ bool IsUnrestricted(std::string_view selection) {
 std::string MemberSlicer(std::string_view dimension, std::string_view member) {
     if (IsUnrestricted(member))
         return {};
-    std::string slicer(dimension);
+    std::string slicer;
+    slicer.reserve(dimension.size() + member.size() + std::string_view(".[]").size());
+    slicer += dimension;
     AppendBracketed(slicer, Trimmed(member));
     return slicer;
 }
@@ -99,14 +106,17 @@ bool NeedsObsSel(const ValueSelection& selection) {
 
 std::string ComposeValueStatement(const ValueSelection& selection, const PeriodSpan& span,
                                   const std::string& obsSel) {
-    std::string text = "WITH MEMBER [Date].DateSel as '   SUM( LastPeriods(";
-    text += std::to_string(span.count) + "," + span.last + "),[Measures].[" + selection.measure + "])    '";
+    std::string text;
+    text.reserve(usualLength + obsSel.size());
+    text += "WITH MEMBER [Date].DateSel as '   SUM( LastPeriods(";
+    text.append(std::to_string(span.count)).append(",").append(span.last);
+    text.append("),[Measures].[").append(selection.measure).append("])    '");
     text += obsSel;
-    text += " SELECT  { [Date].DateSel} ON COLUMNS,  { [SuperSumery].[SumeryCode]" + RowsSuffix(selection);
-    text += " }ON ROWS  From " + selection.cubeName;
+    text.append(" SELECT  { [Date].DateSel} ON COLUMNS,  { [SuperSumery].[SumeryCode]");
+    text.append(RowsSuffix(selection)).append(" }ON ROWS  From ").append(selection.cubeName);
     const std::string slicers = Slicers(selection);
     if (!slicers.empty())
-        text += " where (  " + slicers + ")";
+        text.append(" where (  ").append(slicers).append(")");
     return text;
 }
 

@@ -33,6 +33,7 @@ std::string ReplaceAll(std::string_view text, std::string_view what, std::string
     if (what.empty())
         return std::string(text);
     std::string replaced;
+    replaced.reserve(text.size());
     std::size_t start = 0;
     for (std::size_t at = text.find(what); at != std::string_view::npos; at = text.find(what, start)) {
         replaced.append(text, start, at - start).append(with);

@@ -28,9 +28,13 @@ std::string_view Hierarchy::MemberKey(MemberId member) const {
 
 std::string Hierarchy::MemberUniqueName(MemberId member) const {
     std::vector<MemberId> path;
+    path.reserve(levels_.size());
     for (MemberId step = member; step != noMember; step = Parent(step))
         path.push_back(step);
-    std::string text = uniqueName_;
+    constexpr std::size_t usualLength = 96;
+    std::string text;
+    text.reserve(usualLength);
+    text += uniqueName_;
     for (auto step = path.rbegin(); step != path.rend(); ++step) {
         const bool isShared = (columns_.flags[*step] & format::nameIsShared) != 0;
         text += isShared ? ".&" : ".";
