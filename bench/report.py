@@ -1,6 +1,6 @@
-"""Puts the numbers of qel-bench --csv into the table of docs/performance.md and draws their growth.
+"""Puts the numbers of qel-bench --csv into the tables of docs/performance.md and the README, and draws their growth.
 
-report.py NUMBERS.csv PERFORMANCE.md PLOT.svg
+report.py NUMBERS.csv PERFORMANCE.md PLOT.svg README.md
 """
 
 import csv
@@ -34,6 +34,15 @@ for cube in ("months", "days"):
         (f"{cube}: times faster than DuckDB, formula and engine", cube, ("DuckDB ratio formula", "DuckDB ratio engine"), "{:,.0f}"),
     ]
 
+SHORT_ROWS = [  # of the README
+    ("`QelF1`, median, p99 µs", "months", ("known median", "known p99"), "{:.1f}"),
+    ("formulas a second", "months", "known per second", "{:,.0f}"),
+    ("times SQLite's", "months", "SQLite ratio formula", "{:,.0f}"),
+    ("times DuckDB's", "months", "DuckDB ratio formula", "{:,.0f}"),
+    ("file, bytes a fact", "both", "bytes", "{:.0f}"),
+    ("open, ms", "both", "open ms", "{:.1f}"),
+]
+
 LINES = [  # name, cube, what, colour: microseconds a cell are drawn
     ("formula, statement known", "known per second", "#1b6ca8"),
     ("engine alone", "engine per second", "#2a9d4a"),
@@ -50,14 +59,14 @@ def read(path):
     return numbers
 
 
-def table(numbers, sizes):
+def table(numbers, sizes, rows):
     def cell(size, cube, what, form):
         names = what if isinstance(what, tuple) else (what,)
         found = [numbers.get((size, cube, name)) for name in names]
         return ", ".join("–" if number is None else form.format(number) for number in found)
 
     lines = ["| facts | " + " | ".join(f"{size:,}" for size in sizes) + " |", "| --- |" + " ---: |" * len(sizes)]
-    for name, cube, what, form in ROWS:
+    for name, cube, what, form in rows:
         lines.append(f"| {name} | " + " | ".join(cell(size, cube, what, form) for size in sizes) + " |")
     return "\n".join(lines)
 
@@ -107,16 +116,21 @@ def plot(numbers, sizes):
     return "\n".join(parts) + "\n"
 
 
+def put_table(path, text):
+    """Replaces what stands between the file's marks."""
+    with open(path, encoding="utf-8") as file:
+        before, rest = file.read().split(BEGIN)
+    after = rest.split(END)[1]
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(f"{before}{BEGIN}\n{text}\n{END}{after}")
+
+
 def main():
-    numbers_path, document_path, plot_path = sys.argv[1:]
+    numbers_path, document_path, plot_path, readme_path = sys.argv[1:]
     numbers = read(numbers_path)
     sizes = sorted({facts for facts, _, _ in numbers})
-    with open(document_path, encoding="utf-8") as file:
-        text = file.read()
-    before, rest = text.split(BEGIN)
-    after = rest.split(END)[1]
-    with open(document_path, "w", encoding="utf-8") as file:
-        file.write(f"{before}{BEGIN}\n{table(numbers, sizes)}\n{END}{after}")
+    put_table(document_path, table(numbers, sizes, ROWS))
+    put_table(readme_path, table(numbers, sizes, SHORT_ROWS))
     with open(plot_path, "w", encoding="utf-8") as file:
         file.write(plot(numbers, sizes))
 

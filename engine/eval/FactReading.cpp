@@ -45,12 +45,20 @@ void FactReading::AddRows(const Projection& projection, RowRange run, std::span<
     }
 }
 
-void FactReading::AddScan(std::span<const Restriction> restrictions) {
+FactReading::Rows FactReading::PlanRows(std::span<const Restriction> restrictions) const {
     if (facts_->RowCount() == 0 || AnyIsEmpty(restrictions)) {
-        return;
+        return {};
     }
     ScanPlan plan = PlanScan(*facts_, restrictions);
-    rows_.push_back({plan.projection, std::move(plan.rows), MakeFilters(*facts_, plan.tests)});
+    return {plan.projection, std::move(plan.rows), MakeFilters(*facts_, plan.tests)};
+}
+
+void FactReading::AddScan(std::span<const Restriction> restrictions) {
+    rows_.push_back(PlanRows(restrictions));
+}
+
+void FactReading::SubtractScan(std::span<const Restriction> restrictions) {
+    subtracted_.push_back(PlanRows(restrictions));
 }
 
 void FactReading::AddStrips(const StripSum& strips, std::uint32_t first, std::uint32_t last) {
@@ -58,43 +66,63 @@ void FactReading::AddStrips(const StripSum& strips, std::uint32_t first, std::ui
 }
 
 FactSum FactReading::Sum() const {
-    FactSum total;
+    FactSum total = SumOf(rows_);
     for (const Strips& strips : strips_) {
         total = Add(total, strips.sum.Sum(strips.first, strips.last));
     }
+    return subtracted_.empty() ? total : Subtract(total);
+}
+
+FactSum FactReading::SumOf(const std::vector<Rows>& rows) const {
     SumOfBlocks blocks(*facts_, measure_);
-    for (const Rows& rows : rows_) {
-        for (const RowRange run : rows.runs) {
-            VisitBlocks(*rows.projection, run, rows.filters, [&](RowRange block, const BlockMask* mask) {
-                blocks.Add(*rows.projection, block, mask);
+    for (const Rows& read : rows) {
+        for (const RowRange run : read.runs) {
+            VisitBlocks(*read.projection, run, read.filters, [&](RowRange block, const BlockMask* mask) {
+                blocks.Add(*read.projection, block, mask);
                 return true;
             });
         }
     }
-    return Add(total, blocks.Total());
+    return blocks.Total();
+}
+
+FactSum FactReading::Subtract(FactSum total) const {
+    const FactSum subtracted = SumOf(subtracted_);
+    if (facts_->Measures()[measure_].aggregate == Aggregate::Count) {
+        return {0, total.rows - subtracted.rows};
+    }
+    const std::uint64_t left =
+        static_cast<std::uint64_t>(total.sum) - static_cast<std::uint64_t>(subtracted.sum);
+    if (left != 0) {
+        return {static_cast<std::int64_t>(left), 1};
+    }
+    // Strips do not tell how many facts there are: here there may be none.
+    return PlanReading(*facts_, restrictions_, measure_, StripEnds::Within).Sum();
 }
 
 std::size_t FactReading::OwnedBytes() const {
-    std::size_t bytes = 0;
+    std::size_t bytes = restrictions_.size() * sizeof(Restriction);
     for (const Strips& strips : strips_) {
         bytes += sizeof strips + strips.sum.OwnedBytes();
     }
-    for (const Rows& rows : rows_) {
-        bytes += sizeof rows + rows.runs.capacity() * sizeof(RowRange);
-        for (const BlockFilter& filter : rows.filters) {
-            bytes += sizeof filter + filter.OwnedBytes();
+    for (const std::vector<Rows>* const list : {&rows_, &subtracted_}) {
+        for (const Rows& rows : *list) {
+            bytes += sizeof rows + rows.runs.capacity() * sizeof(RowRange);
+            for (const BlockFilter& filter : rows.filters) {
+                bytes += sizeof filter + filter.OwnedBytes();
+            }
         }
     }
     return bytes;
 }
 
 FactReading PlanReading(const FactTable& facts, std::span<const Restriction> restrictions,
-                        std::size_t measure) {
-    FactReading reading(facts, measure);
+                        std::size_t measure, StripEnds ends) {
+    FactReading reading(facts, restrictions, measure);
     if (AnyIsEmpty(restrictions)) {
         return reading;
     }
-    if (facts.Rollups() == nullptr || !PlanRollups(facts, restrictions, measure, reading)) {
+    if (facts.Rollups() == nullptr || !PlanRollups(facts, restrictions, measure, ends, reading)) {
         reading.AddScan(restrictions);
     }
     return reading;

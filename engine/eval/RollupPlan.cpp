@@ -14,14 +14,18 @@ namespace {
 /// More pairs of ranges than this are not worth a lookup each.
 constexpr std::size_t mostPairs = 64;
 
+KeyRange Between(std::uint32_t one, std::uint32_t other) {
+    return {std::min(one, other), std::max(one, other)};
+}
+
 /// One question to the rollups. A rollup answers for one set of codes in up to two key columns; what has none
 /// as it is asked for is asked for range by range.
 class RollupPlan {
 public:
     RollupPlan(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure,
-               FactReading& reading)
+               StripEnds ends, FactReading& reading)
         : facts_(facts), rollups_(*facts.Rollups()), restrictions_(restrictions), measure_(measure),
-          reading_(reading) {}
+          ends_(ends), reading_(reading) {}
 
     bool Make();
 
@@ -44,12 +48,15 @@ private:
     bool FindPairs();
     void AddRows(const Rollup& rollup);
     void AddStrips(const Pair& pair);
-    void AddScan(const Pair& pair, CodeRanges time);
+    /// The whole granules that are read for a range of time; none when reading facts alone is less.
+    KeyRange GranulesFor(KeyRange time) const;
+    std::vector<Restriction> RestrictionsOf(const Pair& pair, CodeRanges time) const;
 
     const FactTable& facts_;
     const RollupTable& rollups_;
     std::span<const Restriction> restrictions_;
     std::size_t measure_;
+    StripEnds ends_;
     std::array<const Restriction*, 2> keys_{};
     const Restriction* time_ = nullptr;
     std::vector<Restriction> tests_; ///< of the word and the time
@@ -63,7 +70,7 @@ bool RollupPlan::Make() {
     }
     for (const Pair& pair : pairs_) {
         if (pair.rollup == nullptr) {
-            AddScan(pair, time_ == nullptr ? CodeRanges() : time_->codes);
+            reading_.AddScan(RestrictionsOf(pair, time_ == nullptr ? CodeRanges() : time_->codes));
         } else if (pair.rollup->strips == 0) {
             AddRows(*pair.rollup);
         } else {
@@ -161,30 +168,55 @@ void RollupPlan::AddRows(const Rollup& rollup) {
 void RollupPlan::AddStrips(const Pair& pair) {
     const auto granules = rollups_.Granules();
     const KeyRange always{granules.front(), granules.back()};
-    std::vector<KeyRange> edges; // of time, that no whole granule covers
+    std::vector<KeyRange> lacking, surplus; // times beside the whole granules
     const StripSum strips(facts_, *pair.rollup, tests_, measure_);
     for (const KeyRange range : time_ == nullptr ? CodeRanges(&always, 1) : time_->codes) {
-        const auto first = std::lower_bound(granules.begin(), granules.end(), range.first);
-        const auto last = std::upper_bound(granules.begin(), granules.end(), range.last) - 1;
-        if (first >= last) {
-            edges.push_back(range);
+        const KeyRange read = GranulesFor(range);
+        if (read.Count() == 0) {
+            lacking.push_back(range);
             continue;
         }
-        if (range.first < *first) {
-            edges.push_back({range.first, *first});
+        const KeyRange whole{granules[read.first], granules[read.last]};
+        if (range.first != whole.first) {
+            (range.first < whole.first ? lacking : surplus).push_back(Between(range.first, whole.first));
         }
-        if (*last < range.last) {
-            edges.push_back({*last, range.last});
+        if (range.last != whole.last) {
+            (whole.last < range.last ? lacking : surplus).push_back(Between(range.last, whole.last));
         }
-        reading_.AddStrips(strips, static_cast<std::uint32_t>(first - granules.begin()),
-                           static_cast<std::uint32_t>(last - granules.begin()));
+        reading_.AddStrips(strips, read.first, read.last);
     }
-    if (!edges.empty()) {
-        AddScan(pair, edges);
+    if (!lacking.empty()) {
+        JoinDisjoint(lacking);
+        reading_.AddScan(RestrictionsOf(pair, lacking));
+    }
+    if (!surplus.empty()) {
+        JoinDisjoint(surplus);
+        reading_.SubtractScan(RestrictionsOf(pair, surplus));
     }
 }
 
-void RollupPlan::AddScan(const Pair& pair, CodeRanges time) {
+KeyRange RollupPlan::GranulesFor(KeyRange time) const {
+    const auto granules = rollups_.Granules();
+    const auto boundary = [&](std::uint32_t code, bool isFirst) {
+        const auto next = std::lower_bound(granules.begin(), granules.end(), code);
+        auto chosen = next;
+        if (*next != code) {
+            const std::uint32_t before = code - next[-1], after = *next - code;
+            const bool isNext = ends_ == StripEnds::Within || before == after ? isFirst : after < before;
+            chosen -= isNext ? 0 : 1;
+        }
+        return static_cast<std::uint32_t>(chosen - granules.begin());
+    };
+    const KeyRange read{boundary(time.first, true), boundary(time.last, false)};
+    if (read.first >= read.last) {
+        return {};
+    }
+    const std::uint32_t beside =
+        Between(time.first, granules[read.first]).Count() + Between(time.last, granules[read.last]).Count();
+    return beside < time.Count() ? read : KeyRange{};
+}
+
+std::vector<Restriction> RollupPlan::RestrictionsOf(const Pair& pair, CodeRanges time) const {
     std::vector<Restriction> restrictions;
     restrictions.reserve(restrictions_.size());
     for (const Restriction& test : tests_) {
@@ -197,14 +229,14 @@ void RollupPlan::AddScan(const Pair& pair, CodeRanges time) {
     if (keys_[1] != nullptr) {
         restrictions.push_back({keys_[1]->keyColumn, pair.second});
     }
-    reading_.AddScan(restrictions);
+    return restrictions;
 }
 
 } // namespace
 
 bool PlanRollups(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure,
-                 FactReading& reading) {
-    return RollupPlan(facts, restrictions, measure, reading).Make();
+                 StripEnds ends, FactReading& reading) {
+    return RollupPlan(facts, restrictions, measure, ends, reading).Make();
 }
 
 } // namespace qel::engine

@@ -8,6 +8,6 @@ namespace qel::engine {
 /// from facts what these do not hold. Returns false, with nothing added, when no rollup helps. The cube has
 /// rollups. Raises EngineError (DamagedFile).
 bool PlanRollups(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure,
-                 FactReading& reading);
+                 StripEnds ends, FactReading& reading);
 
 } // namespace qel::engine

@@ -58,7 +58,8 @@ protected:
                                      : column == 0 ? static_cast<std::uint32_t>(random() % (drawn + 1))
                                                    : drawn;
             }
-            fact.amounts = {static_cast<std::int64_t>(random() % 20'001) - 10'000,
+            // Facts without an amount tell an empty sum from one of nothing.
+            fact.amounts = {i % 2 == 0 ? 0 : static_cast<std::int64_t>(random() % 20'001) - 10'000,
                             static_cast<std::int64_t>(random() % 4'000'000'000)};
             const auto& c = fact.codes;
             csv += fmt::format("{:03},{:03},{:02},{},{},{},{},{}\n", c[0], c[1], c[2], c[3], c[4],
@@ -133,20 +134,65 @@ protected:
         }
         return ranges;
     }
-    /// Whole months, from one to all of them, or days.
+    /// Whole months, from one to all of them; or days, now and then with some of them left out.
     std::vector<KeyRange> DrawDays() {
         const auto granules = Table().Rollups()->Granules();
         const auto months = static_cast<std::uint32_t>(granules.size() - 1);
-        const std::uint32_t first = Below(months), last = first + 1 + Below(months - first);
-        KeyRange days{granules[first], granules[last]};
-        if (Below(3) == 0) {
+        const std::uint32_t first = Below(months), last = first + 1 + Below(Below(2) == 0 ? 2 : months);
+        KeyRange days{granules[first], granules[std::min(last, months)]};
+        if (Below(2) == 0) {
             days.first += Below(40);
             days.last = std::min(days.last + Below(40), codeCounts[day]);
         }
         if (days.first >= days.last) {
             days = {100, 101};
         }
-        return {days};
+        if (days.Count() < 10 || Below(2) == 0) {
+            return {days};
+        }
+        const std::uint32_t gap = days.first + 1 + Below(days.Count() - 9), length = 1 + Below(8);
+        return {{days.first, gap}, {gap + length, days.last}};
+    }
+
+    using Ranges = std::array<std::vector<KeyRange>, 6>; ///< by column; none: every code
+    using Expected = std::array<std::int64_t, 3>;        ///< by measure
+
+    static std::vector<Restriction> RestrictionsTo(const Ranges& ranges) {
+        std::vector<Restriction> restrictions;
+        for (std::size_t column = 0; column < ranges.size(); ++column) {
+            if (!ranges[column].empty()) {
+                restrictions.push_back({Column(column), ranges[column]});
+            }
+        }
+        return restrictions;
+    }
+    static bool IsHelpedByRollups(const Ranges& ranges) {
+        const std::vector<Restriction> restrictions = RestrictionsTo(ranges);
+        FactReading reading(Table(), restrictions, 0);
+        return PlanRollups(Table(), restrictions, 0, StripEnds::Nearest, reading);
+    }
+    static Expected SumOfFacts(const Ranges& ranges) {
+        Expected expected{};
+        for (const Fact& fact : facts_) {
+            bool isIn = true;
+            for (std::size_t column = 0; column < ranges.size(); ++column) {
+                isIn = isIn && (ranges[column].empty() || Holds(ranges[column], fact.codes[column]));
+            }
+            expected[0] += isIn ? fact.amounts[0] : 0;
+            expected[1] += isIn ? fact.amounts[1] : 0;
+            expected[2] += isIn ? 1 : 0;
+        }
+        return expected;
+    }
+    static void Compare(const Ranges& ranges) {
+        const Expected expected = SumOfFacts(ranges);
+        for (std::size_t measure = 0; measure < expected.size(); ++measure) {
+            const FactSum sum = SumFacts(Table(), RestrictionsTo(ranges), measure);
+            const std::int64_t value = measure == 2 ? static_cast<std::int64_t>(sum.rows)
+                                                    : sum.sum * Table().Measures()[measure].unit;
+            ASSERT_EQ(value, expected[measure]) << "measure " << measure;
+            ASSERT_EQ(sum.rows > 0, expected[2] > 0) << "measure " << measure;
+        }
     }
 
     std::mt19937 random_{5};
@@ -160,35 +206,36 @@ TEST_F(RollupTest, SumsWhatTheFactsDo) {
     ASSERT_EQ(Table().Rollups()->Granules().size(), 361U);
     int answered = 0;
     for (int round = 0; round < 600; ++round) {
-        std::array<std::vector<KeyRange>, 6> ranges;
-        std::vector<Restriction> restrictions;
+        Ranges ranges;
         for (std::size_t column = 0; column < ranges.size(); ++column) {
             if (Below(2) == 0) {
                 ranges[column] = column == day ? DrawDays() : DrawRanges(column);
-                restrictions.push_back({Column(column), ranges[column]});
             }
         }
-        std::array<std::int64_t, 3> expected{};
-        for (const Fact& fact : facts_) {
-            bool isIn = true;
-            for (std::size_t column = 0; column < ranges.size(); ++column) {
-                isIn = isIn && (ranges[column].empty() || Holds(ranges[column], fact.codes[column]));
-            }
-            expected[0] += isIn ? fact.amounts[0] : 0;
-            expected[1] += isIn ? fact.amounts[1] : 0;
-            expected[2] += isIn ? 1 : 0;
-        }
-        FactReading reading(Table(), 0);
-        answered += PlanRollups(Table(), restrictions, 0, reading) ? 1 : 0;
-        for (std::size_t measure = 0; measure < 3; ++measure) {
-            const FactSum sum = SumFacts(Table(), restrictions, measure);
-            const std::int64_t value = measure == 2 ? static_cast<std::int64_t>(sum.rows)
-                                                    : sum.sum * Table().Measures()[measure].unit;
-            ASSERT_EQ(value, expected[measure]) << "round " << round << ", measure " << measure;
-            ASSERT_EQ(sum.rows > 0, expected[2] > 0) << "round " << round << ", measure " << measure;
-        }
+        answered += IsHelpedByRollups(ranges) ? 1 : 0;
+        ASSERT_NO_FATAL_FAILURE(Compare(ranges)) << "round " << round;
     }
     EXPECT_GT(answered, 100) << "questions that rollups help with are not asked";
+}
+
+/// What lacks of a month is taken away from it: nothing that is left is not the same as no fact that is left.
+TEST_F(RollupTest, TellsAnEmptyCellFromOneOfNothingInMostOfAMonth) {
+    const auto granules = Table().Rollups()->Granules();
+    int empty = 0, nothing = 0;
+    for (int round = 0; round < 600; ++round) {
+        const std::uint32_t month = Below(360), lacking = 1 + Below(10);
+        const std::uint32_t before = Below(lacking + 1);
+        const KeyRange days{granules[month] + before, granules[month + 1] - (lacking - before)};
+        const std::uint32_t number = Below(20), firm = Below(8), kind = Below(4);
+        const Ranges ranges{{{}, {}, {{number, number + 1}}, {{firm, firm + 1}}, {{kind, kind + 1}}, {days}}};
+        ASSERT_TRUE(IsHelpedByRollups(ranges));
+        ASSERT_NO_FATAL_FAILURE(Compare(ranges)) << "round " << round;
+        const Expected expected = SumOfFacts(ranges);
+        empty += expected[2] == 0 ? 1 : 0;
+        nothing += expected[2] != 0 && expected[0] == 0 ? 1 : 0;
+    }
+    EXPECT_GT(empty, 100);
+    EXPECT_GT(nothing, 20);
 }
 
 TEST_F(RollupTest, AreMadeOfMembersOfOneName) {
