@@ -1,6 +1,7 @@
 #include "bench/FormulaMix.h"
 
 #include <algorithm>
+#include <chrono>
 
 namespace qel::bench {
 namespace {
@@ -59,11 +60,15 @@ int FirstMonth(ledger::Random& random, const CalendarDay& day) {
     return month - static_cast<int>(random.Below(60));
 }
 
+CalendarDay LastDayOf(int year, int month) {
+    const std::chrono::year_month_day day{std::chrono::year{year} / month / std::chrono::last};
+    return {year, month, static_cast<int>(static_cast<unsigned>(day.day()))};
+}
+
 void DrawSpan(ledger::Random& random, const CalendarDay& day, ledger::Selection& selection) {
     const int first = FirstMonth(random, day);
     selection.from = CalendarDay{first / 12, first % 12 + 1, 1};
-    // The last day differs from month to month; a day that every month has ends a period by months as well.
-    selection.to = {day.year, day.month, 28};
+    selection.to = LastDayOf(day.year, day.month);
     if (random.Below(11) == 0) {
         selection.from->day = static_cast<int>(random.Between(2, 28));
         selection.to.day = std::max(selection.from->day, static_cast<int>(random.Between(1, 28)));
@@ -92,7 +97,7 @@ std::vector<ledger::Selection> DrawSheet(ledger::RandomSelections& selections, s
         for (int month = 1; month <= 12; ++month) {
             cells.push_back(row);
             cells.back().from = CalendarDay{row.to.year, month, 1};
-            cells.back().to = {row.to.year, month, 28};
+            cells.back().to = LastDayOf(row.to.year, month);
         }
     }
     return cells;

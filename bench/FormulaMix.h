@@ -7,7 +7,7 @@
 namespace qel::bench {
 
 /// Formulas as reports hold them: mostly accounts and summary groups on a unit, a cost centre or an activity,
-/// some wide; by month, quarter, year to date and longer, about one in eleven not from a month's first day.
+/// some wide; by month, quarter, year to date and longer, about one in eleven not of whole months.
 std::vector<ledger::Selection> DrawFormulas(ledger::RandomSelections& selections, std::uint64_t seed,
                                             std::size_t count, ledger::LedgerCube cube);
 
