@@ -9,7 +9,6 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <limits>
 #include <string>
 
 namespace qel::engine {
@@ -84,9 +83,9 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
         totals.linesRead += reader.LinesRead();
         totals.linesSkipped += reader.LinesSkipped();
         totals.linesKept += reader.LinesRead() - reader.LinesSkipped();
-        if (facts_.rowCount > std::numeric_limits<std::uint32_t>::max())
+        if (facts_.rowCount > format::mostFacts)
             throw EngineError(ErrorKind::InvalidData,
-                              fmt::format("cube {}: more than 4,294,967,295 facts", cube_.name));
+                              fmt::format("cube {}: more than {} facts", cube_.name, format::mostFacts));
     }
 }
 

@@ -39,7 +39,7 @@ void VisitNamesOfLevel(const HierarchyModel& hierarchy, std::uint32_t firstMembe
                        const Visit& visit) {
     NamedMembers members;
     for (std::uint32_t member = firstMember; member < lastMember; ++member)
-        members.emplace_back(NameHash(hierarchy.names.At(member)), member);
+        members.emplace_back(NameHash(FoldCase(hierarchy.names.At(member))), member);
     std::sort(members.begin(), members.end());
     for (auto first = members.cbegin(); first != members.cend();) {
         const auto last = std::find_if(first, members.cend(),

@@ -57,9 +57,10 @@ void PlanCache::Keep(const View& key, std::shared_ptr<const StatementPlan> plan)
     if (bytes > mostBytes_ / 2) {
         return;
     }
+    Generation forgotten; // freed when nobody waits for it
     const std::lock_guard lock(mutex_);
     if (recent_.bytes + bytes > mostBytes_ / 2) {
-        older_ = std::exchange(recent_, Generation{});
+        forgotten = std::exchange(older_, std::exchange(recent_, Generation{}));
     }
     if (recent_.plans.emplace(Key{key.cube, std::string(key.statement), key.hash}, std::move(plan)).second) {
         recent_.bytes += bytes;

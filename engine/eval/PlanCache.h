@@ -19,8 +19,11 @@ class StatementPlan;
 /// file never changes, so a plan is right for as long as the file is open. Safe for any number of threads.
 class PlanCache {
 public:
+    /// Where addresses are short, several cubes' plans must leave room for the spreadsheet.
+    static constexpr std::size_t usualMost = sizeof(void*) < 8 ? 16U << 20U : 128U << 20U;
+
     /// Plans, with their statements, take about so much memory at most.
-    explicit PlanCache(std::size_t mostBytes = 128U << 20U) : mostBytes_(mostBytes) {}
+    explicit PlanCache(std::size_t mostBytes = usualMost) : mostBytes_(mostBytes) {}
     ~PlanCache();
     PlanCache(const PlanCache&) = delete;
     PlanCache& operator=(const PlanCache&) = delete;

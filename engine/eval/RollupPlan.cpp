@@ -145,7 +145,7 @@ bool RollupPlan::FindPairs() {
 void RollupPlan::AddRows(const Rollup& rollup) {
     const Projection& projection = rollups_.Rows();
     RowRange rows{rollup.start, rollup.start + rollup.rows};
-    if (rows.last < rows.first || rows.last > projection.RowCount()) {
+    if (rollup.rows > facts_.RowCount() || rows.last < rows.first || rows.last > projection.RowCount()) {
         throw EngineError(ErrorKind::DamagedFile, "cube file: a rollup lies outside its section");
     }
     // The rows ascend by the word's leading column.

@@ -28,6 +28,8 @@ Cube CubeLoader::Load() {
     cube.caption_ = in.GetText();
     cube.defaultMeasure_ = in.Get<std::uint32_t>();
     cube.facts_.rowCount_ = in.Get<std::uint64_t>();
+    if (cube.facts_.rowCount_ > format::mostFacts)
+        Fail("it has more facts than there can be");
     ReadFactColumns(in, cube.facts_);
     ReadSortOrders(in, cube.facts_);
     ReadDimensions(in, cube);

@@ -18,6 +18,7 @@ inline constexpr std::array<char, 8> signature = {'\x89', 'Q', 'E', 'L', 'C', 'U
 inline constexpr std::uint32_t version = 2;
 inline constexpr std::uint64_t pageSize = 65536;
 inline constexpr std::uint64_t sectionAlignment = 64;
+inline constexpr std::uint64_t mostFacts = 0xFFFFFFFFU; ///< of a cube
 
 struct Header {
     std::array<char, 8> signature;

@@ -6,18 +6,13 @@
 
 #include <algorithm>
 #include <bit>
+#include <numeric>
+#include <unordered_map>
+#include <vector>
 
 namespace qel::engine {
 
 namespace {
-
-/// Rows, and by measure the sum of stored values; wraps around.
-struct Totals {
-    std::uint64_t rows = 0;
-    std::vector<std::uint64_t> sums;
-
-    bool operator==(const Totals&) const = default;
-};
 
 std::int64_t SignedAt(const std::byte* values, std::uint8_t width, std::size_t index) {
     switch (width) {
@@ -32,15 +27,61 @@ std::int64_t SignedAt(const std::byte* values, std::uint8_t width, std::size_t i
     }
 }
 
-bool Ascend(const CodeGroups& groups) {
-    for (std::uint32_t number = 1; number < groups.Count(); ++number) {
+bool AreWellFormed(const CodeGroups& groups) {
+    const auto touch = [](KeyRange left, KeyRange right) {
+        return left.first >= left.last || left.last >= right.first;
+    };
+    for (std::uint32_t number = 0; number < groups.Count(); ++number) {
         const KeyRange before{number - 1, 0}, group{number, 0};
-        const CodeRanges left = groups.Ranges(before), right = groups.Ranges(group);
-        if (!std::lexicographical_compare(left.begin(), left.end(), right.begin(), right.end(), IsBefore))
+        const CodeRanges ranges = groups.Ranges(group);
+        if (ranges.size() < 2 || std::adjacent_find(ranges.begin(), ranges.end(), touch) != ranges.end())
+            return false;
+        const CodeRanges left = number == 0 ? CodeRanges() : groups.Ranges(before);
+        if (!std::lexicographical_compare(left.begin(), left.end(), ranges.begin(), ranges.end(), IsBefore))
             return false;
     }
     return true;
 }
+
+/// Facts added up by their word and their time; sums wrap around.
+class FactTotals {
+public:
+    explicit FactTotals(std::size_t measures) : sums_(measures) {}
+
+    /// The place of a word and a time, which is new with nothing in it.
+    std::size_t PlaceOf(std::uint32_t word, std::uint32_t time) {
+        const auto [found, isNew] = places_.emplace(std::uint64_t{word} << 32U | time, rows_.size());
+        if (isNew) {
+            rows_.push_back(0);
+            for (std::vector<std::uint64_t>& sums : sums_)
+                sums.push_back(0);
+        }
+        return found->second;
+    }
+    void AddRows(std::size_t place, std::uint64_t rows) { rows_[place] += rows; }
+    void AddValue(std::size_t place, std::size_t measure, std::uint64_t value) {
+        sums_[measure][place] += value;
+    }
+
+    std::uint64_t RowCount() const { return std::accumulate(rows_.begin(), rows_.end(), std::uint64_t{0}); }
+    bool Equals(const FactTotals& other, bool withRows) const {
+        return places_.size() == other.places_.size() &&
+               std::all_of(places_.begin(), places_.end(), [&](const auto& entry) {
+                   const auto found = other.places_.find(entry.first);
+                   return found != other.places_.end() &&
+                          (!withRows || rows_[entry.second] == other.rows_[found->second]) &&
+                          std::equal(sums_.begin(), sums_.end(), other.sums_.begin(),
+                                     [&](const auto& own, const auto& others) {
+                                         return own[entry.second] == others[found->second];
+                                     });
+               });
+    }
+
+private:
+    std::unordered_map<std::uint64_t, std::size_t> places_;
+    std::vector<std::uint64_t> rows_;
+    std::vector<std::vector<std::uint64_t>> sums_; ///< by measure
+};
 
 class RollupCheck {
 public:
@@ -51,18 +92,18 @@ public:
             return "its key does not find it";
         if (!IsOfColumns(rollup.key))
             return "its key has codes that do not exist";
-        Totals own = NoTotals();
-        if (rollup.strips == 0 ? !AddRows(rollup, own) : !AddStrips(rollup, own))
+        FactTotals own(facts_.Measures().size());
+        const bool isRows = rollup.strips == 0;
+        if (isRows ? !AddRows(rollup, own) : !AddStrips(rollup, own))
             return "its facts are not in order";
-        const Totals expected = TotalsOf(rollup.key);
-        if (rollup.strips != 0 && !rollups_.HasCounts())
-            own.rows = expected.rows; // strips do not tell
-        return own == expected && rollup.rows == expected.rows ? "" : "it differs from the facts";
+        const FactTotals expected = TotalsOf(rollup.key, isRows);
+        const bool tellsRows = isRows || rollups_.HasCounts();
+        return own.Equals(expected, tellsRows) && rollup.rows == expected.RowCount()
+                   ? ""
+                   : "it differs from the facts";
     }
 
 private:
-    Totals NoTotals() const { return {0, std::vector<std::uint64_t>(facts_.Measures().size())}; }
-
     bool IsOfColumns(const RollupKey& key) const {
         const auto exists = [&](std::uint16_t column, const KeyRange& codes) {
             if (column == RollupKey::noColumn)
@@ -80,88 +121,170 @@ private:
         return exists(key.firstColumn, key.first) && exists(key.secondColumn, key.second);
     }
 
-    void AddValues(const Projection& projection, RowRange rows, const std::vector<bool>& isIn,
-                   Totals& totals) const {
-        for (std::size_t i = 0; i < isIn.size(); ++i)
-            totals.rows += isIn[i] ? 1U : 0U;
-        for (std::size_t measure = 0; measure < totals.sums.size(); ++measure) {
+    std::vector<std::uint32_t> CodesAt(const Projection& projection, std::size_t column, RowRange run,
+                                       const std::vector<std::size_t>& rows) const {
+        const KeyColumn& key = facts_.KeyColumns()[column];
+        std::vector<std::uint32_t> codes;
+        codes.reserve(rows.size());
+        if (!projection.HasSlot(key.slot)) {
+            for (const std::size_t row : rows)
+                codes.push_back(projection.LeadOf(run.first + row));
+            return codes;
+        }
+        const CodeColumn stored(projection.Slot(key.slot, run), key);
+        for (const std::size_t row : rows)
+            codes.push_back(stored[row]);
+        return codes;
+    }
+
+    std::uint32_t GranuleOf(std::uint32_t time) const {
+        const auto granules = rollups_.Granules();
+        const auto next = std::upper_bound(granules.begin(), granules.end(), time);
+        return static_cast<std::uint32_t>(next - granules.begin()) - 1;
+    }
+
+    /// Adds some rows of a run, by the times themselves or by granules.
+    void AddFacts(const Projection& projection, RowRange run, const std::vector<std::size_t>& rows,
+                  bool byTimes, FactTotals& totals) const {
+        std::vector<std::uint32_t> words(rows.size()), times(rows.size());
+        for (const RollupTable::WordColumn& word : rollups_.WordColumns()) {
+            const std::vector<std::uint32_t> codes = CodesAt(projection, word.column, run, rows);
+            for (std::size_t i = 0; i < rows.size(); ++i)
+                words[i] |= codes[i] << word.shift;
+        }
+        if (rollups_.TimeColumn())
+            times = CodesAt(projection, *rollups_.TimeColumn(), run, rows);
+        std::vector<std::size_t> places(rows.size());
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            places[i] = totals.PlaceOf(words[i], byTimes ? times[i] : GranuleOf(times[i]));
+            totals.AddRows(places[i], 1);
+        }
+        for (std::size_t measure = 0; measure < facts_.Measures().size(); ++measure) {
             const std::uint8_t width = facts_.Measures()[measure].width;
-            if (width == 0)
-                continue;
-            const std::byte* const values = projection.Values(measure, rows);
-            for (std::size_t i = 0; i < isIn.size(); ++i)
-                totals.sums[measure] += isIn[i] ? static_cast<std::uint64_t>(SignedAt(values, width, i)) : 0U;
+            const std::byte* const values = width == 0 ? nullptr : projection.Values(measure, run);
+            for (std::size_t i = 0; values != nullptr && i < rows.size(); ++i)
+                totals.AddValue(places[i], measure,
+                                static_cast<std::uint64_t>(SignedAt(values, width, rows[i])));
         }
     }
 
     /// What the facts say.
-    Totals TotalsOf(const RollupKey& key) const {
-        Totals totals = NoTotals();
+    FactTotals TotalsOf(const RollupKey& key, bool byTimes) const {
+        FactTotals totals(facts_.Measures().size());
         static constexpr KeyRange left{}; // out of the key
         const auto rangesOf = [&](std::uint16_t column, const KeyRange& codes) {
             return column == RollupKey::noColumn ? CodeRanges(&left, 1) : rollups_.Groups().Ranges(codes);
         };
         for (const KeyRange first : rangesOf(key.firstColumn, key.first)) {
             for (const KeyRange second : rangesOf(key.secondColumn, key.second))
-                AddFacts({key.firstColumn, key.secondColumn, first, second}, totals);
+                AddFactsUnder({key.firstColumn, key.secondColumn, first, second}, byTimes, totals);
         }
         return totals;
     }
 
     /// The facts under two ranges, from the sort order that one of their columns leads.
-    void AddFacts(const RollupKey& key, Totals& totals) const {
+    void AddFactsUnder(const RollupKey& key, bool byTimes, FactTotals& totals) const {
         const Projection* projection = &facts_.Projections().front();
-        RowRange rows{0, facts_.RowCount()};
+        RowRange run{0, facts_.RowCount()};
         for (const Projection& other : facts_.Projections()) {
             const std::uint16_t lead = other.SortOrder().front();
             if (lead != key.firstColumn && lead != key.secondColumn)
                 continue;
-            const RowRange run = other.RowsOfLead(lead == key.firstColumn ? key.first : key.second);
-            if (run.Count() < rows.Count()) {
-                rows = run;
+            const RowRange rows = other.RowsOfLead(lead == key.firstColumn ? key.first : key.second);
+            if (rows.Count() < run.Count()) {
+                run = rows;
                 projection = &other;
             }
         }
-        std::vector<bool> isIn(rows.Count(), true);
+        VisitChunks(run, [&](RowRange chunk) { AddFactsOf(*projection, chunk, key, byTimes, totals); });
+    }
+
+    /// Runs may be long, and a tampered file's longer than memory.
+    template <class Visit>
+    static void VisitChunks(RowRange run, const Visit& visit) {
+        constexpr std::uint64_t chunkRows = 1U << 16U;
+        for (; run.first < run.last; run.first += chunkRows)
+            visit(RowRange{run.first, std::min(run.last, run.first + chunkRows)});
+    }
+    static std::vector<std::size_t> AllOf(RowRange run) {
+        std::vector<std::size_t> rows(run.Count());
+        std::iota(rows.begin(), rows.end(), std::size_t{0});
+        return rows;
+    }
+
+    void AddFactsOf(const Projection& projection, RowRange run, const RollupKey& key, bool byTimes,
+                    FactTotals& totals) const {
+        std::vector<std::size_t> rows = AllOf(run);
         const auto restrict = [&](std::uint16_t column, KeyRange codes) {
             if (column == RollupKey::noColumn)
                 return;
-            const auto all = ReadCodes(facts_, *projection, column, rows);
-            for (std::size_t i = 0; i < isIn.size(); ++i)
-                isIn[i] = isIn[i] && all[i] >= codes.first && all[i] < codes.last;
+            const std::vector<std::uint32_t> all = CodesAt(projection, column, run, rows);
+            std::vector<std::size_t> kept;
+            for (std::size_t i = 0; i < rows.size(); ++i) {
+                if (all[i] >= codes.first && all[i] < codes.last)
+                    kept.push_back(rows[i]);
+            }
+            rows = std::move(kept);
         };
         restrict(key.firstColumn, key.first);
         restrict(key.secondColumn, key.second);
-        AddValues(*projection, rows, isIn, totals);
+        AddFacts(projection, run, rows, byTimes, totals);
     }
 
-    bool AddRows(const Rollup& rollup, Totals& totals) const {
-        const RowRange rows{rollup.start, rollup.start + rollup.rows};
+    bool AddRows(const Rollup& rollup, FactTotals& totals) const {
+        const RowRange run{rollup.start, rollup.start + rollup.rows};
         const Projection& projection = rollups_.Rows();
-        if (rows.last < rows.first || rows.last > projection.RowCount())
+        if (rollup.rows > facts_.RowCount() || run.last < run.first || run.last > projection.RowCount())
             return false;
-        AddValues(projection, rows, std::vector<bool>(rows.Count(), true), totals);
-        if (rollups_.WordColumns().empty())
-            return true;
-        const auto codes = ReadCodes(facts_, projection, rollups_.WordColumns().front().column, rows);
-        return std::is_sorted(codes.begin(), codes.end());
+        const auto words = rollups_.WordColumns();
+        bool isSorted = true;
+        std::uint32_t lead = 0;
+        VisitChunks(run, [&](RowRange chunk) {
+            const std::vector<std::size_t> rows = AllOf(chunk);
+            AddFacts(projection, chunk, rows, true, totals);
+            if (words.empty())
+                return;
+            const auto codes = CodesAt(projection, words.front().column, chunk, rows);
+            isSorted = isSorted && lead <= codes.front() && std::is_sorted(codes.begin(), codes.end());
+            lead = codes.back();
+        });
+        return isSorted;
     }
 
-    bool AddStrips(const Rollup& rollup, Totals& totals) const {
+    bool AddStrips(const Rollup& rollup, FactTotals& totals) const {
         const RollupTable::Strips strips = rollups_.StripsOf(rollup.start, rollup.strips);
         for (std::uint32_t i = 0; i < rollup.strips; ++i) {
-            const std::uint32_t first = strips.entries[i];
-            const std::uint32_t entries = strips.entries[i + 1] - first;
+            const std::uint32_t entries = strips.entries[i + 1] - strips.entries[i];
             if ((i > 0 && strips.words[i] <= strips.words[i - 1]) || entries == 0 ||
-                entries != static_cast<std::uint32_t>(std::popcount(strips.periods[i])))
+                entries != static_cast<std::uint32_t>(std::popcount(strips.periods[i])) ||
+                !AddStrip(strips.words[i], strips.periods[i], strips.entries[i], totals))
                 return false;
-            const std::uint32_t last = first + entries - 1;
-            if (rollups_.HasCounts())
-                totals.rows += *rollups_.Counts(last, 1);
-            for (std::size_t measure = 0; measure < totals.sums.size(); ++measure) {
-                if (facts_.Measures()[measure].aggregate == Aggregate::Sum)
-                    totals.sums[measure] += static_cast<std::uint64_t>(
-                        SignedAt(rollups_.Sums(measure, last, 1), rollups_.SumWidth(measure), 0));
+        }
+        return true;
+    }
+
+    bool AddStrip(std::uint32_t word, std::uint64_t periods, std::uint32_t first, FactTotals& totals) const {
+        constexpr std::uint32_t blockGranules = 64;
+        const auto blockMask = static_cast<std::uint32_t>((std::uint64_t{1} << rollups_.BlockBits()) - 1);
+        const std::uint64_t base = std::uint64_t{word & blockMask} * blockGranules;
+        const std::uint32_t entries = static_cast<std::uint32_t>(std::popcount(periods));
+        for (std::uint32_t entry = 0; entry < entries; ++entry, periods &= periods - 1) {
+            const std::uint64_t granule = base + static_cast<std::uint32_t>(std::countr_zero(periods));
+            if (granule + 1 >= rollups_.Granules().size())
+                return false;
+            const std::size_t place = totals.PlaceOf(word & ~blockMask, static_cast<std::uint32_t>(granule));
+            if (rollups_.HasCounts()) {
+                const std::uint32_t* const counts = rollups_.Counts(first, entries);
+                totals.AddRows(place, counts[entry] - (entry == 0 ? 0 : counts[entry - 1]));
+            }
+            for (std::size_t measure = 0; measure < facts_.Measures().size(); ++measure) {
+                if (facts_.Measures()[measure].aggregate != Aggregate::Sum)
+                    continue;
+                const std::byte* const sums = rollups_.Sums(measure, first, entries);
+                const auto sumAt = [&](std::uint32_t at) {
+                    return static_cast<std::uint64_t>(SignedAt(sums, rollups_.SumWidth(measure), at));
+                };
+                totals.AddValue(place, measure, sumAt(entry) - (entry == 0 ? 0 : sumAt(entry - 1)));
             }
         }
         return true;
@@ -177,7 +300,7 @@ std::string FindRollupFault(const Cube& cube) {
     if (cube.Facts().Rollups() == nullptr)
         return {};
     const RollupTable& rollups = *cube.Facts().Rollups();
-    if (!Ascend(rollups.Groups()))
+    if (!AreWellFormed(rollups.Groups()))
         return fmt::format("cube {}: the groups of codes are not in order", cube.Name());
     const RollupCheck check(cube.Facts());
     for (std::uint64_t i = 0; i < rollups.Count(); ++i) {

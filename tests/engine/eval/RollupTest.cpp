@@ -98,8 +98,9 @@ protected:
     static void WriteTree(const char* name, std::uint32_t codes, std::uint32_t large, std::uint32_t small) {
         std::string csv = "code,a,b,b_name\n";
         for (std::uint32_t code = 0; code < codes; ++code) {
-            csv += fmt::format("{:03},{},{:02},Unit {}\n", code, code / large, code / small,
-                               code / small % namesOfUnits);
+            // Letter case does not tell names apart.
+            csv += fmt::format("{:03},{},{:02},{} {}\n", code, code / large, code / small,
+                               code / large == 0 ? "Unit" : "UNIT", code / small % namesOfUnits);
         }
         folder_->Write(name, csv);
     }

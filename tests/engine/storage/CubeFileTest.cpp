@@ -234,13 +234,22 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "measure Amount is not well-formed"},
         {"decimals", [](auto& c) { c.model.measures[0].decimals = 19; }, "measure Amount is not well-formed"},
         {"rows", [](auto& c) { c.model.rowCount = 4; }, "row numbers of a sort order"},
-        {"rows beyond all memory",
+        {"rows that are not stored",
          [](auto& c) {
-             c.model.rowCount = 0x4000000000000000U;
+             c.model.rowCount = 0xFFFFFFFFU;
              c.model.projections[0].leadRows.back() = c.model.projections[1].leadRows.back() =
                  c.model.rowCount;
          },
          "a column of facts has the wrong length"},
+        {"rows that nothing stores, beyond all numbers",
+         [](auto& c) {
+             c.model.rowCount = 0x1000000000000000U;
+             c.model.projections[1].leadRows = {0, 2, c.model.rowCount};
+             c.model.projections[0].leadRows = {0, 1, c.model.rowCount};
+             c.model.measures.erase(c.model.measures.begin());
+             c.hasRollups = false;
+         },
+         "more facts than there can be"},
         {"lead rows descend",
          [](auto& c) {
              c.model.projections[0].leadRows = {0, 4, 3};
@@ -389,6 +398,27 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "rollup 2: its facts are not in order"},
         {"a sum that differs", [](auto& c) { c.rollups.sums[0][1] = 8; },
          "rollup 1: it differs from the facts"},
+        {"sums of other words", [](auto& c) { std::swap(c.rollups.sums[0][0], c.rollups.sums[0][1]); },
+         "rollup 1: it differs from the facts"},
+        {"rollup rows of another word",
+         [](auto& c) {
+             c.rollupFirms = {0, 0};
+         },
+         "rollup 2: it differs from the facts"},
+        {"a granule that does not exist", [](auto& c) { c.rollups.stripPeriods[0] = 2; },
+         "rollup 1: its facts are not in order"},
+        {"a group of one range",
+         [](auto& c) {
+             c.rollups.groupPlaces = {0, 1};
+             c.rollups.groupRanges = {{0, 1}};
+         },
+         "the groups of codes are not in order"},
+        {"ranges of a group that touch",
+         [](auto& c) {
+             c.rollups.groupPlaces = {0, 2};
+             c.rollups.groupRanges = {{0, 1}, {1, 2}};
+         },
+         "the groups of codes are not in order"},
         {"a count that differs", [](auto& c) { c.rollups.counts[0] = 1; },
          "rollup 1: it differs from the facts"},
         {"a rollup's value that differs", [](auto& c) { c.rollupValues[0] = 7; },
@@ -409,8 +439,8 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         {"no places of groups", [](auto& c) { c.rollups.groupPlaces.clear(); }, "the groups of codes"},
         {"groups that descend",
          [](auto& c) {
-             c.rollups.groupPlaces = {0, 1, 2};
-             c.rollups.groupRanges = {{1, 2}, {0, 1}};
+             c.rollups.groupPlaces = {0, 2, 4};
+             c.rollups.groupRanges = {{0, 1}, {3, 4}, {0, 1}, {2, 3}};
          },
          "the groups of codes are not in order"},
         {"a rollup of a group that does not exist",
@@ -418,18 +448,16 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.rollups.records[1].key.first = {0, 0};
          },
          "rollup 2: its key has codes that do not exist"},
-        {"a rollup of a group that descends",
+        {"a rollup of a group beyond the codes",
          [](auto& c) {
              c.rollups.groupPlaces = {0, 2};
-             c.rollups.groupRanges = {{1, 2}, {0, 1}};
+             c.rollups.groupRanges = {{0, 1}, {2, 3}};
              c.rollups.records[1].key.first = {0, 0};
          },
          "rollup 2: its key has codes that do not exist"},
-        {"a rollup of another group's facts",
+        {"a rollup of another member's facts",
          [](auto& c) {
-             c.rollups.groupPlaces = {0, 2};
-             c.rollups.groupRanges = {{0, 1}, {1, 2}};
-             c.rollups.records[1].key.first = {0, 0};
+             c.rollups.records[1].key.first = {0, 1};
          },
          "rollup 2: it differs from the facts"},
         {"two rollups of one key", [](auto& c) { c.rollups.records[1].key = {}; },
