@@ -1,41 +1,48 @@
 #include "engine/eval/BlockFilter.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace qel::engine {
 
 BlockFilter::BlockFilter(const Restriction& restriction, const KeyColumn& column)
     : slot_(column.slot), width_(column.width), shift_(column.shift), bits_(column.Mask()) {
+    constexpr std::size_t fewRanges = 16; // are compared in less time than codes are looked up
+    const auto spanOf = [&](KeyRange range) {
+        return SlotSpan{range.first << shift_, (range.last - 1) << shift_};
+    };
     if (restriction.codes.size() == 1) {
-        first_ = restriction.codes[0].first << shift_;
-        last_ = (restriction.codes[0].last - 1) << shift_;
-        return;
-    }
-    isIn_.resize(column.codes);
-    for (const KeyRange range : restriction.codes) {
-        std::fill(isIn_.begin() + range.first, isIn_.begin() + range.last, std::uint8_t{1});
+        span_ = spanOf(restriction.codes[0]);
+    } else if (restriction.codes.size() <= fewRanges) {
+        std::transform(restriction.codes.begin(), restriction.codes.end(), std::back_inserter(spans_),
+                       spanOf);
+    } else {
+        isIn_.resize(column.codes);
+        for (const KeyRange range : restriction.codes) {
+            std::fill(isIn_.begin() + range.first, isIn_.begin() + range.last, std::uint8_t{1});
+        }
     }
 }
 
 bool BlockFilter::Merge(const BlockFilter& other) {
-    const bool bothOneCode =
-        isIn_.empty() && other.isIn_.empty() && first_ == last_ && other.first_ == other.last_;
-    if (slot_ != other.slot_ || !bothOneCode) {
+    if (slot_ != other.slot_ || !IsOneCode() || !other.IsOneCode()) {
         return false;
     }
     bits_ |= other.bits_;
-    first_ |= other.first_;
-    last_ = first_;
+    span_.first |= other.span_.first;
+    span_.last = span_.first;
     return true;
 }
 
 void BlockFilter::Apply(const std::byte* slots, std::size_t count, BlockMask& mask) const {
     const SlotBlock block{slots, width_, count};
-    if (isIn_.empty()) {
-        KeepBetween(block, bits_, first_, last_, mask);
-    } else {
+    if (!isIn_.empty()) {
         KeepListed(block, bits_, shift_, isIn_, mask);
+    } else if (!spans_.empty()) {
+        KeepBetweenAny(block, bits_, spans_, mask);
+    } else {
+        KeepBetween(block, bits_, span_, mask);
     }
 }
 

@@ -21,14 +21,17 @@ public:
     /// Takes out the rows that do not pass. `slots` holds `count` values of the slot.
     void Apply(const std::byte* slots, std::size_t count, BlockMask& mask) const;
     /// About how much memory this owns.
-    std::size_t OwnedBytes() const { return isIn_.capacity(); }
+    std::size_t OwnedBytes() const { return spans_.capacity() * sizeof(SlotSpan) + isIn_.capacity(); }
 
 private:
+    bool IsOneCode() const { return spans_.empty() && isIn_.empty() && span_.first == span_.last; }
+
     std::size_t slot_;
     std::uint8_t width_, shift_;
     std::uint32_t bits_;
-    std::uint32_t first_ = 0, last_ = 0; ///< of the bits as they lie in the slot, both included
-    std::vector<std::uint8_t> isIn_;     ///< by code, for a set that is no single range
+    SlotSpan span_;                  ///< for a set that is a single range
+    std::vector<SlotSpan> spans_;    ///< for one of few
+    std::vector<std::uint8_t> isIn_; ///< by code, for any other
 };
 
 /// As few filters as test all of the restrictions.

@@ -12,16 +12,17 @@ namespace {
 
 #define QEL_INLINE inline __attribute__((always_inline))
 
-template <class Slot>
-QEL_INLINE void Between(const std::byte* slots, std::size_t count, std::uint32_t bits, std::uint32_t first,
-                        std::uint32_t last, std::uint8_t* mask) {
+/// Whether the bits of each row lie in the span: join(row, 1 or 0).
+template <class Slot, class Join>
+QEL_INLINE void Between(const std::byte* slots, std::size_t count, std::uint32_t bits, SlotSpan span,
+                        const Join& join) {
     const auto under = static_cast<Slot>(bits);
-    const auto lowest = static_cast<Slot>(first);
-    // What lies below `first` wraps around to large numbers, so one comparison tests both ends.
-    const auto span = static_cast<Slot>(last - first);
+    const auto lowest = static_cast<Slot>(span.first);
+    // What lies below the first wraps around to large numbers, so one comparison tests both ends.
+    const auto width = static_cast<Slot>(span.last - span.first);
     for (std::size_t i = 0; i < count; ++i) {
         const auto distance = static_cast<Slot>((ReadAt<Slot>(slots, i) & under) - lowest);
-        mask[i] &= static_cast<std::uint8_t>(distance <= span);
+        join(i, static_cast<std::uint8_t>(distance <= width));
     }
 }
 
@@ -75,14 +76,37 @@ QEL_INLINE std::uint64_t SumBlock(const std::byte* values, std::size_t count, co
 } // namespace
 
 QEL_VECTORISED
-void KeepBetween(SlotBlock slots, std::uint32_t bits, std::uint32_t first, std::uint32_t last,
-                 BlockMask& mask) {
+void KeepBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask) {
+    std::uint8_t* const kept = mask.data();
+    const auto join = [kept](std::size_t i, std::uint8_t isIn) { kept[i] &= isIn; };
     if (slots.width == 1) {
-        Between<std::uint8_t>(slots.data, slots.count, bits, first, last, mask.data());
+        Between<std::uint8_t>(slots.data, slots.count, bits, span, join);
     } else if (slots.width == 2) {
-        Between<std::uint16_t>(slots.data, slots.count, bits, first, last, mask.data());
+        Between<std::uint16_t>(slots.data, slots.count, bits, span, join);
     } else {
-        Between<std::uint32_t>(slots.data, slots.count, bits, first, last, mask.data());
+        Between<std::uint32_t>(slots.data, slots.count, bits, span, join);
+    }
+}
+
+QEL_VECTORISED
+void KeepBetweenAny(SlotBlock slots, std::uint32_t bits, std::span<const SlotSpan> spans, BlockMask& mask) {
+    BlockMask any;
+    std::uint8_t* const found = any.data();
+    for (std::size_t i = 0; i < slots.count; ++i) {
+        found[i] = 0;
+    }
+    const auto join = [found](std::size_t i, std::uint8_t isIn) { found[i] |= isIn; };
+    for (const SlotSpan span : spans) {
+        if (slots.width == 1) {
+            Between<std::uint8_t>(slots.data, slots.count, bits, span, join);
+        } else if (slots.width == 2) {
+            Between<std::uint16_t>(slots.data, slots.count, bits, span, join);
+        } else {
+            Between<std::uint32_t>(slots.data, slots.count, bits, span, join);
+        }
+    }
+    for (std::size_t i = 0; i < slots.count; ++i) {
+        mask[i] &= found[i];
     }
 }
 

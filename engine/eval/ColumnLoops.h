@@ -21,10 +21,15 @@ struct SlotBlock {
     std::size_t count = 0;
 };
 
-/// Takes out the rows whose bits under `bits` are not between `first` and `last`, both included. The bounds
-/// are of the slot as it lies, not shifted.
-void KeepBetween(SlotBlock slots, std::uint32_t bits, std::uint32_t first, std::uint32_t last,
-                 BlockMask& mask);
+/// A span of a slot's bits as they lie, not shifted.
+struct SlotSpan {
+    std::uint32_t first = 0, last = 0; ///< both included
+};
+
+/// Takes out the rows whose bits under `bits` are not in the span.
+void KeepBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask);
+/// Takes out the rows whose bits under `bits` are in none of the spans, which should be few.
+void KeepBetweenAny(SlotBlock slots, std::uint32_t bits, std::span<const SlotSpan> spans, BlockMask& mask);
 /// Takes out the rows whose code, from `shift` under `bits`, has a 0 in the table or lies beyond it.
 void KeepListed(SlotBlock slots, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
                 BlockMask& mask);

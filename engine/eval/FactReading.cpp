@@ -70,7 +70,7 @@ FactSum FactReading::Sum() const {
     for (const Strips& strips : strips_) {
         total = Add(total, strips.sum.Sum(strips.first, strips.last));
     }
-    return subtracted_.empty() ? total : Subtract(total);
+    return Subtracts() ? Subtract(total) : total;
 }
 
 FactSum FactReading::SumOf(const std::vector<Rows>& rows) const {
@@ -96,12 +96,11 @@ FactSum FactReading::Subtract(FactSum total) const {
     if (left != 0) {
         return {static_cast<std::int64_t>(left), 1};
     }
-    // Strips do not tell how many facts there are: here there may be none.
-    return PlanReading(*facts_, restrictions_, measure_, StripEnds::Within).Sum();
+    return exact_->Sum(); // strips do not tell how many facts there are: here there may be none
 }
 
 std::size_t FactReading::OwnedBytes() const {
-    std::size_t bytes = restrictions_.size() * sizeof(Restriction);
+    std::size_t bytes = exact_ ? sizeof *exact_ + exact_->OwnedBytes() : 0;
     for (const Strips& strips : strips_) {
         bytes += sizeof strips + strips.sum.OwnedBytes();
     }
@@ -117,13 +116,19 @@ std::size_t FactReading::OwnedBytes() const {
 }
 
 FactReading PlanReading(const FactTable& facts, std::span<const Restriction> restrictions,
-                        std::size_t measure, StripEnds ends) {
-    FactReading reading(facts, restrictions, measure);
+                        std::size_t measure) {
+    FactReading reading(facts, measure);
     if (AnyIsEmpty(restrictions)) {
         return reading;
     }
-    if (facts.Rollups() == nullptr || !PlanRollups(facts, restrictions, measure, ends, reading)) {
+    if (facts.Rollups() == nullptr ||
+        !PlanRollups(facts, restrictions, measure, StripEnds::Nearest, reading)) {
         reading.AddScan(restrictions);
+    }
+    if (reading.Subtracts()) {
+        FactReading exact(facts, measure);
+        PlanRollups(facts, restrictions, measure, StripEnds::Within, exact);
+        reading.SetExact(std::move(exact));
     }
     return reading;
 }

@@ -6,25 +6,19 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
+#include <utility>
 #include <vector>
 
 namespace qel::engine {
-
-/// What strips of rollups may be read for at the ends of a span of time.
-enum class StripEnds {
-    Within, ///< what lies in the span
-    Nearest ///< more than that, where the facts that are too many are fewer than those that would lack
-};
 
 /// How the facts of one cell are read: from which rows and which strips of rollups. It is found once and
 /// serves any number of reads, on any thread, for as long as the facts and the codes of the restrictions that
 /// it was found for live. All below raise EngineError (DamagedFile).
 class FactReading {
 public:
-    /// Of the facts under all restrictions; what they are is added below.
-    FactReading(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure)
-        : facts_(&facts), restrictions_(restrictions.begin(), restrictions.end()), measure_(measure) {}
+    FactReading(const FactTable& facts, std::size_t measure) : facts_(&facts), measure_(measure) {}
 
     /// The rows of a run that pass all tests.
     void AddRows(const Projection& projection, RowRange run, std::span<const Restriction> tests);
@@ -32,6 +26,9 @@ public:
     void AddScan(std::span<const Restriction> restrictions);
     /// Takes away facts, which the strips hold besides those that are asked for.
     void SubtractScan(std::span<const Restriction> restrictions);
+    bool Subtracts() const { return !subtracted_.empty(); }
+    /// Another way to the same facts that takes nothing away; for when nothing is left of a sum.
+    void SetExact(FactReading reading) { exact_ = std::make_shared<const FactReading>(std::move(reading)); }
     /// The strips' facts of the granules of time from `first` up to, without, `last`.
     void AddStrips(const StripSum& strips, std::uint32_t first, std::uint32_t last);
 
@@ -56,16 +53,16 @@ private:
     FactSum Subtract(FactSum total) const;
 
     const FactTable* facts_;
-    std::vector<Restriction> restrictions_;
     std::size_t measure_;
     std::vector<Rows> rows_, subtracted_;
     std::vector<Strips> strips_;
+    std::shared_ptr<const FactReading> exact_; ///< not null when something is taken away
 };
 
 /// How to read the facts under all restrictions, of which there is at most one a key column: from rollups
 /// where these hold them.
 FactReading PlanReading(const FactTable& facts, std::span<const Restriction> restrictions,
-                        std::size_t measure, StripEnds ends = StripEnds::Nearest);
+                        std::size_t measure);
 
 /// The facts under all restrictions: how many, and the sum of the measure.
 FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure);

@@ -1,6 +1,7 @@
 #include "engine/EngineError.h"
 #include "engine/build/BuildCube.h"
 #include "engine/eval/FactReading.h"
+#include "engine/eval/PlanCache.h"
 #include "engine/eval/RollupPlan.h"
 #include "engine/storage/CubeFile.h"
 #include "tests/TemporaryFolder.h"
@@ -31,11 +32,22 @@ constexpr std::size_t region = 1, day = 5;
 constexpr std::uint32_t unitSize = 10, namesOfUnits = 5;
 
 /// Thirty years of days: months fill several blocks.
+std::chrono::year_month_day CalendarDay(std::uint32_t dayNumber) {
+    return std::chrono::sys_days(std::chrono::year{1995} / 1 / 1) +
+           std::chrono::days{static_cast<int>(dayNumber)};
+}
+
 std::string DateOf(std::uint32_t dayNumber) {
-    const std::chrono::year_month_day date = std::chrono::sys_days(std::chrono::year{1995} / 1 / 1) +
-                                             std::chrono::days{static_cast<int>(dayNumber)};
+    const std::chrono::year_month_day date = CalendarDay(dayNumber);
     return fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
                        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
+}
+
+std::string MemberOfDay(std::uint32_t dayNumber) {
+    const std::chrono::year_month_day date = CalendarDay(dayNumber);
+    const auto month = static_cast<unsigned>(date.month());
+    return fmt::format("[Date].[All].[{}].[Q{}].[{}].[{}]", static_cast<int>(date.year()), (month + 2) / 3,
+                       month, static_cast<unsigned>(date.day()));
 }
 
 bool Holds(CodeRanges ranges, std::uint32_t code) {
@@ -169,7 +181,7 @@ protected:
     }
     static bool IsHelpedByRollups(const Ranges& ranges) {
         const std::vector<Restriction> restrictions = RestrictionsTo(ranges);
-        FactReading reading(Table(), restrictions, 0);
+        FactReading reading(Table(), 0);
         return PlanRollups(Table(), restrictions, 0, StripEnds::Nearest, reading);
     }
     static Expected SumOfFacts(const Ranges& ranges) {
@@ -237,6 +249,30 @@ TEST_F(RollupTest, TellsAnEmptyCellFromOneOfNothingInMostOfAMonth) {
     }
     EXPECT_GT(empty, 100);
     EXPECT_GT(nothing, 20);
+}
+
+/// A remembered plan reads what the statement did, long after the statement is gone.
+TEST_F(RollupTest, AreReadByRememberedPlans) {
+    PlanCache plans;
+    std::vector<std::string> statements;
+    std::vector<std::int64_t> expected;
+    for (std::uint32_t last = 40; last < codeCounts[day]; last += 97) {
+        const std::uint32_t count = 1 + last % 38, firm = last % 5;
+        statements.push_back(
+            fmt::format("WITH MEMBER [Date].Sel AS 'SUM(LastPeriods({},{}),[Measures].[Amount])' "
+                        "MEMBER [Firm].Sel AS 'SUM({{[Firm].[{}],[Firm].[{}]}})' "
+                        "SELECT {{[Date].Sel}} ON 0 FROM Rollups WHERE ([Firm].Sel)",
+                        count, MemberOfDay(last), firm, firm + 2));
+        expected.push_back(SumOfFacts(
+            {{{}, {}, {}, {{firm, firm + 1}, {firm + 2, firm + 3}}, {}, {{last + 1 - count, last + 1}}}})[0]);
+    }
+    for (int time = 0; time < 2; ++time) {
+        for (std::size_t i = 0; i < statements.size(); ++i) {
+            const CellValue cell = plans.Run(file_->Cubes()[0], statements[i]).Cell({0});
+            EXPECT_EQ(cell.scaled, expected[i]) << statements[i];
+        }
+        EXPECT_EQ(plans.Count(), statements.size());
+    }
 }
 
 TEST_F(RollupTest, AreMadeOfMembersOfOneName) {
