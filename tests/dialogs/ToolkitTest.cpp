@@ -313,6 +313,38 @@ TEST(Win32Dialog, TakesAClickThoughLeavingTheFieldBeforeShowsABox) {
     }
 }
 
+TEST(Win32Dialog, PressesNoButtonWhenLeavingTheFieldIsRefused) {
+    const auto leadBack = [](Dialog& dialog) { dialog.SetFocus("TxtCity"); };
+    const auto disable = [](Dialog& dialog) { dialog.SetEnabled("CmdAdd", false); };
+    const struct {
+        const char* what;
+        void (*refuse)(Dialog& dialog);
+        std::vector<const char*> pressed;
+        Texts told;
+    } cases[] = {
+        {"leads back to the field",
+         leadBack,
+         {"CmdAdd", "CmdOK"},
+         {"load", "leave TxtCity", "leave TxtCity", "click CmdOK"}},
+        {"disables the button", disable, {"CmdAdd", "CmdOK"}, {"load", "leave TxtCity", "click CmdOK"}},
+        {"a dialog is left all the same", leadBack, {"CmdCancel"}, {"load", "click CmdCancel"}},
+    };
+    for (const auto& c : cases) {
+        Bench bench;
+        int left = 0;
+        bench.log.onLeave = [&](std::string_view) {
+            if (left++ == 0)
+                c.refuse(*bench.dialog);
+        };
+        bench.Show([&](const Person& person) {
+            person.Key("TxtCity", VK_HOME);
+            for (const char* const button : c.pressed)
+                person.Click(button);
+        });
+        EXPECT_EQ(bench.log.told, c.told) << c.what;
+    }
+}
+
 TEST(Win32Dialog, TellsThatAFieldIsLeftWhenAPressEndsBesideTheButton) {
     Bench bench;
     bench.Show([](const Person& person) {

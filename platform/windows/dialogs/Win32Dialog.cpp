@@ -284,7 +284,13 @@ void Win32Dialog::OnPressed(DialogControl& control) {
         if (other->Search() != nullptr && control.Id() != IDCANCEL)
             other->Search()->Commit();
     }
+    const HWND focus = ::GetFocus();
     TellWaiting();
+    // A handler that refuses what was left in a field says why and leads back to it, or disables the button.
+    const bool isRefused = ::GetFocus() != focus || ::IsWindowEnabled(control.Window()) == FALSE;
+    const bool isCancel = control.Id() == IDCANCEL; // which needs nothing of the field
+    if (!frame_.IsRunning() || (control.Design().kind == ControlKind::Button && isRefused && !isCancel))
+        return;
     const WaitCursor wait;
     events_.OnClick(control.Design().name);
 }
