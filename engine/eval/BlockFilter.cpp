@@ -8,7 +8,7 @@ namespace qel::engine {
 
 BlockFilter::BlockFilter(const Restriction& restriction, const KeyColumn& column)
     : slot_(column.slot), width_(column.width), shift_(column.shift), bits_(column.Mask()) {
-    constexpr std::size_t fewRanges = 16; // are compared in less time than codes are looked up
+    const std::size_t fewRanges = 16U / width_; // are compared in less time than codes are looked up
     const auto spanOf = [&](KeyRange range) {
         return SlotSpan{range.first << shift_, (range.last - 1) << shift_};
     };

@@ -13,6 +13,7 @@ namespace qel::engine {
 /// Tests one slot of the facts, a block of rows at a time.
 class BlockFilter {
 public:
+    /// The restriction lets some code through.
     BlockFilter(const Restriction& restriction, const KeyColumn& column);
 
     std::size_t Slot() const { return slot_; }

@@ -22,7 +22,7 @@ std::size_t Cellset::AxisBytes() const {
     for (std::size_t axis = 0; axis < AxisCount(); ++axis) {
         bytes += sizeof(Axis);
         for (const std::vector<std::uint32_t>& position : (*axes_)[axis].positions) {
-            bytes += sizeof position + position.capacity() * sizeof(std::uint32_t);
+            bytes += sizeof(std::vector<std::uint32_t>) + position.capacity() * sizeof(std::uint32_t);
         }
         for (const AxisMember& member : (*axes_)[axis].members) {
             bytes += sizeof member;

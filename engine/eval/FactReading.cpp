@@ -125,7 +125,7 @@ FactReading PlanReading(const FactTable& facts, std::span<const Restriction> res
         !PlanRollups(facts, restrictions, measure, StripEnds::Nearest, reading)) {
         reading.AddScan(restrictions);
     }
-    if (reading.Subtracts()) {
+    if (reading.Subtracts() && facts.Measures()[measure].aggregate == Aggregate::Sum) {
         FactReading exact(facts, measure);
         PlanRollups(facts, restrictions, measure, StripEnds::Within, exact);
         reading.SetExact(std::move(exact));
@@ -134,7 +134,15 @@ FactReading PlanReading(const FactTable& facts, std::span<const Restriction> res
 }
 
 FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure) {
-    return PlanReading(facts, restrictions, measure).Sum();
+    FactReading reading(facts, measure);
+    if (AnyIsEmpty(restrictions)) {
+        return {};
+    }
+    if (facts.Rollups() == nullptr ||
+        !PlanRollups(facts, restrictions, measure, StripEnds::Within, reading)) {
+        reading.AddScan(restrictions);
+    }
+    return reading.Sum();
 }
 
 } // namespace qel::engine

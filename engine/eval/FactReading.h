@@ -56,15 +56,15 @@ private:
     std::size_t measure_;
     std::vector<Rows> rows_, subtracted_;
     std::vector<Strips> strips_;
-    std::shared_ptr<const FactReading> exact_; ///< not null when something is taken away
+    std::shared_ptr<const FactReading> exact_; ///< when a sum has something taken away
 };
 
 /// How to read the facts under all restrictions, of which there is at most one a key column: from rollups
-/// where these hold them.
+/// where these hold them. For reading them often.
 FactReading PlanReading(const FactTable& facts, std::span<const Restriction> restrictions,
                         std::size_t measure);
 
-/// The facts under all restrictions: how many, and the sum of the measure.
+/// The facts under all restrictions, read once: how many, and the sum of the measure.
 FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure);
 
 } // namespace qel::engine

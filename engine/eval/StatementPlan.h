@@ -17,6 +17,7 @@ public:
     /// `answer` is the statement's, `cell` what its cell reads. Raises EngineError (DamagedFile), as Run
     /// does.
     StatementPlan(const Cube& cube, Cellset answer, const FactCell& cell);
+    ~StatementPlan() = default;
     StatementPlan(const StatementPlan&) = delete;
     StatementPlan& operator=(const StatementPlan&) = delete;
 

@@ -46,7 +46,7 @@ void RollupLoader::ReadWord(ByteReader& in, const FactTable& facts, RollupTable&
         column.bits = in.Get<std::uint8_t>();
         if (column.column >= facts.KeyColumns().size() || column.column == table.timeColumn_ ||
             column.bits != facts.KeyColumns()[column.column].Bits() || column.shift < table.blockBits_ ||
-            column.shift + unsigned{column.bits} > end)
+            column.shift >= wordBits || column.shift + unsigned{column.bits} > end)
             Fail("the rollups' word is not well-formed");
         end = column.shift;
     }

@@ -3,6 +3,7 @@
 #include "engine/storage/CodeColumn.h"
 
 #include <fmt/format.h>
+#include <xxhash.h>
 
 #include <algorithm>
 #include <bit>
@@ -43,14 +44,17 @@ bool AreWellFormed(const CodeGroups& groups) {
     return true;
 }
 
-/// Facts added up by their word and their time; sums wrap around.
+/// Rows of a run, counted from its first.
+using RowPlaces = std::vector<std::size_t>;
+
+/// Facts added up by their word and their granule of time; sums wrap around.
 class FactTotals {
 public:
     explicit FactTotals(std::size_t measures) : sums_(measures) {}
 
-    /// The place of a word and a time, which is new with nothing in it.
-    std::size_t PlaceOf(std::uint32_t word, std::uint32_t time) {
-        const auto [found, isNew] = places_.emplace(std::uint64_t{word} << 32U | time, rows_.size());
+    /// The place of a word and a granule, which is new with nothing in it.
+    std::size_t PlaceOf(std::uint32_t word, std::uint32_t granule) {
+        const auto [found, isNew] = places_.try_emplace(std::uint64_t{word} << 32U | granule, rows_.size());
         if (isNew) {
             rows_.push_back(0);
             for (std::vector<std::uint64_t>& sums : sums_)
@@ -83,27 +87,51 @@ private:
     std::vector<std::vector<std::uint64_t>> sums_; ///< by measure
 };
 
+/// Facts one by one, in any order.
+struct FactContents {
+    std::uint64_t rows = 0, hashes = 0; ///< the hashes of all rows, added up
+
+    bool operator==(const FactContents&) const = default;
+};
+
 class RollupCheck {
 public:
     explicit RollupCheck(const FactTable& facts) : facts_(facts), rollups_(*facts.Rollups()) {}
 
-    std::string FaultOf(const Rollup& rollup) const {
-        if (rollups_.Find(rollup.key) != &rollup)
+    std::string FaultOf(const Rollup& stored) const {
+        if (rollups_.Find(stored.key) != &stored)
             return "its key does not find it";
+        const Rollup rollup = stored; // what is checked of it is relied on
         if (!IsOfColumns(rollup.key))
             return "its key has codes that do not exist";
-        FactTotals own(facts_.Measures().size());
-        const bool isRows = rollup.strips == 0;
-        if (isRows ? !AddRows(rollup, own) : !AddStrips(rollup, own))
-            return "its facts are not in order";
-        const FactTotals expected = TotalsOf(rollup.key, isRows);
-        const bool tellsRows = isRows || rollups_.HasCounts();
-        return own.Equals(expected, tellsRows) && rollup.rows == expected.RowCount()
-                   ? ""
-                   : "it differs from the facts";
+        return rollup.strips == 0 ? FaultOfRows(rollup) : FaultOfStrips(rollup);
     }
 
 private:
+    static constexpr const char* disorder = "its facts are not in order";
+    static constexpr const char* difference = "it differs from the facts";
+
+    std::string FaultOfRows(const Rollup& rollup) const {
+        FactContents own, expected;
+        if (!AddRows(rollup, own))
+            return disorder;
+        VisitFacts(rollup.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
+            AddContents(projection, run, rows, expected);
+        });
+        return own == expected ? "" : difference;
+    }
+
+    std::string FaultOfStrips(const Rollup& rollup) const {
+        FactTotals own(facts_.Measures().size()), expected(facts_.Measures().size());
+        if (!AddStrips(rollup, own))
+            return disorder;
+        VisitFacts(rollup.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
+            AddTotals(projection, run, rows, expected);
+        });
+        return own.Equals(expected, rollups_.HasCounts()) && rollup.rows == expected.RowCount() ? ""
+                                                                                                : difference;
+    }
+
     bool IsOfColumns(const RollupKey& key) const {
         const auto exists = [&](std::uint16_t column, const KeyRange& codes) {
             if (column == RollupKey::noColumn)
@@ -122,68 +150,87 @@ private:
     }
 
     std::vector<std::uint32_t> CodesAt(const Projection& projection, std::size_t column, RowRange run,
-                                       const std::vector<std::size_t>& rows) const {
-        const KeyColumn& key = facts_.KeyColumns()[column];
+                                       const RowPlaces& rows) const {
+        const std::vector<std::uint32_t> all = ReadCodes(facts_, projection, column, run);
         std::vector<std::uint32_t> codes;
         codes.reserve(rows.size());
-        if (!projection.HasSlot(key.slot)) {
-            for (const std::size_t row : rows)
-                codes.push_back(projection.LeadOf(run.first + row));
-            return codes;
-        }
-        const CodeColumn stored(projection.Slot(key.slot, run), key);
         for (const std::size_t row : rows)
-            codes.push_back(stored[row]);
+            codes.push_back(all[row]);
         return codes;
     }
+    std::vector<std::uint32_t> WordsAt(const Projection& projection, RowRange run,
+                                       const RowPlaces& rows) const {
+        std::vector<std::uint32_t> words(rows.size());
+        for (const RollupTable::WordColumn& word : rollups_.WordColumns()) {
+            const std::vector<std::uint32_t> codes = CodesAt(projection, word.column, run, rows);
+            for (std::size_t i = 0; i < rows.size(); ++i)
+                words[i] |= codes[i] << word.shift;
+        }
+        return words;
+    }
+    std::vector<std::uint32_t> TimesAt(const Projection& projection, RowRange run,
+                                       const RowPlaces& rows) const {
+        return rollups_.TimeColumn() ? CodesAt(projection, *rollups_.TimeColumn(), run, rows)
+                                     : std::vector<std::uint32_t>(rows.size());
+    }
+    /// Calls visit(measure, row, value) for the stored values; `row` counts the rows.
+    template <class Visit>
+    void VisitValues(const Projection& projection, RowRange run, const RowPlaces& rows,
+                     const Visit& visit) const {
+        for (std::size_t measure = 0; measure < facts_.Measures().size(); ++measure) {
+            const std::uint8_t width = facts_.Measures()[measure].width;
+            const std::byte* const values = width == 0 ? nullptr : projection.Values(measure, run);
+            for (std::size_t i = 0; values != nullptr && i < rows.size(); ++i)
+                visit(measure, i, static_cast<std::uint64_t>(SignedAt(values, width, rows[i])));
+        }
+    }
 
+    void AddContents(const Projection& projection, RowRange run, const RowPlaces& rows,
+                     FactContents& contents) const {
+        const auto words = WordsAt(projection, run, rows), times = TimesAt(projection, run, rows);
+        std::vector<std::uint64_t> hashes(rows.size());
+        for (std::size_t i = 0; i < rows.size(); ++i)
+            hashes[i] = Mixed(std::uint64_t{words[i]} << 32U | times[i]);
+        VisitValues(projection, run, rows, [&](std::size_t, std::size_t row, std::uint64_t value) {
+            hashes[row] = Mixed(hashes[row] ^ value);
+        });
+        contents.rows += rows.size();
+        contents.hashes = std::accumulate(hashes.begin(), hashes.end(), contents.hashes);
+    }
+    void AddTotals(const Projection& projection, RowRange run, const RowPlaces& rows,
+                   FactTotals& totals) const {
+        const auto words = WordsAt(projection, run, rows), times = TimesAt(projection, run, rows);
+        std::vector<std::size_t> places(rows.size());
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            places[i] = totals.PlaceOf(words[i], GranuleOf(times[i]));
+            totals.AddRows(places[i], 1);
+        }
+        VisitValues(projection, run, rows, [&](std::size_t measure, std::size_t row, std::uint64_t value) {
+            totals.AddValue(places[row], measure, value);
+        });
+    }
+    static std::uint64_t Mixed(std::uint64_t value) { return XXH3_64bits(&value, sizeof value); }
     std::uint32_t GranuleOf(std::uint32_t time) const {
         const auto granules = rollups_.Granules();
         const auto next = std::upper_bound(granules.begin(), granules.end(), time);
         return static_cast<std::uint32_t>(next - granules.begin()) - 1;
     }
 
-    /// Adds some rows of a run, by the times themselves or by granules.
-    void AddFacts(const Projection& projection, RowRange run, const std::vector<std::size_t>& rows,
-                  bool byTimes, FactTotals& totals) const {
-        std::vector<std::uint32_t> words(rows.size()), times(rows.size());
-        for (const RollupTable::WordColumn& word : rollups_.WordColumns()) {
-            const std::vector<std::uint32_t> codes = CodesAt(projection, word.column, run, rows);
-            for (std::size_t i = 0; i < rows.size(); ++i)
-                words[i] |= codes[i] << word.shift;
-        }
-        if (rollups_.TimeColumn())
-            times = CodesAt(projection, *rollups_.TimeColumn(), run, rows);
-        std::vector<std::size_t> places(rows.size());
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            places[i] = totals.PlaceOf(words[i], byTimes ? times[i] : GranuleOf(times[i]));
-            totals.AddRows(places[i], 1);
-        }
-        for (std::size_t measure = 0; measure < facts_.Measures().size(); ++measure) {
-            const std::uint8_t width = facts_.Measures()[measure].width;
-            const std::byte* const values = width == 0 ? nullptr : projection.Values(measure, run);
-            for (std::size_t i = 0; values != nullptr && i < rows.size(); ++i)
-                totals.AddValue(places[i], measure,
-                                static_cast<std::uint64_t>(SignedAt(values, width, rows[i])));
-        }
-    }
-
-    /// What the facts say.
-    FactTotals TotalsOf(const RollupKey& key, bool byTimes) const {
-        FactTotals totals(facts_.Measures().size());
+    /// Calls visit(projection, run, rows) until all facts under the key were among the rows.
+    template <class Visit>
+    void VisitFacts(const RollupKey& key, const Visit& visit) const {
         static constexpr KeyRange left{}; // out of the key
         const auto rangesOf = [&](std::uint16_t column, const KeyRange& codes) {
             return column == RollupKey::noColumn ? CodeRanges(&left, 1) : rollups_.Groups().Ranges(codes);
         };
         for (const KeyRange first : rangesOf(key.firstColumn, key.first)) {
             for (const KeyRange second : rangesOf(key.secondColumn, key.second))
-                AddFactsUnder({key.firstColumn, key.secondColumn, first, second}, byTimes, totals);
+                VisitFactsUnder({key.firstColumn, key.secondColumn, first, second}, visit);
         }
-        return totals;
     }
-
-    /// The facts under two ranges, from the sort order that one of their columns leads.
-    void AddFactsUnder(const RollupKey& key, bool byTimes, FactTotals& totals) const {
+    /// Of two ranges, from the sort order that one of their columns leads.
+    template <class Visit>
+    void VisitFactsUnder(const RollupKey& key, const Visit& visit) const {
         const Projection* projection = &facts_.Projections().front();
         RowRange run{0, facts_.RowCount()};
         for (const Projection& other : facts_.Projections()) {
@@ -196,42 +243,36 @@ private:
                 projection = &other;
             }
         }
-        VisitChunks(run, [&](RowRange chunk) { AddFactsOf(*projection, chunk, key, byTimes, totals); });
+        VisitChunks(run, [&](RowRange chunk) {
+            RowPlaces rows = AllOf(chunk);
+            Restrict(*projection, chunk, key.firstColumn, key.first, rows);
+            Restrict(*projection, chunk, key.secondColumn, key.second, rows);
+            visit(*projection, chunk, rows);
+        });
+    }
+    void Restrict(const Projection& projection, RowRange run, std::uint16_t column, KeyRange codes,
+                  RowPlaces& rows) const {
+        if (column == RollupKey::noColumn)
+            return;
+        const std::vector<std::uint32_t> all = ReadCodes(facts_, projection, column, run);
+        std::erase_if(rows,
+                      [&](std::size_t row) { return all[row] < codes.first || all[row] >= codes.last; });
     }
 
     /// Runs may be long, and a tampered file's longer than memory.
     template <class Visit>
     static void VisitChunks(RowRange run, const Visit& visit) {
-        constexpr std::uint64_t chunkRows = 1U << 16U;
+        constexpr std::uint64_t chunkRows = 1U << 14U;
         for (; run.first < run.last; run.first += chunkRows)
             visit(RowRange{run.first, std::min(run.last, run.first + chunkRows)});
     }
-    static std::vector<std::size_t> AllOf(RowRange run) {
-        std::vector<std::size_t> rows(run.Count());
+    static RowPlaces AllOf(RowRange run) {
+        RowPlaces rows(run.Count());
         std::iota(rows.begin(), rows.end(), std::size_t{0});
         return rows;
     }
 
-    void AddFactsOf(const Projection& projection, RowRange run, const RollupKey& key, bool byTimes,
-                    FactTotals& totals) const {
-        std::vector<std::size_t> rows = AllOf(run);
-        const auto restrict = [&](std::uint16_t column, KeyRange codes) {
-            if (column == RollupKey::noColumn)
-                return;
-            const std::vector<std::uint32_t> all = CodesAt(projection, column, run, rows);
-            std::vector<std::size_t> kept;
-            for (std::size_t i = 0; i < rows.size(); ++i) {
-                if (all[i] >= codes.first && all[i] < codes.last)
-                    kept.push_back(rows[i]);
-            }
-            rows = std::move(kept);
-        };
-        restrict(key.firstColumn, key.first);
-        restrict(key.secondColumn, key.second);
-        AddFacts(projection, run, rows, byTimes, totals);
-    }
-
-    bool AddRows(const Rollup& rollup, FactTotals& totals) const {
+    bool AddRows(const Rollup& rollup, FactContents& contents) const {
         const RowRange run{rollup.start, rollup.start + rollup.rows};
         const Projection& projection = rollups_.Rows();
         if (rollup.rows > facts_.RowCount() || run.last < run.first || run.last > projection.RowCount())
@@ -240,11 +281,10 @@ private:
         bool isSorted = true;
         std::uint32_t lead = 0;
         VisitChunks(run, [&](RowRange chunk) {
-            const std::vector<std::size_t> rows = AllOf(chunk);
-            AddFacts(projection, chunk, rows, true, totals);
+            AddContents(projection, chunk, AllOf(chunk), contents);
             if (words.empty())
                 return;
-            const auto codes = CodesAt(projection, words.front().column, chunk, rows);
+            const auto codes = ReadCodes(facts_, projection, words.front().column, chunk);
             isSorted = isSorted && lead <= codes.front() && std::is_sorted(codes.begin(), codes.end());
             lead = codes.back();
         });

@@ -7,7 +7,8 @@
 namespace qel::engine {
 
 /// The first fault among a cube's rollups, or an empty text: each must be found by its key, be in order, and
-/// have the sums of its facts for every word and period. Raises EngineError (DamagedFile) for a page that is not as it was written.
+/// have the sums of its facts for every word and period. Raises EngineError (DamagedFile) for a page that is
+/// not as it was written.
 std::string FindRollupFault(const Cube& cube);
 
 } // namespace qel::engine

@@ -326,6 +326,13 @@ TEST(Win32Dialog, PressesNoButtonWhenLeavingTheFieldIsRefused) {
          leadBack,
          {"CmdAdd", "CmdOK"},
          {"load", "leave TxtCity", "leave TxtCity", "click CmdOK"}},
+        {"disables the button for a while",
+         [](Dialog& dialog) {
+             dialog.SetEnabled("CmdAdd", false);
+             dialog.SetEnabled("CmdAdd", true);
+         },
+         {"CmdAdd", "CmdOK"},
+         {"load", "leave TxtCity", "click CmdAdd", "click CmdOK"}},
         {"disables the button", disable, {"CmdAdd", "CmdOK"}, {"load", "leave TxtCity", "click CmdOK"}},
         {"a dialog is left all the same", leadBack, {"CmdCancel"}, {"load", "click CmdCancel"}},
     };

@@ -284,10 +284,8 @@ void Win32Dialog::OnPressed(DialogControl& control) {
         if (other->Search() != nullptr && control.Id() != IDCANCEL)
             other->Search()->Commit();
     }
-    const HWND focus = ::GetFocus();
-    TellWaiting();
     // A handler that refuses what was left in a field says why and leads back to it, or disables the button.
-    const bool isRefused = ::GetFocus() != focus || ::IsWindowEnabled(control.Window()) == FALSE;
+    const bool isRefused = !TellWaiting() || ::IsWindowEnabled(control.Window()) == FALSE;
     const bool isCancel = control.Id() == IDCANCEL; // which needs nothing of the field
     if (!frame_.IsRunning() || (control.Design().kind == ControlKind::Button && isRefused && !isCancel))
         return;
@@ -332,16 +330,20 @@ bool Win32Dialog::IsButtonHeld() const {
            });
 }
 
-void Win32Dialog::TellWaiting() {
+bool Win32Dialog::TellWaiting() {
+    bool areLeft = true;
     // Handlers may show message boxes, which pump messages: each event is told once.
     while (!waiting_.empty()) {
         const Waiting next = waiting_.front();
         waiting_.erase(waiting_.begin());
         if (next.kind == Waiting::Kind::Change)
             events_.OnChange(next.control->Design().name);
-        else if (HasLeft(*next.control))
+        else if (HasLeft(*next.control)) {
             events_.OnLeave(next.control->Design().name);
+            areLeft = areLeft && !HasFocus(*next.control);
+        }
     }
+    return areLeft;
 }
 
 bool Win32Dialog::HasLeft(const DialogControl& control) const {

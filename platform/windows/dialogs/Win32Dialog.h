@@ -61,7 +61,8 @@ private:
     void Wait(Waiting::Kind kind, DialogControl& control);
     void TellWaitingWhenReleased();
     bool IsButtonHeld() const;
-    void TellWaiting();
+    /// False when a handler led back to a field that was left.
+    bool TellWaiting();
     bool HasLeft(const DialogControl& control) const;
 
     const FormDesign& design_;

@@ -355,6 +355,13 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "the rollups' word"},
         {"a word column beyond the word", [](auto& c) { c.rollups.wordColumns[0].shift = 32; },
          "the rollups' word"},
+        {"a word column of no bits beyond the word",
+         [](auto& c) {
+             c.model.keyColumns.push_back({"one", 1, 1, 2, 0});
+             c.keys[0].push_back({0, 0, 0}), c.keys[1].push_back({0, 0, 0});
+             c.rollups.wordColumns = {{2, 32, 0}, {1, 0, 1}};
+         },
+         "the rollups' word"},
         {"word columns on the same bits",
          [](auto& c) {
              c.rollups.wordColumns.push_back({1, 0, 1});
@@ -400,6 +407,29 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "rollup 1: it differs from the facts"},
         {"sums of other words", [](auto& c) { std::swap(c.rollups.sums[0][0], c.rollups.sums[0][1]); },
          "rollup 1: it differs from the facts"},
+        {"sums of other periods",
+         [](auto& c) {
+             c.SumByAccounts();
+             c.rollups.sums[0][0] = -7;
+         },
+         "rollup 1: it differs from the facts"},
+        {"periods of other facts",
+         [](auto& c) {
+             c.SumByAccounts();
+             c.rollups.stripPeriods[1] = 1;
+         },
+         "rollup 1: it differs from the facts"},
+        {"rows that nothing stores, more than the cube has",
+         [](auto& c) {
+             c.model.measures = {{"Lines", "Lines", Aggregate::Count, 0, 0, 1}};
+             c.rollups = RollupModel();
+             c.rollups.granules = {0, 1};
+             c.rollups.records = {{{}, 0, 0, std::uint64_t{1} << 40U}};
+             c.rollups.rows = std::uint64_t{1} << 40U;
+             c.rollups.sums = {{}};
+             c.rollups.stripEntries = {0};
+         },
+         "rollup 1: its facts are not in order"},
         {"rollup rows of another word",
          [](auto& c) {
              c.rollupFirms = {0, 0};
@@ -471,6 +501,14 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         cube.Write(folder.Path("bad.cub"));
         EXPECT_THAT(OpenFault(folder.Path("bad.cub")), HasSubstr(test.fault)) << test.what;
     }
+}
+
+TEST(CubeFile, HasRollupsByPeriods) {
+    const TemporaryFolder folder;
+    SmallCube cube;
+    cube.SumByAccounts();
+    cube.Write(folder.Path("periods.cub"));
+    EXPECT_EQ(OpenFault(folder.Path("periods.cub")), "no fault");
 }
 
 /// Rollups are optional: a file without them gives the same facts.

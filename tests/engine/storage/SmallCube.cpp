@@ -71,6 +71,19 @@ SmallCube::SmallCube() {
     rollupValues = {-7, 9};
 }
 
+void SmallCube::SumByAccounts() {
+    rollups.timeColumn = 0;
+    rollups.granules = {0, 1, 2};
+    rollups.records.resize(1);
+    rollups.rows = 0;
+    rollups.stripPeriods = {3, 2};
+    rollups.stripEntries = {0, 2, 3};
+    rollups.sums = {{5, -2, 9}, {}};
+    rollups.counts = {1, 2, 1};
+    rollupFirms.clear();
+    rollupValues.clear();
+}
+
 void SmallCube::AddTo(CubeFileWriter& writer) const {
     const std::uint32_t cube = writer.AddCube(model);
     for (std::size_t order = 0; order < std::min(keys.size(), model.projections.size()); ++order) {
@@ -93,6 +106,10 @@ void SmallCube::AddTo(CubeFileWriter& writer) const {
     writer.Begin({static_cast<std::uint32_t>(SectionKind::RollupSlots), cube, 0, 1});
     writer.Append(std::as_bytes(std::span(rollupFirms)));
     writer.End();
+    if (rollups.timeColumn) {
+        writer.Begin({static_cast<std::uint32_t>(SectionKind::RollupSlots), cube, 0, 0});
+        writer.End();
+    }
     writer.Begin({static_cast<std::uint32_t>(SectionKind::RollupValues), cube, 0, 0});
     writer.Append(std::as_bytes(std::span(rollupValues)));
     writer.End();

@@ -23,6 +23,8 @@ struct SmallCube {
     bool hasRollups = true;
 
     SmallCube();
+    /// Lets the accounts be the rollups' time, of two granules, and the strips be the only rollup.
+    void SumByAccounts();
     HierarchyModel& Accounts() { return model.dimensions[0].hierarchies[0]; }
     /// Adds this cube and its facts to a file of several.
     void AddTo(CubeFileWriter& writer) const;
