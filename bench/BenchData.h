@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/ledger/reference/Selection.h"
+#include "examples/ledger/reference/Selection.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/ledger/reference/RandomSelections.h"
+#include "examples/ledger/reference/RandomSelections.h"
 
 #include <vector>
 

@@ -1,7 +1,7 @@
 #include "bench/SqlitePeer.h"
 
-#include "tests/ledger/reference/LedgerDatabase.h"
-#include "tests/ledger/reference/PlainSums.h"
+#include "examples/ledger/reference/LedgerDatabase.h"
+#include "examples/ledger/reference/PlainSums.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "tests/ledger/reference/Selection.h"
-#include "tests/ledger/reference/Sqlite.h"
+#include "examples/ledger/reference/Selection.h"
+#include "examples/ledger/reference/Sqlite.h"
 
 #include <filesystem>
 #include <string>

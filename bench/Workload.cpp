@@ -3,7 +3,7 @@
 #include "bench/RecordingDataAccess.h"
 #include "engine/eval/StatementPlan.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/ledger/reference/FormulaCell.h"
+#include "examples/ledger/reference/FormulaCell.h"
 
 #include <algorithm>
 #include <chrono>

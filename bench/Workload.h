@@ -2,7 +2,7 @@
 
 #include "bench/BenchData.h"
 #include "bench/Timings.h"
-#include "tests/ledger/reference/Selection.h"
+#include "examples/ledger/reference/Selection.h"
 
 #include <string>
 #include <vector>

@@ -26,6 +26,17 @@ QEL_INLINE void Between(const std::byte* slots, std::size_t count, std::uint32_t
     }
 }
 
+template <class Join>
+QEL_INLINE void Between(SlotBlock slots, std::uint32_t bits, SlotSpan span, const Join& join) {
+    if (slots.width == 1) {
+        Between<std::uint8_t>(slots.data, slots.count, bits, span, join);
+    } else if (slots.width == 2) {
+        Between<std::uint16_t>(slots.data, slots.count, bits, span, join);
+    } else {
+        Between<std::uint32_t>(slots.data, slots.count, bits, span, join);
+    }
+}
+
 template <class Amount>
 QEL_INLINE std::uint64_t SumAll(const std::byte* values, std::size_t count) {
     std::uint64_t sum = 0;
@@ -78,14 +89,7 @@ QEL_INLINE std::uint64_t SumBlock(const std::byte* values, std::size_t count, co
 QEL_VECTORISED
 void KeepBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask) {
     std::uint8_t* const kept = mask.data();
-    const auto join = [kept](std::size_t i, std::uint8_t isIn) { kept[i] &= isIn; };
-    if (slots.width == 1) {
-        Between<std::uint8_t>(slots.data, slots.count, bits, span, join);
-    } else if (slots.width == 2) {
-        Between<std::uint16_t>(slots.data, slots.count, bits, span, join);
-    } else {
-        Between<std::uint32_t>(slots.data, slots.count, bits, span, join);
-    }
+    Between(slots, bits, span, [kept](std::size_t i, std::uint8_t isIn) { kept[i] &= isIn; });
 }
 
 QEL_VECTORISED
@@ -95,15 +99,8 @@ void KeepBetweenAny(SlotBlock slots, std::uint32_t bits, std::span<const SlotSpa
     for (std::size_t i = 0; i < slots.count; ++i) {
         found[i] = 0;
     }
-    const auto join = [found](std::size_t i, std::uint8_t isIn) { found[i] |= isIn; };
     for (const SlotSpan span : spans) {
-        if (slots.width == 1) {
-            Between<std::uint8_t>(slots.data, slots.count, bits, span, join);
-        } else if (slots.width == 2) {
-            Between<std::uint16_t>(slots.data, slots.count, bits, span, join);
-        } else {
-            Between<std::uint32_t>(slots.data, slots.count, bits, span, join);
-        }
+        Between(slots, bits, span, [found](std::size_t i, std::uint8_t isIn) { found[i] |= isIn; });
     }
     for (std::size_t i = 0; i < slots.count; ++i) {
         mask[i] &= found[i];

@@ -1,9 +1,9 @@
 #include "engine/build/BuildCube.h"
+#include "examples/ledger/reference/FormulaCell.h"
+#include "examples/ledger/reference/LedgerDatabase.h"
+#include "examples/ledger/reference/PlainSums.h"
+#include "examples/ledger/reference/RandomSelections.h"
 #include "tests/TemporaryFolder.h"
-#include "tests/ledger/reference/FormulaCell.h"
-#include "tests/ledger/reference/LedgerDatabase.h"
-#include "tests/ledger/reference/PlainSums.h"
-#include "tests/ledger/reference/RandomSelections.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "cube/MemberListing.h"
 #include "cube/MemberName.h"
+#include "examples/ledger/reference/FormulaCell.h"
+#include "examples/ledger/reference/LedgerDatabase.h"
+#include "examples/ledger/reference/RandomSelections.h"
 #include "platform/AutomationError.h"
-#include "tests/ledger/reference/FormulaCell.h"
-#include "tests/ledger/reference/LedgerDatabase.h"
-#include "tests/ledger/reference/RandomSelections.h"
 #include "tests/xmla/ServedLedger.h"
 
 #include <fmt/format.h>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "examples/ledger/Random.h"
-#include "tests/ledger/reference/Selection.h"
-#include "tests/ledger/reference/Sqlite.h"
+#include "examples/ledger/reference/Selection.h"
+#include "examples/ledger/reference/Sqlite.h"
 
 #include <array>
 #include <cstddef>

@@ -1,4 +1,4 @@
-#include "tests/ledger/reference/RandomSelections.h"
+#include "examples/ledger/reference/RandomSelections.h"
 
 #include <fmt/format.h>
 

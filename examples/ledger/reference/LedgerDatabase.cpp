@@ -1,4 +1,4 @@
-#include "tests/ledger/reference/LedgerDatabase.h"
+#include "examples/ledger/reference/LedgerDatabase.h"
 
 #include <csv.h>
 #include <fmt/format.h>

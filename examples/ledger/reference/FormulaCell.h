@@ -1,9 +1,9 @@
 #pragma once
 
 #include "examples/ledger/Random.h"
+#include "examples/ledger/reference/Selection.h"
 #include "function/OrmQelFunction.h"
 #include "platform/local/LocalDataAccess.h"
-#include "tests/ledger/reference/Selection.h"
 
 #include <memory>
 #include <string>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/ledger/reference/Sqlite.h"
+#include "examples/ledger/reference/Sqlite.h"
 
 #include <filesystem>
 

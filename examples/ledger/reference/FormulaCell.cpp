@@ -1,4 +1,4 @@
-#include "tests/ledger/reference/FormulaCell.h"
+#include "examples/ledger/reference/FormulaCell.h"
 
 #include <array>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "tests/ledger/reference/Selection.h"
+#include "examples/ledger/reference/Selection.h"
 
 #include <fmt/format.h>
 

@@ -1,4 +1,4 @@
-#include "tests/ledger/reference/PlainSums.h"
+#include "examples/ledger/reference/PlainSums.h"
 
 #include <fmt/format.h>
 

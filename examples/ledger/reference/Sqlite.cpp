@@ -1,4 +1,4 @@
-#include "tests/ledger/reference/Sqlite.h"
+#include "examples/ledger/reference/Sqlite.h"
 
 #include <fmt/format.h>
 #include <sqlite3.h>
