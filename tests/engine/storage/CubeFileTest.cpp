@@ -204,6 +204,13 @@ TEST(CubeFile, FactPagesAreCheckedWhenTheyAreRead) {
 }
 
 /// Contents that contradict themselves below right checksums: what a faulty or hostile writer would make.
+template <class Element, class... Numbers>
+void Set(std::vector<Element>& list, Numbers... numbers) {
+    list = {static_cast<Element>(numbers)...};
+}
+
+void Set(KeyRange& range, std::uint32_t first, std::uint32_t last) { range = {first, last}; }
+
 TEST(CubeFile, InconsistentContentsAreFound) {
     struct Case {
         const char* what;
@@ -250,16 +257,8 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.hasRollups = false;
          },
          "more facts than there can be"},
-        {"lead rows descend",
-         [](auto& c) {
-             c.model.projections[0].leadRows = {0, 4, 3};
-         },
-         "row numbers"},
-        {"a lead row too few",
-         [](auto& c) {
-             c.model.projections[0].leadRows = {0, 3};
-         },
-         "row numbers"},
+        {"lead rows descend", [](auto& c) { Set(c.model.projections[0].leadRows, 0, 4, 3); }, "row numbers"},
+        {"a lead row too few", [](auto& c) { Set(c.model.projections[0].leadRows, 0, 3); }, "row numbers"},
         {"key column of a hierarchy", [](auto& c) { c.Accounts().keyColumn = 2; },
          "key column that does not exist"},
         {"default member", [](auto& c) { c.Accounts().defaultMember = 4; },
@@ -281,29 +280,15 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         {"offsets beyond the text", [](auto& c) { c.Accounts().keys.bytes.pop_back(); }, "members' texts"},
         {"a parent of its own", [](auto& c) { c.Accounts().parents[1] = 1; }, "tree of [Accounts].[Tree]"},
         {"a top member with a parent", [](auto& c) { c.Accounts().parents[0] = 0; }, "tree of"},
-        {"a parent of another level",
-         [](auto& c) {
-             c.Accounts().firstChild = {1, 2, 3, 4, 4};
-         },
+        {"a parent of another level", [](auto& c) { Set(c.Accounts().firstChild, 1, 2, 3, 4, 4); },
          "tree of"},
-        {"children beyond the level",
-         [](auto& c) {
-             c.Accounts().firstChild = {1, 4, 4, 4, 4};
-         },
+        {"children beyond the level", [](auto& c) { Set(c.Accounts().firstChild, 1, 4, 4, 4, 4); },
          "tree of"},
-        {"children too few",
-         [](auto& c) {
-             c.Accounts().firstChild = {1, 2, 4};
-         },
-         "tree of"},
+        {"children too few", [](auto& c) { Set(c.Accounts().firstChild, 1, 2, 4); }, "tree of"},
         {"children beyond all", [](auto& c) { c.Accounts().firstChild.back() = 5; }, "tree of"},
         {"a code out of range", [](auto& c) { c.Accounts().ranges[1].last = 3; },
          "keys of [Accounts].[Tree]"},
-        {"an empty range",
-         [](auto& c) {
-             c.Accounts().ranges[2] = {0, 0};
-         },
-         "keys of"},
+        {"an empty range", [](auto& c) { Set(c.Accounts().ranges[2], 0, 0); }, "keys of"},
         {"ranges that touch",
          [](auto& c) {
              c.Accounts().ranges.insert(c.Accounts().ranges.begin(), {0, 1});
@@ -311,11 +296,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.Accounts().rangeOffsets = {0, 2, 3, 4, 5};
          },
          "keys of"},
-        {"range places descend",
-         [](auto& c) {
-             c.Accounts().rangeOffsets = {0, 2, 1, 3, 4};
-         },
-         "keys of"},
+        {"range places descend", [](auto& c) { Set(c.Accounts().rangeOffsets, 0, 2, 1, 3, 4); }, "keys of"},
         {"a column too short", [](auto& c) { c.keys[1][0].pop_back(); },
          "a column of facts has the wrong length"},
         {"a column missing", [](auto& c) { c.keys[0].pop_back(); }, "section 49 of cube 0 is missing"},
@@ -330,22 +311,13 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          },
          "key column firm has a code out of range"},
         {"a fact with other bits", [](auto& c) { c.keys[0][1][2] = 2; }, "a slot has bits of no key column"},
-        {"facts not in order",
-         [](auto& c) {
-             c.keys[0][1] = {0, 1, 0};
-         },
+        {"facts not in order", [](auto& c) { Set(c.keys[0][1], 0, 1, 0); },
          "sort order 1: the facts are not in their"},
-        {"a fact under another lead",
-         [](auto& c) {
-             c.model.projections[0].leadRows = {0, 2, 3};
-         },
+        {"a fact under another lead", [](auto& c) { Set(c.model.projections[0].leadRows, 0, 2, 3); },
          "sort orders 1 and 2 hold different facts"},
         {"orders that differ", [](auto& c) { c.values[1][0] = 8; },
          "sort orders 1 and 2 hold different facts"},
-        {"a child's code its parent lacks",
-         [](auto& c) {
-             c.Accounts().ranges[1] = {0, 1};
-         },
+        {"a child's code its parent lacks", [](auto& c) { Set(c.Accounts().ranges[1], 0, 1); },
          "parent lacks some"},
         {"rollups by a time that does not exist", [](auto& c) { c.rollups.timeColumn = 2; },
          "the rollups' time"},
@@ -368,10 +340,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          },
          "the rollups' word"},
         {"no periods", [](auto& c) { c.rollups.granules.clear(); }, "the rollups' periods"},
-        {"periods that do not end with time",
-         [](auto& c) {
-             c.rollups.granules = {0, 2};
-         },
+        {"periods that do not end with time", [](auto& c) { Set(c.rollups.granules, 0, 2); },
          "the rollups' periods"},
         {"more periods than blocks have",
          [](auto& c) {
@@ -391,17 +360,11 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "rollup 2: its facts are not in order"},
         {"a rollup beyond the strips", [](auto& c) { c.rollups.records[0].strips = 3; },
          "lie outside a section"},
-        {"strips that descend",
-         [](auto& c) {
-             c.rollups.stripWords = {1, 0};
-         },
+        {"strips that descend", [](auto& c) { Set(c.rollups.stripWords, 1, 0); },
          "rollup 1: its facts are not in order"},
         {"a strip of other periods", [](auto& c) { c.rollups.stripPeriods[0] = 3; },
          "rollup 1: its facts are not in order"},
-        {"rollup rows that descend",
-         [](auto& c) {
-             c.rollupFirms = {1, 0};
-         },
+        {"rollup rows that descend", [](auto& c) { Set(c.rollupFirms, 1, 0); },
          "rollup 2: its facts are not in order"},
         {"a sum that differs", [](auto& c) { c.rollups.sums[0][1] = 8; },
          "rollup 1: it differs from the facts"},
@@ -430,10 +393,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.rollups.stripEntries = {0};
          },
          "rollup 1: its facts are not in order"},
-        {"rollup rows of another word",
-         [](auto& c) {
-             c.rollupFirms = {0, 0};
-         },
+        {"rollup rows of another word", [](auto& c) { Set(c.rollupFirms, 0, 0); },
          "rollup 2: it differs from the facts"},
         {"a granule that does not exist", [](auto& c) { c.rollups.stripPeriods[0] = 2; },
          "rollup 1: its facts are not in order"},
@@ -455,11 +415,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "rollup 2: it differs from the facts"},
         {"a rollup of no column", [](auto& c) { c.rollups.records[1].key.firstColumn = 2; },
          "rollup 2: its key has codes that do not exist"},
-        {"groups without an end",
-         [](auto& c) {
-             c.rollups.groupPlaces = {0, 2};
-         },
-         "the groups of codes"},
+        {"groups without an end", [](auto& c) { Set(c.rollups.groupPlaces, 0, 2); }, "the groups of codes"},
         {"groups that overlap",
          [](auto& c) {
              c.rollups.groupPlaces = {0, 2, 1};
@@ -474,9 +430,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          },
          "the groups of codes are not in order"},
         {"a rollup of a group that does not exist",
-         [](auto& c) {
-             c.rollups.records[1].key.first = {0, 0};
-         },
+         [](auto& c) { Set(c.rollups.records[1].key.first, 0, 0); },
          "rollup 2: its key has codes that do not exist"},
         {"a rollup of a group beyond the codes",
          [](auto& c) {
@@ -485,10 +439,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.rollups.records[1].key.first = {0, 0};
          },
          "rollup 2: its key has codes that do not exist"},
-        {"a rollup of another member's facts",
-         [](auto& c) {
-             c.rollups.records[1].key.first = {0, 1};
-         },
+        {"a rollup of another member's facts", [](auto& c) { Set(c.rollups.records[1].key.first, 0, 1); },
          "rollup 2: it differs from the facts"},
         {"two rollups of one key", [](auto& c) { c.rollups.records[1].key = {}; },
          "its key does not find it"},
