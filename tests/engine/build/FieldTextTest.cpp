@@ -15,11 +15,10 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
     swiss.thousands = '\'';
     french.decimal = ',';
     french.thousands = ' ';
-    constexpr auto no = std::optional<std::int64_t>();
     struct Case {
         const char* text;
         const CsvFormat& format;
-        std::optional<std::int64_t> cents;
+        std::int64_t cents;
     };
     const Case cases[] = {
         {"", plain, 0},
@@ -29,35 +28,17 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
         {"12.5", plain, 1250},
         {"12.50", plain, 1250},
         {"12.5000", plain, 1250}, // zeros lose nothing
-        {"12.505", plain, no},
         {".5", plain, 50},
         {"5.", plain, 500},
-        {".", plain, no},
-        {"-", plain, no},
         {"-12.34", plain, -1234},
         {"12.34-", plain, -1234},
         {"- 12.34", plain, -1234},
         {"(12.34)", plain, -1234},
         {"( 12.34 )", plain, -1234},
         {"+1", plain, 100},
-        {"--1", plain, no},
-        {"-1-", plain, no},
-        {"(-1)", plain, no},
-        {"(1", plain, no},
-        {"1)", plain, no},
-        {"()", plain, no},
-        {"1e5", plain, no},
-        {"1.2.3", plain, no},
-        {"1,234.50", plain, no}, // no thousands sign was declared
-        {"12 abc", plain, no},
         {"1,234.50", english, 123450},
         {"1,234,567", english, 123456700},
         {"1234567.1", english, 123456710},
-        {"1,5", english, no}, // a decimal comma where a thousands comma is expected
-        {"1,2345", english, no},
-        {",123", english, no},
-        {"1234,567", english, no},
-        {"1,234,", english, no},
         {"1.234,50", german, 123450},
         {"-0,01", german, -1},
         {"1'234.50", swiss, 123450},
@@ -75,14 +56,24 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
          "5",
          plain, -500},
         {"\xE2\x80\x8E-5\xE2\x80\x8F", plain, -500}, // marks of direction
-        {"\xD7\x90", plain, no},
         {"92233720368547758.07", plain, 9223372036854775807},
         {"-92233720368547758.07", plain, -9223372036854775807},
-        {"92233720368547758.08", plain, no},
-        {"99999999999999999999", plain, no},
     };
     for (const Case& test : cases)
         EXPECT_EQ(ParseAmount(test.text, test.format, 2).value, test.cents) << "\"" << test.text << "\"";
+    const struct {
+        const CsvFormat& format;
+        std::vector<const char*> texts;
+    } refused[] = {
+        {plain,
+         {"12.505", ".", "-", "--1", "-1-", "(-1)", "(1", "1)", "()", "1e5", "1.2.3", "1,234.50", "12 abc",
+          "\xD7\x90", "92233720368547758.08", "99999999999999999999"}},
+        {english, {"1,5", "1,2345", ",123", "1234,567", "1,234,"}},
+    };
+    for (const auto& c : refused) {
+        for (const char* const text : c.texts)
+            EXPECT_EQ(ParseAmount(text, c.format, 2).value, std::nullopt) << "\"" << text << "\"";
+    }
     EXPECT_EQ(ParseAmount("7", plain, 0).value, 7);
     EXPECT_EQ(ParseAmount("0.123456789", plain, 9).value, 123456789);
     EXPECT_TRUE(ParseAmount("92233720368547758.08", plain, 2).isTooLarge);
@@ -94,7 +85,7 @@ TEST(DateText, ReadsTheDeclaredOrderAndIso) {
     struct Case {
         const char* text;
         DateFormat format;
-        const char* day; ///< empty: not a date
+        const char* day;
     };
     const Case cases[] = {
         {"2024-03-31", Iso, "2024-03-31"},
@@ -106,39 +97,35 @@ TEST(DateText, ReadsTheDeclaredOrderAndIso) {
         {"2024-03", Iso, "2024-03-01"},
         {"2024-03-31T23:59:59Z", Iso, "2024-03-31"},
         {"2024-03-31 00:00:00.000", Iso, "2024-03-31"},
-        {"2024-03-31 noon", Iso, ""},
-        {"2024-02-30", Iso, ""},
-        {"2024-13-01", Iso, ""},
-        {"2024-00-01", Iso, ""},
-        {"31-12-24", Iso, ""}, // must not become a day of 1931
-        {"31/12/2024", Iso, ""},
-        {"0099-01-01", Iso, ""},
         {"9999-12-31", Iso, "9999-12-31"},
-        {"", Iso, ""},
-        {"2024", Iso, ""},
-        {"2024-", Iso, ""},
-        {"2024-03-31-", Iso, ""},
-        {"2024--31", Iso, ""},
-        {"+2024-03-31", Iso, ""},
         {"31/12/2024", DayMonthYear, "2024-12-31"},
         {"1.2.2024", DayMonthYear, "2024-02-01"},
         {"1 2 2024", DayMonthYear, "2024-02-01"},
         {"31/12/2024 10:30", DayMonthYear, "2024-12-31"},
-        {"29/02/2023", DayMonthYear, ""},
-        {"12/31/2024", DayMonthYear, ""},
         {"2024-12-31", DayMonthYear, "2024-12-31"},
         {"31/12/29", DayMonthYear, "2029-12-31"},
         {"31/12/30", DayMonthYear, "1930-12-31"},
-        {"31/12/024", DayMonthYear, ""},
         {"03/2024", DayMonthYear, "2024-03-01"},
         {"12/31/2024", MonthDayYear, "2024-12-31"},
-        {"31/12/2024", MonthDayYear, ""},
         {"24/12/31", YearMonthDay, "2024-12-31"},
-        {"Q1 2024", DayMonthYear, ""},
     };
     for (const Case& test : cases) {
         const auto day = ParseDate(test.text, test.format);
         EXPECT_EQ(day ? FormatDate(*day) : "", test.day) << "\"" << test.text << "\"";
+    }
+    const struct {
+        DateFormat format;
+        std::vector<const char*> texts;
+    } refused[] = {
+        {Iso,
+         {"2024-03-31 noon", "2024-02-30", "2024-13-01", "2024-00-01", "31-12-24", "31/12/2024", "0099-01-01",
+          "", "2024", "2024-", "2024-03-31-", "2024--31", "+2024-03-31"}},
+        {DayMonthYear, {"29/02/2023", "12/31/2024", "31/12/024", "Q1 2024"}},
+        {MonthDayYear, {"31/12/2024"}},
+    };
+    for (const auto& c : refused) {
+        for (const char* const text : c.texts)
+            EXPECT_FALSE(ParseDate(text, c.format)) << "\"" << text << "\"";
     }
 }
 
