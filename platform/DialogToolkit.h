@@ -28,6 +28,9 @@ enum class ControlKind : std::uint8_t {
     FileDialog ///< takes no place on the form; AskForFile shows it
 };
 
+/// What the form's own code and the language table call a control of that kind.
+std::string TypeNameOf(ControlKind kind);
+
 /// In dialog units: horizontally a quarter of an average character's width of the dialog's font, vertically
 /// an eighth of its height. Left is measured from the side where reading starts.
 struct Place {

@@ -137,29 +137,7 @@ std::vector<FormControl*> DialogDouble::Controls() const {
     return controls;
 }
 
-std::string DialogDouble::Control::TypeName() const {
-    switch (design->kind) {
-    case ControlKind::Label:
-        return "Label";
-    case ControlKind::TextBox:
-        return "TextBox";
-    case ControlKind::Button:
-        return "CommandButton";
-    case ControlKind::CheckBox:
-        return "CheckBox";
-    case ControlKind::ComboBox:
-        return "ComboBox";
-    case ControlKind::BoundList:
-        return "DataCombo";
-    case ControlKind::ListBox:
-        return "ListBox";
-    case ControlKind::Line:
-        return "Line";
-    case ControlKind::FileDialog:
-        return "CommonDialog";
-    }
-    return {};
-}
+std::string DialogDouble::Control::TypeName() const { return TypeNameOf(design->kind); }
 
 std::string DialogDouble::Control::GetText(TextProperty property) const {
     if (property == TextProperty::Tag)

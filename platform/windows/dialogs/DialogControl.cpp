@@ -193,29 +193,7 @@ void DialogControl::SetText(TextProperty property, const std::string& text) {
     ShowCaption();
 }
 
-std::string DialogControl::TypeName() const {
-    switch (design_.kind) {
-    case ControlKind::Label:
-        return "Label";
-    case ControlKind::TextBox:
-        return "TextBox";
-    case ControlKind::Button:
-        return "CommandButton";
-    case ControlKind::CheckBox:
-        return "CheckBox";
-    case ControlKind::ComboBox:
-        return "ComboBox";
-    case ControlKind::BoundList:
-        return "DataCombo";
-    case ControlKind::ListBox:
-        return "ListBox";
-    case ControlKind::Line:
-        return "Line";
-    case ControlKind::FileDialog:
-        return "CommonDialog";
-    }
-    return {};
-}
+std::string DialogControl::TypeName() const { return TypeNameOf(design_.kind); }
 
 void DialogControl::SetAligment(std::int32_t aligment) {
     if (design_.kind != ControlKind::Label)
