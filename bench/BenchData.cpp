@@ -27,7 +27,7 @@ void Generate(const std::filesystem::path& folder, std::uint64_t rows, std::uint
     for (const ledger::DimensionTable& table : wide.Tables()) {
         ledger::WriteTable(folder, table);
     }
-    ledger::WriteDefinition(folder);
+    ledger::WriteDefinition(folder, ledger::WideLedger::obsLevels);
 }
 
 void Build(const std::filesystem::path& definition, const std::filesystem::path& output) {

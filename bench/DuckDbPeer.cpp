@@ -107,8 +107,6 @@ DuckDbPeer::DuckDbPeer(const std::filesystem::path& library, SqlitePeer& source)
          "money_set, "
          "amount, quantity FROM facts ORDER BY account, obs, day",
          13);
-    library_->Query("CREATE TABLE obs_units (unit USMALLINT, obs USMALLINT)");
-    Copy(source, "obs_units", "SELECT unit, obs FROM obs_units", 2);
 }
 
 DuckDbPeer::~DuckDbPeer() = default;

@@ -1,77 +1,121 @@
 #include "bench/FormulaMix.h"
 
+#include "examples/ledger/WideLedger.h"
+
 #include <algorithm>
 #include <chrono>
 
 namespace qel::bench {
 namespace {
 
+using ledger::Random;
 using ledger::SelectionShape;
 
-struct MixPart {
-    std::uint64_t weight; ///< in a hundred
+constexpr int months = static_cast<int>(ledger::WideLedgerShape{}.months);
+
+/// True so many times in a hundred.
+bool Happens(Random& random, std::uint64_t percent) { return random.Below(100) < percent; }
+
+SelectionShape AnyGroup(Random& random) {
+    const std::uint64_t point = random.Below(100);
+    return point < 25   ? SelectionShape::SuperSum1
+           : point < 60 ? SelectionShape::SuperSum2
+                        : SelectionShape::SuperSum3;
+}
+
+SelectionShape AnyUnit(Random& random) {
+    const std::uint64_t point = random.Below(100);
+    return point < 20   ? SelectionShape::Level1
+           : point < 45 ? SelectionShape::Level2
+           : point < 75 ? SelectionShape::Level3
+                        : SelectionShape::Level4;
+}
+
+/// The large dimensions of the question at that point of a hundred.
+std::vector<SelectionShape> DrawLargeParts(Random& random, std::uint64_t point) {
+    if (point < 45) {
+        return {SelectionShape::Account, AnyUnit(random)};
+    }
+    if (point < 57) {
+        return {SelectionShape::Account, SelectionShape::CostCentre};
+    }
+    if (point < 75) {
+        return {AnyGroup(random), AnyUnit(random)};
+    }
+    if (point < 80) {
+        return {AnyGroup(random), SelectionShape::CostCentre};
+    }
+    if (point < 90) {
+        return {AnyUnit(random)};
+    }
+    if (point < 95) {
+        return {Happens(random, 30) ? SelectionShape::Account : AnyGroup(random), SelectionShape::Activity};
+    }
+    return {Happens(random, 50) ? SelectionShape::SuperSum1 : SelectionShape::Nothing};
+}
+
+struct Question {
     std::vector<SelectionShape> parts;
+    bool isOfTheWhole = false; ///< a balance sheet's or a year's total
 };
 
-const std::vector<MixPart>& Mix() {
-    static const std::vector<MixPart> mix{
-        {14, {SelectionShape::Account}},
-        {12, {SelectionShape::Account, SelectionShape::Level2}},
-        {10, {SelectionShape::Account, SelectionShape::CostCentre}},
-        {6, {SelectionShape::Account, SelectionShape::Firm, SelectionShape::MoneySet}},
-        {12, {SelectionShape::SuperSum3, SelectionShape::Level3}},
-        {10, {SelectionShape::SuperSum2, SelectionShape::Level2, SelectionShape::OpeningBalance}},
-        {6, {SelectionShape::SuperSum1, SelectionShape::Level1, SelectionShape::Plbs}},
-        {8, {SelectionShape::CostCentre, SelectionShape::SuperSum2}},
-        {5, {SelectionShape::CostCentre}},
-        {6, {SelectionShape::Activity, SelectionShape::SuperSum2}},
-        {3, {SelectionShape::Activity}},
-        {4, {SelectionShape::SuperSum1, SelectionShape::Rh}},
-        {2, {SelectionShape::Level1}},
-        {2, {SelectionShape::Nothing}},
-    };
-    return mix;
-}
-
-const std::vector<SelectionShape>& DrawParts(ledger::Random& random) {
-    std::uint64_t point = random.Below(100);
-    for (const MixPart& part : Mix()) {
-        if (point < part.weight) {
-            return part.parts;
-        }
-        point -= part.weight;
-    }
-    return Mix().back().parts;
-}
-
-/// The first month of the span that ends with the given month, as a count of months since year 0.
-int FirstMonth(ledger::Random& random, const CalendarDay& day) {
-    const int month = day.year * 12 + day.month - 1;
+Question DrawQuestion(Random& random) {
     const std::uint64_t point = random.Below(100);
-    if (point < 40) {
-        return month;
-    }
-    if (point < 60) {
-        return month - month % 3;
-    }
-    if (point < 85) {
-        return day.year * 12;
-    }
-    return month - static_cast<int>(random.Below(60));
+    Question question{DrawLargeParts(random, point), point >= 95};
+    const auto add = [&](std::uint64_t percent, SelectionShape part) {
+        if (Happens(random, percent)) {
+            question.parts.push_back(part);
+        }
+    };
+    add(point < 80 ? 8 : 0, SelectionShape::Activity);
+    add(question.isOfTheWhole ? 0 : 20, SelectionShape::ObsNumber);
+    add(85, SelectionShape::Plbs);
+    add(85, SelectionShape::MoneySet);
+    add(40, SelectionShape::Firm);
+    add(30, SelectionShape::Rh);
+    add(50, SelectionShape::OpeningBalance);
+    return question;
 }
 
-CalendarDay LastDayOf(int year, int month) {
-    const std::chrono::year_month_day day{std::chrono::year{year} / month / std::chrono::last};
-    return {year, month, static_cast<int>(static_cast<unsigned>(day.day()))};
+/// The months count from the ledger's first.
+CalendarDay FirstDayOf(int month) { return {ledger::WideLedger::firstYear + month / 12, month % 12 + 1, 1}; }
+
+CalendarDay LastDayOf(int month) {
+    const CalendarDay first = FirstDayOf(month);
+    const std::chrono::year_month_day last{std::chrono::year{first.year} / first.month / std::chrono::last};
+    return {first.year, first.month, static_cast<int>(static_cast<unsigned>(last.day()))};
 }
 
-void DrawSpan(ledger::Random& random, const CalendarDay& day, ledger::Selection& selection) {
-    const int first = FirstMonth(random, day);
-    selection.from = CalendarDay{first / 12, first % 12 + 1, 1};
-    selection.to = LastDayOf(day.year, day.month);
-    if (random.Below(11) == 0) {
-        selection.from->day = static_cast<int>(random.Between(2, 28));
-        selection.to.day = std::max(selection.from->day, static_cast<int>(random.Between(1, 28)));
+void SetMonths(ledger::Selection& selection, int first, int last) {
+    selection.from = FirstDayOf(first);
+    selection.to = LastDayOf(last);
+}
+
+void DrawSpan(Random& random, bool isOfTheWhole, ledger::Selection& selection) {
+    const auto below = [&](int count) {
+        return static_cast<int>(random.Below(static_cast<unsigned>(count)));
+    };
+    const int any = below(months), year = any - any % 12;
+    const std::uint64_t point = isOfTheWhole ? 0 : random.Below(100);
+    if (point < 35) {
+        SetMonths(selection, year, year + 11);
+    } else if (point < 55) {
+        SetMonths(selection, year, any);
+    } else if (point < 85) {
+        SetMonths(selection, any, any);
+    } else {
+        SetMonths(selection, any, any + below(months - any));
+    }
+    if (!isOfTheWhole && Happens(random, 10)) {
+        int first = any, last = below(months);
+        if (last < first) {
+            std::swap(first, last);
+        }
+        selection.from = FirstDayOf(first);
+        selection.to = LastDayOf(last);
+        selection.from->day = 1 + below(28);
+        selection.to.day =
+            first == last ? selection.from->day + below(29 - selection.from->day) : 1 + below(28);
     }
 }
 
@@ -79,12 +123,17 @@ void DrawSpan(ledger::Random& random, const CalendarDay& day, ledger::Selection&
 
 std::vector<ledger::Selection> DrawFormulas(ledger::RandomSelections& selections, std::uint64_t seed,
                                             std::size_t count, ledger::LedgerCube cube) {
-    ledger::Random random(seed);
+    Random random(seed);
     std::vector<ledger::Selection> formulas;
     formulas.reserve(count);
     while (formulas.size() < count) {
-        ledger::Selection selection = selections.DrawParts(DrawParts(random), cube);
-        DrawSpan(random, selections.LastLineDay(), selection);
+        const Question question = DrawQuestion(random);
+        const auto around = Happens(random, 50) ? ledger::Around::Line : ledger::Around::Members;
+        ledger::Selection selection = selections.DrawParts(question.parts, around, cube);
+        if (Happens(random, 10)) {
+            selection.measure = "Quantity";
+        }
+        DrawSpan(random, question.isOfTheWhole, selection);
         formulas.push_back(std::move(selection));
     }
     return formulas;
@@ -94,10 +143,10 @@ std::vector<ledger::Selection> DrawSheet(ledger::RandomSelections& selections, s
                                          std::size_t rows, ledger::LedgerCube cube) {
     std::vector<ledger::Selection> cells;
     for (const ledger::Selection& row : DrawFormulas(selections, seed, rows, cube)) {
-        for (int month = 1; month <= 12; ++month) {
+        const int year = (row.to.year - ledger::WideLedger::firstYear) * 12;
+        for (int month = year; month < year + 12; ++month) {
             cells.push_back(row);
-            cells.back().from = CalendarDay{row.to.year, month, 1};
-            cells.back().to = LastDayOf(row.to.year, month);
+            SetMonths(cells.back(), month, month);
         }
     }
     return cells;

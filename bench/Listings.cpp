@@ -28,14 +28,14 @@ std::vector<std::pair<std::string, MemberListing>> Listings(const std::string& c
                                        .argumentA = "1",
                                        .argumentB = structure,
                                        .accountsMode = 1});
-    for (const char* level : {"Level1", "Level2", "Level3"}) {
+    for (const char* level : {"Level1", "Level2", "Level3", "Level4"}) {
         add(std::string("OBS ") + level,
             {.cubeName = cube, .kind = Kind::ObsOrCostCenters, .argumentA = structure, .argumentB = level});
     }
-    add("OBS Level3 of a structure", {.cubeName = cube,
+    add("OBS Level4 of a structure", {.cubeName = cube,
                                       .kind = Kind::ObsOrCostCenters,
                                       .argumentA = structure,
-                                      .argumentB = "Level3",
+                                      .argumentB = "Level4",
                                       .obsSubMember = number});
     add("cost centres", {.cubeName = cube, .kind = Kind::ObsOrCostCenters, .argumentA = structure});
     add("cost centres of a structure",

@@ -94,12 +94,7 @@ void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::files
                     "CREATE INDEX by_number ON facts (obs_number, day, account, obs, cost_centre, "
                     "activity, {0});",
                     smallColumns));
-    // A unit's number is the first OBS line of its name.
-    database.Run(
-        "CREATE TABLE obs_units AS SELECT (SELECT min(rowid) FROM obs first WHERE first.level2_name = "
-        "obs.level2_name) AS unit, rowid AS obs FROM obs;"
-        "CREATE INDEX by_unit ON obs_units (unit, obs);"
-        "ANALYZE");
+    database.Run("ANALYZE");
 }
 
 SqlitePeer::SqlitePeer(const std::filesystem::path& file) : database_(file.string()) {
@@ -111,7 +106,7 @@ SqlitePeer::SqlitePeer(const std::filesystem::path& file) : database_(file.strin
     for (const char* column : {"group1", "group2", "group3"}) {
         ReadRanges("accounts", column);
     }
-    for (const char* level : {"level1", "level2", "level3"}) {
+    for (const char* level : {"level1", "level2", "level3", "level4"}) {
         ReadRanges("obs", fmt::format("{}_name", level));
         ReadRanges("obs", fmt::format("{}_name_he", level));
     }
@@ -125,8 +120,11 @@ void SqlitePeer::ReadRanges(const std::string& table, const std::string& member)
         fmt::format("SELECT {1}, min(rowid), max(rowid), count(*) FROM {0} GROUP BY 1", table, member));
     Ranges& ranges = ranges_[table + "." + member];
     while (rows.Step()) {
-        const std::int64_t first = rows.Number(1), last = rows.Number(2);
-        ranges[rows.Text(0)] = {first, last, rows.Number(3) == last - first + 1};
+        const Range range{rows.Number(1), rows.Number(2)};
+        if (rows.Number(3) != range.last - range.first + 1) {
+            throw std::runtime_error(fmt::format("{} of {} is no range of lines.", rows.Text(0), table));
+        }
+        ranges[rows.Text(0)] = range;
     }
 }
 
@@ -148,13 +146,7 @@ SqliteCell SqlitePeer::Prepare(const Selection& selection) {
             return;
         }
         const Range& range = Find(table, column, member);
-        if (range.isWhole) {
-            where.Between(factColumn, range.first, range.last);
-            return;
-        }
-        // A name of the second level, under several parents.
-        where.sql += " AND obs IN (SELECT obs FROM obs_units WHERE unit = ?)";
-        where.values.push_back(range.first);
+        where.Between(factColumn, range.first, range.last);
     };
     add("account", "accounts", "code", selection.account);
     if (!selection.summaryLevel.empty()) {
@@ -169,7 +161,9 @@ SqliteCell SqlitePeer::Prepare(const Selection& selection) {
             selection.obsMember);
     }
     add("activity", "activities", "code", selection.activity);
-    add("obs_number", "obs_numbers", numberedStructure, selection.obsName + "." + selection.obsNumber);
+    if (!selection.obsNumber.empty()) { // the name is of all numbers
+        add("obs_number", "obs_numbers", numberedStructure, selection.obsName + "." + selection.obsNumber);
+    }
     add("firm", "firms", "code", selection.firm);
     add("plbs", "plbs", "code", selection.plbs);
     add("rh", "rh", "code", selection.rh);

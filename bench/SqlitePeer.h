@@ -42,7 +42,6 @@ private:
     /// The numbers of the lines of a table that a member stands for.
     struct Range {
         std::int64_t first = 0, last = 0;
-        bool isWhole = true; ///< all numbers between the two
     };
     using Ranges = std::unordered_map<std::string, Range>;
 

@@ -12,11 +12,12 @@ namespace {
 
 using namespace qel::ledger;
 
-void WriteTables(const std::filesystem::path& folder, const std::vector<DimensionTable>& tables) {
+void WriteTables(const std::filesystem::path& folder, const std::vector<DimensionTable>& tables,
+                 std::size_t obsLevels) {
     for (const DimensionTable& table : tables) {
         WriteTable(folder, table);
     }
-    WriteDefinition(folder);
+    WriteDefinition(folder, obsLevels);
 }
 
 void Generate(const std::filesystem::path& folder, std::uint64_t seed, bool wide,
@@ -31,10 +32,10 @@ void Generate(const std::filesystem::path& folder, std::uint64_t seed, bool wide
     if (wide) {
         const WideLedger ledger(shape);
         ledger.Generate(seed, sink);
-        WriteTables(folder, ledger.Tables());
+        WriteTables(folder, ledger.Tables(), WideLedger::obsLevels);
     } else {
         GenerateGroupLedger(seed, sink);
-        WriteTables(folder, GroupTables());
+        WriteTables(folder, GroupTables(), groupObsLevels);
     }
     csv.Close();
     fmt::print("{} ledger lines written to {}\n", count, folder.string());

@@ -1,5 +1,7 @@
 #include "examples/ledger/LedgerDefinition.h"
 
+#include <fmt/format.h>
+
 #include <string_view>
 
 namespace qel::ledger {
@@ -37,9 +39,7 @@ constexpr std::string_view cube = R"json(    {
           ] },
         { "name": "OBS", "column": "obs", "table": "obs", "key": "code",
           "hierarchies": [
-            { "name": "OBS", "levels": [ { "name": "Level1", "key": "level1", "memberName": "level1_{name}" },
-                                         { "name": "Level2", "key": "level2", "memberName": "level2_{name}" },
-                                         { "name": "Level3", "key": "code", "memberName": "level3_{name}" } ] }
+            { "name": "OBS", "levels": [ {obs levels} ] }
           ] },
         { "name": "Cost_Centers", "column": "cost_centre", "table": "cost_centres", "key": "code",
           "hierarchies": [
@@ -97,9 +97,21 @@ std::string Replaced(std::string text, std::string_view what, std::string_view b
     return text;
 }
 
+/// Only the last level's key is the table's.
+std::string ObsLevels(std::size_t count) {
+    constexpr std::string_view between = ",\n                                         ";
+    std::string levels;
+    for (std::size_t level = 1; level <= count; ++level) {
+        const std::string key = level == count ? "code" : fmt::format("level{}", level);
+        levels += fmt::format(R"({}{{ "name": "Level{}", "key": "{}", "memberName": "level{}_{{name}}" }})",
+                              level == 1 ? "" : between, level, key, level);
+    }
+    return levels;
+}
+
 std::string Cube(std::string_view name, std::string_view caption, std::string_view periods,
-                 std::string_view nameColumn) {
-    std::string text(cube);
+                 std::string_view nameColumn, std::size_t obsLevels) {
+    std::string text = Replaced(std::string(cube), "{obs levels}", ObsLevels(obsLevels));
     text = Replaced(std::move(text), "{cube}", name);
     text = Replaced(std::move(text), "{caption}", caption);
     text = Replaced(std::move(text), "{periods}", periods);
@@ -108,9 +120,9 @@ std::string Cube(std::string_view name, std::string_view caption, std::string_vi
 
 } // namespace
 
-std::string LedgerDefinition() {
-    return std::string(opening) + Cube("LedgerFNC", "Ledger by months", "months", "name") + ",\n" +
-           Cube("LedgerHebrewFNC", "ספר ראשי לפי ימים", "days", "name_he") + std::string(closing);
+std::string LedgerDefinition(std::size_t obsLevels) {
+    return std::string(opening) + Cube("LedgerFNC", "Ledger by months", "months", "name", obsLevels) + ",\n" +
+           Cube("LedgerHebrewFNC", "ספר ראשי לפי ימים", "days", "name_he", obsLevels) + std::string(closing);
 }
 
 } // namespace qel::ledger

@@ -1,10 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 namespace qel::ledger {
 
-/// The text of ledger.json.
-std::string LedgerDefinition();
+/// The text of ledger.json for an OBS tree of that many levels.
+std::string LedgerDefinition(std::size_t obsLevels);
 
 } // namespace qel::ledger

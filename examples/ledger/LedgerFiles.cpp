@@ -90,10 +90,10 @@ void WriteTable(const std::filesystem::path& folder, const DimensionTable& table
     Finish(file, path);
 }
 
-void WriteDefinition(const std::filesystem::path& folder) {
+void WriteDefinition(const std::filesystem::path& folder, std::size_t obsLevels) {
     const std::filesystem::path path = folder / "ledger.json";
     std::ofstream file = Create(path);
-    file << LedgerDefinition();
+    file << LedgerDefinition(obsLevels);
     Finish(file, path);
 }
 

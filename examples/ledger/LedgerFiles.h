@@ -26,7 +26,8 @@ private:
 void WriteTable(const std::filesystem::path& folder, const DimensionTable& table);
 
 /// Writes ledger.json, the cube definition for the tables: LedgerFNC by months with English names, and
-/// LedgerHebrewFNC by days with Hebrew names. Raises std::runtime_error when it cannot be written.
-void WriteDefinition(const std::filesystem::path& folder);
+/// LedgerHebrewFNC by days with Hebrew names; `obsLevels` is how deep the tree of obs.csv is. Raises
+/// std::runtime_error when it cannot be written.
+void WriteDefinition(const std::filesystem::path& folder, std::size_t obsLevels);
 
 } // namespace qel::ledger

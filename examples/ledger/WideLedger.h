@@ -17,13 +17,17 @@ struct WideLedgerShape {
     std::size_t firms = 5;
     std::size_t plbs = 4;
     std::size_t moneySets = 3;
-    std::size_t months = 60; ///< from January 2020
+    std::size_t months = 60; ///< from the first one of firstYear
 };
 
-/// A ledger of any size with the columns and tables of the example group's, of balanced entries without
-/// accounting sense. Lines point into it.
+/// A ledger of any size with the columns of the example group's and nearly its tables, of balanced entries
+/// without accounting sense. As in real books a few members are busy, and few members go together. Lines
+/// point into it.
 class WideLedger {
 public:
+    static constexpr std::size_t obsLevels = 4;
+    static constexpr int firstYear = 2020;
+
     explicit WideLedger(const WideLedgerShape& shape);
     ~WideLedger();
     WideLedger(const WideLedger&) = delete;

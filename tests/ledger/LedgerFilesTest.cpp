@@ -38,7 +38,7 @@ TEST(LedgerFiles, TheCommittedExampleIsWhatTheGeneratorWrites) {
     for (const DimensionTable& table : GroupTables()) {
         WriteTable(folder.Path(), table);
     }
-    WriteDefinition(folder.Path());
+    WriteDefinition(folder.Path(), groupObsLevels);
 
     std::size_t compared = 0;
     for (const auto& file : std::filesystem::directory_iterator(folder.Path())) {

@@ -63,6 +63,10 @@ Variant FormulaCell::Key(const std::string& member) {
     return OneKey(member);
 }
 
+Variant FormulaCell::NumberKey(const std::string& obsNumber) {
+    return obsNumber.empty() ? OneKey(std::string(1, '\0')) : Key(obsNumber);
+}
+
 double FormulaCell::Value(const Selection& selection) {
     std::string cubeName = selection.cube == LedgerCube::Months ? "LedgerFNC" : "LedgerHebrewFNC";
     // Blanks around "All" would make the summary level a level's name.
@@ -72,7 +76,7 @@ double FormulaCell::Value(const Selection& selection) {
                 plbs = Text(selection.plbs), rh = Text(selection.rh), firm = Text(selection.firm),
                 openingBalance = Text(selection.openingBalance), cubeFile = cubeFile_;
     const Variant result =
-        function_.QeLF1(cubeFile, cubeName, OneKey(selection.obsName), Key(selection.obsNumber),
+        function_.QeLF1(cubeFile, cubeName, OneKey(selection.obsName), NumberKey(selection.obsNumber),
                         OneKey(selection.obsLevel.empty() ? "All" : selection.obsLevel),
                         OneKey(QuotesCarried(selection.obsMember)), Key(selection.activity), summaryLevel,
                         summaryMember, accounts, measure, moneySet, plbs, rh, firm, openingBalance,

@@ -27,6 +27,8 @@ private:
     std::string Unrestricted();
     std::string Text(const std::string& member);
     Variant Key(const std::string& member);
+    /// An empty number is all numbers of a name, as the wizard writes it.
+    Variant NumberKey(const std::string& obsNumber);
 
     std::string cubeFile_;
     Random variety_;

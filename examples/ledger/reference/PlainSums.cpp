@@ -62,7 +62,7 @@ void AddObsLevel(Conditions& where, const Selection& selection) {
 Conditions ConditionsOf(const Selection& selection, const DaySpan& days) {
     Conditions where;
     where.Add("date BETWEEN ? AND ?", {days.first, days.second});
-    where.Add("obs_number IN (SELECT code FROM obs_numbers WHERE obs_name = ? AND obs_number = ?)",
+    where.Add("obs_number IN (SELECT code FROM obs_numbers WHERE obs_name = ? AND ? IN (obs_number, ''))",
               {selection.obsName, selection.obsNumber});
     AddObsLevel(where, selection);
     if (!selection.summaryLevel.empty()) {

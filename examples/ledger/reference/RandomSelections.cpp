@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <chrono>
 
 namespace qel::ledger {
@@ -30,6 +31,10 @@ std::chrono::sys_days DayOf(const std::string& iso) {
 CalendarDay ToCalendar(std::chrono::year_month_day day) {
     return {static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
             static_cast<int>(static_cast<unsigned>(day.day()))};
+}
+
+CalendarDay Shifted(const std::string& isoDay, std::int64_t days) {
+    return ToCalendar(DayOf(isoDay) + std::chrono::days{static_cast<int>(days)});
 }
 
 CalendarDay MonthEnd(const CalendarDay& day) {
@@ -66,12 +71,35 @@ std::string RandomSelections::Lookup(const std::string& table, const std::string
     return statement.Text(0);
 }
 
-Selection RandomSelections::DrawParts(const std::vector<SelectionShape>& parts, LedgerCube cube) {
-    const Line line = AnyLine();
-    lastLineDay_ = Shifted(line[date], 0);
+RandomSelections::Line RandomSelections::AnyMembers() {
+    Line line = AnyLine();
+    const auto draw = [&](LineColumn column, const std::string& table) {
+        std::vector<std::string>& codes = codes_[table];
+        if (codes.empty()) {
+            SqlStatement rows = database_.Prepare(fmt::format("SELECT code FROM {} ORDER BY rowid", table));
+            while (rows.Step()) {
+                codes.push_back(rows.Text(0));
+            }
+        }
+        line[column] = codes[random_.Below(codes.size())];
+    };
+    draw(account, "accounts");
+    draw(activity, "activities");
+    draw(costCentre, "cost_centres");
+    draw(obs, "obs");
+    draw(obsNumber, "obs_numbers");
+    return line;
+}
+
+Selection RandomSelections::DrawParts(const std::vector<SelectionShape>& parts, Around around,
+                                      LedgerCube cube) {
+    const Line line = around == Around::Line ? AnyLine() : AnyMembers();
     Selection selection;
     selection.cube = cube;
     DrawStructure(selection, line);
+    if (std::find(parts.begin(), parts.end(), SelectionShape::ObsNumber) == parts.end()) {
+        selection.obsNumber.clear();
+    }
     for (const SelectionShape part : parts) {
         RestrictTo(selection, part, line);
     }
@@ -80,12 +108,14 @@ Selection RandomSelections::DrawParts(const std::vector<SelectionShape>& parts, 
 
 Selection RandomSelections::Draw(SelectionShape shape, DateShape dates, LedgerCube cube) {
     const Line line = AnyLine();
-    lastLineDay_ = Shifted(line[date], 0);
     Selection selection;
     selection.cube = cube;
     const std::uint64_t measure = random_.Below(5);
     selection.measure = measure == 0 ? "Quantity" : measure == 1 ? "Lines" : "Amount";
     DrawStructure(selection, line);
+    if (random_.Below(8) == 0) {
+        selection.obsNumber.clear();
+    }
     if (shape != SelectionShape::Several) {
         RestrictTo(selection, shape, random_.Below(20) == 0 ? AnyLine() : line);
     } else {
@@ -129,6 +159,7 @@ void RandomSelections::RestrictTo(Selection& selection, SelectionShape shape, co
     switch (shape) {
     case SelectionShape::Nothing:
     case SelectionShape::Several:
+    case SelectionShape::ObsNumber: // drawn with the structure
         break;
     case SelectionShape::Plbs:
         selection.plbs = line[plbs];
@@ -161,6 +192,9 @@ void RandomSelections::RestrictTo(Selection& selection, SelectionShape shape, co
     case SelectionShape::Level3:
         obsLevel('3');
         break;
+    case SelectionShape::Level4:
+        obsLevel('4');
+        break;
     case SelectionShape::Account:
         selection.account = line[account];
         break;
@@ -174,10 +208,6 @@ void RandomSelections::RestrictTo(Selection& selection, SelectionShape shape, co
         summary('3');
         break;
     }
-}
-
-CalendarDay RandomSelections::Shifted(const std::string& isoDay, std::int64_t days) {
-    return ToCalendar(DayOf(isoDay) + std::chrono::days{static_cast<int>(days)});
 }
 
 void RandomSelections::DrawDates(Selection& selection, DateShape dates, const std::string& day) {

@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -28,9 +29,11 @@ enum class SelectionShape {
     SuperSum1,
     SuperSum2,
     SuperSum3,
-    Several ///< any of them together
+    Several,  ///< any of them together
+    Level4,   ///< of ledgers whose OBS tree is that deep
+    ObsNumber ///< only with others: one number of the structure
 };
-inline constexpr std::size_t selectionShapeCount = 16;
+inline constexpr std::size_t selectionShapeCount = 16; ///< those of every ledger
 
 /// How a drawn selection's dates lie.
 enum class DateShape {
@@ -46,33 +49,38 @@ enum class DateShape {
 };
 inline constexpr std::size_t dateShapeCount = 9;
 
-/// Draws selections around lines of the ledger, so that most of them sum something.
+/// Where drawn members come from.
+enum class Around {
+    Line,   ///< a line of the ledger: busy members more often, and there is something to sum
+    Members ///< each dimension for itself, every member as often as another
+};
+
+/// Draws selections, most of them so that they sum something.
 class RandomSelections {
 public:
     RandomSelections(SqlDatabase& database, std::uint64_t seed);
 
-    /// Now and then a member is unknown, or of another line so that nothing may match.
+    /// Around a line. Now and then a member is unknown, or of another line so that nothing may match.
     Selection Draw(SelectionShape shape, DateShape dates, LedgerCube cube);
-    /// The parts of one line, all of them together. The dates stay as they are by default.
-    Selection DrawParts(const std::vector<SelectionShape>& parts, LedgerCube cube);
-    /// The date of the line that the last draw was made around.
-    const CalendarDay& LastLineDay() const { return lastLineDay_; }
+    /// All the parts together; without ObsNumber, all numbers of the structure. The dates stay as they are by
+    /// default.
+    Selection DrawParts(const std::vector<SelectionShape>& parts, Around around, LedgerCube cube);
 
 private:
     using Line = std::array<std::string, 11>; ///< in the order of LineColumn
 
     Line AnyLine();
+    Line AnyMembers();
     std::string Lookup(const std::string& table, const std::string& column, const std::string& code);
     void RestrictTo(Selection& selection, SelectionShape shape, const Line& line);
     void DrawStructure(Selection& selection, const Line& line);
     void DrawDates(Selection& selection, DateShape dates, const std::string& day);
-    CalendarDay Shifted(const std::string& isoDay, std::int64_t days);
 
     SqlDatabase& database_;
     Random random_;
     std::int64_t lineCount_;
-    CalendarDay lastLineDay_;
     SqlStatement line_, structures_;
+    std::map<std::string, std::vector<std::string>> codes_; ///< by table
 };
 
 } // namespace qel::ledger

@@ -13,8 +13,8 @@ enum class LedgerCube { Months, Days };
 /// What a formula asks for. An empty text does not restrict. Members are written as their tables have them.
 struct Selection {
     LedgerCube cube = LedgerCube::Months;
-    std::string obsName = "OBS", obsNumber = "1";
-    std::string obsLevel, obsMember; ///< "Cost_Centers" and a code, or "Level1" to "Level3" and a name
+    std::string obsName = "OBS", obsNumber = "1"; ///< the name always restricts
+    std::string obsLevel, obsMember; ///< "Cost_Centers" and a code, or "Level1" and so on and a name
     std::string activity, summaryLevel, summaryMember, account;
     std::string measure = "Amount";
     std::string moneySet, plbs, rh, firm, openingBalance;
