@@ -10,7 +10,9 @@
 #include <bit>
 #include <future>
 #include <numeric>
+#include <optional>
 #include <span>
+#include <utility>
 
 namespace qel::engine {
 
@@ -39,6 +41,61 @@ struct MadeRollup {
     std::vector<std::uint32_t> counts;
 };
 
+/// Writes strips behind those of a rollup, entry by entry: by word and granule.
+class StripWriter {
+public:
+    StripWriter(MadeRollup& made, std::span<const std::size_t> summed) : made_(made), summed_(summed) {}
+
+    /// Goes on with the entry of that place, which is the last one or behind it: the last of the counts and
+    /// of the sums is its own.
+    void MoveTo(StripPlace place) {
+        const bool isNewStrip = !last_ || last_->word != place.word;
+        if (isNewStrip) {
+            made_.words.push_back(place.word);
+            made_.periods.push_back(0);
+            made_.firstEntries.push_back(static_cast<std::uint32_t>(made_.counts.size()));
+        }
+        if (isNewStrip || last_->granule != place.granule) {
+            made_.periods.back() |= std::uint64_t{1} << place.granule % blockGranules;
+            made_.counts.push_back(isNewStrip ? 0 : made_.counts.back());
+            for (const std::size_t i : summed_)
+                made_.sums[i].push_back(isNewStrip ? 0 : made_.sums[i].back());
+        }
+        last_ = place;
+    }
+
+private:
+    MadeRollup& made_;
+    std::span<const std::size_t> summed_; ///< measures; the others count
+    std::optional<StripPlace> last_;
+};
+
+/// One running sum of a rollup's strips.
+struct StripEntry {
+    StripPlace place;
+    std::uint32_t number = 0;
+    bool isFirst = false; ///< of its strip
+};
+
+/// By their places, of which `kept` is left of the words.
+std::vector<StripEntry> SortedEntries(const MadeRollup& made, std::uint32_t kept) {
+    std::vector<StripEntry> entries;
+    entries.reserve(made.counts.size());
+    for (std::size_t strip = 0; strip < made.words.size(); ++strip) {
+        std::uint32_t number = made.firstEntries[strip];
+        for (std::uint64_t left = made.periods[strip]; left != 0; left &= left - 1, ++number) {
+            const auto granule = static_cast<std::uint32_t>(std::countr_zero(left)); // of the word's block
+            entries.push_back(
+                {{made.words[strip] & kept, granule}, number, number == made.firstEntries[strip]});
+        }
+    }
+    std::sort(entries.begin(), entries.end(), [](const StripEntry& left, const StripEntry& right) {
+        return std::pair(left.place.word, left.place.granule) <
+               std::pair(right.place.word, right.place.granule);
+    });
+    return entries;
+}
+
 /// Makes the rollups from facts that are sorted by word and time; every step keeps that order.
 class RollupMaker {
 public:
@@ -50,8 +107,11 @@ private:
     void FindGranules(const std::vector<std::uint32_t>& times);
     void SortFacts();
     MadeRollup MakeOne(const ChosenRollup& chosen, std::span<const std::uint32_t> rows) const;
+    RowNumbers ByLastWordColumn(std::span<const std::uint32_t> rows) const;
     StripCount CountStrips(std::span<const std::uint32_t> rows) const;
     void MakeStrips(std::span<const std::uint32_t> rows, StripCount count, MadeRollup& made) const;
+    /// Adds the merged strips where they are far fewer.
+    void MergeStrips(MadeRollup& made) const;
     void MakeOf(const std::vector<const ChosenRollup*>& chosen, std::span<const std::uint32_t> rows,
                 std::vector<MadeRollup>& made) const;
 
@@ -59,12 +119,17 @@ private:
     const FactColumns& facts_;
     const RollupModel& layout_;
     const CodeGroups groups_;
-    std::vector<StripPlace> places_; ///< by fact
+    std::vector<std::size_t> summed_; ///< measures; the others count
+    std::vector<StripPlace> places_;  ///< by fact
     RowNumbers sorted_;
 };
 
 RollupMaker::RollupMaker(const CubeModel& model, const FactColumns& facts, const RollupModel& layout)
     : model_(model), facts_(facts), layout_(layout), groups_(layout.Groups()), places_(facts.rowCount) {
+    for (std::size_t i = 0; i < facts.values.size(); ++i) {
+        if (!facts.values[i].empty())
+            summed_.push_back(i);
+    }
     for (const RollupTable::WordColumn& word : layout.wordColumns) {
         const auto& codes = facts.keys[word.column];
         for (std::size_t row = 0; row < places_.size(); ++row)
@@ -154,11 +219,27 @@ MadeRollup RollupMaker::MakeOne(const ChosenRollup& chosen, std::span<const std:
         if (count.strips * stripBytes + count.entries * StripEntryBytes(model_) <=
             rows.size() * RollupRowBytes(model_, layout_)) {
             MakeStrips(rows, count, made);
+            MergeStrips(made);
             return made;
         }
     }
-    made.rows.assign(rows.begin(), rows.end());
+    made.rows = ByLastWordColumn(rows);
     return made;
+}
+
+RowNumbers RollupMaker::ByLastWordColumn(std::span<const std::uint32_t> rows) const {
+    RowNumbers sorted(rows.begin(), rows.end());
+    if (layout_.wordColumns.empty())
+        return sorted;
+    const std::uint16_t column = layout_.wordColumns.back().column;
+    const auto& codes = facts_.keys[column];
+    std::vector<std::size_t> place(std::size_t{model_.keyColumns[column].codes} + 1);
+    for (const std::uint32_t row : rows)
+        ++place[std::size_t{codes[row]} + 1];
+    std::partial_sum(place.begin(), place.end(), place.begin());
+    for (const std::uint32_t row : rows)
+        sorted[place[codes[row]]++] = row;
+    return sorted;
 }
 
 StripCount RollupMaker::CountStrips(std::span<const std::uint32_t> rows) const {
@@ -179,32 +260,39 @@ void RollupMaker::MakeStrips(std::span<const std::uint32_t> rows, StripCount cou
     made.periods.reserve(count.strips);
     made.firstEntries.reserve(count.strips);
     made.counts.reserve(count.entries);
-    std::vector<std::size_t> summed; // measures; the others count
-    for (std::size_t i = 0; i < made.sums.size(); ++i) {
-        if (facts_.values[i].empty())
-            continue;
-        summed.push_back(i);
+    for (const std::size_t i : summed_)
         made.sums[i].reserve(count.entries);
-    }
-    std::uint32_t lastGranule = 0;
+    StripWriter writer(made, summed_);
     for (const std::uint32_t row : rows) {
-        const auto [word, granule] = places_[row];
-        const bool isNewStrip = made.words.empty() || made.words.back() != word;
-        if (isNewStrip) {
-            made.words.push_back(word);
-            made.periods.push_back(0);
-            made.firstEntries.push_back(static_cast<std::uint32_t>(made.counts.size()));
-        }
-        if (isNewStrip || granule != lastGranule) {
-            made.periods.back() |= std::uint64_t{1} << granule % blockGranules;
-            made.counts.push_back(isNewStrip ? 0 : made.counts.back());
-            for (const std::size_t i : summed)
-                made.sums[i].push_back(isNewStrip ? 0 : made.sums[i].back());
-        }
-        lastGranule = granule;
+        writer.MoveTo(places_[row]);
         ++made.counts.back();
-        for (const std::size_t i : summed)
+        for (const std::size_t i : summed_)
             made.sums[i].back() += facts_.values[i][row] / model_.measures[i].unit;
+    }
+}
+
+void RollupMaker::MergeStrips(MadeRollup& made) const {
+    constexpr std::size_t leastMergedInOne = 4;
+    if (layout_.wordColumns.empty())
+        return;
+    const RollupTable::WordColumn& left = layout_.wordColumns.back();
+    const auto kept = static_cast<std::uint32_t>(~(((std::uint64_t{1} << left.bits) - 1) << left.shift));
+    std::vector<std::uint32_t> words = made.words;
+    std::transform(words.begin(), words.end(), words.begin(), [&](auto word) { return word & kept; });
+    std::sort(words.begin(), words.end());
+    words.erase(std::unique(words.begin(), words.end()), words.end());
+    if (words.size() * leastMergedInOne > made.words.size())
+        return;
+    made.record.merged = static_cast<std::uint32_t>(words.size());
+    StripWriter writer(made, summed_);
+    for (const StripEntry& entry : SortedEntries(made, kept)) {
+        writer.MoveTo(entry.place);
+        const auto added = [&](const auto& running) {
+            return running[entry.number] - (entry.isFirst ? 0 : running[entry.number - 1]);
+        };
+        made.counts.back() += added(made.counts);
+        for (const std::size_t i : summed_)
+            made.sums[i].back() += added(made.sums[i]);
     }
 }
 

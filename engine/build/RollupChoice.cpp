@@ -19,9 +19,9 @@ constexpr double rowCost = 0.5, searchCost = 300;
 /// Questions that cost less than this are left to the sort orders.
 constexpr double leastCost = 2000;
 /// What rollups may add to the file, in bytes a fact.
-constexpr double budgetPerFact = 85;
+constexpr double budgetPerFact = 88;
 /// A record and its share of the lookup table.
-constexpr std::uint64_t recordBytes = 52;
+constexpr std::uint64_t recordBytes = 60;
 
 struct Candidate {
     ChosenRollup rollup;
@@ -184,11 +184,13 @@ std::vector<ChosenRollup> RollupChooser::TakeBest() {
 
 std::uint64_t RollupChooser::Bytes(std::uint64_t rows) const {
     // Strips have an entry for each of the facts, or for all combinations that there can be.
-    std::uint64_t cells = rollups_.granules.size() - 1;
-    for (const RollupTable::WordColumn& word : rollups_.wordColumns)
+    std::uint64_t merged = 0, cells = rollups_.granules.size() - 1;
+    for (const RollupTable::WordColumn& word : rollups_.wordColumns) {
+        merged = cells; // all codes of the last column together
         cells = std::min(rows + 1, cells * std::max(1U, model_.keyColumns[word.column].codes));
-    return recordBytes +
-           std::min(rows * RollupRowBytes(model_, rollups_), std::min(rows, cells) * StripEntryBytes(model_));
+    }
+    return recordBytes + std::min(rows * RollupRowBytes(model_, rollups_),
+                                  (std::min(rows, cells) + std::min(rows, merged)) * StripEntryBytes(model_));
 }
 
 std::vector<std::uint32_t> RollupChooser::Sorted(std::uint16_t column) const {

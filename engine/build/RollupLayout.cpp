@@ -57,14 +57,19 @@ RollupModel LayOutRollups(const CubeModel& model) {
     std::stable_sort(narrow.begin(), narrow.end(), [&](auto left, auto right) {
         return model.keyColumns[left].Bits() < model.keyColumns[right].Bits();
     });
-    unsigned shift = rollups.blockBits;
+    unsigned end = rollups.blockBits;
     for (const std::uint16_t column : narrow) {
         const unsigned bits = model.keyColumns[column].Bits();
-        if (shift + bits > wordBits)
+        if (end + bits > wordBits)
             break;
-        rollups.wordColumns.insert(rollups.wordColumns.begin(), {column, static_cast<std::uint8_t>(shift),
-                                                                 static_cast<std::uint8_t>(bits)});
-        shift += bits;
+        rollups.wordColumns.push_back({column, 0, static_cast<std::uint8_t>(bits)});
+        end += bits;
+    }
+    // The column of most codes is the lowest: strips that differ in it alone, which a question that leaves
+    // it out reads together, are neighbours.
+    for (RollupTable::WordColumn& word : rollups.wordColumns) {
+        end -= word.bits;
+        word.shift = static_cast<std::uint8_t>(end);
     }
     rollups.sums.resize(model.measures.size());
     return rollups;

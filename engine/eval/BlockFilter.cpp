@@ -14,15 +14,19 @@ BlockFilter::BlockFilter(const Restriction& restriction, const KeyColumn& column
     };
     if (restriction.codes.size() == 1) {
         span_ = spanOf(restriction.codes[0]);
-    } else if (restriction.codes.size() <= fewRanges) {
-        std::transform(restriction.codes.begin(), restriction.codes.end(), std::back_inserter(spans_),
+        return;
+    }
+    Set set;
+    if (restriction.codes.size() <= fewRanges) {
+        std::transform(restriction.codes.begin(), restriction.codes.end(), std::back_inserter(set.spans),
                        spanOf);
     } else {
-        isIn_.resize(column.codes);
+        set.isIn.resize(column.codes);
         for (const KeyRange range : restriction.codes) {
-            std::fill(isIn_.begin() + range.first, isIn_.begin() + range.last, std::uint8_t{1});
+            std::fill(set.isIn.begin() + range.first, set.isIn.begin() + range.last, std::uint8_t{1});
         }
     }
+    set_ = std::make_shared<const Set>(std::move(set));
 }
 
 bool BlockFilter::Merge(const BlockFilter& other) {
@@ -35,14 +39,36 @@ bool BlockFilter::Merge(const BlockFilter& other) {
     return true;
 }
 
+void BlockFilter::Mark(const std::byte* slots, std::size_t count, BlockMask& mask) const {
+    if (set_ == nullptr) {
+        MarkBetween({slots, width_, count}, bits_, span_, mask);
+        return;
+    }
+    std::fill_n(mask.begin(), count, std::uint8_t{1});
+    Apply(slots, count, mask);
+}
+
 void BlockFilter::Apply(const std::byte* slots, std::size_t count, BlockMask& mask) const {
     const SlotBlock block{slots, width_, count};
-    if (!isIn_.empty()) {
-        KeepListed(block, bits_, shift_, isIn_, mask);
-    } else if (!spans_.empty()) {
-        KeepBetweenAny(block, bits_, spans_, mask);
-    } else {
+    if (set_ == nullptr) {
         KeepBetween(block, bits_, span_, mask);
+    } else if (!set_->spans.empty()) {
+        KeepBetweenAny(block, bits_, set_->spans, mask);
+    } else {
+        KeepListed(block, bits_, shift_, set_->isIn, mask);
+    }
+}
+
+std::size_t BlockFilter::OwnedBytes() const {
+    return set_ == nullptr ? 0
+                           : sizeof *set_ + set_->spans.capacity() * sizeof(SlotSpan) + set_->isIn.capacity();
+}
+
+void AddFilter(BlockFilter filter, std::vector<BlockFilter>& filters) {
+    const bool isMerged =
+        std::any_of(filters.begin(), filters.end(), [&](BlockFilter& other) { return other.Merge(filter); });
+    if (!isMerged) {
+        filters.push_back(std::move(filter));
     }
 }
 
@@ -50,12 +76,7 @@ std::vector<BlockFilter> MakeFilters(const FactTable& facts, std::span<const Res
     std::vector<BlockFilter> filters;
     filters.reserve(restrictions.size());
     for (const Restriction& restriction : restrictions) {
-        BlockFilter filter(restriction, facts.KeyColumns()[restriction.keyColumn]);
-        const bool isMerged = std::any_of(filters.begin(), filters.end(),
-                                          [&](BlockFilter& other) { return other.Merge(filter); });
-        if (!isMerged) {
-            filters.push_back(std::move(filter));
-        }
+        AddFilter(BlockFilter(restriction, facts.KeyColumns()[restriction.keyColumn]), filters);
     }
     return filters;
 }

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <vector>
 
@@ -19,21 +20,42 @@ public:
     std::size_t Slot() const { return slot_; }
     /// Takes over another filter of the same slot when one comparison can do both; false when not.
     bool Merge(const BlockFilter& other);
-    /// Takes out the rows that do not pass. `slots` holds `count` values of the slot.
+    /// Marks each row: whether it passes. `slots` holds `count` values of the slot.
+    void Mark(const std::byte* slots, std::size_t count, BlockMask& mask) const;
+    /// Takes out the rows that do not pass.
     void Apply(const std::byte* slots, std::size_t count, BlockMask& mask) const;
     /// About how much memory this owns.
-    std::size_t OwnedBytes() const { return spans_.capacity() * sizeof(SlotSpan) + isIn_.capacity(); }
+    std::size_t OwnedBytes() const;
 
 private:
-    bool IsOneCode() const { return spans_.empty() && isIn_.empty() && span_.first == span_.last; }
+    /// Of a set of several ranges.
+    struct Set {
+        std::vector<SlotSpan> spans;    ///< when they are few
+        std::vector<std::uint8_t> isIn; ///< by code, for any other
+    };
 
-    std::size_t slot_;
+    bool IsOneCode() const { return set_ == nullptr && span_.first == span_.last; }
+
+    std::uint16_t slot_;
     std::uint8_t width_, shift_;
     std::uint32_t bits_;
     SlotSpan span_;                  ///< for a set that is a single range
-    std::vector<SlotSpan> spans_;    ///< for one of few
-    std::vector<std::uint8_t> isIn_; ///< by code, for any other
+    std::shared_ptr<const Set> set_; ///< for any other; apart, so that plans are small
 };
+
+/// Adds a filter, or makes one of those that there are test it as well.
+void AddFilter(BlockFilter filter, std::vector<BlockFilter>& filters);
+
+/// Marks the rows of a block that pass all filters, at least one: slotOf(filter) has the values that it
+/// tests.
+template <class SlotOf>
+void MarkPassing(std::span<const BlockFilter> filters, std::size_t count, BlockMask& mask,
+                 const SlotOf& slotOf) {
+    filters.front().Mark(slotOf(filters.front()), count, mask);
+    for (const BlockFilter& filter : filters.subspan(1)) {
+        filter.Apply(slotOf(filter), count, mask);
+    }
+}
 
 /// As few filters as test all of the restrictions.
 std::vector<BlockFilter> MakeFilters(const FactTable& facts, std::span<const Restriction> restrictions);

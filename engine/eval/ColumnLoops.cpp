@@ -3,14 +3,43 @@
 #include "engine/eval/Vectorised.h"
 #include "engine/storage/CodeColumn.h"
 
-#include <bit>
-#include <cstring>
-
 namespace qel::engine {
 
 namespace {
 
 #define QEL_INLINE inline __attribute__((always_inline))
+
+/// Calls test(row) for every row, for some of them twice: steps of one length are vectorised without a rest
+/// that goes row by row, so the last step begins where it ends with the block.
+template <std::size_t step, class Test>
+QEL_INLINE void InSteps(std::size_t count, const Test& test) {
+    const auto takeStep = [&](std::size_t first) {
+        for (std::size_t i = 0; i < step; ++i) {
+            test(first + i);
+        }
+    };
+    for (std::size_t first = 0; first + step <= count; first += step) {
+        takeStep(first);
+    }
+    if (count % step != 0) {
+        takeStep(count - step);
+    }
+}
+
+/// Calls test(row) for every row; it must do no harm to call it twice.
+template <class Test>
+QEL_INLINE void ForEachRow(std::size_t count, const Test& test) {
+    constexpr std::size_t longStep = 32, shortStep = 8;
+    if (count >= longStep) {
+        InSteps<longStep>(count, test);
+    } else if (count >= shortStep) {
+        InSteps<shortStep>(count, test);
+    } else {
+        for (std::size_t i = 0; i < count; ++i) {
+            test(i);
+        }
+    }
+}
 
 /// Whether the bits of each row lie in the span: join(row, 1 or 0).
 template <class Slot, class Join>
@@ -20,10 +49,10 @@ QEL_INLINE void Between(const std::byte* slots, std::size_t count, std::uint32_t
     const auto lowest = static_cast<Slot>(span.first);
     // What lies below the first wraps around to large numbers, so one comparison tests both ends.
     const auto width = static_cast<Slot>(span.last - span.first);
-    for (std::size_t i = 0; i < count; ++i) {
+    ForEachRow(count, [&](std::size_t i) {
         const auto distance = static_cast<Slot>((ReadAt<Slot>(slots, i) & under) - lowest);
         join(i, static_cast<std::uint8_t>(distance <= width));
-    }
+    });
 }
 
 template <class Join>
@@ -56,21 +85,13 @@ QEL_INLINE std::uint64_t SumMarked(const std::byte* values, std::size_t count, c
     return sum;
 }
 
-/// For blocks of which few rows passed: looks at eight rows at once.
 template <class Amount>
 QEL_INLINE std::uint64_t SumFew(const std::byte* values, std::size_t count, const std::uint8_t* mask) {
-    constexpr std::size_t step = 8;
     std::uint64_t sum = 0;
-    std::size_t i = 0;
-    for (; i + step <= count; i += step) {
-        std::uint64_t marks = 0;
-        std::memcpy(&marks, mask + i, step);
-        for (; marks != 0; marks &= marks - 1) {
-            const std::size_t row = i + static_cast<std::size_t>(std::countr_zero(marks)) / step;
-            sum += static_cast<std::uint64_t>(std::int64_t{ReadAt<Amount>(values, row)});
-        }
-    }
-    return sum + SumMarked<Amount>(values + i * sizeof(Amount), count - i, mask + i);
+    VisitMarked(mask, count, [&](std::size_t row) {
+        sum += static_cast<std::uint64_t>(std::int64_t{ReadAt<Amount>(values, row)});
+    });
+    return sum;
 }
 
 template <class Amount>
@@ -85,6 +106,12 @@ QEL_INLINE std::uint64_t SumBlock(const std::byte* values, std::size_t count, co
 }
 
 } // namespace
+
+QEL_VECTORISED
+void MarkBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask) {
+    std::uint8_t* const marks = mask.data();
+    Between(slots, bits, span, [marks](std::size_t i, std::uint8_t isIn) { marks[i] = isIn; });
+}
 
 QEL_VECTORISED
 void KeepBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <span>
 
 // The loops over a block of a fact column: without branches, so that they are vectorised.
@@ -26,6 +28,8 @@ struct SlotSpan {
     std::uint32_t first = 0, last = 0; ///< both included
 };
 
+/// Marks each row of the block: whether its bits under `bits` are in the span.
+void MarkBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask);
 /// Takes out the rows whose bits under `bits` are not in the span.
 void KeepBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask);
 /// Takes out the rows whose bits under `bits` are in none of the spans, which should be few.
@@ -33,6 +37,27 @@ void KeepBetweenAny(SlotBlock slots, std::uint32_t bits, std::span<const SlotSpa
 /// Takes out the rows whose code, from `shift` under `bits`, has a 0 in the table or lies beyond it.
 void KeepListed(SlotBlock slots, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
                 BlockMask& mask);
+
+/// Calls visit(row) for the rows that passed, in order; for blocks of which few did, as it looks at eight at
+/// once.
+template <class Visit>
+inline __attribute__((always_inline)) void VisitMarked(const std::uint8_t* mask, std::size_t count,
+                                                       const Visit& visit) {
+    constexpr std::size_t step = 8;
+    std::size_t i = 0;
+    for (; i + step <= count; i += step) {
+        std::uint64_t marks = 0;
+        std::memcpy(&marks, mask + i, step);
+        for (; marks != 0; marks &= marks - 1) {
+            visit(i + static_cast<std::size_t>(std::countr_zero(marks)) / step);
+        }
+    }
+    for (; i < count; ++i) {
+        if (mask[i] != 0) {
+            visit(i);
+        }
+    }
+}
 
 /// How many rows of the block passed.
 std::uint64_t CountRows(const BlockMask& mask, std::size_t count);

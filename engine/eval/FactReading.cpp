@@ -41,24 +41,34 @@ FactSum Add(FactSum left, FactSum right) {
 
 void FactReading::AddRows(const Projection& projection, RowRange run, std::span<const Restriction> tests) {
     if (run.Count() > 0) {
-        rows_.push_back({&projection, {run}, MakeFilters(*facts_, tests)});
+        AddRows(projection, {&run, 1}, tests, false);
     }
 }
 
-FactReading::Rows FactReading::PlanRows(std::span<const Restriction> restrictions) const {
-    if (facts_->RowCount() == 0 || AnyIsEmpty(restrictions)) {
-        return {};
+void FactReading::AddRows(const Projection& projection, std::span<const RowRange> runs,
+                          std::span<const Restriction> tests, bool areSubtracted) {
+    const auto firstRun = static_cast<std::uint32_t>(runs_.size());
+    const auto firstFilter = static_cast<std::uint32_t>(filters_.size());
+    runs_.insert(runs_.end(), runs.begin(), runs.end());
+    for (BlockFilter& filter : MakeFilters(*facts_, tests)) {
+        filters_.push_back(std::move(filter));
     }
-    ScanPlan plan = PlanScan(*facts_, restrictions);
-    return {plan.projection, std::move(plan.rows), MakeFilters(*facts_, plan.tests)};
+    rows_.push_back({&projection, areSubtracted, firstRun, static_cast<std::uint32_t>(runs_.size()),
+                     firstFilter, static_cast<std::uint32_t>(filters_.size())});
 }
 
-void FactReading::AddScan(std::span<const Restriction> restrictions) {
-    rows_.push_back(PlanRows(restrictions));
+void FactReading::PlanRows(std::span<const Restriction> restrictions, bool areSubtracted) {
+    if (facts_->RowCount() != 0 && !AnyIsEmpty(restrictions)) {
+        const ScanPlan plan = PlanScan(*facts_, restrictions);
+        AddRows(*plan.projection, plan.rows, plan.tests, areSubtracted);
+    }
 }
+
+void FactReading::AddScan(std::span<const Restriction> restrictions) { PlanRows(restrictions, false); }
 
 void FactReading::SubtractScan(std::span<const Restriction> restrictions) {
-    subtracted_.push_back(PlanRows(restrictions));
+    PlanRows(restrictions, true);
+    subtracts_ = true;
 }
 
 void FactReading::AddStrips(const StripSum& strips, std::uint32_t first, std::uint32_t last) {
@@ -66,18 +76,43 @@ void FactReading::AddStrips(const StripSum& strips, std::uint32_t first, std::ui
 }
 
 FactSum FactReading::Sum() const {
-    FactSum total = SumOf(rows_);
+    FactSum total = SumRows(false);
     for (const Strips& strips : strips_) {
         total = Add(total, strips.sum.Sum(strips.first, strips.last));
     }
     return Subtracts() ? Subtract(total) : total;
 }
 
-FactSum FactReading::SumOf(const std::vector<Rows>& rows) const {
+/// The columns lie far apart: what is read first is asked of memory for all of them at once.
+void FactReading::Prefetch(const Projection& projection, RowRange run,
+                           std::span<const BlockFilter> filters) const {
+    constexpr std::uint64_t rowsAhead = 128, lineBytes = 64;
+    const RowRange start{run.first, std::min(run.last, run.first + rowsAhead)};
+    const auto fetch = [&](const std::byte* values, std::uint64_t width) {
+        const std::uint64_t bytes = start.Count() * width;
+        for (std::uint64_t at = 0; at < bytes; at += lineBytes) {
+            __builtin_prefetch(values + at);
+        }
+    };
+    for (const BlockFilter& filter : filters) {
+        fetch(projection.Slot(filter.Slot(), start), facts_->SlotWidth(filter.Slot()));
+    }
+    if (const std::uint64_t width = facts_->Measures()[measure_].width; width != 0) {
+        fetch(projection.Values(measure_, start), width);
+    }
+}
+
+FactSum FactReading::SumRows(bool areSubtracted) const {
     SumOfBlocks blocks(*facts_, measure_);
-    for (const Rows& read : rows) {
-        for (const RowRange run : read.runs) {
-            VisitBlocks(*read.projection, run, read.filters, [&](RowRange block, const BlockMask* mask) {
+    for (const Rows& read : rows_) {
+        if (read.areSubtracted != areSubtracted) {
+            continue;
+        }
+        const auto filters =
+            std::span(filters_).subspan(read.firstFilter, read.lastFilter - read.firstFilter);
+        for (std::uint32_t i = read.firstRun; i < read.lastRun; ++i) {
+            Prefetch(*read.projection, runs_[i], filters);
+            VisitBlocks(*read.projection, runs_[i], filters, [&](RowRange block, const BlockMask* mask) {
                 blocks.Add(*read.projection, block, mask);
                 return true;
             });
@@ -87,7 +122,7 @@ FactSum FactReading::SumOf(const std::vector<Rows>& rows) const {
 }
 
 FactSum FactReading::Subtract(FactSum total) const {
-    const FactSum subtracted = SumOf(subtracted_);
+    const FactSum subtracted = SumRows(true);
     if (facts_->Measures()[measure_].aggregate == Aggregate::Count) {
         return {0, total.rows - subtracted.rows};
     }
@@ -104,14 +139,10 @@ std::size_t FactReading::OwnedBytes() const {
     for (const Strips& strips : strips_) {
         bytes += sizeof strips + strips.sum.OwnedBytes();
     }
-    for (const std::vector<Rows>* const list : {&rows_, &subtracted_}) {
-        for (const Rows& rows : *list) {
-            bytes += sizeof rows + rows.runs.capacity() * sizeof(RowRange);
-            for (const BlockFilter& filter : rows.filters) {
-                bytes += sizeof filter + filter.OwnedBytes();
-            }
-        }
+    for (const BlockFilter& filter : filters_) {
+        bytes += sizeof filter + filter.OwnedBytes();
     }
+    bytes += rows_.capacity() * sizeof(Rows) + runs_.capacity() * sizeof(RowRange);
     return bytes;
 }
 

@@ -26,7 +26,7 @@ public:
     void AddScan(std::span<const Restriction> restrictions);
     /// Takes away facts, which the strips hold besides those that are asked for.
     void SubtractScan(std::span<const Restriction> restrictions);
-    bool Subtracts() const { return !subtracted_.empty(); }
+    bool Subtracts() const { return subtracts_; }
     /// Another way to the same facts that takes nothing away; for when nothing is left of a sum.
     void SetExact(FactReading reading) { exact_ = std::make_shared<const FactReading>(std::move(reading)); }
     /// The strips' facts of the granules of time from `first` up to, without, `last`.
@@ -38,23 +38,30 @@ public:
     std::size_t OwnedBytes() const;
 
 private:
+    /// Rows of one projection that pass some filters, by their places in the lists below.
     struct Rows {
         const Projection* projection;
-        std::vector<RowRange> runs;
-        std::vector<BlockFilter> filters;
+        bool areSubtracted;
+        std::uint32_t firstRun, lastRun, firstFilter, lastFilter;
     };
     struct Strips {
         StripSum sum;
         std::uint32_t first, last; ///< granules
     };
 
-    Rows PlanRows(std::span<const Restriction> restrictions) const;
-    FactSum SumOf(const std::vector<Rows>& rows) const;
+    void PlanRows(std::span<const Restriction> restrictions, bool areSubtracted);
+    void AddRows(const Projection& projection, std::span<const RowRange> runs,
+                 std::span<const Restriction> tests, bool areSubtracted);
+    FactSum SumRows(bool areSubtracted) const;
+    void Prefetch(const Projection& projection, RowRange run, std::span<const BlockFilter> filters) const;
     FactSum Subtract(FactSum total) const;
 
     const FactTable* facts_;
     std::size_t measure_;
-    std::vector<Rows> rows_, subtracted_;
+    bool subtracts_ = false;
+    std::vector<Rows> rows_;
+    std::vector<RowRange> runs_;
+    std::vector<BlockFilter> filters_;
     std::vector<Strips> strips_;
     std::shared_ptr<const FactReading> exact_; ///< when a sum has something taken away
 };

@@ -12,12 +12,11 @@ namespace {
 
 constexpr std::uint32_t blockGranules = 64;
 
-/// Strips, what of them is wanted, and their running sums.
+/// Strips, the time that is wanted of them, and their running sums.
 struct StripRun {
     RollupTable::Strips strips;
     std::uint64_t count = 0;
-    std::uint32_t bits = 0, value = 0;
-    std::span<const WordTest> tests;
+    std::span<const BlockFilter> filters; ///< of words
     std::uint32_t blockMask = 0;
     std::uint32_t first = 0, last = 0; ///< granules
     std::uint64_t entries = 0;         ///< of all strips
@@ -30,64 +29,67 @@ struct StripTotal {
     bool isDamaged = false;
 };
 
-inline bool Passes(const StripRun& run, std::uint32_t word) {
-    if ((word & run.bits) != run.value) {
-        return false;
-    }
-    for (const WordTest& test : run.tests) {
-        const std::uint32_t code = (word & test.bits) >> test.shift;
-        const bool isIn = std::any_of(test.codes.begin(), test.codes.end(), [&](KeyRange range) {
-            return code >= range.first && code < range.last;
-        });
-        if (!isIn) {
-            return false;
-        }
-    }
-    return true;
-}
-
 /// The bits below `granules`, at most all 64.
 inline std::uint64_t Below(std::uint32_t granules) {
     return granules >= blockGranules ? ~std::uint64_t{0} : (std::uint64_t{1} << granules) - 1;
 }
 
 template <class Running>
+inline __attribute__((always_inline)) void AddStrip(const StripRun& run, std::uint64_t strip,
+                                                    StripTotal& total) {
+    const std::uint64_t base = std::uint64_t{run.strips.words[strip] & run.blockMask} * blockGranules;
+    if (base >= run.last || base + blockGranules <= run.first) {
+        return;
+    }
+    const std::uint64_t periods = run.strips.periods[strip];
+    const auto before = run.first > base ? static_cast<std::uint32_t>(run.first - base) : 0U;
+    const auto skipped = static_cast<unsigned>(std::popcount(periods & Below(before)));
+    const auto end =
+        static_cast<unsigned>(std::popcount(periods & Below(static_cast<std::uint32_t>(run.last - base))));
+    if (end == skipped) {
+        return;
+    }
+    const std::uint64_t start = run.strips.entries[strip] - run.strips.entries[0]; // wraps when damaged
+    if (start > run.entries || run.entries - start < end) {
+        total.isDamaged = true;
+        return;
+    }
+    // Read whether it counts or not: a branch here is guessed wrong too often.
+    const std::uint64_t hasEarlier = skipped == 0 ? 0 : 1, earlier = start + skipped - hasEarlier;
+    if (run.counts != nullptr) {
+        total.rows += run.counts[start + end - 1] - hasEarlier * run.counts[earlier];
+        return;
+    }
+    ++total.rows;
+    const auto* const sums = reinterpret_cast<const Running*>(run.sums);
+    const auto sumAt = [&](std::uint64_t at) {
+        return static_cast<std::uint64_t>(static_cast<std::int64_t>(sums[at]));
+    };
+    total.sum += sumAt(start + end - 1) - hasEarlier * sumAt(earlier);
+}
+
+template <class Running>
 inline __attribute__((always_inline)) StripTotal SumRun(const StripRun& run) {
     StripTotal total;
-    const auto* const sums = reinterpret_cast<const Running*>(run.sums);
-    const std::uint32_t firstEntry = run.strips.entries[0];
-    for (std::uint64_t i = 0; i < run.count; ++i) {
-        const std::uint32_t word = run.strips.words[i];
-        if (!Passes(run, word)) {
-            continue;
+    BlockMask mask;
+    if (run.filters.empty()) {
+        mask.fill(1);
+    }
+    for (std::uint64_t first = 0; first < run.count; first += blockRows) {
+        const std::uint64_t count = std::min<std::uint64_t>(blockRows, run.count - first);
+        if (!run.filters.empty()) {
+            MarkPassing(run.filters, count, mask, [&](const BlockFilter&) {
+                return reinterpret_cast<const std::byte*>(run.strips.words + first);
+            });
         }
-        const std::uint64_t base = std::uint64_t{word & run.blockMask} * blockGranules;
-        if (base >= run.last || base + blockGranules <= run.first) {
-            continue;
-        }
-        const std::uint64_t periods = run.strips.periods[i];
-        const auto before = run.first > base ? static_cast<std::uint32_t>(run.first - base) : 0U;
-        const auto skipped = static_cast<unsigned>(std::popcount(periods & Below(before)));
-        const auto end = static_cast<unsigned>(
-            std::popcount(periods & Below(static_cast<std::uint32_t>(run.last - base))));
-        if (end == skipped) {
-            continue;
-        }
-        const std::uint64_t start = run.strips.entries[i] - firstEntry; // wraps around when it is damaged
-        if (start > run.entries || run.entries - start < end) {
-            total.isDamaged = true;
-            return total;
-        }
-        if (run.counts != nullptr) {
-            total.rows += run.counts[start + end - 1] - (skipped == 0 ? 0 : run.counts[start + skipped - 1]);
-            continue;
-        }
-        ++total.rows;
-        const std::int64_t until = sums[start + end - 1];
-        const std::int64_t earlier = skipped == 0 ? 0 : sums[start + skipped - 1];
-        total.sum += static_cast<std::uint64_t>(until) - static_cast<std::uint64_t>(earlier);
+        VisitMarked(mask.data(), count, [&](std::size_t i) { AddStrip<Running>(run, first + i, total); });
     }
     return total;
+}
+
+bool IsTested(std::size_t column, std::span<const Restriction> tests) {
+    return std::any_of(tests.begin(), tests.end(),
+                       [&](const Restriction& test) { return test.keyColumn == column; });
 }
 
 QEL_VECTORISED
@@ -100,28 +102,34 @@ StripTotal SumWide(const StripRun& run) { return SumRun<std::int64_t>(run); }
 
 StripSum::StripSum(const FactTable& facts, const Rollup& rollup, std::span<const Restriction> tests,
                    std::size_t measure)
-    : facts_(&facts), rollups_(facts.Rollups()), measure_(measure),
-      strips_(rollups_->StripsOf(rollup.start, rollup.strips)), stripCount_(rollup.strips) {
+    : facts_(&facts), rollups_(facts.Rollups()), measure_(measure), stripCount_(rollup.strips) {
+    const auto words = rollups_->WordColumns();
+    const bool areMerged = rollup.merged > 0 && !words.empty() && !IsTested(words.back().column, tests);
+    if (areMerged) {
+        stripCount_ = rollup.merged;
+    }
+    strips_ = rollups_->StripsOf(rollup.start + (areMerged ? rollup.strips : 0), stripCount_);
     for (const RollupTable::WordColumn& word : rollups_->WordColumns()) {
         for (const Restriction& test : tests) {
             if (test.keyColumn == word.column) {
-                AddTest(word, test.codes);
+                AddTest(word, test);
             }
         }
     }
 }
 
-void StripSum::AddTest(const RollupTable::WordColumn& word, CodeRanges codes) {
-    const bool isLead = word.column == rollups_->WordColumns().front().column;
-    if (isLead) {
-        Narrow(word.shift, {codes.front().first, codes.back().last});
+void StripSum::AddTest(const RollupTable::WordColumn& word, const Restriction& test) {
+    const bool isHighest = word.column == rollups_->WordColumns().front().column;
+    if (isHighest) {
+        Narrow(word.shift, {test.codes.front().first, test.codes.back().last});
     }
-    const auto bits = static_cast<std::uint32_t>(((std::uint64_t{1} << word.bits) - 1) << word.shift);
-    if (codes.size() == 1 && codes[0].Count() == 1) {
-        bits_ |= bits;
-        value_ |= codes[0].first << word.shift;
-    } else if (!isLead || codes.size() > 1) {
-        tests_.push_back({bits, word.shift, codes});
+    if (!isHighest || test.codes.size() > 1) {
+        const KeyColumn asInWord{.name = {},
+                                 .codes = facts_->KeyColumns()[word.column].codes,
+                                 .width = sizeof(std::uint32_t),
+                                 .slot = 0,
+                                 .shift = word.shift};
+        AddFilter(BlockFilter(test, asInWord), filters_);
     }
 }
 
@@ -147,7 +155,7 @@ FactSum StripSum::Sum(std::uint32_t first, std::uint32_t last) const {
     if (lastEntry < firstEntry) {
         throw EngineError(ErrorKind::DamagedFile, "cube file: the strips of a rollup are not in order");
     }
-    StripRun run{strips_, stripCount_, bits_, value_, tests_};
+    StripRun run{strips_, stripCount_, filters_};
     run.blockMask = static_cast<std::uint32_t>((std::uint64_t{1} << rollups_->BlockBits()) - 1);
     run.first = first;
     run.last = last;
@@ -164,6 +172,14 @@ FactSum StripSum::Sum(std::uint32_t first, std::uint32_t last) const {
         throw EngineError(ErrorKind::DamagedFile, "cube file: the strips of a rollup lie outside its sums");
     }
     return {static_cast<std::int64_t>(total.sum), total.rows};
+}
+
+std::size_t StripSum::OwnedBytes() const {
+    std::size_t bytes = 0;
+    for (const BlockFilter& filter : filters_) {
+        bytes += sizeof filter + filter.OwnedBytes();
+    }
+    return bytes;
 }
 
 } // namespace qel::engine

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/eval/CodeRanges.h"
+#include "engine/eval/BlockFilter.h"
 #include "engine/eval/FactSum.h"
 
 #include <cstddef>
@@ -10,17 +10,10 @@
 
 namespace qel::engine {
 
-/// The codes of one word column that pass, as they lie in the word.
-struct WordTest {
-    std::uint32_t bits = 0;
-    std::uint8_t shift = 0;
-    CodeRanges codes;
-};
-
 /// Sums one rollup that is made of strips.
 class StripSum {
 public:
-    /// The tests are of the word's columns; one of time is passed over. All must outlive this object.
+    /// The tests are of the word's columns; one of time is passed over.
     StripSum(const FactTable& facts, const Rollup& rollup, std::span<const Restriction> tests,
              std::size_t measure);
 
@@ -28,10 +21,10 @@ public:
     /// the rows that are told are fewer than there are, but 0 only when there is none.
     FactSum Sum(std::uint32_t first, std::uint32_t last) const;
     /// About how much memory this owns.
-    std::size_t OwnedBytes() const { return tests_.capacity() * sizeof(WordTest); }
+    std::size_t OwnedBytes() const;
 
 private:
-    void AddTest(const RollupTable::WordColumn& word, CodeRanges codes);
+    void AddTest(const RollupTable::WordColumn& word, const Restriction& test);
     void Narrow(std::uint8_t shift, KeyRange codes);
 
     const FactTable* facts_;
@@ -39,8 +32,7 @@ private:
     std::size_t measure_;
     RollupTable::Strips strips_;
     std::uint64_t stripCount_;
-    std::uint32_t bits_ = 0, value_ = 0; ///< what a word must have where one code alone passes
-    std::vector<WordTest> tests_;        ///< where more do
+    std::vector<BlockFilter> filters_; ///< of words
 };
 
 } // namespace qel::engine

@@ -17,10 +17,8 @@ bool VisitBlocks(const Projection& projection, RowRange run, std::span<const Blo
     for (std::uint64_t first = run.first; first < run.last; first += blockRows) {
         const RowRange rows{first, std::min(run.last, first + blockRows)};
         if (!filters.empty()) {
-            std::fill_n(mask.begin(), rows.Count(), std::uint8_t{1});
-        }
-        for (const BlockFilter& filter : filters) {
-            filter.Apply(projection.Slot(filter.Slot(), rows), rows.Count(), mask);
+            MarkPassing(filters, rows.Count(), mask,
+                        [&](const BlockFilter& filter) { return projection.Slot(filter.Slot(), rows); });
         }
         if (!visit(rows, filters.empty() ? nullptr : &mask)) {
             return false;

@@ -58,7 +58,7 @@ struct ProjectionModel {
 
 /// The rollups of a cube, apart from the facts of those that are rows, which are written like a sort order's.
 struct RollupModel {
-    std::vector<RollupTable::WordColumn> wordColumns; ///< the leading one first
+    std::vector<RollupTable::WordColumn> wordColumns; ///< from the highest bits on
     std::uint8_t blockBits = 0;
     std::optional<std::uint32_t> timeColumn;
     std::vector<std::uint32_t> granules;

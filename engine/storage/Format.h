@@ -15,7 +15,7 @@ static_assert(std::endian::native == std::endian::little, "cube files are mapped
 /// The first byte is not ASCII and the last is a line feed, so that a file that went through a text transfer
 /// is told from a cube.
 inline constexpr std::array<char, 8> signature = {'\x89', 'Q', 'E', 'L', 'C', 'U', 'B', '\n'};
-inline constexpr std::uint32_t version = 2;
+inline constexpr std::uint32_t version = 3;
 inline constexpr std::uint64_t pageSize = 65536;
 inline constexpr std::uint64_t sectionAlignment = 64;
 inline constexpr std::uint64_t mostFacts = 0xFFFFFFFFU; ///< of a cube

@@ -32,14 +32,17 @@ struct Rollup {
     std::uint32_t strips = 0; ///< 0: the rollup is rows
     std::uint64_t start = 0;  ///< its first strip or row
     std::uint64_t rows = 0;   ///< how many facts it sums
+    std::uint32_t merged = 0; ///< how many merged strips follow its strips
+    std::uint32_t unused = 0;
 };
-static_assert(sizeof(Rollup) == 40);
+static_assert(sizeof(Rollup) == 48);
 
 /// The rollups of a cube. Their key columns apart, facts have a word of narrow columns and a time. Rows of a
-/// rollup ascend by the word's leading column. Strips ascend by word; a strip has one word and up to 64
+/// rollup ascend by the word's last column. Strips ascend by word; a strip has one word and up to 64
 /// neighbouring granules of time (a block), a bit for each that has facts and, for each such granule, the
-/// sums of all up to it. Opening checks no more than sizes, so that it stays quick: what is read here is safe
-/// to read, not safe to index with.
+/// sums of all up to it. Merged strips are the same facts again, all codes of the word's last column together
+/// under words in which it is 0: for questions that leave it out. Opening checks no more than sizes, so that
+/// it stays quick: what is read here is safe to read, not safe to index with.
 class RollupTable {
 public:
     /// A narrow column and its place in the word.
@@ -54,7 +57,7 @@ public:
             nullptr; ///< the number of each strip's first running sum, and one more
     };
 
-    /// The leading one first; its bits are the word's highest.
+    /// From the word's highest bits to its lowest.
     std::span<const WordColumn> WordColumns() const { return wordColumns_; }
     unsigned BlockBits() const { return blockBits_; }
     std::optional<std::size_t> TimeColumn() const { return timeColumn_; }

@@ -110,6 +110,7 @@ public:
 private:
     static constexpr const char* disorder = "its facts are not in order";
     static constexpr const char* difference = "it differs from the facts";
+    static constexpr std::uint32_t allOfWord = 0xFFFFFFFFU;
 
     std::string FaultOfRows(const Rollup& rollup) const {
         FactContents own, expected;
@@ -122,11 +123,23 @@ private:
     }
 
     std::string FaultOfStrips(const Rollup& rollup) const {
+        const std::string fault = FaultOfStrips(rollup, rollup.start, rollup.strips, allOfWord);
+        if (!fault.empty() || rollup.merged == 0)
+            return fault;
+        if (rollups_.WordColumns().empty())
+            return disorder;
+        const RollupTable::WordColumn& left = rollups_.WordColumns().back();
+        const auto mask = static_cast<std::uint32_t>(((std::uint64_t{1} << left.bits) - 1) << left.shift);
+        return FaultOfStrips(rollup, rollup.start + rollup.strips, rollup.merged, ~mask);
+    }
+    /// `kept` is left of the facts' words.
+    std::string FaultOfStrips(const Rollup& rollup, std::uint64_t start, std::uint32_t count,
+                              std::uint32_t kept) const {
         FactTotals own(facts_.Measures().size()), expected(facts_.Measures().size());
-        if (!AddStrips(rollup, own))
+        if (!AddStrips(rollups_.StripsOf(start, count), count, own))
             return disorder;
         VisitFacts(rollup.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
-            AddTotals(projection, run, rows, expected);
+            AddTotals(projection, run, rows, kept, expected);
         });
         return own.Equals(expected, rollups_.HasCounts()) && rollup.rows == expected.RowCount() ? ""
                                                                                                 : difference;
@@ -197,12 +210,12 @@ private:
         contents.rows += rows.size();
         contents.hashes = std::accumulate(hashes.begin(), hashes.end(), contents.hashes);
     }
-    void AddTotals(const Projection& projection, RowRange run, const RowPlaces& rows,
+    void AddTotals(const Projection& projection, RowRange run, const RowPlaces& rows, std::uint32_t kept,
                    FactTotals& totals) const {
         const auto words = WordsAt(projection, run, rows), times = TimesAt(projection, run, rows);
         std::vector<std::size_t> places(rows.size());
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            places[i] = totals.PlaceOf(words[i], GranuleOf(times[i]));
+            places[i] = totals.PlaceOf(words[i] & kept, GranuleOf(times[i]));
             totals.AddRows(places[i], 1);
         }
         VisitValues(projection, run, rows, [&](std::size_t measure, std::size_t row, std::uint64_t value) {
@@ -279,21 +292,20 @@ private:
             return false;
         const auto words = rollups_.WordColumns();
         bool isSorted = true;
-        std::uint32_t lead = 0;
+        std::uint32_t last = 0;
         VisitChunks(run, [&](RowRange chunk) {
             AddContents(projection, chunk, AllOf(chunk), contents);
             if (words.empty())
                 return;
-            const auto codes = ReadCodes(facts_, projection, words.front().column, chunk);
-            isSorted = isSorted && lead <= codes.front() && std::is_sorted(codes.begin(), codes.end());
-            lead = codes.back();
+            const auto codes = ReadCodes(facts_, projection, words.back().column, chunk);
+            isSorted = isSorted && last <= codes.front() && std::is_sorted(codes.begin(), codes.end());
+            last = codes.back();
         });
         return isSorted;
     }
 
-    bool AddStrips(const Rollup& rollup, FactTotals& totals) const {
-        const RollupTable::Strips strips = rollups_.StripsOf(rollup.start, rollup.strips);
-        for (std::uint32_t i = 0; i < rollup.strips; ++i) {
+    bool AddStrips(const RollupTable::Strips& strips, std::uint32_t count, FactTotals& totals) const {
+        for (std::uint32_t i = 0; i < count; ++i) {
             const std::uint32_t entries = strips.entries[i + 1] - strips.entries[i];
             if ((i > 0 && strips.words[i] <= strips.words[i - 1]) || entries == 0 ||
                 entries != static_cast<std::uint32_t>(std::popcount(strips.periods[i])) ||

@@ -299,10 +299,11 @@ TEST_F(RollupTest, AreMadeOfMembersOfOneName) {
 
 TEST_F(RollupTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
     const RollupTable& rollups = *Table().Rollups();
-    std::size_t strips = 0, rows = 0;
+    std::size_t strips = 0, merged = 0, rows = 0;
     for (std::uint64_t i = 0; i < rollups.Count(); ++i) {
         const Rollup& rollup = rollups.At(i);
         (rollup.strips > 0 ? strips : rows) += 1;
+        merged += rollup.merged > 0 ? 1 : 0;
         EXPECT_EQ(rollups.Find(rollup.key), &rollup);
         const auto total =
             static_cast<std::uint64_t>(std::count_if(facts_.begin(), facts_.end(), [&](const Fact& fact) {
@@ -322,6 +323,7 @@ TEST_F(RollupTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
         EXPECT_EQ(rollup.rows, total) << "rollup " << i;
     }
     EXPECT_GT(strips, 0U);
+    EXPECT_GT(merged, 0U);
     EXPECT_GT(rows, 0U);
     EXPECT_NO_THROW(file_->Verify({}));
 }

@@ -171,13 +171,13 @@ TEST(CubeFile, TellsAnotherVersionFromDamage) {
     const TemporaryFolder folder;
     SmallCube().Write(folder.Path("a.cub"));
     std::string bytes = folder.Read("a.cub");
-    bytes[8] = 3;
+    ++bytes[8];
     try {
         CubeFile::Open(folder.Write("new.cub", bytes));
         ADD_FAILURE();
     } catch (const EngineError& error) {
         EXPECT_EQ(error.Kind(), ErrorKind::UnsupportedVersion);
-        EXPECT_THAT(error.what(), HasSubstr("format version 3; this program reads version 2"));
+        EXPECT_THAT(error.what(), HasSubstr("format version 4; this program reads version 3"));
     }
 }
 
@@ -358,9 +358,9 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "section of the rollups"},
         {"a rollup beyond the rows", [](auto& c) { c.rollups.records[1].start = 1; },
          "rollup 2: its facts are not in order"},
-        {"a rollup beyond the strips", [](auto& c) { c.rollups.records[0].strips = 3; },
+        {"a rollup beyond the strips", [](auto& c) { c.rollups.records[0].strips = 5; },
          "lie outside a section"},
-        {"strips that descend", [](auto& c) { Set(c.rollups.stripWords, 1, 0); },
+        {"strips that descend", [](auto& c) { Set(c.rollups.stripWords, 1, 0, 0); },
          "rollup 1: its facts are not in order"},
         {"a strip of other periods", [](auto& c) { c.rollups.stripPeriods[0] = 3; },
          "rollup 1: its facts are not in order"},
@@ -368,6 +368,12 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "rollup 2: its facts are not in order"},
         {"a sum that differs", [](auto& c) { c.rollups.sums[0][1] = 8; },
          "rollup 1: it differs from the facts"},
+        {"a merged sum that differs", [](auto& c) { c.rollups.sums[0][2] = 8; },
+         "rollup 1: it differs from the facts"},
+        {"merged strips of one firm", [](auto& c) { c.rollups.stripWords[2] = 1; },
+         "rollup 1: it differs from the facts"},
+        {"merged strips beyond the strips", [](auto& c) { c.rollups.records[0].merged = 2; },
+         "lie outside a section"},
         {"sums of other words", [](auto& c) { std::swap(c.rollups.sums[0][0], c.rollups.sums[0][1]); },
          "rollup 1: it differs from the facts"},
         {"sums of other periods",

@@ -60,13 +60,13 @@ SmallCube::SmallCube() {
 
     rollups.wordColumns = {{1, 0, 1}};
     rollups.granules = {0, 1};
-    rollups.records = {{{}, 2, 0, 3}, {{0, RollupKey::noColumn, {1, 2}, {}}, 0, 0, 2}};
+    rollups.records = {{{}, 2, 0, 3, 1}, {{0, RollupKey::noColumn, {1, 2}, {}}, 0, 0, 2}};
     rollups.rows = 2;
-    rollups.stripWords = {0, 1};
-    rollups.stripPeriods = {1, 1};
-    rollups.stripEntries = {0, 1, 2};
-    rollups.sums = {{-2, 9}, {}};
-    rollups.counts = {2, 1};
+    rollups.stripWords = {0, 1, 0};
+    rollups.stripPeriods = {1, 1, 1};
+    rollups.stripEntries = {0, 1, 2, 3};
+    rollups.sums = {{-2, 9, 7}, {}};
+    rollups.counts = {2, 1, 3};
     rollupFirms = {0, 1};
     rollupValues = {-7, 9};
 }
@@ -75,7 +75,9 @@ void SmallCube::SumByAccounts() {
     rollups.timeColumn = 0;
     rollups.granules = {0, 1, 2};
     rollups.records.resize(1);
+    rollups.records[0].merged = 0;
     rollups.rows = 0;
+    rollups.stripWords = {0, 1};
     rollups.stripPeriods = {3, 2};
     rollups.stripEntries = {0, 2, 3};
     rollups.sums = {{5, -2, 9}, {}};

@@ -16,7 +16,7 @@ struct SmallCube {
     /// By sort order: a byte for each fact.
     std::vector<std::vector<std::vector<std::uint8_t>>> keys;
     std::vector<std::vector<std::int8_t>> values;
-    /// All facts in strips by firm, and those of account 1 as rows.
+    /// All facts in strips by firm and merged, and those of account 1 as rows.
     RollupModel rollups;
     std::vector<std::uint8_t> rollupFirms;
     std::vector<std::int8_t> rollupValues;
