@@ -4,28 +4,17 @@
 #include "engine/build/RollupChoice.h"
 #include "engine/build/RollupLayers.h"
 #include "engine/build/RollupLayout.h"
+#include "engine/build/RollupStrips.h"
 
 #include <algorithm>
 #include <atomic>
-#include <bit>
 #include <future>
 #include <numeric>
-#include <optional>
 #include <span>
-#include <utility>
 
 namespace qel::engine {
 
 namespace {
-
-constexpr std::uint32_t blockGranules = 64;
-
-/// The strip that a fact belongs to, and its granule.
-struct StripPlace {
-    std::uint32_t word = 0, granule = 0;
-
-    bool operator==(const StripPlace&) const = default;
-};
 
 struct StripCount {
     std::uint64_t strips = 0, entries = 0;
@@ -35,66 +24,8 @@ struct StripCount {
 struct MadeRollup {
     Rollup record;
     RowNumbers rows; ///< of a rollup that is rows
-    std::vector<std::uint32_t> words, firstEntries;
-    std::vector<std::uint64_t> periods;
-    std::vector<std::vector<std::int64_t>> sums; ///< by measure
-    std::vector<std::uint32_t> counts;
+    RollupStrips strips;
 };
-
-/// Writes strips behind those of a rollup, entry by entry: by word and granule.
-class StripWriter {
-public:
-    StripWriter(MadeRollup& made, std::span<const std::size_t> summed) : made_(made), summed_(summed) {}
-
-    /// Goes on with the entry of that place, which is the last one or behind it: the last of the counts and
-    /// of the sums is its own.
-    void MoveTo(StripPlace place) {
-        const bool isNewStrip = !last_ || last_->word != place.word;
-        if (isNewStrip) {
-            made_.words.push_back(place.word);
-            made_.periods.push_back(0);
-            made_.firstEntries.push_back(static_cast<std::uint32_t>(made_.counts.size()));
-        }
-        if (isNewStrip || last_->granule != place.granule) {
-            made_.periods.back() |= std::uint64_t{1} << place.granule % blockGranules;
-            made_.counts.push_back(isNewStrip ? 0 : made_.counts.back());
-            for (const std::size_t i : summed_)
-                made_.sums[i].push_back(isNewStrip ? 0 : made_.sums[i].back());
-        }
-        last_ = place;
-    }
-
-private:
-    MadeRollup& made_;
-    std::span<const std::size_t> summed_; ///< measures; the others count
-    std::optional<StripPlace> last_;
-};
-
-/// One running sum of a rollup's strips.
-struct StripEntry {
-    StripPlace place;
-    std::uint32_t number = 0;
-    bool isFirst = false; ///< of its strip
-};
-
-/// By their places, of which `kept` is left of the words.
-std::vector<StripEntry> SortedEntries(const MadeRollup& made, std::uint32_t kept) {
-    std::vector<StripEntry> entries;
-    entries.reserve(made.counts.size());
-    for (std::size_t strip = 0; strip < made.words.size(); ++strip) {
-        std::uint32_t number = made.firstEntries[strip];
-        for (std::uint64_t left = made.periods[strip]; left != 0; left &= left - 1, ++number) {
-            const auto granule = static_cast<std::uint32_t>(std::countr_zero(left)); // of the word's block
-            entries.push_back(
-                {{made.words[strip] & kept, granule}, number, number == made.firstEntries[strip]});
-        }
-    }
-    std::sort(entries.begin(), entries.end(), [](const StripEntry& left, const StripEntry& right) {
-        return std::pair(left.place.word, left.place.granule) <
-               std::pair(right.place.word, right.place.granule);
-    });
-    return entries;
-}
 
 /// Makes the rollups from facts that are sorted by word and time; every step keeps that order.
 class RollupMaker {
@@ -109,9 +40,7 @@ private:
     MadeRollup MakeOne(const ChosenRollup& chosen, std::span<const std::uint32_t> rows) const;
     RowNumbers ByLastWordColumn(std::span<const std::uint32_t> rows) const;
     StripCount CountStrips(std::span<const std::uint32_t> rows) const;
-    void MakeStrips(std::span<const std::uint32_t> rows, StripCount count, MadeRollup& made) const;
-    /// Adds the merged strips where they are far fewer.
-    void MergeStrips(MadeRollup& made) const;
+    void MakeStrips(std::span<const std::uint32_t> rows, StripCount count, RollupStrips& strips) const;
     void MakeOf(const std::vector<const ChosenRollup*>& chosen, std::span<const std::uint32_t> rows,
                 std::vector<MadeRollup>& made) const;
 
@@ -146,7 +75,7 @@ void RollupMaker::FindGranules(const std::vector<std::uint32_t>& times) {
         granuleOf.insert(granuleOf.end(), layout_.granules[granule + 1] - layout_.granules[granule], granule);
     for (std::size_t row = 0; row < places_.size(); ++row) {
         places_[row].granule = granuleOf[times[row]];
-        places_[row].word |= places_[row].granule / blockGranules;
+        places_[row].word |= places_[row].granule / granulesOfBlock;
     }
 }
 
@@ -213,13 +142,15 @@ MadeRollup RollupMaker::MakeOne(const ChosenRollup& chosen, std::span<const std:
     MadeRollup made;
     made.record.key = chosen.Key();
     made.record.rows = rows.size();
-    made.sums.resize(model_.measures.size());
+    made.strips.sums.resize(model_.measures.size());
     if (rows.size() >= leastRowsOfStrips) {
         const StripCount count = CountStrips(rows);
         if (count.strips * stripBytes + count.entries * StripEntryBytes(model_) <=
             rows.size() * RollupRowBytes(model_, layout_)) {
-            MakeStrips(rows, count, made);
-            MergeStrips(made);
+            made.record.strips = static_cast<std::uint32_t>(count.strips);
+            MakeStrips(rows, count, made.strips);
+            if (!layout_.wordColumns.empty())
+                made.record.merged = MergeStrips(layout_.wordColumns.back(), summed_, made.strips);
             return made;
         }
     }
@@ -254,45 +185,20 @@ StripCount RollupMaker::CountStrips(std::span<const std::uint32_t> rows) const {
     return count;
 }
 
-void RollupMaker::MakeStrips(std::span<const std::uint32_t> rows, StripCount count, MadeRollup& made) const {
-    made.record.strips = static_cast<std::uint32_t>(count.strips);
-    made.words.reserve(count.strips);
-    made.periods.reserve(count.strips);
-    made.firstEntries.reserve(count.strips);
-    made.counts.reserve(count.entries);
+void RollupMaker::MakeStrips(std::span<const std::uint32_t> rows, StripCount count,
+                             RollupStrips& strips) const {
+    strips.words.reserve(count.strips);
+    strips.periods.reserve(count.strips);
+    strips.firstEntries.reserve(count.strips);
+    strips.counts.reserve(count.entries);
     for (const std::size_t i : summed_)
-        made.sums[i].reserve(count.entries);
-    StripWriter writer(made, summed_);
+        strips.sums[i].reserve(count.entries);
+    StripWriter writer(strips, summed_);
     for (const std::uint32_t row : rows) {
         writer.MoveTo(places_[row]);
-        ++made.counts.back();
+        ++strips.counts.back();
         for (const std::size_t i : summed_)
-            made.sums[i].back() += facts_.values[i][row] / model_.measures[i].unit;
-    }
-}
-
-void RollupMaker::MergeStrips(MadeRollup& made) const {
-    constexpr std::size_t leastMergedInOne = 4;
-    if (layout_.wordColumns.empty())
-        return;
-    const RollupTable::WordColumn& left = layout_.wordColumns.back();
-    const auto kept = static_cast<std::uint32_t>(~(((std::uint64_t{1} << left.bits) - 1) << left.shift));
-    std::vector<std::uint32_t> words = made.words;
-    std::transform(words.begin(), words.end(), words.begin(), [&](auto word) { return word & kept; });
-    std::sort(words.begin(), words.end());
-    words.erase(std::unique(words.begin(), words.end()), words.end());
-    if (words.size() * leastMergedInOne > made.words.size())
-        return;
-    made.record.merged = static_cast<std::uint32_t>(words.size());
-    StripWriter writer(made, summed_);
-    for (const StripEntry& entry : SortedEntries(made, kept)) {
-        writer.MoveTo(entry.place);
-        const auto added = [&](const auto& running) {
-            return running[entry.number] - (entry.isFirst ? 0 : running[entry.number - 1]);
-        };
-        made.counts.back() += added(made.counts);
-        for (const std::size_t i : summed_)
-            made.sums[i].back() += added(made.sums[i]);
+            strips.sums[i].back() += facts_.values[i][row] / model_.measures[i].unit;
     }
 }
 
@@ -302,8 +208,8 @@ void Reserve(const std::vector<std::vector<MadeRollup>>& made, bool hasCounts, R
     for (const std::vector<MadeRollup>& ofLayer : made) {
         rollups += ofLayer.size();
         for (const MadeRollup& rollup : ofLayer) {
-            strips += rollup.words.size();
-            entries += rollup.counts.size();
+            strips += rollup.strips.words.size();
+            entries += rollup.strips.counts.size();
         }
     }
     model.records.reserve(rollups);
@@ -323,18 +229,19 @@ void Append(MadeRollup& made, bool hasCounts, BuiltRollups& built) {
         model.rows += made.rows.size();
         built.rows.push_back(std::move(made.rows));
     } else {
+        const RollupStrips& strips = made.strips;
         made.record.start = model.stripWords.size();
         const std::uint32_t firstEntry = model.stripEntries.back();
         model.stripEntries.pop_back();
-        for (const std::uint32_t entry : made.firstEntries)
+        for (const std::uint32_t entry : strips.firstEntries)
             model.stripEntries.push_back(firstEntry + entry);
-        model.stripEntries.push_back(firstEntry + static_cast<std::uint32_t>(made.counts.size()));
-        model.stripWords.insert(model.stripWords.end(), made.words.begin(), made.words.end());
-        model.stripPeriods.insert(model.stripPeriods.end(), made.periods.begin(), made.periods.end());
-        for (std::size_t i = 0; i < made.sums.size(); ++i)
-            model.sums[i].insert(model.sums[i].end(), made.sums[i].begin(), made.sums[i].end());
+        model.stripEntries.push_back(firstEntry + static_cast<std::uint32_t>(strips.counts.size()));
+        model.stripWords.insert(model.stripWords.end(), strips.words.begin(), strips.words.end());
+        model.stripPeriods.insert(model.stripPeriods.end(), strips.periods.begin(), strips.periods.end());
+        for (std::size_t i = 0; i < strips.sums.size(); ++i)
+            model.sums[i].insert(model.sums[i].end(), strips.sums[i].begin(), strips.sums[i].end());
         if (hasCounts)
-            model.counts.insert(model.counts.end(), made.counts.begin(), made.counts.end());
+            model.counts.insert(model.counts.end(), strips.counts.begin(), strips.counts.end());
     }
     model.records.push_back(made.record);
 }

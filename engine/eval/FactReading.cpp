@@ -4,6 +4,7 @@
 #include "engine/eval/ScanPlan.h"
 #include "engine/eval/VisitBlocks.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qel::engine {
@@ -83,11 +84,12 @@ FactSum FactReading::Sum() const {
     return Subtracts() ? Subtract(total) : total;
 }
 
-/// The columns lie far apart: what is read first is asked of memory for all of them at once.
-void FactReading::Prefetch(const Projection& projection, RowRange run,
+/// Asks memory for the first block of the rows, in all columns at once: these lie far apart, and what the
+/// processor foresees by itself ends with each page of memory.
+void FactReading::Prefetch(const Projection& projection, RowRange rows,
                            std::span<const BlockFilter> filters) const {
-    constexpr std::uint64_t rowsAhead = 128, lineBytes = 64;
-    const RowRange start{run.first, std::min(run.last, run.first + rowsAhead)};
+    constexpr std::uint64_t lineBytes = 64;
+    const RowRange start{rows.first, std::min(rows.last, rows.first + blockRows)};
     const auto fetch = [&](const std::byte* values, std::uint64_t width) {
         const std::uint64_t bytes = start.Count() * width;
         for (std::uint64_t at = 0; at < bytes; at += lineBytes) {
@@ -113,6 +115,7 @@ FactSum FactReading::SumRows(bool areSubtracted) const {
         for (std::uint32_t i = read.firstRun; i < read.lastRun; ++i) {
             Prefetch(*read.projection, runs_[i], filters);
             VisitBlocks(*read.projection, runs_[i], filters, [&](RowRange block, const BlockMask* mask) {
+                Prefetch(*read.projection, {block.last, runs_[i].last}, filters);
                 blocks.Add(*read.projection, block, mask);
                 return true;
             });

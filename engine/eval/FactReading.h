@@ -53,7 +53,7 @@ private:
     void AddRows(const Projection& projection, std::span<const RowRange> runs,
                  std::span<const Restriction> tests, bool areSubtracted);
     FactSum SumRows(bool areSubtracted) const;
-    void Prefetch(const Projection& projection, RowRange run, std::span<const BlockFilter> filters) const;
+    void Prefetch(const Projection& projection, RowRange rows, std::span<const BlockFilter> filters) const;
     FactSum Subtract(FactSum total) const;
 
     const FactTable* facts_;
