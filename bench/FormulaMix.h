@@ -8,7 +8,8 @@ namespace qel::bench {
 
 /// Formulas as reports hold them: mostly accounts and summary groups on a unit, a cost centre or an activity,
 /// some wide, with most of the small dimensions; for a year, a year to date, a month and other spans, one in
-/// eleven not of whole months. Half are around lines of the ledger, half of members drawn one by one.
+/// eleven not of whole months. Half are around lines of the ledger, half of accounts, units
+/// and so on drawn one by one.
 std::vector<ledger::Selection> DrawFormulas(ledger::RandomSelections& selections, std::uint64_t seed,
                                             std::size_t count, ledger::LedgerCube cube);
 

@@ -9,7 +9,8 @@ namespace {
 
 /// More granules than this would leave strips with little to share.
 constexpr std::size_t mostGranules = 400;
-constexpr unsigned wordBits = 32;
+/// One less than a word has: a column of one code takes no bits, and would be shifted by all 32.
+constexpr unsigned wordBits = 31;
 /// A column of more bits has groups of members that are asked for; it is a key of rollups instead.
 constexpr unsigned mostBitsInWord = 5;
 constexpr std::uint32_t blockGranules = 64;

@@ -14,8 +14,8 @@
 namespace qel::engine {
 
 /// How the facts of one cell are read: from which rows and which strips of rollups. It is found once and
-/// serves any number of reads, on any thread, for as long as the facts and the codes of the restrictions that
-/// it was found for live. All below raise EngineError (DamagedFile).
+/// serves any number of reads, on any thread, for as long as the facts live. All below raise EngineError
+/// (DamagedFile).
 class FactReading {
 public:
     FactReading(const FactTable& facts, std::size_t measure) : facts_(&facts), measure_(measure) {}

@@ -6,29 +6,9 @@
 
 namespace qel::engine {
 
-namespace {
-
-/// The cell's restrictions, with their codes copied to `codes`.
-std::vector<Restriction> Own(const FactCell& cell, std::vector<KeyRange>& codes) {
-    std::size_t count = 0;
-    for (const Restriction& restriction : cell.restrictions) {
-        count += restriction.codes.size();
-    }
-    codes.reserve(count); // the restrictions are views of it
-    std::vector<Restriction> restrictions;
-    for (const Restriction& restriction : cell.restrictions) {
-        const KeyRange* const first = codes.data() + codes.size();
-        codes.insert(codes.end(), restriction.codes.begin(), restriction.codes.end());
-        restrictions.push_back({restriction.keyColumn, CodeRanges(first, restriction.codes.size())});
-    }
-    return restrictions;
-}
-
-} // namespace
-
 StatementPlan::StatementPlan(const Cube& cube, Cellset answer, const FactCell& cell)
     : cube_(cube), answer_(std::move(answer)), measure_(cell.measure),
-      reading_(PlanReading(cube.Facts(), Own(cell, codes_), measure_)) {}
+      reading_(PlanReading(cube.Facts(), cell.restrictions, measure_)) {}
 
 Cellset StatementPlan::Run() const {
     Cellset answer;
@@ -39,7 +19,7 @@ Cellset StatementPlan::Run() const {
 }
 
 std::size_t StatementPlan::Bytes() const {
-    return sizeof *this + answer_.AxisBytes() + codes_.size() * sizeof(KeyRange) + reading_.OwnedBytes();
+    return sizeof *this + answer_.AxisBytes() + reading_.OwnedBytes();
 }
 
 } // namespace qel::engine

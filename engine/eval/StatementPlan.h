@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <memory>
 #include <string_view>
-#include <vector>
 
 namespace qel::engine {
 
@@ -30,7 +29,6 @@ private:
     const Cube& cube_;
     Cellset answer_;
     MemberId measure_;
-    std::vector<KeyRange> codes_; ///< of the cell's restrictions, which the reading refers to
     FactReading reading_;
 };
 

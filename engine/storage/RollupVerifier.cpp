@@ -104,6 +104,9 @@ public:
         const Rollup rollup = stored; // what is checked of it is relied on
         if (!IsOfColumns(rollup.key))
             return "its key has codes that do not exist";
+        if (rollup.unused != 0 ||
+            (rollup.merged != 0 && (rollup.strips == 0 || rollups_.WordColumns().empty())))
+            return "it has merged strips where there can be none";
         return rollup.strips == 0 ? FaultOfRows(rollup) : FaultOfStrips(rollup);
     }
 
@@ -126,8 +129,6 @@ private:
         const std::string fault = FaultOfStrips(rollup, rollup.start, rollup.strips, allOfWord);
         if (!fault.empty() || rollup.merged == 0)
             return fault;
-        if (rollups_.WordColumns().empty())
-            return disorder;
         const RollupTable::WordColumn& left = rollups_.WordColumns().back();
         const auto mask = static_cast<std::uint32_t>(((std::uint64_t{1} << left.bits) - 1) << left.shift);
         return FaultOfStrips(rollup, rollup.start + rollup.strips, rollup.merged, ~mask);

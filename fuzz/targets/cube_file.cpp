@@ -86,7 +86,8 @@ std::size_t AskFacts(const Cube& cube) {
     return sum + cube.FindMeasure("amount").value_or(0) + facts.Measures()[cube.DefaultMeasure()].name.size();
 }
 
-/// Asks for the facts of every rollup, and for those of one period in the middle of time.
+/// Asks for the facts of every rollup, for those of one code of each narrow column, and for those of a span
+/// of time.
 std::size_t AskRollups(const FactTable& facts) {
     std::size_t sum = 0;
     const RollupTable* const rollups = facts.Rollups();
@@ -102,6 +103,12 @@ std::size_t AskRollups(const FactTable& facts) {
         restrict(key.secondColumn, key.second);
         for (std::size_t measure = 0; measure < facts.Measures().size(); ++measure)
             sum += SumFacts(facts, restrictions, measure).rows;
+        for (const RollupTable::WordColumn& word : rollups->WordColumns()) {
+            static constexpr KeyRange lowest{0, 1};
+            std::vector<Restriction> narrowed = restrictions;
+            narrowed.push_back({word.column, CodeRanges(&lowest, 1)});
+            sum += SumFacts(facts, narrowed, 0).rows;
+        }
         if (const auto time = rollups->TimeColumn()) {
             const KeyRange middle{facts.KeyColumns()[*time].codes / 3, facts.KeyColumns()[*time].codes};
             restrict(*time, middle);

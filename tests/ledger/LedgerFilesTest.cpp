@@ -10,6 +10,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -136,24 +137,47 @@ TEST(GroupLedger, BalancesAndUsesOnlyCodesOfItsTables) {
     EXPECT_LT(books.result, 0) << "the group makes a profit over the three years";
 }
 
+/// Every group lies in one group of the level above; the columns are from the widest level on.
+void ExpectNested(const DimensionTable& table, const std::vector<std::size_t>& columns) {
+    for (std::size_t level = 1; level < columns.size(); ++level) {
+        std::map<std::string, std::set<std::string>> parents;
+        for (const std::vector<std::string>& row : table.rows) {
+            parents[row[columns[level]]].insert(row[columns[level - 1]]);
+        }
+        EXPECT_GT(parents.size(), level) << table.file;
+        for (const auto& [group, above] : parents) {
+            EXPECT_EQ(above.size(), 1U) << table.file << ": " << group;
+        }
+    }
+}
+
 TEST(WideLedger, HasTheAskedShapeAndBalances) {
     const WideLedgerShape shape{.rows = 20'000, .accounts = 50, .obsLeaves = 40, .months = 2};
     const WideLedger ledger(shape);
     Books books;
-    std::uint64_t rows = 0;
+    std::uint64_t rows = 0, usual = 0;
     std::chrono::year_month_day last{};
+    std::map<std::string, std::map<std::string, std::uint64_t>> numbersOfLeaf;
     ledger.Generate(5, [&](const LedgerLine& line) {
         books.Add(line);
         EXPECT_LE(last, line.date);
         last = line.date;
         ++rows;
+        ++numbersOfLeaf[std::string(line.analysis.obs)][std::string(line.analysis.obsNumber)];
     });
-    EXPECT_GE(rows, shape.rows);
-    EXPECT_LT(rows, shape.rows + 6);
+    EXPECT_EQ(rows, shape.rows);
     books.ExpectBalanced();
     books.ExpectCodesIn(ledger.Tables());
     EXPECT_EQ(books.used["accounts.csv"].size(), 50U);
     EXPECT_EQ(books.used["obs.csv"].size(), 40U);
+    for (const auto& [leaf, numbers] : numbersOfLeaf) {
+        usual += std::max_element(numbers.begin(), numbers.end(), [](const auto& left, const auto& right) {
+                     return left.second < right.second;
+                 })->second;
+    }
+    EXPECT_GT(usual, rows * 85 / 100) << "a leaf's lines keep to its number";
+    ExpectNested(WideLedger({}).Tables()[3], {1, 4, 7, 0}); // obs.csv: three levels of groups, and the leaf
+    ExpectNested(WideLedger({}).Tables()[0], {4, 7, 10, 0});
     EXPECT_EQ(last, std::chrono::year{2020} / 2 / 29);
 }
 

@@ -52,7 +52,7 @@ inline constexpr std::size_t dateShapeCount = 9;
 /// Where drawn members come from.
 enum class Around {
     Line,   ///< a line of the ledger: busy members more often, and there is something to sum
-    Members ///< each dimension for itself, every member as often as another
+    Members ///< accounts, activities, cost centres, OBS and its numbers each for itself and evenly
 };
 
 /// Draws selections, most of them so that they sum something.

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <iterator>
@@ -111,6 +112,37 @@ TEST(LargeShapes, MillionAccountsThirtyYearsOfDaysAndOneFirm) {
 
     constexpr std::uint64_t bytesEach = 130; // of an account and its line
     EXPECT_LT(std::filesystem::file_size(options.output), bytesEach * accountCount);
+}
+
+/// Columns of 1, 2, 2, 4, 5 and five times 20 codes take 32 bits, one more than strips have room for.
+TEST(LargeShapes, AsManyNarrowColumnsAsFillAWord) {
+    constexpr std::array<std::uint32_t, 10> codes{1, 2, 2, 4, 5, 20, 20, 20, 20, 20};
+    std::string ledger = "date,c0,c1,c2,c3,c4,c5,c6,c7,c8,c9,amount\n", dimensions;
+    for (std::uint32_t i = 0; i < 6'000; ++i) {
+        ledger += fmt::format("{}-{:02}-01", 2020 + i % 5, 1 + i / 5 % 12);
+        for (std::size_t column = 0; column < codes.size(); ++column) {
+            ledger += fmt::format(",{}", 10 + i / (column + 1) % codes[column]);
+        }
+        ledger += ",1.50\n";
+    }
+    for (std::size_t column = 0; column < codes.size(); ++column) {
+        dimensions += fmt::format(R"(, {{ "name": "C{0}", "column": "c{0}" }})", column);
+    }
+    const TemporaryFolder folder;
+    folder.Write("ledger.csv", ledger);
+    BuildOptions options;
+    options.definition = folder.Write(
+        "narrow.json", R"({ "tables": { "ledger": { "file": "ledger.csv" } },
+        "cubes": [ { "name": "Large", "facts": "ledger", "dimensions": [
+          { "name": "Date", "column": "date", "calendar": { "periods": "months" } })" +
+                           dimensions +
+                           R"( ], "measures": [ { "name": "Amount", "column": "amount" } ] } ] })");
+    options.output = folder.Path("narrow.cub");
+    BuildCube(options);
+    const auto file = CubeFile::Open(options.output);
+    EXPECT_NO_THROW(file->Verify({}));
+    EXPECT_EQ(Cents(file->Cubes()[0], "[C0].[10]"), 900'000);
+    EXPECT_EQ(Cents(file->Cubes()[0], "[C1].[11]"), 450'000);
 }
 
 } // namespace
