@@ -126,7 +126,7 @@ private:
     }
 
     std::string FaultOfStrips(const Rollup& rollup) const {
-        const std::string fault = FaultOfStrips(rollup, rollup.start, rollup.strips, allOfWord);
+        std::string fault = FaultOfStrips(rollup, rollup.start, rollup.strips, allOfWord);
         if (!fault.empty() || rollup.merged == 0)
             return fault;
         const RollupTable::WordColumn& left = rollups_.WordColumns().back();
