@@ -66,7 +66,7 @@ BenchData PrepareBenchData(const std::filesystem::path& folder, const std::files
     std::filesystem::create_directories(own);
     Timed("ledger in CSV", [&] { Generate(own, rows, seed); });
     Timed("cube file", [&] { Build(own / "ledger.json", data.cubeFile); });
-    Timed("SQLite database", [&] { MakeSqliteDatabase(own, data.database); });
+    Timed("SQLite database", [&] { MakeSqliteDatabase(own, data.database, rows <= mostPeerFacts); });
     std::ofstream(done) << "complete\n";
     return data;
 }

@@ -7,6 +7,9 @@
 
 namespace qel::bench {
 
+/// More facts than these fill the memory and take the peers too long: there the engine is measured alone.
+inline constexpr std::uint64_t mostPeerFacts = 10'000'000;
+
 /// A generated ledger, its cube and its SQLite database.
 struct BenchData {
     std::filesystem::path csvFolder, cubeFile, database;

@@ -130,6 +130,9 @@ std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePe
     }
 
     PrintListings(options, data, cube, report);
+    if (!sqlite.HasFacts()) {
+        return 0;
+    }
 
     std::vector<Selection> first(all.Formulas().begin(),
                                  all.Formulas().begin() + static_cast<std::ptrdiff_t>(std::min(
@@ -176,13 +179,16 @@ std::size_t RunBench(const BenchOptions& options, const std::filesystem::path& p
         report.BeginCube("both");
         const double opening = OpeningMilliseconds(data);
         report.Number("bytes", perFact(data.cubeFile) / 2);
-        report.Number("SQLite bytes", perFact(data.database));
         report.Number("open ms", opening);
-        fmt::print("bytes a fact: {:.1f} a cube (two in the file), SQLite {:.1f}\nopen: {:.2f} ms\n",
-                   perFact(data.cubeFile) / 2, perFact(data.database), opening);
+        fmt::print("bytes a fact: {:.1f} a cube (two in the file)\nopen: {:.2f} ms\n",
+                   perFact(data.cubeFile) / 2, opening);
         SqlitePeer sqlite(data.database);
+        if (sqlite.HasFacts()) {
+            report.Number("SQLite bytes", perFact(data.database));
+            fmt::print("bytes a fact in SQLite: {:.1f}\n", perFact(data.database));
+        }
         std::optional<DuckDbPeer> duckDb;
-        if (!options.duckDb.empty()) {
+        if (!options.duckDb.empty() && sqlite.HasFacts()) {
             duckDb.emplace(options.duckDb, sqlite);
             fmt::print("DuckDB {}\n", duckDb->Version());
         }

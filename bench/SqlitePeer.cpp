@@ -74,10 +74,14 @@ double BindAndRun(ledger::SqlStatement& statement, const SqliteCell& cell) {
 
 } // namespace
 
-void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::filesystem::path& file) {
+void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::filesystem::path& file,
+                        bool facts) {
     ledger::SqlDatabase database(file.string());
     database.Run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF");
     ledger::LoadLedger(csvFolder, database);
+    if (!facts) {
+        return;
+    }
     for (const char* table : {"accounts", "activities", "cost_centres", "obs", "obs_numbers"}) {
         database.Run(fmt::format("CREATE INDEX {0}_by_code ON {0} (code)", table));
     }
@@ -97,8 +101,13 @@ void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::files
     database.Run("ANALYZE");
 }
 
-SqlitePeer::SqlitePeer(const std::filesystem::path& file) : database_(file.string()) {
+SqlitePeer::SqlitePeer(const std::filesystem::path& file)
+    : database_(file.string()),
+      hasFacts_(database_.Number("SELECT count(*) FROM sqlite_master WHERE name = 'facts'") != 0) {
     database_.Run("PRAGMA query_only = ON; PRAGMA mmap_size = 8000000000; PRAGMA cache_size = -1000000");
+    if (!hasFacts_) {
+        return;
+    }
     for (const char* table :
          {"accounts", "activities", "cost_centres", "firms", "plbs", "rh", "opening_balance", "money_sets"}) {
         ReadRanges(table, "code");

@@ -13,7 +13,9 @@ namespace qel::bench {
 /// Puts the ledger of the folder into an SQLite database laid out for reading cells: codes as small numbers
 /// in tree order, so that a summary group is a range, and covering indexes that begin with the account, the
 /// OBS leaf, the cost centre and the activity.
-void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::filesystem::path& file);
+/// Without `facts` it has the ledger and its tables alone, from which formulas can be drawn.
+void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::filesystem::path& file,
+                        bool facts);
 
 /// A cell as SQLite answers it: a statement that is prepared already and the values to bind.
 struct SqliteCell {
@@ -37,6 +39,8 @@ public:
     double RunText(const SqliteCell& cell);
 
     ledger::SqlDatabase& Database() { return database_; }
+    /// False for a database that was made without; it answers no cell.
+    bool HasFacts() const { return hasFacts_; }
 
 private:
     /// The numbers of the lines of a table that a member stands for.
@@ -51,6 +55,7 @@ private:
     ledger::SqlDatabase database_;
     std::unordered_map<std::string, Ranges> ranges_; ///< by "table.column"
     std::unordered_map<std::string, ledger::SqlStatement> statements_;
+    bool hasFacts_;
     CalendarDay first_, last_;
 };
 
