@@ -2,8 +2,8 @@
 
 #include "examples/ledger/WideLedger.h"
 
-#include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace qel::bench {
 namespace {

@@ -75,7 +75,7 @@ void RollupMaker::FindGranules(const std::vector<std::uint32_t>& times) {
         granuleOf.insert(granuleOf.end(), layout_.granules[granule + 1] - layout_.granules[granule], granule);
     for (std::size_t row = 0; row < places_.size(); ++row) {
         places_[row].granule = granuleOf[times[row]];
-        places_[row].word |= places_[row].granule / granulesOfBlock;
+        places_[row].word |= places_[row].granule / RollupTable::blockGranules;
     }
 }
 

@@ -13,7 +13,6 @@ constexpr std::size_t mostGranules = 400;
 constexpr unsigned wordBits = 31;
 /// A column of more bits has groups of members that are asked for; it is a key of rollups instead.
 constexpr unsigned mostBitsInWord = 5;
-constexpr std::uint32_t blockGranules = 64;
 
 const HierarchyModel* TimeHierarchy(const CubeModel& model) {
     for (const DimensionModel& dimension : model.dimensions) {
@@ -48,7 +47,8 @@ RollupModel LayOutRollups(const CubeModel& model) {
         rollups.timeColumn = time->keyColumn;
         rollups.granules = GranulesOf(*time, model.keyColumns[*time->keyColumn].codes);
     }
-    const auto blocks = static_cast<std::uint32_t>((rollups.granules.size() - 2) / blockGranules);
+    const auto blocks =
+        static_cast<std::uint32_t>((rollups.granules.size() - 2) / RollupTable::blockGranules);
     rollups.blockBits = static_cast<std::uint8_t>(std::bit_width(blocks));
     std::vector<std::uint16_t> narrow;
     for (std::size_t i = 0; i < model.keyColumns.size(); ++i) {

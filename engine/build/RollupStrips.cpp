@@ -51,7 +51,7 @@ void StripWriter::MoveTo(StripPlace place) {
         strips_.firstEntries.push_back(static_cast<std::uint32_t>(strips_.counts.size()));
     }
     if (isNewStrip || last_->granule != place.granule) {
-        strips_.periods.back() |= std::uint64_t{1} << place.granule % granulesOfBlock;
+        strips_.periods.back() |= std::uint64_t{1} << place.granule % RollupTable::blockGranules;
         strips_.counts.push_back(isNewStrip ? 0 : strips_.counts.back());
         for (const std::size_t i : summed_)
             strips_.sums[i].push_back(isNewStrip ? 0 : strips_.sums[i].back());
@@ -62,7 +62,7 @@ void StripWriter::MoveTo(StripPlace place) {
 std::uint32_t MergeStrips(const RollupTable::WordColumn& left, std::span<const std::size_t> summed,
                           RollupStrips& strips) {
     constexpr std::size_t leastMergedInOne = 4;
-    const auto kept = static_cast<std::uint32_t>(~(((std::uint64_t{1} << left.bits) - 1) << left.shift));
+    const std::uint32_t kept = ~left.Mask();
     const std::size_t merged = CountWords(strips.words, kept);
     if (merged * leastMergedInOne > strips.words.size())
         return 0;

@@ -10,8 +10,6 @@
 
 namespace qel::engine {
 
-inline constexpr std::uint32_t granulesOfBlock = 64;
-
 /// A strip's word, and a granule of time.
 struct StripPlace {
     std::uint32_t word = 0, granule = 0;

@@ -72,6 +72,14 @@ void AddFilter(BlockFilter filter, std::vector<BlockFilter>& filters) {
     }
 }
 
+std::size_t BytesOf(std::span<const BlockFilter> filters) {
+    std::size_t bytes = 0;
+    for (const BlockFilter& filter : filters) {
+        bytes += sizeof filter + filter.OwnedBytes();
+    }
+    return bytes;
+}
+
 std::vector<BlockFilter> MakeFilters(const FactTable& facts, std::span<const Restriction> restrictions) {
     std::vector<BlockFilter> filters;
     filters.reserve(restrictions.size());

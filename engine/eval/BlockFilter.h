@@ -57,6 +57,9 @@ void MarkPassing(std::span<const BlockFilter> filters, std::size_t count, BlockM
     }
 }
 
+/// About how much memory they take.
+std::size_t BytesOf(std::span<const BlockFilter> filters);
+
 /// As few filters as test all of the restrictions.
 std::vector<BlockFilter> MakeFilters(const FactTable& facts, std::span<const Restriction> restrictions);
 

@@ -26,6 +26,13 @@ void VisitOverlaps(CodeRanges left, CodeRanges right, const Visit& visit) {
 
 } // namespace
 
+const Restriction* FindRestriction(std::span<const Restriction> restrictions, std::size_t keyColumn) {
+    const auto found = std::find_if(restrictions.begin(), restrictions.end(), [&](const auto& restriction) {
+        return restriction.keyColumn == keyColumn;
+    });
+    return found == restrictions.end() ? nullptr : &*found;
+}
+
 bool AnyIsEmpty(std::span<const Restriction> restrictions) {
     return std::any_of(restrictions.begin(), restrictions.end(),
                        [](const Restriction& restriction) { return restriction.codes.empty(); });

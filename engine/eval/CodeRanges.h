@@ -15,6 +15,9 @@ struct Restriction {
     CodeRanges codes;
 };
 
+/// The restriction of that key column, of which there is at most one; null when there is none.
+const Restriction* FindRestriction(std::span<const Restriction> restrictions, std::size_t keyColumn);
+
 /// True when one of the restrictions lets no code through.
 bool AnyIsEmpty(std::span<const Restriction> restrictions);
 

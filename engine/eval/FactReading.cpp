@@ -142,10 +142,7 @@ std::size_t FactReading::OwnedBytes() const {
     for (const Strips& strips : strips_) {
         bytes += sizeof strips + strips.sum.OwnedBytes();
     }
-    for (const BlockFilter& filter : filters_) {
-        bytes += sizeof filter + filter.OwnedBytes();
-    }
-    bytes += rows_.capacity() * sizeof(Rows) + runs_.capacity() * sizeof(RowRange);
+    bytes += BytesOf(filters_) + rows_.capacity() * sizeof(Rows) + runs_.capacity() * sizeof(RowRange);
     return bytes;
 }
 

@@ -148,19 +148,14 @@ void RollupPlan::AddRows(const Rollup& rollup) {
     if (rollup.rows > facts_.RowCount() || rows.last < rows.first || rows.last > projection.RowCount()) {
         throw EngineError(ErrorKind::DamagedFile, "cube file: a rollup lies outside its section");
     }
-    // The rows ascend by the word's last column.
-    if (!rollups_.WordColumns().empty()) {
-        const std::size_t sorted = rollups_.WordColumns().back().column;
-        for (const Restriction& test : tests_) {
-            if (test.keyColumn != sorted) {
-                continue;
-            }
-            const KeyColumn& column = facts_.KeyColumns()[sorted];
-            const CodeColumn codes(projection.Slot(column.slot, rows), column);
-            const std::size_t begin = codes.LowerBound(0, rows.Count(), test.codes.front().first);
-            const std::size_t end = codes.LowerBound(begin, rows.Count(), test.codes.back().last);
-            rows = {rows.first + begin, rows.first + end};
-        }
+    const auto words = rollups_.WordColumns();
+    const Restriction* const sorted = words.empty() ? nullptr : FindRestriction(tests_, words.back().column);
+    if (sorted != nullptr) { // the rows ascend by the word's last column
+        const KeyColumn& column = facts_.KeyColumns()[sorted->keyColumn];
+        const CodeColumn codes(projection.Slot(column.slot, rows), column);
+        const std::size_t begin = codes.LowerBound(0, rows.Count(), sorted->codes.front().first);
+        const std::size_t end = codes.LowerBound(begin, rows.Count(), sorted->codes.back().last);
+        rows = {rows.first + begin, rows.first + end};
     }
     reading_.AddRows(projection, rows, tests_);
 }

@@ -12,15 +12,6 @@ namespace {
 /// What finding a second key's codes inside one leading code costs, in rows tested.
 constexpr double searchCost = 250;
 
-const Restriction* Find(std::span<const Restriction> restrictions, std::size_t keyColumn) {
-    for (const Restriction& restriction : restrictions) {
-        if (restriction.keyColumn == keyColumn) {
-            return &restriction;
-        }
-    }
-    return nullptr;
-}
-
 std::uint64_t LeadRows(const Projection& projection, const Restriction& lead) {
     std::uint64_t rows = 0;
     for (const KeyRange range : lead.codes) {
@@ -56,10 +47,10 @@ Choice BestChoice(const FactTable& facts, const Projection& projection,
     const std::span<const std::uint16_t> order = projection.SortOrder();
     Choice choice;
     choice.projection = &projection;
-    choice.lead = Find(restrictions, order[0]);
+    choice.lead = FindRestriction(restrictions, order[0]);
     const std::uint64_t rows = choice.lead ? LeadRows(projection, *choice.lead) : projection.RowCount();
     choice.cost = static_cast<double>(rows);
-    const Restriction* second = order.size() > 1 ? Find(restrictions, order[1]) : nullptr;
+    const Restriction* second = order.size() > 1 ? FindRestriction(restrictions, order[1]) : nullptr;
     if (second == nullptr) {
         return choice;
     }

@@ -10,7 +10,7 @@ namespace qel::engine {
 
 namespace {
 
-constexpr std::uint32_t blockGranules = 64;
+constexpr std::uint32_t blockGranules = RollupTable::blockGranules;
 
 /// Strips, the time that is wanted of them, and their running sums.
 struct StripRun {
@@ -87,11 +87,6 @@ inline __attribute__((always_inline)) StripTotal SumRun(const StripRun& run) {
     return total;
 }
 
-bool IsTested(std::size_t column, std::span<const Restriction> tests) {
-    return std::any_of(tests.begin(), tests.end(),
-                       [&](const Restriction& test) { return test.keyColumn == column; });
-}
-
 QEL_VECTORISED
 StripTotal SumNarrow(const StripRun& run) { return SumRun<std::int32_t>(run); }
 
@@ -104,16 +99,15 @@ StripSum::StripSum(const FactTable& facts, const Rollup& rollup, std::span<const
                    std::size_t measure)
     : facts_(&facts), rollups_(facts.Rollups()), measure_(measure), stripCount_(rollup.strips) {
     const auto words = rollups_->WordColumns();
-    const bool areMerged = rollup.merged > 0 && !words.empty() && !IsTested(words.back().column, tests);
+    const bool areMerged =
+        rollup.merged > 0 && !words.empty() && FindRestriction(tests, words.back().column) == nullptr;
     if (areMerged) {
         stripCount_ = rollup.merged;
     }
     strips_ = rollups_->StripsOf(rollup.start + (areMerged ? rollup.strips : 0), stripCount_);
-    for (const RollupTable::WordColumn& word : rollups_->WordColumns()) {
-        for (const Restriction& test : tests) {
-            if (test.keyColumn == word.column) {
-                AddTest(word, test);
-            }
+    for (const RollupTable::WordColumn& word : words) {
+        if (const Restriction* const test = FindRestriction(tests, word.column)) {
+            AddTest(word, *test);
         }
     }
 }
@@ -172,14 +166,6 @@ FactSum StripSum::Sum(std::uint32_t first, std::uint32_t last) const {
         throw EngineError(ErrorKind::DamagedFile, "cube file: the strips of a rollup lie outside its sums");
     }
     return {static_cast<std::int64_t>(total.sum), total.rows};
-}
-
-std::size_t StripSum::OwnedBytes() const {
-    std::size_t bytes = 0;
-    for (const BlockFilter& filter : filters_) {
-        bytes += sizeof filter + filter.OwnedBytes();
-    }
-    return bytes;
 }
 
 } // namespace qel::engine

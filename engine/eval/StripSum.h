@@ -21,7 +21,7 @@ public:
     /// the rows that are told are fewer than there are, but 0 only when there is none.
     FactSum Sum(std::uint32_t first, std::uint32_t last) const;
     /// About how much memory this owns.
-    std::size_t OwnedBytes() const;
+    std::size_t OwnedBytes() const { return BytesOf(filters_); }
 
 private:
     void AddTest(const RollupTable::WordColumn& word, const Restriction& test);

@@ -45,10 +45,17 @@ static_assert(sizeof(Rollup) == 48);
 /// it stays quick: what is read here is safe to read, not safe to index with.
 class RollupTable {
 public:
+    static constexpr std::uint32_t blockGranules = 64;
+
     /// A narrow column and its place in the word.
     struct WordColumn {
         std::uint16_t column = 0;
         std::uint8_t shift = 0, bits = 0;
+
+        /// The bits of the word that hold the code.
+        std::uint32_t Mask() const {
+            return static_cast<std::uint32_t>(((std::uint64_t{1} << bits) - 1) << shift);
+        }
     };
     struct Strips {
         const std::uint32_t* words = nullptr;   ///< the block's number is in the low bits

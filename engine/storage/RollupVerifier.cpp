@@ -129,9 +129,8 @@ private:
         std::string fault = FaultOfStrips(rollup, rollup.start, rollup.strips, allOfWord);
         if (!fault.empty() || rollup.merged == 0)
             return fault;
-        const RollupTable::WordColumn& left = rollups_.WordColumns().back();
-        const auto mask = static_cast<std::uint32_t>(((std::uint64_t{1} << left.bits) - 1) << left.shift);
-        return FaultOfStrips(rollup, rollup.start + rollup.strips, rollup.merged, ~mask);
+        return FaultOfStrips(rollup, rollup.start + rollup.strips, rollup.merged,
+                             ~rollups_.WordColumns().back().Mask());
     }
     /// `kept` is left of the facts' words.
     std::string FaultOfStrips(const Rollup& rollup, std::uint64_t start, std::uint32_t count,
@@ -317,9 +316,8 @@ private:
     }
 
     bool AddStrip(std::uint32_t word, std::uint64_t periods, std::uint32_t first, FactTotals& totals) const {
-        constexpr std::uint32_t blockGranules = 64;
         const auto blockMask = static_cast<std::uint32_t>((std::uint64_t{1} << rollups_.BlockBits()) - 1);
-        const std::uint64_t base = std::uint64_t{word & blockMask} * blockGranules;
+        const std::uint64_t base = std::uint64_t{word & blockMask} * RollupTable::blockGranules;
         const std::uint32_t entries = static_cast<std::uint32_t>(std::popcount(periods));
         for (std::uint32_t entry = 0; entry < entries; ++entry, periods &= periods - 1) {
             const std::uint64_t granule = base + static_cast<std::uint32_t>(std::countr_zero(periods));

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 #include <string>
 
 namespace qel::ledger {
@@ -33,9 +34,7 @@ void Shuffle(Random& random, std::vector<std::size_t>& numbers) {
 
 std::vector<std::size_t> ZeroTo(std::size_t count) {
     std::vector<std::size_t> numbers(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        numbers[i] = i;
-    }
+    std::iota(numbers.begin(), numbers.end(), std::size_t{0});
     return numbers;
 }
 

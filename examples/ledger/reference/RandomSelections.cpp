@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <utility>
 
 namespace qel::ledger {
 namespace {
@@ -21,6 +22,16 @@ enum LineColumn : std::size_t {
     opening,
     money
 };
+
+/// What a shape sets, and the line's column that it sets it to.
+const std::map<SelectionShape, std::pair<std::string Selection::*, LineColumn>> partsOfOneColumn{
+    {SelectionShape::Plbs, {&Selection::plbs, plbs}},
+    {SelectionShape::Rh, {&Selection::rh, rh}},
+    {SelectionShape::Firm, {&Selection::firm, firm}},
+    {SelectionShape::OpeningBalance, {&Selection::openingBalance, opening}},
+    {SelectionShape::MoneySet, {&Selection::moneySet, money}},
+    {SelectionShape::Activity, {&Selection::activity, activity}},
+    {SelectionShape::Account, {&Selection::account, account}}};
 
 std::chrono::sys_days DayOf(const std::string& iso) {
     return std::chrono::year{std::stoi(iso.substr(0, 4))} /
@@ -160,53 +171,29 @@ void RandomSelections::RestrictTo(Selection& selection, SelectionShape shape, co
     case SelectionShape::Nothing:
     case SelectionShape::Several:
     case SelectionShape::ObsNumber: // drawn with the structure
-        break;
-    case SelectionShape::Plbs:
-        selection.plbs = line[plbs];
-        break;
-    case SelectionShape::Rh:
-        selection.rh = line[rh];
-        break;
-    case SelectionShape::Firm:
-        selection.firm = line[firm];
-        break;
-    case SelectionShape::OpeningBalance:
-        selection.openingBalance = line[opening];
-        break;
-    case SelectionShape::MoneySet:
-        selection.moneySet = line[money];
-        break;
-    case SelectionShape::Activity:
-        selection.activity = line[activity];
-        break;
+        return;
     case SelectionShape::CostCentre:
         selection.obsLevel = "Cost_Centers";
         selection.obsMember = line[costCentre];
-        break;
+        return;
     case SelectionShape::Level1:
-        obsLevel('1');
-        break;
+        return obsLevel('1');
     case SelectionShape::Level2:
-        obsLevel('2');
-        break;
+        return obsLevel('2');
     case SelectionShape::Level3:
-        obsLevel('3');
-        break;
+        return obsLevel('3');
     case SelectionShape::Level4:
-        obsLevel('4');
-        break;
-    case SelectionShape::Account:
-        selection.account = line[account];
-        break;
+        return obsLevel('4');
     case SelectionShape::SuperSum1:
-        summary('1');
-        break;
+        return summary('1');
     case SelectionShape::SuperSum2:
-        summary('2');
-        break;
+        return summary('2');
     case SelectionShape::SuperSum3:
-        summary('3');
-        break;
+        return summary('3');
+    default: {
+        const auto& [part, column] = partsOfOneColumn.at(shape);
+        selection.*part = line[column];
+    }
     }
 }
 
