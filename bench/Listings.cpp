@@ -2,7 +2,7 @@
 
 #include "cube/CubeConnection.h"
 #include "cube/MemberStatements.h"
-#include "platform/local/LocalDataAccess.h"
+#include "platform/data/embedded/LocalDataAccess.h"
 
 #include <utility>
 

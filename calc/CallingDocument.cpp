@@ -1,8 +1,8 @@
 #include "calc/CallingDocument.h"
 
-#include "platform/PathText.h"
-#include "platform/Text.h"
 #include "platform/office/OfficeText.h"
+#include "text/Text.h"
+#include "text/Utf8Path.h"
 
 #include <com/sun/star/frame/XModel.hpp>
 #include <osl/file.hxx>
@@ -22,21 +22,21 @@ std::filesystem::path FolderOf(const DocumentReference& document) {
     if (!model.is() ||
         osl::FileBase::getSystemPathFromFileURL(model->getURL(), path) != osl::FileBase::E_None)
         return {};
-    return PathFromText(FromOffice(path)).parent_path();
+    return PathFromSetting(FromOffice(path)).parent_path();
 }
 
 } // namespace
 
 std::string CubePathFrom(const DocumentReference& document, const std::string& cubeFile) {
     std::string text(Trimmed(cubeFile));
-    const std::filesystem::path path = PathFromText(text);
+    const std::filesystem::path path = PathFromSetting(text);
     if (path.empty() || path.is_absolute())
         return text;
     const std::filesystem::path folder = FolderOf(document);
     std::error_code failed;
     if (folder.empty() || !std::filesystem::is_regular_file(folder / path, failed))
         return text;
-    return TextFromPath(folder / path);
+    return PathToUtf8(folder / path);
 }
 
 } // namespace qel::calc

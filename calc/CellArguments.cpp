@@ -1,8 +1,8 @@
 #include "calc/CellArguments.h"
 
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
 #include "platform/office/OfficeText.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
 
 #include <com/sun/star/uno/Sequence.hxx>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "calc/CallingDocument.h"
-#include "platform/AutomationDate.h"
+#include "platform/value/AutomationDate.h"
 
 #include <com/sun/star/container/XNameAccess.hpp>
 #include <com/sun/star/lang/Locale.hpp>

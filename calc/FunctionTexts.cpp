@@ -1,6 +1,6 @@
 #include "calc/FunctionTexts.h"
 
-#include "platform/Text.h"
+#include "text/CaseFold.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "calc/ServerCall.h"
 
-#include "platform/ConnectionText.h"
-#include "platform/Text.h"
+#include "platform/data/ConnectionText.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "calc/ServerResultsOfOffice.h"
 
-#include "platform/standalone/ServerSettings.h"
-#include "platform/xmla/XmlaDataAccess.h"
+#include "platform/data/xmla/ServerSettings.h"
+#include "platform/data/xmla/XmlaDataAccess.h"
 
 #include <com/sun/star/awt/AsyncCallback.hpp>
 #include <com/sun/star/frame/Desktop.hpp>

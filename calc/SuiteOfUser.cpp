@@ -1,7 +1,7 @@
 #include "calc/SuiteOfUser.h"
 
-#include "platform/PathText.h"
-#include "platform/files/ConfigFolder.h"
+#include "platform/settings/files/ConfigFolder.h"
+#include "text/Utf8Path.h"
 
 #include <dlfcn.h>
 
@@ -14,8 +14,8 @@ std::string ComponentFolder() {
     static const char anywhere = 0;
     Dl_info library = {};
     if (::dladdr(&anywhere, &library) == 0 || library.dli_fname == nullptr)
-        return TextFromPath(std::filesystem::current_path());
-    return TextFromPath(std::filesystem::path(library.dli_fname).parent_path());
+        return PathToUtf8(std::filesystem::current_path());
+    return PathToUtf8(std::filesystem::path(library.dli_fname).parent_path());
 }
 
 } // namespace

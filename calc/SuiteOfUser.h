@@ -1,12 +1,12 @@
 #pragma once
 
 #include "lang/ModLangFrm.h"
-#include "platform/files/FileProfiles.h"
-#include "platform/files/FileRegistry.h"
-#include "platform/office/OfficeDialogToolkit.h"
-#include "platform/office/OfficeMessages.h"
-#include "platform/sqlite/SqliteDatabase.h"
-#include "platform/xml/XmlTableReader.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "platform/dialog/calc/OfficeDialogToolkit.h"
+#include "platform/dialog/calc/OfficeMessages.h"
+#include "platform/settings/files/FileProfiles.h"
+#include "platform/settings/files/FileRegistry.h"
+#include "platform/tables/xml/XmlTableReader.h"
 #include "store/StoreEnvironment.h"
 #include "wizard/WizardContext.h"
 

@@ -1,6 +1,6 @@
 #include "calc/ThreadFunction.h"
 
-#include "platform/local/LocalDataAccess.h"
+#include "platform/data/embedded/LocalDataAccess.h"
 
 namespace qel::calc {
 

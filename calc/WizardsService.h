@@ -3,7 +3,7 @@
 #include "calc/DocumentLocales.h"
 #include "calc/SuiteOfUser.h"
 #include "function/OrmQelFunction.h"
-#include "platform/office/CalcSheet.h"
+#include "platform/sheet/calc/CalcSheet.h"
 
 #include <OrmFunctionQel4/XWizards.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>

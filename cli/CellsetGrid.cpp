@@ -1,6 +1,6 @@
 #include "cli/CellsetGrid.h"
 
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 
 #include <fmt/format.h>
 

@@ -3,7 +3,7 @@
 #include "cli/Interruption.h"
 #include "cli/ProgressBar.h"
 #include "engine/build/BuildCube.h"
-#include "platform/local/CubeSource.h"
+#include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -29,10 +29,10 @@ struct BuildArguments {
 
 void Build(const BuildArguments& arguments, CommandContext& context) {
     engine::BuildOptions options;
-    options.definition = PathOfText(arguments.definition);
-    options.output = PathOfText(arguments.output);
+    options.definition = PathFromUtf8(arguments.definition);
+    options.output = PathFromUtf8(arguments.output);
     if (!arguments.skippedLines.empty())
-        options.skippedLines = PathOfText(arguments.skippedLines);
+        options.skippedLines = PathFromUtf8(arguments.skippedLines);
     const auto start = std::chrono::steady_clock::now();
     engine::BuildTotals totals;
     {

@@ -3,7 +3,7 @@
 #include "cli/Interruption.h"
 #include "cli/ProgressBar.h"
 #include "engine/export/ExportCubes.h"
-#include "platform/local/CubeSource.h"
+#include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -28,12 +28,12 @@ struct ExportArguments {
 
 void Export(const ExportArguments& arguments, CommandContext& context) {
     RequireCubeFile(arguments.file);
-    const auto file = engine::CubeFile::Open(PathOfText(arguments.file));
+    const auto file = engine::CubeFile::Open(PathFromUtf8(arguments.file));
     std::vector<std::filesystem::path> written;
     {
         ProgressBar bar(context.messages, context.terminalColumns);
         const Interruption interruption;
-        written = engine::ExportCubes(*file, PathOfText(arguments.folder), [&](double share) {
+        written = engine::ExportCubes(*file, PathFromUtf8(arguments.folder), [&](double share) {
             interruption.Check("interrupted; the rows were not written");
             bar.Show("writing rows", share);
         });

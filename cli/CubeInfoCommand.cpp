@@ -3,7 +3,7 @@
 #include "cli/LevelPath.h"
 #include "cli/TextTable.h"
 #include "engine/storage/CubeFile.h"
-#include "platform/local/CubeSource.h"
+#include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -83,7 +83,7 @@ struct InfoArguments {
 
 void PrintInfo(const InfoArguments& arguments, CommandContext& context) {
     RequireCubeFile(arguments.file);
-    const auto file = engine::CubeFile::Open(PathOfText(arguments.file));
+    const auto file = engine::CubeFile::Open(PathFromUtf8(arguments.file));
     if (!arguments.level.empty()) {
         PrintMembers(FindLevel(*file, arguments.level, arguments.cube), context.output);
         return;

@@ -2,7 +2,7 @@
 
 #include "cli/ProgressBar.h"
 #include "engine/storage/CubeFile.h"
-#include "platform/local/CubeSource.h"
+#include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -16,7 +16,7 @@ constexpr const char* description = "Check every checksum and invariant of a cub
 
 void Verify(const std::string& file, CommandContext& context) {
     RequireCubeFile(file);
-    const auto cubeFile = engine::CubeFile::Open(PathOfText(file));
+    const auto cubeFile = engine::CubeFile::Open(PathFromUtf8(file));
     {
         ProgressBar bar(context.messages, context.terminalColumns);
         cubeFile->Verify([&](double share) { bar.Show("checking", share); });

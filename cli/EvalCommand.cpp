@@ -6,9 +6,9 @@
 #include "cli/ValueText.h"
 #include "cli/formula/FormulaError.h"
 #include "cli/formula/ParseFormula.h"
-#include "platform/AutomationError.h"
-#include "platform/ConnectionText.h"
-#include "platform/Text.h"
+#include "platform/data/ConnectionText.h"
+#include "platform/value/AutomationError.h"
+#include "text/Text.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

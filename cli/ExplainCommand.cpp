@@ -5,8 +5,8 @@
 #include "cli/ValueText.h"
 #include "cli/formula/FormulaError.h"
 #include "cli/formula/ParseFormula.h"
-#include "platform/ConnectionText.h"
-#include "platform/Conversion.h"
+#include "platform/data/ConnectionText.h"
+#include "platform/value/Conversion.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -2,8 +2,8 @@
 
 #include "lang/LangCheck.h"
 #include "lang/StringTable.h"
-#include "platform/AutomationError.h"
-#include "platform/xml/XmlTableReader.h"
+#include "platform/tables/xml/XmlTableReader.h"
+#include "platform/value/AutomationError.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,6 +1,7 @@
 #include "cli/LevelPath.h"
 
-#include "platform/Text.h"
+#include "text/CaseFold.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 

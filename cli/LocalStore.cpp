@@ -1,8 +1,8 @@
 #include "cli/LocalStore.h"
 
-#include "platform/PathText.h"
-#include "platform/Text.h"
-#include "platform/files/ConfigFolder.h"
+#include "platform/settings/files/ConfigFolder.h"
+#include "text/Text.h"
+#include "text/Utf8Path.h"
 
 #include <system_error>
 
@@ -14,7 +14,7 @@ namespace {
 std::string ProgramFolder() {
     std::error_code failed;
     const auto program = std::filesystem::read_symlink("/proc/self/exe", failed);
-    return TextFromPath(failed ? std::filesystem::current_path() : program.parent_path());
+    return PathToUtf8(failed ? std::filesystem::current_path() : program.parent_path());
 }
 
 } // namespace

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "lang/ModLangFrm.h"
-#include "platform/files/FileProfiles.h"
-#include "platform/files/FileRegistry.h"
-#include "platform/sqlite/SqliteDatabase.h"
-#include "platform/xml/XmlTableReader.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "platform/settings/files/FileProfiles.h"
+#include "platform/settings/files/FileRegistry.h"
+#include "platform/tables/xml/XmlTableReader.h"
 #include "store/StoreEnvironment.h"
 
 #include <filesystem>

@@ -12,9 +12,9 @@
 #include "cli/Terminal.h"
 #include "cli/Version.h"
 #include "engine/EngineError.h"
-#include "platform/AutomationError.h"
-#include "platform/Text.h"
-#include "platform/standalone/StandaloneProviders.h"
+#include "platform/data/standalone/StandaloneProviders.h"
+#include "platform/value/AutomationError.h"
+#include "text/CaseFold.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

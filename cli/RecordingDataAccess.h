@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/AutomationError.h"
-#include "platform/DataAccess.h"
+#include "platform/data/DataAccess.h"
+#include "platform/value/AutomationError.h"
 
 #include <chrono>
 #include <memory>

@@ -4,10 +4,10 @@
 #include "cube/CubeConnection.h"
 #include "cube/CubeLayout.h"
 #include "function/OrmQelFunction.h"
-#include "platform/AutomationError.h"
-#include "platform/ConnectionText.h"
-#include "platform/standalone/ServerSettings.h"
-#include "platform/xmla/ServerSession.h"
+#include "platform/data/ConnectionText.h"
+#include "platform/data/xmla/ServerSession.h"
+#include "platform/data/xmla/ServerSettings.h"
+#include "platform/value/AutomationError.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,16 +1,17 @@
 #include "cli/SettingsCommand.h"
 
 #include "cli/LocalStore.h"
-#include "platform/AutomationError.h"
-#include "platform/DatabaseFile.h"
-#include "platform/PathText.h"
-#include "platform/Text.h"
-#include "platform/files/IniFile.h"
+#include "platform/database/DatabaseFile.h"
+#include "platform/settings/files/IniFile.h"
+#include "platform/value/AutomationError.h"
 #include "store/LocalDb.h"
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"
 #include "support/Files.h"
 #include "support/Folders.h"
+#include "text/CaseFold.h"
+#include "text/Text.h"
+#include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -43,7 +44,7 @@ constexpr const char* helpFile = "PralixHeb.chm";
 std::string Presence(const std::string& path) { return FileExists(path) ? "there" : "missing"; }
 
 std::string DatabaseState(const std::string& path) {
-    switch (IdentifyDatabaseFile(PathFromText(path))) {
+    switch (IdentifyDatabaseFile(PathFromSetting(path))) {
     case DatabaseFileKind::Missing:
         return "missing";
     case DatabaseFileKind::Sqlite:
@@ -65,7 +66,7 @@ public:
     void Print() {
         auto& environment = store_.environment;
         const std::string key =
-            fmt::format("[HKEY_CURRENT_USER\\{}] of {}", ModAPI::suiteKey, TextFromPath(store_.settingsFile));
+            fmt::format("[HKEY_CURRENT_USER\\{}] of {}", ModAPI::suiteKey, PathToUtf8(store_.settingsFile));
         Line("MDBPath", ModAPI::GetRegSetting(environment, ModAPI::mdbPathValue), key);
         Line("TempPath", ModAPI::GetRegSetting(environment, ModAPI::tempPathValue), key);
         const auto language =
@@ -81,8 +82,8 @@ public:
         Line("language table", component + ModLangFrm::langTableFile,
              Presence(component + ModLangFrm::langTableFile));
         Line("help file", component + helpFile, Presence(component + helpFile));
-        for (const auto& file :
-             {store_.settingsFile, PathFromText(QelIni()), PathFromText(folder + ModPublics::cubIniFile)})
+        for (const auto& file : {store_.settingsFile, PathFromSetting(QelIni()),
+                                 PathFromSetting(folder + ModPublics::cubIniFile)})
             Warn(file);
     }
 
@@ -119,7 +120,7 @@ std::filesystem::path FolderOf(const std::string& value) {
         throw CLI::ValidationError("VALUE", "the folder is empty");
     if (trimmed.find_first_of("\r\n") != std::string_view::npos)
         throw CLI::ValidationError("VALUE", "the folder's name has more than one line");
-    const auto path = std::filesystem::absolute(PathFromText(trimmed)).lexically_normal();
+    const auto path = std::filesystem::absolute(PathFromSetting(trimmed)).lexically_normal();
     return path.has_filename() ? path : path.parent_path(); // the component appends a separator itself
 }
 
@@ -130,8 +131,8 @@ void SetRegistryValue(LocalStore& store, const char* name, const std::filesystem
     std::filesystem::create_directories(folder, failed);
     if (failed)
         throw std::runtime_error(
-            fmt::format("the folder {} cannot be made: {}", TextFromPath(folder), failed.message()));
-    store.registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, name, TextFromPath(path));
+            fmt::format("the folder {} cannot be made: {}", PathToUtf8(folder), failed.message()));
+    store.registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, name, PathToUtf8(path));
 }
 
 void RequireMdbPath(LocalStore& store, std::string_view file) {
@@ -169,8 +170,8 @@ void Set(CommandContext& context, const std::string& name, const std::string& va
     if (EqualIgnoringCase(name, ModAPI::mdbPathValue)) {
         // Made before it is stored: a folder that cannot be must not take the place of one that is.
         const auto folder = FolderOf(value);
-        if (!DirExists(TextFromPath(folder)))
-            MakeFolder(TextFromPath(folder));
+        if (!DirExists(PathToUtf8(folder)))
+            MakeFolder(PathToUtf8(folder));
         SetRegistryValue(store, ModAPI::mdbPathValue, folder);
     } else if (EqualIgnoringCase(name, ModAPI::tempPathValue)) {
         SetRegistryValue(store, ModAPI::tempPathValue, FolderOf(value));

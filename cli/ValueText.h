@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Variant.h"
+#include "platform/value/Variant.h"
 
 #include <string>
 

@@ -71,3 +71,12 @@ function(qel_test name)
         gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
     endif()
 endfunction()
+
+# qel_prefix_test(NAME FIXTURE sources...): a program that changes the Wine prefix (registry, windows, classes): its cases
+# run one at a time. FIXTURE is what they need: "wine", or "registered_server" for the registered DLL.
+function(qel_prefix_test name fixture)
+    qel_program(${name} ${ARGN})
+    target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main)
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
+        PROPERTIES TIMEOUT 600 FIXTURES_REQUIRED ${fixture} RESOURCE_LOCK wine_prefix)
+endfunction()

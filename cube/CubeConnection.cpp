@@ -1,7 +1,7 @@
 #include "cube/CubeConnection.h"
 
 #include "cube/CubeDates.h"
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 
 namespace qel::ModSetCube {
 

@@ -1,8 +1,8 @@
 #include "cube/CubeDates.h"
 
 #include "cube/CubeConnection.h"
-#include "platform/AutomationError.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <charconv>

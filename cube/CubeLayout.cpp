@@ -1,6 +1,6 @@
 #include "cube/CubeLayout.h"
 
-#include "platform/Text.h"
+#include "text/CaseFold.h"
 
 namespace qel::ModSetCube {
 

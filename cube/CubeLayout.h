@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DataAccess.h"
+#include "platform/data/DataAccess.h"
 
 #include <string>
 #include <vector>

@@ -3,10 +3,10 @@
 #include "cube/ObsSel.h"
 #include "cube/PeriodSelection.h"
 #include "cube/ValueStatement.h"
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
 #include "support/ClTimming.h"
+#include "text/Text.h"
 
 namespace qel::ModSetCube {
 

@@ -1,6 +1,6 @@
 #include "cube/MemberListing.h"
 
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 
 namespace qel::ModSetCube {
 

@@ -1,7 +1,7 @@
 #include "cube/MemberName.h"
 
-#include "platform/Conversion.h"
-#include "platform/Text.h"
+#include "platform/value/Conversion.h"
+#include "text/Text.h"
 
 namespace qel::ModSetCube {
 

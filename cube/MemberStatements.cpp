@@ -1,6 +1,6 @@
 #include "cube/MemberStatements.h"
 
-#include "platform/Text.h"
+#include "text/CaseFold.h"
 
 namespace qel::ModSetCube {
 

@@ -1,6 +1,7 @@
 #include "cube/ValueStatement.h"
 
-#include "platform/Text.h"
+#include "text/CaseFold.h"
+#include "text/Text.h"
 
 namespace qel::ModSetCube {
 

@@ -1,8 +1,8 @@
 #include "function/ArgumentText.h"
 
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
+#include "text/Text.h"
 
 namespace qel {
 

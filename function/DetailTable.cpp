@@ -1,7 +1,7 @@
 #include "function/DetailTable.h"
 
 #include "lang/StringTable.h"
-#include "platform/Text.h"
+#include "text/Text.h"
 
 #include <vector>
 

@@ -2,9 +2,10 @@
 
 #include "cube/CubeValue.h"
 #include "cube/MemberName.h"
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
+#include "text/CaseFold.h"
+#include "text/Text.h"
 
 namespace qel {
 

@@ -3,7 +3,7 @@
 #include "cube/CubeConnection.h"
 #include "cube/ThreadState.h"
 #include "function/ArgToList.h"
-#include "platform/Spreadsheet.h"
+#include "platform/sheet/Spreadsheet.h"
 #include "wizard/WizardContext.h"
 
 #include <cstdint>

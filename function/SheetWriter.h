@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/MessageBox.h"
-#include "platform/Spreadsheet.h"
+#include "platform/dialog/MessageBox.h"
+#include "platform/sheet/Spreadsheet.h"
 
 #include <string>
 

@@ -1,8 +1,9 @@
 #include "lang/LangTable.h"
 
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
+#include "text/CaseFold.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/PersistedTable.h"
+#include "platform/tables/PersistedTable.h"
 
 #include <cstdint>
 #include <optional>

@@ -2,7 +2,7 @@
 
 #include "lang/LangTable.h"
 #include "lang/StringTable.h"
-#include "platform/Form.h"
+#include "platform/dialog/Form.h"
 #include "store/StoreEnvironment.h"
 
 #include <cstdint>

@@ -1,5 +1,5 @@
 #include "lang/ModLangFrm.h"
-#include "platform/Text.h"
+#include "text/Text.h"
 
 #include <charconv>
 

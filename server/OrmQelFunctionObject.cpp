@@ -1,7 +1,7 @@
 #include "server/OrmQelFunctionObject.h"
 
-#include "platform/AutomationError.h"
-#include "platform/windows/LateBoundSheet.h"
+#include "platform/sheet/automation/LateBoundSheet.h"
+#include "platform/value/AutomationError.h"
 #include "platform/windows/SafeArrayConversion.h"
 #include "platform/windows/VariantConversion.h"
 #include "server/ByReference.h"

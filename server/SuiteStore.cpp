@@ -1,14 +1,14 @@
 #include "server/SuiteStore.h"
 
-#include "platform/PathText.h"
-#include "platform/sqlite/SqliteDatabase.h"
-#include "platform/windows/SystemMessages.h"
-#include "platform/windows/ado/LateBoundTableReader.h"
-#include "platform/windows/jet/JetDatabase.h"
-#include "platform/windows/msxml/MsxmlTableReader.h"
-#include "platform/windows/settings/WindowsProfiles.h"
-#include "platform/windows/settings/WindowsRegistry.h"
+#include "platform/database/jet/JetDatabase.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "platform/dialog/win32/SystemMessages.h"
+#include "platform/settings/windows/WindowsProfiles.h"
+#include "platform/settings/windows/WindowsRegistry.h"
+#include "platform/tables/ado/LateBoundTableReader.h"
+#include "platform/tables/msxml/MsxmlTableReader.h"
 #include "server/ServerModule.h"
+#include "text/Utf8Path.h"
 
 namespace qel::server {
 
@@ -33,7 +33,7 @@ struct SuiteStore {
     const std::unique_ptr<PersistedTableReader> tables = TablesOfMachine();
     const std::unique_ptr<DatabaseEngine> database = DatabaseOfMachine();
     StoreEnvironment environment{registry, profiles, *database, messages,
-                                 TextFromPath(std::filesystem::path(ServerPath()).parent_path())};
+                                 PathToUtf8(std::filesystem::path(ServerPath()).parent_path())};
     ModLangFrm::LanguageState language{environment, *tables};
 };
 

@@ -1,10 +1,10 @@
 #include "server/ThreadContext.h"
 
-#include "platform/local/CubeSource.h"
-#include "platform/local/LocalDataAccess.h"
-#include "platform/provider/ResolvingDataAccess.h"
+#include "platform/data/ResolvingDataAccess.h"
+#include "platform/data/ado/LateBoundDataAccess.h"
+#include "platform/data/embedded/CubeSource.h"
+#include "platform/data/embedded/LocalDataAccess.h"
 #include "platform/windows/WindowsApi.h"
-#include "platform/windows/ado/LateBoundDataAccess.h"
 
 #include <map>
 #include <mutex>

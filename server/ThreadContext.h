@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cube/ThreadState.h"
-#include "platform/DataAccess.h"
+#include "platform/data/DataAccess.h"
 
 #include <memory>
 

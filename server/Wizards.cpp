@@ -1,6 +1,6 @@
 #include "server/Wizards.h"
 
-#include "platform/windows/dialogs/Win32DialogToolkit.h"
+#include "platform/dialog/win32/Win32DialogToolkit.h"
 #include "server/SuiteStore.h"
 
 namespace qel::server {

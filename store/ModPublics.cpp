@@ -1,7 +1,7 @@
 #include "store/ModPublics.h"
 
-#include "platform/Text.h"
 #include "store/ModAPI.h"
+#include "text/Text.h"
 
 namespace qel::ModPublics {
 

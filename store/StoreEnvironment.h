@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/DatabaseCatalog.h"
-#include "platform/MessageBox.h"
-#include "platform/PathText.h"
-#include "platform/Settings.h"
+#include "platform/database/DatabaseCatalog.h"
+#include "platform/dialog/MessageBox.h"
+#include "platform/settings/Settings.h"
+#include "text/Utf8Path.h"
 
 #include <string>
 #include <vector>

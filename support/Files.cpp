@@ -1,8 +1,9 @@
 #include "support/Files.h"
 
-#include "platform/PathText.h"
-#include "platform/Text.h"
 #include "support/Wildcard.h"
+#include "text/CaseFold.h"
+#include "text/Text.h"
+#include "text/Utf8Path.h"
 
 #include <filesystem>
 #include <fstream>
@@ -70,7 +71,7 @@ bool FileExists(std::string_view path) {
         std::string text = StripQuotes(path);
         if (!text.empty() && text.back() == '\\')
             text.pop_back();
-        const fs::path file = PathFromText(text);
+        const fs::path file = PathFromSetting(text);
         return !fs::is_directory(file) && std::ifstream(file, std::ios::binary).is_open();
     });
 }
@@ -79,13 +80,13 @@ bool DirExists(std::string_view path) {
     return Trapped([&] {
         std::string text(path);
         AddBackslash(text);
-        return fs::is_directory(PathFromText(text));
+        return fs::is_directory(PathFromSetting(text));
     });
 }
 
 void DeleteFiles(std::string_view pattern) {
     Trapped([&] {
-        for (const fs::path& file : FilesMatching(PathFromText(pattern))) {
+        for (const fs::path& file : FilesMatching(PathFromSetting(pattern))) {
             std::error_code ignored;
             fs::remove(file, ignored);
         }

@@ -1,7 +1,7 @@
 #include "support/Folders.h"
 
-#include "platform/AutomationError.h"
-#include "platform/PathText.h"
+#include "platform/value/AutomationError.h"
+#include "text/Utf8Path.h"
 
 #include <system_error>
 
@@ -23,7 +23,7 @@ std::string_view WithoutSeparators(std::string_view path) {
 } // namespace
 
 void MakeFolder(std::string_view path) {
-    const fs::path folder = PathFromText(WithoutSeparators(path));
+    const fs::path folder = PathFromSetting(WithoutSeparators(path));
     std::error_code failed;
     if (folder.has_parent_path() && !fs::is_directory(folder.parent_path(), failed))
         throw AutomationError(pathNotFound, "Path not found: '" + std::string(path) + "'");

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/AutomationError.h"
-#include "platform/MessageBox.h"
+#include "platform/dialog/MessageBox.h"
+#include "platform/value/AutomationError.h"
 
 #include <cstdint>
 #include <string>

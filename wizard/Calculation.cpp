@@ -2,9 +2,8 @@
 
 #include "cube/CubeConnection.h"
 #include "cube/CubeValue.h"
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
 #include "wizard/LoadedCube.h"
 
 namespace qel {

@@ -1,11 +1,11 @@
 #include "wizard/CubeFileChoice.h"
 
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
-#include "platform/PathText.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
 #include "support/Files.h"
 #include "support/ModError.h"
+#include "text/CaseFold.h"
+#include "text/Utf8Path.h"
 
 namespace qel {
 
@@ -31,9 +31,10 @@ std::optional<std::int32_t> CubeFileFault(const std::string& cubeFile) {
 }
 
 std::string AskForCubeFile(Dialog& dialog, const char* control, const std::string& cubeFileNow) {
-    return dialog.AskForFile(control, {.title = std::string(componentName) + " - Open a file",
-                                       .filter = "Cub files(*.cub)|*.cub",
-                                       .startFolder = TextFromPath(PathFromText(cubeFileNow).parent_path())});
+    return dialog.AskForFile(control,
+                             {.title = std::string(componentName) + " - Open a file",
+                              .filter = "Cub files(*.cub)|*.cub",
+                              .startFolder = PathToUtf8(PathFromSetting(cubeFileNow).parent_path())});
 }
 
 std::shared_ptr<Connection> OpenCubeFile(DataAccess& dataAccess, const std::string& cubeFile) {

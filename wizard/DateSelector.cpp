@@ -1,8 +1,7 @@
 #include "wizard/DateSelector.h"
 
 #include "cube/CubeConnection.h"
-#include "platform/AutomationError.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
 #include "support/ModError.h"
 #include "wizard/FunctionForm.h"
 #include "wizard/OwnText.h"

@@ -2,8 +2,9 @@
 
 #include "cube/CubeConnection.h"
 #include "cube/MemberListing.h"
-#include "platform/Text.h"
 #include "support/ModError.h"
+#include "text/CaseFold.h"
+#include "text/Text.h"
 
 namespace qel {
 

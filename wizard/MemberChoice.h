@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/DataAccess.h"
-#include "platform/DialogToolkit.h"
+#include "platform/data/DataAccess.h"
+#include "platform/dialog/DialogToolkit.h"
 
 #include <optional>
 #include <string>

@@ -1,6 +1,7 @@
 #include "wizard/MemberRows.h"
 
-#include "platform/Text.h"
+#include "text/CaseFold.h"
+#include "text/Text.h"
 
 #include <algorithm>
 #include <numeric>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DialogToolkit.h"
+#include "platform/dialog/DialogToolkit.h"
 #include "wizard/MemberChoice.h"
 
 #include <functional>

@@ -1,7 +1,7 @@
 #include "wizard/NamedQueries.h"
 
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
 #include "store/LocalDb.h"
 #include "wizard/WizardStore.h"
 

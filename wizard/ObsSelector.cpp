@@ -1,7 +1,7 @@
 #include "wizard/ObsSelector.h"
 
 #include "cube/MemberListing.h"
-#include "platform/Text.h"
+#include "text/CaseFold.h"
 #include "wizard/FunctionForm.h"
 #include "wizard/OwnText.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DatabaseConnection.h"
+#include "platform/database/DatabaseConnection.h"
 #include "wizard/FormulaArgs.h"
 #include "wizard/MemberChoice.h"
 

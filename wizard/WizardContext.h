@@ -2,7 +2,7 @@
 
 #include "cube/ThreadState.h"
 #include "lang/ModLangFrm.h"
-#include "platform/DialogToolkit.h"
+#include "platform/dialog/DialogToolkit.h"
 
 namespace qel {
 

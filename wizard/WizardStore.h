@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/DatabaseConnection.h"
+#include "platform/database/DatabaseConnection.h"
 #include "wizard/WizardContext.h"
 
 #include <memory>

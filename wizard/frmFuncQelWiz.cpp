@@ -1,7 +1,7 @@
 #include "wizard/frmFuncQelWiz.h"
 
-#include "platform/Text.h"
 #include "support/Files.h"
+#include "text/Text.h"
 #include "wizard/Calculation.h"
 #include "wizard/FunctionForm.h"
 #include "wizard/OwnText.h"

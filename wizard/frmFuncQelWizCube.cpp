@@ -1,6 +1,6 @@
-#include "platform/Text.h"
 #include "store/LocalDb.h"
 #include "support/Files.h"
+#include "text/Text.h"
 #include "wizard/CubeFileChoice.h"
 #include "wizard/FunctionForm.h"
 #include "wizard/OwnText.h"

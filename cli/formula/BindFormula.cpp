@@ -1,9 +1,9 @@
 #include "cli/formula/BindFormula.h"
 
 #include "cli/formula/FormulaError.h"
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "cli/formula/DateFunction.h"
 
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 
 #include <cmath>
 

@@ -3,8 +3,8 @@
 #include "cli/formula/DateFunction.h"
 #include "cli/formula/FormulaError.h"
 #include "cli/formula/Tokens.h"
-#include "platform/AutomationError.h"
-#include "platform/Text.h"
+#include "platform/value/AutomationError.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "engine/build/BadLines.h"
 
 #include "engine/EngineError.h"
-#include "engine/storage/PathText.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 
@@ -23,7 +23,7 @@ void WriteLine(std::ofstream& file, std::string_view line) {
 void BadLines::CreateFile() {
     file_.open(*path_, std::ios::binary | std::ios::trunc);
     if (!file_)
-        throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", PathText(*path_),
+        throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", PathToUtf8(*path_),
                                                               std::generic_category().message(errno)));
 }
 
@@ -49,7 +49,7 @@ void BadLines::Finish() {
     file_.close();
     if (!file_)
         throw EngineError(ErrorKind::CannotWrite,
-                          fmt::format("{}: not all skipped lines could be written", PathText(*path_)));
+                          fmt::format("{}: not all skipped lines could be written", PathToUtf8(*path_)));
 }
 
 } // namespace qel::engine

@@ -1,7 +1,7 @@
 #include "engine/build/BuildPaths.h"
 
 #include "engine/EngineError.h"
-#include "engine/storage/PathText.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 
@@ -29,7 +29,7 @@ void RefuseSame(const path& written, const std::string& purpose, const path& oth
                 const std::string& otherPurpose) {
     if (IsSameFile(written, other))
         throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written as {}: it is {}",
-                                                              PathText(written), purpose, otherPurpose));
+                                                              PathToUtf8(written), purpose, otherPurpose));
 }
 
 void RefuseInputs(const path& written, const std::string& purpose, const path& definitionFile,

@@ -1,7 +1,7 @@
 #include "engine/build/CsvReader.h"
 
 #include "engine/EngineError.h"
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 

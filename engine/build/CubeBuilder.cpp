@@ -3,7 +3,7 @@
 #include "engine/EngineError.h"
 #include "engine/build/FactSorter.h"
 #include "engine/build/SlotLayout.h"
-#include "engine/storage/PathText.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -64,7 +64,7 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
             tableOfKeys = names.size();
             names.push_back(
                 fmt::format("table of dimension {} ({})", dimension.name,
-                            PathText(definition_.tables[dimension.tables.front()].file.filename())));
+                            PathToUtf8(definition_.tables[dimension.tables.front()].file.filename())));
         }
         for (const std::size_t table : dimension.tables) {
             TableReader reader(definition_.tables[table], badLines_, progress_);
@@ -103,7 +103,7 @@ void CubeBuilder::NumberKeys() {
 std::string CubeBuilder::FactPlace() const {
     std::vector<std::string> files;
     for (const std::size_t table : cube_.facts)
-        files.push_back(PathText(definition_.tables[table].file.filename()));
+        files.push_back(PathToUtf8(definition_.tables[table].file.filename()));
     return fmt::format("cube {}, facts of {}", cube_.name, fmt::join(files, ", "));
 }
 

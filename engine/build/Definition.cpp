@@ -4,8 +4,8 @@
 #include "engine/build/DateText.h"
 #include "engine/build/JsonObject.h"
 #include "engine/build/TextFile.h"
-#include "engine/storage/PathText.h"
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 
@@ -354,7 +354,7 @@ Definition ParseDefinition(std::string_view text, const std::string& fileName,
 }
 
 Definition ReadDefinition(const std::filesystem::path& path) {
-    return ParseDefinition(ReadTextFile(path), PathText(path), path.parent_path());
+    return ParseDefinition(ReadTextFile(path), PathToUtf8(path), path.parent_path());
 }
 
 } // namespace qel::engine

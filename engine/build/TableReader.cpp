@@ -3,7 +3,7 @@
 #include "engine/EngineError.h"
 #include "engine/build/Suggestion.h"
 #include "engine/build/TextFile.h"
-#include "engine/storage/PathText.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -14,8 +14,8 @@ namespace qel::engine {
 
 TableReader::TableReader(const TableDefinition& table, BadLines& badLines, const BuildProgress& progress)
     : table_(table), badLines_(badLines), progress_(progress),
-      step_("Reading " + PathText(table.file.filename())), file_(OpenTextFile(table.file)),
-      csv_(file_, PathText(table.file), table.format.delimiter) {
+      step_("Reading " + PathToUtf8(table.file.filename())), file_(OpenTextFile(table.file)),
+      csv_(file_, PathToUtf8(table.file), table.format.delimiter) {
     std::error_code error;
     fileSize_ = std::max<std::uint64_t>(1, std::filesystem::file_size(table.file, error));
 }

@@ -1,7 +1,7 @@
 #include "engine/build/TextFile.h"
 
 #include "engine/EngineError.h"
-#include "engine/storage/PathText.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 
@@ -13,7 +13,7 @@ namespace qel::engine {
 
 std::ifstream OpenTextFile(const std::filesystem::path& path) {
     const auto fail = [&path](const std::string& fault) {
-        throw EngineError(ErrorKind::FileNotFound, fmt::format("{}: {}", PathText(path), fault));
+        throw EngineError(ErrorKind::FileNotFound, fmt::format("{}: {}", PathToUtf8(path), fault));
     };
     std::error_code error;
     const auto status = std::filesystem::status(path, error);

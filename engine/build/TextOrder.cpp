@@ -1,6 +1,6 @@
 #include "engine/build/TextOrder.h"
 
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
 
 #include <algorithm>
 #include <numeric>

@@ -3,7 +3,7 @@
 #include "engine/eval/Functions.h"
 #include "engine/eval/SetOperations.h"
 #include "engine/mdx/Words.h"
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "engine/eval/MemberSpace.h"
 
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
 
 namespace qel::engine {
 

@@ -3,7 +3,7 @@
 #include "engine/eval/NonEmpty.h"
 #include "engine/eval/StatementPlan.h"
 #include "engine/mdx/Parser.h"
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "engine/EngineError.h"
 #include "engine/storage/AtomicFile.h"
-#include "engine/storage/PathText.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 
@@ -40,7 +40,7 @@ AtomicFile::AtomicFile(const std::filesystem::path& path) : path_(ResolveLink(pa
     // A rename would put a file in the place of a device or a pipe.
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
         throw EngineError(ErrorKind::CannotWrite,
-                          fmt::format("{}: cannot be written: it is not a regular file", PathText(path)));
+                          fmt::format("{}: cannot be written: it is not a regular file", PathToUtf8(path)));
     std::random_device random;
     constexpr int attempts = 100;
     for (int attempt = 0; descriptor_ < 0; ++attempt) {
@@ -90,7 +90,7 @@ void AtomicFile::Commit() {
 }
 
 void AtomicFile::Fail(int error) const {
-    throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", PathText(path_),
+    throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", PathToUtf8(path_),
                                                           std::generic_category().message(error)));
 }
 

@@ -1,7 +1,7 @@
 #include "engine/storage/Cube.h"
 
 #include "engine/storage/PageVerifier.h"
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
 
 namespace qel::engine {
 

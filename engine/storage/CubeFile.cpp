@@ -6,9 +6,9 @@
 #include "engine/storage/FileImage.h"
 #include "engine/storage/MappedFile.h"
 #include "engine/storage/MemberVerifier.h"
-#include "engine/storage/PathText.h"
 #include "engine/storage/RollupVerifier.h"
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -24,7 +24,7 @@ struct CubeFile::Contents {
     Contents(std::filesystem::path filePath, MappedFile mapped, std::vector<std::byte> memory)
         : path(std::move(filePath)), file(std::move(mapped)), held(std::move(memory)),
           bytes(held.empty() ? file.Bytes() : std::span<const std::byte>(held)),
-          image(PathText(path), bytes, held.empty() ? &file : nullptr) {
+          image(PathToUtf8(path), bytes, held.empty() ? &file : nullptr) {
         for (std::uint32_t i = 0; i < image.CubeCount(); ++i)
             cubes.push_back(CubeLoader(image, i).Load());
         image.Verifier().CheckUnchanged();
@@ -76,7 +76,7 @@ std::shared_ptr<const Cube> CubeFile::FindCube(std::string_view name) const {
         names.push_back(cube.Name());
     }
     throw EngineError(ErrorKind::UnknownCube, fmt::format("{}: there is no cube \"{}\"; the file holds {}",
-                                                          PathText(Path()), name, fmt::join(names, ", ")));
+                                                          PathToUtf8(Path()), name, fmt::join(names, ", ")));
 }
 
 void CubeFile::Verify(const std::function<void(double)>& progress) const {

@@ -2,7 +2,7 @@
 #include "engine/storage/Cube.h"
 #include "engine/storage/Format.h"
 #include "engine/storage/NameIndex.h"
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
 
 namespace qel::engine {
 

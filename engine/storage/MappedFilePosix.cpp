@@ -1,7 +1,7 @@
 #include "engine/EngineError.h"
 #include "engine/storage/MappedFile.h"
 #include "engine/storage/MappingWatch.h"
-#include "engine/storage/PathText.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 
@@ -36,7 +36,7 @@ private:
 
 [[noreturn]] void Fail(const std::filesystem::path& path, int error) {
     throw EngineError(ErrorKind::FileNotFound,
-                      fmt::format("{}: {}", PathText(path), std::generic_category().message(error)));
+                      fmt::format("{}: {}", PathToUtf8(path), std::generic_category().message(error)));
 }
 
 struct stat StatusOf(const Descriptor& file, const std::filesystem::path& path) {
@@ -44,9 +44,9 @@ struct stat StatusOf(const Descriptor& file, const std::filesystem::path& path) 
     if (::fstat(file.Number(), &status) != 0)
         Fail(path, errno);
     if (S_ISDIR(status.st_mode))
-        throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is a folder");
+        throw EngineError(ErrorKind::FileNotFound, PathToUtf8(path) + ": is a folder");
     if (!S_ISREG(status.st_mode))
-        throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is not a regular file");
+        throw EngineError(ErrorKind::FileNotFound, PathToUtf8(path) + ": is not a regular file");
     return status;
 }
 

@@ -1,6 +1,6 @@
 #include "engine/EngineError.h"
 #include "engine/storage/MappedFile.h"
-#include "engine/storage/PathText.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 
@@ -31,7 +31,7 @@ private:
 [[noreturn]] void Fail(const std::filesystem::path& path) {
     const auto error = static_cast<int>(::GetLastError());
     throw EngineError(ErrorKind::FileNotFound,
-                      fmt::format("{}: {}", PathText(path), std::system_category().message(error)));
+                      fmt::format("{}: {}", PathToUtf8(path), std::system_category().message(error)));
 }
 
 } // namespace
@@ -40,7 +40,7 @@ struct MappedFile::Mapping {
     explicit Mapping(const std::filesystem::path& path) {
         std::error_code ignored;
         if (std::filesystem::is_directory(path, ignored))
-            throw EngineError(ErrorKind::FileNotFound, PathText(path) + ": is a folder");
+            throw EngineError(ErrorKind::FileNotFound, PathToUtf8(path) + ": is a folder");
         constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
         const Handle file(::CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
                                         FILE_ATTRIBUTE_NORMAL, nullptr));

@@ -1,6 +1,6 @@
 #include "engine/storage/MemberVerifier.h"
 
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/text/CaseFold.h"
+#include "text/CaseFold.h"
 
 #include <xxhash.h>
 

@@ -6,7 +6,7 @@
 namespace qel::engine {
 
 /// The path as UTF-8, for messages.
-inline std::string PathText(const std::filesystem::path& path) {
+inline std::string PathToUtf8(const std::filesystem::path& path) {
     const auto text = path.u8string();
     return {text.begin(), text.end()};
 }

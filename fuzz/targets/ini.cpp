@@ -1,5 +1,5 @@
-#include "platform/AutomationError.h"
-#include "platform/files/IniFile.h"
+#include "platform/settings/files/IniFile.h"
+#include "platform/value/AutomationError.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,6 @@
 #include "lang/LangCheck.h"
-#include "platform/AutomationError.h"
-#include "platform/xml/XmlTableReader.h"
+#include "platform/tables/xml/XmlTableReader.h"
+#include "platform/value/AutomationError.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,7 +1,7 @@
-#include "platform/AutomationError.h"
-#include "platform/xmla/CellsetAnswer.h"
-#include "platform/xmla/RowsetAnswer.h"
-#include "platform/xmla/SoapAnswer.h"
+#include "platform/data/xmla/CellsetAnswer.h"
+#include "platform/data/xmla/RowsetAnswer.h"
+#include "platform/data/xmla/SoapAnswer.h"
+#include "platform/value/AutomationError.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/AutomationError.h"
 #include "platform/office/OfficeText.h"
+#include "platform/value/AutomationError.h"
 
 #include <com/sun/star/uno/Exception.hpp>
 #include <utility>

@@ -1,7 +1,7 @@
 #include "platform/windows/DispatchObject.h"
 
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
 #include "platform/windows/ProviderFailure.h"
 #include "platform/windows/UserLocale.h"
 #include "platform/windows/VariantConversion.h"

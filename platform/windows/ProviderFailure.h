@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 #include "platform/windows/WindowsApi.h"
 
 namespace qel::windows {

@@ -1,6 +1,6 @@
 #include "platform/windows/VariantConversion.h"
 
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 #include "platform/windows/Bstr.h"
 #include "platform/windows/SafeArrayConversion.h"
 #include "platform/windows/SheetObject.h"

@@ -1,6 +1,6 @@
 #include "platform/windows/WideText.h"
 
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 
 #include <limits>
 

@@ -1,7 +1,7 @@
 #include "server/dispatch/CallFrame.h"
 
-#include "platform/AutomationError.h"
-#include "platform/Conversion.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
 #include "platform/windows/Bstr.h"
 #include "platform/windows/DispatchObject.h"
 #include "platform/windows/ProviderFailure.h"

@@ -1,6 +1,6 @@
 #include "server/dispatch/FailureReport.h"
 
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 #include "platform/windows/Bstr.h"
 #include "platform/windows/ComPointer.h"
 #include "platform/windows/ProviderFailure.h"

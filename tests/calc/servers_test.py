@@ -13,7 +13,7 @@ import unittest
 from calc_bench import PACKAGE, SOURCE, WORK, CalcTest, Error, calc_session, in_calc, name_formula, run_qel, shown, value_formula
 from person import eventually, screen
 
-sys.path.insert(0, str(SOURCE / "tests" / "xmla"))
+sys.path.insert(0, str(SOURCE / "tests" / "platform" / "data" / "xmla"))
 from server_proxy import Proxy  # noqa: E402: its folder is known only now
 
 CUBE, SERVER = pathlib.Path(os.environ["QEL_CUBE"]), os.environ["QEL_SERVER"]

@@ -130,7 +130,7 @@ class Export(unittest.TestCase):
         self.assertGreater(self.check_every_member(), 60)
 
     def test_names_of_every_kind(self):
-        self.export(TESTS / "books" / "books.json")
+        self.export(TESTS / "helpers" / "books" / "books.json")
         self.assertGreater(self.check_every_member(), 60)
 
     def test_wrong_usage(self):

@@ -16,7 +16,7 @@ import time
 import unittest
 
 QEL = ""
-BOOKS = pathlib.Path(__file__).resolve().parent.parent / "books"
+BOOKS = pathlib.Path(__file__).resolve().parent.parent / "helpers" / "books"
 
 
 def run(*arguments, stdin="", cwd=None):

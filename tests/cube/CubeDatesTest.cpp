@@ -1,7 +1,7 @@
 #include "cube/CubeDates.h"
 
-#include "platform/AutomationError.h"
-#include "tests/doubles/RecordingProvider.h"
+#include "platform/value/AutomationError.h"
+#include "tests/helpers/doubles/RecordingProvider.h"
 
 #include <gtest/gtest.h>
 

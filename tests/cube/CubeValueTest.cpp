@@ -2,8 +2,8 @@
 
 #include "cube/MemberName.h"
 #include "cube/ObsSel.h"
-#include "platform/AutomationError.h"
-#include "tests/doubles/RecordingProvider.h"
+#include "platform/value/AutomationError.h"
+#include "tests/helpers/doubles/RecordingProvider.h"
 
 #include <gtest/gtest.h>
 

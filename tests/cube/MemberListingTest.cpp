@@ -1,8 +1,8 @@
 #include "cube/MemberListing.h"
 
-#include "platform/AutomationError.h"
-#include "tests/ErrorOf.h"
-#include "tests/doubles/RecordingProvider.h"
+#include "platform/value/AutomationError.h"
+#include "tests/helpers/ErrorOf.h"
+#include "tests/helpers/doubles/RecordingProvider.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

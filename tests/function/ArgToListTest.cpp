@@ -1,6 +1,6 @@
 #include "function/ArgToList.h"
 
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 
 #include <gtest/gtest.h>
 

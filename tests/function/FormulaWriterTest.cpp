@@ -1,10 +1,10 @@
 #include "function/ArgumentText.h"
 #include "function/DetailTable.h"
 #include "function/SheetWriter.h"
-#include "platform/AutomationError.h"
-#include "tests/ErrorOf.h"
-#include "tests/doubles/SheetDouble.h"
-#include "tests/doubles/StoreDoubles.h"
+#include "platform/value/AutomationError.h"
+#include "tests/helpers/ErrorOf.h"
+#include "tests/helpers/doubles/SheetDouble.h"
+#include "tests/helpers/doubles/StoreDoubles.h"
 
 #include <gmock/gmock.h>
 

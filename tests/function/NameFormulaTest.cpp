@@ -1,5 +1,5 @@
 #include "function/OrmQelFunction.h"
-#include "tests/doubles/RecordingProvider.h"
+#include "tests/helpers/doubles/RecordingProvider.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "function/OrmQelFunction.h"
-#include "platform/AutomationError.h"
-#include "tests/doubles/RecordingProvider.h"
+#include "platform/value/AutomationError.h"
+#include "tests/helpers/doubles/RecordingProvider.h"
 
 #include <gtest/gtest.h>
 

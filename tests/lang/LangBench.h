@@ -1,8 +1,8 @@
 #pragma once
 
 #include "lang/ModLangFrm.h"
-#include "tests/TemporaryFolder.h"
-#include "tests/doubles/StoreDoubles.h"
+#include "tests/helpers/TemporaryFolder.h"
+#include "tests/helpers/doubles/StoreDoubles.h"
 
 namespace qel::testing {
 
@@ -30,7 +30,7 @@ inline PersistedTable TableOf(const std::vector<LangRow>& rows) {
 
 /// The language layer over doubles, the component's folder being a temporary one.
 struct LangBench {
-    LangBench() { bench.store.componentFolder = TextFromPath(folder.Path("component")); }
+    LangBench() { bench.store.componentFolder = PathToUtf8(folder.Path("component")); }
 
     void PutLangFile() const {
         std::filesystem::create_directory(folder.Path("component"));

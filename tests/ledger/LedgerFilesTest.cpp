@@ -4,7 +4,7 @@
 #include "examples/ledger/GroupLedger.h"
 #include "examples/ledger/Journal.h"
 #include "examples/ledger/WideLedger.h"
-#include "tests/TemporaryFolder.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

@@ -3,7 +3,7 @@
 #include "examples/ledger/reference/LedgerDatabase.h"
 #include "examples/ledger/reference/PlainSums.h"
 #include "examples/ledger/reference/RandomSelections.h"
-#include "tests/TemporaryFolder.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "tests/server/LedgerCall.h"
 
 #include "function/OrmQelFunction.h"
-#include "platform/local/LocalDataAccess.h"
+#include "platform/data/embedded/LocalDataAccess.h"
 
 #include <gtest/gtest.h>
 

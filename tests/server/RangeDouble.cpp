@@ -1,6 +1,6 @@
 #include "tests/server/RangeDouble.h"
 
-#include "tests/automation/DispatchDouble.h"
+#include "tests/helpers/automation/DispatchDouble.h"
 
 #include <memory>
 

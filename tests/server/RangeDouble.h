@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tests/automation/AutomationClient.h"
+#include "tests/helpers/automation/AutomationClient.h"
 
 namespace qel::test {
 

@@ -1,4 +1,4 @@
-#include "tests/automation/AutomationClient.h"
+#include "tests/helpers/automation/AutomationClient.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 #include "function/OrmQelFunction.h"
-#include "platform/local/LocalDataAccess.h"
+#include "platform/data/embedded/LocalDataAccess.h"
 #include "tests/server/LedgerCall.h"
 
 #include <gtest/gtest.h>

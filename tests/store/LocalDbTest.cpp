@@ -1,7 +1,7 @@
 #include "store/LocalDb.h"
 
-#include "tests/TemporaryFolder.h"
-#include "tests/doubles/StoreDoubles.h"
+#include "tests/helpers/TemporaryFolder.h"
+#include "tests/helpers/doubles/StoreDoubles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -15,7 +15,7 @@ struct LocalDb : ::testing::Test {
     LocalDb() { bench.SuiteKey()["MDBPath"] = {registryString, folder}; }
 
     const test::TemporaryFolder temporary;
-    const std::string folder = TextFromPath(temporary.Path("Suite"));
+    const std::string folder = PathToUtf8(temporary.Path("Suite"));
     testing::StoreBench bench;
 };
 

@@ -1,7 +1,7 @@
 #include "store/ModAPI.h"
 
-#include "tests/TemporaryFolder.h"
-#include "tests/doubles/StoreDoubles.h"
+#include "tests/helpers/TemporaryFolder.h"
+#include "tests/helpers/doubles/StoreDoubles.h"
 
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@ TEST(QelFuncMdbPath, IsTheSettingAndASeparator) {
          "@\\"},
     };
     const test::TemporaryFolder temporary;
-    std::string folder = TextFromPath(temporary.Path());
+    std::string folder = PathToUtf8(temporary.Path());
     folder.pop_back();
     for (const auto& c : cases) {
         StoreBench bench;
@@ -54,13 +54,13 @@ TEST(QelFuncMdbPath, IsTheSettingAndASeparator) {
 TEST(QelFuncMdbPath, MakesItsFolderAndReportsWhenItCannot) {
     const test::TemporaryFolder temporary;
     StoreBench bench;
-    const std::string folder = TextFromPath(temporary.Path("תיקיה של Pralix"));
+    const std::string folder = PathToUtf8(temporary.Path("תיקיה של Pralix"));
     bench.SuiteKey()["MDBPath"] = {registryString, folder};
     EXPECT_EQ(ModAPI::QelFuncMdbPath(bench.store), folder + "\\");
     EXPECT_TRUE(std::filesystem::is_directory(temporary.Path("תיקיה של Pralix")));
     EXPECT_EQ(temporary.FileCount(), 0U) << "the database itself is not made";
 
-    const std::string deep = TextFromPath(temporary.Path("missing/deep"));
+    const std::string deep = PathToUtf8(temporary.Path("missing/deep"));
     bench.SuiteKey()["MDBPath"].data = deep;
     EXPECT_EQ(ModAPI::QelFuncMdbPath(bench.store), deep + "\\");
     ASSERT_EQ(bench.messages.shown.size(), 1U);

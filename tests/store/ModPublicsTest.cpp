@@ -1,7 +1,7 @@
 #include "store/ModPublics.h"
 
-#include "tests/TemporaryFolder.h"
-#include "tests/doubles/StoreDoubles.h"
+#include "tests/helpers/TemporaryFolder.h"
+#include "tests/helpers/doubles/StoreDoubles.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ TEST(ReadQelIni, ReadsTheSuitesFileOrTheComponents) {
 
 TEST(CubIni, StandsBesideTheDatabase) {
     const test::TemporaryFolder temporary;
-    const std::string folder = TextFromPath(temporary.Path("db"));
+    const std::string folder = PathToUtf8(temporary.Path("db"));
     StoreBench bench;
     bench.SuiteKey()["MDBPath"] = {registryString, folder};
     EXPECT_NE(ModPublics::WriteCubIni(bench.store, "FileCube", "F", "  C:\\Cubes\\my cube.cub "), 0);

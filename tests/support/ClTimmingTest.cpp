@@ -1,6 +1,6 @@
 #include "support/ClTimming.h"
 
-#include "platform/AutomationError.h"
+#include "platform/value/AutomationError.h"
 
 #include <gtest/gtest.h>
 

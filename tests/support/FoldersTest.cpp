@@ -1,8 +1,8 @@
 #include "support/Folders.h"
 
-#include "platform/AutomationError.h"
-#include "platform/PathText.h"
-#include "tests/TemporaryFolder.h"
+#include "platform/value/AutomationError.h"
+#include "tests/helpers/TemporaryFolder.h"
+#include "text/Utf8Path.h"
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ std::int32_t ErrorOfMaking(const std::string& path) {
 
 TEST(MakeFolder, MakesOneLevelOrTellsWhyNot) {
     const test::TemporaryFolder folder;
-    const std::string parent = TextFromPath(folder.Path());
+    const std::string parent = PathToUtf8(folder.Path());
     folder.Write("file", "x");
     EXPECT_EQ(ErrorOfMaking(parent + "הנהלה חשבונות\\"), 0);
     EXPECT_TRUE(std::filesystem::is_directory(folder.Path("הנהלה חשבונות")));

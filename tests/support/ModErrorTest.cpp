@@ -1,6 +1,6 @@
 #include "support/ModError.h"
 
-#include "tests/doubles/StoreDoubles.h"
+#include "tests/helpers/doubles/StoreDoubles.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "wizard/MemberRows.h"
 
 #include "lang/StringTable.h"
-#include "tests/doubles/DialogDouble.h"
+#include "tests/helpers/doubles/DialogDouble.h"
 #include "wizard/FunctionForm.h"
 #include "wizard/NameForm.h"
 

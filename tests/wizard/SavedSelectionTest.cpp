@@ -1,4 +1,4 @@
-#include "tests/ErrorOf.h"
+#include "tests/helpers/ErrorOf.h"
 #include "tests/wizard/WizardBench.h"
 #include "wizard/FunctionForm.h"
 #include "wizard/Selection.h"

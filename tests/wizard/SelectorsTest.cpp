@@ -1,4 +1,4 @@
-#include "platform/Conversion.h"
+#include "platform/value/Conversion.h"
 #include "tests/wizard/WizardBench.h"
 #include "wizard/FunctionForm.h"
 #include "wizard/frmFuncQelWiz.h"

@@ -38,7 +38,7 @@ const std::string& OddFile() {
 
 const std::string& PlainBooksFile() {
     static const test::TemporaryFolder folder;
-    static const std::string file = Build("tests/books/books.json", folder.Path("books.cub"));
+    static const std::string file = Build("tests/helpers/books/books.json", folder.Path("books.cub"));
     return file;
 }
 

@@ -1,15 +1,15 @@
 #pragma once
 
 #include "function/OrmQelFunction.h"
-#include "platform/files/FileProfiles.h"
-#include "platform/files/FileRegistry.h"
-#include "platform/local/LocalDataAccess.h"
-#include "platform/sqlite/SqliteDatabase.h"
-#include "platform/xml/XmlTableReader.h"
-#include "tests/TemporaryFolder.h"
-#include "tests/doubles/DialogDouble.h"
-#include "tests/doubles/SheetDouble.h"
-#include "tests/doubles/StoreDoubles.h"
+#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/database/sqlite/SqliteDatabase.h"
+#include "platform/settings/files/FileProfiles.h"
+#include "platform/settings/files/FileRegistry.h"
+#include "platform/tables/xml/XmlTableReader.h"
+#include "tests/helpers/TemporaryFolder.h"
+#include "tests/helpers/doubles/DialogDouble.h"
+#include "tests/helpers/doubles/SheetDouble.h"
+#include "tests/helpers/doubles/StoreDoubles.h"
 
 namespace qel::testing {
 

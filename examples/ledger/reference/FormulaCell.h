@@ -3,7 +3,7 @@
 #include "examples/ledger/Random.h"
 #include "examples/ledger/reference/Selection.h"
 #include "function/OrmQelFunction.h"
-#include "platform/local/LocalDataAccess.h"
+#include "platform/data/embedded/LocalDataAccess.h"
 
 #include <memory>
 #include <string>

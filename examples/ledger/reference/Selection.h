@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/AutomationDate.h"
+#include "platform/value/AutomationDate.h"
 
 #include <optional>
 #include <string>

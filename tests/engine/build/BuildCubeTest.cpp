@@ -2,8 +2,8 @@
 
 #include "engine/EngineError.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/TemporaryFolder.h"
 #include "tests/engine/build/CubeText.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

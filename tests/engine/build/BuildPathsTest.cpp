@@ -1,6 +1,6 @@
 #include "engine/EngineError.h"
 #include "engine/build/BuildCube.h"
-#include "tests/TemporaryFolder.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "engine/build/BuildCube.h"
 #include "engine/eval/Query.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/TemporaryFolder.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -4,7 +4,7 @@
 #include "engine/eval/FactReading.h"
 #include "engine/eval/ScanPlan.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/TemporaryFolder.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "engine/EngineError.h"
 #include "engine/build/BuildCube.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/TemporaryFolder.h"
 #include "tests/engine/eval/LedgerCube.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 

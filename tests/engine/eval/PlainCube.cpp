@@ -2,7 +2,7 @@
 
 #include "engine/build/BuildCube.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/TemporaryFolder.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
 

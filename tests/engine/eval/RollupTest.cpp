@@ -4,8 +4,8 @@
 #include "engine/eval/PlanCache.h"
 #include "engine/eval/RollupPlan.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/TemporaryFolder.h"
 #include "tests/engine/storage/SmallCube.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #include "engine/EngineError.h"
 #include "engine/storage/CubeFile.h"
-#include "tests/TemporaryFolder.h"
 #include "tests/engine/storage/SmallCube.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,9 +1,9 @@
 #include "engine/storage/CubeFile.h"
 
 #include "engine/EngineError.h"
-#include "tests/TemporaryFolder.h"
-#include "tests/engine/FileSizeLimit.h"
 #include "tests/engine/storage/SmallCube.h"
+#include "tests/helpers/FileSizeLimit.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gmock/gmock.h>

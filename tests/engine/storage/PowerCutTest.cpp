@@ -1,6 +1,6 @@
 #include "engine/storage/CubeFile.h"
-#include "tests/TemporaryFolder.h"
 #include "tests/engine/storage/SmallCube.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 

@@ -1,1 +1,0 @@
-qel_fuzz(csv targets/csv.cpp qel_engine_build)

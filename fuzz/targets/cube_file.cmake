@@ -1,1 +1,0 @@
-qel_fuzz(cube_file targets/cube_file.cpp qel_engine_eval)

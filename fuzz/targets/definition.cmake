@@ -1,1 +1,0 @@
-qel_fuzz(definition targets/definition.cpp qel_engine_build)

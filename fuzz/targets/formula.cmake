@@ -1,1 +1,0 @@
-qel_fuzz(formula targets/formula.cpp qel_cli_formula)

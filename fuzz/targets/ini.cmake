@@ -1,1 +1,0 @@
-qel_fuzz(ini targets/ini.cpp qel_platform_files)

@@ -1,1 +1,0 @@
-qel_fuzz(lang_table targets/lang_table.cpp qel_lang qel_platform_xml)

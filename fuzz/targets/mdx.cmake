@@ -1,1 +1,0 @@
-qel_fuzz(mdx targets/mdx.cpp qel_engine_build qel_engine_eval)

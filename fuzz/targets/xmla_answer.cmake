@@ -1,1 +1,0 @@
-qel_fuzz(xmla_answer targets/xmla_answer.cpp qel_platform_xmla)

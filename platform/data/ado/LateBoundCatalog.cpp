@@ -1,0 +1,123 @@
+#include "platform/data/ado/LateBoundCatalog.h"
+
+#include "platform/data/ado/LateBoundConnection.h"
+#include "platform/windows/VariantConversion.h"
+
+namespace qel::windows {
+
+namespace {
+
+/// What every object of a catalog has. Its collections give one of their objects by number or name.
+template <class Interface>
+class NamedObject : public Interface {
+public:
+    explicit NamedObject(DispatchObject object) : object_(std::move(object)) {}
+
+    std::string Name() const override { return object_.Text(L"Name"); }
+
+protected:
+    std::int32_t Count(const wchar_t* collection) const { return object_.Child(collection).Number(L"Count"); }
+
+    template <class Item, class Key>
+    std::unique_ptr<Item> ItemOf(const wchar_t* collection, const Key& key) const {
+        return std::make_unique<Item>(object_.Child(collection).Child(L"Item", ArgumentList(key)));
+    }
+
+    /// A dimension or hierarchy keeps its caption among its provider's properties.
+    std::string CaptionIn(std::string_view property) const {
+        return object_.Child(L"Properties").Child(L"Item", ArgumentList(property)).Text(L"Value");
+    }
+
+    DispatchObject object_;
+};
+
+class LateBoundMember : public NamedObject<Member> {
+public:
+    using NamedObject::NamedObject;
+
+    std::string Caption() const override { return object_.Text(L"Caption"); }
+    std::string UniqueName() const override { return object_.Text(L"UniqueName"); }
+
+    std::unique_ptr<Member> Parent() const override {
+        const OwnedVariant parent = object_.Property(L"Parent");
+        const VARIANT& value = Dereferenced(parent.Get());
+        if (V_VT(&value) != VT_DISPATCH || V_DISPATCH(&value) == nullptr)
+            return nullptr;
+        return std::make_unique<LateBoundMember>(
+            DispatchObject(ComPointer<IDispatch>(V_DISPATCH(&value)), "Member"));
+    }
+};
+
+/// Asks for its members once: each request may be a query of its own.
+class LateBoundLevel : public NamedObject<Level> {
+public:
+    explicit LateBoundLevel(DispatchObject level)
+        : NamedObject(std::move(level)), members_(object_.Child(L"Members")) {}
+
+    std::string Caption() const override { return object_.Text(L"Caption"); }
+    std::int32_t MemberCount() const override { return members_.Number(L"Count"); }
+    std::unique_ptr<Member> MemberAt(std::int32_t index) const override {
+        return std::make_unique<LateBoundMember>(members_.Child(L"Item", ArgumentList(index)));
+    }
+
+private:
+    DispatchObject members_;
+};
+
+class LateBoundHierarchy : public NamedObject<Hierarchy> {
+public:
+    using NamedObject::NamedObject;
+
+    std::string Caption() const override { return CaptionIn("HIERARCHY_CAPTION"); }
+    std::string UniqueName() const override { return object_.Text(L"UniqueName"); }
+    std::int32_t LevelCount() const override { return Count(L"Levels"); }
+    std::unique_ptr<Level> LevelAt(std::int32_t index) const override {
+        return ItemOf<LateBoundLevel>(L"Levels", index);
+    }
+    std::unique_ptr<Level> LevelNamed(const std::string& name) const override {
+        return ItemOf<LateBoundLevel>(L"Levels", name);
+    }
+};
+
+class LateBoundDimension : public NamedObject<Dimension> {
+public:
+    using NamedObject::NamedObject;
+
+    std::string Caption() const override { return CaptionIn("DIMENSION_CAPTION"); }
+    std::int32_t HierarchyCount() const override { return Count(L"Hierarchies"); }
+    std::unique_ptr<Hierarchy> HierarchyAt(std::int32_t index) const override {
+        return ItemOf<LateBoundHierarchy>(L"Hierarchies", index);
+    }
+};
+
+class LateBoundCubeDef : public NamedObject<CubeDef> {
+public:
+    using NamedObject::NamedObject;
+
+    std::int32_t DimensionCount() const override { return Count(L"Dimensions"); }
+    std::unique_ptr<Dimension> DimensionAt(std::int32_t index) const override {
+        return ItemOf<LateBoundDimension>(L"Dimensions", index);
+    }
+    std::unique_ptr<Dimension> DimensionNamed(const std::string& name) const override {
+        return ItemOf<LateBoundDimension>(L"Dimensions", name);
+    }
+};
+
+} // namespace
+
+void LateBoundCatalog::SetActiveConnection(const std::string& connectionString) {
+    catalog_.Put(L"ActiveConnection", ToArgument(connectionString));
+}
+
+void LateBoundCatalog::SetActiveConnection(const std::shared_ptr<Connection>& connection) {
+    catalog_.Put(L"ActiveConnection", ToArgument(LateBoundConnection::ObjectOf(connection)));
+}
+
+std::int32_t LateBoundCatalog::CubeCount() const { return catalog_.Child(L"CubeDefs").Number(L"Count"); }
+
+std::unique_ptr<CubeDef> LateBoundCatalog::CubeAt(std::int32_t index) const {
+    return std::make_unique<LateBoundCubeDef>(
+        catalog_.Child(L"CubeDefs").Child(L"Item", ArgumentList(index)));
+}
+
+} // namespace qel::windows

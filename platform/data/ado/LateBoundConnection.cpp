@@ -1,0 +1,23 @@
+#include "platform/data/ado/LateBoundConnection.h"
+
+#include "platform/data/ado/LateBoundRecordset.h"
+#include "platform/value/AutomationError.h"
+
+namespace qel::windows {
+
+std::unique_ptr<Recordset> LateBoundConnection::OpenSchema(int schema) {
+    return std::make_unique<LateBoundRecordset>(
+        connection_.Child(L"OpenSchema", ArgumentList(std::int32_t{schema})));
+}
+
+const DispatchObject& LateBoundConnection::ObjectOf(const std::shared_ptr<Connection>& connection) {
+    constexpr std::int32_t invalidConnection = 3709;
+    const auto* own = dynamic_cast<const LateBoundConnection*>(connection.get());
+    if (own == nullptr)
+        throw AutomationError(invalidConnection,
+                              "The connection cannot be used to perform this operation. It is either "
+                              "closed or invalid in this context.");
+    return own->connection_;
+}
+
+} // namespace qel::windows

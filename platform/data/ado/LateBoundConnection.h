@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/data/DataAccess.h"
+#include "platform/windows/DispatchObject.h"
+
+namespace qel::windows {
+
+/// ADODB.Connection.
+class LateBoundConnection : public Connection {
+public:
+    LateBoundConnection() : connection_(DispatchObject::Create(L"ADODB.Connection")) {}
+
+    void Open(const std::string& connectionString, const std::string& user, const std::string& password,
+              int options) override {
+        connection_.Call(L"Open", ArgumentList(connectionString, user, password, std::int32_t{options}));
+    }
+    void Close() override { connection_.Call(L"Close"); }
+    int State() const override { return connection_.Number(L"State"); }
+    std::string ConnectionString() const override { return connection_.Text(L"ConnectionString"); }
+    std::string Provider() const override { return connection_.Text(L"Provider"); }
+    std::string DefaultDatabase() const override { return connection_.Text(L"DefaultDatabase"); }
+    std::unique_ptr<Recordset> OpenSchema(int schema) override;
+
+    /// The object behind a connection that this provider made. Raises 3709 for any other.
+    static const DispatchObject& ObjectOf(const std::shared_ptr<Connection>& connection);
+
+private:
+    DispatchObject connection_;
+};
+
+} // namespace qel::windows

@@ -1,0 +1,65 @@
+#include "platform/data/embedded/LocalCatalog.h"
+
+#include "platform/data/embedded/LocalConnection.h"
+#include "platform/data/embedded/LocalDimension.h"
+#include "platform/data/embedded/MeasuresDimension.h"
+#include "platform/data/embedded/ProviderErrors.h"
+
+#include <fmt/format.h>
+
+namespace qel {
+
+namespace {
+
+/// [Measures] comes first, then the cube's own dimensions in their order.
+class LocalCubeDef : public CubeDef {
+public:
+    explicit LocalCubeDef(std::shared_ptr<const engine::Cube> cube) : cube_(std::move(cube)) {}
+
+    std::string Name() const override { return cube_->Name(); }
+
+    std::int32_t DimensionCount() const override {
+        return static_cast<std::int32_t>(cube_->Dimensions().size()) + 1;
+    }
+
+    std::unique_ptr<Dimension> DimensionAt(std::int32_t index) const override {
+        if (index < 0 || index >= DimensionCount())
+            throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        if (index == 0)
+            return MakeMeasuresDimension(cube_);
+        return MakeLocalDimension(cube_, static_cast<std::size_t>(index) - 1);
+    }
+
+    std::unique_ptr<Dimension> DimensionNamed(const std::string& name) const override {
+        if (IsMeasuresName(name))
+            return MakeMeasuresDimension(cube_);
+        const auto found = cube_->FindDimension(name);
+        if (!found)
+            throw ProviderError(errorItemNotFound,
+                                fmt::format("The cube '{}' has no dimension '{}'.", cube_->Name(), name));
+        return MakeLocalDimension(cube_, *found);
+    }
+
+private:
+    std::shared_ptr<const engine::Cube> cube_;
+};
+
+} // namespace
+
+void LocalCatalog::SetActiveConnection(const std::string& connectionString) {
+    cube_ = OpenCube(*files_, connectionString);
+}
+
+void LocalCatalog::SetActiveConnection(const std::shared_ptr<Connection>& connection) {
+    cube_ = LocalConnection::CubeOf(connection);
+}
+
+std::unique_ptr<CubeDef> LocalCatalog::CubeAt(std::int32_t index) const {
+    if (!cube_)
+        throw ProviderError(errorInvalidConnection, "The catalog has no active connection.");
+    if (index != 0)
+        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    return std::make_unique<LocalCubeDef>(cube_);
+}
+
+} // namespace qel

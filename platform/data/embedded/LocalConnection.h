@@ -1,0 +1,48 @@
+#pragma once
+
+#include "engine/eval/PlanCache.h"
+#include "engine/storage/CubeFile.h"
+#include "platform/data/DataAccess.h"
+
+#include <memory>
+#include <string>
+
+namespace qel {
+
+class OpenCubeFiles;
+
+/// The cube that the connection text names; the file's first one when the text has no Initial Catalog. Raises
+/// AutomationError for a text, file or cube that cannot be opened.
+std::shared_ptr<const engine::Cube> OpenCube(OpenCubeFiles& files, const std::string& connectionString);
+
+/// A connection to one cube of a cube file, which is a catalog of its own.
+class LocalConnection : public Connection {
+public:
+    explicit LocalConnection(std::shared_ptr<OpenCubeFiles> files) : files_(std::move(files)) {}
+
+    void Open(const std::string& connectionString, const std::string& user, const std::string& password,
+              int options) override;
+    void Close() override;
+    int State() const override { return cube_ ? stateOpen : stateClosed; }
+    std::string ConnectionString() const override { return connectionString_; }
+    std::string DefaultDatabase() const override { return cube_ ? cube_->Name() : ""; }
+    std::unique_ptr<Recordset> OpenSchema(int schema) override;
+
+    /// The cube behind a connection that a client handed in. Raises AutomationError (3709) when it is none,
+    /// not open, or another provider's.
+    static std::shared_ptr<const engine::Cube> CubeOf(const std::shared_ptr<Connection>& connection);
+
+    /// Runs a statement over the cube behind a connection; errors as above, and those of the statement.
+    static engine::Cellset Run(const std::shared_ptr<Connection>& connection, const std::string& statement);
+
+private:
+    static const LocalConnection& OpenOne(const std::shared_ptr<Connection>& connection);
+
+    std::shared_ptr<OpenCubeFiles> files_;
+    std::string connectionString_;
+    std::shared_ptr<const engine::CubeFile> file_; ///< none while closed, as the cube
+    std::shared_ptr<const engine::Cube> cube_;
+    std::shared_ptr<engine::PlanCache> plans_; ///< of the file
+};
+
+} // namespace qel

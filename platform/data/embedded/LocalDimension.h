@@ -1,0 +1,15 @@
+#pragma once
+
+#include "engine/storage/Cube.h"
+#include "platform/data/DataAccess.h"
+
+#include <memory>
+
+namespace qel {
+
+/// A stored dimension of the cube, by its number. It, and everything reached through it, keeps the cube's
+/// file open.
+std::unique_ptr<Dimension> MakeLocalDimension(std::shared_ptr<const engine::Cube> cube,
+                                              std::size_t dimension);
+
+} // namespace qel

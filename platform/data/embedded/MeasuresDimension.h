@@ -1,0 +1,17 @@
+#pragma once
+
+#include "engine/storage/Cube.h"
+#include "platform/data/DataAccess.h"
+
+#include <memory>
+#include <string_view>
+
+namespace qel {
+
+/// True for "Measures" in any letter case.
+bool IsMeasuresName(std::string_view name);
+
+/// The dimension [Measures]: one hierarchy with one level, whose members are the cube's measures.
+std::unique_ptr<Dimension> MakeMeasuresDimension(std::shared_ptr<const engine::Cube> cube);
+
+} // namespace qel

@@ -1,0 +1,63 @@
+#include "platform/data/embedded/OpenCubeFiles.h"
+
+#include "platform/data/embedded/CubeSource.h"
+#include "platform/data/embedded/ProviderErrors.h"
+#include "text/Utf8Path.h"
+
+#include <algorithm>
+
+namespace qel {
+
+namespace {
+
+/// Enough for a workbook that compares a few years' cubes; each keeps its metadata in memory.
+constexpr std::size_t filesKept = 8;
+
+} // namespace
+
+std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Open(const std::string& path) {
+    const auto identity = IdentifyFile(PathFromUtf8(path));
+    if (identity) {
+        const std::lock_guard lock(mutex_);
+        if (auto file = Find(path, *identity))
+            return file;
+    }
+    RequireCubeFile(path);
+    auto file = TranslatingErrors([&] { return engine::CubeFile::Open(PathFromUtf8(path)); });
+    // The identity was taken before the opening: if the file was replaced in between, the next call sees
+    // another identity and opens again.
+    if (identity) {
+        const std::lock_guard lock(mutex_);
+        Keep({path, *identity, file, std::make_shared<engine::PlanCache>()});
+    }
+    return file;
+}
+
+std::shared_ptr<engine::PlanCache>
+OpenCubeFiles::PlansOf(const std::shared_ptr<const engine::CubeFile>& file) {
+    const std::lock_guard lock(mutex_);
+    for (const Entry& entry : entries_) {
+        if (entry.file == file)
+            return entry.plans;
+    }
+    return std::make_shared<engine::PlanCache>(); // so many others were opened that it is forgotten
+}
+
+std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Find(const std::string& path,
+                                                            const FileIdentity& identity) {
+    const auto found = std::find_if(entries_.begin(), entries_.end(),
+                                    [&](const Entry& entry) { return entry.path == path; });
+    if (found == entries_.end() || found->identity != identity)
+        return nullptr;
+    std::rotate(entries_.begin(), found, found + 1);
+    return entries_.front().file;
+}
+
+void OpenCubeFiles::Keep(Entry entry) {
+    std::erase_if(entries_, [&](const Entry& old) { return old.path == entry.path; });
+    entries_.insert(entries_.begin(), std::move(entry));
+    if (entries_.size() > filesKept)
+        entries_.pop_back();
+}
+
+} // namespace qel

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "engine/EngineError.h"
+#include "platform/data/DataAccessErrors.h"
+#include "platform/value/AutomationError.h"
+
+#include <cstdint>
+#include <string>
+
+// How a failure of the embedded engine, or a wrong use of its adapters, becomes the error that a client of
+// the data-access objects sees.
+
+namespace qel {
+
+/// An error in the name of the embedded engine.
+AutomationError ProviderError(std::int32_t number, std::string description);
+
+/// The same number (the kind's) and text, in the name of the embedded engine.
+AutomationError ToAutomationError(const engine::EngineError& error);
+
+/// Runs `work` and returns its result; an EngineError leaves as an AutomationError.
+template <class Work>
+auto TranslatingErrors(const Work& work) {
+    try {
+        return work();
+    } catch (const engine::EngineError& error) {
+        throw ToAutomationError(error);
+    }
+}
+
+} // namespace qel

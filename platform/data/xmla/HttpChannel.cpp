@@ -1,0 +1,186 @@
+#include "platform/data/xmla/HttpChannel.h"
+
+#include "platform/data/xmla/ServerErrors.h"
+
+#include <fmt/format.h>
+
+#include <array>
+#include <curl/curl.h>
+#include <exception>
+
+namespace qel {
+
+namespace {
+
+struct FreeList {
+    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+};
+
+void StartLibraryOnce() {
+    static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
+    if (started != CURLE_OK)
+        throw ServerError(errorServerUnreachable, "The HTTP library cannot be started.");
+}
+
+/// libcurl's callback while it waits, too; anything but 0 ends the transfer.
+int EndWhenStopped(void* isStopped, curl_off_t /*expected*/, curl_off_t /*received*/, curl_off_t /*toSend*/,
+                   curl_off_t /*sent*/) {
+    return static_cast<const std::atomic<bool>*>(isStopped)->load() ? 1 : 0;
+}
+
+bool IsRedirection(long status) { return status == 301 || status == 302 || status == 307 || status == 308; }
+
+} // namespace
+
+struct HttpChannel::Handle {
+    std::unique_ptr<CURL, decltype(&curl_easy_cleanup)> easy{nullptr, &curl_easy_cleanup};
+    std::array<char, CURL_ERROR_SIZE> message{};
+};
+
+/// One request's answer while it is received.
+struct HttpChannel::Transfer {
+    CURL* easy = nullptr;
+    std::size_t bytesLeft = 0;
+    const AnswerSink* take = nullptr;
+    std::exception_ptr failure = {};
+
+    /// libcurl's callback; returning another count than it was given ends the transfer.
+    static std::size_t Receive(char* data, std::size_t size, std::size_t count, void* self) {
+        auto& transfer = *static_cast<Transfer*>(self);
+        const std::size_t bytes = size * count;
+        try {
+            transfer.Take({data, bytes});
+            return bytes;
+        } catch (...) {
+            transfer.failure = std::current_exception();
+            return bytes == 0 ? 1 : 0;
+        }
+    }
+
+    void Take(std::string_view bytes) {
+        long status = 0;
+        curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
+        if (IsRedirection(status))
+            return;
+        if (bytes.size() > bytesLeft)
+            throw ServerError(errorServerAnswer, "The server's answer is larger than is taken.");
+        bytesLeft -= bytes.size();
+        (*take)(status, bytes);
+    }
+};
+
+HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& options)
+    : address_(address), limits_(options.limits), credentials_(address.credentials),
+      isStopped_(options.isStopped), handle_(std::make_unique<Handle>()) {
+    StartLibraryOnce();
+    if (credentials_.user.empty() && options.credentials)
+        credentials_ = options.credentials(address.host);
+    handle_->easy.reset(curl_easy_init());
+    CURL* easy = handle_->easy.get();
+    if (!easy)
+        throw ServerError(errorServerUnreachable, "The HTTP library has no memory.");
+    curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, handle_->message.data());
+    curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()));
+    curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(limits_.request.count()));
+    curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, ""); // whatever the library can unpack
+    curl_easy_setopt(easy, CURLOPT_USERAGENT, "OrmFuncQel4");
+    curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Transfer::Receive);
+    if (isStopped_) {
+        curl_easy_setopt(easy, CURLOPT_NOPROGRESS, 0L);
+        curl_easy_setopt(easy, CURLOPT_XFERINFOFUNCTION, &EndWhenStopped);
+        curl_easy_setopt(easy, CURLOPT_XFERINFODATA, isStopped_.get());
+    }
+    if (credentials_.user.empty()) {
+        curl_easy_setopt(easy, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_OPTIONAL));
+    } else {
+        curl_easy_setopt(easy, CURLOPT_USERNAME, credentials_.user.c_str());
+        curl_easy_setopt(easy, CURLOPT_PASSWORD, credentials_.password.c_str());
+    }
+}
+
+HttpChannel::~HttpChannel() = default;
+
+HttpHead HttpChannel::Post(const std::string& body, const std::string& action, const AnswerSink& take) {
+    constexpr int mostRedirections = 5;
+    std::string url = address_.url;
+    for (int i = 0; i <= mostRedirections; ++i) {
+        HttpHead head = PostOnce(url, body, action, take);
+        if (!IsRedirection(head.status))
+            return head;
+        url = Redirection();
+    }
+    throw ServerError(errorServerAnswer, fmt::format("{} redirects in a circle.", address_.url));
+}
+
+HttpHead HttpChannel::PostOnce(const std::string& url, const std::string& body, const std::string& action,
+                               const AnswerSink& take) {
+    if (isStopped_ && *isStopped_)
+        throw ServerError(errorServerUnreachable, fmt::format("{} is not asked any more.", url));
+    CURL* easy = handle_->easy.get();
+    std::unique_ptr<curl_slist, FreeList> headers;
+    // The last one: no waiting for the server's leave to send a large statement.
+    for (const auto& header : {std::string("Content-Type: text/xml; charset=utf-8"),
+                               fmt::format("SOAPAction: \"{}\"", action), std::string("Expect:")})
+        headers.reset(curl_slist_append(headers.release(), header.c_str()));
+    Transfer transfer{.easy = easy, .bytesLeft = limits_.answerBytes, .take = &take};
+    curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
+    curl_easy_setopt(easy, CURLOPT_HTTPHEADER, headers.get());
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body.size()));
+    curl_easy_setopt(easy, CURLOPT_POSTFIELDS, body.c_str());
+    curl_easy_setopt(easy, CURLOPT_WRITEDATA, &transfer);
+    const CURLcode code = curl_easy_perform(easy);
+    curl_easy_setopt(easy, CURLOPT_HTTPHEADER, nullptr);
+    if (transfer.failure)
+        std::rethrow_exception(transfer.failure);
+    if (code != CURLE_OK)
+        Fail(code, url);
+    HttpHead head;
+    curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &head.status);
+    const char* type = nullptr;
+    curl_easy_getinfo(easy, CURLINFO_CONTENT_TYPE, &type);
+    head.contentType = type ? type : "";
+    return head;
+}
+
+std::string HttpChannel::Redirection() const {
+    const char* location = nullptr;
+    curl_easy_getinfo(handle_->easy.get(), CURLINFO_REDIRECT_URL, &location);
+    if (!location)
+        throw ServerError(errorServerAnswer, fmt::format("{} redirects to nowhere.", address_.url));
+    const ServerAddress target = ParseServerAddress(location);
+    const bool losesEncryption = address_.url.starts_with("https:") && !target.url.starts_with("https:");
+    if (target.host != address_.host || losesEncryption)
+        throw ServerError(
+            errorServerAnswer,
+            fmt::format("{} redirects to {}, which is not followed: {}. Use that address if it is the "
+                        "right one.",
+                        address_.url, target.url,
+                        losesEncryption ? "it is not encrypted" : "it is another host"));
+    return target.url;
+}
+
+void HttpChannel::Fail(int code, const std::string& url) const {
+    const char* general = curl_easy_strerror(static_cast<CURLcode>(code));
+    const std::string_view own = handle_->message.data();
+    const std::string reason(own.empty() ? general : own);
+    switch (code) {
+    case CURLE_OPERATION_TIMEDOUT:
+        throw ServerError(errorServerTimeout, fmt::format("{} did not answer in time: {}.", url, reason));
+    case CURLE_PEER_FAILED_VERIFICATION:
+    case CURLE_SSL_CONNECT_ERROR:
+        throw ServerError(errorServerUnreachable,
+                          fmt::format("No trusted connection to {} could be made: {}.", url, reason));
+    case CURLE_PARTIAL_FILE:
+    case CURLE_BAD_CONTENT_ENCODING:
+    case CURLE_WEIRD_SERVER_REPLY:
+    case CURLE_UNSUPPORTED_PROTOCOL: // "HTTP/0.9": the server speaks something else
+        throw ServerError(errorServerAnswer,
+                          fmt::format("{} answered what cannot be read: {}.", url, reason));
+    default:
+        throw ServerError(errorServerUnreachable, fmt::format("{} cannot be reached: {}.", url, reason));
+    }
+}
+
+} // namespace qel

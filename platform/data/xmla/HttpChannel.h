@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/data/xmla/ServerOptions.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace qel {
+
+/// What an answer's head says.
+struct HttpHead {
+    long status = 0;
+    std::string contentType; ///< may be empty
+};
+
+/// Takes an answer's body as it comes, with the answer's status.
+using AnswerSink = std::function<void(long status, std::string_view piece)>;
+
+/// One kept-alive connection to a server. Belongs to one thread at a time.
+class HttpChannel {
+public:
+    HttpChannel(const ServerAddress& address, const ServerOptions& options);
+    ~HttpChannel();
+    HttpChannel(const HttpChannel&) = delete;
+    HttpChannel& operator=(const HttpChannel&) = delete;
+
+    /// Sends a SOAP request and hands the answer's body to `take` as it comes; what `take` raises ends the
+    /// request and is passed on. Raises AutomationError when no whole answer comes in time. The status is not
+    /// judged, redirections aside.
+    HttpHead Post(const std::string& body, const std::string& action, const AnswerSink& take);
+
+private:
+    struct Transfer;
+
+    /// Where the server says to ask instead. Raises AutomationError for another host.
+    std::string Redirection() const;
+    HttpHead PostOnce(const std::string& url, const std::string& body, const std::string& action,
+                      const AnswerSink& take);
+    [[noreturn]] void Fail(int code, const std::string& url) const;
+
+    ServerAddress address_;
+    ServerLimits limits_;
+    Credentials credentials_;
+    std::shared_ptr<const std::atomic<bool>> isStopped_;
+    struct Handle;
+    std::unique_ptr<Handle> handle_;
+};
+
+} // namespace qel

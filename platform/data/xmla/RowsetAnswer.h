@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/data/xmla/XmlStream.h"
+#include "platform/value/Variant.h"
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace qel {
+
+/// A value as the schema type of its element says ("xsd:double", "xsd:string"; numbers come as Double).
+/// Raises AutomationError for a number that is none.
+Variant TypedValue(std::string_view type, const std::string& text);
+
+/// The rows of a Discover, or of an Execute whose answer is tabular.
+class RowsetAnswer : public XmlHandler {
+public:
+    void StartElement(std::string_view name, const XmlAttributes& attributes) override;
+    void EndElement(std::string_view name, const std::string& text) override;
+
+    /// Those that the answer's schema names, in its order; without a schema, in the order in which they were
+    /// met.
+    const std::vector<std::string>& Fields() const { return fields_; }
+    std::size_t RowCount() const { return rows_.size(); }
+    /// Null when the row has no such field.
+    Variant Value(std::size_t row, std::size_t field) const;
+    /// The text of a row's field, empty when there is none.
+    std::string Text(std::size_t row, const std::string& field) const;
+
+private:
+    std::size_t FieldOfElement(std::string_view element);
+
+    std::vector<std::string> fields_;
+    std::unordered_map<std::string, std::size_t> fieldsByElement_;
+    std::vector<std::vector<Variant>> rows_;
+    bool inRow_ = false;
+    std::size_t depthInRow_ = 0;
+    bool inRowType_ = false; ///< in the schema's description of a row
+    std::string type_;       ///< of the row's element that is open
+};
+
+} // namespace qel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "platform/data/xmla/ServerSession.h"
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+
+namespace qel {
+
+/// The sessions that are in use, by connection text. Safe for any number of threads.
+class ServerSessions : public std::enable_shared_from_this<ServerSessions> {
+public:
+    explicit ServerSessions(ServerOptions options) : options_(std::move(options)) {}
+
+    /// The one of that text, or a new one whose catalog the server is known to have. Raises AutomationError
+    /// for a text, server or catalog that cannot be opened. A failure that took long is told again without
+    /// waiting, for as long as it took: thousands of formulas over a silent server must not wait one after
+    /// the other.
+    std::shared_ptr<ServerSession> Open(const std::string& connectionString);
+
+private:
+    struct SlowFailure {
+        AutomationError error;
+        std::chrono::steady_clock::time_point until;
+    };
+
+    std::shared_ptr<ServerSession> FindInUse(const std::string& connectionString);
+    void Remember(const std::string& connectionString, const AutomationError& error,
+                  std::chrono::steady_clock::duration taken);
+
+    ServerOptions options_;
+    std::mutex mutex_; ///< guards the two below
+    std::map<std::string, std::weak_ptr<ServerSession>> inUse_;
+    std::map<std::string, SlowFailure> slowFailures_;
+};
+
+} // namespace qel

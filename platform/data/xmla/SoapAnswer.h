@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/data/xmla/XmlStream.h"
+
+#include <string>
+
+namespace qel {
+
+/// The envelope around an answer: passes what is inside on to `content`, and keeps a fault's words.
+class SoapAnswer : public XmlHandler {
+public:
+    explicit SoapAnswer(XmlHandler& content) : content_(content) {}
+
+    void StartElement(std::string_view name, const XmlAttributes& attributes) override;
+    void EndElement(std::string_view name, const std::string& text) override;
+
+    /// The server's words for what is wrong; empty when it answered.
+    const std::string& Fault() const { return fault_; }
+    /// True when the whole of an envelope was read.
+    bool IsComplete() const { return isComplete_; }
+
+private:
+    void AddToFault(std::string_view words);
+
+    XmlHandler& content_;
+    std::size_t depth_ = 0, faultDepth_ = 0; ///< faultDepth_: of the Fault element, 0 outside of one
+    bool isComplete_ = false;
+    std::string fault_;
+};
+
+} // namespace qel

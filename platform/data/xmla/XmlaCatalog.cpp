@@ -1,0 +1,26 @@
+#include "platform/data/xmla/XmlaCatalog.h"
+
+#include "platform/data/DataAccessErrors.h"
+#include "platform/data/xmla/ServerErrors.h"
+#include "platform/data/xmla/XmlaConnection.h"
+#include "platform/data/xmla/XmlaDimension.h"
+
+namespace qel {
+
+void XmlaCatalog::SetActiveConnection(const std::string& connectionString) {
+    session_ = sessions_->Open(connectionString);
+}
+
+void XmlaCatalog::SetActiveConnection(const std::shared_ptr<Connection>& connection) {
+    session_ = XmlaConnection::SessionOf(connection);
+}
+
+std::unique_ptr<CubeDef> XmlaCatalog::CubeAt(std::int32_t index) const {
+    if (!session_)
+        throw ServerError(errorInvalidConnection, "The catalog has no active connection.");
+    if (index != 0)
+        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    return MakeXmlaCube(session_);
+}
+
+} // namespace qel

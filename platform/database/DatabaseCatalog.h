@@ -1,0 +1,53 @@
+#pragma once
+
+#include "platform/database/DatabaseConnection.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+// The port through which the local database is made and opened; making has the shape of ADOX.
+
+namespace qel {
+
+/// With ADO's numbers.
+enum class ColumnType : std::uint8_t { Date = 7, Text = 202 };
+
+/// ADOX's adColNullable.
+inline constexpr std::int32_t columnNullable = 2;
+
+struct TableColumn {
+    std::string name;
+    ColumnType type = ColumnType::Text;
+    std::int32_t definedSize = 0; ///< in characters; 0 for the provider's default
+    std::int32_t attributes = columnNullable;
+};
+
+struct TableDefinition {
+    std::string name;
+    std::vector<TableColumn> columns;
+};
+
+/// ADOX's Catalog. Every operation raises AutomationError with the provider's number and description.
+class DatabaseCatalog {
+public:
+    virtual ~DatabaseCatalog() = default;
+    /// Makes an empty database. A file that exists, whatever it holds, is an error and stays as it is.
+    virtual void Create(const std::string& connectionString) = 0;
+    virtual void AppendTable(const TableDefinition& table) = 0;
+};
+
+class DatabaseEngine {
+public:
+    virtual ~DatabaseEngine() = default;
+    /// For people: "SQLite 3.40.1".
+    virtual std::string Name() const = 0;
+    /// Raises when the engine cannot be reached.
+    virtual std::unique_ptr<DatabaseCatalog> NewCatalog() = 0;
+    /// Opens a database that exists. Raises AutomationError, naming the file and the fault, for one that is
+    /// missing, damaged or another engine's.
+    virtual std::unique_ptr<DatabaseConnection> Open(const std::string& connectionString) = 0;
+};
+
+} // namespace qel

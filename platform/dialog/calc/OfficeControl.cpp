@@ -1,0 +1,212 @@
+#include "platform/dialog/calc/OfficeControl.h"
+
+#include "platform/dialog/calc/AccessKey.h"
+#include "platform/office/OfficeText.h"
+#include "platform/value/AutomationError.h"
+
+#include <com/sun/star/container/XNameContainer.hpp>
+#include <com/sun/star/text/WritingMode2.hpp>
+#include <com/sun/star/uno/Sequence.hxx>
+
+namespace qel::office {
+
+namespace uno = com::sun::star::uno;
+
+namespace {
+
+constexpr sal_Int16 alignLeft = 0, alignRight = 2;
+constexpr sal_Int16 visibleItems = 12;
+
+struct KindNames {
+    const char* model; ///< null for a control that takes no place
+    const char* typeName;
+};
+
+KindNames NamesOf(ControlKind kind) {
+    switch (kind) {
+    case ControlKind::Label:
+        return {"com.sun.star.awt.UnoControlFixedTextModel", "Label"};
+    case ControlKind::TextBox:
+        return {"com.sun.star.awt.UnoControlEditModel", "TextBox"};
+    case ControlKind::Button:
+        return {"com.sun.star.awt.UnoControlButtonModel", "CommandButton"};
+    case ControlKind::CheckBox:
+        return {"com.sun.star.awt.UnoControlCheckBoxModel", "CheckBox"};
+    case ControlKind::ComboBox:
+        return {"com.sun.star.awt.UnoControlListBoxModel", "ComboBox"};
+    case ControlKind::BoundList:
+        return {"com.sun.star.awt.UnoControlComboBoxModel", "DataCombo"};
+    case ControlKind::ListBox:
+        return {"com.sun.star.awt.UnoControlListBoxModel", "ListBox"};
+    case ControlKind::Line:
+        return {"com.sun.star.awt.UnoControlFixedLineModel", "Line"};
+    case ControlKind::FileDialog:
+        break;
+    }
+    return {nullptr, "CommonDialog"};
+}
+
+} // namespace
+
+OfficeControl::OfficeControl(const uno::Reference<com::sun::star::lang::XMultiServiceFactory>& dialog,
+                             const FormDesign& form, std::size_t index, bool isRightToLeft)
+    : design_(form.controls[index]), isRightToLeft_(isRightToLeft), caption_(design_.caption) {
+    const char* const model = NamesOf(design_.kind).model;
+    if (model == nullptr)
+        return;
+    model_.set(dialog->createInstance(rtl::OUString::createFromAscii(model)), uno::UNO_QUERY_THROW);
+    PutInPlace(form, index);
+    MakeAsDesigned(form);
+    const uno::Reference<com::sun::star::container::XNameContainer> controls(dialog, uno::UNO_QUERY_THROW);
+    controls->insertByName(rtl::OUString::createFromAscii(design_.name), uno::Any(model_));
+    SetContent(caption_);
+}
+
+void OfficeControl::PutInPlace(const FormDesign& form, std::size_t index) {
+    const Place& place = design_.place;
+    const int left = isRightToLeft_ ? form.width - place.left - place.width : place.left;
+    Set("PositionX", uno::Any(sal_Int32{left}));
+    Set("PositionY", uno::Any(sal_Int32{place.top}));
+    Set("Width", uno::Any(sal_Int32{place.width}));
+    Set("Height", uno::Any(sal_Int32{place.height}));
+    Set("Name", uno::Any(rtl::OUString::createFromAscii(design_.name)));
+    Set("TabIndex", uno::Any(static_cast<sal_Int16>(index)));
+    // Lines have no reading direction.
+    if (isRightToLeft_ && model_->getPropertySetInfo()->hasPropertyByName("WritingMode"))
+        Set("WritingMode", uno::Any(com::sun::star::text::WritingMode2::RL_TB));
+}
+
+void OfficeControl::MakeAsDesigned(const FormDesign& form) {
+    switch (design_.kind) {
+    case ControlKind::Label:
+        Set("MultiLine", uno::Any(true));
+        break;
+    case ControlKind::TextBox:
+        Set("ReadOnly", uno::Any(design_.isReadOnly));
+        // Paths, dates and numbers read from left to right in any language.
+        Set("WritingMode", uno::Any(com::sun::star::text::WritingMode2::LR_TB));
+        Set("Align", uno::Any(isRightToLeft_ ? alignRight : alignLeft));
+        break;
+    case ControlKind::Button:
+        Set("DefaultButton", uno::Any(design_.name == std::string_view(form.defaultButton)));
+        break;
+    case ControlKind::ComboBox:
+        Set("Dropdown", uno::Any(true));
+        Set("LineCount", uno::Any(visibleItems));
+        break;
+    case ControlKind::BoundList:
+        Set("Dropdown", uno::Any(true));
+        Set("Autocomplete", uno::Any(false)); // it would end what is typed by the first row of all
+        Set("LineCount", uno::Any(visibleItems));
+        search_ = std::make_unique<SearchBox>(model_);
+        break;
+    default:
+        break;
+    }
+}
+
+void OfficeControl::Set(const char* property, const uno::Any& value) {
+    model_->setPropertyValue(rtl::OUString::createFromAscii(property), value);
+}
+
+bool OfficeControl::HasCaption() const {
+    return design_.kind == ControlKind::Label || design_.kind == ControlKind::Button ||
+           design_.kind == ControlKind::CheckBox;
+}
+
+std::string OfficeControl::Content() const {
+    if (HasCaption())
+        return caption_;
+    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::ListBox) {
+        const auto selected = Selected();
+        return selected ? items_.at(*selected) : std::string();
+    }
+    rtl::OUString text;
+    model_->getPropertyValue("Text") >>= text;
+    return FromOffice(text);
+}
+
+void OfficeControl::SetContent(const std::string& text) {
+    if (HasCaption())
+        OfficeControl::SetText(TextProperty::Caption, text);
+    else if (design_.kind == ControlKind::TextBox)
+        Set("Text", uno::Any(ToOffice(text)));
+}
+
+bool OfficeControl::IsChecked() const {
+    sal_Int16 state = 0;
+    model_->getPropertyValue("State") >>= state;
+    return state == 1;
+}
+
+void OfficeControl::SetChecked(bool isChecked) { Set("State", uno::Any(sal_Int16{isChecked})); }
+
+bool OfficeControl::IsEnabled() const {
+    bool isEnabled = false;
+    model_->getPropertyValue("Enabled") >>= isEnabled;
+    return isEnabled;
+}
+
+void OfficeControl::SetEnabled(bool isEnabled) { Set("Enabled", uno::Any(isEnabled)); }
+
+void OfficeControl::SetItems(const std::vector<std::string>& items) {
+    items_ = items;
+    uno::Sequence<rtl::OUString> texts(static_cast<sal_Int32>(items.size()));
+    for (std::size_t i = 0; i < items.size(); ++i)
+        texts.getArray()[i] = ToOffice(items[i]);
+    Set("StringItemList", uno::Any(texts));
+    Set("SelectedItems", uno::Any(uno::Sequence<sal_Int16>()));
+}
+
+std::optional<std::size_t> OfficeControl::Selected() const {
+    if (search_)
+        return search_->Selected();
+    uno::Sequence<sal_Int16> selected;
+    model_->getPropertyValue("SelectedItems") >>= selected;
+    if (!selected.hasElements())
+        return std::nullopt;
+    return static_cast<std::size_t>(selected[0]);
+}
+
+void OfficeControl::Select(std::optional<std::size_t> index) {
+    if (search_) {
+        search_->Select(index);
+        return;
+    }
+    if (index && *index >= items_.size())
+        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    uno::Sequence<sal_Int16> selected(index ? 1 : 0);
+    if (index)
+        selected.getArray()[0] = static_cast<sal_Int16>(*index);
+    Set("SelectedItems", uno::Any(selected));
+}
+
+std::string OfficeControl::GetText(TextProperty property) const {
+    switch (property) {
+    case TextProperty::Tag:
+        return design_.tag != 0 ? std::to_string(design_.tag) : std::string();
+    case TextProperty::Caption:
+        return caption_;
+    default:
+        return {};
+    }
+}
+
+void OfficeControl::SetText(TextProperty property, const std::string& text) {
+    if (property != TextProperty::Caption || !HasCaption())
+        return;
+    caption_ = text;
+    Set("Label", uno::Any(ToOffice(WithAccessKey(caption_, design_.mnemonic))));
+}
+
+std::string OfficeControl::TypeName() const { return NamesOf(design_.kind).typeName; }
+
+void OfficeControl::SetAligment(std::int32_t aligment) {
+    if (design_.kind != ControlKind::Label)
+        return;
+    // A mirrored label's left is what people see on the right.
+    const bool isRight = aligment == 0;
+    Set("Align", uno::Any(isRight != isRightToLeft_ ? alignRight : alignLeft));
+}
+
+} // namespace qel::office

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/dialog/MessageBox.h"
+#include "platform/dialog/calc/OfficeWindows.h"
+
+namespace qel::office {
+
+/// The office's message boxes.
+class OfficeMessages : public MessageDisplay {
+public:
+    explicit OfficeMessages(const OfficeWindows& windows) : windows_(windows) {}
+
+    /// Ok too when the office could not show the box.
+    MessageBoxAnswer Show(std::int32_t style, const std::string& title, const std::string& text) override;
+
+private:
+    const OfficeWindows& windows_;
+};
+
+} // namespace qel::office

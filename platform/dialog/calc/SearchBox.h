@@ -1,0 +1,48 @@
+#pragma once
+
+#include "platform/dialog/DialogToolkit.h"
+
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace qel::office {
+
+/// A combo box over a ListSource: its list holds the rows that match what is typed.
+class SearchBox {
+public:
+    using Model = com::sun::star::uno::Reference<com::sun::star::beans::XPropertySet>;
+
+    explicit SearchBox(const Model& model) : model_(model) {}
+
+    void Bind(std::shared_ptr<const ListSource> rows);
+    std::optional<std::size_t> Selected() const { return chosen_; }
+    /// Raises 9 for a row that the source lacks.
+    void Select(std::optional<std::size_t> row);
+
+    /// The list is about to be used: it is filled when it was not yet.
+    void Prepare();
+    /// The text was edited by the user, or taken from the list. True when another row is chosen now.
+    bool OnText();
+    /// Chooses what the typed text means. True when another row, or none, is chosen now.
+    bool Commit();
+
+private:
+    std::string TypedText() const;
+    std::string TextOf(std::size_t row) const;
+    void Show(const std::vector<std::uint32_t>& matches);
+    void Choose(std::optional<std::size_t> row);
+
+    Model model_;
+    std::shared_ptr<const ListSource> rows_;
+    std::vector<std::uint32_t> matches_;
+    std::vector<std::string> shown_; ///< the texts of the matches
+    std::optional<std::size_t> chosen_;
+    std::optional<std::size_t> before_; ///< what was chosen before the user began to type
+    bool isTyped_ = false;
+    bool isFilled_ = false;
+};
+
+} // namespace qel::office

@@ -1,0 +1,208 @@
+#include "platform/dialog/win32/DialogControl.h"
+
+#include "platform/dialog/win32/AccessKey.h"
+#include "platform/dialog/win32/CarriedPointer.h"
+#include "platform/dialog/win32/ReadingDirection.h"
+#include "platform/windows/WideText.h"
+
+#include <algorithm>
+
+namespace qel::windows {
+
+namespace {
+
+constexpr int visibleItems = 12;
+
+/// How the system calls a kind of control, and what makes its windows so.
+struct WindowKind {
+    const wchar_t* className;
+    DWORD style, extendedStyle;
+};
+
+WindowKind KindOf(const ControlDesign& design, bool isDefaultButton) {
+    constexpr DWORD input = WS_TABSTOP | WS_GROUP;
+    switch (design.kind) {
+    case ControlKind::Label:
+        return {WC_STATICW, SS_LEFT | WS_GROUP, 0};
+    case ControlKind::TextBox:
+        return {WC_EDITW, ES_AUTOHSCROLL | input | (design.isReadOnly ? ES_READONLY : 0U), WS_EX_CLIENTEDGE};
+    case ControlKind::Button:
+        return {WC_BUTTONW, input | (isDefaultButton ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON), 0};
+    case ControlKind::CheckBox:
+        return {WC_BUTTONW, BS_AUTOCHECKBOX | input, 0};
+    case ControlKind::ComboBox:
+        return {WC_COMBOBOXW, CBS_DROPDOWNLIST | WS_VSCROLL | input, 0};
+    case ControlKind::BoundList:
+        return {WC_COMBOBOXW, CBS_DROPDOWN | CBS_AUTOHSCROLL | input, 0};
+    case ControlKind::ListBox:
+        return {WC_LISTBOXW, LBS_NOTIFY | LBS_NOINTEGRALHEIGHT | WS_VSCROLL | input, WS_EX_CLIENTEDGE};
+    case ControlKind::Line:
+        return {WC_STATICW, SS_ETCHEDHORZ | WS_GROUP, 0};
+    case ControlKind::FileDialog:
+        break;
+    }
+    return {nullptr, 0, 0};
+}
+
+void SetBits(HWND window, int which, DWORD bits, bool areSet) {
+    const auto before = static_cast<DWORD>(::GetWindowLongPtrW(window, which));
+    ::SetWindowLongPtrW(window, which, static_cast<LONG_PTR>(areSet ? before | bits : before & ~bits));
+}
+
+int HeightOf(HWND window) {
+    RECT area = {};
+    ::GetWindowRect(window, &area);
+    return area.bottom - area.top;
+}
+
+} // namespace
+
+DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, bool isDefaultButton,
+                             bool isRightToLeft, std::function<void()> onChosen)
+    : design_(design), id_(id), isRightToLeft_(isRightToLeft), caption_(design.caption) {
+    const WindowKind kind = KindOf(design, isDefaultButton);
+    if (kind.className == nullptr)
+        return;
+    // Paths, dates and numbers read from left to right in any language, so a mirrored dialog's text boxes are
+    // not mirrored.
+    const bool isUnmirrored = isRightToLeft && design.kind == ControlKind::TextBox;
+    const DWORD style = kind.style | WS_CHILD | WS_VISIBLE | (isUnmirrored ? ES_RIGHT : 0U);
+    window_ = ::CreateWindowExW(kind.extendedStyle, kind.className, L"", style, 0, 0, 0, 0, dialog,
+                                CarriedPointer<std::remove_pointer_t<HMENU>>(static_cast<UINT_PTR>(id)),
+                                nullptr, nullptr);
+    if (design.kind == ControlKind::BoundList)
+        search_ = std::make_unique<SearchList>(dialog, window_, isRightToLeft, std::move(onChosen));
+    if (isUnmirrored)
+        SetBits(window_, GWL_EXSTYLE, WS_EX_LAYOUTRTL, false);
+    ShowCaption();
+}
+
+void DialogControl::UseFont(const FontMetrics& font) {
+    font_ = &font;
+    if (window_ == nullptr)
+        return;
+    ::SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(font.Font()), TRUE);
+    RECT place = font.PixelsOf(design_.place);
+    if (design_.kind == ControlKind::Line)
+        place.bottom = place.top + 2; // the two pixels of the groove
+    ::SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
+                   place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::BoundList)
+        FitFieldOfBox(place);
+    if (search_)
+        search_->UseFont(font);
+}
+
+void DialogControl::FitFieldOfBox(const RECT& place) const {
+    // A combo box chooses the height of its field by itself: as much as it has too much is taken from the
+    // item.
+    const int wanted = place.bottom - place.top;
+    constexpr auto field = static_cast<WPARAM>(-1);
+    const auto item = static_cast<int>(::SendMessageW(window_, CB_GETITEMHEIGHT, field, 0));
+    ::SendMessageW(window_, CB_SETITEMHEIGHT, field, item - (HeightOf(window_) - wanted));
+    const int listItem = static_cast<int>(::SendMessageW(window_, CB_GETITEMHEIGHT, 0, 0));
+    ::SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
+                   wanted + visibleItems * listItem + 2 * ::GetSystemMetrics(SM_CYBORDER),
+                   SWP_NOZORDER | SWP_NOACTIVATE);
+}
+
+void DialogControl::FitDropDown(const std::vector<std::string>& items) const {
+    int widest = 0;
+    for (const std::string& item : items)
+        widest = std::max(widest, font_->WidthOf(ToWide(item)));
+    const int width = widest + ::GetSystemMetrics(SM_CXVSCROLL) + 4 * ::GetSystemMetrics(SM_CXEDGE);
+    ::SendMessageW(window_, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(width), 0);
+}
+
+std::string DialogControl::Content() const {
+    if (HasCaption())
+        return caption_;
+    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::ListBox)
+        return ItemsOfBox().SelectedText();
+    return ToUtf8(WindowText(window_));
+}
+
+void DialogControl::SetContent(const std::string& text) {
+    if (HasCaption()) {
+        SetText(TextProperty::Caption, text);
+        return;
+    }
+    const std::wstring shown = ToWide(text);
+    ReadFrom(shown);
+    ::SetWindowTextW(window_, shown.c_str());
+}
+
+void DialogControl::ReadFrom(const std::wstring& text) const {
+    if (isRightToLeft_)
+        SetBits(window_, GWL_EXSTYLE, WS_EX_RTLREADING, BeginsRightToLeft(text));
+}
+
+bool DialogControl::IsChecked() const { return ::SendMessageW(window_, BM_GETCHECK, 0, 0) == BST_CHECKED; }
+
+void DialogControl::SetChecked(bool isChecked) const {
+    ::SendMessageW(window_, BM_SETCHECK, isChecked ? BST_CHECKED : BST_UNCHECKED, 0);
+}
+
+windows::Items DialogControl::ItemsOfBox() const {
+    return {window_, design_.kind == ControlKind::ListBox ? listMessages : comboMessages};
+}
+
+void DialogControl::SetItems(const std::vector<std::string>& items) const {
+    ItemsOfBox().Replace(items);
+    if (design_.kind == ControlKind::ComboBox)
+        FitDropDown(items);
+}
+
+std::optional<std::size_t> DialogControl::Selected() const {
+    return search_ ? search_->Selected() : ItemsOfBox().Selected();
+}
+
+void DialogControl::Select(std::optional<std::size_t> index) const {
+    if (search_)
+        search_->Select(index);
+    else
+        ItemsOfBox().Select(index);
+}
+
+bool DialogControl::HasCaption() const {
+    return design_.kind == ControlKind::Label || design_.kind == ControlKind::Button ||
+           design_.kind == ControlKind::CheckBox;
+}
+
+void DialogControl::ShowCaption() const {
+    if (HasCaption())
+        ::SetWindowTextW(window_,
+                         AsRead(ToWide(WithAccessKey(caption_, design_.mnemonic)), isRightToLeft_).c_str());
+}
+
+std::string DialogControl::GetText(TextProperty property) const {
+    switch (property) {
+    case TextProperty::Tag:
+        return design_.tag != 0 ? std::to_string(design_.tag) : std::string();
+    case TextProperty::Caption:
+        return caption_;
+    default:
+        return {};
+    }
+}
+
+void DialogControl::SetText(TextProperty property, const std::string& text) {
+    if (property != TextProperty::Caption)
+        return;
+    caption_ = text;
+    ShowCaption();
+}
+
+std::string DialogControl::TypeName() const { return TypeNameOf(design_.kind); }
+
+void DialogControl::SetAligment(std::int32_t aligment) {
+    if (design_.kind != ControlKind::Label)
+        return;
+    // A mirrored dialog's left is what people see on the right.
+    const bool isRight = aligment == 0;
+    static_assert(SS_LEFT == 0);
+    SetBits(window_, GWL_STYLE, SS_RIGHT, isRight != isRightToLeft_);
+    ::InvalidateRect(window_, nullptr, TRUE);
+}
+
+} // namespace qel::windows

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "platform/value/Variant.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+// The port through which formulas are written into a sheet: as much of the spreadsheet's object model as the
+// component uses. Every operation raises AutomationError with the spreadsheet's own number and description.
+
+namespace qel {
+
+class SheetApplication;
+
+/// A cell, or a block of cells.
+class SheetRange {
+public:
+    virtual ~SheetRange() = default;
+    virtual std::shared_ptr<SheetApplication> Application() const = 0;
+    /// Of the first cell, counted from 1.
+    virtual std::int32_t Row() const = 0;
+    virtual std::int32_t Column() const = 0;
+    virtual std::shared_ptr<SheetRange> Offset(std::int32_t rows, std::int32_t columns) const = 0;
+    /// Empty for an empty cell.
+    virtual Variant Value() const = 0;
+    /// "@" for text.
+    virtual void SetNumberFormat(const std::string& format) = 0;
+    /// A text for a cell, or an array of variants of two dimensions (rows, columns) for a block.
+    virtual void SetFormula(const Variant& formula) = 0;
+};
+
+class SheetApplication {
+public:
+    virtual ~SheetApplication() = default;
+    virtual std::shared_ptr<SheetRange> ActiveCell() const = 0;
+    /// A cell of the active sheet; row and column are counted from 1.
+    virtual std::shared_ptr<SheetRange> Cells(std::int32_t row, std::int32_t column) const = 0;
+    virtual std::shared_ptr<SheetRange> Range(const SheetRange& first, const SheetRange& last) const = 0;
+};
+
+} // namespace qel

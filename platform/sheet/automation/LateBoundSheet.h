@@ -1,0 +1,11 @@
+#pragma once
+
+#include "platform/sheet/Spreadsheet.h"
+#include "platform/windows/ComPointer.h"
+
+namespace qel::windows {
+
+/// The cell that a macro passed, reached as a macro reaches it. Raises 91 for a null pointer.
+std::shared_ptr<SheetRange> SheetRangeOf(IDispatch* cell);
+
+} // namespace qel::windows

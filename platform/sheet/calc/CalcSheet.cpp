@@ -1,0 +1,239 @@
+#include "platform/sheet/calc/CalcSheet.h"
+
+#include "platform/office/OfficeFailure.h"
+#include "platform/value/Conversion.h"
+
+#include <algorithm>
+#include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/lang/XMultiServiceFactory.hpp>
+#include <com/sun/star/sheet/AddressConvention.hpp>
+#include <com/sun/star/sheet/FormulaResult.hpp>
+#include <com/sun/star/sheet/XCellAddressable.hpp>
+#include <com/sun/star/sheet/XCellRangeAddressable.hpp>
+#include <com/sun/star/sheet/XFormulaParser.hpp>
+#include <com/sun/star/sheet/XFormulaTokens.hpp>
+#include <com/sun/star/sheet/XSheetCellRange.hpp>
+#include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
+#include <com/sun/star/sheet/XSpreadsheetView.hpp>
+#include <com/sun/star/table/CellContentType.hpp>
+#include <com/sun/star/text/XTextRange.hpp>
+#include <com/sun/star/util/XNumberFormatTypes.hpp>
+#include <com/sun/star/util/XNumberFormatsSupplier.hpp>
+
+namespace qel::office {
+
+namespace uno = com::sun::star::uno;
+namespace sheet = com::sun::star::sheet;
+namespace table = com::sun::star::table;
+namespace util = com::sun::star::util;
+using com::sun::star::beans::XPropertySet;
+
+namespace {
+
+using RangeReference = uno::Reference<sheet::XSheetCellRange>;
+
+/// A sheet object's other interface. Raises 91 when it has none.
+template <class Interface, class Object>
+uno::Reference<Interface> As(const Object& object) {
+    uno::Reference<Interface> found(object, uno::UNO_QUERY);
+    if (!found.is())
+        throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    return found;
+}
+
+table::CellRangeAddress AddressOf(const RangeReference& range) {
+    return As<sheet::XCellRangeAddressable>(range)->getRangeAddress();
+}
+
+RangeReference RangeOf(const RangeReference& spreadsheet, sal_Int32 left, sal_Int32 top, sal_Int32 right,
+                       sal_Int32 bottom) {
+    return As<sheet::XSheetCellRange>(spreadsheet->getCellRangeByPosition(left, top, right, bottom));
+}
+
+class CalcRange;
+
+/// The document, as the object model's application.
+class CalcApplication : public SheetApplication {
+public:
+    explicit CalcApplication(const SheetDocument& document) : document_(document) {}
+
+    std::shared_ptr<SheetRange> ActiveCell() const override { return ActiveCellOf(document_); }
+    std::shared_ptr<SheetRange> Cells(std::int32_t row, std::int32_t column) const override;
+    std::shared_ptr<SheetRange> Range(const SheetRange& first, const SheetRange& last) const override;
+
+private:
+    SheetDocument document_;
+};
+
+class CalcRange : public SheetRange {
+public:
+    CalcRange(const SheetDocument& document, const RangeReference& range)
+        : document_(document), range_(range) {}
+
+    std::shared_ptr<SheetApplication> Application() const override {
+        return std::make_shared<CalcApplication>(document_);
+    }
+
+    std::int32_t Row() const override {
+        return Translating([&] { return AddressOf(range_).StartRow + 1; });
+    }
+
+    std::int32_t Column() const override {
+        return Translating([&] { return AddressOf(range_).StartColumn + 1; });
+    }
+
+    std::shared_ptr<SheetRange> Offset(std::int32_t rows, std::int32_t columns) const override {
+        return Translating([&] {
+            const auto at = AddressOf(range_);
+            const RangeReference whole(range_->getSpreadsheet(), uno::UNO_QUERY);
+            return std::make_shared<CalcRange>(document_,
+                                               RangeOf(whole, at.StartColumn + columns, at.StartRow + rows,
+                                                       at.EndColumn + columns, at.EndRow + rows));
+        });
+    }
+
+    Variant Value() const override {
+        return Translating([&]() -> Variant {
+            const auto cell = range_->getCellByPosition(0, 0);
+            if (cell->getType() == table::CellContentType_EMPTY)
+                return Empty();
+            if (cell->getType() == table::CellContentType_VALUE)
+                return cell->getValue();
+            return FromOffice(As<com::sun::star::text::XTextRange>(cell)->getString());
+        });
+    }
+
+    void SetNumberFormat(const std::string& format) override {
+        Translating([&] {
+            const auto formats = As<util::XNumberFormatsSupplier>(document_)->getNumberFormats();
+            const com::sun::star::lang::Locale language;
+            sal_Int32 key = formats->queryKey(ToOffice(format), language, false);
+            if (key < 0)
+                key = formats->addNew(ToOffice(format), language);
+            As<XPropertySet>(range_)->setPropertyValue("NumberFormat", uno::Any(key));
+        });
+    }
+
+    void SetFormula(const Variant& formula) override {
+        Translating([&] {
+            if (formula.IsArray())
+                SetBlock(*formula.As<std::shared_ptr<const VariantArray>>());
+            else
+                SetCell(range_->getCellByPosition(0, 0), formula);
+        });
+    }
+
+private:
+    void SetBlock(const VariantArray& block) const {
+        if (block.bounds.size() != 2)
+            throw PlatformError(ErrorNumber::TypeMismatch);
+        const auto rows = block.bounds[0].upper - block.bounds[0].lower + 1;
+        for (std::size_t i = 0; i < block.elements.size(); ++i) {
+            const auto index = static_cast<std::int32_t>(i);
+            SetCell(range_->getCellByPosition(index / rows, index % rows), block.elements[i]);
+        }
+    }
+
+    /// Puts a value into a cell as if it were typed; one that begins with "=" is a formula as Excel writes
+    /// it.
+    void SetCell(const uno::Reference<table::XCell>& cell, const Variant& value) const {
+        const std::string text = ToText(value, {});
+        if (text.starts_with('='))
+            SetTokens(cell, text.substr(1));
+        else if (IsTextCell(cell))
+            As<com::sun::star::text::XTextRange>(cell)->setString(ToOffice(text));
+        else
+            cell->setFormula(ToOffice(text));
+    }
+
+    void SetTokens(const uno::Reference<table::XCell>& cell, const std::string& formula) const {
+        const auto factory = As<com::sun::star::lang::XMultiServiceFactory>(document_);
+        const auto parser =
+            As<sheet::XFormulaParser>(factory->createInstance("com.sun.star.sheet.FormulaParser"));
+        const auto grammar = As<XPropertySet>(parser);
+        grammar->setPropertyValue("CompileEnglish", uno::Any(true));
+        grammar->setPropertyValue("FormulaConvention", uno::Any(sheet::AddressConvention::XL_OOX));
+        const auto place = As<sheet::XCellAddressable>(cell)->getCellAddress();
+        As<sheet::XFormulaTokens>(cell)->setTokens(parser->parseFormula(ToOffice(formula), place));
+    }
+
+    bool IsTextCell(const uno::Reference<table::XCell>& cell) const {
+        sal_Int32 key = 0;
+        As<XPropertySet>(cell)->getPropertyValue("NumberFormat") >>= key;
+        const auto formats = As<util::XNumberFormatsSupplier>(document_)->getNumberFormats();
+        rtl::OUString format;
+        formats->getByKey(key)->getPropertyValue("FormatString") >>= format;
+        return format == "@";
+    }
+
+    SheetDocument document_;
+    RangeReference range_;
+};
+
+uno::Reference<com::sun::star::frame::XController> ControllerOf(const SheetDocument& document) {
+    const auto controller = As<com::sun::star::frame::XModel>(document)->getCurrentController();
+    if (!controller.is())
+        throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    return controller;
+}
+
+/// The cell, the range, or the first of several ranges that an object is; nothing for any other object.
+RangeReference FirstRange(const uno::Reference<uno::XInterface>& object) {
+    const uno::Reference<sheet::XSheetCellRangeContainer> several(object, uno::UNO_QUERY);
+    if (several.is()) {
+        const auto addresses = several->getRangeAddresses();
+        const uno::Reference<com::sun::star::container::XIndexAccess> ranges(several, uno::UNO_QUERY);
+        return addresses.hasElements() ? RangeReference(ranges->getByIndex(0), uno::UNO_QUERY)
+                                       : RangeReference();
+    }
+    return {object, uno::UNO_QUERY};
+}
+
+std::shared_ptr<SheetRange> FirstCell(const SheetDocument& document, const RangeReference& range) {
+    const auto at = AddressOf(range);
+    const RangeReference whole(range->getSpreadsheet(), uno::UNO_QUERY);
+    return std::make_shared<CalcRange>(
+        document, RangeOf(whole, at.StartColumn, at.StartRow, at.StartColumn, at.StartRow));
+}
+
+std::shared_ptr<SheetRange> CalcApplication::Cells(std::int32_t row, std::int32_t column) const {
+    return Translating([&] {
+        const auto view = As<sheet::XSpreadsheetView>(ControllerOf(document_));
+        const RangeReference whole(view->getActiveSheet(), uno::UNO_QUERY);
+        return std::make_shared<CalcRange>(document_,
+                                           RangeOf(whole, column - 1, row - 1, column - 1, row - 1));
+    });
+}
+
+std::shared_ptr<SheetRange> CalcApplication::Range(const SheetRange& first, const SheetRange& last) const {
+    return Translating([&] {
+        const auto view = As<sheet::XSpreadsheetView>(ControllerOf(document_));
+        const RangeReference whole(view->getActiveSheet(), uno::UNO_QUERY);
+        const auto [left, right] = std::minmax({first.Column(), last.Column()});
+        const auto [top, bottom] = std::minmax({first.Row(), last.Row()});
+        return std::make_shared<CalcRange>(document_,
+                                           RangeOf(whole, left - 1, top - 1, right - 1, bottom - 1));
+    });
+}
+
+} // namespace
+
+std::shared_ptr<SheetRange> ActiveCellOf(const SheetDocument& document) {
+    return Translating([&] {
+        const auto selection = As<com::sun::star::frame::XModel>(document)->getCurrentSelection();
+        if (const RangeReference range = FirstRange(selection); range.is())
+            return FirstCell(document, range);
+        throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    });
+}
+
+std::shared_ptr<SheetRange> CellFrom(const uno::Any& object, const SheetDocument& document) {
+    return Translating([&]() -> std::shared_ptr<SheetRange> {
+        const uno::Reference<uno::XInterface> any(object, uno::UNO_QUERY);
+        const RangeReference range = FirstRange(any);
+        return range.is() ? FirstCell(document, range) : nullptr;
+    });
+}
+
+} // namespace qel::office

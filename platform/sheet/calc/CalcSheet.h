@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/sheet/Spreadsheet.h"
+
+#include <com/sun/star/sheet/XSpreadsheetDocument.hpp>
+#include <com/sun/star/table/XCell.hpp>
+
+namespace qel::office {
+
+using SheetDocument = com::sun::star::uno::Reference<com::sun::star::sheet::XSpreadsheetDocument>;
+
+/// The first cell of what is selected in the document's window. Raises 91 when the document shows no sheet.
+std::shared_ptr<SheetRange> ActiveCellOf(const SheetDocument& document);
+
+/// A cell, or the first cell of a range, that a macro passed; null when the object is neither. Its document
+/// is the one whose window shows it.
+std::shared_ptr<SheetRange> CellFrom(const com::sun::star::uno::Any& object, const SheetDocument& document);
+
+} // namespace qel::office

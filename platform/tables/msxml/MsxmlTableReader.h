@@ -1,0 +1,13 @@
+#pragma once
+
+#include "platform/tables/PersistedTable.h"
+
+namespace qel::windows {
+
+/// Reads recordsets that were saved in their XML form with the machine's own XML parser, MSXML 6.
+class MsxmlTableReader : public PersistedTableReader {
+public:
+    PersistedTable Read(const std::string& path) override;
+};
+
+} // namespace qel::windows

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "platform/tables/PersistedTable.h"
+
+namespace qel {
+
+/// The recordset in a file's bytes; `name` stands for the file in errors. See XmlTableReader.
+PersistedTable ParseXmlTable(const std::string& bytes, const std::string& name);
+
+/// Reads recordsets that were saved in their XML form.
+class XmlTableReader : public PersistedTableReader {
+public:
+    PersistedTable Read(const std::string& path) override;
+};
+
+} // namespace qel

@@ -1,0 +1,128 @@
+#pragma once
+
+#include "platform/value/AutomationDate.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace qel {
+
+struct Empty {
+    bool operator==(const Empty&) const = default;
+};
+
+struct Null {
+    bool operator==(const Null&) const = default;
+};
+
+/// Four decimals, scaled by 10,000.
+struct Currency {
+    std::int64_t scaled = 0;
+
+    bool operator==(const Currency&) const = default;
+};
+
+/// A 96-bit integer divided by ten to the power of `scale` (0 to 28).
+struct Decimal {
+    std::uint32_t high = 0;
+    std::uint64_t low = 0;
+    std::uint8_t scale = 0;
+    bool negative = false;
+
+    bool operator==(const Decimal&) const = default;
+};
+
+/// An error value such as a cell's #N/A, or a missing argument.
+struct ErrorValue {
+    std::int32_t code = 0;
+
+    bool operator==(const ErrorValue&) const = default;
+};
+
+/// DISP_E_PARAMNOTFOUND: how a spreadsheet sends an omitted argument.
+inline constexpr std::int32_t parameterNotFound = static_cast<std::int32_t>(0x80020004);
+
+class Variant;
+
+/// An object that a worksheet passed, known by its class name.
+class Object {
+public:
+    virtual ~Object() = default;
+    virtual std::string TypeName() const = 0; ///< "Range" for a range of cells
+};
+
+/// A range of cells; enumerated row by row, left to right, one area after the other.
+class Range : public Object {
+public:
+    std::string TypeName() const override { return "Range"; }
+    virtual void ForEachCell(const std::function<void(const Variant& value)>& visit) const = 0;
+};
+
+/// The types of an array's elements; Variant for an array of variants.
+enum class ElementType : std::uint8_t {
+    Variant,
+    Byte,
+    Integer,
+    Long,
+    Single,
+    Double,
+    Currency,
+    Decimal,
+    Date,
+    String,
+    Boolean,
+    Error,
+    Object
+};
+
+struct ArrayBounds {
+    std::int32_t lower = 0;
+    std::int32_t upper = -1; ///< inclusive; lower - 1 for no elements
+};
+
+/// A safe array: bounds for every dimension, elements with the first dimension varying fastest.
+struct VariantArray {
+    ElementType elementType = ElementType::Variant;
+    std::vector<ArrayBounds> bounds;
+    std::vector<Variant> elements;
+};
+
+/// A value of any automation type. Text is UTF-8.
+class Variant {
+public:
+    using Value = std::variant<Empty, Null, std::uint8_t, std::int16_t, std::int32_t, float, double, Currency,
+                               Decimal, AutomationDate, std::string, bool, ErrorValue,
+                               std::shared_ptr<const Object>, std::shared_ptr<const VariantArray>>;
+
+    Variant() = default;
+    template <class T>
+    requires std::is_constructible_v<Value, T> Variant(T value)
+        : value_(std::move(value)) {} // NOLINT(google-explicit-constructor): a variant is any of these
+    Variant(const char* text) : value_(std::string(text)) {}
+
+    /// A one-dimensional array of variants, zero-based.
+    static Variant List(std::vector<Variant> elements);
+
+    const Value& Get() const { return value_; }
+    template <class T>
+    bool Is() const {
+        return std::holds_alternative<T>(value_);
+    }
+    template <class T>
+    const T& As() const {
+        return std::get<T>(value_);
+    }
+    bool IsArray() const { return Is<std::shared_ptr<const VariantArray>>(); }
+    /// The platform's type-name text: "Integer", "Double", "String", "Empty", "Error", "Nothing", an object's
+    /// class name, "Variant()", "Double()", ...
+    std::string TypeName() const;
+
+private:
+    Value value_;
+};
+
+} // namespace qel

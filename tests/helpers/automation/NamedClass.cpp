@@ -1,0 +1,62 @@
+#include "tests/helpers/automation/NamedClass.h"
+
+#include <gtest/gtest.h>
+
+namespace qel::test {
+
+namespace {
+
+class DoubleFactory : public IClassFactory {
+public:
+    explicit DoubleFactory(NamedClass::Factory make) : make_(std::move(make)) {}
+    virtual ~DoubleFactory() = default;
+    STDMETHODIMP QueryInterface(REFIID /*id*/, void** object) override {
+        *object = static_cast<IClassFactory*>(this);
+        return S_OK;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return 2; } // belongs to its test
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP CreateInstance(IUnknown* /*outer*/, REFIID id, void** object) override {
+        return make_()->QueryInterface(id, object);
+    }
+    STDMETHODIMP LockServer(BOOL /*lock*/) override { return S_OK; }
+
+private:
+    NamedClass::Factory make_;
+};
+
+std::wstring KeyOf(const std::wstring& progId) { return L"Software\\Classes\\" + progId + L"\\CLSID"; }
+
+} // namespace
+
+NamedClass::NamedClass(std::wstring progId, Factory make)
+    : progId_(std::move(progId)), factory_(std::make_shared<DoubleFactory>(std::move(make))) {
+    wchar_t before[100] = {};
+    DWORD bytes = sizeof before;
+    if (::RegGetValueW(HKEY_LOCAL_MACHINE, KeyOf(progId_).c_str(), L"", RRF_RT_REG_SZ, nullptr, before,
+                       &bytes) == ERROR_SUCCESS)
+        before_ = before;
+    CLSID id = {};
+    EXPECT_EQ(::CoCreateGuid(&id), S_OK);
+    wchar_t text[39];
+    ::StringFromGUID2(id, text, 39);
+    Write(text);
+    EXPECT_EQ(::CoRegisterClassObject(id, factory_.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie_),
+              S_OK);
+}
+
+NamedClass::~NamedClass() {
+    ::CoRevokeClassObject(cookie_);
+    if (before_)
+        Write(*before_);
+    else
+        ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + progId_).c_str());
+}
+
+void NamedClass::Write(const std::wstring& classId) const {
+    EXPECT_EQ(::RegSetKeyValueW(HKEY_LOCAL_MACHINE, KeyOf(progId_).c_str(), L"", REG_SZ, classId.c_str(),
+                                static_cast<DWORD>((classId.size() + 1) * sizeof(wchar_t))),
+              ERROR_SUCCESS);
+}
+
+} // namespace qel::test

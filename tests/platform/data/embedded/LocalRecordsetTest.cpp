@@ -1,0 +1,156 @@
+#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/ProviderErrors.h"
+#include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
+#include "tests/helpers/ErrorOf.h"
+#include "tests/helpers/books/BooksCube.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+namespace qel {
+namespace {
+
+using test::ErrorOf;
+
+class LocalRecordsetTest : public testing::Test {
+protected:
+    std::unique_ptr<Recordset> Run(const std::string& statement) {
+        auto connection = dataAccess_.CreateConnection();
+        connection->Open(test::TextFor(cubeFile_, "BooksFNC"), "", "", optionsUnspecified);
+        auto recordset = dataAccess_.CreateRecordset();
+        recordset->Open(statement, connection, -1, -1, -1);
+        return recordset;
+    }
+
+    std::string Table(const std::string& statement) {
+        const auto rows = Run(statement);
+        std::string table;
+        for (std::int32_t field = 0; field < rows->FieldCount(); ++field)
+            table += (field == 0 ? "" : "|") + rows->FieldName(field);
+        for (; !rows->AtEnd(); rows->MoveNext()) {
+            for (std::int32_t field = 0; field < rows->FieldCount(); ++field) {
+                const auto value = rows->FieldValue(field);
+                table += (field == 0 ? "\n" : "|") + (value.Is<Null>() ? "-" : ToText(value, {}));
+            }
+        }
+        return table;
+    }
+
+    test::TemporaryFolder folder_;
+    std::string cubeFile_ = test::BuildBooks(folder_.Path("books.cub"));
+    LocalDataAccess dataAccess_;
+};
+
+struct TableCase {
+    const char* what;
+    std::string statement, table;
+};
+
+const TableCase tableCases[] = {
+    {"a row for every member; ancestors fill their fields, All fills none",
+     "SELECT NON EMPTY {[Measures]} ON COLUMNS, NON EMPTY {[OBS].Members} ON ROWS FROM BooksFNC",
+     "[OBS].[Level1].[MEMBER_CAPTION]|[OBS].[Level2].[MEMBER_CAPTION]|[Measures].[Amount]\n"
+     "-|-|-929.95\n"
+     "North|-|-630.25\nSouth|-|-299.7\n"
+     "North|Karmi'el|-0.2\nNorth|Main|-630.05\nSouth|Main|-300\nSouth|Say \"]\" & go|0.3"},
+    {"two hierarchies side by side, down to their deepest member; an empty cell is Null",
+     "SELECT {[Measures].[Lines],[Measures].[Amount]} ON COLUMNS, "
+     "CrossJoin({[Accounts].[AccountCodes].[AccountCode]."
+     "members},{[Accounts].[AccountNames].[All]}) ON ROWS FROM BooksFNC WHERE ([Date].[2024].[Q1].[2])",
+     "[Accounts].[AccountCodes].[AccountCode].[MEMBER_CAPTION]|[Measures].[Lines]|[Measures].[Amount]\n"
+     "Sales|1|-500\nWages, \"regular\"|1|300.05\nRent|-|-"},
+    {"a calculated member stands on its hierarchy's top level; measures may stand on rows",
+     "WITH MEMBER [Measures].[Double] AS '2*[Measures].[Amount]' SELECT {[Firma].[10]} ON COLUMNS, "
+     "{[Measures].[Double],[Measures].[Amount]} ON ROWS FROM BooksFNC",
+     "[Measures].[MeasuresLevel].[MEMBER_CAPTION]|[Firma].[All].[10]\nDouble|-1260.5\nAmount|-630.25"},
+    {"a tuple on columns", "SELECT {([Measures].[Amount],[Firma].[20])} ON COLUMNS FROM BooksFNC",
+     "[Measures].[Amount].[Firma].[All].[20]\n-299.7"},
+    {"a level that a mixed set reaches has its field; All and its parents leave it Null",
+     "SELECT {[Measures].[Amount]} ON COLUMNS, {[OBS].[South].[Main],[OBS],[OBS].[North]} ON ROWS "
+     "FROM BooksFNC",
+     "[OBS].[Level1].[MEMBER_CAPTION]|[OBS].[Level2].[MEMBER_CAPTION]|[Measures].[Amount]\n"
+     "South|Main|-300\n-|-|-929.95\nNorth|-|-630.25"},
+    {"All alone has no field", "SELECT {[Measures].[Amount]} ON COLUMNS, {[OBS]} ON ROWS FROM BooksFNC",
+     "[Measures].[Amount]\n-929.95"},
+    {"no rows axis: one row, a field for every column",
+     "SELECT {[Firma].[20],[Firma],[Firma].[10]} ON COLUMNS FROM BooksFNC",
+     "[Firma].[All].[20]|[Firma].[All]|[Firma].[All].[10]\n-299.7|-929.95|-630.25"},
+    {"no axis at all", "SELECT FROM BooksFNC", ""},
+    {"no row at all",
+     "SELECT {[Measures]} ON COLUMNS, NON EMPTY {[Accounts].[AccountCodes].[All].[5100]} ON ROWS "
+     "FROM BooksFNC WHERE ([Date].[2024].[Q1].[2])",
+     "[Measures].[Amount]"},
+};
+
+TEST_F(LocalRecordsetTest, FlattensTheAnswer) {
+    for (const auto& c : tableCases)
+        EXPECT_EQ(Table(c.statement), c.table) << c.what;
+}
+
+TEST_F(LocalRecordsetTest, StandsOnRowsAsAdoDoes) {
+    const auto rows = Run("SELECT {[Measures]} ON COLUMNS, {[Firma].[Firma].Members} ON ROWS FROM BooksFNC");
+    EXPECT_TRUE(rows->FieldValue(0).Is<Null>()) << "the member of all";
+    rows->MoveNext();
+    rows->MoveNext();
+    EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
+    rows->MoveNext();
+    EXPECT_TRUE(rows->AtEnd());
+    EXPECT_THROW(rows->MoveNext(), AutomationError);
+    EXPECT_THROW(rows->FieldValue(0), AutomationError) << "no current row";
+    rows->MoveFirst();
+    EXPECT_EQ(rows->FieldValue(1).As<double>(), -929.95);
+    EXPECT_THROW(rows->FieldValue(2), AutomationError);
+    rows->Close();
+    EXPECT_THROW(rows->MoveFirst(), AutomationError);
+    EXPECT_NE(ErrorOf([&] { Run(""); }), 0) << "a statement of nothing";
+    EXPECT_NE(ErrorOf([&] {
+                  Run("SELECT {[Measures]} ON COLUMNS, {[OBS].[Level9].members} ON ROWS FROM BooksFNC");
+              }),
+              0);
+}
+
+TEST_F(LocalRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
+    auto connection = dataAccess_.CreateConnection();
+    connection->Open(test::TextFor(cubeFile_, "BooksFNC"), "", "", optionsUnspecified);
+    const std::string statement = "SELECT {[Measures]} ON COLUMNS, {[Firma].[20]} ON ROWS FROM BooksFNC";
+    const auto rows = dataAccess_.CreateRecordset();
+    const auto open = [&](const std::string& text) { rows->Open(text, connection, -1, -1, -1); };
+    struct Case {
+        const char* what;
+        std::function<void()> use;
+        std::int32_t number;
+    };
+    const Case whenClosed[] = {
+        {"fields of a closed recordset", [&] { rows->FieldCount(); }, errorObjectClosed},
+        {"end of a closed recordset", [&] { rows->AtEnd(); }, errorObjectClosed},
+        {"moving in a closed recordset", [&] { rows->MoveNext(); }, errorObjectClosed},
+        {"closing twice", [&] { rows->Close(); }, errorObjectClosed},
+        {"three axes", [&] { open("SELECT {[Measures]} ON 0, {[Firma]} ON 1, {[OBS]} ON 2 FROM BooksFNC"); },
+         errorNotSupported},
+        {"no connection", [&] { rows->Open(statement, nullptr, -1, -1, -1); }, errorInvalidConnection},
+        {"a failed statement leaves it closed", [&] { rows->FieldCount(); }, errorObjectClosed},
+    };
+    const Case whenOpen[] = {
+        {"a field before the first", [&] { rows->FieldName(-1); }, errorItemNotFound},
+        {"a field behind the last", [&] { rows->FieldName(2); }, errorItemNotFound},
+        {"a value before the first", [&] { rows->FieldValue(-1); }, errorItemNotFound},
+        {"opening twice", [&] { open(statement); }, errorObjectOpen},
+    };
+    for (int round = 0; round < 2; ++round) { // a closed recordset can be opened again
+        for (const Case& c : whenClosed)
+            EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
+        open(statement);
+        for (const Case& c : whenOpen)
+            EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
+        EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
+        EXPECT_EQ(rows->FieldValue(1).As<double>(), -299.7);
+        rows->MoveNext();
+        EXPECT_TRUE(rows->AtEnd());
+        rows->Close();
+    }
+}
+
+} // namespace
+} // namespace qel

@@ -1,0 +1,131 @@
+#include "platform/data/embedded/OpenCubeFiles.h"
+
+#include "engine/EngineError.h"
+#include "platform/value/AutomationError.h"
+#include "tests/helpers/books/BooksCube.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <thread>
+
+namespace qel {
+namespace {
+
+using engine::ErrorKind;
+using test::BuildBooks;
+using test::TemporaryFolder;
+
+TEST(OpenCubeFiles, OpensAFileOnce) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder.Path("a.cub"));
+    OpenCubeFiles files;
+    const auto* const first = files.Open(path).get();
+    EXPECT_EQ(files.Open(path).get(), first);
+}
+
+TEST(OpenCubeFiles, AReplacedFileIsOpenedAnewAndTheOldOneStaysReadable) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder.Path("a.cub"));
+    OpenCubeFiles files;
+    const auto old = files.Open(path);
+    BuildBooks(path);
+    const auto fresh = files.Open(path);
+    EXPECT_NE(fresh.get(), old.get());
+    EXPECT_EQ(files.Open(path).get(), fresh.get());
+    old->Verify({});
+    EXPECT_EQ(old->Cubes().size(), 2U);
+}
+
+TEST(OpenCubeFiles, AFileCutShortIsAnErrorUntilItIsWholeAgain) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder.Path("a.cub"));
+    const std::string whole = folder.Read("a.cub");
+    OpenCubeFiles files;
+    const auto old = files.Open(path);
+    std::filesystem::resize_file(path, whole.size() / 2);
+    EXPECT_THROW(files.Open(path), AutomationError);
+    EXPECT_THROW(old->Verify({}), engine::EngineError);
+    folder.Write("a.cub", whole);
+    EXPECT_NO_THROW(files.Open(path)->Verify({}));
+}
+
+TEST(OpenCubeFiles, ARemovedFileIsAnErrorAlthoughItWasOpen) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder.Path("a.cub"));
+    OpenCubeFiles files;
+    files.Open(path);
+    std::filesystem::remove(path);
+    EXPECT_THROW(files.Open(path), AutomationError);
+}
+
+TEST(OpenCubeFiles, KeepsOnlyTheLastFilesOpen) {
+    const TemporaryFolder folder;
+    OpenCubeFiles files;
+    std::vector<std::weak_ptr<const engine::CubeFile>> opened(10);
+    for (std::size_t i = 0; i < opened.size(); ++i)
+        opened[i] = files.Open(BuildBooks(folder.Path(fmt::format("{}.cub", i))));
+    EXPECT_TRUE(opened.front().expired());
+    EXPECT_FALSE(opened.back().expired());
+}
+
+TEST(OpenCubeFiles, ServesManyThreads) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder.Path("a.cub"));
+    OpenCubeFiles files;
+    std::vector<std::size_t> cubes(4);
+    std::vector<std::thread> threads;
+    threads.reserve(cubes.size());
+    for (auto& count : cubes)
+        threads.emplace_back([&] {
+            for (int i = 0; i < 200; ++i)
+                count += files.Open(path)->Cubes().size();
+        });
+    for (int i = 0; i < 20; ++i)
+        BuildBooks(path);
+    for (auto& thread : threads)
+        thread.join();
+    EXPECT_EQ(cubes, (std::vector<std::size_t>{400, 400, 400, 400}));
+}
+
+TEST(OpenCubeFiles, TellsWhatIsWrongWithASource) {
+    const TemporaryFolder folder;
+    std::ofstream(folder.Path("empty.cub")).close();
+    std::ofstream(folder.Path("text.cub")) << std::string(1000, 'x');
+    std::filesystem::create_directory(folder.Path("folder.cub"));
+    const auto whole = BuildBooks(folder.Path("whole.cub"));
+    std::filesystem::copy_file(whole, folder.Path("cut.cub"));
+    std::filesystem::resize_file(folder.Path("cut.cub"), std::filesystem::file_size(whole) / 2);
+
+    struct Case {
+        std::string source;
+        std::int32_t number;
+        const char* part;
+    };
+    const auto number = [](ErrorKind kind) { return static_cast<std::int32_t>(kind); };
+    const Case cases[] = {
+        {folder.Path("none.cub").string(), number(ErrorKind::FileNotFound), "does not exist"},
+        {(folder.Path("empty.cub") / "x").string(), number(ErrorKind::FileNotFound), "x'"},
+        {folder.Path("folder.cub").string(), number(ErrorKind::FileNotFound), "is a folder"},
+        {"/dev/null", number(ErrorKind::FileNotFound), "not an ordinary file"},
+        {folder.Path("empty.cub").string(), number(ErrorKind::NotACubeFile), "is empty"},
+        {folder.Path("text.cub").string(), number(ErrorKind::NotACubeFile), "qel cube build"},
+        {folder.Path("cut.cub").string(), number(ErrorKind::DamagedFile), "cut.cub"},
+        {"HTTPS://server/msmdpump.dll", static_cast<std::int32_t>(0x80040E6F),
+         "is the address of a server, where a cube file is needed"},
+    };
+    for (const auto& c : cases) {
+        try {
+            OpenCubeFiles().Open(c.source);
+            ADD_FAILURE() << c.source << " was opened";
+        } catch (const AutomationError& error) {
+            EXPECT_EQ(error.Number(), c.number) << error.Description();
+            EXPECT_NE(error.Description().find(c.source), std::string::npos) << error.Description();
+            EXPECT_NE(error.Description().find(c.part), std::string::npos) << error.Description();
+        }
+    }
+}
+
+} // namespace
+} // namespace qel

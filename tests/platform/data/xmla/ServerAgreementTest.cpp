@@ -1,0 +1,195 @@
+#include "cube/MemberListing.h"
+#include "cube/MemberName.h"
+#include "examples/ledger/reference/FormulaCell.h"
+#include "examples/ledger/reference/LedgerDatabase.h"
+#include "examples/ledger/reference/RandomSelections.h"
+#include "platform/value/AutomationError.h"
+#include "tests/platform/data/xmla/ServedLedger.h"
+
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace qel::ledger {
+namespace {
+
+using ModSetCube::MemberListing;
+using test::ServedLedger;
+
+constexpr std::uint64_t seed = 20260807;
+/// Cents and thousandths are told apart; what a server's sums of doubles lose is far less.
+constexpr double leastDifference = 0.0005;
+
+TEST(ServerAgreement, RandomFormulasOfEveryShapeEqualTheEmbeddedEngine) {
+    ServedLedger ledger;
+    SqlDatabase database;
+    LoadLedger(std::string(QEL_SOURCE_DIR) + "/examples/ledger", database);
+    RandomSelections selections(database, seed);
+    // The same variety, so that both write each formula's arguments in the same way.
+    FormulaCell local(ledger.cubeFile, seed), served(ledger.server, seed, ledger.servers);
+    int formulas = 0, differences = 0, nonZero = 0;
+    for (int round = 0; round < 8; ++round) {
+        for (std::size_t shape = 0; shape < selectionShapeCount; ++shape) {
+            for (std::size_t dates = 0; dates < dateShapeCount; ++dates) {
+                for (const LedgerCube cube : {LedgerCube::Months, LedgerCube::Days}) {
+                    const auto selection = selections.Draw(static_cast<SelectionShape>(shape),
+                                                           static_cast<DateShape>(dates), cube);
+                    const double expected = local.Value(selection), shown = served.Value(selection);
+                    const bool isSame = std::abs(expected - shown) < leastDifference;
+                    EXPECT_TRUE(isSame) << shown << " instead of " << expected << ": " << Describe(selection);
+                    differences += isSame ? 0 : 1;
+                    ASSERT_LE(differences, 20) << "enough to see what is wrong";
+                    nonZero += expected != 0 ? 1 : 0;
+                    ++formulas;
+                }
+            }
+        }
+    }
+    fmt::print("{} formulas compared, {} of them not 0, {} differences\n", formulas, nonZero, differences);
+    EXPECT_GE(formulas, 2000);
+    EXPECT_GE(nonZero, 1000);
+}
+
+/// Everything that a listing's caller reads: the members of the rows.
+std::string RowsOf(const Cellset& cellset) {
+    constexpr std::int32_t rows = 1;
+    std::string text;
+    for (std::int32_t row = 0; row < cellset.PositionCount(rows); ++row) {
+        for (std::int32_t i = 0; i < cellset.MemberCount(rows, row); ++i) {
+            const CellsetMember member = cellset.MemberAt(rows, row, i);
+            text += fmt::format("{} ({}, {} {}) ", member.name, member.caption.value_or("Null"),
+                                member.levelName, member.levelDepth);
+        }
+        text += "\n";
+    }
+    return text;
+}
+
+std::string RowsOf(Recordset& recordset) {
+    std::string text;
+    for (std::int32_t field = 0; field < recordset.FieldCount(); ++field)
+        text += recordset.FieldName(field) + "\t";
+    for (; !recordset.AtEnd(); recordset.MoveNext()) {
+        text += "\n";
+        for (std::int32_t field = 0; field < recordset.FieldCount(); ++field) {
+            const Variant value = recordset.FieldValue(field);
+            if (value.Is<double>())
+                text += fmt::format("{:.3f}\t", value.As<double>() + 0.0); // no negative zero
+            else
+                text += value.Is<std::string>() ? value.As<std::string>() + "\t" : "Null\t";
+        }
+    }
+    return text;
+}
+
+/// The rows, or that the listing fails: each provider has its own words for why.
+template <class List>
+std::string RowsOrFailure(const List& list) {
+    try {
+        return list();
+    } catch (const AutomationError&) {
+        return "fails";
+    }
+}
+
+const MemberListing listings[] = {
+    {.cubeName = "", .kind = 1, .argumentA = "All", .argumentB = "OBS", .accountsMode = 1},
+    {.cubeName = "", .kind = 1, .argumentA = "20", .argumentB = "OBS", .accountsMode = 1},
+    {.cubeName = "", .kind = 2, .argumentA = "OBS", .argumentB = "Level1"},
+    {.cubeName = "", .kind = 2, .argumentA = "OBS", .argumentB = "level2"},
+    {.cubeName = "", .kind = 2, .argumentA = "OBS", .argumentB = "LEVEL3", .obsSubMember = "3"},
+    {.cubeName = "", .kind = 2, .argumentA = "Segments", .argumentB = "Cost", .obsSubMember = "1"},
+    {.cubeName = "", .kind = 2},
+    {.cubeName = "", .kind = 3, .argumentA = "OBS", .obsSubMember = "2"},
+    {.cubeName = "", .kind = 3, .argumentA = "Segments"},
+    {.cubeName = "", .kind = 3, .argumentA = "nothing of that name"},
+    {.cubeName = "", .kind = 4, .argumentA = "All", .argumentB = "OBS", .summaryLevel = "SuperSum1"},
+    {.cubeName = "", .kind = 4, .argumentA = "10", .argumentB = "OBS", .summaryLevel = "SuperSum3"},
+    {.cubeName = "", .kind = 5, .argumentA = "All", .argumentB = "OBS", .summaryLevel = "SuperSum2Name"},
+    {.cubeName = "", .kind = 6, .argumentA = "All", .summaryLevel = "SuperSum1"},
+    {.cubeName = "", .kind = 6, .argumentA = "", .summaryLevel = "SuperSum3"},
+    {.cubeName = "", .kind = 6, .argumentA = "10", .summaryLevel = "SuperSum2"},
+};
+
+const char* const cubeNames[] = {"LedgerFNC", "LedgerHebrewFNC"};
+
+TEST(ServerAgreement, ListingsHaveTheMembersOfTheEmbeddedEngine) {
+    ServedLedger ledger;
+    for (const char* cubeName : cubeNames) {
+        for (MemberListing listing : listings) {
+            listing.cubeName = cubeName;
+            const auto rows = [&](DataAccess& provider, const std::string& source) {
+                return RowsOrFailure(
+                    [&] { return RowsOf(*ModSetCube::ListMembersCellset(provider, source, listing)); });
+            };
+            EXPECT_EQ(rows(ledger.servers, ledger.server), rows(ledger.embedded, ledger.cubeFile))
+                << cubeName << " kind " << listing.kind << " " << listing.argumentA << " "
+                << listing.argumentB << " " << listing.summaryLevel;
+        }
+    }
+}
+
+TEST(ServerAgreement, RecordsetsHaveTheFieldsAndRowsOfTheEmbeddedEngine) {
+    ServedLedger ledger;
+    for (const char* cubeName : cubeNames) {
+        for (MemberListing listing : listings) {
+            listing.cubeName = cubeName;
+            const auto rows = [&](DataAccess& provider, const std::string& source) {
+                return RowsOrFailure([&] {
+                    ModSetCube::ThreadState thread;
+                    ModSetCube::OpenedCube opened;
+                    const auto recordset = provider.CreateRecordset();
+                    ModSetCube::OpenMemberRecordset(thread, provider, opened, *recordset, source, listing);
+                    return RowsOf(*recordset);
+                });
+            };
+            EXPECT_EQ(rows(ledger.servers, ledger.server), rows(ledger.embedded, ledger.cubeFile))
+                << cubeName << " kind " << listing.kind << " " << listing.argumentA << " "
+                << listing.argumentB << " " << listing.summaryLevel;
+        }
+    }
+}
+
+TEST(ServerAgreement, CountsTheSameObsLevels) {
+    ServedLedger ledger;
+    for (const char* cubeName : cubeNames) {
+        for (const auto& [number, member] :
+             {std::pair("OBS", "1"), std::pair("OBS", "2"), std::pair("Segments", "2")}) {
+            EXPECT_EQ(ModSetCube::CountObsLevels(ledger.servers, cubeName, ledger.server, number, member),
+                      ModSetCube::CountObsLevels(ledger.embedded, cubeName, ledger.cubeFile, number, member))
+                << cubeName << " " << number << " " << member;
+        }
+    }
+}
+
+TEST(ServerAgreement, NamesOfEverySummaryGroupAreTheSame) {
+    ServedLedger ledger;
+    SqlDatabase database;
+    LoadLedger(std::string(QEL_SOURCE_DIR) + "/examples/ledger", database);
+    const Locale locale;
+    ModSetCube::ThreadState localThread, servedThread;
+    OrmQelFunction local({localThread, ledger.embedded, locale}),
+        served({servedThread, ledger.servers, locale});
+    int names = 0;
+    for (const char* cubeName : cubeNames) {
+        for (int level = 1; level <= 3; ++level) {
+            auto groups = database.Prepare(fmt::format("SELECT DISTINCT group{} FROM accounts", level));
+            while (groups.Step()) {
+                const auto nameFrom = [&](OrmQelFunction& object, std::string source) {
+                    std::string cube = cubeName, type = fmt::format("SuperSum{}", level),
+                                key = groups.Text(0);
+                    return std::get<std::string>(object.RetQelName(source, cube, type, key).Get());
+                };
+                const std::string expected = nameFrom(local, ledger.cubeFile);
+                EXPECT_EQ(nameFrom(served, ledger.server), expected)
+                    << cubeName << " " << level << " " << groups.Text(0);
+                names += expected != "-" ? 1 : 0; // a group without facts has no name
+            }
+        }
+    }
+    EXPECT_GE(names, 100);
+}
+
+} // namespace
+} // namespace qel::ledger

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "tests/platform/dialog/win32/Person.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace qel::test {
+
+/// Writes down what a dialog tells: "load", "click CmdAdd", "change TxtCity", "leave TxtCity", "unload". The
+/// two buttons of a form that are called CmdOK and CmdCancel close it.
+class EventLog : public DialogEvents {
+public:
+    std::vector<std::string> told;
+    std::function<void()> onLoad;
+    std::function<void(std::string_view)> onClick, onLeave;
+    Dialog* dialog = nullptr;
+
+    void OnLoad() override;
+    void OnClick(std::string_view control) override;
+    void OnChange(std::string_view control) override;
+    void OnLeave(std::string_view control) override;
+    void OnQueryUnload() override { told.emplace_back("unload"); }
+};
+
+/// Shows a dialog to a person, who acts in another thread. When the person is disappointed, the test fails
+/// and the dialog is closed.
+void ShowTo(Dialog& dialog, const FormDesign& design, const std::function<void(const Person&)>& person);
+
+} // namespace qel::test
