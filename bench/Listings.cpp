@@ -2,7 +2,7 @@
 
 #include "cube/CubeConnection.h"
 #include "cube/MemberStatements.h"
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 
 #include <utility>
 
@@ -52,7 +52,7 @@ std::vector<std::pair<std::string, MemberListing>> Listings(const std::string& c
 
 std::vector<ListingTime> MeasureListings(const BenchData& data, ledger::LedgerCube cube, int rounds) {
     const std::string name = cube == ledger::LedgerCube::Months ? "LedgerFNC" : "LedgerHebrewFNC";
-    LocalDataAccess embedded;
+    EmbeddedDataAccess embedded;
     const auto connection = embedded.CreateConnection();
     connection->Open(ModSetCube::ComposeConnectionText(data.cubeFile.string(), name), "", "",
                      optionsUnspecified);

@@ -44,7 +44,7 @@ Timings Workload::Recalculation(int rounds) const {
 }
 
 std::vector<std::string> Workload::Statements() const {
-    LocalDataAccess embedded;
+    EmbeddedDataAccess embedded;
     RecordingDataAccess recorder(embedded);
     ledger::FormulaCell cell(data_.cubeFile.string(), seed_, recorder);
     std::vector<std::string> statements;
@@ -79,7 +79,7 @@ Timings Workload::EngineAlone(int rounds) const {
 }
 
 double Workload::FormulasPerSecond(std::size_t threads, int rounds) const {
-    LocalDataAccess shared;
+    EmbeddedDataAccess shared;
     double best = 0;
     std::vector<std::unique_ptr<ledger::FormulaCell>> cells;
     for (std::size_t i = 0; i < threads; ++i) {

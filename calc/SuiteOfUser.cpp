@@ -21,8 +21,8 @@ std::string ComponentFolder() {
 } // namespace
 
 SuiteOfUser::SuiteOfUser(const office::Context& context)
-    : windows_(context), messages_(windows_), toolkit_(windows_),
-      registry_(SettingsFile()), environment_{registry_, profiles_, database_, messages_, ComponentFolder()},
+    : windows_(context), messages_(windows_), toolkit_(windows_), registry_(SettingsFile()),
+      environment_{registry_, profiles_, database_, messages_, ComponentFolder()},
       language_{environment_, tables_}, services_{toolkit_, language_} {}
 
 } // namespace qel::calc

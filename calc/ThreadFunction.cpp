@@ -1,6 +1,6 @@
 #include "calc/ThreadFunction.h"
 
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 
 namespace qel::calc {
 
@@ -12,7 +12,7 @@ ThreadFunction& FunctionOfThread() {
 }
 
 DataAccess& Cubes() {
-    static LocalDataAccess cubes;
+    static EmbeddedDataAccess cubes;
     return cubes;
 }
 

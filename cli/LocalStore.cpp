@@ -29,7 +29,7 @@ MessageBoxAnswer StreamMessages::Show(std::int32_t /*style*/, const std::string&
 }
 
 LocalStore::LocalStore(std::ostream& messageStream)
-    : settingsFile(SettingsFile()), messages(messageStream),
-      registry(settingsFile), environment{registry, profiles, database, messages, ProgramFolder()} {}
+    : settingsFile(SettingsFile()), messages(messageStream), registry(settingsFile),
+      environment{registry, profiles, database, messages, ProgramFolder()} {}
 
 } // namespace qel

@@ -1,6 +1,6 @@
 #include "server/OrmQelFunctionObject.h"
 
-#include "platform/sheet/automation/LateBoundSheet.h"
+#include "platform/sheet/automation/AutomationSheet.h"
 #include "platform/value/AutomationError.h"
 #include "platform/windows/SafeArrayConversion.h"
 #include "platform/windows/VariantConversion.h"

@@ -5,7 +5,7 @@
 #include "platform/dialog/win32/SystemMessages.h"
 #include "platform/settings/windows/WindowsProfiles.h"
 #include "platform/settings/windows/WindowsRegistry.h"
-#include "platform/tables/ado/LateBoundTableReader.h"
+#include "platform/tables/ado/AdoTableReader.h"
 #include "platform/tables/msxml/MsxmlTableReader.h"
 #include "server/ServerModule.h"
 #include "text/Utf8Path.h"
@@ -21,8 +21,8 @@ std::unique_ptr<DatabaseEngine> DatabaseOfMachine() {
 }
 
 std::unique_ptr<PersistedTableReader> TablesOfMachine() {
-    if (windows::LateBoundTableReader::IsInstalled())
-        return std::make_unique<windows::LateBoundTableReader>();
+    if (windows::AdoTableReader::IsInstalled())
+        return std::make_unique<windows::AdoTableReader>();
     return std::make_unique<windows::MsxmlTableReader>();
 }
 

@@ -1,9 +1,9 @@
 #include "server/ThreadContext.h"
 
 #include "platform/data/ResolvingDataAccess.h"
-#include "platform/data/ado/LateBoundDataAccess.h"
+#include "platform/data/ado/AdoDataAccess.h"
 #include "platform/data/embedded/CubeSource.h"
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/windows/WindowsApi.h"
 
 #include <map>
@@ -13,8 +13,8 @@ namespace qel::server {
 
 // Embedded cubes are read here, every other data source by the machine's own objects.
 DataAccess& Providers() {
-    static LocalDataAccess embedded;
-    static windows::LateBoundDataAccess machine;
+    static EmbeddedDataAccess embedded;
+    static windows::AdoDataAccess machine;
     static ResolvingDataAccess providers([](const std::string& connectionText) -> DataAccess& {
         if (NamesEmbeddedCube(connectionText))
             return embedded;

@@ -16,10 +16,10 @@ using namespace ModSetCube;
 class ValueCall {
 public:
     ValueCall(const Selection& selection, const Locale& locale)
-        : selection_(selection), obsNames_{InBrackets(selection.obsName)}, obsNumbers_{InBrackets(
-                                                                               selection.obsNumber)},
-          obsLevels_{selection.obsLevel}, activities_{InBrackets(selection.activity)},
-          from_(FormatShortDate(selection.from, locale)), to_(FormatShortDate(selection.to, locale)) {
+        : selection_(selection), obsNames_{InBrackets(selection.obsName)},
+          obsNumbers_{InBrackets(selection.obsNumber)}, obsLevels_{selection.obsLevel},
+          activities_{InBrackets(selection.activity)}, from_(FormatShortDate(selection.from, locale)),
+          to_(FormatShortDate(selection.to, locale)) {
         for (const std::string& member : selection.obsMembers)
             obsMembers_.emplace_back(selection.obsLevel == costCentersLevel ? InBrackets(member) : member);
         for (std::string* key : {&selection_.summaryLevel, &selection_.summaryMember, &selection_.account,

@@ -24,7 +24,10 @@ struct TextOf {
         throw PlatformError(ErrorNumber::InvalidUseOfNull);
     }
     template <class T>
-    requires std::is_integral_v<T> std::string operator()(T number) const { return std::to_string(number); }
+        requires std::is_integral_v<T>
+    std::string operator()(T number) const {
+        return std::to_string(number);
+    }
     std::string operator()(float number) const {
         return NumberToText(static_cast<double>(number), singleDigits, locale);
     }
@@ -54,8 +57,10 @@ struct DoubleOf {
     double operator()(const Empty&) const { return 0; }
     [[noreturn]] double operator()(const Null&) const { throw PlatformError(ErrorNumber::InvalidUseOfNull); }
     template <class T>
-    requires std::is_arithmetic_v<T>
-    double operator()(T number) const { return static_cast<double>(number); }
+        requires std::is_arithmetic_v<T>
+    double operator()(T number) const {
+        return static_cast<double>(number);
+    }
     double operator()(const Currency& amount) const {
         return static_cast<double>(amount.scaled) / currencyUnit;
     }

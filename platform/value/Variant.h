@@ -100,7 +100,8 @@ public:
 
     Variant() = default;
     template <class T>
-    requires std::is_constructible_v<Value, T> Variant(T value)
+        requires std::is_constructible_v<Value, T>
+    Variant(T value)
         : value_(std::move(value)) {} // NOLINT(google-explicit-constructor): a variant is any of these
     Variant(const char* text) : value_(std::string(text)) {}
 

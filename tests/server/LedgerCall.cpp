@@ -1,7 +1,7 @@
 #include "tests/server/LedgerCall.h"
 
 #include "function/OrmQelFunction.h"
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ Arguments ArgumentsOf(const LedgerCall& call) {
 }
 
 double ValueInProcess(const LedgerCall& call) {
-    LocalDataAccess dataAccess;
+    EmbeddedDataAccess dataAccess;
     ModSetCube::ThreadState thread;
     const Locale locale;
     OrmQelFunction function({thread, dataAccess, locale});

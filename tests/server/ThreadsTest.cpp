@@ -1,5 +1,5 @@
 #include "function/OrmQelFunction.h"
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "tests/server/LedgerCall.h"
 
 #include <gtest/gtest.h>
@@ -53,7 +53,7 @@ TEST(Throughput, AHundredThousandCallsLeaveNoMemoryBehind) {
     const double throughCom = Seconds([&] { callMany(calls); });
     const std::size_t after = PrivateBytes();
 
-    LocalDataAccess dataAccess;
+    EmbeddedDataAccess dataAccess;
     ModSetCube::ThreadState thread;
     const Locale locale;
     OrmQelFunction function({thread, dataAccess, locale});

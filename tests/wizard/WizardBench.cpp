@@ -49,8 +49,8 @@ const std::string& UnlistedFile() {
 }
 
 WizardBench::WizardBench()
-    : registry(folder.Path("settings.ini")), store{registry, profiles, database, messages,
-                                                   folder.Path("component").string()},
+    : registry(folder.Path("settings.ini")),
+      store{registry, profiles, database, messages, folder.Path("component").string()},
       language{store, tables}, services{toolkit, language}, object({thread, dataAccess, locale, &services}) {
     std::filesystem::create_directory(folder.Path("component"));
     registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, ModAPI::mdbPathValue,

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "function/OrmQelFunction.h"
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/settings/files/FileProfiles.h"
 #include "platform/settings/files/FileRegistry.h"
@@ -52,7 +52,7 @@ public:
     FileProfiles profiles;
     SqliteDatabase database;
     XmlTableReader tables;
-    LocalDataAccess dataAccess;
+    EmbeddedDataAccess dataAccess;
     Locale locale;
     ModSetCube::ThreadState thread;
     StoreEnvironment store;

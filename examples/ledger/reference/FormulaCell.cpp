@@ -31,7 +31,7 @@ Variant OneKey(std::string key) { return Variant::List({Variant(std::move(key))}
 } // namespace
 
 FormulaCell::FormulaCell(std::string cubeFile, std::uint64_t variety)
-    : cubeFile_(std::move(cubeFile)), variety_(variety), embedded_(std::make_unique<LocalDataAccess>()),
+    : cubeFile_(std::move(cubeFile)), variety_(variety), embedded_(std::make_unique<EmbeddedDataAccess>()),
       function_(FunctionContext{thread_, *embedded_, locale_}) {}
 
 FormulaCell::FormulaCell(std::string cubeFile, std::uint64_t variety, DataAccess& dataAccess)

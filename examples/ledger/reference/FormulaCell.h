@@ -3,7 +3,7 @@
 #include "examples/ledger/Random.h"
 #include "examples/ledger/reference/Selection.h"
 #include "function/OrmQelFunction.h"
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 
 #include <memory>
 #include <string>
@@ -32,7 +32,7 @@ private:
 
     std::string cubeFile_;
     Random variety_;
-    std::unique_ptr<LocalDataAccess> embedded_; ///< none over another provider
+    std::unique_ptr<EmbeddedDataAccess> embedded_; ///< none over another provider
     Locale locale_;
     ModSetCube::ThreadState thread_;
     OrmQelFunction function_;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/data/ResolvingDataAccess.h"
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/data/xmla/XmlaDataAccess.h"
 
 namespace qel {
@@ -18,7 +18,7 @@ public:
     DataAccess& Objects() { return resolving_; }
 
 private:
-    LocalDataAccess embedded_;
+    EmbeddedDataAccess embedded_;
     XmlaDataAccess servers_;
     ResolvingDataAccess resolving_;
 };

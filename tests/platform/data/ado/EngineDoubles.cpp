@@ -1,13 +1,13 @@
 #include "tests/platform/data/ado/EngineDoubles.h"
 
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/value/AutomationError.h"
 #include "platform/windows/VariantConversion.h"
 
 namespace qel::test {
 
 DataAccess& Engine() {
-    static LocalDataAccess engine;
+    static EmbeddedDataAccess engine;
     return engine;
 }
 

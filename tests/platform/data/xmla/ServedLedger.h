@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/data/xmla/XmlaDataAccess.h"
 
 #include <cstdlib>
@@ -11,7 +11,7 @@ namespace qel::test {
 
 /// The example ledger twice: as a cube file, and on the server that was filled from it.
 struct ServedLedger {
-    LocalDataAccess embedded;
+    EmbeddedDataAccess embedded;
     XmlaDataAccess servers;
     std::string cubeFile = Environment("QEL_CUBE"), server = Environment("QEL_SERVER");
 

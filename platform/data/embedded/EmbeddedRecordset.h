@@ -9,11 +9,11 @@ namespace qel {
 
 /// The flattened answer to one statement, or a table that is there already. Cursor, lock and options make no
 /// difference: the rows are all there and cannot be changed.
-class LocalRecordset : public Recordset {
+class EmbeddedRecordset : public Recordset {
 public:
-    LocalRecordset() = default;
+    EmbeddedRecordset() = default;
     /// Open, on these rows.
-    explicit LocalRecordset(FlattenedRows rows) : answer_(std::move(rows)) {}
+    explicit EmbeddedRecordset(FlattenedRows rows) : answer_(std::move(rows)) {}
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
               int lockType, int options) override;

@@ -1,7 +1,7 @@
-#include "platform/data/embedded/LocalCatalog.h"
+#include "platform/data/embedded/EmbeddedCatalog.h"
 
-#include "platform/data/embedded/LocalConnection.h"
-#include "platform/data/embedded/LocalDimension.h"
+#include "platform/data/embedded/EmbeddedConnection.h"
+#include "platform/data/embedded/EmbeddedDimension.h"
 #include "platform/data/embedded/MeasuresDimension.h"
 #include "platform/data/embedded/ProviderErrors.h"
 
@@ -12,9 +12,9 @@ namespace qel {
 namespace {
 
 /// [Measures] comes first, then the cube's own dimensions in their order.
-class LocalCubeDef : public CubeDef {
+class EmbeddedCubeDef : public CubeDef {
 public:
-    explicit LocalCubeDef(std::shared_ptr<const engine::Cube> cube) : cube_(std::move(cube)) {}
+    explicit EmbeddedCubeDef(std::shared_ptr<const engine::Cube> cube) : cube_(std::move(cube)) {}
 
     std::string Name() const override { return cube_->Name(); }
 
@@ -46,20 +46,20 @@ private:
 
 } // namespace
 
-void LocalCatalog::SetActiveConnection(const std::string& connectionString) {
+void EmbeddedCatalog::SetActiveConnection(const std::string& connectionString) {
     cube_ = OpenCube(*files_, connectionString);
 }
 
-void LocalCatalog::SetActiveConnection(const std::shared_ptr<Connection>& connection) {
-    cube_ = LocalConnection::CubeOf(connection);
+void EmbeddedCatalog::SetActiveConnection(const std::shared_ptr<Connection>& connection) {
+    cube_ = EmbeddedConnection::CubeOf(connection);
 }
 
-std::unique_ptr<CubeDef> LocalCatalog::CubeAt(std::int32_t index) const {
+std::unique_ptr<CubeDef> EmbeddedCatalog::CubeAt(std::int32_t index) const {
     if (!cube_)
         throw ProviderError(errorInvalidConnection, "The catalog has no active connection.");
     if (index != 0)
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-    return std::make_unique<LocalCubeDef>(cube_);
+    return std::make_unique<EmbeddedCubeDef>(cube_);
 }
 
 } // namespace qel

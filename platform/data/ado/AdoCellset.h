@@ -6,9 +6,9 @@
 namespace qel::windows {
 
 /// ADOMD.Cellset.
-class LateBoundCellset : public Cellset {
+class AdoCellset : public Cellset {
 public:
-    LateBoundCellset() : cellset_(DispatchObject::Create(L"ADOMD.Cellset")) {}
+    AdoCellset() : cellset_(DispatchObject::Create(L"ADOMD.Cellset")) {}
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override;
     void Close() override { cellset_.Call(L"Close"); }

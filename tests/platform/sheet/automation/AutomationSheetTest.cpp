@@ -1,4 +1,4 @@
-#include "platform/sheet/automation/LateBoundSheet.h"
+#include "platform/sheet/automation/AutomationSheet.h"
 
 #include "platform/value/AutomationError.h"
 #include "tests/helpers/automation/SheetObject.h"
@@ -17,7 +17,7 @@ Variant TableOf(std::int32_t rows, std::int32_t columns, std::vector<Variant> el
     return std::shared_ptr<const VariantArray>(std::move(array));
 }
 
-TEST(LateBoundSheet, ReachesCellsAsAMacroDoes) {
+TEST(AutomationSheet, ReachesCellsAsAMacroDoes) {
     const Apartment apartment;
     SheetObject sheet;
     sheet.Put(4, 3, "occupied");
@@ -39,7 +39,7 @@ TEST(LateBoundSheet, ReachesCellsAsAMacroDoes) {
                             "R3C2 = קוביה", "R3C3 = ", "R4C2 = Cube Name", "R4C3 = LedgerFNC"));
 }
 
-TEST(LateBoundSheet, KeepsTheNumberAndDescriptionOfTheSheetsErrors) {
+TEST(AutomationSheet, KeepsTheNumberAndDescriptionOfTheSheetsErrors) {
     const Apartment apartment;
     SheetObject sheet;
     sheet.Protect("The cell or chart is protected");

@@ -6,9 +6,9 @@
 namespace qel::windows {
 
 /// ADOMD.Catalog and everything reached through it.
-class LateBoundCatalog : public Catalog {
+class AdoCatalog : public Catalog {
 public:
-    LateBoundCatalog() : catalog_(DispatchObject::Create(L"ADOMD.Catalog")) {}
+    AdoCatalog() : catalog_(DispatchObject::Create(L"ADOMD.Catalog")) {}
 
     void SetActiveConnection(const std::string& connectionString) override;
     void SetActiveConnection(const std::shared_ptr<Connection>& connection) override;

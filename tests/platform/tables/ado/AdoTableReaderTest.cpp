@@ -1,4 +1,4 @@
-#include "platform/tables/ado/LateBoundTableReader.h"
+#include "platform/tables/ado/AdoTableReader.h"
 
 #include "lang/ModLangFrm.h"
 #include "platform/value/AutomationError.h"
@@ -74,17 +74,17 @@ ComPointer<IDispatch> MakeRecordset(const std::shared_ptr<SavedTable>& table) {
     return ComPointer<IDispatch>(recordset.Get());
 }
 
-struct LateBoundTableReaderTest : ::testing::Test {
+struct AdoTableReaderTest : ::testing::Test {
     const Apartment apartment;
     const std::shared_ptr<SavedTable> saved = std::make_shared<SavedTable>();
     const NamedClass recordsets{L"ADODB.Recordset", [saved = saved] { return MakeRecordset(saved); }};
     std::optional<NamedClass> provider{std::in_place, L"MSPersist",
                                        [saved = saved] { return MakeRecordset(saved); }};
-    windows::LateBoundTableReader reader;
+    windows::AdoTableReader reader;
     qel::testing::StoreBench bench;
 };
 
-TEST_F(LateBoundTableReaderTest, ReadsTheSuitesTextsInTheLanguageOfItsSettings) {
+TEST_F(AdoTableReaderTest, ReadsTheSuitesTextsInTheLanguageOfItsSettings) {
     const TemporaryFolder folder;
     const auto path = folder.Write("Lang.rs", "in any form that the provider reads");
     saved->columns = {"lId", "sId", "sText"};
@@ -103,7 +103,7 @@ TEST_F(LateBoundTableReaderTest, ReadsTheSuitesTextsInTheLanguageOfItsSettings) 
     EXPECT_TRUE(bench.messages.shown.empty());
 }
 
-TEST_F(LateBoundTableReaderTest, NamesTheFileThatCannotBeRead) {
+TEST_F(AdoTableReaderTest, NamesTheFileThatCannotBeRead) {
     const auto faultOfReading = [&]() -> std::string {
         try {
             reader.Read("C:\\א\\Lang.rs");

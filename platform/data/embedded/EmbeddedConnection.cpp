@@ -1,7 +1,7 @@
-#include "platform/data/embedded/LocalConnection.h"
+#include "platform/data/embedded/EmbeddedConnection.h"
 
 #include "platform/data/ConnectionText.h"
-#include "platform/data/embedded/LocalRecordset.h"
+#include "platform/data/embedded/EmbeddedRecordset.h"
 #include "platform/data/embedded/OpenCubeFiles.h"
 #include "platform/data/embedded/ProviderErrors.h"
 #include "text/CaseFold.h"
@@ -64,8 +64,8 @@ std::shared_ptr<const engine::Cube> OpenCube(OpenCubeFiles& files, const std::st
     return ChooseCube(*OpenFile(files, text), text);
 }
 
-void LocalConnection::Open(const std::string& connectionString, const std::string& /*user*/,
-                           const std::string& /*password*/, int /*options*/) {
+void EmbeddedConnection::Open(const std::string& connectionString, const std::string& /*user*/,
+                              const std::string& /*password*/, int /*options*/) {
     if (cube_)
         throw ProviderError(errorObjectOpen, "Operation is not allowed when the object is open.");
     const auto text = ParseConnectionText(connectionString);
@@ -76,7 +76,7 @@ void LocalConnection::Open(const std::string& connectionString, const std::strin
     connectionString_ = connectionString;
 }
 
-void LocalConnection::Close() {
+void EmbeddedConnection::Close() {
     if (!cube_)
         throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
     cube_ = nullptr;
@@ -84,26 +84,27 @@ void LocalConnection::Close() {
     file_ = nullptr;
 }
 
-std::unique_ptr<Recordset> LocalConnection::OpenSchema(int schema) {
+std::unique_ptr<Recordset> EmbeddedConnection::OpenSchema(int schema) {
     if (!file_)
         throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
     if (schema != schemaCatalogs)
         return Connection::OpenSchema(schema);
-    return std::make_unique<LocalRecordset>(CatalogRows(*file_));
+    return std::make_unique<EmbeddedRecordset>(CatalogRows(*file_));
 }
 
-std::shared_ptr<const engine::Cube> LocalConnection::CubeOf(const std::shared_ptr<Connection>& connection) {
+std::shared_ptr<const engine::Cube>
+EmbeddedConnection::CubeOf(const std::shared_ptr<Connection>& connection) {
     return OpenOne(connection).cube_;
 }
 
-engine::Cellset LocalConnection::Run(const std::shared_ptr<Connection>& connection,
-                                     const std::string& statement) {
-    const LocalConnection& local = OpenOne(connection);
+engine::Cellset EmbeddedConnection::Run(const std::shared_ptr<Connection>& connection,
+                                        const std::string& statement) {
+    const EmbeddedConnection& local = OpenOne(connection);
     return TranslatingErrors([&] { return local.plans_->Run(*local.cube_, statement); });
 }
 
-const LocalConnection& LocalConnection::OpenOne(const std::shared_ptr<Connection>& connection) {
-    const auto* local = dynamic_cast<const LocalConnection*>(connection.get());
+const EmbeddedConnection& EmbeddedConnection::OpenOne(const std::shared_ptr<Connection>& connection) {
+    const auto* local = dynamic_cast<const EmbeddedConnection*>(connection.get());
     if (!local || !local->cube_)
         throw ProviderError(errorInvalidConnection,
                             "The connection cannot be used to perform this operation. It is either closed or "

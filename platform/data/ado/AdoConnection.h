@@ -6,9 +6,9 @@
 namespace qel::windows {
 
 /// ADODB.Connection.
-class LateBoundConnection : public Connection {
+class AdoConnection : public Connection {
 public:
-    LateBoundConnection() : connection_(DispatchObject::Create(L"ADODB.Connection")) {}
+    AdoConnection() : connection_(DispatchObject::Create(L"ADODB.Connection")) {}
 
     void Open(const std::string& connectionString, const std::string& user, const std::string& password,
               int options) override {

@@ -5,7 +5,7 @@
 namespace qel::windows {
 
 /// Reads saved recordsets through the provider that saves them, in their XML form and their binary one.
-class LateBoundTableReader : public PersistedTableReader {
+class AdoTableReader : public PersistedTableReader {
 public:
     /// Whether the provider, MSPersist, is on this machine.
     static bool IsInstalled();

@@ -21,7 +21,7 @@ LedgerCall ThroughProvider(LedgerCall call) {
     return call;
 }
 
-class LateBoundProvider : public testing::Test {
+class AdoProvider : public testing::Test {
 protected:
     std::string TextOfDemo(const LedgerCall& call) {
         Arguments arguments = ArgumentsOf(call);
@@ -33,7 +33,7 @@ protected:
     ComPointer<IDispatch> object_ = CreateByName(L"OrmFunctionQel4.OrmQelFunction");
 };
 
-TEST_F(LateBoundProvider, GivesTheSameValuesOverOneConnection) {
+TEST_F(AdoProvider, GivesTheSameValuesOverOneConnection) {
     std::vector<LedgerCall> calls(4);
     calls[1].selections[2] = "4111";
     calls[2].obsLevel = "Level2";
@@ -54,7 +54,7 @@ TEST_F(LateBoundProvider, GivesTheSameValuesOverOneConnection) {
     EXPECT_EQ(log.connectionsClosed, 0);
 }
 
-TEST_F(LateBoundProvider, GivesTheSameNames) {
+TEST_F(AdoProvider, GivesTheSameNames) {
     const auto nameThrough = [&](const std::string& file, const std::string& code) {
         Arguments arguments;
         for (const std::string& text : {file, std::string("LedgerFNC"), std::string("SuperSum1"), code})
@@ -67,7 +67,7 @@ TEST_F(LateBoundProvider, GivesTheSameNames) {
     EXPECT_EQ(doubles_.Log().connectionsClosed, 1) << "another cube file takes the connection";
 }
 
-TEST_F(LateBoundProvider, FailuresArriveWithTheirOwnNumbers) {
+TEST_F(AdoProvider, FailuresArriveWithTheirOwnNumbers) {
     ProviderLog& log = doubles_.Log();
     log.openFailure = ScriptedFailure{static_cast<HRESULT>(0x80004005), "no such file", "double"};
     EXPECT_EQ(TextOfDemo(ThroughProvider({})), "#err -2147467259");
@@ -82,7 +82,7 @@ TEST_F(LateBoundProvider, FailuresArriveWithTheirOwnNumbers) {
     EXPECT_EQ(ValueThroughCom(object_.Get(), arguments), ValueInProcess({}));
 }
 
-TEST_F(LateBoundProvider, NoConnectionOutlivesTheObject) {
+TEST_F(AdoProvider, NoConnectionOutlivesTheObject) {
     Arguments arguments = ArgumentsOf(ThroughProvider({}));
     ValueThroughCom(object_.Get(), arguments);
     doubles_.Log().statementFailure = ScriptedFailure{E_FAIL, "failed", "double"};
@@ -95,7 +95,7 @@ TEST_F(LateBoundProvider, NoConnectionOutlivesTheObject) {
     EXPECT_EQ(doubles_.Log().alive, 0);
 }
 
-TEST_F(LateBoundProvider, EmbeddedCubesDoNotTouchIt) {
+TEST_F(AdoProvider, EmbeddedCubesDoNotTouchIt) {
     Arguments arguments = ArgumentsOf({});
     EXPECT_EQ(ValueThroughCom(object_.Get(), arguments), ValueInProcess({}));
     EXPECT_TRUE(doubles_.Log().opened.empty());

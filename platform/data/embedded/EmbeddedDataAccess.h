@@ -10,9 +10,9 @@ class OpenCubeFiles;
 
 /// The data-access objects over the embedded cube engine. One object serves any number of threads; the
 /// connections, catalogs and cellsets that it makes belong to one thread each and may outlive it.
-class LocalDataAccess : public DataAccess {
+class EmbeddedDataAccess : public DataAccess {
 public:
-    LocalDataAccess();
+    EmbeddedDataAccess();
 
     std::shared_ptr<Connection> CreateConnection() override;
     std::unique_ptr<Catalog> CreateCatalog() override;

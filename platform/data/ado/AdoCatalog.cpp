@@ -1,6 +1,6 @@
-#include "platform/data/ado/LateBoundCatalog.h"
+#include "platform/data/ado/AdoCatalog.h"
 
-#include "platform/data/ado/LateBoundConnection.h"
+#include "platform/data/ado/AdoConnection.h"
 #include "platform/windows/VariantConversion.h"
 
 namespace qel::windows {
@@ -31,7 +31,7 @@ protected:
     DispatchObject object_;
 };
 
-class LateBoundMember : public NamedObject<Member> {
+class AdoMember : public NamedObject<Member> {
 public:
     using NamedObject::NamedObject;
 
@@ -43,28 +43,28 @@ public:
         const VARIANT& value = Dereferenced(parent.Get());
         if (V_VT(&value) != VT_DISPATCH || V_DISPATCH(&value) == nullptr)
             return nullptr;
-        return std::make_unique<LateBoundMember>(
+        return std::make_unique<AdoMember>(
             DispatchObject(ComPointer<IDispatch>(V_DISPATCH(&value)), "Member"));
     }
 };
 
 /// Asks for its members once: each request may be a query of its own.
-class LateBoundLevel : public NamedObject<Level> {
+class AdoLevel : public NamedObject<Level> {
 public:
-    explicit LateBoundLevel(DispatchObject level)
+    explicit AdoLevel(DispatchObject level)
         : NamedObject(std::move(level)), members_(object_.Child(L"Members")) {}
 
     std::string Caption() const override { return object_.Text(L"Caption"); }
     std::int32_t MemberCount() const override { return members_.Number(L"Count"); }
     std::unique_ptr<Member> MemberAt(std::int32_t index) const override {
-        return std::make_unique<LateBoundMember>(members_.Child(L"Item", ArgumentList(index)));
+        return std::make_unique<AdoMember>(members_.Child(L"Item", ArgumentList(index)));
     }
 
 private:
     DispatchObject members_;
 };
 
-class LateBoundHierarchy : public NamedObject<Hierarchy> {
+class AdoHierarchy : public NamedObject<Hierarchy> {
 public:
     using NamedObject::NamedObject;
 
@@ -72,52 +72,51 @@ public:
     std::string UniqueName() const override { return object_.Text(L"UniqueName"); }
     std::int32_t LevelCount() const override { return Count(L"Levels"); }
     std::unique_ptr<Level> LevelAt(std::int32_t index) const override {
-        return ItemOf<LateBoundLevel>(L"Levels", index);
+        return ItemOf<AdoLevel>(L"Levels", index);
     }
     std::unique_ptr<Level> LevelNamed(const std::string& name) const override {
-        return ItemOf<LateBoundLevel>(L"Levels", name);
+        return ItemOf<AdoLevel>(L"Levels", name);
     }
 };
 
-class LateBoundDimension : public NamedObject<Dimension> {
+class AdoDimension : public NamedObject<Dimension> {
 public:
     using NamedObject::NamedObject;
 
     std::string Caption() const override { return CaptionIn("DIMENSION_CAPTION"); }
     std::int32_t HierarchyCount() const override { return Count(L"Hierarchies"); }
     std::unique_ptr<Hierarchy> HierarchyAt(std::int32_t index) const override {
-        return ItemOf<LateBoundHierarchy>(L"Hierarchies", index);
+        return ItemOf<AdoHierarchy>(L"Hierarchies", index);
     }
 };
 
-class LateBoundCubeDef : public NamedObject<CubeDef> {
+class AdoCubeDef : public NamedObject<CubeDef> {
 public:
     using NamedObject::NamedObject;
 
     std::int32_t DimensionCount() const override { return Count(L"Dimensions"); }
     std::unique_ptr<Dimension> DimensionAt(std::int32_t index) const override {
-        return ItemOf<LateBoundDimension>(L"Dimensions", index);
+        return ItemOf<AdoDimension>(L"Dimensions", index);
     }
     std::unique_ptr<Dimension> DimensionNamed(const std::string& name) const override {
-        return ItemOf<LateBoundDimension>(L"Dimensions", name);
+        return ItemOf<AdoDimension>(L"Dimensions", name);
     }
 };
 
 } // namespace
 
-void LateBoundCatalog::SetActiveConnection(const std::string& connectionString) {
+void AdoCatalog::SetActiveConnection(const std::string& connectionString) {
     catalog_.Put(L"ActiveConnection", ToArgument(connectionString));
 }
 
-void LateBoundCatalog::SetActiveConnection(const std::shared_ptr<Connection>& connection) {
-    catalog_.Put(L"ActiveConnection", ToArgument(LateBoundConnection::ObjectOf(connection)));
+void AdoCatalog::SetActiveConnection(const std::shared_ptr<Connection>& connection) {
+    catalog_.Put(L"ActiveConnection", ToArgument(AdoConnection::ObjectOf(connection)));
 }
 
-std::int32_t LateBoundCatalog::CubeCount() const { return catalog_.Child(L"CubeDefs").Number(L"Count"); }
+std::int32_t AdoCatalog::CubeCount() const { return catalog_.Child(L"CubeDefs").Number(L"Count"); }
 
-std::unique_ptr<CubeDef> LateBoundCatalog::CubeAt(std::int32_t index) const {
-    return std::make_unique<LateBoundCubeDef>(
-        catalog_.Child(L"CubeDefs").Child(L"Item", ArgumentList(index)));
+std::unique_ptr<CubeDef> AdoCatalog::CubeAt(std::int32_t index) const {
+    return std::make_unique<AdoCubeDef>(catalog_.Child(L"CubeDefs").Child(L"Item", ArgumentList(index)));
 }
 
 } // namespace qel::windows

@@ -10,9 +10,9 @@ namespace qel {
 class OpenCubeFiles;
 
 /// The catalog of a connection: the one cube that its Initial Catalog names.
-class LocalCatalog : public Catalog {
+class EmbeddedCatalog : public Catalog {
 public:
-    explicit LocalCatalog(std::shared_ptr<OpenCubeFiles> files) : files_(std::move(files)) {}
+    explicit EmbeddedCatalog(std::shared_ptr<OpenCubeFiles> files) : files_(std::move(files)) {}
 
     void SetActiveConnection(const std::string& connectionString) override;
     void SetActiveConnection(const std::shared_ptr<Connection>& connection) override;

@@ -1,4 +1,4 @@
-#include "platform/tables/ado/LateBoundTableReader.h"
+#include "platform/tables/ado/AdoTableReader.h"
 
 #include "platform/value/AutomationError.h"
 #include "platform/windows/DispatchObject.h"
@@ -31,9 +31,9 @@ PersistedTable RowsOf(const DispatchObject& recordset) {
 
 } // namespace
 
-bool LateBoundTableReader::IsInstalled() { return CanLoadClass(L"MSPersist"); }
+bool AdoTableReader::IsInstalled() { return CanLoadClass(L"MSPersist"); }
 
-PersistedTable LateBoundTableReader::Read(const std::string& path) {
+PersistedTable AdoTableReader::Read(const std::string& path) {
     try {
         if (!IsInstalled())
             throw AutomationError(providerNotFound, "the provider MSPersist is not installed");

@@ -1,6 +1,6 @@
-#include "platform/data/embedded/LocalCellset.h"
+#include "platform/data/embedded/EmbeddedCellset.h"
 
-#include "platform/data/embedded/LocalConnection.h"
+#include "platform/data/embedded/EmbeddedConnection.h"
 #include "platform/data/embedded/ProviderErrors.h"
 
 namespace qel {
@@ -14,37 +14,37 @@ void RequireBelow(std::int32_t index, std::size_t count) {
 
 } // namespace
 
-void LocalCellset::Open(const std::string& source, const std::shared_ptr<Connection>& connection) {
+void EmbeddedCellset::Open(const std::string& source, const std::shared_ptr<Connection>& connection) {
     if (answer_)
         throw ProviderError(errorObjectOpen, "Operation is not allowed when the object is open.");
-    answer_ = LocalConnection::Run(connection, source);
+    answer_ = EmbeddedConnection::Run(connection, source);
 }
 
-void LocalCellset::Close() {
+void EmbeddedCellset::Close() {
     Answer();
     answer_.reset();
 }
 
-const engine::Cellset& LocalCellset::Answer() const {
+const engine::Cellset& EmbeddedCellset::Answer() const {
     if (!answer_)
         throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
     return *answer_;
 }
 
-std::int32_t LocalCellset::AxisCount() const { return static_cast<std::int32_t>(Answer().AxisCount()); }
+std::int32_t EmbeddedCellset::AxisCount() const { return static_cast<std::int32_t>(Answer().AxisCount()); }
 
-std::int32_t LocalCellset::PositionCount(std::int32_t axis) const {
+std::int32_t EmbeddedCellset::PositionCount(std::int32_t axis) const {
     const auto& answer = Answer();
     RequireBelow(axis, answer.AxisCount());
     return static_cast<std::int32_t>(answer.PositionCount(static_cast<std::size_t>(axis)));
 }
 
-std::int32_t LocalCellset::MemberCount(std::int32_t axis, std::int32_t position) const {
+std::int32_t EmbeddedCellset::MemberCount(std::int32_t axis, std::int32_t position) const {
     RequireBelow(position, static_cast<std::size_t>(PositionCount(axis)));
     return static_cast<std::int32_t>(Answer().TupleSize(static_cast<std::size_t>(axis)));
 }
 
-CellsetMember LocalCellset::MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const {
+CellsetMember EmbeddedCellset::MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const {
     RequireBelow(index, static_cast<std::size_t>(MemberCount(axis, position)));
     const auto& member = Answer().MemberAt(static_cast<std::size_t>(axis), static_cast<std::size_t>(position),
                                            static_cast<std::size_t>(index));
@@ -52,7 +52,7 @@ CellsetMember LocalCellset::MemberAt(std::int32_t axis, std::int32_t position, s
             static_cast<std::int32_t>(member.levelDepth)};
 }
 
-Variant LocalCellset::Value(const std::vector<std::int32_t>& positions) const {
+Variant EmbeddedCellset::Value(const std::vector<std::int32_t>& positions) const {
     const auto& answer = Answer();
     if (positions.size() != answer.AxisCount())
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);

@@ -1,8 +1,8 @@
 // The machine's data-access objects behind the ports: what is read through them is what the engine gives.
 
 #include "cube/MemberListing.h"
-#include "platform/data/ado/LateBoundDataAccess.h"
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/ado/AdoDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
 #include "tests/helpers/ErrorOf.h"
@@ -30,7 +30,7 @@ std::string TextFor(const std::string& file, const std::string& catalog = "Ledge
                        file, catalog);
 }
 
-class LateBoundObjects : public testing::Test {
+class AdoObjects : public testing::Test {
 protected:
     std::shared_ptr<Connection> Connect(const std::string& text = TextFor(ledger)) {
         auto connection = machine_.CreateConnection();
@@ -40,8 +40,8 @@ protected:
 
     const Apartment apartment_;
     ProviderDoubles doubles_;
-    windows::LateBoundDataAccess machine_;
-    LocalDataAccess engine_;
+    windows::AdoDataAccess machine_;
+    EmbeddedDataAccess engine_;
 };
 
 std::string TableOf(Recordset& rows) {
@@ -58,7 +58,7 @@ std::string TableOf(Recordset& rows) {
     return table;
 }
 
-TEST_F(LateBoundObjects, ARecordsetHasTheSameRows) {
+TEST_F(AdoObjects, ARecordsetHasTheSameRows) {
     const MemberListing listings[] = {
         {.cubeName = "LedgerFNC", .kind = 1, .argumentA = "All", .argumentB = "OBS", .accountsMode = 1},
         {.cubeName = "LedgerFNC", .kind = 2, .argumentA = "OBS", .argumentB = "Level2"},
@@ -82,7 +82,7 @@ TEST_F(LateBoundObjects, ARecordsetHasTheSameRows) {
               ModSetCube::CountObsLevels(engine_, "LedgerFNC", QEL_TEST_CUBE, "OBS", "1"));
 }
 
-TEST_F(LateBoundObjects, ARecordsetIsReadByNameAndFailsAsTheProviderDoes) {
+TEST_F(AdoObjects, ARecordsetIsReadByNameAndFailsAsTheProviderDoes) {
     const auto rows = machine_.CreateRecordset();
     EXPECT_EQ(ErrorOf([&] { rows->MoveFirst(); }), 3704) << "not open";
     rows->Open("SELECT {[Measures].[Amount]} ON COLUMNS, {[Firma].Members} ON ROWS FROM LedgerFNC", Connect(),
@@ -100,7 +100,7 @@ TEST_F(LateBoundObjects, ARecordsetIsReadByNameAndFailsAsTheProviderDoes) {
     EXPECT_EQ(doubles_.Log().recordsetsClosed, 1);
 }
 
-TEST_F(LateBoundObjects, AConnectionTellsWhatItReaches) {
+TEST_F(AdoObjects, AConnectionTellsWhatItReaches) {
     const auto connection = machine_.CreateConnection();
     EXPECT_EQ(connection->State(), stateClosed);
     const std::string withoutCatalog =
@@ -152,7 +152,7 @@ std::string Outline(const CubeDef& cube) {
     return text;
 }
 
-TEST_F(LateBoundObjects, ACatalogHasTheSameMetadata) {
+TEST_F(AdoObjects, ACatalogHasTheSameMetadata) {
     for (const char* cube : {"LedgerFNC", "LedgerHebrewFNC"}) {
         const auto outline = [&](DataAccess& provider, const std::string& file) {
             const auto catalog = provider.CreateCatalog();
@@ -169,7 +169,7 @@ TEST_F(LateBoundObjects, ACatalogHasTheSameMetadata) {
               "Level1");
 }
 
-TEST_F(LateBoundObjects, ACellsetHasTheSameAxes) {
+TEST_F(AdoObjects, ACellsetHasTheSameAxes) {
     const MemberListing listing{.cubeName = "LedgerFNC",
                                 .kind = ModSetCube::CellsetKind::SummaryGroups,
                                 .argumentA = "All",
@@ -192,7 +192,7 @@ TEST_F(LateBoundObjects, ACellsetHasTheSameAxes) {
     EXPECT_EQ(outline(machine_, ledger), expected);
 }
 
-TEST_F(LateBoundObjects, RefuseConnectionsThatAreNotTheirs) {
+TEST_F(AdoObjects, RefuseConnectionsThatAreNotTheirs) {
     const auto foreign = engine_.CreateConnection();
     EXPECT_EQ(ErrorOf([&] { machine_.CreateCellset()->Open("SELECT FROM x", foreign); }), 3709);
     EXPECT_EQ(ErrorOf([&] { machine_.CreateRecordset()->Open("SELECT FROM x", nullptr, -1, -1, -1); }), 3709);

@@ -8,7 +8,7 @@
 namespace qel {
 
 /// The answer to one statement.
-class LocalCellset : public Cellset {
+class EmbeddedCellset : public Cellset {
 public:
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override;
     void Close() override;

@@ -1,4 +1,4 @@
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 
 #include "engine/EngineError.h"
 #include "platform/value/AutomationError.h"
@@ -15,7 +15,7 @@ using test::ErrorOf;
 using test::TextFor;
 
 /// The cubes of tests/helpers/books behind the ports.
-class LocalDataAccessTest : public testing::Test {
+class EmbeddedDataAccessTest : public testing::Test {
 protected:
     std::shared_ptr<Connection> Connect(const std::string& cube = "BooksFNC") {
         auto connection = dataAccess_.CreateConnection();
@@ -37,7 +37,7 @@ protected:
 
     test::TemporaryFolder folder_;
     std::string cubeFile_ = BuildBooks(folder_.Path("books.cub"));
-    LocalDataAccess dataAccess_;
+    EmbeddedDataAccess dataAccess_;
 };
 
 template <class Work>
@@ -51,7 +51,7 @@ std::string DescriptionOf(const Work& work) {
     return "";
 }
 
-TEST_F(LocalDataAccessTest, AConnectionOpensAndClosesAsAdoDoes) {
+TEST_F(EmbeddedDataAccessTest, AConnectionOpensAndClosesAsAdoDoes) {
     const auto connection = dataAccess_.CreateConnection();
     const auto text = TextFor(cubeFile_, "bookSFNC");
     const auto open = [&] { connection->Open(text, "", "", optionsUnspecified); };
@@ -68,7 +68,7 @@ TEST_F(LocalDataAccessTest, AConnectionOpensAndClosesAsAdoDoes) {
     EXPECT_EQ(connection->State(), stateOpen);
 }
 
-TEST_F(LocalDataAccessTest, AFailedOpeningLeavesTheConnectionClosed) {
+TEST_F(EmbeddedDataAccessTest, AFailedOpeningLeavesTheConnectionClosed) {
     const auto connection = dataAccess_.CreateConnection();
     const auto open = [&](const std::string& text) { connection->Open(text, "", "", optionsUnspecified); };
     const auto unknown = DescriptionOf([&] { open(TextFor(cubeFile_, "Nope")); });
@@ -82,7 +82,7 @@ TEST_F(LocalDataAccessTest, AFailedOpeningLeavesTheConnectionClosed) {
     EXPECT_EQ(connection->State(), stateClosed);
 }
 
-TEST_F(LocalDataAccessTest, AConnectionWithoutACatalogListsTheCubesOfTheFile) {
+TEST_F(EmbeddedDataAccessTest, AConnectionWithoutACatalogListsTheCubesOfTheFile) {
     const auto connection = dataAccess_.CreateConnection();
     EXPECT_EQ(ErrorOf([&] { connection->OpenSchema(schemaCatalogs); }), 3704);
     connection->Open("Provider=MSOLAP;Data Source=" + cubeFile_ +
@@ -103,7 +103,7 @@ TEST_F(LocalDataAccessTest, AConnectionWithoutACatalogListsTheCubesOfTheFile) {
     EXPECT_EQ(Connect("flatfnc")->DefaultDatabase(), "FlatFNC") << "the named cube, as the file writes it";
 }
 
-TEST_F(LocalDataAccessTest, TheCatalogHasTheShapeThatAdomdGives) {
+TEST_F(EmbeddedDataAccessTest, TheCatalogHasTheShapeThatAdomdGives) {
     const auto cube = BooksDefinition();
     EXPECT_EQ(cube->Name(), "BooksFNC");
     ASSERT_EQ(cube->DimensionCount(), 9);
@@ -129,7 +129,7 @@ TEST_F(LocalDataAccessTest, TheCatalogHasTheShapeThatAdomdGives) {
               "4000 Sales [Accounts].[AccountCodes].[All].[4000]");
 }
 
-TEST_F(LocalDataAccessTest, MeasuresAreADimensionWithOneLevel) {
+TEST_F(EmbeddedDataAccessTest, MeasuresAreADimensionWithOneLevel) {
     const auto dimension = BooksDefinition()->DimensionNamed("measures");
     ASSERT_EQ(dimension->HierarchyCount(), 1);
     const auto hierarchy = dimension->HierarchyAt(0);
@@ -141,7 +141,7 @@ TEST_F(LocalDataAccessTest, MeasuresAreADimensionWithOneLevel) {
     EXPECT_EQ(level->MembersNamed("AMOUNT").size(), 1U);
 }
 
-TEST_F(LocalDataAccessTest, MembersOfOneNameComeFromTheLevelAloneInOrder) {
+TEST_F(EmbeddedDataAccessTest, MembersOfOneNameComeFromTheLevelAloneInOrder) {
     const auto hierarchy = BooksDefinition()->DimensionNamed("OBS")->HierarchyAt(0);
     const auto found = hierarchy->LevelNamed("Level2")->MembersNamed("MAIN");
     ASSERT_EQ(found.size(), 2U);
@@ -151,7 +151,7 @@ TEST_F(LocalDataAccessTest, MembersOfOneNameComeFromTheLevelAloneInOrder) {
     EXPECT_EQ(hierarchy->LevelNamed("Level2")->MembersNamed("say \"]\" & GO").size(), 1U);
 }
 
-TEST_F(LocalDataAccessTest, WhatTheMetadataLacksIsAnError) {
+TEST_F(EmbeddedDataAccessTest, WhatTheMetadataLacksIsAnError) {
     const auto cube = BooksDefinition();
     const auto hierarchy = cube->DimensionNamed("OBS")->HierarchyAt(0);
     EXPECT_EQ(ErrorOf([&] { cube->DimensionNamed("Nope"); }), 3265);
@@ -162,7 +162,7 @@ TEST_F(LocalDataAccessTest, WhatTheMetadataLacksIsAnError) {
     EXPECT_EQ(ErrorOf([&] { dataAccess_.CreateCatalog()->CubeAt(0); }), 3709);
 }
 
-TEST_F(LocalDataAccessTest, ACellsetGivesMembersAndCells) {
+TEST_F(EmbeddedDataAccessTest, ACellsetGivesMembersAndCells) {
     const auto cellset = Run("SELECT {[Measures].[Amount],[Measures].[Lines]} ON COLUMNS, "
                              "{[Accounts].[AccountCodes].[5100],[Accounts].[AccountCodes].[4000]} ON ROWS "
                              "FROM BooksFNC WHERE ([Cost_Centers].[All].[300])");
@@ -186,7 +186,7 @@ TEST_F(LocalDataAccessTest, ACellsetGivesMembersAndCells) {
     EXPECT_EQ(ErrorOf([&] { cellset->Close(); }), 3704);
 }
 
-TEST_F(LocalDataAccessTest, AStatementsFaultKeepsTheEnginesNumberAndText) {
+TEST_F(EmbeddedDataAccessTest, AStatementsFaultKeepsTheEnginesNumberAndText) {
     const auto number = [&](const std::string& statement) { return ErrorOf([&] { Run(statement); }); };
     EXPECT_EQ(number("SELECT {[Firma].[99]} ON 0 FROM BooksFNC"),
               static_cast<std::int32_t>(engine::ErrorKind::UnknownMember));
@@ -198,10 +198,10 @@ TEST_F(LocalDataAccessTest, AStatementsFaultKeepsTheEnginesNumberAndText) {
     EXPECT_EQ(ErrorOf([&] { cellset->Open("SELECT FROM BooksFNC", dataAccess_.CreateConnection()); }), 3709);
 }
 
-TEST_F(LocalDataAccessTest, ObjectsOutliveWhatTheyCameFrom) {
+TEST_F(EmbeddedDataAccessTest, ObjectsOutliveWhatTheyCameFrom) {
     std::unique_ptr<Member> member;
     {
-        LocalDataAccess own;
+        EmbeddedDataAccess own;
         const auto catalog = own.CreateCatalog();
         catalog->SetActiveConnection(Connect());
         member = catalog->CubeAt(0)->DimensionNamed("Firma")->HierarchyAt(0)->LevelAt(1)->MemberAt(1);

@@ -1,4 +1,4 @@
-#include "platform/data/embedded/LocalDimension.h"
+#include "platform/data/embedded/EmbeddedDimension.h"
 
 #include "platform/data/embedded/ProviderErrors.h"
 
@@ -16,9 +16,9 @@ std::size_t CheckedIndex(std::int32_t index, std::size_t count) {
     return static_cast<std::size_t>(index);
 }
 
-class LocalMember : public Member {
+class EmbeddedMember : public Member {
 public:
-    LocalMember(CubePointer cube, std::size_t hierarchy, engine::MemberId member)
+    EmbeddedMember(CubePointer cube, std::size_t hierarchy, engine::MemberId member)
         : cube_(std::move(cube)), hierarchy_(hierarchy), member_(member) {}
 
     std::string Name() const override { return std::string(Stored().MemberName(member_)); }
@@ -29,7 +29,7 @@ public:
         const auto parent = Stored().Parent(member_);
         if (parent == engine::noMember)
             return nullptr;
-        return std::make_unique<LocalMember>(cube_, hierarchy_, parent);
+        return std::make_unique<EmbeddedMember>(cube_, hierarchy_, parent);
     }
 
 private:
@@ -40,9 +40,9 @@ private:
     engine::MemberId member_;
 };
 
-class LocalLevel : public Level {
+class EmbeddedLevel : public Level {
 public:
-    LocalLevel(CubePointer cube, std::size_t hierarchy, std::size_t level)
+    EmbeddedLevel(CubePointer cube, std::size_t hierarchy, std::size_t level)
         : cube_(std::move(cube)), hierarchy_(hierarchy), level_(level) {}
 
     std::string Name() const override { return Stored().name; }
@@ -52,7 +52,7 @@ public:
     std::unique_ptr<Member> MemberAt(std::int32_t index) const override {
         const auto members = Stored().members;
         const auto offset = static_cast<engine::MemberId>(CheckedIndex(index, members.Count()));
-        return std::make_unique<LocalMember>(cube_, hierarchy_, members.first + offset);
+        return std::make_unique<EmbeddedMember>(cube_, hierarchy_, members.first + offset);
     }
 
     std::vector<std::unique_ptr<Member>> MembersNamed(const std::string& name) const override {
@@ -62,7 +62,7 @@ public:
         std::vector<std::unique_ptr<Member>> result;
         for (const auto member : found)
             if (member >= members.first && member < members.last)
-                result.push_back(std::make_unique<LocalMember>(cube_, hierarchy_, member));
+                result.push_back(std::make_unique<EmbeddedMember>(cube_, hierarchy_, member));
         return result;
     }
 
@@ -74,9 +74,10 @@ private:
     std::size_t level_;
 };
 
-class LocalHierarchy : public Hierarchy {
+class EmbeddedHierarchy : public Hierarchy {
 public:
-    LocalHierarchy(CubePointer cube, std::size_t hierarchy) : cube_(std::move(cube)), hierarchy_(hierarchy) {}
+    EmbeddedHierarchy(CubePointer cube, std::size_t hierarchy)
+        : cube_(std::move(cube)), hierarchy_(hierarchy) {}
 
     std::string Name() const override { return Stored().Name(); }
     std::string Caption() const override { return Stored().Caption(); }
@@ -84,7 +85,8 @@ public:
     std::int32_t LevelCount() const override { return static_cast<std::int32_t>(Stored().Levels().size()); }
 
     std::unique_ptr<Level> LevelAt(std::int32_t index) const override {
-        return std::make_unique<LocalLevel>(cube_, hierarchy_, CheckedIndex(index, Stored().Levels().size()));
+        return std::make_unique<EmbeddedLevel>(cube_, hierarchy_,
+                                               CheckedIndex(index, Stored().Levels().size()));
     }
 
     std::unique_ptr<Level> LevelNamed(const std::string& name) const override {
@@ -92,7 +94,7 @@ public:
         if (!found)
             throw ProviderError(errorItemNotFound,
                                 fmt::format("The hierarchy {} has no level '{}'.", UniqueName(), name));
-        return std::make_unique<LocalLevel>(cube_, hierarchy_, *found);
+        return std::make_unique<EmbeddedLevel>(cube_, hierarchy_, *found);
     }
 
 private:
@@ -102,9 +104,10 @@ private:
     std::size_t hierarchy_;
 };
 
-class LocalDimension : public Dimension {
+class EmbeddedDimension : public Dimension {
 public:
-    LocalDimension(CubePointer cube, std::size_t dimension) : cube_(std::move(cube)), dimension_(dimension) {}
+    EmbeddedDimension(CubePointer cube, std::size_t dimension)
+        : cube_(std::move(cube)), dimension_(dimension) {}
 
     std::string Name() const override { return Stored().name; }
     std::string Caption() const override { return Stored().caption; }
@@ -115,7 +118,8 @@ public:
 
     std::unique_ptr<Hierarchy> HierarchyAt(std::int32_t index) const override {
         const auto& hierarchies = Stored().hierarchies;
-        return std::make_unique<LocalHierarchy>(cube_, hierarchies[CheckedIndex(index, hierarchies.size())]);
+        return std::make_unique<EmbeddedHierarchy>(cube_,
+                                                   hierarchies[CheckedIndex(index, hierarchies.size())]);
     }
 
 private:
@@ -129,7 +133,7 @@ private:
 
 std::unique_ptr<Dimension> MakeLocalDimension(std::shared_ptr<const engine::Cube> cube,
                                               std::size_t dimension) {
-    return std::make_unique<LocalDimension>(std::move(cube), dimension);
+    return std::make_unique<EmbeddedDimension>(std::move(cube), dimension);
 }
 
 } // namespace qel

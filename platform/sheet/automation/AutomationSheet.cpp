@@ -1,4 +1,4 @@
-#include "platform/sheet/automation/LateBoundSheet.h"
+#include "platform/sheet/automation/AutomationSheet.h"
 
 #include "platform/windows/DispatchObject.h"
 #include "platform/windows/SafeArrayConversion.h"
@@ -8,11 +8,11 @@ namespace qel::windows {
 
 namespace {
 
-class LateBoundApplication;
+class AutomationApplication;
 
-class LateBoundRange : public SheetRange {
+class AutomationRange : public SheetRange {
 public:
-    explicit LateBoundRange(DispatchObject range) : range_(std::move(range)) {}
+    explicit AutomationRange(DispatchObject range) : range_(std::move(range)) {}
 
     const DispatchObject& Object() const { return range_; }
 
@@ -20,7 +20,7 @@ public:
     std::int32_t Row() const override { return range_.Number(L"Row"); }
     std::int32_t Column() const override { return range_.Number(L"Column"); }
     std::shared_ptr<SheetRange> Offset(std::int32_t rows, std::int32_t columns) const override {
-        return std::make_shared<LateBoundRange>(range_.Child(L"Offset", ArgumentList(rows, columns)));
+        return std::make_shared<AutomationRange>(range_.Child(L"Offset", ArgumentList(rows, columns)));
     }
     Variant Value() const override { return FromAutomation(range_.Property(L"Value").Get()); }
     void SetNumberFormat(const std::string& format) override {
@@ -36,35 +36,35 @@ private:
     DispatchObject range_;
 };
 
-class LateBoundApplication : public SheetApplication {
+class AutomationApplication : public SheetApplication {
 public:
-    explicit LateBoundApplication(DispatchObject application) : application_(std::move(application)) {}
+    explicit AutomationApplication(DispatchObject application) : application_(std::move(application)) {}
 
     std::shared_ptr<SheetRange> ActiveCell() const override {
-        return std::make_shared<LateBoundRange>(application_.Child(L"ActiveCell"));
+        return std::make_shared<AutomationRange>(application_.Child(L"ActiveCell"));
     }
     std::shared_ptr<SheetRange> Cells(std::int32_t row, std::int32_t column) const override {
-        return std::make_shared<LateBoundRange>(application_.Child(L"Cells", ArgumentList(row, column)));
+        return std::make_shared<AutomationRange>(application_.Child(L"Cells", ArgumentList(row, column)));
     }
     std::shared_ptr<SheetRange> Range(const SheetRange& first, const SheetRange& last) const override {
         // Every range of this application is of this class.
-        const auto& from = dynamic_cast<const LateBoundRange&>(first).Object();
-        const auto& to = dynamic_cast<const LateBoundRange&>(last).Object();
-        return std::make_shared<LateBoundRange>(application_.Child(L"Range", ArgumentList(from, to)));
+        const auto& from = dynamic_cast<const AutomationRange&>(first).Object();
+        const auto& to = dynamic_cast<const AutomationRange&>(last).Object();
+        return std::make_shared<AutomationRange>(application_.Child(L"Range", ArgumentList(from, to)));
     }
 
 private:
     DispatchObject application_;
 };
 
-std::shared_ptr<SheetApplication> LateBoundRange::Application() const {
-    return std::make_shared<LateBoundApplication>(range_.Child(L"Application"));
+std::shared_ptr<SheetApplication> AutomationRange::Application() const {
+    return std::make_shared<AutomationApplication>(range_.Child(L"Application"));
 }
 
 } // namespace
 
 std::shared_ptr<SheetRange> SheetRangeOf(IDispatch* cell) {
-    return std::make_shared<LateBoundRange>(DispatchObject(ComPointer<IDispatch>(cell), "Range"));
+    return std::make_shared<AutomationRange>(DispatchObject(ComPointer<IDispatch>(cell), "Range"));
 }
 
 } // namespace qel::windows

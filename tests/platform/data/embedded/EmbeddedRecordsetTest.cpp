@@ -1,4 +1,4 @@
-#include "platform/data/embedded/LocalDataAccess.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/data/embedded/ProviderErrors.h"
 #include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
@@ -14,7 +14,7 @@ namespace {
 
 using test::ErrorOf;
 
-class LocalRecordsetTest : public testing::Test {
+class EmbeddedRecordsetTest : public testing::Test {
 protected:
     std::unique_ptr<Recordset> Run(const std::string& statement) {
         auto connection = dataAccess_.CreateConnection();
@@ -40,7 +40,7 @@ protected:
 
     test::TemporaryFolder folder_;
     std::string cubeFile_ = test::BuildBooks(folder_.Path("books.cub"));
-    LocalDataAccess dataAccess_;
+    EmbeddedDataAccess dataAccess_;
 };
 
 struct TableCase {
@@ -84,12 +84,12 @@ const TableCase tableCases[] = {
      "[Measures].[Amount]"},
 };
 
-TEST_F(LocalRecordsetTest, FlattensTheAnswer) {
+TEST_F(EmbeddedRecordsetTest, FlattensTheAnswer) {
     for (const auto& c : tableCases)
         EXPECT_EQ(Table(c.statement), c.table) << c.what;
 }
 
-TEST_F(LocalRecordsetTest, StandsOnRowsAsAdoDoes) {
+TEST_F(EmbeddedRecordsetTest, StandsOnRowsAsAdoDoes) {
     const auto rows = Run("SELECT {[Measures]} ON COLUMNS, {[Firma].[Firma].Members} ON ROWS FROM BooksFNC");
     EXPECT_TRUE(rows->FieldValue(0).Is<Null>()) << "the member of all";
     rows->MoveNext();
@@ -111,7 +111,7 @@ TEST_F(LocalRecordsetTest, StandsOnRowsAsAdoDoes) {
               0);
 }
 
-TEST_F(LocalRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
+TEST_F(EmbeddedRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
     auto connection = dataAccess_.CreateConnection();
     connection->Open(test::TextFor(cubeFile_, "BooksFNC"), "", "", optionsUnspecified);
     const std::string statement = "SELECT {[Measures]} ON COLUMNS, {[Firma].[20]} ON ROWS FROM BooksFNC";

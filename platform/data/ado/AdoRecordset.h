@@ -6,11 +6,11 @@
 namespace qel::windows {
 
 /// ADODB.Recordset.
-class LateBoundRecordset : public Recordset {
+class AdoRecordset : public Recordset {
 public:
-    LateBoundRecordset() : recordset_(DispatchObject::Create(L"ADODB.Recordset")) {}
+    AdoRecordset() : recordset_(DispatchObject::Create(L"ADODB.Recordset")) {}
     /// One that the provider opened itself.
-    explicit LateBoundRecordset(DispatchObject recordset) : recordset_(std::move(recordset)) {}
+    explicit AdoRecordset(DispatchObject recordset) : recordset_(std::move(recordset)) {}
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
               int lockType, int options) override;

@@ -1,6 +1,6 @@
-#include "platform/data/ado/LateBoundCellset.h"
+#include "platform/data/ado/AdoCellset.h"
 
-#include "platform/data/ado/LateBoundConnection.h"
+#include "platform/data/ado/AdoConnection.h"
 #include "platform/windows/VariantConversion.h"
 
 namespace qel::windows {
@@ -16,29 +16,27 @@ std::optional<std::string> TextUnlessNull(const DispatchObject& object, const wc
 
 } // namespace
 
-void LateBoundCellset::Open(const std::string& source, const std::shared_ptr<Connection>& connection) {
-    cellset_.Call(L"Open", ArgumentList(source, LateBoundConnection::ObjectOf(connection)));
+void AdoCellset::Open(const std::string& source, const std::shared_ptr<Connection>& connection) {
+    cellset_.Call(L"Open", ArgumentList(source, AdoConnection::ObjectOf(connection)));
 }
 
-DispatchObject LateBoundCellset::Positions(std::int32_t axis) const {
+DispatchObject AdoCellset::Positions(std::int32_t axis) const {
     return cellset_.Child(L"Axes").Child(L"Item", ArgumentList(axis)).Child(L"Positions");
 }
 
-DispatchObject LateBoundCellset::Members(std::int32_t axis, std::int32_t position) const {
+DispatchObject AdoCellset::Members(std::int32_t axis, std::int32_t position) const {
     return Positions(axis).Child(L"Item", ArgumentList(position)).Child(L"Members");
 }
 
-std::int32_t LateBoundCellset::AxisCount() const { return cellset_.Child(L"Axes").Number(L"Count"); }
+std::int32_t AdoCellset::AxisCount() const { return cellset_.Child(L"Axes").Number(L"Count"); }
 
-std::int32_t LateBoundCellset::PositionCount(std::int32_t axis) const {
-    return Positions(axis).Number(L"Count");
-}
+std::int32_t AdoCellset::PositionCount(std::int32_t axis) const { return Positions(axis).Number(L"Count"); }
 
-std::int32_t LateBoundCellset::MemberCount(std::int32_t axis, std::int32_t position) const {
+std::int32_t AdoCellset::MemberCount(std::int32_t axis, std::int32_t position) const {
     return Members(axis, position).Number(L"Count");
 }
 
-CellsetMember LateBoundCellset::MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const {
+CellsetMember AdoCellset::MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const {
     const DispatchObject member = Members(axis, position).Child(L"Item", ArgumentList(index));
     return {.name = member.Text(L"Name"),
             .uniqueName = member.Text(L"UniqueName"),
@@ -47,7 +45,7 @@ CellsetMember LateBoundCellset::MemberAt(std::int32_t axis, std::int32_t positio
             .levelDepth = member.Number(L"LevelDepth")};
 }
 
-Variant LateBoundCellset::Value(const std::vector<std::int32_t>& positions) const {
+Variant AdoCellset::Value(const std::vector<std::int32_t>& positions) const {
     CallArguments arguments;
     for (const std::int32_t position : positions)
         arguments.push_back(ToArgument(position));

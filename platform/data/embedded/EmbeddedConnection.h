@@ -16,9 +16,9 @@ class OpenCubeFiles;
 std::shared_ptr<const engine::Cube> OpenCube(OpenCubeFiles& files, const std::string& connectionString);
 
 /// A connection to one cube of a cube file, which is a catalog of its own.
-class LocalConnection : public Connection {
+class EmbeddedConnection : public Connection {
 public:
-    explicit LocalConnection(std::shared_ptr<OpenCubeFiles> files) : files_(std::move(files)) {}
+    explicit EmbeddedConnection(std::shared_ptr<OpenCubeFiles> files) : files_(std::move(files)) {}
 
     void Open(const std::string& connectionString, const std::string& user, const std::string& password,
               int options) override;
@@ -36,7 +36,7 @@ public:
     static engine::Cellset Run(const std::shared_ptr<Connection>& connection, const std::string& statement);
 
 private:
-    static const LocalConnection& OpenOne(const std::shared_ptr<Connection>& connection);
+    static const EmbeddedConnection& OpenOne(const std::shared_ptr<Connection>& connection);
 
     std::shared_ptr<OpenCubeFiles> files_;
     std::string connectionString_;
