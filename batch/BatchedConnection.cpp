@@ -64,8 +64,9 @@ int BatchedConnection::State() const {
 }
 
 const std::shared_ptr<Connection>& BatchedConnection::RealOpened() {
-    if (isOpened_ && real_->State() != stateOpen)
+    if (isOpened_ && real_->State() != stateOpen) {
         real_->Open(connectionText_, "", "", optionsUnspecified);
+    }
     return real_;
 }
 

@@ -31,11 +31,14 @@ bool NamesMember(const std::string& piece) { return piece.ends_with(']'); }
 
 std::vector<Slot> SlotsOf(const ValueStatementParts& parts) {
     std::vector<Slot> slots;
-    if (!parts.summaryGroup.empty())
+    if (!parts.summaryGroup.empty()) {
         slots.push_back({std::string(summaryHierarchy) + parts.summaryGroup, std::nullopt});
-    for (std::size_t i = 0; i < parts.slicer.size(); ++i)
-        if (NamesMember(parts.slicer[i]))
+    }
+    for (std::size_t i = 0; i < parts.slicer.size(); ++i) {
+        if (NamesMember(parts.slicer[i])) {
             slots.push_back({parts.slicer[i], i});
+        }
+    }
     return slots;
 }
 
@@ -44,8 +47,9 @@ std::vector<std::string> SlicerWithout(const ValueStatementParts& parts, const S
     std::vector<std::string> slicer = parts.slicer;
     if (slot.piece) {
         slicer.erase(slicer.begin() + static_cast<std::ptrdiff_t>(*slot.piece));
-        if (!parts.summaryGroup.empty())
+        if (!parts.summaryGroup.empty()) {
             slicer.push_back(std::string(summaryHierarchy) + parts.summaryGroup);
+        }
     }
     return slicer;
 }
@@ -60,8 +64,9 @@ struct Family {
 std::string FamilyKey(const ValueStatementParts& parts, const std::string& dimension,
                       const std::vector<std::string>& slicer) {
     std::string key = parts.cubeName + '\n' + parts.obsSel + '\n' + parts.measure + '\n' + dimension;
-    for (const auto& piece : slicer)
+    for (const auto& piece : slicer) {
         key += '\n' + piece;
+    }
     return key;
 }
 
@@ -78,18 +83,21 @@ public:
         for (const auto& [statement, row] : family.members) {
             const bool isNew = rows.find(row) == rows.end();
             rows[row].emplace(PeriodsSummed{parts[statement]->periods, parts[statement]->last}, statement);
-            if (isNew)
+            if (isNew) {
                 order.push_back(row);
+            }
         }
         std::map<std::vector<PeriodsSummed>, std::vector<std::string>> rowsBySpans;
         for (const auto& row : order) {
             std::vector<PeriodsSummed> spans;
-            for (const auto& cell : rows[row])
+            for (const auto& cell : rows[row]) {
                 spans.push_back(cell.first);
+            }
             rowsBySpans[spans].push_back(row);
         }
-        for (const auto& [spans, sameRows] : rowsBySpans)
+        for (const auto& [spans, sameRows] : rowsBySpans) {
             Cut(spans, sameRows, rows);
+        }
     }
 
     std::vector<ValueGrid> grids;
@@ -108,8 +116,9 @@ private:
                 for (std::size_t i = first; i < last; ++i) {
                     grid.rows.push_back(names[i]);
                     auto& cells = grid.statements.emplace_back();
-                    for (const auto& span : grid.spans)
+                    for (const auto& span : grid.spans) {
                         cells.push_back(rows.at(names[i]).at(span));
+                    }
                 }
                 grids.push_back(std::move(grid));
             }
@@ -122,8 +131,9 @@ private:
 std::vector<Family> FamiliesBySize(const std::vector<std::optional<ValueStatementParts>>& parts) {
     std::map<std::string, Family> byKey;
     for (std::size_t i = 0; i < parts.size(); ++i) {
-        if (!parts[i])
+        if (!parts[i]) {
             continue;
+        }
         for (const Slot& slot : SlotsOf(*parts[i])) {
             auto slicer = SlicerWithout(*parts[i], slot);
             auto& family = byKey[FamilyKey(*parts[i], DimensionOf(slot.member), slicer)];
@@ -136,8 +146,9 @@ std::vector<Family> FamiliesBySize(const std::vector<std::optional<ValueStatemen
     }
     std::vector<Family> families;
     families.reserve(byKey.size());
-    for (auto& entry : byKey)
+    for (auto& entry : byKey) {
         families.push_back(std::move(entry.second));
+    }
     std::stable_sort(families.begin(), families.end(), [](const Family& left, const Family& right) {
         return left.members.size() > right.members.size();
     });
@@ -168,26 +179,33 @@ std::string ComposeGridStatement(const ValueGrid& grid) {
 GridPlan PlanGrids(const std::vector<std::string>& statements) {
     std::vector<std::optional<ValueStatementParts>> parts;
     parts.reserve(statements.size());
-    for (const auto& statement : statements)
+    for (const auto& statement : statements) {
         parts.push_back(ReadValueStatement(statement));
+    }
     GridPlan plan;
     std::vector<bool> isPlaced(statements.size(), false);
     for (Family& family : FamiliesBySize(parts)) {
         std::erase_if(family.members, [&](const auto& member) { return isPlaced[member.first]; });
-        if (family.members.size() < 2)
+        if (family.members.size() < 2) {
             continue;
+        }
         for (auto& grid : FamilyGrids(family, parts).grids) {
-            if (grid.rows.size() * grid.spans.size() < 2)
+            if (grid.rows.size() * grid.spans.size() < 2) {
                 continue;
-            for (const auto& row : grid.statements)
-                for (const std::size_t statement : row)
+            }
+            for (const auto& row : grid.statements) {
+                for (const std::size_t statement : row) {
                     isPlaced[statement] = true;
+                }
+            }
             plan.grids.push_back(std::move(grid));
         }
     }
-    for (std::size_t i = 0; i < statements.size(); ++i)
-        if (!isPlaced[i])
+    for (std::size_t i = 0; i < statements.size(); ++i) {
+        if (!isPlaced[i]) {
             plan.alone.push_back(i);
+        }
+    }
     return plan;
 }
 

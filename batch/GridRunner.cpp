@@ -27,11 +27,13 @@ std::unordered_map<std::string, Outcome> GridRunner::Run(GridPlan plan) {
     grids_.assign(std::make_move_iterator(plan.grids.begin()), std::make_move_iterator(plan.grids.end()));
     alone_.assign(plan.alone.begin(), plan.alone.end());
     std::vector<std::thread> threads;
-    for (std::size_t i = 1; i < std::min(requestsAtOnce, grids_.size() + alone_.size()); ++i)
+    for (std::size_t i = 1; i < std::min(requestsAtOnce, grids_.size() + alone_.size()); ++i) {
         threads.emplace_back([this] { Work(); });
+    }
     Work();
-    for (auto& thread : threads)
+    for (auto& thread : threads) {
         thread.join();
+    }
     // What was halved by a thread after others had run out of work.
     Work();
     return std::move(outcomes_);
@@ -59,10 +61,12 @@ void GridRunner::Work() {
 void GridRunner::RunGrid(ValueGrid grid) {
     try {
         WithCellset(provider_, connection_, ComposeGridStatement(grid), [&](const Cellset& cellset) {
-            for (std::size_t row = 0; row < grid.rows.size(); ++row)
-                for (std::size_t column = 0; column < grid.spans.size(); ++column)
+            for (std::size_t row = 0; row < grid.rows.size(); ++row) {
+                for (std::size_t column = 0; column < grid.spans.size(); ++column) {
                     Keep(grid.statements[row][column],
                          cellset.Value({static_cast<std::int32_t>(column), static_cast<std::int32_t>(row)}));
+                }
+            }
         });
     } catch (const AutomationError&) {
         Halve(grid);
@@ -71,8 +75,9 @@ void GridRunner::RunGrid(ValueGrid grid) {
 
 /// One row alone is not asked again: each of its statements then tells its own error.
 void GridRunner::Halve(const ValueGrid& grid) {
-    if (grid.rows.size() < 2 || ++failedGrids_ > mostFailedGrids)
+    if (grid.rows.size() < 2 || ++failedGrids_ > mostFailedGrids) {
         return;
+    }
     const auto middle = static_cast<std::ptrdiff_t>(grid.rows.size() / 2);
     ValueGrid upper = grid, lower = grid;
     upper.rows.erase(upper.rows.begin() + middle, upper.rows.end());
@@ -90,8 +95,9 @@ void GridRunner::RunAlone(std::size_t statement) {
             Keep(statement, cellset.Value({0, 0}));
         });
     } catch (const AutomationError& error) {
-        if (connection_->State() == stateOpen) // otherwise it says nothing about the statement
+        if (connection_->State() == stateOpen) { // otherwise it says nothing about the statement
             Keep(statement, error);
+        }
     }
 }
 

@@ -20,15 +20,17 @@ public:
             throw AutomationError(ErrorNumber::InvalidProcedureCall, "The statement is collected, not run.");
         }
         outcome_ = batch_.Find(source, connection->ConnectionString());
-        if (!outcome_)
+        if (!outcome_) {
             Real();
-        else if (const auto* error = std::get_if<AutomationError>(outcome_))
+        } else if (const auto* error = std::get_if<AutomationError>(outcome_)) {
             throw AutomationError(*error);
+        }
     }
 
     void Close() override {
-        if (real_)
+        if (real_) {
             real_->Close();
+        }
         real_.reset();
         outcome_ = nullptr;
     }
@@ -84,14 +86,16 @@ bool StatementBatch::HasAnswers(const std::string& connectionText) const {
 
 void StatementBatch::Collect(const std::string& statement, const std::string& connectionText) {
     auto& answers = byConnection_[connectionText];
-    if (ReadValueStatement(statement) && answers.collected.insert(statement).second)
+    if (ReadValueStatement(statement) && answers.collected.insert(statement).second) {
         answers.statements.push_back(statement);
+    }
 }
 
 const Outcome* StatementBatch::Find(const std::string& statement, const std::string& connectionText) const {
     const auto answers = byConnection_.find(connectionText);
-    if (answers == byConnection_.end())
+    if (answers == byConnection_.end()) {
         return nullptr;
+    }
     const auto found = answers->second.outcomes.find(statement);
     return found == answers->second.outcomes.end() ? nullptr : &found->second;
 }
@@ -109,8 +113,9 @@ BatchTotals StatementBatch::Run() {
 }
 
 BatchTotals StatementBatch::Run(const std::string& connectionText, Answers& answers) {
-    if (answers.statements.empty())
+    if (answers.statements.empty()) {
         return {};
+    }
     GridPlan plan = PlanGrids(answers.statements);
     const BatchTotals totals{answers.statements.size(), plan.grids.size(), plan.alone.size()};
     try {

@@ -18,12 +18,14 @@ constexpr std::string_view closing = ")";
 std::size_t FindOutsideBrackets(std::string_view text, std::string_view what) {
     bool inBrackets = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        if (!inBrackets && text.substr(i, what.size()) == what)
+        if (!inBrackets && text.substr(i, what.size()) == what) {
             return i;
-        if (text[i] == '[')
+        }
+        if (text[i] == '[') {
             inBrackets = true;
-        else if (text[i] == ']')
+        } else if (text[i] == ']') {
             inBrackets = false; // a doubled one closes and opens nothing: the next one closes again
+        }
     }
     return std::string_view::npos;
 }
@@ -32,8 +34,9 @@ std::size_t FindOutsideBrackets(std::string_view text, std::string_view what) {
 /// behind.
 std::optional<std::string> TakeUntil(std::string_view& text, std::string_view end) {
     const std::size_t place = FindOutsideBrackets(text, end);
-    if (place == std::string_view::npos)
+    if (place == std::string_view::npos) {
         return std::nullopt;
+    }
     std::string taken(text.substr(0, place));
     text.remove_prefix(place + end.size());
     return taken;
@@ -44,8 +47,9 @@ std::string Join(const ValueStatementParts& parts) {
                        std::string(endOfLast) + std::string(startOfMeasure) + parts.measure +
                        std::string(endOfMeasure) + parts.obsSel + std::string(select) + parts.summaryGroup +
                        std::string(from) + parts.cubeName;
-    for (std::size_t i = 0; i < parts.slicer.size(); ++i)
+    for (std::size_t i = 0; i < parts.slicer.size(); ++i) {
         text += std::string(i == 0 ? where : ",") + parts.slicer[i];
+    }
     return parts.slicer.empty() ? text : text + std::string(closing);
 }
 
@@ -53,29 +57,34 @@ std::string Join(const ValueStatementParts& parts) {
 
 std::optional<ValueStatementParts> ReadValueStatement(std::string_view statement) {
     std::string_view rest = statement;
-    if (!rest.starts_with(opening))
+    if (!rest.starts_with(opening)) {
         return std::nullopt;
+    }
     rest.remove_prefix(opening.size());
     const auto periods = TakeUntil(rest, endOfPeriods);
     const auto last = periods ? TakeUntil(rest, endOfLast) : std::nullopt;
     // A measure's name ends at the first text that ends it: with that text in the name, the parts do not fit.
     const auto measureEnd = rest.find(endOfMeasure);
-    if (!last || !rest.starts_with(startOfMeasure) || measureEnd == std::string_view::npos)
+    if (!last || !rest.starts_with(startOfMeasure) || measureEnd == std::string_view::npos) {
         return std::nullopt;
+    }
     const std::string measure(rest.substr(startOfMeasure.size(), measureEnd - startOfMeasure.size()));
     rest.remove_prefix(measureEnd + endOfMeasure.size());
     const auto obsSel = TakeUntil(rest, select);
     const auto group = obsSel ? TakeUntil(rest, from) : std::nullopt;
     const auto cubeName = group ? TakeUntil(rest, where) : std::nullopt;
-    if (!cubeName || !rest.ends_with(closing))
+    if (!cubeName || !rest.ends_with(closing)) {
         return std::nullopt;
+    }
     rest.remove_suffix(closing.size());
     ValueStatementParts parts{*periods, *last, measure, *obsSel, *group, *cubeName, {}};
-    while (const auto piece = TakeUntil(rest, ","))
+    while (const auto piece = TakeUntil(rest, ",")) {
         parts.slicer.push_back(*piece);
+    }
     parts.slicer.emplace_back(rest);
-    if (Join(parts) != statement)
+    if (Join(parts) != statement) {
         return std::nullopt;
+    }
     return parts;
 }
 

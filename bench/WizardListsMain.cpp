@@ -21,8 +21,9 @@ const char* const givenNames[] = {"Arava", "Negev", "כרמל", "Galil", "שרו
 /// A book of that many accounts, a line each, beside the other tables of the tests' odd cube.
 std::string BuildWideBook(const std::filesystem::path& folder, int accounts) {
     const std::filesystem::path source = std::filesystem::path(QEL_SOURCE_DIR) / "tests/wizard/odd";
-    for (const char* file : {"odd.json", "obs.csv"})
+    for (const char* file : {"odd.json", "obs.csv"}) {
         std::filesystem::copy_file(source / file, folder / file);
+    }
     std::ofstream accountTable(folder / "accounts.csv");
     std::ofstream ledger(folder / "ledger.csv");
     accountTable << "code,name,group,group_name\n";
@@ -63,9 +64,10 @@ void TimeTheWizard(WizardBench& bench, const std::string& cubeFile) {
         Timed("open the list of accounts for the first time",
               [&] { return dialog.Rows(ListAccount).RowCount(); });
         Timed("type the first letter", [&] { return dialog.Rows(ListAccount).Matching("g").size(); });
-        for (const char* typed : {"gol", "golan 31", "כרמ", "1499", "149999", "no such account"})
+        for (const char* typed : {"gol", "golan 31", "כרמ", "1499", "149999", "no such account"}) {
             Timed(fmt::format("type '{}'", typed),
                   [&] { return dialog.Rows(ListAccount).Matching(typed).size(); });
+        }
         dialog.Find(ListAccount, "Golan 31");
         Timed("calculate", [&] {
             dialog.Press(Command1);
@@ -95,11 +97,13 @@ int main(int argc, char** argv) {
     try {
         WizardBench bench;
         const std::string cube = BuildWideBook(bench.folder.Path(), accounts);
-        if (!keptCube.empty())
+        if (!keptCube.empty()) {
             std::filesystem::copy_file(cube, keptCube, std::filesystem::copy_options::overwrite_existing);
+        }
         TimeTheWizard(bench, cube);
-        for (const std::string& message : bench.TakeMessages())
+        for (const std::string& message : bench.TakeMessages()) {
             fmt::print(stderr, "{}\n", message);
+        }
         return bench.sheet.log.empty() ? 1 : 0;
     } catch (const std::exception& error) {
         fmt::print(stderr, "qel-wizard-bench: {}\n", error.what());

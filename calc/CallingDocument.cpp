@@ -20,8 +20,9 @@ std::filesystem::path FolderOf(const DocumentReference& document) {
     const uno::Reference<frame::XModel> model(document, uno::UNO_QUERY);
     rtl::OUString path;
     if (!model.is() ||
-        osl::FileBase::getSystemPathFromFileURL(model->getURL(), path) != osl::FileBase::E_None)
+        osl::FileBase::getSystemPathFromFileURL(model->getURL(), path) != osl::FileBase::E_None) {
         return {};
+    }
     return PathFromSetting(FromOffice(path)).parent_path();
 }
 
@@ -30,12 +31,14 @@ std::filesystem::path FolderOf(const DocumentReference& document) {
 std::string CubePathFrom(const DocumentReference& document, const std::string& cubeFile) {
     std::string text(Trimmed(cubeFile));
     const std::filesystem::path path = PathFromSetting(text);
-    if (path.empty() || path.is_absolute())
+    if (path.empty() || path.is_absolute()) {
         return text;
+    }
     const std::filesystem::path folder = FolderOf(document);
     std::error_code failed;
-    if (folder.empty() || !std::filesystem::is_regular_file(folder / path, failed))
+    if (folder.empty() || !std::filesystem::is_regular_file(folder / path, failed)) {
         return text;
+    }
     return PathToUtf8(folder / path);
 }
 

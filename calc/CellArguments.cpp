@@ -26,8 +26,9 @@ public:
     explicit CellBlock(std::vector<Variant> values) : values_(std::move(values)) {}
 
     void ForEachCell(const std::function<void(const Variant& value)>& visit) const override {
-        for (const Variant& value : values_)
+        for (const Variant& value : values_) {
             visit(value);
+        }
     }
 
 private:
@@ -40,22 +41,27 @@ Variant RangeOf(std::vector<Variant> values) {
 
 /// A number or a text. Raises 13 for a block of cells and for what no cell holds.
 Variant ScalarFromCell(const Any& value) {
-    if (!value.hasValue())
+    if (!value.hasValue()) {
         return ErrorValue{parameterNotFound};
-    if (double number = 0; value >>= number)
+    }
+    if (double number = 0; value >>= number) {
         return number;
-    if (rtl::OUString text; value >>= text)
+    }
+    if (rtl::OUString text; value >>= text) {
         return FromOffice(text);
-    if (bool truth = false; value >>= truth)
+    }
+    if (bool truth = false; value >>= truth) {
         return truth ? 1.0 : 0.0; // as a cell's TRUE arrives
+    }
     throw PlatformError(ErrorNumber::TypeMismatch);
 }
 
 Variant BlockFromCell(const Rows& rows) {
     std::vector<Variant> values;
     for (const auto& row : rows) {
-        for (const Any& value : row)
+        for (const Any& value : row) {
             values.push_back(ScalarFromCell(value));
+        }
     }
     return values.size() == 1 ? Variant::List(std::move(values)) : RangeOf(std::move(values));
 }
@@ -65,11 +71,13 @@ bool IsOmitted(const Variant& value) { return value.Is<ErrorValue>(); }
 } // namespace
 
 Variant KeysFromCell(const Any& argument) {
-    if (Rows rows; argument >>= rows)
+    if (Rows rows; argument >>= rows) {
         return BlockFromCell(rows);
+    }
     Variant value = ScalarFromCell(argument);
-    if (!value.Is<std::string>())
+    if (!value.Is<std::string>()) {
         return value;
+    }
     return value.As<std::string>().empty() ? value : RangeOf({std::move(value)});
 }
 
@@ -84,8 +92,9 @@ AutomationDate DateFromCell(const Any& argument, const Locale& locale) {
 }
 
 Any ToCell(const Variant& result) {
-    if (result.Is<std::string>())
+    if (result.Is<std::string>()) {
         return Any(ToOffice(result.As<std::string>()));
+    }
     return Any(ToDouble(result, {}));
 }
 

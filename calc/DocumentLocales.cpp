@@ -38,24 +38,27 @@ com::sun::star::lang::Locale LanguageFromTag(const rtl::OUString& tag) {
     language.Language = tag.getToken(0, '-', position);
     while (position >= 0) {
         const rtl::OUString part = tag.getToken(0, '-', position);
-        if (part.getLength() == countryLength)
+        if (part.getLength() == countryLength) {
             language.Country = part;
+        }
     }
     return language;
 }
 
 /// A separator is one ASCII character, or else any kind of blank (French thousands), or missing.
 char Separator(const rtl::OUString& text, char missing) {
-    if (text.isEmpty())
+    if (text.isEmpty()) {
         return missing;
+    }
     return text[0] < 0x80 ? static_cast<char>(text[0]) : ' ';
 }
 
 /// By the first pattern ("D/M/Y") in which the language takes dates.
 DateOrder OrderOf(const uno::Sequence<rtl::OUString>& patterns) {
     const sal_Unicode first = patterns.hasElements() && !patterns[0].isEmpty() ? patterns[0][0] : 'D';
-    if (first == 'M')
+    if (first == 'M') {
         return DateOrder::MonthDayYear;
+    }
     return first == 'Y' ? DateOrder::YearMonthDay : DateOrder::DayMonthYear;
 }
 
@@ -67,8 +70,9 @@ bool IsNobodysChoice(const com::sun::star::lang::Locale& language) {
 
 Locale DocumentLocales::Of(const DocumentReference& document) {
     Language language;
-    if (document.is())
+    if (document.is()) {
         document->getPropertyValue("CharLocale") >>= language;
+    }
     const std::lock_guard lock(mutex_);
     return LocaleOf(IsNobodysChoice(language) ? LanguageOfOffice() : language);
 }
@@ -85,8 +89,9 @@ DocumentLocales::Language DocumentLocales::LanguageOfOffice() {
 Locale DocumentLocales::LocaleOf(const Language& language) {
     const Key key(language.Language, language.Country, language.Variant);
     const auto found = known_.find(key);
-    if (found != known_.end())
+    if (found != known_.end()) {
         return found->second;
+    }
     const auto data = i18n::LocaleData2::create(context_);
     const i18n::LocaleDataItem2 items = data->getLocaleItem2(language);
     const Locale locale = {.dateOrder = OrderOf(data->getDateAcceptancePatterns(language)),

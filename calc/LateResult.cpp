@@ -17,8 +17,9 @@ constexpr std::uint64_t errorNoValue = 519;
 
 bool IsSame(const uno::Any& left, const uno::Any& right) {
     double leftNumber = 0, rightNumber = 0;
-    if ((left >>= leftNumber) && (right >>= rightNumber))
+    if ((left >>= leftNumber) && (right >>= rightNumber)) {
         return std::bit_cast<std::uint64_t>(leftNumber) == std::bit_cast<std::uint64_t>(rightNumber);
+    }
     return left == right;
 }
 
@@ -39,8 +40,9 @@ void LateResult::removeResultListener(const Listener& listener) {
         isLast = std::erase_if(listeners_, [&](const Told& told) { return told.listener == listener; }) > 0 &&
                  listeners_.empty();
     }
-    if (isLast)
+    if (isLast) {
         onNoListener_();
+    }
 }
 
 bool LateResult::HasListeners() const {
@@ -53,8 +55,9 @@ void LateResult::Tell(const Any& value) {
     {
         const std::scoped_lock lock(mutex_);
         for (Told& told : listeners_) {
-            if (IsSame(told.value, value))
+            if (IsSame(told.value, value)) {
                 continue;
+            }
             told.value = value;
             toTell.push_back(told.listener);
         }

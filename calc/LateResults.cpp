@@ -35,8 +35,9 @@ LateResults::~LateResults() { Stop(); }
 LateResults::Any LateResults::Ask(ServerCall call) {
     const std::scoped_lock lock(mutex_);
     Entry& entry = EntryOf(call);
-    if (entry.IsCurrent())
+    if (entry.IsCurrent()) {
         return entry.value;
+    }
     if (!entry.isOnItsWay && !*isStopped_) {
         entry.thread = &ThreadOf(call.server);
         entry.isOnItsWay = true;
@@ -48,24 +49,28 @@ LateResults::Any LateResults::Ask(ServerCall call) {
 
 LateResults::Entry& LateResults::EntryOf(const ServerCall& call) {
     Entry& entry = entries_[call.key];
-    if (!entry.result.is())
+    if (!entry.result.is()) {
         entry.result = rtl::Reference<LateResult>(new LateResult([mine = weak_from_this(), key = call.key] {
-            if (const auto results = mine.lock())
+            if (const auto results = mine.lock()) {
                 results->Forget(key);
+            }
         }));
+    }
     return entry;
 }
 
 ServerThread& LateResults::ThreadOf(const std::string& server) {
-    if (!servers_)
+    if (!servers_) {
         servers_ = makeServers_(isStopped_);
+    }
     const std::size_t number =
         threadOfServer_.emplace(server, threadOfServer_.size() % mostThreads).first->second;
     auto& thread = threads_.at(number);
-    if (!thread)
+    if (!thread) {
         thread = std::make_unique<ServerThread>(*servers_, [this](const std::string& key, CallResult result) {
             Receive(key, std::move(result));
         });
+    }
     return *thread;
 }
 
@@ -76,8 +81,9 @@ void LateResults::Receive(const std::string& key, CallResult result) {
         isFirst = came_.empty();
         came_.emplace_back(key, std::move(result));
     }
-    if (isFirst)
+    if (isFirst) {
         wake_();
+    }
 }
 
 rtl::Reference<LateResult> LateResults::TakeNext(Any& value) {
@@ -86,8 +92,9 @@ rtl::Reference<LateResult> LateResults::TakeNext(Any& value) {
         auto [key, result] = std::move(came_.front());
         came_.pop_front();
         const auto found = entries_.find(key);
-        if (found == entries_.end())
+        if (found == entries_.end()) {
             continue; // nobody waits for it any more
+        }
         Entry& entry = found->second;
         entry.isOnItsWay = false;
         entry.came = Clock::now();
@@ -116,10 +123,12 @@ void LateResults::Deliver() {
 void LateResults::Forget(const std::string& key) {
     const std::scoped_lock lock(mutex_);
     const auto found = entries_.find(key);
-    if (found == entries_.end() || found->second.result->HasListeners())
+    if (found == entries_.end() || found->second.result->HasListeners()) {
         return;
-    if (found->second.isOnItsWay)
+    }
+    if (found->second.isOnItsWay) {
         found->second.thread->Drop(key);
+    }
     entries_.erase(found);
 }
 
@@ -131,13 +140,16 @@ void LateResults::Stop() {
         const std::scoped_lock lock(mutex_);
         ending = std::exchange(threads_, {});
         left = std::exchange(entries_, {});
-        for (auto& thread : ending)
-            if (thread)
+        for (auto& thread : ending) {
+            if (thread) {
                 thread->Stop();
+            }
+        }
     }
     // Without the lock, which a thread may want before it ends.
-    for (auto& thread : ending)
+    for (auto& thread : ending) {
         thread.reset();
+    }
 }
 
 } // namespace qel::calc

@@ -52,8 +52,9 @@ const ArgumentTexts* FindArgument(const rtl::OUString& method, sal_Int32 argumen
 
 LateResults& OrmQelFunctionAddIn::ServerResults() {
     const std::scoped_lock lock(mutex_);
-    if (!serverResults_)
+    if (!serverResults_) {
         serverResults_ = MakeServerResults(context_);
+    }
     return *serverResults_;
 }
 
@@ -63,8 +64,9 @@ Any OrmQelFunctionAddIn::Answer(const DocumentReference& document, const Read& r
         ThreadFunction& thread = FunctionOfThread();
         thread.locale = locales_.Of(document);
         auto arguments = read(CellCall(document, thread.locale));
-        if (AsksServer(arguments.cubeFile))
+        if (AsksServer(arguments.cubeFile)) {
             return ServerResults().Ask(CallOf(arguments, thread.locale));
+        }
         return ToCell(Evaluate(thread.function, std::move(arguments)));
     } catch (const uno::Exception&) {
         throw;
@@ -163,8 +165,9 @@ OrmQelFunctionAddIn::Language OrmQelFunctionAddIn::getLocale() { return language
 
 uno::Sequence<sheet::LocalizedName> OrmQelFunctionAddIn::getCompatibilityNames(const Text& method) {
     const FunctionTexts* const texts = FindByMethod(FromOffice(method));
-    if (texts == nullptr)
+    if (texts == nullptr) {
         return {};
+    }
     const sheet::LocalizedName everywhere(Language("en", "US", ""), ToOffice(texts->fullName));
     return {&everywhere, 1};
 }

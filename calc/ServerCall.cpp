@@ -23,17 +23,22 @@ public:
     /// A list argument: its elements, or the one value that it is.
     KeyText& Add(const Variant& value) {
         Add(value.TypeName());
-        if (value.Is<double>())
+        if (value.Is<double>()) {
             return Add(value.As<double>());
-        if (value.Is<std::string>())
+        }
+        if (value.Is<std::string>()) {
             return Add(value.As<std::string>());
-        if (value.IsArray())
-            for (const Variant& element : value.As<std::shared_ptr<const VariantArray>>()->elements)
+        }
+        if (value.IsArray()) {
+            for (const Variant& element : value.As<std::shared_ptr<const VariantArray>>()->elements) {
                 Add(element);
-        else if (value.Is<std::shared_ptr<const Object>>())
+            }
+        } else if (value.Is<std::shared_ptr<const Object>>()) {
             if (const auto* range =
-                    dynamic_cast<const Range*>(value.As<std::shared_ptr<const Object>>().get()))
+                    dynamic_cast<const Range*>(value.As<std::shared_ptr<const Object>>().get())) {
                 range->ForEachCell([this](const Variant& cell) { Add(cell); });
+            }
+        }
         return Add(std::string("."));
     }
 
@@ -70,13 +75,15 @@ ServerCall CallOf(const ValueArguments& arguments, const Locale& locale) {
     KeyText key;
     key.Add(std::string("value")).Add(locale).Add(arguments.fromDate.days).Add(arguments.toDate.days);
     for (const Variant* list : {&arguments.obsName, &arguments.obsNumber, &arguments.obsLevel,
-                                &arguments.obsMember, &arguments.activities})
+                                &arguments.obsMember, &arguments.activities}) {
         key.Add(*list);
+    }
     for (const std::string* text :
          {&arguments.cubeFile, &arguments.cubeName, &arguments.summaryGroup, &arguments.seifLevel,
           &arguments.accounts, &arguments.measure, &arguments.moneySet, &arguments.plbs, &arguments.rh,
-          &arguments.firma, &arguments.openingBalance})
+          &arguments.firma, &arguments.openingBalance}) {
         key.Add(*text);
+    }
     return {std::string(Trimmed(arguments.cubeFile)),
             arguments.cubeName,
             key.Take(),
@@ -89,8 +96,9 @@ ServerCall CallOf(const NameArguments& arguments, const Locale& locale) {
     KeyText key;
     key.Add(std::string("name")).Add(locale);
     for (const std::string* text :
-         {&arguments.cubeFile, &arguments.cubeName, &arguments.dimType, &arguments.dimMember})
+         {&arguments.cubeFile, &arguments.cubeName, &arguments.dimType, &arguments.dimMember}) {
         key.Add(*text);
+    }
     return {std::string(Trimmed(arguments.cubeFile)),
             arguments.cubeName,
             key.Take(),

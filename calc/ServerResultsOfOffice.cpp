@@ -23,8 +23,9 @@ public:
     explicit Delivery(WeakResults results) : results_(std::move(results)) {}
 
     void SAL_CALL notify(const uno::Any& /*data*/) override {
-        if (const auto results = results_.lock())
+        if (const auto results = results_.lock()) {
             results->Deliver();
+        }
     }
 
 private:
@@ -38,8 +39,9 @@ public:
 
     void SAL_CALL queryTermination(const com::sun::star::lang::EventObject& /*event*/) override {}
     void SAL_CALL notifyTermination(const com::sun::star::lang::EventObject& /*event*/) override {
-        if (const auto results = results_.lock())
+        if (const auto results = results_.lock()) {
             results->Stop();
+        }
     }
     void SAL_CALL disposing(const com::sun::star::lang::EventObject& /*event*/) override {}
 

@@ -22,12 +22,15 @@ public:
     explicit CallEvaluator(DataAccess& servers) : batch_(servers) {}
 
     void AskTogether(const std::vector<ServerCall>& calls) {
-        if (std::count_if(calls.begin(), calls.end(), [](const auto& call) { return call.isValue; }) < 2)
+        if (std::count_if(calls.begin(), calls.end(), [](const auto& call) { return call.isValue; }) < 2) {
             return;
+        }
         batch_.StartCollecting();
-        for (const auto& call : calls)
-            if (call.isValue)
+        for (const auto& call : calls) {
+            if (call.isValue) {
                 Evaluate(call);
+            }
+        }
         batch_.Run();
     }
 
@@ -56,8 +59,9 @@ private:
 
     CubeCells& CellsOf(const ServerCall& call) {
         auto& cells = cells_[{call.server, call.cube}];
-        if (!cells)
+        if (!cells) {
             cells = std::make_unique<CubeCells>(batch_);
+        }
         return *cells;
     }
 
@@ -118,8 +122,9 @@ void ServerThread::Work() {
         const auto calls = TakeCalls();
         evaluator.AskTogether(calls);
         for (const auto& call : calls) {
-            if (IsStopped())
+            if (IsStopped()) {
                 return;
+            }
             answered_(call.key, evaluator.Evaluate(call));
         }
         evaluator.Forget();

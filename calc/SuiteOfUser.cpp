@@ -13,8 +13,9 @@ namespace {
 std::string ComponentFolder() {
     static const char anywhere = 0;
     Dl_info library = {};
-    if (::dladdr(&anywhere, &library) == 0 || library.dli_fname == nullptr)
+    if (::dladdr(&anywhere, &library) == 0 || library.dli_fname == nullptr) {
         return PathToUtf8(std::filesystem::current_path());
+    }
     return PathToUtf8(std::filesystem::path(library.dli_fname).parent_path());
 }
 

@@ -30,10 +30,12 @@ rtl::OUString WizardsService::Show(Form form, const Any& activeCell) {
     try {
         const auto document = DocumentInFront();
         auto cell = office::CellFrom(activeCell, document);
-        if (!cell && document.is())
+        if (!cell && document.is()) {
             cell = office::ActiveCellOf(document);
-        if (!suite_)
+        }
+        if (!suite_) {
             suite_ = std::make_unique<SuiteOfUser>(context_);
+        }
         const Locale locale = locales_.Of(DocumentReference(document, uno::UNO_QUERY));
         // A macro's object is one of its own; the thread's connection is every object's.
         OrmQelFunction object({FunctionOfThread().state, Cubes(), locale, &suite_->Services()});
@@ -51,10 +53,11 @@ office::SheetDocument WizardsService::DocumentInFront() const {
 }
 
 void WizardsService::trigger(const rtl::OUString& method) {
-    if (method == "ShowFormGetVal")
+    if (method == "ShowFormGetVal") {
         ShowFormGetVal({});
-    else if (method == "ShowFormQelName")
+    } else if (method == "ShowFormQelName") {
         ShowFormQelName({});
+    }
 }
 
 rtl::OUString WizardsService::getImplementationName() { return ToOffice("OrmFunctionQel4.WizardsService"); }

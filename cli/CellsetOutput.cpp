@@ -15,31 +15,37 @@ std::size_t TupleSize(const std::vector<Tuple>& positions) {
 
 std::string JoinedCaptions(const Tuple& tuple) {
     std::string text;
-    for (const auto& member : tuple)
+    for (const auto& member : tuple) {
         text += (text.empty() ? "" : " / ") + CaptionOf(member);
+    }
     return text;
 }
 
 std::vector<std::string> RowHeadings(const CellsetGrid& grid) {
     std::vector<std::string> headings;
-    if (!grid.rows.empty())
-        for (const auto& member : grid.rows.front())
+    if (!grid.rows.empty()) {
+        for (const auto& member : grid.rows.front()) {
             headings.push_back(member.levelName);
+        }
+    }
     return headings;
 }
 
 std::string CsvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos)
+    if (text.find_first_of(",\"\r\n") == std::string::npos) {
         return text;
+    }
     std::string quoted = "\"";
-    for (const char c : text)
+    for (const char c : text) {
         quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+    }
     return quoted + '"';
 }
 
 void PrintCsvLine(const std::vector<std::string>& fields, std::ostream& output) {
-    for (std::size_t i = 0; i < fields.size(); ++i)
+    for (std::size_t i = 0; i < fields.size(); ++i) {
         output << (i == 0 ? "" : ",") << CsvField(fields[i]);
+    }
     output << '\n';
 }
 
@@ -47,22 +53,25 @@ nlohmann::ordered_json AxisJson(const std::vector<Tuple>& positions) {
     auto axis = nlohmann::ordered_json::array();
     for (const auto& tuple : positions) {
         auto members = nlohmann::ordered_json::array();
-        for (const auto& member : tuple)
+        for (const auto& member : tuple) {
             members.push_back({{"name", member.name},
                                {"caption", CaptionOf(member)},
                                {"uniqueName", member.uniqueName},
                                {"level", member.levelName},
                                {"depth", member.levelDepth}});
+        }
         axis.push_back({{"members", std::move(members)}});
     }
     return axis;
 }
 
 nlohmann::ordered_json CellJson(const Variant& value) {
-    if (value.Is<double>())
+    if (value.Is<double>()) {
         return value.As<double>();
-    if (value.Is<Null>() || value.Is<Empty>())
+    }
+    if (value.Is<Null>() || value.Is<Empty>()) {
         return nullptr;
+    }
     return ValueText(value);
 }
 
@@ -76,16 +85,19 @@ void PrintAsTable(const CellsetGrid& grid, std::ostream& output) {
     for (std::size_t i = 0; i < headingLines; ++i) {
         const bool isLast = i + 1 == headingLines;
         auto line = isLast ? rowHeadings : std::vector<std::string>(rowHeadings.size());
-        for (const auto& tuple : grid.columns)
+        for (const auto& tuple : grid.columns) {
             line.push_back(CaptionOf(tuple[i]));
+        }
         table.lines.push_back(std::move(line));
     }
     for (std::size_t row = 0; row < grid.rows.size(); ++row) {
         std::vector<std::string> line;
-        for (const auto& member : grid.rows[row])
+        for (const auto& member : grid.rows[row]) {
             line.push_back(CaptionOf(member));
-        for (const auto& cell : grid.cells[row])
+        }
+        for (const auto& cell : grid.cells[row]) {
             line.push_back(ValueText(cell));
+        }
         table.lines.push_back(std::move(line));
     }
     PrintTable(table, output);
@@ -93,16 +105,20 @@ void PrintAsTable(const CellsetGrid& grid, std::ostream& output) {
 
 void PrintAsCsv(const CellsetGrid& grid, std::ostream& output) {
     auto headings = RowHeadings(grid);
-    for (const auto& tuple : grid.columns)
+    for (const auto& tuple : grid.columns) {
         headings.push_back(JoinedCaptions(tuple));
-    if (grid.axisCount > 0)
+    }
+    if (grid.axisCount > 0) {
         PrintCsvLine(headings, output);
+    }
     for (std::size_t row = 0; row < grid.rows.size(); ++row) {
         std::vector<std::string> line;
-        for (const auto& member : grid.rows[row])
+        for (const auto& member : grid.rows[row]) {
             line.push_back(CaptionOf(member));
-        for (const auto& cell : grid.cells[row])
+        }
+        for (const auto& cell : grid.cells[row]) {
             line.push_back(ValueText(cell));
+        }
         PrintCsvLine(line, output);
     }
 }
@@ -110,15 +126,18 @@ void PrintAsCsv(const CellsetGrid& grid, std::ostream& output) {
 void PrintAsJson(const CellsetGrid& grid, std::ostream& output) {
     nlohmann::ordered_json document;
     document["axes"] = nlohmann::ordered_json::array();
-    if (grid.axisCount > 0)
+    if (grid.axisCount > 0) {
         document["axes"].push_back(AxisJson(grid.columns));
-    if (grid.axisCount > 1)
+    }
+    if (grid.axisCount > 1) {
         document["axes"].push_back(AxisJson(grid.rows));
+    }
     document["cells"] = nlohmann::ordered_json::array();
     for (const auto& row : grid.cells) {
         auto cells = nlohmann::ordered_json::array();
-        for (const auto& cell : row)
+        for (const auto& cell : row) {
             cells.push_back(CellJson(cell));
+        }
         document["cells"].push_back(std::move(cells));
     }
     using Handler = nlohmann::ordered_json::error_handler_t;

@@ -31,8 +31,9 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     engine::BuildOptions options;
     options.definition = PathFromUtf8(arguments.definition);
     options.output = PathFromUtf8(arguments.output);
-    if (!arguments.skippedLines.empty())
+    if (!arguments.skippedLines.empty()) {
         options.skippedLines = PathFromUtf8(arguments.skippedLines);
+    }
     const auto start = std::chrono::steady_clock::now();
     engine::BuildTotals totals;
     {
@@ -48,12 +49,14 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     fmt::print(context.output, "{}: {} bytes in {:.1f} s\n", arguments.output, totals.bytesWritten, seconds);
     fmt::print(context.output, "lines read {}, kept {}, skipped {}\n", totals.linesRead, totals.linesKept,
                totals.linesSkipped);
-    if (totals.distinctLinesSkipped == 1)
+    if (totals.distinctLinesSkipped == 1) {
         fmt::print(context.messages, "qel cube build: 1 line could not be used; it is in {}\n",
                    arguments.skippedLines);
-    if (totals.distinctLinesSkipped > 1)
+    }
+    if (totals.distinctLinesSkipped > 1) {
         fmt::print(context.messages, "qel cube build: {} lines could not be used; they are in {}\n",
                    totals.distinctLinesSkipped, arguments.skippedLines);
+    }
 }
 
 } // namespace

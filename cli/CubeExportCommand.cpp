@@ -38,8 +38,9 @@ void Export(const ExportArguments& arguments, CommandContext& context) {
             bar.Show("writing rows", share);
         });
     }
-    for (const auto& path : written)
+    for (const auto& path : written) {
         fmt::print(context.output, "{}: {} bytes\n", path.string(), std::filesystem::file_size(path));
+    }
 }
 
 } // namespace

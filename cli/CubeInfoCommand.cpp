@@ -27,22 +27,26 @@ const char* AggregateName(engine::Aggregate aggregate) {
 void PrintLevels(const engine::Cube& cube, std::ostream& output) {
     TextTable table{2, {{"  level", "depth", "members"}}};
     table.leftColumns = 1;
-    for (const auto& dimension : cube.Dimensions())
-        for (const auto index : dimension.hierarchies)
-            for (const auto& level : cube.Hierarchies()[index].Levels())
+    for (const auto& dimension : cube.Dimensions()) {
+        for (const auto index : dimension.hierarchies) {
+            for (const auto& level : cube.Hierarchies()[index].Levels()) {
                 table.lines.push_back({"  " + FullName({&cube, &cube.Hierarchies()[index], &level}),
                                        fmt::format("{}", level.depth),
                                        fmt::format("{}", level.members.Count())});
+            }
+        }
+    }
     PrintTable(table, output);
 }
 
 void PrintMeasures(const engine::Cube& cube, std::ostream& output) {
     TextTable table{2, {{"  measure", "aggregate", "decimals"}}};
     const auto measures = cube.Facts().Measures();
-    for (std::size_t i = 0; i < measures.size(); ++i)
+    for (std::size_t i = 0; i < measures.size(); ++i) {
         table.lines.push_back({"  " + measures[i].name + (i == cube.DefaultMeasure() ? " (default)" : ""),
                                AggregateName(measures[i].aggregate),
                                fmt::format("{}", measures[i].decimals)});
+    }
     PrintTable(table, output);
 }
 
@@ -50,8 +54,9 @@ void PrintSortOrders(const engine::Cube& cube, std::ostream& output) {
     const auto columns = cube.Facts().KeyColumns();
     for (const auto& projection : cube.Facts().Projections()) {
         std::string keys;
-        for (const auto column : projection.SortOrder())
+        for (const auto column : projection.SortOrder()) {
             keys += fmt::format("{}{}", keys.empty() ? "" : ", ", columns[column].name);
+        }
         fmt::print(output, "  sorted by {}\n", keys);
     }
 }
@@ -70,10 +75,11 @@ void PrintMembers(const LevelPlace& place, std::ostream& output) {
     constexpr std::size_t textColumns = 4;
     TextTable table{textColumns, {{"name", "caption", "key", "unique name"}}};
     const auto& hierarchy = *place.hierarchy;
-    for (auto member = place.level->members.first; member < place.level->members.last; ++member)
+    for (auto member = place.level->members.first; member < place.level->members.last; ++member) {
         table.lines.push_back({std::string(hierarchy.MemberName(member)),
                                std::string(hierarchy.MemberCaption(member)),
                                std::string(hierarchy.MemberKey(member)), hierarchy.MemberUniqueName(member)});
+    }
     PrintTable(table, output);
 }
 
@@ -90,8 +96,9 @@ void PrintInfo(const InfoArguments& arguments, CommandContext& context) {
     }
     fmt::print(context.output, "{}: {} bytes, {} cube{}\n", arguments.file, file->Size(),
                file->Cubes().size(), file->Cubes().size() == 1 ? "" : "s");
-    for (const auto& cube : file->Cubes())
+    for (const auto& cube : file->Cubes()) {
         PrintCube(cube, context.output);
+    }
 }
 
 } // namespace

@@ -70,10 +70,12 @@ public:
 
     /// Prints the values in the order of the formulas.
     void Evaluate(const std::vector<ReadFormula>& formulas) {
-        if (std::count_if(formulas.begin(), formulas.end(), AsksServer) > 1)
+        if (std::count_if(formulas.begin(), formulas.end(), AsksServer) > 1) {
             AskServers(formulas);
-        for (const auto& formula : formulas)
+        }
+        for (const auto& formula : formulas) {
             Evaluate(formula);
+        }
         batch_.Forget();
     }
 
@@ -86,8 +88,9 @@ private:
         batch_.StartCollecting();
         for (const auto& formula : formulas) {
             try {
-                if (AsksServer(formula))
+                if (AsksServer(formula)) {
                     RunFormula(object_, *formula.call, context_.locale);
+                }
             } catch (const AutomationError&) { // NOLINT(bugprone-empty-catch): its own evaluation tells it
             }
         }
@@ -134,11 +137,13 @@ void EvaluateLines(Evaluator& evaluator, CommandContext& context) {
         }
         // A program that writes a formula and waits for its value gets it; a whole file is not flushed by
         // line.
-        if (!isMoreThere)
+        if (!isMoreThere) {
             context.output.flush();
+        }
         const auto line = lines.NextFilled();
-        if (!line)
+        if (!line) {
             break;
+        }
         waiting.push_back(evaluator.Read(*line, fmt::format("line {}", lines.Number())));
         if (waiting.size() == 1 && !AsksServer(waiting.front())) {
             evaluator.Evaluate(waiting);
@@ -159,11 +164,13 @@ void AddEvalCommand(CLI::App& app, CommandContext& context) {
                         "standard input (blank lines are skipped)");
     command->callback([formulas, &context] {
         Evaluator evaluator(context);
-        if (formulas->empty())
+        if (formulas->empty()) {
             EvaluateLines(evaluator, context);
+        }
         std::vector<ReadFormula> read;
-        for (std::size_t i = 0; i < formulas->size(); ++i)
+        for (std::size_t i = 0; i < formulas->size(); ++i) {
             read.push_back(evaluator.Read((*formulas)[i], fmt::format("formula {}", i + 1)));
+        }
         evaluator.Evaluate(read);
     });
 }

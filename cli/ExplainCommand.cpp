@@ -77,33 +77,38 @@ private:
 
     void PrintKeyList(std::string_view name, const KeyList& list) {
         Line(fmt::format("{} keys", name), ListText(list, context_.locale));
-        if (list.size() > 1)
+        if (list.size() > 1) {
             Line("note", fmt::format("only the first key of {} is used", name));
+        }
     }
 
     void PrintSent(const Recording& recording) {
-        for (const auto& text : recording.connectionTexts)
+        for (const auto& text : recording.connectionTexts) {
             Line("connection", WithoutPasswords(text));
+        }
         if (recording.statements.empty()) {
             Line("statement", "(none was sent)");
             PrintOutsideDates();
             return;
         }
-        for (const auto& statement : recording.statements)
+        for (const auto& statement : recording.statements) {
             fmt::print(context_.output, "---- statement ----\n{}\n---- end of statement ----\n", statement);
+        }
     }
 
     void PrintOutsideDates() {
         const auto* call = std::get_if<ValueCall>(&call_.arguments);
-        if (!call || thread_.dates.CubeDates.empty() || !thread_.datesAreCurrent)
+        if (!call || thread_.dates.CubeDates.empty() || !thread_.datesAreCurrent) {
             return;
+        }
         const auto& dates = thread_.dates;
         const bool isOutside = call->From_Date <= call->To_Date &&
                                (call->To_Date < dates.CubeMinDate || call->From_Date > dates.CubeMaxDate);
-        if (isOutside)
+        if (isOutside) {
             Line("reason", fmt::format("no statement was sent: the dates lie outside the cube's, {} to {}",
                                        ToText(dates.CubeMinDate, context_.locale),
                                        ToText(dates.CubeMaxDate, context_.locale)));
+        }
     }
 
     /// The failure that the function shows as 0 or "-", if there is one.
@@ -112,16 +117,20 @@ private:
         if (const auto* call = std::get_if<ValueCall>(&call_.arguments)) {
             const auto unmasked = RunUnmasked(object, lists_, *call);
             const bool isShown = ValueText(unmasked) == ValueText(value);
-            if (unmasked.Is<std::string>() && !isShown)
+            if (unmasked.Is<std::string>() && !isShown) {
                 masked = unmasked.As<std::string>();
+            }
         }
-        if (masked == "#ERR 11111111")
+        if (masked == "#ERR 11111111") {
             masked += " (the start date is later than the end date)";
-        if (!masked.empty())
+        }
+        if (!masked.empty()) {
             Line("masked error", masked);
-        if (recording.lastError)
+        }
+        if (recording.lastError) {
             Line("reason", fmt::format("{} (error {}, {})", recording.lastError->Description(),
                                        recording.lastError->Number(), recording.lastError->Source()));
+        }
     }
 
     void PrintTimes(OrmQelFunction& object, const Recording& first, std::chrono::nanoseconds firstTime) {

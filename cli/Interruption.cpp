@@ -23,8 +23,9 @@ Interruption::~Interruption() {
 }
 
 void Interruption::Check(const char* message) const {
-    if (isRequested != 0)
+    if (isRequested != 0) {
         throw std::runtime_error(message);
+    }
 }
 
 } // namespace qel

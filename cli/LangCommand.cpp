@@ -22,8 +22,9 @@ Example:
   qel lang check examples/lang/Lang.rs)";
 
 void PrintNumbers(std::ostream& output, std::string_view what, const std::vector<std::int32_t>& numbers) {
-    if (!numbers.empty())
+    if (!numbers.empty()) {
         fmt::print(output, "  {}: {}\n", what, fmt::join(numbers, ", "));
+    }
 }
 
 bool HasFault(const LangFindings& findings) {

@@ -17,8 +17,9 @@ std::string TakeBracketed(std::string_view& text, std::string_view whole) {
     std::size_t place = 1;
     while (true) {
         const auto end = text.find(']', place);
-        if (end == std::string_view::npos)
+        if (end == std::string_view::npos) {
             throw std::invalid_argument(fmt::format("The level '{}' has a '[' without ']'", whole));
+        }
         name += text.substr(place, end - place);
         if (end + 1 >= text.size() || text[end + 1] != ']') {
             text.remove_prefix(end + 1);
@@ -40,10 +41,12 @@ std::vector<std::string> SplitPath(std::string_view whole) {
             parts.emplace_back(text.substr(0, end));
             text.remove_prefix(end);
         }
-        if (text.empty())
+        if (text.empty()) {
             return parts;
-        if (text.front() != '.')
+        }
+        if (text.front() != '.') {
             throw std::invalid_argument(fmt::format("The level '{}' has no '.' after a name", whole));
+        }
         text.remove_prefix(1);
     }
 }
@@ -52,20 +55,24 @@ std::vector<std::string> SplitPath(std::string_view whole) {
 bool Matches(const LevelPlace& place, const std::vector<std::string>& parts) {
     const auto& dimension = place.cube->Dimensions()[place.hierarchy->DimensionIndex()].name;
     const auto& hierarchy = place.hierarchy->Name();
-    if (!EqualIgnoringCase(parts.back(), place.level->name))
+    if (!EqualIgnoringCase(parts.back(), place.level->name)) {
         return false;
-    if (parts.size() == 1)
+    }
+    if (parts.size() == 1) {
         return true;
-    if (parts.size() == 2)
+    }
+    if (parts.size() == 2) {
         return EqualIgnoringCase(parts[0], dimension) || EqualIgnoringCase(parts[0], hierarchy);
+    }
     return parts.size() == 3 && EqualIgnoringCase(parts[0], dimension) &&
            EqualIgnoringCase(parts[1], hierarchy);
 }
 
 std::string NamesOf(const std::vector<LevelPlace>& places) {
     std::string names;
-    for (const auto& place : places)
+    for (const auto& place : places) {
         names += fmt::format("\n  {} of the cube {}", FullName(place), place.cube->Name());
+    }
     return names;
 }
 
@@ -73,14 +80,18 @@ std::string NamesOf(const std::vector<LevelPlace>& places) {
 std::vector<LevelPlace> LevelsOf(const engine::CubeFile& file, std::string_view cubeName) {
     std::vector<LevelPlace> levels;
     for (const auto& cube : file.Cubes()) {
-        if (!cubeName.empty() && !EqualIgnoringCase(cube.Name(), cubeName))
+        if (!cubeName.empty() && !EqualIgnoringCase(cube.Name(), cubeName)) {
             continue;
-        for (const auto& hierarchy : cube.Hierarchies())
-            for (const auto& level : hierarchy.Levels())
+        }
+        for (const auto& hierarchy : cube.Hierarchies()) {
+            for (const auto& level : hierarchy.Levels()) {
                 levels.push_back({&cube, &hierarchy, &level});
+            }
+        }
     }
-    if (levels.empty())
+    if (levels.empty()) {
         throw std::invalid_argument(fmt::format("The file has no cube '{}'", cubeName));
+    }
     return levels;
 }
 
@@ -99,12 +110,14 @@ LevelPlace FindLevel(const engine::CubeFile& file, std::string_view path, std::s
     std::vector<LevelPlace> found;
     std::copy_if(all.begin(), all.end(), std::back_inserter(found),
                  [&](const LevelPlace& place) { return Matches(place, parts); });
-    if (found.empty())
+    if (found.empty()) {
         throw std::invalid_argument(fmt::format("There is no level '{}'; there are:{}", path, NamesOf(all)));
-    if (found.size() > 1)
+    }
+    if (found.size() > 1) {
         throw std::invalid_argument(
             fmt::format("Several levels are called '{}', name one in full, and its cube with --cube:{}", path,
                         NamesOf(found)));
+    }
     return found.front();
 }
 

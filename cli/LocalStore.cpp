@@ -22,8 +22,9 @@ std::string ProgramFolder() {
 MessageBoxAnswer StreamMessages::Show(std::int32_t /*style*/, const std::string& title,
                                       const std::string& text) {
     hasShown_ = true;
-    if (!title.empty())
+    if (!title.empty()) {
         stream_ << title << ":\n";
+    }
     stream_ << ReplaceAll(text, "\r\n", "\n") << '\n';
     return MessageBoxAnswer::Ok;
 }

@@ -36,14 +36,15 @@ constexpr const char* footer =
 
 void AddDateOrder(CLI::App& app, qel::Locale& locale) {
     const auto take = [&locale](const std::string& order) {
-        if (qel::EqualIgnoringCase(order, "dmy"))
+        if (qel::EqualIgnoringCase(order, "dmy")) {
             locale.dateOrder = qel::DateOrder::DayMonthYear;
-        else if (qel::EqualIgnoringCase(order, "mdy"))
+        } else if (qel::EqualIgnoringCase(order, "mdy")) {
             locale.dateOrder = qel::DateOrder::MonthDayYear;
-        else if (qel::EqualIgnoringCase(order, "ymd"))
+        } else if (qel::EqualIgnoringCase(order, "ymd")) {
             locale.dateOrder = qel::DateOrder::YearMonthDay;
-        else
+        } else {
             throw CLI::ValidationError(fmt::format("--date-order takes dmy, mdy or ymd, not {}", order));
+        }
     };
     app.add_option_function<std::string>("--date-order", take, "Order of day, month and year in date texts")
         ->trigger_on_parse()
@@ -85,8 +86,9 @@ int Run(int argc, char** argv) {
         app.parse(argc, argv);
     } catch (const CLI::RequiredError& error) {
         const auto unknown = app.remaining(true); // a command that is none is one that is missing
-        if (unknown.empty())
+        if (unknown.empty()) {
             return app.exit(error, std::cout, std::cerr), wrongUsage;
+        }
         std::cerr << fmt::format("qel: there is no command '{}'; see qel --help\n", unknown.front());
         return wrongUsage;
     } catch (const CLI::ParseError& error) {

@@ -30,12 +30,13 @@ void RunMdx(const MdxOptions& options, CommandContext& context) {
     const auto cellset = context.dataAccess.CreateCellset();
     cellset->Open(options.statement == "-" ? ReadAll(context.input) : options.statement, connection);
     const auto grid = ReadGrid(*cellset);
-    if (options.csv)
+    if (options.csv) {
         PrintAsCsv(grid, context.output);
-    else if (options.json)
+    } else if (options.json) {
         PrintAsJson(grid, context.output);
-    else
+    } else {
         PrintAsTable(grid, context.output);
+    }
 }
 
 } // namespace

@@ -69,8 +69,9 @@ constexpr KindOfList kinds[] = {
 
 const KindOfList& FindKind(const std::string& name) {
     for (const auto& kind : kinds) {
-        if (name == kind.name)
+        if (name == kind.name) {
             return kind;
+        }
     }
     throw CLI::ValidationError("--kind",
                                fmt::format("there is no kind of list '{}'; see qel members --help", name));
@@ -78,15 +79,18 @@ const KindOfList& FindKind(const std::string& name) {
 
 void RequireOptions(const KindOfList& kind, const MembersOptions& options) {
     const auto require = [&](bool isGiven, const char* option) {
-        if (!isGiven)
+        if (!isGiven) {
             throw CLI::ValidationError(option, fmt::format("--kind {} needs it", options.kind));
+        }
     };
     require(!kind.needsObs || !options.obs.empty(), "--obs");
     require(!kind.needsLevel || !options.level.empty(), "--level");
-    if (options.kind == obsLevels)
+    if (options.kind == obsLevels) {
         return require(options.subMember.has_value(), "--sub-member");
-    if (options.recordset && kind.recordset == 0)
+    }
+    if (options.recordset && kind.recordset == 0) {
         throw CLI::ValidationError("--recordset", fmt::format("--kind {} has no recordset", options.kind));
+    }
     require(options.recordset || kind.cellset != 0, "--recordset");
 }
 
@@ -95,8 +99,9 @@ MemberListing ListingOf(const KindOfList& kind, const MembersOptions& options) {
     listing.argumentA = kind.obsFirst ? options.obs : options.firma;
     // A second argument that is no level's name makes the list one of cost centres.
     listing.argumentB = kind.obsFirst ? (kind.needsLevel ? options.level : "Cost_Centers") : options.obs;
-    if (options.subMember)
+    if (options.subMember) {
         listing.obsSubMember = *options.subMember;
+    }
     listing.summaryLevel = options.level;
     listing.accountsMode = 1;
     return listing;
@@ -120,32 +125,37 @@ public:
 
 private:
     void Run() {
-        if (options_.kind == obsLevels)
+        if (options_.kind == obsLevels) {
             lines_.push_back(std::to_string(CountObsLevels(provider_, options_.cubeName, options_.cubeFile,
                                                            options_.obs, *options_.subMember)));
-        else if (options_.recordset)
+        } else if (options_.recordset) {
             RunRecordset();
-        else
+        } else {
             RunCellset();
-        if (options_.statementOnly)
+        }
+        if (options_.statementOnly) {
             return;
-        for (const auto& line : lines_)
+        }
+        for (const auto& line : lines_) {
             fmt::print(context_.output, "{}\n", line);
+        }
         PrintTitle();
     }
 
     void PrintStatements() {
         for (const auto& statement : recording_.statements) {
-            if (options_.statementOnly)
+            if (options_.statementOnly) {
                 fmt::print(context_.output, "{}\n", statement);
+            }
         }
     }
 
     /// In the user's language: "Account list: 171".
     void PrintTitle() {
         const auto count = options_.recordset ? lines_.size() - 1 : lines_.size();
-        if (options_.kind != obsLevels)
+        if (options_.kind != obsLevels) {
             fmt::print(context_.messages, "{}: {}\n", Title(), count);
+        }
     }
 
     std::string Title() const {
@@ -165,14 +175,16 @@ private:
         const auto cellset = ListMembersCellset(provider_, options_.cubeFile, ListingOf(kind_, options_));
         for (std::int32_t position = 0; position < cellset->PositionCount(rows); ++position) {
             const auto code = cellset->MemberAt(rows, position, 0);
-            if (code.caption.value_or("").empty())
+            if (code.caption.value_or("").empty()) {
                 continue;
+            }
             std::string line = code.name;
             std::string last = line;
             for (std::int32_t place = 0; place < cellset->MemberCount(rows, position); ++place) {
                 const auto caption = cellset->MemberAt(rows, position, place).caption.value_or("");
-                if (caption != last)
+                if (caption != last) {
                     line += "\t" + caption;
+                }
                 last = caption;
             }
             lines_.push_back(line);
@@ -186,16 +198,18 @@ private:
         OpenMemberRecordset(thread, provider_, opened, *rows, options_.cubeFile, ListingOf(kind_, options_));
         const auto fields = [&](const auto& textOf) {
             std::string line;
-            for (std::int32_t field = 0; field < rows->FieldCount(); ++field)
+            for (std::int32_t field = 0; field < rows->FieldCount(); ++field) {
                 line += (field == 0 ? "" : "\t") + textOf(field);
+            }
             lines_.push_back(line);
         };
         fields([&](std::int32_t field) { return rows->FieldName(field); });
-        for (; !rows->AtEnd(); rows->MoveNext())
+        for (; !rows->AtEnd(); rows->MoveNext()) {
             fields([&](std::int32_t field) {
                 const auto value = rows->FieldValue(field);
                 return value.Is<Null>() ? std::string() : ValueText(value);
             });
+        }
     }
 
     CommandContext& context_;
@@ -209,9 +223,10 @@ private:
 void ListMembers(CommandContext& context, const MembersOptions& options) {
     const KindOfList& kind = FindKind(options.kind);
     RequireOptions(kind, options);
-    if (options.kind == "obs" && !NamesObsLevel(options.level))
+    if (options.kind == "obs" && !NamesObsLevel(options.level)) {
         fmt::print(context.messages, "qel: '{}' does not begin with \"level\", so cost centres are listed\n",
                    options.level);
+    }
     MemberList(context, kind, options).Print();
 }
 

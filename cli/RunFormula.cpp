@@ -9,9 +9,10 @@ namespace qel {
 namespace {
 
 KeyList ElementsOf(const char* name, const Variant& value) {
-    if (!value.IsArray())
+    if (!value.IsArray()) {
         throw AutomationError(ErrorNumber::TypeMismatch,
                               fmt::format("Type mismatch: QelFuncDemo takes {} as an array constant", name));
+    }
     return value.As<std::shared_ptr<const VariantArray>>()->elements;
 }
 
@@ -29,10 +30,11 @@ Variant RunMasked(OrmQelFunction& object, ValueCall& call) {
 } // namespace
 
 KeyLists NormaliseKeyLists(WorksheetFunction function, const ValueCall& call, const Locale& locale) {
-    if (function == WorksheetFunction::QelFuncDemo)
+    if (function == WorksheetFunction::QelFuncDemo) {
         return {ElementsOf("ObsName", call.ObsName), ElementsOf("ObsNum", call.ObsNum),
                 ElementsOf("arrObsLevel", call.ObsLevel), ElementsOf("arrObsMember", call.ObsMember),
                 ElementsOf("arrActivityList", call.ActivityList)};
+    }
     return {ArgToList(call.ObsName, locale), ArgToList(call.ObsNum, locale), ArgToList(call.ObsLevel, locale),
             ArgToList(call.ObsMember, locale), ArgToList(call.ActivityList, locale)};
 }

@@ -57,8 +57,9 @@ public:
             ServerSession ofCatalog(parsed_, options_, catalog);
             Line("catalog", fmt::format("{}: {}", catalog, fmt::join(ofCatalog.CubeNames(), ", ")));
         }
-        if (catalogs.empty())
+        if (catalogs.empty()) {
             Fault("the server has no catalog");
+        }
     }
 
     void PrintCube(const std::string& cubeName) {
@@ -72,10 +73,12 @@ public:
         const auto faults = ModSetCube::FindLayoutFaults(*cube);
         Line("cube", fmt::format("{}, {} dimensions, read in {}", cube->Name(), cube->DimensionCount(),
                                  watch.Text()));
-        for (const auto& fault : faults)
+        for (const auto& fault : faults) {
             Fault(fault);
-        if (!faults.empty())
+        }
+        if (!faults.empty()) {
             return;
+        }
         Line("layout", "has everything that the formulas name");
         PrintFormula(cubeName, *cube);
     }
@@ -96,8 +99,9 @@ private:
         const auto properties = session.Discover("DISCOVER_PROPERTIES", {});
         for (std::size_t row = 0; row < properties.RowCount(); ++row) {
             const std::string name = properties.Text(row, "PropertyName");
-            if (name == "ProviderVersion" || name == "DBMSVersion")
+            if (name == "ProviderVersion" || name == "DBMSVersion") {
                 product += (product.empty() ? "" : " ") + properties.Text(row, "Value");
+            }
         }
         return product.empty() ? "(not told)" : product;
     }
@@ -158,8 +162,9 @@ void AddServerCheckCommand(CLI::App& server, CommandContext& context) {
     command->callback([arguments, &context] {
         ServerCheck check(arguments->address, context);
         check.Print();
-        if (!arguments->cube.empty())
+        if (!arguments->cube.empty()) {
             check.PrintCube(arguments->cube);
+        }
     });
 }
 

@@ -83,8 +83,9 @@ public:
              Presence(component + ModLangFrm::langTableFile));
         Line("help file", component + helpFile, Presence(component + helpFile));
         for (const auto& file : {store_.settingsFile, PathFromSetting(QelIni()),
-                                 PathFromSetting(folder + ModPublics::cubIniFile)})
+                                 PathFromSetting(folder + ModPublics::cubIniFile)}) {
             Warn(file);
+        }
     }
 
 private:
@@ -95,8 +96,9 @@ private:
 
     /// A setting in a file that cannot be understood looks as if it were not set.
     void Warn(const std::filesystem::path& file) {
-        if (const auto fault = IniFile(file).FaultOfContent())
+        if (const auto fault = IniFile(file).FaultOfContent()) {
             fmt::print(context_.messages, "qel: {}\n", fault->Description());
+        }
     }
 
     /// As ReadCubIniSection, which would make the folder.
@@ -116,10 +118,12 @@ private:
 
 std::filesystem::path FolderOf(const std::string& value) {
     const std::string_view trimmed = Trimmed(value);
-    if (trimmed.empty())
+    if (trimmed.empty()) {
         throw CLI::ValidationError("VALUE", "the folder is empty");
-    if (trimmed.find_first_of("\r\n") != std::string_view::npos)
+    }
+    if (trimmed.find_first_of("\r\n") != std::string_view::npos) {
         throw CLI::ValidationError("VALUE", "the folder's name has more than one line");
+    }
     const auto path = std::filesystem::absolute(PathFromSetting(trimmed)).lexically_normal();
     return path.has_filename() ? path : path.parent_path(); // the component appends a separator itself
 }
@@ -129,30 +133,34 @@ void SetRegistryValue(LocalStore& store, const char* name, const std::filesystem
     const auto folder = store.settingsFile.parent_path();
     std::error_code failed;
     std::filesystem::create_directories(folder, failed);
-    if (failed)
+    if (failed) {
         throw std::runtime_error(
             fmt::format("the folder {} cannot be made: {}", PathToUtf8(folder), failed.message()));
+    }
     store.registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, name, PathToUtf8(path));
 }
 
 void RequireMdbPath(LocalStore& store, std::string_view file) {
-    if (ModAPI::GetRegSetting(store.environment, ModAPI::mdbPathValue).empty())
+    if (ModAPI::GetRegSetting(store.environment, ModAPI::mdbPathValue).empty()) {
         throw AutomationError(
             ErrorNumber::InvalidProcedureCall,
             fmt::format("MDBPath is not set, and {} stands in that folder: run 'qel settings set "
                         "MDBPath FOLDER' first.",
                         file));
+    }
 }
 
 void RequireWritten(const LocalStore& store, std::int32_t result) {
-    if (result == 0)
+    if (result == 0) {
         throw store.profiles.LastError().value_or(
             AutomationError(ErrorNumber::InvalidProcedureCall, "The setting could not be written."));
+    }
 }
 
 void SetLanguage(LocalStore& store, const std::string& value) {
-    if (value != "0" && value != "1" && value != "2")
+    if (value != "0" && value != "1" && value != "2") {
         throw CLI::ValidationError("VALUE", fmt::format("'{}' is no language: 0, 1 or 2", value));
+    }
     RequireMdbPath(store, ModPublics::qelIniFile);
     const auto file = ModAPI::QelFuncMdbPath(store.environment) + ModPublics::qelIniFile;
     RequireWritten(
@@ -170,8 +178,9 @@ void Set(CommandContext& context, const std::string& name, const std::string& va
     if (EqualIgnoringCase(name, ModAPI::mdbPathValue)) {
         // Made before it is stored: a folder that cannot be must not take the place of one that is.
         const auto folder = FolderOf(value);
-        if (!DirExists(PathToUtf8(folder)))
+        if (!DirExists(PathToUtf8(folder))) {
             MakeFolder(PathToUtf8(folder));
+        }
         SetRegistryValue(store, ModAPI::mdbPathValue, folder);
     } else if (EqualIgnoringCase(name, ModAPI::tempPathValue)) {
         SetRegistryValue(store, ModAPI::tempPathValue, FolderOf(value));
@@ -203,8 +212,9 @@ void AddSettingsCommand(CLI::App& app, CommandContext& context) {
     command->fallthrough();
     command->require_subcommand(0, 1);
     command->callback([command, &context] {
-        if (!command->get_subcommands().empty())
+        if (!command->get_subcommands().empty()) {
             return;
+        }
         LocalStore store(context.messages);
         SettingsList(store, context).Print();
     });

@@ -20,17 +20,20 @@ constexpr int usualColumns = 80;
 #ifdef _WIN32
 int TerminalColumns() {
     constexpr int standardError = 2;
-    if (_isatty(standardError) == 0)
+    if (_isatty(standardError) == 0) {
         return 0;
+    }
     CONSOLE_SCREEN_BUFFER_INFO screen{};
-    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &screen) == 0)
+    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &screen) == 0) {
         return usualColumns;
+    }
     return screen.srWindow.Right - screen.srWindow.Left + 1;
 }
 #else
 int TerminalColumns() {
-    if (isatty(STDERR_FILENO) == 0)
+    if (isatty(STDERR_FILENO) == 0) {
         return 0;
+    }
     winsize size{};
     const bool isKnown = ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
     return isKnown ? size.ws_col : usualColumns;

@@ -16,14 +16,17 @@ CodePoint CodePointAt(const std::string& text, std::size_t place) {
         return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
     };
     const char32_t first = byte(place);
-    if (first >= 0xF0)
+    if (first >= 0xF0) {
         return {(first & 7U) << 18U | (byte(place + 1) & 63U) << 12U | (byte(place + 2) & 63U) << 6U |
                     (byte(place + 3) & 63U),
                 4};
-    if (first >= 0xE0)
+    }
+    if (first >= 0xE0) {
         return {(first & 15U) << 12U | (byte(place + 1) & 63U) << 6U | (byte(place + 2) & 63U), 3};
-    if (first >= 0xC0)
+    }
+    if (first >= 0xC0) {
         return {(first & 31U) << 6U | (byte(place + 1) & 63U), 2};
+    }
     return {first, 1};
 }
 
@@ -46,8 +49,9 @@ std::vector<std::size_t> ColumnWidths(const TextTable& table) {
     std::vector<std::size_t> widths;
     for (const auto& line : table.lines) {
         widths.resize(std::max(widths.size(), line.size()));
-        for (std::size_t i = 0; i < line.size(); ++i)
+        for (std::size_t i = 0; i < line.size(); ++i) {
             widths[i] = std::max(widths[i], DisplayWidth(line[i]));
+        }
     }
     return widths;
 }

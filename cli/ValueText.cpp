@@ -26,8 +26,9 @@ DecimalDigits ReadScientific(std::string_view scientific) {
     const auto e = scientific.find('e');
     DecimalDigits result;
     result.digits = scientific.substr(0, e);
-    if (result.digits.size() > 1)
+    if (result.digits.size() > 1) {
         result.digits.erase(1, 1);
+    }
     result.exponent =
         static_cast<int>(std::strtol(std::string(scientific.substr(e + 1)).c_str(), nullptr, 10));
     result.digits.erase(result.digits.find_last_not_of('0') + 1);
@@ -47,24 +48,28 @@ DecimalDigits ShortestDigits(double number) {
 DecimalDigits DigitsOf(double number) {
     auto shortest = ShortestDigits(number);
     const auto decimals = static_cast<int>(shortest.digits.size()) - 1 - shortest.exponent;
-    if (decimals <= moneyDecimals && shortest.exponent <= largestPlainExponent)
+    if (decimals <= moneyDecimals && shortest.exponent <= largestPlainExponent) {
         return shortest;
+    }
     return ReadScientific(fmt::format("{:.{}e}", number, significantDigits - 1));
 }
 
 std::string PlainText(DecimalDigits number) {
-    if (number.exponent < 0)
+    if (number.exponent < 0) {
         return fmt::format("0.{:0>{}}", number.digits,
                            number.digits.size() + static_cast<std::size_t>(-number.exponent - 1));
+    }
     const auto wholeDigits = static_cast<std::size_t>(number.exponent) + 1;
-    if (number.digits.size() <= wholeDigits)
+    if (number.digits.size() <= wholeDigits) {
         return number.digits + std::string(wholeDigits - number.digits.size(), '0');
+    }
     return number.digits.insert(wholeDigits, 1, '.');
 }
 
 std::string ExponentText(DecimalDigits number) {
-    if (number.digits.size() > 1)
+    if (number.digits.size() > 1) {
         number.digits.insert(1, 1, '.');
+    }
     return fmt::format("{}E{}{:02}", number.digits, number.exponent < 0 ? '-' : '+',
                        std::abs(number.exponent));
 }
@@ -72,28 +77,36 @@ std::string ExponentText(DecimalDigits number) {
 } // namespace
 
 std::string NumberText(double number) {
-    if (!std::isfinite(number))
+    if (!std::isfinite(number)) {
         return "#NUM!";
-    if (number == 0)
+    }
+    if (number == 0) {
         return "0";
+    }
     const auto digits = DigitsOf(std::abs(number));
     const bool isPlain = digits.exponent >= smallestPlainExponent && digits.exponent <= largestPlainExponent;
     return fmt::format("{}{}", number < 0 ? "-" : "", isPlain ? PlainText(digits) : ExponentText(digits));
 }
 
 std::string ValueText(const Variant& value) {
-    if (value.Is<std::string>())
+    if (value.Is<std::string>()) {
         return value.As<std::string>();
-    if (value.Is<double>())
+    }
+    if (value.Is<double>()) {
         return NumberText(value.As<double>());
-    if (value.Is<std::int16_t>())
+    }
+    if (value.Is<std::int16_t>()) {
         return fmt::format("{}", value.As<std::int16_t>());
-    if (value.Is<std::int32_t>())
+    }
+    if (value.Is<std::int32_t>()) {
         return fmt::format("{}", value.As<std::int32_t>());
-    if (value.Is<bool>())
+    }
+    if (value.Is<bool>()) {
         return value.As<bool>() ? "TRUE" : "FALSE";
-    if (value.Is<Empty>() || value.Is<Null>())
+    }
+    if (value.Is<Empty>() || value.Is<Null>()) {
         return "";
+    }
     return fmt::format("({})", value.TypeName());
 }
 

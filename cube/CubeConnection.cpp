@@ -22,8 +22,9 @@ void OpenOrReuse(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened
         thread.CubeConnection = dataAccess.CreateConnection();
     } else if (thread.CubeConnection->State() == stateOpen) {
         // Objects of a thread share the connection but not `opened`: it may be open on another object's cube.
-        if (opened == wanted && thread.connected == wanted)
+        if (opened == wanted && thread.connected == wanted) {
             return;
+        }
         thread.CubeConnection->Close();
         opened = wanted;
     }
@@ -43,8 +44,9 @@ bool EnsureCurrentCubeOpen(ThreadState& thread, DataAccess& dataAccess, OpenedCu
 }
 
 const Connection& RequireConnection(const ThreadState& thread) {
-    if (!thread.CubeConnection)
+    if (!thread.CubeConnection) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    }
     return *thread.CubeConnection;
 }
 

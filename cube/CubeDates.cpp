@@ -21,31 +21,35 @@ int NumberNamed(const std::string& name) {
     const std::string_view digits = Trimmed(name);
     int number = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (error != std::errc() || end != digits.data() + digits.size())
+    if (error != std::errc() || end != digits.data() + digits.size()) {
         throw PlatformError(ErrorNumber::TypeMismatch);
+    }
     return number;
 }
 
 int YearNamed(const std::string& name) {
     constexpr int lastYearOf2000s = 29;
     const int year = NumberNamed(name);
-    if (year > 99)
+    if (year > 99) {
         return year;
+    }
     return year <= lastYearOf2000s ? year + 2000 : year + 1900;
 }
 
 /// The period's first day; the zero date when one of the names is missing.
 AutomationDate FirstDay(const std::string& year, const std::string& month, const std::string& day = "1") {
-    if (year.empty() || month.empty() || day.empty())
+    if (year.empty() || month.empty() || day.empty()) {
         return {};
+    }
     return DateFromDay({YearNamed(year), NumberNamed(month), NumberNamed(day)});
 }
 
 /// The name of the member's ancestor `steps` levels up; empty above the top.
 std::string AncestorName(const Member& member, std::int32_t steps) {
     std::unique_ptr<Member> ancestor = member.Parent();
-    for (std::int32_t i = 1; i < steps && ancestor; ++i)
+    for (std::int32_t i = 1; i < steps && ancestor; ++i) {
         ancestor = ancestor->Parent();
+    }
     return ancestor ? ancestor->Name() : std::string();
 }
 
@@ -95,8 +99,9 @@ std::int32_t LoadCubeDates(ThreadState& thread, DataAccess& dataAccess) {
     const auto catalog = dataAccess.CreateCatalog();
     catalog->SetActiveConnection(RequireConnection(thread).ConnectionString());
     const auto cube = catalog->CubeAt(0);
-    if (cube->DimensionNamed("actx")->HierarchyAt(0)->LevelCount() < fewestObsLevels)
+    if (cube->DimensionNamed("actx")->HierarchyAt(0)->LevelCount() < fewestObsLevels) {
         return outdatedLayout;
+    }
     const auto hierarchy = cube->DimensionNamed("Date")->HierarchyAt(0);
     thread.dates = Periods(*hierarchy).Load();
     return currentLayout;

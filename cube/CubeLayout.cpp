@@ -51,8 +51,9 @@ std::string Path(std::initializer_list<std::string> names) {
 std::unique_ptr<Dimension> FindDimension(const CubeDef& cube, const char* name) {
     for (std::int32_t i = 0; i < cube.DimensionCount(); ++i) {
         auto dimension = cube.DimensionAt(i);
-        if (EqualIgnoringCase(dimension->Name(), name))
+        if (EqualIgnoringCase(dimension->Name(), name)) {
             return dimension;
+        }
     }
     return nullptr;
 }
@@ -60,16 +61,19 @@ std::unique_ptr<Dimension> FindDimension(const CubeDef& cube, const char* name) 
 std::unique_ptr<Hierarchy> FindHierarchy(const Dimension& dimension, const char* name) {
     for (std::int32_t i = 0; i < dimension.HierarchyCount(); ++i) {
         auto hierarchy = dimension.HierarchyAt(i);
-        if (!name || EqualIgnoringCase(hierarchy->Name(), name))
+        if (!name || EqualIgnoringCase(hierarchy->Name(), name)) {
             return hierarchy;
+        }
     }
     return nullptr;
 }
 
 bool HasLevel(const Hierarchy& hierarchy, const char* name) {
-    for (std::int32_t i = 0; i < hierarchy.LevelCount(); ++i)
-        if (EqualIgnoringCase(hierarchy.LevelAt(i)->Name(), name))
+    for (std::int32_t i = 0; i < hierarchy.LevelCount(); ++i) {
+        if (EqualIgnoringCase(hierarchy.LevelAt(i)->Name(), name)) {
             return true;
+        }
+    }
     return false;
 }
 
@@ -78,8 +82,9 @@ void CheckHierarchy(const CubeDef& cube, const RequiredHierarchy& required,
     const auto dimension = FindDimension(cube, required.dimension);
     if (!dimension) {
         const std::string fault = "no dimension " + Path({required.dimension});
-        if (faults.empty() || faults.back() != fault) // it is told once for all of its hierarchies
+        if (faults.empty() || faults.back() != fault) { // it is told once for all of its hierarchies
             faults.push_back(fault);
+        }
         return;
     }
     const auto hierarchy = FindHierarchy(*dimension, required.hierarchy);
@@ -88,21 +93,25 @@ void CheckHierarchy(const CubeDef& cube, const RequiredHierarchy& required,
                          Path({required.dimension, required.hierarchy ? required.hierarchy : "(any)"}));
         return;
     }
-    for (const char* level : required.levels)
-        if (!HasLevel(*hierarchy, level))
+    for (const char* level : required.levels) {
+        if (!HasLevel(*hierarchy, level)) {
             faults.push_back("no level " + Path({required.dimension, hierarchy->Name(), level}));
-    if (hierarchy->LevelCount() < required.fewestLevels)
+        }
+    }
+    if (hierarchy->LevelCount() < required.fewestLevels) {
         faults.push_back(Path({required.dimension, hierarchy->Name()}) + " has " +
                          std::to_string(hierarchy->LevelCount()) + " levels instead of at least " +
                          std::to_string(required.fewestLevels));
+    }
 }
 
 } // namespace
 
 std::vector<std::string> FindLayoutFaults(const CubeDef& cube) {
     std::vector<std::string> faults;
-    for (const auto& required : Layout())
+    for (const auto& required : Layout()) {
         CheckHierarchy(cube, required, faults);
+    }
     return faults;
 }
 

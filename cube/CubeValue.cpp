@@ -41,8 +41,9 @@ ValueSelection Select(const ValueArguments& arguments, const Locale& locale) {
 
 /// Callers get their selections back as pieces of the slicer; an unrestricted RH alone stays as it was.
 void OverwriteWithSlicers(const ValueArguments& arguments) {
-    if (!IsUnrestricted(arguments.rh))
+    if (!IsUnrestricted(arguments.rh)) {
         arguments.rh = MemberSlicer("[RH]", arguments.rh);
+    }
     arguments.firma = MemberSlicer("[Firma]", arguments.firma);
     arguments.openingBalance = MemberSlicer("[Opening_Balance]", arguments.openingBalance);
     arguments.moneySet = MemberSlicer("[MoneySet]", arguments.moneySet);
@@ -69,17 +70,20 @@ Variant ReadFirstCell(const std::string& statement, const ThreadState& thread, D
 Variant ComputeCubeValue(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
                          const ValueArguments& arguments) {
     DayRange days{ParseDate(arguments.fromDate, locale), ParseDate(arguments.toDate, locale)};
-    if (const auto known = ClampToCube(thread.dates, days))
+    if (const auto known = ClampToCube(thread.dates, days)) {
         return *known;
+    }
     const ValueSelection selection = Select(arguments, locale);
     OverwriteWithSlicers(arguments);
     std::string obsSel;
-    if (NeedsObsSel(selection))
+    if (NeedsObsSel(selection)) {
         obsSel = BuildObsSel(thread, dataAccess, std::string(Trimmed(selection.obsLevel)),
                              std::string(Trimmed(selection.obsMember)));
+    }
     const auto span = FindPeriods(thread.dates, days);
-    if (!span)
+    if (!span) {
         return Zero();
+    }
     return ReadFirstCell(ComposeValueStatement(selection, *span, obsSel), thread, dataAccess);
 }
 

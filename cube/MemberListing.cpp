@@ -46,8 +46,9 @@ std::int32_t FirstFilledField(Recordset& rows, std::int32_t fieldCount) {
     for (std::int32_t field = 0; field < fieldCount; ++field) {
         for (rows.MoveFirst(); !rows.AtEnd(); rows.MoveNext()) {
             const Variant value = rows.FieldValue(field);
-            if (value.Is<std::string>() && !value.As<std::string>().empty())
+            if (value.Is<std::string>() && !value.As<std::string>().empty()) {
                 return field;
+            }
         }
     }
     return fieldCount;

@@ -26,10 +26,12 @@ std::string ComposeMemberNameStatement(const std::string& cubeName, const std::s
 std::string GetMemberName(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
                           const std::string& cubeName, const std::string& dimType,
                           const std::string& dimMember) {
-    if (IsNameAlready(dimMember, locale))
+    if (IsNameAlready(dimMember, locale)) {
         return dimMember;
-    if (!ContainsIgnoringCase(dimType, "SuperSum"))
+    }
+    if (!ContainsIgnoringCase(dimType, "SuperSum")) {
         return {};
+    }
     const auto cellset = dataAccess.CreateCellset();
     cellset->Open(ComposeMemberNameStatement(cubeName, dimType, dimMember), thread.CubeConnection);
     std::string name = cellset->MemberAt(rows, 0, 0).caption.value_or("");

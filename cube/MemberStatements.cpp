@@ -46,8 +46,9 @@ std::string CostCentersStatement(const MemberListing& listing) {
     std::string text = std::string(moneyTypeOnColumns) +
                        " non empty{ [Cost_Centers].[Cost_Center].members }on rows FROM " + listing.cubeName +
                        " WHERE " + obsNumbers;
-    if (!listing.argumentA.empty())
+    if (!listing.argumentA.empty()) {
         text += Step(listing.argumentA) + SubMemberSuffix(listing.obsSubMember);
+    }
     return text;
 }
 
@@ -83,8 +84,9 @@ bool NamesObsLevel(const std::string& name) {
 std::optional<std::string> ComposeCellsetStatement(const MemberListing& listing) {
     switch (listing.kind) {
     case CellsetKind::Accounts:
-        if (listing.accountsMode != 1)
+        if (listing.accountsMode != 1) {
             return std::nullopt;
+        }
         return AccountsStatement(listing);
     case CellsetKind::ObsOrCostCenters:
         return NamesObsLevel(listing.argumentB) ? ObsLevelStatement(listing) : CostCentersStatement(listing);

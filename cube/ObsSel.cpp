@@ -19,12 +19,14 @@ std::string BuildObsSel(const ThreadState& thread, DataAccess& dataAccess, const
     catalog->SetActiveConnection(RequireConnection(thread).ConnectionString());
     const auto hierarchy = catalog->CubeAt(0)->DimensionNamed("OBS")->HierarchyAt(0);
     const auto obsLevel = hierarchy->LevelNamed(level);
-    if (obsLevel->MemberCount() > mostMembers)
+    if (obsLevel->MemberCount() > mostMembers) {
         throw PlatformError(ErrorNumber::Overflow);
+    }
     std::string text;
     for (const auto& found : obsLevel->MembersNamed(member)) {
-        if (text.empty())
+        if (text.empty()) {
             text = "\r\n Member [Obs].Sel as ' SUM ({ ";
+        }
         text.append(" , ").append(ReplaceAll(found->UniqueName(), "'", "''"));
     }
     return text + " }) ' ";

@@ -32,12 +32,14 @@ PeriodSpan CountPeriods(const DateTable& table, AutomationDate from, AutomationD
 
 std::optional<Variant> ClampToCube(const DateTable& table, DayRange& days) {
     auto& [from, to] = days;
-    if (from > to)
+    if (from > to) {
         return startsAfterItsEnd;
+    }
     to = WithoutTime(to);
     if (from < table.CubeMinDate) {
-        if (to < table.CubeMinDate)
+        if (to < table.CubeMinDate) {
             return Nothing();
+        }
         if (!from.IsZero()) {
             from = table.CubeMinDate;
         } else if (to > table.CubeMaxDate) {
@@ -46,8 +48,9 @@ std::optional<Variant> ClampToCube(const DateTable& table, DayRange& days) {
         }
     }
     if (to > table.CubeMaxDate) {
-        if (from > table.CubeMaxDate)
+        if (from > table.CubeMaxDate) {
             return Nothing();
+        }
         to = table.CubeMaxDate;
     }
     return std::nullopt;
@@ -55,12 +58,14 @@ std::optional<Variant> ClampToCube(const DateTable& table, DayRange& days) {
 
 std::optional<PeriodSpan> FindPeriods(const DateTable& table, DayRange days) {
     const auto& dates = table.CubeDates;
-    if (dates.empty())
+    if (dates.empty()) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     AutomationDate from = StartOfPeriods(table, days.from);
     const auto firstAfter = std::upper_bound(dates.begin(), dates.end(), days.to);
-    if (firstAfter == dates.begin()) // the days end before the first period
+    if (firstAfter == dates.begin()) { // the days end before the first period
         return std::nullopt;
+    }
     const AutomationDate to = *(firstAfter - 1);
     from = from.IsZero() ? to : std::min(from, to);
     return CountPeriods(table, from, to);

@@ -19,10 +19,12 @@ public:
     SlicerList() { text_.reserve(usualLength / 2); }
 
     void Add(std::string_view piece) {
-        if (piece.empty())
+        if (piece.empty()) {
             return;
-        if (!text_.empty())
+        }
+        if (!text_.empty()) {
             text_ += ',';
+        }
         text_ += piece;
     }
     const std::string& Text() const { return text_; }
@@ -43,16 +45,19 @@ std::string ObsSlicer(const ValueSelection& selection) {
     static const std::string noNode(1, '\0');
     std::string slicer = "[ActX].[OBSx].[All]";
     AppendBracketed(slicer, Trimmed(selection.obsName));
-    if (selection.obsNumber != noNode)
+    if (selection.obsNumber != noNode) {
         AppendBracketed(slicer, selection.obsNumber);
+    }
     return slicer;
 }
 
 std::string ObsLevelSlicer(const ValueSelection& selection) {
-    if (NeedsObsSel(selection))
+    if (NeedsObsSel(selection)) {
         return "[Obs].Sel";
-    if (Trimmed(selection.obsLevel) == everything)
+    }
+    if (Trimmed(selection.obsLevel) == everything) {
         return {};
+    }
     std::string slicer = "[Cost_Centers].[All]";
     AppendBracketed(slicer, Trimmed(selection.obsMember));
     return slicer;
@@ -75,8 +80,9 @@ std::string Slicers(const ValueSelection& selection) {
 /// The summary level is compared as it stands: with blanks around it, "All" is a level's name.
 std::string RowsSuffix(const ValueSelection& selection) {
     const std::string& level = selection.summaryLevel;
-    if (Trimmed(level).empty() || EqualIgnoringCase(level, everything))
+    if (Trimmed(level).empty() || EqualIgnoringCase(level, everything)) {
         return {};
+    }
     std::string suffix;
     AppendBracketed(suffix, level);
     AppendBracketed(suffix, Trimmed(selection.summaryMember));
@@ -91,8 +97,9 @@ bool IsUnrestricted(std::string_view selection) {
 }
 
 std::string MemberSlicer(std::string_view dimension, std::string_view member) {
-    if (IsUnrestricted(member))
+    if (IsUnrestricted(member)) {
         return {};
+    }
     std::string slicer;
     slicer.reserve(dimension.size() + member.size() + std::string_view(".[]").size());
     slicer += dimension;
@@ -116,8 +123,9 @@ std::string ComposeValueStatement(const ValueSelection& selection, const PeriodS
     text.append(" SELECT  { [Date].DateSel} ON COLUMNS,  { [SuperSumery].[SumeryCode]");
     text.append(RowsSuffix(selection)).append(" }ON ROWS  From ").append(selection.cubeName);
     const std::string slicers = Slicers(selection);
-    if (!slicers.empty())
+    if (!slicers.empty()) {
         text.append(" where (  ").append(slicers).append(")");
+    }
     return text;
 }
 

@@ -25,24 +25,29 @@ KeyList NoKey() { return KeyList(1); }
 KeyList RangeToList(const Range& range, const Locale& locale) {
     KeyList list;
     range.ForEachCell([&](const Variant& value) {
-        if (list.size() == mostCells)
+        if (list.size() == mostCells) {
             throw PlatformError(ErrorNumber::Overflow);
+        }
         list.emplace_back(std::string(Trimmed(ToText(value, locale))));
     });
     return list.empty() ? NoKey() : list;
 }
 
 KeyList OneDimensionToList(const VariantArray& array, const Locale& locale) {
-    if (array.bounds.empty()) // an array that was never dimensioned
+    if (array.bounds.empty()) { // an array that was never dimensioned
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     const ArrayBounds bounds = array.bounds.front();
-    if (bounds.upper > largestUpperBound)
+    if (bounds.upper > largestUpperBound) {
         throw PlatformError(ErrorNumber::ToManyDimensions);
-    if (array.bounds.size() > 1 || bounds.upper < bounds.lower)
+    }
+    if (array.bounds.size() > 1 || bounds.upper < bounds.lower) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     KeyList list;
-    for (const Variant& element : array.elements)
+    for (const Variant& element : array.elements) {
         list.emplace_back(ToText(element, locale));
+    }
     return list;
 }
 
@@ -50,8 +55,9 @@ KeyList OneDimensionToList(const VariantArray& array, const Locale& locale) {
 
 KeyList ArgToList(const Variant& value, const Locale& locale) {
     const std::string type = value.TypeName();
-    if (std::find(std::begin(flattenedTypes), std::end(flattenedTypes), type) != std::end(flattenedTypes))
+    if (std::find(std::begin(flattenedTypes), std::end(flattenedTypes), type) != std::end(flattenedTypes)) {
         return ArrayToList(value, locale);
+    }
     if (type == "Range") {
         const auto range = std::dynamic_pointer_cast<const Range>(value.As<std::shared_ptr<const Object>>());
         return range ? RangeToList(*range, locale) : NoKey();
@@ -61,8 +67,9 @@ KeyList ArgToList(const Variant& value, const Locale& locale) {
 }
 
 KeyList ArrayToList(const Variant& value, const Locale& locale) {
-    if (value.IsArray())
+    if (value.IsArray()) {
         return OneDimensionToList(*value.As<std::shared_ptr<const VariantArray>>(), locale);
+    }
     return {Variant(ToText(value, locale))};
 }
 

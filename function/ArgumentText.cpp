@@ -22,11 +22,13 @@ void ReplaceQuotes(Variant& argument, const VariantArray& array, const Locale& l
 
 std::string ArrayText(Variant& argument, const Locale& locale) {
     const auto array = argument.As<std::shared_ptr<const VariantArray>>();
-    if (array->elements.empty())
+    if (array->elements.empty()) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     if (array->elements.size() == 1) {
-        if (array->elements.front().Is<Empty>())
+        if (array->elements.front().Is<Empty>()) {
             return Quoted("") + std::string(textSeparator);
+        }
         ReplaceQuotes(argument, *array, locale);
     }
     std::string text;
@@ -42,10 +44,11 @@ std::string ArrayText(Variant& argument, const Locale& locale) {
 std::string ComposeArgumentText(FormulaArgs& arguments, const Locale& locale) {
     std::string text;
     for (Variant& argument : arguments) {
-        if (argument.IsArray())
+        if (argument.IsArray()) {
             text += ArrayText(argument, locale);
-        else
+        } else {
             text += Quoted(ToText(argument, locale)) + std::string(textSeparator);
+        }
     }
     text.resize(text.size() - textSeparator.size());
     return text;

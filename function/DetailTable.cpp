@@ -51,10 +51,12 @@ std::vector<std::string> SplitAtCommas(const std::string& text) {
 
 std::string ValueOf(const std::string& part, std::size_t index) {
     std::string value = ReplaceAll(part, "\"", "");
-    if (index >= firstList && index <= lastList)
+    if (index >= firstList && index <= lastList) {
         value = ReplaceAll(ReplaceAll(value, "}", ""), "{", "");
-    if (index >= firstTrimmed && index <= lastTrimmed)
+    }
+    if (index >= firstTrimmed && index <= lastTrimmed) {
         Trim(value);
+    }
     return value;
 }
 
@@ -65,10 +67,12 @@ std::shared_ptr<const VariantArray> ComposeDetailTable(const std::string& argume
     const std::size_t rows = parts.size() + 1; // one to spare
     VariantArray table{ElementType::Variant, {{0, static_cast<std::int32_t>(rows) - 1}, {0, 1}}, {}};
     table.elements.resize(rows * 2);
-    for (std::size_t i = 0; i < parts.size(); ++i)
+    for (std::size_t i = 0; i < parts.size(); ++i) {
         table.elements[rows + i] = ValueOf(parts[i], i);
-    for (std::size_t i = 0; i < std::size(labels); ++i)
+    }
+    for (std::size_t i = 0; i < std::size(labels); ++i) {
         table.elements.at(i) = iLang == Language::Hebrew ? labels[i].hebrew : labels[i].english;
+    }
     return std::make_shared<const VariantArray>(std::move(table));
 }
 

@@ -17,10 +17,12 @@ constexpr std::size_t mostKeys = 32768; // keys are counted in 16 bits
 /// Formulas carry a double quote of a member's key as a no-break space.
 void RestoreQuotes(KeyList& keys, const Locale& locale) {
     constexpr std::string_view noBreakSpace = "\xC2\xA0";
-    if (keys.size() > mostKeys)
+    if (keys.size() > mostKeys) {
         throw PlatformError(ErrorNumber::Overflow);
-    for (Variant& key : keys)
+    }
+    for (Variant& key : keys) {
         key = ReplaceAll(ToText(key, locale), noBreakSpace, "\"");
+    }
 }
 
 bool IsOutdatedCube(const Variant& result) {
@@ -46,12 +48,14 @@ Variant OrmQelFunction::QelFuncDemo(std::string& cubeFile, std::string& CubeName
     try {
         Trim(cubeFile);
         Trim(CubeName);
-        if (!EnsureCurrentCubeOpen(thread, dataAccess, opened_, {cubeFile, CubeName}))
+        if (!EnsureCurrentCubeOpen(thread, dataAccess, opened_, {cubeFile, CubeName})) {
             return outdatedCube;
+        }
         RestoreQuotes(arrObsMember, locale);
         Trim(strMeasure);
-        if (strMin.IsZero())
+        if (strMin.IsZero()) {
             strMin = strMax;
+        }
         Variant result = ModSetCube::GetCubeValue(thread, dataAccess, locale,
                                                   {.cubeName = CubeName,
                                                    .obsNames = ObsName,

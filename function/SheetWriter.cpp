@@ -20,9 +20,10 @@ std::string PlaceText(const SheetRange& cell, std::int32_t rowOffset, std::int32
 std::string OverwriteQuestion(const SheetRange& xlActiveCell, const SheetRange& activeCell,
                               std::int32_t rowOffset, std::int32_t columnOffset, std::int16_t iLang) {
     // The labels are Hebrew for language 1 alone, the question also for 0.
-    if (iLang <= lastLanguageOfHebrewQuestion)
+    if (iLang <= lastLanguageOfHebrewQuestion) {
         return " קיימים נתונים \r\n\r\n תא : " + PlaceText(activeCell, rowOffset, columnOffset) +
                "\r\n\r\nלהמשיך ? ";
+    }
     return " There is data in \r\n\r\ncell : " + PlaceText(xlActiveCell, rowOffset, columnOffset) +
            "\r\n\r\nContinue ? ";
 }
@@ -34,11 +35,13 @@ bool MayOverwrite(const SheetRange& xlActiveCell, const SheetApplication& applic
     const std::int32_t row = activeCell->Row(), column = activeCell->Column();
     for (std::int32_t c = 0; c < checkedColumns; ++c) {
         for (std::int32_t r = 0; r < checkedRows; ++r) {
-            if (application.Cells(row + r, column + c)->Value().Is<Empty>())
+            if (application.Cells(row + r, column + c)->Value().Is<Empty>()) {
                 continue;
+            }
             const auto question = OverwriteQuestion(xlActiveCell, *activeCell, r, c, iLang);
-            if (messages.Show(MessageBoxStyle::YesNoWithStop, "", question) != MessageBoxAnswer::Yes)
+            if (messages.Show(MessageBoxStyle::YesNoWithStop, "", question) != MessageBoxAnswer::Yes) {
                 return false;
+            }
         }
     }
     return true;
@@ -56,8 +59,9 @@ void WriteDetailTable(const SheetRange& xlActiveCell, const std::string& argumen
                       MessageDisplay& messages) {
     const auto application = xlActiveCell.Application();
     const auto table = ComposeDetailTable(argumentText, iLang);
-    if (!MayOverwrite(xlActiveCell, *application, iLang, messages))
+    if (!MayOverwrite(xlActiveCell, *application, iLang, messages)) {
         return;
+    }
     const auto first = application->ActiveCell();
     const std::int32_t lastRow = table->bounds.front().upper;
     application->Range(*first, *first->Offset(lastRow - rowsNotText, 1))->SetNumberFormat("@");

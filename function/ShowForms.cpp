@@ -18,17 +18,19 @@ constexpr std::int16_t detailShown = -1; // the platform's number for true
 constexpr std::int32_t notImplemented = static_cast<std::int32_t>(0x80004001);
 
 std::shared_ptr<SheetApplication> ApplicationOf(const std::shared_ptr<SheetRange>& cell) {
-    if (!cell)
+    if (!cell) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    }
     return cell->Application();
 }
 
 } // namespace
 
 WizardContext OrmQelFunction::RequireWizards() const {
-    if (context_.wizards == nullptr)
+    if (context_.wizards == nullptr) {
         throw AutomationError(notImplemented,
                               "There are no dialogs here: write the formula into the cell itself.");
+    }
     return {context_.thread, context_.dataAccess, context_.locale, context_.wizards->toolkit,
             context_.wizards->language};
 }
@@ -39,16 +41,18 @@ std::string OrmQelFunction::ShowFormGetVal(const std::shared_ptr<SheetRange>& xl
         const auto application = ApplicationOf(xlActiveCell);
         frmFuncQelWiz form(wizards);
         form.Show();
-        if (form.CanceledPivot)
+        if (form.CanceledPivot) {
             return canceled;
+        }
         put_ResQel(form.QelResult.Is<Null>() ? "0" : ToText(form.QelResult, context_.locale));
         put_iShowDetail(form.bDetail ? detailShown : std::int16_t{0});
         put_iLang(wizards.language.iLang);
         std::string text = ComposeArgumentText(form.FormulaArgs, context_.locale);
-        if (get_iShowDetail() != 0)
+        if (get_iShowDetail() != 0) {
             WriteDetailTable(*xlActiveCell, text, get_iLang(), wizards.Messages());
-        else
+        } else {
             WriteFormula(*application, "QelF1", text);
+        }
         return text;
     } catch (...) {
         ModError::ReportError(wizards.Messages(), ModError::CurrentError(), "", "ShowformGetVal",
@@ -63,8 +67,9 @@ std::string OrmQelFunction::ShowFormQelName(const std::shared_ptr<SheetRange>& x
         const auto application = ApplicationOf(xlActiveCell);
         frmNameWizz form(wizards);
         form.Show();
-        if (form.CanceledPivot)
+        if (form.CanceledPivot) {
             return canceled;
+        }
         put_iLang(wizards.language.iLang);
         std::string text = ComposeNameArgumentText(form.Arguments);
         WriteFormula(*application, "QelName", text);

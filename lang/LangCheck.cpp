@@ -15,16 +15,20 @@ LangFindings Findings(const std::map<std::int32_t, NumberRows>& numbers) {
     LangFindings findings;
     for (const auto& [number, found] : numbers) {
         findings.rows += found.count;
-        if (found.count > 1)
+        if (found.count > 1) {
             findings.duplicate.push_back(number);
-        if (found.firstIsEmpty)
+        }
+        if (found.firstIsEmpty) {
             findings.empty.push_back(number);
-        if (!FindResourceString(number, Language::English))
+        }
+        if (!FindResourceString(number, Language::English)) {
             findings.unknown.push_back(number);
+        }
     }
     for (const auto& entry : StringTable()) {
-        if (!numbers.contains(entry.number))
+        if (!numbers.contains(entry.number)) {
             findings.missing.push_back(entry.number);
+        }
     }
     return findings;
 }
@@ -36,12 +40,14 @@ std::map<std::int32_t, LangFindings> CheckLangRows(const std::vector<LangRow>& r
                                                                          {Language::Hebrew, {}}};
     for (const auto& row : rows) {
         NumberRows& number = languages[row.language][row.number];
-        if (number.count++ == 0)
+        if (number.count++ == 0) {
             number.firstIsEmpty = row.text.empty();
+        }
     }
     std::map<std::int32_t, LangFindings> findings;
-    for (const auto& [language, numbers] : languages)
+    for (const auto& [language, numbers] : languages) {
         findings[language] = Findings(numbers);
+    }
     return findings;
 }
 

@@ -17,16 +17,18 @@ std::string LangTablePath(const StoreEnvironment& store) {
 std::int16_t LanguageFromIni(StoreEnvironment& store) {
     const std::string setting =
         ModPublics::ReadQelIni(store, ModPublics::languageSection, ModPublics::languageKey);
-    if (setting == "1")
+    if (setting == "1") {
         return Language::Hebrew;
+    }
     return setting == "2" ? Language::Further : Language::English;
 }
 
 void InitLanguage(LanguageState& state) {
     state.iLang = LanguageFromIni(state.store);
     state.resourceOnly = !FileExists(LangTablePath(state.store));
-    if (!state.resourceOnly)
+    if (!state.resourceOnly) {
         LoadLangTable(state);
+    }
 }
 
 bool LoadLangTable(LanguageState& state) {
@@ -43,8 +45,9 @@ bool LoadLangTable(LanguageState& state) {
 }
 
 std::string GetLangString(const LanguageState& state, std::int32_t id) {
-    if (!state.table || state.resourceOnly)
+    if (!state.table || state.resourceOnly) {
         return ResourceString(id, state.iLang);
+    }
     return state.table->Find(id).value_or(std::to_string(id));
 }
 

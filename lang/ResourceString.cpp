@@ -9,8 +9,9 @@ std::optional<std::string> FindResourceString(std::int32_t number, std::int16_t 
     const auto found =
         std::lower_bound(table.begin(), table.end(), number,
                          [](const auto& entry, std::int32_t wanted) { return entry.number < wanted; });
-    if (found == table.end() || found->number != number)
+    if (found == table.end() || found->number != number) {
         return std::nullopt;
+    }
     return language == Language::Hebrew ? found->hebrew : found->english;
 }
 

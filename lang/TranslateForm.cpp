@@ -25,8 +25,9 @@ public:
 
     void Run() {
         const auto caption = NumberOf(form_.Tag());
-        if (caption > 0)
+        if (caption > 0) {
             form_.SetCaption(ResourceString(caption, state_.iLang));
+        }
         const DialogFont font = FontOf(state_.iLang);
         form_.SetFont(font);
         for (FormControl* control : form_.Controls()) {
@@ -54,11 +55,13 @@ private:
                 Replace(*tab, TextProperty::ToolTipText, TextProperty::ToolTipText);
             }
         } else if (kind == "Toolbar") {
-            for (FormItem* button : control.Items())
+            for (FormItem* button : control.Items()) {
                 Replace(*button, TextProperty::ToolTipText, TextProperty::ToolTipText);
+            }
         } else if (kind == "ListView") {
-            for (FormItem* header : control.Items())
+            for (FormItem* header : control.Items()) {
                 Replace(*header, TextProperty::Tag, TextProperty::Text);
+            }
         } else {
             Replace(control, TextProperty::Tag, TextProperty::Caption);
             Replace(control, TextProperty::ToolTipText, TextProperty::ToolTipText);
@@ -68,8 +71,9 @@ private:
     /// Puts the text of the number that stands in `from` into `to`; without a number it stays as designed.
     void Replace(FormItem& item, TextProperty from, TextProperty to) const {
         const auto number = NumberOf(item.GetText(from));
-        if (number > 0)
+        if (number > 0) {
             item.SetText(to, GetLangString(state_, number));
+        }
     }
 
     const LanguageState& state_;

@@ -14,7 +14,7 @@ build_packages="g++ cmake ninja-build ccache libfmt-dev nlohmann-json3-dev libcl
     libgtest-dev libgmock-dev libsqlite3-dev libsimpleini-dev libpugixml-dev libexpat1-dev libcurl4-openssl-dev python3-minimal python3"
 office_packages="libreoffice-calc libreoffice-dev python3-uno python3-openpyxl fonts-liberation poppler-utils
     xvfb imagemagick"
-style_packages="clang clang-format clang-tidy"
+style_packages="clang clang-format-16 clang-tidy"
 windows_packages="g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools libwine-dev wine wine64
     xvfb imagemagick fonts-dejavu-core fonts-dejavu-extra fonts-wine" # the second line for dialogs on a screen
 command -v npm >/dev/null || windows_packages+=" npm" # SQLite's source for the Windows build comes through it

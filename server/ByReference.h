@@ -15,8 +15,9 @@ public:
     /// Raises 5 for a null pointer; a null text is an empty one.
     explicit TextsByReference(const std::array<BSTR*, count>& places) : places_(places) {
         for (std::size_t i = 0; i < count; ++i) {
-            if (places[i] == nullptr)
+            if (places[i] == nullptr) {
                 throw PlatformError(ErrorNumber::InvalidProcedureCall);
+            }
             texts_[i] = windows::TextOfBstr(*places[i]);
         }
         before_ = texts_;
@@ -27,8 +28,9 @@ public:
     /// Gives the caller new texts where they changed.
     void WriteBack() const {
         for (std::size_t i = 0; i < count; ++i) {
-            if (texts_[i] == before_[i])
+            if (texts_[i] == before_[i]) {
                 continue;
+            }
             windows::Bstr text(texts_[i]);
             ::SysFreeString(*places_[i]);
             *places_[i] = text.Release();
@@ -43,8 +45,9 @@ private:
 /// The place for a member's result. Raises 5 for a null pointer.
 template <class T>
 T& ResultPlace(T* place) {
-    if (place == nullptr)
+    if (place == nullptr) {
         throw PlatformError(ErrorNumber::InvalidProcedureCall);
+    }
     return *place;
 }
 

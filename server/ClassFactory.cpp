@@ -5,11 +5,13 @@
 namespace qel::server {
 
 STDMETHODIMP ClassFactory::QueryInterface(REFIID id, void** object) {
-    if (object == nullptr)
+    if (object == nullptr) {
         return E_POINTER;
+    }
     *object = nullptr;
-    if (id != IID_IUnknown && id != IID_IClassFactory)
+    if (id != IID_IUnknown && id != IID_IClassFactory) {
         return E_NOINTERFACE;
+    }
     *object = static_cast<IClassFactory*>(this);
     AddRef();
     return S_OK;
@@ -17,17 +19,20 @@ STDMETHODIMP ClassFactory::QueryInterface(REFIID id, void** object) {
 
 STDMETHODIMP_(ULONG) ClassFactory::Release() {
     const ULONG left = --references_;
-    if (left == 0)
+    if (left == 0) {
         delete this; // NOLINT(cppcoreguidelines-owning-memory): a COM object is its references'
+    }
     return left;
 }
 
 STDMETHODIMP ClassFactory::CreateInstance(IUnknown* outer, REFIID id, void** object) {
-    if (object == nullptr)
+    if (object == nullptr) {
         return E_POINTER;
+    }
     *object = nullptr;
-    if (outer != nullptr)
+    if (outer != nullptr) {
         return CLASS_E_NOAGGREGATION;
+    }
     HRESULT found = E_NOINTERFACE;
     const HRESULT made = Guarded(IID_IClassFactory, "OrmFuncQel4", [&] {
         const auto instance = class_.create(TypesOf(class_));

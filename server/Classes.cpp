@@ -23,8 +23,9 @@ ComPointer<IDispatch> Create(const ClassTypes& types) {
 std::vector<ClassTypes> LoadTypes() {
     const ComPointer<ITypeLib> library = OwnTypeLibrary();
     std::vector<ClassTypes> types;
-    for (const ServerClass& serverClass : ServerClasses())
+    for (const ServerClass& serverClass : ServerClasses()) {
         types.emplace_back(serverClass.automation, *library.Get());
+    }
     return types;
 }
 

@@ -19,12 +19,14 @@ HRESULT Try(void (*work)(RegistrationScope), RegistrationScope scope) {
 } // namespace
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID id, LPVOID* object) {
-    if (object == nullptr)
+    if (object == nullptr) {
         return E_POINTER;
+    }
     *object = nullptr;
     for (const ServerClass& serverClass : ServerClasses()) {
-        if (serverClass.automation.classId != classId)
+        if (serverClass.automation.classId != classId) {
             continue;
+        }
         return Guarded(IID_IClassFactory, "OrmFuncQel4", [&] {
             const auto factory = qel::windows::ComPointer<ClassFactory>::Adopt(
                 std::make_unique<ClassFactory>(serverClass).release());

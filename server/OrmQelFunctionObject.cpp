@@ -24,17 +24,19 @@ Variant Read(const VARIANT* argument) {
 /// The elements of an array that a caller passed as a list. Raises 13 for anything else.
 KeyList ElementsOf(const VARIANT* argument, const char* name) {
     const Variant list = Read(argument);
-    if (!list.IsArray())
+    if (!list.IsArray()) {
         throw AutomationError(ErrorNumber::TypeMismatch,
                               std::string("Type mismatch: QelFuncDemo takes ") + name + " as an array");
+    }
     return list.As<std::shared_ptr<const VariantArray>>()->elements;
 }
 
 /// Puts keys that were rewritten into the caller's own array.
 void WriteKeys(VARIANT& list, const KeyList& keys) {
     VARIANT& target = windows::Dereferenced(list);
-    if (V_ISARRAY(&target))
+    if (V_ISARRAY(&target)) {
         windows::ReplaceTexts(V_ISBYREF(&target) ? *V_ARRAYREF(&target) : V_ARRAY(&target), keys);
+    }
 }
 
 /// Null when the caller passed no cell.

@@ -64,16 +64,18 @@ void UnregisterClass(const RegistryTree& tree, const AutomationClass& type) {
     tree.Remove(ClassKey(type));
     tree.Remove(InterfaceKey(type));
     // Both bitnesses share the name by which scripts and formulas find the class.
-    if (!tree.OtherBitnessHas(ClassKey(type)))
+    if (!tree.OtherBitnessHas(ClassKey(type))) {
         tree.Remove(type.progId);
+    }
 }
 
 void UnregisterLibrary(const RegistryTree& tree) {
     const std::wstring key = LibraryKey() + L"\\" + version;
     tree.Remove(key + L"\\0\\" + platform);
     tree.RemoveIfChildless(key + L"\\0");
-    if (!tree.Has(key + L"\\0"))
+    if (!tree.Has(key + L"\\0")) {
         tree.Remove(key);
+    }
     tree.RemoveIfChildless(LibraryKey());
 }
 
@@ -96,8 +98,9 @@ void Register(RegistrationScope scope) {
 
 void Unregister(RegistrationScope scope) {
     const RegistryTree tree = TreeOf(scope);
-    for (const ServerClass& serverClass : ServerClasses())
+    for (const ServerClass& serverClass : ServerClasses()) {
         UnregisterClass(tree, serverClass.automation);
+    }
     UnregisterLibrary(tree);
 }
 

@@ -13,8 +13,9 @@ class Key {
 public:
     Key() = default;
     ~Key() {
-        if (key_ != nullptr)
+        if (key_ != nullptr) {
             ::RegCloseKey(key_);
+        }
     }
     Key(const Key&) = delete;
     Key& operator=(const Key&) = delete;
@@ -27,8 +28,9 @@ private:
 };
 
 void CheckKey(LSTATUS status, const char* what, const std::wstring& key) {
-    if (status == ERROR_SUCCESS)
+    if (status == ERROR_SUCCESS) {
         return;
+    }
     const AutomationError failure = windows::FailureOf(HRESULT_FROM_WIN32(status), what);
     throw AutomationError(failure.Number(),
                           fmt::format("{} (registry key {})", failure.Description(), windows::ToUtf8(key)));
@@ -49,20 +51,23 @@ void RegistryTree::SetText(const std::wstring& key, const std::wstring& name,
 
 void RegistryTree::Remove(const std::wstring& key) const {
     const LSTATUS status = ::RegDeleteTreeW(root_, Full(key).c_str());
-    if (status != ERROR_FILE_NOT_FOUND)
+    if (status != ERROR_FILE_NOT_FOUND) {
         CheckKey(status, "cannot be removed", key);
+    }
 }
 
 void RegistryTree::RemoveIfChildless(const std::wstring& key) const {
     Key opened;
-    if (::RegOpenKeyExW(root_, Full(key).c_str(), 0, KEY_READ, opened.Receive()) != ERROR_SUCCESS)
+    if (::RegOpenKeyExW(root_, Full(key).c_str(), 0, KEY_READ, opened.Receive()) != ERROR_SUCCESS) {
         return;
+    }
     DWORD children = 0;
     CheckKey(::RegQueryInfoKeyW(opened.Get(), nullptr, nullptr, nullptr, &children, nullptr, nullptr, nullptr,
                                 nullptr, nullptr, nullptr, nullptr),
              "cannot be read", key);
-    if (children == 0)
+    if (children == 0) {
         Remove(key);
+    }
 }
 
 bool RegistryTree::OtherBitnessHas(const std::wstring& key) const {

@@ -19,8 +19,9 @@ HMODULE ServerModule() {
     HMODULE module = nullptr;
     constexpr DWORD flags =
         GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (::GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&ServerModule), &module) == 0)
+    if (::GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&ServerModule), &module) == 0) {
         throw windows::FailureOf(HRESULT_FROM_WIN32(::GetLastError()), "The server's module is unknown");
+    }
     return module;
 }
 
@@ -29,8 +30,9 @@ std::wstring ServerPath() {
     for (;;) {
         const DWORD length =
             ::GetModuleFileNameW(ServerModule(), path.data(), static_cast<DWORD>(path.size()));
-        if (length == 0)
+        if (length == 0) {
             throw windows::FailureOf(HRESULT_FROM_WIN32(::GetLastError()), "The server's path is unknown");
+        }
         if (length < path.size()) {
             path.resize(length);
             return path;
@@ -45,10 +47,11 @@ ServerUse::~ServerUse() { LockServer(false); }
 bool IsServerInUse() { return Uses() > 0; }
 
 void LockServer(bool lock) {
-    if (lock)
+    if (lock) {
         ++Uses();
-    else
+    } else {
         --Uses();
+    }
 }
 
 } // namespace qel::server

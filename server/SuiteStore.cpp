@@ -15,14 +15,16 @@ namespace qel::server {
 namespace {
 
 std::unique_ptr<DatabaseEngine> DatabaseOfMachine() {
-    if (windows::JetDatabase::IsInstalled())
+    if (windows::JetDatabase::IsInstalled()) {
         return std::make_unique<windows::JetDatabase>();
+    }
     return std::make_unique<SqliteDatabase>();
 }
 
 std::unique_ptr<PersistedTableReader> TablesOfMachine() {
-    if (windows::AdoTableReader::IsInstalled())
+    if (windows::AdoTableReader::IsInstalled()) {
         return std::make_unique<windows::AdoTableReader>();
+    }
     return std::make_unique<windows::MsxmlTableReader>();
 }
 

@@ -16,8 +16,9 @@ DataAccess& Providers() {
     static EmbeddedDataAccess embedded;
     static windows::AdoDataAccess machine;
     static ResolvingDataAccess providers([](const std::string& connectionText) -> DataAccess& {
-        if (NamesEmbeddedCube(connectionText))
+        if (NamesEmbeddedCube(connectionText)) {
             return embedded;
+        }
         return machine;
     });
     return providers;

@@ -10,10 +10,12 @@ namespace {
 TableDefinition TableOf(std::string name, std::initializer_list<const char*> texts,
                         std::initializer_list<const char*> dates = {}) {
     TableDefinition table{std::move(name), {}};
-    for (const char* column : texts)
+    for (const char* column : texts) {
         table.columns.push_back({column, ColumnType::Text});
-    for (const char* column : dates)
+    }
+    for (const char* column : dates) {
         table.columns.push_back({column, ColumnType::Date});
+    }
     return table;
 }
 

@@ -18,10 +18,12 @@ std::string LocalDbFolder(StoreEnvironment& store) {
     // The separator is appended before the test for nothing, so a missing MDBPath means the root of the drive
     // and the two steps after it never apply. That order is intended.
     std::string folder = GetRegSetting(store, mdbPathValue) + store.separator;
-    if (folder.empty())
+    if (folder.empty()) {
         folder = GetRegSetting(store, tempPathValue) + store.separator;
-    if (folder.empty())
+    }
+    if (folder.empty()) {
         folder = R"(C:\Pralix 17\)";
+    }
     return folder;
 }
 
@@ -29,8 +31,9 @@ std::string QelFuncMdbPath(StoreEnvironment& store) {
     std::string folder;
     try {
         folder = LocalDbFolder(store);
-        if (!FileExists(folder + localDbFile) && !DirExists(folder))
+        if (!FileExists(folder + localDbFile) && !DirExists(folder)) {
             MakeFolder(folder);
+        }
     } catch (...) {
         ModError::ReportError(store.messages, ModError::CurrentError(), "", "QelFuncMdbPath", "ModAPI");
     }
@@ -49,8 +52,9 @@ std::string GetRegSetting(StoreEnvironment& store, const std::string& valueName)
 
 bool RegOpen(StoreEnvironment& store, KeyHandle root, const std::string& subKey, KeyHandle& handle) {
     const auto opened = store.registry.OpenKey(root, subKey);
-    if (!opened)
+    if (!opened) {
         return false;
+    }
     handle = *opened;
     RememberKey(store, handle, RootKeyName(root) + "\\" + subKey);
     return true;
@@ -59,8 +63,9 @@ bool RegOpen(StoreEnvironment& store, KeyHandle root, const std::string& subKey,
 bool RegGetString(StoreEnvironment& store, KeyHandle handle, const std::string& valueName,
                   std::string& result) {
     const auto value = store.registry.QueryValue(handle, valueName);
-    if (!value || value->type != registryString)
+    if (!value || value->type != registryString) {
         return false;
+    }
     result = value->data.substr(0, value->data.find('\0'));
     return true;
 }
@@ -69,8 +74,9 @@ bool RegClose(StoreEnvironment& store, KeyHandle handle) { return store.registry
 
 std::string KeyName(const StoreEnvironment& store, KeyHandle handle) {
     std::string name = RootKeyName(handle);
-    if (!name.empty())
+    if (!name.empty()) {
         return name;
+    }
     const std::int16_t at = FindKey(store, handle);
     return at == notFound ? std::string() : store.openKeys[static_cast<std::size_t>(at)].name;
 }
@@ -84,10 +90,11 @@ std::int16_t FindKey(const StoreEnvironment& store, KeyHandle handle) {
 
 void RememberKey(StoreEnvironment& store, KeyHandle handle, const std::string& name) {
     const std::int16_t at = FindKey(store, handle);
-    if (at == notFound)
+    if (at == notFound) {
         store.openKeys.push_back({handle, name});
-    else
+    } else {
         store.openKeys[static_cast<std::size_t>(at)].name = name;
+    }
 }
 
 } // namespace qel::ModAPI

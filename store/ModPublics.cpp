@@ -16,8 +16,9 @@ constexpr std::size_t keyLength = 2;
 
 std::string ReadQelIni(StoreEnvironment& store, const std::string& section, const std::string& key) {
     store.suiteFolder = ModAPI::GetRegSetting(store, ModAPI::mdbPathValue);
-    if (store.suiteFolder.empty())
+    if (store.suiteFolder.empty()) {
         store.suiteFolder = store.componentFolder;
+    }
     const std::string value = store.profiles.ReadString(section, key, valueCapacity,
                                                         store.suiteFolder + store.separator + qelIniFile);
     return value.substr(0, value.find('\0'));

@@ -20,8 +20,9 @@ void ClTimming::Start() {
 
 void ClTimming::Finish() {
     finishTick_ = ticks_();
-    if (finishTick_ < startTick_)
+    if (finishTick_ < startTick_) {
         throw PlatformError(ErrorNumber::Overflow);
+    }
     elapsedTicks_ = finishTick_ - startTick_;
 }
 

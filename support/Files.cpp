@@ -35,8 +35,9 @@ std::vector<fs::path> FilesMatching(const fs::path& pattern) {
     const std::string namePattern = NameOf(pattern);
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
         std::error_code ignored;
-        if (entry.is_regular_file(ignored) && MatchesWildcard(NameOf(entry.path()), namePattern))
+        if (entry.is_regular_file(ignored) && MatchesWildcard(NameOf(entry.path()), namePattern)) {
             found.push_back(entry.path());
+        }
     }
     return found;
 }
@@ -55,22 +56,25 @@ bool Trapped(Operation operation) {
 
 void AddBackslash(std::string& path) {
     path.erase(path.find_last_not_of(' ') + 1);
-    if (path.empty() || !IsSeparator(path.back()))
+    if (path.empty() || !IsSeparator(path.back())) {
         path += '\\';
+    }
 }
 
 std::string StripQuotes(std::string_view text) {
     std::string_view stripped = Trimmed(text);
-    if (stripped.size() >= 2 && stripped.front() == '"' && stripped.back() == '"')
+    if (stripped.size() >= 2 && stripped.front() == '"' && stripped.back() == '"') {
         stripped = stripped.substr(1, stripped.size() - 2);
+    }
     return std::string(stripped);
 }
 
 bool FileExists(std::string_view path) {
     return Trapped([&] {
         std::string text = StripQuotes(path);
-        if (!text.empty() && text.back() == '\\')
+        if (!text.empty() && text.back() == '\\') {
             text.pop_back();
+        }
         const fs::path file = PathFromSetting(text);
         return !fs::is_directory(file) && std::ifstream(file, std::ios::binary).is_open();
     });

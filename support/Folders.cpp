@@ -25,13 +25,15 @@ std::string_view WithoutSeparators(std::string_view path) {
 void MakeFolder(std::string_view path) {
     const fs::path folder = PathFromSetting(WithoutSeparators(path));
     std::error_code failed;
-    if (folder.has_parent_path() && !fs::is_directory(folder.parent_path(), failed))
+    if (folder.has_parent_path() && !fs::is_directory(folder.parent_path(), failed)) {
         throw AutomationError(pathNotFound, "Path not found: '" + std::string(path) + "'");
+    }
     failed.clear();
-    if (!fs::create_directory(folder, failed) || failed)
+    if (!fs::create_directory(folder, failed) || failed) {
         throw AutomationError(pathFileAccessError, "Path/File access error: the folder '" +
                                                        std::string(path) + "' cannot be made (" +
                                                        failed.message() + ")");
+    }
 }
 
 } // namespace qel

@@ -35,15 +35,19 @@ PendingError CurrentError(std::int32_t codeSection) noexcept {
 std::string ComposeErrorText(const PendingError& error, const std::string& extraText,
                              const std::string& functionName, const std::string& moduleName) {
     std::string text = "Error : " + std::to_string(error.number) + lineEnd + lineEnd + error.description;
-    if (!extraText.empty())
+    if (!extraText.empty()) {
         text += std::string(lineEnd) + lineEnd + extraText;
+    }
     text += lineEnd;
-    if (error.codeSection > 0)
+    if (error.codeSection > 0) {
         text += std::string(lineEnd) + lineEnd + "Code Section : " + std::to_string(error.codeSection);
-    if (!functionName.empty())
+    }
+    if (!functionName.empty()) {
         AppendLine(text, "Function : ", functionName);
-    if (!moduleName.empty())
+    }
+    if (!moduleName.empty()) {
         AppendLine(text, "Module : ", moduleName);
+    }
     AppendLine(text, "Source : ", error.source);
     return text;
 }

@@ -9,16 +9,18 @@ namespace {
 /// The place after the UTF-8 character at `at`.
 std::size_t AfterCharacter(std::string_view text, std::size_t at) {
     ++at;
-    while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U)
+    while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U) {
         ++at;
+    }
     return at;
 }
 
 } // namespace
 
 bool MatchesWildcard(std::string_view name, std::string_view pattern) {
-    if (pattern == "*.*")
+    if (pattern == "*.*") {
         return true;
+    }
     std::size_t inName = 0;
     std::size_t inPattern = 0;
     // Where to go on when the characters after the last star do not match: the star takes one byte more.

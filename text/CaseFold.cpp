@@ -27,30 +27,36 @@ struct LeadByte {
 };
 
 LeadByte ReadLeadByte(unsigned char byte) {
-    if (byte < 0x80)
+    if (byte < 0x80) {
         return {1, byte};
-    if (byte < 0xC2 || byte > 0xF4)
+    }
+    if (byte < 0xC2 || byte > 0xF4) {
         return {};
-    if (byte < 0xE0)
+    }
+    if (byte < 0xE0) {
         return {2, byte & 0x1FU};
+    }
     const unsigned char lowest = byte == 0xE0 ? 0xA0 : byte == 0xF0 ? 0x90 : firstContinuationByte;
     const unsigned char highest = byte == 0xED ? 0x9F : byte == 0xF4 ? 0x8F : lastContinuationByte;
-    if (byte < 0xF0)
+    if (byte < 0xF0) {
         return {3, byte & 0x0FU, lowest, highest};
+    }
     return {4, byte & 0x07U, lowest, highest};
 }
 
 Decoded DecodeAt(std::string_view text, std::size_t position) {
     const LeadByte lead = ReadLeadByte(static_cast<unsigned char>(text[position]));
-    if (lead.bytes == 0 || text.size() - position < lead.bytes)
+    if (lead.bytes == 0 || text.size() - position < lead.bytes) {
         return {};
+    }
     char32_t codePoint = lead.bits;
     for (std::size_t i = 1; i < lead.bytes; ++i) {
         const auto byte = static_cast<unsigned char>(text[position + i]);
         const unsigned char lowest = i == 1 ? lead.secondFirst : firstContinuationByte;
         const unsigned char highest = i == 1 ? lead.secondLast : lastContinuationByte;
-        if (byte < lowest || byte > highest)
+        if (byte < lowest || byte > highest) {
             return {};
+        }
         codePoint = codePoint << 6U | (byte & 0x3FU);
     }
     return {codePoint, lead.bytes};
@@ -60,8 +66,9 @@ char32_t LowerCase(char32_t codePoint) {
     const auto* range = std::lower_bound(std::begin(caseRanges), std::end(caseRanges), codePoint,
                                          [](const CaseRange& r, char32_t c) { return r.last < c; });
     if (range == std::end(caseRanges) || codePoint < range->first ||
-        (codePoint - range->first) % range->step != 0)
+        (codePoint - range->first) % range->step != 0) {
         return codePoint;
+    }
     return static_cast<char32_t>(static_cast<std::int32_t>(codePoint) + range->delta);
 }
 
@@ -89,10 +96,11 @@ std::size_t AppendFoldedCharacter(std::string_view text, std::size_t position, s
     const Decoded character = DecodeAt(text, position);
     const std::size_t bytes = std::max<std::size_t>(character.bytes, 1);
     const char32_t lower = LowerCase(character.codePoint);
-    if (character.bytes == 0 || lower == character.codePoint)
+    if (character.bytes == 0 || lower == character.codePoint) {
         folded.append(text, position, bytes);
-    else
+    } else {
         AppendUtf8(lower, folded);
+    }
     return bytes;
 }
 
@@ -101,10 +109,11 @@ std::size_t AppendFoldedCharacter(std::string_view text, std::size_t position, s
 void AppendFolded(std::string_view text, std::string& folded) {
     folded.reserve(folded.size() + text.size());
     for (std::size_t i = 0; i < text.size();) {
-        if (IsAscii(text[i]))
+        if (IsAscii(text[i])) {
             folded += LowerAscii(text[i++]);
-        else
+        } else {
             i += AppendFoldedCharacter(text, i, folded);
+        }
     }
 }
 
@@ -117,19 +126,22 @@ std::string FoldCase(std::string_view text) {
 bool EqualIgnoringCase(std::string_view left, std::string_view right) {
     std::size_t i = 0;
     for (; i < left.size() && i < right.size() && IsAscii(left[i]) && IsAscii(right[i]); ++i) {
-        if (LowerAscii(left[i]) != LowerAscii(right[i]))
+        if (LowerAscii(left[i]) != LowerAscii(right[i])) {
             return false;
+        }
     }
-    if (i == left.size() && i == right.size())
+    if (i == left.size() && i == right.size()) {
         return true;
+    }
     return FoldCase(left.substr(i)) == FoldCase(right.substr(i));
 }
 
 bool IsValidUtf8(std::string_view text) {
     for (std::size_t i = 0; i < text.size();) {
         const std::size_t bytes = DecodeAt(text, i).bytes;
-        if (bytes == 0)
+        if (bytes == 0) {
             return false;
+        }
         i += bytes;
     }
     return true;

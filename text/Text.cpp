@@ -6,8 +6,9 @@ namespace qel {
 
 std::string_view Trimmed(std::string_view text) {
     const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos)
+    if (first == std::string_view::npos) {
         return {};
+    }
     return text.substr(first, text.find_last_not_of(' ') - first + 1);
 }
 
@@ -32,8 +33,9 @@ std::size_t LengthInUtf16(std::string_view text) {
 }
 
 std::string ReplaceAll(std::string_view text, std::string_view what, std::string_view with) {
-    if (what.empty())
+    if (what.empty()) {
         return std::string(text);
+    }
     std::string replaced;
     replaced.reserve(text.size());
     std::size_t start = 0;

@@ -49,8 +49,9 @@ void AccountSelector::Enable(bool isEnabled) {
 }
 
 void AccountSelector::BindList(const ListScope& scope) {
-    if (!cube_)
+    if (!cube_) {
         return;
+    }
     const auto before = dialog_.IsChecked(CheckAcc) ? accounts_.Chosen() : std::nullopt;
     accounts_.Bind([context = &context_, cube = cube_, scope] {
         try {
@@ -65,20 +66,23 @@ void AccountSelector::BindList(const ListScope& scope) {
             return std::vector<MemberRow>();
         }
     });
-    if (before)
+    if (before) {
         accounts_.Choose(before->code);
+    }
 }
 
 void AccountSelector::OnChange(std::string_view control) {
-    if (cube_ && levels_.Is(control))
+    if (cube_ && levels_.Is(control)) {
         FillMembers();
+    }
     Enable(isEnabled_);
 }
 
 void AccountSelector::FillMembers() {
     const std::string level = Level();
-    if (level == allMembers)
+    if (level == allMembers) {
         return members_.Clear();
+    }
     members_.Fill(ListChoices(
         context_, cube_->name.cubeFile,
         {.cubeName = cube_->name.cubeName, .kind = CellsetKind::SummaryGroups, .summaryLevel = level}));
@@ -92,10 +96,12 @@ void AccountSelector::Read(Selection& selection) const {
 }
 
 std::optional<std::int32_t> AccountSelector::Missing() const {
-    if (Level() != allMembers && !members_.Key())
+    if (Level() != allMembers && !members_.Key()) {
         return OwnTextNumber::NoMember;
-    if (dialog_.IsChecked(CheckAcc) && !accounts_.Chosen())
+    }
+    if (dialog_.IsChecked(CheckAcc) && !accounts_.Chosen()) {
         return OwnTextNumber::NoAccount;
+    }
     return std::nullopt;
 }
 
@@ -105,16 +111,18 @@ void AccountSelector::Restore(const Selection& selection, std::vector<std::strin
     };
     if (levels_.Choose(selection.summaryLevel)) {
         FillMembers();
-        if (selection.summaryLevel != allMembers && !members_.Choose(selection.summaryMember))
+        if (selection.summaryLevel != allMembers && !members_.Choose(selection.summaryMember)) {
             drop(groupLabel, selection.summaryMember);
+        }
     } else {
         drop(typeLabel, selection.summaryLevel);
     }
     if (selection.account != allMembers) {
         const bool isThere = accounts_.Choose(selection.account);
         dialog_.SetChecked(CheckAcc, isThere);
-        if (!isThere)
+        if (!isThere) {
             drop(accountLabel, selection.account);
+        }
     }
     Enable(isEnabled_);
 }

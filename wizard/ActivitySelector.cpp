@@ -43,8 +43,9 @@ void ActivitySelector::BindList(std::shared_ptr<const LoadedCube> cube, const Li
             return std::vector<MemberRow>();
         }
     });
-    if (before)
+    if (before) {
         activities_.Choose(before->code);
+    }
 }
 
 void ActivitySelector::Read(Selection& selection) const {
@@ -53,8 +54,9 @@ void ActivitySelector::Read(Selection& selection) const {
 }
 
 std::optional<std::int32_t> ActivitySelector::Missing() const {
-    if (dialog_.IsChecked(ChekAct) && !activities_.Chosen())
+    if (dialog_.IsChecked(ChekAct) && !activities_.Chosen()) {
         return OwnTextNumber::NoActivity;
+    }
     return std::nullopt;
 }
 
@@ -62,8 +64,9 @@ void ActivitySelector::Restore(const Selection& selection, std::vector<std::stri
     if (selection.activity != allMembers) {
         const bool isThere = activities_.Choose(selection.activity);
         dialog_.SetChecked(ChekAct, isThere);
-        if (!isThere)
+        if (!isThere) {
             dropped.push_back(DroppedChoice(context_, activityLabel, selection.activity));
+        }
     }
     Enable(isEnabled_);
 }

@@ -20,12 +20,14 @@ public:
           obsNumbers_{InBrackets(selection.obsNumber)}, obsLevels_{selection.obsLevel},
           activities_{InBrackets(selection.activity)}, from_(FormatShortDate(selection.from, locale)),
           to_(FormatShortDate(selection.to, locale)) {
-        for (const std::string& member : selection.obsMembers)
+        for (const std::string& member : selection.obsMembers) {
             obsMembers_.emplace_back(selection.obsLevel == costCentersLevel ? InBrackets(member) : member);
+        }
         for (std::string* key : {&selection_.summaryLevel, &selection_.summaryMember, &selection_.account,
                                  &selection_.measure, &selection_.moneySet, &selection_.plbs, &selection_.rh,
-                                 &selection_.firma, &selection_.openingBalance})
+                                 &selection_.firma, &selection_.openingBalance}) {
             *key = InBrackets(*key);
+        }
     }
 
     ValueArguments Arguments() {
@@ -70,14 +72,16 @@ std::string ReasonOf(const WizardContext& context, const Selection& selection) {
 Calculation Calculate(const WizardContext& context, OpenedCube& opened, const Selection& selection) {
     const OpenedCube cube{selection.cubeFile, selection.cubeName};
     try {
-        if (!EnsureCurrentCubeOpen(context.thread, context.dataAccess, opened, cube))
+        if (!EnsureCurrentCubeOpen(context.thread, context.dataAccess, opened, cube)) {
             return {Null{}, "Outdated Cube Version"};
+        }
         opened = cube;
         ValueCall call(selection, context.locale);
         const Variant value =
             GetCubeValue(context.thread, context.dataAccess, context.locale, call.Arguments());
-        if (IsNumeric(value, context.locale))
+        if (IsNumeric(value, context.locale)) {
             return {value, ToText(value, context.locale)};
+        }
         return {Null{}, ToText(value, context.locale) + " " + ReasonOf(context, selection)};
     } catch (const AutomationError& error) {
         context.thread.CubeConnection.reset();

@@ -23,10 +23,12 @@ bool IsListed(std::string_view catalog) {
 } // namespace
 
 std::optional<std::int32_t> CubeFileFault(const std::string& cubeFile) {
-    if (cubeFile.empty())
+    if (cubeFile.empty()) {
         return noCubeFileText;
-    if (!cubeFile.ends_with(cubeFileEnding) || !FileExists(cubeFile))
+    }
+    if (!cubeFile.ends_with(cubeFileEnding) || !FileExists(cubeFile)) {
         return invalidFileText;
+    }
     return std::nullopt;
 }
 
@@ -53,8 +55,9 @@ bool SetCube(const WizardContext& context, ChoiceBox& cubes, Connection* connect
         const auto rows = connection->OpenSchema(schemaCatalogs);
         for (; !rows->AtEnd(); rows->MoveNext()) {
             const std::string name = ToText(rows->FieldValueNamed("CATALOG_NAME"), context.locale);
-            if (IsListed(name))
+            if (IsListed(name)) {
                 catalogs.push_back({name, name});
+            }
         }
     }
     if (catalogs.empty()) {

@@ -19,8 +19,9 @@ constexpr const char* dateErrorText = "Error with the date in the Cube\r\nContin
 void DateSelector::Fill(const ModSetCube::OpenedCube& cube) {
     Clear();
     try {
-        if (!ModSetCube::EnsureCurrentCubeOpen(context_.thread, context_.dataAccess, opened_, cube))
+        if (!ModSetCube::EnsureCurrentCubeOpen(context_.thread, context_.dataAccess, opened_, cube)) {
             throw AutomationError(ErrorNumber::InvalidProcedureCall, "Outdated Cube Version");
+        }
         opened_ = cube;
         Show(context_.thread.dates.CubeMinDate, context_.thread.dates.CubeMaxDate);
     } catch (...) {
@@ -58,27 +59,32 @@ std::string DateSelector::NoDateText(std::string_view control) const {
 
 std::optional<std::string> DateSelector::Fault() const {
     const auto from = DateIn(TxtDateFrom), to = DateIn(TxtDateTo);
-    if (!from || !to)
+    if (!from || !to) {
         return NoDateText(from ? TxtDateTo : TxtDateFrom);
-    if (*from > *to)
+    }
+    if (*from > *to) {
         return OwnText(context_, OwnTextNumber::ReversedDates);
+    }
     const auto& dates = context_.thread.dates;
     // The last period begins on the cube's last date and ends after it.
-    if (*to < dates.CubeMinDate || *from >= AddMonths(dates.CubeMaxDate, 1))
+    if (*to < dates.CubeMinDate || *from >= AddMonths(dates.CubeMaxDate, 1)) {
         return OwnText(context_, OwnTextNumber::DatesOutsideCube) + " " +
                FormatShortDate(dates.CubeMinDate, context_.locale) + " - " +
                FormatShortDate(dates.CubeMaxDate, context_.locale);
+    }
     return std::nullopt;
 }
 
 void DateSelector::OnLeave(std::string_view control) const {
-    if (control != TxtDateFrom && control != TxtDateTo)
+    if (control != TxtDateFrom && control != TxtDateTo) {
         return;
+    }
     // The other date may still be on its way, so a range is judged when its end is left.
     const auto fault = DateIn(control) ? (control == TxtDateTo ? Fault() : std::nullopt)
                                        : std::optional(NoDateText(control));
-    if (!fault)
+    if (!fault) {
         return;
+    }
     Warn(context_, *fault);
     dialog_.SetFocus(control);
 }
@@ -89,8 +95,9 @@ void DateSelector::Read(Selection& selection) const {
 }
 
 void DateSelector::Restore(const Selection& selection) {
-    if (!selection.from.IsZero() && !selection.to.IsZero())
+    if (!selection.from.IsZero() && !selection.to.IsZero()) {
         Show(selection.from, selection.to);
+    }
 }
 
 } // namespace qel

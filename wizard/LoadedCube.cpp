@@ -13,8 +13,9 @@ namespace {
 std::unique_ptr<Dimension> FindDimension(const CubeDef& cube, const std::string& name) {
     for (std::int32_t i = 0; i < cube.DimensionCount(); ++i) {
         auto dimension = cube.DimensionAt(i);
-        if (EqualIgnoringCase(dimension->Name(), name))
+        if (EqualIgnoringCase(dimension->Name(), name)) {
             return dimension;
+        }
     }
     return nullptr;
 }
@@ -31,8 +32,9 @@ std::unique_ptr<Hierarchy> LoadedCube::HierarchyNamed(const std::string& dimensi
     const auto found = FindDimension(*definition, dimension);
     for (std::int32_t i = 0; found && i < found->HierarchyCount(); ++i) {
         auto candidate = found->HierarchyAt(i);
-        if (EqualIgnoringCase(candidate->Name(), hierarchy))
+        if (EqualIgnoringCase(candidate->Name(), hierarchy)) {
             return candidate;
+        }
     }
     return nullptr;
 }
@@ -67,11 +69,13 @@ std::vector<MemberRow> ListRows(const WizardContext& context, const std::string&
     for (std::int32_t position = 0; position < positions; ++position) {
         auto first = cellset->MemberAt(rowsAxis, position, 0);
         std::string caption = first.caption.value_or("");
-        if (caption.empty())
+        if (caption.empty()) {
             continue;
+        }
         const std::int32_t members = cellset->MemberCount(rowsAxis, position);
-        if (members > 1)
+        if (members > 1) {
             caption = cellset->MemberAt(rowsAxis, position, members - 1).caption.value_or("");
+        }
         rows.push_back({std::move(first.name), std::move(caption)});
     }
     return rows;

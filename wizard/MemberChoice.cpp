@@ -17,8 +17,9 @@ std::vector<MemberChoice> ChoicesOf(const Level& level) {
     std::vector<MemberChoice> choices;
     const std::int32_t count = level.MemberCount();
     choices.reserve(static_cast<std::size_t>(count));
-    for (std::int32_t i = 0; i < count; ++i)
+    for (std::int32_t i = 0; i < count; ++i) {
         choices.push_back(ChoiceOf(*level.MemberAt(i)));
+    }
     return choices;
 }
 
@@ -26,11 +27,13 @@ void ChoiceBox::Fill(std::vector<MemberChoice> choices) {
     choices_ = std::move(choices);
     std::vector<std::string> texts;
     texts.reserve(choices_.size());
-    for (const MemberChoice& choice : choices_)
+    for (const MemberChoice& choice : choices_) {
         texts.push_back(choice.text);
+    }
     dialog_.SetItems(control_, texts);
-    if (!choices_.empty())
+    if (!choices_.empty()) {
         dialog_.Select(control_, 0);
+    }
 }
 
 std::optional<MemberChoice> ChoiceBox::Chosen() const {
@@ -46,8 +49,9 @@ std::optional<std::string> ChoiceBox::Key() const {
 bool ChoiceBox::Choose(const std::string& key) {
     const auto found = std::find_if(choices_.begin(), choices_.end(),
                                     [&](const MemberChoice& choice) { return choice.key == key; });
-    if (found == choices_.end())
+    if (found == choices_.end()) {
         return false;
+    }
     dialog_.Select(control_, static_cast<std::size_t>(found - choices_.begin()));
     return true;
 }

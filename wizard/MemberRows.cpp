@@ -9,8 +9,9 @@
 namespace qel {
 
 const std::vector<MemberRow>& MemberRows::Rows() const {
-    if (!rows_)
+    if (!rows_) {
         rows_ = load_();
+    }
     return *rows_;
 }
 
@@ -28,16 +29,18 @@ std::vector<std::uint32_t> MemberRows::Matching(std::string_view typed) const {
         return matching;
     }
     if (folded_.size() != rows.size()) {
-        for (const MemberRow& row : rows)
+        for (const MemberRow& row : rows) {
             folded_.push_back({FoldCase(row.code), FoldCase(row.name)});
+        }
     }
     std::vector<std::uint32_t> within;
     for (std::uint32_t i = 0; i < folded_.size(); ++i) {
         const auto place = folded_[i].code.find(wanted);
-        if (place == 0)
+        if (place == 0) {
             matching.push_back(i);
-        else if (place != std::string::npos || folded_[i].name.find(wanted) != std::string::npos)
+        } else if (place != std::string::npos || folded_[i].name.find(wanted) != std::string::npos) {
             within.push_back(i);
+        }
     }
     matching.insert(matching.end(), within.begin(), within.end());
     return matching;

@@ -26,20 +26,24 @@ TableRow RowOf(const NamedQuery& query) {
 }
 
 NamedQuery NamedQueryOf(const TableRow& row, const Locale& locale) {
-    if (row.size() < std::size(columns))
+    if (row.size() < std::size(columns)) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     NamedQuery query;
-    for (std::size_t i = 0; i < std::size(columns); ++i)
+    for (std::size_t i = 0; i < std::size(columns); ++i) {
         query.*columns[i] = row[i].Is<Null>() ? std::string() : ToText(row[i], locale);
+    }
     return query;
 }
 
 void NamedQueries::Load() {
     queries_.clear();
-    if (!HasWizardDatabase(context_))
+    if (!HasWizardDatabase(context_)) {
         return PrepareWizardDatabase(context_);
-    for (const TableRow& row : OpenWizardDatabase(context_)->ReadRows(QelNameTable().name))
+    }
+    for (const TableRow& row : OpenWizardDatabase(context_)->ReadRows(QelNameTable().name)) {
         queries_.push_back(NamedQueryOf(row, context_.locale));
+    }
 }
 
 void NamedQueries::Use(const NamedQuery& query) {
@@ -58,8 +62,9 @@ void NamedQueries::Remove(std::size_t index) {
 void NamedQueries::Write(std::vector<NamedQuery> queries) {
     std::vector<TableRow> rows;
     rows.reserve(queries.size());
-    for (const NamedQuery& query : queries)
+    for (const NamedQuery& query : queries) {
         rows.push_back(RowOf(query));
+    }
     PrepareWizardDatabase(context_);
     OpenWizardDatabase(context_)->ReplaceRows(QelNameTable().name, rows);
     queries_ = std::move(queries);

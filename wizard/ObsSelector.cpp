@@ -33,8 +33,9 @@ void ObsSelector::Fill(std::shared_ptr<const LoadedCube> cube) {
     Clear();
     cube_ = std::move(cube);
     const auto hierarchy = cube_->FirstHierarchy("ActX");
-    if (hierarchy && hierarchy->LevelCount() > nameLevel)
+    if (hierarchy && hierarchy->LevelCount() > nameLevel) {
         names_.Fill(ChoicesOf(*hierarchy->LevelAt(nameLevel)));
+    }
     kinds_.Fill({{allMembers, OwnText(context_, OwnTextNumber::Everything)},
                  {costCentersLevel, OwnText(context_, OwnTextNumber::CostCenters)},
                  {obsLevels, OwnText(context_, OwnTextNumber::ObsLevels)}});
@@ -43,15 +44,17 @@ void ObsSelector::Fill(std::shared_ptr<const LoadedCube> cube) {
 
 void ObsSelector::Clear() {
     cube_.reset();
-    for (ChoiceBox* box : {&names_, &numbers_, &kinds_, &levels_, &members_, &chosen_})
+    for (ChoiceBox* box : {&names_, &numbers_, &kinds_, &levels_, &members_, &chosen_}) {
         box->Clear();
+    }
     TellWhichCounts();
 }
 
 void ObsSelector::Enable(bool isEnabled) {
     isEnabled_ = isEnabled;
-    for (ChoiceBox* box : {&names_, &numbers_, &kinds_})
+    for (ChoiceBox* box : {&names_, &numbers_, &kinds_}) {
         box->Enable(isEnabled);
+    }
     const bool hasMembers = isEnabled && kinds_.Key().value_or(allMembers) != allMembers;
     levels_.Enable(isEnabled && UsesObsLevels());
     members_.Enable(hasMembers);
@@ -61,8 +64,9 @@ void ObsSelector::Enable(bool isEnabled) {
 }
 
 void ObsSelector::OnChange(std::string_view control) {
-    if (!cube_)
+    if (!cube_) {
         return;
+    }
     if (names_.Is(control)) {
         FillNumbers();
     } else if (numbers_.Is(control)) {
@@ -83,8 +87,9 @@ void ObsSelector::FillNumbers() {
         for (std::int32_t i = 0; i < level->MemberCount(); ++i) {
             const auto member = level->MemberAt(i);
             const auto parent = member->Parent();
-            if (parent && parent->Name() == name)
+            if (parent && parent->Name() == name) {
                 choices.push_back(ChoiceOf(*member));
+            }
         }
     }
     numbers_.Fill(std::move(choices));
@@ -105,13 +110,15 @@ void ObsSelector::FillLevels() {
             const auto level = hierarchy->LevelAt(i);
             const std::string name = level->Name();
             if (EqualIgnoringCase(std::string_view(name).substr(0, listedLevelPrefix.size()),
-                                  listedLevelPrefix))
+                                  listedLevelPrefix)) {
                 choices.push_back({name, CaptionWithKey(name, level->Caption())});
+            }
         }
     }
     levels_.Fill(std::move(choices));
-    if (before)
+    if (before) {
         levels_.Choose(*before);
+    }
     FillMembers();
 }
 
@@ -123,8 +130,9 @@ std::string ObsSelector::Level() const {
 
 void ObsSelector::FillMembers() {
     const std::string level = Level();
-    if (level.empty() || level == allMembers)
+    if (level.empty() || level == allMembers) {
         return members_.Clear();
+    }
     const auto before = members_.Key();
     members_.Fill(ListChoices(context_, cube_->name.cubeFile,
                               {.cubeName = cube_->name.cubeName,
@@ -132,27 +140,32 @@ void ObsSelector::FillMembers() {
                                .argumentA = InBrackets(Name()),
                                .argumentB = InBrackets(level),
                                .obsSubMember = numbers_.Key() ? InBrackets(Number()) : NoMember()}));
-    if (before)
+    if (before) {
         members_.Choose(*before);
+    }
 }
 
 void ObsSelector::AddMember() {
     const auto member = members_.Chosen();
-    if (!member)
+    if (!member) {
         return;
+    }
     auto chosen = chosen_.Choices();
-    if (std::find(chosen.begin(), chosen.end(), *member) != chosen.end())
+    if (std::find(chosen.begin(), chosen.end(), *member) != chosen.end()) {
         return;
-    if (chosen.size() == mostMembers)
+    }
+    if (chosen.size() == mostMembers) {
         return Warn(context_, OwnText(context_, OwnTextNumber::TooManyObsMembers));
+    }
     chosen.push_back(*member);
     ShowChosen(std::move(chosen));
 }
 
 void ObsSelector::RemoveMember() {
     const auto member = chosen_.Chosen();
-    if (!member)
+    if (!member) {
         return;
+    }
     auto chosen = chosen_.Choices();
     std::erase(chosen, *member);
     ShowChosen(std::move(chosen));
@@ -175,24 +188,29 @@ void ObsSelector::Read(Selection& selection) const {
     selection.obsNumber = Number();
     selection.obsLevel = Level();
     selection.obsMembers.clear();
-    if (selection.obsLevel == allMembers)
+    if (selection.obsLevel == allMembers) {
         return;
-    for (const MemberChoice& member : chosen_.Choices())
+    }
+    for (const MemberChoice& member : chosen_.Choices()) {
         selection.obsMembers.push_back(member.key);
+    }
     // Whoever wants one member sees it in the combo box and need not add it.
-    if (selection.obsMembers.empty() && members_.Key())
+    if (selection.obsMembers.empty() && members_.Key()) {
         selection.obsMembers.push_back(*members_.Key());
+    }
 }
 
 void ObsSelector::Restore(const Selection& selection, std::vector<std::string>& dropped) {
     const auto drop = [&](std::int32_t label, const std::string& key) {
         dropped.push_back(DroppedChoice(context_, label, key));
     };
-    if (!names_.Choose(selection.obsName))
+    if (!names_.Choose(selection.obsName)) {
         drop(obsLabel, selection.obsName);
+    }
     FillNumbers();
-    if (!numbers_.Choose(selection.obsNumber))
+    if (!numbers_.Choose(selection.obsNumber)) {
         drop(obsLabel, selection.obsNumber);
+    }
     FillLevels();
     const bool isObsLevel = selection.obsLevel != allMembers && selection.obsLevel != costCentersLevel;
     kinds_.Choose(isObsLevel ? obsLevels : selection.obsLevel);
@@ -201,18 +219,20 @@ void ObsSelector::Restore(const Selection& selection, std::vector<std::string>& 
         kinds_.Choose(allMembers);
     }
     FillMembers();
-    if (Level() == selection.obsLevel)
+    if (Level() == selection.obsLevel) {
         RestoreMembers(selection, dropped);
+    }
     Enable(isEnabled_);
 }
 
 void ObsSelector::RestoreMembers(const Selection& selection, std::vector<std::string>& dropped) {
     std::vector<MemberChoice> chosen;
     for (const std::string& key : selection.obsMembers) {
-        if (members_.Choose(key))
+        if (members_.Choose(key)) {
             chosen.push_back(*members_.Chosen());
-        else
+        } else {
             dropped.push_back(DroppedChoice(context_, dataLabel, key));
+        }
     }
     ShowChosen(std::move(chosen));
 }

@@ -34,43 +34,49 @@ std::vector<MemberChoice> LowestMembers(const Hierarchy& hierarchy) {
 } // namespace
 
 OtherDimensions::OtherDimensions(const WizardContext& context, Dialog& dialog) : context_(context) {
-    for (const OtherDimension& dimension : dimensions)
+    for (const OtherDimension& dimension : dimensions) {
         boxes_.emplace_back(dialog, dimension.control);
+    }
 }
 
 void OtherDimensions::Fill(const LoadedCube& cube) {
     for (std::size_t i = 0; i < boxes_.size(); ++i) {
         std::vector<MemberChoice> choices = {{allMembers, OwnText(context_, OwnTextNumber::Everything)}};
         if (const auto hierarchy = cube.FirstHierarchy(dimensions[i].dimension)) {
-            for (MemberChoice& choice : LowestMembers(*hierarchy))
+            for (MemberChoice& choice : LowestMembers(*hierarchy)) {
                 choices.push_back(std::move(choice));
+            }
         }
         boxes_[i].Fill(std::move(choices));
     }
 }
 
 void OtherDimensions::Clear() {
-    for (ChoiceBox& box : boxes_)
+    for (ChoiceBox& box : boxes_) {
         box.Clear();
+    }
 }
 
 void OtherDimensions::Enable(bool isEnabled) {
-    for (ChoiceBox& box : boxes_)
+    for (ChoiceBox& box : boxes_) {
         box.Enable(isEnabled);
+    }
 }
 
 std::string OtherDimensions::Firma() const { return boxes_[firmaIndex].Key().value_or(allMembers); }
 
 void OtherDimensions::Read(Selection& selection) const {
-    for (std::size_t i = 0; i < boxes_.size(); ++i)
+    for (std::size_t i = 0; i < boxes_.size(); ++i) {
         selection.*dimensions[i].member = boxes_[i].Key().value_or(allMembers);
+    }
 }
 
 void OtherDimensions::Restore(const Selection& selection, std::vector<std::string>& dropped) {
     for (std::size_t i = 0; i < boxes_.size(); ++i) {
         const std::string& key = selection.*dimensions[i].member;
-        if (!boxes_[i].Choose(key))
+        if (!boxes_[i].Choose(key)) {
             dropped.push_back(DroppedChoice(context_, dimensions[i].label, key));
+        }
     }
 }
 
@@ -79,13 +85,15 @@ MeasureSelector::MeasureSelector(const WizardContext& context, Dialog& dialog)
 
 void MeasureSelector::Fill(const LoadedCube& cube) {
     box_.Clear();
-    if (const auto hierarchy = cube.FirstHierarchy("Measures"))
+    if (const auto hierarchy = cube.FirstHierarchy("Measures")) {
         box_.Fill(LowestMembers(*hierarchy));
+    }
 }
 
 void MeasureSelector::Restore(const Selection& selection, std::vector<std::string>& dropped) {
-    if (!box_.Choose(selection.measure))
+    if (!box_.Choose(selection.measure)) {
         dropped.push_back(DroppedChoice(context_, measureLabel, selection.measure));
+    }
 }
 
 } // namespace qel

@@ -14,8 +14,9 @@ void Warn(const WizardContext& context, const std::string& text) {
 
 void ShowOwnTexts(const WizardContext& context, const FormDesign& design, Dialog& dialog) {
     for (const ControlDesign& control : design.controls) {
-        if (control.ownText != 0)
+        if (control.ownText != 0) {
             dialog.SetText(control.name, OwnText(context, control.ownText));
+        }
     }
 }
 

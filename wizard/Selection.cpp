@@ -14,14 +14,16 @@ constexpr char memberSeparator = '\t'; // no member's name has one
 Variant KeyArgument(const std::string& key) { return InFormula(InBrackets(key)); }
 
 Variant OneKey(const std::string& key) {
-    if (key.empty())
+    if (key.empty()) {
         return Variant::List({Variant()});
+    }
     const std::string name = InBrackets(key);
     // The formula writer puts no-break spaces for the quotes of a lone key, and the value function puts
     // quotes back for OBS members alone. Statements use the first key of a list, so a second one keeps the
     // quotes.
-    if (key.find('"') != std::string::npos)
+    if (key.find('"') != std::string::npos) {
         return Variant::List({InFormula(name), ""});
+    }
     return Variant::List({name});
 }
 
@@ -33,8 +35,9 @@ Variant ObsMembers(const Selection& selection) {
     for (const std::string& member : members) {
         std::string key = selection.obsLevel == costCentersLevel ? InBrackets(member) : member;
         // The formula writer does this for one key alone, the value function undoes it for all.
-        if (members.size() > 1)
+        if (members.size() > 1) {
             key = ReplaceAll(key, "\"", "\xC2\xA0");
+        }
         keys.emplace_back(std::move(key));
     }
     return Variant::List(keys.empty() ? std::vector<Variant>(1) : std::move(keys));
@@ -42,8 +45,9 @@ Variant ObsMembers(const Selection& selection) {
 
 std::string JoinMembers(const std::vector<std::string>& members) {
     std::string text;
-    for (const std::string& member : members)
+    for (const std::string& member : members) {
         text += (text.empty() ? "" : std::string(1, memberSeparator)) + member;
+    }
     return text;
 }
 
@@ -88,8 +92,9 @@ TableRow RowOf(const Selection& selection) {
          {selection.cubeFile, selection.cubeName, selection.obsName, selection.obsNumber, selection.obsLevel,
           JoinMembers(selection.obsMembers), selection.activity, selection.summaryLevel,
           selection.summaryMember, selection.account, selection.measure, selection.moneySet, selection.plbs,
-          selection.rh, selection.firma, selection.openingBalance})
+          selection.rh, selection.firma, selection.openingBalance}) {
         row.push_back(TextOrNull(text));
+    }
     row.emplace_back(selection.from);
     row.emplace_back(selection.to);
     return row;
@@ -97,8 +102,9 @@ TableRow RowOf(const Selection& selection) {
 
 Selection SelectionOf(const TableRow& row, const Locale& locale) {
     Selection selection;
-    if (row.size() < std::tuple_size_v<FormulaArgs>)
+    if (row.size() < std::tuple_size_v<FormulaArgs>) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     const auto text = [&](std::size_t column, const char* otherwise = "") {
         return row[column].Is<Null>() ? std::string(otherwise) : ToText(row[column], locale);
     };

@@ -15,8 +15,9 @@ constexpr const char* helpFileName = "PralixHeb.chm";
 
 void FindSuiteFolder(StoreEnvironment& store) {
     store.suiteFolder = ModAPI::GetRegSetting(store, ModAPI::mdbPathValue);
-    if (store.suiteFolder.empty())
+    if (store.suiteFolder.empty()) {
         store.suiteFolder = store.componentFolder;
+    }
 }
 
 std::unique_ptr<Dialog> NewDialog(const WizardContext& context, const FormDesign& design,
@@ -29,8 +30,9 @@ std::unique_ptr<Dialog> NewDialog(const WizardContext& context, const FormDesign
     const bool isRightToLeft = context.IsHebrew() && !language.resourceOnly && language.table.has_value();
     auto dialog = context.toolkit.NewDialog(design, isRightToLeft, events);
     const std::string helpFile = store.componentFolder + "/" + helpFileName;
-    if (FileExists(helpFile))
+    if (FileExists(helpFile)) {
         dialog->SetHelpFile(helpFile);
+    }
     ModLangFrm::TranslateForm(language, dialog->Texts());
     ShowOwnTexts(context, design, *dialog);
     return dialog;

@@ -13,8 +13,9 @@ bool HasWizardDatabase(const WizardContext& context) {
 
 void PrepareWizardDatabase(const WizardContext& context) {
     // Made anew where there is one it would tell that it exists.
-    if (!HasWizardDatabase(context))
+    if (!HasWizardDatabase(context)) {
         CreateLocalDb(context.Store());
+    }
 }
 
 std::unique_ptr<DatabaseConnection> OpenWizardDatabase(const WizardContext& context) {

@@ -21,18 +21,19 @@ void frmFuncQelWiz::OnLoad() {
 
 void frmFuncQelWiz::OnClick(std::string_view control) {
     Trapped(HandlerName(control, "Click"), [&] {
-        if (control == CmdCubeFile)
+        if (control == CmdCubeFile) {
             CmdCubeFile_Click();
-        else if (control == CmdOK)
+        } else if (control == CmdOK) {
             CheckAndHandBack(false);
-        else if (control == Command2)
+        } else if (control == Command2) {
             CheckAndHandBack(true);
-        else if (control == CmdCancel)
+        } else if (control == CmdCancel) {
             Cancel();
-        else if (control == Command1)
+        } else if (control == Command1) {
             Command1_Click();
-        else
+        } else {
             TakeChoice(control);
+        }
     });
 }
 
@@ -42,10 +43,11 @@ void frmFuncQelWiz::OnChange(std::string_view control) {
 
 void frmFuncQelWiz::OnLeave(std::string_view control) {
     Trapped(HandlerName(control, "LostFocus"), [&] {
-        if (control == txtCubeFile && CubeFile() != takenFile_ && FileExists(CubeFile()))
+        if (control == txtCubeFile && CubeFile() != takenFile_ && FileExists(CubeFile())) {
             TakeCubeFile(CubeFile());
-        else if (cube_)
+        } else if (cube_) {
             dates_.OnLeave(control);
+        }
     });
 }
 
@@ -58,30 +60,37 @@ void frmFuncQelWiz::Form_Load() {
 
 void frmFuncQelWiz::Command1_Click() {
     ForgetResult();
-    if (const auto fault = Fault())
+    if (const auto fault = Fault()) {
         return Warn(Context(), *fault);
+    }
     const Calculation calculation = Calculate(Context(), opened_, Read());
     QelResult = calculation.value;
     Form().SetText(TxtCalc, calculation.text);
 }
 
 void frmFuncQelWiz::TakeChoice(std::string_view control) {
-    if (control == txtCubeFile)
+    if (control == txtCubeFile) {
         return; // a path is taken when it is whole
+    }
     ForgetResult();
-    if (control == cboDatabaseList)
+    if (control == cboDatabaseList) {
         return TakeOtherCube();
-    if (!cube_)
+    }
+    if (!cube_) {
         return;
-    if (control == ComAddOBS)
+    }
+    if (control == ComAddOBS) {
         return obs_.AddMember();
-    if (control == ComRemoveObs)
+    }
+    if (control == ComRemoveObs) {
         return obs_.RemoveMember();
+    }
     obs_.OnChange(control);
     accounts_.OnChange(control);
     activities_.Enable(true);
-    if (obs_.IsScope(control) || control == ComFirma)
+    if (obs_.IsScope(control) || control == ComFirma) {
         BindLists();
+    }
 }
 
 void frmFuncQelWiz::EnableButtons(bool isEnabled) {

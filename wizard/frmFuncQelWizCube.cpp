@@ -21,10 +21,12 @@ void frmFuncQelWiz::LoadCube() {
     Trapped("LoadCube", [this] {
         const std::string cubeFile = RememberedCubeFile(Context());
         const bool isRemembered = LengthInUtf16(cubeFile) >= shortestPath;
-        if (isRemembered && FileExists(cubeFile))
+        if (isRemembered && FileExists(cubeFile)) {
             return LoadRemembered(cubeFile);
-        if (isRemembered)
+        }
+        if (isRemembered) {
             Context().Messages().Show(MessageBoxStyle::Exclamation, "", cubeFile + " File Not Found");
+        }
         PrepareWizardDatabase(Context());
     });
 }
@@ -39,8 +41,9 @@ void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
     }
     dates_.Fill(ChosenCube());
     const auto cube = SetMeasures();
-    if (!cube || !FillDimensions(cube))
+    if (!cube || !FillDimensions(cube)) {
         return;
+    }
     cube_ = cube;
     BindLists();
     // Without its database the dialog serves all the same.
@@ -50,8 +53,9 @@ void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
 
 void frmFuncQelWiz::CmdCubeFile_Click() {
     const std::string cubeFile = AskForCubeFile(Form(), CmdDial, CubeFile());
-    if (!cubeFile.empty())
+    if (!cubeFile.empty()) {
         TakeCubeFile(cubeFile);
+    }
 }
 
 void frmFuncQelWiz::TakeCubeFile(const std::string& cubeFile) {
@@ -59,14 +63,17 @@ void frmFuncQelWiz::TakeCubeFile(const std::string& cubeFile) {
     takenFile_ = cubeFile;
     ClearLists(); // a file that cannot be opened leaves nothing of the one before
     connection_ = OpenCubeFile(Context().dataAccess, cubeFile);
-    if (!SetCube(Context(), cubes_, connection_.get()))
+    if (!SetCube(Context(), cubes_, connection_.get())) {
         return RejectCubeFile();
+    }
     const auto cube = SetMeasures();
-    if (!cube)
+    if (!cube) {
         return;
+    }
     dates_.Fill(cube->name);
-    if (!FillDimensions(cube))
+    if (!FillDimensions(cube)) {
         return RejectCubeFile();
+    }
     cube_ = cube;
     BindLists();
     EnableButtons(true);
@@ -83,8 +90,9 @@ void frmFuncQelWiz::TakeOtherCube() {
     EnableButtons(false);
     dates_.Fill(ChosenCube());
     const auto cube = SetMeasures();
-    if (!cube || !FillDimensions(cube))
+    if (!cube || !FillDimensions(cube)) {
         return;
+    }
     cube_ = cube;
     BindLists();
     EnableButtons(true);
@@ -92,8 +100,9 @@ void frmFuncQelWiz::TakeOtherCube() {
 
 std::shared_ptr<const LoadedCube> frmFuncQelWiz::SetMeasures() {
     auto cube = OpenWizardCube(Context(), ChosenCube());
-    if (!cube || !Trapped("SetMeasure", [&] { measures_.Fill(*cube); }))
+    if (!cube || !Trapped("SetMeasure", [&] { measures_.Fill(*cube); })) {
         return nullptr;
+    }
     return cube;
 }
 
@@ -123,16 +132,20 @@ void frmFuncQelWiz::ClearLists() {
 }
 
 void frmFuncQelWiz::RestoreLastSelection() {
-    if (!HasWizardDatabase(Context()))
+    if (!HasWizardDatabase(Context())) {
         return CreateLocalDb(Context().Store());
+    }
     const auto rows = OpenWizardDatabase(Context())->ReadRows(DataTblTable().name);
-    if (rows.empty())
+    if (rows.empty()) {
         return;
+    }
     const Selection selection = SelectionOf(rows.back(), Context().locale);
-    if (selection.cubeName != ChosenCube().cubeName && cubes_.Choose(selection.cubeName))
+    if (selection.cubeName != ChosenCube().cubeName && cubes_.Choose(selection.cubeName)) {
         TakeOtherCube();
-    if (cube_)
+    }
+    if (cube_) {
         Restore(selection);
+    }
 }
 
 void frmFuncQelWiz::Restore(const Selection& selection) {
@@ -144,11 +157,13 @@ void frmFuncQelWiz::Restore(const Selection& selection) {
     BindLists(); // within the restored firm and OBS
     accounts_.Restore(selection, dropped);
     activities_.Restore(selection, dropped);
-    if (dropped.empty())
+    if (dropped.empty()) {
         return;
+    }
     std::string text = OwnText(Context(), OwnTextNumber::DroppedChoices);
-    for (const std::string& choice : dropped)
+    for (const std::string& choice : dropped) {
         text += "\r\n" + choice;
+    }
     Warn(Context(), text);
 }
 

@@ -11,20 +11,24 @@ using namespace FunctionForm;
 
 void frmFuncQelWiz::CheckAndHandBack(bool detail) {
     const std::string cubeFile = CubeFile();
-    if (const auto fault = CubeFileFault(cubeFile))
+    if (const auto fault = CubeFileFault(cubeFile)) {
         return WarnNumbered(*fault);
+    }
     // Enter may press the button while a path is still being typed: the person sees first what is in the
     // file.
-    if (cubeFile != takenFile_)
+    if (cubeFile != takenFile_) {
         return TakeCubeFile(cubeFile);
-    if (!cube_)
+    }
+    if (!cube_) {
         return WarnNumbered(noCubeFileText);
+    }
     GoToSheet(detail);
 }
 
 void frmFuncQelWiz::GoToSheet(bool detail) {
-    if (const auto fault = Fault())
+    if (const auto fault = Fault()) {
         return Warn(Context(), *fault);
+    }
     const Selection selection = Read();
     FormulaArgs = ArgumentsOf(selection, Context().locale);
     bDetail = detail;
@@ -51,14 +55,17 @@ Selection frmFuncQelWiz::Read() const {
 }
 
 std::optional<std::string> frmFuncQelWiz::Fault() const {
-    if (auto fault = dates_.Fault())
+    if (auto fault = dates_.Fault()) {
         return fault;
+    }
     std::optional<std::int32_t> missing = accounts_.Missing();
-    if (!missing)
+    if (!missing) {
         missing = activities_.Missing();
+    }
     const Selection selection = Read();
-    if (selection.obsLevel != allMembers && selection.obsMembers.empty())
+    if (selection.obsLevel != allMembers && selection.obsMembers.empty()) {
         missing = OwnTextNumber::NoObsMember;
+    }
     return missing ? std::optional(OwnText(Context(), *missing)) : std::nullopt;
 }
 

@@ -25,10 +25,12 @@ constexpr const char* dimTypePart = "SuperSum"; // only these have names to look
 
 std::vector<MemberChoice> AllAnd(const WizardContext& context, const Hierarchy* hierarchy) {
     std::vector<MemberChoice> choices = {{allMembers, OwnText(context, OwnTextNumber::Everything)}};
-    if (hierarchy == nullptr)
+    if (hierarchy == nullptr) {
         return choices;
-    for (MemberChoice& choice : ChoicesOf(*hierarchy->LevelAt(hierarchy->LevelCount() - 1)))
+    }
+    for (MemberChoice& choice : ChoicesOf(*hierarchy->LevelAt(hierarchy->LevelCount() - 1))) {
         choices.push_back(std::move(choice));
+    }
     return choices;
 }
 
@@ -37,8 +39,9 @@ std::vector<MemberChoice> DimensionTypes(const LoadedCube& cube) {
     const auto hierarchy = cube.HierarchyNamed("SuperSumery", "SumeryCode");
     for (std::int32_t i = 1; hierarchy && i < hierarchy->LevelCount(); ++i) {
         const auto level = hierarchy->LevelAt(i);
-        if (ContainsIgnoringCase(level->Name(), dimTypePart))
+        if (ContainsIgnoringCase(level->Name(), dimTypePart)) {
             types.push_back({level->Name(), CaptionWithKey(level->Name(), level->Caption())});
+        }
     }
     return types;
 }
@@ -54,10 +57,11 @@ void frmNameWizz::OnLoad() {
     Trapped("Form_Load", [this] {
         EnableButtons(false);
         Trapped("OpenDb", [this] { OpenDb(); });
-        if (!queries_.All().empty())
+        if (!queries_.All().empty()) {
             TakeQuery(queries_.All().back());
-        else if (const std::string cubeFile = RememberedCubeFile(Context()); FileExists(cubeFile))
+        } else if (const std::string cubeFile = RememberedCubeFile(Context()); FileExists(cubeFile)) {
             LoadCubeFile(cubeFile);
+        }
         Form().SetText(LabelVersion, VersionText());
     });
 }
@@ -66,8 +70,9 @@ void frmNameWizz::OnClick(std::string_view control) {
     Trapped(HandlerName(control, "Click"), [&] {
         if (control == CmdCubeFile) {
             const std::string cubeFile = AskForCubeFile(Form(), CmdDial, CubeFile());
-            if (!cubeFile.empty())
+            if (!cubeFile.empty()) {
                 LoadCubeFile(cubeFile);
+            }
         } else if (control == CmdRemove) {
             RemoveQuery();
         } else if (control == CmdOK) {
@@ -80,20 +85,22 @@ void frmNameWizz::OnClick(std::string_view control) {
 
 void frmNameWizz::OnChange(std::string_view control) {
     Trapped(control == cmbmember ? std::string(control) : ChangeHandlerName(control), [&] {
-        if (control == cboDatabaseList)
+        if (control == cboDatabaseList) {
             LoadCubeFile(CubeFile(), cubes_.Key().value_or(""));
-        else if (control == cmbmember)
+        } else if (control == cmbmember) {
             ShowName();
-        else if (control == ListQuery && Form().Selected(ListQuery))
+        } else if (control == ListQuery && Form().Selected(ListQuery)) {
             TakeQuery(queries_.All().at(*Form().Selected(ListQuery)));
-        else if (cube_ && (obs_.Is(control) || firmas_.Is(control) || dimTypes_.Is(control)))
+        } else if (cube_ && (obs_.Is(control) || firmas_.Is(control) || dimTypes_.Is(control))) {
             SetMember();
+        }
     });
 }
 
 void frmNameWizz::OnLeave(std::string_view control) {
-    if (control == txtCubeFile && CubeFile() != takenFile_ && FileExists(CubeFile()))
+    if (control == txtCubeFile && CubeFile() != takenFile_ && FileExists(CubeFile())) {
         LoadCubeFile(CubeFile());
+    }
 }
 
 void frmNameWizz::OpenDb() {
@@ -103,9 +110,10 @@ void frmNameWizz::OpenDb() {
 
 void frmNameWizz::ShowQueries() {
     std::vector<std::string> texts;
-    for (const NamedQuery& query : queries_.All())
+    for (const NamedQuery& query : queries_.All()) {
         texts.push_back(query.dimType + " " + query.dataMember + " - " + query.cubeName + ", " +
                         query.cubeFile);
+    }
     Form().SetItems(ListQuery, texts);
 }
 
@@ -129,12 +137,14 @@ bool frmNameWizz::LoadCubeFile(const std::string& cubeFile, const std::string& c
 
 void frmNameWizz::FillFromCube() {
     const auto cube = OpenWizardCube(Context(), ChosenCube());
-    if (!cube)
+    if (!cube) {
         return;
+    }
     constexpr std::int32_t nameLevel = 1;
     const auto obs = cube->FirstHierarchy("ActX");
-    if (obs && obs->LevelCount() > nameLevel)
+    if (obs && obs->LevelCount() > nameLevel) {
         obs_.Fill(ChoicesOf(*obs->LevelAt(nameLevel)));
+    }
     firmas_.Fill(AllAnd(Context(), cube->FirstHierarchy("Firma").get()));
     dimTypes_.Fill(DimensionTypes(*cube));
     cube_ = cube;
@@ -155,8 +165,9 @@ void frmNameWizz::SetMember() {
 /// Codes and names of a level's groups, of which those are left that have data for the firm and the OBS.
 std::vector<MemberRow> frmNameWizz::ListMembers() const {
     using namespace ModSetCube;
-    if (!cube_ || !dimTypes_.Key())
+    if (!cube_ || !dimTypes_.Key()) {
         return {};
+    }
     auto rows = ListRows(Context(), cube_->name.cubeFile,
                          {.cubeName = cube_->name.cubeName,
                           .kind = CellsetKind::SummaryGroups,
@@ -185,15 +196,17 @@ void frmNameWizz::TakeQuery(const NamedQuery& query) {
         Context().Messages().Show(MessageBoxStyle::Exclamation, "", query.cubeFile + " File Not Found");
         return;
     }
-    if (!LoadCubeFile(query.cubeFile, query.cubeName) || !cube_)
+    if (!LoadCubeFile(query.cubeFile, query.cubeName) || !cube_) {
         return;
+    }
     obs_.Choose(query.obs);
     firmas_.Choose(query.firma);
     const bool hasType = dimTypes_.Choose(query.dimType);
     SetMember();
-    if (!hasType || ChosenCube().cubeName != query.cubeName || !members_.Choose(query.dataMember))
+    if (!hasType || ChosenCube().cubeName != query.cubeName || !members_.Choose(query.dataMember)) {
         return Warn(Context(), OwnText(Context(), OwnTextNumber::DroppedChoices) + "\r\n" + query.dimType +
                                    " " + query.dataMember);
+    }
     ShowName();
 }
 
@@ -201,8 +214,9 @@ void frmNameWizz::ShowName() {
     using namespace ModSetCube;
     Form().SetText(TxtName, "");
     const auto member = members_.Chosen();
-    if (!member || !cube_)
+    if (!member || !cube_) {
         return;
+    }
     OpenOrReuse(Context().thread, Context().dataAccess, opened_, cube_->name);
     opened_ = cube_->name;
     Form().SetText(TxtName, GetMemberName(Context().thread, Context().dataAccess, Context().locale,
@@ -212,8 +226,9 @@ void frmNameWizz::ShowName() {
 
 void frmNameWizz::RemoveQuery() {
     const auto index = Form().Selected(ListQuery);
-    if (!index)
+    if (!index) {
         return;
+    }
     queries_.Remove(*index);
     ShowQueries();
 }
@@ -231,21 +246,25 @@ NamedQuery frmNameWizz::Read() const {
 
 void frmNameWizz::CheckAndHandBack() {
     const std::string cubeFile = CubeFile();
-    if (const auto fault = CubeFileFault(cubeFile))
+    if (const auto fault = CubeFileFault(cubeFile)) {
         return WarnNumbered(*fault);
+    }
     if (cubeFile != takenFile_) {
         LoadCubeFile(cubeFile);
         return;
     }
-    if (!cube_)
+    if (!cube_) {
         return WarnNumbered(noCubeFileText);
+    }
     const NamedQuery query = Read();
-    if (query.dataMember.empty())
+    if (query.dataMember.empty()) {
         return Warn(Context(), OwnText(Context(), OwnTextNumber::NoMember));
+    }
     Arguments.clear();
     for (const std::string& key :
-         {query.cubeFile, query.cubeName, query.dimType, InBrackets(query.dataMember)})
+         {query.cubeFile, query.cubeName, query.dimType, InBrackets(query.dataMember)}) {
         Arguments.push_back(InFormula(key));
+    }
     Trapped("OpenDb", [&] { queries_.Use(query); });
     Form().Hide();
 }
@@ -253,15 +272,17 @@ void frmNameWizz::CheckAndHandBack() {
 void frmNameWizz::ClearLists() {
     cube_.reset();
     EnableButtons(false);
-    for (ChoiceBox* box : {&cubes_, &obs_, &firmas_, &dimTypes_})
+    for (ChoiceBox* box : {&cubes_, &obs_, &firmas_, &dimTypes_}) {
         box->Clear();
+    }
     members_.Clear();
     Form().SetText(TxtName, "");
 }
 
 void frmNameWizz::EnableButtons(bool isEnabled) {
-    for (ChoiceBox* box : {&obs_, &firmas_, &dimTypes_})
+    for (ChoiceBox* box : {&obs_, &firmas_, &dimTypes_}) {
         box->Enable(isEnabled);
+    }
     members_.Enable(isEnabled);
     Form().SetEnabled(TxtName, isEnabled);
 }

@@ -74,25 +74,29 @@ const FunctionEntry& FindFunction(const Formula& formula) {
     const auto found = std::find_if(functions.begin(), functions.end(), [&](const FunctionEntry& entry) {
         return EqualIgnoringCase(entry.name, formula.function);
     });
-    if (found != functions.end())
+    if (found != functions.end()) {
         return *found;
+    }
     std::string names;
-    for (const auto& entry : functions)
+    for (const auto& entry : functions) {
         names += fmt::format("{}{}", names.empty() ? "" : ", ", entry.name);
+    }
     throw FormulaError(formula.position,
                        fmt::format("There is no function '{}'; there are {}", formula.function, names));
 }
 
 void CheckCount(const Formula& formula, const FunctionEntry& entry) {
     const auto given = formula.arguments.size();
-    if (given > entry.parameters.size())
+    if (given > entry.parameters.size()) {
         throw FormulaError(formula.arguments[entry.parameters.size()].position,
                            fmt::format("{} takes at most {} arguments, and {} are given", entry.name,
                                        entry.parameters.size(), given));
-    if (given < entry.required)
+    }
+    if (given < entry.required) {
         throw FormulaError(formula.position,
                            fmt::format("{} needs {} arguments, and {} are given: {} is missing", entry.name,
                                        entry.required, given, entry.parameters[given].name));
+    }
 }
 
 /// Converts one argument; a conversion that the platform refuses is told with the parameter's name and place.
@@ -120,21 +124,24 @@ private:
     }
 
     void Store(DateField field, const std::optional<Variant>& value) {
-        if (!value)
+        if (!value) {
             return;
+        }
         try {
             std::get<ValueCall>(call_.arguments).*field = ToDate(*value, locale_);
         } catch (const AutomationError& error) {
-            if (!value->Is<std::string>())
+            if (!value->Is<std::string>()) {
                 throw;
+            }
             throw AutomationError(error.Number(), fmt::format("{}: '{}' is not a date", error.Description(),
                                                               value->As<std::string>()));
         }
     }
 
     void Store(IgnoredNumber /*field*/, const std::optional<Variant>& value) {
-        if (value)
+        if (value) {
             ToDouble(*value, locale_);
+        }
     }
 
     FormulaCall& call_;
@@ -148,8 +155,9 @@ FormulaCall BindFormula(const Formula& formula, const Locale& locale) {
     CheckCount(formula, entry);
     FormulaCall call;
     call.function = entry.function;
-    if (entry.parameters.size() == nameParameters.size())
+    if (entry.parameters.size() == nameParameters.size()) {
         call.arguments = NameCall{};
+    }
     ArgumentBinder binder(call, locale);
     for (std::size_t i = 0; i < entry.parameters.size(); ++i) {
         // What the formula does not reach is omitted like what it leaves empty.

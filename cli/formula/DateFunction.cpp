@@ -13,8 +13,9 @@ constexpr int monthsPerYear = 12;
 constexpr double largestArgument = 4'000'000;
 
 int WholePart(double argument) {
-    if (!(std::abs(argument) <= largestArgument))
+    if (!(std::abs(argument) <= largestArgument)) {
         throw PlatformError(ErrorNumber::Overflow);
+    }
     return static_cast<int>(std::trunc(argument));
 }
 
@@ -24,18 +25,21 @@ AutomationDate DateOf(double year, double month, double day) {
     constexpr int firstYear = 1900;
     constexpr int lastYear = 9999;
     int wholeYear = WholePart(year);
-    if (wholeYear >= 0 && wholeYear < firstYear)
+    if (wholeYear >= 0 && wholeYear < firstYear) {
         wholeYear += firstYear;
+    }
     const int months = wholeYear * monthsPerYear + WholePart(month) - 1;
     const int monthOfYear = (months % monthsPerYear + monthsPerYear) % monthsPerYear;
     const int actualYear = (months - monthOfYear) / monthsPerYear;
-    if (actualYear < firstYear || actualYear > lastYear)
+    if (actualYear < firstYear || actualYear > lastYear) {
         throw PlatformError(ErrorNumber::InvalidProcedureCall);
+    }
     auto date = DateFromDay({actualYear, monthOfYear + 1, 1});
     date.days += WholePart(day) - 1;
     const int resultYear = DayFromDate(date).year;
-    if (resultYear < firstYear || resultYear > lastYear)
+    if (resultYear < firstYear || resultYear > lastYear) {
         throw PlatformError(ErrorNumber::InvalidProcedureCall);
+    }
     return date;
 }
 

@@ -21,16 +21,19 @@ public:
     explicit FormulaParser(std::string_view text) : reader_(text), token_(reader_.Next()) {}
 
     Formula Parse() {
-        if (token_.IsSymbol('='))
+        if (token_.IsSymbol('=')) {
             Take();
-        if (token_.kind == TokenKind::End)
+        }
+        if (token_.kind == TokenKind::End) {
             throw FormulaError(token_.position, "The formula is empty");
+        }
         Formula formula = ParseFunctionName();
         Expect('(', "the function's name");
         ParseArguments(formula.arguments);
-        if (token_.kind != TokenKind::End)
+        if (token_.kind != TokenKind::End) {
             throw FormulaError(token_.position,
                                fmt::format("Expected the end of the formula, found {}", Describe(token_)));
+        }
         return formula;
     }
 
@@ -42,20 +45,23 @@ private:
     }
 
     void Expect(char symbol, std::string_view after) {
-        if (!token_.IsSymbol(symbol))
+        if (!token_.IsSymbol(symbol)) {
             throw FormulaError(token_.position, fmt::format("Expected '{}' after {}, found {}", symbol, after,
                                                             Describe(token_)));
+        }
         Take();
     }
 
     Formula ParseFunctionName() {
-        if (token_.kind != TokenKind::Name)
+        if (token_.kind != TokenKind::Name) {
             throw FormulaError(token_.position,
                                fmt::format("Expected a function's name, found {}", Describe(token_)));
+        }
         const auto name = Take();
         constexpr std::string_view className = "OrmFunctionQel4.OrmQelFunction.";
-        if (EqualIgnoringCase(std::string_view(name.text).substr(0, className.size()), className))
+        if (EqualIgnoringCase(std::string_view(name.text).substr(0, className.size()), className)) {
             return {name.text.substr(className.size()), name.position, {}};
+        }
         return {name.text, name.position, {}};
     }
 
@@ -79,14 +85,16 @@ private:
 
     /// Which of ',' and ';' separates arguments is the locale's choice; one formula uses one of them.
     void TakeSeparator() {
-        if (!AtSeparator())
+        if (!AtSeparator()) {
             throw FormulaError(token_.position, fmt::format("Expected ',' or ')' after an argument, found {}",
                                                             Describe(token_)));
+        }
         const char separator = token_.text.front();
-        if (separator_ != '\0' && separator != separator_)
+        if (separator_ != '\0' && separator != separator_) {
             throw FormulaError(token_.position,
                                fmt::format("Arguments are separated by '{}' before, and by '{}' here",
                                            separator_, separator));
+        }
         separator_ = separator;
         Take();
     }
@@ -94,8 +102,9 @@ private:
     FormulaArgument ParseArgument() {
         FormulaArgument argument;
         argument.position = token_.position;
-        if (AtSeparator() || token_.IsSymbol(')'))
+        if (AtSeparator() || token_.IsSymbol(')')) {
             return argument;
+        }
         argument.value = token_.IsSymbol('{') ? ParseArray() : ParseScalar();
         return argument;
     }
@@ -112,33 +121,39 @@ private:
                 return Variant::List(std::move(elements));
             }
             char found = '\0';
-            for (const char candidate : separators)
-                if (token_.IsSymbol(candidate))
+            for (const char candidate : separators) {
+                if (token_.IsSymbol(candidate)) {
                     found = candidate;
-            if (found == '\0')
+                }
+            }
+            if (found == '\0') {
                 throw FormulaError(
                     token_.position,
                     fmt::format("Expected ',' or '}}' in an array constant, found {}", Describe(token_)));
-            if (separator != '\0' && found != separator)
+            }
+            if (separator != '\0' && found != separator) {
                 throw FormulaError(
                     token_.position,
                     "An array constant has one row or one column here: its elements are separated "
                     "by one kind of separator");
+            }
             separator = found;
             Take();
         }
     }
 
     Variant ParseScalar() {
-        if (token_.kind == TokenKind::Name && EqualIgnoringCase(token_.text, "DATE"))
+        if (token_.kind == TokenKind::Name && EqualIgnoringCase(token_.text, "DATE")) {
             return ParseDateCall();
+        }
         return ParseConstant("an argument");
     }
 
     /// A text, a number, TRUE or FALSE.
     Variant ParseConstant(std::string_view role) {
-        if (token_.kind == TokenKind::Text)
+        if (token_.kind == TokenKind::Text) {
             return Take().text;
+        }
         if (token_.kind == TokenKind::Name && EqualIgnoringCase(token_.text, "TRUE")) {
             Take();
             return true;
@@ -152,10 +167,12 @@ private:
 
     double ParseNumber(std::string_view role) {
         double sign = 1;
-        if (token_.IsSymbol('-') || token_.IsSymbol('+'))
+        if (token_.IsSymbol('-') || token_.IsSymbol('+')) {
             sign = Take().IsSymbol('-') ? -1 : 1;
-        if (token_.kind != TokenKind::Number)
+        }
+        if (token_.kind != TokenKind::Number) {
             throw FormulaError(token_.position, fmt::format("Expected {}, found {}", role, Describe(token_)));
+        }
         return sign * Take().number;
     }
 
@@ -164,8 +181,9 @@ private:
         Expect('(', "DATE");
         std::array<double, 3> parts{};
         for (std::size_t i = 0; i < parts.size(); ++i) {
-            if (i > 0)
+            if (i > 0) {
                 TakeSeparator();
+            }
             parts[i] = ParseNumber("a number in DATE(year,month,day)");
         }
         Expect(')', "the day of DATE(year,month,day)");

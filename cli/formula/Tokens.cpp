@@ -42,12 +42,13 @@ bool IsNameStart(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z
 std::size_t CharacterLength(std::string_view text) {
     const auto first = static_cast<unsigned char>(text.front());
     std::size_t length = 1;
-    if (first >= 0xF0)
+    if (first >= 0xF0) {
         length = 4;
-    else if (first >= 0xE0)
+    } else if (first >= 0xE0) {
         length = 3;
-    else if (first >= 0xC0)
+    } else if (first >= 0xC0) {
         length = 2;
+    }
     return std::min(length, text.size());
 }
 
@@ -57,8 +58,9 @@ std::size_t CountCharacters(std::string_view text) {
 }
 
 std::size_t BlankLength(std::string_view text) {
-    if (std::string_view(" \t\r\n").find(text.front()) != std::string_view::npos)
+    if (std::string_view(" \t\r\n").find(text.front()) != std::string_view::npos) {
         return 1;
+    }
     const auto found = std::find_if(wideBlanks.begin(), wideBlanks.end(),
                                     [&](std::string_view blank) { return text.starts_with(blank); });
     return found == wideBlanks.end() ? 0 : found->size();
@@ -84,15 +86,19 @@ std::string Describe(const Token& token) {
 
 Token TokenReader::Next() {
     SkipBlanks();
-    if (text_.empty())
+    if (text_.empty()) {
         return {TokenKind::End, "", 0, position_};
+    }
     const char first = text_.front();
-    if (first == '"')
+    if (first == '"') {
         return ReadText();
-    if (IsNameStart(first))
+    }
+    if (IsNameStart(first)) {
         return ReadName();
-    if (IsDigit(first) || (first == '.' && text_.size() > 1 && IsDigit(text_[1])))
+    }
+    if (IsDigit(first) || (first == '.' && text_.size() > 1 && IsDigit(text_[1]))) {
         return ReadNumber();
+    }
     return ReadSymbol();
 }
 
@@ -104,8 +110,9 @@ void TokenReader::Advance(std::size_t bytes) {
 void TokenReader::SkipBlanks() {
     while (!text_.empty()) {
         const auto length = BlankLength(text_);
-        if (length == 0)
+        if (length == 0) {
             return;
+        }
         Advance(length);
     }
 }
@@ -115,8 +122,9 @@ Token TokenReader::ReadText() {
     std::size_t place = 1;
     while (true) {
         const auto quote = text_.find('"', place);
-        if (quote == std::string_view::npos)
+        if (quote == std::string_view::npos) {
             throw FormulaError(token.position, "The text that begins here has no closing quote");
+        }
         token.text += text_.substr(place, quote - place);
         if (quote + 1 >= text_.size() || text_[quote + 1] != '"') {
             Advance(quote + 1);
@@ -139,24 +147,29 @@ Token TokenReader::ReadNumber() {
     Token token{TokenKind::Number, "", 0, position_};
     const auto [end, failed] = std::from_chars(text_.data(), text_.data() + text_.size(), token.number);
     token.text.assign(text_.data(), end);
-    if (failed != std::errc() || !std::isfinite(token.number))
+    if (failed != std::errc() || !std::isfinite(token.number)) {
         throw FormulaError(token.position, fmt::format("The number {} is out of range", token.text));
+    }
     Advance(token.text.size());
-    if (!text_.empty() && (IsNameStart(text_.front()) || IsDigit(text_.front()) || text_.front() == '.'))
+    if (!text_.empty() && (IsNameStart(text_.front()) || IsDigit(text_.front()) || text_.front() == '.')) {
         throw FormulaError(token.position, fmt::format("'{}{}' is not a number", token.text, text_.front()));
+    }
     return token;
 }
 
 Token TokenReader::ReadSymbol() {
-    for (const auto& wrong : wrongQuotes)
-        if (text_.starts_with(wrong.quote))
+    for (const auto& wrong : wrongQuotes) {
+        if (text_.starts_with(wrong.quote)) {
             throw FormulaError(position_,
                                fmt::format("Texts stand between straight double quotes (\"); this is "
                                            "a {} quote: {}",
                                            wrong.isSingle ? "single" : "curly", wrong.quote));
+        }
+    }
     const auto length = CharacterLength(text_);
-    if (length > 1 || std::string_view("=(){},;\\+-").find(text_.front()) == std::string_view::npos)
+    if (length > 1 || std::string_view("=(){},;\\+-").find(text_.front()) == std::string_view::npos) {
         throw FormulaError(position_, fmt::format("Unexpected '{}'", text_.substr(0, length)));
+    }
     Token token{TokenKind::Symbol, std::string(text_.substr(0, length)), 0, position_};
     Advance(length);
     return token;

@@ -11,18 +11,21 @@ namespace {
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 void TrimBlanks(std::string_view& text) {
-    while (!text.empty() && text.front() == ' ')
+    while (!text.empty() && text.front() == ' ') {
         text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ')
+    }
+    while (!text.empty() && text.back() == ' ') {
         text.remove_suffix(1);
+    }
 }
 
 /// Takes the sign off; false when the text has two, or half of one. `magnitude` comes back without it.
 bool TakeSign(std::string_view& magnitude, bool& isNegative) {
     const bool isOpened = magnitude.front() == '(';
     const bool isClosed = magnitude.back() == ')';
-    if (isOpened != isClosed)
+    if (isOpened != isClosed) {
         return false;
+    }
     const auto isSign = [](char c) { return c == '-' || c == '+'; };
     if (isOpened) {
         isNegative = true;
@@ -66,8 +69,9 @@ bool AddWholePart(std::string_view whole, char thousands, DigitSum& sum) {
         // The first group has one to three digits, the others have three.
         const bool groupIsRight =
             isGrouped ? sinceSeparator == 3 : sinceSeparator >= 1 && sinceSeparator <= 3;
-        if (thousands == 0 || c != thousands || !groupIsRight)
+        if (thousands == 0 || c != thousands || !groupIsRight) {
             return false;
+        }
         isGrouped = true;
         sinceSeparator = 0;
     }
@@ -76,33 +80,41 @@ bool AddWholePart(std::string_view whole, char thousands, DigitSum& sum) {
 
 bool AddDecimals(std::string_view digits, std::size_t decimals, DigitSum& sum) {
     for (std::size_t i = 0; i < digits.size(); ++i) {
-        if (!IsDigit(digits[i]) || (i >= decimals && digits[i] != '0'))
+        if (!IsDigit(digits[i]) || (i >= decimals && digits[i] != '0')) {
             return false;
-        if (i < decimals)
+        }
+        if (i < decimals) {
             sum.Add(digits[i] - '0');
+        }
     }
-    for (std::size_t i = digits.size(); i < decimals; ++i)
+    for (std::size_t i = digits.size(); i < decimals; ++i) {
         sum.Add(0);
+    }
     return true;
 }
 
 ParsedAmount ParsePlain(std::string_view text, const CsvFormat& format, std::uint8_t decimals) {
     TrimBlanks(text);
-    if (text.empty())
+    if (text.empty()) {
         return {0, false};
+    }
     bool isNegative = false;
-    if (!TakeSign(text, isNegative))
+    if (!TakeSign(text, isNegative)) {
         return {};
+    }
     const auto point = text.find(format.decimal);
     const std::string_view whole = text.substr(0, point);
     const std::string_view fraction = point == std::string_view::npos ? "" : text.substr(point + 1);
     DigitSum sum;
-    if (whole.empty() && fraction.empty())
+    if (whole.empty() && fraction.empty()) {
         return {};
-    if (!AddWholePart(whole, format.thousands, sum) || !AddDecimals(fraction, decimals, sum))
+    }
+    if (!AddWholePart(whole, format.thousands, sum) || !AddDecimals(fraction, decimals, sum)) {
         return {};
-    if (sum.IsTooLarge())
+    }
+    if (sum.IsTooLarge()) {
         return {std::nullopt, true};
+    }
     return {isNegative ? -sum.Value() : sum.Value(), false};
 }
 

@@ -14,17 +14,19 @@ namespace {
 
 void WriteLine(std::ofstream& file, std::string_view line) {
     file << line;
-    if (line.empty() || (line.back() != '\n' && line.back() != '\r'))
+    if (line.empty() || (line.back() != '\n' && line.back() != '\r')) {
         file << '\n';
+    }
 }
 
 } // namespace
 
 void BadLines::CreateFile() {
     file_.open(*path_, std::ios::binary | std::ios::trunc);
-    if (!file_)
+    if (!file_) {
         throw EngineError(ErrorKind::CannotWrite, fmt::format("{}: cannot be written: {}", PathToUtf8(*path_),
                                                               std::generic_category().message(errno)));
+    }
 }
 
 void BadLines::Report(const CsvReader& reader, const std::string& column, const std::string& fault) {
@@ -33,23 +35,28 @@ void BadLines::Report(const CsvReader& reader, const std::string& column, const 
         throw EngineError(ErrorKind::InvalidData,
                           fmt::format("{}, line {}{}: {}", reader.FileName(), reader.Line(), place, fault));
     }
-    if (written_.empty())
+    if (written_.empty()) {
         CreateFile();
-    if (!written_.emplace(reader.FileName(), reader.Line()).second)
+    }
+    if (!written_.emplace(reader.FileName(), reader.Line()).second) {
         return;
-    if (lastFile_ != reader.FileName())
+    }
+    if (lastFile_ != reader.FileName()) {
         WriteLine(file_, reader.HeaderText());
+    }
     lastFile_ = reader.FileName();
     WriteLine(file_, reader.Raw());
 }
 
 void BadLines::Finish() {
-    if (written_.empty())
+    if (written_.empty()) {
         return;
+    }
     file_.close();
-    if (!file_)
+    if (!file_) {
         throw EngineError(ErrorKind::CannotWrite,
                           fmt::format("{}: not all skipped lines could be written", PathToUtf8(*path_)));
+    }
 }
 
 } // namespace qel::engine

@@ -30,8 +30,9 @@ BuildTotals BuildCube(const BuildOptions& options) {
     for (std::uint32_t i = 0; i < cubes.size(); ++i) {
         const std::string step = "Writing " + cubes[i]->Model().name;
         const auto progress = [&](double share) {
-            if (options.progress)
+            if (options.progress) {
                 options.progress(step, share);
+            }
         };
         WriteFacts(cubes[i]->Model(), cubes[i]->Facts(), i, writer, progress);
         cubes[i].reset();

@@ -26,14 +26,16 @@ Calendar::Calendar(bool byDays, sys_days first, sys_days last)
 }
 
 std::uint32_t Calendar::PeriodOf(sys_days day) const {
-    if (byDays_)
+    if (byDays_) {
         return static_cast<std::uint32_t>((day - firstDay_).count());
+    }
     return static_cast<std::uint32_t>(MonthNumber(year_month_day(day)) - firstMonth_);
 }
 
 year_month_day Calendar::DayOf(std::uint32_t period) const {
-    if (byDays_)
+    if (byDays_) {
         return {firstDay_ + std::chrono::days(period)};
+    }
     const int month = firstMonth_ + static_cast<int>(period);
     return {std::chrono::year(month / 12), std::chrono::month(static_cast<unsigned>(month % 12) + 1),
             std::chrono::day(1)};
@@ -48,10 +50,12 @@ void Calendar::AddLevel(Unit unit, std::uint32_t firstParent, HierarchyModel& mo
         const unsigned quarter = (month - 1) / 3 + 1;
         const auto isSame = [&](const year_month_day& other) {
             const auto otherMonth = static_cast<unsigned>(other.month());
-            if (unit == Unit::Day)
+            if (unit == Unit::Day) {
                 return other == day;
-            if (unit == Unit::Month)
+            }
+            if (unit == Unit::Month) {
                 return other.year() == day.year() && otherMonth == month;
+            }
             return other.year() == day.year() && (unit == Unit::Year || (otherMonth - 1) / 3 + 1 == quarter);
         };
         for (last = period + 1; last < periodCount_ && isSame(DayOf(last)); ++last) {
@@ -68,8 +72,9 @@ void Calendar::AddLevel(Unit unit, std::uint32_t firstParent, HierarchyModel& mo
             name = std::to_string(static_cast<unsigned>(day.day()));
             key += fmt::format("-{:02}", static_cast<unsigned>(day.day()));
         }
-        while (parent != noMember && model.ranges[model.rangeOffsets[parent]].last <= period)
+        while (parent != noMember && model.ranges[model.rangeOffsets[parent]].last <= period) {
             ++parent;
+        }
         model.names.Add(name);
         model.captions.Add(name);
         model.keys.Add(key);
@@ -91,11 +96,13 @@ HierarchyModel Calendar::Model(const HierarchyDefinition& definition, const Cale
         firstParent = 0;
     }
     std::vector<Unit> units = {Unit::Year};
-    if (calendar.hasQuarters)
+    if (calendar.hasQuarters) {
         units.push_back(Unit::Quarter);
+    }
     units.push_back(Unit::Month);
-    if (calendar.byDays)
+    if (calendar.byDays) {
         units.push_back(Unit::Day);
+    }
     for (std::size_t i = 0; i < units.size(); ++i) {
         const auto firstOfLevel = static_cast<std::uint32_t>(model.parents.size());
         model.levels.push_back({calendar.levels[i], false, 0});

@@ -21,18 +21,20 @@ constexpr std::string_view noBreakBlank = "\xC2\xA0";
 std::string_view Trimmed(std::string_view text) {
     const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
     for (;;) {
-        if (text.empty())
+        if (text.empty()) {
             return text;
-        if (isBlank(text.front()))
+        }
+        if (isBlank(text.front())) {
             text.remove_prefix(1);
-        else if (isBlank(text.back()))
+        } else if (isBlank(text.back())) {
             text.remove_suffix(1);
-        else if (text.substr(0, 2) == noBreakBlank)
+        } else if (text.substr(0, 2) == noBreakBlank) {
             text.remove_prefix(2);
-        else if (text.size() >= 2 && text.substr(text.size() - 2) == noBreakBlank)
+        } else if (text.size() >= 2 && text.substr(text.size() - 2) == noBreakBlank) {
             text.remove_suffix(2);
-        else
+        } else {
             return text;
+        }
     }
 }
 
@@ -72,34 +74,42 @@ CsvReader::~CsvReader() = default;
 void CsvReader::ReadHeader() {
     constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
     const std::string_view start = lines_.LineAt(0);
-    if (start.substr(0, 2) == "\xFF\xFE" || start.substr(0, 2) == "\xFE\xFF")
+    if (start.substr(0, 2) == "\xFF\xFE" || start.substr(0, 2) == "\xFE\xFF") {
         Fail("line 1: the file is UTF-16, expected UTF-8");
-    if (start.substr(0, utf8Mark.size()) == utf8Mark)
+    }
+    if (start.substr(0, utf8Mark.size()) == utf8Mark) {
         lines_.Drop(utf8Mark.size());
-    if (!SkipBlankLines())
+    }
+    if (!SkipBlankLines()) {
         Fail("the file is empty, expected a line with the names of the columns");
-    if (delimiter_ == 0)
+    }
+    if (delimiter_ == 0) {
         delimiter_ = DetectDelimiter(lines_.LineAt(0));
+    }
     ResetParser();
     ReadRecord();
     fault_ = FormFault();
-    if (!fault_.empty())
+    if (!fault_.empty()) {
         Fail(fmt::format("line {}: {}", line_, fault_));
+    }
     headerText_ = Raw();
     std::unordered_set<std::string_view> seen;
     for (std::size_t i = 0; i < fields_.size(); ++i) {
-        if (!Field(i).empty() && !seen.insert(Field(i)).second)
+        if (!Field(i).empty() && !seen.insert(Field(i)).second) {
             Fail(fmt::format("line {}: two columns are named \"{}\"", line_, Field(i)));
+        }
         header_.emplace_back(Field(i));
     }
 }
 
 bool CsvReader::Next() {
-    if (!ReadRecord())
+    if (!ReadRecord()) {
         return false;
+    }
     fault_ = FormFault();
-    if (fault_.empty() && fields_.size() != header_.size())
+    if (fault_.empty() && fields_.size() != header_.size()) {
         fault_ = fmt::format("expected {} fields, found {}", header_.size(), fields_.size());
+    }
     return true;
 }
 
@@ -113,10 +123,12 @@ bool CsvReader::SkipBlankLines() {
         const auto isBlank = [this](char c) {
             return c == '\r' || c == '\n' || c == ' ' || (c == '\t' && delimiter_ != '\t');
         };
-        if (line.empty())
+        if (line.empty()) {
             return false;
-        if (!std::all_of(line.begin(), line.end(), isBlank))
+        }
+        if (!std::all_of(line.begin(), line.end(), isBlank)) {
             return true;
+        }
         lines_.Drop(line.size());
         ++line_;
     }
@@ -131,22 +143,25 @@ bool CsvReader::ReadRecord() {
     text_.clear();
     fields_.clear();
     fault_.clear();
-    if (!SkipBlankLines())
+    if (!SkipBlankLines()) {
         return false;
+    }
     const std::size_t firstLine = lines_.LineAt(0).size();
     while (!recordIsComplete_ && fault_.empty()) {
         const std::string_view line = lines_.LineAt(recordSize_);
         recordSize_ += line.size();
         ++recordLines_;
         if (line.empty()) {
-            if (csv_fini(parser_.get(), OnField, OnRecord, this) != 0)
+            if (csv_fini(parser_.get(), OnField, OnRecord, this) != 0) {
                 fault_ = notClosed;
+            }
             break;
         }
-        if (csv_parse(parser_.get(), line.data(), line.size(), OnField, OnRecord, this) != line.size())
+        if (csv_parse(parser_.get(), line.data(), line.size(), OnField, OnRecord, this) != line.size()) {
             fault_ = "a quote stands within a field, and is not doubled";
-        else if (recordSize_ > longestRecord)
+        } else if (recordSize_ > longestRecord) {
             fault_ = "no end within 1 MiB; a quote is not closed";
+        }
     }
     if (!fault_.empty()) {
         ResetParser();
@@ -157,19 +172,23 @@ bool CsvReader::ReadRecord() {
 }
 
 std::string CsvReader::FormFault() const {
-    if (!fault_.empty())
+    if (!fault_.empty()) {
         return fault_;
-    if (!IsValidUtf8(Raw()))
+    }
+    if (!IsValidUtf8(Raw())) {
         return "the text is not UTF-8";
-    if (Raw().find('\0') != std::string_view::npos)
+    }
+    if (Raw().find('\0') != std::string_view::npos) {
         return "a character with code 0";
+    }
     return {};
 }
 
 void CsvReader::ResetParser() {
     auto parser = std::make_unique<csv_parser>();
-    if (csv_init(parser.get(), CSV_STRICT | CSV_STRICT_FINI) != 0)
+    if (csv_init(parser.get(), CSV_STRICT | CSV_STRICT_FINI) != 0) {
         throw std::bad_alloc();
+    }
     csv_set_delim(parser.get(), static_cast<unsigned char>(delimiter_));
     parser_.reset(parser.release());
 }
@@ -181,8 +200,9 @@ void CsvReader::Fail(const std::string& fault) const {
 void CsvReader::OnField(void* text, std::size_t length, void* self) {
     auto& reader = *static_cast<CsvReader*>(self);
     reader.fields_.emplace_back(reader.text_.size(), length);
-    if (length != 0)
+    if (length != 0) {
         reader.text_.append(static_cast<const char*>(text), length);
+    }
 }
 
 void CsvReader::OnRecord(int, void* self) { static_cast<CsvReader*>(self)->recordIsComplete_ = true; }

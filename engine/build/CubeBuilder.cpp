@@ -16,24 +16,27 @@ namespace qel::engine {
 CubeBuilder::CubeBuilder(const Definition& definition, const CubeDefinition& cube, BadLines& badLines,
                          const BuildProgress& progress)
     : definition_(definition), cube_(cube), badLines_(badLines), progress_(progress) {
-    for (const DimensionDefinition& dimension : cube.dimensions)
+    for (const DimensionDefinition& dimension : cube.dimensions) {
         dimensions_.emplace_back(dimension);
+    }
     AddKeyColumns();
 }
 
 void CubeBuilder::AddKeyColumns() {
     for (const DimensionDefinition& dimension : cube_.dimensions) {
         keyColumnOf_.emplace_back();
-        if (!dimension.column)
+        if (!dimension.column) {
             continue;
+        }
         // A calendar numbers periods, not texts: it has a key column of its own.
         const auto found = std::find_if(keyColumns_.begin(), keyColumns_.end(), [&](const auto& column) {
             return column.Name() == *dimension.column &&
                    column.IsCalendar() == dimension.calendar.has_value();
         });
         keyColumnOf_.back() = static_cast<std::uint32_t>(found - keyColumns_.begin());
-        if (found == keyColumns_.end())
+        if (found == keyColumns_.end()) {
             keyColumns_.emplace_back(*dimension.column, dimension.calendar);
+        }
     }
 }
 
@@ -56,8 +59,9 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
     std::vector<std::vector<std::string>> tableNames(keyColumns_.size());
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         const DimensionDefinition& dimension = dimensions_[i].Definition();
-        if (dimension.tables.empty())
+        if (dimension.tables.empty()) {
             continue;
+        }
         std::size_t tableOfKeys = 0;
         if (keyColumnOf_[i]) {
             auto& names = tableNames[*keyColumnOf_[i]];
@@ -72,8 +76,9 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
             totals.dimensionLinesSkipped += reader.LinesSkipped();
         }
     }
-    for (std::size_t i = 0; i < keyColumns_.size(); ++i)
+    for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
         keyColumns_[i].CloseTables(std::move(tableNames[i]));
+    }
 }
 
 void CubeBuilder::ReadFactTables(BuildTotals& totals) {
@@ -83,38 +88,43 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
         totals.linesRead += reader.LinesRead();
         totals.linesSkipped += reader.LinesSkipped();
         totals.linesKept += reader.LinesRead() - reader.LinesSkipped();
-        if (facts_.rowCount > format::mostFacts)
+        if (facts_.rowCount > format::mostFacts) {
             throw EngineError(ErrorKind::InvalidData,
                               fmt::format("cube {}: more than {} facts", cube_.name, format::mostFacts));
+        }
     }
 }
 
 void CubeBuilder::NumberKeys() {
     for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
         KeyColumnBuilder& column = keyColumns_[i];
-        if (column.IsCalendar())
+        if (column.IsCalendar()) {
             column.NumberDates(facts_.keys[i], FactPlace());
-        else
+        } else {
             column.NumberTexts(MainTree(i).ValuesInTreeOrder(column.Ranks()));
+        }
     }
     ReplaceNumbersByCodes(keyColumns_, facts_);
 }
 
 std::string CubeBuilder::FactPlace() const {
     std::vector<std::string> files;
-    for (const std::size_t table : cube_.facts)
+    for (const std::size_t table : cube_.facts) {
         files.push_back(PathToUtf8(definition_.tables[table].file.filename()));
+    }
     return fmt::format("cube {}, facts of {}", cube_.name, fmt::join(files, ", "));
 }
 
 const MemberTree& CubeBuilder::MainTree(std::size_t keyColumn) const {
     std::size_t best = 0, tree = 0, depth = 0; // a dimension and its tree, which has at least one level
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
-        if (keyColumnOf_[i] != keyColumn)
+        if (keyColumnOf_[i] != keyColumn) {
             continue;
+        }
         const DimensionDefinition& dimension = dimensions_[i].Definition();
-        if (dimension.isMain)
+        if (dimension.isMain) {
             return dimensions_[i].Tree(0);
+        }
         const std::size_t deepest = dimensions_[i].DeepestTree();
         if (dimension.hierarchies[deepest].levels.size() > depth) {
             best = i;
@@ -130,14 +140,17 @@ void CubeBuilder::MakeModel() {
     model_.caption = cube_.caption;
     model_.defaultMeasure = static_cast<std::uint32_t>(cube_.defaultMeasure);
     model_.rowCount = facts_.rowCount;
-    for (const KeyColumnBuilder& column : keyColumns_)
+    for (const KeyColumnBuilder& column : keyColumns_) {
         model_.keyColumns.push_back({column.Name(), column.CodeCount()});
+    }
     AssignSlots(model_.keyColumns);
     model_.measures = MeasureModels(cube_.measures, facts_, cube_.name);
-    for (std::size_t i = 0; i < dimensions_.size(); ++i)
+    for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         model_.dimensions.push_back(dimensions_[i].Model(KeysOf(i), keyColumnOf_[i]));
-    for (const auto& order : SortOrders())
+    }
+    for (const auto& order : SortOrders()) {
         model_.projections.push_back(DescribeProjection(order, model_.keyColumns, facts_));
+    }
 }
 
 std::vector<std::vector<std::uint16_t>> CubeBuilder::SortOrders() const {
@@ -150,11 +163,13 @@ std::vector<std::vector<std::uint16_t>> CubeBuilder::SortOrders() const {
             orders.back().push_back(static_cast<std::uint16_t>(found - keyColumns_.begin()));
         }
     }
-    if (!orders.empty())
+    if (!orders.empty()) {
         return orders;
+    }
     std::vector<bool> isCalendar;
-    for (const KeyColumnBuilder& column : keyColumns_)
+    for (const KeyColumnBuilder& column : keyColumns_) {
         isCalendar.push_back(column.IsCalendar());
+    }
     return ChooseSortOrders(model_.keyColumns, isCalendar);
 }
 

@@ -27,8 +27,9 @@ bool IsTimeOfDay(std::string_view text) {
     std::size_t colons = 0;
     for (const char c : text) {
         colons += c == ':' ? 1 : 0;
-        if (!IsDigit(c) && std::string_view(":. +-TZAPMapm").find(c) == std::string_view::npos)
+        if (!IsDigit(c) && std::string_view(":. +-TZAPMapm").find(c) == std::string_view::npos) {
             return false;
+        }
     }
     return colons > 0;
 }
@@ -41,8 +42,9 @@ std::string_view WithoutTime(std::string_view text) {
 
 NumberText TakeNumber(std::string_view& text) {
     NumberText number;
-    while (number.digits < text.size() && number.digits < 8 && IsDigit(text[number.digits]))
+    while (number.digits < text.size() && number.digits < 8 && IsDigit(text[number.digits])) {
         number.value = number.value * 10 + (text[number.digits++] - '0');
+    }
     text.remove_prefix(number.digits);
     return number;
 }
@@ -51,13 +53,16 @@ DateNumbers SplitNumbers(std::string_view text) {
     DateNumbers result;
     for (std::size_t i = 0; i < result.numbers.size(); ++i) {
         result.numbers[i] = TakeNumber(text);
-        if (result.numbers[i].digits == 0)
+        if (result.numbers[i].digits == 0) {
             return {};
+        }
         result.count = i + 1;
-        if (text.empty())
+        if (text.empty()) {
             return result;
-        if (std::string_view("-/. ").find(text.front()) == std::string_view::npos)
+        }
+        if (std::string_view("-/. ").find(text.front()) == std::string_view::npos) {
             return {};
+        }
         text.remove_prefix(1);
     }
     return {};
@@ -65,24 +70,28 @@ DateNumbers SplitNumbers(std::string_view text) {
 
 /// 1930 to 2029 for two digits; none unless there are two or four.
 std::optional<int> YearOf(const NumberText& number) {
-    if (number.digits == 4)
+    if (number.digits == 4) {
         return number.value;
-    if (number.digits == 2)
+    }
+    if (number.digits == 2) {
         return number.value + (number.value < 30 ? 2000 : 1900);
+    }
     return std::nullopt;
 }
 
 std::optional<std::chrono::sys_days> Day(const NumberText& year, const NumberText& month,
                                          const NumberText& day) {
     const auto fullYear = YearOf(year);
-    if (!fullYear || month.digits > 2 || day.digits > 2)
+    if (!fullYear || month.digits > 2 || day.digits > 2) {
         return std::nullopt;
+    }
     const std::chrono::year_month_day date{std::chrono::year(*fullYear),
                                            std::chrono::month(static_cast<unsigned>(month.value)),
                                            std::chrono::day(static_cast<unsigned>(day.value))};
     constexpr int firstYear = 100;
-    if (!date.ok() || *fullYear < firstYear)
+    if (!date.ok() || *fullYear < firstYear) {
         return std::nullopt;
+    }
     return std::chrono::sys_days(date);
 }
 
@@ -95,17 +104,22 @@ std::optional<std::chrono::sys_days> ParsePlain(std::string_view text, DateForma
     const DateNumbers date = SplitNumbers(WithoutTime(text));
     const auto& [a, b, c] = date.numbers;
     const bool yearFirst = a.digits == 4 || format == DateFormat::YearMonthDay;
-    if (date.count == 1 && a.digits == 8)
+    if (date.count == 1 && a.digits == 8) {
         return EightDigits(a.value);
+    }
     // Where ISO dates are expected, "31-12-24" must not become a day of 1931.
-    if (format == DateFormat::Iso && a.digits != 4)
+    if (format == DateFormat::Iso && a.digits != 4) {
         return std::nullopt;
-    if (date.count == 2)
+    }
+    if (date.count == 2) {
         return yearFirst ? Day(a, b, {1, 1}) : Day(b, a, {1, 1});
-    if (date.count != 3)
+    }
+    if (date.count != 3) {
         return std::nullopt;
-    if (yearFirst)
+    }
+    if (yearFirst) {
         return Day(a, b, c);
+    }
     return format == DateFormat::DayMonthYear ? Day(c, b, a) : Day(c, a, b);
 }
 

@@ -23,8 +23,9 @@ public:
     explicit UniqueNames(std::string what) : what_(std::move(what)) {}
 
     void Add(const std::string& name, const JsonPlace& place) {
-        if (!names_.insert(FoldCase(name)).second)
+        if (!names_.insert(FoldCase(name)).second) {
             place.Fail(fmt::format("there is another {} named \"{}\"", what_, name));
+        }
     }
 
 private:
@@ -38,14 +39,18 @@ void ReadFormat(JsonObject& object, CsvFormat& format) {
         const std::size_t choice = place->OneOf({",", ";", "\t", "|", "auto"});
         format.delimiter = choice < delimiters.size() ? delimiters[choice] : '\0';
     }
-    if (const auto place = object.Optional("decimal"))
+    if (const auto place = object.Optional("decimal")) {
         format.decimal = place->OneOf({".", ","}) == 0 ? '.' : ',';
-    if (const auto place = object.Optional("thousands"))
+    }
+    if (const auto place = object.Optional("thousands")) {
         format.thousands = std::array{',', '.', ' ', '\'', '\0'}[place->OneOf({",", ".", " ", "'", ""})];
-    if (const auto place = object.Optional("dates"))
+    }
+    if (const auto place = object.Optional("dates")) {
         format.dates = static_cast<DateFormat>(place->OneOf({"iso", "dmy", "mdy", "ymd"}));
-    if (format.decimal == format.thousands)
+    }
+    if (format.decimal == format.thousands) {
         object.Place().Fail("\"decimal\" and \"thousands\" are the same sign");
+    }
 }
 
 TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const CsvFormat& defaults,
@@ -57,8 +62,9 @@ TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const
     table.file = folder / std::filesystem::path(object.Required("file").Text());
     ReadFormat(object, table.format);
     if (const auto columns = object.Optional("columns")) {
-        for (const auto& [column, inFile] : JsonObject(*columns).All())
+        for (const auto& [column, inFile] : JsonObject(*columns).All()) {
             table.columns.emplace_back(column, inFile.Text());
+        }
     }
     object.Finish();
     return table;
@@ -88,8 +94,9 @@ private:
         for (const std::string& name : place.Texts()) {
             const auto found = std::find_if(tables_.begin(), tables_.end(),
                                             [&name](const auto& table) { return table.name == name; });
-            if (found == tables_.end())
+            if (found == tables_.end()) {
                 place.Fail(fmt::format("there is no table \"{}\" in \"tables\"", name));
+            }
             numbers.push_back(static_cast<std::size_t>(found - tables_.begin()));
         }
         return numbers;
@@ -102,13 +109,15 @@ private:
         for (const JsonPlace& element : place.Elements()) {
             DimensionDefinition dimension = ReadDimension(element);
             names.Add(dimension.name, element);
-            if (dimension.calendar && !calendars.insert(*dimension.column).second)
+            if (dimension.calendar && !calendars.insert(*dimension.column).second) {
                 element.Fail(fmt::format("the column \"{}\" has a calendar already", *dimension.column));
+            }
             cube.dimensions.push_back(std::move(dimension));
         }
         if (std::none_of(cube.dimensions.begin(), cube.dimensions.end(),
-                         [](const auto& dimension) { return dimension.column.has_value(); }))
+                         [](const auto& dimension) { return dimension.column.has_value(); })) {
             place.Fail("at least one dimension needs a \"column\" of the facts");
+        }
     }
 
     DimensionDefinition ReadDimension(const JsonPlace& place) const {
@@ -117,8 +126,9 @@ private:
         dimension.place = place.Where();
         dimension.name = object.Required("name").Text();
         dimension.caption = object.TextOr("caption", dimension.name);
-        if (const auto column = object.Optional("column"))
+        if (const auto column = object.Optional("column")) {
             dimension.column = column->Text();
+        }
         if (const auto table = object.Optional("table")) {
             dimension.tables = Tables(*table);
             dimension.key = object.Required("key").Text();
@@ -127,10 +137,12 @@ private:
         } else if (dimension.column) {
             dimension.key = *dimension.column;
         }
-        if (const auto main = object.Optional("main"))
+        if (const auto main = object.Optional("main")) {
             dimension.isMain = main->Boolean();
-        if (dimension.isMain && !dimension.column)
+        }
+        if (dimension.isMain && !dimension.column) {
             place.Fail("a main dimension needs a \"column\"");
+        }
         ReadShape(object, dimension);
         object.Finish();
         return dimension;
@@ -147,62 +159,75 @@ private:
         base.caption = dimension.caption;
         base.all = "All";
         ReadTop(object, base);
-        if (calendar)
+        if (calendar) {
             ReadCalendar(object, *calendar, dimension);
-        if (members)
+        }
+        if (members) {
             ReadMembers(object, *members, dimension);
-        if ((calendar || members) && hierarchies)
+        }
+        if ((calendar || members) && hierarchies) {
             hierarchies->Fail("a calendar or a list of members has no other hierarchies");
-        if (!calendar && !members && !dimension.column && dimension.tables.empty())
+        }
+        if (!calendar && !members && !dimension.column && dimension.tables.empty()) {
             object.Place().Fail("needs a \"column\" of the facts, a \"table\" or \"members\"");
+        }
         if (hierarchies) {
             ReadHierarchies(*hierarchies, base, dimension);
             return;
         }
-        if (!calendar)
+        if (!calendar) {
             base.levels = {
                 {dimension.name, dimension.key, "", "", members ? MemberOrder::File : MemberOrder::Key}};
+        }
         dimension.hierarchies.push_back(base);
     }
 
     /// The keys "all" and "default", which a dimension sets for its hierarchies and a hierarchy for itself.
     static void ReadTop(JsonObject& object, HierarchyDefinition& hierarchy) {
         if (const auto all = object.Optional("all")) {
-            if (all->value->is_string())
+            if (all->value->is_string()) {
                 hierarchy.all = all->Text();
-            else if (all->value->is_boolean() && !all->Boolean())
+            } else if (all->value->is_boolean() && !all->Boolean()) {
                 hierarchy.all.reset();
-            else
+            } else {
                 all->Fail("expected the top member's name, or false for none");
+            }
         }
-        if (const auto member = object.Optional("default"))
+        if (const auto member = object.Optional("default")) {
             hierarchy.defaultKey = member->Text();
+        }
     }
 
     static void ReadCalendar(JsonObject& dimensionObject, const JsonPlace& place,
                              DimensionDefinition& dimension) {
-        if (!dimension.column || !dimension.tables.empty())
+        if (!dimension.column || !dimension.tables.empty()) {
             dimensionObject.Place().Fail("a calendar needs a \"column\", and no \"table\"");
+        }
         JsonObject object(place);
         CalendarDefinition calendar;
         calendar.byDays = object.Required("periods").OneOf({"months", "days"}) == 1;
-        if (const auto quarters = object.Optional("quarters"))
+        if (const auto quarters = object.Optional("quarters")) {
             calendar.hasQuarters = quarters->Boolean();
+        }
         calendar.from = Day(object.Optional("from"));
         calendar.to = Day(object.Optional("to"));
-        if (calendar.from && calendar.to && *calendar.from > *calendar.to)
+        if (calendar.from && calendar.to && *calendar.from > *calendar.to) {
             place.Fail("\"from\" is later than \"to\"");
+        }
         calendar.levels = {"Year"};
-        if (calendar.hasQuarters)
+        if (calendar.hasQuarters) {
             calendar.levels.emplace_back("Quarter");
+        }
         calendar.levels.emplace_back("Month");
-        if (calendar.byDays)
+        if (calendar.byDays) {
             calendar.levels.emplace_back("Day");
+        }
         if (const auto levels = object.Optional("levels")) {
             const auto names = levels->Texts();
-            if (names.size() != calendar.levels.size())
+            if (names.size() != calendar.levels.size()) {
                 levels->Fail(
                     fmt::format("expected {} names, found {}", calendar.levels.size(), names.size()));
+            }
             calendar.levels = names;
         }
         object.Finish();
@@ -210,18 +235,21 @@ private:
     }
 
     static std::optional<std::chrono::sys_days> Day(const std::optional<JsonPlace>& place) {
-        if (!place)
+        if (!place) {
             return std::nullopt;
+        }
         const auto day = ParseDate(place->Text(), DateFormat::Iso);
-        if (!day)
+        if (!day) {
             place->Fail(fmt::format("expected {}", ExpectedDate(DateFormat::Iso)));
+        }
         return day;
     }
 
     static void ReadMembers(JsonObject& dimensionObject, const JsonPlace& place,
                             DimensionDefinition& dimension) {
-        if (dimension.column || !dimension.tables.empty())
+        if (dimension.column || !dimension.tables.empty()) {
             dimensionObject.Place().Fail("\"members\" are for a dimension without \"column\" and \"table\"");
+        }
         UniqueNames names("member");
         for (const JsonPlace& element : place.Elements()) {
             dimension.members.push_back(element.Text());
@@ -257,13 +285,15 @@ private:
             level.key = object.TextOr("key", dimension.key);
             level.memberName = object.TextOr("memberName", "");
             level.caption = object.TextOr("caption", "");
-            if (const auto order = object.Optional("order"))
+            if (const auto order = object.Optional("order")) {
                 level.order = static_cast<MemberOrder>(order->OneOf({"key", "name", "file"}));
+            }
             object.Finish();
             const bool usesOthers =
                 level.key != dimension.key || !level.memberName.empty() || !level.caption.empty();
-            if (dimension.tables.empty() && usesOthers)
+            if (dimension.tables.empty() && usesOthers) {
                 element.Fail("a dimension without a \"table\" has no other columns than its own");
+            }
             hierarchy.levels.push_back(std::move(level));
         }
     }
@@ -275,13 +305,15 @@ private:
             names.Add(cube.measures.back().name, element);
         }
         const auto place = object.Optional("defaultMeasure");
-        if (!place)
+        if (!place) {
             return;
+        }
         const auto found = std::find_if(cube.measures.begin(), cube.measures.end(), [&](const auto& measure) {
             return EqualIgnoringCase(measure.name, place->Text());
         });
-        if (found == cube.measures.end())
+        if (found == cube.measures.end()) {
             place->Fail(fmt::format("there is no measure \"{}\"", place->Text()));
+        }
         cube.defaultMeasure = static_cast<std::size_t>(found - cube.measures.begin());
     }
 
@@ -295,10 +327,12 @@ private:
         const auto column = object.Optional("column");
         const auto decimals = object.Optional("decimals");
         constexpr int mostDecimals = 9;
-        if (isCount && (column || decimals))
+        if (isCount && (column || decimals)) {
             place.Fail("a count has no \"column\" and no \"decimals\"");
-        if (!isCount)
+        }
+        if (!isCount) {
             measure.column = object.Required("column").Text();
+        }
         measure.decimals = isCount    ? 0
                            : decimals ? static_cast<std::uint8_t>(decimals->Integer(0, mostDecimals))
                                       : 2;
@@ -308,8 +342,9 @@ private:
 
     static void ReadSortOrders(JsonObject& object, CubeDefinition& cube) {
         const auto place = object.Optional("sortOrders");
-        if (!place)
+        if (!place) {
             return;
+        }
         for (const JsonPlace& element : place->Elements()) {
             std::unordered_set<std::string> seen;
             for (const JsonPlace& column : element.Elements()) {
@@ -317,10 +352,12 @@ private:
                 const bool isUsed =
                     std::any_of(cube.dimensions.begin(), cube.dimensions.end(),
                                 [&](const auto& dimension) { return dimension.column == name; });
-                if (!isUsed)
+                if (!isUsed) {
                     column.Fail(fmt::format("no dimension has the column \"{}\"", name));
-                if (!seen.insert(name).second)
+                }
+                if (!seen.insert(name).second) {
                     column.Fail(fmt::format("the column \"{}\" stands twice", name));
+                }
             }
             cube.sortOrders.push_back(element.Texts());
         }
@@ -342,8 +379,9 @@ Definition ParseDefinition(std::string_view text, const std::string& fileName,
         csv.Finish();
     }
     Definition definition;
-    for (const auto& [name, place] : JsonObject(object.Required("tables")).All())
+    for (const auto& [name, place] : JsonObject(object.Required("tables")).All()) {
         definition.tables.push_back(ReadTable(name, place, defaults, folder));
+    }
     UniqueNames names("cube");
     for (const JsonPlace& place : object.Required("cubes").Elements()) {
         definition.cubes.push_back(CubeReader(definition.tables).Read(place));

@@ -25,10 +25,12 @@ std::string_view FieldOrEmpty(const TableReader& reader, std::size_t column) {
 } // namespace
 
 DimensionBuilder::DimensionBuilder(const DimensionDefinition& definition) : definition_(definition) {
-    if (definition.calendar)
+    if (definition.calendar) {
         return;
-    for (const HierarchyDefinition& hierarchy : definition.hierarchies)
+    }
+    for (const HierarchyDefinition& hierarchy : definition.hierarchies) {
         trees_.emplace_back(hierarchy);
+    }
 }
 
 void DimensionBuilder::ReadTables(TableReader& reader, KeyColumnBuilder* keys, std::size_t tableOfKeys) {
@@ -36,9 +38,10 @@ void DimensionBuilder::ReadTables(TableReader& reader, KeyColumnBuilder* keys, s
     std::vector<std::vector<LevelColumns>> columns;
     for (const HierarchyDefinition& hierarchy : definition_.hierarchies) {
         columns.emplace_back();
-        for (const LevelDefinition& level : hierarchy.levels)
+        for (const LevelDefinition& level : hierarchy.levels) {
             columns.back().push_back({reader.Column(level.key), ColumnOrNone(reader, level.memberName),
                                       ColumnOrNone(reader, level.caption)});
+        }
     }
     std::vector<MemberTree::LevelFields> fields;
     while (reader.Next()) {
@@ -48,21 +51,24 @@ void DimensionBuilder::ReadTables(TableReader& reader, KeyColumnBuilder* keys, s
             continue;
         }
         std::optional<std::uint32_t> value;
-        if (keys != nullptr)
+        if (keys != nullptr) {
             value = keys->AddKnownValue(key, tableOfKeys);
+        }
         for (std::size_t i = 0; i < trees_.size(); ++i) {
             fields.clear();
-            for (const LevelColumns& level : columns[i])
+            for (const LevelColumns& level : columns[i]) {
                 fields.push_back({reader.Field(level.key), FieldOrEmpty(reader, level.name),
                                   FieldOrEmpty(reader, level.caption)});
+            }
             trees_[i].Add(fields, value);
         }
     }
 }
 
 void DimensionBuilder::TakeValues(const KeyColumnBuilder* keys) {
-    if (definition_.calendar || !definition_.tables.empty())
+    if (definition_.calendar || !definition_.tables.empty()) {
         return;
+    }
     for (MemberTree& tree : trees_) {
         for (const std::string& member : definition_.members) {
             const MemberTree::LevelFields fields{member, "", ""};
@@ -76,8 +82,9 @@ void DimensionBuilder::TakeValues(const KeyColumnBuilder* keys) {
 }
 
 void DimensionBuilder::Finish() {
-    for (MemberTree& tree : trees_)
+    for (MemberTree& tree : trees_) {
         tree.Finish();
+    }
 }
 
 std::size_t DimensionBuilder::DeepestTree() const {
@@ -95,13 +102,15 @@ DimensionModel DimensionBuilder::Model(const KeyColumnBuilder* keys,
     model.name = definition_.name;
     model.caption = definition_.caption;
     model.isTime = definition_.calendar.has_value();
-    if (model.isTime)
+    if (model.isTime) {
         model.hierarchies.push_back(keys->Periods().Model(definition_.hierarchies.front(),
                                                           *definition_.calendar, keyColumn.value_or(0)));
+    }
     static const std::vector<std::uint32_t> noCodes;
-    for (const MemberTree& tree : trees_)
+    for (const MemberTree& tree : trees_) {
         model.hierarchies.push_back(tree.Model(keyColumn, keys == nullptr ? noCodes : keys->Codes(),
                                                keys == nullptr ? 0 : keys->CodeCount()));
+    }
     return model;
 }
 

@@ -22,18 +22,21 @@ public:
                std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts)
         : reader_(reader), measures_(measures), keyColumns_(keyColumns), facts_(facts),
           numbers_(keyColumns.size()), amounts_(measures.size()) {
-        for (const KeyColumnBuilder& column : keyColumns)
+        for (const KeyColumnBuilder& column : keyColumns) {
             keyFields_.push_back(reader.Column(column.Name()));
-        for (const MeasureDefinition& measure : measures)
+        }
+        for (const MeasureDefinition& measure : measures) {
             valueFields_.push_back(measure.column ? reader.Column(*measure.column) : noColumn);
+        }
     }
 
     void Run() {
         while (reader_.Next()) {
             // Texts that are taken as they come get a member, so they wait until the line is known to be
             // good.
-            if (TakeKeys(false) && TakeAmounts() && TakeKeys(true))
+            if (TakeKeys(false) && TakeAmounts() && TakeKeys(true)) {
                 AddRow();
+            }
         }
     }
 
@@ -41,8 +44,9 @@ private:
     bool TakeKeys(bool anyText) {
         const DateFormat dates = reader_.Table().format.dates;
         for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
-            if (keyColumns_[i].TakesAnyText() != anyText)
+            if (keyColumns_[i].TakesAnyText() != anyText) {
                 continue;
+            }
             const std::string_view field = reader_.Field(keyFields_[i]);
             const auto number = keyColumns_[i].NumberOf(field, dates);
             if (!number) {
@@ -57,8 +61,9 @@ private:
     bool TakeAmounts() {
         const CsvFormat& format = reader_.Table().format;
         for (std::size_t i = 0; i < measures_.size(); ++i) {
-            if (valueFields_[i] == noColumn)
+            if (valueFields_[i] == noColumn) {
                 continue;
+            }
             const std::string_view field = reader_.Field(valueFields_[i]);
             const auto amount = ParseAmount(field, format, measures_[i].decimals);
             if (!amount.value) {
@@ -74,8 +79,9 @@ private:
 
     static std::string TooLarge(std::string_view field, std::uint8_t decimals) {
         std::string most = std::to_string(std::numeric_limits<std::int64_t>::max());
-        if (decimals > 0)
+        if (decimals > 0) {
             most.insert(most.size() - decimals, ".");
+        }
         return fmt::format("the amount {} is too large; the most is {}", field, most);
     }
 
@@ -83,18 +89,21 @@ private:
         const CsvFormat& format = reader_.Table().format;
         const std::string thousands = format.thousands == 0 ? "" : std::string(1, format.thousands);
         std::string example = fmt::format("1{}234", thousands);
-        if (decimals > 0)
+        if (decimals > 0) {
             example += format.decimal + std::string("567890123").substr(0, decimals);
+        }
         return fmt::format("expected an amount such as {}, with at most {} decimals, found \"{}\"", example,
                            decimals, field);
     }
 
     void AddRow() {
-        for (std::size_t i = 0; i < numbers_.size(); ++i)
+        for (std::size_t i = 0; i < numbers_.size(); ++i) {
             facts_.keys[i].push_back(numbers_[i]);
+        }
         for (std::size_t i = 0; i < amounts_.size(); ++i) {
-            if (valueFields_[i] != noColumn)
+            if (valueFields_[i] != noColumn) {
                 facts_.values[i].push_back(amounts_[i]);
+            }
         }
         ++facts_.rowCount;
     }
@@ -111,20 +120,24 @@ private:
 /// The narrowest signed width for values between the two.
 std::uint8_t ValueWidth(std::int64_t least, std::int64_t most) {
     const auto fits = [&](auto smallest, auto largest) { return least >= smallest && most <= largest; };
-    if (fits(std::numeric_limits<std::int8_t>::min(), std::numeric_limits<std::int8_t>::max()))
+    if (fits(std::numeric_limits<std::int8_t>::min(), std::numeric_limits<std::int8_t>::max())) {
         return 1;
-    if (fits(std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max()))
+    }
+    if (fits(std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max())) {
         return 2;
-    if (fits(std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()))
+    }
+    if (fits(std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max())) {
         return 4;
+    }
     return 8;
 }
 
 /// The largest number that divides every value.
 std::int64_t CommonUnit(const std::vector<std::int64_t>& values) {
     std::int64_t unit = 0;
-    for (std::size_t i = 0; i < values.size() && unit != 1; ++i)
+    for (std::size_t i = 0; i < values.size() && unit != 1; ++i) {
         unit = std::gcd(unit, values[i]);
+    }
     return std::max<std::int64_t>(unit, 1);
 }
 
@@ -133,8 +146,9 @@ bool IsSummable(const std::vector<std::int64_t>& values) {
     std::int64_t rest = std::numeric_limits<std::int64_t>::max();
     for (const std::int64_t value : values) {
         const std::int64_t magnitude = value < 0 ? -value : value; // amounts are read with 63 bits
-        if (magnitude > rest)
+        if (magnitude > rest) {
             return false;
+        }
         rest -= magnitude;
     }
     return true;
@@ -152,8 +166,9 @@ void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measur
 void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts) {
     for (std::size_t i = 0; i < keyColumns.size(); ++i) {
         const auto& codes = keyColumns[i].Codes();
-        for (std::uint32_t& key : facts.keys[i])
+        for (std::uint32_t& key : facts.keys[i]) {
             key = codes[key];
+        }
     }
 }
 
@@ -165,12 +180,13 @@ std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measure
         Measure model{measure.name, measure.caption, Aggregate::Count, measure.decimals, 0, 1};
         if (measure.column) {
             const auto& values = facts.values[i];
-            if (!IsSummable(values))
+            if (!IsSummable(values)) {
                 throw EngineError(
                     ErrorKind::InvalidData,
                     fmt::format("cube {}, measure {}: the amounts are too large; the sum of their "
                                 "absolute values is beyond 63 bits at {} decimals",
                                 cubeName, measure.name, measure.decimals));
+            }
             const auto [least, most] = std::minmax_element(values.begin(), values.end());
             model.aggregate = Aggregate::Sum;
             model.unit = CommonUnit(values);

@@ -20,8 +20,9 @@ using Rows = std::vector<std::uint32_t>;
 template <class Count>
 std::vector<Count> FirstRows(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
     std::vector<Count> first(std::size_t{codeCount} + 1);
-    for (const std::uint32_t code : codes)
+    for (const std::uint32_t code : codes) {
         ++first[std::size_t{code} + 1];
+    }
     std::partial_sum(first.begin(), first.end(), first.begin());
     return first;
 }
@@ -34,8 +35,9 @@ Rows SortRows(const std::vector<std::uint16_t>& sortOrder, const std::vector<Key
     for (auto column = sortOrder.rbegin(); column != sortOrder.rend(); ++column) {
         const auto& codes = facts.keys[*column];
         auto place = FirstRows<std::uint32_t>(codes, keyColumns[*column].codes);
-        for (const std::uint32_t row : rows)
+        for (const std::uint32_t row : rows) {
             sorted[place[codes[row]]++] = row;
+        }
         rows.swap(sorted);
     }
     return rows;
@@ -48,8 +50,9 @@ void AppendAs(const Rows& rows, const Value& value, CubeFileWriter& writer) {
     std::vector<Stored> block;
     for (std::size_t first = 0; first < rows.size(); first += blockRows) {
         block.resize(std::min(blockRows, rows.size() - first));
-        for (std::size_t i = 0; i < block.size(); ++i)
+        for (std::size_t i = 0; i < block.size(); ++i) {
             block[i] = static_cast<Stored>(value(rows[first + i]));
+        }
         writer.Append(std::as_bytes(std::span(block)));
     }
 }
@@ -60,57 +63,64 @@ void AppendSlot(const CubeModel& model, const FactColumns& facts, std::size_t sl
     std::vector<std::pair<const std::uint32_t*, std::uint8_t>> parts; // codes and shift
     std::uint8_t width = 1;
     for (std::size_t i = 0; i < model.keyColumns.size(); ++i) {
-        if (model.keyColumns[i].slot != slot)
+        if (model.keyColumns[i].slot != slot) {
             continue;
+        }
         parts.emplace_back(facts.keys[i].data(), model.keyColumns[i].shift);
         width = model.keyColumns[i].width;
     }
     const auto value = [&parts](std::uint32_t row) {
         std::uint32_t bits = 0;
-        for (const auto& [codes, shift] : parts)
+        for (const auto& [codes, shift] : parts) {
             bits |= codes[row] << shift;
+        }
         return bits;
     };
-    if (width == 1)
+    if (width == 1) {
         AppendAs<std::uint8_t>(rows, value, writer);
-    else if (width == 2)
+    } else if (width == 2) {
         AppendAs<std::uint16_t>(rows, value, writer);
-    else
+    } else {
         AppendAs<std::uint32_t>(rows, value, writer);
+    }
 }
 
 void AppendValues(const std::vector<std::int64_t>& values, const Measure& measure, const Rows& rows,
                   CubeFileWriter& writer) {
     const auto value = [&](std::uint32_t row) { return values[row] / measure.unit; };
-    if (measure.width == 1)
+    if (measure.width == 1) {
         AppendAs<std::int8_t>(rows, value, writer);
-    else if (measure.width == 2)
+    } else if (measure.width == 2) {
         AppendAs<std::int16_t>(rows, value, writer);
-    else if (measure.width == 4)
+    } else if (measure.width == 4) {
         AppendAs<std::int32_t>(rows, value, writer);
-    else
+    } else {
         AppendAs<std::int64_t>(rows, value, writer);
+    }
 }
 
 std::size_t SlotCount(const CubeModel& model) {
     std::size_t count = 0;
-    for (const KeyColumn& column : model.keyColumns)
+    for (const KeyColumn& column : model.keyColumns) {
         count = std::max(count, std::size_t{column.slot} + 1);
+    }
     return count;
 }
 
 void WriteProjection(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
                      std::size_t projection, const Rows& rows, CubeFileWriter& writer) {
     for (std::size_t slot = 0; slot < SlotCount(model); ++slot) {
-        if (IsSlotOfLeadAlone(model.keyColumns, slot, model.projections[projection].sortOrder.front()))
+        if (IsSlotOfLeadAlone(model.keyColumns, slot, model.projections[projection].sortOrder.front())) {
             continue;
+        }
         writer.BeginSlots(cube, projection, slot);
         AppendSlot(model, facts, slot, rows, writer);
         writer.End();
     }
     for (std::size_t measure = 0; measure < model.measures.size(); ++measure) {
-        if (model.measures[measure].width == 0)
+        if (model.measures[measure].width == 0) {
             continue;
+        }
         writer.BeginValues(cube, projection, measure);
         AppendValues(facts.values[measure], model.measures[measure], rows, writer);
         writer.End();
@@ -122,23 +132,28 @@ void WriteRollupRows(const CubeModel& model, const FactColumns& facts, std::uint
                      const BuiltRollups& rollups, CubeFileWriter& writer) {
     const auto section = [&](format::SectionKind kind, std::size_t second, const auto& append) {
         writer.Begin({static_cast<std::uint32_t>(kind), cube, 0, static_cast<std::uint32_t>(second)});
-        for (const Rows& rows : rollups.rows)
+        for (const Rows& rows : rollups.rows) {
             append(rows);
+        }
         writer.End();
     };
     std::set<std::size_t> slots;
-    for (const RollupTable::WordColumn& word : rollups.model.wordColumns)
+    for (const RollupTable::WordColumn& word : rollups.model.wordColumns) {
         slots.insert(model.keyColumns[word.column].slot);
-    if (rollups.model.timeColumn)
+    }
+    if (rollups.model.timeColumn) {
         slots.insert(model.keyColumns[*rollups.model.timeColumn].slot);
-    for (const std::size_t slot : slots)
+    }
+    for (const std::size_t slot : slots) {
         section(format::SectionKind::RollupSlots, slot,
                 [&](const Rows& rows) { AppendSlot(model, facts, slot, rows, writer); });
+    }
     for (std::size_t i = 0; i < model.measures.size(); ++i) {
-        if (model.measures[i].width != 0)
+        if (model.measures[i].width != 0) {
             section(format::SectionKind::RollupValues, i, [&](const Rows& rows) {
                 AppendValues(facts.values[i], model.measures[i], rows, writer);
             });
+        }
     }
 }
 
@@ -149,21 +164,24 @@ std::vector<std::vector<std::uint16_t>> ChooseSortOrders(const std::vector<KeyCo
     constexpr std::uint32_t largeFrom = 32; // codes
     constexpr std::size_t mostLeads = 5;
     std::vector<std::uint16_t> texts, dates;
-    for (std::size_t i = 0; i < keyColumns.size(); ++i)
+    for (std::size_t i = 0; i < keyColumns.size(); ++i) {
         (isCalendar[i] ? dates : texts).push_back(static_cast<std::uint16_t>(i));
+    }
     std::stable_sort(texts.begin(), texts.end(),
                      [&](auto left, auto right) { return keyColumns[left].codes > keyColumns[right].codes; });
 
     std::vector<std::vector<std::uint16_t>> orders;
     for (const std::uint16_t lead : texts) {
         const bool isLarge = keyColumns[lead].codes >= largeFrom;
-        if (!orders.empty() && (!isLarge || orders.size() == mostLeads))
+        if (!orders.empty() && (!isLarge || orders.size() == mostLeads)) {
             break;
+        }
         std::vector<std::uint16_t> order = {lead};
         const auto second =
             std::find_if(texts.begin(), texts.end(), [lead](auto other) { return other != lead; });
-        if (second != texts.end())
+        if (second != texts.end()) {
             order.push_back(*second);
+        }
         order.insert(order.end(), dates.begin(), dates.end());
         orders.push_back(order);
     }
@@ -190,8 +208,9 @@ void WriteFacts(const CubeModel& model, const FactColumns& facts, std::uint32_t 
     std::future<Rows> next = std::async(std::launch::async, sort, std::size_t{0});
     for (std::size_t i = 0; i < model.projections.size(); ++i) {
         const Rows rows = next.get();
-        if (i + 1 < model.projections.size())
+        if (i + 1 < model.projections.size()) {
             next = std::async(std::launch::async, sort, i + 1);
+        }
         WriteProjection(model, facts, cube, i, rows, writer);
         progress(static_cast<double>(i + 1) / static_cast<double>(model.projections.size() + 1));
     }

@@ -15,10 +15,11 @@ void NormalizeRanges(std::vector<KeyRange>& ranges) {
               [](const KeyRange& left, const KeyRange& right) { return left.first < right.first; });
     std::size_t kept = 0;
     for (const KeyRange& range : ranges) {
-        if (kept > 0 && range.first <= ranges[kept - 1].last)
+        if (kept > 0 && range.first <= ranges[kept - 1].last) {
             ranges[kept - 1].last = std::max(ranges[kept - 1].last, range.last);
-        else
+        } else {
             ranges[kept++] = range;
+        }
     }
     ranges.resize(kept);
 }
@@ -41,12 +42,14 @@ void AddRanges(const std::vector<KeyRange>& ranges, HierarchyModel& model) {
 void FillFirstChildren(HierarchyModel& model) {
     const auto count = static_cast<std::uint32_t>(model.parents.size());
     std::uint32_t child = 0;
-    while (child < count && model.parents[child] == noMember)
+    while (child < count && model.parents[child] == noMember) {
         ++child;
+    }
     for (std::uint32_t member = 0; member < count; ++member) {
         model.firstChild.push_back(child);
-        while (child < count && model.parents[child] == member)
+        while (child < count && model.parents[child] == member) {
             ++child;
+        }
     }
     model.firstChild.push_back(count);
 }
@@ -57,13 +60,16 @@ std::uint32_t FindDefaultMember(const HierarchyDefinition& definition, const Hie
             ErrorKind::InvalidDefinition,
             fmt::format("{}: the hierarchy \"{}\" {}", definition.place, definition.name, fault));
     };
-    if (model.parents.empty())
+    if (model.parents.empty()) {
         fail("would have no members");
-    if (!definition.defaultKey)
+    }
+    if (!definition.defaultKey) {
         return 0;
+    }
     for (std::uint32_t member = 0; member < model.keys.Count(); ++member) {
-        if (model.keys.At(member) == *definition.defaultKey)
+        if (model.keys.At(member) == *definition.defaultKey) {
             return member;
+        }
     }
     fail(
         fmt::format("has no member with the key \"{}\", which is to be its default", *definition.defaultKey));

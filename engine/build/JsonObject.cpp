@@ -20,59 +20,70 @@ void JsonPlace::Fail(const std::string& fault) const {
 }
 
 std::string JsonPlace::Text() const {
-    if (!value->is_string())
+    if (!value->is_string()) {
         Fail(fmt::format("expected a text, found {}", value->type_name()));
+    }
     auto text = value->get<std::string>();
-    if (text.empty())
+    if (text.empty()) {
         Fail("expected a text that is not empty");
+    }
     return text;
 }
 
 bool JsonPlace::Boolean() const {
-    if (!value->is_boolean())
+    if (!value->is_boolean()) {
         Fail(fmt::format("expected true or false, found {}", value->type_name()));
+    }
     return value->get<bool>();
 }
 
 int JsonPlace::Integer(int least, int most) const {
     const bool isInRange = value->is_number_integer() && *value >= least && *value <= most;
-    if (!isInRange)
+    if (!isInRange) {
         Fail(fmt::format("expected a whole number from {} to {}", least, most));
+    }
     return value->get<int>();
 }
 
 std::vector<JsonPlace> JsonPlace::Elements() const {
-    if (!value->is_array())
+    if (!value->is_array()) {
         Fail(fmt::format("expected an array, found {}", value->type_name()));
-    if (value->empty())
+    }
+    if (value->empty()) {
         Fail("expected at least one element");
+    }
     std::vector<JsonPlace> elements;
-    for (std::size_t i = 0; i < value->size(); ++i)
+    for (std::size_t i = 0; i < value->size(); ++i) {
         elements.push_back({&(*value)[i], fmt::format("{}[{}]", place, i), fileName});
+    }
     return elements;
 }
 
 std::vector<std::string> JsonPlace::Texts() const {
-    if (value->is_string())
+    if (value->is_string()) {
         return {Text()};
+    }
     std::vector<std::string> texts;
-    for (const JsonPlace& element : Elements())
+    for (const JsonPlace& element : Elements()) {
         texts.push_back(element.Text());
+    }
     return texts;
 }
 
 std::size_t JsonPlace::OneOf(const std::vector<std::string>& words) const {
     const auto found =
         value->is_string() ? std::find(words.begin(), words.end(), value->get<std::string>()) : words.end();
-    if (found == words.end())
+    if (found == words.end()) {
         Fail(fmt::format("expected one of \"{}\", found {}", fmt::join(words, "\", \""),
                          value->dump(-1, ' ', false, nlohmann::json::error_handler_t::replace)));
+    }
     return static_cast<std::size_t>(found - words.begin());
 }
 
 JsonObject::JsonObject(JsonPlace place) : place_(std::move(place)) {
-    if (!place_.value->is_object())
+    if (!place_.value->is_object()) {
         place_.Fail(fmt::format("expected an object, found {}", place_.value->type_name()));
+    }
 }
 
 JsonPlace JsonObject::Child(const std::string& key, const nlohmann::json& value) const {
@@ -81,8 +92,9 @@ JsonPlace JsonObject::Child(const std::string& key, const nlohmann::json& value)
 
 JsonPlace JsonObject::Required(const std::string& key) {
     const auto child = Optional(key);
-    if (child)
+    if (child) {
         return *child;
+    }
     const auto others = UnknownKeys();
     const std::string* slip = NearestWord(key, others);
     place_.Fail(fmt::format("the key \"{}\" is missing{}", key,
@@ -92,8 +104,9 @@ JsonPlace JsonObject::Required(const std::string& key) {
 std::optional<JsonPlace> JsonObject::Optional(const std::string& key) {
     known_.insert(key);
     const auto found = place_.value->find(key);
-    if (found == place_.value->end())
+    if (found == place_.value->end()) {
         return std::nullopt;
+    }
     return Child(key, *found);
 }
 
@@ -114,16 +127,18 @@ std::vector<std::pair<std::string, JsonPlace>> JsonObject::All() {
 std::vector<std::string> JsonObject::UnknownKeys() const {
     std::vector<std::string> unknown;
     for (const auto& [key, value] : place_.value->items()) {
-        if (known_.count(key) == 0)
+        if (known_.count(key) == 0) {
             unknown.push_back(key);
+        }
     }
     return unknown;
 }
 
 void JsonObject::Finish() const {
     const auto unknown = UnknownKeys();
-    if (unknown.empty())
+    if (unknown.empty()) {
         return;
+    }
     const std::vector<std::string> known(known_.begin(), known_.end());
     place_.Fail(fmt::format("unknown key \"{}\"{}", unknown.front(), Suggestion(unknown.front(), known)));
 }
@@ -134,16 +149,19 @@ nlohmann::json ParseJson(std::string_view text, const std::string& fileName) {
         throw EngineError(ErrorKind::InvalidDefinition, fmt::format("{}: {}", fileName, fault));
     };
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    if (text.substr(0, byteOrderMark.size()) == byteOrderMark)
+    if (text.substr(0, byteOrderMark.size()) == byteOrderMark) {
         text.remove_prefix(byteOrderMark.size());
+    }
     std::vector<std::set<std::string>> keys; // of the objects that are open
     const json::parser_callback_t noteKeys = [&](int, json::parse_event_t event, json& parsed) {
-        if (event == json::parse_event_t::object_start)
+        if (event == json::parse_event_t::object_start) {
             keys.emplace_back();
-        else if (event == json::parse_event_t::object_end)
+        } else if (event == json::parse_event_t::object_end) {
             keys.pop_back();
-        else if (event == json::parse_event_t::key && !keys.back().insert(parsed.get<std::string>()).second)
+        } else if (event == json::parse_event_t::key &&
+                   !keys.back().insert(parsed.get<std::string>()).second) {
             fail(fmt::format("the key \"{}\" stands twice in one object", parsed.get<std::string>()));
+        }
         return true;
     };
     try {

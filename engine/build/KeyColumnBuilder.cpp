@@ -23,11 +23,13 @@ bool IsSet(const std::vector<bool>& flags, std::uint32_t number) {
 
 std::uint32_t KeyColumnBuilder::AddKnownValue(std::string_view text, std::size_t table) {
     const std::uint32_t number = texts_.Add(text);
-    if (isKnown_.size() <= table)
+    if (isKnown_.size() <= table) {
         isKnown_.resize(table + 1);
+    }
     std::vector<bool>& known = isKnown_[table];
-    if (known.size() <= number)
+    if (known.size() <= number) {
         known.resize(std::size_t{number} + 1);
+    }
     known[number] = true;
     return number;
 }
@@ -36,8 +38,9 @@ void KeyColumnBuilder::CloseTables(std::vector<std::string> tableNames) {
     tableNames_ = std::move(tableNames);
     isKnown_.resize(tableNames_.size());
     isUsable_.resize(texts_.Count());
-    for (std::uint32_t number = 0; number < texts_.Count(); ++number)
+    for (std::uint32_t number = 0; number < texts_.Count(); ++number) {
         isUsable_[number] = IsKnownToAll(number);
+    }
 }
 
 bool KeyColumnBuilder::IsKnownToAll(std::uint32_t number) const {
@@ -46,11 +49,13 @@ bool KeyColumnBuilder::IsKnownToAll(std::uint32_t number) const {
 }
 
 std::optional<std::uint32_t> KeyColumnBuilder::NumberOf(std::string_view field, DateFormat format) {
-    if (IsCalendar())
+    if (IsCalendar()) {
         return NumberOfDate(field, format);
+    }
     // An empty field belongs to no member, so no table has to know it.
-    if (tableNames_.empty() || field.empty())
+    if (tableNames_.empty() || field.empty()) {
         return texts_.Add(field);
+    }
     const auto number = texts_.Find(field);
     return number && IsSet(isUsable_, *number) ? number : std::nullopt;
 }
@@ -62,8 +67,9 @@ std::optional<std::uint32_t> KeyColumnBuilder::NumberOfDate(std::string_view fie
     if (number == days_.size()) {
         auto day = ParseDate(field, format);
         const CalendarDefinition& rules = *calendarDefinition_;
-        if (day && ((rules.from && *day < *rules.from) || (rules.to && *day > *rules.to)))
+        if (day && ((rules.from && *day < *rules.from) || (rules.to && *day > *rules.to))) {
             day.reset();
+        }
         days_.push_back(day);
     }
     return days_[number] ? std::optional(number) : std::nullopt;
@@ -72,16 +78,18 @@ std::optional<std::uint32_t> KeyColumnBuilder::NumberOfDate(std::string_view fie
 std::string KeyColumnBuilder::FaultOf(std::string_view field, DateFormat format) const {
     if (IsCalendar()) {
         const CalendarDefinition& rules = *calendarDefinition_;
-        if (!ParseDate(field, format))
+        if (!ParseDate(field, format)) {
             return fmt::format("expected {}, found \"{}\"", ExpectedDate(format), field);
+        }
         return fmt::format("\"{}\" lies outside the calendar ({} to {})", field,
                            rules.from ? FormatDate(*rules.from) : "any date",
                            rules.to ? FormatDate(*rules.to) : "any date");
     }
     const auto number = texts_.Find(field);
     for (std::size_t table = 0; table < tableNames_.size(); ++table) {
-        if (!number || !IsSet(isKnown_[table], *number))
+        if (!number || !IsSet(isKnown_[table], *number)) {
             return fmt::format("\"{}\" is not in the {}", field, tableNames_[table]);
+        }
     }
     return "cannot be used";
 }
@@ -91,55 +99,67 @@ void KeyColumnBuilder::NumberDates(const std::vector<std::uint32_t>& facts, cons
         throw EngineError(ErrorKind::InvalidData, fmt::format("{}, column {}: {}", place, name_, fault));
     };
     std::vector<bool> isUsed(days_.size());
-    for (const std::uint32_t number : facts)
+    for (const std::uint32_t number : facts) {
         isUsed[number] = true;
+    }
     auto first = calendarDefinition_->from, last = calendarDefinition_->to;
     for (std::size_t i = 0; i < days_.size(); ++i) {
-        if (!isUsed[i])
+        if (!isUsed[i]) {
             continue;
-        if (!calendarDefinition_->from)
+        }
+        if (!calendarDefinition_->from) {
             first = std::min(first.value_or(*days_[i]), *days_[i]);
-        if (!calendarDefinition_->to)
+        }
+        if (!calendarDefinition_->to) {
             last = std::max(last.value_or(*days_[i]), *days_[i]);
+        }
     }
-    if (!first || !last)
+    if (!first || !last) {
         fail("there are no dates; set the calendar's \"from\" and \"to\"");
+    }
     constexpr std::chrono::days longest(200 * 366);
-    if (*last - *first > longest)
+    if (*last - *first > longest) {
         fail(fmt::format(
             "the dates span more than 200 years, from {} to {}; set the calendar's \"from\" and \"to\"",
             FormatDate(*first), FormatDate(*last)));
+    }
     periods_.emplace(calendarDefinition_->byDays, *first, *last);
     codeCount_ = periods_->PeriodCount();
     codes_.assign(days_.size(), noCode);
     for (std::size_t i = 0; i < days_.size(); ++i) {
-        if (isUsed[i])
+        if (isUsed[i]) {
             codes_[i] = periods_->PeriodOf(*days_[i]);
+        }
     }
 }
 
 void KeyColumnBuilder::NumberTexts(const std::vector<std::uint32_t>& ordered) {
     codes_.assign(texts_.Count(), noCode);
-    for (const std::uint32_t number : ordered)
+    for (const std::uint32_t number : ordered) {
         codes_[number] = codeCount_++;
+    }
     std::vector<std::uint32_t> others(texts_.Count());
     const auto ranks = Ranks();
-    for (std::uint32_t number = 0; number < texts_.Count(); ++number)
+    for (std::uint32_t number = 0; number < texts_.Count(); ++number) {
         others[ranks[number]] = number;
+    }
     for (const std::uint32_t number : others) {
-        if (codes_[number] == noCode)
+        if (codes_[number] == noCode) {
             codes_[number] = codeCount_++;
+        }
     }
 }
 
 std::vector<std::uint32_t> KeyColumnBuilder::Ranks() const {
     std::vector<std::string_view> texts;
-    for (std::uint32_t number = 0; number < texts_.Count(); ++number)
+    for (std::uint32_t number = 0; number < texts_.Count(); ++number) {
         texts.push_back(texts_.Text(number));
+    }
     const auto order = SortTexts(texts);
     std::vector<std::uint32_t> ranks(order.size());
-    for (std::uint32_t place = 0; place < order.size(); ++place)
+    for (std::uint32_t place = 0; place < order.size(); ++place) {
         ranks[order[place]] = place;
+    }
     return ranks;
 }
 

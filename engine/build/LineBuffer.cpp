@@ -15,8 +15,9 @@ std::string_view LineBuffer::LineAt(std::size_t offset) {
             const bool isPair = window.substr(place, 2) == "\r\n";
             return window.substr(offset, place + (isPair ? 2 : 1) - offset);
         }
-        if (isAtEnd_)
+        if (isAtEnd_) {
             return window.substr(offset);
+        }
         searched = place;
         ReadMore();
     }

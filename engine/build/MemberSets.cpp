@@ -38,14 +38,16 @@ template <class Visit>
 void VisitNamesOfLevel(const HierarchyModel& hierarchy, std::uint32_t firstMember, std::uint32_t lastMember,
                        const Visit& visit) {
     NamedMembers members;
-    for (std::uint32_t member = firstMember; member < lastMember; ++member)
+    for (std::uint32_t member = firstMember; member < lastMember; ++member) {
         members.emplace_back(NameHash(FoldCase(hierarchy.names.At(member))), member);
+    }
     std::sort(members.begin(), members.end());
     for (auto first = members.cbegin(); first != members.cend();) {
         const auto last = std::find_if(first, members.cend(),
                                        [&](const auto& member) { return member.first != first->first; });
-        if (last - first > 1)
+        if (last - first > 1) {
             visit(CodeRanges(CodesOfAll(hierarchy, first, last)));
+        }
         first = last;
     }
 }
@@ -56,10 +58,12 @@ template <class Visit>
 void VisitSets(const CubeModel& model, std::size_t keyColumn, const Visit& visit) {
     for (const DimensionModel& dimension : model.dimensions) {
         for (const HierarchyModel& hierarchy : dimension.hierarchies) {
-            if (hierarchy.keyColumn != keyColumn)
+            if (hierarchy.keyColumn != keyColumn) {
                 continue;
-            for (std::size_t member = 0; member < hierarchy.parents.size(); ++member)
+            }
+            for (std::size_t member = 0; member < hierarchy.parents.size(); ++member) {
                 visit(CodesOf(hierarchy, member));
+            }
             std::uint32_t first = 0;
             for (const LevelModel& level : hierarchy.levels) {
                 VisitNamesOfLevel(hierarchy, first, first + level.memberCount, visit);
@@ -74,11 +78,13 @@ void VisitSets(const CubeModel& model, std::size_t keyColumn, const Visit& visit
 void FindGroups(const CubeModel& model, RollupModel& rollups) {
     std::vector<Ranges> groups;
     for (std::size_t column = 0; column < model.keyColumns.size(); ++column) {
-        if (!IsRollupKey(rollups, column))
+        if (!IsRollupKey(rollups, column)) {
             continue;
+        }
         VisitSets(model, column, [&](CodeRanges ranges) {
-            if (ranges.size() > 1 && ranges.size() <= mostRanges)
+            if (ranges.size() > 1 && ranges.size() <= mostRanges) {
                 groups.emplace_back(ranges.begin(), ranges.end());
+            }
         });
     }
     std::sort(groups.begin(), groups.end(), [](const Ranges& left, const Ranges& right) {
@@ -95,11 +101,12 @@ std::vector<KeyRange> MemberSets(const CubeModel& model, const CodeGroups& group
     const KeyRange all{0, model.keyColumns[keyColumn].codes};
     std::vector<KeyRange> found;
     VisitSets(model, keyColumn, [&](CodeRanges ranges) {
-        if (ranges.size() == 1 && !(ranges[0] == all))
+        if (ranges.size() == 1 && !(ranges[0] == all)) {
             found.push_back(ranges[0]);
-        else if (ranges.size() > 1) {
-            if (const auto group = groups.Find(ranges))
+        } else if (ranges.size() > 1) {
+            if (const auto group = groups.Find(ranges)) {
                 found.push_back(*group);
+            }
         }
     });
     std::sort(found.begin(), found.end(), IsBefore);

@@ -10,11 +10,13 @@ namespace qel::engine {
 
 void MemberTree::Add(std::span<const LevelFields> levels, std::optional<std::uint32_t> value) {
     std::uint32_t node = none;
-    for (std::uint32_t level = 0; level < levels.size() && !levels[level].key.empty(); ++level)
+    for (std::uint32_t level = 0; level < levels.size() && !levels[level].key.empty(); ++level) {
         node = FindOrAdd(node, level, levels[level]);
+    }
     const auto entry = std::pair(node, value.value_or(0));
-    if (value && (values_.empty() || values_.back() != entry))
+    if (value && (values_.empty() || values_.back() != entry)) {
         values_.push_back(entry);
+    }
 }
 
 std::uint32_t MemberTree::FindOrAdd(std::uint32_t parent, std::uint32_t level, const LevelFields& fields) {
@@ -35,8 +37,9 @@ void MemberTree::Finish() {
     for (std::uint32_t depth = 0; order.size() < nodes_.size(); ++depth) {
         std::vector<std::uint32_t> level;
         for (std::uint32_t node = 0; node < nodes_.size(); ++node) {
-            if (nodes_[node].level == depth)
+            if (nodes_[node].level == depth) {
                 level.push_back(node);
+            }
         }
         for (const std::uint32_t node : SortLevel(level, placeOf)) {
             placeOf[node] = static_cast<std::uint32_t>(order.size());
@@ -44,23 +47,26 @@ void MemberTree::Finish() {
         }
     }
     Renumber(order);
-    for (auto& [node, value] : values_)
+    for (auto& [node, value] : values_) {
         node = node == none ? none : placeOf[node];
+    }
     std::sort(values_.begin(), values_.end());
     values_.erase(std::unique(values_.begin(), values_.end()), values_.end());
 }
 
 std::vector<std::uint32_t> MemberTree::SortLevel(const std::vector<std::uint32_t>& level,
                                                  const std::vector<std::uint32_t>& placeOf) const {
-    if (level.empty())
+    if (level.empty()) {
         return {};
+    }
     const MemberOrder rule = definition_.levels[nodes_[level.front()].level].order;
     std::vector<std::uint32_t> sorted = level;
     if (rule != MemberOrder::File) {
         std::vector<std::string_view> texts;
         texts.reserve(level.size());
-        for (const std::uint32_t node : level)
+        for (const std::uint32_t node : level) {
             texts.push_back(texts_.Text(rule == MemberOrder::Key ? nodes_[node].key : nodes_[node].name));
+        }
         const auto places = SortTexts(texts);
         std::transform(places.begin(), places.end(), sorted.begin(),
                        [&level](std::uint32_t place) { return level[place]; });
@@ -80,8 +86,9 @@ void MemberTree::Renumber(const std::vector<std::uint32_t>& order) {
     for (const std::uint32_t node : order) {
         placeOf[node] = static_cast<std::uint32_t>(nodes.size());
         nodes.push_back(nodes_[node]);
-        if (nodes.back().parent != none)
+        if (nodes.back().parent != none) {
             nodes.back().parent = placeOf[nodes.back().parent];
+        }
     }
     nodes_ = std::move(nodes);
 }
@@ -96,8 +103,9 @@ std::vector<std::uint32_t> MemberTree::ValuesInTreeOrder(const std::vector<std::
     std::uint32_t highest = 0;
     for (const auto& [node, value] : values_) {
         highest = std::max(highest, value);
-        if (node != none)
+        if (node != none) {
             values[node].push_back(value);
+        }
     }
     std::vector<bool> isPlaced(std::size_t{highest} + 1);
     std::vector<std::uint32_t> ordered;
@@ -107,8 +115,9 @@ std::vector<std::uint32_t> MemberTree::ValuesInTreeOrder(const std::vector<std::
         std::sort(values[node].begin(), values[node].end(),
                   [&rank](auto left, auto right) { return rank[left] < rank[right]; });
         for (const std::uint32_t value : values[node]) {
-            if (!isPlaced[value])
+            if (!isPlaced[value]) {
                 ordered.push_back(value);
+            }
             isPlaced[value] = true;
         }
         pending.insert(pending.end(), children[node].begin(), children[node].end());
@@ -119,14 +128,16 @@ std::vector<std::uint32_t> MemberTree::ValuesInTreeOrder(const std::vector<std::
 std::vector<std::vector<KeyRange>> MemberTree::NodeRanges(const std::vector<std::uint32_t>& codeOf) const {
     std::vector<std::vector<KeyRange>> ranges(nodes_.size());
     for (const auto& [node, value] : values_) {
-        if (node != none)
+        if (node != none) {
             ranges[node].push_back({codeOf[value], codeOf[value] + 1});
+        }
     }
     for (auto node = static_cast<std::uint32_t>(nodes_.size()); node-- > 0;) {
         NormalizeRanges(ranges[node]); // children come behind their parents, so this one is complete
         const std::uint32_t parent = nodes_[node].parent;
-        if (parent != none)
+        if (parent != none) {
             ranges[parent].insert(ranges[parent].end(), ranges[node].begin(), ranges[node].end());
+        }
     }
     return ranges;
 }
@@ -137,14 +148,17 @@ HierarchyModel MemberTree::Model(std::optional<std::uint32_t> keyColumn,
     model.name = definition_.name;
     model.caption = definition_.caption;
     model.keyColumn = keyColumn;
-    if (definition_.all)
+    if (definition_.all) {
         AddTopMember(*definition_.all, keyColumn ? codes : 0, model);
-    for (const LevelDefinition& level : definition_.levels)
+    }
+    for (const LevelDefinition& level : definition_.levels) {
         model.levels.push_back({level.name, false, 0});
+    }
     AddMembers(model);
     for (const auto& ranges :
-         keyColumn ? NodeRanges(codeOf) : std::vector<std::vector<KeyRange>>(nodes_.size()))
+         keyColumn ? NodeRanges(codeOf) : std::vector<std::vector<KeyRange>>(nodes_.size())) {
         AddRanges(ranges, model);
+    }
     FillFirstChildren(model);
     model.defaultMember = FindDefaultMember(definition_, model);
     return model;

@@ -56,23 +56,27 @@ private:
 RollupMaker::RollupMaker(const CubeModel& model, const FactColumns& facts, const RollupModel& layout)
     : model_(model), facts_(facts), layout_(layout), groups_(layout.Groups()), places_(facts.rowCount) {
     for (std::size_t i = 0; i < facts.values.size(); ++i) {
-        if (!facts.values[i].empty())
+        if (!facts.values[i].empty()) {
             summed_.push_back(i);
+        }
     }
     for (const RollupTable::WordColumn& word : layout.wordColumns) {
         const auto& codes = facts.keys[word.column];
-        for (std::size_t row = 0; row < places_.size(); ++row)
+        for (std::size_t row = 0; row < places_.size(); ++row) {
             places_[row].word |= codes[row] << word.shift;
+        }
     }
-    if (layout.timeColumn)
+    if (layout.timeColumn) {
         FindGranules(facts.keys[*layout.timeColumn]);
+    }
     SortFacts();
 }
 
 void RollupMaker::FindGranules(const std::vector<std::uint32_t>& times) {
     std::vector<std::uint32_t> granuleOf; // by time code
-    for (std::uint32_t granule = 0; granule + 1 < layout_.granules.size(); ++granule)
+    for (std::uint32_t granule = 0; granule + 1 < layout_.granules.size(); ++granule) {
         granuleOf.insert(granuleOf.end(), layout_.granules[granule + 1] - layout_.granules[granule], granule);
+    }
     for (std::size_t row = 0; row < places_.size(); ++row) {
         places_[row].granule = granuleOf[times[row]];
         places_[row].word |= places_[row].granule / RollupTable::blockGranules;
@@ -87,17 +91,21 @@ void RollupMaker::SortFacts() {
     const auto sortBy = [&](std::size_t column) {
         const auto& codes = facts_.keys[column];
         std::vector<std::uint32_t> place(std::size_t{model_.keyColumns[column].codes} + 1);
-        for (const std::uint32_t code : codes)
+        for (const std::uint32_t code : codes) {
             ++place[std::size_t{code} + 1];
+        }
         std::partial_sum(place.begin(), place.end(), place.begin());
-        for (const std::uint32_t row : sorted_)
+        for (const std::uint32_t row : sorted_) {
             next[place[codes[row]]++] = row;
+        }
         sorted_.swap(next);
     };
-    if (layout_.timeColumn)
+    if (layout_.timeColumn) {
         sortBy(*layout_.timeColumn);
-    for (auto word = layout_.wordColumns.rbegin(); word != layout_.wordColumns.rend(); ++word)
+    }
+    for (auto word = layout_.wordColumns.rbegin(); word != layout_.wordColumns.rend(); ++word) {
         sortBy(word->column);
+    }
 }
 
 std::vector<MadeRollup> RollupMaker::Make(const RollupLayer& layer) const {
@@ -108,8 +116,9 @@ std::vector<MadeRollup> RollupMaker::Make(const RollupLayer& layer) const {
     }
     std::vector<std::size_t> place;
     const RowNumbers rows = layer.Distribute(sorted_, facts_.keys[*layer.column], groups_, place);
-    for (std::size_t i = 0; i < layer.sets.size(); ++i)
+    for (std::size_t i = 0; i < layer.sets.size(); ++i) {
         MakeOf(layer.rollups[i], std::span(rows).subspan(place[i], place[i + 1] - place[i]), made);
+    }
     return made;
 }
 
@@ -129,9 +138,10 @@ void RollupMaker::MakeOf(const std::vector<const ChosenRollup*>& chosen, std::sp
     for (const RollupLayer& layer : MakeRollupLayers(inner, groups_)) {
         std::vector<std::size_t> place;
         const RowNumbers distributed = layer.Distribute(rows, facts_.keys[*layer.column], groups_, place);
-        for (std::size_t i = 0; i < layer.sets.size(); ++i)
+        for (std::size_t i = 0; i < layer.sets.size(); ++i) {
             made.push_back(MakeOne(*layer.rollups[i].front(),
                                    std::span(distributed).subspan(place[i], place[i + 1] - place[i])));
+        }
     }
 }
 
@@ -149,8 +159,9 @@ MadeRollup RollupMaker::MakeOne(const ChosenRollup& chosen, std::span<const std:
             rows.size() * RollupRowBytes(model_, layout_)) {
             made.record.strips = static_cast<std::uint32_t>(count.strips);
             MakeStrips(rows, count, made.strips);
-            if (!layout_.wordColumns.empty())
+            if (!layout_.wordColumns.empty()) {
                 made.record.merged = MergeStrips(layout_.wordColumns.back(), summed_, made.strips);
+            }
             return made;
         }
     }
@@ -160,16 +171,19 @@ MadeRollup RollupMaker::MakeOne(const ChosenRollup& chosen, std::span<const std:
 
 RowNumbers RollupMaker::ByLastWordColumn(std::span<const std::uint32_t> rows) const {
     RowNumbers sorted(rows.begin(), rows.end());
-    if (layout_.wordColumns.empty())
+    if (layout_.wordColumns.empty()) {
         return sorted;
+    }
     const std::uint16_t column = layout_.wordColumns.back().column;
     const auto& codes = facts_.keys[column];
     std::vector<std::size_t> place(std::size_t{model_.keyColumns[column].codes} + 1);
-    for (const std::uint32_t row : rows)
+    for (const std::uint32_t row : rows) {
         ++place[std::size_t{codes[row]} + 1];
+    }
     std::partial_sum(place.begin(), place.end(), place.begin());
-    for (const std::uint32_t row : rows)
+    for (const std::uint32_t row : rows) {
         sorted[place[codes[row]]++] = row;
+    }
     return sorted;
 }
 
@@ -191,14 +205,16 @@ void RollupMaker::MakeStrips(std::span<const std::uint32_t> rows, StripCount cou
     strips.periods.reserve(count.strips);
     strips.firstEntries.reserve(count.strips);
     strips.counts.reserve(count.entries);
-    for (const std::size_t i : summed_)
+    for (const std::size_t i : summed_) {
         strips.sums[i].reserve(count.entries);
+    }
     StripWriter writer(strips, summed_);
     for (const std::uint32_t row : rows) {
         writer.MoveTo(places_[row]);
         ++strips.counts.back();
-        for (const std::size_t i : summed_)
+        for (const std::size_t i : summed_) {
             strips.sums[i].back() += facts_.values[i][row] / model_.measures[i].unit;
+        }
     }
 }
 
@@ -216,8 +232,9 @@ void Reserve(const std::vector<std::vector<MadeRollup>>& made, bool hasCounts, R
     model.stripWords.reserve(strips);
     model.stripPeriods.reserve(strips);
     model.stripEntries.reserve(strips + 1);
-    for (auto& sums : model.sums)
+    for (auto& sums : model.sums) {
         sums.reserve(entries); // untouched memory of a measure that counts costs nothing
+    }
     model.counts.reserve(hasCounts ? entries : 0);
 }
 
@@ -233,15 +250,18 @@ void Append(MadeRollup& made, bool hasCounts, BuiltRollups& built) {
         made.record.start = model.stripWords.size();
         const std::uint32_t firstEntry = model.stripEntries.back();
         model.stripEntries.pop_back();
-        for (const std::uint32_t entry : strips.firstEntries)
+        for (const std::uint32_t entry : strips.firstEntries) {
             model.stripEntries.push_back(firstEntry + entry);
+        }
         model.stripEntries.push_back(firstEntry + static_cast<std::uint32_t>(strips.counts.size()));
         model.stripWords.insert(model.stripWords.end(), strips.words.begin(), strips.words.end());
         model.stripPeriods.insert(model.stripPeriods.end(), strips.periods.begin(), strips.periods.end());
-        for (std::size_t i = 0; i < strips.sums.size(); ++i)
+        for (std::size_t i = 0; i < strips.sums.size(); ++i) {
             model.sums[i].insert(model.sums[i].end(), strips.sums[i].begin(), strips.sums[i].end());
-        if (hasCounts)
+        }
+        if (hasCounts) {
             model.counts.insert(model.counts.end(), strips.counts.begin(), strips.counts.end());
+        }
     }
     model.records.push_back(made.record);
 }
@@ -253,15 +273,17 @@ BuiltRollups BuildRollups(const CubeModel& model, const FactColumns& facts) {
     built.model = LayOutRollups(model);
     FindGroups(model, built.model);
     const std::vector<ChosenRollup> chosen = ChooseRollups(model, facts, built.model);
-    if (chosen.empty())
+    if (chosen.empty()) {
         return built;
+    }
     const std::vector<RollupLayer> layers = MakeRollupLayers(chosen, built.model.Groups());
     const RollupMaker maker(model, facts, built.model);
     std::vector<std::vector<MadeRollup>> made(layers.size());
     std::atomic<std::size_t> next = 0;
     const auto work = [&] {
-        for (std::size_t i = next++; i < layers.size(); i = next++)
+        for (std::size_t i = next++; i < layers.size(); i = next++) {
             made[i] = maker.Make(layers[i]);
+        }
     };
     std::future<void> other = std::async(std::launch::async, work);
     work();

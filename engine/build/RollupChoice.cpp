@@ -31,8 +31,9 @@ struct Candidate {
 /// How many facts each code has, added up.
 std::vector<std::uint64_t> CountUp(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
     std::vector<std::uint64_t> counts(std::size_t{codeCount} + 1);
-    for (const std::uint32_t code : codes)
+    for (const std::uint32_t code : codes) {
         ++counts[std::size_t{code} + 1];
+    }
     std::partial_sum(counts.begin(), counts.end(), counts.begin());
     return counts;
 }
@@ -41,8 +42,9 @@ using RunningCounts = std::vector<std::uint64_t>;
 
 std::uint64_t RowsUnder(const RunningCounts& counts, CodeRanges ranges) {
     std::uint64_t rows = 0;
-    for (const KeyRange range : ranges)
+    for (const KeyRange range : ranges) {
         rows += counts[range.last] - counts[range.first];
+    }
     return rows;
 }
 
@@ -83,12 +85,14 @@ std::vector<ChosenRollup> RollupChooser::Run() {
     AddSingles();
     std::set<std::pair<std::uint16_t, std::uint16_t>> done;
     for (const ProjectionModel& projection : model_.projections) {
-        if (projection.sortOrder.size() < 2)
+        if (projection.sortOrder.size() < 2) {
             continue;
+        }
         const std::uint16_t lead = projection.sortOrder[0], second = projection.sortOrder[1];
         if (leads_.count(lead) != 0 && IsRollupKey(rollups_, second) &&
-            done.insert(std::minmax(lead, second)).second)
+            done.insert(std::minmax(lead, second)).second) {
             AddPairs(lead, second);
+        }
     }
     return TakeBest();
 }
@@ -96,8 +100,9 @@ std::vector<ChosenRollup> RollupChooser::Run() {
 void RollupChooser::FindLeads() {
     for (const ProjectionModel& projection : model_.projections) {
         const std::uint16_t column = projection.sortOrder.front();
-        if (!IsRollupKey(rollups_, column) || leads_.count(column) != 0)
+        if (!IsRollupKey(rollups_, column) || leads_.count(column) != 0) {
             continue;
+        }
         Lead lead;
         lead.counts = CountUp(facts_.keys[column], model_.keyColumns[column].codes);
         lead.sets = MemberSets(model_, groups_, column);
@@ -110,8 +115,9 @@ void RollupChooser::FindLeads() {
 
 void RollupChooser::AddSingles() {
     const auto rows = facts_.rowCount;
-    if (static_cast<double>(rows) * rowCost >= leastCost)
+    if (static_cast<double>(rows) * rowCost >= leastCost) {
         candidates_.push_back({{{}, {}, {}, {}, rows}, static_cast<double>(rows) * rowCost});
+    }
     for (const auto& [column, lead] : leads_) {
         for (const KeyRange& set : lead.sets) {
             const std::uint64_t under = RowsUnder(lead.counts, groups_.Ranges(set));
@@ -143,8 +149,9 @@ void RollupChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint
                                const std::vector<KeyRange>& secondSets, std::span<const std::uint32_t> rows) {
     const auto& secondCodes = facts_.keys[second];
     RunningCounts counts(std::size_t{model_.keyColumns[second].codes} + 1);
-    for (const std::uint32_t row : rows)
+    for (const std::uint32_t row : rows) {
         ++counts[std::size_t{secondCodes[row]} + 1];
+    }
     std::partial_sum(counts.begin(), counts.end(), counts.begin());
     const bool isSearchable =
         std::any_of(model_.projections.begin(), model_.projections.end(), [&](const auto& other) {
@@ -160,10 +167,12 @@ void RollupChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint
         const double reading = static_cast<double>(under) * rowCost;
         double cost =
             std::min(static_cast<double>(rows.size()) * rowCost, searchAll(leadRanges, ranges) + reading);
-        if (isSearchable)
+        if (isSearchable) {
             cost = std::min(cost, searchAll(ranges, leadRanges) + reading);
-        if (cost >= leastCost)
+        }
+        if (cost >= leastCost) {
             candidates_.push_back({{lead, second, leadCodes, set, under}, cost});
+        }
     }
 }
 
@@ -174,8 +183,9 @@ std::vector<ChosenRollup> RollupChooser::TakeBest() {
     std::vector<ChosenRollup> chosen;
     for (const Candidate& candidate : candidates_) {
         const std::uint64_t bytes = Bytes(candidate.rollup.rows);
-        if (bytes > budget)
+        if (bytes > budget) {
             continue;
+        }
         budget -= bytes;
         chosen.push_back(candidate.rollup);
     }
@@ -197,8 +207,9 @@ std::vector<std::uint32_t> RollupChooser::Sorted(std::uint16_t column) const {
     const auto& codes = facts_.keys[column];
     std::vector<std::uint64_t> place = leads_.at(column).counts;
     std::vector<std::uint32_t> rows(facts_.rowCount);
-    for (std::uint32_t row = 0; row < facts_.rowCount; ++row)
+    for (std::uint32_t row = 0; row < facts_.rowCount; ++row) {
         rows[place[codes[row]]++] = row;
+    }
     return rows;
 }
 
@@ -206,10 +217,12 @@ std::vector<std::uint32_t> RollupChooser::Sorted(std::uint16_t column) const {
 
 RollupKey ChosenRollup::Key() const {
     RollupKey key;
-    if (lead)
+    if (lead) {
         key.Add(*lead, leadCodes);
-    if (second)
+    }
+    if (second) {
         key.Add(*second, secondCodes);
+    }
     return key;
 }
 
@@ -220,15 +233,19 @@ std::vector<ChosenRollup> ChooseRollups(const CubeModel& model, const FactColumn
 
 std::uint64_t RollupRowBytes(const CubeModel& model, const RollupModel& rollups) {
     std::map<std::uint16_t, std::uint64_t> slots;
-    for (const RollupTable::WordColumn& word : rollups.wordColumns)
+    for (const RollupTable::WordColumn& word : rollups.wordColumns) {
         slots[model.keyColumns[word.column].slot] = model.keyColumns[word.column].width;
-    if (rollups.timeColumn)
+    }
+    if (rollups.timeColumn) {
         slots[model.keyColumns[*rollups.timeColumn].slot] = model.keyColumns[*rollups.timeColumn].width;
+    }
     std::uint64_t bytes = 0;
-    for (const auto& [slot, width] : slots)
+    for (const auto& [slot, width] : slots) {
         bytes += width;
-    for (const Measure& measure : model.measures)
+    }
+    for (const Measure& measure : model.measures) {
         bytes += measure.width;
+    }
     return bytes;
 }
 

@@ -26,8 +26,9 @@ bool RollupLayer::IsFree(CodeRanges ranges) const {
 void RollupLayer::Add(KeyRange set, CodeRanges ranges) {
     sets.push_back(set);
     rollups.emplace_back();
-    for (const KeyRange range : ranges)
+    for (const KeyRange range : ranges) {
         taken.emplace(range.first, range.last);
+    }
 }
 
 RowNumbers RollupLayer::Distribute(std::span<const std::uint32_t> rows,
@@ -37,28 +38,32 @@ RowNumbers RollupLayer::Distribute(std::span<const std::uint32_t> rows,
     std::vector<std::uint32_t> setOf(taken.rbegin()->second + std::size_t{1},
                                      static_cast<std::uint32_t>(sets.size()));
     for (std::uint32_t i = 0; i < sets.size(); ++i) {
-        for (const KeyRange range : groups.Ranges(sets[i]))
+        for (const KeyRange range : groups.Ranges(sets[i])) {
             std::fill(setOf.begin() + range.first, setOf.begin() + range.last, i);
+        }
     }
     const auto setAt = [&](std::uint32_t row) {
         return setOf[std::min<std::size_t>(codes[row], setOf.size() - 1)];
     };
     place.assign(sets.size() + 2, 0);
-    for (const std::uint32_t row : rows)
+    for (const std::uint32_t row : rows) {
         ++place[setAt(row) + std::size_t{1}];
+    }
     std::partial_sum(place.begin(), place.end(), place.begin());
     RowNumbers distributed(rows.size());
     std::vector<std::size_t> next = place;
-    for (const std::uint32_t row : rows)
+    for (const std::uint32_t row : rows) {
         distributed[next[setAt(row)]++] = row;
+    }
     return distributed;
 }
 
 std::vector<RollupLayer> MakeRollupLayers(const std::vector<ChosenRollup>& chosen, const CodeGroups& groups) {
     std::vector<const ChosenRollup*> order;
     order.reserve(chosen.size());
-    for (const ChosenRollup& rollup : chosen)
+    for (const ChosenRollup& rollup : chosen) {
         order.push_back(&rollup);
+    }
     // Large sets before those inside them, and one set's rollups together.
     const auto place = [&](const ChosenRollup* rollup) {
         const CodeRanges ranges = LeadRanges(*rollup, groups);
@@ -76,8 +81,9 @@ std::vector<RollupLayer> MakeRollupLayers(const std::vector<ChosenRollup>& chose
             auto layer = std::find_if(layers.begin(), layers.end(), [&](const RollupLayer& each) {
                 return each.column == rollup->lead && each.IsFree(ranges);
             });
-            if (layer == layers.end())
+            if (layer == layers.end()) {
                 layer = layers.insert(layers.end(), RollupLayer{rollup->lead, {}, {}, {}});
+            }
             layer->Add(rollup->leadCodes, ranges);
             last = &*layer;
         }

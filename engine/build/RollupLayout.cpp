@@ -16,8 +16,9 @@ constexpr unsigned mostBitsInWord = 5;
 
 const HierarchyModel* TimeHierarchy(const CubeModel& model) {
     for (const DimensionModel& dimension : model.dimensions) {
-        if (dimension.isTime && dimension.hierarchies.front().keyColumn)
+        if (dimension.isTime && dimension.hierarchies.front().keyColumn) {
             return &dimension.hierarchies.front();
+        }
     }
     return nullptr;
 }
@@ -28,13 +29,16 @@ std::vector<std::uint32_t> GranulesOf(const HierarchyModel& time, std::uint32_t 
     std::uint32_t levelEnd = static_cast<std::uint32_t>(time.parents.size());
     for (auto level = time.levels.rbegin(); level != time.levels.rend() && granules.empty(); ++level) {
         const std::uint32_t first = levelEnd - level->memberCount;
-        for (std::uint32_t member = first; member < levelEnd && level->memberCount <= mostGranules; ++member)
+        for (std::uint32_t member = first; member < levelEnd && level->memberCount <= mostGranules;
+             ++member) {
             granules.push_back(time.ranges[time.rangeOffsets[member]].first);
+        }
         levelEnd = first;
     }
     granules.push_back(codes);
-    if (granules.front() != 0)
+    if (granules.front() != 0) {
         granules.insert(granules.begin(), 0);
+    }
     return granules;
 }
 
@@ -52,8 +56,9 @@ RollupModel LayOutRollups(const CubeModel& model) {
     rollups.blockBits = static_cast<std::uint8_t>(std::bit_width(blocks));
     std::vector<std::uint16_t> narrow;
     for (std::size_t i = 0; i < model.keyColumns.size(); ++i) {
-        if (model.keyColumns[i].Bits() <= mostBitsInWord && i != rollups.timeColumn)
+        if (model.keyColumns[i].Bits() <= mostBitsInWord && i != rollups.timeColumn) {
             narrow.push_back(static_cast<std::uint16_t>(i));
+        }
     }
     std::stable_sort(narrow.begin(), narrow.end(), [&](auto left, auto right) {
         return model.keyColumns[left].Bits() < model.keyColumns[right].Bits();
@@ -61,8 +66,9 @@ RollupModel LayOutRollups(const CubeModel& model) {
     unsigned end = rollups.blockBits;
     for (const std::uint16_t column : narrow) {
         const unsigned bits = model.keyColumns[column].Bits();
-        if (end + bits > wordBits)
+        if (end + bits > wordBits) {
             break;
+        }
         rollups.wordColumns.push_back({column, 0, static_cast<std::uint8_t>(bits)});
         end += bits;
     }

@@ -53,8 +53,9 @@ void StripWriter::MoveTo(StripPlace place) {
     if (isNewStrip || last_->granule != place.granule) {
         strips_.periods.back() |= std::uint64_t{1} << place.granule % RollupTable::blockGranules;
         strips_.counts.push_back(isNewStrip ? 0 : strips_.counts.back());
-        for (const std::size_t i : summed_)
+        for (const std::size_t i : summed_) {
             strips_.sums[i].push_back(isNewStrip ? 0 : strips_.sums[i].back());
+        }
     }
     last_ = place;
 }
@@ -64,8 +65,9 @@ std::uint32_t MergeStrips(const RollupTable::WordColumn& left, std::span<const s
     constexpr std::size_t leastMergedInOne = 4;
     const std::uint32_t kept = ~left.Mask();
     const std::size_t merged = CountWords(strips.words, kept);
-    if (merged * leastMergedInOne > strips.words.size())
+    if (merged * leastMergedInOne > strips.words.size()) {
         return 0;
+    }
     StripWriter writer(strips, summed);
     for (const StripEntry& entry : SortedEntries(strips, kept)) {
         writer.MoveTo(entry.place);
@@ -73,8 +75,9 @@ std::uint32_t MergeStrips(const RollupTable::WordColumn& left, std::span<const s
             return running[entry.number] - (entry.isFirst ? 0 : running[entry.number - 1]);
         };
         strips.counts.back() += added(strips.counts);
-        for (const std::size_t i : summed)
+        for (const std::size_t i : summed) {
             strips.sums[i].back() += added(strips.sums[i]);
+        }
     }
     return static_cast<std::uint32_t>(merged);
 }

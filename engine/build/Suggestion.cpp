@@ -23,8 +23,9 @@ std::size_t Distance(std::string_view left, std::string_view right) {
             row[j] = std::min({replaced, last[j] + 1, row[j - 1] + 1});
             const bool isExchanged =
                 i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1];
-            if (isExchanged)
+            if (isExchanged) {
                 row[j] = std::min(row[j], before[j - 2] + 1);
+            }
         }
         before = last;
         last = row;
@@ -36,8 +37,9 @@ std::size_t Distance(std::string_view left, std::string_view right) {
 
 const std::string* NearestWord(std::string_view word, std::span<const std::string> known) {
     constexpr std::size_t longest = 100; // longer than any word that a person mistypes
-    if (word.size() > longest)
+    if (word.size() > longest) {
         return nullptr;
+    }
     const std::string folded = FoldCase(word);
     const std::string* nearest = nullptr;
     std::size_t best = std::max<std::size_t>(1, word.size() / 3) + 1;

@@ -26,11 +26,12 @@ std::size_t TableReader::Column(const std::string& name) const {
     const std::string& inFile = renamed == table_.columns.end() ? name : renamed->second;
     const auto& header = csv_.Header();
     const auto found = std::find(header.begin(), header.end(), inFile);
-    if (found == header.end())
+    if (found == header.end()) {
         throw EngineError(ErrorKind::InvalidData,
                           fmt::format("{}: there is no column \"{}\"; the columns are \"{}\"{}",
                                       csv_.FileName(), inFile, fmt::join(header, "\", \""),
                                       Suggestion(inFile, header)));
+    }
     return static_cast<std::size_t>(found - header.begin());
 }
 
@@ -38,13 +39,15 @@ bool TableReader::Next() {
     while (csv_.Next()) {
         ++linesRead_;
         ShowProgress();
-        if (csv_.Fault().empty())
+        if (csv_.Fault().empty()) {
             return true;
+        }
         ++linesSkipped_;
         badLines_.Report(csv_, "", csv_.Fault());
     }
-    if (progress_)
+    if (progress_) {
         progress_(step_, 1);
+    }
     return false;
 }
 
@@ -55,8 +58,9 @@ void TableReader::ReportBad(std::size_t column, const std::string& fault) {
 
 void TableReader::ShowProgress() {
     constexpr std::uint64_t linesPerReport = 8192;
-    if (progress_ && linesRead_ % linesPerReport == 1)
+    if (progress_ && linesRead_ % linesPerReport == 1) {
         progress_(step_, static_cast<double>(csv_.Position()) / static_cast<double>(fileSize_));
+    }
 }
 
 } // namespace qel::engine

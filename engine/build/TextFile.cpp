@@ -17,15 +17,19 @@ std::ifstream OpenTextFile(const std::filesystem::path& path) {
     };
     std::error_code error;
     const auto status = std::filesystem::status(path, error);
-    if (!std::filesystem::exists(status))
+    if (!std::filesystem::exists(status)) {
         fail(error ? error.message() : "no such file");
-    if (std::filesystem::is_directory(status))
+    }
+    if (std::filesystem::is_directory(status)) {
         fail("is a folder, not a file");
-    if (!std::filesystem::is_regular_file(status))
+    }
+    if (!std::filesystem::is_regular_file(status)) {
         fail("is not a regular file");
+    }
     std::ifstream file(path, std::ios::binary);
-    if (!file)
+    if (!file) {
         fail(std::generic_category().message(errno));
+    }
     return file;
 }
 

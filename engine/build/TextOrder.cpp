@@ -37,8 +37,9 @@ std::vector<std::uint32_t> SortTexts(const std::vector<std::string_view>& texts)
     }
     std::vector<std::string> folded;
     folded.reserve(texts.size());
-    for (const std::string_view text : texts)
+    for (const std::string_view text : texts) {
         folded.push_back(FoldCase(text));
+    }
     std::stable_sort(order.begin(), order.end(),
                      [&](auto left, auto right) { return folded[left] < folded[right]; });
     return order;

@@ -29,9 +29,10 @@ std::filesystem::path SchemaFile(const std::filesystem::path& folder, std::strin
 void MakeFolder(const std::filesystem::path& folder) {
     std::error_code failed;
     std::filesystem::create_directories(folder, failed);
-    if (failed)
+    if (failed) {
         throw EngineError(ErrorKind::CannotWrite, fmt::format("The folder '{}' cannot be made: {}.",
                                                               folder.string(), failed.message()));
+    }
 }
 
 void WriteFile(const std::filesystem::path& path, std::string_view text) {
@@ -47,8 +48,9 @@ std::vector<std::filesystem::path> ExportCubes(const CubeFile& file, const std::
     MakeFolder(folder);
     std::set<std::string> takenTables;
     std::vector<StarSchema> stars;
-    for (const Cube& cube : file.Cubes())
+    for (const Cube& cube : file.Cubes()) {
         stars.push_back(MakeStarSchema(cube, takenTables));
+    }
 
     std::vector<std::filesystem::path> written;
     std::string tables;
@@ -61,12 +63,13 @@ std::vector<std::filesystem::path> ExportCubes(const CubeFile& file, const std::
     WriteFile(written.back(), tables);
     written.push_back(folder / "rows.sql");
     AtomicFile rows(written.back());
-    for (std::size_t i = 0; i < stars.size(); ++i)
+    for (std::size_t i = 0; i < stars.size(); ++i) {
         WriteRows(
             stars[i], [&](std::string_view text) { Append(rows, text); },
             [&](double share) {
                 progress((static_cast<double>(i) + share) / static_cast<double>(stars.size()));
             });
+    }
     rows.Commit();
     return written;
 }

@@ -40,17 +40,20 @@ std::string CaptionAttribute(std::string_view name, std::string_view caption) {
 }
 
 bool HasCaptions(const Hierarchy& hierarchy, const Level& level) {
-    for (MemberId member = level.members.first; member < level.members.last; ++member)
-        if (hierarchy.MemberName(member) != hierarchy.MemberCaption(member))
+    for (MemberId member = level.members.first; member < level.members.last; ++member) {
+        if (hierarchy.MemberName(member) != hierarchy.MemberCaption(member)) {
             return true;
+        }
+    }
     return false;
 }
 
 /// The tables joined from the top level down; the facts are joined to the first.
 std::string Relation(const std::vector<StarTable>& tables, std::size_t first, const std::string& indent) {
     std::string table = fmt::format("{}<Table name=\"{}\"/>\n", indent, tables[first].name);
-    if (first + 1 == tables.size())
+    if (first + 1 == tables.size()) {
         return table;
+    }
     const std::string deeper = Relation(tables, first + 1, indent + "  ");
     const bool rightIsJoin = first + 2 < tables.size();
     return fmt::format(
@@ -70,8 +73,9 @@ std::string LevelElement(const Hierarchy& hierarchy, const StarTable& table, std
 }
 
 std::string AllAttributes(const Hierarchy& hierarchy) {
-    if (!hierarchy.HasAll())
+    if (!hierarchy.HasAll()) {
         return " hasAll=\"false\"";
+    }
     return fmt::format(" hasAll=\"true\" allLevelName=\"{}\" allMemberName=\"{}\"",
                        Escaped(hierarchy.Levels().front().name), Escaped(hierarchy.MemberName(0)));
 }
@@ -81,19 +85,24 @@ std::string HierarchyElement(const StarSchema& star, const Hierarchy& hierarchy,
     const auto& tables = star.hierarchies[hierarchy.Index()];
     const bool isJoined = tables.size() > 1;
     std::string attributes;
-    if (hierarchy.Name() != dimensionName)
+    if (hierarchy.Name() != dimensionName) {
         attributes += fmt::format(" name=\"{}\"", Escaped(hierarchy.Name()));
+    }
     attributes += CaptionAttribute(hierarchy.Name(), hierarchy.Caption()) + AllAttributes(hierarchy);
     attributes += fmt::format(" primaryKey=\"{}\"", ownerColumn);
-    if (isJoined)
+    if (isJoined) {
         attributes += fmt::format(" primaryKeyTable=\"{}\"", tables.front().name);
-    if (hierarchy.DefaultMember() != 0)
+    }
+    if (hierarchy.DefaultMember() != 0) {
         attributes += fmt::format(" defaultMember=\"{}\"",
                                   Escaped(hierarchy.MemberUniqueName(hierarchy.DefaultMember())));
+    }
     std::string text = fmt::format("      <Hierarchy{}>\n{}", attributes, Relation(tables, 0, "        "));
-    for (const auto& table : tables)
-        for (const std::size_t level : table.levels)
+    for (const auto& table : tables) {
+        for (const std::size_t level : table.levels) {
             text += LevelElement(hierarchy, table, level, isJoined);
+        }
+    }
     return text + "      </Hierarchy>\n";
 }
 
@@ -101,13 +110,15 @@ std::string HierarchyElement(const StarSchema& star, const Hierarchy& hierarchy,
 const std::string& ForeignKey(const StarSchema& star, const Dimension& dimension) {
     const auto& hierarchies = star.cube->Hierarchies();
     const auto column = hierarchies[dimension.hierarchies.front()].KeyColumn();
-    for (const std::size_t index : dimension.hierarchies)
-        if (hierarchies[index].KeyColumn() != column)
+    for (const std::size_t index : dimension.hierarchies) {
+        if (hierarchies[index].KeyColumn() != column) {
             throw EngineError(
                 ErrorKind::InvalidExpression,
                 fmt::format("The dimension '{}' of the cube '{}' has hierarchies over several fact "
                             "columns, which the schema cannot say.",
                             dimension.name, star.cube->Name()));
+        }
+    }
     return column ? star.keyColumns[*column] : star.constantColumn;
 }
 
@@ -135,12 +146,14 @@ std::string ComposeMondrianSchema(const StarSchema& star) {
     for (const auto& dimension : cube.Dimensions()) {
         text += fmt::format("    <Dimension name=\"{}\"{} foreignKey=\"{}\">\n", Escaped(dimension.name),
                             CaptionAttribute(dimension.name, dimension.caption), ForeignKey(star, dimension));
-        for (const std::size_t index : dimension.hierarchies)
+        for (const std::size_t index : dimension.hierarchies) {
             text += HierarchyElement(star, cube.Hierarchies()[index], dimension.name);
+        }
         text += "    </Dimension>\n";
     }
-    for (std::size_t i = 0; i < measures.size(); ++i)
+    for (std::size_t i = 0; i < measures.size(); ++i) {
         text += MeasureElement(star, i);
+    }
     return text + "  </Cube>\n</Schema>\n";
 }
 

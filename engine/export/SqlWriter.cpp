@@ -9,10 +9,12 @@ namespace {
 std::string Quoted(std::string_view text, char quote) {
     std::string quoted(1, quote);
     for (const char character : text) {
-        if (character == quote)
+        if (character == quote) {
             quoted += quote;
-        if (character != '\0')
+        }
+        if (character != '\0') {
             quoted += character;
+        }
     }
     return quoted + quote;
 }
@@ -28,8 +30,9 @@ std::string SqlAmount(std::int64_t scaled, std::uint8_t decimals) {
     const auto bits = static_cast<std::uint64_t>(scaled);
     std::string digits = std::to_string(isNegative ? 0 - bits : bits);
     if (decimals > 0) {
-        if (digits.size() <= decimals)
+        if (digits.size() <= decimals) {
             digits.insert(0, decimals + 1 - digits.size(), '0');
+        }
         digits.insert(digits.size() - decimals, 1, '.');
     }
     return isNegative ? "-" + digits : digits;
@@ -37,8 +40,9 @@ std::string SqlAmount(std::int64_t scaled, std::uint8_t decimals) {
 
 std::string CreateTable(std::string_view table, const std::vector<SqlColumn>& columns) {
     std::string list;
-    for (const auto& column : columns)
+    for (const auto& column : columns) {
         list += fmt::format("{}\n  {} {}", list.empty() ? "" : ",", SqlName(column.name), column.type);
+    }
     return fmt::format("CREATE TABLE {} ({});\n", SqlName(table), list);
 }
 
@@ -49,13 +53,15 @@ void RowWriter::Add(const std::vector<std::string>& values) {
     constexpr std::size_t rowsOfAStatement = 500;
     text_ += rows_ == 0 ? opening_ : ",\n";
     text_ += fmt::format("({})", fmt::join(values, ","));
-    if (++rows_ == rowsOfAStatement)
+    if (++rows_ == rowsOfAStatement) {
         Finish();
+    }
 }
 
 void RowWriter::Finish() {
-    if (rows_ == 0)
+    if (rows_ == 0) {
         return;
+    }
     text_ += ";\n";
     sink_(text_);
     text_.clear();

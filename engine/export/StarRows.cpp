@@ -13,9 +13,10 @@ constexpr const char* integerType = "INTEGER";
 
 std::size_t LongestText(const Hierarchy& hierarchy) {
     std::size_t longest = 1;
-    for (MemberId member = 0; member < hierarchy.MemberCount(); ++member)
+    for (MemberId member = 0; member < hierarchy.MemberCount(); ++member) {
         longest = std::max({longest, hierarchy.MemberKey(member).size(), hierarchy.MemberName(member).size(),
                             hierarchy.MemberCaption(member).size()});
+    }
     return longest;
 }
 
@@ -38,16 +39,18 @@ std::string Index(std::string_view table, std::string_view column) {
 
 std::string FactTableText(const StarSchema& star) {
     std::vector<SqlColumn> columns;
-    for (const auto& name : star.keyColumns)
+    for (const auto& name : star.keyColumns) {
         columns.push_back({name, integerType});
+    }
     for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
         const Measure& measure = star.cube->Facts().Measures()[i];
         columns.push_back({star.measureColumns[i], measure.aggregate == Aggregate::Count
                                                        ? integerType
                                                        : fmt::format("DECIMAL(19,{})", measure.decimals)});
     }
-    if (!star.constantColumn.empty())
+    if (!star.constantColumn.empty()) {
         columns.push_back({star.constantColumn, integerType});
+    }
     return CreateTable(star.factTable, columns);
 }
 
@@ -91,21 +94,26 @@ class FactBlock {
 public:
     FactBlock(const FactTable& facts, RowRange rows) : facts_(facts), rows_(rows) {
         const Projection& order = facts.Projections().front();
-        for (std::size_t column = 0; column < facts.KeyColumns().size(); ++column)
+        for (std::size_t column = 0; column < facts.KeyColumns().size(); ++column) {
             codes_.push_back(ReadCodes(facts, order, column, rows));
-        for (std::size_t i = 0; i < facts.Measures().size(); ++i)
+        }
+        for (std::size_t i = 0; i < facts.Measures().size(); ++i) {
             values_.push_back(facts.Measures()[i].width == 0 ? nullptr : order.Values(i, rows));
+        }
     }
 
     void Write(RowWriter& writer, bool hasConstant) const {
         for (std::uint64_t row = 0; row < rows_.Count(); ++row) {
             std::vector<std::string> values;
-            for (const auto& codes : codes_)
+            for (const auto& codes : codes_) {
                 values.push_back(std::to_string(codes[row]));
-            for (std::size_t i = 0; i < values_.size(); ++i)
+            }
+            for (std::size_t i = 0; i < values_.size(); ++i) {
                 values.push_back(AmountText(i, row));
-            if (hasConstant)
+            }
+            if (hasConstant) {
                 values.emplace_back("0");
+            }
             writer.Add(values);
         }
     }
@@ -113,8 +121,9 @@ public:
 private:
     std::string AmountText(std::size_t index, std::uint64_t row) const {
         const Measure& measure = facts_.Measures()[index];
-        if (!values_[index]) // a count, or a sum whose amounts are all nothing
+        if (!values_[index]) { // a count, or a sum whose amounts are all nothing
             return measure.aggregate == Aggregate::Count ? "1" : "0";
+        }
         return SqlAmount(AmountAt(values_[index], measure.width, row) * measure.unit, measure.decimals);
     }
 
@@ -126,11 +135,14 @@ private:
 
 std::string ComposeIndexes(const StarSchema& star) {
     std::string text;
-    for (const auto& name : star.keyColumns)
+    for (const auto& name : star.keyColumns) {
         text += Index(star.factTable, name);
-    for (const auto& tables : star.hierarchies)
-        for (const auto& table : tables)
+    }
+    for (const auto& tables : star.hierarchies) {
+        for (const auto& table : tables) {
             text += Index(table.name, ownerColumn);
+        }
+    }
     return text;
 }
 
@@ -138,17 +150,21 @@ std::string ComposeIndexes(const StarSchema& star) {
 
 std::string ComposeTables(const StarSchema& star) {
     std::string text = FactTableText(star);
-    for (const auto& hierarchy : star.cube->Hierarchies())
-        for (const auto& table : star.hierarchies[hierarchy.Index()])
+    for (const auto& hierarchy : star.cube->Hierarchies()) {
+        for (const auto& table : star.hierarchies[hierarchy.Index()]) {
             text += MemberTable(hierarchy, table);
+        }
+    }
     return text;
 }
 
 void WriteRows(const StarSchema& star, const TextSink& sink, const std::function<void(double)>& progress) {
     constexpr std::uint64_t blockRows = 8192;
-    for (const auto& hierarchy : star.cube->Hierarchies())
-        for (const auto& table : star.hierarchies[hierarchy.Index()])
+    for (const auto& hierarchy : star.cube->Hierarchies()) {
+        for (const auto& table : star.hierarchies[hierarchy.Index()]) {
             WriteMembers(hierarchy, table, sink);
+        }
+    }
     RowWriter writer(star.factTable, sink);
     const FactTable& facts = star.cube->Facts();
     for (std::uint64_t first = 0; first < facts.RowCount(); first += blockRows) {

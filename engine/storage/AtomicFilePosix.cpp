@@ -24,8 +24,9 @@ std::filesystem::path ResolveLink(const std::filesystem::path& path) {
 /// Makes the rename itself durable. A folder that cannot be synced is no reason to call the file unwritten.
 void SyncFolder(const std::filesystem::path& folder) {
     const int descriptor = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0)
+    if (descriptor < 0) {
         return;
+    }
     ::fsync(descriptor);
     ::close(descriptor);
 }
@@ -35,26 +36,30 @@ void SyncFolder(const std::filesystem::path& folder) {
 AtomicFile::AtomicFile(const std::filesystem::path& path) : path_(ResolveLink(path)) {
     std::error_code unknown;
     const auto status = std::filesystem::status(path_, unknown);
-    if (std::filesystem::is_directory(status))
+    if (std::filesystem::is_directory(status)) {
         Fail(EISDIR);
+    }
     // A rename would put a file in the place of a device or a pipe.
-    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status))
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         throw EngineError(ErrorKind::CannotWrite,
                           fmt::format("{}: cannot be written: it is not a regular file", PathToUtf8(path)));
+    }
     std::random_device random;
     constexpr int attempts = 100;
     for (int attempt = 0; descriptor_ < 0; ++attempt) {
         temporary_ = path_;
         temporary_ += fmt::format(".{:08x}.tmp", random());
         descriptor_ = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (descriptor_ < 0 && (errno != EEXIST || attempt == attempts))
+        if (descriptor_ < 0 && (errno != EEXIST || attempt == attempts)) {
             Fail(errno);
+        }
     }
 }
 
 AtomicFile::~AtomicFile() {
-    if (descriptor_ < 0)
+    if (descriptor_ < 0) {
         return;
+    }
     ::close(descriptor_);
     ::unlink(temporary_.c_str());
 }
@@ -62,18 +67,20 @@ AtomicFile::~AtomicFile() {
 void AtomicFile::Append(std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(descriptor_, bytes.data(), bytes.size());
-        if (written >= 0)
+        if (written >= 0) {
             bytes = bytes.subspan(static_cast<std::size_t>(written));
-        else if (errno != EINTR)
+        } else if (errno != EINTR) {
             Fail(errno);
+        }
     }
 }
 
 void AtomicFile::Overwrite(std::uint64_t offset, std::span<const std::byte> bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
-        if (written < 0 && errno != EINTR)
+        if (written < 0 && errno != EINTR) {
             Fail(errno);
+        }
         if (written > 0) {
             bytes = bytes.subspan(static_cast<std::size_t>(written));
             offset += static_cast<std::uint64_t>(written);
@@ -82,8 +89,9 @@ void AtomicFile::Overwrite(std::uint64_t offset, std::span<const std::byte> byte
 }
 
 void AtomicFile::Commit() {
-    if (::fsync(descriptor_) != 0 || ::rename(temporary_.c_str(), path_.c_str()) != 0)
+    if (::fsync(descriptor_) != 0 || ::rename(temporary_.c_str(), path_.c_str()) != 0) {
         Fail(errno);
+    }
     ::close(descriptor_);
     descriptor_ = -1;
     SyncFolder(path_.parent_path());

@@ -48,8 +48,9 @@ public:
     }
     std::string GetText() {
         const auto size = Get<std::uint32_t>();
-        if (!Has(size))
+        if (!Has(size)) {
             return {};
+        }
         std::string text(reinterpret_cast<const char*>(rest_.data()), size);
         rest_ = rest_.subspan(size);
         return text;

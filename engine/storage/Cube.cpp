@@ -10,8 +10,9 @@ namespace {
 template <class Named>
 std::optional<std::size_t> FindNamed(std::span<const Named> all, std::string_view name) {
     for (std::size_t i = 0; i < all.size(); ++i) {
-        if (EqualIgnoringCase(all[i].name, name))
+        if (EqualIgnoringCase(all[i].name, name)) {
             return i;
+        }
     }
     return std::nullopt;
 }

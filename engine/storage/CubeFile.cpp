@@ -25,8 +25,9 @@ struct CubeFile::Contents {
         : path(std::move(filePath)), file(std::move(mapped)), held(std::move(memory)),
           bytes(held.empty() ? file.Bytes() : std::span<const std::byte>(held)),
           image(PathToUtf8(path), bytes, held.empty() ? &file : nullptr) {
-        for (std::uint32_t i = 0; i < image.CubeCount(); ++i)
+        for (std::uint32_t i = 0; i < image.CubeCount(); ++i) {
             cubes.push_back(CubeLoader(image, i).Load());
+        }
         image.Verifier().CheckUnchanged();
     }
 
@@ -55,8 +56,9 @@ std::shared_ptr<const CubeFile> CubeFile::FromMemory(const std::filesystem::path
 
 bool CubeFile::HasSignature(const std::filesystem::path& path) {
     std::error_code error;
-    if (!std::filesystem::is_regular_file(path, error))
+    if (!std::filesystem::is_regular_file(path, error)) {
         return false;
+    }
     std::array<char, format::signature.size()> start = {};
     std::ifstream file(path, std::ios::binary);
     return file.read(start.data(), start.size()) && start == format::signature;
@@ -71,8 +73,9 @@ const std::vector<Cube>& CubeFile::Cubes() const { return contents_->cubes; }
 std::shared_ptr<const Cube> CubeFile::FindCube(std::string_view name) const {
     std::vector<std::string> names;
     for (const Cube& cube : Cubes()) {
-        if (EqualIgnoringCase(cube.Name(), name))
+        if (EqualIgnoringCase(cube.Name(), name)) {
             return {shared_from_this(), &cube};
+        }
         names.push_back(cube.Name());
     }
     throw EngineError(ErrorKind::UnknownCube, fmt::format("{}: there is no cube \"{}\"; the file holds {}",
@@ -81,26 +84,32 @@ std::shared_ptr<const Cube> CubeFile::FindCube(std::string_view name) const {
 
 void CubeFile::Verify(const std::function<void(double)>& progress) const {
     std::uint64_t rows = 1;
-    for (const Cube& cube : Cubes())
+    for (const Cube& cube : Cubes()) {
         rows += cube.Facts().RowCount() * cube.Facts().Projections().size();
+    }
     std::uint64_t rowsBefore = 0;
     const auto report = [&](std::uint64_t rowsOfCube) {
-        if (progress)
+        if (progress) {
             progress(static_cast<double>(rowsBefore + rowsOfCube) / static_cast<double>(rows));
+        }
     };
     PageVerifier& pages = contents_->image.Verifier();
     for (const Cube& cube : Cubes()) {
         std::string fault = FindMemberFault(cube);
-        if (fault.empty())
+        if (fault.empty()) {
             fault = FindFactFault(cube, report);
-        if (fault.empty())
+        }
+        if (fault.empty()) {
             fault = FindRollupFault(cube);
-        if (!fault.empty())
+        }
+        if (!fault.empty()) {
             contents_->image.Fail(fault);
+        }
         rowsBefore += cube.Facts().RowCount() * cube.Facts().Projections().size();
     }
-    for (std::uint64_t page = 0; page < pages.PageCount(); ++page)
+    for (std::uint64_t page = 0; page < pages.PageCount(); ++page) {
         pages.Check(page * format::pageSize, 1); // those that no section touches, too
+    }
     pages.CheckUnchanged();
     report(1);
 }

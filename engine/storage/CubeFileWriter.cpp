@@ -48,8 +48,9 @@ void DescribeFacts(const CubeModel& cube, ByteWriter& out) {
     out.Put(static_cast<std::uint32_t>(cube.projections.size()));
     for (const ProjectionModel& projection : cube.projections) {
         out.Put(static_cast<std::uint32_t>(projection.sortOrder.size()));
-        for (const std::uint16_t column : projection.sortOrder)
+        for (const std::uint16_t column : projection.sortOrder) {
             out.Put(column);
+        }
     }
 }
 
@@ -79,8 +80,9 @@ ByteWriter Describe(const CubeModel& cube) {
         out.PutText(dimension.caption);
         out.Put(static_cast<std::uint8_t>(dimension.isTime));
         out.Put(static_cast<std::uint32_t>(dimension.hierarchies.size()));
-        for (const HierarchyModel& hierarchy : dimension.hierarchies)
+        for (const HierarchyModel& hierarchy : dimension.hierarchies) {
             DescribeHierarchy(hierarchy, out);
+        }
     }
     return out;
 }
@@ -90,16 +92,19 @@ std::vector<std::uint8_t> SharedNameFlags(const HierarchyModel& hierarchy) {
     const auto count = static_cast<std::uint32_t>(hierarchy.parents.size());
     std::vector<std::uint8_t> flags(count);
     std::vector<std::string> folded(count);
-    for (std::uint32_t member = 0; member < count; ++member)
+    for (std::uint32_t member = 0; member < count; ++member) {
         AppendFolded(hierarchy.names.At(member), folded[member]);
+    }
     for (std::uint32_t first = 0, last = 0; first < count; first = last) {
         std::unordered_set<std::string_view> seen, shared;
         for (last = first; last < count && hierarchy.parents[last] == hierarchy.parents[first]; ++last) {
-            if (!seen.insert(folded[last]).second)
+            if (!seen.insert(folded[last]).second) {
                 shared.insert(folded[last]);
+            }
         }
-        for (std::uint32_t member = first; !shared.empty() && member < last; ++member)
+        for (std::uint32_t member = first; !shared.empty() && member < last; ++member) {
             flags[member] = shared.count(folded[member]) != 0 ? format::nameIsShared : std::uint8_t{0};
+        }
     }
     return flags;
 }
@@ -116,11 +121,13 @@ std::uint32_t CubeFileWriter::AddCube(const CubeModel& cube) {
     Section(Id(SectionKind::CubeDescription, number), Describe(cube).Bytes());
     std::uint32_t index = 0;
     for (const DimensionModel& dimension : cube.dimensions) {
-        for (const HierarchyModel& hierarchy : dimension.hierarchies)
+        for (const HierarchyModel& hierarchy : dimension.hierarchies) {
             AddHierarchy(number, index++, hierarchy);
+        }
     }
-    for (std::size_t i = 0; i < cube.projections.size(); ++i)
+    for (std::size_t i = 0; i < cube.projections.size(); ++i) {
         Section(Id(SectionKind::LeadRows, number, i), AsBytes(cube.projections[i].leadRows));
+    }
     return number;
 }
 
@@ -171,8 +178,9 @@ void CubeFileWriter::Section(const format::SectionId& id, std::span<const std::b
 
 void CubeFileWriter::Pad() {
     const std::uint64_t excess = Position() % format::sectionAlignment;
-    if (excess != 0)
+    if (excess != 0) {
         Emit(std::vector<std::byte>(format::sectionAlignment - excess));
+    }
 }
 
 void CubeFileWriter::Emit(std::span<const std::byte> bytes) {
@@ -180,8 +188,9 @@ void CubeFileWriter::Emit(std::span<const std::byte> bytes) {
         const std::size_t part = std::min<std::size_t>(bytes.size(), format::pageSize - page_.size());
         page_.insert(page_.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(part));
         bytes = bytes.subspan(part);
-        if (page_.size() == format::pageSize)
+        if (page_.size() == format::pageSize) {
             FinishPage();
+        }
     }
 }
 
@@ -196,8 +205,9 @@ void CubeFileWriter::FinishPage() {
 
 std::uint64_t CubeFileWriter::Commit() {
     Pad();
-    if (!page_.empty())
+    if (!page_.empty()) {
         FinishPage();
+    }
     std::sort(directory_.begin(), directory_.end(),
               [](const auto& left, const auto& right) { return left.id < right.id; });
     const auto checksums = AsBytes(checksums_);

@@ -28,22 +28,28 @@ Cube CubeLoader::Load() {
     cube.caption_ = in.GetText();
     cube.defaultMeasure_ = in.Get<std::uint32_t>();
     cube.facts_.rowCount_ = in.Get<std::uint64_t>();
-    if (cube.facts_.rowCount_ > format::mostFacts)
+    if (cube.facts_.rowCount_ > format::mostFacts) {
         Fail("it has more facts than there can be");
+    }
     ReadFactColumns(in, cube.facts_);
     ReadSortOrders(in, cube.facts_);
     ReadDimensions(in, cube);
-    if (in.Failed() || !in.AtEnd())
+    if (in.Failed() || !in.AtEnd()) {
         Fail("its description has the wrong length");
-    if (cube.defaultMeasure_ >= cube.facts_.measures_.size())
+    }
+    if (cube.defaultMeasure_ >= cube.facts_.measures_.size()) {
         Fail("its default measure does not exist");
-    for (Hierarchy& hierarchy : cube.hierarchies_)
+    }
+    for (Hierarchy& hierarchy : cube.hierarchies_) {
         LoadMembers(hierarchy);
-    for (const Hierarchy& hierarchy : cube.hierarchies_)
+    }
+    for (const Hierarchy& hierarchy : cube.hierarchies_) {
         CheckRanges(hierarchy,
                     hierarchy.keyColumn_ ? cube.facts_.keyColumns_[*hierarchy.keyColumn_].codes : 0);
-    for (std::size_t i = 0; i < cube.facts_.projections_.size(); ++i)
+    }
+    for (std::size_t i = 0; i < cube.facts_.projections_.size(); ++i) {
         LoadProjection(cube.facts_, i, cube.facts_.projections_[i]);
+    }
     cube.pages_ = &image_.Verifier();
     cube.facts_.rollups_ = RollupLoader(image_, cubeNumber_).Load(cube.facts_);
     return cube;
@@ -61,8 +67,9 @@ void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
         CheckLayout(column, facts, taken);
     }
     // A slot of no column has no width either.
-    if (std::find(facts.slotWidths_.begin(), facts.slotWidths_.end(), 0) != facts.slotWidths_.end())
+    if (std::find(facts.slotWidths_.begin(), facts.slotWidths_.end(), 0) != facts.slotWidths_.end()) {
         Fail("a slot belongs to no key column");
+    }
     facts.measures_.resize(in.GetCount(19));
     for (Measure& measure : facts.measures_) {
         measure.name = in.GetText();
@@ -76,43 +83,50 @@ void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
         measure.aggregate = isCount ? Aggregate::Count : Aggregate::Sum;
         constexpr std::uint8_t mostDecimals = 18;
         if ((!isSum && !isCount) || measure.decimals > mostDecimals || measure.unit < 1 ||
-            (isSum ? !IsWidth(measure.width, 8) : measure.width != 0))
+            (isSum ? !IsWidth(measure.width, 8) : measure.width != 0)) {
             Fail(fmt::format("measure {} is not well-formed", measure.name));
+        }
     }
 }
 
 /// Takes the column's bits of its slot.
 void CubeLoader::CheckLayout(const KeyColumn& column, FactTable& facts,
                              std::vector<std::uint32_t>& taken) const {
-    if (column.slot >= facts.keyColumns_.size())
+    if (column.slot >= facts.keyColumns_.size()) {
         Fail(fmt::format("key column {} has a slot that does not exist", column.name));
+    }
     if (column.slot >= taken.size()) {
         taken.resize(std::size_t{column.slot} + 1);
         facts.slotWidths_.resize(taken.size());
     }
     std::uint8_t& width = facts.slotWidths_[column.slot];
     if (!IsWidth(column.width, 4) || (width != 0 && width != column.width) ||
-        column.shift >= 8 * column.width || column.shift + column.Bits() > 8U * column.width)
+        column.shift >= 8 * column.width || column.shift + column.Bits() > 8U * column.width) {
         Fail(fmt::format("key column {} has a wrong width", column.name));
+    }
     width = column.width;
-    if ((taken[column.slot] & column.Mask()) != 0)
+    if ((taken[column.slot] & column.Mask()) != 0) {
         Fail(fmt::format("key column {} lies over another", column.name));
+    }
     taken[column.slot] |= column.Mask();
 }
 
 void CubeLoader::ReadSortOrders(ByteReader& in, FactTable& facts) const {
     facts.projections_.resize(in.GetCount(4));
-    if (facts.projections_.empty())
+    if (facts.projections_.empty()) {
         Fail("it has no facts in any order");
+    }
     for (Projection& projection : facts.projections_) {
         projection.sortOrder_.resize(in.GetCount(2));
         for (std::uint16_t& column : projection.sortOrder_) {
             column = in.Get<std::uint16_t>();
-            if (column >= facts.keyColumns_.size())
+            if (column >= facts.keyColumns_.size()) {
                 Fail("a sort order names a key column that does not exist");
+            }
         }
-        if (projection.sortOrder_.empty())
+        if (projection.sortOrder_.empty()) {
             Fail("a sort order is empty");
+        }
     }
 }
 
@@ -124,8 +138,9 @@ void CubeLoader::ReadDimensions(ByteReader& in, Cube& cube) const {
         dimension.caption = in.GetText();
         dimension.isTime = in.Get<std::uint8_t>() != 0;
         const std::uint32_t count = in.GetCount(20);
-        if (count == 0)
+        if (count == 0) {
             Fail(fmt::format("dimension {} has no hierarchy", dimension.name));
+        }
         for (std::uint32_t n = 0; n < count; ++n) {
             Hierarchy hierarchy = ReadHierarchy(in, cube, dimension.name);
             hierarchy.dimensionIndex_ = i;
@@ -142,13 +157,16 @@ Hierarchy CubeLoader::ReadHierarchy(ByteReader& in, const Cube& cube,
     hierarchy.name_ = in.GetText();
     hierarchy.caption_ = in.GetText();
     hierarchy.uniqueName_ = BracketedName(dimensionName);
-    if (hierarchy.name_ != dimensionName)
+    if (hierarchy.name_ != dimensionName) {
         hierarchy.uniqueName_.append(".").append(BracketedName(hierarchy.name_));
+    }
     const auto keyColumn = in.Get<std::uint32_t>();
-    if (keyColumn > cube.facts_.keyColumns_.size())
+    if (keyColumn > cube.facts_.keyColumns_.size()) {
         Fail(fmt::format("hierarchy {} stands on a key column that does not exist", hierarchy.uniqueName_));
-    if (keyColumn != 0)
+    }
+    if (keyColumn != 0) {
         hierarchy.keyColumn_ = keyColumn - 1;
+    }
     hierarchy.defaultMember_ = in.Get<MemberId>();
     ReadLevels(in, hierarchy);
     return hierarchy;
@@ -165,11 +183,13 @@ void CubeLoader::ReadLevels(ByteReader& in, Hierarchy& hierarchy) const {
         level.members.first = static_cast<MemberId>(members);
         members += in.Get<std::uint32_t>();
         level.members.last = static_cast<MemberId>(members);
-        if (members >= noMember || (level.isAll && (level.depth != 0 || members != 1)))
+        if (members >= noMember || (level.isAll && (level.depth != 0 || members != 1))) {
             Fail(fmt::format("level {} of {} is not well-formed", level.name, hierarchy.uniqueName_));
+        }
     }
-    if (hierarchy.defaultMember_ >= members)
+    if (hierarchy.defaultMember_ >= members) {
         Fail(fmt::format("the default member of {} does not exist", hierarchy.uniqueName_));
+    }
 }
 
 void CubeLoader::LoadMembers(Hierarchy& hierarchy) const {
@@ -200,16 +220,18 @@ void CubeLoader::LoadMembers(Hierarchy& hierarchy) const {
     CheckTexts(columns.keyOffsets, columns.keys, count);
     CheckSlots(columns.nameSlots, count);
     CheckSlots(columns.keySlots, count);
-    if (columns.parents.size() != count || columns.flags.size() != count)
+    if (columns.parents.size() != count || columns.flags.size() != count) {
         Fail(fmt::format("the member columns of {} differ in length", hierarchy.uniqueName_));
+    }
     CheckTree(hierarchy);
 }
 
 void CubeLoader::CheckTexts(std::span<const std::uint32_t> offsets, std::string_view texts,
                             std::size_t count) const {
     if (offsets.size() != count + 1 || offsets.front() != 0 || offsets.back() != texts.size() ||
-        !std::is_sorted(offsets.begin(), offsets.end()))
+        !std::is_sorted(offsets.begin(), offsets.end())) {
         Fail("the places of the members' texts are not in order");
+    }
 }
 
 void CubeLoader::CheckSlots(std::span<const std::uint32_t> slots, std::size_t count) const {
@@ -217,8 +239,9 @@ void CubeLoader::CheckSlots(std::span<const std::uint32_t> slots, std::size_t co
     const bool isInRange =
         std::all_of(slots.begin(), slots.end(), [count](auto slot) { return slot <= count; });
     if (!std::has_single_bit(slots.size()) || !isInRange ||
-        std::find(slots.begin(), slots.end(), 0U) == slots.end())
+        std::find(slots.begin(), slots.end(), 0U) == slots.end()) {
         Fail("a lookup table of members is not well-formed");
+    }
 }
 
 void CubeLoader::CheckTree(const Hierarchy& hierarchy) const {
@@ -226,22 +249,26 @@ void CubeLoader::CheckTree(const Hierarchy& hierarchy) const {
     const std::size_t count = columns.parents.size();
     const auto fail = [&] { Fail(fmt::format("the tree of {} is not consistent", hierarchy.uniqueName_)); };
     if (columns.firstChild.size() != count + 1 || columns.firstChild.back() != count ||
-        !std::is_sorted(columns.firstChild.begin(), columns.firstChild.end()))
+        !std::is_sorted(columns.firstChild.begin(), columns.firstChild.end())) {
         fail();
+    }
     // The children of a level's members are the members of the next one.
     for (const Level& level : hierarchy.levels_) {
-        if (columns.firstChild[level.members.first] != level.members.last)
+        if (columns.firstChild[level.members.first] != level.members.last) {
             fail();
+        }
     }
     const MemberId topLevelEnd = hierarchy.levels_.front().members.last;
     for (MemberId member = 0; member < topLevelEnd; ++member) {
-        if (columns.parents[member] != noMember)
+        if (columns.parents[member] != noMember) {
             fail();
+        }
     }
     for (MemberId parent = 0; parent < count; ++parent) {
         for (MemberId child = columns.firstChild[parent]; child < columns.firstChild[parent + 1]; ++child) {
-            if (columns.parents[child] != parent)
+            if (columns.parents[child] != parent) {
                 fail();
+            }
         }
     }
 }
@@ -251,13 +278,15 @@ void CubeLoader::CheckRanges(const Hierarchy& hierarchy, std::uint32_t codes) co
     const auto ranges = hierarchy.columns_.ranges;
     const auto fail = [&] { Fail(fmt::format("the keys of {} are out of range", hierarchy.uniqueName_)); };
     if (offsets.size() != std::size_t{hierarchy.MemberCount()} + 1 || offsets.front() != 0 ||
-        offsets.back() != ranges.size() || !std::is_sorted(offsets.begin(), offsets.end()))
+        offsets.back() != ranges.size() || !std::is_sorted(offsets.begin(), offsets.end())) {
         fail();
+    }
     for (MemberId member = 0; member < hierarchy.MemberCount(); ++member) {
         std::uint64_t lowest = 0;
         for (const KeyRange& range : hierarchy.Ranges(member)) {
-            if (range.first < lowest || range.first >= range.last || range.last > codes)
+            if (range.first < lowest || range.first >= range.last || range.last > codes) {
                 fail();
+            }
             lowest = std::uint64_t{range.last} + 1; // the next may not even be adjacent
         }
     }
@@ -268,12 +297,14 @@ void CubeLoader::LoadProjection(const FactTable& facts, std::size_t index, Proje
     projection.leadRows_ = image_.Array<std::uint64_t>(Id(SectionKind::LeadRows, index));
     const auto lead = projection.leadRows_;
     if (lead.size() != std::size_t{facts.keyColumns_[projection.sortOrder_.front()].codes} + 1 ||
-        lead.front() != 0 || lead.back() != facts.rowCount_ || !std::is_sorted(lead.begin(), lead.end()))
+        lead.front() != 0 || lead.back() != facts.rowCount_ || !std::is_sorted(lead.begin(), lead.end())) {
         Fail("the row numbers of a sort order are not consistent");
+    }
     const auto column = [&](SectionKind kind, std::size_t number, std::uint8_t width) {
         MappedSection section = image_.Section(Id(kind, index, number));
-        if (section.Size() % width != 0 || section.Size() / width != facts.rowCount_)
+        if (section.Size() % width != 0 || section.Size() / width != facts.rowCount_) {
             Fail("a column of facts has the wrong length");
+        }
         return section;
     };
     projection.slotWidths_ = facts.slotWidths_;

@@ -41,15 +41,17 @@ std::vector<std::uint32_t> ReadCodes(const FactTable& facts, const Projection& p
     const KeyColumn& column = facts.KeyColumns()[keyColumn];
     if (projection.HasSlot(column.slot)) {
         const CodeColumn stored(projection.Slot(column.slot, rows), column);
-        for (std::size_t i = 0; i < codes.size(); ++i)
+        for (std::size_t i = 0; i < codes.size(); ++i) {
             codes[i] = stored[i];
+        }
         return codes;
     }
     for (std::size_t i = 0; i < codes.size();) {
         const std::uint32_t code = projection.LeadOf(rows.first + i);
         const std::uint64_t end = std::min(projection.RowsOfLead({code, code + 1}).last, rows.last);
-        for (; i < end - rows.first; ++i)
+        for (; i < end - rows.first; ++i) {
             codes[i] = code;
+        }
     }
     return codes;
 }

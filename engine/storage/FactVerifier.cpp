@@ -16,19 +16,21 @@ constexpr std::uint64_t blockRows = 8192;
 
 template <class Stored>
 void Widen(const std::byte* from, std::vector<std::int64_t>& to) {
-    for (std::size_t i = 0; i < to.size(); ++i)
+    for (std::size_t i = 0; i < to.size(); ++i) {
         to[i] = std::int64_t{ReadAt<Stored>(from, i)};
+    }
 }
 
 void WidenValues(const std::byte* from, std::uint8_t width, std::vector<std::int64_t>& to) {
-    if (width == 1)
+    if (width == 1) {
         Widen<std::int8_t>(from, to);
-    else if (width == 2)
+    } else if (width == 2) {
         Widen<std::int16_t>(from, to);
-    else if (width == 4)
+    } else if (width == 4) {
         Widen<std::int32_t>(from, to);
-    else
+    } else {
         Widen<std::int64_t>(from, to);
+    }
 }
 
 std::uint64_t Mix(std::uint64_t hash, std::int64_t value) {
@@ -47,20 +49,24 @@ public:
     std::string Block(RowRange rows) {
         hashes_.assign(rows.Count(), 0);
         for (std::size_t column = 0; column < codes_.size(); ++column) {
-            if (!TakeCodes(column, rows))
+            if (!TakeCodes(column, rows)) {
                 return fmt::format("key column {} has a code out of range", facts_.KeyColumns()[column].name);
+            }
         }
         for (std::size_t slot = 0; slot < facts_.SlotCount(); ++slot) {
-            if (projection_.HasSlot(slot) && !IsClean(slot, rows))
+            if (projection_.HasSlot(slot) && !IsClean(slot, rows)) {
                 return "a slot has bits of no key column";
+            }
         }
         for (std::size_t measure = 0; measure < magnitudes_.size(); ++measure) {
-            if (!ReadValues(measure, rows))
+            if (!ReadValues(measure, rows)) {
                 return fmt::format("the values of measure {} are too large to be summed",
                                    facts_.Measures()[measure].name);
+            }
         }
-        for (const std::uint64_t hash : hashes_)
+        for (const std::uint64_t hash : hashes_) {
             contents_ += hash;
+        }
         return IsInOrder(rows) ? "" : "the facts are not in their order";
     }
 
@@ -71,8 +77,9 @@ private:
     bool TakeCodes(std::size_t column, RowRange rows) {
         const KeyColumn& key = facts_.KeyColumns()[column];
         codes_[column] = ReadCodes(facts_, projection_, column, rows);
-        for (std::size_t i = 0; i < hashes_.size(); ++i)
+        for (std::size_t i = 0; i < hashes_.size(); ++i) {
             hashes_[i] = Mix(hashes_[i], codes_[column][i]);
+        }
         return std::all_of(codes_[column].begin(), codes_[column].end(),
                            [&key](std::uint32_t code) { return code < key.codes; });
     }
@@ -80,13 +87,15 @@ private:
     /// Whether the bits of the slot that belong to no column are 0.
     bool IsClean(std::size_t slot, RowRange rows) const {
         std::uint32_t bits = 0;
-        for (const KeyColumn& column : facts_.KeyColumns())
+        for (const KeyColumn& column : facts_.KeyColumns()) {
             bits |= column.slot == slot ? column.Mask() : 0U;
+        }
         const std::byte* const slots = projection_.Slot(slot, rows);
         return VisitCodeType(facts_.SlotWidth(slot), [&](auto type) {
             for (std::uint64_t i = 0; i < rows.Count(); ++i) {
-                if ((ReadAt<decltype(type)>(slots, i) & ~bits) != 0)
+                if ((ReadAt<decltype(type)>(slots, i) & ~bits) != 0) {
                     return false;
+                }
             }
             return true;
         });
@@ -94,8 +103,9 @@ private:
 
     bool ReadValues(std::size_t measure, RowRange rows) {
         const std::uint8_t width = facts_.Measures()[measure].width;
-        if (width == 0)
+        if (width == 0) {
             return true;
+        }
         values_.resize(rows.Count());
         WidenValues(projection_.Values(measure, rows), width, values_);
         constexpr auto most = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
@@ -105,8 +115,9 @@ private:
             hashes_[i] = Mix(hashes_[i], values_[i]);
             const auto bits = static_cast<std::uint64_t>(values_[i]);
             const std::uint64_t magnitude = values_[i] < 0 ? 0 - bits : bits;
-            if (magnitude > most / unit - sum)
+            if (magnitude > most / unit - sum) {
                 return false;
+            }
             sum += magnitude;
         }
         return true;
@@ -118,16 +129,18 @@ private:
             bool isDecided = false;
             for (std::size_t k = 0; k < order.size(); ++k) {
                 const std::int64_t code = codes_[order[k]][i];
-                if (!isDecided && code < lastCodes_[k])
+                if (!isDecided && code < lastCodes_[k]) {
                     return false;
+                }
                 isDecided = isDecided || code > lastCodes_[k];
                 lastCodes_[k] = code;
             }
             const auto lead = static_cast<std::uint32_t>(lastCodes_[0]);
             const RowRange place = projection_.RowsOfLead({lead, lead + 1});
             const std::uint64_t row = rows.first + i;
-            if (row < place.first || row >= place.last)
+            if (row < place.first || row >= place.last) {
                 return false;
+            }
         }
         return true;
     }
@@ -150,14 +163,17 @@ std::string FindFactFault(const Cube& cube, const std::function<void(std::uint64
         for (std::uint64_t row = 0; row < facts.RowCount(); row += blockRows) {
             const RowRange rows{row, std::min(row + blockRows, facts.RowCount())};
             const std::string fault = check.Block(rows);
-            if (!fault.empty())
+            if (!fault.empty()) {
                 return fmt::format("cube {}, sort order {}: {}", cube.Name(), i + 1, fault);
+            }
             rowsRead += rows.Count();
-            if (progress)
+            if (progress) {
                 progress(rowsRead);
+            }
         }
-        if (i > 0 && check.Contents() != contents)
+        if (i > 0 && check.Contents() != contents) {
             return fmt::format("cube {}: sort orders 1 and {} hold different facts", cube.Name(), i + 1);
+        }
         contents = check.Contents();
     }
     return {};

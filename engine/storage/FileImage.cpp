@@ -29,12 +29,14 @@ bool IsKnown(std::uint32_t kind) {
 FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes, const MappedFile* mapping)
     : fileName_(std::move(fileName)), bytes_(bytes) {
     if (bytes.size() < format::signature.size() ||
-        std::memcmp(bytes.data(), format::signature.data(), format::signature.size()) != 0)
+        std::memcmp(bytes.data(), format::signature.data(), format::signature.size()) != 0) {
         throw EngineError(ErrorKind::NotACubeFile,
                           fileName_ + ": not a cube file (it does not begin with a cube file's signature)");
+    }
     format::Header header = {};
-    if (bytes.size() < sizeof header)
+    if (bytes.size() < sizeof header) {
         Fail(fmt::format("it ends after {} bytes, within the header", bytes.size()));
+    }
     std::memcpy(&header, bytes.data(), sizeof header);
     CheckHeader(header);
 
@@ -42,8 +44,9 @@ FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes, con
     const auto tail = bytes.subspan(header.checksumTableOffset);
     tail_.resize(tail.size() / sizeof(std::uint64_t));
     std::memcpy(tail_.data(), tail.data(), tail.size());
-    if (XXH3_64bits(tail_.data(), tail.size()) != header.tailChecksum)
+    if (XXH3_64bits(tail_.data(), tail.size()) != header.tailChecksum) {
         Fail("the directory is not as it was written (wrong checksum)");
+    }
     const std::size_t pageCount = (pages.size() + format::pageSize - 1) / format::pageSize;
     directory_ = {reinterpret_cast<const format::DirectoryEntry*>(tail_.data() + pageCount),
                   header.directoryEntries};
@@ -53,38 +56,46 @@ FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes, con
 
 void FileImage::CheckHeader(const format::Header& header) const {
     // The version comes first: another version's header may have another form.
-    if (header.version != format::version)
+    if (header.version != format::version) {
         throw EngineError(ErrorKind::UnsupportedVersion,
                           fmt::format("{}: a cube file of format version {}; this program reads version {}",
                                       fileName_, header.version, format::version));
-    if (XXH3_64bits(bytes_.data(), format::headerChecksumOffset) != header.headerChecksum)
+    }
+    if (XXH3_64bits(bytes_.data(), format::headerChecksumOffset) != header.headerChecksum) {
         Fail("the header is not as it was written (wrong checksum)");
-    if (header.fileSize != bytes_.size())
+    }
+    if (header.fileSize != bytes_.size()) {
         Fail(fmt::format("it has {} bytes instead of {}", bytes_.size(), header.fileSize));
+    }
     const std::uint64_t pagesEnd = header.checksumTableOffset;
     if (header.pageSize != format::pageSize || pagesEnd < sizeof header || pagesEnd > bytes_.size() ||
-        pagesEnd % format::sectionAlignment != 0)
+        pagesEnd % format::sectionAlignment != 0) {
         Fail("the header's places are out of range");
+    }
     const std::uint64_t tableSize = (pagesEnd + format::pageSize - 1) / format::pageSize * 8;
     const std::uint64_t directorySize =
         std::uint64_t{header.directoryEntries} * sizeof(format::DirectoryEntry);
     if (header.directoryOffset != pagesEnd + tableSize ||
-        bytes_.size() != header.directoryOffset + directorySize)
+        bytes_.size() != header.directoryOffset + directorySize) {
         Fail("the header's places are out of range");
+    }
 }
 
 void FileImage::CheckDirectory(std::uint64_t pagesEnd) const {
     const format::DirectoryEntry* previous = nullptr;
     for (const format::DirectoryEntry& entry : directory_) {
-        if (entry.id.kind < format::firstOptionalKind && !IsKnown(entry.id.kind))
+        if (entry.id.kind < format::firstOptionalKind && !IsKnown(entry.id.kind)) {
             throw EngineError(ErrorKind::UnsupportedVersion,
                               fmt::format("{}: has sections of kind {}, which a newer version writes",
                                           fileName_, entry.id.kind));
-        if (previous != nullptr && !(previous->id < entry.id))
+        }
+        if (previous != nullptr && !(previous->id < entry.id)) {
             Fail("the directory is not in order");
+        }
         if (entry.offset % format::sectionAlignment != 0 || entry.offset < sizeof(format::Header) ||
-            entry.offset > pagesEnd || entry.size > pagesEnd - entry.offset)
+            entry.offset > pagesEnd || entry.size > pagesEnd - entry.offset) {
             Fail("a section lies outside the file");
+        }
         previous = &entry;
     }
 }
@@ -92,8 +103,9 @@ void FileImage::CheckDirectory(std::uint64_t pagesEnd) const {
 std::uint32_t FileImage::CubeCount() const {
     std::uint32_t count = 0;
     for (const format::DirectoryEntry& entry : directory_) {
-        if (entry.id.kind == static_cast<std::uint32_t>(format::SectionKind::CubeDescription))
+        if (entry.id.kind == static_cast<std::uint32_t>(format::SectionKind::CubeDescription)) {
             ++count;
+        }
     }
     return count;
 }
@@ -109,8 +121,9 @@ bool FileImage::HasSection(const format::SectionId& id) const { return Find(id) 
 
 MappedSection FileImage::Section(const format::SectionId& id) const {
     const format::DirectoryEntry* const entry = Find(id);
-    if (entry == nullptr)
+    if (entry == nullptr) {
         Fail(fmt::format("section {} of cube {} is missing", id.kind, id.cube));
+    }
     return {bytes_.data() + entry->offset, entry->offset, entry->size, verifier_.get()};
 }
 

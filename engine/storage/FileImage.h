@@ -35,8 +35,9 @@ public:
     template <class T>
     std::span<const T> Array(const format::SectionId& id) {
         const MappedSection section = Section(id);
-        if (section.Size() % sizeof(T) != 0)
+        if (section.Size() % sizeof(T) != 0) {
             Fail("a section's size is not a whole number of its elements");
+        }
         return {reinterpret_cast<const T*>(Copy(section)), section.Size() / sizeof(T)};
     }
     [[noreturn]] void Fail(const std::string& fault) const;

@@ -29,8 +29,9 @@ std::string_view Hierarchy::MemberKey(MemberId member) const {
 std::string Hierarchy::MemberUniqueName(MemberId member) const {
     std::vector<MemberId> path;
     path.reserve(levels_.size());
-    for (MemberId step = member; step != noMember; step = Parent(step))
+    for (MemberId step = member; step != noMember; step = Parent(step)) {
         path.push_back(step);
+    }
     constexpr std::size_t usualLength = 96;
     std::string text;
     text.reserve(usualLength);
@@ -49,8 +50,9 @@ MemberRange Hierarchy::Children(MemberId member) const {
 
 std::size_t Hierarchy::LevelOf(MemberId member) const {
     std::size_t level = 0;
-    while (member >= levels_[level].members.last)
+    while (member >= levels_[level].members.last) {
         ++level;
+    }
     return level;
 }
 
@@ -73,8 +75,9 @@ void Hierarchy::FindByKey(std::string_view key, std::vector<MemberId>& found) co
 
 std::optional<std::size_t> Hierarchy::FindLevel(std::string_view name) const {
     for (std::size_t level = 0; level < levels_.size(); ++level) {
-        if (EqualIgnoringCase(levels_[level].name, name))
+        if (EqualIgnoringCase(levels_[level].name, name)) {
             return level;
+        }
     }
     return std::nullopt;
 }

@@ -22,8 +22,9 @@ class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
     ~Descriptor() {
-        if (number_ >= 0)
+        if (number_ >= 0) {
             ::close(number_);
+        }
     }
     Descriptor(const Descriptor&) = delete;
     Descriptor& operator=(const Descriptor&) = delete;
@@ -41,12 +42,15 @@ private:
 
 struct stat StatusOf(const Descriptor& file, const std::filesystem::path& path) {
     struct stat status = {};
-    if (::fstat(file.Number(), &status) != 0)
+    if (::fstat(file.Number(), &status) != 0) {
         Fail(path, errno);
-    if (S_ISDIR(status.st_mode))
+    }
+    if (S_ISDIR(status.st_mode)) {
         throw EngineError(ErrorKind::FileNotFound, PathToUtf8(path) + ": is a folder");
-    if (!S_ISREG(status.st_mode))
+    }
+    if (!S_ISREG(status.st_mode)) {
         throw EngineError(ErrorKind::FileNotFound, PathToUtf8(path) + ": is not a regular file");
+    }
     return status;
 }
 
@@ -56,29 +60,34 @@ struct MappedFile::Mapping {
     explicit Mapping(const std::filesystem::path& path)
         // Without O_NONBLOCK a named pipe would be waited for.
         : file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-        if (file.Number() < 0)
+        if (file.Number() < 0) {
             Fail(path, errno);
+        }
         status = StatusOf(file, path);
         const auto size = static_cast<std::size_t>(status.st_size);
-        if (size == 0)
+        if (size == 0) {
             return;
+        }
         void* const data = ::mmap(nullptr, size, PROT_READ, MAP_SHARED, file.Number(), 0);
-        if (data == MAP_FAILED)
+        if (data == MAP_FAILED) {
             Fail(path, errno);
+        }
         bytes = {static_cast<const std::byte*>(data), size};
         watch.emplace(bytes);
     }
     ~Mapping() {
         watch.reset(); // another mapping may be given these addresses from now on
-        if (!bytes.empty())
+        if (!bytes.empty()) {
             ::munmap(const_cast<std::byte*>(bytes.data()), bytes.size());
+        }
     }
     Mapping(const Mapping&) = delete;
     Mapping& operator=(const Mapping&) = delete;
 
     bool IsUnchanged() const {
-        if (watch && watch->HasLostBytes())
+        if (watch && watch->HasLostBytes()) {
             return false;
+        }
         struct stat now = {};
         return ::fstat(file.Number(), &now) == 0 && now.st_size == status.st_size &&
                now.st_mtim.tv_sec == status.st_mtim.tv_sec && now.st_mtim.tv_nsec == status.st_mtim.tv_nsec;

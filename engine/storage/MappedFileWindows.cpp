@@ -16,8 +16,9 @@ class Handle {
 public:
     explicit Handle(HANDLE handle) : handle_(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
     ~Handle() {
-        if (handle_ != nullptr)
+        if (handle_ != nullptr) {
             ::CloseHandle(handle_);
+        }
     }
     Handle(const Handle&) = delete;
     Handle& operator=(const Handle&) = delete;
@@ -39,28 +40,34 @@ private:
 struct MappedFile::Mapping {
     explicit Mapping(const std::filesystem::path& path) {
         std::error_code ignored;
-        if (std::filesystem::is_directory(path, ignored))
+        if (std::filesystem::is_directory(path, ignored)) {
             throw EngineError(ErrorKind::FileNotFound, PathToUtf8(path) + ": is a folder");
+        }
         constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
         const Handle file(::CreateFileW(path.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING,
                                         FILE_ATTRIBUTE_NORMAL, nullptr));
         LARGE_INTEGER size = {};
-        if (file.Get() == nullptr || !::GetFileSizeEx(file.Get(), &size))
+        if (file.Get() == nullptr || !::GetFileSizeEx(file.Get(), &size)) {
             Fail(path);
-        if (size.QuadPart == 0)
+        }
+        if (size.QuadPart == 0) {
             return;
+        }
         const Handle mapping(::CreateFileMappingW(file.Get(), nullptr, PAGE_READONLY, 0, 0, nullptr));
-        if (mapping.Get() == nullptr)
+        if (mapping.Get() == nullptr) {
             Fail(path);
+        }
         const void* const data =
             ::MapViewOfFile(mapping.Get(), FILE_MAP_READ, 0, 0, 0); // keeps what it needs open
-        if (data == nullptr)
+        if (data == nullptr) {
             Fail(path);
+        }
         bytes = {static_cast<const std::byte*>(data), static_cast<std::size_t>(size.QuadPart)};
     }
     ~Mapping() {
-        if (!bytes.empty())
+        if (!bytes.empty()) {
             ::UnmapViewOfFile(bytes.data());
+        }
     }
     Mapping(const Mapping&) = delete;
     Mapping& operator=(const Mapping&) = delete;

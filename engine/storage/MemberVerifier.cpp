@@ -18,29 +18,35 @@ bool Contains(const std::vector<MemberId>& members, MemberId member) {
 bool Covers(std::span<const KeyRange> outer, std::span<const KeyRange> inner) {
     auto place = outer.begin();
     for (const KeyRange& range : inner) {
-        while (place != outer.end() && place->last < range.last)
+        while (place != outer.end() && place->last < range.last) {
             ++place;
-        if (place == outer.end() || place->first > range.first)
+        }
+        if (place == outer.end() || place->first > range.first) {
             return false;
+        }
     }
     return true;
 }
 
 std::string FaultOf(const Hierarchy& hierarchy, MemberId member, std::vector<MemberId>& found) {
     if (!IsValidUtf8(hierarchy.MemberName(member)) || !IsValidUtf8(hierarchy.MemberCaption(member)) ||
-        !IsValidUtf8(hierarchy.MemberKey(member)))
+        !IsValidUtf8(hierarchy.MemberKey(member))) {
         return "a text is not UTF-8";
+    }
     found.clear();
     hierarchy.FindByName(hierarchy.MemberName(member), found);
-    if (!Contains(found, member))
+    if (!Contains(found, member)) {
         return "its name does not find it";
+    }
     found.clear();
     hierarchy.FindByKey(hierarchy.MemberKey(member), found);
-    if (!Contains(found, member))
+    if (!Contains(found, member)) {
         return "its key does not find it";
+    }
     const MemberId parent = hierarchy.Parent(member);
-    if (parent != noMember && !Covers(hierarchy.Ranges(parent), hierarchy.Ranges(member)))
+    if (parent != noMember && !Covers(hierarchy.Ranges(parent), hierarchy.Ranges(member))) {
         return "its parent lacks some of its keys";
+    }
     return {};
 }
 
@@ -51,9 +57,10 @@ std::string FindMemberFault(const Cube& cube) {
     for (const Hierarchy& hierarchy : cube.Hierarchies()) {
         for (MemberId member = 0; member < hierarchy.MemberCount(); ++member) {
             const std::string fault = FaultOf(hierarchy, member, found);
-            if (!fault.empty())
+            if (!fault.empty()) {
                 return fmt::format("cube {}, {}, member {}: {}", cube.Name(), hierarchy.UniqueName(), member,
                                    fault);
+            }
         }
     }
     return {};

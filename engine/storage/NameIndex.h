@@ -33,8 +33,9 @@ std::vector<std::uint32_t> BuildNameIndex(std::uint32_t count, const NameOf& nam
         folded.clear();
         AppendFolded(nameOf(member), folded);
         std::size_t slot = NameHash(folded) & mask;
-        while (slots[slot] != 0)
+        while (slots[slot] != 0) {
             slot = (slot + 1) & mask;
+        }
         slots[slot] = member + 1;
     }
     return slots;
@@ -49,8 +50,9 @@ void FindInNameIndex(std::span<const std::uint32_t> slots, std::string_view name
     std::size_t slot = NameHash(folded) & mask;
     for (; slots[slot] != 0; slot = (slot + 1) & mask) {
         const std::uint32_t member = slots[slot] - 1;
-        if (EqualIgnoringCase(nameOf(member), name))
+        if (EqualIgnoringCase(nameOf(member), name)) {
             found(member);
+        }
     }
 }
 

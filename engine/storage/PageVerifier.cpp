@@ -25,12 +25,14 @@ PageVerifier::PageVerifier(std::string fileName, std::span<const std::byte> file
       isChecked_(std::make_unique<std::atomic<std::uint8_t>[]>(checksums.size())) {}
 
 void PageVerifier::Check(std::uint64_t offset, std::uint64_t length) {
-    if (length == 0)
+    if (length == 0) {
         return;
+    }
     const std::uint64_t last = (offset + length - 1) / format::pageSize;
     for (std::uint64_t page = offset / format::pageSize; page <= last; ++page) {
-        if (isChecked_[page].load(std::memory_order_acquire) == 0)
+        if (isChecked_[page].load(std::memory_order_acquire) == 0) {
             CheckPage(page);
+        }
     }
 }
 
@@ -44,11 +46,12 @@ void PageVerifier::CheckPage(std::uint64_t page) {
 }
 
 void PageVerifier::CheckUnchanged() const {
-    if (mapping_ != nullptr && !mapping_->IsUnchanged())
+    if (mapping_ != nullptr && !mapping_->IsUnchanged()) {
         throw EngineError(ErrorKind::DamagedFile,
                           fmt::format("{}: the file was changed or cut short while it was open; it has to be "
                                       "opened again (a new file belongs in its place, not into it)",
                                       fileName_));
+    }
 }
 
 void PageVerifier::Fail(const std::string& fault) const {
@@ -56,12 +59,14 @@ void PageVerifier::Fail(const std::string& fault) const {
 }
 
 const std::byte* MappedSection::Bytes(std::uint64_t offset, std::uint64_t length) const {
-    if (offset > size_ || length > size_ - offset)
+    if (offset > size_ || length > size_ - offset) {
         throw EngineError(ErrorKind::DamagedFile,
                           fmt::format("cube file: {} bytes at {} lie outside a section of {} bytes", length,
                                       offset, size_));
-    if (verifier_ != nullptr)
+    }
+    if (verifier_ != nullptr) {
         verifier_->Check(offsetInFile_ + offset, length);
+    }
     return data_ + offset;
 }
 

@@ -45,11 +45,13 @@ const Rollup* RollupTable::Find(const RollupKey& key) const {
     std::uint64_t slot = key.Hash();
     for (std::uint64_t tried = 0; tried < slots; ++tried, ++slot) {
         const std::uint32_t numberPlusOne = *Elements<std::uint32_t>(lookup_, slot & (slots - 1), 1);
-        if (numberPlusOne == 0)
+        if (numberPlusOne == 0) {
             return nullptr;
+        }
         const Rollup& rollup = At(numberPlusOne - 1);
-        if (rollup.key == key)
+        if (rollup.key == key) {
             return &rollup;
+        }
     }
     return nullptr;
 }

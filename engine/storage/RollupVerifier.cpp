@@ -35,11 +35,13 @@ bool AreWellFormed(const CodeGroups& groups) {
     for (std::uint32_t number = 0; number < groups.Count(); ++number) {
         const KeyRange before{number - 1, 0}, group{number, 0};
         const CodeRanges ranges = groups.Ranges(group);
-        if (ranges.size() < 2 || std::adjacent_find(ranges.begin(), ranges.end(), touch) != ranges.end())
+        if (ranges.size() < 2 || std::adjacent_find(ranges.begin(), ranges.end(), touch) != ranges.end()) {
             return false;
+        }
         const CodeRanges left = number == 0 ? CodeRanges() : groups.Ranges(before);
-        if (!std::lexicographical_compare(left.begin(), left.end(), ranges.begin(), ranges.end(), IsBefore))
+        if (!std::lexicographical_compare(left.begin(), left.end(), ranges.begin(), ranges.end(), IsBefore)) {
             return false;
+        }
     }
     return true;
 }
@@ -57,8 +59,9 @@ public:
         const auto [found, isNew] = places_.try_emplace(std::uint64_t{word} << 32U | granule, rows_.size());
         if (isNew) {
             rows_.push_back(0);
-            for (std::vector<std::uint64_t>& sums : sums_)
+            for (std::vector<std::uint64_t>& sums : sums_) {
                 sums.push_back(0);
+            }
         }
         return found->second;
     }
@@ -99,14 +102,17 @@ public:
     explicit RollupCheck(const FactTable& facts) : facts_(facts), rollups_(*facts.Rollups()) {}
 
     std::string FaultOf(const Rollup& stored) const {
-        if (rollups_.Find(stored.key) != &stored)
+        if (rollups_.Find(stored.key) != &stored) {
             return "its key does not find it";
+        }
         const Rollup rollup = stored; // what is checked of it is relied on
-        if (!IsOfColumns(rollup.key))
+        if (!IsOfColumns(rollup.key)) {
             return "its key has codes that do not exist";
+        }
         if (rollup.unused != 0 ||
-            (rollup.merged != 0 && (rollup.strips == 0 || rollups_.WordColumns().empty())))
+            (rollup.merged != 0 && (rollup.strips == 0 || rollups_.WordColumns().empty()))) {
             return "it has merged strips where there can be none";
+        }
         return rollup.strips == 0 ? FaultOfRows(rollup) : FaultOfStrips(rollup);
     }
 
@@ -117,8 +123,9 @@ private:
 
     std::string FaultOfRows(const Rollup& rollup) const {
         FactContents own, expected;
-        if (!AddRows(rollup, own))
+        if (!AddRows(rollup, own)) {
             return disorder;
+        }
         VisitFacts(rollup.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
             AddContents(projection, run, rows, expected);
         });
@@ -127,8 +134,9 @@ private:
 
     std::string FaultOfStrips(const Rollup& rollup) const {
         std::string fault = FaultOfStrips(rollup, rollup.start, rollup.strips, allOfWord);
-        if (!fault.empty() || rollup.merged == 0)
+        if (!fault.empty() || rollup.merged == 0) {
             return fault;
+        }
         return FaultOfStrips(rollup, rollup.start + rollup.strips, rollup.merged,
                              ~rollups_.WordColumns().back().Mask());
     }
@@ -136,8 +144,9 @@ private:
     std::string FaultOfStrips(const Rollup& rollup, std::uint64_t start, std::uint32_t count,
                               std::uint32_t kept) const {
         FactTotals own(facts_.Measures().size()), expected(facts_.Measures().size());
-        if (!AddStrips(rollups_.StripsOf(start, count), count, own))
+        if (!AddStrips(rollups_.StripsOf(start, count), count, own)) {
             return disorder;
+        }
         VisitFacts(rollup.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
             AddTotals(projection, run, rows, kept, expected);
         });
@@ -147,13 +156,15 @@ private:
 
     bool IsOfColumns(const RollupKey& key) const {
         const auto exists = [&](std::uint16_t column, const KeyRange& codes) {
-            if (column == RollupKey::noColumn)
+            if (column == RollupKey::noColumn) {
                 return true;
+            }
             const CodeRanges ranges = rollups_.Groups().Ranges(codes);
             std::uint32_t end = 0; // ranges ascend
             for (const KeyRange range : ranges) {
-                if (range.first < end || range.first >= range.last)
+                if (range.first < end || range.first >= range.last) {
                     return false;
+                }
                 end = range.last;
             }
             return !ranges.empty() && column < facts_.KeyColumns().size() &&
@@ -167,8 +178,9 @@ private:
         const std::vector<std::uint32_t> all = ReadCodes(facts_, projection, column, run);
         std::vector<std::uint32_t> codes;
         codes.reserve(rows.size());
-        for (const std::size_t row : rows)
+        for (const std::size_t row : rows) {
             codes.push_back(all[row]);
+        }
         return codes;
     }
     std::vector<std::uint32_t> WordsAt(const Projection& projection, RowRange run,
@@ -176,8 +188,9 @@ private:
         std::vector<std::uint32_t> words(rows.size());
         for (const RollupTable::WordColumn& word : rollups_.WordColumns()) {
             const std::vector<std::uint32_t> codes = CodesAt(projection, word.column, run, rows);
-            for (std::size_t i = 0; i < rows.size(); ++i)
+            for (std::size_t i = 0; i < rows.size(); ++i) {
                 words[i] |= codes[i] << word.shift;
+            }
         }
         return words;
     }
@@ -193,8 +206,9 @@ private:
         for (std::size_t measure = 0; measure < facts_.Measures().size(); ++measure) {
             const std::uint8_t width = facts_.Measures()[measure].width;
             const std::byte* const values = width == 0 ? nullptr : projection.Values(measure, run);
-            for (std::size_t i = 0; values != nullptr && i < rows.size(); ++i)
+            for (std::size_t i = 0; values != nullptr && i < rows.size(); ++i) {
                 visit(measure, i, static_cast<std::uint64_t>(SignedAt(values, width, rows[i])));
+            }
         }
     }
 
@@ -202,8 +216,9 @@ private:
                      FactContents& contents) const {
         const auto words = WordsAt(projection, run, rows), times = TimesAt(projection, run, rows);
         std::vector<std::uint64_t> hashes(rows.size());
-        for (std::size_t i = 0; i < rows.size(); ++i)
+        for (std::size_t i = 0; i < rows.size(); ++i) {
             hashes[i] = Mixed(std::uint64_t{words[i]} << 32U | times[i]);
+        }
         VisitValues(projection, run, rows, [&](std::size_t, std::size_t row, std::uint64_t value) {
             hashes[row] = Mixed(hashes[row] ^ value);
         });
@@ -237,8 +252,9 @@ private:
             return column == RollupKey::noColumn ? CodeRanges(&left, 1) : rollups_.Groups().Ranges(codes);
         };
         for (const KeyRange first : rangesOf(key.firstColumn, key.first)) {
-            for (const KeyRange second : rangesOf(key.secondColumn, key.second))
+            for (const KeyRange second : rangesOf(key.secondColumn, key.second)) {
                 VisitFactsUnder({key.firstColumn, key.secondColumn, first, second}, visit);
+            }
         }
     }
     /// Of two ranges, from the sort order that one of their columns leads.
@@ -248,8 +264,9 @@ private:
         RowRange run{0, facts_.RowCount()};
         for (const Projection& other : facts_.Projections()) {
             const std::uint16_t lead = other.SortOrder().front();
-            if (lead != key.firstColumn && lead != key.secondColumn)
+            if (lead != key.firstColumn && lead != key.secondColumn) {
                 continue;
+            }
             const RowRange rows = other.RowsOfLead(lead == key.firstColumn ? key.first : key.second);
             if (rows.Count() < run.Count()) {
                 run = rows;
@@ -265,8 +282,9 @@ private:
     }
     void Restrict(const Projection& projection, RowRange run, std::uint16_t column, KeyRange codes,
                   RowPlaces& rows) const {
-        if (column == RollupKey::noColumn)
+        if (column == RollupKey::noColumn) {
             return;
+        }
         const std::vector<std::uint32_t> all = ReadCodes(facts_, projection, column, run);
         std::erase_if(rows,
                       [&](std::size_t row) { return all[row] < codes.first || all[row] >= codes.last; });
@@ -276,8 +294,9 @@ private:
     template <class Visit>
     static void VisitChunks(RowRange run, const Visit& visit) {
         constexpr std::uint64_t chunkRows = 1U << 14U;
-        for (; run.first < run.last; run.first += chunkRows)
+        for (; run.first < run.last; run.first += chunkRows) {
             visit(RowRange{run.first, std::min(run.last, run.first + chunkRows)});
+        }
     }
     static RowPlaces AllOf(RowRange run) {
         RowPlaces rows(run.Count());
@@ -288,15 +307,17 @@ private:
     bool AddRows(const Rollup& rollup, FactContents& contents) const {
         const RowRange run{rollup.start, rollup.start + rollup.rows};
         const Projection& projection = rollups_.Rows();
-        if (rollup.rows > facts_.RowCount() || run.last < run.first || run.last > projection.RowCount())
+        if (rollup.rows > facts_.RowCount() || run.last < run.first || run.last > projection.RowCount()) {
             return false;
+        }
         const auto words = rollups_.WordColumns();
         bool isSorted = true;
         std::uint32_t last = 0;
         VisitChunks(run, [&](RowRange chunk) {
             AddContents(projection, chunk, AllOf(chunk), contents);
-            if (words.empty())
+            if (words.empty()) {
                 return;
+            }
             const auto codes = ReadCodes(facts_, projection, words.back().column, chunk);
             isSorted = isSorted && last <= codes.front() && std::is_sorted(codes.begin(), codes.end());
             last = codes.back();
@@ -309,8 +330,9 @@ private:
             const std::uint32_t entries = strips.entries[i + 1] - strips.entries[i];
             if ((i > 0 && strips.words[i] <= strips.words[i - 1]) || entries == 0 ||
                 entries != static_cast<std::uint32_t>(std::popcount(strips.periods[i])) ||
-                !AddStrip(strips.words[i], strips.periods[i], strips.entries[i], totals))
+                !AddStrip(strips.words[i], strips.periods[i], strips.entries[i], totals)) {
                 return false;
+            }
         }
         return true;
     }
@@ -321,16 +343,18 @@ private:
         const std::uint32_t entries = static_cast<std::uint32_t>(std::popcount(periods));
         for (std::uint32_t entry = 0; entry < entries; ++entry, periods &= periods - 1) {
             const std::uint64_t granule = base + static_cast<std::uint32_t>(std::countr_zero(periods));
-            if (granule + 1 >= rollups_.Granules().size())
+            if (granule + 1 >= rollups_.Granules().size()) {
                 return false;
+            }
             const std::size_t place = totals.PlaceOf(word & ~blockMask, static_cast<std::uint32_t>(granule));
             if (rollups_.HasCounts()) {
                 const std::uint32_t* const counts = rollups_.Counts(first, entries);
                 totals.AddRows(place, counts[entry] - (entry == 0 ? 0 : counts[entry - 1]));
             }
             for (std::size_t measure = 0; measure < facts_.Measures().size(); ++measure) {
-                if (facts_.Measures()[measure].aggregate != Aggregate::Sum)
+                if (facts_.Measures()[measure].aggregate != Aggregate::Sum) {
                     continue;
+                }
                 const std::byte* const sums = rollups_.Sums(measure, first, entries);
                 const auto sumAt = [&](std::uint32_t at) {
                     return static_cast<std::uint64_t>(SignedAt(sums, rollups_.SumWidth(measure), at));
@@ -348,16 +372,19 @@ private:
 } // namespace
 
 std::string FindRollupFault(const Cube& cube) {
-    if (cube.Facts().Rollups() == nullptr)
+    if (cube.Facts().Rollups() == nullptr) {
         return {};
+    }
     const RollupTable& rollups = *cube.Facts().Rollups();
-    if (!AreWellFormed(rollups.Groups()))
+    if (!AreWellFormed(rollups.Groups())) {
         return fmt::format("cube {}: the groups of codes are not in order", cube.Name());
+    }
     const RollupCheck check(cube.Facts());
     for (std::uint64_t i = 0; i < rollups.Count(); ++i) {
         const std::string fault = check.FaultOf(rollups.At(i));
-        if (!fault.empty())
+        if (!fault.empty()) {
             return fmt::format("cube {}, rollup {}: {}", cube.Name(), i + 1, fault);
+        }
     }
     return {};
 }

@@ -28,8 +28,9 @@ std::vector<std::uint32_t> BuildLookup(const std::vector<Rollup>& records) {
     const std::size_t mask = slots.size() - 1;
     for (std::uint32_t i = 0; i < records.size(); ++i) {
         std::size_t slot = records[i].key.Hash() & mask;
-        while (slots[slot] != 0)
+        while (slots[slot] != 0) {
             slot = (slot + 1) & mask;
+        }
         slots[slot] = i + 1;
     }
     return slots;
@@ -84,11 +85,12 @@ void WriteRollups(const RollupModel& rollups, const CubeModel& model, std::uint3
         }
         const std::uint8_t width = SumWidth(rollups.sums[i]);
         description.Put(width);
-        if (width == wideWidth)
+        if (width == wideWidth) {
             sections.Write(SectionKind::StripSums, rollups.sums[i], i);
-        else
+        } else {
             sections.Write(SectionKind::StripSums,
                            std::vector<std::int32_t>(rollups.sums[i].begin(), rollups.sums[i].end()), i);
+        }
     }
     sections.Write(SectionKind::RollupDescription, description.Bytes());
     sections.Write(SectionKind::RollupGranules, rollups.granules);
@@ -99,8 +101,9 @@ void WriteRollups(const RollupModel& rollups, const CubeModel& model, std::uint3
     sections.Write(SectionKind::StripWords, rollups.stripWords);
     sections.Write(SectionKind::StripPeriods, rollups.stripPeriods);
     sections.Write(SectionKind::StripEntries, rollups.stripEntries);
-    if (hasCounts)
+    if (hasCounts) {
         sections.Write(SectionKind::StripCounts, rollups.counts);
+    }
 }
 
 } // namespace qel::engine

@@ -13,8 +13,9 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace qel::engine;
-    if (size == 0)
+    if (size == 0) {
         return 0;
+    }
     CsvFormat format;
     format.delimiter = "\0,;\t"[data[0] & 3U];
     format.decimal = (data[0] & 4U) != 0 ? ',' : '.';
@@ -25,14 +26,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         CsvReader reader(input, "fuzz.csv", format.delimiter);
         std::uint64_t line = reader.Header().empty() ? 0 : 1;
         while (reader.Next()) {
-            if (reader.Line() <= line || reader.Raw().empty())
+            if (reader.Line() <= line || reader.Raw().empty()) {
                 std::abort(); // reading must go on
+            }
             line = reader.Line();
             for (std::size_t i = 0; reader.Fault().empty() && i < reader.Header().size(); ++i) {
                 ParseAmount(reader.Field(i), format, 2);
                 const auto day = ParseDate(reader.Field(i), format.dates);
-                if (day && ParseDate(FormatDate(*day), DateFormat::Iso) != day)
+                if (day && ParseDate(FormatDate(*day), DateFormat::Iso) != day) {
                     std::abort();
+                }
             }
         }
     } catch (const EngineError&) {

@@ -22,8 +22,9 @@ using namespace qel::engine;
 /// Fills in the header's sizes as far as they follow from the others, and all checksums.
 void Repair(std::vector<std::byte>& bytes) {
     format::Header header = {};
-    if (bytes.size() < sizeof header)
+    if (bytes.size() < sizeof header) {
         return;
+    }
     std::memcpy(&header, bytes.data(), sizeof header);
     header.signature = format::signature;
     header.version = format::version;
@@ -32,16 +33,18 @@ void Repair(std::vector<std::byte>& bytes) {
     const std::uint64_t directorySize =
         std::uint64_t{header.directoryEntries} * sizeof(format::DirectoryEntry);
     const std::uint64_t end = header.checksumTableOffset;
-    if (end < sizeof header || end > bytes.size() || directorySize > bytes.size() - end)
+    if (end < sizeof header || end > bytes.size() || directorySize > bytes.size() - end) {
         return;
+    }
     const std::span<const std::byte> pages(bytes.data(), end);
     const std::uint64_t pageCount = (end + format::pageSize - 1) / format::pageSize;
     header.directoryOffset = end + pageCount * sizeof(std::uint64_t);
     for (std::uint64_t page = 0; page < pageCount; ++page) {
         const std::uint64_t checksum = PageChecksum(pages, page);
         const std::uint64_t place = end + page * sizeof checksum;
-        if (place + sizeof checksum <= bytes.size())
+        if (place + sizeof checksum <= bytes.size()) {
             std::memcpy(bytes.data() + place, &checksum, sizeof checksum);
+        }
     }
     header.tailChecksum = XXH3_64bits(bytes.data() + end, bytes.size() - end);
     header.headerChecksum = XXH3_64bits(&header, format::headerChecksumOffset);
@@ -56,12 +59,14 @@ std::size_t AskHierarchy(const Hierarchy& hierarchy) {
         found.clear();
         hierarchy.FindByName(hierarchy.MemberName(member), found);
         hierarchy.FindByKey(hierarchy.MemberKey(member), found);
-        for (const MemberId other : found)
+        for (const MemberId other : found) {
             sum += hierarchy.MemberName(other).size();
+        }
         sum += hierarchy.MemberUniqueName(member).size() + hierarchy.MemberCaption(member).size();
         sum += hierarchy.LevelOf(member) + hierarchy.Children(member).Count();
-        for (const KeyRange& range : hierarchy.Ranges(member))
+        for (const KeyRange& range : hierarchy.Ranges(member)) {
             sum += range.last;
+        }
     }
     hierarchy.FindByName("all", found);
     return sum + hierarchy.MemberName(hierarchy.DefaultMember()).size();
@@ -73,14 +78,17 @@ std::size_t AskFacts(const Cube& cube) {
     for (const Projection& projection : facts.Projections()) {
         const RowRange all{0, projection.RowCount()};
         for (std::size_t i = 0; i < facts.KeyColumns().size(); ++i) {
-            for (const std::uint32_t code : ReadCodes(facts, projection, i, all))
+            for (const std::uint32_t code : ReadCodes(facts, projection, i, all)) {
                 sum += code;
+            }
         }
         for (const Hierarchy& hierarchy : cube.Hierarchies()) {
-            if (hierarchy.KeyColumn() != projection.SortOrder().front())
+            if (hierarchy.KeyColumn() != projection.SortOrder().front()) {
                 continue;
-            for (const KeyRange& range : hierarchy.Ranges(hierarchy.DefaultMember()))
+            }
+            for (const KeyRange& range : hierarchy.Ranges(hierarchy.DefaultMember())) {
                 sum += projection.RowsOfLead(range).Count();
+            }
         }
     }
     return sum + cube.FindMeasure("amount").value_or(0) + facts.Measures()[cube.DefaultMeasure()].name.size();
@@ -96,13 +104,15 @@ std::size_t AskRollups(const FactTable& facts) {
         std::vector<Restriction> restrictions;
         const auto restrict = [&](std::size_t column, const KeyRange& codes) {
             const auto& columns = facts.KeyColumns();
-            if (column < columns.size() && codes.first < codes.last && codes.last <= columns[column].codes)
+            if (column < columns.size() && codes.first < codes.last && codes.last <= columns[column].codes) {
                 restrictions.push_back({column, CodeRanges(&codes, 1)});
+            }
         };
         restrict(key.firstColumn, key.first);
         restrict(key.secondColumn, key.second);
-        for (std::size_t measure = 0; measure < facts.Measures().size(); ++measure)
+        for (std::size_t measure = 0; measure < facts.Measures().size(); ++measure) {
             sum += SumFacts(facts, restrictions, measure).rows;
+        }
         for (const RollupTable::WordColumn& word : rollups->WordColumns()) {
             static constexpr KeyRange lowest{0, 1};
             std::vector<Restriction> narrowed = restrictions;
@@ -128,8 +138,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const auto file = CubeFile::FromMemory("fuzz.cub", std::move(bytes));
         for (const Cube& cube : file->Cubes()) {
-            for (const Hierarchy& hierarchy : cube.Hierarchies())
+            for (const Hierarchy& hierarchy : cube.Hierarchies()) {
                 sum = sum + AskHierarchy(hierarchy);
+            }
             sum = sum + AskFacts(cube);
             sum = sum + AskRollups(cube.Facts());
         }

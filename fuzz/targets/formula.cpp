@@ -14,8 +14,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         qel::BindFormula(qel::ParseFormula(text), locale);
     } catch (const qel::FormulaError& error) {
-        if (error.Position() < 1 || error.Position() > size + 1)
+        if (error.Position() < 1 || error.Position() > size + 1) {
             std::abort();
+        }
     }
     return 0;
 }

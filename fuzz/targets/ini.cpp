@@ -20,7 +20,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const auto again = qel::EditIniText("file", edited, entry, "1");
     if (qel::FindInIniText("file", edited, entry) != "1" || qel::FirstLineLost(text, edited, entry) ||
-        qel::FirstLineLost(edited, again, entry) || qel::EditIniText("file", again, entry, "1") != again)
+        qel::FirstLineLost(edited, again, entry) || qel::EditIniText("file", again, entry, "1") != again) {
         std::abort();
+    }
     return 0;
 }

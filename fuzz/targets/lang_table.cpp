@@ -13,10 +13,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     try {
         const auto rows = qel::LangRowsOf(qel::ParseXmlTable(bytes, "Lang.rs"));
         std::size_t counted = 0;
-        for (const auto& [language, findings] : qel::CheckLangRows(rows))
+        for (const auto& [language, findings] : qel::CheckLangRows(rows)) {
             counted += findings.rows;
-        if (counted != rows.size())
+        }
+        if (counted != rows.size()) {
             std::abort();
+        }
     } catch (const qel::AutomationError&) {
         return 0;
     }

@@ -23,8 +23,9 @@ void Read(std::string_view bytes, const Use& use) {
         xml.Read(bytes.substr(0, bytes.size() / 2));
         xml.Read(bytes.substr(bytes.size() / 2));
         xml.Finish();
-        if (!soap.IsComplete())
+        if (!soap.IsComplete()) {
             std::abort();
+        }
         use(answer);
     } catch (const AutomationError&) {
         return; // a fault that was told
@@ -36,13 +37,16 @@ void Read(std::string_view bytes, const Use& use) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view bytes(reinterpret_cast<const char*>(data), size);
     Read<CellsetAnswer>(bytes, [](const CellsetAnswer& answer) {
-        for (std::uint64_t ordinal = 0; ordinal < answer.Axes().size() + 1; ++ordinal)
+        for (std::uint64_t ordinal = 0; ordinal < answer.Axes().size() + 1; ++ordinal) {
             static_cast<void>(answer.Cell(ordinal));
+        }
     });
     Read<RowsetAnswer>(bytes, [](const RowsetAnswer& answer) {
-        for (std::size_t row = 0; row < answer.RowCount(); ++row)
-            for (std::size_t field = 0; field < answer.Fields().size(); ++field)
+        for (std::size_t row = 0; row < answer.RowCount(); ++row) {
+            for (std::size_t field = 0; field < answer.Fields().size(); ++field) {
                 static_cast<void>(answer.Value(row, field));
+            }
+        }
     });
     return 0;
 }

@@ -16,22 +16,25 @@ namespace {
 void ReadProperty(std::string_view part, ConnectionText& connection) {
     const auto equals = part.find('=');
     if (equals == std::string_view::npos &&
-        IsServerAddress(connection.dataSource)) // it may end with a password
+        IsServerAddress(connection.dataSource)) { // it may end with a password
         throw AutomationError(errorBadConnectionText,
                               "The server's address contains ';', which is written as %3B.");
-    if (equals == std::string_view::npos)
+    }
+    if (equals == std::string_view::npos) {
         throw AutomationError(errorBadConnectionText,
                               fmt::format("The connection text has a part without '=': '{}'. A path cannot "
                                           "contain ';'.",
                                           part));
+    }
     const auto name = Trimmed(part.substr(0, equals));
     const auto value = Trimmed(part.substr(equals + 1));
-    if (EqualIgnoringCase(name, "Provider"))
+    if (EqualIgnoringCase(name, "Provider")) {
         connection.provider = value;
-    else if (EqualIgnoringCase(name, "Data Source"))
+    } else if (EqualIgnoringCase(name, "Data Source")) {
         connection.dataSource = value;
-    else if (EqualIgnoringCase(name, "Initial Catalog"))
+    } else if (EqualIgnoringCase(name, "Initial Catalog")) {
         connection.initialCatalog = value;
+    }
 }
 
 } // namespace
@@ -67,13 +70,15 @@ ConnectionText ParseConnectionText(std::string_view text) {
     while (!text.empty()) {
         const auto end = std::min(text.find(';'), text.size());
         const auto part = Trimmed(text.substr(0, end));
-        if (!part.empty())
+        if (!part.empty()) {
             ReadProperty(part, connection);
+        }
         text.remove_prefix(std::min(end + 1, text.size()));
     }
-    if (connection.dataSource.empty())
+    if (connection.dataSource.empty()) {
         throw AutomationError(errorBadConnectionText,
                               "The connection text names no data source: the cube file's path is empty.");
+    }
     return connection;
 }
 

@@ -22,8 +22,9 @@ std::string PropertyOf(std::string_view text, std::string_view name) {
         const auto end = std::min(text.find(';'), text.size());
         const auto part = text.substr(0, end);
         const auto equals = part.find('=');
-        if (equals != std::string_view::npos && EqualIgnoringCase(Trimmed(part.substr(0, equals)), name))
+        if (equals != std::string_view::npos && EqualIgnoringCase(Trimmed(part.substr(0, equals)), name)) {
             value = Trimmed(part.substr(equals + 1));
+        }
         text.remove_prefix(std::min(end + 1, text.size()));
     }
     return value;
@@ -43,8 +44,9 @@ std::unique_ptr<Recordset> Connection::OpenSchema(int /*schema*/) {
 Variant Recordset::FieldValueNamed(const std::string& name) const {
     const std::int32_t count = FieldCount();
     for (std::int32_t i = 0; i < count; ++i) {
-        if (EqualIgnoringCase(FieldName(i), name))
+        if (EqualIgnoringCase(FieldName(i), name)) {
             return FieldValue(i);
+        }
     }
     throw AutomationError(itemNotFound,
                           "Item cannot be found in the collection corresponding to the requested name or "
@@ -63,8 +65,9 @@ std::vector<std::unique_ptr<Member>> Level::MembersNamed(const std::string& name
     const std::int32_t count = MemberCount();
     for (std::int32_t i = 0; i < count; ++i) {
         auto member = MemberAt(i);
-        if (EqualIgnoringCase(member->Name(), name))
+        if (EqualIgnoringCase(member->Name(), name)) {
             named.push_back(std::move(member));
+        }
     }
     return named;
 }

@@ -43,8 +43,9 @@ public:
 
     DataAccess& Objects() const { return *provider_; }
     const std::shared_ptr<Connection>& Opened() const {
-        if (!opened_)
+        if (!opened_) {
             throw ObjectClosed();
+        }
         return opened_;
     }
 
@@ -57,8 +58,9 @@ private:
 /// The connection that a client handed in. Raises 3709 when it was never opened or was made elsewhere.
 const ResolvingConnection& Resolved(const std::shared_ptr<Connection>& connection) {
     const auto* own = dynamic_cast<const ResolvingConnection*>(connection.get());
-    if (!own || own->State() == stateClosed)
+    if (!own || own->State() == stateClosed) {
         throw InvalidConnection();
+    }
     return *own;
 }
 
@@ -84,8 +86,9 @@ public:
 
 private:
     const Catalog& Connected() const {
-        if (!catalog_)
+        if (!catalog_) {
             throw InvalidConnection();
+        }
         return *catalog_;
     }
 
@@ -121,8 +124,9 @@ public:
 
 private:
     Cellset& Opened() const {
-        if (!cellset_)
+        if (!cellset_) {
             throw ObjectClosed();
+        }
         return *cellset_;
     }
 
@@ -154,8 +158,9 @@ public:
 
 private:
     Recordset& Opened() const {
-        if (!recordset_)
+        if (!recordset_) {
             throw ObjectClosed();
+        }
         return *recordset_;
     }
 

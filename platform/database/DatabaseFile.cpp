@@ -23,18 +23,22 @@ constexpr std::string_view aceSignature("Standard ACE DB\0", 16);
 DatabaseFileKind IdentifyDatabaseFile(const std::filesystem::path& path) {
     std::error_code failed;
     const auto type = std::filesystem::status(path, failed).type();
-    if (type == std::filesystem::file_type::not_found)
+    if (type == std::filesystem::file_type::not_found) {
         return DatabaseFileKind::Missing;
+    }
     std::ifstream file(path, std::ios::binary);
-    if (type != std::filesystem::file_type::regular || !file)
+    if (type != std::filesystem::file_type::regular || !file) {
         return DatabaseFileKind::Unreadable;
+    }
     std::array<char, jetPrefix.size() + jetSignature.size()> bytes{};
     file.read(bytes.data(), bytes.size());
     const std::string_view start(bytes.data(), static_cast<std::size_t>(file.gcount()));
-    if (start.starts_with(sqliteSignature))
+    if (start.starts_with(sqliteSignature)) {
         return DatabaseFileKind::Sqlite;
-    if (!start.starts_with(jetPrefix))
+    }
+    if (!start.starts_with(jetPrefix)) {
         return DatabaseFileKind::Other;
+    }
     const auto name = start.substr(jetPrefix.size());
     return name == jetSignature || name == aceSignature ? DatabaseFileKind::Jet : DatabaseFileKind::Other;
 }
@@ -43,9 +47,10 @@ std::filesystem::path DatabaseFileOf(const std::string& connectionString) {
     constexpr auto unspecifiedError = static_cast<std::int32_t>(0x80004005);
     constexpr std::string_view key = ";Data Source=";
     const auto at = connectionString.find(key);
-    if (at == std::string::npos)
+    if (at == std::string::npos) {
         throw AutomationError(unspecifiedError,
                               "The connection text names no data source: " + connectionString);
+    }
     return PathFromSetting(std::string_view(connectionString).substr(at + key.size()));
 }
 

@@ -41,13 +41,15 @@ public:
     Reading(const XmlElement& root, const std::string& file) : root_(root), file_(file) {}
 
     PersistedTable Run() {
-        if (root_.name != "xml")
+        if (root_.name != "xml") {
             throw Fault("is no recordset: its outermost element is not <xml>");
+        }
         ReadPrefixes();
         ReadColumns();
         ReadRows();
-        for (const auto& column : columns_)
+        for (const auto& column : columns_) {
             table_.columns.push_back(column.name);
+        }
         return std::move(table_);
     }
 
@@ -57,28 +59,34 @@ private:
     void ReadPrefixes() {
         for (const auto& [name, uri] : root_.attributes) {
             constexpr std::string_view declaration = "xmlns:";
-            if (!name.starts_with(declaration))
+            if (!name.starts_with(declaration)) {
                 continue;
+            }
             const std::string prefix = name.substr(declaration.size()) + ":";
-            if (EqualIgnoringCase(uri, schemaUri))
+            if (EqualIgnoringCase(uri, schemaUri)) {
                 schema_ = prefix;
-            else if (EqualIgnoringCase(uri, datatypeUri))
+            } else if (EqualIgnoringCase(uri, datatypeUri)) {
                 datatype_ = prefix;
-            else if (EqualIgnoringCase(uri, rowsetUri))
+            } else if (EqualIgnoringCase(uri, rowsetUri)) {
                 rowset_ = prefix;
-            else if (EqualIgnoringCase(uri, rowUri))
+            } else if (EqualIgnoringCase(uri, rowUri)) {
                 row_ = prefix;
+            }
         }
-        if (schema_.empty() || rowset_.empty()) // that of the rows may be missing where there are none
+        if (schema_.empty() || rowset_.empty()) { // that of the rows may be missing where there are none
             throw Fault("is no recordset: it lacks the namespaces of one");
+        }
     }
 
     void ReadColumns() {
-        for (const auto& element : root_.Child(schema_ + "Schema").Child(schema_ + "ElementType").children)
-            if (element.name == schema_ + "AttributeType")
+        for (const auto& element : root_.Child(schema_ + "Schema").Child(schema_ + "ElementType").children) {
+            if (element.name == schema_ + "AttributeType") {
                 columns_.push_back(ReadColumn(element));
-        if (columns_.empty())
+            }
+        }
+        if (columns_.empty()) {
             throw Fault("is damaged: its schema names no column");
+        }
         std::stable_sort(columns_.begin(), columns_.end(),
                          [](const Column& a, const Column& b) { return a.ordinal < b.ordinal; });
     }
@@ -92,52 +100,61 @@ private:
         column.name = name ? *name : column.attribute;
         column.ordinal = IntegerIn(valueOf(element.Attribute(rowset_ + "number")));
         const std::string* type = element.Child(schema_ + "datatype").Attribute(datatype_ + "type");
-        if (!type)
+        if (!type) {
             type = element.Attribute(datatype_ + "type");
-        for (const char* integer : {"int", "i1", "i2", "i4", "ui1", "ui2"})
+        }
+        for (const char* integer : {"int", "i1", "i2", "i4", "ui1", "ui2"}) {
             column.isInteger = column.isInteger || valueOf(type) == integer;
+        }
         return column;
     }
 
     void ReadRows() {
         const XmlElement& data = root_.Child(rowset_ + "data");
-        if (data.name.empty())
+        if (data.name.empty()) {
             throw Fault("is damaged: it holds no data");
+        }
         for (const auto& element : data.children) {
-            if (element.name == row_ + "row")
+            if (element.name == row_ + "row") {
                 AddRow(element);
-            else if (element.name == rowset_ + "insert" || element.name == rowset_ + "update")
+            } else if (element.name == rowset_ + "insert" || element.name == rowset_ + "update") {
                 AddPendingRows(element);
+            }
         }
     }
 
     /// Rows that were inserted or changed; an original that was changed stands in an element of its own.
     void AddPendingRows(const XmlElement& pending) {
         const XmlElement& original = pending.Child(rowset_ + "original").Child(row_ + "row");
-        for (const auto& row : pending.children)
-            if (row.name == row_ + "row")
+        for (const auto& row : pending.children) {
+            if (row.name == row_ + "row") {
                 AddRow(row, original);
+            }
+        }
     }
 
     void AddRow(const XmlElement& row, const XmlElement& original = {}) {
         std::vector<Variant> values;
         for (const auto& column : columns_) {
             const std::string* text = row.Attribute(column.attribute);
-            if (!text)
+            if (!text) {
                 text = original.Attribute(column.attribute);
+            }
             values.push_back(text ? ValueOf(column, *text) : Variant(Null{}));
         }
         table_.rows.push_back(std::move(values));
     }
 
     Variant ValueOf(const Column& column, const std::string& text) const {
-        if (!column.isInteger)
+        if (!column.isInteger) {
             return text;
+        }
         std::int32_t number = 0;
         const auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), number);
-        if (failure != std::errc() || end != text.data() + text.size())
+        if (failure != std::errc() || end != text.data() + text.size()) {
             throw Fault(fmt::format("is damaged: row {}, column '{}' holds '{}', not a whole number",
                                     table_.rows.size() + 1, column.name, text));
+        }
         return number;
     }
 
@@ -155,20 +172,23 @@ AutomationError RecordsetFault(const std::string& file, std::string_view fault) 
 }
 
 void RequireXmlForm(const std::string& bytes, const std::string& file) {
-    if (bytes.empty())
+    if (bytes.empty()) {
         throw RecordsetFault(file, "is empty");
-    if (bytes.starts_with("TG!"))
+    }
+    if (bytes.starts_with("TG!")) {
         throw RecordsetFault(file,
                              "is a recordset in binary form, which only Windows' own provider MSPersist can "
                              "read; save it as XML (adPersistXML)");
+    }
 }
 
 std::string RecordsetBytes(const std::string& file) {
     const auto path = PathFromSetting(file);
     std::error_code failed;
     std::ifstream stream(path, std::ios::binary);
-    if (!stream || std::filesystem::is_directory(path, failed))
+    if (!stream || std::filesystem::is_directory(path, failed)) {
         throw RecordsetFault(file, "cannot be read");
+    }
     std::string bytes(std::istreambuf_iterator<char>(stream), {});
     RequireXmlForm(bytes, file);
     return bytes;

@@ -15,17 +15,21 @@ struct XmlElement {
 
     /// Null when there is none of that name.
     const std::string* Attribute(std::string_view attribute) const {
-        for (const auto& [known, value] : attributes)
-            if (known == attribute)
+        for (const auto& [known, value] : attributes) {
+            if (known == attribute) {
                 return &value;
+            }
+        }
         return nullptr;
     }
     /// The first of that name; an empty element when there is none.
     const XmlElement& Child(std::string_view child) const {
         static const XmlElement none;
-        for (const auto& known : children)
-            if (known.name == child)
+        for (const auto& known : children) {
+            if (known.name == child) {
                 return known;
+            }
+        }
         return none;
     }
 };

@@ -36,15 +36,17 @@ int LastDayOfMonth(int year, int month) {
 } // namespace
 
 AutomationDate DateFromDay(CalendarDay day) {
-    if (!Exists(day))
+    if (!Exists(day)) {
         throw PlatformError(ErrorNumber::InvalidProcedureCall);
+    }
     return {static_cast<double>((std::chrono::sys_days(ToCivil(day)) - epoch).count())};
 }
 
 CalendarDay DayFromDate(AutomationDate date) {
     const double wholeDays = std::trunc(date.days);
-    if (!(wholeDays >= firstDay && wholeDays < dayAfterLast))
+    if (!(wholeDays >= firstDay && wholeDays < dayAfterLast)) {
         throw PlatformError(ErrorNumber::Overflow);
+    }
     const year_month_day civil(epoch + std::chrono::days(static_cast<int>(wholeDays)));
     return {static_cast<int>(civil.year()), static_cast<int>(static_cast<unsigned>(civil.month())),
             static_cast<int>(static_cast<unsigned>(civil.day()))};
@@ -58,11 +60,13 @@ AutomationDate AddMonths(AutomationDate date, int months) {
     const int monthsSinceYearZero = day.year * 12 + day.month - 1 + months;
     day.year = monthsSinceYearZero / 12;
     day.month = monthsSinceYearZero % 12 + 1;
-    if (day.year < firstYear || day.year > lastYear)
+    if (day.year < firstYear || day.year > lastYear) {
         throw PlatformError(ErrorNumber::InvalidProcedureCall);
+    }
     const int lastDay = LastDayOfMonth(day.year, day.month);
-    if (day.day > lastDay)
+    if (day.day > lastDay) {
         day.day = lastDay;
+    }
     const double midnight = DateFromDay(day).days;
     return {midnight < 0 ? midnight - timeOfDay : midnight + timeOfDay};
 }

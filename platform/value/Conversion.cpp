@@ -68,10 +68,12 @@ struct DoubleOf {
     double operator()(const AutomationDate& date) const { return date.days; }
     double operator()(const std::string& text) const {
         const auto number = ReadNumber(text, locale);
-        if (!number)
+        if (!number) {
             RaiseTypeMismatch();
-        if (!std::isfinite(*number))
+        }
+        if (!std::isfinite(*number)) {
             throw PlatformError(ErrorNumber::Overflow);
+        }
         return *number;
     }
     double operator()(bool value) const { return value ? -1 : 0; }
@@ -91,16 +93,18 @@ double ToDouble(const Variant& value, const Locale& locale) {
 }
 
 AutomationDate ToDate(const Variant& value, const Locale& locale) {
-    if (value.Is<std::string>())
+    if (value.Is<std::string>()) {
         return ParseDate(value.As<std::string>(), locale);
+    }
     const AutomationDate date{ToDouble(value, locale)};
     DayFromDate(date); // raises when no calendar has that day
     return date;
 }
 
 bool IsNumeric(const Variant& value, const Locale& locale) {
-    if (value.Is<std::string>())
+    if (value.Is<std::string>()) {
         return IsNumericText(value.As<std::string>(), locale);
+    }
     return !value.Is<Null>() && !value.Is<AutomationDate>() && !value.Is<ErrorValue>() && !value.IsArray() &&
            !value.Is<std::shared_ptr<const Object>>();
 }

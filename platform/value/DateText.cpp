@@ -34,14 +34,17 @@ public:
 
     /// The date, or none when the text is not one.
     std::optional<AutomationDate> Read() {
-        if (text_.find(':') < text_.find_first_of("/-. "))
+        if (text_.find(':') < text_.find_first_of("/-. ")) {
             return ReadTimeAlone();
+        }
         const auto midnight = ReadDay();
-        if (!midnight || AtEnd())
+        if (!midnight || AtEnd()) {
             return midnight;
+        }
         const auto timeOfDay = ReadTime();
-        if (!timeOfDay)
+        if (!timeOfDay) {
             return std::nullopt;
+        }
         const double days = midnight->days;
         return AutomationDate{days < 0 ? days - *timeOfDay : days + *timeOfDay};
     }
@@ -50,16 +53,19 @@ private:
     bool AtEnd() const { return at_ == text_.size(); }
 
     void SkipBlanks() {
-        while (!AtEnd() && text_[at_] == ' ')
+        while (!AtEnd() && text_[at_] == ' ') {
             ++at_;
+        }
     }
 
     std::optional<Number> ReadNumber() {
         Number number;
-        for (; !AtEnd() && IsDigit(text_[at_]) && number.digits <= 4; ++at_, ++number.digits)
+        for (; !AtEnd() && IsDigit(text_[at_]) && number.digits <= 4; ++at_, ++number.digits) {
             number.value = number.value * 10 + (text_[at_] - '0');
-        if (number.digits == 0 || number.digits > 4)
+        }
+        if (number.digits == 0 || number.digits > 4) {
             return std::nullopt;
+        }
         return number;
     }
 
@@ -77,8 +83,9 @@ private:
         }
         const std::size_t next = text_.find_first_not_of("0123456789", at_);
         const bool startsTime = next != std::string_view::npos && text_[next] == ':';
-        if (at_ > start && !AtEnd() && IsDigit(text_[at_]) && !startsTime)
+        if (at_ > start && !AtEnd() && IsDigit(text_[at_]) && !startsTime) {
             return true;
+        }
         at_ = start;
         return false;
     }
@@ -88,42 +95,51 @@ private:
         int count = 0;
         do {
             const auto number = ReadNumber();
-            if (!number)
+            if (!number) {
                 return std::nullopt;
+            }
             numbers[count++] = *number;
         } while (count < 3 && SkipDateSeparator());
-        if (count == 3)
+        if (count == 3) {
             return FromThree(numbers[0], numbers[1], numbers[2]);
-        if (count == 2)
+        }
+        if (count == 2) {
             return FromTwo(numbers[0], numbers[1]);
+        }
         return std::nullopt;
     }
 
     std::optional<AutomationDate> FromThree(Number a, Number b, Number c) const {
-        if (CanOnlyBeYear(a))
+        if (CanOnlyBeYear(a)) {
             return FromParts(a, b, c);
-        if (locale_.dateOrder == DateOrder::YearMonthDay && c.digits <= 2)
+        }
+        if (locale_.dateOrder == DateOrder::YearMonthDay && c.digits <= 2) {
             return FromParts(a, b, c);
+        }
         return locale_.dateOrder == DateOrder::DayMonthYear ? FromParts(c, b, a) : FromParts(c, a, b);
     }
 
     /// A month and a year, in either order.
     static std::optional<AutomationDate> FromTwo(Number a, Number b) {
         const Number first{1, 1};
-        if (CanOnlyBeYear(a))
+        if (CanOnlyBeYear(a)) {
             return FromParts(a, b, first);
-        if (CanOnlyBeYear(b))
+        }
+        if (CanOnlyBeYear(b)) {
             return FromParts(b, a, first);
+        }
         return std::nullopt;
     }
 
     static bool CanOnlyBeYear(Number number) { return number.digits > 2 || number.value > 31; }
 
     static std::optional<AutomationDate> FromParts(Number year, Number month, Number day) {
-        if (month.value > 12)
+        if (month.value > 12) {
             std::swap(month, day);
-        if (year.digits <= 2)
+        }
+        if (year.digits <= 2) {
             year.value += year.value <= lastYearOf2000s ? 2000 : 1900;
+        }
         try {
             return DateFromDay({year.value, month.value, day.value});
         } catch (const AutomationError&) {
@@ -133,8 +149,9 @@ private:
 
     std::optional<AutomationDate> ReadTimeAlone() {
         const auto timeOfDay = ReadTime();
-        if (!timeOfDay)
+        if (!timeOfDay) {
             return std::nullopt;
+        }
         return AutomationDate{*timeOfDay};
     }
 
@@ -145,19 +162,22 @@ private:
         int count = 0;
         do {
             const auto number = ReadNumber();
-            if (!number)
+            if (!number) {
                 return std::nullopt;
+            }
             parts[count++] = number->value;
         } while (count < 3 && SkipColon());
         const bool withHalf = ApplyHalfOfDay(parts[0]);
-        if ((count < 2 && !withHalf) || !AtEnd() || parts[0] > 23 || parts[1] > 59 || parts[2] > 59)
+        if ((count < 2 && !withHalf) || !AtEnd() || parts[0] > 23 || parts[1] > 59 || parts[2] > 59) {
             return std::nullopt;
+        }
         return static_cast<double>(parts[0] * 3600 + parts[1] * 60 + parts[2]) / secondsADay;
     }
 
     bool SkipColon() {
-        if (AtEnd() || text_[at_] != ':')
+        if (AtEnd() || text_[at_] != ':') {
             return false;
+        }
         ++at_;
         return true;
     }
@@ -167,8 +187,9 @@ private:
         SkipBlanks();
         const std::string_view rest = text_.substr(at_);
         const bool morning = EqualIgnoringCase(rest, "AM");
-        if (!morning && !EqualIgnoringCase(rest, "PM"))
+        if (!morning && !EqualIgnoringCase(rest, "PM")) {
             return false;
+        }
         at_ = text_.size();
         hour = hour > 12 ? 24 : hour % 12 + (morning ? 0 : 12);
         return true;
@@ -210,16 +231,18 @@ std::string FormatShortDate(AutomationDate date, const Locale& locale) {
     }
     fmt::memory_buffer text;
     AppendDay(DayFromDate({wholeDays}), locale, text);
-    if (seconds != 0)
+    if (seconds != 0) {
         fmt::format_to(std::back_inserter(text), " {:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60,
                        seconds % 60);
+    }
     return fmt::to_string(text);
 }
 
 AutomationDate ParseDate(std::string_view text, const Locale& locale) {
     const auto date = DateReader(text, locale).Read();
-    if (!date)
+    if (!date) {
         throw PlatformError(ErrorNumber::TypeMismatch);
+    }
     return *date;
 }
 

@@ -17,22 +17,26 @@ bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsWhite(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
 std::string_view WithoutWhite(std::string_view text) {
-    while (!text.empty() && IsWhite(text.front()))
+    while (!text.empty() && IsWhite(text.front())) {
         text.remove_prefix(1);
-    while (!text.empty() && IsWhite(text.back()))
+    }
+    while (!text.empty() && IsWhite(text.back())) {
         text.remove_suffix(1);
+    }
     return text;
 }
 
 /// Puts the decimal separator before the last `scale` digits and drops the zeros at the end.
 std::string PlaceSeparator(std::string digits, std::size_t scale, bool negative, char separator) {
-    if (digits.size() <= scale)
+    if (digits.size() <= scale) {
         digits.insert(0, scale + 1 - digits.size(), '0');
+    }
     if (scale > 0) {
         digits.insert(digits.size() - scale, 1, separator);
         digits.erase(digits.find_last_not_of('0') + 1);
-        if (digits.back() == separator)
+        if (digits.back() == separator) {
             digits.pop_back();
+        }
     }
     return negative && digits != "0" ? "-" + digits : digits;
 }
@@ -55,16 +59,19 @@ std::string IntegerDigits(const Decimal& decimal) {
 
 /// "&H1F", "&O17", of at most 32 bits.
 std::optional<double> ReadBased(std::string_view text) {
-    if (text.size() < 3 || text[0] != '&')
+    if (text.size() < 3 || text[0] != '&') {
         return std::nullopt;
+    }
     const char letter = text[1];
     const int base = letter == 'H' || letter == 'h' ? 16 : letter == 'O' || letter == 'o' ? 8 : 0;
-    if (base == 0)
+    if (base == 0) {
         return std::nullopt;
+    }
     std::uint32_t bits = 0;
     const auto [end, error] = std::from_chars(text.data() + 2, text.data() + text.size(), bits, base);
-    if (error != std::errc() || end != text.data() + text.size())
+    if (error != std::errc() || end != text.data() + text.size()) {
         return std::nullopt;
+    }
     return static_cast<std::int32_t>(bits);
 }
 
@@ -96,8 +103,9 @@ std::string PlainNumber(std::string_view text, const Locale& locale) {
     bool anyDigit = false;
     std::size_t i = 0;
     for (; i < text.size() && (IsDigit(text[i]) || (anyDigit && text[i] == locale.thousandsSeparator)); ++i) {
-        if (!IsDigit(text[i]))
+        if (!IsDigit(text[i])) {
             continue;
+        }
         anyDigit = true;
         plain += text[i];
     }
@@ -108,16 +116,20 @@ std::string PlainNumber(std::string_view text, const Locale& locale) {
             plain += text[i];
         }
     }
-    if (!anyDigit)
+    if (!anyDigit) {
         return {};
+    }
     if (i < text.size() && std::string_view("EeDd").find(text[i]) != std::string_view::npos) {
         plain += 'e';
-        if (++i < text.size() && (text[i] == '+' || text[i] == '-'))
+        if (++i < text.size() && (text[i] == '+' || text[i] == '-')) {
             plain += text[i++];
-        if (i == text.size() || !IsDigit(text[i]))
+        }
+        if (i == text.size() || !IsDigit(text[i])) {
             return {};
-        for (; i < text.size() && IsDigit(text[i]); ++i)
+        }
+        for (; i < text.size() && IsDigit(text[i]); ++i) {
             plain += text[i];
+        }
     }
     return i == text.size() ? plain : std::string();
 }
@@ -134,8 +146,9 @@ double OutOfRange(const std::string& plain) {
 } // namespace
 
 std::string NumberToText(double number, int digits, const Locale& locale) {
-    if (number == 0)
+    if (number == 0) {
         return "0"; // of either sign
+    }
     std::string text = fmt::format("{:.{}G}", number, digits);
     std::replace(text.begin(), text.end(), '.', locale.decimalSeparator);
     return text;
@@ -154,18 +167,21 @@ std::string DecimalToText(const Decimal& decimal, const Locale& locale) {
 
 std::optional<double> ReadNumber(std::string_view text, const Locale& locale) {
     std::string_view rest = WithoutWhite(text);
-    if (const auto based = ReadBased(rest))
+    if (const auto based = ReadBased(rest)) {
         return based;
+    }
     const std::optional<bool> negative = TakeSign(rest);
     const std::string plain = PlainNumber(rest, locale);
-    if (!negative || plain.empty())
+    if (!negative || plain.empty()) {
         return std::nullopt;
+    }
     double magnitude = 0;
     const auto [end, error] = std::from_chars(plain.data(), plain.data() + plain.size(), magnitude);
-    if (error == std::errc::result_out_of_range)
+    if (error == std::errc::result_out_of_range) {
         magnitude = OutOfRange(plain);
-    else if (error != std::errc())
+    } else if (error != std::errc()) {
         return std::nullopt;
+    }
     return *negative ? -magnitude : magnitude;
 }
 

@@ -14,8 +14,9 @@ public:
     Bstr() = default;
     explicit Bstr(std::wstring_view text)
         : text_(::SysAllocStringLen(text.data(), static_cast<UINT>(text.size()))) {
-        if (text_ == nullptr)
+        if (text_ == nullptr) {
             throw std::bad_alloc();
+        }
     }
     explicit Bstr(std::string_view utf8) : Bstr(std::wstring_view(ToWide(utf8))) {}
     ~Bstr() { ::SysFreeString(text_); }

@@ -14,8 +14,9 @@ public:
     ComPointer(std::nullptr_t) {}
     /// Adds a reference of its own.
     explicit ComPointer(Interface* object) : object_(object) {
-        if (object_ != nullptr)
+        if (object_ != nullptr) {
             object_->AddRef();
+        }
     }
     /// Takes over a reference that the caller has.
     static ComPointer Adopt(Interface* object) {
@@ -48,16 +49,18 @@ public:
     /// Gives the reference to the caller.
     Interface* Release() { return std::exchange(object_, nullptr); }
     void Reset() {
-        if (Interface* const object = Release())
+        if (Interface* const object = Release()) {
             object->Release();
+        }
     }
 
     /// The object's other interface; null when it has none.
     template <class Other>
     ComPointer<Other> As(REFIID id) const {
         ComPointer<Other> other;
-        if (object_ != nullptr && FAILED(object_->QueryInterface(id, other.ReceiveVoid())))
+        if (object_ != nullptr && FAILED(object_->QueryInterface(id, other.ReceiveVoid()))) {
             other.Release(); // a failed query gave nothing away
+        }
         return other;
     }
 

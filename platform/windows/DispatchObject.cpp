@@ -23,8 +23,9 @@ OwnedVariant ToArgument(const DispatchObject& object) {
 
 DispatchObject::DispatchObject(ComPointer<IDispatch> object, std::string name)
     : object_(std::move(object)), name_(std::move(name)) {
-    if (!object_)
+    if (!object_) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    }
 }
 
 DispatchObject DispatchObject::Create(const wchar_t* progId) {
@@ -59,8 +60,9 @@ std::int32_t DispatchObject::Number(const wchar_t* member) const {
 DispatchObject DispatchObject::Child(const wchar_t* member, CallArguments arguments) const {
     const OwnedVariant child = Property(member, std::move(arguments));
     const VARIANT& value = Dereferenced(child.Get());
-    if (V_VT(&value) != VT_DISPATCH)
+    if (V_VT(&value) != VT_DISPATCH) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    }
     return {ComPointer<IDispatch>(V_DISPATCH(&value)), Described(member)};
 }
 
@@ -87,8 +89,9 @@ OwnedVariant DispatchObject::Invoke(DISPID id, const std::string& what, WORD kin
                                     CallArguments arguments) const {
     ::SetErrorInfo(0, nullptr);
     std::vector<VARIANT> reversed; // views: the arguments stay the owners
-    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
         reversed.push_back(argument->Get());
+    }
     DISPID propertyPut = DISPID_PROPERTYPUT;
     const bool isPut = (kind & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
     DISPPARAMS parameters = {reversed.data(), isPut ? &propertyPut : nullptr,
@@ -97,8 +100,9 @@ OwnedVariant DispatchObject::Invoke(DISPID id, const std::string& what, WORD kin
     EXCEPINFO details = {};
     const HRESULT status = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
                                            isPut ? nullptr : result.Receive(), &details, nullptr);
-    if (status == DISP_E_EXCEPTION)
+    if (status == DISP_E_EXCEPTION) {
         throw FailureOf(details, what);
+    }
     Check(status, what.c_str());
     return result;
 }

@@ -39,28 +39,33 @@ std::string SystemText(HRESULT result) {
 }
 
 std::string Described(std::string description, HRESULT result, const std::string& what) {
-    if (description.empty())
+    if (description.empty()) {
         description = SystemText(result);
-    if (description.empty())
+    }
+    if (description.empty()) {
         return fmt::format("{} (0x{:08X})", what, static_cast<std::uint32_t>(result));
+    }
     return description;
 }
 
 } // namespace
 
 std::int32_t NumberOfResult(HRESULT result) {
-    if (HRESULT_FACILITY(result) == FACILITY_CONTROL && FAILED(result))
+    if (HRESULT_FACILITY(result) == FACILITY_CONTROL && FAILED(result)) {
         return HRESULT_CODE(result);
+    }
     for (const NamedResult& named : namedResults) {
-        if (named.result == result)
+        if (named.result == result) {
             return named.number;
+        }
     }
     return result;
 }
 
 HRESULT ResultOfNumber(std::int32_t number) {
-    if (number > 0 && number <= 0xFFFF)
+    if (number > 0 && number <= 0xFFFF) {
         return MAKE_HRESULT(SEVERITY_ERROR, FACILITY_CONTROL, number);
+    }
     return number < 0 ? number : E_FAIL;
 }
 
@@ -77,8 +82,9 @@ AutomationError FailureOf(HRESULT result, const std::string& what) {
 }
 
 AutomationError FailureOf(EXCEPINFO& details, const std::string& what) {
-    if (details.pfnDeferredFillIn != nullptr)
+    if (details.pfnDeferredFillIn != nullptr) {
         details.pfnDeferredFillIn(&details);
+    }
     Bstr description;
     Bstr source;
     Bstr helpFile;
@@ -91,8 +97,9 @@ AutomationError FailureOf(EXCEPINFO& details, const std::string& what) {
 }
 
 void Check(HRESULT result, const char* what) {
-    if (FAILED(result))
+    if (FAILED(result)) {
         throw FailureOf(result, what);
+    }
 }
 
 } // namespace qel::windows

@@ -67,13 +67,15 @@ public:
 
     Variant At(std::size_t index, VARTYPE type) const {
         const std::byte* const element = data_ + index * size_;
-        if (type == VT_VARIANT)
+        if (type == VT_VARIANT) {
             return FromAutomation(*reinterpret_cast<const VARIANT*>(element));
+        }
         VARIANT view = {}; // shares the element, so it is not cleared
-        if (type == VT_DECIMAL)
+        if (type == VT_DECIMAL) {
             std::memcpy(&view, element, sizeof(DECIMAL));
-        else
+        } else {
             std::memcpy(&V_UI1(&view), element, size_);
+        }
         V_VT(&view) = type;
         return FromAutomation(view);
     }
@@ -97,8 +99,9 @@ ArrayBounds BoundsOf(SAFEARRAY* array, UINT dimension) {
 Variant ArrayFrom(SAFEARRAY* array, VARTYPE elementType) {
     auto result = std::make_shared<VariantArray>();
     result->elementType = ElementTypeOf(elementType);
-    if (array == nullptr)
+    if (array == nullptr) {
         return std::shared_ptr<const VariantArray>(std::move(result));
+    }
     std::size_t count = 1;
     for (UINT dimension = 1; dimension <= ::SafeArrayGetDim(array); ++dimension) {
         const ArrayBounds bounds = BoundsOf(array, dimension);
@@ -107,27 +110,31 @@ Variant ArrayFrom(SAFEARRAY* array, VARTYPE elementType) {
     }
     const LockedElements elements(array);
     result->elements.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         result->elements.push_back(elements.At(i, elementType));
+    }
     return std::shared_ptr<const VariantArray>(std::move(result));
 }
 
 OwnedVariant ToAutomationArray(const VariantArray& array) {
     std::vector<SAFEARRAYBOUND> bounds;
-    for (const ArrayBounds& dimension : array.bounds)
+    for (const ArrayBounds& dimension : array.bounds) {
         bounds.push_back(
             {static_cast<ULONG>(std::int64_t{dimension.upper} - dimension.lower + 1), dimension.lower});
+    }
     OwnedVariant result;
     V_ARRAY(&result.Get()) = ::SafeArrayCreate(VT_VARIANT, static_cast<UINT>(bounds.size()), bounds.data());
-    if (V_ARRAY(&result.Get()) == nullptr)
+    if (V_ARRAY(&result.Get()) == nullptr) {
         throw std::bad_alloc();
+    }
     V_VT(&result.Get()) = VT_ARRAY | VT_VARIANT;
     void* data = nullptr; // the first dimension varies fastest here, too
     Check(::SafeArrayAccessData(V_ARRAY(&result.Get()), &data), "The array's elements cannot be written");
     try {
         auto* element = static_cast<VARIANT*>(data);
-        for (const Variant& value : array.elements)
+        for (const Variant& value : array.elements) {
             *element++ = ToAutomation(value).Release();
+        }
     } catch (...) {
         ::SafeArrayUnaccessData(V_ARRAY(&result.Get()));
         throw;
@@ -139,13 +146,15 @@ OwnedVariant ToAutomationArray(const VariantArray& array) {
 void ReplaceTexts(SAFEARRAY* array, const std::vector<Variant>& texts) {
     VARTYPE type = VT_EMPTY;
     if (array == nullptr || ::SafeArrayGetDim(array) != 1 || FAILED(::SafeArrayGetVartype(array, &type)) ||
-        (type != VT_VARIANT && type != VT_BSTR))
+        (type != VT_VARIANT && type != VT_BSTR)) {
         return;
+    }
     const auto before = ArrayFrom(array, type).As<std::shared_ptr<const VariantArray>>();
     for (std::size_t i = 0; i < texts.size() && i < before->elements.size(); ++i) {
         const Variant& was = before->elements[i];
-        if (!was.Is<std::string>() || was.As<std::string>() == texts[i].As<std::string>())
+        if (!was.Is<std::string>() || was.As<std::string>() == texts[i].As<std::string>()) {
             continue;
+        }
         LONG index = before->bounds.front().lower + static_cast<LONG>(i);
         OwnedVariant text = ToAutomation(texts[i]);
         void* const element = type == VT_BSTR ? static_cast<void*>(V_BSTR(&text.Get())) : &text.Get();

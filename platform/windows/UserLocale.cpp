@@ -18,8 +18,9 @@ std::wstring Setting(LCTYPE type) {
 /// A separator is one ASCII character, or else any kind of blank (French thousands), or missing.
 char Separator(LCTYPE type, char missing) {
     const std::wstring text = Setting(type);
-    if (text.empty())
+    if (text.empty()) {
         return missing;
+    }
     return text.front() < 0x80 ? static_cast<char>(text.front()) : ' ';
 }
 
@@ -30,16 +31,21 @@ DateOrder OrderOf(const std::wstring& picture) {
     for (std::size_t i = 0, run = 1; i < picture.size(); i += run) {
         const auto next = picture.find_first_not_of(picture[i], i);
         run = std::min(next, picture.size()) - i;
-        if (picture[i] == L'\'')
+        if (picture[i] == L'\'') {
             isQuoted ^= run % 2 == 1;
-        if (isQuoted)
+        }
+        if (isQuoted) {
             continue;
-        if (picture[i] == L'M')
+        }
+        if (picture[i] == L'M') {
             return DateOrder::MonthDayYear;
-        if (picture[i] == L'y')
+        }
+        if (picture[i] == L'y') {
             return DateOrder::YearMonthDay;
-        if (picture[i] == L'd' && run < shortestWeekday)
+        }
+        if (picture[i] == L'd' && run < shortestWeekday) {
             return DateOrder::DayMonthYear;
+        }
     }
     return DateOrder::DayMonthYear;
 }

@@ -15,8 +15,9 @@ namespace {
 
 Variant FromMagnitude(std::uint64_t magnitude, bool negative) {
     constexpr auto largest = static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max());
-    if (magnitude > largest)
+    if (magnitude > largest) {
         return Decimal{.high = 0, .low = magnitude, .scale = 0, .negative = negative};
+    }
     const auto number = static_cast<std::int32_t>(magnitude);
     return negative ? -number : number;
 }
@@ -126,8 +127,9 @@ private:
 
 const VARIANT& Dereferenced(const VARIANT& value) {
     const VARIANT* target = &value;
-    while (V_VT(target) == (VT_BYREF | VT_VARIANT))
+    while (V_VT(target) == (VT_BYREF | VT_VARIANT)) {
         target = V_VARIANTREF(target);
+    }
     return *target;
 }
 
@@ -143,11 +145,13 @@ Variant FromAutomation(const VARIANT& value) {
         SAFEARRAY* const array = isReference ? *V_ARRAYREF(&target) : V_ARRAY(&target);
         return ArrayFrom(array, static_cast<VARTYPE>(type & VT_TYPEMASK));
     }
-    if (!isReference)
+    if (!isReference) {
         return FromScalar(target);
+    }
     OwnedVariant copy;
-    if (FAILED(::VariantCopyInd(copy.Receive(), const_cast<VARIANT*>(&target))))
+    if (FAILED(::VariantCopyInd(copy.Receive(), const_cast<VARIANT*>(&target)))) {
         RaiseTypeMismatch();
+    }
     return FromScalar(copy.Get());
 }
 

@@ -9,8 +9,9 @@ namespace qel::windows {
 namespace {
 
 int LengthOf(std::size_t size) {
-    if (size > static_cast<std::size_t>(std::numeric_limits<int>::max()))
+    if (size > static_cast<std::size_t>(std::numeric_limits<int>::max())) {
         throw PlatformError(ErrorNumber::Overflow);
+    }
     return static_cast<int>(size);
 }
 
@@ -33,8 +34,9 @@ std::string ToUtf8(std::wstring_view text) {
 }
 
 std::string TextOfBstr(BSTR text) {
-    if (text == nullptr)
+    if (text == nullptr) {
         return {};
+    }
     return ToUtf8({text, ::SysStringLen(text)});
 }
 

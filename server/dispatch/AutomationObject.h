@@ -19,25 +19,28 @@ public:
     AutomationObject& operator=(const AutomationObject&) = delete;
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        if (object == nullptr)
+        if (object == nullptr) {
             return E_POINTER;
+        }
         *object = nullptr;
-        if (id == IID_IUnknown || id == IID_IDispatch || id == types_.Class().interfaceId)
+        if (id == IID_IUnknown || id == IID_IDispatch || id == types_.Class().interfaceId) {
             *object = static_cast<Interface*>(this);
-        else if (id == IID_ISupportErrorInfo)
+        } else if (id == IID_ISupportErrorInfo) {
             *object = static_cast<ISupportErrorInfo*>(this);
-        else if (id == IID_IProvideClassInfo)
+        } else if (id == IID_IProvideClassInfo) {
             *object = static_cast<IProvideClassInfo*>(this);
-        else
+        } else {
             return E_NOINTERFACE;
+        }
         AddRef();
         return S_OK;
     }
     STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
     STDMETHODIMP_(ULONG) Release() override {
         const ULONG left = --references_;
-        if (left == 0)
+        if (left == 0) {
             delete this; // NOLINT(cppcoreguidelines-owning-memory): a COM object is its references'
+        }
         return left;
     }
 
@@ -47,8 +50,9 @@ public:
     }
     STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) override {
         *info = nullptr;
-        if (index != 0)
+        if (index != 0) {
             return DISP_E_BADINDEX;
+        }
         *info = windows::ComPointer<ITypeInfo>(types_.Interface()).Release();
         return S_OK;
     }

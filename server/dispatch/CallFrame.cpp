@@ -25,16 +25,18 @@ bool IsMissing(const VARIANT* argument) {
 }
 
 IDispatch* ObjectIn(const VARIANT& value) {
-    if (V_VT(&value) == VT_DISPATCH)
+    if (V_VT(&value) == VT_DISPATCH) {
         return V_DISPATCH(&value);
+    }
     return V_VT(&value) == (VT_BYREF | VT_DISPATCH) ? *V_DISPATCHREF(&value) : nullptr;
 }
 
 /// The value of an argument that is no list: a cell stands for what it holds.
 Variant ScalarOf(const VARIANT& argument) {
     IDispatch* const object = ObjectIn(argument);
-    if (object == nullptr)
+    if (object == nullptr) {
         return windows::FromAutomation(argument);
+    }
     const DispatchObject cell(windows::ComPointer<IDispatch>(object), "The object");
     return windows::FromAutomation(cell.SpecialProperty(DISPID_VALUE).Get());
 }
@@ -42,22 +44,25 @@ Variant ScalarOf(const VARIANT& argument) {
 std::int16_t ToInteger(const Variant& value, const Locale& locale) {
     const double number = std::nearbyint(ToDouble(value, locale)); // halves to even, as the platform rounds
     if (number < std::numeric_limits<std::int16_t>::min() ||
-        number > std::numeric_limits<std::int16_t>::max())
+        number > std::numeric_limits<std::int16_t>::max()) {
         throw PlatformError(ErrorNumber::Overflow);
+    }
     return static_cast<std::int16_t>(number);
 }
 
 OwnedVariant ObjectArgument(const VARIANT& argument) {
     OwnedVariant value;
-    if (FAILED(::VariantChangeType(value.Receive(), const_cast<VARIANT*>(&argument), 0, VT_DISPATCH)))
+    if (FAILED(::VariantChangeType(value.Receive(), const_cast<VARIANT*>(&argument), 0, VT_DISPATCH))) {
         throw PlatformError(ErrorNumber::TypeMismatch);
+    }
     return value;
 }
 
 OwnedVariant DefaultOf(VARTYPE type) {
     OwnedVariant value;
-    if (type == VT_BSTR)
+    if (type == VT_BSTR) {
         return windows::ToAutomation(std::string());
+    }
     V_VT(&value.Get()) = type; // all its bits are zero: no number, no date, no object
     V_I8(&value.Get()) = 0;
     return value;
@@ -98,30 +103,35 @@ void* ValueIn(VARIANT& value) { return &V_UI1(&value); }
 } // namespace
 
 HRESULT CallFrame::Bind(const DISPPARAMS& arguments, UINT& wrongArgument) {
-    if (arguments.cArgs > slots_.size())
+    if (arguments.cArgs > slots_.size()) {
         return DISP_E_BADPARAMCOUNT;
+    }
     for (UINT i = 0; i < arguments.cArgs;
          ++i) { // named ones come first, the others follow from last to first
         const bool isNamed = i < arguments.cNamedArgs;
         const DISPID name = isNamed ? arguments.rgdispidNamedArgs[i] : 0;
         const std::size_t last = slots_.size() - 1;
         std::size_t parameter = arguments.cArgs - 1 - i;
-        if (isNamed)
+        if (isNamed) {
             parameter = name == DISPID_PROPERTYPUT ? last : static_cast<std::size_t>(name);
+        }
         wrongArgument = i;
-        if (const HRESULT status = Place(parameter, arguments.rgvarg[i]); FAILED(status))
+        if (const HRESULT status = Place(parameter, arguments.rgvarg[i]); FAILED(status)) {
             return status;
+        }
     }
     for (std::size_t i = 0; i < slots_.size(); ++i) {
-        if (slots_[i].argument == nullptr && !member_.parameters[i].isOptional)
+        if (slots_[i].argument == nullptr && !member_.parameters[i].isOptional) {
             return arguments.cNamedArgs == 0 ? DISP_E_BADPARAMCOUNT : DISP_E_PARAMNOTOPTIONAL;
+        }
     }
     return S_OK;
 }
 
 HRESULT CallFrame::Place(std::size_t parameter, VARIANT& argument) {
-    if (parameter >= slots_.size() || slots_[parameter].argument != nullptr)
+    if (parameter >= slots_.size() || slots_[parameter].argument != nullptr) {
         return DISP_E_PARAMNOTFOUND;
+    }
     Slot& slot = slots_[parameter];
     slot.isReference = V_ISBYREF(&argument);
     slot.argument = &Dereferenced(argument);
@@ -147,27 +157,31 @@ void CallFrame::ConvertSlot(const ParameterDescription& parameter, Slot& slot, c
     }
     slot.value = IsMissing(slot.argument) ? DefaultOf(parameter.type)
                                           : Converted(parameter.type, *slot.argument, locale);
-    if (parameter.type == VT_BSTR && parameter.isReference)
+    if (parameter.type == VT_BSTR && parameter.isReference) {
         slot.textBefore = windows::TextOfBstr(V_BSTR(&slot.value.Get()));
+    }
 }
 
 VARIANT CallFrame::PassedValue(const ParameterDescription& parameter, Slot& slot) {
     VARIANT* const own = &slot.value.Get();
-    if (parameter.type != VT_VARIANT && !parameter.isReference)
+    if (parameter.type != VT_VARIANT && !parameter.isReference) {
         return *own;
+    }
     VARIANT passed = {};
     V_VT(&passed) = static_cast<VARTYPE>(VT_BYREF | parameter.type);
-    if (parameter.type == VT_VARIANT)
+    if (parameter.type == VT_VARIANT) {
         V_VARIANTREF(&passed) = V_VT(own) == VT_EMPTY && slot.argument != nullptr ? slot.argument : own;
-    else
+    } else {
         V_BYREF(&passed) = ValueIn(*own);
+    }
     return passed;
 }
 
 HRESULT CallFrame::Call(IDispatch* object) {
     std::vector<VARIANT> values;
-    for (std::size_t i = 0; i < slots_.size(); ++i)
+    for (std::size_t i = 0; i < slots_.size(); ++i) {
         values.push_back(PassedValue(member_.parameters[i], slots_[i]));
+    }
     if (member_.result) {
         VARIANT place = {};
         V_VT(&place) = static_cast<VARTYPE>(VT_BYREF | *member_.result);
@@ -184,10 +198,12 @@ HRESULT CallFrame::Call(IDispatch* object) {
     const HRESULT status =
         ::DispCallFunc(object, member_.tableOffset, CC_STDCALL, VT_ERROR, static_cast<UINT>(values.size()),
                        types.data(), pointers.data(), &returned);
-    if (FAILED(status))
+    if (FAILED(status)) {
         return status;
-    if (SUCCEEDED(V_ERROR(&returned)) && member_.result && *member_.result != VT_VARIANT)
+    }
+    if (SUCCEEDED(V_ERROR(&returned)) && member_.result && *member_.result != VT_VARIANT) {
         V_VT(&result_.Get()) = *member_.result;
+    }
     return V_ERROR(&returned);
 }
 
@@ -195,10 +211,12 @@ void CallFrame::WriteBack() {
     for (std::size_t i = 0; i < slots_.size(); ++i) {
         const ParameterDescription& parameter = member_.parameters[i];
         Slot& slot = slots_[i];
-        if (parameter.type != VT_BSTR || !parameter.isReference || !slot.isReference)
+        if (parameter.type != VT_BSTR || !parameter.isReference || !slot.isReference) {
             continue;
-        if (windows::TextOfBstr(V_BSTR(&slot.value.Get())) != slot.textBefore)
+        }
+        if (windows::TextOfBstr(V_BSTR(&slot.value.Get())) != slot.textBefore) {
             WriteText(*slot.argument, slot.value);
+        }
     }
 }
 
@@ -207,8 +225,9 @@ void CallFrame::WriteText(VARIANT& target, OwnedVariant& text) {
         std::swap(*V_BSTRREF(&target), V_BSTR(&text.Get()));
         return;
     }
-    if (V_ISBYREF(&target))
+    if (V_ISBYREF(&target)) {
         return; // a reference to something else than a text cannot hold one
+    }
     ::VariantClear(&target);
     target = text.Release();
 }

@@ -16,13 +16,15 @@ namespace {
 
 void SetThreadError(std::string_view description, std::string_view source, REFIID interfaceId) {
     ComPointer<ICreateErrorInfo> error;
-    if (FAILED(::CreateErrorInfo(error.Receive())))
+    if (FAILED(::CreateErrorInfo(error.Receive()))) {
         return;
+    }
     error->SetGUID(interfaceId);
     error->SetDescription(Bstr(description).Get());
     error->SetSource(Bstr(source).Get());
-    if (const auto info = error.As<IErrorInfo>(IID_IErrorInfo))
+    if (const auto info = error.As<IErrorInfo>(IID_IErrorInfo)) {
         ::SetErrorInfo(0, info.Get());
+    }
 }
 
 } // namespace
@@ -44,8 +46,9 @@ HRESULT ReportFailure(const std::exception& failure, REFIID interfaceId, std::st
 void DescribeFailure(HRESULT result, EXCEPINFO* details) {
     ComPointer<IErrorInfo> info;
     const bool isDescribed = ::GetErrorInfo(0, info.Receive()) == S_OK && info;
-    if (details == nullptr)
+    if (details == nullptr) {
         return;
+    }
     *details = {};
     details->scode = result;
     if (isDescribed) {

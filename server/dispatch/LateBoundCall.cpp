@@ -15,13 +15,15 @@ HRESULT Failed(HRESULT result, EXCEPINFO* details) {
 
 HRESULT Call(CallFrame& frame, IDispatch* object, const Locale& locale, VARIANT* result, EXCEPINFO* details) {
     frame.Convert(locale);
-    if (const HRESULT status = frame.Call(object); FAILED(status))
+    if (const HRESULT status = frame.Call(object); FAILED(status)) {
         return Failed(status, details);
+    }
     frame.WriteBack();
     windows::OwnedVariant value;
     value.Get() = frame.ReleaseResult();
-    if (result != nullptr)
+    if (result != nullptr) {
         *result = value.Release();
+    }
     return S_OK;
 }
 
@@ -35,17 +37,20 @@ HRESULT CallLateBound(const ClassTypes& types, IDispatch* object, const Locale& 
                       DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* details,
                       UINT* wrongArgument) noexcept {
     ::SetErrorInfo(0, nullptr);
-    if (arguments == nullptr)
+    if (arguments == nullptr) {
         return E_POINTER;
+    }
     const MemberDescription* const member = types.Members().Find(id, flags);
-    if (member == nullptr)
+    if (member == nullptr) {
         return DISP_E_MEMBERNOTFOUND;
+    }
     try {
         CallFrame frame(*member);
         UINT wrong = 0;
         if (const HRESULT status = frame.Bind(*arguments, wrong); FAILED(status)) {
-            if (wrongArgument != nullptr)
+            if (wrongArgument != nullptr) {
                 *wrongArgument = wrong;
+            }
             return status;
         }
         return Call(frame, object, locale, result, details);

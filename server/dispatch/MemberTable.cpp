@@ -20,8 +20,9 @@ ComPointer<ITypeInfo> TableView(ITypeInfo& info) {
     constexpr UINT dualInterface = static_cast<UINT>(-1);
     HREFTYPE reference = 0;
     ComPointer<ITypeInfo> table;
-    if (SUCCEEDED(info.GetRefTypeOfImplType(dualInterface, &reference)))
+    if (SUCCEEDED(info.GetRefTypeOfImplType(dualInterface, &reference))) {
         Check(info.GetRefTypeInfo(reference, table.Receive()), unreadable);
+    }
     return table ? table : ComPointer<ITypeInfo>(&info);
 }
 
@@ -66,10 +67,11 @@ public:
         for (std::size_t i = 0; i < names.size(); ++i) {
             const ELEMDESC& element = function_->lprgelemdescParam[i];
             ParameterDescription parameter = Describe(element, names[i].Get());
-            if ((element.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0)
+            if ((element.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0) {
                 member.result = parameter.type;
-            else
+            } else {
                 member.parameters.push_back(std::move(parameter));
+            }
         }
         return member;
     }
@@ -82,8 +84,9 @@ private:
         UINT count = 0;
         Check(info_.GetNames(function_->memid, given.data(), mostNames, &count), unreadable);
         std::vector<Bstr> names(mostNames);
-        for (std::size_t i = 0; i < count; ++i)
+        for (std::size_t i = 0; i < count; ++i) {
             *names[i].Receive() = given[i];
+        }
         names.erase(names.begin()); // the member's own
         names.resize(static_cast<std::size_t>(function_->cParams));
         return names;
@@ -98,14 +101,16 @@ private:
 MemberTable::MemberTable(ITypeInfo& info) {
     const ComPointer<ITypeInfo> table = TableView(info);
     const WORD count = MemberCount(*table.Get());
-    for (UINT i = 0; i < count; ++i)
+    for (UINT i = 0; i < count; ++i) {
         members_.push_back(FunctionDescription(*table.Get(), i).Read());
+    }
 }
 
 const MemberDescription* MemberTable::Find(MEMBERID id, WORD flags) const {
     for (const MemberDescription& member : members_) {
-        if (member.id == id && (member.kind & flags) != 0)
+        if (member.id == id && (member.kind & flags) != 0) {
             return &member;
+        }
     }
     return nullptr;
 }

@@ -66,15 +66,18 @@ TEST(ValueStatementParts, AreThoseOfValueStatementsAlone) {
     const std::string whole = OfAccount("4000");
     for (const std::string& other :
          {std::string(), std::string("SELECT {[Measures]} ON COLUMNS FROM LedgerFNC"),
-          whole.substr(0, whole.size() - 1), whole + " ", whole.substr(0, whole.find(" SELECT"))})
+          whole.substr(0, whole.size() - 1), whole + " ", whole.substr(0, whole.find(" SELECT"))}) {
         EXPECT_FALSE(ReadValueStatement(other).has_value()) << other;
+    }
 }
 
 TEST(GridPlan, ComposesOneStatementForAccountsByMonths) {
     std::vector<std::string> statements;
-    for (const char* account : {"4000", "4]]1"})
-        for (const char* month : {"[Date].[2024].[1]", "[Date].[2024].[2]"})
+    for (const char* account : {"4000", "4]]1"}) {
+        for (const char* month : {"[Date].[2024].[1]", "[Date].[2024].[2]"}) {
             statements.push_back(OfAccount(account, {1, month}));
+        }
+    }
     statements.push_back(OfAccount("4000", {3, "[Date].[2024].[2]"}));
     statements.push_back(OfAccount("4]]1", {3, "[Date].[2024].[2]"}));
     const auto plan = PlanGrids(statements);
@@ -144,22 +147,25 @@ TEST(GridPlan, GroupsWhatDiffersInOneMember) {
 
 TEST(GridPlan, PlacesEveryCellOfALargeSheetOnce) {
     std::vector<std::string> statements;
-    for (int account = 0; account < 834; ++account)
-        for (int month = 1; month <= 12; ++month)
+    for (int account = 0; account < 834; ++account) {
+        for (int month = 1; month <= 12; ++month) {
             statements.push_back(
                 OfAccount(fmt::format("{}", account), {1, fmt::format("[Date].[2024].[{}]", month)}));
+        }
+    }
     const auto plan = PlanGrids(statements);
     EXPECT_LE(plan.grids.size(), 6U);
     std::multiset<std::size_t> placed(plan.alone.begin(), plan.alone.end());
     for (const auto& grid : plan.grids) {
         ASSERT_EQ(grid.statements.size(), grid.rows.size());
-        for (std::size_t row = 0; row < grid.rows.size(); ++row)
+        for (std::size_t row = 0; row < grid.rows.size(); ++row) {
             for (std::size_t column = 0; column < grid.spans.size(); ++column) {
                 const std::size_t statement = grid.statements[row][column];
                 placed.insert(statement);
                 EXPECT_NE(statements[statement].find(grid.rows[row] + ")"), std::string::npos);
                 EXPECT_NE(statements[statement].find(grid.spans[column].last), std::string::npos);
             }
+        }
     }
     EXPECT_EQ(placed.size(), statements.size());
     EXPECT_EQ(std::set<std::size_t>(placed.begin(), placed.end()).size(), statements.size());

@@ -33,14 +33,17 @@ struct AccountsServer : DataAccess {
     struct Answer : Cellset {
         explicit Answer(AccountsServer& server) : server_(server) {}
         void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override {
-            if (connection->State() != stateOpen)
+            if (connection->State() != stateOpen) {
                 throw AutomationError(3709, "closed");
+            }
             server_.Note(source);
             accounts_ = NumbersBehind(source, "[AccountCodes].[All].[");
             months_ = NumbersBehind(source, "[Date].[");
-            for (const int account : accounts_)
-                if (account == 7)
+            for (const int account : accounts_) {
+                if (account == 7) {
                     throw AutomationError(unknownMember, "no account 7");
+                }
+            }
         }
         void Close() override {}
         std::int32_t AxisCount() const override { return 2; }
@@ -56,8 +59,9 @@ struct AccountsServer : DataAccess {
     private:
         static std::vector<int> NumbersBehind(const std::string& text, const std::string& what) {
             std::vector<int> numbers;
-            for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1))
+            for (auto at = text.find(what); at != std::string::npos; at = text.find(what, at + 1)) {
                 numbers.push_back(std::stoi(text.substr(at + what.size())));
+            }
             return numbers;
         }
 
@@ -67,10 +71,12 @@ struct AccountsServer : DataAccess {
 
     void Note(const std::string& statement) {
         const std::scoped_lock lock(mutex);
-        if (lostAfter != 0 && statements.size() >= lostAfter)
+        if (lostAfter != 0 && statements.size() >= lostAfter) {
             isLost = true;
-        if (isLost)
+        }
+        if (isLost) {
             throw AutomationError(-78, "lost");
+        }
         statements.push_back(statement);
     }
     bool IsLost() const {
@@ -114,9 +120,11 @@ struct Sheet {
         connection->Open("Data Source=x", "", "", optionsUnspecified);
     }
     void Each(const std::function<void(int account, int month)>& visit) const {
-        for (int account = 0; account < 10; ++account)
-            for (int month = 1; month <= 6; ++month)
+        for (int account = 0; account < 10; ++account) {
+            for (int month = 1; month <= 6; ++month) {
                 visit(account, month);
+            }
+        }
     }
     BatchTotals Run() {
         batch.StartCollecting();
@@ -129,8 +137,9 @@ struct Sheet {
 };
 
 std::string ValueAlone(int account, int month) {
-    if (account == 7)
+    if (account == 7) {
         return fmt::format("error {}", unknownMember);
+    }
     return month == 5 ? "empty" : fmt::format("{}", account * 100 + month);
 }
 
@@ -184,9 +193,11 @@ TEST(StatementBatch, TellsWhatCameBeforeTheServerWasLostForGood) {
     const auto connection = batch.CreateConnection();
     connection->Open("Data Source=x", "", "", optionsUnspecified);
     const auto each = [&](const auto& visit) {
-        for (int account = 0; account < 10; ++account)
-            for (int month = 1; month <= 6; ++month)
+        for (int account = 0; account < 10; ++account) {
+            for (int month = 1; month <= 6; ++month) {
                 visit(account, month);
+            }
+        }
     };
     batch.StartCollecting();
     each([&](int account, int month) { Evaluate(batch, connection, account, month); });

@@ -213,8 +213,9 @@ TEST(LateResults, EndWithTheOfficeInTheMiddleOfARequest) {
         "endless",
         [&]() -> Variant {
             hasBegun.Set();
-            while (!*office.stopped)
+            while (!*office.stopped) {
                 std::this_thread::yield();
+            }
             throw AutomationError(1, "ended");
         },
         cells);
@@ -261,8 +262,9 @@ TEST(ServerCall, HasAKeyOfItsOwn) {
         changed([](auto& a) { a.obsName = Variant::List({"a"}), a.obsNumber = Variant::List({"b"}); }),
         changed([](auto& a) { a.obsName = Variant::List({"a\"]'"}); }),
     };
-    for (const auto& key : keys)
+    for (const auto& key : keys) {
         EXPECT_EQ(std::count(std::begin(keys), std::end(keys), key), 1) << key;
+    }
     EXPECT_EQ(CallOf(plain, {}).key, keys[0]);
 }
 

@@ -48,8 +48,9 @@ TEST(ValueText, KeepsCentsAndDropsADoublesRounding) {
         {std::numeric_limits<double>::infinity(), "#NUM!"},
         {std::numeric_limits<double>::quiet_NaN(), "#NUM!"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(ValueText(c.number), c.text);
+    }
     EXPECT_EQ(ValueText(std::int16_t{0}), "0");
     EXPECT_EQ(ValueText("Outdated Cube Version"), "Outdated Cube Version");
     EXPECT_EQ(ValueText(Null{}), "");
@@ -59,8 +60,9 @@ TEST(InputLines, ReadsWhatEditorsAndWindowsWrite) {
     std::istringstream input("\xEF\xBB\xBF=F(1)\r\n\r\n   \n\t\n=F(2)\n=F(3)");
     InputLines lines(input);
     std::vector<std::pair<std::size_t, std::string>> read;
-    while (const auto line = lines.NextFilled())
+    while (const auto line = lines.NextFilled()) {
         read.emplace_back(lines.Number(), *line);
+    }
     const std::vector<std::pair<std::size_t, std::string>> expected = {
         {1, "=F(1)"}, {5, "=F(2)"}, {6, "=F(3)"}};
     EXPECT_EQ(read, expected);
@@ -158,8 +160,9 @@ TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
         PrintAsJson(c.grid, output);
         const auto document = nlohmann::json::parse(output.str());
         auto positions = nlohmann::json::array(); // of each axis
-        for (const auto& axis : document["axes"])
+        for (const auto& axis : document["axes"]) {
             positions.push_back(axis.size());
+        }
         EXPECT_EQ(positions.dump(), c.axes) << c.what;
         EXPECT_EQ(document["cells"].dump(), c.cells) << c.what;
     }
@@ -176,9 +179,11 @@ TEST(CellsetOutput, JsonKeepsAxesAndEmptyCells) {
     std::ostringstream output;
     PrintAsJson(grid, output);
     std::string flat;
-    for (const char c : output.str())
-        if (c != ' ' && c != '\n')
+    for (const char c : output.str()) {
+        if (c != ' ' && c != '\n') {
             flat += c;
+        }
+    }
     EXPECT_EQ(flat, R"({"axes":[[{"members":[{"name":"bad�byte","caption":"bad�byte",)"
                     R"("uniqueName":"[D].[bad�byte]","level":"L","depth":1}]}],)"
                     R"([{"members":[{"name":"4000","caption":"4000","uniqueName":"[D].[4000]",)"

@@ -12,23 +12,28 @@ namespace {
 std::string Shown(const Variant& value) {
     if (value.IsArray()) {
         std::string text;
-        for (const auto& element : value.As<std::shared_ptr<const VariantArray>>()->elements)
+        for (const auto& element : value.As<std::shared_ptr<const VariantArray>>()->elements) {
             text += fmt::format("{}{}", text.empty() ? "" : " ", Shown(element));
+        }
         return fmt::format("{{{}}}", text);
     }
-    if (value.Is<std::string>())
+    if (value.Is<std::string>()) {
         return fmt::format("<{}>", value.As<std::string>());
-    if (value.Is<double>())
+    }
+    if (value.Is<double>()) {
         return fmt::format("{:.15g}", value.As<double>());
-    if (value.Is<bool>())
+    }
+    if (value.Is<bool>()) {
         return value.As<bool>() ? "TRUE" : "FALSE";
+    }
     return value.TypeName();
 }
 
 std::string Shown(const Formula& formula) {
     std::string text = formula.function + ":";
-    for (const auto& argument : formula.arguments)
+    for (const auto& argument : formula.arguments) {
         text += fmt::format(" {}", argument.value ? Shown(*argument.value) : "omitted");
+    }
     return text;
 }
 
@@ -64,8 +69,9 @@ TEST(ParseFormula, ReadsWhatStandsInACell) {
          "F: 45689 45351 45261 8767"},
         {"line breaks between tokens", "=F(\r\n1,\n2)", "F: 1 2"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(Shown(ParseFormula(c.text)), c.expected) << c.what;
+    }
 }
 
 TEST(ParseFormula, AnArrayConstantIsAZeroBasedArrayOfVariants) {

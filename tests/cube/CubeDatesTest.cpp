@@ -118,8 +118,9 @@ TEST_F(CubeDatesTest, RaisesForWhatIsNoCalendarAndKeepsTheOldTable) {
         RecordingProvider spoiled = LedgerProvider();
         c.spoil(spoiled);
         ThreadState thread = thread_;
-        if (c.number == 91)
+        if (c.number == 91) {
             thread.CubeConnection.reset();
+        }
         try {
             LoadCubeDates(thread, spoiled);
             ADD_FAILURE() << c.what;

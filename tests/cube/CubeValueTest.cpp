@@ -84,8 +84,9 @@ TEST_F(CubeValueTest, SumsEveryObsMemberOfThatName) {
          "\r\n Member [Obs].Sel as ' SUM ({  , [OBS].[All].[North].[Dan''s] }) ' "},
         {"no such member leaves the closing alone", "Level1", "10", " }) ' "},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(BuildObsSel(thread_, provider_, c.level, c.member), c.text) << c.what;
+    }
 }
 
 TEST_F(CubeValueTest, PutsTheObsMemberIntoTheStatement) {

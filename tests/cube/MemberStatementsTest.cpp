@@ -99,12 +99,14 @@ const StatementCase recordsetCases[] = {
 };
 
 TEST(MemberStatements, AreExactToTheBlank) {
-    for (const auto& c : cellsetCases)
+    for (const auto& c : cellsetCases) {
         EXPECT_EQ(ComposeCellsetStatement(c.listing).value_or(noStatement), c.statement)
             << "cellset: " << c.what;
-    for (const auto& c : recordsetCases)
+    }
+    for (const auto& c : recordsetCases) {
         EXPECT_EQ(ComposeRecordsetStatement(c.listing).value_or(noStatement), c.statement)
             << "recordset: " << c.what;
+    }
     EXPECT_EQ(ComposeObsLevelsStatement("LedgerFNC", "OBS", "1"),
               "SELECT  NON Empty {[Measures] } ON COLUMNS, NON Empty { [OBS].Members } ON ROWS  From  "
               "[LedgerFNC]Where "

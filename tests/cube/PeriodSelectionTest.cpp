@@ -39,9 +39,10 @@ DateTable Days() {
 
 /// "COUNT to MEMBER", or the result that needs no cube.
 std::string Selected(const DateTable& table, DayRange days) {
-    if (const auto known = ClampToCube(table, days))
+    if (const auto known = ClampToCube(table, days)) {
         return known->Is<std::string>() ? known->As<std::string>()
                                         : std::to_string(known->As<std::int16_t>()) + " at once";
+    }
     const auto span = FindPeriods(table, days);
     return span ? std::to_string(span->count) + " to " + span->last : "0 at the end";
 }
@@ -73,8 +74,9 @@ TEST(PeriodSelection, CountsTheMonthsOfTheDays) {
         {"no start, end before the cube", none, {2019, 1, 1}, "0 at once"},
         {"no dates at all", none, none, "0 at once"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(Selected(Months(), {DateFromDay(c.from), DateFromDay(c.to)}), c.selected) << c.what;
+    }
 }
 
 TEST(PeriodSelection, CountsDaysWhenTheCubeHasThem) {

@@ -13,8 +13,9 @@ class Cells : public Range {
 public:
     explicit Cells(std::vector<Variant> values) : values_(std::move(values)) {}
     void ForEachCell(const std::function<void(const Variant& value)>& visit) const override {
-        for (const Variant& value : values_)
+        for (const Variant& value : values_) {
             visit(value);
+        }
     }
 
 private:
@@ -37,8 +38,9 @@ Variant ArrayOf(ElementType type, std::vector<ArrayBounds> bounds, std::vector<V
 /// The list's elements between bars; an element that is not even a text is "empty".
 std::string Listed(const KeyList& list) {
     std::string text = "|";
-    for (const Variant& key : list)
+    for (const Variant& key : list) {
         text += (key.Is<std::string>() ? key.As<std::string>() : "empty") + "|";
+    }
     return text;
 }
 
@@ -97,8 +99,9 @@ TEST(ArgToList, MakesKeysByTheTypeOfTheArgument) {
         {"a cell error", RangeOf({"1", ErrorValue{2042}}), "13 Type mismatch"},
         {"a range without cells", RangeOf({}), "|empty|"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(ListedOrError(c.value), c.list) << c.what;
+    }
 }
 
 TEST(ArgToList, CountsCellsIn16Bits) {

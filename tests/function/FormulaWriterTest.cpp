@@ -22,8 +22,9 @@ const std::string noBreakSpace = "\xC2\xA0";
 
 FormulaArgs PlainArguments() {
     FormulaArgs arguments;
-    for (std::size_t i = 0; i < arguments.size(); ++i)
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
         arguments[i] = "a" + std::to_string(i);
+    }
     return arguments;
 }
 
@@ -100,15 +101,17 @@ std::vector<std::string> RowsOf(const VariantArray& table) {
     };
     std::vector<std::string> lines;
     lines.reserve(rows);
-    for (std::size_t i = 0; i < rows; ++i)
+    for (std::size_t i = 0; i < rows; ++i) {
         lines.push_back(text(i) + "=" + text(rows + i));
+    }
     return lines;
 }
 
 FormulaArgs WizardArguments() {
     FormulaArgs arguments = PlainArguments();
-    for (std::size_t i = 2; i <= 6; ++i)
+    for (std::size_t i = 2; i <= 6; ++i) {
         arguments[i] = Variant::List({"{k" + std::to_string(i) + "}"});
+    }
     return arguments;
 }
 

@@ -40,8 +40,9 @@ public:
     }
     std::size_t FileCount() const {
         std::size_t count = 0;
-        for (const auto& entry : std::filesystem::directory_iterator(path_))
+        for (const auto& entry : std::filesystem::directory_iterator(path_)) {
             count += entry.is_directory() ? 0U : 1U;
+        }
         return count;
     }
 

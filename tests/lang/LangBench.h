@@ -14,8 +14,9 @@ public:
 
     PersistedTable Read(const std::string& path) override {
         paths.push_back(path);
-        if (!table)
+        if (!table) {
             throw AutomationError(-2147467259, "The file is damaged.", "MSPersist");
+        }
         return *table;
     }
 };
@@ -23,8 +24,9 @@ public:
 /// A language table as the suite has it: numbers as Longs.
 inline PersistedTable TableOf(const std::vector<LangRow>& rows) {
     PersistedTable table{{"lId", "sId", "sText"}, {}};
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         table.rows.push_back({row.language, row.number, row.text});
+    }
     return table;
 }
 

@@ -14,8 +14,9 @@ using ::testing::IsEmpty;
 TEST(CheckLangRows, FindsWhatEachLanguageLacks) {
     std::vector<LangRow> rows;
     for (const auto& entry : StringTable()) {
-        if (entry.number != 1366)
+        if (entry.number != 1366) {
             rows.push_back({Language::Hebrew, entry.number, entry.number == 1480 ? "" : "x"});
+        }
     }
     const auto complete = rows.size();
     rows.insert(rows.end(), {{1, 1473, "again"}, {1, 1000, "the suite's"}, {7, 20, "David"}});
@@ -40,8 +41,9 @@ TEST(StringTable, HasAFontForEachLanguageAndTextsInThatLanguage) {
         EXPECT_GE(std::stoi(ResourceString(fontSizeString, language)), 6);
     }
     int hebrewTexts = 0;
-    for (const auto& entry : StringTable())
+    for (const auto& entry : StringTable()) {
         hebrewTexts += std::string(entry.hebrew).find('\xD7') != std::string::npos ? 1 : 0;
+    }
     EXPECT_GE(hebrewTexts, 20) << "Hebrew letters survive the generation";
 }
 

@@ -36,8 +36,9 @@ public:
     void SetAligment(std::int32_t value) override { aligment = value; }
     std::vector<FormItem*> Items() const override {
         std::vector<FormItem*> pointers;
-        for (auto& item : items)
+        for (auto& item : items) {
             pointers.push_back(&item);
+        }
         return pointers;
     }
 
@@ -58,8 +59,9 @@ public:
     bool IsRightToLeft() const override { return rightToLeft; }
     std::vector<FormControl*> Controls() const override {
         std::vector<FormControl*> pointers;
-        for (auto& control : controls)
+        for (auto& control : controls) {
             pointers.push_back(&control);
+        }
         return pointers;
     }
 
@@ -103,8 +105,9 @@ TEST(TranslateForm, TranslatesEachKindOfControlInItsWay) {
     LangBench bench;
     bench.state.iLang = Language::Hebrew;
     FakeForm form;
-    for (const auto& c : controlCases)
+    for (const auto& c : controlCases) {
         form.controls.push_back(c.control);
+    }
     ModLangFrm::TranslateForm(bench.state, form);
     const DialogFont hebrewFont{"Tahoma", 9};
     for (std::size_t i = 0; i < std::size(controlCases); ++i) {
@@ -120,8 +123,9 @@ TEST(TranslateForm, TranslatesItemsOfControls) {
     LangBench bench;
     FakeForm form;
     const FakeItem item({{Tag, "1491"}, {Caption, "c"}, {ToolTipText, "1492"}, {Text, "t"}});
-    for (const char* type : {"TabStrip", "Toolbar", "ListView", "ComboBox"})
+    for (const char* type : {"TabStrip", "Toolbar", "ListView", "ComboBox"}) {
         form.controls.emplace_back(type, std::map<TextProperty, std::string>{}, std::vector<FakeItem>{item});
+    }
     ModLangFrm::TranslateForm(bench.state, form);
     using Texts = std::map<TextProperty, std::string>;
     const auto textsOf = [&](std::size_t control) { return form.controls[control].items[0].texts; };

@@ -20,10 +20,11 @@ OwnedVariant ArrayOf(VARTYPE type, LONG lowerBound, UINT dimensions = 1) {
               S_OK);
     LONG place[2] = {lowerBound, lowerBound};
     void* element = &V_UI1(&one.Get());
-    if (type == VT_VARIANT || type == VT_DECIMAL)
+    if (type == VT_VARIANT || type == VT_DECIMAL) {
         element = &one.Get();
-    else if (type == VT_BSTR)
+    } else if (type == VT_BSTR) {
         element = V_BSTR(&one.Get());
+    }
     EXPECT_EQ(::SafeArrayPutElement(V_ARRAY(&array.Get()), place, element), S_OK);
     return array;
 }
@@ -36,8 +37,9 @@ OwnedVariant Scalar(VARTYPE type) {
 
 OwnedVariant RangeOf(std::vector<std::string> texts) {
     std::vector<OwnedVariant> cells;
-    for (const std::string& text : texts)
+    for (const std::string& text : texts) {
         cells.push_back(Text(text));
+    }
     OwnedVariant value;
     V_VT(&value.Get()) = VT_DISPATCH;
     V_DISPATCH(&value.Get()) = MakeRange(std::move(cells)).Release();

@@ -12,10 +12,12 @@ Arguments ArgumentsOf(const LedgerCall& call) {
     arguments.push_back(Text(call.cubeFile));
     arguments.push_back(Text(call.cubeName));
     for (const std::string* key :
-         {&call.obsName, &call.obsNumber, &call.obsLevel, &call.obsMember, &call.activity})
+         {&call.obsName, &call.obsNumber, &call.obsLevel, &call.obsMember, &call.activity}) {
         arguments.push_back(Texts({*key}));
-    for (const std::string& selection : call.selections)
+    }
+    for (const std::string& selection : call.selections) {
         arguments.push_back(Text(selection));
+    }
     arguments.push_back(Day(call.from));
     arguments.push_back(Day(call.to));
     return arguments;
@@ -41,8 +43,9 @@ double ValueThroughCom(IDispatch* object, Arguments& arguments) {
     const CallResult result = Invoke(object, L"QeLF1", arguments);
     EXPECT_EQ(result.status, S_OK) << result.description;
     const VARIANT& value = result.value.Get();
-    if (V_VT(&value) == VT_I2)
+    if (V_VT(&value) == VT_I2) {
         return V_I2(&value);
+    }
     EXPECT_EQ(V_VT(&value), VT_R8);
     return V_VT(&value) == VT_R8 ? V_R8(&value) : 0;
 }

@@ -27,8 +27,9 @@ public:
 
     STDMETHODIMP QueryInterface(REFIID id, void** object) override {
         *object = nullptr;
-        if (id != IID_IUnknown && id != IID_IEnumVARIANT)
+        if (id != IID_IUnknown && id != IID_IEnumVARIANT) {
             return E_NOINTERFACE;
+        }
         *object = static_cast<IEnumVARIANT*>(this);
         AddRef();
         return S_OK;
@@ -36,14 +37,16 @@ public:
     STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
     STDMETHODIMP_(ULONG) Release() override {
         const ULONG left = --references_;
-        if (left == 0)
+        if (left == 0) {
             delete this; // NOLINT(cppcoreguidelines-owning-memory): a COM object is its references'
+        }
         return left;
     }
     STDMETHODIMP Next(ULONG /*count*/, VARIANT* values, ULONG* fetched) override {
         *fetched = 0;
-        if (at_ == values_.size())
+        if (at_ == values_.size()) {
             return S_FALSE;
+        }
         *values = ObjectValue(MakeCell(values_[at_++])).Release();
         *fetched = 1;
         return S_OK;
@@ -82,8 +85,9 @@ private:
 
 ComPointer<IDispatch> MakeRange(std::vector<OwnedVariant> values) {
     std::vector<SharedValue> shared;
-    for (OwnedVariant& value : values)
+    for (OwnedVariant& value : values) {
         shared.push_back(std::make_shared<OwnedVariant>(std::move(value)));
+    }
     auto range = ComPointer<RangeObject>::Adopt(std::make_unique<RangeObject>().release());
     range->DefineNumber(DISPID_NEWENUM, [shared](const auto&) {
         OwnedVariant enumeration;

@@ -14,8 +14,9 @@ using InstallEntry = HRESULT(STDAPICALLTYPE*)(BOOL, PCWSTR);
 /// Every key and text value below a key, as "key|name|text".
 void Collect(HKEY parent, const std::wstring& path, std::set<std::wstring>& found) {
     HKEY key = nullptr;
-    if (::RegOpenKeyExW(parent, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS)
+    if (::RegOpenKeyExW(parent, path.c_str(), 0, KEY_READ, &key) != ERROR_SUCCESS) {
         return;
+    }
     found.insert(path);
     wchar_t name[300];
     for (DWORD i = 0;; ++i) {
@@ -24,14 +25,16 @@ void Collect(HKEY parent, const std::wstring& path, std::set<std::wstring>& foun
         DWORD bytes = sizeof text - sizeof *text;
         DWORD type = 0;
         if (::RegEnumValueW(key, i, name, &nameLength, nullptr, &type, reinterpret_cast<BYTE*>(text),
-                            &bytes) != ERROR_SUCCESS)
+                            &bytes) != ERROR_SUCCESS) {
             break;
+        }
         found.insert(path + L"|" + name + L"|" + (type == REG_SZ ? text : L""));
     }
     for (DWORD i = 0;; ++i) {
         DWORD length = 300;
-        if (::RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS)
+        if (::RegEnumKeyExW(key, i, name, &length, nullptr, nullptr, nullptr, nullptr) != ERROR_SUCCESS) {
             break;
+        }
         Collect(parent, path + L"\\" + name, found);
     }
     ::RegCloseKey(key);
@@ -47,8 +50,9 @@ std::set<std::wstring> ClassesOf(HKEY root) {
     std::set<std::wstring> found;
     Collect(root, L"Software\\Classes", found);
     std::set<std::wstring> folded;
-    for (const std::wstring& entry : found)
+    for (const std::wstring& entry : found) {
         folded.insert(Folded(entry));
+    }
     return folded;
 }
 
@@ -102,10 +106,13 @@ TEST_F(Registration, OfAUserTouchesTheUsersClassesAlone) {
     EXPECT_EQ(ClassesOf(HKEY_LOCAL_MACHINE), machineBefore);
     ASSERT_EQ(install(FALSE, L"USER"), S_OK);
     std::set<std::wstring> userAfter = ClassesOf(HKEY_CURRENT_USER);
-    for (const wchar_t* shared : {L"", L"\\clsid", L"\\interface", L"\\typelib"}) // the system's own folders
+    for (const wchar_t* shared :
+         {L"", L"\\clsid", L"\\interface", L"\\typelib"}) { // the system's own folders
         userAfter.erase(std::wstring(L"software\\classes") + shared);
-    for (const std::wstring& entry : userAfter)
+    }
+    for (const std::wstring& entry : userAfter) {
         EXPECT_EQ(userBefore.count(entry), 1U) << windows::ToUtf8(entry);
+    }
 }
 
 TEST_F(Registration, TheServerMayUnloadOnceItsObjectsAreGone) {

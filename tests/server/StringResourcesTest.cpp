@@ -16,11 +16,13 @@ struct FreeModule {
 std::string TextIn(HMODULE module, std::int32_t number, WORD language) {
     const auto block = MAKEINTRESOURCEW(static_cast<WORD>(number / 16 + 1));
     HRSRC const place = ::FindResourceExW(module, RT_STRING, block, language);
-    if (place == nullptr)
+    if (place == nullptr) {
         return "(no block)";
+    }
     const auto* text = static_cast<const wchar_t*>(::LockResource(::LoadResource(module, place)));
-    for (int before = number % 16; before > 0; --before)
+    for (int before = number % 16; before > 0; --before) {
         text += 1 + *text;
+    }
     return windows::ToUtf8({text + 1, static_cast<std::size_t>(*text)});
 }
 

@@ -52,14 +52,16 @@ public:
     TableArguments(const LedgerCall& call, bool withLevel) : values_(ArgumentsOf(call)), level_(0) {
         for (OwnedVariant& value : values_) {
             VARIANT& own = value.Get();
-            if (V_VT(&own) == VT_DATE)
+            if (V_VT(&own) == VT_DATE) {
                 arguments_.push_back(own);
-            else
+            } else {
                 arguments_.push_back(V_VT(&own) == VT_BSTR ? PlaceOf(VT_BSTR, &V_BSTR(&own))
                                                            : PlaceOf(VT_VARIANT, &own));
+            }
         }
-        if (withLevel)
+        if (withLevel) {
             arguments_.push_back(PlaceOf(VT_I2, &level_));
+        }
         arguments_.push_back(PlaceOf(VT_VARIANT, &result_.Get()));
     }
 
@@ -146,8 +148,9 @@ private:
     static BOOL CALLBACK Close(HWND window, LPARAM /*unused*/) {
         constexpr int label = 0xFFFF;
         const HWND said = ::GetDlgItem(window, label);
-        if (said == nullptr)
+        if (said == nullptr) {
             return TRUE;
+        }
         text.resize(1000);
         text.resize(static_cast<std::size_t>(::GetWindowTextW(said, text.data(), 1000)));
         ::PostMessageW(window, WM_COMMAND, IDOK, 0);

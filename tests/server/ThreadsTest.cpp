@@ -21,8 +21,9 @@ std::size_t PrivateBytes() {
     MEMORY_BASIC_INFORMATION region = {};
     for (const char* at = nullptr; ::VirtualQuery(at, &region, sizeof region) != 0;
          at = static_cast<const char*>(region.BaseAddress) + region.RegionSize) {
-        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE)
+        if (region.State == MEM_COMMIT && region.Type == MEM_PRIVATE) {
             total += region.RegionSize;
+        }
     }
     return total;
 }
@@ -40,8 +41,9 @@ TEST(Throughput, AHundredThousandCallsLeaveNoMemoryBehind) {
     const double expected = ValueInProcess({});
     Arguments arguments = ArgumentsOf({});
     const auto callMany = [&](int count) {
-        for (int i = 0; i < count; ++i)
+        for (int i = 0; i < count; ++i) {
             ASSERT_EQ(ValueThroughCom(object.Get(), arguments), expected);
+        }
     };
     {
         const std::size_t empty = PrivateBytes();

@@ -17,8 +17,9 @@ class FilesTest : public ::testing::Test {
 public:
     FilesTest() : folder_(fs::temp_directory_path() / fs::u8path(u8"qel files שכר " + UniqueName())) {
         fs::create_directories(folder_ / "sub");
-        for (const char* name : {"a.tmp", "b.tmp", "b.TMP", "no extension", "keep.cub", "sub/c.tmp"})
+        for (const char* name : {"a.tmp", "b.tmp", "b.TMP", "no extension", "keep.cub", "sub/c.tmp"}) {
             std::ofstream(folder_ / name) << "x";
+        }
     }
     ~FilesTest() override { fs::remove_all(folder_); }
     FilesTest(const FilesTest&) = delete;
@@ -35,8 +36,9 @@ protected:
     }
     std::set<std::string> Remaining() const {
         std::set<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder_))
+        for (const auto& entry : fs::directory_iterator(folder_)) {
             names.insert(entry.path().filename().string());
+        }
         return names;
     }
 
@@ -62,8 +64,9 @@ TEST(FileTexts, StripQuotesTakesOnePairOff) {
     const std::pair<const char*, const char*> cases[] = {
         {" \"a b\" ", "a b"}, {"\"\"", ""}, {"\"", "\""},           {"\"a", "\"a"},
         {"a\"", "a\""},       {"", ""},     {"\"\"a\"\"", "\"a\""}, {"\" a \"", " a "}};
-    for (const auto& [text, stripped] : cases)
+    for (const auto& [text, stripped] : cases) {
         EXPECT_EQ(StripQuotes(text), stripped);
+    }
 }
 
 TEST_F(FilesTest, TellsFilesFromFoldersWithEitherSeparator) {
@@ -73,10 +76,12 @@ TEST_F(FilesTest, TellsFilesFromFoldersWithEitherSeparator) {
     EXPECT_TRUE(DirExists(PathOf("\\sub  ")));
     EXPECT_TRUE(DirExists(PathOf("/sub/")));
     for (const char* name :
-         {"", "/sub", "/sub\\", "/missing", "/missing/a.tmp", "/a.tmp/a.tmp", "/a.tmp\\\\"})
+         {"", "/sub", "/sub\\", "/missing", "/missing/a.tmp", "/a.tmp/a.tmp", "/a.tmp\\\\"}) {
         EXPECT_FALSE(FileExists(PathOf(name))) << name;
-    for (const char* name : {"/a.tmp", "/missing", "/a.tmp/x"})
+    }
+    for (const char* name : {"/a.tmp", "/missing", "/a.tmp/x"}) {
         EXPECT_FALSE(DirExists(PathOf(name))) << name;
+    }
     const std::string tooLong(100000, 'x');
     EXPECT_FALSE(FileExists(tooLong));
     EXPECT_FALSE(DirExists(tooLong));
@@ -121,8 +126,9 @@ TEST(Wildcard, MatchesWholeNames) {
         {"mississippi", "m*iss*pi", true},
         {"mississippi", "m*iss*px", false},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(MatchesWildcard(c.name, c.pattern), c.matches) << c.name << " " << c.pattern;
+    }
 }
 
 } // namespace

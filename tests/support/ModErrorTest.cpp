@@ -51,9 +51,10 @@ const LayoutCase layoutCases[] = {
 };
 
 TEST(ModError, LaysTheReportOut) {
-    for (const auto& c : layoutCases)
+    for (const auto& c : layoutCases) {
         EXPECT_EQ(ModError::ComposeErrorText(c.error, c.extraText, c.functionName, c.moduleName), c.text)
             << c.what;
+    }
 }
 
 TEST(ModError, ShowsOneWarningBoxWhateverTheReservedArguments) {

@@ -29,8 +29,9 @@ TEST(Text, FoldsTheLettersOfCasedAlphabetsAndNothingElse) {
          "a\xFF"
          "b\xE2\x82"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(FoldCase(c.text), c.folded) << c.what;
+    }
 }
 
 TEST(Text, ComparesNamesWithoutLetterCase) {
@@ -45,11 +46,14 @@ TEST(Text, ComparesNamesWithoutLetterCase) {
 }
 
 TEST(Text, TellsWellFormedUtf8) {
-    for (const char* good : {"", "plain", "é", "ש", "\xED\x9F\xBF", "😀", "\xF4\x8F\xBF\xBF"})
+    for (const char* good : {"", "plain", "é", "ש", "\xED\x9F\xBF", "😀", "\xF4\x8F\xBF\xBF"}) {
         EXPECT_TRUE(IsValidUtf8(good)) << good;
-    for (const char* bad : {"\x80", "\xC3", "\xC3(", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80",
-                            "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "a\xFF", "\xE2\x82"})
+    }
+    for (const char* bad :
+         {"\x80", "\xC3", "\xC3(", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF",
+          "\xF4\x90\x80\x80", "\xF5\x80\x80\x80", "a\xFF", "\xE2\x82"}) {
         EXPECT_FALSE(IsValidUtf8(bad)) << bad;
+    }
 }
 
 TEST(Text, TrimsBlanksAndNothingElse) {

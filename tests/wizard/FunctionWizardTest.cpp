@@ -95,8 +95,9 @@ TEST(FunctionWizard, OpensEmptyWithoutACubeToRemember) {
             EXPECT_FALSE(dialog.IsEnabled(Command1));
         });
         std::string messages;
-        for (const auto& message : bench.TakeMessages())
+        for (const auto& message : bench.TakeMessages()) {
             messages += message;
+        }
         EXPECT_EQ(messages, c.messages) << c.what;
         EXPECT_THAT(bench.Rows("DataTbl"), IsEmpty())
             << "the local database is made all the same: " << c.what;

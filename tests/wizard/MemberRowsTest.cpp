@@ -40,8 +40,9 @@ TEST(MemberRows, ArePartlyTypedCodesAndNames) {
                                       {"41", "wages of old"},
                                       {"6", "über 41"}};
     });
-    for (const auto& c : searchCases)
+    for (const auto& c : searchCases) {
         EXPECT_EQ(rows.Matching(c.typed), c.rows) << c.what;
+    }
 }
 
 TEST(MemberRows, AreReadOnceAndOnlyWhenTheyAreNeeded) {
@@ -73,10 +74,11 @@ TEST(MemberRows, AreReadOnceAndOnlyWhenTheyAreNeeded) {
 std::vector<std::string> LettersOf(std::string_view text) {
     std::vector<std::string> letters;
     for (const char c : text) {
-        if ((static_cast<unsigned char>(c) & 0xC0U) == 0x80U)
+        if ((static_cast<unsigned char>(c) & 0xC0U) == 0x80U) {
             letters.back() += c;
-        else
+        } else {
             letters.emplace_back(1, static_cast<char>(std::tolower(static_cast<unsigned char>(c))));
+        }
     }
     return letters;
 }
@@ -94,14 +96,16 @@ TEST(FormDesign, PlacesItsControlsApartAndGivesThemTheirOwnKeys) {
         std::set<std::string> keys;
         for (const ControlDesign& control : design->controls) {
             EXPECT_TRUE(names.insert(control.name).second) << control.name;
-            for (const std::string& key : LettersOf(control.mnemonic))
+            for (const std::string& key : LettersOf(control.mnemonic)) {
                 EXPECT_TRUE(keys.insert(key).second) << control.name << ": " << key << " is taken";
+            }
             EXPECT_GE(control.place.left, 0) << control.name;
             EXPECT_LE(control.place.left + control.place.width, design->width) << control.name;
             EXPECT_LE(control.place.top + control.place.height, design->height) << control.name;
-            for (const ControlDesign& other : design->controls)
+            for (const ControlDesign& other : design->controls) {
                 EXPECT_TRUE(&control == &other || !Overlap(control.place, other.place))
                     << control.name << " and " << other.name;
+            }
         }
         EXPECT_TRUE(names.contains(design->defaultButton) && names.contains(design->cancelButton));
     }
@@ -112,14 +116,16 @@ TEST(FormDesign, TakesAccessKeysFromTheCaptions) {
     for (const FormDesign* design : {&FunctionFormDesign(), &NameFormDesign()}) {
         for (const ControlDesign& control : design->controls) {
             const std::int32_t number = control.tag != 0 ? control.tag : control.ownText;
-            if (number == 0)
+            if (number == 0) {
                 continue;
+            }
             const auto english = LettersOf(ResourceString(number, Language::English));
             const auto hebrew = LettersOf(ResourceString(number, Language::Hebrew));
-            for (const std::string& key : LettersOf(control.mnemonic))
+            for (const std::string& key : LettersOf(control.mnemonic)) {
                 EXPECT_THAT((std::vector<std::vector<std::string>>{english, hebrew}),
                             ::testing::Contains(::testing::Contains(key)))
                     << control.name;
+            }
         }
     }
 }

@@ -85,8 +85,9 @@ void Pick(DialogDouble& dialog, const char* dimType, const char* code) {
 std::vector<std::string> MembersOf(const std::vector<TableRow>& rows) {
     std::vector<std::string> members;
     members.reserve(rows.size());
-    for (const TableRow& row : rows)
+    for (const TableRow& row : rows) {
         members.push_back(NamedQueryOf(row, Locale()).dimType + " " + NamedQueryOf(row, Locale()).dataMember);
+    }
     return members;
 }
 
@@ -143,8 +144,9 @@ TEST(NameWizard, TellsOfAQueryThatNothingIsLeftOf) {
         bench.PutRows("QelName", {RowOf(query)});
         bench.ShowFormQelName([](DialogDouble&) {});
         std::string messages;
-        for (const auto& text : bench.TakeMessages())
+        for (const auto& text : bench.TakeMessages()) {
             messages += text;
+        }
         EXPECT_EQ(messages, message);
     }
 }

@@ -42,9 +42,10 @@ TEST(Selection, IsARowWithAColumnForEveryArgument) {
     const TableRow row = RowOf(LedgerSelection());
     std::vector<std::string> texts;
     texts.reserve(row.size());
-    for (const Variant& value : row)
+    for (const Variant& value : row) {
         texts.push_back(value.Is<AutomationDate>() ? FormatShortDate(value.As<AutomationDate>(), Locale())
                                                    : value.As<std::string>());
+    }
     EXPECT_THAT(texts, ElementsAre(LedgerFile(), "LedgerFNC", "OBS", "3", "Level1", "South & Negev\tNorth",
                                    "903", "SuperSum2", "41", "4115", "Quantity", "USD", "P", "R", "10", "0",
                                    "01/02/2023", "30/06/2024"));

@@ -22,8 +22,9 @@ std::vector<std::string> RowsOf(const DialogDouble& dialog, const char* control)
     const ListSource& rows = dialog.Rows(control);
     std::vector<std::string> texts;
     texts.reserve(rows.RowCount());
-    for (std::size_t i = 0; i < rows.RowCount(); ++i)
+    for (std::size_t i = 0; i < rows.RowCount(); ++i) {
         texts.push_back(rows.Text(i, 0) + " " + rows.Text(i, 1));
+    }
     return texts;
 }
 
@@ -275,19 +276,22 @@ TEST(Calculation, IsKeptOnlyForTheChoiceItWasMadeFor) {
 /// Chooses one of a box's items, or leaves it.
 void ChooseAny(DialogDouble& dialog, std::mt19937& random, const char* control) {
     const auto& items = dialog.Items(control);
-    if (!items.empty() && dialog.IsEnabled(control))
+    if (!items.empty() && dialog.IsEnabled(control)) {
         dialog.Choose(control, items[random() % items.size()]);
+    }
 }
 
 void FindAny(DialogDouble& dialog, std::mt19937& random, const char* box, const char* list) {
-    if (random() % 6 != 0)
+    if (random() % 6 != 0) {
         return;
+    }
     dialog.Tick(box, true);
     const ListSource& rows = dialog.Rows(list);
-    if (rows.RowCount() == 0)
+    if (rows.RowCount() == 0) {
         dialog.Tick(box, false);
-    else
+    } else {
         dialog.Find(list, rows.Text(random() % rows.RowCount(), 0));
+    }
 }
 
 /// Whatever a person chooses, the cell shows what the dialog showed.
@@ -301,18 +305,22 @@ TEST(FunctionWizard, GivesFormulasOfTheValueShownForAnyChoice) {
             bench.Remember(file);
             std::string shown;
             const std::string text = bench.ShowFormGetVal([&](DialogDouble& dialog) {
-                if (file == LedgerFile())
+                if (file == LedgerFile()) {
                     ChooseAny(dialog, random, cboDatabaseList);
+                }
                 for (const char* control : {ComOBSNum, ComObsX, ComLevel, ComLevelObs, ComOBSData, ComAccX,
                                             ComMember, ChcMeasure}) {
-                    if (random() % 2 == 0)
+                    if (random() % 2 == 0) {
                         ChooseAny(dialog, random, control);
+                    }
                 }
-                if (dialog.Items(ComOBSData).empty())
+                if (dialog.Items(ComOBSData).empty()) {
                     dialog.Choose(ComLevel, "All");
+                }
                 for (const char* control : {ComFirma, ComRh, ComPlbs, ComOB, ComMoneySet}) {
-                    if (random() % 4 == 0)
+                    if (random() % 4 == 0) {
                         ChooseAny(dialog, random, control);
+                    }
                 }
                 FindAny(dialog, random, CheckAcc, ListAccount);
                 FindAny(dialog, random, ChekAct, ComActMember);

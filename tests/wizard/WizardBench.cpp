@@ -60,8 +60,9 @@ WizardBench::WizardBench()
 
 void WizardBench::BeHebrew(bool hasTable) {
     folder.Write("suite/Qel.ini", "[Qel]\nQelUILanguage=1\n");
-    if (hasTable)
+    if (hasTable) {
         std::filesystem::copy_file(SourceFile("examples/lang/Lang.rs"), folder.Path("component/Lang.rs"));
+    }
 }
 
 void WizardBench::Remember(const std::string& cubeFile) {
@@ -80,8 +81,9 @@ std::vector<TableRow> WizardBench::Rows(const std::string& table) {
 }
 
 void WizardBench::PutRows(const std::string& table, const std::vector<TableRow>& rows) {
-    if (!std::filesystem::exists(folder.Path("suite/QelFunction17.mdb")))
+    if (!std::filesystem::exists(folder.Path("suite/QelFunction17.mdb"))) {
         CreateLocalDb(store);
+    }
     database.Open(LocalDbConnectionText(store))->ReplaceRows(table, rows);
 }
 
@@ -104,8 +106,9 @@ std::string WizardBench::Evaluate(const std::string& formula) {
 std::vector<std::string> WizardBench::TakeMessages() {
     std::vector<std::string> texts;
     texts.reserve(messages.shown.size());
-    for (const ShownMessage& message : messages.shown)
+    for (const ShownMessage& message : messages.shown) {
         texts.push_back(message.text);
+    }
     messages.shown.clear();
     return texts;
 }

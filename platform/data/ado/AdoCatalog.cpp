@@ -41,8 +41,9 @@ public:
     std::unique_ptr<Member> Parent() const override {
         const OwnedVariant parent = object_.Property(L"Parent");
         const VARIANT& value = Dereferenced(parent.Get());
-        if (V_VT(&value) != VT_DISPATCH || V_DISPATCH(&value) == nullptr)
+        if (V_VT(&value) != VT_DISPATCH || V_DISPATCH(&value) == nullptr) {
             return nullptr;
+        }
         return std::make_unique<AdoMember>(
             DispatchObject(ComPointer<IDispatch>(V_DISPATCH(&value)), "Member"));
     }

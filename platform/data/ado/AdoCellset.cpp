@@ -9,8 +9,9 @@ namespace {
 
 std::optional<std::string> TextUnlessNull(const DispatchObject& object, const wchar_t* member) {
     const OwnedVariant text = object.Property(member);
-    if (V_VT(&Dereferenced(text.Get())) == VT_NULL)
+    if (V_VT(&Dereferenced(text.Get())) == VT_NULL) {
         return std::nullopt;
+    }
     return object.Text(member);
 }
 
@@ -47,8 +48,9 @@ CellsetMember AdoCellset::MemberAt(std::int32_t axis, std::int32_t position, std
 
 Variant AdoCellset::Value(const std::vector<std::int32_t>& positions) const {
     CallArguments arguments;
-    for (const std::int32_t position : positions)
+    for (const std::int32_t position : positions) {
         arguments.push_back(ToArgument(position));
+    }
     return FromAutomation(cellset_.Child(L"Item", std::move(arguments)).Property(L"Value").Get());
 }
 

@@ -13,10 +13,11 @@ std::unique_ptr<Recordset> AdoConnection::OpenSchema(int schema) {
 const DispatchObject& AdoConnection::ObjectOf(const std::shared_ptr<Connection>& connection) {
     constexpr std::int32_t invalidConnection = 3709;
     const auto* own = dynamic_cast<const AdoConnection*>(connection.get());
-    if (own == nullptr)
+    if (own == nullptr) {
         throw AutomationError(invalidConnection,
                               "The connection cannot be used to perform this operation. It is either "
                               "closed or invalid in this context.");
+    }
     return own->connection_;
 }
 

@@ -32,29 +32,37 @@ bool NamesEmbeddedCube(const std::string& connectionText) {
 
 void RequireCubeFile(const std::string& dataSource) {
     using engine::ErrorKind;
-    if (IsServerAddress(dataSource))
+    if (IsServerAddress(dataSource)) {
         throw ProviderError(errorNotSupported,
                             fmt::format("'{}' is the address of a server, where a cube file is needed. {}",
                                         dataSource, whatCanBeOpened));
+    }
     const auto path = PathFromUtf8(dataSource);
-    if (engine::CubeFile::HasSignature(path))
+    if (engine::CubeFile::HasSignature(path)) {
         return;
+    }
     std::error_code failed;
     const auto status = std::filesystem::status(path, failed);
-    if (status.type() == std::filesystem::file_type::not_found)
+    if (status.type() == std::filesystem::file_type::not_found) {
         throw CannotOpen(ErrorKind::FileNotFound, dataSource, "does not exist");
-    if (failed)
+    }
+    if (failed) {
         throw CannotOpen(ErrorKind::FileNotFound, dataSource,
                          fmt::format("cannot be reached ({})", failed.message()));
-    if (std::filesystem::is_directory(status))
+    }
+    if (std::filesystem::is_directory(status)) {
         throw CannotOpen(ErrorKind::FileNotFound, dataSource, "is a folder");
-    if (!std::filesystem::is_regular_file(status))
+    }
+    if (!std::filesystem::is_regular_file(status)) {
         throw CannotOpen(ErrorKind::FileNotFound, dataSource, "is not an ordinary file");
+    }
     const auto size = std::filesystem::file_size(path, failed);
-    if (!failed && size == 0)
+    if (!failed && size == 0) {
         throw CannotOpen(ErrorKind::NotACubeFile, dataSource, "is empty");
-    if (!std::ifstream(path, std::ios::binary).is_open())
+    }
+    if (!std::ifstream(path, std::ios::binary).is_open()) {
         throw CannotOpen(ErrorKind::FileNotFound, dataSource, "cannot be read: permission denied");
+    }
     throw CannotOpen(ErrorKind::NotACubeFile, dataSource, "is not a cube of this program");
 }
 

@@ -23,20 +23,24 @@ public:
     }
 
     std::unique_ptr<Dimension> DimensionAt(std::int32_t index) const override {
-        if (index < 0 || index >= DimensionCount())
+        if (index < 0 || index >= DimensionCount()) {
             throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-        if (index == 0)
+        }
+        if (index == 0) {
             return MakeMeasuresDimension(cube_);
+        }
         return MakeLocalDimension(cube_, static_cast<std::size_t>(index) - 1);
     }
 
     std::unique_ptr<Dimension> DimensionNamed(const std::string& name) const override {
-        if (IsMeasuresName(name))
+        if (IsMeasuresName(name)) {
             return MakeMeasuresDimension(cube_);
+        }
         const auto found = cube_->FindDimension(name);
-        if (!found)
+        if (!found) {
             throw ProviderError(errorItemNotFound,
                                 fmt::format("The cube '{}' has no dimension '{}'.", cube_->Name(), name));
+        }
         return MakeLocalDimension(cube_, *found);
     }
 
@@ -55,10 +59,12 @@ void EmbeddedCatalog::SetActiveConnection(const std::shared_ptr<Connection>& con
 }
 
 std::unique_ptr<CubeDef> EmbeddedCatalog::CubeAt(std::int32_t index) const {
-    if (!cube_)
+    if (!cube_) {
         throw ProviderError(errorInvalidConnection, "The catalog has no active connection.");
-    if (index != 0)
+    }
+    if (index != 0) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     return std::make_unique<EmbeddedCubeDef>(cube_);
 }
 

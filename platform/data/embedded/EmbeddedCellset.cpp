@@ -8,15 +8,17 @@ namespace qel {
 namespace {
 
 void RequireBelow(std::int32_t index, std::size_t count) {
-    if (index < 0 || static_cast<std::size_t>(index) >= count)
+    if (index < 0 || static_cast<std::size_t>(index) >= count) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
 }
 
 } // namespace
 
 void EmbeddedCellset::Open(const std::string& source, const std::shared_ptr<Connection>& connection) {
-    if (answer_)
+    if (answer_) {
         throw ProviderError(errorObjectOpen, "Operation is not allowed when the object is open.");
+    }
     answer_ = EmbeddedConnection::Run(connection, source);
 }
 
@@ -26,8 +28,9 @@ void EmbeddedCellset::Close() {
 }
 
 const engine::Cellset& EmbeddedCellset::Answer() const {
-    if (!answer_)
+    if (!answer_) {
         throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+    }
     return *answer_;
 }
 
@@ -54,8 +57,9 @@ CellsetMember EmbeddedCellset::MemberAt(std::int32_t axis, std::int32_t position
 
 Variant EmbeddedCellset::Value(const std::vector<std::int32_t>& positions) const {
     const auto& answer = Answer();
-    if (positions.size() != answer.AxisCount())
+    if (positions.size() != answer.AxisCount()) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     std::vector<std::size_t> place;
     place.reserve(positions.size());
     for (const auto position : positions) {

@@ -16,21 +16,24 @@ namespace {
 void RequireProvider(const std::string& provider) {
     constexpr std::string_view expected = "MSOLAP";
     const auto name = std::string_view(provider).substr(0, provider.find('.'));
-    if (!provider.empty() && !EqualIgnoringCase(name, expected))
+    if (!provider.empty() && !EqualIgnoringCase(name, expected)) {
         throw ProviderError(
             errorNotSupported,
             fmt::format("The connection text names the provider '{}'; cubes are opened through "
                         "'{}'.",
                         provider, expected));
+    }
 }
 
 std::shared_ptr<const engine::Cube> OnlyCube(const engine::CubeFile& file, const std::string& path) {
     const auto& cubes = file.Cubes();
-    if (cubes.size() == 1)
+    if (cubes.size() == 1) {
         return file.FindCube(cubes.front().Name());
+    }
     std::string names;
-    for (const auto& cube : cubes)
+    for (const auto& cube : cubes) {
         names += fmt::format("{}'{}'", names.empty() ? "" : ", ", cube.Name());
+    }
     throw ProviderError(
         static_cast<std::int32_t>(engine::ErrorKind::UnknownCube),
         fmt::format("No cube is named, and the cube file '{}' holds {}: {}.", path, cubes.size(), names));
@@ -43,8 +46,9 @@ std::shared_ptr<const engine::CubeFile> OpenFile(OpenCubeFiles& files, const Con
 
 std::shared_ptr<const engine::Cube> ChooseCube(const engine::CubeFile& file, const ConnectionText& text) {
     return TranslatingErrors([&] {
-        if (!text.initialCatalog && !file.Cubes().empty())
+        if (!text.initialCatalog && !file.Cubes().empty()) {
             return file.FindCube(file.Cubes().front().Name());
+        }
         const std::string name = text.initialCatalog.value_or("");
         return name.empty() ? OnlyCube(file, text.dataSource) : file.FindCube(name);
     });
@@ -52,8 +56,9 @@ std::shared_ptr<const engine::Cube> ChooseCube(const engine::CubeFile& file, con
 
 FlattenedRows CatalogRows(const engine::CubeFile& file) {
     FlattenedRows table{.fields = {"CATALOG_NAME"}, .rows = {}};
-    for (const auto& cube : file.Cubes())
+    for (const auto& cube : file.Cubes()) {
         table.rows.push_back({cube.Name()});
+    }
     return table;
 }
 
@@ -66,8 +71,9 @@ std::shared_ptr<const engine::Cube> OpenCube(OpenCubeFiles& files, const std::st
 
 void EmbeddedConnection::Open(const std::string& connectionString, const std::string& /*user*/,
                               const std::string& /*password*/, int /*options*/) {
-    if (cube_)
+    if (cube_) {
         throw ProviderError(errorObjectOpen, "Operation is not allowed when the object is open.");
+    }
     const auto text = ParseConnectionText(connectionString);
     auto file = OpenFile(*files_, text);
     cube_ = ChooseCube(*file, text);
@@ -77,18 +83,21 @@ void EmbeddedConnection::Open(const std::string& connectionString, const std::st
 }
 
 void EmbeddedConnection::Close() {
-    if (!cube_)
+    if (!cube_) {
         throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+    }
     cube_ = nullptr;
     plans_ = nullptr;
     file_ = nullptr;
 }
 
 std::unique_ptr<Recordset> EmbeddedConnection::OpenSchema(int schema) {
-    if (!file_)
+    if (!file_) {
         throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
-    if (schema != schemaCatalogs)
+    }
+    if (schema != schemaCatalogs) {
         return Connection::OpenSchema(schema);
+    }
     return std::make_unique<EmbeddedRecordset>(CatalogRows(*file_));
 }
 
@@ -105,10 +114,11 @@ engine::Cellset EmbeddedConnection::Run(const std::shared_ptr<Connection>& conne
 
 const EmbeddedConnection& EmbeddedConnection::OpenOne(const std::shared_ptr<Connection>& connection) {
     const auto* local = dynamic_cast<const EmbeddedConnection*>(connection.get());
-    if (!local || !local->cube_)
+    if (!local || !local->cube_) {
         throw ProviderError(errorInvalidConnection,
                             "The connection cannot be used to perform this operation. It is either closed or "
                             "invalid in this context.");
+    }
     return *local;
 }
 

@@ -11,8 +11,9 @@ namespace {
 using CubePointer = std::shared_ptr<const engine::Cube>;
 
 std::size_t CheckedIndex(std::int32_t index, std::size_t count) {
-    if (index < 0 || static_cast<std::size_t>(index) >= count)
+    if (index < 0 || static_cast<std::size_t>(index) >= count) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     return static_cast<std::size_t>(index);
 }
 
@@ -27,8 +28,9 @@ public:
 
     std::unique_ptr<Member> Parent() const override {
         const auto parent = Stored().Parent(member_);
-        if (parent == engine::noMember)
+        if (parent == engine::noMember) {
             return nullptr;
+        }
         return std::make_unique<EmbeddedMember>(cube_, hierarchy_, parent);
     }
 
@@ -60,9 +62,11 @@ public:
         cube_->Hierarchies()[hierarchy_].FindByName(name, found);
         const auto members = Stored().members;
         std::vector<std::unique_ptr<Member>> result;
-        for (const auto member : found)
-            if (member >= members.first && member < members.last)
+        for (const auto member : found) {
+            if (member >= members.first && member < members.last) {
                 result.push_back(std::make_unique<EmbeddedMember>(cube_, hierarchy_, member));
+            }
+        }
         return result;
     }
 
@@ -91,9 +95,10 @@ public:
 
     std::unique_ptr<Level> LevelNamed(const std::string& name) const override {
         const auto found = Stored().FindLevel(name);
-        if (!found)
+        if (!found) {
             throw ProviderError(errorItemNotFound,
                                 fmt::format("The hierarchy {} has no level '{}'.", UniqueName(), name));
+        }
         return std::make_unique<EmbeddedLevel>(cube_, hierarchy_, *found);
     }
 

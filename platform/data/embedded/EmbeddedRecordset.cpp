@@ -7,8 +7,9 @@ namespace qel {
 
 void EmbeddedRecordset::Open(const std::string& source, const std::shared_ptr<Connection>& connection,
                              int /*cursorType*/, int /*lockType*/, int /*options*/) {
-    if (answer_)
+    if (answer_) {
         throw ProviderError(errorObjectOpen, "Operation is not allowed when the object is open.");
+    }
     const auto cube = EmbeddedConnection::CubeOf(connection);
     answer_ = TranslatingErrors([&] { return Flatten(*cube, engine::RunStatement(*cube, source)); });
     row_ = 0;
@@ -20,8 +21,9 @@ void EmbeddedRecordset::Close() {
 }
 
 const FlattenedRows& EmbeddedRecordset::Answer() const {
-    if (!answer_)
+    if (!answer_) {
         throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+    }
     return *answer_;
 }
 
@@ -30,16 +32,18 @@ std::int32_t EmbeddedRecordset::FieldCount() const {
 }
 
 std::size_t EmbeddedRecordset::CheckedField(std::int32_t index) const {
-    if (index < 0 || index >= FieldCount())
+    if (index < 0 || index >= FieldCount()) {
         throw ProviderError(
             errorItemNotFound,
             "Item cannot be found in the collection corresponding to the requested name or ordinal.");
+    }
     return static_cast<std::size_t>(index);
 }
 
 void EmbeddedRecordset::RequireRow() const {
-    if (AtEnd())
+    if (AtEnd()) {
         throw ProviderError(errorNoCurrentRow, "There is no current row: the recordset is at its end.");
+    }
 }
 
 std::string EmbeddedRecordset::FieldName(std::int32_t index) const {

@@ -11,11 +11,13 @@ namespace qel {
 std::optional<FileIdentity> IdentifyFile(const std::filesystem::path& path) {
     std::error_code failed;
     const auto size = std::filesystem::file_size(path, failed);
-    if (failed)
+    if (failed) {
         return std::nullopt;
+    }
     const auto modified = std::filesystem::last_write_time(path, failed);
-    if (failed)
+    if (failed) {
         return std::nullopt;
+    }
     return FileIdentity{0, 0, size, modified.time_since_epoch().count()};
 }
 
@@ -23,8 +25,9 @@ std::optional<FileIdentity> IdentifyFile(const std::filesystem::path& path) {
 
 std::optional<FileIdentity> IdentifyFile(const std::filesystem::path& path) {
     struct stat status {};
-    if (::stat(path.c_str(), &status) != 0)
+    if (::stat(path.c_str(), &status) != 0) {
         return std::nullopt;
+    }
     constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
     return FileIdentity{status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
                         status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec};

@@ -25,19 +25,22 @@ public:
         }
         stored_ = &cube.Hierarchies()[deepest.hierarchy];
         firstLevel_ = stored_->HasAll() ? 1 : 0;
-        for (std::size_t level = firstLevel_; level <= deepest.levelDepth; ++level)
+        for (std::size_t level = firstLevel_; level <= deepest.levelDepth; ++level) {
             names_.push_back(stored_->UniqueName() + "." +
                              engine::BracketedName(stored_->Levels()[level].name) + captionSuffix);
+        }
     }
 
     const std::vector<std::string>& Names() const { return names_; }
 
     void Append(const AxisMember& member, std::vector<Variant>& row) const {
         std::vector<Variant> values(names_.size(), Null{});
-        if (member.member == engine::noMember)
+        if (member.member == engine::noMember) {
             SetField(values, member.levelDepth, member.caption);
-        for (auto step = member.member; step != engine::noMember; step = stored_->Parent(step))
+        }
+        for (auto step = member.member; step != engine::noMember; step = stored_->Parent(step)) {
             SetField(values, stored_->LevelOf(step), std::string(stored_->MemberCaption(step)));
+        }
         row.insert(row.end(), values.begin(), values.end());
     }
 
@@ -45,8 +48,9 @@ private:
     static constexpr const char* captionSuffix = ".[MEMBER_CAPTION]";
 
     void SetField(std::vector<Variant>& values, std::size_t level, std::string caption) const {
-        if (level >= firstLevel_ && level - firstLevel_ < values.size())
+        if (level >= firstLevel_ && level - firstLevel_ < values.size()) {
             values[level - firstLevel_] = std::move(caption);
+        }
     }
 
     const engine::Hierarchy* stored_ = nullptr; ///< none for the measures
@@ -58,25 +62,29 @@ const AxisMember& DeepestMember(const engine::Cellset& cellset, std::size_t plac
     const AxisMember* deepest = &cellset.MemberAt(rowsAxis, 0, place);
     for (std::size_t position = 1; position < cellset.PositionCount(rowsAxis); ++position) {
         const auto& member = cellset.MemberAt(rowsAxis, position, place);
-        if (member.levelDepth > deepest->levelDepth)
+        if (member.levelDepth > deepest->levelDepth) {
             deepest = &member;
+        }
     }
     return *deepest;
 }
 
 std::vector<HierarchyFields> RowHierarchies(const engine::Cube& cube, const engine::Cellset& cellset) {
     std::vector<HierarchyFields> hierarchies;
-    if (cellset.AxisCount() <= rowsAxis || cellset.PositionCount(rowsAxis) == 0)
+    if (cellset.AxisCount() <= rowsAxis || cellset.PositionCount(rowsAxis) == 0) {
         return hierarchies;
-    for (std::size_t place = 0; place < cellset.TupleSize(rowsAxis); ++place)
+    }
+    for (std::size_t place = 0; place < cellset.TupleSize(rowsAxis); ++place) {
         hierarchies.emplace_back(cube, DeepestMember(cellset, place));
+    }
     return hierarchies;
 }
 
 std::string ColumnName(const engine::Cellset& cellset, std::size_t position) {
     std::string name;
-    for (std::size_t place = 0; place < cellset.TupleSize(columnsAxis); ++place)
+    for (std::size_t place = 0; place < cellset.TupleSize(columnsAxis); ++place) {
         name += (name.empty() ? "" : ".") + cellset.MemberAt(columnsAxis, position, place).uniqueName;
+    }
     return name;
 }
 
@@ -92,22 +100,26 @@ void AppendCells(const engine::Cellset& cellset, std::vector<std::size_t> place,
 
 FlattenedRows Flatten(const engine::Cube& cube, const engine::Cellset& cellset) {
     constexpr std::size_t mostAxes = 2;
-    if (cellset.AxisCount() > mostAxes)
+    if (cellset.AxisCount() > mostAxes) {
         throw ProviderError(errorNotSupported, "A recordset shows two axes at most, columns and rows.");
+    }
     FlattenedRows table;
     const auto hierarchies = RowHierarchies(cube, cellset);
-    for (const auto& hierarchy : hierarchies)
+    for (const auto& hierarchy : hierarchies) {
         table.fields.insert(table.fields.end(), hierarchy.Names().begin(), hierarchy.Names().end());
+    }
     const bool hasColumns = cellset.AxisCount() > columnsAxis;
-    for (std::size_t column = 0; hasColumns && column < cellset.PositionCount(columnsAxis); ++column)
+    for (std::size_t column = 0; hasColumns && column < cellset.PositionCount(columnsAxis); ++column) {
         table.fields.push_back(ColumnName(cellset, column));
+    }
 
     const std::size_t rowCount = cellset.AxisCount() > rowsAxis ? cellset.PositionCount(rowsAxis) : 1;
     for (std::size_t position = 0; hasColumns && position < rowCount; ++position) {
         auto& row = table.rows.emplace_back();
         row.reserve(table.fields.size());
-        for (std::size_t place = 0; place < hierarchies.size(); ++place)
+        for (std::size_t place = 0; place < hierarchies.size(); ++place) {
             hierarchies[place].Append(cellset.MemberAt(rowsAxis, position, place), row);
+        }
         std::vector<std::size_t> cell(cellset.AxisCount(), position);
         AppendCells(cellset, std::move(cell), row);
     }

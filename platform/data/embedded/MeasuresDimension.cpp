@@ -43,8 +43,9 @@ public:
         return static_cast<std::int32_t>(cube_->Facts().Measures().size());
     }
     std::unique_ptr<Member> MemberAt(std::int32_t index) const override {
-        if (index < 0 || index >= MemberCount())
+        if (index < 0 || index >= MemberCount()) {
             throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        }
         return std::make_unique<MeasureMember>(cube_, static_cast<std::size_t>(index));
     }
 
@@ -61,14 +62,16 @@ public:
     std::string UniqueName() const override { return fmt::format("[{}]", measuresName); }
     std::int32_t LevelCount() const override { return 1; }
     std::unique_ptr<Level> LevelAt(std::int32_t index) const override {
-        if (index != 0)
+        if (index != 0) {
             throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        }
         return std::make_unique<MeasuresLevel>(cube_);
     }
     std::unique_ptr<Level> LevelNamed(const std::string& name) const override {
-        if (!EqualIgnoringCase(name, measuresLevelName))
+        if (!EqualIgnoringCase(name, measuresLevelName)) {
             throw ProviderError(errorItemNotFound,
                                 fmt::format("The hierarchy {} has no level '{}'.", UniqueName(), name));
+        }
         return std::make_unique<MeasuresLevel>(cube_);
     }
 
@@ -84,8 +87,9 @@ public:
     std::string Caption() const override { return measuresName; }
     std::int32_t HierarchyCount() const override { return 1; }
     std::unique_ptr<Hierarchy> HierarchyAt(std::int32_t index) const override {
-        if (index != 0)
+        if (index != 0) {
             throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        }
         return std::make_unique<MeasuresHierarchy>(cube_);
     }
 

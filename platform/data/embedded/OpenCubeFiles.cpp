@@ -19,8 +19,9 @@ std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Open(const std::string& p
     const auto identity = IdentifyFile(PathFromUtf8(path));
     if (identity) {
         const std::lock_guard lock(mutex_);
-        if (auto file = Find(path, *identity))
+        if (auto file = Find(path, *identity)) {
             return file;
+        }
     }
     RequireCubeFile(path);
     auto file = TranslatingErrors([&] { return engine::CubeFile::Open(PathFromUtf8(path)); });
@@ -37,8 +38,9 @@ std::shared_ptr<engine::PlanCache>
 OpenCubeFiles::PlansOf(const std::shared_ptr<const engine::CubeFile>& file) {
     const std::lock_guard lock(mutex_);
     for (const Entry& entry : entries_) {
-        if (entry.file == file)
+        if (entry.file == file) {
             return entry.plans;
+        }
     }
     return std::make_shared<engine::PlanCache>(); // so many others were opened that it is forgotten
 }
@@ -47,8 +49,9 @@ std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Find(const std::string& p
                                                             const FileIdentity& identity) {
     const auto found = std::find_if(entries_.begin(), entries_.end(),
                                     [&](const Entry& entry) { return entry.path == path; });
-    if (found == entries_.end() || found->identity != identity)
+    if (found == entries_.end() || found->identity != identity) {
         return nullptr;
+    }
     std::rotate(entries_.begin(), found, found + 1);
     return entries_.front().file;
 }
@@ -56,8 +59,9 @@ std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Find(const std::string& p
 void OpenCubeFiles::Keep(Entry entry) {
     std::erase_if(entries_, [&](const Entry& old) { return old.path == entry.path; });
     entries_.insert(entries_.begin(), std::move(entry));
-    if (entries_.size() > filesKept)
+    if (entries_.size() > filesKept) {
         entries_.pop_back();
+    }
 }
 
 } // namespace qel

@@ -22,8 +22,9 @@ bool NamesServerCube(const std::string& connectionText) {
 StandaloneProviders::StandaloneProviders()
     : servers_(ReadServerOptions(ServerSettingsFile())),
       resolving_([this](const std::string& connectionText) -> DataAccess& {
-          if (NamesServerCube(connectionText))
+          if (NamesServerCube(connectionText)) {
               return servers_;
+          }
           return embedded_;
       }) {}
 

@@ -16,8 +16,9 @@ template <class Number>
 Number NumberIn(std::string_view text, const char* what) {
     Number number = 0;
     const auto [end, failed] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (failed != std::errc() || end != text.data() + text.size())
+    if (failed != std::errc() || end != text.data() + text.size()) {
         throw ServerError(errorServerAnswer, fmt::format("The server sent '{}' as {}.", text, what));
+    }
     return number;
 }
 
@@ -47,8 +48,9 @@ std::string LastNameOf(std::string_view path) {
 }
 
 void CellsetAnswer::StartElement(std::string_view name, const XmlAttributes& attributes) {
-    if (inMember_)
+    if (inMember_) {
         return; // its properties, whatever they are called
+    }
     if (name == "Axes") {
         inAxes_ = true;
     } else if (inAxes_ && name == "Axis") {
@@ -68,58 +70,66 @@ void CellsetAnswer::StartElement(std::string_view name, const XmlAttributes& att
 
 void CellsetAnswer::StartAxis(std::string_view name) {
     inResultAxis_ = name != "SlicerAxis";
-    if (!inResultAxis_)
+    if (!inResultAxis_) {
         return;
-    if (name != fmt::format("Axis{}", axes_.size()))
+    }
+    if (name != fmt::format("Axis{}", axes_.size())) {
         throw ServerError(errorServerAnswer,
                           fmt::format("The server sent axis '{}' out of its order.", name));
+    }
     axes_.emplace_back();
 }
 
 void CellsetAnswer::EndElement(std::string_view name, const std::string& text) {
-    if (name == "Axes")
+    if (name == "Axes") {
         inAxes_ = inResultAxis_ = false;
-    else if (inMember_)
+    } else if (inMember_) {
         EndInMember(name, text);
-    else if (inCell_)
+    } else if (inCell_) {
         EndInCell(name, text);
-    else if (name == "Axis")
+    } else if (name == "Axis") {
         inResultAxis_ = false;
+    }
 }
 
 void CellsetAnswer::EndInMember(std::string_view name, const std::string& text) {
     CellsetMember& member = axes_.back().back().back();
-    if (name == "UName")
+    if (name == "UName") {
         member.uniqueName = text;
-    else if (name == "Caption")
+    } else if (name == "Caption") {
         member.caption = text;
-    else if (name == "LName")
+    } else if (name == "LName") {
         member.levelName = LastNameOf(text);
-    else if (name == "LNum")
+    } else if (name == "LNum") {
         member.levelDepth = NumberIn<std::int32_t>(text, "a level's number");
-    if (name != "Member")
+    }
+    if (name != "Member") {
         return;
+    }
     inMember_ = false;
     member.name = LastNameOf(member.uniqueName);
-    if (member.name.empty())
+    if (member.name.empty()) {
         member.name = member.caption.value_or("");
+    }
 }
 
 void CellsetAnswer::EndInCell(std::string_view name, const std::string& text) {
-    if (name == "Cell")
+    if (name == "Cell") {
         inCell_ = false;
-    else if (name == "Description") // of an Error in the Value
+    } else if (name == "Description") { // of an Error in the Value
         cellErrors_[ordinal_] = text;
-    else if (name == "Value" && text.starts_with(errorText))
+    } else if (name == "Value" && text.starts_with(errorText)) {
         cellErrors_[ordinal_] = text.substr(errorText.size());
-    else if (name == "Value" && !cellErrors_.contains(ordinal_))
+    } else if (name == "Value" && !cellErrors_.contains(ordinal_)) {
         cells_[ordinal_] = TypedValue(valueType_, text);
+    }
 }
 
 Variant CellsetAnswer::Cell(std::uint64_t ordinal) const {
     const auto failed = cellErrors_.find(ordinal);
-    if (failed != cellErrors_.end())
+    if (failed != cellErrors_.end()) {
         throw ServerError(errorServerFault, "The server could not compute the cell:" + failed->second);
+    }
     const auto found = cells_.find(ordinal);
     return found == cells_.end() ? Variant(Null{}) : found->second;
 }

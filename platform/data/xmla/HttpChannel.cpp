@@ -18,8 +18,9 @@ struct FreeList {
 
 void StartLibraryOnce() {
     static const CURLcode started = curl_global_init(CURL_GLOBAL_DEFAULT);
-    if (started != CURLE_OK)
+    if (started != CURLE_OK) {
         throw ServerError(errorServerUnreachable, "The HTTP library cannot be started.");
+    }
 }
 
 /// libcurl's callback while it waits, too; anything but 0 ends the transfer.
@@ -60,10 +61,12 @@ struct HttpChannel::Transfer {
     void Take(std::string_view bytes) {
         long status = 0;
         curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &status);
-        if (IsRedirection(status))
+        if (IsRedirection(status)) {
             return;
-        if (bytes.size() > bytesLeft)
+        }
+        if (bytes.size() > bytesLeft) {
             throw ServerError(errorServerAnswer, "The server's answer is larger than is taken.");
+        }
         bytesLeft -= bytes.size();
         (*take)(status, bytes);
     }
@@ -73,12 +76,14 @@ HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& opti
     : address_(address), limits_(options.limits), credentials_(address.credentials),
       isStopped_(options.isStopped), handle_(std::make_unique<Handle>()) {
     StartLibraryOnce();
-    if (credentials_.user.empty() && options.credentials)
+    if (credentials_.user.empty() && options.credentials) {
         credentials_ = options.credentials(address.host);
+    }
     handle_->easy.reset(curl_easy_init());
     CURL* easy = handle_->easy.get();
-    if (!easy)
+    if (!easy) {
         throw ServerError(errorServerUnreachable, "The HTTP library has no memory.");
+    }
     curl_easy_setopt(easy, CURLOPT_ERRORBUFFER, handle_->message.data());
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
@@ -107,8 +112,9 @@ HttpHead HttpChannel::Post(const std::string& body, const std::string& action, c
     std::string url = address_.url;
     for (int i = 0; i <= mostRedirections; ++i) {
         HttpHead head = PostOnce(url, body, action, take);
-        if (!IsRedirection(head.status))
+        if (!IsRedirection(head.status)) {
             return head;
+        }
         url = Redirection();
     }
     throw ServerError(errorServerAnswer, fmt::format("{} redirects in a circle.", address_.url));
@@ -116,14 +122,16 @@ HttpHead HttpChannel::Post(const std::string& body, const std::string& action, c
 
 HttpHead HttpChannel::PostOnce(const std::string& url, const std::string& body, const std::string& action,
                                const AnswerSink& take) {
-    if (isStopped_ && *isStopped_)
+    if (isStopped_ && *isStopped_) {
         throw ServerError(errorServerUnreachable, fmt::format("{} is not asked any more.", url));
+    }
     CURL* easy = handle_->easy.get();
     std::unique_ptr<curl_slist, FreeList> headers;
     // The last one: no waiting for the server's leave to send a large statement.
     for (const auto& header : {std::string("Content-Type: text/xml; charset=utf-8"),
-                               fmt::format("SOAPAction: \"{}\"", action), std::string("Expect:")})
+                               fmt::format("SOAPAction: \"{}\"", action), std::string("Expect:")}) {
         headers.reset(curl_slist_append(headers.release(), header.c_str()));
+    }
     Transfer transfer{.easy = easy, .bytesLeft = limits_.answerBytes, .take = &take};
     curl_easy_setopt(easy, CURLOPT_URL, url.c_str());
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, headers.get());
@@ -132,10 +140,12 @@ HttpHead HttpChannel::PostOnce(const std::string& url, const std::string& body, 
     curl_easy_setopt(easy, CURLOPT_WRITEDATA, &transfer);
     const CURLcode code = curl_easy_perform(easy);
     curl_easy_setopt(easy, CURLOPT_HTTPHEADER, nullptr);
-    if (transfer.failure)
+    if (transfer.failure) {
         std::rethrow_exception(transfer.failure);
-    if (code != CURLE_OK)
+    }
+    if (code != CURLE_OK) {
         Fail(code, url);
+    }
     HttpHead head;
     curl_easy_getinfo(easy, CURLINFO_RESPONSE_CODE, &head.status);
     const char* type = nullptr;
@@ -147,17 +157,19 @@ HttpHead HttpChannel::PostOnce(const std::string& url, const std::string& body, 
 std::string HttpChannel::Redirection() const {
     const char* location = nullptr;
     curl_easy_getinfo(handle_->easy.get(), CURLINFO_REDIRECT_URL, &location);
-    if (!location)
+    if (!location) {
         throw ServerError(errorServerAnswer, fmt::format("{} redirects to nowhere.", address_.url));
+    }
     const ServerAddress target = ParseServerAddress(location);
     const bool losesEncryption = address_.url.starts_with("https:") && !target.url.starts_with("https:");
-    if (target.host != address_.host || losesEncryption)
+    if (target.host != address_.host || losesEncryption) {
         throw ServerError(
             errorServerAnswer,
             fmt::format("{} redirects to {}, which is not followed: {}. Use that address if it is the "
                         "right one.",
                         address_.url, target.url,
                         losesEncryption ? "it is not encrypted" : "it is another host"));
+    }
     return target.url;
 }
 

@@ -18,21 +18,25 @@ bool IsTextType(std::string_view type) {
 } // namespace
 
 Variant TypedValue(std::string_view type, const std::string& text) {
-    if (IsTextType(type))
+    if (IsTextType(type)) {
         return text;
-    if (type.ends_with("boolean"))
+    }
+    if (type.ends_with("boolean")) {
         return text == "true" || text == "1";
+    }
     double number = 0;
     const auto [end, failed] = std::from_chars(text.data(), text.data() + text.size(), number);
-    if (failed != std::errc() || end != text.data() + text.size())
+    if (failed != std::errc() || end != text.data() + text.size()) {
         throw ServerError(errorServerAnswer, fmt::format("The server sent '{}' as a number.", text));
+    }
     return number;
 }
 
 void RowsetAnswer::StartElement(std::string_view name, const XmlAttributes& attributes) {
     if (inRow_) {
-        if (++depthInRow_ == 1)
+        if (++depthInRow_ == 1) {
             type_ = attributes.Of("type");
+        }
     } else if (name == "row") {
         inRow_ = true;
         rows_.emplace_back(fields_.size(), Null{});
@@ -40,23 +44,27 @@ void RowsetAnswer::StartElement(std::string_view name, const XmlAttributes& attr
         inRowType_ = attributes.Of("name") == "row";
     } else if (inRowType_ && name == "element") {
         const std::size_t field = FieldOfElement(attributes.Of("name"));
-        if (!attributes.Of("field").empty())
+        if (!attributes.Of("field").empty()) {
             fields_[field] = attributes.Of("field");
+        }
     }
 }
 
 void RowsetAnswer::EndElement(std::string_view name, const std::string& text) {
-    if (name == "complexType")
+    if (name == "complexType") {
         inRowType_ = false;
-    if (!inRow_)
+    }
+    if (!inRow_) {
         return;
+    }
     if (depthInRow_ == 0) {
         inRow_ = false;
     } else if (--depthInRow_ == 0) {
         const std::size_t field = FieldOfElement(name);
         auto& row = rows_.back();
-        if (field >= row.size())
+        if (field >= row.size()) {
             row.resize(field + 1, Null{});
+        }
         row[field] = TypedValue(type_, text);
     }
 }
@@ -64,10 +72,12 @@ void RowsetAnswer::EndElement(std::string_view name, const std::string& text) {
 std::size_t RowsetAnswer::FieldOfElement(std::string_view element) {
     constexpr std::size_t mostFields = 10'000;
     const auto [found, isNew] = fieldsByElement_.try_emplace(std::string(element), fields_.size());
-    if (isNew && fields_.size() == mostFields)
+    if (isNew && fields_.size() == mostFields) {
         throw ServerError(errorServerAnswer, "The server's answer has too many columns.");
-    if (isNew)
+    }
+    if (isNew) {
         fields_.emplace_back(element);
+    }
     return found->second;
 }
 
@@ -77,8 +87,9 @@ Variant RowsetAnswer::Value(std::size_t row, std::size_t field) const {
 
 std::string RowsetAnswer::Text(std::size_t row, const std::string& field) const {
     const auto found = fieldsByElement_.find(field);
-    if (found == fieldsByElement_.end())
+    if (found == fieldsByElement_.end()) {
         return {};
+    }
     const Variant value = Value(row, found->second);
     return value.Is<std::string>() ? value.As<std::string>() : std::string();
 }

@@ -20,8 +20,9 @@ struct FreeText {
 /// One part of an address; empty when it has none.
 std::string Part(CURLU* url, CURLUPart part, unsigned int flags = 0) {
     char* text = nullptr;
-    if (curl_url_get(url, part, &text, flags) != CURLUE_OK)
+    if (curl_url_get(url, part, &text, flags) != CURLUE_OK) {
         return {};
+    }
     const std::unique_ptr<char, FreeText> owner(text);
     return text;
 }
@@ -31,9 +32,10 @@ std::string Part(CURLU* url, CURLUPart part, unsigned int flags = 0) {
 ServerAddress ParseServerAddress(const std::string& address) {
     const std::unique_ptr<CURLU, FreeUrl> url(curl_url());
     const CURLUcode failed = curl_url_set(url.get(), CURLUPART_URL, address.c_str(), 0);
-    if (failed != CURLUE_OK) // the address is not repeated: a password may stand in it
+    if (failed != CURLUE_OK) { // the address is not repeated: a password may stand in it
         throw ServerError(errorBadConnectionText, std::string("The server's address cannot be read: ") +
                                                       curl_url_strerror(failed) + ".");
+    }
     ServerAddress parsed;
     parsed.host = Part(url.get(), CURLUPART_HOST);
     parsed.credentials = {Part(url.get(), CURLUPART_USER, CURLU_URLDECODE),

@@ -5,11 +5,14 @@
 namespace qel {
 
 const ServerHierarchy* ServerCube::FindHierarchy(const std::string& uniqueName) const {
-    for (const auto& dimension : dimensions)
-        for (const auto& hierarchy : dimension.hierarchies)
+    for (const auto& dimension : dimensions) {
+        for (const auto& hierarchy : dimension.hierarchies) {
             if (EqualIgnoringCase(hierarchy.uniqueName, uniqueName) ||
-                EqualIgnoringCase(dimension.uniqueName + ".[" + hierarchy.name + "]", uniqueName))
+                EqualIgnoringCase(dimension.uniqueName + ".[" + hierarchy.name + "]", uniqueName)) {
                 return &hierarchy;
+            }
+        }
+    }
     return nullptr;
 }
 

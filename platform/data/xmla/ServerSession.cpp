@@ -51,8 +51,9 @@ int NumberOf(const RowsetAnswer& rows, std::size_t row, const char* field) {
 /// The numbers of the rows, ordered by a field that holds a number.
 std::vector<std::size_t> RowsBy(const RowsetAnswer& rows, const char* field) {
     std::vector<std::size_t> order(rows.RowCount());
-    for (std::size_t i = 0; i < order.size(); ++i)
+    for (std::size_t i = 0; i < order.size(); ++i) {
         order[i] = i;
+    }
     std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
         return NumberOf(rows, left, field) < NumberOf(rows, right, field);
     });
@@ -85,8 +86,9 @@ Answer ServerSession::Ask(const std::string& body, const char* action) {
         return answer;
     } catch (const AutomationError& error) {
         if (error.Number() != errorServerFault ||
-            error.Description().find(forgottenInstance) == std::string::npos)
+            error.Description().find(forgottenInstance) == std::string::npos) {
             throw;
+        }
     }
     Answer answer;
     AskOnce(body, action, answer);
@@ -102,28 +104,33 @@ void ServerSession::AskOnce(const std::string& body, const char* action, XmlHand
         bool isReadable = true;
         const HttpHead head = channel->Post(body, action, [&](long status, std::string_view piece) {
             try {
-                if (isReadable)
+                if (isReadable) {
                     xml.Read(piece);
+                }
             } catch (const AutomationError&) {
-                if (status == statusOk)
+                if (status == statusOk) {
                     throw;
+                }
                 isReadable = false; // what a failing status comes with need not be XML
             }
         });
-        if (head.status == statusOk)
+        if (head.status == statusOk) {
             xml.Finish();
+        }
         if (!soap.Fault().empty()) {
             channels_.Return(std::move(channel));
             throw ServerError(errorServerFault, fmt::format("The server says: {}", soap.Fault()));
         }
-        if (head.status != statusOk)
+        if (head.status != statusOk) {
             throw StatusError(head, Url());
+        }
         channels_.Return(std::move(channel));
     } catch (const AutomationError& error) {
         if (IsLostServer(error)) {
             isLost_ = true;
-            if (onLoss_)
+            if (onLoss_) {
                 onLoss_(error, std::chrono::steady_clock::now() - start);
+            }
         }
         throw;
     }
@@ -132,23 +139,26 @@ void ServerSession::AskOnce(const std::string& body, const char* action, XmlHand
 std::vector<std::string> ServerSession::Catalogs() {
     const auto rows = Discover("DBSCHEMA_CATALOGS", {});
     std::vector<std::string> names;
-    for (std::size_t row = 0; row < rows.RowCount(); ++row)
+    for (std::size_t row = 0; row < rows.RowCount(); ++row) {
         names.push_back(rows.Text(row, "CATALOG_NAME"));
+    }
     return names;
 }
 
 void ServerSession::RequireCatalog() {
     const auto names = Catalogs();
     const std::scoped_lock lock(metadata_);
-    if (catalog_.empty())
+    if (catalog_.empty()) {
         return;
+    }
     const auto found = std::find_if(names.begin(), names.end(),
                                     [this](const auto& name) { return EqualIgnoringCase(name, catalog_); });
-    if (found == names.end())
+    if (found == names.end()) {
         throw ServerError(errorUnknownCube,
                           fmt::format("{} has no catalog '{}'; it has {}. A catalog is named as its "
                                       "cube, which formulas name.",
                                       Url(), catalog_, Listed(names)));
+    }
     catalog_ = *found;
 }
 
@@ -158,8 +168,9 @@ std::vector<std::string> ServerSession::CubeNames() {
     for (std::size_t row = 0; row < rows.RowCount(); ++row) {
         // Analysis Services lists every dimension as a cube of its own, too.
         const std::string name = rows.Text(row, "CUBE_NAME");
-        if (!name.starts_with("$"))
+        if (!name.starts_with("$")) {
             names.push_back(name);
+        }
     }
     std::stable_partition(names.begin(), names.end(),
                           [this](const auto& name) { return EqualIgnoringCase(name, catalog_); });
@@ -185,9 +196,10 @@ const ServerCube& ServerSession::Cube() {
 
 void ServerSession::LoadCube() {
     const auto names = CubeNames();
-    if (names.empty())
+    if (names.empty()) {
         throw ServerError(errorUnknownCube,
                           fmt::format("The catalog '{}' of {} has no cube.", catalog_, Url()));
+    }
     cube_.emplace();
     cube_->name = cube_->caption = names.front();
     const auto dimensions = Discover("MDSCHEMA_DIMENSIONS", CubeRestrictions());
@@ -201,11 +213,13 @@ void ServerSession::LoadCube() {
     const auto hierarchies = Discover("MDSCHEMA_HIERARCHIES", CubeRestrictions());
     for (const std::size_t row : RowsBy(hierarchies, "HIERARCHY_ORDINAL")) {
         auto* dimension = FindByUniqueName(cube_->dimensions, hierarchies.Text(row, "DIMENSION_UNIQUE_NAME"));
-        if (!dimension)
+        if (!dimension) {
             continue;
+        }
         std::string name = hierarchies.Text(row, "HIERARCHY_NAME");
-        if (name.empty())
+        if (name.empty()) {
             name = dimension->name;
+        }
         dimension->hierarchies.push_back({name,
                                           CaptionOf(hierarchies, row, "HIERARCHY_CAPTION", name),
                                           hierarchies.Text(row, "HIERARCHY_UNIQUE_NAME"),
@@ -217,8 +231,9 @@ void ServerSession::LoadCube() {
         auto* hierarchy =
             dimension ? FindByUniqueName(dimension->hierarchies, levels.Text(row, "HIERARCHY_UNIQUE_NAME"))
                       : nullptr;
-        if (!hierarchy)
+        if (!hierarchy) {
             continue;
+        }
         const std::string name = levels.Text(row, "LEVEL_NAME");
         hierarchy->levels.push_back(
             {name, CaptionOf(levels, row, "LEVEL_CAPTION", name), levels.Text(row, "LEVEL_UNIQUE_NAME")});
@@ -228,8 +243,9 @@ void ServerSession::LoadCube() {
 const ServerMembers& ServerSession::MembersOf(const ServerLevel& level) {
     const std::scoped_lock lock(metadata_);
     const auto found = members_.find(level.uniqueName);
-    if (found != members_.end())
+    if (found != members_.end()) {
         return found->second;
+    }
     auto restrictions = CubeRestrictions();
     restrictions.emplace_back("LEVEL_UNIQUE_NAME", level.uniqueName);
     const auto rows = Discover("MDSCHEMA_MEMBERS", restrictions);
@@ -247,8 +263,9 @@ const ServerMembers& ServerSession::MembersOf(const ServerLevel& level) {
 
 RowsetAnswer ServerSession::Discover(const std::string& requestType, const XmlaPairs& restrictions) {
     XmlaPairs properties{{"Content", "Data"}, {"Format", "Tabular"}};
-    if (!catalog_.empty() && !restrictions.empty())
+    if (!catalog_.empty() && !restrictions.empty()) {
         properties.emplace_back("Catalog", catalog_);
+    }
     return Ask<RowsetAnswer>(ComposeDiscover(requestType, restrictions, properties), discoverAction);
 }
 
@@ -269,8 +286,9 @@ RowsetAnswer ServerSession::ExecuteTabular(const std::string& statement) {
 
 std::string ServerSession::ForServer(const std::string& statement) {
     // A server may answer nothing at all, which would look like a listing without rows.
-    if (statement.find_first_not_of(" \t\r\n") == std::string::npos)
+    if (statement.find_first_not_of(" \t\r\n") == std::string::npos) {
         throw ServerError(errorNoStatement, "The statement is empty.");
+    }
     return WithMembersOfLowerLevels(WithoutEmptyElements(statement),
                                     [this](const std::string& hierarchy, const std::string& name) {
                                         return FindBelowHierarchy(hierarchy, name);
@@ -280,17 +298,20 @@ std::string ServerSession::ForServer(const std::string& statement) {
 std::optional<std::string> ServerSession::FindBelowHierarchy(const std::string& hierarchy,
                                                              const std::string& name) {
     const ServerHierarchy* found = Cube().FindHierarchy(hierarchy);
-    if (!found)
+    if (!found) {
         return std::nullopt;
+    }
     const bool isLevel = std::any_of(found->levels.begin(), found->levels.end(),
                                      [&](const auto& level) { return EqualIgnoringCase(level.name, name); });
-    if (isLevel)
+    if (isLevel) {
         return std::nullopt;
+    }
     for (const auto& level : found->levels) {
         const auto& members = MembersOf(level);
         const auto named = members.byName.find(FoldCase(name));
-        if (named != members.byName.end())
+        if (named != members.byName.end()) {
             return members.members[named->second.front()].uniqueName;
+        }
     }
     return std::nullopt;
 }

@@ -10,10 +10,12 @@ namespace {
 std::size_t EndOfQuoted(std::string_view text, std::size_t start) {
     const char closing = text[start] == '[' ? ']' : '"';
     for (std::size_t i = start + 1; i < text.size(); ++i) {
-        if (text[i] != closing)
+        if (text[i] != closing) {
             continue;
-        if (i + 1 == text.size() || text[i + 1] != closing)
+        }
+        if (i + 1 == text.size() || text[i + 1] != closing) {
             return i + 1;
+        }
         ++i;
     }
     return text.size();
@@ -30,8 +32,9 @@ std::string UnquotedName(std::string_view bracketed) {
     const std::string_view inner = bracketed.substr(1, bracketed.size() < 2 ? 0 : bracketed.size() - 2);
     for (std::size_t i = 0; i < inner.size(); ++i) {
         name += inner[i];
-        if (inner[i] == ']')
+        if (inner[i] == ']') {
             ++i;
+        }
     }
     return name;
 }
@@ -70,8 +73,9 @@ std::string WithoutEmptyElements(std::string_view statement) {
             isFirstOfSet = false;
             continue;
         }
-        if (isFirstOfSet && character == ',')
+        if (isFirstOfSet && character == ',') {
             continue;
+        }
         text += character;
         isFirstOfSet = character == '{' || (isFirstOfSet && IsBlank(character));
     }
@@ -92,9 +96,10 @@ std::string WithMembersOfLowerLevels(std::string_view statement, const MemberLoo
         if (statement[place] == '[') {
             const BracketedPath path = ReadPath(statement, place);
             end = path.end;
-            if (path.steps.size() == stepsOfNameBelowHierarchy && !path.goesOn)
+            if (path.steps.size() == stepsOfNameBelowHierarchy && !path.goesOn) {
                 replacement = find(std::string(path.steps[0]) + "." + std::string(path.steps[1]),
                                    UnquotedName(path.steps[2]));
+            }
         }
         text += replacement ? *replacement : std::string(statement.substr(place, end - place));
         place = end;

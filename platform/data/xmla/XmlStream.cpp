@@ -37,8 +37,9 @@ struct XmlStream::Parser {
     template <class Work>
     static void Guarded(void* self, const Work& work) {
         auto& parser = *static_cast<Parser*>(self);
-        if (parser.failure) // the library may still deliver what it has read
+        if (parser.failure) { // the library may still deliver what it has read
             return;
+        }
         try {
             work(parser);
         } catch (...) {
@@ -49,12 +50,14 @@ struct XmlStream::Parser {
 
     static void OnStart(void* self, const char* name, const char** attributes) {
         Guarded(self, [&](Parser& parser) {
-            if (++parser.depth > parser.limits.depth)
+            if (++parser.depth > parser.limits.depth) {
                 throw ServerError(errorServerAnswer, "The server's answer is nested too deeply.");
+            }
             parser.text.clear();
             XmlAttributes list;
-            for (; *attributes; attributes += 2)
+            for (; *attributes; attributes += 2) {
                 list.Add(WithoutPrefix(attributes[0]), attributes[1]);
+            }
             parser.handler.StartElement(WithoutPrefix(name), list);
         });
     }
@@ -70,8 +73,9 @@ struct XmlStream::Parser {
     static void OnText(void* self, const char* text, int length) {
         Guarded(self, [&](Parser& parser) {
             parser.text.append(text, static_cast<std::size_t>(length));
-            if (parser.text.size() > parser.limits.textBytes)
+            if (parser.text.size() > parser.limits.textBytes) {
                 throw ServerError(errorServerAnswer, "A text in the server's answer is too long.");
+            }
         });
     }
 
@@ -85,12 +89,15 @@ struct XmlStream::Parser {
 
     void Feed(const char* data, int length, bool isLast) {
         const XML_Status status = XML_Parse(expat.get(), data, length, isLast ? XML_TRUE : XML_FALSE);
-        if (failure)
+        if (failure) {
             std::rethrow_exception(failure);
-        if (status == XML_STATUS_OK)
+        }
+        if (status == XML_STATUS_OK) {
             return;
-        if (isLast)
+        }
+        if (isLast) {
             throw ServerError(errorServerAnswer, "The server's answer ended before it was complete.");
+        }
         throw ServerError(errorServerAnswer, fmt::format("The server's answer is no XML: {} in line {}.",
                                                          XML_ErrorString(XML_GetErrorCode(expat.get())),
                                                          XML_GetCurrentLineNumber(expat.get())));
@@ -112,8 +119,9 @@ XmlStream::~XmlStream() = default;
 
 void XmlStream::Read(std::string_view piece) {
     constexpr std::size_t mostAtOnce = std::size_t{1} << 20U;
-    for (; !piece.empty(); piece.remove_prefix(std::min(mostAtOnce, piece.size())))
+    for (; !piece.empty(); piece.remove_prefix(std::min(mostAtOnce, piece.size()))) {
         parser_->Feed(piece.data(), static_cast<int>(std::min(mostAtOnce, piece.size())), false);
+    }
 }
 
 void XmlStream::Finish() { parser_->Feed("", 0, true); }

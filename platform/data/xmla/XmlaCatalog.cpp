@@ -16,10 +16,12 @@ void XmlaCatalog::SetActiveConnection(const std::shared_ptr<Connection>& connect
 }
 
 std::unique_ptr<CubeDef> XmlaCatalog::CubeAt(std::int32_t index) const {
-    if (!session_)
+    if (!session_) {
         throw ServerError(errorInvalidConnection, "The catalog has no active connection.");
-    if (index != 0)
+    }
+    if (index != 0) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     return MakeXmlaCube(session_);
 }
 

@@ -10,16 +10,18 @@ namespace {
 
 template <class Item>
 const Item& ItemAt(const std::vector<Item>& items, std::int32_t index) {
-    if (index < 0 || static_cast<std::size_t>(index) >= items.size())
+    if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     return items[static_cast<std::size_t>(index)];
 }
 
 } // namespace
 
 void XmlaCellset::Open(const std::string& source, const std::shared_ptr<Connection>& connection) {
-    if (answer_)
+    if (answer_) {
         throw ServerError(errorObjectOpen, "Operation is not allowed when the object is open.");
+    }
     answer_ = XmlaConnection::SessionOf(connection)->Execute(source);
 }
 
@@ -29,8 +31,9 @@ void XmlaCellset::Close() {
 }
 
 const CellsetAnswer& XmlaCellset::Answer() const {
-    if (!answer_)
+    if (!answer_) {
         throw ServerError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+    }
     return *answer_;
 }
 
@@ -54,8 +57,9 @@ CellsetMember XmlaCellset::MemberAt(std::int32_t axis, std::int32_t position, st
 
 Variant XmlaCellset::Value(const std::vector<std::int32_t>& positions) const {
     const auto& axes = Answer().Axes();
-    if (positions.size() != axes.size())
+    if (positions.size() != axes.size()) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     std::uint64_t ordinal = 0, stride = 1;
     for (std::size_t axis = 0; axis < axes.size(); ++axis) {
         static_cast<void>(ItemAt(axes[axis], positions[axis]));

@@ -8,15 +8,17 @@ namespace qel {
 
 void XmlaConnection::Open(const std::string& connectionString, const std::string& /*user*/,
                           const std::string& /*password*/, int /*options*/) {
-    if (State() == stateOpen)
+    if (State() == stateOpen) {
         throw ServerError(errorObjectOpen, "Operation is not allowed when the object is open.");
+    }
     session_ = sessions_->Open(connectionString);
     connectionString_ = connectionString;
 }
 
 void XmlaConnection::Close() {
-    if (!session_)
+    if (!session_) {
         throw ServerError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+    }
     session_ = nullptr;
 }
 
@@ -25,19 +27,22 @@ int XmlaConnection::State() const { return session_ && !session_->IsLost() ? sta
 std::string XmlaConnection::DefaultDatabase() const { return session_ ? session_->CatalogName() : ""; }
 
 std::unique_ptr<Recordset> XmlaConnection::OpenSchema(int schema) {
-    if (!session_)
+    if (!session_) {
         throw ServerError(errorObjectClosed, "Operation is not allowed when the object is closed.");
-    if (schema != schemaCatalogs)
+    }
+    if (schema != schemaCatalogs) {
         return Connection::OpenSchema(schema);
+    }
     return std::make_unique<XmlaRecordset>(session_->Discover("DBSCHEMA_CATALOGS", {}));
 }
 
 std::shared_ptr<ServerSession> XmlaConnection::SessionOf(const std::shared_ptr<Connection>& connection) {
     const auto* own = dynamic_cast<const XmlaConnection*>(connection.get());
-    if (!own || own->State() != stateOpen)
+    if (!own || own->State() != stateOpen) {
         throw ServerError(errorInvalidConnection,
                           "The connection cannot be used to perform this operation. It is "
                           "either closed or invalid in this context.");
+    }
     return own->session_;
 }
 

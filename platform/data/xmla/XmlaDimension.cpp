@@ -16,8 +16,9 @@ using SessionPointer = std::shared_ptr<ServerSession>;
 
 template <class Item>
 const Item& ItemAt(const std::vector<Item>& items, std::int32_t index) {
-    if (index < 0 || static_cast<std::size_t>(index) >= items.size())
+    if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     return items[static_cast<std::size_t>(index)];
 }
 
@@ -27,8 +28,9 @@ const Item& ItemNamed(const std::vector<Item>& items, const std::string& name, c
                       const char* kind) {
     const auto found = std::find_if(items.begin(), items.end(),
                                     [&](const Item& item) { return EqualIgnoringCase(item.name, name); });
-    if (found == items.end())
+    if (found == items.end()) {
         throw ServerError(errorItemNotFound, fmt::format("{} has no {} '{}'.", owner, kind, name));
+    }
     return *found;
 }
 
@@ -43,12 +45,14 @@ public:
     std::string UniqueName() const override { return member_.uniqueName; }
 
     std::unique_ptr<Member> Parent() const override {
-        if (level_ == 0 || member_.parent.empty())
+        if (level_ == 0 || member_.parent.empty()) {
             return nullptr;
+        }
         const auto& above = session_->MembersOf(hierarchy_.levels[level_ - 1]);
         const auto found = above.byUniqueName.find(member_.parent);
-        if (found == above.byUniqueName.end())
+        if (found == above.byUniqueName.end()) {
             return nullptr;
+        }
         return std::make_unique<XmlaMember>(session_, hierarchy_, level_ - 1, above.members[found->second]);
     }
 
@@ -76,12 +80,14 @@ public:
         const auto& members = Members();
         std::vector<std::unique_ptr<Member>> result;
         const auto found = members.byName.find(FoldCase(name));
-        if (found == members.byName.end())
+        if (found == members.byName.end()) {
             return result;
+        }
         result.reserve(found->second.size());
-        for (const std::size_t index : found->second)
+        for (const std::size_t index : found->second) {
             result.push_back(
                 std::make_unique<XmlaMember>(session_, hierarchy_, level_, members.members[index]));
+        }
         return result;
     }
 

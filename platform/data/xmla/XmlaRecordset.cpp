@@ -8,8 +8,9 @@ namespace qel {
 
 void XmlaRecordset::Open(const std::string& source, const std::shared_ptr<Connection>& connection,
                          int /*cursorType*/, int /*lockType*/, int /*options*/) {
-    if (answer_)
+    if (answer_) {
         throw ServerError(errorObjectOpen, "Operation is not allowed when the object is open.");
+    }
     answer_ = XmlaConnection::SessionOf(connection)->ExecuteTabular(source);
     row_ = 0;
 }
@@ -20,24 +21,27 @@ void XmlaRecordset::Close() {
 }
 
 const RowsetAnswer& XmlaRecordset::Answer() const {
-    if (!answer_)
+    if (!answer_) {
         throw ServerError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+    }
     return *answer_;
 }
 
 std::int32_t XmlaRecordset::FieldCount() const { return static_cast<std::int32_t>(Answer().Fields().size()); }
 
 std::size_t XmlaRecordset::CheckedField(std::int32_t index) const {
-    if (index < 0 || index >= FieldCount())
+    if (index < 0 || index >= FieldCount()) {
         throw ServerError(
             errorItemNotFound,
             "Item cannot be found in the collection corresponding to the requested name or ordinal.");
+    }
     return static_cast<std::size_t>(index);
 }
 
 void XmlaRecordset::RequireRow() const {
-    if (AtEnd())
+    if (AtEnd()) {
         throw ServerError(errorNoCurrentRow, "There is no current row: the recordset is at its end.");
+    }
 }
 
 std::string XmlaRecordset::FieldName(std::int32_t index) const {

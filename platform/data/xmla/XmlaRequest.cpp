@@ -10,8 +10,9 @@ constexpr const char* analysisNamespace = "urn:schemas-microsoft-com:xml-analysi
 
 std::string Elements(const XmlaPairs& pairs) {
     std::string text;
-    for (const auto& [name, value] : pairs)
+    for (const auto& [name, value] : pairs) {
         text += fmt::format("<{0}>{1}</{0}>", name, XmlEscaped(value));
+    }
     return text;
 }
 
@@ -43,8 +44,9 @@ std::string XmlEscaped(std::string_view text) {
             escaped += "&#13;";
             break; // a plain one would come out as a line feed
         default:
-            if (static_cast<unsigned char>(character) >= ' ' || character == '\t' || character == '\n')
+            if (static_cast<unsigned char>(character) >= ' ' || character == '\t' || character == '\n') {
                 escaped += character;
+            }
         }
     }
     return escaped;

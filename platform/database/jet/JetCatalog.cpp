@@ -17,13 +17,14 @@ constexpr auto databaseExists = static_cast<std::int32_t>(0x80040E17);
 
 void RefuseOtherEngine(const std::string& connectionString, std::int32_t number) {
     const auto path = DatabaseFileOf(connectionString);
-    if (IdentifyDatabaseFile(path) == DatabaseFileKind::Sqlite)
+    if (IdentifyDatabaseFile(path) == DatabaseFileKind::Sqlite) {
         throw AutomationError(
             number,
             fmt::format(
                 "The local database '{}' was made by SQLite, and this machine keeps it with Microsoft "
                 "Jet; it is left as it is. Set MDBPath to another folder, or move the file away.",
                 PathToUtf8(path)));
+    }
 }
 
 void JetCatalog::Create(const std::string& connectionString) {

@@ -22,14 +22,16 @@ DispatchObject FieldAt(const DispatchObject& fields, std::size_t index) {
 TableRow CurrentRow(const DispatchObject& fields) {
     const auto count = static_cast<std::size_t>(fields.Number(L"Count"));
     TableRow row;
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         row.push_back(FromAutomation(FieldAt(fields, i).Property(L"Value").Get()));
+    }
     return row;
 }
 
 void DeleteAll(const DispatchObject& recordset) {
-    for (; !AtEnd(recordset); recordset.Call(L"MoveNext"))
+    for (; !AtEnd(recordset); recordset.Call(L"MoveNext")) {
         recordset.Call(L"Delete");
+    }
 }
 
 /// Jet's columns refuse an empty text unless they were made to take one.
@@ -41,8 +43,9 @@ OwnedVariant FieldValue(const Variant& value) {
 void AddRow(const DispatchObject& recordset, const TableRow& row) {
     recordset.Call(L"AddNew");
     const DispatchObject fields = recordset.Child(L"Fields");
-    for (std::size_t i = 0; i < row.size(); ++i)
+    for (std::size_t i = 0; i < row.size(); ++i) {
         FieldAt(fields, i).Put(L"Value", FieldValue(row[i]));
+    }
     recordset.Call(L"Update");
 }
 
@@ -65,8 +68,9 @@ std::vector<TableRow> JetRows::ReadRows(const std::string& table) {
     const DispatchObject recordset = OpenTable(table);
     const DispatchObject fields = recordset.Child(L"Fields");
     std::vector<TableRow> rows;
-    for (; !AtEnd(recordset); recordset.Call(L"MoveNext"))
+    for (; !AtEnd(recordset); recordset.Call(L"MoveNext")) {
         rows.push_back(CurrentRow(fields));
+    }
     recordset.Call(L"Close");
     return rows;
 }
@@ -76,8 +80,9 @@ void JetRows::ReplaceRows(const std::string& table, const std::vector<TableRow>&
     try {
         const DispatchObject recordset = OpenTable(table);
         DeleteAll(recordset);
-        for (const TableRow& row : rows)
+        for (const TableRow& row : rows) {
             AddRow(recordset, row);
+        }
         recordset.Call(L"Close");
         connection_.Call(L"CommitTrans");
     } catch (...) {

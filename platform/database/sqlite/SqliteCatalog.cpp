@@ -55,18 +55,21 @@ int MakeNewFile(const fs::path& path) {
 
 void MakeDatabaseFile(const fs::path& path) {
     const int failure = MakeNewFile(path);
-    if (failure == 0)
+    if (failure == 0) {
         return;
-    if (failure == EEXIST)
+    }
+    if (failure == EEXIST) {
         throw ExistsAlready(path);
+    }
     throw DatabaseError(unspecifiedError, path,
                         fmt::format("cannot be made ({})", std::generic_category().message(failure)));
 }
 
 std::string ColumnText(const TableColumn& column) {
     std::string type = column.type == ColumnType::Date ? "DATE" : "TEXT";
-    if (column.type == ColumnType::Text && column.definedSize > 0)
+    if (column.type == ColumnType::Text && column.definedSize > 0) {
         type = fmt::format("VARCHAR({})", column.definedSize);
+    }
     const bool isNullable = (column.attributes & columnNullable) != 0;
     return QuotedName(column.name) + " " + type + (isNullable ? "" : " NOT NULL");
 }
@@ -89,11 +92,13 @@ void SqliteCatalog::Create(const std::string& connectionString) {
 }
 
 void SqliteCatalog::AppendTable(const TableDefinition& table) {
-    if (!file_)
+    if (!file_) {
         throw AutomationError(objectClosed, "Operation is not allowed when the object is closed.");
+    }
     std::string columns;
-    for (const auto& column : table.columns)
+    for (const auto& column : table.columns) {
         columns += (columns.empty() ? "" : ", ") + ColumnText(column);
+    }
     file_->Run("CREATE TABLE " + QuotedName(table.name) + " (" + columns + ")");
 }
 

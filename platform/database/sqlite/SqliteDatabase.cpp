@@ -34,8 +34,9 @@ std::unique_ptr<DatabaseCatalog> SqliteDatabase::NewCatalog() { return std::make
 
 std::unique_ptr<DatabaseConnection> SqliteDatabase::Open(const std::string& connectionString) {
     const auto path = DatabaseFileOf(connectionString);
-    if (const char* fault = FaultOf(IdentifyDatabaseFile(path)))
+    if (const char* fault = FaultOf(IdentifyDatabaseFile(path))) {
         throw DatabaseError(unspecifiedError, path, fault);
+    }
     return std::make_unique<SqliteRows>(path);
 }
 

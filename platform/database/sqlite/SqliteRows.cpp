@@ -20,8 +20,9 @@ std::string TextOfDate(AutomationDate date) {
     std::string text = fmt::format("{:04}-{:02}-{:02}", day.year, day.month, day.day);
     const double timeOfDay = std::abs(date.days - WithoutTime(date).days);
     const auto seconds = std::min(std::lround(timeOfDay * secondsADay), secondsADay - 1L);
-    if (seconds > 0)
+    if (seconds > 0) {
         text += fmt::format(" {:02}:{:02}:{:02}", seconds / 3600, seconds / 60 % 60, seconds % 60);
+    }
     return text;
 }
 
@@ -51,20 +52,22 @@ std::string TextIn(sqlite3_stmt* statement, int column) {
 std::vector<TableRow> SqliteRows::ReadRows(const std::string& table) {
     const auto statement = file_.Prepare("SELECT * FROM " + QuotedName(table) + " ORDER BY rowid");
     std::vector<TableRow> rows;
-    while (file_.Step(statement.get()))
+    while (file_.Step(statement.get())) {
         rows.push_back(CurrentRow(statement.get()));
+    }
     return rows;
 }
 
 TableRow SqliteRows::CurrentRow(sqlite3_stmt* statement) const {
     TableRow row;
     for (int column = 0; column < sqlite3_column_count(statement); ++column) {
-        if (sqlite3_column_type(statement, column) == SQLITE_NULL)
+        if (sqlite3_column_type(statement, column) == SQLITE_NULL) {
             row.emplace_back(Null{});
-        else if (IsDateColumn(statement, column))
+        } else if (IsDateColumn(statement, column)) {
             row.emplace_back(DateOf(TextIn(statement, column), sqlite3_column_name(statement, column)));
-        else
+        } else {
             row.emplace_back(TextIn(statement, column));
+        }
     }
     return row;
 }
@@ -82,8 +85,9 @@ void SqliteRows::ReplaceRows(const std::string& table, const std::vector<TableRo
     file_.Run("BEGIN IMMEDIATE");
     try {
         file_.Run("DELETE FROM " + QuotedName(table));
-        for (const TableRow& row : rows)
+        for (const TableRow& row : rows) {
             AddRow(table, row);
+        }
         file_.Run("COMMIT");
     } catch (...) {
         file_.RollBack();
@@ -93,11 +97,13 @@ void SqliteRows::ReplaceRows(const std::string& table, const std::vector<TableRo
 
 void SqliteRows::AddRow(const std::string& table, const TableRow& row) {
     std::string places;
-    for (std::size_t i = 0; i < row.size(); ++i)
+    for (std::size_t i = 0; i < row.size(); ++i) {
         places += i == 0 ? "?" : ", ?";
+    }
     const auto statement = file_.Prepare("INSERT INTO " + QuotedName(table) + " VALUES (" + places + ")");
-    for (std::size_t i = 0; i < row.size(); ++i)
+    for (std::size_t i = 0; i < row.size(); ++i) {
         BindValue(statement.get(), static_cast<int>(i) + 1, row[i]);
+    }
     file_.Step(statement.get());
 }
 

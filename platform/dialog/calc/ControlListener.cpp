@@ -17,8 +17,9 @@ namespace {
 void Tell(const std::function<void()>& callback) {
     try {
         // It may end the listener's owner, and the callback with it.
-        if (const auto kept = callback)
+        if (const auto kept = callback) {
             kept();
+        }
     } catch (...) { // NOLINT(bugprone-empty-catch): what fails in a handler is reported there
     }
 }
@@ -26,18 +27,24 @@ void Tell(const std::function<void()>& callback) {
 } // namespace
 
 void ControlListener::ListenTo(const uno::Reference<awt::XControl>& control) {
-    if (const uno::Reference<awt::XButton> button(control, uno::UNO_QUERY); button.is())
+    if (const uno::Reference<awt::XButton> button(control, uno::UNO_QUERY); button.is()) {
         button->addActionListener(this);
-    if (const uno::Reference<awt::XCheckBox> box(control, uno::UNO_QUERY); box.is())
+    }
+    if (const uno::Reference<awt::XCheckBox> box(control, uno::UNO_QUERY); box.is()) {
         box->addItemListener(this);
-    if (const uno::Reference<awt::XListBox> list(control, uno::UNO_QUERY); list.is())
+    }
+    if (const uno::Reference<awt::XListBox> list(control, uno::UNO_QUERY); list.is()) {
         list->addItemListener(this);
-    if (const uno::Reference<awt::XComboBox> combo(control, uno::UNO_QUERY); combo.is())
+    }
+    if (const uno::Reference<awt::XComboBox> combo(control, uno::UNO_QUERY); combo.is()) {
         combo->addItemListener(this);
-    if (const uno::Reference<awt::XTextComponent> text(control, uno::UNO_QUERY); text.is())
+    }
+    if (const uno::Reference<awt::XTextComponent> text(control, uno::UNO_QUERY); text.is()) {
         text->addTextListener(this);
-    if (const uno::Reference<awt::XWindow> window(control, uno::UNO_QUERY); window.is())
+    }
+    if (const uno::Reference<awt::XWindow> window(control, uno::UNO_QUERY); window.is()) {
         window->addFocusListener(this);
+    }
 }
 
 void ControlListener::actionPerformed(const awt::ActionEvent& /*event*/) { Tell(callbacks_.onPressed); }

@@ -52,8 +52,9 @@ OfficeControl::OfficeControl(const uno::Reference<com::sun::star::lang::XMultiSe
                              const FormDesign& form, std::size_t index, bool isRightToLeft)
     : design_(form.controls[index]), isRightToLeft_(isRightToLeft), caption_(design_.caption) {
     const char* const model = NamesOf(design_.kind).model;
-    if (model == nullptr)
+    if (model == nullptr) {
         return;
+    }
     model_.set(dialog->createInstance(rtl::OUString::createFromAscii(model)), uno::UNO_QUERY_THROW);
     PutInPlace(form, index);
     MakeAsDesigned(form);
@@ -72,8 +73,9 @@ void OfficeControl::PutInPlace(const FormDesign& form, std::size_t index) {
     Set("Name", uno::Any(rtl::OUString::createFromAscii(design_.name)));
     Set("TabIndex", uno::Any(static_cast<sal_Int16>(index)));
     // Lines have no reading direction.
-    if (isRightToLeft_ && model_->getPropertySetInfo()->hasPropertyByName("WritingMode"))
+    if (isRightToLeft_ && model_->getPropertySetInfo()->hasPropertyByName("WritingMode")) {
         Set("WritingMode", uno::Any(com::sun::star::text::WritingMode2::RL_TB));
+    }
 }
 
 void OfficeControl::MakeAsDesigned(const FormDesign& form) {
@@ -115,8 +117,9 @@ bool OfficeControl::HasCaption() const {
 }
 
 std::string OfficeControl::Content() const {
-    if (HasCaption())
+    if (HasCaption()) {
         return caption_;
+    }
     if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::ListBox) {
         const auto selected = Selected();
         return selected ? items_.at(*selected) : std::string();
@@ -127,10 +130,11 @@ std::string OfficeControl::Content() const {
 }
 
 void OfficeControl::SetContent(const std::string& text) {
-    if (HasCaption())
+    if (HasCaption()) {
         OfficeControl::SetText(TextProperty::Caption, text);
-    else if (design_.kind == ControlKind::TextBox)
+    } else if (design_.kind == ControlKind::TextBox) {
         Set("Text", uno::Any(ToOffice(text)));
+    }
 }
 
 bool OfficeControl::IsChecked() const {
@@ -152,19 +156,22 @@ void OfficeControl::SetEnabled(bool isEnabled) { Set("Enabled", uno::Any(isEnabl
 void OfficeControl::SetItems(const std::vector<std::string>& items) {
     items_ = items;
     uno::Sequence<rtl::OUString> texts(static_cast<sal_Int32>(items.size()));
-    for (std::size_t i = 0; i < items.size(); ++i)
+    for (std::size_t i = 0; i < items.size(); ++i) {
         texts.getArray()[i] = ToOffice(items[i]);
+    }
     Set("StringItemList", uno::Any(texts));
     Set("SelectedItems", uno::Any(uno::Sequence<sal_Int16>()));
 }
 
 std::optional<std::size_t> OfficeControl::Selected() const {
-    if (search_)
+    if (search_) {
         return search_->Selected();
+    }
     uno::Sequence<sal_Int16> selected;
     model_->getPropertyValue("SelectedItems") >>= selected;
-    if (!selected.hasElements())
+    if (!selected.hasElements()) {
         return std::nullopt;
+    }
     return static_cast<std::size_t>(selected[0]);
 }
 
@@ -173,11 +180,13 @@ void OfficeControl::Select(std::optional<std::size_t> index) {
         search_->Select(index);
         return;
     }
-    if (index && *index >= items_.size())
+    if (index && *index >= items_.size()) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     uno::Sequence<sal_Int16> selected(index ? 1 : 0);
-    if (index)
+    if (index) {
         selected.getArray()[0] = static_cast<sal_Int16>(*index);
+    }
     Set("SelectedItems", uno::Any(selected));
 }
 
@@ -193,8 +202,9 @@ std::string OfficeControl::GetText(TextProperty property) const {
 }
 
 void OfficeControl::SetText(TextProperty property, const std::string& text) {
-    if (property != TextProperty::Caption || !HasCaption())
+    if (property != TextProperty::Caption || !HasCaption()) {
         return;
+    }
     caption_ = text;
     Set("Label", uno::Any(ToOffice(WithAccessKey(caption_, design_.mnemonic))));
 }
@@ -202,8 +212,9 @@ void OfficeControl::SetText(TextProperty property, const std::string& text) {
 std::string OfficeControl::TypeName() const { return NamesOf(design_.kind).typeName; }
 
 void OfficeControl::SetAligment(std::int32_t aligment) {
-    if (design_.kind != ControlKind::Label)
+    if (design_.kind != ControlKind::Label) {
         return;
+    }
     // A mirrored label's left is what people see on the right.
     const bool isRight = aligment == 0;
     Set("Align", uno::Any(isRight != isRightToLeft_ ? alignRight : alignLeft));

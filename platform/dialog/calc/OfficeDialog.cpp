@@ -57,12 +57,14 @@ OfficeDialog::OfficeDialog(OfficeWindows& windows, const FormDesign& design, boo
 }
 
 OfficeDialog::~OfficeDialog() {
-    for (const auto& listener : listeners_)
+    for (const auto& listener : listeners_) {
         listener->Silence();
+    }
     try {
         const uno::Reference<com::sun::star::lang::XComponent> component(window_, uno::UNO_QUERY);
-        if (component.is())
+        if (component.is()) {
             component->dispose();
+        }
     } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office took it away before
     }
 }
@@ -75,8 +77,9 @@ void OfficeDialog::MakeModel() {
     model_->setPropertyValue("Closeable", uno::Any(true));
     OfficeDialog::SetCaption(design_.caption);
     const uno::Reference<com::sun::star::lang::XMultiServiceFactory> factory(model_, uno::UNO_QUERY_THROW);
-    for (std::size_t i = 0; i < design_.controls.size(); ++i)
+    for (std::size_t i = 0; i < design_.controls.size(); ++i) {
         controls_.push_back(std::make_unique<OfficeControl>(factory, design_, i, isRightToLeft_));
+    }
 }
 
 void OfficeDialog::MakeWindow() {
@@ -89,8 +92,9 @@ void OfficeDialog::MakeWindow() {
     window_->createPeer(toolkit, windows_.Active());
     const uno::Reference<awt::XControlContainer> container(window_, uno::UNO_QUERY_THROW);
     for (const auto& control : controls_) {
-        if (!control->HasModel())
+        if (!control->HasModel()) {
             continue;
+        }
         const rtl::Reference<ControlListener> listener(new ControlListener(CallbacksOf(*control)));
         listeners_.push_back(listener);
         listener->ListenTo(container->getControl(rtl::OUString::createFromAscii(control->Design().name)));
@@ -109,8 +113,9 @@ void OfficeDialog::ShowModal() {
         isHidden_ = false;
         focused_ = nullptr;
         events_.OnLoad();
-        if (isHidden_)
+        if (isHidden_) {
             return;
+        }
         windows_.Shown(window_->getPeer());
         isShown_ = true;
         const uno::Reference<awt::XDialog> dialog(window_, uno::UNO_QUERY_THROW);
@@ -123,16 +128,18 @@ void OfficeDialog::ShowModal() {
         }
         isShown_ = false;
         windows_.LastHidden();
-        if (!isHidden_) // the close box, Esc, or the office ended it
+        if (!isHidden_) { // the close box, Esc, or the office ended it
             events_.OnQueryUnload();
+        }
     });
 }
 
 void OfficeDialog::Hide() {
     isHidden_ = true;
     const uno::Reference<awt::XDialog> dialog(window_, uno::UNO_QUERY);
-    if (isShown_ && dialog.is())
+    if (isShown_ && dialog.is()) {
         dialog->endExecute();
+    }
 }
 
 OfficeControl& OfficeDialog::Find(std::string_view control, std::initializer_list<ControlKind> kinds) const {
@@ -140,10 +147,11 @@ OfficeControl& OfficeDialog::Find(std::string_view control, std::initializer_lis
         return candidate->Design().name == control;
     });
     if (found == controls_.end() ||
-        std::find(kinds.begin(), kinds.end(), (*found)->Design().kind) == kinds.end())
+        std::find(kinds.begin(), kinds.end(), (*found)->Design().kind) == kinds.end()) {
         throw AutomationError(ErrorNumber::InvalidProcedureCall, std::string(design_.name) +
                                                                      ": no control '" + std::string(control) +
                                                                      "' that can do this");
+    }
     return **found;
 }
 
@@ -165,8 +173,9 @@ void OfficeDialog::SetFocus(std::string_view control) {
     const uno::Reference<awt::XControlContainer> container(window_, uno::UNO_QUERY_THROW);
     const uno::Reference<awt::XWindow> window(
         container->getControl(rtl::OUString::createFromAscii(found.Design().name)), uno::UNO_QUERY);
-    if (window.is())
+    if (window.is()) {
         window->setFocus();
+    }
 }
 
 std::string OfficeDialog::Text(std::string_view control) const {
@@ -217,18 +226,22 @@ std::string OfficeDialog::AskForFile(std::string_view control, const FileQuestio
             windows_.Office(), dialogs::TemplateDescription::FILEOPEN_SIMPLE);
         picker->setTitle(ToOffice(question.title));
         const auto bar = question.filter.find('|');
-        if (bar != std::string::npos)
+        if (bar != std::string::npos) {
             picker->appendFilter(ToOffice(question.filter.substr(0, bar)),
                                  ToOffice(question.filter.substr(bar + 1)));
-        if (!question.startFolder.empty())
+        }
+        if (!question.startFolder.empty()) {
             picker->setDisplayDirectory(UrlOf(PathToUtf8(PathFromSetting(question.startFolder))));
-        if (picker->execute() != dialogs::ExecutableDialogResults::OK)
+        }
+        if (picker->execute() != dialogs::ExecutableDialogResults::OK) {
             return {};
+        }
         const auto files = picker->getSelectedFiles();
         rtl::OUString path;
         if (!files.hasElements() ||
-            osl::FileBase::getSystemPathFromFileURL(files[0], path) != osl::FileBase::E_None)
+            osl::FileBase::getSystemPathFromFileURL(files[0], path) != osl::FileBase::E_None) {
             return {};
+        }
         return FromOffice(path);
     });
 }
@@ -243,40 +256,47 @@ void OfficeDialog::SetCaption(const std::string& caption) {
 
 std::vector<FormControl*> OfficeDialog::Controls() const {
     std::vector<FormControl*> controls;
-    for (const auto& control : controls_)
+    for (const auto& control : controls_) {
         controls.push_back(control.get());
+    }
     return controls;
 }
 
 void OfficeDialog::OnPressed(const OfficeControl& control) {
-    if (ownChanges_ > 0)
+    if (ownChanges_ > 0) {
         return;
-    if (control.Design().name != std::string_view(design_.cancelButton))
+    }
+    if (control.Design().name != std::string_view(design_.cancelButton)) {
         CommitSearches(); // keys press a button without leaving the field in which something was typed
+    }
     events_.OnClick(control.Design().name);
 }
 
 void OfficeDialog::OnItem(OfficeControl& control) {
-    if (ownChanges_ > 0)
+    if (ownChanges_ > 0) {
         return;
-    if (control.Design().kind == ControlKind::CheckBox)
+    }
+    if (control.Design().kind == ControlKind::CheckBox) {
         events_.OnClick(control.Design().name);
-    else if (control.Search() != nullptr)
+    } else if (control.Search() != nullptr) {
         OnText(control);
-    else
+    } else {
         events_.OnChange(control.Design().name);
+    }
 }
 
 void OfficeDialog::OnText(OfficeControl& control) {
-    if (ownChanges_ > 0)
+    if (ownChanges_ > 0) {
         return;
+    }
     bool isTold = control.Search() == nullptr;
     if (!isTold) {
         const Counted own(ownChanges_);
         isTold = control.Search()->OnText();
     }
-    if (isTold)
+    if (isTold) {
         events_.OnChange(control.Design().name);
+    }
 }
 
 void OfficeDialog::OnFocus(OfficeControl& control) {
@@ -286,25 +306,29 @@ void OfficeDialog::OnFocus(OfficeControl& control) {
         control.Search()->Prepare();
     }
     if (left == nullptr || left == &control ||
-        control.Design().name == std::string_view(design_.cancelButton))
+        control.Design().name == std::string_view(design_.cancelButton)) {
         return;
+    }
     CommitSearches();
     const ControlKind kind = left->Design().kind;
-    if (kind == ControlKind::TextBox || kind == ControlKind::ComboBox || kind == ControlKind::BoundList)
+    if (kind == ControlKind::TextBox || kind == ControlKind::ComboBox || kind == ControlKind::BoundList) {
         events_.OnLeave(left->Design().name);
+    }
 }
 
 void OfficeDialog::CommitSearches() {
     for (const auto& control : controls_) {
-        if (control->Search() == nullptr)
+        if (control->Search() == nullptr) {
             continue;
+        }
         bool isOther = false;
         {
             const Counted own(ownChanges_);
             isOther = control->Search()->Commit();
         }
-        if (isOther)
+        if (isOther) {
             events_.OnChange(control->Design().name);
+        }
     }
 }
 

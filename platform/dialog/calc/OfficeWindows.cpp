@@ -7,8 +7,9 @@ namespace qel::office {
 namespace uno = com::sun::star::uno;
 
 WindowPeer OfficeWindows::Active() const {
-    if (!dialogs_.empty())
+    if (!dialogs_.empty()) {
         return dialogs_.back();
+    }
     const auto frame = com::sun::star::frame::Desktop::create(context_)->getActiveFrame();
     return frame.is() ? WindowPeer(frame->getContainerWindow(), uno::UNO_QUERY) : WindowPeer();
 }

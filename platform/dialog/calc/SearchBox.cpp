@@ -20,23 +20,27 @@ void SearchBox::Bind(std::shared_ptr<const ListSource> rows) {
 }
 
 void SearchBox::Select(std::optional<std::size_t> row) {
-    if (row && (!rows_ || *row >= rows_->RowCount()))
+    if (row && (!rows_ || *row >= rows_->RowCount())) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     Choose(row);
 }
 
 void SearchBox::Prepare() {
-    if (isFilled_ || !rows_)
+    if (isFilled_ || !rows_) {
         return;
+    }
     isFilled_ = true;
     Show(rows_->Matching(""));
 }
 
 bool SearchBox::OnText() {
-    if (!rows_)
+    if (!rows_) {
         return false;
-    if (!isTyped_)
+    }
+    if (!isTyped_) {
         before_ = chosen_;
+    }
     const std::string typed = TypedText();
     // A text that stands in the list was taken from it, by mouse or arrow keys, or typed to its end.
     if (const auto found = std::find(shown_.begin(), shown_.end(), typed); found != shown_.end()) {
@@ -52,12 +56,14 @@ bool SearchBox::OnText() {
 }
 
 bool SearchBox::Commit() {
-    if (!isTyped_)
+    if (!isTyped_) {
         return false;
+    }
     const auto before = before_;
     std::optional<std::size_t> row;
-    if (!TypedText().empty() && !matches_.empty())
+    if (!TypedText().empty() && !matches_.empty()) {
         row = matches_.front();
+    }
     Choose(row);
     return row != before;
 }
@@ -72,8 +78,9 @@ std::string SearchBox::TextOf(std::size_t row) const {
     std::string text;
     for (std::size_t column = 0; column < rows_->ColumnCount(); ++column) {
         const std::string part = rows_->Text(row, column);
-        if (!part.empty() && part != text)
+        if (!part.empty() && part != text) {
             text += text.empty() ? part : " - " + part;
+        }
     }
     return text;
 }

@@ -12,15 +12,17 @@ namespace {
 /// The bytes of the character that begins at `at`.
 std::string_view CharacterAt(std::string_view text, std::size_t at) {
     std::size_t end = at + 1;
-    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U)
+    while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
         ++end;
+    }
     return text.substr(at, end - at);
 }
 
 std::size_t FindLetter(std::string_view caption, std::string_view letter) {
     for (std::size_t at = 0; at < caption.size(); at += CharacterAt(caption, at).size()) {
-        if (EqualIgnoringCase(CharacterAt(caption, at), letter))
+        if (EqualIgnoringCase(CharacterAt(caption, at), letter)) {
             return at;
+        }
     }
     return std::string_view::npos;
 }
@@ -35,8 +37,9 @@ std::string WithAccessKey(std::string_view caption, std::string_view letters) {
         at += letter.size();
     }
     std::string before = ReplaceAll(caption.substr(0, std::min(key, caption.size())), "&", "&&");
-    if (key == std::string_view::npos)
+    if (key == std::string_view::npos) {
         return before;
+    }
     return before + "&" + ReplaceAll(caption.substr(key), "&", "&&");
 }
 

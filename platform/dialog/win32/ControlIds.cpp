@@ -10,8 +10,9 @@ constexpr std::size_t firstId = 100;
 
 WORD ControlId(const FormDesign& design, std::size_t index) {
     const std::string_view name = design.controls[index].name;
-    if (name == design.defaultButton)
+    if (name == design.defaultButton) {
         return IDOK;
+    }
     return name == design.cancelButton ? WORD{IDCANCEL} : static_cast<WORD>(firstId + index);
 }
 

@@ -61,8 +61,9 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
                              bool isRightToLeft, std::function<void()> onChosen)
     : design_(design), id_(id), isRightToLeft_(isRightToLeft), caption_(design.caption) {
     const WindowKind kind = KindOf(design, isDefaultButton);
-    if (kind.className == nullptr)
+    if (kind.className == nullptr) {
         return;
+    }
     // Paths, dates and numbers read from left to right in any language, so a mirrored dialog's text boxes are
     // not mirrored.
     const bool isUnmirrored = isRightToLeft && design.kind == ControlKind::TextBox;
@@ -70,27 +71,33 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
     window_ = ::CreateWindowExW(kind.extendedStyle, kind.className, L"", style, 0, 0, 0, 0, dialog,
                                 CarriedPointer<std::remove_pointer_t<HMENU>>(static_cast<UINT_PTR>(id)),
                                 nullptr, nullptr);
-    if (design.kind == ControlKind::BoundList)
+    if (design.kind == ControlKind::BoundList) {
         search_ = std::make_unique<SearchList>(dialog, window_, isRightToLeft, std::move(onChosen));
-    if (isUnmirrored)
+    }
+    if (isUnmirrored) {
         SetBits(window_, GWL_EXSTYLE, WS_EX_LAYOUTRTL, false);
+    }
     ShowCaption();
 }
 
 void DialogControl::UseFont(const FontMetrics& font) {
     font_ = &font;
-    if (window_ == nullptr)
+    if (window_ == nullptr) {
         return;
+    }
     ::SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(font.Font()), TRUE);
     RECT place = font.PixelsOf(design_.place);
-    if (design_.kind == ControlKind::Line)
+    if (design_.kind == ControlKind::Line) {
         place.bottom = place.top + 2; // the two pixels of the groove
+    }
     ::SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
                    place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
-    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::BoundList)
+    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::BoundList) {
         FitFieldOfBox(place);
-    if (search_)
+    }
+    if (search_) {
         search_->UseFont(font);
+    }
 }
 
 void DialogControl::FitFieldOfBox(const RECT& place) const {
@@ -108,17 +115,20 @@ void DialogControl::FitFieldOfBox(const RECT& place) const {
 
 void DialogControl::FitDropDown(const std::vector<std::string>& items) const {
     int widest = 0;
-    for (const std::string& item : items)
+    for (const std::string& item : items) {
         widest = std::max(widest, font_->WidthOf(ToWide(item)));
+    }
     const int width = widest + ::GetSystemMetrics(SM_CXVSCROLL) + 4 * ::GetSystemMetrics(SM_CXEDGE);
     ::SendMessageW(window_, CB_SETDROPPEDWIDTH, static_cast<WPARAM>(width), 0);
 }
 
 std::string DialogControl::Content() const {
-    if (HasCaption())
+    if (HasCaption()) {
         return caption_;
-    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::ListBox)
+    }
+    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::ListBox) {
         return ItemsOfBox().SelectedText();
+    }
     return ToUtf8(WindowText(window_));
 }
 
@@ -133,8 +143,9 @@ void DialogControl::SetContent(const std::string& text) {
 }
 
 void DialogControl::ReadFrom(const std::wstring& text) const {
-    if (isRightToLeft_)
+    if (isRightToLeft_) {
         SetBits(window_, GWL_EXSTYLE, WS_EX_RTLREADING, BeginsRightToLeft(text));
+    }
 }
 
 bool DialogControl::IsChecked() const { return ::SendMessageW(window_, BM_GETCHECK, 0, 0) == BST_CHECKED; }
@@ -149,8 +160,9 @@ windows::Items DialogControl::ItemsOfBox() const {
 
 void DialogControl::SetItems(const std::vector<std::string>& items) const {
     ItemsOfBox().Replace(items);
-    if (design_.kind == ControlKind::ComboBox)
+    if (design_.kind == ControlKind::ComboBox) {
         FitDropDown(items);
+    }
 }
 
 std::optional<std::size_t> DialogControl::Selected() const {
@@ -158,10 +170,11 @@ std::optional<std::size_t> DialogControl::Selected() const {
 }
 
 void DialogControl::Select(std::optional<std::size_t> index) const {
-    if (search_)
+    if (search_) {
         search_->Select(index);
-    else
+    } else {
         ItemsOfBox().Select(index);
+    }
 }
 
 bool DialogControl::HasCaption() const {
@@ -170,9 +183,10 @@ bool DialogControl::HasCaption() const {
 }
 
 void DialogControl::ShowCaption() const {
-    if (HasCaption())
+    if (HasCaption()) {
         ::SetWindowTextW(window_,
                          AsRead(ToWide(WithAccessKey(caption_, design_.mnemonic)), isRightToLeft_).c_str());
+    }
 }
 
 std::string DialogControl::GetText(TextProperty property) const {
@@ -187,8 +201,9 @@ std::string DialogControl::GetText(TextProperty property) const {
 }
 
 void DialogControl::SetText(TextProperty property, const std::string& text) {
-    if (property != TextProperty::Caption)
+    if (property != TextProperty::Caption) {
         return;
+    }
     caption_ = text;
     ShowCaption();
 }
@@ -196,8 +211,9 @@ void DialogControl::SetText(TextProperty property, const std::string& text) {
 std::string DialogControl::TypeName() const { return TypeNameOf(design_.kind); }
 
 void DialogControl::SetAligment(std::int32_t aligment) {
-    if (design_.kind != ControlKind::Label)
+    if (design_.kind != ControlKind::Label) {
         return;
+    }
     // A mirrored dialog's left is what people see on the right.
     const bool isRight = aligment == 0;
     static_assert(SS_LEFT == 0);

@@ -52,8 +52,9 @@ void DialogFrame::Centre() const {
                       &monitor);
     const RECT& work = monitor.rcWork;
     RECT around = work;
-    if (owner != nullptr && ::IsIconic(owner) == FALSE)
+    if (owner != nullptr && ::IsIconic(owner) == FALSE) {
         ::GetWindowRect(owner, &around);
+    }
     RECT area = {};
     ::GetWindowRect(window_, &area);
     const LONG width = area.right - area.left;
@@ -78,8 +79,9 @@ void DialogFrame::RunModal(HWND firstFocus, const std::function<void(HWND)>& bef
         isRunning_ = false;
     } // the owner can be activated again before the dialog goes
     ::ShowWindow(window_, SW_HIDE);
-    if (failure_)
+    if (failure_) {
         std::rethrow_exception(std::exchange(failure_, nullptr));
+    }
 }
 
 void DialogFrame::Pump(const std::function<void(HWND)>& beforeClick) {
@@ -91,10 +93,12 @@ void DialogFrame::Pump(const std::function<void(HWND)>& beforeClick) {
             ::PostQuitMessage(static_cast<int>(message.wParam));
             return;
         }
-        if (IsClick(message.message))
+        if (IsClick(message.message)) {
             beforeClick(message.hwnd);
-        if (::IsDialogMessageW(window_, &message) != FALSE)
+        }
+        if (::IsDialogMessageW(window_, &message) != FALSE) {
             continue;
+        }
         ::TranslateMessage(&message);
         ::DispatchMessageW(&message);
     }
@@ -111,12 +115,14 @@ INT_PTR CALLBACK DialogFrame::Procedure(HWND window, UINT message, WPARAM word, 
         return FALSE;
     }
     auto* const self = CarriedPointer<DialogFrame>(::GetWindowLongPtrW(window, DWLP_USER));
-    if (self == nullptr || self->window_ == nullptr || !self->handler_)
+    if (self == nullptr || self->window_ == nullptr || !self->handler_) {
         return FALSE;
+    }
     try {
         const auto answer = self->handler_(message, word, value);
-        if (answer)
+        if (answer) {
             ::SetWindowLongPtrW(window, DWLP_MSGRESULT, static_cast<LONG_PTR>(*answer));
+        }
         return answer ? TRUE : FALSE;
     } catch (...) {
         self->failure_ = std::current_exception();
@@ -129,8 +135,9 @@ namespace {
 
 // No lambda: one of 32 bits has another calling convention.
 BOOL CALLBACK TakeVisible(HWND window, LPARAM result) {
-    if (::IsWindowVisible(window) == FALSE || ::IsWindowEnabled(window) == FALSE)
+    if (::IsWindowVisible(window) == FALSE || ::IsWindowEnabled(window) == FALSE) {
         return TRUE;
+    }
     *CarriedPointer<HWND>(result) = window;
     return FALSE;
 }
@@ -138,8 +145,9 @@ BOOL CALLBACK TakeVisible(HWND window, LPARAM result) {
 } // namespace
 
 HWND CallingWindow() {
-    if (const HWND active = ::GetActiveWindow(); active != nullptr)
+    if (const HWND active = ::GetActiveWindow(); active != nullptr) {
         return active;
+    }
     HWND found = nullptr;
     ::EnumThreadWindows(::GetCurrentThreadId(), TakeVisible, reinterpret_cast<LPARAM>(&found));
     return found;

@@ -9,15 +9,17 @@ DisabledWindows::DisabledWindows(HWND dialog) : dialog_(dialog) {
 }
 
 DisabledWindows::~DisabledWindows() {
-    for (HWND window : windows_)
+    for (HWND window : windows_) {
         ::EnableWindow(window, TRUE);
+    }
 }
 
 BOOL CALLBACK DisabledWindows::Disable(HWND window, LPARAM self) {
     auto& disabled = *CarriedPointer<DisabledWindows>(self);
     if (window == disabled.dialog_ || ::IsWindowVisible(window) == FALSE ||
-        ::IsWindowEnabled(window) == FALSE)
+        ::IsWindowEnabled(window) == FALSE) {
         return TRUE;
+    }
     disabled.windows_.push_back(window);
     ::EnableWindow(window, FALSE);
     return TRUE;

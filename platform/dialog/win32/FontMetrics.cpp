@@ -68,8 +68,9 @@ UINT DotsPerInchOf(HWND window) {
     static const auto function = reinterpret_cast<Function>(
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));
     if (function != nullptr) {
-        if (const UINT dotsPerInch = function(window); dotsPerInch != 0)
+        if (const UINT dotsPerInch = function(window); dotsPerInch != 0) {
             return dotsPerInch;
+        }
     }
     const HDC screen = ::GetDC(nullptr);
     const int dotsPerInch = ::GetDeviceCaps(screen, LOGPIXELSY);

@@ -8,8 +8,9 @@ namespace qel::windows {
 void Items::Replace(const std::vector<std::string>& items) const {
     Send(WM_SETREDRAW, FALSE);
     Send(messages_.reset);
-    for (const std::string& item : items)
+    for (const std::string& item : items) {
         Send(messages_.add, 0, reinterpret_cast<LPARAM>(ToWide(item).c_str()));
+    }
     Send(WM_SETREDRAW, TRUE);
     ::InvalidateRect(window_, nullptr, TRUE);
 }
@@ -20,15 +21,17 @@ std::optional<std::size_t> Items::Selected() const {
 }
 
 void Items::Select(std::optional<std::size_t> index) const {
-    if (index && *index >= static_cast<std::size_t>(Send(messages_.count)))
+    if (index && *index >= static_cast<std::size_t>(Send(messages_.count))) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     Send(messages_.select, index ? *index : static_cast<WPARAM>(-1));
 }
 
 std::string Items::SelectedText() const {
     const auto index = Selected();
-    if (!index)
+    if (!index) {
         return {};
+    }
     std::wstring text(static_cast<std::size_t>(Send(messages_.textLength, *index)), L'\0');
     Send(messages_.text, *index, reinterpret_cast<LPARAM>(text.data()));
     return ToUtf8(text);

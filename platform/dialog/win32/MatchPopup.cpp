@@ -85,22 +85,25 @@ void MatchPopup::Highlight(std::optional<std::size_t> place) const {
     LVITEMW item = {};
     item.stateMask = LVIS_SELECTED | LVIS_FOCUSED;
     ::SendMessageW(window_, LVM_SETITEMSTATE, static_cast<WPARAM>(-1), reinterpret_cast<LPARAM>(&item));
-    if (!place)
+    if (!place) {
         return;
+    }
     item.state = LVIS_SELECTED | LVIS_FOCUSED;
     ::SendMessageW(window_, LVM_SETITEMSTATE, *place, reinterpret_cast<LPARAM>(&item));
     ::SendMessageW(window_, LVM_ENSUREVISIBLE, *place, FALSE);
 }
 
 bool MatchPopup::Answer(const NMHDR& question, LRESULT& result) const {
-    if (question.hwndFrom != window_)
+    if (question.hwndFrom != window_) {
         return false;
+    }
     if (question.code == LVN_GETDISPINFOW) {
         FillIn(reinterpret_cast<NMLVDISPINFOW&>(const_cast<NMHDR&>(question)).item);
         return false;
     }
-    if (question.code != NM_CUSTOMDRAW)
+    if (question.code != NM_CUSTOMDRAW) {
         return false;
+    }
     auto& drawing = reinterpret_cast<NMLVCUSTOMDRAW&>(const_cast<NMHDR&>(question));
     result = drawing.nmcd.dwDrawStage == CDDS_PREPAINT ? CDRF_NOTIFYITEMDRAW : CDRF_DODEFAULT;
     if (drawing.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && Highlighted() == drawing.nmcd.dwItemSpec) {
@@ -114,11 +117,13 @@ bool MatchPopup::Answer(const NMHDR& question, LRESULT& result) const {
 }
 
 void MatchPopup::FillIn(LVITEMW& item) const {
-    if ((item.mask & LVIF_TEXT) == 0 || item.cchTextMax <= 0)
+    if ((item.mask & LVIF_TEXT) == 0 || item.cchTextMax <= 0) {
         return;
+    }
     std::wstring text;
-    if (const auto place = static_cast<std::size_t>(item.iItem); source_ && place < rows_.size())
+    if (const auto place = static_cast<std::size_t>(item.iItem); source_ && place < rows_.size()) {
         text = ToWide(source_->Text(rows_[place], static_cast<std::size_t>(item.iSubItem)));
+    }
     const std::size_t length = text.copy(item.pszText, static_cast<std::size_t>(item.cchTextMax) - 1);
     item.pszText[length] = L'\0';
 }
@@ -127,8 +132,9 @@ int MatchPopup::WidthOfColumn(std::size_t column) const {
     // A few rows from all over the list tell well enough how wide their texts are.
     const std::size_t step = std::max<std::size_t>(rows_.size() / mostMeasuredRows, 1);
     int width = 0;
-    for (std::size_t place = 0; place < rows_.size(); place += step)
+    for (std::size_t place = 0; place < rows_.size(); place += step) {
         width = std::max(width, font_->WidthOf(ToWide(source_->Text(rows_[place], column))));
+    }
     return width;
 }
 
@@ -179,8 +185,9 @@ LRESULT MatchPopup::OnMessage(UINT message, WPARAM word, LPARAM value) {
     case WM_MOUSEACTIVATE:
         return MA_NOACTIVATE;
     case WM_MOUSEMOVE:
-        if (const auto place = PlaceAt(value); place && place != Highlighted())
+        if (const auto place = PlaceAt(value); place && place != Highlighted()) {
             Highlight(place);
+        }
         return 0;
     case WM_LBUTTONDOWN: // the list itself would take the focus
     case WM_LBUTTONDBLCLK:

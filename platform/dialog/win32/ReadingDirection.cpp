@@ -24,8 +24,9 @@ bool BeginsRightToLeft(const std::wstring& text) {
 }
 
 std::wstring AsRead(const std::wstring& text, bool isMirrored) {
-    if (!isMirrored || text.empty())
+    if (!isMirrored || text.empty()) {
         return text;
+    }
     return (BeginsRightToLeft(text) ? rightToLeftEmbedding : leftToRightEmbedding) + text;
 }
 

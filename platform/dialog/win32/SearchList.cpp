@@ -42,22 +42,26 @@ void SearchList::Bind(std::shared_ptr<const ListSource> rows) {
 }
 
 void SearchList::Select(std::optional<std::size_t> row) {
-    if (row && (!rows_ || *row >= rows_->RowCount()))
+    if (row && (!rows_ || *row >= rows_->RowCount())) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     popup_.Close();
     Choose(row);
 }
 
 void SearchList::OnTyped() {
-    if (isWriting_)
+    if (isWriting_) {
         return;
-    if (!isTyped_)
+    }
+    if (!isTyped_) {
         before_ = chosen_;
+    }
     isTyped_ = true;
     chosen_.reset();
     const std::string typed = ToUtf8(WindowText(combo_));
-    if (!rows_)
+    if (!rows_) {
         return;
+    }
     const WaitCursor wait;
     matches_ = rows_->Matching(typed);
     popup_.Show(rows_, matches_, typed.empty() ? std::nullopt : std::optional<std::size_t>(0));
@@ -67,40 +71,47 @@ void SearchList::Commit() {
     const auto highlighted = popup_.IsOpen() ? popup_.Highlighted() : std::nullopt;
     popup_.Close();
     ::SendMessageW(field_, EM_SETSEL, 0, 0);
-    if (!isTyped_)
+    if (!isTyped_) {
         return;
+    }
     std::optional<std::size_t> row;
-    if (::GetWindowTextLengthW(combo_) != 0 && rows_ && !matches_.empty())
+    if (::GetWindowTextLengthW(combo_) != 0 && rows_ && !matches_.empty()) {
         row = matches_[highlighted.value_or(0)];
+    }
     const auto before = before_;
     Choose(row);
-    if (row != before)
+    if (row != before) {
         onChosen_();
+    }
 }
 
 void SearchList::OnClickIn(HWND window) {
     if (popup_.IsOpen() && window != popup_.Window() && window != combo_ &&
-        ::IsChild(combo_, window) == FALSE)
+        ::IsChild(combo_, window) == FALSE) {
         Commit();
+    }
 }
 
 void SearchList::Open() {
-    if (!rows_)
+    if (!rows_) {
         return;
+    }
     const WaitCursor wait;
     matches_ = rows_->Matching(isTyped_ ? ToUtf8(WindowText(combo_)) : std::string());
     std::optional<std::size_t> highlighted;
     if (const auto found = std::find(matches_.begin(), matches_.end(), chosen_);
-        chosen_ && found != matches_.end())
+        chosen_ && found != matches_.end()) {
         highlighted = static_cast<std::size_t>(found - matches_.begin());
+    }
     popup_.Show(rows_, matches_, highlighted);
 }
 
 void SearchList::Toggle() {
-    if (popup_.IsOpen())
+    if (popup_.IsOpen()) {
         Commit();
-    else
+    } else {
         Open();
+    }
 }
 
 void SearchList::PickHighlighted() {
@@ -114,14 +125,16 @@ void SearchList::PickHighlighted() {
     const std::size_t row = matches_[*highlighted];
     Choose(row);
     ::SendMessageW(field_, EM_SETSEL, 0, -1);
-    if (before != row)
+    if (before != row) {
         onChosen_();
+    }
 }
 
 void SearchList::TakeBack() {
     popup_.Close();
-    if (isTyped_)
+    if (isTyped_) {
         Choose(before_);
+    }
 }
 
 void SearchList::Choose(std::optional<std::size_t> row) {
@@ -137,8 +150,9 @@ std::string SearchList::TextOf(std::size_t row) const {
     std::string text;
     for (std::size_t column = 0; column < rows_->ColumnCount(); ++column) {
         const std::string part = rows_->Text(row, column);
-        if (!part.empty() && part != text)
+        if (!part.empty() && part != text) {
             text += text.empty() ? part : " - " + part;
+        }
     }
     return text;
 }
@@ -151,8 +165,9 @@ std::optional<LRESULT> SearchList::OnComboMessage(UINT message, WPARAM word) {
         Toggle();
         return 0;
     case CB_SHOWDROPDOWN:
-        if ((word != FALSE) != popup_.IsOpen())
+        if ((word != FALSE) != popup_.IsOpen()) {
             Toggle();
+        }
         return TRUE;
     case CB_GETDROPPEDSTATE:
         return popup_.IsOpen() ? TRUE : FALSE;
@@ -165,25 +180,29 @@ std::optional<LRESULT> SearchList::OnFieldMessage(UINT message, WPARAM word, LPA
     switch (message) {
     case WM_GETDLGCODE:
         // While the list is open, Enter and Esc are its own keys and not the dialog's.
-        if (popup_.IsOpen() && (word == VK_RETURN || word == VK_ESCAPE))
+        if (popup_.IsOpen() && (word == VK_RETURN || word == VK_ESCAPE)) {
             return DLGC_WANTALLKEYS | DLGC_WANTCHARS | DLGC_HASSETSEL;
+        }
         return std::nullopt;
     case WM_KEYDOWN:
     case WM_SYSKEYDOWN:
-        if (message == WM_SYSKEYDOWN && (!IsAltDown(value) || (word != VK_DOWN && word != VK_UP)))
+        if (message == WM_SYSKEYDOWN && (!IsAltDown(value) || (word != VK_DOWN && word != VK_UP))) {
             return std::nullopt;
+        }
         if (message == WM_SYSKEYDOWN) {
             Toggle();
             return 0;
         }
         return OnKey(word) ? std::optional<LRESULT>(0) : std::nullopt;
     case WM_CHAR:
-        if (word == VK_RETURN || word == VK_ESCAPE)
+        if (word == VK_RETURN || word == VK_ESCAPE) {
             return 0; // the field would only beep
+        }
         return std::nullopt;
     case WM_MOUSEWHEEL:
-        if (!popup_.IsOpen())
+        if (!popup_.IsOpen()) {
             return std::nullopt;
+        }
         return ::SendMessageW(popup_.Window(), message, word, value);
     default:
         return std::nullopt;
@@ -192,8 +211,9 @@ std::optional<LRESULT> SearchList::OnFieldMessage(UINT message, WPARAM word, LPA
 
 bool SearchList::OnKey(WPARAM key) {
     if (!popup_.IsOpen()) {
-        if (key != VK_DOWN && key != VK_UP && key != VK_F4)
+        if (key != VK_DOWN && key != VK_UP && key != VK_F4) {
             return false;
+        }
         Open();
         return true;
     }
@@ -225,8 +245,9 @@ bool SearchList::OnKey(WPARAM key) {
 LRESULT CALLBACK SearchList::ComboProcedure(HWND window, UINT message, WPARAM word, LPARAM value,
                                             UINT_PTR /*id*/, DWORD_PTR self) {
     try {
-        if (const auto answer = CarriedPointer<SearchList>(self)->OnComboMessage(message, word))
+        if (const auto answer = CarriedPointer<SearchList>(self)->OnComboMessage(message, word)) {
             return *answer;
+        }
     } catch (...) {
         return 0; // a source that raises shows no rows
     }
@@ -236,8 +257,9 @@ LRESULT CALLBACK SearchList::ComboProcedure(HWND window, UINT message, WPARAM wo
 LRESULT CALLBACK SearchList::FieldProcedure(HWND window, UINT message, WPARAM word, LPARAM value,
                                             UINT_PTR /*id*/, DWORD_PTR self) {
     try {
-        if (const auto answer = CarriedPointer<SearchList>(self)->OnFieldMessage(message, word, value))
+        if (const auto answer = CarriedPointer<SearchList>(self)->OnFieldMessage(message, word, value)) {
             return *answer;
+        }
     } catch (...) {
         return 0; // a source that raises shows no rows
     }

@@ -24,13 +24,15 @@ HANDLE Context() {
 } // namespace
 
 VisualStyles::VisualStyles() {
-    if (Context() != INVALID_HANDLE_VALUE)
+    if (Context() != INVALID_HANDLE_VALUE) {
         ::ActivateActCtx(Context(), &cookie_);
+    }
 }
 
 VisualStyles::~VisualStyles() {
-    if (cookie_ != 0)
+    if (cookie_ != 0) {
         ::DeactivateActCtx(0, cookie_);
+    }
 }
 
 } // namespace qel::windows

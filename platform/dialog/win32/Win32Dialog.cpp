@@ -68,8 +68,9 @@ void Win32Dialog::LayOut() {
     FontMetrics metrics(font_, DotsPerInchOf(frame_.Window()));
     std::optional<FontMetrics> before =
         std::exchange(metrics_, std::move(metrics)); // ends after its last use
-    for (const auto& control : controls_)
+    for (const auto& control : controls_) {
         control->UseFont(*metrics_);
+    }
     const RECT inside = metrics_->PixelsOf({0, 0, design_.width, design_.height});
     frame_.Resize({inside.right, inside.bottom});
 }
@@ -83,8 +84,9 @@ void Win32Dialog::ShowModal() {
         firstFocus_ != nullptr ? firstFocus_ : ::GetNextDlgTabItem(frame_.Window(), nullptr, FALSE);
     frame_.RunModal(first, [this](HWND clicked) {
         for (const auto& control : controls_) {
-            if (control->Search() != nullptr)
+            if (control->Search() != nullptr) {
                 control->Search()->OnClickIn(clicked);
+            }
         }
     });
     waiting_.clear();
@@ -95,10 +97,11 @@ DialogControl& Win32Dialog::Find(std::string_view control, std::initializer_list
         return candidate->Design().name == control;
     });
     if (found == controls_.end() ||
-        std::find(kinds.begin(), kinds.end(), (*found)->Design().kind) == kinds.end())
+        std::find(kinds.begin(), kinds.end(), (*found)->Design().kind) == kinds.end()) {
         throw AutomationError(ErrorNumber::InvalidProcedureCall, std::string(design_.name) +
                                                                      ": no control '" + std::string(control) +
                                                                      "' that can do this");
+    }
     return **found;
 }
 
@@ -114,8 +117,9 @@ void Win32Dialog::SetEnabled(std::string_view control, bool isEnabled) {
         Find(control, {Label, TextBox, Button, CheckBox, ComboBox, BoundList, ListBox, Line}).Window();
     const HWND focus = ::GetFocus();
     const bool losesFocus = !isEnabled && (focus == window || ::IsChild(window, focus) != FALSE);
-    if (losesFocus) // nobody could go on by the keyboard otherwise
+    if (losesFocus) { // nobody could go on by the keyboard otherwise
         ::SendMessageW(frame_.Window(), WM_NEXTDLGCTL, 0, FALSE);
+    }
     ::EnableWindow(window, isEnabled ? TRUE : FALSE);
 }
 
@@ -129,8 +133,9 @@ bool Win32Dialog::IsEnabled(std::string_view control) const {
 void Win32Dialog::SetFocus(std::string_view control) {
     using enum ControlKind;
     firstFocus_ = Find(control, {TextBox, Button, CheckBox, ComboBox, BoundList, ListBox}).Window();
-    if (frame_.IsShown())
+    if (frame_.IsShown()) {
         ::SendMessageW(frame_.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(firstFocus_), TRUE);
+    }
 }
 
 std::string Win32Dialog::Text(std::string_view control) const {
@@ -188,16 +193,18 @@ void Win32Dialog::SetCaption(const std::string& caption) {
 }
 
 void Win32Dialog::SetFont(const DialogFont& font) {
-    if (font == font_)
+    if (font == font_) {
         return;
+    }
     font_ = font;
     LayOut();
 }
 
 std::vector<FormControl*> Win32Dialog::Controls() const {
     std::vector<FormControl*> controls;
-    for (const auto& control : controls_)
+    for (const auto& control : controls_) {
         controls.push_back(control.get());
+    }
     return controls;
 }
 
@@ -210,8 +217,9 @@ std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM 
         LRESULT result = 0;
         for (const auto& control : controls_) {
             if (control->Search() != nullptr &&
-                control->Search()->Answer(*CarriedPointer<const NMHDR>(value), result))
+                control->Search()->Answer(*CarriedPointer<const NMHDR>(value), result)) {
                 return result;
+            }
         }
         return std::nullopt;
     }
@@ -226,8 +234,9 @@ std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM 
         OnClosed();
         return 0;
     case WM_DESTROY: // from outside: the controls can still be read
-        if (frame_.IsShown())
+        if (frame_.IsShown()) {
             OnClosed();
+        }
         return std::nullopt;
     case WM_DPICHANGED:
         LayOut();
@@ -240,31 +249,37 @@ std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM 
 void Win32Dialog::OnCommand(int id, int code) {
     DialogControl* const control = WithId(id);
     if (control == nullptr) {
-        if (id == IDCANCEL) // Esc on a form without such a button
+        if (id == IDCANCEL) { // Esc on a form without such a button
             OnClosed();
+        }
         return;
     }
-    if (ownChanges_ > 0)
+    if (ownChanges_ > 0) {
         return;
+    }
     switch (control->Design().kind) {
     case ControlKind::Button:
     case ControlKind::CheckBox:
-        if (code == BN_CLICKED && ::IsWindowEnabled(control->Window()) != FALSE)
+        if (code == BN_CLICKED && ::IsWindowEnabled(control->Window()) != FALSE) {
             OnPressed(*control);
+        }
         break;
     case ControlKind::TextBox:
-        if (code == EN_CHANGE)
+        if (code == EN_CHANGE) {
             events_.OnChange(control->Design().name);
+        }
         break;
     case ControlKind::ComboBox:
     case ControlKind::ListBox:
         static_assert(CBN_SELCHANGE == LBN_SELCHANGE);
-        if (code == CBN_SELCHANGE)
+        if (code == CBN_SELCHANGE) {
             events_.OnChange(control->Design().name);
+        }
         break;
     case ControlKind::BoundList:
-        if (code == CBN_EDITCHANGE)
+        if (code == CBN_EDITCHANGE) {
             control->Search()->OnTyped();
+        }
         break;
     default:
         break;
@@ -272,8 +287,9 @@ void Win32Dialog::OnCommand(int id, int code) {
     const int focusLost = control->Design().kind == ControlKind::TextBox ? EN_KILLFOCUS : CBN_KILLFOCUS;
     // A list's combo box passes the focus on to its own text field.
     if (IsFieldKind(control->Design().kind) && code == focusLost && !HasFocus(*control)) {
-        if (control->Search() != nullptr)
+        if (control->Search() != nullptr) {
             control->Search()->Commit();
+        }
         Wait(Waiting::Kind::Leave, *control);
     }
 }
@@ -281,14 +297,16 @@ void Win32Dialog::OnCommand(int id, int code) {
 void Win32Dialog::OnPressed(DialogControl& control) {
     // Keys press a button without leaving the field in which something was typed.
     for (const auto& other : controls_) {
-        if (other->Search() != nullptr && control.Id() != IDCANCEL)
+        if (other->Search() != nullptr && control.Id() != IDCANCEL) {
             other->Search()->Commit();
+        }
     }
     // A handler that refuses what was left in a field says why and leads back to it, or disables the button.
     const bool isRefused = !TellWaiting() || ::IsWindowEnabled(control.Window()) == FALSE;
     const bool isCancel = control.Id() == IDCANCEL; // which needs nothing of the field
-    if (!frame_.IsRunning() || (control.Design().kind == ControlKind::Button && isRefused && !isCancel))
+    if (!frame_.IsRunning() || (control.Design().kind == ControlKind::Button && isRefused && !isCancel)) {
         return;
+    }
     const WaitCursor wait;
     events_.OnClick(control.Design().name);
 }
@@ -299,13 +317,15 @@ void Win32Dialog::OnClosed() {
 }
 
 void Win32Dialog::ShowHelp() const {
-    if (!helpFile_.empty())
+    if (!helpFile_.empty()) {
         ::ShellExecuteW(frame_.Window(), L"open", ToWide(helpFile_).c_str(), nullptr, nullptr, SW_SHOWNORMAL);
+    }
 }
 
 void Win32Dialog::Wait(Waiting::Kind kind, DialogControl& control) {
-    if (!frame_.IsRunning()) // the system's own first focus is nobody's doing
+    if (!frame_.IsRunning()) { // the system's own first focus is nobody's doing
         return;
+    }
     waiting_.push_back({kind, &control});
     ::PostMessageW(frame_.Window(), tellWaiting, 0, 0);
 }
@@ -336,9 +356,9 @@ bool Win32Dialog::TellWaiting() {
     while (!waiting_.empty()) {
         const Waiting next = waiting_.front();
         waiting_.erase(waiting_.begin());
-        if (next.kind == Waiting::Kind::Change)
+        if (next.kind == Waiting::Kind::Change) {
             events_.OnChange(next.control->Design().name);
-        else if (HasLeft(*next.control)) {
+        } else if (HasLeft(*next.control)) {
             events_.OnLeave(next.control->Design().name);
             areLeft = areLeft && !HasFocus(*next.control);
         }
@@ -348,8 +368,9 @@ bool Win32Dialog::TellWaiting() {
 
 bool Win32Dialog::HasLeft(const DialogControl& control) const {
     const HWND focus = ::GetFocus();
-    if (focus == nullptr || ::IsChild(frame_.Window(), focus) == FALSE || HasFocus(control))
+    if (focus == nullptr || ::IsChild(frame_.Window(), focus) == FALSE || HasFocus(control)) {
         return false;
+    }
     return ::GetDlgCtrlID(focus) != IDCANCEL;
 }
 

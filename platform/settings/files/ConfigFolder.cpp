@@ -21,11 +21,13 @@ std::filesystem::path FromVariable(const char* name) {
 std::filesystem::path ConfigFolder() {
     constexpr const char* product = "qel";
     const auto configured = FromVariable("XDG_CONFIG_HOME");
-    if (configured.is_absolute())
+    if (configured.is_absolute()) {
         return configured / product;
+    }
     const auto home = FromVariable("HOME");
-    if (home.is_absolute())
+    if (home.is_absolute()) {
         return home / ".config" / product;
+    }
     throw AutomationError(pathNotFound, "The settings' folder is not known: set HOME or XDG_CONFIG_HOME.");
 }
 

@@ -67,8 +67,9 @@ std::string FileProfiles::ReadSection(const std::string& section, std::size_t ca
                                       const std::string& file) {
     return Trapped(lastError_, [&] {
         std::string entries;
-        for (const auto& [key, value] : IniFile(PathFromSetting(file)).Entries(section))
+        for (const auto& [key, value] : IniFile(PathFromSetting(file)).Entries(section)) {
             entries.append(key).append(1, '=').append(value).append(1, '\0');
+        }
         Cut(entries, capacity - 2);
         return entries;
     });

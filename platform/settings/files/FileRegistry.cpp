@@ -22,22 +22,25 @@ std::string SectionName(KeyHandle root, const std::string& subKey) {
 std::optional<KeyHandle> FileRegistry::OpenKey(KeyHandle root, const std::string& subKey) {
     std::string section = SectionName(root, subKey);
     try {
-        if (!file_.HasSection(section))
+        if (!file_.HasSection(section)) {
             return std::nullopt;
+        }
     } catch (const AutomationError&) {
         return std::nullopt; // a registry that cannot be read is told by nobody either
     }
     auto place = std::find(openKeys_.begin(), openKeys_.end(), std::string());
-    if (place == openKeys_.end())
+    if (place == openKeys_.end()) {
         place = openKeys_.insert(place, std::string());
+    }
     *place = std::move(section);
     return firstHandle + static_cast<KeyHandle>(place - openKeys_.begin());
 }
 
 std::optional<RegistryValue> FileRegistry::QueryValue(KeyHandle key, const std::string& name) {
     const std::size_t place = key - firstHandle;
-    if (place >= openKeys_.size() || openKeys_[place].empty())
+    if (place >= openKeys_.size() || openKeys_[place].empty()) {
         return std::nullopt;
+    }
     try {
         const auto text = file_.Get(openKeys_[place], name);
         return text ? std::optional(RegistryValue{registryString, *text}) : std::nullopt;
@@ -48,8 +51,9 @@ std::optional<RegistryValue> FileRegistry::QueryValue(KeyHandle key, const std::
 
 std::int32_t FileRegistry::CloseKey(KeyHandle key) {
     const std::size_t place = key - firstHandle;
-    if (place >= openKeys_.size() || openKeys_[place].empty())
+    if (place >= openKeys_.size() || openKeys_[place].empty()) {
         return invalidHandle;
+    }
     openKeys_[place].clear();
     return closed;
 }

@@ -31,14 +31,17 @@ AutomationError FileError(std::int32_t number, const fs::path& path, std::string
 /// Empty for a missing file.
 std::string ReadText(const fs::path& path) {
     std::error_code failed;
-    if (fs::status(path, failed).type() == fs::file_type::not_found)
+    if (fs::status(path, failed).type() == fs::file_type::not_found) {
         return {};
+    }
     std::ifstream file(path, std::ios::binary);
-    if (fs::is_directory(path, failed) || !file)
+    if (fs::is_directory(path, failed) || !file) {
         throw FileError(pathFileAccessError, path, "cannot be read");
+    }
     std::string text(std::istreambuf_iterator<char>(file), {});
-    if (file.bad())
+    if (file.bad()) {
         throw FileError(deviceIoError, path, "cannot be read to its end");
+    }
     return text;
 }
 
@@ -48,8 +51,9 @@ void Load(Ini& ini, const fs::path& path, const std::string& text) {
     ini.SetUnicode(true);
     ini.SetMultiKey(true);
     ini.SetSpaces(false);
-    if (ini.LoadData(text) < 0)
+    if (ini.LoadData(text) < 0) {
         throw FileError(deviceIoError, path, "cannot be understood");
+    }
 }
 
 std::string WithSection(const std::string& text, const std::string& section) {
@@ -72,10 +76,12 @@ std::string Edited(const fs::path& path, const std::string& text, const std::str
     Load(ini, path, WithSection(text, isNew ? section : endSection));
     ini.SetValue(section.c_str(), key.c_str(), value.c_str(), nullptr, true);
     std::string edited = TextOf(ini);
-    if (!isNew)
+    if (!isNew) {
         edited.erase(edited.rfind(std::string("[") + endSection + "]"));
-    while (edited.ends_with("\n\n"))
+    }
+    while (edited.ends_with("\n\n")) {
         edited.pop_back();
+    }
     return edited;
 }
 
@@ -94,12 +100,15 @@ void Replace(const fs::path& path, const std::string& text) {
     fs::path fresh = target;
     fresh += ".new";
     const bool isWritten = Write(fresh, text);
-    if (isWritten && isThere)
+    if (isWritten && isThere) {
         fs::permissions(fresh, fs::status(target).permissions(), failed);
-    if (isWritten)
+    }
+    if (isWritten) {
         fs::rename(fresh, target, failed);
-    if (isWritten && !failed)
+    }
+    if (isWritten && !failed) {
         return;
+    }
     const std::string reason =
         isWritten ? fmt::format("cannot be replaced ({})", failed.message()) : "cannot be written";
     fs::remove(fresh, failed);
@@ -107,18 +116,20 @@ void Replace(const fs::path& path, const std::string& text) {
 }
 
 void RequireOneLine(const fs::path& path, std::string_view value) {
-    if (value.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos)
+    if (value.find_first_of(std::string_view("\r\n\0", 3)) != std::string_view::npos) {
         throw FileError(ErrorNumber::InvalidProcedureCall, path, "cannot hold a value of more than one line");
+    }
 }
 
 /// Nothing is written when a line, by its number, would be lost.
 void RequireNone(const fs::path& path, const std::optional<std::size_t>& line) {
-    if (line)
+    if (line) {
         throw FileError(
             pathFileAccessError, path,
             fmt::format("is left as it is: line {} would be lost, because it is no name=value, [section] "
                         "or comment (;) in its place. Correct or remove it first",
                         *line));
+    }
 }
 
 } // namespace
@@ -155,13 +166,15 @@ std::vector<std::pair<std::string, std::string>> IniFile::Entries(const std::str
     Load(ini, path_, ReadText(path_));
     const auto* stored = ini.GetSection(section.c_str());
     std::vector<std::pair<std::string, std::string>> entries;
-    if (!stored)
+    if (!stored) {
         return entries;
+    }
     std::vector<std::pair<Ini::Entry, const char*>> inOrder(stored->begin(), stored->end());
     std::stable_sort(inOrder.begin(), inOrder.end(),
                      [](const auto& a, const auto& b) { return a.first.nOrder < b.first.nOrder; });
-    for (const auto& [key, value] : inOrder)
+    for (const auto& [key, value] : inOrder) {
         entries.emplace_back(key.pItem, value);
+    }
     return entries;
 }
 

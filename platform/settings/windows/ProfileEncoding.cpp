@@ -28,8 +28,9 @@ bool CodePageHas(const std::wstring& text) {
 std::optional<std::string> ReadBytes(const fs::path& file) {
     std::error_code failed;
     std::ifstream stream(file, std::ios::binary);
-    if (!stream)
+    if (!stream) {
         return fs::exists(file, failed) || failed ? std::nullopt : std::optional(std::string());
+    }
     return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
 }
 
@@ -54,15 +55,18 @@ bool WriteUtf16(const std::wstring& text, const fs::path& file) {
 } // namespace
 
 void MakeRoomFor(const std::wstring& text, const std::wstring& file) {
-    if (CodePageHas(text))
+    if (CodePageHas(text)) {
         return;
+    }
     const auto bytes = ReadBytes(file);
-    if (!bytes || bytes->starts_with(utf16Mark))
+    if (!bytes || bytes->starts_with(utf16Mark)) {
         return;
+    }
     const std::wstring rewritten = file + L".new"; // takes the file's place only when it is whole
     std::error_code ignored;
-    if (WriteUtf16(FromCodePage(*bytes), rewritten))
+    if (WriteUtf16(FromCodePage(*bytes), rewritten)) {
         fs::rename(rewritten, file, ignored);
+    }
     fs::remove(rewritten, ignored);
 }
 

@@ -25,8 +25,9 @@ std::string TextOfBytes(const std::string& bytes) {
 
 std::optional<KeyHandle> WindowsRegistry::OpenKey(KeyHandle root, const std::string& subKey) {
     HKEY key = nullptr;
-    if (::RegOpenKeyW(SystemHandle(root), ToWide(subKey).c_str(), &key) != ERROR_SUCCESS)
+    if (::RegOpenKeyW(SystemHandle(root), ToWide(subKey).c_str(), &key) != ERROR_SUCCESS) {
         return std::nullopt;
+    }
     return PortHandle(key);
 }
 
@@ -38,16 +39,19 @@ std::optional<RegistryValue> WindowsRegistry::QueryValue(KeyHandle key, const st
     LSTATUS status = ::RegQueryValueExW(SystemHandle(key), wideName.c_str(), nullptr, &type, nullptr, &size);
     do { // another program may make it longer in between
         value.data.resize(size);
-        if (status == ERROR_SUCCESS || status == ERROR_MORE_DATA)
+        if (status == ERROR_SUCCESS || status == ERROR_MORE_DATA) {
             status = ::RegQueryValueExW(SystemHandle(key), wideName.c_str(), nullptr, &type,
                                         reinterpret_cast<BYTE*>(value.data.data()), &size);
+        }
     } while (status == ERROR_MORE_DATA);
-    if (status != ERROR_SUCCESS)
+    if (status != ERROR_SUCCESS) {
         return std::nullopt;
+    }
     value.data.resize(size);
     value.type = type;
-    if (type == registryString)
+    if (type == registryString) {
         value.data = TextOfBytes(value.data);
+    }
     return value;
 }
 

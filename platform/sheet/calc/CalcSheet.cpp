@@ -37,8 +37,9 @@ using RangeReference = uno::Reference<sheet::XSheetCellRange>;
 template <class Interface, class Object>
 uno::Reference<Interface> As(const Object& object) {
     uno::Reference<Interface> found(object, uno::UNO_QUERY);
-    if (!found.is())
+    if (!found.is()) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    }
     return found;
 }
 
@@ -96,10 +97,12 @@ public:
     Variant Value() const override {
         return Translating([&]() -> Variant {
             const auto cell = range_->getCellByPosition(0, 0);
-            if (cell->getType() == table::CellContentType_EMPTY)
+            if (cell->getType() == table::CellContentType_EMPTY) {
                 return Empty();
-            if (cell->getType() == table::CellContentType_VALUE)
+            }
+            if (cell->getType() == table::CellContentType_VALUE) {
                 return cell->getValue();
+            }
             return FromOffice(As<com::sun::star::text::XTextRange>(cell)->getString());
         });
     }
@@ -109,25 +112,28 @@ public:
             const auto formats = As<util::XNumberFormatsSupplier>(document_)->getNumberFormats();
             const com::sun::star::lang::Locale language;
             sal_Int32 key = formats->queryKey(ToOffice(format), language, false);
-            if (key < 0)
+            if (key < 0) {
                 key = formats->addNew(ToOffice(format), language);
+            }
             As<XPropertySet>(range_)->setPropertyValue("NumberFormat", uno::Any(key));
         });
     }
 
     void SetFormula(const Variant& formula) override {
         Translating([&] {
-            if (formula.IsArray())
+            if (formula.IsArray()) {
                 SetBlock(*formula.As<std::shared_ptr<const VariantArray>>());
-            else
+            } else {
                 SetCell(range_->getCellByPosition(0, 0), formula);
+            }
         });
     }
 
 private:
     void SetBlock(const VariantArray& block) const {
-        if (block.bounds.size() != 2)
+        if (block.bounds.size() != 2) {
             throw PlatformError(ErrorNumber::TypeMismatch);
+        }
         const auto rows = block.bounds[0].upper - block.bounds[0].lower + 1;
         for (std::size_t i = 0; i < block.elements.size(); ++i) {
             const auto index = static_cast<std::int32_t>(i);
@@ -139,12 +145,13 @@ private:
     /// it.
     void SetCell(const uno::Reference<table::XCell>& cell, const Variant& value) const {
         const std::string text = ToText(value, {});
-        if (text.starts_with('='))
+        if (text.starts_with('=')) {
             SetTokens(cell, text.substr(1));
-        else if (IsTextCell(cell))
+        } else if (IsTextCell(cell)) {
             As<com::sun::star::text::XTextRange>(cell)->setString(ToOffice(text));
-        else
+        } else {
             cell->setFormula(ToOffice(text));
+        }
     }
 
     void SetTokens(const uno::Reference<table::XCell>& cell, const std::string& formula) const {
@@ -173,8 +180,9 @@ private:
 
 uno::Reference<com::sun::star::frame::XController> ControllerOf(const SheetDocument& document) {
     const auto controller = As<com::sun::star::frame::XModel>(document)->getCurrentController();
-    if (!controller.is())
+    if (!controller.is()) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    }
     return controller;
 }
 
@@ -222,8 +230,9 @@ std::shared_ptr<SheetRange> CalcApplication::Range(const SheetRange& first, cons
 std::shared_ptr<SheetRange> ActiveCellOf(const SheetDocument& document) {
     return Translating([&] {
         const auto selection = As<com::sun::star::frame::XModel>(document)->getCurrentSelection();
-        if (const RangeReference range = FirstRange(selection); range.is())
+        if (const RangeReference range = FirstRange(selection); range.is()) {
             return FirstCell(document, range);
+        }
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
     });
 }

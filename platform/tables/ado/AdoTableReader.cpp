@@ -23,8 +23,9 @@ PersistedTable RowsOf(const DispatchObject& recordset) {
     }
     for (; recordset.Number(L"EOF") == 0; recordset.Call(L"MoveNext")) {
         auto& row = table.rows.emplace_back();
-        for (const DispatchObject& column : columns)
+        for (const DispatchObject& column : columns) {
             row.push_back(FromAutomation(column.Property(L"Value").Get()));
+        }
     }
     return table;
 }
@@ -35,8 +36,9 @@ bool AdoTableReader::IsInstalled() { return CanLoadClass(L"MSPersist"); }
 
 PersistedTable AdoTableReader::Read(const std::string& path) {
     try {
-        if (!IsInstalled())
+        if (!IsInstalled()) {
             throw AutomationError(providerNotFound, "the provider MSPersist is not installed");
+        }
         const auto recordset = DispatchObject::Create(L"ADODB.Recordset");
         recordset.Call(L"Open", ArgumentList(path, "Provider=MSPersist", byDefault, byDefault, byDefault));
         PersistedTable table = RowsOf(recordset);

@@ -20,8 +20,9 @@ constexpr std::int32_t elementNode = 1; // NODE_ELEMENT
 OwnedVariant ByteArray(const std::string& bytes) {
     OwnedVariant value;
     V_ARRAY(&value.Get()) = ::SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
-    if (V_ARRAY(&value.Get()) == nullptr)
+    if (V_ARRAY(&value.Get()) == nullptr) {
         throw std::bad_alloc();
+    }
     V_VT(&value.Get()) = VT_ARRAY | VT_UI1;
     void* data = nullptr;
     Check(::SafeArrayAccessData(V_ARRAY(&value.Get()), &data), "The array's bytes cannot be written");
@@ -32,8 +33,9 @@ OwnedVariant ByteArray(const std::string& bytes) {
 
 std::vector<DispatchObject> NodesOf(const DispatchObject& list) {
     std::vector<DispatchObject> nodes;
-    for (std::int32_t i = 0; i < list.Number(L"length"); ++i)
+    for (std::int32_t i = 0; i < list.Number(L"length"); ++i) {
         nodes.push_back(list.Child(L"item", ArgumentList(i)));
+    }
     return nodes;
 }
 
@@ -43,29 +45,35 @@ class Elements {
 public:
     XmlElement Read(const DispatchObject& root) {
         XmlElement element = ElementOf(root, 1);
-        for (const auto& [prefix, uri] : namespaces_)
+        for (const auto& [prefix, uri] : namespaces_) {
             element.attributes.emplace_back("xmlns:" + prefix, uri);
+        }
         return element;
     }
 
 private:
     XmlElement ElementOf(const DispatchObject& node, int depth) {
         XmlElement element{.name = NameOf(node), .attributes = {}, .children = {}};
-        for (const DispatchObject& attribute : NodesOf(node.Child(L"attributes")))
+        for (const DispatchObject& attribute : NodesOf(node.Child(L"attributes"))) {
             element.attributes.emplace_back(NameOf(attribute), attribute.Text(L"text"));
-        if (depth == deepestRecordsetElement)
+        }
+        if (depth == deepestRecordsetElement) {
             return element;
-        for (const DispatchObject& child : NodesOf(node.Child(L"childNodes")))
-            if (child.Number(L"nodeType") == elementNode)
+        }
+        for (const DispatchObject& child : NodesOf(node.Child(L"childNodes"))) {
+            if (child.Number(L"nodeType") == elementNode) {
                 element.children.push_back(ElementOf(child, depth + 1));
+            }
+        }
         return element;
     }
 
     std::string NameOf(const DispatchObject& node) {
         std::string name = node.Text(L"nodeName");
         const auto colon = name.find(':');
-        if (colon != std::string::npos && !namespaces_.contains(name.substr(0, colon)))
+        if (colon != std::string::npos && !namespaces_.contains(name.substr(0, colon))) {
             namespaces_[name.substr(0, colon)] = node.Text(L"namespaceURI");
+        }
         return name;
     }
 
@@ -82,9 +90,10 @@ PersistedTable MsxmlTableReader::Read(const std::string& path) {
     input.push_back(ByteArray(bytes));
     document.Call(L"load", std::move(input));
     const DispatchObject fault = document.Child(L"parseError");
-    if (fault.Number(L"errorCode") != 0)
+    if (fault.Number(L"errorCode") != 0) {
         throw RecordsetFault(
             path, fmt::format("is damaged in line {}: {}", fault.Number(L"line"), fault.Text(L"reason")));
+    }
     return TableFromXml(Elements().Read(document.Child(L"documentElement")), path);
 }
 

@@ -12,11 +12,14 @@ namespace {
 
 XmlElement ElementOf(const pugi::xml_node& node, int depth = 1) {
     XmlElement element{.name = node.name(), .attributes = {}, .children = {}};
-    for (const auto& attribute : node.attributes())
+    for (const auto& attribute : node.attributes()) {
         element.attributes.emplace_back(attribute.name(), attribute.value());
-    for (const auto& child : node.children())
-        if (child.type() == pugi::node_element && depth < deepestRecordsetElement)
+    }
+    for (const auto& child : node.children()) {
+        if (child.type() == pugi::node_element && depth < deepestRecordsetElement) {
             element.children.push_back(ElementOf(child, depth + 1));
+        }
+    }
     return element;
 }
 
@@ -27,12 +30,15 @@ PersistedTable ParseXmlTable(const std::string& bytes, const std::string& name) 
     pugi::xml_document document;
     const auto result =
         document.load_buffer(bytes.data(), bytes.size(), pugi::parse_default | pugi::parse_declaration);
-    if (!result)
+    if (!result) {
         throw RecordsetFault(name,
                              fmt::format("is damaged at byte {}: {}", result.offset, result.description()));
+    }
     const std::string encoding = document.child("xml").attribute("encoding").value();
-    if (!encoding.empty() && !EqualIgnoringCase(encoding, "utf-8") && !EqualIgnoringCase(encoding, "utf-16"))
+    if (!encoding.empty() && !EqualIgnoringCase(encoding, "utf-8") &&
+        !EqualIgnoringCase(encoding, "utf-16")) {
         throw RecordsetFault(name, fmt::format("is written in '{}'; save it as UTF-8", encoding));
+    }
     return TableFromXml(ElementOf(document.document_element()), name);
 }
 

@@ -28,10 +28,11 @@ protected:
                         const std::string& measures = R"({"name": "Amount", "column": "amount"})") {
         std::string tables;
         for (const auto& file : std::filesystem::directory_iterator(folder_.Path())) {
-            if (file.path().extension() == ".csv")
+            if (file.path().extension() == ".csv") {
                 tables += (tables.empty() ? "" : ", ") +
                           ("\"" + file.path().stem().string() + "\": {\"file\": \"") +
                           file.path().filename().string() + "\"}";
+            }
         }
         options_.definition =
             folder_.Write("cube.json", "{" + extra + "\"tables\": {" + tables +
@@ -56,8 +57,9 @@ protected:
         } catch (const EngineError& error) {
             std::string text = error.what();
             const std::string folder = folder_.Path().string();
-            for (auto place = text.find(folder); place != std::string::npos; place = text.find(folder))
+            for (auto place = text.find(folder); place != std::string::npos; place = text.find(folder)) {
                 text.erase(place, folder.size());
+            }
             return text;
         }
         return "no fault";
@@ -278,8 +280,9 @@ TEST_F(BuildTest, SumsAgreeWithTheLinesInEverySortOrder) {
     const Hierarchy& accounts = cube->Hierarchies()[2];
     for (std::size_t order = 0; order < 2; ++order) {
         EXPECT_EQ(SumOf(*cube, 0, order, {}), total);
-        for (MemberId firm = 1; firm < firms.MemberCount(); ++firm)
+        for (MemberId firm = 1; firm < firms.MemberCount(); ++firm) {
             EXPECT_EQ(SumOf(*cube, 0, order, {{1, firm}}), byFirm[std::string(firms.MemberName(firm))]);
+        }
         for (MemberId account = 1; account < accounts.MemberCount(); account += 17) {
             const std::string name(accounts.MemberName(account));
             EXPECT_EQ(SumOf(*cube, 0, order, {{2, account}}), byAccount[name]);
@@ -439,8 +442,9 @@ TEST_F(BuildTest, SeveralTablesAndCubesWithTheirOwnForms) {
     options_.progress = [&steps](const std::string& step, double share) {
         EXPECT_GE(share, 0);
         EXPECT_LE(share, 1);
-        if (share == 1)
+        if (share == 1) {
             steps.push_back(step);
+        }
     };
     const auto cube = Build(options_);
     EXPECT_EQ(DrawHierarchy(*cube, 0), "All -100175\n 1 -99875\n 2 -300\n");

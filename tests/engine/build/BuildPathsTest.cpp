@@ -35,8 +35,9 @@ protected:
         BuildOptions options;
         options.definition = folder_.Path("cube.json");
         options.output = folder_.Path(output); // an absolute path stays what it is
-        if (!skipped.empty())
+        if (!skipped.empty()) {
             options.skippedLines = folder_.Path(skipped);
+        }
         return options;
     }
 

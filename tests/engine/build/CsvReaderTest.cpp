@@ -16,8 +16,9 @@ std::string ReadAll(const std::string& text) {
     std::string result;
     try {
         CsvReader reader(input, "t.csv", 0);
-        for (const std::string& column : reader.Header())
+        for (const std::string& column : reader.Header()) {
             result += "<" + column + ">";
+        }
         while (reader.Next()) {
             result += "\n" + std::to_string(reader.Line());
             if (!reader.Fault().empty()) {
@@ -25,8 +26,9 @@ std::string ReadAll(const std::string& text) {
                 continue;
             }
             result += ":";
-            for (std::size_t i = 0; i < reader.Header().size(); ++i)
+            for (std::size_t i = 0; i < reader.Header().size(); ++i) {
                 result += (i == 0 ? "" : "|") + std::string(reader.Field(i));
+            }
         }
     } catch (const EngineError& error) {
         result = error.what();
@@ -82,16 +84,18 @@ TEST(CsvReader, ReadsWhatPeopleHave) {
         {"a column twice", "a,b,a\n", "t.csv: line 1: two columns are named \"a\""},
         {"header with an open quote", "a,\"b\n1,2\n", "t.csv: line 1: a quote is not closed"},
     };
-    for (const Case& test : cases)
+    for (const Case& test : cases) {
         EXPECT_EQ(ReadAll(test.text), test.expected) << test.what;
+    }
 }
 
 /// Records, quoted line ends and CR LF pairs that lie across the places where the file is read on.
 TEST(CsvReader, ReadsOnAcrossChunks) {
     std::string text = "number,text\r\n";
     constexpr int records = 40000;
-    for (int i = 0; i < records; ++i)
+    for (int i = 0; i < records; ++i) {
         text += std::to_string(i) + ",\"" + std::string(static_cast<std::size_t>(i) % 97, 'x') + "\r\n\"\r\n";
+    }
     std::istringstream input(text);
     CsvReader reader(input, "t.csv", 0);
     int record = 0;
@@ -106,16 +110,18 @@ TEST(CsvReader, ReadsOnAcrossChunks) {
 
 TEST(CsvReader, AnOpenQuoteDoesNotSwallowABigFile) {
     std::string text = "a,b\n\"1,2\n";
-    for (int i = 0; i < 300000; ++i)
+    for (int i = 0; i < 300000; ++i) {
         text += "3,4\n";
+    }
     std::istringstream input(text);
     CsvReader reader(input, "t.csv", 0);
     ASSERT_TRUE(reader.Next());
     EXPECT_EQ(reader.Fault(), "no end within 1 MiB; a quote is not closed");
     EXPECT_EQ(reader.Raw(), "\"1,2\n");
     int records = 0;
-    while (reader.Next())
+    while (reader.Next()) {
         records += reader.Fault().empty() ? 1 : 0;
+    }
     EXPECT_EQ(records, 300000);
 }
 

@@ -59,8 +59,9 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
         {"92233720368547758.07", plain, 9223372036854775807},
         {"-92233720368547758.07", plain, -9223372036854775807},
     };
-    for (const Case& test : cases)
+    for (const Case& test : cases) {
         EXPECT_EQ(ParseAmount(test.text, test.format, 2).value, test.cents) << "\"" << test.text << "\"";
+    }
     const struct {
         const CsvFormat& format;
         std::vector<const char*> texts;
@@ -71,8 +72,9 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
         {english, {"1,5", "1,2345", ",123", "1234,567", "1,234,"}},
     };
     for (const auto& c : refused) {
-        for (const char* const text : c.texts)
+        for (const char* const text : c.texts) {
             EXPECT_EQ(ParseAmount(text, c.format, 2).value, std::nullopt) << "\"" << text << "\"";
+        }
     }
     EXPECT_EQ(ParseAmount("7", plain, 0).value, 7);
     EXPECT_EQ(ParseAmount("0.123456789", plain, 9).value, 123456789);
@@ -124,8 +126,9 @@ TEST(DateText, ReadsTheDeclaredOrderAndIso) {
         {MonthDayYear, {"31/12/2024"}},
     };
     for (const auto& c : refused) {
-        for (const char* const text : c.texts)
+        for (const char* const text : c.texts) {
             EXPECT_FALSE(ParseDate(text, c.format)) << "\"" << text << "\"";
+        }
     }
 }
 

@@ -28,8 +28,9 @@ std::string Answers(const Cube& cube) {
     std::vector<MemberId> found;
     for (const Hierarchy& hierarchy : cube.Hierarchies()) {
         text += hierarchy.UniqueName() + std::to_string(hierarchy.DefaultMember());
-        for (const Level& level : hierarchy.Levels())
+        for (const Level& level : hierarchy.Levels()) {
             text += level.name + std::to_string(level.members.last) + (level.isAll ? "*" : "");
+        }
         for (MemberId member = 0; member < hierarchy.MemberCount(); ++member) {
             found.clear();
             hierarchy.FindByName(hierarchy.MemberName(member), found);
@@ -38,22 +39,27 @@ std::string Answers(const Cube& cube) {
             text += hierarchy.MemberCaption(member);
             text +=
                 std::to_string(hierarchy.LevelOf(member)) + std::to_string(hierarchy.Children(member).last);
-            for (const MemberId same : found)
+            for (const MemberId same : found) {
                 text += "=" + std::to_string(same);
-            for (const KeyRange& range : hierarchy.Ranges(member))
+            }
+            for (const KeyRange& range : hierarchy.Ranges(member)) {
                 text += std::to_string(range.first) + "-" + std::to_string(range.last);
+            }
         }
     }
     const FactTable& facts = cube.Facts();
-    for (const KeyColumn& column : facts.KeyColumns())
+    for (const KeyColumn& column : facts.KeyColumns()) {
         text += column.name + std::to_string(column.codes);
-    for (const Measure& measure : facts.Measures())
+    }
+    for (const Measure& measure : facts.Measures()) {
         text += measure.name + measure.caption + std::to_string(measure.decimals);
+    }
     for (const Projection& projection : facts.Projections()) {
         const RowRange all{0, projection.RowCount()};
         for (std::size_t i = 0; i < facts.KeyColumns().size(); ++i) {
-            for (const std::uint32_t code : ReadCodes(facts, projection, i, all))
+            for (const std::uint32_t code : ReadCodes(facts, projection, i, all)) {
                 text += std::to_string(code) + ",";
+            }
         }
         const auto* const bytes = reinterpret_cast<const char*>(projection.Values(0, all));
         text.append(bytes, all.Count() * facts.Measures()[0].width);
@@ -162,8 +168,9 @@ TEST(CubeFile, EveryTruncationIsFound) {
     const TemporaryFolder folder;
     SmallCube().Write(folder.Path("a.cub"));
     const std::string good = folder.Read("a.cub");
-    for (std::size_t size = 0; size < good.size(); ++size)
+    for (std::size_t size = 0; size < good.size(); ++size) {
         EXPECT_THROW(OpenBytes(good.substr(0, size)), EngineError) << size << " bytes";
+    }
     EXPECT_THAT(OpenFault(folder.Write("bad.cub", good + '\0')), HasSubstr("bytes instead of"));
 }
 
@@ -521,8 +528,9 @@ std::string AsAnyUser(const TemporaryFolder& folder, const std::function<std::st
     if (child == 0) {
         constexpr unsigned nobody = 65534;
         const bool mayDoAll = geteuid() == 0;
-        if (mayDoAll && (setgid(nobody) != 0 || setuid(nobody) != 0))
+        if (mayDoAll && (setgid(nobody) != 0 || setuid(nobody) != 0)) {
             _exit(1);
+        }
         std::ofstream(answer) << work();
         _exit(0);
     }

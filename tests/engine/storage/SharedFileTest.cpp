@@ -26,8 +26,9 @@ SmallCube ManyPages(std::size_t rows) {
     cube.model.projections = {{{0}, {0, rows, rows}}};
     cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
     cube.values = {std::vector<std::int8_t>(rows)};
-    for (std::size_t row = 0; row < rows; ++row)
+    for (std::size_t row = 0; row < rows; ++row) {
         cube.values[0][row] = static_cast<std::int8_t>(row % 128);
+    }
     return cube;
 }
 
@@ -51,25 +52,29 @@ TEST(SharedFile, ThreadsCheckPagesTogether) {
         const Projection& facts = file->Cubes()[0].Facts().Projections()[0];
         std::atomic<std::size_t> ready = 0, wrongValues = 0, faults = 0;
         const auto read = [&](std::size_t thread) {
-            for (++ready; ready < threadCount;)
+            for (++ready; ready < threadCount;) {
                 std::this_thread::yield();
+            }
             for (std::uint64_t i = 0; i < rows / step; ++i) {
                 // Half of the threads from the front, half from the back.
                 const std::uint64_t row = (thread % 2 == 0 ? i : rows / step - 1 - i) * step;
                 try {
                     const auto* const values = facts.Values(0, {row, row + step});
-                    for (std::uint64_t k = 0; k < step; ++k)
+                    for (std::uint64_t k = 0; k < step; ++k) {
                         wrongValues += values[k] == static_cast<std::byte>((row + k) % 128) ? 0U : 1U;
+                    }
                 } catch (const EngineError&) {
                     ++faults;
                 }
             }
         };
         std::vector<std::thread> threads;
-        for (std::size_t thread = 0; thread < threadCount; ++thread)
+        for (std::size_t thread = 0; thread < threadCount; ++thread) {
             threads.emplace_back(read, thread);
-        for (std::thread& thread : threads)
+        }
+        for (std::thread& thread : threads) {
             thread.join();
+        }
         EXPECT_EQ(wrongValues, 0U) << "a damaged page was handed out";
         // A page is four steps, or five where it begins within one; every thread meets each of them.
         EXPECT_GE(faults, threadCount * 4);
@@ -83,8 +88,9 @@ void WriteThree(const std::filesystem::path& path, void (*spoil)(SmallCube&)) {
     for (const char* const name : {"One", "Two", "Three"}) {
         SmallCube cube;
         cube.model.name = name;
-        if (cube.model.name == "Two")
+        if (cube.model.name == "Two") {
             spoil(cube);
+        }
         cube.AddTo(writer);
     }
     writer.Commit();
@@ -136,8 +142,9 @@ TEST(SharedFile, VerifyReadsEveryCubeAndNamesTheOneAtFault) {
             fault = error.what();
         }
         ASSERT_FALSE(shares.empty()) << test.what;
-        for (std::size_t i = 1; i < shares.size(); ++i)
+        for (std::size_t i = 1; i < shares.size(); ++i) {
             EXPECT_GE(shares[i], shares[i - 1]) << test.what << ": progress goes back between cubes";
+        }
         if (test.fault == nullptr) {
             EXPECT_EQ(fault, "") << test.what;
             EXPECT_EQ(shares.back(), 1) << test.what;

@@ -91,8 +91,9 @@ void SmallCube::AddTo(CubeFileWriter& writer) const {
     for (std::size_t order = 0; order < std::min(keys.size(), model.projections.size()); ++order) {
         for (std::size_t column = 0; column < keys[order].size(); ++column) {
             const auto& sortOrder = model.projections[order].sortOrder;
-            if (!sortOrder.empty() && sortOrder.front() == column)
+            if (!sortOrder.empty() && sortOrder.front() == column) {
                 continue; // its place says a row's leading code
+            }
             writer.BeginSlots(cube, order, column);
             writer.Append(std::as_bytes(std::span(keys[order][column])));
             writer.End();
@@ -101,8 +102,9 @@ void SmallCube::AddTo(CubeFileWriter& writer) const {
         writer.Append(std::as_bytes(std::span(values[order])));
         writer.End();
     }
-    if (!hasRollups)
+    if (!hasRollups) {
         return;
+    }
     WriteRollups(rollups, model, cube, writer);
     using format::SectionKind;
     writer.Begin({static_cast<std::uint32_t>(SectionKind::RollupSlots), cube, 0, 1});

@@ -49,19 +49,23 @@ CallResult Invoke(IDispatch* object, const wchar_t* member, Arguments& arguments
                   const std::vector<const wchar_t*>& names, WORD flags) {
     CallResult result;
     std::vector<LPOLESTR> asked = {const_cast<LPOLESTR>(member)};
-    for (const wchar_t* name : names)
+    for (const wchar_t* name : names) {
         asked.push_back(const_cast<LPOLESTR>(name));
+    }
     std::vector<DISPID> ids(asked.size());
     result.status = object->GetIDsOfNames(IID_NULL, asked.data(), static_cast<UINT>(asked.size()),
                                           LOCALE_USER_DEFAULT, ids.data());
-    if (FAILED(result.status))
+    if (FAILED(result.status)) {
         return result;
+    }
     std::vector<VARIANT> reversed;
-    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument)
+    for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
         reversed.push_back(argument->Get());
+    }
     std::vector<DISPID> named(ids.rbegin(), ids.rend() - 1);
-    if ((flags & DISPATCH_PROPERTYPUT) != 0)
+    if ((flags & DISPATCH_PROPERTYPUT) != 0) {
         named = {DISPID_PROPERTYPUT};
+    }
     DISPPARAMS parameters = {reversed.data(), named.data(), static_cast<UINT>(reversed.size()),
                              static_cast<UINT>(named.size())};
     EXCEPINFO details = {};

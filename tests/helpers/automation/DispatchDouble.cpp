@@ -26,8 +26,9 @@ void DispatchDouble::Define(const std::wstring& name, Handler handler) {
 
 STDMETHODIMP DispatchDouble::QueryInterface(REFIID id, void** object) {
     *object = nullptr;
-    if (id != IID_IUnknown && id != IID_IDispatch)
+    if (id != IID_IUnknown && id != IID_IDispatch) {
         return E_NOINTERFACE;
+    }
     *object = static_cast<IDispatch*>(this);
     AddRef();
     return S_OK;
@@ -35,8 +36,9 @@ STDMETHODIMP DispatchDouble::QueryInterface(REFIID id, void** object) {
 
 STDMETHODIMP_(ULONG) DispatchDouble::Release() {
     const ULONG left = --references_;
-    if (left == 0)
+    if (left == 0) {
         delete this; // NOLINT(cppcoreguidelines-owning-memory): a COM object is its references'
+    }
     return left;
 }
 
@@ -61,15 +63,18 @@ STDMETHODIMP DispatchDouble::Invoke(DISPID id, REFIID /*reserved*/, LCID /*local
                                     DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* details,
                                     UINT* /*wrongArgument*/) {
     const auto handler = handlers_.find(id);
-    if (handler == handlers_.end())
+    if (handler == handlers_.end()) {
         return DISP_E_MEMBERNOTFOUND;
+    }
     std::vector<const VARIANT*> ordered;
-    for (UINT i = arguments->cArgs; i > 0; --i)
+    for (UINT i = arguments->cArgs; i > 0; --i) {
         ordered.push_back(&windows::Dereferenced(arguments->rgvarg[i - 1]));
+    }
     try {
         OwnedVariant value = handler->second(ordered);
-        if (result != nullptr)
+        if (result != nullptr) {
             *result = value.Release();
+        }
         return S_OK;
     } catch (const ScriptedFailure& failure) {
         *details = {};

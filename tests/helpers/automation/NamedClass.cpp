@@ -34,8 +34,9 @@ NamedClass::NamedClass(std::wstring progId, Factory make)
     wchar_t before[100] = {};
     DWORD bytes = sizeof before;
     if (::RegGetValueW(HKEY_LOCAL_MACHINE, KeyOf(progId_).c_str(), L"", RRF_RT_REG_SZ, nullptr, before,
-                       &bytes) == ERROR_SUCCESS)
+                       &bytes) == ERROR_SUCCESS) {
         before_ = before;
+    }
     CLSID id = {};
     EXPECT_EQ(::CoCreateGuid(&id), S_OK);
     wchar_t text[39];
@@ -47,10 +48,11 @@ NamedClass::NamedClass(std::wstring progId, Factory make)
 
 NamedClass::~NamedClass() {
     ::CoRevokeClassObject(cookie_);
-    if (before_)
+    if (before_) {
         Write(*before_);
-    else
+    } else {
         ::RegDeleteTreeW(HKEY_LOCAL_MACHINE, (L"Software\\Classes\\" + progId_).c_str());
+    }
 }
 
 void NamedClass::Write(const std::wstring& classId) const {

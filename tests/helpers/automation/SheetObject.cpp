@@ -39,8 +39,9 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
     ComPointer<DispatchDouble> application = MakeDouble();
 
     void RequireOpen() const {
-        if (protection)
+        if (protection) {
             throw ScriptedFailure{windows::ResultOfNumber(1004), *protection, "Sheet"};
+        }
     }
 
     void WriteTable(const CellPlace& first, const std::string& name, const VariantArray& table) {

@@ -8,14 +8,16 @@ namespace qel::testing {
 
 DialogDouble::DialogDouble(const FormDesign& design, bool isRightToLeft, DialogEvents& events)
     : design_(design), events_(events), isRightToLeft_(isRightToLeft) {
-    for (const ControlDesign& control : design.controls)
+    for (const ControlDesign& control : design.controls) {
         controls_.emplace(control.name, std::make_unique<Control>(control));
+    }
 }
 
 DialogDouble::Control& DialogDouble::At(std::string_view control) {
     const auto found = controls_.find(control);
-    if (found == controls_.end())
+    if (found == controls_.end()) {
         throw AutomationError(ErrorNumber::InvalidProcedureCall, "no control " + std::string(control));
+    }
     return *found->second;
 }
 
@@ -26,10 +28,12 @@ const DialogDouble::Control& DialogDouble::At(std::string_view control) const {
 DialogDouble::Control& DialogDouble::Usable(std::string_view control,
                                             std::initializer_list<ControlKind> kinds) {
     Control& found = At(control);
-    if (std::find(kinds.begin(), kinds.end(), found.design->kind) == kinds.end())
+    if (std::find(kinds.begin(), kinds.end(), found.design->kind) == kinds.end()) {
         throw ImpossibleAct(std::string(control) + " is of another kind");
-    if (isHidden_ || !found.isEnabled || found.design->isReadOnly)
+    }
+    if (isHidden_ || !found.isEnabled || found.design->isReadOnly) {
         throw ImpossibleAct(std::string(control) + " cannot be used");
+    }
     return found;
 }
 
@@ -48,8 +52,9 @@ void DialogDouble::Choose(std::string_view control, std::string_view part) {
     const auto found = std::find_if(box.items.begin(), box.items.end(), [&](const std::string& item) {
         return item.find(part) != std::string::npos;
     });
-    if (found == box.items.end())
+    if (found == box.items.end()) {
         throw ImpossibleAct(std::string(control) + " has no item " + std::string(part));
+    }
     box.selected = static_cast<std::size_t>(found - box.items.begin());
     events_.OnChange(control);
 }
@@ -72,37 +77,43 @@ std::size_t DialogDouble::Find(std::string_view control, std::string_view typed)
 void DialogDouble::ShowModal() {
     isHidden_ = false;
     events_.OnLoad();
-    if (beforeRun)
+    if (beforeRun) {
         beforeRun(*this);
-    if (!isHidden_)
+    }
+    if (!isHidden_) {
         events_.OnQueryUnload();
+    }
     isHidden_ = true;
 }
 
 std::string DialogDouble::Text(std::string_view control) const {
     const Control& found = At(control);
-    if (found.design->kind == ControlKind::ComboBox)
+    if (found.design->kind == ControlKind::ComboBox) {
         return found.selected ? found.items[*found.selected] : std::string();
+    }
     return found.text;
 }
 
 void DialogDouble::RecordFilling(std::string_view control) {
-    if (filled_.empty() || filled_.back() != control)
+    if (filled_.empty() || filled_.back() != control) {
         filled_.emplace_back(control);
+    }
 }
 
 void DialogDouble::SetText(std::string_view control, const std::string& text) {
     At(control).text = text;
-    if (!text.empty())
+    if (!text.empty()) {
         RecordFilling(control);
+    }
 }
 
 void DialogDouble::SetItems(std::string_view control, const std::vector<std::string>& items) {
     Control& found = At(control);
     found.items = items;
     found.selected.reset();
-    if (!items.empty())
+    if (!items.empty()) {
         RecordFilling(control);
+    }
 }
 
 void DialogDouble::Select(std::string_view control, std::optional<std::size_t> index) {
@@ -110,8 +121,9 @@ void DialogDouble::Select(std::string_view control, std::optional<std::size_t> i
     const std::size_t count = found.design->kind == ControlKind::BoundList
                                   ? (found.rows ? found.rows->RowCount() : 0)
                                   : found.items.size();
-    if (index && *index >= count)
+    if (index && *index >= count) {
         throw AutomationError(ErrorNumber::InvalidProcedureCall, "no such item");
+    }
     found.selected = index;
 }
 
@@ -119,8 +131,9 @@ void DialogDouble::Bind(std::string_view control, std::shared_ptr<const ListSour
     Control& found = At(control);
     found.rows = std::move(rows);
     found.selected.reset();
-    if (found.rows)
+    if (found.rows) {
         RecordFilling(control);
+    }
 }
 
 std::string DialogDouble::AskForFile(std::string_view control, const FileQuestion& question) {
@@ -132,22 +145,25 @@ std::string DialogDouble::AskForFile(std::string_view control, const FileQuestio
 std::vector<FormControl*> DialogDouble::Controls() const {
     std::vector<FormControl*> controls;
     controls.reserve(controls_.size());
-    for (const auto& [name, control] : controls_)
+    for (const auto& [name, control] : controls_) {
         controls.push_back(control.get());
+    }
     return controls;
 }
 
 std::string DialogDouble::Control::TypeName() const { return TypeNameOf(design->kind); }
 
 std::string DialogDouble::Control::GetText(TextProperty property) const {
-    if (property == TextProperty::Tag)
+    if (property == TextProperty::Tag) {
         return design->tag == 0 ? std::string() : std::to_string(design->tag);
+    }
     return property == TextProperty::Caption ? text : std::string();
 }
 
 void DialogDouble::Control::SetText(TextProperty property, const std::string& value) {
-    if (property == TextProperty::Caption)
+    if (property == TextProperty::Caption) {
         text = value;
+    }
 }
 
 std::unique_ptr<Dialog> ToolkitDouble::NewDialog(const FormDesign& design, bool isRightToLeft,

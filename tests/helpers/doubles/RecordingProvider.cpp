@@ -10,22 +10,25 @@ namespace qel::testing {
 namespace {
 
 void FailIf(std::int32_t number) {
-    if (number != 0)
+    if (number != 0) {
         throw AutomationError(number, "scripted failure", "RecordingProvider");
+    }
 }
 
 template <class List>
 auto& At(List& list, std::int32_t index) {
-    if (index < 0 || static_cast<std::size_t>(index) >= list.size())
+    if (index < 0 || static_cast<std::size_t>(index) >= list.size()) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+    }
     return list[static_cast<std::size_t>(index)];
 }
 
 template <class List>
 auto& Named(List& list, const std::string& name) {
     for (auto& element : list) {
-        if (EqualIgnoringCase(element.name, name))
+        if (EqualIgnoringCase(element.name, name)) {
             return element;
+        }
     }
     throw AutomationError(3265, "no " + name, "RecordingProvider");
 }
@@ -43,8 +46,9 @@ public:
               int options) override {
         const bool plain = user.empty() && password.empty() && options == optionsUnspecified;
         provider_.log.push_back((plain ? "open " : "open with other options ") + connectionString);
-        if (state_ == stateOpen)
+        if (state_ == stateOpen) {
             throw AutomationError(3705, "already open", "RecordingProvider");
+        }
         FailIf(provider_.failingOpen);
         connectionString_ = connectionString;
         state_ = stateOpen;
@@ -76,8 +80,9 @@ public:
     std::string Caption() const override { return member_.name; }
     std::string UniqueName() const override { return member_.uniqueName; }
     std::unique_ptr<Member> Parent() const override {
-        if (level_ == 0)
+        if (level_ == 0) {
             return nullptr;
+        }
         return std::make_unique<ScriptMember>(dimension_, level_ - 1, member_.parent);
     }
 
@@ -137,8 +142,9 @@ public:
     std::string Caption() const override { return dimension_.name; }
     std::int32_t HierarchyCount() const override { return 1; }
     std::unique_ptr<Hierarchy> HierarchyAt(std::int32_t index) const override {
-        if (index != 0)
+        if (index != 0) {
             throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        }
         return std::make_unique<ScriptHierarchy>(dimension_);
     }
 
@@ -178,8 +184,9 @@ public:
     }
     std::int32_t CubeCount() const override { return 1; }
     std::unique_ptr<CubeDef> CubeAt(std::int32_t index) const override {
-        if (index != 0)
+        if (index != 0) {
             throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        }
         return std::make_unique<ScriptCube>(provider_);
     }
 
@@ -193,8 +200,9 @@ public:
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override {
         provider_.log.push_back("statement " + source);
-        if (!connection || connection->State() != stateOpen)
+        if (!connection || connection->State() != stateOpen) {
             throw AutomationError(3709, "no open connection", "RecordingProvider");
+        }
         FailIf(provider_.failingStatement);
     }
     void Close() override { provider_.log.emplace_back("close cellset"); }
@@ -204,13 +212,15 @@ public:
     }
     std::int32_t MemberCount(std::int32_t /*axis*/, std::int32_t /*position*/) const override { return 1; }
     CellsetMember MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const override {
-        if (axis != 1 || index != 0)
+        if (axis != 1 || index != 0) {
             throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        }
         return At(provider_.rowMembers, position);
     }
     Variant Value(const std::vector<std::int32_t>& positions) const override {
-        if (positions != std::vector<std::int32_t>{0, 0})
+        if (positions != std::vector<std::int32_t>{0, 0}) {
             throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        }
         return provider_.cell;
     }
 
@@ -224,19 +234,22 @@ public:
     explicit RecordedRecordset(RecordingProvider& provider) : provider_(provider) {}
     RecordedRecordset(RecordingProvider& provider, std::string field, const std::vector<std::string>& texts)
         : provider_(provider), fields_{std::move(field)} {
-        for (const std::string& text : texts)
+        for (const std::string& text : texts) {
             rows_.push_back({text});
+        }
     }
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
               int lockType, int options) override {
         const bool plain = cursorType == -1 && lockType == -1 && options == -1;
         provider_.log.push_back((plain ? "recordset " : "recordset with other options ") + source);
-        if (!connection || connection->State() != stateOpen)
+        if (!connection || connection->State() != stateOpen) {
             throw AutomationError(3709, "no open connection", "RecordingProvider");
+        }
         FailIf(provider_.failingStatement);
-        for (std::int32_t field = 0; field < provider_.recordFields; ++field)
+        for (std::int32_t field = 0; field < provider_.recordFields; ++field) {
             fields_.push_back("field " + std::to_string(field));
+        }
         rows_ = provider_.recordRows;
     }
     void Close() override { provider_.log.emplace_back("close recordset"); }
@@ -246,8 +259,9 @@ public:
     bool AtEnd() const override { return row_ >= static_cast<std::int32_t>(rows_.size()); }
     void MoveFirst() override {
         row_ = 0;
-        if (AtEnd())
+        if (AtEnd()) {
             throw AutomationError(3021, "no rows", "RecordingProvider");
+        }
     }
     void MoveNext() override { ++row_; }
 
@@ -261,8 +275,9 @@ private:
 std::unique_ptr<Recordset> RecordedConnection::OpenSchema(int schema) {
     provider_.log.push_back("schema " + std::to_string(schema));
     FailIf(provider_.failingSchema);
-    if (schema != schemaCatalogs)
+    if (schema != schemaCatalogs) {
         return Connection::OpenSchema(schema);
+    }
     return std::make_unique<RecordedRecordset>(provider_, "CATALOG_NAME", provider_.catalogNames);
 }
 
@@ -294,8 +309,9 @@ std::vector<std::string> RecordingProvider::Statements() const {
     const std::string start = "statement ";
     std::vector<std::string> statements;
     for (const std::string& line : log) {
-        if (line.compare(0, start.size(), start) == 0)
+        if (line.compare(0, start.size(), start) == 0) {
             statements.push_back(line.substr(start.size()));
+        }
     }
     return statements;
 }
@@ -314,13 +330,15 @@ ScriptedDimension MonthlyDates(int firstYear, int firstMonth, int lastYear, int 
         const std::string yearName = std::to_string(year);
         const std::string monthName = std::to_string(month);
         const std::string quarterName = fmt::format("Q{}", (month + 2) / 3);
-        if (years.members.empty() || years.members.back().name != yearName)
+        if (years.members.empty() || years.members.back().name != yearName) {
             years.members.push_back({yearName, fmt::format("[Date].[{}]", year), 0});
+        }
         const std::size_t ofYear = years.members.size() - 1;
         if (quarters.members.empty() || quarters.members.back().name != quarterName ||
-            quarters.members.back().parent != ofYear)
+            quarters.members.back().parent != ofYear) {
             quarters.members.push_back(
                 {quarterName, fmt::format("[Date].[{}].[{}]", year, quarterName), ofYear});
+        }
         months.members.push_back(
             {monthName, fmt::format("[Date].[{}].[{}]", year, month), quarters.members.size() - 1});
         year += month / 12;

@@ -38,10 +38,11 @@ public:
         RequireUnprotected();
         sheet_.log.push_back("formula " + Name() +
                              (formula.IsArray() ? "" : " " + formula.As<std::string>()));
-        if (formula.IsArray())
+        if (formula.IsArray()) {
             PutBlock(*formula.As<std::shared_ptr<const VariantArray>>());
-        else
+        } else {
             sheet_.cells[first_] = formula;
+        }
     }
 
 private:
@@ -49,15 +50,17 @@ private:
         return first_ == last_ ? NameOf(first_) : NameOf(first_) + ":" + NameOf(last_);
     }
     void RequireUnprotected() const {
-        if (sheet_.isProtected)
+        if (sheet_.isProtected) {
             throw AutomationError(1004, "The sheet is protected.", "Excel");
+        }
     }
     void PutBlock(const VariantArray& block) {
         const std::int32_t rows = block.bounds.at(0).upper - block.bounds.at(0).lower + 1;
         for (std::int32_t column = first_.second; column <= last_.second; ++column) {
-            for (std::int32_t row = first_.first; row <= last_.first; ++row)
+            for (std::int32_t row = first_.first; row <= last_.first; ++row) {
                 sheet_.cells[{row, column}] = block.elements.at(
                     static_cast<std::size_t>((column - first_.second) * rows + row - first_.first));
+            }
         }
     }
 

@@ -26,11 +26,13 @@ public:
     bool broken = false;
 
     MessageBoxAnswer Show(std::int32_t style, const std::string& title, const std::string& text) override {
-        if (broken)
+        if (broken) {
             throw std::runtime_error("no screen");
+        }
         shown.push_back({style, title, text});
-        if (answers.empty())
+        if (answers.empty()) {
             return MessageBoxAnswer::Ok;
+        }
         const auto answer = answers.front();
         answers.erase(answers.begin());
         return answer;
@@ -45,11 +47,13 @@ public:
     KeyHandle nextHandle = 0x1A4;
 
     std::optional<KeyHandle> OpenKey(KeyHandle root, const std::string& subKey) override {
-        if (!keys.contains({root, subKey}))
+        if (!keys.contains({root, subKey})) {
             return std::nullopt;
+        }
         const KeyHandle handle = free_.empty() ? nextHandle++ : free_.back();
-        if (!free_.empty())
+        if (!free_.empty()) {
             free_.pop_back();
+        }
         open[handle] = {root, subKey};
         return handle;
     }
@@ -60,8 +64,9 @@ public:
     }
     std::int32_t CloseKey(KeyHandle key) override {
         constexpr std::int32_t invalidHandle = 6;
-        if (open.erase(key) == 0)
+        if (open.erase(key) == 0) {
             return invalidHandle;
+        }
         free_.push_back(key);
         return 0;
     }
@@ -102,14 +107,16 @@ public:
 
     std::string Name() const override { return "recorder"; }
     std::unique_ptr<DatabaseCatalog> NewCatalog() override {
-        if (isMissing)
+        if (isMissing) {
             throw AutomationError(429, "ActiveX component can't create object");
+        }
         return std::make_unique<Catalog>(*this);
     }
     std::unique_ptr<DatabaseConnection> Open(const std::string& connectionString) override {
         log.push_back("open " + connectionString);
-        if (failsToOpen)
+        if (failsToOpen) {
             throw AutomationError(-2147467259, "Could not find file.", "Microsoft JET Database Engine");
+        }
         return std::make_unique<Rows>(*this);
     }
 
@@ -137,16 +144,18 @@ private:
 
         void Create(const std::string& connectionString) override {
             database_.log.push_back("create " + connectionString);
-            if (database_.failsToCreate)
+            if (database_.failsToCreate) {
                 throw AutomationError(-2147217897, "Database already exists.",
                                       "Microsoft JET Database Engine");
+            }
         }
         void AppendTable(const TableDefinition& table) override {
             std::string line;
-            for (const auto& column : table.columns)
+            for (const auto& column : table.columns) {
                 line += (line.empty() ? "table " + table.name + ": " : ", ") + column.name + " " +
                         std::to_string(static_cast<int>(column.type)) + " " +
                         std::to_string(column.definedSize) + " " + std::to_string(column.attributes);
+            }
             database_.log.push_back(line);
         }
 

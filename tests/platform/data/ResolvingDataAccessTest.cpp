@@ -45,8 +45,9 @@ TEST(NamesEmbeddedCube, ByWhatTheDataSourceHolds) {
         {"a text that is none", "what is this", false},
         {"nothing", "", false},
     };
-    for (const Case& c : cases)
+    for (const Case& c : cases) {
         EXPECT_EQ(NamesEmbeddedCube(c.text), c.isEmbedded) << c.what;
+    }
 }
 
 /// Two providers: "left" opens the texts that begin so, "right" all others.
@@ -149,8 +150,9 @@ TEST_F(Resolving, NothingOfAProviderIsTouchedBeforeItIsKnown) {
          3709},
         {"a recordset's fields", [&] { static_cast<void>(recordset->FieldCount()); }, 3704},
     };
-    for (const Case& c : cases)
+    for (const Case& c : cases) {
         EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
+    }
     EXPECT_EQ(connection->State(), stateClosed);
     EXPECT_EQ(connection->Provider() + connection->DefaultDatabase() + connection->ConnectionString(), "");
     EXPECT_THAT(left_.log, IsEmpty());

@@ -24,10 +24,11 @@ std::string Shown(const PersistedTable& table) {
     std::string text = fmt::format("{}", fmt::join(table.columns, "|"));
     for (const auto& row : table.rows) {
         text += "\n";
-        for (const auto& value : row)
+        for (const auto& value : row) {
             text += value.Is<Null>()           ? "-|"
                     : value.Is<std::int32_t>() ? fmt::format("{}|", value.As<std::int32_t>())
                                                : fmt::format("'{}'|", value.As<std::string>());
+        }
     }
     return text;
 }
@@ -36,8 +37,9 @@ std::vector<RecordsetXmlCase> ReadableRecordsets() {
     const std::string oneRow = "<rs:data><z:row lId='1' c1='שלום &quot;&lt;' n='-3'/></rs:data>";
     const std::string head = "lId|long name|n";
     std::string renamed = Recordset(oneRow);
-    for (std::size_t at = 0; (at = renamed.find("z:row", at)) != std::string::npos;)
+    for (std::size_t at = 0; (at = renamed.find("z:row", at)) != std::string::npos;) {
         renamed.replace(at, 1, "other");
+    }
     renamed.replace(renamed.find("xmlns:z"), 7, "xmlns:other");
     return {
         {"one row", Recordset(oneRow), head + "\n1|'שלום \"<'|-3|"},

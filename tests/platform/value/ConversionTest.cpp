@@ -54,8 +54,9 @@ TEST(Conversion, WritesValuesAsThePlatformDoes) {
         {"empty", Variant(), ""},
         {"text as it stands", "\u00A0 שכר \"א\"", "\u00A0 שכר \"א\""},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(ToText(c.value, commaDecimal), c.text) << c.what;
+    }
 }
 
 TEST(Conversion, RaisesThePlatformsErrors) {
@@ -96,8 +97,9 @@ TEST(Conversion, ReadsNumbersAsThePlatformDoes) {
     for (const char* text :
          {"",     " ",  "-",        ".",       ",5",    "1.2.3", "1.2,3", "--3",  "-3-",
           "(-3)", "()", "1E",       "1E+",     "E3",    "12a",   "&H",    "&HG",  "&H100000000",
-          "1 2",  "١٢", "\u00A012", "#ERR 13", "1E999", "inf",   "nan",   "0x10", "31/03/2020"})
+          "1 2",  "١٢", "\u00A012", "#ERR 13", "1E999", "inf",   "nan",   "0x10", "31/03/2020"}) {
         EXPECT_FALSE(IsNumericText(text, plain)) << text;
+    }
     EXPECT_DOUBLE_EQ(ToDouble("1.234,5", commaDecimal), 1234.5);
     EXPECT_DOUBLE_EQ(ToDouble(Decimal{1, 0, 1, true}, plain), -1844674407370955161.6);
     EXPECT_DOUBLE_EQ(ToDouble(Currency{-12345}, plain), -1.2345);
@@ -106,11 +108,13 @@ TEST(Conversion, ReadsNumbersAsThePlatformDoes) {
 
 TEST(Conversion, TellsNumbersFromOtherTypes) {
     for (const Variant& number :
-         {Variant(), Variant(true), Variant(1.5), Variant(Currency{1}), Variant("12")})
+         {Variant(), Variant(true), Variant(1.5), Variant(Currency{1}), Variant("12")}) {
         EXPECT_TRUE(IsNumeric(number, plain)) << number.TypeName();
+    }
     for (const Variant& other : {Variant(Null{}), Variant(AutomationDate{1}), Variant(ErrorValue{2042}),
-                                 ArrayOf(ElementType::Double), Variant(std::shared_ptr<const Object>())})
+                                 ArrayOf(ElementType::Double), Variant(std::shared_ptr<const Object>())}) {
         EXPECT_FALSE(IsNumeric(other, plain)) << other.TypeName();
+    }
 }
 
 TEST(Conversion, NamesTypesAsThePlatformDoes) {
@@ -126,8 +130,9 @@ TEST(Conversion, NamesTypesAsThePlatformDoes) {
         {Variant::List({1.0, "a"}), "Variant()"},
         {ArrayOf(ElementType::Decimal), "Decimal()"},
         {ArrayOf(ElementType::String), "String()"}};
-    for (const auto& [value, name] : cases)
+    for (const auto& [value, name] : cases) {
         EXPECT_EQ(value.TypeName(), name);
+    }
 }
 
 } // namespace

@@ -29,8 +29,9 @@ TEST(Date, KeepsEveryDayThroughTextInEveryOrder) {
     for (int day = first; day < last; ++day) {
         const AutomationDate date{static_cast<double>(day)};
         ASSERT_EQ(DateFromDay(DayFromDate(date)), date);
-        for (const Locale& locale : {dayFirst, monthFirst, yearFirst})
+        for (const Locale& locale : {dayFirst, monthFirst, yearFirst}) {
             ASSERT_EQ(ParseDate(FormatShortDate(date, locale), locale), date) << date.days;
+        }
     }
 }
 
@@ -42,11 +43,13 @@ TEST(Date, RefusesDaysThatNoCalendarHas) {
                                   {2020, 1, 0},
                                   {99, 12, 31},
                                   {10000, 1, 1},
-                                  {2020, 1, -2147483647}})
+                                  {2020, 1, -2147483647}}) {
         EXPECT_EQ(ErrorOf([&] { DateFromDay(day); }), ErrorNumber::InvalidProcedureCall) << day.year;
+    }
     for (const double days : {-657435.0, 2958466.0, 1e300, std::numeric_limits<double>::infinity(),
-                              std::numeric_limits<double>::quiet_NaN()})
+                              std::numeric_limits<double>::quiet_NaN()}) {
         EXPECT_EQ(ErrorOf([&] { FormatShortDate({days}, dayFirst); }), ErrorNumber::Overflow) << days;
+    }
     EXPECT_EQ(ErrorOf([] { AddMonths(DateFromDay({9999, 12, 1}), 1); }), ErrorNumber::InvalidProcedureCall);
 }
 
@@ -85,15 +88,17 @@ TEST(Date, ReadsWhatPeopleWrite) {
         {"29/02/2020", dayFirst, {2020, 2, 29}},    {"99/12/31", dayFirst, {1999, 12, 31}},
         {"3/2020 0:00", dayFirst, {2020, 3, 1}},    {"0:00", dayFirst, {1899, 12, 30}},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(ParseDate(c.text, c.locale), DateFromDay(c.day)) << c.text;
+    }
     EXPECT_EQ(ParseDate("5/3/2020 6:30 pm", dayFirst).days, DateFromDay({2020, 3, 5}).days + 18.5 / 24);
     EXPECT_EQ(ParseDate("12:00 AM", dayFirst).days, 0);
     for (const char* text :
          {"", " ", "All", "5", "5/3", "29/02/2021", "31/31/2020", "5/3/2020/1", "5//3/2020", "5/3/20200",
           "5/3/2020 25:00", "5/3/2020 10:60", "5/3/2020 x", "13:00 PM", "-5/3/2020", "\u00A05/3/2020",
-          "5/3/2020 10", "99999999999/1/1", "ינואר 2020"})
+          "5/3/2020 10", "99999999999/1/1", "ינואר 2020"}) {
         EXPECT_EQ(ErrorOf([&] { ParseDate(text, dayFirst); }), ErrorNumber::TypeMismatch) << text;
+    }
 }
 
 } // namespace

@@ -13,8 +13,9 @@ namespace {
 class RegionalSettings : public testing::Test {
 protected:
     ~RegionalSettings() override {
-        for (const auto& [type, text] : before_)
+        for (const auto& [type, text] : before_) {
             ::SetLocaleInfoW(LOCALE_USER_DEFAULT, type, text.c_str());
+        }
     }
 
     void Set(LCTYPE type, const wchar_t* text) {

@@ -22,10 +22,11 @@ using Words = std::vector<std::string>;
 Words SplitAtTabs(const std::string& line) {
     Words words(1);
     for (const char c : line) {
-        if (c == '\t')
+        if (c == '\t') {
             words.emplace_back();
-        else
+        } else {
             words.back() += c;
+        }
     }
     return words;
 }
@@ -33,10 +34,11 @@ Words SplitAtTabs(const std::string& line) {
 std::string OnOneLine(const std::string& text) {
     std::string line;
     for (const char c : text) {
-        if (c == '\n')
+        if (c == '\n') {
             line += '|';
-        else if (c != '\r')
+        } else if (c != '\r') {
             line += c;
+        }
     }
     return line;
 }
@@ -65,30 +67,31 @@ std::string ReadClock(const std::string& what) {
 
 std::string Act(const Person& person, const Words& step) {
     const std::string& what = step.at(0);
-    if (what == "type")
+    if (what == "type") {
         person.Type(step.at(1), step.at(2));
-    else if (what == "choose")
+    } else if (what == "choose") {
         person.Choose(step.at(1), step.at(2));
-    else if (what == "click")
+    } else if (what == "click") {
         person.Click(step.at(1));
-    else if (what == "key")
+    } else if (what == "key") {
         person.Key(step.at(1), KeyNamed(step.at(2)));
-    else if (what == "expect")
+    } else if (what == "expect") {
         person.Expect(step.at(1), step.at(2));
-    else if (what == "read")
+    } else if (what == "read") {
         return step.at(1) + "\t" + OnOneLine(person.ReadWhenShown(step.at(1)));
-    else if (what == "file")
+    } else if (what == "file") {
         person.ChooseFile(step.at(1));
-    else if (what == "close")
+    } else if (what == "close") {
         person.UseCloseBox();
-    else if (what == "gone")
+    } else if (what == "gone") {
         person.ExpectGone();
-    else if (what == "hold")
+    } else if (what == "hold") {
         HoldStill(step.at(1));
-    else if (what == "clock")
+    } else if (what == "clock") {
         return ReadClock(step.at(1));
-    else
+    } else {
         throw Disappointment("Nobody knows how to '" + what + "'");
+    }
     return {};
 }
 
@@ -104,12 +107,14 @@ int Run(const std::string& form, const std::string& stepsFile, const std::string
             if (step.at(0) == "answer") { // a box may come before the dialog
                 sight = "box\t" + OnOneLine(Person::Answer(std::stoi(step.at(1))));
             } else {
-                if (!person)
+                if (!person) {
                     person.emplace(form == "name" ? NameFormDesign() : FunctionFormDesign());
+                }
                 sight = Act(*person, step);
             }
-            if (!sight.empty())
+            if (!sight.empty()) {
                 seen << sight << std::endl;
+            }
         }
         seen << "done" << std::endl;
         return 0;

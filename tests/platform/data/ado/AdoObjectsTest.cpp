@@ -46,8 +46,9 @@ protected:
 
 std::string TableOf(Recordset& rows) {
     std::string table;
-    for (std::int32_t field = 0; field < rows.FieldCount(); ++field)
+    for (std::int32_t field = 0; field < rows.FieldCount(); ++field) {
         table += rows.FieldName(field) + "|";
+    }
     for (; !rows.AtEnd(); rows.MoveNext()) {
         table += "\n";
         for (std::int32_t field = 0; field < rows.FieldCount(); ++field) {
@@ -93,8 +94,9 @@ TEST_F(AdoObjects, ARecordsetIsReadByNameAndFailsAsTheProviderDoes) {
     const std::string firm = rows->FieldName(0);
     EXPECT_THAT(firm, HasSubstr("MEMBER_CAPTION"));
     EXPECT_EQ(rows->FieldValueNamed(firm).As<std::string>(), rows->FieldValue(0).As<std::string>());
-    while (!rows->AtEnd())
+    while (!rows->AtEnd()) {
         rows->MoveNext();
+    }
     EXPECT_EQ(ErrorOf([&] { rows->FieldValue(0); }), 3021);
     rows->Close();
     EXPECT_EQ(doubles_.Log().recordsetsClosed, 1);
@@ -115,8 +117,9 @@ TEST_F(AdoObjects, AConnectionTellsWhatItReaches) {
 
     const auto catalogs = connection->OpenSchema(schemaCatalogs);
     std::vector<std::string> names;
-    for (; !catalogs->AtEnd(); catalogs->MoveNext())
+    for (; !catalogs->AtEnd(); catalogs->MoveNext()) {
         names.push_back(catalogs->FieldValueNamed("CATALOG_NAME").As<std::string>());
+    }
     EXPECT_THAT(names, ElementsAre("LedgerFNC", "LedgerHebrewFNC"));
     EXPECT_EQ(ErrorOf([&] { connection->OpenSchema(20); }), 3251);
 

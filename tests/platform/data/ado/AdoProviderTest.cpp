@@ -57,8 +57,9 @@ TEST_F(AdoProvider, GivesTheSameValuesOverOneConnection) {
 TEST_F(AdoProvider, GivesTheSameNames) {
     const auto nameThrough = [&](const std::string& file, const std::string& code) {
         Arguments arguments;
-        for (const std::string& text : {file, std::string("LedgerFNC"), std::string("SuperSum1"), code})
+        for (const std::string& text : {file, std::string("LedgerFNC"), std::string("SuperSum1"), code}) {
             arguments.push_back(Text(text));
+        }
         return TextIn(Invoke(object_.Get(), L"QelName", arguments).value);
     };
     EXPECT_EQ(nameThrough("double:ledger", "1"), "Fixed assets");

@@ -13,8 +13,9 @@ DataAccess& Engine() {
 
 std::string EngineText(std::string text) {
     const std::string alias = "double:ledger";
-    if (const auto at = text.find(alias); at != std::string::npos)
+    if (const auto at = text.find(alias); at != std::string::npos) {
         text.replace(at, alias.size(), QEL_TEST_CUBE);
+    }
     return text;
 }
 

@@ -14,8 +14,9 @@ namespace {
 using Log = std::shared_ptr<ProviderLog>;
 
 void FailIf(const std::optional<ScriptedFailure>& failure) {
-    if (failure)
+    if (failure) {
         throw *failure;
+    }
 }
 
 /// The connections by their objects, so that a cellset finds the engine's own.
@@ -130,8 +131,9 @@ ComPointer<IDispatch> MakePositions(const std::shared_ptr<Cellset>& cellset, std
     return Collection(cellset->PositionCount(axis), [cellset, axis](const Variant& position) {
         const auto at = position.As<std::int32_t>();
         auto result = MakeDouble();
-        if (at >= cellset->PositionCount(axis))
+        if (at >= cellset->PositionCount(axis)) {
             throw AutomationError(3265, "Item cannot be found in the collection");
+        }
         DefineObject(*result.Get(), L"Members", [cellset, axis, at] {
             return Collection(cellset->MemberCount(axis, at), [cellset, axis, at](const Variant& index) {
                 return MakeCellsetMember(cellset->MemberAt(axis, at, index.As<std::int32_t>()));

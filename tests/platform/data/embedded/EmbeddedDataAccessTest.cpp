@@ -93,8 +93,9 @@ TEST_F(EmbeddedDataAccessTest, AConnectionWithoutACatalogListsTheCubesOfTheFile)
     const auto rows = connection->OpenSchema(schemaCatalogs);
     EXPECT_EQ(rows->FieldCount(), 1);
     std::vector<std::string> names;
-    for (; !rows->AtEnd(); rows->MoveNext())
+    for (; !rows->AtEnd(); rows->MoveNext()) {
         names.push_back(rows->FieldValueNamed("catalog_name").As<std::string>());
+    }
     EXPECT_EQ(names, (std::vector<std::string>{"BooksFNC", "FlatFNC"}));
     rows->MoveFirst();
     EXPECT_EQ(ErrorOf([&] { rows->FieldValueNamed("CUBE_NAME"); }), 3265);
@@ -177,8 +178,9 @@ TEST_F(EmbeddedDataAccessTest, ACellsetGivesMembersAndCells) {
     EXPECT_EQ(cellset->Value({0, 0}).As<double>(), 0.3);
     EXPECT_TRUE(cellset->Value({0, 1}).Is<Null>());
     for (const auto& outside :
-         std::vector<std::vector<std::int32_t>>{{2, 0}, {0, 2}, {0, -1}, {0}, {0, 0, 0}})
+         std::vector<std::vector<std::int32_t>>{{2, 0}, {0, 2}, {0, -1}, {0}, {0, 0, 0}}) {
         EXPECT_EQ(ErrorOf([&] { cellset->Value(outside); }), ErrorNumber::SubscriptOutOfRange);
+    }
     EXPECT_EQ(ErrorOf([&] { cellset->MemberAt(1, 2, 0); }), ErrorNumber::SubscriptOutOfRange);
     EXPECT_EQ(ErrorOf([&] { cellset->MemberAt(0, 0, 1); }), ErrorNumber::SubscriptOutOfRange);
     cellset->Close();

@@ -27,8 +27,9 @@ protected:
     std::string Table(const std::string& statement) {
         const auto rows = Run(statement);
         std::string table;
-        for (std::int32_t field = 0; field < rows->FieldCount(); ++field)
+        for (std::int32_t field = 0; field < rows->FieldCount(); ++field) {
             table += (field == 0 ? "" : "|") + rows->FieldName(field);
+        }
         for (; !rows->AtEnd(); rows->MoveNext()) {
             for (std::int32_t field = 0; field < rows->FieldCount(); ++field) {
                 const auto value = rows->FieldValue(field);
@@ -85,8 +86,9 @@ const TableCase tableCases[] = {
 };
 
 TEST_F(EmbeddedRecordsetTest, FlattensTheAnswer) {
-    for (const auto& c : tableCases)
+    for (const auto& c : tableCases) {
         EXPECT_EQ(Table(c.statement), c.table) << c.what;
+    }
 }
 
 TEST_F(EmbeddedRecordsetTest, StandsOnRowsAsAdoDoes) {
@@ -139,11 +141,13 @@ TEST_F(EmbeddedRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
         {"opening twice", [&] { open(statement); }, errorObjectOpen},
     };
     for (int round = 0; round < 2; ++round) { // a closed recordset can be opened again
-        for (const Case& c : whenClosed)
+        for (const Case& c : whenClosed) {
             EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
+        }
         open(statement);
-        for (const Case& c : whenOpen)
+        for (const Case& c : whenOpen) {
             EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
+        }
         EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
         EXPECT_EQ(rows->FieldValue(1).As<double>(), -299.7);
         rows->MoveNext();

@@ -64,8 +64,9 @@ TEST(OpenCubeFiles, KeepsOnlyTheLastFilesOpen) {
     const TemporaryFolder folder;
     OpenCubeFiles files;
     std::vector<std::weak_ptr<const engine::CubeFile>> opened(10);
-    for (std::size_t i = 0; i < opened.size(); ++i)
+    for (std::size_t i = 0; i < opened.size(); ++i) {
         opened[i] = files.Open(BuildBooks(folder.Path(fmt::format("{}.cub", i))));
+    }
     EXPECT_TRUE(opened.front().expired());
     EXPECT_FALSE(opened.back().expired());
 }
@@ -77,15 +78,19 @@ TEST(OpenCubeFiles, ServesManyThreads) {
     std::vector<std::size_t> cubes(4);
     std::vector<std::thread> threads;
     threads.reserve(cubes.size());
-    for (auto& count : cubes)
+    for (auto& count : cubes) {
         threads.emplace_back([&] {
-            for (int i = 0; i < 200; ++i)
+            for (int i = 0; i < 200; ++i) {
                 count += files.Open(path)->Cubes().size();
+            }
         });
-    for (int i = 0; i < 20; ++i)
+    }
+    for (int i = 0; i < 20; ++i) {
         BuildBooks(path);
-    for (auto& thread : threads)
+    }
+    for (auto& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ(cubes, (std::vector<std::size_t>{400, 400, 400, 400}));
 }
 

@@ -18,9 +18,10 @@ struct ServedLedger {
 private:
     static std::string Environment(const char* name) {
         const char* value = std::getenv(name);
-        if (!value)
+        if (!value) {
             throw std::runtime_error(std::string("Run by ctest, which starts a server and sets ") + name +
                                      ".");
+        }
         return value;
     }
 };

@@ -68,16 +68,18 @@ std::string RowsOf(const Cellset& cellset) {
 
 std::string RowsOf(Recordset& recordset) {
     std::string text;
-    for (std::int32_t field = 0; field < recordset.FieldCount(); ++field)
+    for (std::int32_t field = 0; field < recordset.FieldCount(); ++field) {
         text += recordset.FieldName(field) + "\t";
+    }
     for (; !recordset.AtEnd(); recordset.MoveNext()) {
         text += "\n";
         for (std::int32_t field = 0; field < recordset.FieldCount(); ++field) {
             const Variant value = recordset.FieldValue(field);
-            if (value.Is<double>())
+            if (value.Is<double>()) {
                 text += fmt::format("{:.3f}\t", value.As<double>() + 0.0); // no negative zero
-            else
+            } else {
                 text += value.Is<std::string>() ? value.As<std::string>() + "\t" : "Null\t";
+            }
         }
     }
     return text;

@@ -25,15 +25,17 @@ TEST(StatementForServer, LeavesEmptyElementsOutAndNothingElse) {
         {"an apostrophe quotes nothing", "'{ , [O''Neill]}'", "'{  [O''Neill]}'"},
         {"a name that never ends", "{ [a , ", "{ [a , "},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(WithoutEmptyElements(c.text), c.expected) << c.what;
+    }
 }
 
 TEST(StatementForServer, ReplacesNamesRightBelowAHierarchy) {
     const MemberLookup find = [](const std::string& hierarchy,
                                  const std::string& name) -> std::optional<std::string> {
-        if (hierarchy == "[S].[Code]" && (name == "42" || name == "a]b"))
+        if (hierarchy == "[S].[Code]" && (name == "42" || name == "a]b")) {
             return "[S].[Code].[All].[4].[" + name + "!]";
+        }
         return std::nullopt;
     };
     const TextCase cases[] = {
@@ -50,8 +52,9 @@ TEST(StatementForServer, ReplacesNamesRightBelowAHierarchy) {
          "{[S].[Code].[All].[4].[42!],[S].[Code].[All].[4].[42!]}"},
         {"cut off", "[S].[Code].[4", "[S].[Code].[4"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(WithMembersOfLowerLevels(c.text, find), c.expected) << c.what;
+    }
 }
 
 TEST(CellsetAnswer, NamesMembersByTheEndOfTheirPath) {
@@ -62,8 +65,9 @@ TEST(CellsetAnswer, NamesMembersByTheEndOfTheirPath) {
         {"a key above a name", "[Date].&[2024].[1]", "1"},
         {"no brackets", "Measures", ""},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(LastNameOf(c.text), c.expected) << c.what;
+    }
 }
 
 TEST(XmlaRequest, CarriesEveryCharacterOfAStatement) {

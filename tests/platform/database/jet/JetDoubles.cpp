@@ -29,8 +29,9 @@ std::int32_t NumberAt(const Inputs& inputs, std::size_t index) {
 /// Writes the call down, or fails when it is the one to fail.
 void Note(const SharedLog& log, const std::string& call) {
     log->calls.push_back(call);
-    if (call.substr(0, call.find(' ')) == log->failingCall)
+    if (call.substr(0, call.find(' ')) == log->failingCall) {
         throw ScriptedFailure{E_FAIL, "scripted: " + call, "double"};
+    }
 }
 
 /// An object that is counted for as long as its members live.
@@ -61,16 +62,18 @@ struct TableState {
 
     ColumnState& Named(const std::string& column) {
         for (ColumnState& state : columns) {
-            if (state.name == column)
+            if (state.name == column) {
                 return state;
+            }
         }
         throw ScriptedFailure{itemNotFound, "Item cannot be found in the collection", "ADOX.Columns"};
     }
     std::string Description() const {
         std::string text = "table " + name + ":";
-        for (const ColumnState& column : columns)
+        for (const ColumnState& column : columns) {
             text += " " + column.name + "/" + std::to_string(column.type) + "/" +
                     std::to_string(column.size) + "/" + std::to_string(column.attributes);
+        }
         return text;
     }
 };
@@ -121,9 +124,10 @@ ComPointer<IDispatch> MakeCatalog(const SharedLog& log) {
     catalog->Define(L"Create", [log](const Inputs& inputs) {
         Note(log, "create " + TextAt(inputs, 0));
         const auto path = DatabaseFileOf(TextAt(inputs, 0));
-        if (std::filesystem::exists(path))
+        if (std::filesystem::exists(path)) {
             throw ScriptedFailure{databaseExists, "Database already exists.",
                                   "Microsoft JET Database Engine"};
+        }
         std::ofstream(path, std::ios::binary).write("\0\1\0\0Standard Jet DB", 20);
         return OwnedVariant();
     });
@@ -167,14 +171,17 @@ ComPointer<IDispatch> MakeField(const SharedLog& log, const std::shared_ptr<Curs
                                 std::size_t column) {
     auto field = MakeDouble();
     field->Define(L"Value", [log, cursor, column](const Inputs& inputs) {
-        if (inputs.empty())
+        if (inputs.empty()) {
             return windows::ToAutomation(log->tables[cursor->table].at(cursor->row).at(column));
+        }
         Variant value = windows::FromAutomation(*inputs[0]);
-        if (value.Is<std::string>() && value.As<std::string>().empty())
+        if (value.Is<std::string>() && value.As<std::string>().empty()) {
             throw ScriptedFailure{E_FAIL, "Field cannot be a zero-length string.", "double"};
-        if (value.Is<std::string>() && windows::ToWide(value.As<std::string>()).size() > defaultLength)
+        }
+        if (value.Is<std::string>() && windows::ToWide(value.As<std::string>()).size() > defaultLength) {
             throw ScriptedFailure{fieldTooSmall, "The field is too small to accept the amount of data.",
                                   "double"};
+        }
         cursor->added.value().at(column) = value;
         return OwnedVariant();
     });
@@ -188,8 +195,9 @@ ComPointer<DispatchDouble> MakeFields(const SharedLog& log, const std::shared_pt
     });
     fields->Define(L"Item", [log, cursor](const Inputs& inputs) {
         const auto column = static_cast<std::size_t>(NumberAt(inputs, 0));
-        if (column >= log->columns.at(cursor->table))
+        if (column >= log->columns.at(cursor->table)) {
             throw ScriptedFailure{itemNotFound, "Item cannot be found in the collection", "ADODB.Fields"};
+        }
         return ObjectValue(MakeField(log, cursor, column));
     });
     return fields;

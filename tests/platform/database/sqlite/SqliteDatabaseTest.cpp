@@ -35,8 +35,9 @@ public:
         char* fault = nullptr;
         const auto addRow = [](void* list, int count, char** values, char** /*names*/) {
             std::string row;
-            for (int i = 0; i < count; ++i)
+            for (int i = 0; i < count; ++i) {
                 row += (i == 0 ? "" : " ") + std::string(values[i] ? values[i] : "NULL");
+            }
             static_cast<std::vector<std::string>*>(list)->push_back(row);
             return 0;
         };

@@ -37,12 +37,14 @@ bool HasClass(HWND window, const wchar_t* name) {
 }
 
 bool IsOf(const FormDesign& design, HWND window) {
-    if (!HasClass(window, L"#32770") || ::IsWindowVisible(window) == FALSE)
+    if (!HasClass(window, L"#32770") || ::IsWindowVisible(window) == FALSE) {
         return false;
+    }
     for (std::size_t i = 0; i < design.controls.size(); ++i) {
         if (design.controls[i].kind != ControlKind::FileDialog &&
-            ::GetDlgItem(window, windows::ControlId(design, i)) == nullptr)
+            ::GetDlgItem(window, windows::ControlId(design, i)) == nullptr) {
             return false;
+        }
     }
     return true;
 }
@@ -55,8 +57,9 @@ struct WindowSearch {
 // No lambda: one of 32 bits has another calling convention.
 BOOL CALLBACK LookAtWindow(HWND window, LPARAM at) {
     auto& search = *windows::CarriedPointer<WindowSearch>(at);
-    if (!search.isWanted(window))
+    if (!search.isWanted(window)) {
         return TRUE;
+    }
     search.found = window;
     return FALSE;
 }
@@ -83,8 +86,9 @@ void PressKey(HWND window, WORD key) {
 void TypeText(HWND field, const std::string& text) {
     ::PostMessageW(field, EM_SETSEL, 0, -1);
     ::PostMessageW(field, WM_CHAR, VK_BACK, 1);
-    for (const wchar_t character : ToWide(text))
+    for (const wchar_t character : ToWide(text)) {
         ::PostMessageW(field, WM_CHAR, static_cast<WPARAM>(character), 1);
+    }
 }
 
 void PressAndRelease(HWND window, LPARAM pressed, LPARAM released) {
@@ -104,8 +108,9 @@ HWND FieldOf(HWND control) {
 void Person::WaitUntil(const std::string& what, const std::function<bool()>& holds) {
     const auto end = std::chrono::steady_clock::now() + patience;
     while (!holds()) {
-        if (std::chrono::steady_clock::now() > end)
+        if (std::chrono::steady_clock::now() > end) {
             throw Disappointment("This never came: " + what);
+        }
         std::this_thread::sleep_for(pause);
     }
 }
@@ -119,8 +124,9 @@ Person::Person(const FormDesign& design) : design_(design) {
 
 HWND Person::Control(const std::string& name) const {
     for (std::size_t i = 0; i < design_.controls.size(); ++i) {
-        if (name == design_.controls[i].name)
+        if (name == design_.controls[i].name) {
             return ::GetDlgItem(dialog_, windows::ControlId(design_, i));
+        }
     }
     throw Disappointment("The form has no control " + name);
 }
@@ -138,8 +144,9 @@ void Person::Focus(const std::string& control) const {
         ::GetGUIThreadInfo(::GetWindowThreadProcessId(dialog_, nullptr), &state);
         return state.hwndFocus == window || ::IsChild(window, state.hwndFocus) != FALSE;
     };
-    if (hasFocus())
+    if (hasFocus()) {
         return;
+    }
     ::PostMessageW(dialog_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(window), TRUE);
     WaitUntil(control + " has the focus", hasFocus);
 }
@@ -168,8 +175,9 @@ void Person::Choose(const std::string& control, const std::string& item) const {
     });
     const UINT selected = isList ? LB_GETCURSEL : CB_GETCURSEL;
     const LRESULT from = ::SendMessageW(window, selected, 0, 0);
-    for (LRESULT step = 0; step < std::abs(static_cast<long>(wanted - from)); ++step)
+    for (LRESULT step = 0; step < std::abs(static_cast<long>(wanted - from)); ++step) {
         PressKey(window, wanted > from ? VK_DOWN : VK_UP);
+    }
     WaitUntil(control + " shows '" + item + "'",
               [&] { return ::SendMessageW(window, selected, 0, 0) == wanted; });
 }
@@ -193,8 +201,9 @@ void Person::UseCloseBox() const { ::PostMessageW(dialog_, WM_SYSCOMMAND, SC_CLO
 
 std::string Person::Read(const std::string& control) const {
     const HWND window = Control(control);
-    if (!HasClass(window, L"ListBox"))
+    if (!HasClass(window, L"ListBox")) {
         return ToUtf8(TextOf(window));
+    }
     std::wstring lines;
     const LRESULT count = ::SendMessageW(window, LB_GETCOUNT, 0, 0);
     for (LRESULT i = 0; i < count; ++i) {
@@ -265,8 +274,9 @@ void Person::ChooseFile(const std::string& path) const {
     HWND field = nullptr;
     WaitUntil("the field of the file's name", [&] {
         field = ::GetDlgItem(box, fileNameBox);
-        if (field == nullptr)
+        if (field == nullptr) {
             field = ::GetDlgItem(box, 1152); // an older form of the dialog has a text box (edt1)
+        }
         return field != nullptr;
     });
     const std::wstring text = ToWide(path);

@@ -13,8 +13,9 @@ namespace {
 void AnswerMessagesUntil(const std::atomic<bool>& hasLeft) {
     while (!hasLeft) {
         MSG message = {};
-        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE)
+        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
             ::DispatchMessageW(&message);
+        }
         std::this_thread::sleep_for(std::chrono::milliseconds(5));
     }
 }
@@ -23,24 +24,28 @@ void AnswerMessagesUntil(const std::atomic<bool>& hasLeft) {
 
 void EventLog::OnLoad() {
     told.emplace_back("load");
-    if (onLoad)
+    if (onLoad) {
         onLoad();
+    }
 }
 
 void EventLog::OnClick(std::string_view control) {
     told.push_back("click " + std::string(control));
-    if (onClick)
+    if (onClick) {
         onClick(control);
-    if (control == "CmdOK" || control == "CmdCancel")
+    }
+    if (control == "CmdOK" || control == "CmdCancel") {
         dialog->Hide();
+    }
 }
 
 void EventLog::OnChange(std::string_view control) { told.push_back("change " + std::string(control)); }
 
 void EventLog::OnLeave(std::string_view control) {
     told.push_back("leave " + std::string(control));
-    if (onLeave)
+    if (onLeave) {
         onLeave(control);
+    }
 }
 
 void ShowTo(Dialog& dialog, const FormDesign& design, const std::function<void(const Person&)>& person) {
@@ -73,8 +78,9 @@ void ShowTo(Dialog& dialog, const FormDesign& design, const std::function<void(c
     AnswerMessagesUntil(hasLeft);
     acting.join();
     EXPECT_EQ(disappointment, "");
-    if (failure)
+    if (failure) {
         std::rethrow_exception(failure);
+    }
 }
 
 } // namespace qel::test

@@ -49,8 +49,9 @@ private:
     static BOOL CALLBACK LookAt(HWND window, LPARAM) {
         wchar_t name[16] = {};
         ::GetClassNameW(window, name, 16);
-        if (std::wstring(name) != L"#32770")
+        if (std::wstring(name) != L"#32770") {
             return TRUE;
+        }
         current_->Read(window);
         ::PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(current_->button_), 0);
         return FALSE;
@@ -71,12 +72,13 @@ private:
         wchar_t name[16] = {};
         ::GetClassNameW(part, name, 16);
         const bool isVisible = (::GetWindowLongW(part, GWL_STYLE) & WS_VISIBLE) != 0;
-        if (std::wstring(name) == L"Button" && isVisible)
+        if (std::wstring(name) == L"Button" && isVisible) {
             seen.buttons.push_back(::GetDlgCtrlID(part));
-        else if ((::GetWindowLongW(part, GWL_STYLE) & SS_TYPEMASK) == SS_ICON)
+        } else if ((::GetWindowLongW(part, GWL_STYLE) & SS_TYPEMASK) == SS_ICON) {
             seen.hasIcon = seen.hasIcon || isVisible;
-        else if (!TextOf(part).empty() && isVisible)
+        } else if (!TextOf(part).empty() && isVisible) {
             seen.text = TextOf(part);
+        }
     }
 
     static inline BoxReader* current_ = nullptr;

@@ -62,8 +62,9 @@ public:
         std::vector<std::uint32_t> rows;
         for (std::uint32_t row = 0; row < count_; ++row) {
             if (typed.empty() || Text(row, 0).find(typed) != std::string::npos ||
-                Text(row, 1).find(typed) != std::string::npos)
+                Text(row, 1).find(typed) != std::string::npos) {
                 rows.push_back(row);
+            }
         }
         asked = 0;
         return rows;
@@ -290,8 +291,9 @@ TEST(Win32Dialog, AsksAHugeListOnlyForTheRowsThatAreSeen) {
 TEST(Win32Dialog, RaisesWhatAHandlerRaised) {
     Bench bench;
     bench.log.onClick = [](std::string_view control) {
-        if (control == "CmdAdd")
+        if (control == "CmdAdd") {
             throw AutomationError(1004, "The sheet is protected");
+        }
     };
     EXPECT_EQ(ErrorOf([&] { bench.Show([](const Person& person) { person.Click("CmdAdd"); }); }), 1004);
 }
@@ -340,13 +342,15 @@ TEST(Win32Dialog, PressesNoButtonWhenLeavingTheFieldIsRefused) {
         Bench bench;
         int left = 0;
         bench.log.onLeave = [&](std::string_view) {
-            if (left++ == 0)
+            if (left++ == 0) {
                 c.refuse(*bench.dialog);
+            }
         };
         bench.Show([&](const Person& person) {
             person.Key("TxtCity", VK_HOME);
-            for (const char* const button : c.pressed)
+            for (const char* const button : c.pressed) {
                 person.Click(button);
+            }
         });
         EXPECT_EQ(bench.log.told, c.told) << c.what;
     }
@@ -374,8 +378,9 @@ TEST(Win32Dialog, RefusesControlsThatCannotDoWhatIsAsked) {
         [&] { bench.dialog->SetFocus("LabelCity"); },
         [&] { bench.dialog->AskForFile("CmdAdd", {}); },
     };
-    for (const auto& call : calls)
+    for (const auto& call : calls) {
         EXPECT_EQ(ErrorOf(call), 5);
+    }
     EXPECT_EQ(ErrorOf([&] { bench.dialog->Select("CboKind", 3); }), 9);
     EXPECT_EQ(ErrorOf([&] { bench.dialog->Select("BndAccount", 300); }), 9);
 }
@@ -384,8 +389,9 @@ TEST(Win32Dialog, AsksForAFile) {
     Bench bench;
     std::string chosen = "not asked";
     bench.log.onClick = [&](std::string_view control) {
-        if (control == "CmdAdd")
+        if (control == "CmdAdd") {
             chosen = bench.dialog->AskForFile("CmdDial", {"Open", "Cub files(*.cub)|*.cub"});
+        }
     };
     bench.Show([](const Person& person) {
         person.Click("CmdAdd");
@@ -406,8 +412,9 @@ TEST(Win32Dialog, MirrorsARightToLeftFormAndGrowsWithItsFont) {
     for (const bool isRightToLeft : {false, true}) {
         Bench bench(isRightToLeft);
         bench.dialog->Texts().SetCaption("פונקציית QEL");
-        if (isRightToLeft)
+        if (isRightToLeft) {
             bench.dialog->Texts().SetFont({"Tahoma", 16});
+        }
         bench.Show([&](const Person& person) {
             const RECT label = PlaceOf(person, "LabelCity");
             const RECT field = PlaceOf(person, "TxtCity");
@@ -435,8 +442,9 @@ TEST(AccessKey, IsTheFirstOfTheLettersThatTheCaptionHolds) {
         {"OK", "", "OK"},
         {"", "A", ""},
     };
-    for (const Case& c : cases)
+    for (const Case& c : cases) {
         EXPECT_EQ(windows::WithAccessKey(c.caption, c.letters), c.shown) << c.caption;
+    }
 }
 
 } // namespace

@@ -72,8 +72,9 @@ struct ValueCase {
 
 TEST_F(SettingsFiles, ReadValuesAsProfileFilesDo) {
     std::string hebrew;
-    for (int i = 0; i < 300; ++i)
+    for (int i = 0; i < 300; ++i) {
         hebrew += "א";
+    }
     const ValueCase cases[] = {
         {"quotes keep outer blanks", "k=\" a \"", " a "},
         {"quotes of the other kind", "k='a'", "a"},
@@ -111,8 +112,9 @@ TEST_F(SettingsFiles, FailWithoutLosingAnything) {
 class Variable {
 public:
     Variable(const char* name, const char* value) : name_(name) {
-        if (const char* before = std::getenv(name))
+        if (const char* before = std::getenv(name)) {
             before_ = before;
+        }
         Put(value);
     }
     ~Variable() { Put(before_ ? before_->c_str() : nullptr); }
@@ -121,10 +123,11 @@ public:
 
 private:
     void Put(const char* value) const {
-        if (value)
+        if (value) {
             setenv(name_, value, 1);
-        else
+        } else {
             unsetenv(name_);
+        }
     }
     const char* name_;
     std::optional<std::string> before_;
@@ -144,10 +147,11 @@ TEST(ConfigFolder, FollowsTheDesktopsRules) {
     for (const auto& c : cases) {
         const Variable configHome("XDG_CONFIG_HOME", c.configHome);
         const Variable home("HOME", c.home);
-        if (c.settings)
+        if (c.settings) {
             EXPECT_EQ(SettingsFile(), c.settings) << c.what;
-        else
+        } else {
             EXPECT_THROW(SettingsFile(), AutomationError) << c.what;
+        }
     }
 }
 

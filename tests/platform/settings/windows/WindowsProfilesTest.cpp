@@ -26,8 +26,9 @@ struct CodePageLetters {
 CodePageLetters LettersOfSystem() {
     constexpr UINT hebrew = 1255;
     constexpr UINT western = 1252;
-    if (::GetACP() == hebrew)
+    if (::GetACP() == hebrew) {
         return {"א", "\xE0", "é"};
+    }
     EXPECT_EQ(::GetACP(), western) << "no letters are known of this code page";
     return {"é", "\xE9", "א"};
 }
@@ -115,8 +116,9 @@ TEST_F(WindowsProfilesTest, TellsWhatCannotBeWritten) {
     HANDLE const otherProgram = ::CreateFileW(path.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr,
                                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
     ASSERT_NE(otherProgram, INVALID_HANDLE_VALUE);
-    for (const char* cube : {"C:\\b.cub", "C:\\ב.cub"})
+    for (const char* cube : {"C:\\b.cub", "C:\\ב.cub"}) {
         EXPECT_EQ(profiles.WriteString("FileCube", "F", cube, PathToUtf8(path)), 0) << cube;
+    }
     ::CloseHandle(otherProgram);
     EXPECT_EQ(folder.Read(File("Cub.ini")), "[FileCube]\r\nF=C:\\a.cub\r\n");
     EXPECT_EQ(profiles.WriteString("FileCube", "F", "C:\\א.cub", PathToUtf8(folder.Path("missing/Cub.ini"))),

@@ -34,8 +34,9 @@ TEST_F(WindowsRegistryTest, OnlyTextsCountUpToTheirFirstZero) {
         {"longer than any buffer", std::wstring(5000, L'\x5D0'), REG_SZ,
          [] {
              std::string text;
-             for (int i = 0; i < 5000; ++i)
+             for (int i = 0; i < 5000; ++i) {
                  text += "א";
+             }
              return text;
          }()},
         {"a text to expand", std::wstring(L"%TEMP%\0", 7), REG_EXPAND_SZ, ""},

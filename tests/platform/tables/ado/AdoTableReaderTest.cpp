@@ -55,8 +55,9 @@ ComPointer<IDispatch> MakeRecordset(const std::shared_ptr<SavedTable>& table) {
                                                    : std::to_string(value.As<std::int32_t>()));
         }
         table->calls.push_back(call);
-        if (table->openFailure)
+        if (table->openFailure) {
             throw *table->openFailure;
+        }
         return OwnedVariant();
     });
     recordset->Define(L"Close", [table](const Inputs&) {

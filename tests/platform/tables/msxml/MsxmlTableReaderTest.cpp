@@ -17,10 +17,11 @@ using ::testing::HasSubstr;
 TEST(MsxmlTableReader, ReadsWhatTheReaderOfOtherSystemsReads) {
     const Apartment apartment;
     const TemporaryFolder folder;
-    for (const auto& c : ReadableRecordsets())
+    for (const auto& c : ReadableRecordsets()) {
         EXPECT_EQ(Shown(windows::MsxmlTableReader().Read(PathToUtf8(folder.Write("שפה.rs", c.bytes)))),
                   c.result)
             << c.what;
+    }
 }
 
 TEST(MsxmlTableReader, TellsWhatIsWrongWithAFile) {

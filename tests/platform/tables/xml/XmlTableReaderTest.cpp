@@ -16,8 +16,9 @@ namespace {
 using ::testing::HasSubstr;
 
 TEST(XmlTableReader, ReadsRowsInTheOrderOfTheColumns) {
-    for (const auto& c : test::ReadableRecordsets())
+    for (const auto& c : test::ReadableRecordsets()) {
         EXPECT_EQ(test::Shown(ParseXmlTable(c.bytes, "Lang.rs")), c.result) << c.what;
+    }
 }
 
 TEST(XmlTableReader, TellsWhatIsWrongWithAFile) {
@@ -40,12 +41,14 @@ TEST(XmlTableReader, TellsWhatIsWrongWithAFile) {
 TEST(ExampleLangTable, HasEveryTextOfTheComponentInBothLanguages) {
     const auto rows = LangRowsOf(XmlTableReader().Read(QEL_EXAMPLE_LANG));
     EXPECT_EQ(rows.size(), StringTable().size() * 2);
-    for (const auto& row : rows)
+    for (const auto& row : rows) {
         EXPECT_EQ(row.text, ResourceString(row.number, static_cast<std::int16_t>(row.language)))
             << row.number;
-    for (const auto& [language, findings] : CheckLangRows(rows))
+    }
+    for (const auto& [language, findings] : CheckLangRows(rows)) {
         EXPECT_TRUE(findings.missing.empty() && findings.duplicate.empty() && findings.empty.empty())
             << language;
+    }
 }
 
 } // namespace
