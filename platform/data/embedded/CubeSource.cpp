@@ -16,8 +16,7 @@ namespace {
 constexpr const char* whatCanBeOpened = "A cube file made by 'qel cube build' can be opened.";
 
 AutomationError CannotOpen(engine::ErrorKind kind, const std::string& dataSource, std::string_view fault) {
-    return ProviderError(static_cast<std::int32_t>(kind),
-                         fmt::format("The cube file '{}' {}. {}", dataSource, fault, whatCanBeOpened));
+    return ProviderError(kind, fmt::format("The cube file '{}' {}. {}", dataSource, fault, whatCanBeOpened));
 }
 
 } // namespace

@@ -35,7 +35,7 @@ std::shared_ptr<const engine::Cube> OnlyCube(const engine::CubeFile& file, const
         names += fmt::format("{}'{}'", names.empty() ? "" : ", ", cube.Name());
     }
     throw ProviderError(
-        static_cast<std::int32_t>(engine::ErrorKind::UnknownCube),
+        engine::ErrorKind::UnknownCube,
         fmt::format("No cube is named, and the cube file '{}' holds {}: {}.", path, cubes.size(), names));
 }
 

@@ -14,8 +14,12 @@ namespace qel {
 
 /// An error in the name of the embedded engine.
 AutomationError ProviderError(std::int32_t number, std::string description);
+AutomationError ProviderError(engine::ErrorKind kind, std::string description);
 
-/// The same number (the kind's) and text, in the name of the embedded engine.
+/// The number that clients see for an engine's error; docs/errors.md lists them.
+std::int32_t ErrorNumberOf(engine::ErrorKind kind);
+
+/// The error's text and its kind's number, in the name of the embedded engine.
 AutomationError ToAutomationError(const engine::EngineError& error);
 
 /// Runs `work` and returns its result; an EngineError leaves as an AutomationError.
