@@ -5,9 +5,10 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
+# The libraries go into the Calc add-in, and the engine into other programs' shared libraries.
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 if(QEL_OFFICE)
-    # The libraries go into the Calc add-in, too; it shows nothing to the office but its factory functions.
-    set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+    # The add-in shows nothing to the office but its factory functions.
     set(CMAKE_CXX_VISIBILITY_PRESET hidden)
     set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 endif()
@@ -17,6 +18,8 @@ if(CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
 endif()
 
+# What every target of the repository is compiled with: the warnings and the include root. Linked privately, so that
+# nobody who links a target inherits them.
 add_library(qel_options INTERFACE)
 target_include_directories(qel_options INTERFACE "${CMAKE_SOURCE_DIR}")
 target_compile_options(qel_options INTERFACE
@@ -48,10 +51,10 @@ if(QEL_FUZZ)
     add_link_options(-fsanitize=address,undefined)
 endif()
 
-# qel_library(NAME sources...): a folder's library, with the house's warnings and include root.
+# qel_library(NAME sources...): a folder's library.
 function(qel_library name)
     add_library(${name} STATIC ${ARGN})
-    target_link_libraries(${name} PUBLIC qel_options)
+    target_link_libraries(${name} PRIVATE qel_options)
 endfunction()
 
 # qel_program(NAME sources...): a program that lands in build/<preset>/bin.
