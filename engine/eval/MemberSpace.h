@@ -2,7 +2,7 @@
 
 #include "engine/eval/CodeRanges.h"
 #include "engine/eval/Query.h"
-#include "engine/mdx/Place.h"
+#include "engine/mdx/SourceRange.h"
 #include "engine/storage/Cube.h"
 
 #include <string>

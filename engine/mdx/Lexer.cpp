@@ -17,7 +17,7 @@ bool IsWordStart(char c) {
 }
 bool IsWordPart(char c) { return IsWordStart(c) || IsDigit(c) || c == '$'; }
 
-Place PlaceOf(std::size_t begin, std::size_t end) {
+SourceRange PlaceOf(std::size_t begin, std::size_t end) {
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end)};
 }
 
@@ -50,7 +50,7 @@ Token Lexer::Next() {
         return ReadName();
     }
     if (IsWordStart(c)) {
-        return ReadWord();
+        return ReadPackedKey();
     }
     if (IsDigit(c)) {
         return ReadNumber();
@@ -96,7 +96,7 @@ Token Lexer::RawUpTo(std::string_view word) {
         const std::size_t start = position_;
         if (!IsWordStart(At(position_))) {
             ++position_;
-        } else if (IsWord(ReadWord().text, word)) {
+        } else if (IsWord(ReadPackedKey().text, word)) {
             position_ = start;
             break;
         }
@@ -217,7 +217,7 @@ Token Lexer::ReadNumber() {
     return Take(TokenKind::Number, end - position_);
 }
 
-Token Lexer::ReadWord() {
+Token Lexer::ReadPackedKey() {
     std::size_t end = position_;
     while (IsWordPart(At(end)) && (At(end) > 0 || BlankLength(statement_.substr(end, 3)) == 0)) {
         ++end;
@@ -281,7 +281,7 @@ Token Lexer::Take(TokenKind kind, std::size_t length) {
 }
 
 bool Lexer::Decode(const Token& token, std::string& decoded) const {
-    const char quote = token.kind == TokenKind::Name ? ']' : statement_[token.place.begin];
+    const char quote = token.kind == TokenKind::Name ? ']' : statement_[token.range.begin];
     const bool doubleQuotes = inFormula_;
     if (token.text.find(quote) == std::string_view::npos &&
         (!doubleQuotes || token.text.find('\'') == std::string_view::npos)) {

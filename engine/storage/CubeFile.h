@@ -39,8 +39,8 @@ public:
     std::shared_ptr<const Cube> FindCube(std::string_view name) const;
 
     /// Reads every byte: all page checksums, and that every projection holds the same facts in its declared
-    /// order with codes in range, and each rollup the same as its facts. `progress` (may be empty) is called
-    /// with a share from 0 to 1. Raises EngineError (DamagedFile) at the first fault.
+    /// order with codes in range, and each aggregate the same as its facts. `progress` (may be empty) is
+    /// called with a share from 0 to 1. Raises EngineError (DamagedFile) at the first fault.
     void Verify(const std::function<void(double)>& progress) const;
 
 private:

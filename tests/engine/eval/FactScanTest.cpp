@@ -1,7 +1,7 @@
 #include "engine/eval/FactScan.h"
 
 #include "engine/build/BuildCube.h"
-#include "engine/eval/FactReading.h"
+#include "engine/eval/FactAccessPlan.h"
 #include "engine/eval/ScanPlan.h"
 #include "engine/storage/CubeFile.h"
 #include "tests/helpers/TemporaryFolder.h"

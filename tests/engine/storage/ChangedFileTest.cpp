@@ -37,7 +37,7 @@ SmallCube EqualFacts(std::int8_t value) {
     cube.model.projections = {{{0}, {0, rows, rows}}};
     cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
     cube.values = {std::vector<std::int8_t>(rows, value)};
-    cube.hasRollups = false;
+    cube.hasAggregates = false;
     return cube;
 }
 

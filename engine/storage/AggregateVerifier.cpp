@@ -1,4 +1,4 @@
-#include "engine/storage/RollupVerifier.h"
+#include "engine/storage/AggregateVerifier.h"
 
 #include "engine/storage/CodeColumn.h"
 
@@ -49,14 +49,14 @@ bool AreWellFormed(const CodeGroups& groups) {
 /// Rows of a run, counted from its first.
 using RowPlaces = std::vector<std::size_t>;
 
-/// Facts added up by their word and their granule of time; sums wrap around.
+/// Facts added up by their word and their bucket of time; sums wrap around.
 class FactTotals {
 public:
     explicit FactTotals(std::size_t measures) : sums_(measures) {}
 
-    /// The place of a word and a granule, which is new with nothing in it.
-    std::size_t PlaceOf(std::uint32_t word, std::uint32_t granule) {
-        const auto [found, isNew] = places_.try_emplace(std::uint64_t{word} << 32U | granule, rows_.size());
+    /// The place of a word and a bucket, which is new with nothing in it.
+    std::size_t PlaceOf(std::uint32_t key, std::uint32_t bucket) {
+        const auto [found, isNew] = places_.try_emplace(std::uint64_t{key} << 32U | bucket, rows_.size());
         if (isNew) {
             rows_.push_back(0);
             for (std::vector<std::uint64_t>& sums : sums_) {
@@ -97,69 +97,70 @@ struct FactContents {
     bool operator==(const FactContents&) const = default;
 };
 
-class RollupCheck {
+class AggregateCheck {
 public:
-    explicit RollupCheck(const FactTable& facts) : facts_(facts), rollups_(*facts.Rollups()) {}
+    explicit AggregateCheck(const FactTable& facts) : facts_(facts), aggregates_(*facts.Aggregates()) {}
 
-    std::string FaultOf(const Rollup& stored) const {
-        if (rollups_.Find(stored.key) != &stored) {
+    std::string FaultOf(const Aggregate& stored) const {
+        if (aggregates_.Find(stored.key) != &stored) {
             return "its key does not find it";
         }
-        const Rollup rollup = stored; // what is checked of it is relied on
-        if (!IsOfColumns(rollup.key)) {
+        const Aggregate aggregate = stored; // what is checked of it is relied on
+        if (!IsOfColumns(aggregate.key)) {
             return "its key has codes that do not exist";
         }
-        if (rollup.unused != 0 ||
-            (rollup.merged != 0 && (rollup.strips == 0 || rollups_.WordColumns().empty()))) {
-            return "it has merged strips where there can be none";
+        if (aggregate.unused != 0 || (aggregate.coarserKeyCount != 0 &&
+                                      (aggregate.keyCount == 0 || aggregates_.PackedKeyColumns().empty()))) {
+            return "it has a coarser aggregate where there can be none";
         }
-        return rollup.strips == 0 ? FaultOfRows(rollup) : FaultOfStrips(rollup);
+        return aggregate.keyCount == 0 ? FaultOfRows(aggregate) : FaultOfPrefixSums(aggregate);
     }
 
 private:
     static constexpr const char* disorder = "its facts are not in order";
     static constexpr const char* difference = "it differs from the facts";
-    static constexpr std::uint32_t allOfWord = 0xFFFFFFFFU;
+    static constexpr std::uint32_t wholeKey = 0xFFFFFFFFU;
 
-    std::string FaultOfRows(const Rollup& rollup) const {
+    std::string FaultOfRows(const Aggregate& aggregate) const {
         FactContents own, expected;
-        if (!AddRows(rollup, own)) {
+        if (!AddRows(aggregate, own)) {
             return disorder;
         }
-        VisitFacts(rollup.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
+        VisitFacts(aggregate.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
             AddContents(projection, run, rows, expected);
         });
         return own == expected ? "" : difference;
     }
 
-    std::string FaultOfStrips(const Rollup& rollup) const {
-        std::string fault = FaultOfStrips(rollup, rollup.start, rollup.strips, allOfWord);
-        if (!fault.empty() || rollup.merged == 0) {
+    std::string FaultOfPrefixSums(const Aggregate& aggregate) const {
+        std::string fault = FaultOfPrefixSums(aggregate, aggregate.start, aggregate.keyCount, wholeKey);
+        if (!fault.empty() || aggregate.coarserKeyCount == 0) {
             return fault;
         }
-        return FaultOfStrips(rollup, rollup.start + rollup.strips, rollup.merged,
-                             ~rollups_.WordColumns().back().Mask());
+        return FaultOfPrefixSums(aggregate, aggregate.start + aggregate.keyCount, aggregate.coarserKeyCount,
+                                 ~aggregates_.PackedKeyColumns().back().Mask());
     }
     /// `kept` is left of the facts' words.
-    std::string FaultOfStrips(const Rollup& rollup, std::uint64_t start, std::uint32_t count,
-                              std::uint32_t kept) const {
+    std::string FaultOfPrefixSums(const Aggregate& aggregate, std::uint64_t start, std::uint32_t count,
+                                  std::uint32_t kept) const {
         FactTotals own(facts_.Measures().size()), expected(facts_.Measures().size());
-        if (!AddStrips(rollups_.StripsOf(start, count), count, own)) {
+        if (!AddPrefixSums(aggregates_.PrefixIndexOf(start, count), count, own)) {
             return disorder;
         }
-        VisitFacts(rollup.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
+        VisitFacts(aggregate.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
             AddTotals(projection, run, rows, kept, expected);
         });
-        return own.Equals(expected, rollups_.HasCounts()) && rollup.rows == expected.RowCount() ? ""
-                                                                                                : difference;
+        return own.Equals(expected, aggregates_.HasCounts()) && aggregate.rows == expected.RowCount()
+                   ? ""
+                   : difference;
     }
 
-    bool IsOfColumns(const RollupKey& key) const {
+    bool IsOfColumns(const AggregateKey& key) const {
         const auto exists = [&](std::uint16_t column, const KeyRange& codes) {
-            if (column == RollupKey::noColumn) {
+            if (column == AggregateKey::noColumn) {
                 return true;
             }
-            const CodeRanges ranges = rollups_.Groups().Ranges(codes);
+            const CodeRanges ranges = aggregates_.Groups().Ranges(codes);
             std::uint32_t end = 0; // ranges ascend
             for (const KeyRange range : ranges) {
                 if (range.first < end || range.first >= range.last) {
@@ -183,21 +184,21 @@ private:
         }
         return codes;
     }
-    std::vector<std::uint32_t> WordsAt(const Projection& projection, RowRange run,
-                                       const RowPlaces& rows) const {
-        std::vector<std::uint32_t> words(rows.size());
-        for (const RollupTable::WordColumn& word : rollups_.WordColumns()) {
-            const std::vector<std::uint32_t> codes = CodesAt(projection, word.column, run, rows);
+    std::vector<std::uint32_t> PackedKeysAt(const Projection& projection, RowRange run,
+                                            const RowPlaces& rows) const {
+        std::vector<std::uint32_t> keys(rows.size());
+        for (const AggregateTable::PackedKeyColumn& part : aggregates_.PackedKeyColumns()) {
+            const std::vector<std::uint32_t> codes = CodesAt(projection, part.column, run, rows);
             for (std::size_t i = 0; i < rows.size(); ++i) {
-                words[i] |= codes[i] << word.shift;
+                keys[i] |= codes[i] << part.shift;
             }
         }
-        return words;
+        return keys;
     }
     std::vector<std::uint32_t> TimesAt(const Projection& projection, RowRange run,
                                        const RowPlaces& rows) const {
-        return rollups_.TimeColumn() ? CodesAt(projection, *rollups_.TimeColumn(), run, rows)
-                                     : std::vector<std::uint32_t>(rows.size());
+        return aggregates_.TimeColumn() ? CodesAt(projection, *aggregates_.TimeColumn(), run, rows)
+                                        : std::vector<std::uint32_t>(rows.size());
     }
     /// Calls visit(measure, row, value) for the stored values; `row` counts the rows.
     template <class Visit>
@@ -214,10 +215,10 @@ private:
 
     void AddContents(const Projection& projection, RowRange run, const RowPlaces& rows,
                      FactContents& contents) const {
-        const auto words = WordsAt(projection, run, rows), times = TimesAt(projection, run, rows);
+        const auto keys = PackedKeysAt(projection, run, rows), times = TimesAt(projection, run, rows);
         std::vector<std::uint64_t> hashes(rows.size());
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            hashes[i] = Mixed(std::uint64_t{words[i]} << 32U | times[i]);
+            hashes[i] = Mixed(std::uint64_t{keys[i]} << 32U | times[i]);
         }
         VisitValues(projection, run, rows, [&](std::size_t, std::size_t row, std::uint64_t value) {
             hashes[row] = Mixed(hashes[row] ^ value);
@@ -227,10 +228,10 @@ private:
     }
     void AddTotals(const Projection& projection, RowRange run, const RowPlaces& rows, std::uint32_t kept,
                    FactTotals& totals) const {
-        const auto words = WordsAt(projection, run, rows), times = TimesAt(projection, run, rows);
+        const auto keys = PackedKeysAt(projection, run, rows), times = TimesAt(projection, run, rows);
         std::vector<std::size_t> places(rows.size());
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            places[i] = totals.PlaceOf(words[i] & kept, GranuleOf(times[i]));
+            places[i] = totals.PlaceOf(keys[i] & kept, BucketOf(times[i]));
             totals.AddRows(places[i], 1);
         }
         VisitValues(projection, run, rows, [&](std::size_t measure, std::size_t row, std::uint64_t value) {
@@ -238,18 +239,19 @@ private:
         });
     }
     static std::uint64_t Mixed(std::uint64_t value) { return XXH3_64bits(&value, sizeof value); }
-    std::uint32_t GranuleOf(std::uint32_t time) const {
-        const auto granules = rollups_.Granules();
-        const auto next = std::upper_bound(granules.begin(), granules.end(), time);
-        return static_cast<std::uint32_t>(next - granules.begin()) - 1;
+    std::uint32_t BucketOf(std::uint32_t time) const {
+        const auto buckets = aggregates_.TimeBuckets();
+        const auto next = std::upper_bound(buckets.begin(), buckets.end(), time);
+        return static_cast<std::uint32_t>(next - buckets.begin()) - 1;
     }
 
     /// Calls visit(projection, run, rows) until all facts under the key were among the rows.
     template <class Visit>
-    void VisitFacts(const RollupKey& key, const Visit& visit) const {
+    void VisitFacts(const AggregateKey& key, const Visit& visit) const {
         static constexpr KeyRange left{}; // out of the key
         const auto rangesOf = [&](std::uint16_t column, const KeyRange& codes) {
-            return column == RollupKey::noColumn ? CodeRanges(&left, 1) : rollups_.Groups().Ranges(codes);
+            return column == AggregateKey::noColumn ? CodeRanges(&left, 1)
+                                                    : aggregates_.Groups().Ranges(codes);
         };
         for (const KeyRange first : rangesOf(key.firstColumn, key.first)) {
             for (const KeyRange second : rangesOf(key.secondColumn, key.second)) {
@@ -259,7 +261,7 @@ private:
     }
     /// Of two ranges, from the sort order that one of their columns leads.
     template <class Visit>
-    void VisitFactsUnder(const RollupKey& key, const Visit& visit) const {
+    void VisitFactsUnder(const AggregateKey& key, const Visit& visit) const {
         const Projection* projection = &facts_.Projections().front();
         RowRange run{0, facts_.RowCount()};
         for (const Projection& other : facts_.Projections()) {
@@ -267,7 +269,7 @@ private:
             if (lead != key.firstColumn && lead != key.secondColumn) {
                 continue;
             }
-            const RowRange rows = other.RowsOfLead(lead == key.firstColumn ? key.first : key.second);
+            const RowRange rows = other.RowsOfLeadingKey(lead == key.firstColumn ? key.first : key.second);
             if (rows.Count() < run.Count()) {
                 run = rows;
                 projection = &other;
@@ -282,7 +284,7 @@ private:
     }
     void Restrict(const Projection& projection, RowRange run, std::uint16_t column, KeyRange codes,
                   RowPlaces& rows) const {
-        if (column == RollupKey::noColumn) {
+        if (column == AggregateKey::noColumn) {
             return;
         }
         const std::vector<std::uint32_t> all = ReadCodes(facts_, projection, column, run);
@@ -304,60 +306,61 @@ private:
         return rows;
     }
 
-    bool AddRows(const Rollup& rollup, FactContents& contents) const {
-        const RowRange run{rollup.start, rollup.start + rollup.rows};
-        const Projection& projection = rollups_.Rows();
-        if (rollup.rows > facts_.RowCount() || run.last < run.first || run.last > projection.RowCount()) {
+    bool AddRows(const Aggregate& aggregate, FactContents& contents) const {
+        const RowRange run{aggregate.start, aggregate.start + aggregate.rows};
+        const Projection& projection = aggregates_.Rows();
+        if (aggregate.rows > facts_.RowCount() || run.last < run.first || run.last > projection.RowCount()) {
             return false;
         }
-        const auto words = rollups_.WordColumns();
+        const auto parts = aggregates_.PackedKeyColumns();
         bool isSorted = true;
         std::uint32_t last = 0;
         VisitChunks(run, [&](RowRange chunk) {
             AddContents(projection, chunk, AllOf(chunk), contents);
-            if (words.empty()) {
+            if (parts.empty()) {
                 return;
             }
-            const auto codes = ReadCodes(facts_, projection, words.back().column, chunk);
+            const auto codes = ReadCodes(facts_, projection, parts.back().column, chunk);
             isSorted = isSorted && last <= codes.front() && std::is_sorted(codes.begin(), codes.end());
             last = codes.back();
         });
         return isSorted;
     }
 
-    bool AddStrips(const RollupTable::Strips& strips, std::uint32_t count, FactTotals& totals) const {
+    bool AddPrefixSums(const AggregateTable::PrefixIndex& index, std::uint32_t count,
+                       FactTotals& totals) const {
         for (std::uint32_t i = 0; i < count; ++i) {
-            const std::uint32_t entries = strips.entries[i + 1] - strips.entries[i];
-            if ((i > 0 && strips.words[i] <= strips.words[i - 1]) || entries == 0 ||
-                entries != static_cast<std::uint32_t>(std::popcount(strips.periods[i])) ||
-                !AddStrip(strips.words[i], strips.periods[i], strips.entries[i], totals)) {
+            const std::uint32_t entries = index.starts[i + 1] - index.starts[i];
+            if ((i > 0 && index.keys[i] <= index.keys[i - 1]) || entries == 0 ||
+                entries != static_cast<std::uint32_t>(std::popcount(index.bucketMasks[i])) ||
+                !AddKey(index.keys[i], index.bucketMasks[i], index.starts[i], totals)) {
                 return false;
             }
         }
         return true;
     }
 
-    bool AddStrip(std::uint32_t word, std::uint64_t periods, std::uint32_t first, FactTotals& totals) const {
-        const auto blockMask = static_cast<std::uint32_t>((std::uint64_t{1} << rollups_.BlockBits()) - 1);
-        const std::uint64_t base = std::uint64_t{word & blockMask} * RollupTable::blockGranules;
-        const std::uint32_t entries = static_cast<std::uint32_t>(std::popcount(periods));
-        for (std::uint32_t entry = 0; entry < entries; ++entry, periods &= periods - 1) {
-            const std::uint64_t granule = base + static_cast<std::uint32_t>(std::countr_zero(periods));
-            if (granule + 1 >= rollups_.Granules().size()) {
+    bool AddKey(std::uint32_t key, std::uint64_t bucketMask, std::uint32_t first, FactTotals& totals) const {
+        const auto blockMask = static_cast<std::uint32_t>((std::uint64_t{1} << aggregates_.BlockBits()) - 1);
+        const std::uint64_t base = std::uint64_t{key & blockMask} * AggregateTable::blockBuckets;
+        const std::uint32_t entries = static_cast<std::uint32_t>(std::popcount(bucketMask));
+        for (std::uint32_t entry = 0; entry < entries; ++entry, bucketMask &= bucketMask - 1) {
+            const std::uint64_t bucket = base + static_cast<std::uint32_t>(std::countr_zero(bucketMask));
+            if (bucket + 1 >= aggregates_.TimeBuckets().size()) {
                 return false;
             }
-            const std::size_t place = totals.PlaceOf(word & ~blockMask, static_cast<std::uint32_t>(granule));
-            if (rollups_.HasCounts()) {
-                const std::uint32_t* const counts = rollups_.Counts(first, entries);
+            const std::size_t place = totals.PlaceOf(key & ~blockMask, static_cast<std::uint32_t>(bucket));
+            if (aggregates_.HasCounts()) {
+                const std::uint32_t* const counts = aggregates_.Counts(first, entries);
                 totals.AddRows(place, counts[entry] - (entry == 0 ? 0 : counts[entry - 1]));
             }
             for (std::size_t measure = 0; measure < facts_.Measures().size(); ++measure) {
-                if (facts_.Measures()[measure].aggregate != Aggregate::Sum) {
+                if (facts_.Measures()[measure].function != AggregateFunction::Sum) {
                     continue;
                 }
-                const std::byte* const sums = rollups_.Sums(measure, first, entries);
+                const std::byte* const sums = aggregates_.Sums(measure, first, entries);
                 const auto sumAt = [&](std::uint32_t at) {
-                    return static_cast<std::uint64_t>(SignedAt(sums, rollups_.SumWidth(measure), at));
+                    return static_cast<std::uint64_t>(SignedAt(sums, aggregates_.SumWidth(measure), at));
                 };
                 totals.AddValue(place, measure, sumAt(entry) - (entry == 0 ? 0 : sumAt(entry - 1)));
             }
@@ -366,24 +369,24 @@ private:
     }
 
     const FactTable& facts_;
-    const RollupTable& rollups_;
+    const AggregateTable& aggregates_;
 };
 
 } // namespace
 
-std::string FindRollupFault(const Cube& cube) {
-    if (cube.Facts().Rollups() == nullptr) {
+std::string FindAggregateFault(const Cube& cube) {
+    if (cube.Facts().Aggregates() == nullptr) {
         return {};
     }
-    const RollupTable& rollups = *cube.Facts().Rollups();
-    if (!AreWellFormed(rollups.Groups())) {
+    const AggregateTable& aggregates = *cube.Facts().Aggregates();
+    if (!AreWellFormed(aggregates.Groups())) {
         return fmt::format("cube {}: the groups of codes are not in order", cube.Name());
     }
-    const RollupCheck check(cube.Facts());
-    for (std::uint64_t i = 0; i < rollups.Count(); ++i) {
-        const std::string fault = check.FaultOf(rollups.At(i));
+    const AggregateCheck check(cube.Facts());
+    for (std::uint64_t i = 0; i < aggregates.Count(); ++i) {
+        const std::string fault = check.FaultOf(aggregates.At(i));
         if (!fault.empty()) {
-            return fmt::format("cube {}, rollup {}: {}", cube.Name(), i + 1, fault);
+            return fmt::format("cube {}, aggregate {}: {}", cube.Name(), i + 1, fault);
         }
     }
     return {};

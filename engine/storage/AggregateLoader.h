@@ -10,20 +10,20 @@
 
 namespace qel::engine {
 
-/// Reads the rollups of one cube: their description and the sizes of their sections.
-class RollupLoader {
+/// Reads the aggregates of one cube: their description and the sizes of their sections.
+class AggregateLoader {
 public:
-    RollupLoader(FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}
+    AggregateLoader(FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}
 
     /// None when the file has none. Raises EngineError (DamagedFile).
-    std::optional<RollupTable> Load(const FactTable& facts) const;
+    std::optional<AggregateTable> Load(const FactTable& facts) const;
 
 private:
-    void ReadWord(ByteReader& in, const FactTable& facts, RollupTable& table) const;
-    void ReadGranules(const FactTable& facts, RollupTable& table) const;
-    void ReadGroups(RollupTable& table) const;
-    void LoadRows(ByteReader& in, const FactTable& facts, RollupTable& table) const;
-    void LoadStrips(ByteReader& in, const FactTable& facts, RollupTable& table) const;
+    void ReadPackedKey(ByteReader& in, const FactTable& facts, AggregateTable& table) const;
+    void ReadTimeBuckets(const FactTable& facts, AggregateTable& table) const;
+    void ReadGroups(AggregateTable& table) const;
+    void LoadRows(ByteReader& in, const FactTable& facts, AggregateTable& table) const;
+    void LoadPrefixSums(ByteReader& in, const FactTable& facts, AggregateTable& table) const;
     /// A section of exactly `count` elements.
     MappedSection Section(format::SectionKind kind, std::size_t second, std::uint64_t width,
                           std::uint64_t count) const;

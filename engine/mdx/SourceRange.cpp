@@ -1,4 +1,4 @@
-#include "engine/mdx/Place.h"
+#include "engine/mdx/SourceRange.h"
 
 #include <fmt/format.h>
 
@@ -45,8 +45,8 @@ std::string Bracketed(std::string_view name) {
     return text;
 }
 
-void RaiseAt(ErrorKind kind, std::string_view statement, Place place, std::string_view message) {
-    const std::size_t at = std::min<std::size_t>(place.begin, statement.size());
+void RaiseAt(ErrorKind kind, std::string_view statement, SourceRange range, std::string_view message) {
+    const std::size_t at = std::min<std::size_t>(range.begin, statement.size());
     const std::string_view before = statement.substr(0, at);
     const auto line = std::count(before.begin(), before.end(), '\n') + 1;
     const std::size_t lineStart = before.rfind('\n') == std::string_view::npos ? 0 : before.rfind('\n') + 1;

@@ -1,8 +1,8 @@
 #include "engine/EngineError.h"
 #include "engine/build/BuildCube.h"
-#include "engine/eval/FactReading.h"
+#include "engine/eval/AggregatePlan.h"
+#include "engine/eval/FactAccessPlan.h"
 #include "engine/eval/PlanCache.h"
-#include "engine/eval/RollupPlan.h"
 #include "engine/storage/CubeFile.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/TemporaryFolder.h"
@@ -56,8 +56,8 @@ bool Holds(CodeRanges ranges, std::uint32_t code) {
                        [&](KeyRange range) { return code >= range.first && code < range.last; });
 }
 
-/// A cube large enough to have rollups of both kinds, by days, whose facts the tests know.
-class RollupTest : public testing::Test {
+/// A cube large enough to have aggregates of both kinds, by days, whose facts the tests know.
+class AggregateTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         std::mt19937_64 random(11);
@@ -86,7 +86,7 @@ protected:
         BuildOptions options;
         options.definition = folder_->Write("cube.json", R"({ "tables": { "facts": { "file": "facts.csv" },
             "accounts": { "file": "accounts.csv" }, "regions": { "file": "regions.csv" } },
-          "cubes": [ { "name": "Rollups", "facts": "facts",
+          "cubes": [ { "name": "Aggregates", "facts": "facts",
             "dimensions": [
               { "name": "Account", "column": "account", "table": "accounts", "key": "code", "hierarchies": [
                 { "name": "Account", "levels": [ { "name": "A", "key": "a" }, { "name": "B", "key": "b" }, { "name": "C", "key": "code" } ] } ] },
@@ -98,7 +98,7 @@ protected:
             "measures": [ { "name": "Amount", "column": "amount", "decimals": 0 },
                           { "name": "Wide", "column": "wide", "decimals": 0 },
                           { "name": "Lines", "aggregate": "count" } ] } ] })");
-        options.output = folder_->Path("rollups.cub");
+        options.output = folder_->Path("aggregates.cub");
         BuildCube(options);
         file_ = CubeFile::Open(options.output);
     }
@@ -157,10 +157,10 @@ protected:
     }
     /// Whole months, from one to all of them; or days, now and then with some of them left out.
     std::vector<KeyRange> DrawDays() {
-        const auto granules = Table().Rollups()->Granules();
-        const auto months = static_cast<std::uint32_t>(granules.size() - 1);
+        const auto buckets = Table().Aggregates()->TimeBuckets();
+        const auto months = static_cast<std::uint32_t>(buckets.size() - 1);
         const std::uint32_t first = Below(months), last = first + 1 + Below(Below(2) == 0 ? 2 : months);
-        KeyRange days{granules[first], granules[std::min(last, months)]};
+        KeyRange days{buckets[first], buckets[std::min(last, months)]};
         if (Below(2) == 0) {
             days.first += Below(40);
             days.last = std::min(days.last + Below(40), codeCounts[day]);
@@ -187,10 +187,10 @@ protected:
         }
         return restrictions;
     }
-    static bool IsHelpedByRollups(const Ranges& ranges) {
+    static bool IsHelpedByAggregates(const Ranges& ranges) {
         const std::vector<Restriction> restrictions = RestrictionsTo(ranges);
-        FactReading reading(Table(), 0);
-        return PlanRollups(Table(), restrictions, 0, StripEnds::Nearest, reading);
+        FactAccessPlan plan(Table(), 0);
+        return PlanAggregates(Table(), restrictions, 0, BucketRounding::Nearest, plan);
     }
     static Expected SumOfFacts(const Ranges& ranges) {
         Expected expected{};
@@ -209,7 +209,7 @@ protected:
         const Expected expected = SumOfFacts(ranges);
         for (std::size_t measure = 0; measure < expected.size(); ++measure) {
             const std::vector<Restriction> restrictions = RestrictionsTo(ranges);
-            const FactSum sum = PlanReading(Table(), restrictions, measure).Sum();
+            const FactSum sum = PlanAccess(Table(), restrictions, measure).Sum();
             const std::int64_t value = measure == 2 ? static_cast<std::int64_t>(sum.rows)
                                                     : sum.sum * Table().Measures()[measure].unit;
             ASSERT_EQ(value, expected[measure]) << "measure " << measure;
@@ -226,9 +226,9 @@ protected:
     static inline std::shared_ptr<const CubeFile> file_;
 };
 
-TEST_F(RollupTest, SumsWhatTheFactsDo) {
-    ASSERT_NE(Table().Rollups(), nullptr);
-    ASSERT_EQ(Table().Rollups()->Granules().size(), 361U);
+TEST_F(AggregateTest, SumsWhatTheFactsDo) {
+    ASSERT_NE(Table().Aggregates(), nullptr);
+    ASSERT_EQ(Table().Aggregates()->TimeBuckets().size(), 361U);
     int answered = 0;
     for (int round = 0; round < 600; ++round) {
         Ranges ranges;
@@ -237,23 +237,23 @@ TEST_F(RollupTest, SumsWhatTheFactsDo) {
                 ranges[column] = column == day ? DrawDays() : DrawRanges(column);
             }
         }
-        answered += IsHelpedByRollups(ranges) ? 1 : 0;
+        answered += IsHelpedByAggregates(ranges) ? 1 : 0;
         ASSERT_NO_FATAL_FAILURE(Compare(ranges)) << "round " << round;
     }
-    EXPECT_GT(answered, 100) << "questions that rollups help with are not asked";
+    EXPECT_GT(answered, 100) << "questions that aggregates help with are not asked";
 }
 
 /// What lacks of a month is taken away from it: nothing that is left is not the same as no fact that is left.
-TEST_F(RollupTest, TellsAnEmptyCellFromOneOfNothingInMostOfAMonth) {
-    const auto granules = Table().Rollups()->Granules();
+TEST_F(AggregateTest, TellsAnEmptyCellFromOneOfNothingInMostOfAMonth) {
+    const auto buckets = Table().Aggregates()->TimeBuckets();
     int empty = 0, nothing = 0;
     for (int round = 0; round < 600; ++round) {
         const std::uint32_t month = Below(360), lacking = 1 + Below(10);
         const std::uint32_t before = Below(lacking + 1);
-        const KeyRange days{granules[month] + before, granules[month + 1] - (lacking - before)};
+        const KeyRange days{buckets[month] + before, buckets[month + 1] - (lacking - before)};
         const std::uint32_t number = Below(20), firm = Below(8), kind = Below(4);
         const Ranges ranges{{{}, {}, {{number, number + 1}}, {{firm, firm + 1}}, {{kind, kind + 1}}, {days}}};
-        ASSERT_TRUE(IsHelpedByRollups(ranges));
+        ASSERT_TRUE(IsHelpedByAggregates(ranges));
         ASSERT_NO_FATAL_FAILURE(Compare(ranges)) << "round " << round;
         const Expected expected = SumOfFacts(ranges);
         empty += expected[2] == 0 ? 1 : 0;
@@ -264,7 +264,7 @@ TEST_F(RollupTest, TellsAnEmptyCellFromOneOfNothingInMostOfAMonth) {
 }
 
 /// A remembered plan reads what the statement did, long after the statement is gone.
-TEST_F(RollupTest, AreReadByRememberedPlans) {
+TEST_F(AggregateTest, AreReadByRememberedPlans) {
     PlanCache plans;
     std::vector<std::string> statements;
     std::vector<std::int64_t> expected;
@@ -273,7 +273,7 @@ TEST_F(RollupTest, AreReadByRememberedPlans) {
         statements.push_back(
             fmt::format("WITH MEMBER [Date].Sel AS 'SUM(LastPeriods({},{}),[Measures].[Amount])' "
                         "MEMBER [Firm].Sel AS 'SUM({{[Firm].[{}],[Firm].[{}]}})' "
-                        "SELECT {{[Date].Sel}} ON 0 FROM Rollups WHERE ([Firm].Sel)",
+                        "SELECT {{[Date].Sel}} ON 0 FROM Aggregates WHERE ([Firm].Sel)",
                         count, MemberOfDay(last), firm, firm + 2));
         expected.push_back(SumOfFacts(
             {{{}, {}, {}, {{firm, firm + 1}, {firm + 2, firm + 3}}, {}, {{last + 1 - count, last + 1}}}})[0]);
@@ -287,48 +287,48 @@ TEST_F(RollupTest, AreReadByRememberedPlans) {
     }
 }
 
-TEST_F(RollupTest, AreMadeOfMembersOfOneName) {
-    const RollupTable& rollups = *Table().Rollups();
+TEST_F(AggregateTest, AreMadeOfMembersOfOneName) {
+    const AggregateTable& aggregates = *Table().Aggregates();
     int made = 0;
     for (std::uint32_t name = 0; name < namesOfUnits; ++name) {
-        const auto group = rollups.Groups().Find(UnitsNamed(name));
+        const auto group = aggregates.Groups().Find(UnitsNamed(name));
         ASSERT_TRUE(group) << name;
-        RollupKey key;
+        AggregateKey key;
         key.Add(static_cast<std::uint16_t>(Column(region)), *group);
-        made += rollups.Find(key) != nullptr ? 1 : 0;
+        made += aggregates.Find(key) != nullptr ? 1 : 0;
     }
     EXPECT_GT(made, 0) << "no name has facts enough";
-    EXPECT_EQ(rollups.Groups().Count(), namesOfUnits);
+    EXPECT_EQ(aggregates.Groups().Count(), namesOfUnits);
     for (const std::vector<KeyRange>& other :
          {std::vector<KeyRange>{{0, 10}, {40, 50}}, {{0, 10}}, {{0, 10}, {50, 60}, {70, 80}}, {}}) {
-        EXPECT_FALSE(rollups.Groups().Find(other));
+        EXPECT_FALSE(aggregates.Groups().Find(other));
     }
 }
 
-TEST_F(RollupTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
-    const RollupTable& rollups = *Table().Rollups();
+TEST_F(AggregateTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
+    const AggregateTable& aggregates = *Table().Aggregates();
     std::size_t strips = 0, merged = 0, rows = 0;
-    for (std::uint64_t i = 0; i < rollups.Count(); ++i) {
-        const Rollup& rollup = rollups.At(i);
-        (rollup.strips > 0 ? strips : rows) += 1;
-        merged += rollup.merged > 0 ? 1 : 0;
-        EXPECT_EQ(rollups.Find(rollup.key), &rollup);
+    for (std::uint64_t i = 0; i < aggregates.Count(); ++i) {
+        const Aggregate& aggregate = aggregates.At(i);
+        (aggregate.keyCount > 0 ? strips : rows) += 1;
+        merged += aggregate.coarserKeyCount > 0 ? 1 : 0;
+        EXPECT_EQ(aggregates.Find(aggregate.key), &aggregate);
         const auto total =
             static_cast<std::uint64_t>(std::count_if(facts_.begin(), facts_.end(), [&](const Fact& fact) {
                 const auto holds = [&](std::uint16_t column, const KeyRange& codes) {
-                    if (column == RollupKey::noColumn) {
+                    if (column == AggregateKey::noColumn) {
                         return true;
                     }
                     std::size_t known = 0;
                     while (Column(known) != column) {
                         ++known;
                     }
-                    return Holds(rollups.Groups().Ranges(codes), fact.codes[known]);
+                    return Holds(aggregates.Groups().Ranges(codes), fact.codes[known]);
                 };
-                return holds(rollup.key.firstColumn, rollup.key.first) &&
-                       holds(rollup.key.secondColumn, rollup.key.second);
+                return holds(aggregate.key.firstColumn, aggregate.key.first) &&
+                       holds(aggregate.key.secondColumn, aggregate.key.second);
             }));
-        EXPECT_EQ(rollup.rows, total) << "rollup " << i;
+        EXPECT_EQ(aggregate.rows, total) << "aggregate " << i;
     }
     EXPECT_GT(strips, 0U);
     EXPECT_GT(merged, 0U);
@@ -337,10 +337,10 @@ TEST_F(RollupTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
 }
 
 /// A wrong sum of the merged strips is seen where these are read, and there alone.
-TEST(MergedStrips, AreReadWhereNothingRestrictsTheLastColumn) {
+TEST(CoarserAggregate, AreReadWhereNothingRestrictsTheLastColumn) {
     const TemporaryFolder folder;
     SmallCube cube;
-    cube.rollups.sums[0][2] = 8;
+    cube.aggregates.sums[0][2] = 8;
     cube.Write(folder.Path("small.cub"));
     const auto file = CubeFile::Open(folder.Path("small.cub"));
     const FactTable& facts = file->Cubes()[0].Facts();
@@ -353,14 +353,14 @@ TEST(MergedStrips, AreReadWhereNothingRestrictsTheLastColumn) {
 }
 
 /// A byte that is not as it was written is found before what it says is used.
-TEST_F(RollupTest, DamagedPagesAreAnErrorOrTheRightAnswer) {
-    const std::string good = folder_->Read("rollups.cub");
+TEST_F(AggregateTest, DamagedPagesAreAnErrorOrTheRightAnswer) {
+    const std::string good = folder_->Read("aggregates.cub");
     std::vector<std::pair<std::size_t, KeyRange>> questions;
-    const RollupTable& rollups = *Table().Rollups();
-    for (std::uint64_t i = 0; i < rollups.Count(); ++i) {
-        if (rollups.At(i).key.secondColumn == RollupKey::noColumn &&
-            rollups.At(i).key.firstColumn != RollupKey::noColumn) {
-            questions.emplace_back(rollups.At(i).key.firstColumn, rollups.At(i).key.first);
+    const AggregateTable& aggregates = *Table().Aggregates();
+    for (std::uint64_t i = 0; i < aggregates.Count(); ++i) {
+        if (aggregates.At(i).key.secondColumn == AggregateKey::noColumn &&
+            aggregates.At(i).key.firstColumn != AggregateKey::noColumn) {
+            questions.emplace_back(aggregates.At(i).key.firstColumn, aggregates.At(i).key.first);
         }
     }
     ASSERT_FALSE(questions.empty());

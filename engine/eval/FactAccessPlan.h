@@ -2,7 +2,7 @@
 
 #include "engine/eval/BlockFilter.h"
 #include "engine/eval/FactSum.h"
-#include "engine/eval/StripSum.h"
+#include "engine/eval/PrefixSumReader.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,24 +13,24 @@
 
 namespace qel::engine {
 
-/// How the facts of one cell are read: from which rows and which strips of rollups. It is found once and
+/// How the facts of one cell are read: from which rows and which strips of aggregates. It is found once and
 /// serves any number of reads, on any thread, for as long as the facts live. All below raise EngineError
 /// (DamagedFile).
-class FactReading {
+class FactAccessPlan {
 public:
-    FactReading(const FactTable& facts, std::size_t measure) : facts_(&facts), measure_(measure) {}
+    FactAccessPlan(const FactTable& facts, std::size_t measure) : facts_(&facts), measure_(measure) {}
 
-    /// The rows of a run that pass all tests.
-    void AddRows(const Projection& projection, RowRange run, std::span<const Restriction> tests);
+    /// The rows of a run that pass all residuals.
+    void AddRows(const Projection& projection, RowRange run, std::span<const Restriction> residuals);
     /// The facts under all restrictions, from the projection that leaves the fewest rows to be read.
     void AddScan(std::span<const Restriction> restrictions);
     /// Takes away facts, which the strips hold besides those that are asked for.
     void SubtractScan(std::span<const Restriction> restrictions);
     bool Subtracts() const { return subtracts_; }
     /// Another way to the same facts that takes nothing away; for when nothing is left of a sum.
-    void SetExact(FactReading reading) { exact_ = std::make_shared<const FactReading>(std::move(reading)); }
-    /// The strips' facts of the granules of time from `first` up to, without, `last`.
-    void AddStrips(const StripSum& strips, std::uint32_t first, std::uint32_t last);
+    void SetExact(FactAccessPlan plan) { exact_ = std::make_shared<const FactAccessPlan>(std::move(plan)); }
+    /// The strips' facts of the buckets of time from `first` up to, without, `last`.
+    void AddPrefixSums(const PrefixSumReader& prefixSums, std::uint32_t first, std::uint32_t last);
 
     /// Reads all that was added.
     FactSum Sum() const;
@@ -44,14 +44,14 @@ private:
         bool areSubtracted;
         std::uint32_t firstRun, lastRun, firstFilter, lastFilter;
     };
-    struct Strips {
-        StripSum sum;
-        std::uint32_t first, last; ///< granules
+    struct PrefixSumRead {
+        PrefixSumReader sums;
+        std::uint32_t first, last; ///< buckets
     };
 
     void PlanRows(std::span<const Restriction> restrictions, bool areSubtracted);
     void AddRows(const Projection& projection, std::span<const RowRange> runs,
-                 std::span<const Restriction> tests, bool areSubtracted);
+                 std::span<const Restriction> residuals, bool areSubtracted);
     FactSum SumRows(bool areSubtracted) const;
     void Prefetch(const Projection& projection, RowRange rows, std::span<const BlockFilter> filters) const;
     FactSum Subtract(FactSum total) const;
@@ -62,14 +62,14 @@ private:
     std::vector<Rows> rows_;
     std::vector<RowRange> runs_;
     std::vector<BlockFilter> filters_;
-    std::vector<Strips> strips_;
-    std::shared_ptr<const FactReading> exact_; ///< when a sum has something taken away
+    std::vector<PrefixSumRead> prefixSums_;
+    std::shared_ptr<const FactAccessPlan> exact_; ///< when a sum has something taken away
 };
 
-/// How to read the facts under all restrictions, of which there is at most one a key column: from rollups
+/// How to read the facts under all restrictions, of which there is at most one a key column: from aggregates
 /// where these hold them. For reading them often.
-FactReading PlanReading(const FactTable& facts, std::span<const Restriction> restrictions,
-                        std::size_t measure);
+FactAccessPlan PlanAccess(const FactTable& facts, std::span<const Restriction> restrictions,
+                          std::size_t measure);
 
 /// The facts under all restrictions, read once: how many, and the sum of the measure.
 FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure);

@@ -1,7 +1,7 @@
-#include "engine/build/RollupChoice.h"
+#include "engine/build/AggregateChoice.h"
 
+#include "engine/build/AggregateLayout.h"
 #include "engine/build/MemberSets.h"
-#include "engine/build/RollupLayout.h"
 
 #include <algorithm>
 #include <map>
@@ -18,13 +18,13 @@ namespace {
 constexpr double rowCost = 0.5, searchCost = 300;
 /// Questions that cost less than this are left to the sort orders.
 constexpr double leastCost = 2000;
-/// What rollups may add to the file, in bytes a fact.
+/// What aggregates may add to the file, in bytes a fact.
 constexpr double budgetPerFact = 88;
 /// A record and its share of the lookup table.
 constexpr std::uint64_t recordBytes = 60;
 
 struct Candidate {
-    ChosenRollup rollup;
+    ChosenAggregate aggregate;
     double cost = 0;
 };
 
@@ -54,12 +54,12 @@ struct Lead {
     std::vector<KeyRange> sets;
 };
 
-class RollupChooser {
+class AggregateChooser {
 public:
-    RollupChooser(const CubeModel& model, const FactColumns& facts, const RollupModel& rollups)
-        : model_(model), facts_(facts), rollups_(rollups), groups_(rollups.Groups()) {}
+    AggregateChooser(const CubeModel& model, const FactColumns& facts, const AggregateModel& aggregates)
+        : model_(model), facts_(facts), aggregates_(aggregates), groups_(aggregates.Groups()) {}
 
-    std::vector<ChosenRollup> Run();
+    std::vector<ChosenAggregate> Run();
 
 private:
     void FindLeads();
@@ -67,20 +67,20 @@ private:
     void AddPairs(std::uint16_t lead, std::uint16_t second);
     void AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
                     const std::vector<KeyRange>& secondSets, std::span<const std::uint32_t> rows);
-    std::vector<ChosenRollup> TakeBest();
+    std::vector<ChosenAggregate> TakeBest();
     std::uint64_t Bytes(std::uint64_t rows) const;
     /// The rows in the order of the column's codes.
     std::vector<std::uint32_t> Sorted(std::uint16_t column) const;
 
     const CubeModel& model_;
     const FactColumns& facts_;
-    const RollupModel& rollups_;
+    const AggregateModel& aggregates_;
     const CodeGroups groups_;
     std::map<std::uint16_t, Lead> leads_;
     std::vector<Candidate> candidates_;
 };
 
-std::vector<ChosenRollup> RollupChooser::Run() {
+std::vector<ChosenAggregate> AggregateChooser::Run() {
     FindLeads();
     AddSingles();
     std::set<std::pair<std::uint16_t, std::uint16_t>> done;
@@ -89,7 +89,7 @@ std::vector<ChosenRollup> RollupChooser::Run() {
             continue;
         }
         const std::uint16_t lead = projection.sortOrder[0], second = projection.sortOrder[1];
-        if (leads_.count(lead) != 0 && IsRollupKey(rollups_, second) &&
+        if (leads_.count(lead) != 0 && IsAggregateKey(aggregates_, second) &&
             done.insert(std::minmax(lead, second)).second) {
             AddPairs(lead, second);
         }
@@ -97,10 +97,10 @@ std::vector<ChosenRollup> RollupChooser::Run() {
     return TakeBest();
 }
 
-void RollupChooser::FindLeads() {
+void AggregateChooser::FindLeads() {
     for (const ProjectionModel& projection : model_.projections) {
         const std::uint16_t column = projection.sortOrder.front();
-        if (!IsRollupKey(rollups_, column) || leads_.count(column) != 0) {
+        if (!IsAggregateKey(aggregates_, column) || leads_.count(column) != 0) {
             continue;
         }
         Lead lead;
@@ -113,7 +113,7 @@ void RollupChooser::FindLeads() {
     }
 }
 
-void RollupChooser::AddSingles() {
+void AggregateChooser::AddSingles() {
     const auto rows = facts_.rowCount;
     if (static_cast<double>(rows) * rowCost >= leastCost) {
         candidates_.push_back({{{}, {}, {}, {}, rows}, static_cast<double>(rows) * rowCost});
@@ -126,7 +126,7 @@ void RollupChooser::AddSingles() {
     }
 }
 
-void RollupChooser::AddPairs(std::uint16_t lead, std::uint16_t second) {
+void AggregateChooser::AddPairs(std::uint16_t lead, std::uint16_t second) {
     const std::vector<std::uint32_t> sorted = Sorted(lead);
     const auto ownLead = leads_.find(second);
     const std::vector<KeyRange> secondSets =
@@ -145,8 +145,9 @@ void RollupChooser::AddPairs(std::uint16_t lead, std::uint16_t second) {
     }
 }
 
-void RollupChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
-                               const std::vector<KeyRange>& secondSets, std::span<const std::uint32_t> rows) {
+void AggregateChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
+                                  const std::vector<KeyRange>& secondSets,
+                                  std::span<const std::uint32_t> rows) {
     const auto& secondCodes = facts_.keys[second];
     RunningCounts counts(std::size_t{model_.keyColumns[second].codes} + 1);
     for (const std::uint32_t row : rows) {
@@ -176,34 +177,34 @@ void RollupChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint
     }
 }
 
-std::vector<ChosenRollup> RollupChooser::TakeBest() {
+std::vector<ChosenAggregate> AggregateChooser::TakeBest() {
     std::stable_sort(candidates_.begin(), candidates_.end(),
                      [](const Candidate& left, const Candidate& right) { return left.cost > right.cost; });
     auto budget = static_cast<std::uint64_t>(budgetPerFact * static_cast<double>(facts_.rowCount));
-    std::vector<ChosenRollup> chosen;
+    std::vector<ChosenAggregate> chosen;
     for (const Candidate& candidate : candidates_) {
-        const std::uint64_t bytes = Bytes(candidate.rollup.rows);
+        const std::uint64_t bytes = Bytes(candidate.aggregate.rows);
         if (bytes > budget) {
             continue;
         }
         budget -= bytes;
-        chosen.push_back(candidate.rollup);
+        chosen.push_back(candidate.aggregate);
     }
     return chosen;
 }
 
-std::uint64_t RollupChooser::Bytes(std::uint64_t rows) const {
+std::uint64_t AggregateChooser::Bytes(std::uint64_t rows) const {
     // Strips have an entry for each of the facts, or for all combinations that there can be.
-    std::uint64_t merged = 0, cells = rollups_.granules.size() - 1;
-    for (const RollupTable::WordColumn& word : rollups_.wordColumns) {
+    std::uint64_t merged = 0, cells = aggregates_.timeBuckets.size() - 1;
+    for (const AggregateTable::PackedKeyColumn& part : aggregates_.packedKeyColumns) {
         merged = cells; // all codes of the last column together
-        cells = std::min(rows + 1, cells * std::max(1U, model_.keyColumns[word.column].codes));
+        cells = std::min(rows + 1, cells * std::max(1U, model_.keyColumns[part.column].codes));
     }
-    return recordBytes + std::min(rows * RollupRowBytes(model_, rollups_),
-                                  (std::min(rows, cells) + std::min(rows, merged)) * StripEntryBytes(model_));
+    return recordBytes + std::min(rows * AggregateRowBytes(model_, aggregates_),
+                                  (std::min(rows, cells) + std::min(rows, merged)) * PrefixSumBytes(model_));
 }
 
-std::vector<std::uint32_t> RollupChooser::Sorted(std::uint16_t column) const {
+std::vector<std::uint32_t> AggregateChooser::Sorted(std::uint16_t column) const {
     const auto& codes = facts_.keys[column];
     std::vector<std::uint64_t> place = leads_.at(column).counts;
     std::vector<std::uint32_t> rows(facts_.rowCount);
@@ -215,8 +216,8 @@ std::vector<std::uint32_t> RollupChooser::Sorted(std::uint16_t column) const {
 
 } // namespace
 
-RollupKey ChosenRollup::Key() const {
-    RollupKey key;
+AggregateKey ChosenAggregate::Key() const {
+    AggregateKey key;
     if (lead) {
         key.Add(*lead, leadCodes);
     }
@@ -226,21 +227,22 @@ RollupKey ChosenRollup::Key() const {
     return key;
 }
 
-std::vector<ChosenRollup> ChooseRollups(const CubeModel& model, const FactColumns& facts,
-                                        const RollupModel& rollups) {
-    return RollupChooser(model, facts, rollups).Run();
+std::vector<ChosenAggregate> ChooseAggregates(const CubeModel& model, const FactColumns& facts,
+                                              const AggregateModel& aggregates) {
+    return AggregateChooser(model, facts, aggregates).Run();
 }
 
-std::uint64_t RollupRowBytes(const CubeModel& model, const RollupModel& rollups) {
-    std::map<std::uint16_t, std::uint64_t> slots;
-    for (const RollupTable::WordColumn& word : rollups.wordColumns) {
-        slots[model.keyColumns[word.column].slot] = model.keyColumns[word.column].width;
+std::uint64_t AggregateRowBytes(const CubeModel& model, const AggregateModel& aggregates) {
+    std::map<std::uint16_t, std::uint64_t> columns;
+    for (const AggregateTable::PackedKeyColumn& part : aggregates.packedKeyColumns) {
+        columns[model.keyColumns[part.column].packedColumn] = model.keyColumns[part.column].width;
     }
-    if (rollups.timeColumn) {
-        slots[model.keyColumns[*rollups.timeColumn].slot] = model.keyColumns[*rollups.timeColumn].width;
+    if (aggregates.timeColumn) {
+        columns[model.keyColumns[*aggregates.timeColumn].packedColumn] =
+            model.keyColumns[*aggregates.timeColumn].width;
     }
     std::uint64_t bytes = 0;
-    for (const auto& [slot, width] : slots) {
+    for (const auto& [packedColumn, width] : columns) {
         bytes += width;
     }
     for (const Measure& measure : model.measures) {
@@ -249,7 +251,7 @@ std::uint64_t RollupRowBytes(const CubeModel& model, const RollupModel& rollups)
     return bytes;
 }
 
-std::uint64_t StripEntryBytes(const CubeModel& model) {
+std::uint64_t PrefixSumBytes(const CubeModel& model) {
     constexpr std::uint64_t bytesEach = 4; // at least
     return model.measures.size() * bytesEach;
 }

@@ -1,4 +1,4 @@
-#include "engine/storage/RollupTable.h"
+#include "engine/storage/AggregateTable.h"
 
 #include <utility>
 
@@ -14,7 +14,7 @@ const T* Elements(const MappedSection& section, std::uint64_t first, std::uint64
 
 } // namespace
 
-void RollupKey::Add(std::uint16_t column, KeyRange codes) {
+void AggregateKey::Add(std::uint16_t column, KeyRange codes) {
     if (firstColumn == noColumn) {
         firstColumn = column;
         first = codes;
@@ -28,7 +28,7 @@ void RollupKey::Add(std::uint16_t column, KeyRange codes) {
     }
 }
 
-std::uint64_t RollupKey::Hash() const {
+std::uint64_t AggregateKey::Hash() const {
     constexpr std::uint64_t spread = 0x9E3779B97F4A7C15U;
     const auto mix = [](std::uint64_t hash, std::uint64_t value) {
         hash = (hash ^ value) * spread;
@@ -40,7 +40,7 @@ std::uint64_t RollupKey::Hash() const {
     return mix(hash, bits(second));
 }
 
-const Rollup* RollupTable::Find(const RollupKey& key) const {
+const Aggregate* AggregateTable::Find(const AggregateKey& key) const {
     const std::uint64_t slots = lookup_.Size() / sizeof(std::uint32_t); // a power of two, or none
     std::uint64_t slot = key.Hash();
     for (std::uint64_t tried = 0; tried < slots; ++tried, ++slot) {
@@ -48,28 +48,30 @@ const Rollup* RollupTable::Find(const RollupKey& key) const {
         if (numberPlusOne == 0) {
             return nullptr;
         }
-        const Rollup& rollup = At(numberPlusOne - 1);
-        if (rollup.key == key) {
-            return &rollup;
+        const Aggregate& aggregate = At(numberPlusOne - 1);
+        if (aggregate.key == key) {
+            return &aggregate;
         }
     }
     return nullptr;
 }
 
-const Rollup& RollupTable::At(std::uint64_t index) const { return *Elements<Rollup>(records_, index, 1); }
-
-RollupTable::Strips RollupTable::StripsOf(std::uint64_t first, std::uint64_t count) const {
-    return {Elements<std::uint32_t>(stripWords_, first, count),
-            Elements<std::uint64_t>(stripPeriods_, first, count),
-            Elements<std::uint32_t>(stripEntries_, first, count + 1)};
+const Aggregate& AggregateTable::At(std::uint64_t index) const {
+    return *Elements<Aggregate>(records_, index, 1);
 }
 
-const std::byte* RollupTable::Sums(std::size_t measure, std::uint64_t first, std::uint64_t count) const {
+AggregateTable::PrefixIndex AggregateTable::PrefixIndexOf(std::uint64_t first, std::uint64_t count) const {
+    return {Elements<std::uint32_t>(packedKeys_, first, count),
+            Elements<std::uint64_t>(bucketMasks_, first, count),
+            Elements<std::uint32_t>(prefixStarts_, first, count + 1)};
+}
+
+const std::byte* AggregateTable::Sums(std::size_t measure, std::uint64_t first, std::uint64_t count) const {
     const std::uint64_t width = sumWidths_[measure];
     return sums_[measure].Bytes(first * width, count * width);
 }
 
-const std::uint32_t* RollupTable::Counts(std::uint64_t first, std::uint64_t count) const {
+const std::uint32_t* AggregateTable::Counts(std::uint64_t first, std::uint64_t count) const {
     return Elements<std::uint32_t>(counts_, first, count);
 }
 

@@ -1,6 +1,6 @@
-#include "engine/eval/FactReading.h"
+#include "engine/eval/FactAccessPlan.h"
 
-#include "engine/eval/RollupPlan.h"
+#include "engine/eval/AggregatePlan.h"
 #include "engine/eval/ScanPlan.h"
 #include "engine/eval/VisitBlocks.h"
 
@@ -40,54 +40,56 @@ FactSum Add(FactSum left, FactSum right) {
 
 } // namespace
 
-void FactReading::AddRows(const Projection& projection, RowRange run, std::span<const Restriction> tests) {
+void FactAccessPlan::AddRows(const Projection& projection, RowRange run,
+                             std::span<const Restriction> residuals) {
     if (run.Count() > 0) {
-        AddRows(projection, {&run, 1}, tests, false);
+        AddRows(projection, {&run, 1}, residuals, false);
     }
 }
 
-void FactReading::AddRows(const Projection& projection, std::span<const RowRange> runs,
-                          std::span<const Restriction> tests, bool areSubtracted) {
+void FactAccessPlan::AddRows(const Projection& projection, std::span<const RowRange> runs,
+                             std::span<const Restriction> residuals, bool areSubtracted) {
     const auto firstRun = static_cast<std::uint32_t>(runs_.size());
     const auto firstFilter = static_cast<std::uint32_t>(filters_.size());
     runs_.insert(runs_.end(), runs.begin(), runs.end());
-    for (BlockFilter& filter : MakeFilters(*facts_, tests)) {
+    for (BlockFilter& filter : MakeFilters(*facts_, residuals)) {
         filters_.push_back(std::move(filter));
     }
     rows_.push_back({&projection, areSubtracted, firstRun, static_cast<std::uint32_t>(runs_.size()),
                      firstFilter, static_cast<std::uint32_t>(filters_.size())});
 }
 
-void FactReading::PlanRows(std::span<const Restriction> restrictions, bool areSubtracted) {
+void FactAccessPlan::PlanRows(std::span<const Restriction> restrictions, bool areSubtracted) {
     if (facts_->RowCount() != 0 && !AnyIsEmpty(restrictions)) {
         const ScanPlan plan = PlanScan(*facts_, restrictions);
-        AddRows(*plan.projection, plan.rows, plan.tests, areSubtracted);
+        AddRows(*plan.projection, plan.rows, plan.residuals, areSubtracted);
     }
 }
 
-void FactReading::AddScan(std::span<const Restriction> restrictions) { PlanRows(restrictions, false); }
+void FactAccessPlan::AddScan(std::span<const Restriction> restrictions) { PlanRows(restrictions, false); }
 
-void FactReading::SubtractScan(std::span<const Restriction> restrictions) {
+void FactAccessPlan::SubtractScan(std::span<const Restriction> restrictions) {
     PlanRows(restrictions, true);
     subtracts_ = true;
 }
 
-void FactReading::AddStrips(const StripSum& strips, std::uint32_t first, std::uint32_t last) {
-    strips_.push_back({strips, first, last});
+void FactAccessPlan::AddPrefixSums(const PrefixSumReader& prefixSums, std::uint32_t first,
+                                   std::uint32_t last) {
+    prefixSums_.push_back({prefixSums, first, last});
 }
 
-FactSum FactReading::Sum() const {
+FactSum FactAccessPlan::Sum() const {
     FactSum total = SumRows(false);
-    for (const Strips& strips : strips_) {
-        total = Add(total, strips.sum.Sum(strips.first, strips.last));
+    for (const PrefixSumRead& read : prefixSums_) {
+        total = Add(total, read.sums.Sum(read.first, read.last));
     }
     return Subtracts() ? Subtract(total) : total;
 }
 
 /// Asks memory for the first block of the rows, in all columns at once: these lie far apart, and what the
 /// processor foresees by itself ends with each page of memory.
-void FactReading::Prefetch(const Projection& projection, RowRange rows,
-                           std::span<const BlockFilter> filters) const {
+void FactAccessPlan::Prefetch(const Projection& projection, RowRange rows,
+                              std::span<const BlockFilter> filters) const {
     constexpr std::uint64_t lineBytes = 64;
     const RowRange start{rows.first, std::min(rows.last, rows.first + blockRows)};
     const auto fetch = [&](const std::byte* values, std::uint64_t width) {
@@ -97,14 +99,15 @@ void FactReading::Prefetch(const Projection& projection, RowRange rows,
         }
     };
     for (const BlockFilter& filter : filters) {
-        fetch(projection.Slot(filter.Slot(), start), facts_->SlotWidth(filter.Slot()));
+        fetch(projection.PackedColumn(filter.PackedColumn(), start),
+              facts_->PackedWidth(filter.PackedColumn()));
     }
     if (const std::uint64_t width = facts_->Measures()[measure_].width; width != 0) {
         fetch(projection.Values(measure_, start), width);
     }
 }
 
-FactSum FactReading::SumRows(bool areSubtracted) const {
+FactSum FactAccessPlan::SumRows(bool areSubtracted) const {
     SumOfBlocks blocks(*facts_, measure_);
     for (const Rows& read : rows_) {
         if (read.areSubtracted != areSubtracted) {
@@ -124,9 +127,9 @@ FactSum FactReading::SumRows(bool areSubtracted) const {
     return blocks.Total();
 }
 
-FactSum FactReading::Subtract(FactSum total) const {
+FactSum FactAccessPlan::Subtract(FactSum total) const {
     const FactSum subtracted = SumRows(true);
-    if (facts_->Measures()[measure_].aggregate == Aggregate::Count) {
+    if (facts_->Measures()[measure_].function == AggregateFunction::Count) {
         return {0, total.rows - subtracted.rows};
     }
     const std::uint64_t left =
@@ -137,43 +140,43 @@ FactSum FactReading::Subtract(FactSum total) const {
     return exact_->Sum(); // strips do not tell how many facts there are: here there may be none
 }
 
-std::size_t FactReading::OwnedBytes() const {
+std::size_t FactAccessPlan::OwnedBytes() const {
     std::size_t bytes = exact_ ? sizeof *exact_ + exact_->OwnedBytes() : 0;
-    for (const Strips& strips : strips_) {
-        bytes += sizeof strips + strips.sum.OwnedBytes();
+    for (const PrefixSumRead& read : prefixSums_) {
+        bytes += sizeof read + read.sums.OwnedBytes();
     }
     bytes += BytesOf(filters_) + rows_.capacity() * sizeof(Rows) + runs_.capacity() * sizeof(RowRange);
     return bytes;
 }
 
-FactReading PlanReading(const FactTable& facts, std::span<const Restriction> restrictions,
-                        std::size_t measure) {
-    FactReading reading(facts, measure);
+FactAccessPlan PlanAccess(const FactTable& facts, std::span<const Restriction> restrictions,
+                          std::size_t measure) {
+    FactAccessPlan plan(facts, measure);
     if (AnyIsEmpty(restrictions)) {
-        return reading;
+        return plan;
     }
-    if (facts.Rollups() == nullptr ||
-        !PlanRollups(facts, restrictions, measure, StripEnds::Nearest, reading)) {
-        reading.AddScan(restrictions);
+    if (facts.Aggregates() == nullptr ||
+        !PlanAggregates(facts, restrictions, measure, BucketRounding::Nearest, plan)) {
+        plan.AddScan(restrictions);
     }
-    if (reading.Subtracts() && facts.Measures()[measure].aggregate == Aggregate::Sum) {
-        FactReading exact(facts, measure);
-        PlanRollups(facts, restrictions, measure, StripEnds::Within, exact);
-        reading.SetExact(std::move(exact));
+    if (plan.Subtracts() && facts.Measures()[measure].function == AggregateFunction::Sum) {
+        FactAccessPlan exact(facts, measure);
+        PlanAggregates(facts, restrictions, measure, BucketRounding::Within, exact);
+        plan.SetExact(std::move(exact));
     }
-    return reading;
+    return plan;
 }
 
 FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure) {
-    FactReading reading(facts, measure);
+    FactAccessPlan plan(facts, measure);
     if (AnyIsEmpty(restrictions)) {
         return {};
     }
-    if (facts.Rollups() == nullptr ||
-        !PlanRollups(facts, restrictions, measure, StripEnds::Within, reading)) {
-        reading.AddScan(restrictions);
+    if (facts.Aggregates() == nullptr ||
+        !PlanAggregates(facts, restrictions, measure, BucketRounding::Within, plan)) {
+        plan.AddScan(restrictions);
     }
-    return reading.Sum();
+    return plan.Sum();
 }
 
 } // namespace qel::engine

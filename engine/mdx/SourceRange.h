@@ -9,7 +9,7 @@
 namespace qel::engine::mdx {
 
 /// A run of a statement's bytes; what an error points at.
-struct Place {
+struct SourceRange {
     std::uint32_t begin = 0;
     std::uint32_t end = 0;
 };
@@ -19,6 +19,7 @@ std::string Bracketed(std::string_view name);
 
 /// Raises an EngineError whose message reads "line 1, column 47: MESSAGE, near "excerpt"". Columns count
 /// characters, not bytes.
-[[noreturn]] void RaiseAt(ErrorKind kind, std::string_view statement, Place place, std::string_view message);
+[[noreturn]] void RaiseAt(ErrorKind kind, std::string_view statement, SourceRange range,
+                          std::string_view message);
 
 } // namespace qel::engine::mdx

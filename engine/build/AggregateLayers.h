@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/build/RollupChoice.h"
+#include "engine/build/AggregateChoice.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -13,12 +13,12 @@ namespace qel::engine {
 
 using RowNumbers = std::vector<std::uint32_t>;
 
-/// Rollups of one leading column whose sets of codes do not overlap: made in one pass over the facts.
-struct RollupLayer {
+/// Aggregates of one leading column whose sets of codes do not overlap: made in one pass over the facts.
+struct AggregateLayer {
     std::optional<std::uint16_t> column;
-    std::vector<KeyRange> sets; ///< as in a rollup's key
+    std::vector<KeyRange> sets; ///< as in an aggregate's key
     /// For every set, what is to be made of its facts.
-    std::vector<std::vector<const ChosenRollup*>> rollups;
+    std::vector<std::vector<const ChosenAggregate*>> aggregates;
     std::map<std::uint32_t, std::uint32_t> taken; ///< the ranges of all sets
 
     bool IsFree(CodeRanges ranges) const;
@@ -29,7 +29,8 @@ struct RollupLayer {
                           const CodeGroups& groups, std::vector<std::size_t>& place) const;
 };
 
-/// Splits rollups, which must outlive the layers, into few layers.
-std::vector<RollupLayer> MakeRollupLayers(const std::vector<ChosenRollup>& chosen, const CodeGroups& groups);
+/// Splits aggregates, which must outlive the layers, into few layers.
+std::vector<AggregateLayer> MakeAggregateLayers(const std::vector<ChosenAggregate>& chosen,
+                                                const CodeGroups& groups);
 
 } // namespace qel::engine
