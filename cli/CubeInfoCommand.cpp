@@ -2,8 +2,8 @@
 
 #include "cli/LevelPath.h"
 #include "cli/TextTable.h"
-#include "engine/storage/CubeFile.h"
 #include "platform/data/embedded/CubeSource.h"
+#include "qel/engine/CubeFile.h"
 #include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>

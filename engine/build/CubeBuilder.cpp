@@ -1,8 +1,8 @@
 #include "engine/build/CubeBuilder.h"
 
-#include "engine/EngineError.h"
 #include "engine/build/FactSorter.h"
 #include "engine/build/PackedLayout.h"
+#include "qel/engine/EngineError.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>

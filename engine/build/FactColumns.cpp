@@ -1,7 +1,7 @@
 #include "engine/build/FactColumns.h"
 
-#include "engine/EngineError.h"
 #include "engine/build/AmountText.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 

@@ -1,7 +1,7 @@
 #include "engine/eval/AggregatePlan.h"
 
-#include "engine/EngineError.h"
 #include "engine/storage/CodeColumn.h"
+#include "qel/engine/EngineError.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include "engine/eval/PrefixSumReader.h"
 
-#include "engine/EngineError.h"
 #include "engine/eval/Vectorised.h"
+#include "qel/engine/EngineError.h"
 
 #include <algorithm>
 #include <bit>

@@ -1,6 +1,6 @@
 #include "engine/export/MondrianSchema.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 

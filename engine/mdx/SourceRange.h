@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 
 #include <cstdint>
 #include <string>

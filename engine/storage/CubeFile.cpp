@@ -1,12 +1,12 @@
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
 
-#include "engine/EngineError.h"
 #include "engine/storage/AggregateVerifier.h"
 #include "engine/storage/CubeLoader.h"
 #include "engine/storage/FactVerifier.h"
 #include "engine/storage/FileImage.h"
 #include "engine/storage/MappedFile.h"
 #include "engine/storage/MemberVerifier.h"
+#include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
 #include "text/Utf8Path.h"
 

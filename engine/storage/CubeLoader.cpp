@@ -1,7 +1,7 @@
 #include "engine/storage/CubeLoader.h"
 
 #include "engine/storage/AggregateLoader.h"
-#include "engine/storage/BracketedName.h"
+#include "qel/engine/BracketedName.h"
 
 #include <fmt/format.h>
 

@@ -1,9 +1,9 @@
-#include "engine/EngineError.h"
 #include "engine/eval/FactAccessPlan.h"
 #include "engine/eval/FactScan.h"
-#include "engine/storage/CubeFile.h"
 #include "engine/storage/Format.h"
 #include "engine/storage/PageVerifier.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/EngineError.h"
 
 #include <xxhash.h>
 

@@ -1,8 +1,8 @@
 #include "platform/data/embedded/CubeSource.h"
 
-#include "engine/storage/CubeFile.h"
 #include "platform/data/ConnectionText.h"
 #include "platform/data/embedded/ProviderErrors.h"
+#include "qel/engine/CubeFile.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "engine/eval/Query.h"
 #include "platform/data/DataAccess.h"
+#include "qel/engine/Cellset.h"
 
 #include <optional>
 

@@ -1,7 +1,7 @@
 #include "platform/data/embedded/FlattenedRows.h"
 
-#include "engine/storage/BracketedName.h"
 #include "platform/data/embedded/ProviderErrors.h"
+#include "qel/engine/BracketedName.h"
 
 #include <algorithm>
 

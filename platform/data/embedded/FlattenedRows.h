@@ -1,7 +1,7 @@
 #pragma once
 
-#include "engine/eval/Query.h"
 #include "platform/value/Variant.h"
+#include "qel/engine/Cellset.h"
 
 #include <string>
 #include <vector>

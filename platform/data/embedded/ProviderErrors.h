@@ -1,8 +1,8 @@
 #pragma once
 
-#include "engine/EngineError.h"
 #include "platform/data/DataAccessErrors.h"
 #include "platform/value/AutomationError.h"
+#include "qel/engine/EngineError.h"
 
 #include <cstdint>
 #include <string>

@@ -1,9 +1,9 @@
-#include "engine/EngineError.h"
-#include "engine/build/BuildCube.h"
 #include "engine/eval/AggregatePlan.h"
 #include "engine/eval/FactAccessPlan.h"
-#include "engine/eval/PlanCache.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/BuildCube.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/EngineError.h"
+#include "qel/engine/PlanCache.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 

@@ -1,6 +1,6 @@
-#include "engine/EngineError.h"
-#include "engine/eval/PlanCache.h"
-#include "engine/eval/Query.h"
+#include "qel/engine/Cellset.h"
+#include "qel/engine/EngineError.h"
+#include "qel/engine/PlanCache.h"
 #include "tests/engine/eval/RandomMdx.h"
 
 #include <fmt/format.h>

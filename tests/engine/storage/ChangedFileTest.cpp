@@ -1,5 +1,5 @@
-#include "engine/EngineError.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/EngineError.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 

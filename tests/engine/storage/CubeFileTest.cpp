@@ -1,6 +1,6 @@
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/FileSizeLimit.h"
 #include "tests/helpers/TemporaryFolder.h"

@@ -1,4 +1,4 @@
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 

@@ -1,7 +1,7 @@
 #include "tests/engine/storage/SmallCube.h"
 
 #include "engine/storage/AggregateWriter.h"
-#include "engine/storage/Cube.h"
+#include "qel/engine/Cube.h"
 
 #include <algorithm>
 #include <span>
