@@ -5,8 +5,9 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
-if(QEL_OFFICE)
-    # The libraries go into the Calc add-in, too; it shows nothing to the office but its factory functions.
+if(NOT WIN32)
+    # The libraries also go into the Calc add-in, which exports only its factory functions. They are built alike without it,
+    # so turning QEL_OFFICE on rebuilds nothing.
     set(CMAKE_POSITION_INDEPENDENT_CODE ON)
     set(CMAKE_CXX_VISIBILITY_PRESET hidden)
     set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
