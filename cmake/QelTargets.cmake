@@ -5,10 +5,10 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
-# The libraries go into the Calc add-in, and the engine into other programs' shared libraries.
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-if(QEL_OFFICE)
-    # The add-in shows nothing to the office but its factory functions.
+if(NOT WIN32)
+    # The libraries also go into the Calc add-in, which exports only its factory functions. They are built alike without it,
+    # so turning QEL_OFFICE on rebuilds nothing.
+    set(CMAKE_POSITION_INDEPENDENT_CODE ON)
     set(CMAKE_CXX_VISIBILITY_PRESET hidden)
     set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 endif()
@@ -36,7 +36,7 @@ endif()
 # The scans over fact columns rely on the vectoriser, which GCC 12 runs in full only at this level.
 string(REPLACE "-O2" "-O3" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 
-if(QEL_SANITIZE OR QEL_FUZZ)
+if(QEL_SANITIZE OR QEL_THREAD_SANITIZE OR QEL_FUZZ)
     # Instrumented code compiles slowly; this is fast enough to run, and its stack traces have lines.
     set(CMAKE_CXX_FLAGS_RELWITHDEBINFO "-O1 -g1")
 endif()
@@ -45,6 +45,17 @@ if(QEL_SANITIZE)
     add_link_options(-fsanitize=address,undefined)
     # With the checks in between, GCC 12 takes variants that were moved from for ones that were never set.
     add_compile_options(-Wno-maybe-uninitialized)
+endif()
+if(QEL_THREAD_SANITIZE)
+    add_compile_options(-fsanitize=thread -fno-omit-frame-pointer -Wno-maybe-uninitialized)
+    add_link_options(-fsanitize=thread)
+    # ThreadSanitizer of GCC 12 finds no room for its shadow memory where the kernel spreads addresses over more bits.
+    if(EXISTS /proc/sys/vm/mmap_rnd_bits)
+        file(READ /proc/sys/vm/mmap_rnd_bits bits)
+        if(bits GREATER 28)
+            set(CMAKE_CROSSCOMPILING_EMULATOR setarch -R)
+        endif()
+    endif()
 endif()
 if(QEL_FUZZ)
     add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all)
@@ -63,16 +74,37 @@ function(qel_program name)
     target_link_libraries(${name} PRIVATE qel_options)
 endfunction()
 
-# qel_test(NAME sources...): a GoogleTest program whose cases ctest lists one by one.
+# Every test has one of these labels, and "threads" besides if it runs threads:
+#   quick    needs the build alone and takes a few seconds at most
+#   slow     takes longer
+#   office   starts LibreOffice
+#   server   starts servers
+#   windows  runs under Wine
+add_custom_target(thread_tests) # the programs of the tests with threads
+
+# qel_test(NAME sources... [LABELS labels...]): a GoogleTest program whose cases ctest lists one by one. Without LABELS
+# they are quick; in the Windows builds all are windows.
 function(qel_test name)
-    qel_program(${name} ${ARGN})
+    cmake_parse_arguments(PARSE_ARGV 1 test "" "" LABELS)
+    qel_program(${name} ${test_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main)
     if(WIN32) # Wine runs them, and is stopped only when all of them are done
         gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-            PROPERTIES TIMEOUT 300 FIXTURES_REQUIRED wine)
-    else()
-        gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+            PROPERTIES TIMEOUT 300 FIXTURES_REQUIRED wine LABELS windows)
+        return()
     endif()
+    gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 300)
+    if(NOT test_LABELS)
+        set(test_LABELS quick)
+    endif()
+    if(threads IN_LIST test_LABELS)
+        add_dependencies(thread_tests ${name})
+    endif()
+    # gtest_discover_tests would take the second label for a property.
+    set(labels_file "${CMAKE_CURRENT_BINARY_DIR}/${name}_labels.cmake")
+    file(CONFIGURE OUTPUT "${labels_file}" @ONLY
+        CONTENT "set_tests_properties(\${@name@_TESTS} PROPERTIES LABELS \"@test_LABELS@\")\n")
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${labels_file}")
 endfunction()
 
 # qel_prefix_test(NAME FIXTURE sources...): a program that changes the Wine prefix (registry, windows, classes): its cases
@@ -81,5 +113,5 @@ function(qel_prefix_test name fixture)
     qel_program(${name} ${ARGN})
     target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 120
-        PROPERTIES TIMEOUT 600 FIXTURES_REQUIRED ${fixture} RESOURCE_LOCK wine_prefix)
+        PROPERTIES TIMEOUT 600 FIXTURES_REQUIRED ${fixture} RESOURCE_LOCK wine_prefix LABELS windows)
 endfunction()

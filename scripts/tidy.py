@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs clang-tidy over the sources of build folders, one a core, and remembers which were clean.
+"""Runs clang-tidy over the sources of build folders, one per core, and remembers which were clean.
 
 A source is checked again when it, a header of the repository that it includes, its compile command, the rules or
 clang-tidy change, so a run without changes takes a second. What is remembered stands in the user's cache folder and
@@ -35,6 +35,12 @@ def included_files(build):
 def object_of(command):
     words = command.split()
     return words[words.index("-o") + 1]
+
+
+def included(entry, includes):
+    """The repository's files that an entry's source reads."""
+    build, command = entry
+    return includes[build].get(object_of(command["command"]), [pathlib.Path(command["file"])])
 
 
 def rules():
@@ -82,20 +88,35 @@ def own_sources(builds):
                 yield build, entry
 
 
+def touched(entries, includes, files):
+    """The entries of these sources; for a header, one that reads it, if possible the source of its name."""
+    chosen = []
+    for file in files:
+        readers = [entry for entry in entries if file in included(entry, includes)]
+        readers.sort(key=lambda entry: (entry[1]["file"] != str(file), pathlib.Path(entry[1]["file"]).stem != file.stem))
+        chosen += [entry for entry in readers[:1] if entry not in chosen]
+    return chosen
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("builds", nargs="+", help="configured and built folders, such as build/native")
-    builds = [os.path.abspath(build) for build in parser.parse_args().builds]
+    parser.add_argument("--only", action="append", type=pathlib.Path, metavar="FILE",
+                        help="check this source, or one source that includes this header; may be repeated")
+    options = parser.parse_args()
+    builds = [os.path.abspath(build) for build in options.builds]
 
     includes = {build: included_files(build) for build in builds}
     cache = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache")
     stamps = cache / "orm-func-qel4" / "tidy-clean"
     stamps.mkdir(parents=True, exist_ok=True)
     base = rules()
+    entries = list(own_sources(builds))
+    if options.only:
+        entries = touched(entries, includes, [file.resolve() for file in options.only])
     waiting = []
-    for build, entry in own_sources(builds):
-        read = includes[build].get(object_of(entry["command"]), [pathlib.Path(entry["file"])])
-        mark = stamps / fingerprint(base, entry["command"], read)
+    for build, entry in entries:
+        mark = stamps / fingerprint(base, entry["command"], included((build, entry), includes))
         if not mark.exists():
             waiting.append((build, entry, mark))
 
