@@ -3,7 +3,7 @@
 namespace qel {
 
 AutomationError ProviderError(std::int32_t number, std::string description) {
-    return {number, std::move(description), "OrmFuncQel4 cube engine"};
+    return {number, std::move(description), embeddedProvider};
 }
 
 AutomationError ToAutomationError(const engine::EngineError& error) {

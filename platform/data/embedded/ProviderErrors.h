@@ -12,11 +12,14 @@
 
 namespace qel {
 
-/// An error in the name of the embedded engine.
-AutomationError ProviderError(std::int32_t number, std::string description);
+/// The source of the embedded engine's errors.
+inline constexpr const char* embeddedProvider = "OrmFuncQel4 cube engine";
 
-/// The same number (the kind's) and text, in the name of the embedded engine.
-AutomationError ToAutomationError(const engine::EngineError& error);
+/// An error of the embedded engine.
+[[nodiscard]] AutomationError ProviderError(std::int32_t number, std::string description);
+
+/// The engine's error under the number of its kind.
+[[nodiscard]] AutomationError ToAutomationError(const engine::EngineError& error);
 
 /// Runs `work` and returns its result; an EngineError leaves as an AutomationError.
 template <class Work>
