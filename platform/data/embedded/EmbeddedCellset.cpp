@@ -1,9 +1,9 @@
 #include "platform/data/embedded/EmbeddedCellset.h"
 
-#include "engine/eval/Query.h"
 #include "platform/data/HeldAnswer.h"
 #include "platform/data/embedded/EmbeddedConnection.h"
 #include "platform/data/embedded/ProviderErrors.h"
+#include "qel/engine/Cellset.h"
 
 namespace qel {
 
