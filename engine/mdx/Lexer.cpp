@@ -50,7 +50,7 @@ Token Lexer::Next() {
         return ReadName();
     }
     if (IsWordStart(c)) {
-        return ReadPackedKey();
+        return ReadWord();
     }
     if (IsDigit(c)) {
         return ReadNumber();
@@ -96,7 +96,7 @@ Token Lexer::RawUpTo(std::string_view word) {
         const std::size_t start = position_;
         if (!IsWordStart(At(position_))) {
             ++position_;
-        } else if (IsWord(ReadPackedKey().text, word)) {
+        } else if (IsWord(ReadWord().text, word)) {
             position_ = start;
             break;
         }
@@ -217,7 +217,7 @@ Token Lexer::ReadNumber() {
     return Take(TokenKind::Number, end - position_);
 }
 
-Token Lexer::ReadPackedKey() {
+Token Lexer::ReadWord() {
     std::size_t end = position_;
     while (IsWordPart(At(end)) && (At(end) > 0 || BlankLength(statement_.substr(end, 3)) == 0)) {
         ++end;

@@ -70,7 +70,7 @@ private:
     Token ReadName();
     Token ReadText();
     Token ReadNumber();
-    Token ReadPackedKey();
+    Token ReadWord();
     Token ReadSymbol();
     Token ReadOperator();
     Token Take(TokenKind kind, std::size_t length);
