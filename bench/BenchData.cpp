@@ -1,9 +1,9 @@
 #include "bench/BenchData.h"
 
 #include "bench/SqlitePeer.h"
-#include "engine/build/BuildCube.h"
 #include "examples/ledger/LedgerFiles.h"
 #include "examples/ledger/WideLedger.h"
+#include "qel/engine/BuildCube.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

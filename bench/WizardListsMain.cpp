@@ -1,4 +1,4 @@
-#include "engine/build/BuildCube.h"
+#include "qel/engine/BuildCube.h"
 #include "tests/wizard/WizardBench.h"
 #include "wizard/FunctionForm.h"
 

@@ -2,8 +2,8 @@
 
 #include "bench/RecordingDataAccess.h"
 #include "engine/eval/StatementPlan.h"
-#include "engine/storage/CubeFile.h"
 #include "examples/ledger/reference/FormulaCell.h"
+#include "qel/engine/CubeFile.h"
 
 #include <algorithm>
 #include <chrono>

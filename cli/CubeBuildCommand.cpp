@@ -2,7 +2,7 @@
 
 #include "cli/Interruption.h"
 #include "cli/ProgressBar.h"
-#include "engine/build/BuildCube.h"
+#include "qel/engine/BuildCube.h"
 #include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>

@@ -2,8 +2,8 @@
 
 #include "cli/Interruption.h"
 #include "cli/ProgressBar.h"
-#include "engine/export/ExportCubes.h"
 #include "platform/data/embedded/CubeSource.h"
+#include "qel/engine/ExportCubes.h"
 #include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>

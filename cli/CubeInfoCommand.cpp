@@ -2,8 +2,8 @@
 
 #include "cli/LevelPath.h"
 #include "cli/TextTable.h"
-#include "engine/storage/CubeFile.h"
 #include "platform/data/embedded/CubeSource.h"
+#include "qel/engine/CubeFile.h"
 #include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>
@@ -21,8 +21,8 @@ constexpr const char* footer = R"(Examples:
   qel cube info demo.cub --members '[OBS].[Level2]' --cube LedgerFNC
   qel cube info demo.cub --members SuperSum1 --cube LedgerHebrewFNC)";
 
-const char* AggregateName(engine::Aggregate aggregate) {
-    return aggregate == engine::Aggregate::Sum ? "sum" : "count";
+const char* NameOf(engine::AggregateFunction function) {
+    return function == engine::AggregateFunction::Sum ? "sum" : "count";
 }
 
 void PrintLevels(const engine::Cube& cube, std::ostream& output) {
@@ -45,8 +45,7 @@ void PrintMeasures(const engine::Cube& cube, std::ostream& output) {
     const auto measures = cube.Facts().Measures();
     for (std::size_t i = 0; i < measures.size(); ++i) {
         table.lines.push_back({"  " + measures[i].name + (i == cube.DefaultMeasure() ? " (default)" : ""),
-                               AggregateName(measures[i].aggregate),
-                               fmt::format("{}", measures[i].decimals)});
+                               NameOf(measures[i].function), fmt::format("{}", measures[i].decimals)});
     }
     PrintTable(table, output);
 }

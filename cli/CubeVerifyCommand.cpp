@@ -1,8 +1,8 @@
 #include "cli/CubeVerifyCommand.h"
 
 #include "cli/ProgressBar.h"
-#include "engine/storage/CubeFile.h"
 #include "platform/data/embedded/CubeSource.h"
+#include "qel/engine/CubeFile.h"
 #include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
 
 #include <string>
 #include <string_view>

@@ -11,7 +11,7 @@
 #include "cli/SettingsCommand.h"
 #include "cli/Terminal.h"
 #include "cli/Version.h"
-#include "engine/EngineError.h"
+#include "platform/data/embedded/ProviderErrors.h"
 #include "platform/data/standalone/StandaloneProviders.h"
 #include "platform/value/AutomationError.h"
 #include "text/CaseFold.h"
@@ -115,7 +115,7 @@ int main(int argc, char** argv) {
     } catch (const qel::AutomationError& error) {
         return Fail(fmt::format("{} (error {})", error.Description(), error.Number()));
     } catch (const qel::engine::EngineError& error) {
-        return Fail(fmt::format("{} (error {})", error.what(), static_cast<std::int32_t>(error.Kind())));
+        return Fail(fmt::format("{} (error {})", error.what(), qel::ErrorNumberOf(error.Kind())));
     } catch (const std::bad_alloc&) {
         return Fail("there is not enough memory");
     } catch (const std::exception& error) {

@@ -18,6 +18,8 @@ if(CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE}")
 endif()
 
+# What every target of the repository is compiled with: the warnings and the include root. Linked privately, so that
+# nobody who links a target inherits them.
 add_library(qel_options INTERFACE)
 target_include_directories(qel_options INTERFACE "${CMAKE_SOURCE_DIR}")
 target_compile_options(qel_options INTERFACE
@@ -60,10 +62,10 @@ if(QEL_FUZZ)
     add_link_options(-fsanitize=address,undefined)
 endif()
 
-# qel_library(NAME sources...): a folder's library, with the house's warnings and include root.
+# qel_library(NAME sources...): a folder's library.
 function(qel_library name)
     add_library(${name} STATIC ${ARGN})
-    target_link_libraries(${name} PUBLIC qel_options)
+    target_link_libraries(${name} PRIVATE qel_options)
 endfunction()
 
 # qel_program(NAME sources...): a program that lands in build/<preset>/bin.

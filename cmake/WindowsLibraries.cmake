@@ -15,7 +15,7 @@ target_include_directories(fmt SYSTEM PUBLIC "${QEL_HEADERS}")
 add_library(qel_xxhash INTERFACE)
 target_include_directories(qel_xxhash SYSTEM INTERFACE "${QEL_HEADERS}")
 target_compile_definitions(qel_xxhash INTERFACE XXH_INLINE_ALL)
-set(XXHASH_LIBRARY qel_xxhash)
+add_library(XxHash::XxHash ALIAS qel_xxhash)
 
 include(SqliteForWindows)
 

@@ -1,6 +1,6 @@
 #include "engine/build/BadLines.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,4 @@
-#include "engine/build/BuildCube.h"
+#include "qel/engine/BuildCube.h"
 
 #include "engine/build/BadLines.h"
 #include "engine/build/BuildPaths.h"

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "engine/build/BuildCube.h"
 #include "engine/build/Definition.h"
+#include "qel/engine/BuildCube.h"
 
 namespace qel::engine {
 

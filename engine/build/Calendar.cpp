@@ -1,7 +1,7 @@
 #include "engine/build/Calendar.h"
 
 #include "engine/build/HierarchyParts.h"
-#include "engine/storage/Cube.h"
+#include "qel/engine/Cube.h"
 
 #include <fmt/format.h>
 

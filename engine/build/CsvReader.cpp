@@ -1,6 +1,6 @@
 #include "engine/build/CsvReader.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
 
 #include <fmt/format.h>

@@ -1,8 +1,8 @@
 #include "engine/build/CubeBuilder.h"
 
-#include "engine/EngineError.h"
 #include "engine/build/FactSorter.h"
-#include "engine/build/SlotLayout.h"
+#include "engine/build/PackedLayout.h"
+#include "qel/engine/EngineError.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>
@@ -143,7 +143,7 @@ void CubeBuilder::MakeModel() {
     for (const KeyColumnBuilder& column : keyColumns_) {
         model_.keyColumns.push_back({column.Name(), column.CodeCount()});
     }
-    AssignSlots(model_.keyColumns);
+    PackKeyColumns(model_.keyColumns);
     model_.measures = MeasureModels(cube_.measures, facts_, cube_.name);
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         model_.dimensions.push_back(dimensions_[i].Model(KeysOf(i), keyColumnOf_[i]));

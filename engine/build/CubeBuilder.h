@@ -1,13 +1,13 @@
 #pragma once
 
 #include "engine/build/BadLines.h"
-#include "engine/build/BuildCube.h"
 #include "engine/build/Definition.h"
 #include "engine/build/DimensionBuilder.h"
 #include "engine/build/FactColumns.h"
 #include "engine/build/KeyColumnBuilder.h"
 #include "engine/build/TableReader.h"
 #include "engine/storage/CubeModel.h"
+#include "qel/engine/BuildCube.h"
 
 #include <optional>
 #include <vector>

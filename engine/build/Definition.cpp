@@ -1,9 +1,9 @@
 #include "engine/build/Definition.h"
 
-#include "engine/EngineError.h"
 #include "engine/build/DateText.h"
 #include "engine/build/JsonObject.h"
 #include "engine/build/TextFile.h"
+#include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
 #include "text/Utf8Path.h"
 

@@ -1,7 +1,7 @@
 #include "engine/build/FactColumns.h"
 
-#include "engine/EngineError.h"
 #include "engine/build/AmountText.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 
@@ -177,7 +177,7 @@ std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measure
     std::vector<Measure> models;
     for (std::size_t i = 0; i < measures.size(); ++i) {
         const MeasureDefinition& measure = measures[i];
-        Measure model{measure.name, measure.caption, Aggregate::Count, measure.decimals, 0, 1};
+        Measure model{measure.name, measure.caption, AggregateFunction::Count, measure.decimals, 0, 1};
         if (measure.column) {
             const auto& values = facts.values[i];
             if (!IsSummable(values)) {
@@ -188,7 +188,7 @@ std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measure
                                 cubeName, measure.name, measure.decimals));
             }
             const auto [least, most] = std::minmax_element(values.begin(), values.end());
-            model.aggregate = Aggregate::Sum;
+            model.function = AggregateFunction::Sum;
             model.unit = CommonUnit(values);
             model.width =
                 values.empty() ? std::uint8_t{1} : ValueWidth(*least / model.unit, *most / model.unit);

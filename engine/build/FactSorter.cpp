@@ -1,7 +1,7 @@
 #include "engine/build/FactSorter.h"
 
-#include "engine/build/RollupBuilder.h"
-#include "engine/storage/RollupWriter.h"
+#include "engine/build/AggregateBuilder.h"
+#include "engine/storage/AggregateWriter.h"
 
 #include <algorithm>
 #include <future>
@@ -57,13 +57,13 @@ void AppendAs(const Rows& rows, const Value& value, CubeFileWriter& writer) {
     }
 }
 
-/// The columns that share a slot, put together.
-void AppendSlot(const CubeModel& model, const FactColumns& facts, std::size_t slot, const Rows& rows,
-                CubeFileWriter& writer) {
+/// The columns that share a packed column, put together.
+void AppendPackedColumn(const CubeModel& model, const FactColumns& facts, std::size_t packedColumn,
+                        const Rows& rows, CubeFileWriter& writer) {
     std::vector<std::pair<const std::uint32_t*, std::uint8_t>> parts; // codes and shift
     std::uint8_t width = 1;
     for (std::size_t i = 0; i < model.keyColumns.size(); ++i) {
-        if (model.keyColumns[i].slot != slot) {
+        if (model.keyColumns[i].packedColumn != packedColumn) {
             continue;
         }
         parts.emplace_back(facts.keys[i].data(), model.keyColumns[i].shift);
@@ -99,22 +99,22 @@ void AppendValues(const std::vector<std::int64_t>& values, const Measure& measur
     }
 }
 
-std::size_t SlotCount(const CubeModel& model) {
+std::size_t PackedColumnCount(const CubeModel& model) {
     std::size_t count = 0;
     for (const KeyColumn& column : model.keyColumns) {
-        count = std::max(count, std::size_t{column.slot} + 1);
+        count = std::max(count, std::size_t{column.packedColumn} + 1);
     }
     return count;
 }
 
 void WriteProjection(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
                      std::size_t projection, const Rows& rows, CubeFileWriter& writer) {
-    for (std::size_t slot = 0; slot < SlotCount(model); ++slot) {
-        if (IsSlotOfLeadAlone(model.keyColumns, slot, model.projections[projection].sortOrder.front())) {
+    for (std::size_t packedColumn = 0; packedColumn < PackedColumnCount(model); ++packedColumn) {
+        if (HoldsLeadAlone(model.keyColumns, packedColumn, model.projections[projection].sortOrder.front())) {
             continue;
         }
-        writer.BeginSlots(cube, projection, slot);
-        AppendSlot(model, facts, slot, rows, writer);
+        writer.BeginPackedColumn(cube, projection, packedColumn);
+        AppendPackedColumn(model, facts, packedColumn, rows, writer);
         writer.End();
     }
     for (std::size_t measure = 0; measure < model.measures.size(); ++measure) {
@@ -127,30 +127,30 @@ void WriteProjection(const CubeModel& model, const FactColumns& facts, std::uint
     }
 }
 
-/// The rows of rollups, which have the slots of the word's columns and the time alone.
-void WriteRollupRows(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
-                     const BuiltRollups& rollups, CubeFileWriter& writer) {
+/// The rows of aggregates, which have the packed columns of the word's columns and the time alone.
+void WriteAggregateRows(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
+                        const BuiltAggregates& aggregates, CubeFileWriter& writer) {
     const auto section = [&](format::SectionKind kind, std::size_t second, const auto& append) {
         writer.Begin({static_cast<std::uint32_t>(kind), cube, 0, static_cast<std::uint32_t>(second)});
-        for (const Rows& rows : rollups.rows) {
+        for (const Rows& rows : aggregates.rows) {
             append(rows);
         }
         writer.End();
     };
-    std::set<std::size_t> slots;
-    for (const RollupTable::WordColumn& word : rollups.model.wordColumns) {
-        slots.insert(model.keyColumns[word.column].slot);
+    std::set<std::size_t> columns;
+    for (const AggregateTable::PackedKeyColumn& part : aggregates.model.packedKeyColumns) {
+        columns.insert(model.keyColumns[part.column].packedColumn);
     }
-    if (rollups.model.timeColumn) {
-        slots.insert(model.keyColumns[*rollups.model.timeColumn].slot);
+    if (aggregates.model.timeColumn) {
+        columns.insert(model.keyColumns[*aggregates.model.timeColumn].packedColumn);
     }
-    for (const std::size_t slot : slots) {
-        section(format::SectionKind::RollupSlots, slot,
-                [&](const Rows& rows) { AppendSlot(model, facts, slot, rows, writer); });
+    for (const std::size_t packedColumn : columns) {
+        section(format::SectionKind::AggregatePackedColumns, packedColumn,
+                [&](const Rows& rows) { AppendPackedColumn(model, facts, packedColumn, rows, writer); });
     }
     for (std::size_t i = 0; i < model.measures.size(); ++i) {
         if (model.measures[i].width != 0) {
-            section(format::SectionKind::RollupValues, i, [&](const Rows& rows) {
+            section(format::SectionKind::AggregateValues, i, [&](const Rows& rows) {
                 AppendValues(facts.values[i], model.measures[i], rows, writer);
             });
         }
@@ -214,10 +214,10 @@ void WriteFacts(const CubeModel& model, const FactColumns& facts, std::uint32_t 
         WriteProjection(model, facts, cube, i, rows, writer);
         progress(static_cast<double>(i + 1) / static_cast<double>(model.projections.size() + 1));
     }
-    const BuiltRollups rollups = BuildRollups(model, facts);
-    if (!rollups.model.records.empty()) {
-        WriteRollups(rollups.model, model, cube, writer);
-        WriteRollupRows(model, facts, cube, rollups, writer);
+    const BuiltAggregates aggregates = BuildAggregates(model, facts);
+    if (!aggregates.model.records.empty()) {
+        WriteAggregates(aggregates.model, model, cube, writer);
+        WriteAggregateRows(model, facts, cube, aggregates, writer);
     }
     progress(1);
 }

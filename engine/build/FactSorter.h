@@ -20,7 +20,7 @@ std::vector<std::vector<std::uint16_t>> ChooseSortOrders(const std::vector<KeyCo
 ProjectionModel DescribeProjection(const std::vector<std::uint16_t>& sortOrder,
                                    const std::vector<KeyColumn>& keyColumns, const FactColumns& facts);
 
-/// Writes the facts in every sort order of the model, and their rollups. `progress` gets the share done.
+/// Writes the facts in every sort order of the model, and their aggregates. `progress` gets the share done.
 void WriteFacts(const CubeModel& model, const FactColumns& facts, std::uint32_t cube, CubeFileWriter& writer,
                 const std::function<void(double)>& progress);
 

@@ -1,7 +1,7 @@
 #include "engine/build/HierarchyParts.h"
 
-#include "engine/EngineError.h"
-#include "engine/storage/Cube.h"
+#include "qel/engine/Cube.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 

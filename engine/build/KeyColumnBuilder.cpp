@@ -1,8 +1,8 @@
 #include "engine/build/KeyColumnBuilder.h"
 
-#include "engine/EngineError.h"
 #include "engine/build/DateText.h"
 #include "engine/build/TextOrder.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "engine/build/MemberSets.h"
 
-#include "engine/build/RollupLayout.h"
+#include "engine/build/AggregateLayout.h"
 #include "engine/storage/NameIndex.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 
 using Ranges = std::vector<KeyRange>;
 
-/// Sets of more ranges are not worth a rollup's lookup.
+/// Sets of more ranges are not worth an aggregate's lookup.
 constexpr std::size_t mostRanges = 64;
 
 CodeRanges CodesOf(const HierarchyModel& hierarchy, std::size_t member) {
@@ -75,10 +75,10 @@ void VisitSets(const CubeModel& model, std::size_t keyColumn, const Visit& visit
 
 } // namespace
 
-void FindGroups(const CubeModel& model, RollupModel& rollups) {
+void FindGroups(const CubeModel& model, AggregateModel& aggregates) {
     std::vector<Ranges> groups;
     for (std::size_t column = 0; column < model.keyColumns.size(); ++column) {
-        if (!IsRollupKey(rollups, column)) {
+        if (!IsAggregateKey(aggregates, column)) {
             continue;
         }
         VisitSets(model, column, [&](CodeRanges ranges) {
@@ -92,8 +92,8 @@ void FindGroups(const CubeModel& model, RollupModel& rollups) {
     });
     groups.erase(std::unique(groups.begin(), groups.end()), groups.end());
     for (const Ranges& group : groups) {
-        rollups.groupRanges.insert(rollups.groupRanges.end(), group.begin(), group.end());
-        rollups.groupPlaces.push_back(static_cast<std::uint32_t>(rollups.groupRanges.size()));
+        aggregates.groupRanges.insert(aggregates.groupRanges.end(), group.begin(), group.end());
+        aggregates.groupPlaces.push_back(static_cast<std::uint32_t>(aggregates.groupRanges.size()));
     }
 }
 

@@ -45,7 +45,7 @@ void Binder::BindDefinitions() {
     for (const mdx::Definition& definition : statement_.definitions) {
         if (!definition.isSet) {
             evaluator_.AddFormula(
-                {BindNumber(definition.formula), definition.solveOrder, At(definition.name).place});
+                {BindNumber(definition.formula), definition.solveOrder, At(definition.name).range});
         }
     }
 }
@@ -115,31 +115,32 @@ Bound Binder::BindPath(NodeId id, bool wantsLevel) {
 }
 
 Bound Binder::BindNamedSet(const NamedSet& named) const {
-    return MakeSet(named.set->IsConstant(), named.set->GetShape(),
-                   [set = named.set, tuples = named.tuples](Evaluator& evaluator, TupleSet& result) {
-                       if (!*tuples) {
-                           *tuples = TupleSet{set->GetShape(), {}}; // empty while it is being evaluated
-                           *tuples = set->Evaluate(evaluator);
-                       }
-                       result.Append(**tuples);
-                   });
+    return MakeSet(
+        named.set->IsConstant(), named.set->GetDimensionality(),
+        [set = named.set, tuples = named.tuples](Evaluator& evaluator, TupleSet& result) {
+            if (!*tuples) {
+                *tuples = TupleSet{set->GetDimensionality(), {}}; // empty while it is being evaluated
+                *tuples = set->Evaluate(evaluator);
+            }
+            result.Append(**tuples);
+        });
 }
 
 Bound Binder::BindBraces(NodeId id) {
     std::vector<SetPtr> elements;
-    Shape shape;
+    Dimensionality dimensionality;
     bool isConstant = true;
     for (NodeId child = At(id).firstChild; child != noNode; child = At(child).next) {
         SetPtr element = BindSet(child);
-        CheckShape(shape, *element, child);
-        shape = element->GetShape().empty() ? shape : element->GetShape();
+        CheckDimensionality(dimensionality, *element, child);
+        dimensionality = element->GetDimensionality().empty() ? dimensionality : element->GetDimensionality();
         isConstant = isConstant && element->IsConstant();
         elements.push_back(std::move(element));
     }
     if (elements.size() == 1) {
         return std::move(elements.front());
     }
-    return MakeSet(isConstant, shape,
+    return MakeSet(isConstant, dimensionality,
                    [elements = std::move(elements)](Evaluator& evaluator, TupleSet& result) {
                        for (const SetPtr& element : elements) {
                            element->Append(evaluator, result);
@@ -236,21 +237,23 @@ std::string_view Binder::Word(NodeId id) const {
 }
 
 void Binder::Fail(NodeId node, std::string_view message) const {
-    mdx::RaiseAt(ErrorKind::InvalidExpression, statement_.source, At(node).place, message);
+    mdx::RaiseAt(ErrorKind::InvalidExpression, statement_.source, At(node).range, message);
 }
 
-std::string Binder::Describe(const Shape& shape) const {
+std::string Binder::Describe(const Dimensionality& dimensionality) const {
     std::string text;
-    for (const HierarchyId hierarchy : shape) {
+    for (const HierarchyId hierarchy : dimensionality) {
         text += (text.empty() ? "" : ", ") + space_.HierarchyUniqueName(hierarchy);
     }
     return text;
 }
 
-void Binder::CheckShape(const Shape& shape, const SetExpression& set, NodeId node) const {
-    if (!shape.empty() && !set.GetShape().empty() && shape != set.GetShape()) {
-        Fail(node,
-             fmt::format("a set of {} takes no element of {}", Describe(shape), Describe(set.GetShape())));
+void Binder::CheckDimensionality(const Dimensionality& dimensionality, const SetExpression& set,
+                                 NodeId node) const {
+    if (!dimensionality.empty() && !set.GetDimensionality().empty() &&
+        dimensionality != set.GetDimensionality()) {
+        Fail(node, fmt::format("a set of {} takes no element of {}", Describe(dimensionality),
+                               Describe(set.GetDimensionality())));
     }
 }
 

@@ -48,8 +48,9 @@ public:
     Evaluator& GetEvaluator() { return evaluator_; }
     [[noreturn]] void Fail(mdx::NodeId node, std::string_view message) const;
     /// Raises InvalidExpression unless the set takes tuples of this shape; an empty one takes any.
-    void CheckShape(const Shape& shape, const SetExpression& set, mdx::NodeId node) const;
-    std::string Describe(const Shape& shape) const;
+    void CheckDimensionality(const Dimensionality& dimensionality, const SetExpression& set,
+                             mdx::NodeId node) const;
+    std::string Describe(const Dimensionality& dimensionality) const;
 
 private:
     struct NamedSet {

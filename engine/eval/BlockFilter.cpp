@@ -7,10 +7,10 @@
 namespace qel::engine {
 
 BlockFilter::BlockFilter(const Restriction& restriction, const KeyColumn& column)
-    : slot_(column.slot), width_(column.width), shift_(column.shift), bits_(column.Mask()) {
+    : packedColumn_(column.packedColumn), width_(column.width), shift_(column.shift), bits_(column.Mask()) {
     const std::size_t fewRanges = 16U / width_; // are compared in less time than codes are looked up
     const auto spanOf = [&](KeyRange range) {
-        return SlotSpan{range.first << shift_, (range.last - 1) << shift_};
+        return PackedSpan{range.first << shift_, (range.last - 1) << shift_};
     };
     if (restriction.codes.size() == 1) {
         span_ = spanOf(restriction.codes[0]);
@@ -30,7 +30,7 @@ BlockFilter::BlockFilter(const Restriction& restriction, const KeyColumn& column
 }
 
 bool BlockFilter::Merge(const BlockFilter& other) {
-    if (slot_ != other.slot_ || !IsOneCode() || !other.IsOneCode()) {
+    if (packedColumn_ != other.packedColumn_ || !IsOneCode() || !other.IsOneCode()) {
         return false;
     }
     bits_ |= other.bits_;
@@ -39,17 +39,17 @@ bool BlockFilter::Merge(const BlockFilter& other) {
     return true;
 }
 
-void BlockFilter::Mark(const std::byte* slots, std::size_t count, BlockMask& mask) const {
+void BlockFilter::Mark(const std::byte* packed, std::size_t count, BlockMask& mask) const {
     if (set_ == nullptr) {
-        MarkBetween({slots, width_, count}, bits_, span_, mask);
+        MarkBetween({packed, width_, count}, bits_, span_, mask);
         return;
     }
     std::fill_n(mask.begin(), count, std::uint8_t{1});
-    Apply(slots, count, mask);
+    Apply(packed, count, mask);
 }
 
-void BlockFilter::Apply(const std::byte* slots, std::size_t count, BlockMask& mask) const {
-    const SlotBlock block{slots, width_, count};
+void BlockFilter::Apply(const std::byte* packed, std::size_t count, BlockMask& mask) const {
+    const PackedBlock block{packed, width_, count};
     if (set_ == nullptr) {
         KeepBetween(block, bits_, span_, mask);
     } else if (!set_->spans.empty()) {
@@ -60,8 +60,9 @@ void BlockFilter::Apply(const std::byte* slots, std::size_t count, BlockMask& ma
 }
 
 std::size_t BlockFilter::OwnedBytes() const {
-    return set_ == nullptr ? 0
-                           : sizeof *set_ + set_->spans.capacity() * sizeof(SlotSpan) + set_->isIn.capacity();
+    return set_ == nullptr
+               ? 0
+               : sizeof *set_ + set_->spans.capacity() * sizeof(PackedSpan) + set_->isIn.capacity();
 }
 
 void AddFilter(BlockFilter filter, std::vector<BlockFilter>& filters) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/eval/Query.h"
+#include "qel/engine/Cellset.h"
 
 #include <string_view>
 

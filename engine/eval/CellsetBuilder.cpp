@@ -37,14 +37,14 @@ std::size_t Cellset::AxisBytes() const {
 
 void CellsetBuilder::AddAxis(const TupleSet& tuples) {
     Cellset::Axis& axis = axes_.emplace_back();
-    axis.tupleSize = tuples.shape.size();
+    axis.tupleSize = tuples.dimensionality.size();
     axis.positions.reserve(tuples.Count());
     std::unordered_map<std::uint64_t, std::uint32_t> known;
     for (std::size_t i = 0; i < tuples.Count(); ++i) {
         std::vector<std::uint32_t>& position = axis.positions.emplace_back();
-        position.reserve(tuples.shape.size());
-        for (std::size_t place = 0; place < tuples.shape.size(); ++place) {
-            const MemberRef member{tuples.shape[place], tuples.At(i)[place]};
+        position.reserve(tuples.dimensionality.size());
+        for (std::size_t place = 0; place < tuples.dimensionality.size(); ++place) {
+            const MemberRef member{tuples.dimensionality[place], tuples.At(i)[place]};
             const std::uint64_t key = std::uint64_t{member.hierarchy} << 32U | member.id;
             const auto [entry, isNew] = known.emplace(key, static_cast<std::uint32_t>(axis.members.size()));
             if (isNew) {

@@ -42,27 +42,27 @@ QEL_INLINE void ForEachRow(std::size_t count, const Test& test) {
 }
 
 /// Whether the bits of each row lie in the span: join(row, 1 or 0).
-template <class Slot, class Join>
-QEL_INLINE void Between(const std::byte* slots, std::size_t count, std::uint32_t bits, SlotSpan span,
+template <class Packed, class Join>
+QEL_INLINE void Between(const std::byte* packed, std::size_t count, std::uint32_t bits, PackedSpan span,
                         const Join& join) {
-    const auto under = static_cast<Slot>(bits);
-    const auto lowest = static_cast<Slot>(span.first);
+    const auto under = static_cast<Packed>(bits);
+    const auto lowest = static_cast<Packed>(span.first);
     // What lies below the first wraps around to large numbers, so one comparison tests both ends.
-    const auto width = static_cast<Slot>(span.last - span.first);
+    const auto width = static_cast<Packed>(span.last - span.first);
     ForEachRow(count, [&](std::size_t i) {
-        const auto distance = static_cast<Slot>((ReadAt<Slot>(slots, i) & under) - lowest);
+        const auto distance = static_cast<Packed>((ReadAt<Packed>(packed, i) & under) - lowest);
         join(i, static_cast<std::uint8_t>(distance <= width));
     });
 }
 
 template <class Join>
-QEL_INLINE void Between(SlotBlock slots, std::uint32_t bits, SlotSpan span, const Join& join) {
-    if (slots.width == 1) {
-        Between<std::uint8_t>(slots.data, slots.count, bits, span, join);
-    } else if (slots.width == 2) {
-        Between<std::uint16_t>(slots.data, slots.count, bits, span, join);
+QEL_INLINE void Between(PackedBlock block, std::uint32_t bits, PackedSpan span, const Join& join) {
+    if (block.width == 1) {
+        Between<std::uint8_t>(block.data, block.count, bits, span, join);
+    } else if (block.width == 2) {
+        Between<std::uint16_t>(block.data, block.count, bits, span, join);
     } else {
-        Between<std::uint32_t>(slots.data, slots.count, bits, span, join);
+        Between<std::uint32_t>(block.data, block.count, bits, span, join);
     }
 }
 
@@ -108,39 +108,40 @@ QEL_INLINE std::uint64_t SumBlock(const std::byte* values, std::size_t count, co
 } // namespace
 
 QEL_VECTORISED
-void MarkBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask) {
+void MarkBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask) {
     std::uint8_t* const marks = mask.data();
-    Between(slots, bits, span, [marks](std::size_t i, std::uint8_t isIn) { marks[i] = isIn; });
+    Between(block, bits, span, [marks](std::size_t i, std::uint8_t isIn) { marks[i] = isIn; });
 }
 
 QEL_VECTORISED
-void KeepBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask) {
+void KeepBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask) {
     std::uint8_t* const kept = mask.data();
-    Between(slots, bits, span, [kept](std::size_t i, std::uint8_t isIn) { kept[i] &= isIn; });
+    Between(block, bits, span, [kept](std::size_t i, std::uint8_t isIn) { kept[i] &= isIn; });
 }
 
 QEL_VECTORISED
-void KeepBetweenAny(SlotBlock slots, std::uint32_t bits, std::span<const SlotSpan> spans, BlockMask& mask) {
+void KeepBetweenAny(PackedBlock block, std::uint32_t bits, std::span<const PackedSpan> spans,
+                    BlockMask& mask) {
     BlockMask any;
     std::uint8_t* const found = any.data();
-    for (std::size_t i = 0; i < slots.count; ++i) {
+    for (std::size_t i = 0; i < block.count; ++i) {
         found[i] = 0;
     }
-    for (const SlotSpan span : spans) {
-        Between(slots, bits, span, [found](std::size_t i, std::uint8_t isIn) { found[i] |= isIn; });
+    for (const PackedSpan span : spans) {
+        Between(block, bits, span, [found](std::size_t i, std::uint8_t isIn) { found[i] |= isIn; });
     }
-    for (std::size_t i = 0; i < slots.count; ++i) {
+    for (std::size_t i = 0; i < block.count; ++i) {
         mask[i] &= found[i];
     }
 }
 
-void KeepListed(SlotBlock slots, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
+void KeepListed(PackedBlock block, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
                 BlockMask& mask) {
-    VisitCodeType(slots.width, [&](auto type) {
-        using Slot = decltype(type);
-        for (std::size_t i = 0; i < slots.count; ++i) {
+    VisitCodeType(block.width, [&](auto type) {
+        using Packed = decltype(type);
+        for (std::size_t i = 0; i < block.count; ++i) {
             // A code comes from the file and is not trusted to lie within the table.
-            const std::size_t code = (ReadAt<Slot>(slots.data, i) & bits) >> shift;
+            const std::size_t code = (ReadAt<Packed>(block.data, i) & bits) >> shift;
             mask[i] &= code < isIn.size() ? isIn[code] : std::uint8_t{0};
         }
     });

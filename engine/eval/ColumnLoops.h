@@ -16,26 +16,27 @@ inline constexpr std::size_t blockRows = 1024;
 /// For each row of a block 1 when it passed, otherwise 0.
 using BlockMask = std::array<std::uint8_t, blockRows>;
 
-/// The rows of a block: `count` slots of `width` bytes.
-struct SlotBlock {
+/// The rows of a block: `count` packed columns of `width` bytes.
+struct PackedBlock {
     const std::byte* data = nullptr;
     std::uint8_t width = 1;
     std::size_t count = 0;
 };
 
-/// A span of a slot's bits as they lie, not shifted.
-struct SlotSpan {
+/// A span of a packed column's bits as they lie, not shifted.
+struct PackedSpan {
     std::uint32_t first = 0, last = 0; ///< both included
 };
 
 /// Marks each row of the block: whether its bits under `bits` are in the span.
-void MarkBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask);
+void MarkBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask);
 /// Takes out the rows whose bits under `bits` are not in the span.
-void KeepBetween(SlotBlock slots, std::uint32_t bits, SlotSpan span, BlockMask& mask);
+void KeepBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask);
 /// Takes out the rows whose bits under `bits` are in none of the spans, which should be few.
-void KeepBetweenAny(SlotBlock slots, std::uint32_t bits, std::span<const SlotSpan> spans, BlockMask& mask);
+void KeepBetweenAny(PackedBlock block, std::uint32_t bits, std::span<const PackedSpan> spans,
+                    BlockMask& mask);
 /// Takes out the rows whose code, from `shift` under `bits`, has a 0 in the table or lies beyond it.
-void KeepListed(SlotBlock slots, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
+void KeepListed(PackedBlock block, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
                 BlockMask& mask);
 
 /// Calls visit(row) for the rows that passed, in order; for blocks of which few did, as it looks at eight at

@@ -40,12 +40,12 @@ bool EvaluateTuple(const TupleExpression& tuple, Evaluator& evaluator, std::vect
     return true;
 }
 
-Shape ShapeOf(const TupleExpression& tuple) {
-    Shape shape;
+Dimensionality DimensionalityOf(const TupleExpression& tuple) {
+    Dimensionality dimensionality;
     for (const MemberPtr& member : tuple) {
-        shape.push_back(member->Hierarchy());
+        dimensionality.push_back(member->Hierarchy());
     }
-    return shape;
+    return dimensionality;
 }
 
 } // namespace
@@ -57,8 +57,8 @@ MemberPtr ConstantMember(MemberRef member) { return std::make_unique<ConstantMem
 SetPtr SetOfTuple(TupleExpression tuple) {
     const bool isConstant =
         std::all_of(tuple.begin(), tuple.end(), [](const MemberPtr& member) { return member->IsConstant(); });
-    Shape shape = ShapeOf(tuple);
-    return MakeSet(isConstant, std::move(shape),
+    Dimensionality dimensionality = DimensionalityOf(tuple);
+    return MakeSet(isConstant, std::move(dimensionality),
                    [tuple = std::move(tuple)](Evaluator& evaluator, TupleSet& result) {
                        std::vector<MemberId> ids;
                        if (EvaluateTuple(tuple, evaluator, ids)) {
@@ -68,15 +68,16 @@ SetPtr SetOfTuple(TupleExpression tuple) {
 }
 
 NumberPtr ValueOf(TupleExpression tuple) {
-    Shape shape = ShapeOf(tuple);
-    return MakeNumber(false, [shape = std::move(shape), tuple = std::move(tuple)](Evaluator& evaluator) {
-        std::vector<MemberId> ids;
-        if (!EvaluateTuple(tuple, evaluator, ids)) {
-            return CellValue::Empty();
-        }
-        const Evaluator::Position position(evaluator, shape, ids);
-        return evaluator.Cell();
-    });
+    Dimensionality dimensionality = DimensionalityOf(tuple);
+    return MakeNumber(
+        false, [dimensionality = std::move(dimensionality), tuple = std::move(tuple)](Evaluator& evaluator) {
+            std::vector<MemberId> ids;
+            if (!EvaluateTuple(tuple, evaluator, ids)) {
+                return CellValue::Empty();
+            }
+            const Evaluator::Position position(evaluator, dimensionality, ids);
+            return evaluator.Cell();
+        });
 }
 
 MemberPtr Binder::ToMember(Bound bound, NodeId node) {

@@ -17,7 +17,8 @@ struct SharedColumn {
 };
 
 /// The columns that restrict combinations: those with hierarchies on both sides.
-std::vector<SharedColumn> FindSharedColumns(const MemberSpace& space, const Shape& left, const Shape& right) {
+std::vector<SharedColumn> FindSharedColumns(const MemberSpace& space, const Dimensionality& left,
+                                            const Dimensionality& right) {
     const auto dimensionOf = [&](HierarchyId hierarchy) -> std::optional<std::size_t> {
         return space.KeyColumn(hierarchy) ? std::optional(space.Stored(hierarchy).DimensionIndex())
                                           : std::nullopt;
@@ -54,7 +55,7 @@ public:
     std::optional<CodeRanges> Of(std::size_t tuple) {
         std::optional<CodeRanges> codes;
         for (const std::size_t place : places_) {
-            const MemberRef member{set_.shape[place], set_.At(tuple)[place]};
+            const MemberRef member{set_.dimensionality[place], set_.At(tuple)[place]};
             if (IsCalculated(member.id)) {
                 continue;
             }
@@ -127,7 +128,8 @@ private:
 };
 
 void Join(const MemberSpace& space, const TupleSet& left, const TupleSet& right, TupleSet& result) {
-    const std::vector<SharedColumn> shared = FindSharedColumns(space, left.shape, right.shape);
+    const std::vector<SharedColumn> shared =
+        FindSharedColumns(space, left.dimensionality, right.dimensionality);
     std::vector<std::size_t> all(right.Count());
     std::iota(all.begin(), all.end(), std::size_t{0});
     std::vector<OverlapIndex> indexes;
@@ -167,21 +169,21 @@ void Join(const MemberSpace& space, const TupleSet& left, const TupleSet& right,
 } // namespace
 
 SetPtr MakeCrossJoin(Binder& binder, SetPtr left, SetPtr right, mdx::NodeId node) {
-    Shape shape = left->GetShape();
-    for (const HierarchyId hierarchy : right->GetShape()) {
-        if (std::find(shape.begin(), shape.end(), hierarchy) != shape.end()) {
+    Dimensionality dimensionality = left->GetDimensionality();
+    for (const HierarchyId hierarchy : right->GetDimensionality()) {
+        if (std::find(dimensionality.begin(), dimensionality.end(), hierarchy) != dimensionality.end()) {
             binder.Fail(node, fmt::format("the hierarchy {} stands on both sides of the cross join",
                                           binder.Space().HierarchyUniqueName(hierarchy)));
         }
-        shape.push_back(hierarchy);
+        dimensionality.push_back(hierarchy);
     }
-    if (left->GetShape().empty() || right->GetShape().empty()) {
-        shape.clear(); // one side is {}, so there is no combination
-        return MakeSet(true, std::move(shape), [](Evaluator&, TupleSet&) {});
+    if (left->GetDimensionality().empty() || right->GetDimensionality().empty()) {
+        dimensionality.clear(); // one side is {}, so there is no combination
+        return MakeSet(true, std::move(dimensionality), [](Evaluator&, TupleSet&) {});
     }
     const bool isConstant = left->IsConstant() && right->IsConstant();
     return MakeSet(
-        isConstant, std::move(shape),
+        isConstant, std::move(dimensionality),
         [left = std::move(left), right = std::move(right)](Evaluator& evaluator, TupleSet& result) {
             Join(evaluator.Space(), left->Evaluate(evaluator), right->Evaluate(evaluator), result);
         });

@@ -36,7 +36,7 @@ CellValue ValueOf(FactSum total, const Measure& measure) {
     if (total.rows == 0) {
         return CellValue::Empty();
     }
-    if (measure.aggregate == Aggregate::Count) {
+    if (measure.function == AggregateFunction::Count) {
         return CellValue::Exact(static_cast<std::int64_t>(total.rows), 0);
     }
     // Unsigned: a file that was tampered with may overflow, and must not be undefined.
@@ -55,7 +55,7 @@ Evaluator::Evaluator(const MemberSpace& space, std::string_view statement)
 
 CellValue Evaluator::Cell() {
     if (const CalculatedFormula* top = TopFormula(coordinates_)) {
-        const Nesting nesting(*this, top->place);
+        const Nesting nesting(*this, top->range);
         return top->formula->Evaluate(*this);
     }
     folded_.clear();
@@ -166,25 +166,25 @@ CellValue Evaluator::Read(const FactCell& cell) const {
     return ValueOf(SumFacts(facts, cell.restrictions, cell.measure), facts.Measures()[cell.measure]);
 }
 
-Evaluator::Position::Position(Evaluator& evaluator, std::span<const HierarchyId> shape,
+Evaluator::Position::Position(Evaluator& evaluator, std::span<const HierarchyId> dimensionality,
                               std::span<const MemberId> tuple)
-    : evaluator_(evaluator), shape_(shape) {
-    for (std::size_t i = 0; i < shape.size(); ++i) {
-        evaluator.saved_.push_back(std::exchange(evaluator.coordinates_[shape[i]], tuple[i]));
+    : evaluator_(evaluator), dimensionality_(dimensionality) {
+    for (std::size_t i = 0; i < dimensionality.size(); ++i) {
+        evaluator.saved_.push_back(std::exchange(evaluator.coordinates_[dimensionality[i]], tuple[i]));
     }
 }
 
 Evaluator::Position::~Position() {
-    for (std::size_t i = shape_.size(); i-- > 0;) {
-        evaluator_.coordinates_[shape_[i]] = evaluator_.saved_.back();
+    for (std::size_t i = dimensionality_.size(); i-- > 0;) {
+        evaluator_.coordinates_[dimensionality_[i]] = evaluator_.saved_.back();
         evaluator_.saved_.pop_back();
     }
 }
 
-Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::Place place) : evaluator_(evaluator) {
+Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::SourceRange range) : evaluator_(evaluator) {
     if (evaluator.depth_ >= nestingLimit) {
         mdx::RaiseAt(
-            ErrorKind::InvalidExpression, evaluator.statement_, place,
+            ErrorKind::InvalidExpression, evaluator.statement_, range,
             fmt::format("the calculated member needs more than {} others, or itself, to be evaluated",
                         nestingLimit));
     }
@@ -193,7 +193,7 @@ Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::Place place) : evaluator_
     }
     if (++evaluator.evaluations_ > evaluationLimit) {
         mdx::RaiseAt(
-            ErrorKind::TooLarge, evaluator.statement_, place,
+            ErrorKind::TooLarge, evaluator.statement_, range,
             fmt::format("one cell needs more than {} evaluations of calculated members", evaluationLimit));
     }
     ++evaluator.depth_;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/eval/FactReading.h"
+#include "engine/eval/FactAccessPlan.h"
 #include "engine/eval/SumOfSet.h"
 
 #include <deque>
@@ -16,7 +16,7 @@ namespace qel::engine {
 struct CalculatedFormula {
     NumberPtr formula;
     int solveOrder = 0;
-    mdx::Place place;
+    mdx::SourceRange range;
 };
 
 /// What a cell of stored facts reads: at most one restriction a key column, and a measure.
@@ -56,21 +56,22 @@ public:
     /// Sets the coordinates of a tuple for as long as it lives.
     class Position {
     public:
-        Position(Evaluator& evaluator, std::span<const HierarchyId> shape, std::span<const MemberId> tuple);
+        Position(Evaluator& evaluator, std::span<const HierarchyId> dimensionality,
+                 std::span<const MemberId> tuple);
         ~Position();
         Position(const Position&) = delete;
         Position& operator=(const Position&) = delete;
 
     private:
         Evaluator& evaluator_;
-        std::span<const HierarchyId> shape_;
+        std::span<const HierarchyId> dimensionality_;
     };
 
     /// Counts formulas within one another and all of one cell; raises InvalidExpression when there is no end,
     /// and TooLarge when there is one too far away.
     class Nesting {
     public:
-        explicit Nesting(Evaluator& evaluator, mdx::Place place);
+        explicit Nesting(Evaluator& evaluator, mdx::SourceRange range);
         ~Nesting() { --evaluator_.depth_; }
         Nesting(const Nesting&) = delete;
         Nesting& operator=(const Nesting&) = delete;

@@ -64,19 +64,20 @@ private:
 
 class SetExpression : public Expression {
 public:
-    SetExpression(bool isConstant, Shape shape) : Expression(isConstant), shape_(std::move(shape)) {}
+    SetExpression(bool isConstant, Dimensionality dimensionality)
+        : Expression(isConstant), dimensionality_(std::move(dimensionality)) {}
     /// The hierarchies of its tuples; empty for a set that has none, written {}.
-    const Shape& GetShape() const { return shape_; }
+    const Dimensionality& GetDimensionality() const { return dimensionality_; }
     /// Appends the set's tuples to `result`, which has the same shape.
     virtual void Append(Evaluator& evaluator, TupleSet& result) const = 0;
     TupleSet Evaluate(Evaluator& evaluator) const {
-        TupleSet result{shape_, {}};
+        TupleSet result{dimensionality_, {}};
         Append(evaluator, result);
         return result;
     }
 
 private:
-    Shape shape_;
+    Dimensionality dimensionality_;
 };
 
 using NumberPtr = std::unique_ptr<NumberExpression>;
@@ -105,8 +106,8 @@ private:
 template <class Function>
 class FunctionSet final : public SetExpression {
 public:
-    FunctionSet(bool isConstant, Shape shape, Function function)
-        : SetExpression(isConstant, std::move(shape)), function_(std::move(function)) {}
+    FunctionSet(bool isConstant, Dimensionality dimensionality, Function function)
+        : SetExpression(isConstant, std::move(dimensionality)), function_(std::move(function)) {}
     void Append(Evaluator& evaluator, TupleSet& result) const override { function_(evaluator, result); }
 
 private:
@@ -132,8 +133,9 @@ MemberPtr MakeMember(bool isConstant, HierarchyId hierarchy, Function function) 
 }
 /// `function(evaluator, result)` appends the set's tuples to `result`.
 template <class Function>
-SetPtr MakeSet(bool isConstant, Shape shape, Function function) {
-    return std::make_unique<FunctionSet<Function>>(isConstant, std::move(shape), std::move(function));
+SetPtr MakeSet(bool isConstant, Dimensionality dimensionality, Function function) {
+    return std::make_unique<FunctionSet<Function>>(isConstant, std::move(dimensionality),
+                                                   std::move(function));
 }
 
 } // namespace qel::engine

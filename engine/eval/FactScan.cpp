@@ -14,7 +14,7 @@ void VisitPlan(const FactTable& facts, std::span<const Restriction> restrictions
         return;
     }
     const ScanPlan plan = PlanScan(facts, restrictions);
-    const std::vector<BlockFilter> filters = MakeFilters(facts, plan.tests);
+    const std::vector<BlockFilter> filters = MakeFilters(facts, plan.residuals);
     for (const RowRange run : plan.rows) {
         const bool goesOn =
             VisitBlocks(*plan.projection, run, filters, [&](RowRange rows, const BlockMask* mask) {
@@ -30,21 +30,21 @@ void VisitPlan(const FactTable& facts, std::span<const Restriction> restrictions
 void MarkLeads(const FactTable& facts, const Projection& projection,
                std::span<const Restriction> restrictions, std::vector<std::uint8_t>& marks) {
     const std::size_t lead = projection.SortOrder().front();
-    std::vector<Restriction> tests;
+    std::vector<Restriction> residuals;
     const KeyRange all{0, facts.KeyColumns()[lead].codes};
     CodeRanges codes(&all, 1);
     for (const Restriction& restriction : restrictions) {
         if (restriction.keyColumn == lead) {
             codes = restriction.codes;
         } else {
-            tests.push_back(restriction);
+            residuals.push_back(restriction);
         }
     }
-    const std::vector<BlockFilter> filters = MakeFilters(facts, tests);
+    const std::vector<BlockFilter> filters = MakeFilters(facts, residuals);
     for (const KeyRange range : codes) {
         for (std::uint32_t code = range.first; code < range.last; ++code) {
             const bool foundNone =
-                VisitBlocks(projection, projection.RowsOfLead({code, code + 1}), filters,
+                VisitBlocks(projection, projection.RowsOfLeadingKey({code, code + 1}), filters,
                             [](RowRange rows, const BlockMask* mask) {
                                 return mask != nullptr && CountRows(*mask, rows.Count()) == 0;
                             });

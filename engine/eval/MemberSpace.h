@@ -1,9 +1,9 @@
 #pragma once
 
 #include "engine/eval/CodeRanges.h"
-#include "engine/eval/Query.h"
-#include "engine/mdx/Place.h"
-#include "engine/storage/Cube.h"
+#include "engine/mdx/SourceRange.h"
+#include "qel/engine/Cellset.h"
+#include "qel/engine/Cube.h"
 
 #include <string>
 #include <string_view>

@@ -172,9 +172,9 @@ Bound MethodBinder::Item(SetPtr set) {
     const std::shared_ptr<const SetExpression> shared = std::move(set);
     const std::shared_ptr<const NumberExpression> index = Argument();
     TupleExpression tuple;
-    for (std::size_t place = 0; place < shared->GetShape().size(); ++place) {
+    for (std::size_t place = 0; place < shared->GetDimensionality().size(); ++place) {
         tuple.push_back(
-            MakeMember(shared->IsConstant() && index->IsConstant(), shared->GetShape()[place],
+            MakeMember(shared->IsConstant() && index->IsConstant(), shared->GetDimensionality()[place],
                        [shared, index, place](Evaluator& evaluator) {
                            const TupleSet tuples = shared->Evaluate(evaluator);
                            const std::int64_t item = WholeNumber(index->Evaluate(evaluator));

@@ -192,11 +192,11 @@ void NameResolver::Fail(bool wantsLevel) const {
     const std::string name = (part.isKey ? "&" : "") + mdx::Bracketed(part.text);
     if (failed == 0) {
         mdx::RaiseAt(
-            ErrorKind::UnknownName, statement_.source, part.place,
+            ErrorKind::UnknownName, statement_.source, part.range,
             fmt::format("the cube {} has no dimension {}", mdx::Bracketed(space_.GetCube().Name()), name));
     }
     const bool isMember = !wantsLevel || failed + 1 < parts_.size();
-    mdx::RaiseAt(isMember ? ErrorKind::UnknownMember : ErrorKind::UnknownName, statement_.source, part.place,
+    mdx::RaiseAt(isMember ? ErrorKind::UnknownMember : ErrorKind::UnknownName, statement_.source, part.range,
                  fmt::format("{} has no {} {}", before, isMember ? "member" : "hierarchy or level", name));
 }
 

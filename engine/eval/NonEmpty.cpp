@@ -29,8 +29,8 @@ struct AxisColumn {
 class Presence {
 public:
     Presence(const MemberSpace& space, const TupleSet& axis) : space_(space), axis_(axis) {
-        for (std::size_t place = 0; place < axis.shape.size(); ++place) {
-            const auto keyColumn = space.KeyColumn(axis.shape[place]);
+        for (std::size_t place = 0; place < axis.dimensionality.size(); ++place) {
+            const auto keyColumn = space.KeyColumn(axis.dimensionality[place]);
             if (!keyColumn) {
                 continue;
             }
@@ -73,7 +73,7 @@ public:
         for (const AxisColumn& column : columns_) {
             FactCell own;
             for (const std::size_t place : column.places) {
-                const MemberRef member{axis_.shape[place], axis_.At(position)[place]};
+                const MemberRef member{axis_.dimensionality[place], axis_.At(position)[place]};
                 own.Restrict(column.keyColumn, space_.Codes(member));
                 cell_.Restrict(column.keyColumn, space_.Codes(member));
             }
@@ -101,7 +101,7 @@ bool ForEachCombination(Evaluator& evaluator, std::span<const TupleSet* const> s
         return visit();
     }
     for (std::size_t i = 0; i < sets.front()->Count(); ++i) {
-        const Evaluator::Position position(evaluator, sets.front()->shape, sets.front()->At(i));
+        const Evaluator::Position position(evaluator, sets.front()->dimensionality, sets.front()->At(i));
         if (!ForEachCombination(evaluator, sets.subspan(1), visit)) {
             return false;
         }
@@ -127,10 +127,11 @@ bool RemoveEmptyPositions(Evaluator& evaluator, std::span<const TupleSet* const>
     if (axis.Count() == 0) {
         return true;
     }
-    const Evaluator::Position anyOfAxis(evaluator, axis.shape, axis.At(0)); // its members do not matter, only
-                                                                            // that none of them is calculated
+    const Evaluator::Position anyOfAxis(evaluator, axis.dimensionality,
+                                        axis.At(0)); // its members do not matter, only
+                                                     // that none of them is calculated
     const bool readsFacts = ForEachCombination(evaluator, others, [&] {
-        if (!evaluator.ReadsFacts(axis.shape, cell)) {
+        if (!evaluator.ReadsFacts(axis.dimensionality, cell)) {
             return false;
         }
         presence.Scan(cell);
@@ -142,7 +143,7 @@ bool RemoveEmptyPositions(Evaluator& evaluator, std::span<const TupleSet* const>
     if (!readsFacts) {
         return false;
     }
-    TupleSet kept{axis.shape, {}};
+    TupleSet kept{axis.dimensionality, {}};
     for (std::size_t i = 0; i < isKept.size(); ++i) {
         if (isKept[i]) {
             kept.Append(axis.At(i));

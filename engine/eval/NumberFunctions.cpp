@@ -29,7 +29,7 @@ std::size_t VisitValues(const SetExpression& set, const NumberExpression* value,
                         const Take& take) {
     const TupleSet tuples = set.Evaluate(evaluator);
     for (std::size_t i = 0; i < tuples.Count(); ++i) {
-        const Evaluator::Position position(evaluator, tuples.shape, tuples.At(i));
+        const Evaluator::Position position(evaluator, tuples.dimensionality, tuples.At(i));
         const CellValue cell = value != nullptr ? value->Evaluate(evaluator) : evaluator.Cell();
         if (!cell.isEmpty) {
             take(cell);

@@ -1,4 +1,4 @@
-#include "engine/eval/PlanCache.h"
+#include "qel/engine/PlanCache.h"
 
 #include "engine/eval/StatementPlan.h"
 

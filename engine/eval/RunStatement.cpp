@@ -32,7 +32,7 @@ private:
     void EvaluateSlicer();
     void EvaluateAxes();
     /// Every hierarchy may stand on one axis, or in the slicer.
-    void CheckHierarchies(const Shape& shape, mdx::NodeId node);
+    void CheckHierarchies(const Dimensionality& dimensionality, mdx::NodeId node);
     bool RemoveEmpty(std::size_t axis);
     std::vector<CellValue> EvaluateCells();
     void EvaluateCells(std::size_t axis, std::vector<CellValue>& cells);
@@ -82,8 +82,8 @@ std::shared_ptr<const StatementPlan> StatementRun::Plan() {
         if (axes_[axis].Count() != 1 || statement_.axes[axis].nonEmpty) {
             return nullptr;
         }
-        for (std::size_t i = 0; i < axes_[axis].shape.size(); ++i) {
-            evaluator_.SetCurrent(axes_[axis].shape[i], axes_[axis].ids[i]);
+        for (std::size_t i = 0; i < axes_[axis].dimensionality.size(); ++i) {
+            evaluator_.SetCurrent(axes_[axis].dimensionality[i], axes_[axis].ids[i]);
         }
     }
     FactCell cell;
@@ -96,7 +96,7 @@ std::shared_ptr<const StatementPlan> StatementRun::Plan() {
 void StatementRun::CheckCube() const {
     const std::string& name = space_.GetCube().Name();
     if (!EqualIgnoringCase(name, statement_.cubeName)) {
-        mdx::RaiseAt(ErrorKind::UnknownCube, statement_.source, statement_.cubePlace,
+        mdx::RaiseAt(ErrorKind::UnknownCube, statement_.source, statement_.cubeRange,
                      fmt::format("there is no cube {}; the connection's cube is {}",
                                  mdx::Bracketed(statement_.cubeName), mdx::Bracketed(name)));
     }
@@ -107,12 +107,12 @@ void StatementRun::EvaluateSlicer() {
         return;
     }
     const SetPtr set = binder_.BindSet(statement_.slicer);
-    CheckHierarchies(set->GetShape(), statement_.slicer);
+    CheckHierarchies(set->GetDimensionality(), statement_.slicer);
     slicer_ = set->Evaluate(evaluator_);
     hasSlicer_ = true;
     if (slicer_.Count() == 1) {
-        for (std::size_t i = 0; i < slicer_.shape.size(); ++i) {
-            evaluator_.SetCurrent(slicer_.shape[i], slicer_.ids[i]);
+        for (std::size_t i = 0; i < slicer_.dimensionality.size(); ++i) {
+            evaluator_.SetCurrent(slicer_.dimensionality[i], slicer_.ids[i]);
         }
         hasSlicer_ = false;
     }
@@ -122,7 +122,7 @@ void StatementRun::EvaluateAxes() {
     std::size_t cells = 1;
     for (const mdx::AxisClause& clause : statement_.axes) {
         const SetPtr set = binder_.BindSet(clause.set);
-        CheckHierarchies(set->GetShape(), clause.set);
+        CheckHierarchies(set->GetDimensionality(), clause.set);
         axes_.push_back(set->Evaluate(evaluator_));
     }
     for (const TupleSet& axis : axes_) {
@@ -134,14 +134,14 @@ void StatementRun::EvaluateAxes() {
     }
 }
 
-void StatementRun::CheckHierarchies(const Shape& shape, mdx::NodeId node) {
-    for (const HierarchyId hierarchy : shape) {
+void StatementRun::CheckHierarchies(const Dimensionality& dimensionality, mdx::NodeId node) {
+    for (const HierarchyId hierarchy : dimensionality) {
         if (std::find(used_.begin(), used_.end(), hierarchy) != used_.end()) {
             binder_.Fail(node, fmt::format("the hierarchy {} stands on another axis or in the slicer already",
                                            space_.HierarchyUniqueName(hierarchy)));
         }
     }
-    used_.insert(used_.end(), shape.begin(), shape.end());
+    used_.insert(used_.end(), dimensionality.begin(), dimensionality.end());
 }
 
 bool StatementRun::RemoveEmpty(std::size_t axis) {
@@ -176,7 +176,7 @@ void StatementRun::EvaluateCells(std::size_t axis, std::vector<CellValue>& cells
     }
     const TupleSet& tuples = axes_[axis - 1];
     for (std::size_t i = 0; i < tuples.Count(); ++i) {
-        const Evaluator::Position position(evaluator_, tuples.shape, tuples.At(i));
+        const Evaluator::Position position(evaluator_, tuples.dimensionality, tuples.At(i));
         EvaluateCells(axis - 1, cells);
     }
 }
@@ -187,7 +187,7 @@ CellValue StatementRun::EvaluateCell() {
     }
     CellValue sum;
     for (std::size_t i = 0; i < slicer_.Count(); ++i) {
-        const Evaluator::Position position(evaluator_, slicer_.shape, slicer_.At(i));
+        const Evaluator::Position position(evaluator_, slicer_.dimensionality, slicer_.At(i));
         sum = Add(sum, evaluator_.Cell());
     }
     return sum;
@@ -224,7 +224,7 @@ void StatementRun::RemoveEmptyByCells(std::vector<CellValue>& cells) {
     }
     cells = std::move(kept);
     for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
-        TupleSet positions{axes_[axis].shape, {}};
+        TupleSet positions{axes_[axis].dimensionality, {}};
         for (std::size_t i = 0; i < axes_[axis].Count(); ++i) {
             if (isKept[axis][i]) {
                 positions.Append(axes_[axis].At(i));

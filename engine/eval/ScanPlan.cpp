@@ -15,7 +15,7 @@ constexpr double searchCost = 250;
 std::uint64_t LeadRows(const Projection& projection, const Restriction& lead) {
     std::uint64_t rows = 0;
     for (const KeyRange range : lead.codes) {
-        rows += projection.RowsOfLead(range).Count();
+        rows += projection.RowsOfLeadingKey(range).Count();
     }
     return rows;
 }
@@ -83,7 +83,7 @@ void SearchSecond(const FactTable& facts, const Projection& projection, RowRange
         return;
     }
     const KeyColumn& column = facts.KeyColumns()[second.keyColumn];
-    const CodeColumn codes(projection.Slot(column.slot, rows), column);
+    const CodeColumn codes(projection.PackedColumn(column.packedColumn, rows), column);
     std::size_t position = 0;
     for (const KeyRange range : second.codes) {
         const std::size_t first = codes.LowerBound(position, rows.Count(), range.first);
@@ -112,18 +112,18 @@ ScanPlan PlanScan(const FactTable& facts, std::span<const Restriction> restricti
     plan.projection = best.projection;
     for (const Restriction& restriction : restrictions) {
         if (&restriction != best.lead && &restriction != best.second) {
-            plan.tests.push_back(restriction);
+            plan.residuals.push_back(restriction);
         }
     }
     const KeyRange allCodes{0, facts.KeyColumns()[best.projection->SortOrder()[0]].codes};
     for (const KeyRange range : best.lead ? best.lead->codes : CodeRanges(&allCodes, 1)) {
         if (best.second == nullptr) {
-            AppendRows(best.projection->RowsOfLead(range), plan.rows);
+            AppendRows(best.projection->RowsOfLeadingKey(range), plan.rows);
             continue;
         }
         for (std::uint32_t code = range.first; code < range.last; ++code) {
-            SearchSecond(facts, *best.projection, best.projection->RowsOfLead({code, code + 1}), *best.second,
-                         plan.rows);
+            SearchSecond(facts, *best.projection, best.projection->RowsOfLeadingKey({code, code + 1}),
+                         *best.second, plan.rows);
         }
     }
     return plan;

@@ -13,7 +13,7 @@ namespace qel::engine {
 struct ScanPlan {
     const Projection* projection = nullptr;
     std::vector<RowRange> rows;
-    std::vector<Restriction> tests;
+    std::vector<Restriction> residuals;
 
     std::uint64_t RowCount() const;
 };

@@ -40,7 +40,7 @@ Bound Except(Call& call) { return Combine(call, SetOperation::Except); }
 
 Bound Distinct(Call& call) {
     SetPtr set = call.Set(0);
-    SetPtr none = MakeSet(true, set->GetShape(), [](Evaluator&, TupleSet&) {});
+    SetPtr none = MakeSet(true, set->GetDimensionality(), [](Evaluator&, TupleSet&) {});
     return MakeSetOperation(call.binder, SetOperation::Union, std::move(set), std::move(none), false,
                             call.node);
 }
@@ -48,10 +48,10 @@ Bound Distinct(Call& call) {
 /// `piece(count, set size)` gives the first tuple of the piece and the one behind its last.
 template <class Piece>
 Bound Cut(SetPtr set, NumberPtr number, const Piece& piece) {
-    Shape shape = set->GetShape();
+    Dimensionality dimensionality = set->GetDimensionality();
     const bool isConstant = set->IsConstant() && (!number || number->IsConstant());
     return MakeSet(
-        isConstant, std::move(shape),
+        isConstant, std::move(dimensionality),
         [piece, set = std::move(set), number = std::move(number)](Evaluator& evaluator, TupleSet& result) {
             const TupleSet whole = set->Evaluate(evaluator);
             const auto size = static_cast<std::int64_t>(whole.Count());
@@ -92,8 +92,8 @@ Bound HierarchizeSet(Call& call) {
     const bool post = call.Count() > 1 && call.Flag(1, orders) == 1;
     SetPtr set = call.Set(0);
     const bool isConstant = set->IsConstant();
-    Shape shape = set->GetShape();
-    return MakeSet(isConstant, std::move(shape),
+    Dimensionality dimensionality = set->GetDimensionality();
+    return MakeSet(isConstant, std::move(dimensionality),
                    [post, set = std::move(set)](Evaluator& evaluator, TupleSet& result) {
                        TupleSet sorted = set->Evaluate(evaluator);
                        Hierarchize(evaluator.Space(), sorted, post);

@@ -52,10 +52,11 @@ int CompareInTree(const MemberSpace& space, MemberRef a, MemberRef b, bool post)
 
 SetPtr MakeSetOperation(Binder& binder, SetOperation operation, SetPtr left, SetPtr right, bool all,
                         mdx::NodeId node) {
-    binder.CheckShape(left->GetShape(), *right, node);
+    binder.CheckDimensionality(left->GetDimensionality(), *right, node);
     const bool isConstant = left->IsConstant() && right->IsConstant();
-    Shape shape = left->GetShape().empty() ? right->GetShape() : left->GetShape();
-    return MakeSet(isConstant, std::move(shape),
+    Dimensionality dimensionality =
+        left->GetDimensionality().empty() ? right->GetDimensionality() : left->GetDimensionality();
+    return MakeSet(isConstant, std::move(dimensionality),
                    [operation, all, left = std::move(left), right = std::move(right)](Evaluator& evaluator,
                                                                                       TupleSet& result) {
                        if (operation == SetOperation::Union && all) {
@@ -77,16 +78,16 @@ void Hierarchize(const MemberSpace& space, TupleSet& set, bool post) {
     std::vector<std::size_t> order(set.Count());
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::stable_sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
-        for (std::size_t i = 0; i < set.shape.size(); ++i) {
-            const int comparison =
-                CompareInTree(space, {set.shape[i], set.At(left)[i]}, {set.shape[i], set.At(right)[i]}, post);
+        for (std::size_t i = 0; i < set.dimensionality.size(); ++i) {
+            const int comparison = CompareInTree(space, {set.dimensionality[i], set.At(left)[i]},
+                                                 {set.dimensionality[i], set.At(right)[i]}, post);
             if (comparison != 0) {
                 return comparison < 0;
             }
         }
         return false;
     });
-    TupleSet sorted{set.shape, {}};
+    TupleSet sorted{set.dimensionality, {}};
     for (const std::size_t tuple : order) {
         sorted.Append(set.At(tuple));
     }

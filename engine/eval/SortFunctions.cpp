@@ -25,7 +25,7 @@ std::vector<Value> ValuesOf(const ExpressionPtr& expression, const TupleSet& set
     std::vector<Value> values;
     values.reserve(set.Count());
     for (std::size_t i = 0; i < set.Count(); ++i) {
-        const Evaluator::Position position(evaluator, set.shape, set.At(i));
+        const Evaluator::Position position(evaluator, set.dimensionality, set.At(i));
         values.push_back(expression->Evaluate(evaluator));
     }
     return values;
@@ -33,13 +33,13 @@ std::vector<Value> ValuesOf(const ExpressionPtr& expression, const TupleSet& set
 
 Bound Filter(Call& call) {
     SetPtr set = call.Set(0);
-    Shape shape = set->GetShape();
-    return MakeSet(false, std::move(shape),
+    Dimensionality dimensionality = set->GetDimensionality();
+    return MakeSet(false, std::move(dimensionality),
                    [set = std::move(set), condition = call.binder.BindCondition(call.arguments[1])](
                        Evaluator& evaluator, TupleSet& result) {
                        const TupleSet whole = set->Evaluate(evaluator);
                        for (std::size_t i = 0; i < whole.Count(); ++i) {
-                           const Evaluator::Position position(evaluator, whole.shape, whole.At(i));
+                           const Evaluator::Position position(evaluator, whole.dimensionality, whole.At(i));
                            if (condition->Evaluate(evaluator)) {
                                result.Append(whole.At(i));
                            }
@@ -50,8 +50,8 @@ Bound Filter(Call& call) {
 /// TopCount and BottomCount: the first `count` after ordering, ties in the set's order.
 Bound Extremes(Call& call, int sign) {
     SetPtr set = call.Set(0);
-    Shape shape = set->GetShape();
-    return MakeSet(false, std::move(shape),
+    Dimensionality dimensionality = set->GetDimensionality();
+    return MakeSet(false, std::move(dimensionality),
                    [sign, set = std::move(set), count = call.Number(1),
                     value = call.OptionalNumber(2)](Evaluator& evaluator, TupleSet& result) {
                        const TupleSet whole = set->Evaluate(evaluator);
@@ -77,24 +77,24 @@ Bound BottomCount(Call& call) { return Extremes(call, 1); }
 class FamilySort {
 public:
     FamilySort(Evaluator& evaluator, const NumberExpression& value, HierarchyId hierarchy, int sign)
-        : evaluator_(evaluator), value_(value), shape_{hierarchy}, sign_(sign) {}
+        : evaluator_(evaluator), value_(value), dimensionality_{hierarchy}, sign_(sign) {}
 
     bool IsBefore(MemberId a, MemberId b) {
         const MemberSpace& space = evaluator_.Space();
-        const std::size_t levelOfA = space.LevelOf({shape_[0], a});
-        const std::size_t levelOfB = space.LevelOf({shape_[0], b});
-        a = space.AncestorAt({shape_[0], a}, std::min(levelOfA, levelOfB));
-        b = space.AncestorAt({shape_[0], b}, std::min(levelOfA, levelOfB));
+        const std::size_t levelOfA = space.LevelOf({dimensionality_[0], a});
+        const std::size_t levelOfB = space.LevelOf({dimensionality_[0], b});
+        a = space.AncestorAt({dimensionality_[0], a}, std::min(levelOfA, levelOfB));
+        b = space.AncestorAt({dimensionality_[0], b}, std::min(levelOfA, levelOfB));
         if (a == b) {
             return levelOfA < levelOfB;
         }
-        MemberId parentOfA = space.Parent({shape_[0], a});
-        MemberId parentOfB = space.Parent({shape_[0], b});
+        MemberId parentOfA = space.Parent({dimensionality_[0], a});
+        MemberId parentOfB = space.Parent({dimensionality_[0], b});
         while (parentOfA != parentOfB) {
             a = parentOfA;
             b = parentOfB;
-            parentOfA = space.Parent({shape_[0], a});
-            parentOfB = space.Parent({shape_[0], b});
+            parentOfA = space.Parent({dimensionality_[0], a});
+            parentOfB = space.Parent({dimensionality_[0], b});
         }
         const int order = sign_ * Compare(ValueOf(a), ValueOf(b));
         return order != 0 ? order < 0 : a < b;
@@ -106,13 +106,13 @@ private:
         if (known != values_.end()) {
             return known->second;
         }
-        const Evaluator::Position position(evaluator_, shape_, {&member, 1});
+        const Evaluator::Position position(evaluator_, dimensionality_, {&member, 1});
         return values_.emplace(member, value_.Evaluate(evaluator_)).first->second;
     }
 
     Evaluator& evaluator_;
     const NumberExpression& value_;
-    Shape shape_;
+    Dimensionality dimensionality_;
     int sign_;
     std::unordered_map<MemberId, CellValue> values_;
 };
@@ -120,9 +120,9 @@ private:
 bool IsNumberLike(const Bound& bound) { return !std::holds_alternative<TextPtr>(bound); }
 
 Bound SortByText(SetPtr set, TextPtr text, int sign) {
-    Shape shape = set->GetShape();
+    Dimensionality dimensionality = set->GetDimensionality();
     return MakeSet(
-        false, std::move(shape),
+        false, std::move(dimensionality),
         [sign, set = std::move(set), text = std::move(text)](Evaluator& evaluator, TupleSet& result) {
             const TupleSet whole = set->Evaluate(evaluator);
             const auto texts = ValuesOf<std::string>(text, whole, evaluator);
@@ -137,14 +137,14 @@ Bound SortByText(SetPtr set, TextPtr text, int sign) {
 }
 
 Bound SortByNumber(SetPtr set, NumberPtr value, int sign, bool withinFamilies) {
-    Shape shape = set->GetShape();
-    return MakeSet(false, std::move(shape),
+    Dimensionality dimensionality = set->GetDimensionality();
+    return MakeSet(false, std::move(dimensionality),
                    [sign, withinFamilies, set = std::move(set),
                     value = std::move(value)](Evaluator& evaluator, TupleSet& result) {
                        const TupleSet whole = set->Evaluate(evaluator);
                        Order order = FirstToLast(whole.Count());
-                       if (withinFamilies && whole.shape.size() == 1) {
-                           FamilySort families(evaluator, *value, whole.shape[0], sign);
+                       if (withinFamilies && whole.dimensionality.size() == 1) {
+                           FamilySort families(evaluator, *value, whole.dimensionality[0], sign);
                            std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
                                return families.IsBefore(whole.ids[a], whole.ids[b]);
                            });

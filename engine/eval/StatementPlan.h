@@ -29,7 +29,7 @@ private:
     const Cube& cube_;
     Cellset answer_;
     MemberId measure_;
-    FactReading reading_;
+    FactAccessPlan plan_;
 };
 
 /// An answer, and the statement's plan when it has one.

@@ -16,7 +16,7 @@ CellValue SumOfSet::Evaluate(Evaluator& evaluator) const {
     const TupleSet set = set_->Evaluate(evaluator);
     CellValue sum;
     for (std::size_t i = 0; i < set.Count(); ++i) {
-        const Evaluator::Position position(evaluator, set.shape, set.At(i));
+        const Evaluator::Position position(evaluator, set.dimensionality, set.At(i));
         sum = Add(sum, value_ ? value_->Evaluate(evaluator) : evaluator.Cell());
     }
     return sum;
@@ -32,11 +32,12 @@ const Folding* SumOfSet::Folded(Evaluator& evaluator) const {
 
 std::optional<Folding> SumOfSet::Fold(Evaluator& evaluator) const {
     const MemberSpace& space = evaluator.Space();
-    if (!set_->IsConstant() || set_->GetShape().size() != 1 || !space.KeyColumn(set_->GetShape()[0])) {
+    if (!set_->IsConstant() || set_->GetDimensionality().size() != 1 ||
+        !space.KeyColumn(set_->GetDimensionality()[0])) {
         return std::nullopt;
     }
     Folding folding;
-    folding.hierarchy = set_->GetShape()[0];
+    folding.hierarchy = set_->GetDimensionality()[0];
     if (value_) {
         if (!valueMember_ || !space.IsMeasures(valueMember_->hierarchy) || IsCalculated(valueMember_->id)) {
             return std::nullopt;

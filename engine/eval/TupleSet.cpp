@@ -1,6 +1,6 @@
 #include "engine/eval/TupleSet.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 

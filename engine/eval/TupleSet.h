@@ -12,19 +12,19 @@
 namespace qel::engine {
 
 /// The hierarchies that the members of a tuple come from, in order.
-using Shape = std::vector<HierarchyId>;
+using Dimensionality = std::vector<HierarchyId>;
 
 /// Sets and grids beyond this are refused with TooLarge before memory runs out.
 inline constexpr std::size_t setLimit = 10'000'000;
 
 /// An ordered list of tuples of one shape; no tuple has an absent member.
 struct TupleSet {
-    Shape shape;
+    Dimensionality dimensionality;
     std::vector<MemberId> ids; ///< tuple after tuple
 
-    std::size_t Count() const { return shape.empty() ? 0 : ids.size() / shape.size(); }
+    std::size_t Count() const { return dimensionality.empty() ? 0 : ids.size() / dimensionality.size(); }
     std::span<const MemberId> At(std::size_t tuple) const {
-        return {ids.data() + tuple * shape.size(), shape.size()};
+        return {ids.data() + tuple * dimensionality.size(), dimensionality.size()};
     }
     /// Raises TooLarge when the set has become larger than the limit.
     void Append(std::span<const MemberId> tuple);

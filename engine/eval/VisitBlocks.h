@@ -17,8 +17,9 @@ bool VisitBlocks(const Projection& projection, RowRange run, std::span<const Blo
     for (std::uint64_t first = run.first; first < run.last; first += blockRows) {
         const RowRange rows{first, std::min(run.last, first + blockRows)};
         if (!filters.empty()) {
-            MarkPassing(filters, rows.Count(), mask,
-                        [&](const BlockFilter& filter) { return projection.Slot(filter.Slot(), rows); });
+            MarkPassing(filters, rows.Count(), mask, [&](const BlockFilter& filter) {
+                return projection.PackedColumn(filter.PackedColumn(), rows);
+            });
         }
         if (!visit(rows, filters.empty() ? nullptr : &mask)) {
             return false;

@@ -1,9 +1,9 @@
-#include "engine/export/ExportCubes.h"
+#include "qel/engine/ExportCubes.h"
 
-#include "engine/EngineError.h"
 #include "engine/export/MondrianSchema.h"
 #include "engine/export/StarRows.h"
 #include "engine/storage/AtomicFile.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 

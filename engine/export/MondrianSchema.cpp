@@ -1,6 +1,6 @@
 #include "engine/export/MondrianSchema.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 
@@ -124,7 +124,7 @@ const std::string& ForeignKey(const StarSchema& star, const Dimension& dimension
 
 std::string MeasureElement(const StarSchema& star, std::size_t index) {
     const Measure& measure = star.cube->Facts().Measures()[index];
-    const bool isCount = measure.aggregate == Aggregate::Count;
+    const bool isCount = measure.function == AggregateFunction::Count;
     const std::string decimals = measure.decimals == 0 ? "" : "." + std::string(measure.decimals, '0');
     return fmt::format("    <Measure name=\"{}\"{} column=\"{}\" aggregator=\"{}\" datatype=\"{}\" "
                        "formatString=\"#,##0{}\"/>\n",

@@ -44,7 +44,7 @@ std::string FactTableText(const StarSchema& star) {
     }
     for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
         const Measure& measure = star.cube->Facts().Measures()[i];
-        columns.push_back({star.measureColumns[i], measure.aggregate == Aggregate::Count
+        columns.push_back({star.measureColumns[i], measure.function == AggregateFunction::Count
                                                        ? integerType
                                                        : fmt::format("DECIMAL(19,{})", measure.decimals)});
     }
@@ -122,7 +122,7 @@ private:
     std::string AmountText(std::size_t index, std::uint64_t row) const {
         const Measure& measure = facts_.Measures()[index];
         if (!values_[index]) { // a count, or a sum whose amounts are all nothing
-            return measure.aggregate == Aggregate::Count ? "1" : "0";
+            return measure.function == AggregateFunction::Count ? "1" : "0";
         }
         return SqlAmount(AmountAt(values_[index], measure.width, row) * measure.unit, measure.decimals);
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/mdx/Place.h"
+#include "engine/mdx/SourceRange.h"
 
 #include <cstdint>
 #include <deque>
@@ -62,7 +62,7 @@ struct Node {
     NodeId firstChild = noNode;
     NodeId next = noNode;
     std::string_view text;
-    Place place;
+    SourceRange range;
 };
 
 /// WITH MEMBER or WITH SET.
@@ -86,7 +86,7 @@ struct Statement {
     std::vector<Definition> definitions;
     std::vector<AxisClause> axes; ///< columns first
     std::string_view cubeName;
-    Place cubePlace;
+    SourceRange cubeRange;
     NodeId slicer = noNode;
 
     const Node& At(NodeId id) const { return nodes[id]; }

@@ -59,7 +59,7 @@ class ExpressionParser::Nesting {
 public:
     explicit Nesting(ExpressionParser& parser) : parser_(parser) {
         if (++parser_.nesting_ > nestingLimit) {
-            RaiseAt(ErrorKind::TooLarge, parser_.statement_.source, parser_.current_.place,
+            RaiseAt(ErrorKind::TooLarge, parser_.statement_.source, parser_.current_.range,
                     fmt::format("more than {} expressions stand inside one another", nestingLimit));
         }
     }
@@ -98,7 +98,7 @@ NodeId ExpressionParser::ParseOperators(std::size_t precedence, std::string_view
     }
     if (leftmost == noNode && precedence == comparisonPrecedence && IsAt("not")) {
         const Nesting nesting(*this);
-        const NodeId negated = NewNode(NodeKind::Not, current_.place);
+        const NodeId negated = NewNode(NodeKind::Not, current_.range);
         Advance();
         AddChild(negated, ParseOperators(precedence, "a condition"));
         return negated;
@@ -108,7 +108,7 @@ NodeId ExpressionParser::ParseOperators(std::size_t precedence, std::string_view
     for (Operator op = TakeJoiner(precedence); op != Operator::None; op = TakeJoiner(precedence)) {
         if (chain == noNode) {
             const bool compares = precedence == comparisonPrecedence;
-            chain = NewNode(compares ? NodeKind::Comparison : NodeKind::Chain, statement_.At(first).place);
+            chain = NewNode(compares ? NodeKind::Comparison : NodeKind::Chain, statement_.At(first).range);
             AddChild(chain, first);
         }
         const NodeId operand = ParseOperators(precedence + 1, "an operand");
@@ -143,7 +143,7 @@ NodeId ExpressionParser::ParseRange(std::string_view expected) {
     if (!IsAt(TokenKind::Colon)) {
         return first;
     }
-    const NodeId range = NewNode(NodeKind::Range, statement_.At(first).place);
+    const NodeId range = NewNode(NodeKind::Range, statement_.At(first).range);
     Advance();
     AddChild(range, first);
     AddChild(range, ParseSign("the last member of the range"));
@@ -159,7 +159,7 @@ NodeId ExpressionParser::ParseSign(std::string_view expected) {
         return ParsePostfix(expected);
     }
     const Nesting nesting(*this);
-    const NodeId negation = NewNode(NodeKind::Negation, current_.place);
+    const NodeId negation = NewNode(NodeKind::Negation, current_.range);
     Advance();
     AddChild(negation, ParseSign("a number"));
     return negation;
@@ -179,7 +179,7 @@ NodeId ExpressionParser::ParsePrimary(std::string_view expected) {
     case TokenKind::Number:
     case TokenKind::Text: {
         const NodeKind kind = token.kind == TokenKind::Number ? NodeKind::Number : NodeKind::Text;
-        const NodeId literal = NewNode(kind, token.place, DecodedText());
+        const NodeId literal = NewNode(kind, token.range, DecodedText());
         Advance();
         return literal;
     }
@@ -200,7 +200,7 @@ NodeId ExpressionParser::ParsePrimary(std::string_view expected) {
 }
 
 NodeId ExpressionParser::ParseSet() {
-    const NodeId set = NewNode(NodeKind::Set, current_.place);
+    const NodeId set = NewNode(NodeKind::Set, current_.range);
     Advance();
     while (!IsAt(TokenKind::RightBrace)) {
         // Composed statements may leave an element empty: { , [a] }.
@@ -217,7 +217,7 @@ NodeId ExpressionParser::ParseSet() {
 }
 
 NodeId ExpressionParser::ParseTuple() {
-    const NodeId tuple = NewNode(NodeKind::Tuple, current_.place);
+    const NodeId tuple = NewNode(NodeKind::Tuple, current_.range);
     Advance();
     do {
         AddChild(tuple, ParseExpression("a member"));
@@ -227,7 +227,7 @@ NodeId ExpressionParser::ParseTuple() {
 }
 
 NodeId ExpressionParser::ParseCall(const Token& name) {
-    const NodeId call = NewNode(NodeKind::Call, name.place, name.text);
+    const NodeId call = NewNode(NodeKind::Call, name.range, name.text);
     ParseArguments(call);
     return call;
 }
@@ -239,13 +239,13 @@ void ExpressionParser::ParseArguments(NodeId call) {
     }
     do {
         const bool missing = IsAt(TokenKind::Comma) || IsAt(TokenKind::RightParenthesis);
-        AddChild(call, missing ? NewNode(NodeKind::Missing, current_.place) : ParseExpression("an argument"));
+        AddChild(call, missing ? NewNode(NodeKind::Missing, current_.range) : ParseExpression("an argument"));
     } while (Skip(TokenKind::Comma));
     Expect(TokenKind::RightParenthesis, "',' or ')'");
 }
 
 NodeId ExpressionParser::ParsePath(std::string_view expected) {
-    const NodeId path = NewNode(NodeKind::Path, current_.place);
+    const NodeId path = NewNode(NodeKind::Path, current_.range);
     if (!IsAt(TokenKind::Name) && !(IsAt(TokenKind::Word) && !IsReserved(current_.text))) {
         Fail(expected);
     }
@@ -254,18 +254,18 @@ NodeId ExpressionParser::ParsePath(std::string_view expected) {
         Advance();
         ParsePart(path);
     }
-    statement_.nodes[path].place.end = statement_.At(lastChild_[path]).place.end;
+    statement_.nodes[path].range.end = statement_.At(lastChild_[path]).range.end;
     return path;
 }
 
 void ExpressionParser::ParsePart(NodeId path) {
-    const Place start = current_.place;
+    const SourceRange start = current_.range;
     const bool isKey = Skip(TokenKind::Ampersand);
     const bool isWord = IsAt(TokenKind::Word);
     if (!isWord && !IsAt(TokenKind::Name) && !(isKey && IsAt(TokenKind::Number))) {
         Fail("a name");
     }
-    const NodeId part = NewNode(NodeKind::Part, {start.begin, current_.place.end}, DecodedText());
+    const NodeId part = NewNode(NodeKind::Part, {start.begin, current_.range.end}, DecodedText());
     statement_.nodes[part].isKey = isKey;
     statement_.nodes[part].isWord = isWord;
     Advance();
@@ -276,14 +276,14 @@ NodeId ExpressionParser::ParseMethods(NodeId target) {
     const int outerNesting = nesting_;
     while (IsAt(TokenKind::Dot)) {
         if (++nesting_ > nestingLimit) {
-            RaiseAt(ErrorKind::TooLarge, statement_.source, current_.place,
+            RaiseAt(ErrorKind::TooLarge, statement_.source, current_.range,
                     fmt::format("more than {} expressions stand inside one another", nestingLimit));
         }
         Advance();
         if (!IsAt(TokenKind::Word) || !IsMethod(current_.text)) {
             Fail("a function of a member or a set, such as Parent, Children or Members");
         }
-        const NodeId method = NewNode(NodeKind::Method, current_.place, current_.text);
+        const NodeId method = NewNode(NodeKind::Method, current_.range, current_.text);
         Advance();
         AddChild(method, target);
         if (IsAt(TokenKind::LeftParenthesis)) {
@@ -328,7 +328,7 @@ void ExpressionParser::Expect(TokenKind kind, std::string_view what) {
 }
 
 void ExpressionParser::Fail(std::string_view expected) const {
-    RaiseAt(ErrorKind::SyntaxError, statement_.source, current_.place,
+    RaiseAt(ErrorKind::SyntaxError, statement_.source, current_.range,
             fmt::format("expected {}, found {}", expected, Found(current_)));
 }
 
@@ -349,11 +349,11 @@ std::string_view ExpressionParser::DecodedText() {
     return current_.text;
 }
 
-NodeId ExpressionParser::NewNode(NodeKind kind, Place place, std::string_view text) {
+NodeId ExpressionParser::NewNode(NodeKind kind, SourceRange range, std::string_view text) {
     const auto id = static_cast<NodeId>(statement_.nodes.size());
     Node& node = statement_.nodes.emplace_back();
     node.kind = kind;
-    node.place = place;
+    node.range = range;
     node.text = text;
     lastChild_.push_back(noNode);
     return id;

@@ -53,7 +53,7 @@ private:
     NodeId ParseMethods(NodeId target);
     void ParseArguments(NodeId call);
 
-    NodeId NewNode(NodeKind kind, Place place, std::string_view text = {});
+    NodeId NewNode(NodeKind kind, SourceRange range, std::string_view text = {});
     void AddChild(NodeId parent, NodeId child);
     /// The operator of this precedence that the current token is, or None.
     Operator Joiner(std::size_t precedence) const;

@@ -17,7 +17,7 @@ bool IsWordStart(char c) {
 }
 bool IsWordPart(char c) { return IsWordStart(c) || IsDigit(c) || c == '$'; }
 
-Place PlaceOf(std::size_t begin, std::size_t end) {
+SourceRange PlaceOf(std::size_t begin, std::size_t end) {
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end)};
 }
 
@@ -281,7 +281,7 @@ Token Lexer::Take(TokenKind kind, std::size_t length) {
 }
 
 bool Lexer::Decode(const Token& token, std::string& decoded) const {
-    const char quote = token.kind == TokenKind::Name ? ']' : statement_[token.place.begin];
+    const char quote = token.kind == TokenKind::Name ? ']' : statement_[token.range.begin];
     const bool doubleQuotes = inFormula_;
     if (token.text.find(quote) == std::string_view::npos &&
         (!doubleQuotes || token.text.find('\'') == std::string_view::npos)) {

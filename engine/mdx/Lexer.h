@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/mdx/Place.h"
+#include "engine/mdx/SourceRange.h"
 
 #include <cstdint>
 #include <string>
@@ -38,7 +38,7 @@ enum class TokenKind : std::uint8_t {
 struct Token {
     TokenKind kind = TokenKind::End;
     std::string_view text; ///< a view into the statement
-    Place place;
+    SourceRange range;
 };
 
 /// Cuts a statement into tokens, one at a time. Blanks and comments lie between tokens; so do no-break spaces

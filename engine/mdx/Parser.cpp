@@ -108,7 +108,7 @@ void StatementParser::ParseProperties(Definition& definition) {
         const bool isSolveOrder = expressions_.IsAt("solve_order");
         expressions_.Advance();
         expressions_.Advance();
-        const Place place = expressions_.Current().place;
+        const SourceRange range = expressions_.Current().range;
         if (!isSolveOrder) {
             expressions_.ParseExpression("the property's value");
             continue;
@@ -119,7 +119,7 @@ void StatementParser::ParseProperties(Definition& definition) {
             std::from_chars(digits.data(), digits.data() + digits.size(), definition.solveOrder);
         if (!expressions_.IsAt(TokenKind::Number) || error != std::errc() ||
             end != digits.data() + digits.size()) {
-            RaiseAt(ErrorKind::SyntaxError, statement_.source, place, "the solve order is no whole number");
+            RaiseAt(ErrorKind::SyntaxError, statement_.source, range, "the solve order is no whole number");
         }
         expressions_.Advance();
     }
@@ -134,7 +134,7 @@ void StatementParser::ParseAxes() {
     } while (expressions_.Skip(TokenKind::Comma));
     for (std::size_t i = 0; i < statement_.axes.size(); ++i) {
         if (statement_.axes[i].set == noNode) {
-            RaiseAt(ErrorKind::SyntaxError, statement_.source, expressions_.Current().place,
+            RaiseAt(ErrorKind::SyntaxError, statement_.source, expressions_.Current().range,
                     fmt::format("the statement has axis {} but no axis {}", statement_.axes.size() - 1, i));
         }
     }
@@ -146,7 +146,7 @@ void StatementParser::ParseAxis() {
         expressions_.Expect("empty");
         axis.nonEmpty = true;
     }
-    const Place place = expressions_.Current().place;
+    const SourceRange range = expressions_.Current().range;
     axis.set = expressions_.ParseExpression("a set");
     if (expressions_.Skip("dimension")) {
         SkipPropertyList();
@@ -157,7 +157,7 @@ void StatementParser::ParseAxis() {
     const std::size_t number = ParseAxisNumber();
     statement_.axes.resize(std::max(statement_.axes.size(), number + 1));
     if (statement_.axes[number].set != noNode) {
-        RaiseAt(ErrorKind::SyntaxError, statement_.source, place,
+        RaiseAt(ErrorKind::SyntaxError, statement_.source, range,
                 fmt::format("axis {} is given twice", number));
     }
     statement_.axes[number] = axis;
@@ -196,7 +196,7 @@ void StatementParser::ParseCube() {
     }
     if (expressions_.Source().IsBefore(TokenKind::Name)) {
         expressions_.Advance();
-        statement_.cubePlace = expressions_.Current().place;
+        statement_.cubeRange = expressions_.Current().range;
         statement_.cubeName = expressions_.DecodedText();
         expressions_.Advance();
         return;
@@ -208,7 +208,7 @@ void StatementParser::ParseCube() {
         expressions_.Fail("the name of a cube");
     }
     statement_.cubeName = name.text;
-    statement_.cubePlace = name.place;
+    statement_.cubeRange = name.range;
 }
 
 void StatementParser::ParseSlicer() {

@@ -1,4 +1,4 @@
-#include "engine/storage/BracketedName.h"
+#include "qel/engine/BracketedName.h"
 
 namespace qel::engine {
 

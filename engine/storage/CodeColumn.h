@@ -29,9 +29,9 @@ decltype(auto) VisitCodeType(std::uint8_t width, const Visit& visit) {
 /// The codes of some rows in one key column.
 class CodeColumn {
 public:
-    /// `slots` holds the rows' values of the column's slot.
-    CodeColumn(const std::byte* slots, const KeyColumn& column)
-        : data_(slots), mask_(column.Mask()), shift_(column.shift), width_(column.width) {}
+    /// `packed columns` holds the rows' values of the column's packed column.
+    CodeColumn(const std::byte* packed, const KeyColumn& column)
+        : data_(packed), mask_(column.Mask()), shift_(column.shift), width_(column.width) {}
 
     std::uint32_t operator[](std::size_t row) const {
         return VisitCodeType(width_, [&](auto type) -> std::uint32_t {

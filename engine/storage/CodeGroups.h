@@ -9,9 +9,9 @@
 
 namespace qel::engine {
 
-/// The sets of several ranges of codes that rollups are of, ascending, none twice. A rollup's key has a range
-/// where its set is that range, and {number, 0} where it is the group of that number. A view; what it reads
-/// is safe to compare and not safe to index with.
+/// The sets of several ranges of codes that aggregates are of, ascending, none twice. An aggregate's key has
+/// a range where its set is that range, and {number, 0} where it is the group of that number. A view; what it
+/// reads is safe to compare and not safe to index with.
 class CodeGroups {
 public:
     CodeGroups() = default;

@@ -1,4 +1,4 @@
-#include "engine/storage/Cube.h"
+#include "qel/engine/Cube.h"
 
 #include "engine/storage/PageVerifier.h"
 #include "text/CaseFold.h"

@@ -1,12 +1,12 @@
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
 
-#include "engine/EngineError.h"
+#include "engine/storage/AggregateVerifier.h"
 #include "engine/storage/CubeLoader.h"
 #include "engine/storage/FactVerifier.h"
 #include "engine/storage/FileImage.h"
 #include "engine/storage/MappedFile.h"
 #include "engine/storage/MemberVerifier.h"
-#include "engine/storage/RollupVerifier.h"
+#include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
 #include "text/Utf8Path.h"
 
@@ -100,7 +100,7 @@ void CubeFile::Verify(const std::function<void(double)>& progress) const {
             fault = FindFactFault(cube, report);
         }
         if (fault.empty()) {
-            fault = FindRollupFault(cube);
+            fault = FindAggregateFault(cube);
         }
         if (!fault.empty()) {
             contents_->image.Fail(fault);

@@ -33,14 +33,14 @@ void DescribeFacts(const CubeModel& cube, ByteWriter& out) {
         out.PutText(column.name);
         out.Put(column.codes);
         out.Put(column.width);
-        out.Put(column.slot);
+        out.Put(column.packedColumn);
         out.Put(column.shift);
     }
     out.Put(static_cast<std::uint32_t>(cube.measures.size()));
     for (const Measure& measure : cube.measures) {
         out.PutText(measure.name);
         out.PutText(measure.caption);
-        out.Put(static_cast<std::uint8_t>(measure.aggregate));
+        out.Put(static_cast<std::uint8_t>(measure.function));
         out.Put(measure.decimals);
         out.Put(measure.width);
         out.Put(measure.unit);
@@ -153,8 +153,8 @@ void CubeFileWriter::AddHierarchy(std::uint32_t cube, std::uint32_t index, const
     add(SectionKind::MemberFlags, SharedNameFlags(hierarchy));
 }
 
-void CubeFileWriter::BeginSlots(std::uint32_t cube, std::size_t projection, std::size_t slot) {
-    Begin(Id(SectionKind::KeySlots, cube, projection, slot));
+void CubeFileWriter::BeginPackedColumn(std::uint32_t cube, std::size_t projection, std::size_t packedColumn) {
+    Begin(Id(SectionKind::PackedColumns, cube, projection, packedColumn));
 }
 
 void CubeFileWriter::BeginValues(std::uint32_t cube, std::size_t projection, std::size_t measure) {

@@ -21,7 +21,7 @@ public:
     /// Writes the metadata of the next cube, and returns its number.
     std::uint32_t AddCube(const CubeModel& cube);
 
-    void BeginSlots(std::uint32_t cube, std::size_t projection, std::size_t slot);
+    void BeginPackedColumn(std::uint32_t cube, std::size_t projection, std::size_t packedColumn);
     void BeginValues(std::uint32_t cube, std::size_t projection, std::size_t measure);
     /// Any other section.
     void Begin(const format::SectionId& id);

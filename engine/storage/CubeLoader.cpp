@@ -1,7 +1,7 @@
 #include "engine/storage/CubeLoader.h"
 
-#include "engine/storage/BracketedName.h"
-#include "engine/storage/RollupLoader.h"
+#include "engine/storage/AggregateLoader.h"
+#include "qel/engine/BracketedName.h"
 
 #include <fmt/format.h>
 
@@ -51,24 +51,24 @@ Cube CubeLoader::Load() {
         LoadProjection(cube.facts_, i, cube.facts_.projections_[i]);
     }
     cube.pages_ = &image_.Verifier();
-    cube.facts_.rollups_ = RollupLoader(image_, cubeNumber_).Load(cube.facts_);
+    cube.facts_.aggregates_ = AggregateLoader(image_, cubeNumber_).Load(cube.facts_);
     return cube;
 }
 
 void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
     facts.keyColumns_.resize(in.GetCount(12));
-    std::vector<std::uint32_t> taken; // bits, by slot
+    std::vector<std::uint32_t> taken; // bits, by packed column
     for (KeyColumn& column : facts.keyColumns_) {
         column.name = in.GetText();
         column.codes = in.Get<std::uint32_t>();
         column.width = in.Get<std::uint8_t>();
-        column.slot = in.Get<std::uint16_t>();
+        column.packedColumn = in.Get<std::uint16_t>();
         column.shift = in.Get<std::uint8_t>();
         CheckLayout(column, facts, taken);
     }
-    // A slot of no column has no width either.
-    if (std::find(facts.slotWidths_.begin(), facts.slotWidths_.end(), 0) != facts.slotWidths_.end()) {
-        Fail("a slot belongs to no key column");
+    // A packed column of no column has no width either.
+    if (std::find(facts.packedWidths_.begin(), facts.packedWidths_.end(), 0) != facts.packedWidths_.end()) {
+        Fail("a packed column belongs to no key column");
     }
     facts.measures_.resize(in.GetCount(19));
     for (Measure& measure : facts.measures_) {
@@ -78,9 +78,9 @@ void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
         measure.decimals = in.Get<std::uint8_t>();
         measure.width = in.Get<std::uint8_t>();
         measure.unit = in.Get<std::int64_t>();
-        const bool isSum = aggregate == static_cast<std::uint8_t>(Aggregate::Sum);
-        const bool isCount = aggregate == static_cast<std::uint8_t>(Aggregate::Count);
-        measure.aggregate = isCount ? Aggregate::Count : Aggregate::Sum;
+        const bool isSum = aggregate == static_cast<std::uint8_t>(AggregateFunction::Sum);
+        const bool isCount = aggregate == static_cast<std::uint8_t>(AggregateFunction::Count);
+        measure.function = isCount ? AggregateFunction::Count : AggregateFunction::Sum;
         constexpr std::uint8_t mostDecimals = 18;
         if ((!isSum && !isCount) || measure.decimals > mostDecimals || measure.unit < 1 ||
             (isSum ? !IsWidth(measure.width, 8) : measure.width != 0)) {
@@ -89,26 +89,26 @@ void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
     }
 }
 
-/// Takes the column's bits of its slot.
+/// Takes the column's bits of its packed column.
 void CubeLoader::CheckLayout(const KeyColumn& column, FactTable& facts,
                              std::vector<std::uint32_t>& taken) const {
-    if (column.slot >= facts.keyColumns_.size()) {
-        Fail(fmt::format("key column {} has a slot that does not exist", column.name));
+    if (column.packedColumn >= facts.keyColumns_.size()) {
+        Fail(fmt::format("key column {} lies in a packed column that does not exist", column.name));
     }
-    if (column.slot >= taken.size()) {
-        taken.resize(std::size_t{column.slot} + 1);
-        facts.slotWidths_.resize(taken.size());
+    if (column.packedColumn >= taken.size()) {
+        taken.resize(std::size_t{column.packedColumn} + 1);
+        facts.packedWidths_.resize(taken.size());
     }
-    std::uint8_t& width = facts.slotWidths_[column.slot];
+    std::uint8_t& width = facts.packedWidths_[column.packedColumn];
     if (!IsWidth(column.width, 4) || (width != 0 && width != column.width) ||
         column.shift >= 8 * column.width || column.shift + column.Bits() > 8U * column.width) {
         Fail(fmt::format("key column {} has a wrong width", column.name));
     }
     width = column.width;
-    if ((taken[column.slot] & column.Mask()) != 0) {
+    if ((taken[column.packedColumn] & column.Mask()) != 0) {
         Fail(fmt::format("key column {} lies over another", column.name));
     }
-    taken[column.slot] |= column.Mask();
+    taken[column.packedColumn] |= column.Mask();
 }
 
 void CubeLoader::ReadSortOrders(ByteReader& in, FactTable& facts) const {
@@ -307,12 +307,13 @@ void CubeLoader::LoadProjection(const FactTable& facts, std::size_t index, Proje
         }
         return section;
     };
-    projection.slotWidths_ = facts.slotWidths_;
-    for (std::size_t slot = 0; slot < facts.SlotCount(); ++slot) {
-        const bool isStored = !IsSlotOfLeadAlone(facts.keyColumns_, slot, projection.sortOrder_.front());
-        projection.hasSlot_.push_back(isStored);
-        projection.slots_.push_back(isStored ? column(SectionKind::KeySlots, slot, facts.slotWidths_[slot])
-                                             : MappedSection());
+    projection.packedWidths_ = facts.packedWidths_;
+    for (std::size_t packedColumn = 0; packedColumn < facts.PackedColumnCount(); ++packedColumn) {
+        const bool isStored = !HoldsLeadAlone(facts.keyColumns_, packedColumn, projection.sortOrder_.front());
+        projection.hasPackedColumn_.push_back(isStored);
+        projection.packedColumns_.push_back(
+            isStored ? column(SectionKind::PackedColumns, packedColumn, facts.packedWidths_[packedColumn])
+                     : MappedSection());
     }
     for (std::size_t i = 0; i < facts.measures_.size(); ++i) {
         const std::uint8_t width = facts.measures_[i].width;

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "engine/storage/ByteBuffer.h"
-#include "engine/storage/Cube.h"
 #include "engine/storage/FileImage.h"
+#include "qel/engine/Cube.h"
 
 #include <cstdint>
 #include <string>

@@ -56,19 +56,20 @@ struct ProjectionModel {
     std::vector<std::uint64_t> leadRows; ///< one more than the leading key has codes
 };
 
-/// The rollups of a cube, apart from the facts of those that are rows, which are written like a sort order's.
-struct RollupModel {
-    std::vector<RollupTable::WordColumn> wordColumns; ///< from the highest bits on
+/// The aggregates of a cube, apart from the facts of those that are rows, which are written like a sort
+/// order's.
+struct AggregateModel {
+    std::vector<AggregateTable::PackedKeyColumn> packedKeyColumns; ///< from the highest bits on
     std::uint8_t blockBits = 0;
     std::optional<std::uint32_t> timeColumn;
-    std::vector<std::uint32_t> granules;
+    std::vector<std::uint32_t> timeBuckets;
     std::vector<std::uint32_t> groupPlaces{0}; ///< see CodeGroups
     std::vector<KeyRange> groupRanges;
-    std::vector<Rollup> records;
-    std::uint64_t rows = 0; ///< of all rollups that are rows
-    std::vector<std::uint32_t> stripWords;
-    std::vector<std::uint64_t> stripPeriods;
-    std::vector<std::uint32_t> stripEntries{0};  ///< one more than there are strips
+    std::vector<Aggregate> records;
+    std::uint64_t rows = 0; ///< of all aggregates that are rows
+    std::vector<std::uint32_t> packedKeys;
+    std::vector<std::uint64_t> bucketMasks;
+    std::vector<std::uint32_t> prefixStarts{0};  ///< one more than there are strips
     std::vector<std::vector<std::int64_t>> sums; ///< by measure; empty for a count
     std::vector<std::uint32_t> counts;           ///< empty when no measure counts
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "engine/storage/AggregateTable.h"
 #include "engine/storage/Projection.h"
-#include "engine/storage/RollupTable.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,27 +12,27 @@
 
 namespace qel::engine {
 
-/// One column of the facts' keys. Its codes lie in a slot of the row; columns of few codes share a slot, each
-/// with bits of its own.
+/// One column of the facts' keys. Its codes lie in a packed column of the row; columns of few codes share a
+/// packed column, each with bits of its own.
 struct KeyColumn {
     std::string name;        ///< the fact table's column
     std::uint32_t codes = 0; ///< codes are 0 .. codes-1, numbered so that the main tree's members are ranges
-    std::uint8_t width = 1;  ///< bytes of the slot: 1, 2 or 4
-    std::uint16_t slot = 0;
-    std::uint8_t shift = 0; ///< where the code's bits begin in the slot
+    std::uint8_t width = 1;  ///< bytes of the packed column: 1, 2 or 4
+    std::uint16_t packedColumn = 0;
+    std::uint8_t shift = 0; ///< where the code's bits begin in the packed column
 
     /// How many bits hold every code.
     unsigned Bits() const;
-    /// The bits of the slot that hold the code.
+    /// The bits of the packed column that hold the code.
     std::uint32_t Mask() const;
 };
 
-enum class Aggregate : std::uint8_t { Sum = 0, Count = 1 };
+enum class AggregateFunction : std::uint8_t { Sum = 0, Count = 1 };
 
 struct Measure {
     std::string name;
     std::string caption;
-    Aggregate aggregate = Aggregate::Sum;
+    AggregateFunction function = AggregateFunction::Sum;
     std::uint8_t decimals = 0; ///< amounts times ten to this power are whole numbers
     std::uint8_t width = 0;    ///< bytes a value: 1, 2, 4 or 8, signed; 0 for a count, which stores nothing
     std::int64_t unit = 1;     ///< such a whole number is the stored one times this; at least 1
@@ -43,28 +43,29 @@ struct Measure {
 class FactTable {
 public:
     std::span<const KeyColumn> KeyColumns() const { return keyColumns_; }
-    std::size_t SlotCount() const { return slotWidths_.size(); }
-    std::uint8_t SlotWidth(std::size_t slot) const { return slotWidths_[slot]; }
+    std::size_t PackedColumnCount() const { return packedWidths_.size(); }
+    std::uint8_t PackedWidth(std::size_t packedColumn) const { return packedWidths_[packedColumn]; }
     std::span<const Measure> Measures() const { return measures_; }
     /// At least one; the same rows in different orders.
     std::span<const Projection> Projections() const { return projections_; }
     std::uint64_t RowCount() const { return rowCount_; }
     /// Sums kept ready; null when the file has none.
-    const RollupTable* Rollups() const { return rollups_ ? &*rollups_ : nullptr; }
+    const AggregateTable* Aggregates() const { return aggregates_ ? &*aggregates_ : nullptr; }
 
 private:
     friend class CubeLoader;
 
     std::vector<KeyColumn> keyColumns_;
-    std::vector<std::uint8_t> slotWidths_;
+    std::vector<std::uint8_t> packedWidths_;
     std::vector<Measure> measures_;
     std::vector<Projection> projections_;
-    std::optional<RollupTable> rollups_;
+    std::optional<AggregateTable> aggregates_;
     std::uint64_t rowCount_ = 0;
 };
 
-/// Whether no other column has bits in this slot than the one that leads a sort order: it is not stored then.
-bool IsSlotOfLeadAlone(std::span<const KeyColumn> columns, std::size_t slot, std::size_t lead);
+/// Whether no other column has bits in this packed column than the one that leads a sort order: it is not
+/// stored then.
+bool HoldsLeadAlone(std::span<const KeyColumn> columns, std::size_t packedColumn, std::size_t lead);
 
 /// The codes of a key column in some rows of a projection, whether stored or known by the rows' places.
 /// Raises EngineError (DamagedFile).

@@ -53,9 +53,9 @@ public:
                 return fmt::format("key column {} has a code out of range", facts_.KeyColumns()[column].name);
             }
         }
-        for (std::size_t slot = 0; slot < facts_.SlotCount(); ++slot) {
-            if (projection_.HasSlot(slot) && !IsClean(slot, rows)) {
-                return "a slot has bits of no key column";
+        for (std::size_t packedColumn = 0; packedColumn < facts_.PackedColumnCount(); ++packedColumn) {
+            if (projection_.HasPackedColumn(packedColumn) && !IsClean(packedColumn, rows)) {
+                return "a packed column has bits of no key column";
             }
         }
         for (std::size_t measure = 0; measure < magnitudes_.size(); ++measure) {
@@ -84,16 +84,16 @@ private:
                            [&key](std::uint32_t code) { return code < key.codes; });
     }
 
-    /// Whether the bits of the slot that belong to no column are 0.
-    bool IsClean(std::size_t slot, RowRange rows) const {
+    /// Whether the bits of the packed column that belong to no column are 0.
+    bool IsClean(std::size_t packedColumn, RowRange rows) const {
         std::uint32_t bits = 0;
         for (const KeyColumn& column : facts_.KeyColumns()) {
-            bits |= column.slot == slot ? column.Mask() : 0U;
+            bits |= column.packedColumn == packedColumn ? column.Mask() : 0U;
         }
-        const std::byte* const slots = projection_.Slot(slot, rows);
-        return VisitCodeType(facts_.SlotWidth(slot), [&](auto type) {
+        const std::byte* const packed = projection_.PackedColumn(packedColumn, rows);
+        return VisitCodeType(facts_.PackedWidth(packedColumn), [&](auto type) {
             for (std::uint64_t i = 0; i < rows.Count(); ++i) {
-                if ((ReadAt<decltype(type)>(slots, i) & ~bits) != 0) {
+                if ((ReadAt<decltype(type)>(packed, i) & ~bits) != 0) {
                     return false;
                 }
             }
@@ -136,7 +136,7 @@ private:
                 lastCodes_[k] = code;
             }
             const auto lead = static_cast<std::uint32_t>(lastCodes_[0]);
-            const RowRange place = projection_.RowsOfLead({lead, lead + 1});
+            const RowRange place = projection_.RowsOfLeadingKey({lead, lead + 1});
             const std::uint64_t row = rows.first + i;
             if (row < place.first || row >= place.last) {
                 return false;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/storage/Cube.h"
+#include "qel/engine/Cube.h"
 
 #include <functional>
 #include <string>

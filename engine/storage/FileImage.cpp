@@ -1,6 +1,6 @@
 #include "engine/storage/FileImage.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 #include <xxhash.h>

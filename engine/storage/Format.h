@@ -53,21 +53,21 @@ enum class SectionKind : std::uint32_t {
     MemberKeySlots = 27,
     MemberFlags = 28,
     // One each for every projection.
-    LeadRows = 48,   ///< first: projection
-    KeySlots = 49,   ///< first: projection, second: slot
-    FactValues = 50, ///< first: projection, second: measure
-    // Rollups, which a reader may do without: it finds the same answers in the facts.
-    RollupDescription = 0x80000001U,
-    RollupGranules = 0x80000002U,
-    RollupRecords = 0x80000003U,
-    RollupLookup = 0x80000004U,
-    RollupSlots = 0x80000005U,  ///< second: slot
-    RollupValues = 0x80000006U, ///< second: measure
-    StripWords = 0x80000007U,
-    StripPeriods = 0x80000008U,
-    StripEntries = 0x80000009U,
-    StripSums = 0x8000000AU, ///< second: measure
-    StripCounts = 0x8000000BU,
+    LeadRows = 48,      ///< first: projection
+    PackedColumns = 49, ///< first: projection, second: packed column
+    FactValues = 50,    ///< first: projection, second: measure
+    // Aggregates, which a reader may do without: it finds the same answers in the facts.
+    AggregateDescription = 0x80000001U,
+    AggregateTimeBuckets = 0x80000002U,
+    AggregateRecords = 0x80000003U,
+    AggregateLookup = 0x80000004U,
+    AggregatePackedColumns = 0x80000005U, ///< second: packed column
+    AggregateValues = 0x80000006U,        ///< second: measure
+    PackedKeys = 0x80000007U,
+    BucketMasks = 0x80000008U,
+    PrefixStarts = 0x80000009U,
+    PrefixSums = 0x8000000AU, ///< second: measure
+    PrefixCounts = 0x8000000BU,
     GroupPlaces = 0x8000000CU,
     GroupRanges = 0x8000000DU
 };

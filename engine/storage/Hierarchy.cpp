@@ -1,7 +1,7 @@
-#include "engine/storage/BracketedName.h"
-#include "engine/storage/Cube.h"
 #include "engine/storage/Format.h"
 #include "engine/storage/NameIndex.h"
+#include "qel/engine/BracketedName.h"
+#include "qel/engine/Cube.h"
 #include "text/CaseFold.h"
 
 namespace qel::engine {

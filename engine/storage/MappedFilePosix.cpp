@@ -1,6 +1,6 @@
-#include "engine/EngineError.h"
 #include "engine/storage/MappedFile.h"
 #include "engine/storage/MappingWatch.h"
+#include "qel/engine/EngineError.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>

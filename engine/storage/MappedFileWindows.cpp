@@ -1,5 +1,5 @@
-#include "engine/EngineError.h"
 #include "engine/storage/MappedFile.h"
+#include "qel/engine/EngineError.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>

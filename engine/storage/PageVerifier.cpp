@@ -1,9 +1,9 @@
 #include "engine/storage/PageVerifier.h"
 
-#include "engine/EngineError.h"
 #include "engine/storage/Format.h"
 #include "engine/storage/MappedFile.h"
 #include "engine/storage/MappedSection.h"
+#include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 #include <xxhash.h>

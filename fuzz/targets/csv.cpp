@@ -1,7 +1,7 @@
-#include "engine/EngineError.h"
 #include "engine/build/AmountText.h"
 #include "engine/build/CsvReader.h"
 #include "engine/build/DateText.h"
+#include "qel/engine/EngineError.h"
 
 #include <cstdint>
 #include <cstdlib>

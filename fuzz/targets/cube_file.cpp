@@ -1,9 +1,9 @@
-#include "engine/EngineError.h"
-#include "engine/eval/FactReading.h"
+#include "engine/eval/FactAccessPlan.h"
 #include "engine/eval/FactScan.h"
-#include "engine/storage/CubeFile.h"
 #include "engine/storage/Format.h"
 #include "engine/storage/PageVerifier.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/EngineError.h"
 
 #include <xxhash.h>
 
@@ -87,20 +87,21 @@ std::size_t AskFacts(const Cube& cube) {
                 continue;
             }
             for (const KeyRange& range : hierarchy.Ranges(hierarchy.DefaultMember())) {
-                sum += projection.RowsOfLead(range).Count();
+                sum += projection.RowsOfLeadingKey(range).Count();
             }
         }
     }
     return sum + cube.FindMeasure("amount").value_or(0) + facts.Measures()[cube.DefaultMeasure()].name.size();
 }
 
-/// Asks for the facts of every rollup, for those of one code of each narrow column, and for those of a span
-/// of time.
-std::size_t AskRollups(const FactTable& facts) {
+/// Asks for the facts of every aggregate, for those of one code of each narrow column, and for those of a
+/// span of time.
+std::size_t AskAggregates(const FactTable& facts) {
     std::size_t sum = 0;
-    const RollupTable* const rollups = facts.Rollups();
-    for (std::uint64_t i = 0; rollups != nullptr && i < std::min<std::uint64_t>(rollups->Count(), 100); ++i) {
-        const RollupKey& key = rollups->At(i).key;
+    const AggregateTable* const aggregates = facts.Aggregates();
+    for (std::uint64_t i = 0; aggregates != nullptr && i < std::min<std::uint64_t>(aggregates->Count(), 100);
+         ++i) {
+        const AggregateKey& key = aggregates->At(i).key;
         std::vector<Restriction> restrictions;
         const auto restrict = [&](std::size_t column, const KeyRange& codes) {
             const auto& columns = facts.KeyColumns();
@@ -113,13 +114,13 @@ std::size_t AskRollups(const FactTable& facts) {
         for (std::size_t measure = 0; measure < facts.Measures().size(); ++measure) {
             sum += SumFacts(facts, restrictions, measure).rows;
         }
-        for (const RollupTable::WordColumn& word : rollups->WordColumns()) {
+        for (const AggregateTable::PackedKeyColumn& part : aggregates->PackedKeyColumns()) {
             static constexpr KeyRange lowest{0, 1};
             std::vector<Restriction> narrowed = restrictions;
-            narrowed.push_back({word.column, CodeRanges(&lowest, 1)});
+            narrowed.push_back({part.column, CodeRanges(&lowest, 1)});
             sum += SumFacts(facts, narrowed, 0).rows;
         }
-        if (const auto time = rollups->TimeColumn()) {
+        if (const auto time = aggregates->TimeColumn()) {
             const KeyRange middle{facts.KeyColumns()[*time].codes / 3, facts.KeyColumns()[*time].codes};
             restrict(*time, middle);
             sum += SumFacts(facts, restrictions, 0).rows;
@@ -142,7 +143,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 sum = sum + AskHierarchy(hierarchy);
             }
             sum = sum + AskFacts(cube);
-            sum = sum + AskRollups(cube.Facts());
+            sum = sum + AskAggregates(cube.Facts());
         }
         file->Verify({});
     } catch (const EngineError&) {

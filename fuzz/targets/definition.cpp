@@ -1,6 +1,6 @@
 #include "engine/build/Definition.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 
 #include <cstdint>
 #include <string_view>

@@ -1,7 +1,7 @@
-#include "engine/EngineError.h"
-#include "engine/build/BuildCube.h"
-#include "engine/eval/Query.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/BuildCube.h"
+#include "qel/engine/Cellset.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/EngineError.h"
 
 #include <cstdint>
 #include <filesystem>

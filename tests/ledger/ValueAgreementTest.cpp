@@ -1,8 +1,8 @@
-#include "engine/build/BuildCube.h"
 #include "examples/ledger/reference/FormulaCell.h"
 #include "examples/ledger/reference/LedgerDatabase.h"
 #include "examples/ledger/reference/PlainSums.h"
 #include "examples/ledger/reference/RandomSelections.h"
+#include "qel/engine/BuildCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>

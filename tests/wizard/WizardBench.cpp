@@ -3,7 +3,7 @@
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
 #include "cli/formula/ParseFormula.h"
-#include "engine/build/BuildCube.h"
+#include "qel/engine/BuildCube.h"
 #include "store/LocalDb.h"
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"

@@ -1,8 +1,8 @@
 #include "platform/data/embedded/CubeSource.h"
 
-#include "engine/storage/CubeFile.h"
 #include "platform/data/ConnectionText.h"
 #include "platform/data/embedded/ProviderErrors.h"
+#include "qel/engine/CubeFile.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>
@@ -16,8 +16,7 @@ namespace {
 constexpr const char* whatCanBeOpened = "A cube file made by 'qel cube build' can be opened.";
 
 AutomationError CannotOpen(engine::ErrorKind kind, const std::string& dataSource, std::string_view fault) {
-    return ProviderError(static_cast<std::int32_t>(kind),
-                         fmt::format("The cube file '{}' {}. {}", dataSource, fault, whatCanBeOpened));
+    return ProviderError(kind, fmt::format("The cube file '{}' {}. {}", dataSource, fault, whatCanBeOpened));
 }
 
 } // namespace

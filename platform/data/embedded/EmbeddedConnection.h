@@ -1,8 +1,8 @@
 #pragma once
 
-#include "engine/eval/PlanCache.h"
-#include "engine/storage/CubeFile.h"
 #include "platform/data/DataAccess.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/PlanCache.h"
 
 #include <memory>
 #include <string>

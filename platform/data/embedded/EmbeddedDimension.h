@@ -1,7 +1,7 @@
 #pragma once
 
-#include "engine/storage/Cube.h"
 #include "platform/data/DataAccess.h"
+#include "qel/engine/Cube.h"
 
 #include <memory>
 

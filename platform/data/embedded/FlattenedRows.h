@@ -1,23 +1,13 @@
 #pragma once
 
-#include "engine/eval/Query.h"
-#include "platform/value/Variant.h"
-
-#include <string>
-#include <vector>
+#include "platform/data/Rowset.h"
+#include "qel/engine/Cellset.h"
 
 namespace qel {
 
-/// The answer to a statement as a table: a row for every position of the rows axis, without the top members
-/// of all.
-struct FlattenedRows {
-    std::vector<std::string> fields;
-    std::vector<std::vector<Variant>> rows; ///< each as long as `fields`
-};
-
-/// A member fills the fields of its level and of its ancestors' levels with captions; lower levels are Null.
-/// A level that holds the member of all has no field. Without a rows axis there is one row. Raises
-/// AutomationError for more than two axes.
-FlattenedRows Flatten(const engine::Cube& cube, const engine::Cellset& cellset);
+/// The answer as a table: one row per position of the rows axis; one row when there is no rows axis. A member
+/// fills the fields of its level and of its ancestors' levels with captions; lower levels are Null. A level
+/// that holds the All member has no field. Raises AutomationError for more than two axes.
+Rowset Flatten(const engine::Cube& cube, const engine::Cellset& cellset);
 
 } // namespace qel

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "engine/eval/PlanCache.h"
-#include "engine/storage/CubeFile.h"
 #include "platform/data/embedded/FileIdentity.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/PlanCache.h"
 
 #include <memory>
 #include <mutex>

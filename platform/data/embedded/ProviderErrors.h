@@ -1,8 +1,8 @@
 #pragma once
 
-#include "engine/EngineError.h"
 #include "platform/data/DataAccessErrors.h"
 #include "platform/value/AutomationError.h"
+#include "qel/engine/EngineError.h"
 
 #include <cstdint>
 #include <string>
@@ -12,11 +12,18 @@
 
 namespace qel {
 
-/// An error in the name of the embedded engine.
-AutomationError ProviderError(std::int32_t number, std::string description);
+/// The source of the embedded engine's errors.
+inline constexpr const char* embeddedProvider = "OrmFuncQel4 cube engine";
 
-/// The same number (the kind's) and text, in the name of the embedded engine.
-AutomationError ToAutomationError(const engine::EngineError& error);
+/// An error of the embedded engine.
+[[nodiscard]] AutomationError ProviderError(std::int32_t number, std::string description);
+[[nodiscard]] AutomationError ProviderError(engine::ErrorKind kind, std::string description);
+
+/// The number that clients see for an engine's error; docs/errors.md lists them.
+[[nodiscard]] std::int32_t ErrorNumberOf(engine::ErrorKind kind);
+
+/// The error's text and its kind's number, in the name of the embedded engine.
+[[nodiscard]] AutomationError ToAutomationError(const engine::EngineError& error);
 
 /// Runs `work` and returns its result; an EngineError leaves as an AutomationError.
 template <class Work>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/data/Rowset.h"
 #include "platform/data/xmla/XmlStream.h"
 #include "platform/value/Variant.h"
 
@@ -27,6 +28,8 @@ public:
     Variant Value(std::size_t row, std::size_t field) const;
     /// The text of a row's field, empty when there is none.
     std::string Text(std::size_t row, const std::string& field) const;
+    /// Fields that a row lacks are Null. Leaves the answer empty.
+    Rowset TakeRowset();
 
 private:
     std::size_t FieldOfElement(std::string_view element);

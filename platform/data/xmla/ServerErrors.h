@@ -19,10 +19,13 @@ inline constexpr std::int32_t errorServerAnswer = static_cast<std::int32_t>(0x80
 /// The server refused the request in its own words.
 inline constexpr std::int32_t errorServerFault = static_cast<std::int32_t>(0x80040E84);
 
-/// An error in the name of the adapter.
-AutomationError ServerError(std::int32_t number, std::string description);
+/// The source of the errors of server cubes.
+inline constexpr const char* serverProvider = "OrmFuncQel4 server cubes";
 
-/// True when the error says nothing about the request, so that the connection is opened afresh.
-bool IsLostServer(const AutomationError& error);
+/// An error of a server's cube.
+[[nodiscard]] AutomationError ServerError(std::int32_t number, std::string description);
+
+/// True when the error concerns the connection, not the request: the connection is opened again.
+[[nodiscard]] bool IsLostServer(const AutomationError& error);
 
 } // namespace qel

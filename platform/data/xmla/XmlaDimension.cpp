@@ -1,6 +1,7 @@
 #include "platform/data/xmla/XmlaDimension.h"
 
 #include "platform/data/DataAccessErrors.h"
+#include "platform/data/ObjectErrors.h"
 #include "platform/data/xmla/ServerErrors.h"
 #include "text/CaseFold.h"
 
@@ -13,14 +14,6 @@ namespace qel {
 namespace {
 
 using SessionPointer = std::shared_ptr<ServerSession>;
-
-template <class Item>
-const Item& ItemAt(const std::vector<Item>& items, std::int32_t index) {
-    if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-    }
-    return items[static_cast<std::size_t>(index)];
-}
 
 /// By name, any letter case. Raises 3265 saying who has none.
 template <class Item>

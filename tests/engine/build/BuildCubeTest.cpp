@@ -1,7 +1,7 @@
-#include "engine/build/BuildCube.h"
+#include "qel/engine/BuildCube.h"
 
-#include "engine/EngineError.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/EngineError.h"
 #include "tests/engine/build/CubeText.h"
 #include "tests/helpers/TemporaryFolder.h"
 

@@ -1,5 +1,5 @@
-#include "engine/EngineError.h"
-#include "engine/build/BuildCube.h"
+#include "qel/engine/BuildCube.h"
+#include "qel/engine/EngineError.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-#include "engine/build/BuildCube.h"
-#include "engine/eval/Query.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/BuildCube.h"
+#include "qel/engine/Cellset.h"
+#include "qel/engine/CubeFile.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

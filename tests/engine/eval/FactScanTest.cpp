@@ -1,9 +1,9 @@
 #include "engine/eval/FactScan.h"
 
-#include "engine/build/BuildCube.h"
-#include "engine/eval/FactReading.h"
+#include "engine/eval/FactAccessPlan.h"
 #include "engine/eval/ScanPlan.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/BuildCube.h"
+#include "qel/engine/CubeFile.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
-#include "engine/EngineError.h"
-#include "engine/build/BuildCube.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/BuildCube.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/EngineError.h"
 #include "tests/engine/eval/LedgerCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 

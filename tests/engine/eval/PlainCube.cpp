@@ -1,7 +1,7 @@
 #include "tests/engine/eval/PlainCube.h"
 
-#include "engine/build/BuildCube.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/BuildCube.h"
+#include "qel/engine/CubeFile.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>

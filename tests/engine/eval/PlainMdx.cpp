@@ -125,9 +125,9 @@ Value World::SumOfFacts(const Place& place) const {
     return measure == 2 ? Exact(count, 0) : Exact(sum, measure == 0 ? 2 : 3);
 }
 
-Place With(Place place, const std::vector<std::size_t>& shape, const Tuple& tuple) {
-    for (std::size_t i = 0; i < shape.size(); ++i) {
-        place[shape[i]] = tuple[i];
+Place With(Place place, const std::vector<std::size_t>& hierarchies, const Tuple& tuple) {
+    for (std::size_t i = 0; i < hierarchies.size(); ++i) {
+        place[hierarchies[i]] = tuple[i];
     }
     return place;
 }

@@ -45,7 +45,7 @@ struct Condition {
 };
 struct Set {
     std::string text;
-    std::vector<std::size_t> shape; ///< the hierarchies of its tuples
+    std::vector<std::size_t> hierarchies; ///< the hierarchies of its tuples
     std::function<std::vector<Tuple>(const World&, const Place&)> at;
 };
 
@@ -78,6 +78,6 @@ private:
 };
 
 /// The place with a tuple's members set.
-Place With(Place place, const std::vector<std::size_t>& shape, const Tuple& tuple);
+Place With(Place place, const std::vector<std::size_t>& hierarchies, const Tuple& tuple);
 
 } // namespace qel::engine::plain

@@ -1,6 +1,6 @@
-#include "engine/eval/PlanCache.h"
+#include "qel/engine/PlanCache.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>

@@ -45,7 +45,7 @@ std::vector<Tuple> Joined(std::vector<Tuple> left, const std::vector<Tuple>& rig
 
 Set Combined(const char* form, const Set& left, const Set& right,
              std::vector<Tuple> (*combine)(const std::vector<Tuple>&, const std::vector<Tuple>&)) {
-    return {fmt::format(fmt::runtime(form), left.text, right.text), left.shape,
+    return {fmt::format(fmt::runtime(form), left.text, right.text), left.hierarchies,
             [left, right, combine](const World& world, const Place& place) {
                 return combine(left.at(world, place), right.at(world, place));
             }};
@@ -64,7 +64,7 @@ std::vector<Tuple> Sorted(const World& world, const Place& place, const Set& set
                           bool descends) {
     std::vector<std::pair<Value, Tuple>> valued;
     for (const Tuple& tuple : set.at(world, place)) {
-        valued.emplace_back(by.at(world, With(place, set.shape, tuple)), tuple);
+        valued.emplace_back(by.at(world, With(place, set.hierarchies, tuple)), tuple);
     }
     std::stable_sort(valued.begin(), valued.end(), [descends](const auto& a, const auto& b) {
         return descends ? Compare(b.first, a.first) < 0 : Compare(a.first, b.first) < 0;
@@ -148,11 +148,11 @@ Set RandomMdx::Chosen(std::size_t hierarchy, int depth) {
     const Set set = SetOver(hierarchy, depth - 1);
     if (OneIn(2)) {
         const Condition condition = ConditionOf(1);
-        return {fmt::format("Filter({}, {})", set.text, condition.text), set.shape,
+        return {fmt::format("Filter({}, {})", set.text, condition.text), set.hierarchies,
                 [set, condition](const World& world, const Place& place) {
                     std::vector<Tuple> kept;
                     for (const Tuple& tuple : set.at(world, place)) {
-                        if (condition.at(world, With(place, set.shape, tuple))) {
+                        if (condition.at(world, With(place, set.hierarchies, tuple))) {
                             kept.push_back(tuple);
                         }
                     }
@@ -163,12 +163,12 @@ Set RandomMdx::Chosen(std::size_t hierarchy, int depth) {
     const bool descends = OneIn(2);
     if (OneIn(2)) {
         return {
-            fmt::format("Order({}, {}, {})", set.text, by.text, descends ? "BDESC" : "BASC"), set.shape,
+            fmt::format("Order({}, {}, {})", set.text, by.text, descends ? "BDESC" : "BASC"), set.hierarchies,
             [=](const World& world, const Place& place) { return Sorted(world, place, set, by, descends); }};
     }
     const std::size_t count = Below(4);
     return {fmt::format("{}({}, {}, {})", descends ? "TopCount" : "BottomCount", set.text, count, by.text),
-            set.shape, [=](const World& world, const Place& place) {
+            set.hierarchies, [=](const World& world, const Place& place) {
                 std::vector<Tuple> sorted = Sorted(world, place, set, by, descends);
                 sorted.resize(std::min(count, sorted.size()));
                 return sorted;
@@ -212,19 +212,19 @@ Set RandomMdx::SetOver(std::size_t hierarchy, int depth, bool onlyStored) {
 }
 
 Set RandomMdx::Crossed(Set left, Set right) {
-    std::vector<std::size_t> shape = left.shape;
-    shape.insert(shape.end(), right.shape.begin(), right.shape.end());
+    std::vector<std::size_t> both = left.hierarchies;
+    both.insert(both.end(), right.hierarchies.begin(), right.hierarchies.end());
     std::string text = OneIn(2) ? fmt::format("CrossJoin({}, {})", left.text, right.text)
                                 : fmt::format("{} * {}", left.text, right.text);
     return {
-        std::move(text), shape, [left, right](const World& world, const Place& place) {
+        std::move(text), both, [left, right](const World& world, const Place& place) {
             const auto& hierarchies = world.GetCube().hierarchies;
             /// Members of one dimension that share no value do not meet.
             const auto meet = [&](const Tuple& a, const Tuple& b) {
                 for (std::size_t i = 0; i < a.size(); ++i) {
                     for (std::size_t j = 0; j < b.size(); ++j) {
-                        const std::size_t one = left.shape[i];
-                        const std::size_t two = right.shape[j];
+                        const std::size_t one = left.hierarchies[i];
+                        const std::size_t two = right.hierarchies[j];
                         if (std::max(one, two) >= hierarchies.size() || std::max(a[i], b[j]) >= calculated ||
                             hierarchies[one].dimension != hierarchies[two].dimension ||
                             hierarchies[one].column == noColumn) {
@@ -257,17 +257,17 @@ Set RandomMdx::Crossed(Set left, Set right) {
 /// A cell that names its measure, and perhaps a member.
 Number RandomMdx::Reading() {
     const std::size_t measures = cube_.hierarchies.size();
-    std::vector<std::size_t> shape{measures};
+    std::vector<std::size_t> hierarchies{measures};
     Tuple tuple{static_cast<int>(Below(3))};
     const World world(cube_);
     std::string text = world.PathOf(measures, tuple[0]);
     if (OneIn(3)) {
-        shape.push_back(AnyHierarchy());
-        tuple.push_back(AnyMember(shape[1]));
-        text = fmt::format("({}, {})", text, world.PathOf(shape[1], tuple[1]));
+        hierarchies.push_back(AnyHierarchy());
+        tuple.push_back(AnyMember(hierarchies[1]));
+        text = fmt::format("({}, {})", text, world.PathOf(hierarchies[1], tuple[1]));
     }
-    return {text, [shape, tuple](const World& at, const Place& place) {
-                return at.CellAt(With(place, shape, tuple));
+    return {text, [hierarchies, tuple](const World& at, const Place& place) {
+                return at.CellAt(With(place, hierarchies, tuple));
             }};
 }
 
@@ -282,7 +282,7 @@ Number RandomMdx::OverSet(int depth) {
                 [set](const World& world, const Place& place) {
                     std::int64_t count = 0;
                     for (const Tuple& tuple : set.at(world, place)) {
-                        Place cell = With(place, set.shape, tuple);
+                        Place cell = With(place, set.hierarchies, tuple);
                         cell.back() = 2;
                         count += world.CellAt(cell).isEmpty ? 0 : 1;
                     }
@@ -294,7 +294,7 @@ Number RandomMdx::OverSet(int depth) {
                 Value total;
                 std::int64_t count = 0;
                 for (const Tuple& tuple : set.at(world, place)) {
-                    const Value value = number.at(world, With(place, set.shape, tuple));
+                    const Value value = number.at(world, With(place, set.hierarchies, tuple));
                     count += value.isEmpty ? 0 : 1;
                     if (kind < 2) {
                         total = Plus(total, value);
@@ -423,7 +423,7 @@ Number RandomMdx::MemberFormula(std::size_t hierarchy) {
             [set, namesMeasure](const World& world, const Place& place) {
                 Value sum;
                 for (const Tuple& tuple : set.at(world, place)) {
-                    Place cell = With(place, set.shape, tuple);
+                    Place cell = With(place, set.hierarchies, tuple);
                     cell.back() = namesMeasure ? 0 : cell.back();
                     sum = Plus(sum, world.CellAt(cell));
                 }

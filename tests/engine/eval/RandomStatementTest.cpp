@@ -1,6 +1,6 @@
-#include "engine/EngineError.h"
-#include "engine/eval/PlanCache.h"
-#include "engine/eval/Query.h"
+#include "qel/engine/Cellset.h"
+#include "qel/engine/EngineError.h"
+#include "qel/engine/PlanCache.h"
 #include "tests/engine/eval/RandomMdx.h"
 
 #include <fmt/format.h>
@@ -96,9 +96,9 @@ private:
     /// The set with the calculated members of its hierarchy behind it.
     Set WithCalculated(const World& world, Set set) {
         for (const auto& [hierarchy, member] : calculatedMembers_) {
-            if (set.shape == std::vector<std::size_t>{hierarchy}) {
+            if (set.hierarchies == std::vector<std::size_t>{hierarchy}) {
                 const std::string text = fmt::format("{{{}, {}}}", set.text, world.PathOf(hierarchy, member));
-                set = {text, set.shape, [set, number = member](const World& at, const Place& place) {
+                set = {text, set.hierarchies, [set, number = member](const World& at, const Place& place) {
                            std::vector<Tuple> tuples = set.at(at, place);
                            tuples.push_back({number});
                            return tuples;
@@ -116,17 +116,17 @@ private:
         Set slicer{"", {hierarchy}, nullptr};
         Tuple tuple{random_.AnyMember(hierarchy)};
         if (random_.OneIn(2)) {
-            slicer.shape.push_back(TakeHierarchy());
-            tuple.push_back(random_.AnyMember(slicer.shape.back()));
+            slicer.hierarchies.push_back(TakeHierarchy());
+            tuple.push_back(random_.AnyMember(slicer.hierarchies.back()));
         }
         for (const auto& [owner, member] : calculatedMembers_) {
-            const auto at = std::find(slicer.shape.begin(), slicer.shape.end(), owner);
-            if (at != slicer.shape.end() && random_.OneIn(2)) {
-                tuple[static_cast<std::size_t>(at - slicer.shape.begin())] = member;
+            const auto at = std::find(slicer.hierarchies.begin(), slicer.hierarchies.end(), owner);
+            if (at != slicer.hierarchies.end() && random_.OneIn(2)) {
+                tuple[static_cast<std::size_t>(at - slicer.hierarchies.begin())] = member;
             }
         }
         for (std::size_t i = 0; i < tuple.size(); ++i) {
-            slicer.text += (i > 0 ? ", " : "") + world.PathOf(slicer.shape[i], tuple[i]);
+            slicer.text += (i > 0 ? ", " : "") + world.PathOf(slicer.hierarchies[i], tuple[i]);
         }
         slicer.text = "(" + slicer.text + ")";
         slicer.at = [tuple](const World&, const Place&) { return std::vector<Tuple>{tuple}; };
@@ -184,7 +184,7 @@ public:
         if (statement.slicer) {
             slicer_ = statement.slicer->at(statement.world, place);
             if (slicer_.size() == 1) {
-                place = With(place, statement.slicer->shape, slicer_[0]);
+                place = With(place, statement.slicer->hierarchies, slicer_[0]);
             }
         }
         for (const Axis& axis : statement.axes) {
@@ -207,9 +207,9 @@ public:
             for (std::size_t i = 0; i < axes_[axis].size(); ++i) {
                 if (isKept_[axis][i]) {
                     for (std::size_t k = 0; k < axes_[axis][i].size(); ++k) {
-                        text +=
-                            statement_.world.PathOf(statement_.axes[axis].set.shape[k], axes_[axis][i][k]) +
-                            " ";
+                        text += statement_.world.PathOf(statement_.axes[axis].set.hierarchies[k],
+                                                        axes_[axis][i][k]) +
+                                " ";
                     }
                     text += "\n";
                 }
@@ -235,7 +235,8 @@ private:
         }
         for (std::size_t i = 0; i < axes_[axis - 1].size(); ++i) {
             position.push_back(i);
-            EvaluateCells(axis - 1, With(place, statement_.axes[axis - 1].set.shape, axes_[axis - 1][i]),
+            EvaluateCells(axis - 1,
+                          With(place, statement_.axes[axis - 1].set.hierarchies, axes_[axis - 1][i]),
                           position);
             position.pop_back();
         }
@@ -247,7 +248,7 @@ private:
         }
         Value sum;
         for (const Tuple& tuple : slicer_) {
-            sum = Plus(sum, statement_.world.CellAt(With(place, statement_.slicer->shape, tuple)));
+            sum = Plus(sum, statement_.world.CellAt(With(place, statement_.slicer->hierarchies, tuple)));
         }
         return sum;
     }

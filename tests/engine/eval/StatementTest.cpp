@@ -1,4 +1,4 @@
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>

@@ -1,5 +1,5 @@
-#include "engine/EngineError.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/EngineError.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 
@@ -37,7 +37,7 @@ SmallCube EqualFacts(std::int8_t value) {
     cube.model.projections = {{{0}, {0, rows, rows}}};
     cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
     cube.values = {std::vector<std::int8_t>(rows, value)};
-    cube.hasRollups = false;
+    cube.hasAggregates = false;
     return cube;
 }
 

@@ -1,6 +1,6 @@
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
 
-#include "engine/EngineError.h"
+#include "qel/engine/EngineError.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/FileSizeLimit.h"
 #include "tests/helpers/TemporaryFolder.h"
@@ -63,7 +63,7 @@ std::string Answers(const Cube& cube) {
         }
         const auto* const bytes = reinterpret_cast<const char*>(projection.Values(0, all));
         text.append(bytes, all.Count() * facts.Measures()[0].width);
-        const RowRange second = projection.RowsOfLead({1, 2});
+        const RowRange second = projection.RowsOfLeadingKey({1, 2});
         text += std::to_string(second.first) + std::to_string(second.last);
     }
     return text;
@@ -105,11 +105,11 @@ TEST(CubeFile, GivesBackWhatWasWritten) {
     EXPECT_THAT(found, ElementsAre(3, 0));
     EXPECT_EQ(cube->FindMeasure("lines"), 1U);
     EXPECT_EQ(cube->FindDimension("firm"), 1U);
-    const RowRange rows = cube->Facts().Projections()[0].RowsOfLead({1, 2});
+    const RowRange rows = cube->Facts().Projections()[0].RowsOfLeadingKey({1, 2});
     const auto* const values = cube->Facts().Projections()[0].Values(0, rows);
     EXPECT_THAT(std::vector<int>({static_cast<signed char>(values[0]), static_cast<signed char>(values[1])}),
                 ElementsAre(-7, 9));
-    EXPECT_THROW(cube->Facts().Projections()[0].Slot(1, {2, 4}), EngineError);
+    EXPECT_THROW(cube->Facts().Projections()[0].PackedColumn(1, {2, 4}), EngineError);
 }
 
 TEST(CubeFile, NamesWhatCannotBeOpened) {
@@ -197,14 +197,14 @@ TEST(CubeFile, FactPagesAreCheckedWhenTheyAreRead) {
     cube.model.projections = {{{0}, {0, rows, rows}}};
     cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
     cube.values = {std::vector<std::int8_t>(rows, 1)};
-    cube.hasRollups = false;
+    cube.hasAggregates = false;
     cube.Write(folder.Path("a.cub"));
     EXPECT_EQ(OpenFault(folder.Path("a.cub")), "no fault");
     std::string bytes = folder.Read("a.cub");
     bytes[bytes.size() - 100000] = 3; // among the last column, the values
     const auto file = CubeFile::Open(folder.Write("bad.cub", bytes));
     const Projection& projection = file->Cubes()[0].Facts().Projections()[0];
-    EXPECT_NO_THROW(projection.Slot(1, {0, rows}));
+    EXPECT_NO_THROW(projection.PackedColumn(1, {0, rows}));
     EXPECT_NO_THROW(projection.Values(0, {0, 1000}));
     EXPECT_THROW(projection.Values(0, {0, rows}), EngineError);
     EXPECT_THROW(file->Verify({}), EngineError);
@@ -234,14 +234,14 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         {"width of codes", [](auto& c) { c.model.keyColumns[0].width = 3; },
          "key column account has a wrong width"},
         {"codes beyond the width", [](auto& c) { c.model.keyColumns[0].codes = 257; }, "has a wrong width"},
-        {"a slot beyond all", [](auto& c) { c.model.keyColumns[0].slot = 2; },
-         "account has a slot that does not exist"},
-        {"a slot of no column",
-         [](auto& c) { c.model.keyColumns[0].slot = 1, c.model.keyColumns[0].shift = 4; },
-         "a slot belongs to no key column"},
-        {"bits beyond the slot", [](auto& c) { c.model.keyColumns[0].shift = 8; },
+        {"a packed column beyond all", [](auto& c) { c.model.keyColumns[0].packedColumn = 2; },
+         "account lies in a packed column that does not exist"},
+        {"a packed column of no column",
+         [](auto& c) { c.model.keyColumns[0].packedColumn = 1, c.model.keyColumns[0].shift = 4; },
+         "a packed column belongs to no key column"},
+        {"bits beyond the packed column", [](auto& c) { c.model.keyColumns[0].shift = 8; },
          "account has a wrong width"},
-        {"columns on the same bits", [](auto& c) { c.model.keyColumns[1].slot = 0; },
+        {"columns on the same bits", [](auto& c) { c.model.keyColumns[1].packedColumn = 0; },
          "firm lies over another"},
         {"unit", [](auto& c) { c.model.measures[0].unit = 0; }, "measure Amount is not well-formed"},
         {"width of values", [](auto& c) { c.model.measures[0].width = 0; },
@@ -261,7 +261,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.model.projections[1].leadRows = {0, 2, c.model.rowCount};
              c.model.projections[0].leadRows = {0, 1, c.model.rowCount};
              c.model.measures.erase(c.model.measures.begin());
-             c.hasRollups = false;
+             c.hasAggregates = false;
          },
          "more facts than there can be"},
         {"lead rows descend", [](auto& c) { Set(c.model.projections[0].leadRows, 0, 4, 3); }, "row numbers"},
@@ -314,10 +314,11 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.model.keyColumns[1].codes = 3;
              c.model.projections[1].leadRows = {0, 2, 3, 3};
              c.keys[0][1][2] = 3;
-             c.hasRollups = false;
+             c.hasAggregates = false;
          },
          "key column firm has a code out of range"},
-        {"a fact with other bits", [](auto& c) { c.keys[0][1][2] = 2; }, "a slot has bits of no key column"},
+        {"a fact with other bits", [](auto& c) { c.keys[0][1][2] = 2; },
+         "a packed column has bits of no key column"},
         {"facts not in order", [](auto& c) { Set(c.keys[0][1], 0, 1, 0); },
          "sort order 1: the facts are not in their"},
         {"a fact under another lead", [](auto& c) { Set(c.model.projections[0].leadRows, 0, 2, 3); },
@@ -326,139 +327,143 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "sort orders 1 and 2 hold different facts"},
         {"a child's code its parent lacks", [](auto& c) { Set(c.Accounts().ranges[1], 0, 1); },
          "parent lacks some"},
-        {"rollups by a time that does not exist", [](auto& c) { c.rollups.timeColumn = 2; },
-         "the rollups' time"},
-        {"rollups by a word that does not exist", [](auto& c) { c.rollups.wordColumns[0].column = 2; },
-         "the rollups' word"},
-        {"a word column of other bits", [](auto& c) { c.rollups.wordColumns[0].bits = 2; },
-         "the rollups' word"},
-        {"a word column beyond the word", [](auto& c) { c.rollups.wordColumns[0].shift = 32; },
-         "the rollups' word"},
+        {"aggregates by a time that does not exist", [](auto& c) { c.aggregates.timeColumn = 2; },
+         "the aggregates' time"},
+        {"aggregates by a word that does not exist",
+         [](auto& c) { c.aggregates.packedKeyColumns[0].column = 2; }, "the aggregates' packed key"},
+        {"a word column of other bits", [](auto& c) { c.aggregates.packedKeyColumns[0].bits = 2; },
+         "the aggregates' packed key"},
+        {"a word column beyond the word", [](auto& c) { c.aggregates.packedKeyColumns[0].shift = 32; },
+         "the aggregates' packed key"},
         {"a word column of no bits beyond the word",
          [](auto& c) {
              c.model.keyColumns.push_back({"one", 1, 1, 2, 0});
              c.keys[0].push_back({0, 0, 0}), c.keys[1].push_back({0, 0, 0});
-             c.rollups.wordColumns = {{2, 32, 0}, {1, 0, 1}};
+             c.aggregates.packedKeyColumns = {{2, 32, 0}, {1, 0, 1}};
          },
-         "the rollups' word"},
+         "the aggregates' packed key"},
         {"word columns on the same bits",
          [](auto& c) {
-             c.rollups.wordColumns.push_back({1, 0, 1});
+             c.aggregates.packedKeyColumns.push_back({1, 0, 1});
          },
-         "the rollups' word"},
-        {"no periods", [](auto& c) { c.rollups.granules.clear(); }, "the rollups' periods"},
-        {"periods that do not end with time", [](auto& c) { Set(c.rollups.granules, 0, 2); },
-         "the rollups' periods"},
+         "the aggregates' packed key"},
+        {"no periods", [](auto& c) { c.aggregates.timeBuckets.clear(); }, "the aggregates' time buckets"},
+        {"periods that do not end with time", [](auto& c) { Set(c.aggregates.timeBuckets, 0, 2); },
+         "the aggregates' time buckets"},
         {"more periods than blocks have",
          [](auto& c) {
-             c.rollups.timeColumn = 0;
+             c.aggregates.timeColumn = 0;
              c.model.keyColumns[0].codes = 66, c.model.keyColumns[0].width = 1;
              c.model.projections[0].leadRows.assign(67, 3);
              c.model.projections[0].leadRows[0] = 0;
-             c.rollups.granules.resize(67);
-             std::iota(c.rollups.granules.begin(), c.rollups.granules.end(), 0U);
+             c.aggregates.timeBuckets.resize(67);
+             std::iota(c.aggregates.timeBuckets.begin(), c.aggregates.timeBuckets.end(), 0U);
          },
-         "the rollups' periods"},
-        {"rollup rows beyond the section", [](auto& c) { c.rollups.rows = 3; }, "section of the rollups"},
-        {"strips without sums", [](auto& c) { c.rollups.sums[0].pop_back(); }, "section of the rollups"},
-        {"strips without periods", [](auto& c) { c.rollups.stripPeriods.pop_back(); },
-         "section of the rollups"},
-        {"a rollup beyond the rows", [](auto& c) { c.rollups.records[1].start = 1; },
-         "rollup 2: its facts are not in order"},
-        {"a rollup beyond the strips", [](auto& c) { c.rollups.records[0].strips = 5; },
+         "the aggregates' time buckets"},
+        {"aggregate rows beyond the section", [](auto& c) { c.aggregates.rows = 3; },
+         "section of the aggregates"},
+        {"strips without sums", [](auto& c) { c.aggregates.sums[0].pop_back(); },
+         "section of the aggregates"},
+        {"strips without periods", [](auto& c) { c.aggregates.bucketMasks.pop_back(); },
+         "section of the aggregates"},
+        {"an aggregate beyond the rows", [](auto& c) { c.aggregates.records[1].start = 1; },
+         "aggregate 2: its facts are not in order"},
+        {"an aggregate beyond the strips", [](auto& c) { c.aggregates.records[0].keyCount = 5; },
          "lie outside a section"},
-        {"strips that descend", [](auto& c) { Set(c.rollups.stripWords, 1, 0, 0); },
-         "rollup 1: its facts are not in order"},
-        {"a strip of other periods", [](auto& c) { c.rollups.stripPeriods[0] = 3; },
-         "rollup 1: its facts are not in order"},
-        {"rollup rows that descend", [](auto& c) { Set(c.rollupFirms, 1, 0); },
-         "rollup 2: its facts are not in order"},
-        {"a sum that differs", [](auto& c) { c.rollups.sums[0][1] = 8; },
-         "rollup 1: it differs from the facts"},
-        {"a merged sum that differs", [](auto& c) { c.rollups.sums[0][2] = 8; },
-         "rollup 1: it differs from the facts"},
-        {"merged strips of one firm", [](auto& c) { c.rollups.stripWords[2] = 1; },
-         "rollup 1: it differs from the facts"},
-        {"merged strips of rows", [](auto& c) { c.rollups.records[1].merged = 1; },
+        {"strips that descend", [](auto& c) { Set(c.aggregates.packedKeys, 1, 0, 0); },
+         "aggregate 1: its facts are not in order"},
+        {"a strip of other periods", [](auto& c) { c.aggregates.bucketMasks[0] = 3; },
+         "aggregate 1: its facts are not in order"},
+        {"aggregate rows that descend", [](auto& c) { Set(c.aggregateFirms, 1, 0); },
+         "aggregate 2: its facts are not in order"},
+        {"a sum that differs", [](auto& c) { c.aggregates.sums[0][1] = 8; },
+         "aggregate 1: it differs from the facts"},
+        {"a merged sum that differs", [](auto& c) { c.aggregates.sums[0][2] = 8; },
+         "aggregate 1: it differs from the facts"},
+        {"merged strips of one firm", [](auto& c) { c.aggregates.packedKeys[2] = 1; },
+         "aggregate 1: it differs from the facts"},
+        {"merged strips of rows", [](auto& c) { c.aggregates.records[1].coarserKeyCount = 1; },
          "where there can be none"},
-        {"merged strips of no word", [](auto& c) { c.rollups.wordColumns.clear(); },
+        {"merged strips of no word", [](auto& c) { c.aggregates.packedKeyColumns.clear(); },
          "where there can be none"},
-        {"merged strips beyond the strips", [](auto& c) { c.rollups.records[0].merged = 2; },
+        {"merged strips beyond the strips", [](auto& c) { c.aggregates.records[0].coarserKeyCount = 2; },
          "lie outside a section"},
-        {"sums of other words", [](auto& c) { std::swap(c.rollups.sums[0][0], c.rollups.sums[0][1]); },
-         "rollup 1: it differs from the facts"},
+        {"sums of other words", [](auto& c) { std::swap(c.aggregates.sums[0][0], c.aggregates.sums[0][1]); },
+         "aggregate 1: it differs from the facts"},
         {"sums of other periods",
          [](auto& c) {
              c.SumByAccounts();
-             c.rollups.sums[0][0] = -7;
+             c.aggregates.sums[0][0] = -7;
          },
-         "rollup 1: it differs from the facts"},
+         "aggregate 1: it differs from the facts"},
         {"periods of other facts",
          [](auto& c) {
              c.SumByAccounts();
-             c.rollups.stripPeriods[1] = 1;
+             c.aggregates.bucketMasks[1] = 1;
          },
-         "rollup 1: it differs from the facts"},
+         "aggregate 1: it differs from the facts"},
         {"rows that nothing stores, more than the cube has",
          [](auto& c) {
-             c.model.measures = {{"Lines", "Lines", Aggregate::Count, 0, 0, 1}};
-             c.rollups = RollupModel();
-             c.rollups.granules = {0, 1};
-             c.rollups.records = {{{}, 0, 0, std::uint64_t{1} << 40U}};
-             c.rollups.rows = std::uint64_t{1} << 40U;
-             c.rollups.sums = {{}};
-             c.rollups.stripEntries = {0};
+             c.model.measures = {{"Lines", "Lines", AggregateFunction::Count, 0, 0, 1}};
+             c.aggregates = AggregateModel();
+             c.aggregates.timeBuckets = {0, 1};
+             c.aggregates.records = {{{}, 0, 0, std::uint64_t{1} << 40U}};
+             c.aggregates.rows = std::uint64_t{1} << 40U;
+             c.aggregates.sums = {{}};
+             c.aggregates.prefixStarts = {0};
          },
-         "rollup 1: its facts are not in order"},
-        {"rollup rows of another word", [](auto& c) { Set(c.rollupFirms, 0, 0); },
-         "rollup 2: it differs from the facts"},
-        {"a granule that does not exist", [](auto& c) { c.rollups.stripPeriods[0] = 2; },
-         "rollup 1: its facts are not in order"},
+         "aggregate 1: its facts are not in order"},
+        {"aggregate rows of another word", [](auto& c) { Set(c.aggregateFirms, 0, 0); },
+         "aggregate 2: it differs from the facts"},
+        {"a bucket that does not exist", [](auto& c) { c.aggregates.bucketMasks[0] = 2; },
+         "aggregate 1: its facts are not in order"},
         {"a group of one range",
          [](auto& c) {
-             c.rollups.groupPlaces = {0, 1};
-             c.rollups.groupRanges = {{0, 1}};
+             c.aggregates.groupPlaces = {0, 1};
+             c.aggregates.groupRanges = {{0, 1}};
          },
          "the groups of codes are not in order"},
         {"ranges of a group that touch",
          [](auto& c) {
-             c.rollups.groupPlaces = {0, 2};
-             c.rollups.groupRanges = {{0, 1}, {1, 2}};
+             c.aggregates.groupPlaces = {0, 2};
+             c.aggregates.groupRanges = {{0, 1}, {1, 2}};
          },
          "the groups of codes are not in order"},
-        {"a count that differs", [](auto& c) { c.rollups.counts[0] = 1; },
-         "rollup 1: it differs from the facts"},
-        {"a rollup's value that differs", [](auto& c) { c.rollupValues[0] = 7; },
-         "rollup 2: it differs from the facts"},
-        {"a rollup of no column", [](auto& c) { c.rollups.records[1].key.firstColumn = 2; },
-         "rollup 2: its key has codes that do not exist"},
-        {"groups without an end", [](auto& c) { Set(c.rollups.groupPlaces, 0, 2); }, "the groups of codes"},
+        {"a count that differs", [](auto& c) { c.aggregates.counts[0] = 1; },
+         "aggregate 1: it differs from the facts"},
+        {"an aggregate's value that differs", [](auto& c) { c.aggregateValues[0] = 7; },
+         "aggregate 2: it differs from the facts"},
+        {"an aggregate of no column", [](auto& c) { c.aggregates.records[1].key.firstColumn = 2; },
+         "aggregate 2: its key has codes that do not exist"},
+        {"groups without an end", [](auto& c) { Set(c.aggregates.groupPlaces, 0, 2); },
+         "the groups of codes"},
         {"groups that overlap",
          [](auto& c) {
-             c.rollups.groupPlaces = {0, 2, 1};
-             c.rollups.groupRanges = {{0, 1}};
+             c.aggregates.groupPlaces = {0, 2, 1};
+             c.aggregates.groupRanges = {{0, 1}};
          },
          "the groups of codes"},
-        {"no places of groups", [](auto& c) { c.rollups.groupPlaces.clear(); }, "the groups of codes"},
+        {"no places of groups", [](auto& c) { c.aggregates.groupPlaces.clear(); }, "the groups of codes"},
         {"groups that descend",
          [](auto& c) {
-             c.rollups.groupPlaces = {0, 2, 4};
-             c.rollups.groupRanges = {{0, 1}, {3, 4}, {0, 1}, {2, 3}};
+             c.aggregates.groupPlaces = {0, 2, 4};
+             c.aggregates.groupRanges = {{0, 1}, {3, 4}, {0, 1}, {2, 3}};
          },
          "the groups of codes are not in order"},
-        {"a rollup of a group that does not exist",
-         [](auto& c) { Set(c.rollups.records[1].key.first, 0, 0); },
-         "rollup 2: its key has codes that do not exist"},
-        {"a rollup of a group beyond the codes",
+        {"an aggregate of a group that does not exist",
+         [](auto& c) { Set(c.aggregates.records[1].key.first, 0, 0); },
+         "aggregate 2: its key has codes that do not exist"},
+        {"an aggregate of a group beyond the codes",
          [](auto& c) {
-             c.rollups.groupPlaces = {0, 2};
-             c.rollups.groupRanges = {{0, 1}, {2, 3}};
-             c.rollups.records[1].key.first = {0, 0};
+             c.aggregates.groupPlaces = {0, 2};
+             c.aggregates.groupRanges = {{0, 1}, {2, 3}};
+             c.aggregates.records[1].key.first = {0, 0};
          },
-         "rollup 2: its key has codes that do not exist"},
-        {"a rollup of another member's facts", [](auto& c) { Set(c.rollups.records[1].key.first, 0, 1); },
-         "rollup 2: it differs from the facts"},
-        {"two rollups of one key", [](auto& c) { c.rollups.records[1].key = {}; },
+         "aggregate 2: its key has codes that do not exist"},
+        {"an aggregate of another member's facts",
+         [](auto& c) { Set(c.aggregates.records[1].key.first, 0, 1); },
+         "aggregate 2: it differs from the facts"},
+        {"two aggregates of one key", [](auto& c) { c.aggregates.records[1].key = {}; },
          "its key does not find it"},
         {"a name that is not UTF-8", [](auto& c) { c.Accounts().names.bytes[0] = '\xFF'; }, "not UTF-8"},
     };
@@ -471,7 +476,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
     }
 }
 
-TEST(CubeFile, HasRollupsByPeriods) {
+TEST(CubeFile, HasAggregatesByPeriods) {
     const TemporaryFolder folder;
     SmallCube cube;
     cube.SumByAccounts();
@@ -479,11 +484,11 @@ TEST(CubeFile, HasRollupsByPeriods) {
     EXPECT_EQ(OpenFault(folder.Path("periods.cub")), "no fault");
 }
 
-/// Rollups are optional: a file without them gives the same facts.
-TEST(CubeFile, DoesWithoutRollups) {
+/// Aggregates are optional: a file without them gives the same facts.
+TEST(CubeFile, DoesWithoutAggregates) {
     const TemporaryFolder folder;
     SmallCube with, without;
-    without.hasRollups = false;
+    without.hasAggregates = false;
     with.Write(folder.Path("with.cub"));
     without.Write(folder.Path("without.cub"));
     const auto first = CubeFile::Open(folder.Path("with.cub")),
@@ -491,8 +496,8 @@ TEST(CubeFile, DoesWithoutRollups) {
     EXPECT_EQ(OpenFault(folder.Path("with.cub")), "no fault");
     EXPECT_EQ(OpenFault(folder.Path("without.cub")), "no fault");
     EXPECT_EQ(Answers(first->Cubes()[0]), Answers(second->Cubes()[0]));
-    ASSERT_NE(first->Cubes()[0].Facts().Rollups(), nullptr);
-    EXPECT_EQ(second->Cubes()[0].Facts().Rollups(), nullptr);
+    ASSERT_NE(first->Cubes()[0].Facts().Aggregates(), nullptr);
+    EXPECT_EQ(second->Cubes()[0].Facts().Aggregates(), nullptr);
 }
 
 TEST(CubeFile, AppearsOnlyWhenItIsComplete) {

@@ -1,4 +1,4 @@
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 
@@ -24,7 +24,7 @@ SmallCube LargerCube() {
     cube.model.projections = {{{0}, {0, rows, rows}}};
     cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
     cube.values = {std::vector<std::int8_t>(rows, 1)};
-    cube.hasRollups = false;
+    cube.hasAggregates = false;
     return cube;
 }
 

@@ -1,5 +1,5 @@
-#include "engine/EngineError.h"
-#include "engine/storage/CubeFile.h"
+#include "qel/engine/CubeFile.h"
+#include "qel/engine/EngineError.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 
@@ -127,7 +127,7 @@ TEST(SharedFile, VerifyReadsEveryCubeAndNamesTheOneAtFault) {
         {"facts that differ", [](SmallCube& cube) { cube.values[1][0] = 8; },
          "cube Two: sort orders 1 and 2 hold different facts"},
         {"a code out of range", [](SmallCube& cube) { cube.keys[0][1][2] = 2; },
-         "cube Two, sort order 1: a slot has bits of no key column"},
+         "cube Two, sort order 1: a packed column has bits of no key column"},
         {"members at fault", [](SmallCube& cube) { cube.Accounts().names.bytes[0] = '\xFF'; }, "not UTF-8"},
     };
     const TemporaryFolder folder;

@@ -1,7 +1,7 @@
 #include "tests/engine/storage/SmallCube.h"
 
-#include "engine/storage/Cube.h"
-#include "engine/storage/RollupWriter.h"
+#include "engine/storage/AggregateWriter.h"
+#include "qel/engine/Cube.h"
 
 #include <algorithm>
 #include <span>
@@ -51,39 +51,39 @@ SmallCube::SmallCube() {
     model.dimensions = {{"Accounts", "Accounts", false, {MakeAccounts()}},
                         {"Firm", "Firm", false, {MakeFirms()}}};
     model.keyColumns = {{"account", 2, 1, 0, 0}, {"firm", 2, 1, 1, 0}};
-    model.measures = {{"Amount", "Amount", Aggregate::Sum, 2, 1, 1},
-                      {"Lines", "Lines", Aggregate::Count, 0, 0, 1}};
+    model.measures = {{"Amount", "Amount", AggregateFunction::Sum, 2, 1, 1},
+                      {"Lines", "Lines", AggregateFunction::Count, 0, 0, 1}};
     model.rowCount = 3;
     model.projections = {{{0, 1}, {0, 1, 3}}, {{1}, {0, 2, 3}}};
     keys = {{{0, 1, 1}, {0, 0, 1}}, {{1, 0, 1}, {0, 0, 1}}};
     values = {{5, -7, 9}, {-7, 5, 9}};
 
-    rollups.wordColumns = {{1, 0, 1}};
-    rollups.granules = {0, 1};
-    rollups.records = {{{}, 2, 0, 3, 1}, {{0, RollupKey::noColumn, {1, 2}, {}}, 0, 0, 2}};
-    rollups.rows = 2;
-    rollups.stripWords = {0, 1, 0};
-    rollups.stripPeriods = {1, 1, 1};
-    rollups.stripEntries = {0, 1, 2, 3};
-    rollups.sums = {{-2, 9, 7}, {}};
-    rollups.counts = {2, 1, 3};
-    rollupFirms = {0, 1};
-    rollupValues = {-7, 9};
+    aggregates.packedKeyColumns = {{1, 0, 1}};
+    aggregates.timeBuckets = {0, 1};
+    aggregates.records = {{{}, 2, 0, 3, 1}, {{0, AggregateKey::noColumn, {1, 2}, {}}, 0, 0, 2}};
+    aggregates.rows = 2;
+    aggregates.packedKeys = {0, 1, 0};
+    aggregates.bucketMasks = {1, 1, 1};
+    aggregates.prefixStarts = {0, 1, 2, 3};
+    aggregates.sums = {{-2, 9, 7}, {}};
+    aggregates.counts = {2, 1, 3};
+    aggregateFirms = {0, 1};
+    aggregateValues = {-7, 9};
 }
 
 void SmallCube::SumByAccounts() {
-    rollups.timeColumn = 0;
-    rollups.granules = {0, 1, 2};
-    rollups.records.resize(1);
-    rollups.records[0].merged = 0;
-    rollups.rows = 0;
-    rollups.stripWords = {0, 1};
-    rollups.stripPeriods = {3, 2};
-    rollups.stripEntries = {0, 2, 3};
-    rollups.sums = {{5, -2, 9}, {}};
-    rollups.counts = {1, 2, 1};
-    rollupFirms.clear();
-    rollupValues.clear();
+    aggregates.timeColumn = 0;
+    aggregates.timeBuckets = {0, 1, 2};
+    aggregates.records.resize(1);
+    aggregates.records[0].coarserKeyCount = 0;
+    aggregates.rows = 0;
+    aggregates.packedKeys = {0, 1};
+    aggregates.bucketMasks = {3, 2};
+    aggregates.prefixStarts = {0, 2, 3};
+    aggregates.sums = {{5, -2, 9}, {}};
+    aggregates.counts = {1, 2, 1};
+    aggregateFirms.clear();
+    aggregateValues.clear();
 }
 
 void SmallCube::AddTo(CubeFileWriter& writer) const {
@@ -94,7 +94,7 @@ void SmallCube::AddTo(CubeFileWriter& writer) const {
             if (!sortOrder.empty() && sortOrder.front() == column) {
                 continue; // its place says a row's leading code
             }
-            writer.BeginSlots(cube, order, column);
+            writer.BeginPackedColumn(cube, order, column);
             writer.Append(std::as_bytes(std::span(keys[order][column])));
             writer.End();
         }
@@ -102,20 +102,20 @@ void SmallCube::AddTo(CubeFileWriter& writer) const {
         writer.Append(std::as_bytes(std::span(values[order])));
         writer.End();
     }
-    if (!hasRollups) {
+    if (!hasAggregates) {
         return;
     }
-    WriteRollups(rollups, model, cube, writer);
+    WriteAggregates(aggregates, model, cube, writer);
     using format::SectionKind;
-    writer.Begin({static_cast<std::uint32_t>(SectionKind::RollupSlots), cube, 0, 1});
-    writer.Append(std::as_bytes(std::span(rollupFirms)));
+    writer.Begin({static_cast<std::uint32_t>(SectionKind::AggregatePackedColumns), cube, 0, 1});
+    writer.Append(std::as_bytes(std::span(aggregateFirms)));
     writer.End();
-    if (rollups.timeColumn) {
-        writer.Begin({static_cast<std::uint32_t>(SectionKind::RollupSlots), cube, 0, 0});
+    if (aggregates.timeColumn) {
+        writer.Begin({static_cast<std::uint32_t>(SectionKind::AggregatePackedColumns), cube, 0, 0});
         writer.End();
     }
-    writer.Begin({static_cast<std::uint32_t>(SectionKind::RollupValues), cube, 0, 0});
-    writer.Append(std::as_bytes(std::span(rollupValues)));
+    writer.Begin({static_cast<std::uint32_t>(SectionKind::AggregateValues), cube, 0, 0});
+    writer.Append(std::as_bytes(std::span(aggregateValues)));
     writer.End();
 }
 

@@ -17,13 +17,13 @@ struct SmallCube {
     std::vector<std::vector<std::vector<std::uint8_t>>> keys;
     std::vector<std::vector<std::int8_t>> values;
     /// All facts in strips by firm and merged, and those of account 1 as rows.
-    RollupModel rollups;
-    std::vector<std::uint8_t> rollupFirms;
-    std::vector<std::int8_t> rollupValues;
-    bool hasRollups = true;
+    AggregateModel aggregates;
+    std::vector<std::uint8_t> aggregateFirms;
+    std::vector<std::int8_t> aggregateValues;
+    bool hasAggregates = true;
 
     SmallCube();
-    /// Lets the accounts be the rollups' time, of two granules, and the strips be the only rollup.
+    /// Lets the accounts be the aggregates' time, of two buckets, and the strips be the only aggregate.
     void SumByAccounts();
     HierarchyModel& Accounts() { return model.dimensions[0].hierarchies[0]; }
     /// Adds this cube and its facts to a file of several.

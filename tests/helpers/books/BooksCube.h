@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/build/BuildCube.h"
+#include "qel/engine/BuildCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <filesystem>

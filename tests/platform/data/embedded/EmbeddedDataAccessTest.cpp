@@ -1,11 +1,16 @@
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 
-#include "engine/EngineError.h"
+#include "platform/data/embedded/ProviderErrors.h"
 #include "platform/value/AutomationError.h"
 #include "tests/helpers/ErrorOf.h"
 #include "tests/helpers/books/BooksCube.h"
 
+#include <fmt/format.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <fstream>
+#include <sstream>
 
 namespace qel {
 namespace {
@@ -191,13 +196,39 @@ TEST_F(EmbeddedDataAccessTest, ACellsetGivesMembersAndCells) {
 TEST_F(EmbeddedDataAccessTest, AStatementsFaultKeepsTheEnginesNumberAndText) {
     const auto number = [&](const std::string& statement) { return ErrorOf([&] { Run(statement); }); };
     EXPECT_EQ(number("SELECT {[Firma].[99]} ON 0 FROM BooksFNC"),
-              static_cast<std::int32_t>(engine::ErrorKind::UnknownMember));
-    EXPECT_EQ(number("SELECT FRM BooksFNC"), static_cast<std::int32_t>(engine::ErrorKind::SyntaxError));
+              ErrorNumberOf(engine::ErrorKind::UnknownMember));
+    EXPECT_EQ(number("SELECT FRM BooksFNC"), ErrorNumberOf(engine::ErrorKind::SyntaxError));
     EXPECT_NE(DescriptionOf([&] { Run("SELECT {[Firma].[99]} ON 0 FROM BooksFNC"); }).find("99"),
               std::string::npos);
     const auto cellset = dataAccess_.CreateCellset();
     EXPECT_EQ(ErrorOf([&] { cellset->Open("SELECT FROM BooksFNC", nullptr); }), 3709);
     EXPECT_EQ(ErrorOf([&] { cellset->Open("SELECT FROM BooksFNC", dataAccess_.CreateConnection()); }), 3709);
+}
+
+TEST(ProviderErrors, HaveTheDocumentedNumbers) {
+    using engine::ErrorKind;
+    const std::pair<const char*, ErrorKind> kinds[] = {
+        {"FileNotFound", ErrorKind::FileNotFound},
+        {"NotACubeFile", ErrorKind::NotACubeFile},
+        {"UnsupportedVersion", ErrorKind::UnsupportedVersion},
+        {"DamagedFile", ErrorKind::DamagedFile},
+        {"UnknownCube", ErrorKind::UnknownCube},
+        {"UnknownName", ErrorKind::UnknownName},
+        {"UnknownMember", ErrorKind::UnknownMember},
+        {"SyntaxError", ErrorKind::SyntaxError},
+        {"InvalidExpression", ErrorKind::InvalidExpression},
+        {"TooLarge", ErrorKind::TooLarge},
+        {"InvalidDefinition", ErrorKind::InvalidDefinition},
+        {"InvalidData", ErrorKind::InvalidData},
+        {"CannotWrite", ErrorKind::CannotWrite},
+    };
+    std::ostringstream page;
+    page << std::ifstream(QEL_ERRORS_PAGE).rdbuf();
+    for (const auto& [name, kind] : kinds) {
+        const auto number = ErrorNumberOf(kind);
+        EXPECT_THAT(page.str(), testing::HasSubstr(fmt::format("| {} | `0x{:X}` | {} |", name,
+                                                               static_cast<std::uint32_t>(number), number)));
+    }
 }
 
 TEST_F(EmbeddedDataAccessTest, ObjectsOutliveWhatTheyCameFrom) {

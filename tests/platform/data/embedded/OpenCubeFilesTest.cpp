@@ -1,6 +1,6 @@
 #include "platform/data/embedded/OpenCubeFiles.h"
 
-#include "engine/EngineError.h"
+#include "platform/data/embedded/ProviderErrors.h"
 #include "platform/value/AutomationError.h"
 #include "tests/helpers/books/BooksCube.h"
 
@@ -108,15 +108,14 @@ TEST(OpenCubeFiles, TellsWhatIsWrongWithASource) {
         std::int32_t number;
         const char* part;
     };
-    const auto number = [](ErrorKind kind) { return static_cast<std::int32_t>(kind); };
     const Case cases[] = {
-        {folder.Path("none.cub").string(), number(ErrorKind::FileNotFound), "does not exist"},
-        {(folder.Path("empty.cub") / "x").string(), number(ErrorKind::FileNotFound), "x'"},
-        {folder.Path("folder.cub").string(), number(ErrorKind::FileNotFound), "is a folder"},
-        {"/dev/null", number(ErrorKind::FileNotFound), "not an ordinary file"},
-        {folder.Path("empty.cub").string(), number(ErrorKind::NotACubeFile), "is empty"},
-        {folder.Path("text.cub").string(), number(ErrorKind::NotACubeFile), "qel cube build"},
-        {folder.Path("cut.cub").string(), number(ErrorKind::DamagedFile), "cut.cub"},
+        {folder.Path("none.cub").string(), ErrorNumberOf(ErrorKind::FileNotFound), "does not exist"},
+        {(folder.Path("empty.cub") / "x").string(), ErrorNumberOf(ErrorKind::FileNotFound), "x'"},
+        {folder.Path("folder.cub").string(), ErrorNumberOf(ErrorKind::FileNotFound), "is a folder"},
+        {"/dev/null", ErrorNumberOf(ErrorKind::FileNotFound), "not an ordinary file"},
+        {folder.Path("empty.cub").string(), ErrorNumberOf(ErrorKind::NotACubeFile), "is empty"},
+        {folder.Path("text.cub").string(), ErrorNumberOf(ErrorKind::NotACubeFile), "qel cube build"},
+        {folder.Path("cut.cub").string(), ErrorNumberOf(ErrorKind::DamagedFile), "cut.cub"},
         {"HTTPS://server/msmdpump.dll", static_cast<std::int32_t>(0x80040E6F),
          "is the address of a server, where a cube file is needed"},
     };

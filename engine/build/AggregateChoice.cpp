@@ -1,0 +1,259 @@
+#include "engine/build/AggregateChoice.h"
+
+#include "engine/build/AggregateLayout.h"
+#include "engine/build/MemberSets.h"
+
+#include <algorithm>
+#include <map>
+#include <numeric>
+#include <set>
+#include <span>
+#include <utility>
+
+namespace qel::engine {
+
+namespace {
+
+/// What reading costs, in nanoseconds: a row of a run, and finding a run inside the rows of a leading code.
+constexpr double rowCost = 0.5, searchCost = 300;
+/// Questions that cost less than this are left to the sort orders.
+constexpr double leastCost = 2000;
+/// What aggregates may add to the file, in bytes a fact.
+constexpr double budgetPerFact = 88;
+/// A record and its share of the lookup table.
+constexpr std::uint64_t recordBytes = 60;
+
+struct Candidate {
+    ChosenAggregate aggregate;
+    double cost = 0;
+};
+
+/// How many facts each code has, added up.
+std::vector<std::uint64_t> CountUp(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
+    std::vector<std::uint64_t> counts(std::size_t{codeCount} + 1);
+    for (const std::uint32_t code : codes) {
+        ++counts[std::size_t{code} + 1];
+    }
+    std::partial_sum(counts.begin(), counts.end(), counts.begin());
+    return counts;
+}
+
+using RunningCounts = std::vector<std::uint64_t>;
+
+std::uint64_t RowsUnder(const RunningCounts& counts, CodeRanges ranges) {
+    std::uint64_t rows = 0;
+    for (const KeyRange range : ranges) {
+        rows += counts[range.last] - counts[range.first];
+    }
+    return rows;
+}
+
+/// A column that leads a sort order: its sets that are costly even though their facts are few runs.
+struct Lead {
+    RunningCounts counts; ///< by code
+    std::vector<KeyRange> sets;
+};
+
+class AggregateChooser {
+public:
+    AggregateChooser(const CubeModel& model, const FactColumns& facts, const AggregateModel& aggregates)
+        : model_(model), facts_(facts), aggregates_(aggregates), groups_(aggregates.Groups()) {}
+
+    std::vector<ChosenAggregate> Run();
+
+private:
+    void FindLeads();
+    void AddSingles();
+    void AddPairs(std::uint16_t lead, std::uint16_t second);
+    void AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
+                    const std::vector<KeyRange>& secondSets, std::span<const std::uint32_t> rows);
+    std::vector<ChosenAggregate> TakeBest();
+    std::uint64_t Bytes(std::uint64_t rows) const;
+    /// The rows in the order of the column's codes.
+    std::vector<std::uint32_t> Sorted(std::uint16_t column) const;
+
+    const CubeModel& model_;
+    const FactColumns& facts_;
+    const AggregateModel& aggregates_;
+    const CodeGroups groups_;
+    std::map<std::uint16_t, Lead> leads_;
+    std::vector<Candidate> candidates_;
+};
+
+std::vector<ChosenAggregate> AggregateChooser::Run() {
+    FindLeads();
+    AddSingles();
+    std::set<std::pair<std::uint16_t, std::uint16_t>> done;
+    for (const ProjectionModel& projection : model_.projections) {
+        if (projection.sortOrder.size() < 2) {
+            continue;
+        }
+        const std::uint16_t lead = projection.sortOrder[0], second = projection.sortOrder[1];
+        if (leads_.count(lead) != 0 && IsAggregateKey(aggregates_, second) &&
+            done.insert(std::minmax(lead, second)).second) {
+            AddPairs(lead, second);
+        }
+    }
+    return TakeBest();
+}
+
+void AggregateChooser::FindLeads() {
+    for (const ProjectionModel& projection : model_.projections) {
+        const std::uint16_t column = projection.sortOrder.front();
+        if (!IsAggregateKey(aggregates_, column) || leads_.count(column) != 0) {
+            continue;
+        }
+        Lead lead;
+        lead.counts = CountUp(facts_.keys[column], model_.keyColumns[column].codes);
+        lead.sets = MemberSets(model_, groups_, column);
+        std::erase_if(lead.sets, [&](const KeyRange& set) {
+            return static_cast<double>(RowsUnder(lead.counts, groups_.Ranges(set))) * rowCost < leastCost;
+        });
+        leads_.emplace(column, std::move(lead));
+    }
+}
+
+void AggregateChooser::AddSingles() {
+    const auto rows = facts_.rowCount;
+    if (static_cast<double>(rows) * rowCost >= leastCost) {
+        candidates_.push_back({{{}, {}, {}, {}, rows}, static_cast<double>(rows) * rowCost});
+    }
+    for (const auto& [column, lead] : leads_) {
+        for (const KeyRange& set : lead.sets) {
+            const std::uint64_t under = RowsUnder(lead.counts, groups_.Ranges(set));
+            candidates_.push_back({{column, {}, set, {}, under}, static_cast<double>(under) * rowCost});
+        }
+    }
+}
+
+void AggregateChooser::AddPairs(std::uint16_t lead, std::uint16_t second) {
+    const std::vector<std::uint32_t> sorted = Sorted(lead);
+    const auto ownLead = leads_.find(second);
+    const std::vector<KeyRange> secondSets =
+        ownLead == leads_.end() ? MemberSets(model_, groups_, second) : ownLead->second.sets;
+    const auto& counts = leads_[lead].counts;
+    std::vector<std::uint32_t> rows;
+    for (const KeyRange& set : leads_[lead].sets) {
+        rows.clear();
+        for (const KeyRange range : groups_.Ranges(set)) {
+            const auto at = [&](std::uint32_t code) {
+                return sorted.begin() + static_cast<std::ptrdiff_t>(counts[code]);
+            };
+            rows.insert(rows.end(), at(range.first), at(range.last));
+        }
+        AddPairsOf(lead, set, second, secondSets, rows);
+    }
+}
+
+void AggregateChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
+                                  const std::vector<KeyRange>& secondSets,
+                                  std::span<const std::uint32_t> rows) {
+    const auto& secondCodes = facts_.keys[second];
+    RunningCounts counts(std::size_t{model_.keyColumns[second].codes} + 1);
+    for (const std::uint32_t row : rows) {
+        ++counts[std::size_t{secondCodes[row]} + 1];
+    }
+    std::partial_sum(counts.begin(), counts.end(), counts.begin());
+    const bool isSearchable =
+        std::any_of(model_.projections.begin(), model_.projections.end(), [&](const auto& other) {
+            return other.sortOrder.size() > 1 && other.sortOrder[0] == second && other.sortOrder[1] == lead;
+        });
+    const CodeRanges leadRanges = groups_.Ranges(leadCodes);
+    const auto searchAll = [](CodeRanges outer, CodeRanges inner) {
+        return static_cast<double>(CountCodes(outer) * inner.size()) * searchCost;
+    };
+    for (const KeyRange& set : secondSets) {
+        const CodeRanges ranges = groups_.Ranges(set);
+        const std::uint64_t under = RowsUnder(counts, ranges);
+        const double reading = static_cast<double>(under) * rowCost;
+        double cost =
+            std::min(static_cast<double>(rows.size()) * rowCost, searchAll(leadRanges, ranges) + reading);
+        if (isSearchable) {
+            cost = std::min(cost, searchAll(ranges, leadRanges) + reading);
+        }
+        if (cost >= leastCost) {
+            candidates_.push_back({{lead, second, leadCodes, set, under}, cost});
+        }
+    }
+}
+
+std::vector<ChosenAggregate> AggregateChooser::TakeBest() {
+    std::stable_sort(candidates_.begin(), candidates_.end(),
+                     [](const Candidate& left, const Candidate& right) { return left.cost > right.cost; });
+    auto budget = static_cast<std::uint64_t>(budgetPerFact * static_cast<double>(facts_.rowCount));
+    std::vector<ChosenAggregate> chosen;
+    for (const Candidate& candidate : candidates_) {
+        const std::uint64_t bytes = Bytes(candidate.aggregate.rows);
+        if (bytes > budget) {
+            continue;
+        }
+        budget -= bytes;
+        chosen.push_back(candidate.aggregate);
+    }
+    return chosen;
+}
+
+std::uint64_t AggregateChooser::Bytes(std::uint64_t rows) const {
+    // Strips have an entry for each of the facts, or for all combinations that there can be.
+    std::uint64_t merged = 0, cells = aggregates_.timeBuckets.size() - 1;
+    for (const AggregateTable::PackedKeyColumn& part : aggregates_.packedKeyColumns) {
+        merged = cells; // all codes of the last column together
+        cells = std::min(rows + 1, cells * std::max(1U, model_.keyColumns[part.column].codes));
+    }
+    return recordBytes + std::min(rows * AggregateRowBytes(model_, aggregates_),
+                                  (std::min(rows, cells) + std::min(rows, merged)) * PrefixSumBytes(model_));
+}
+
+std::vector<std::uint32_t> AggregateChooser::Sorted(std::uint16_t column) const {
+    const auto& codes = facts_.keys[column];
+    std::vector<std::uint64_t> place = leads_.at(column).counts;
+    std::vector<std::uint32_t> rows(facts_.rowCount);
+    for (std::uint32_t row = 0; row < facts_.rowCount; ++row) {
+        rows[place[codes[row]]++] = row;
+    }
+    return rows;
+}
+
+} // namespace
+
+AggregateKey ChosenAggregate::Key() const {
+    AggregateKey key;
+    if (lead) {
+        key.Add(*lead, leadCodes);
+    }
+    if (second) {
+        key.Add(*second, secondCodes);
+    }
+    return key;
+}
+
+std::vector<ChosenAggregate> ChooseAggregates(const CubeModel& model, const FactColumns& facts,
+                                              const AggregateModel& aggregates) {
+    return AggregateChooser(model, facts, aggregates).Run();
+}
+
+std::uint64_t AggregateRowBytes(const CubeModel& model, const AggregateModel& aggregates) {
+    std::map<std::uint16_t, std::uint64_t> columns;
+    for (const AggregateTable::PackedKeyColumn& part : aggregates.packedKeyColumns) {
+        columns[model.keyColumns[part.column].packedColumn] = model.keyColumns[part.column].width;
+    }
+    if (aggregates.timeColumn) {
+        columns[model.keyColumns[*aggregates.timeColumn].packedColumn] =
+            model.keyColumns[*aggregates.timeColumn].width;
+    }
+    std::uint64_t bytes = 0;
+    for (const auto& [packedColumn, width] : columns) {
+        bytes += width;
+    }
+    for (const Measure& measure : model.measures) {
+        bytes += measure.width;
+    }
+    return bytes;
+}
+
+std::uint64_t PrefixSumBytes(const CubeModel& model) {
+    constexpr std::uint64_t bytesEach = 4; // at least
+    return model.measures.size() * bytesEach;
+}
+
+} // namespace qel::engine

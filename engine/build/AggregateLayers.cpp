@@ -1,0 +1,98 @@
+#include "engine/build/AggregateLayers.h"
+
+#include <algorithm>
+#include <iterator>
+#include <numeric>
+#include <tuple>
+
+namespace qel::engine {
+
+namespace {
+
+/// Of the aggregate of all facts, one range that nothing is asked of.
+CodeRanges LeadRanges(const ChosenAggregate& aggregate, const CodeGroups& groups) {
+    return aggregate.lead ? groups.Ranges(aggregate.leadCodes) : CodeRanges(&aggregate.leadCodes, 1);
+}
+
+} // namespace
+
+bool AggregateLayer::IsFree(CodeRanges ranges) const {
+    return std::all_of(ranges.begin(), ranges.end(), [&](KeyRange range) {
+        const auto behind = taken.lower_bound(range.last);
+        return behind == taken.begin() || std::prev(behind)->second <= range.first;
+    });
+}
+
+void AggregateLayer::Add(KeyRange set, CodeRanges ranges) {
+    sets.push_back(set);
+    aggregates.emplace_back();
+    for (const KeyRange range : ranges) {
+        taken.emplace(range.first, range.last);
+    }
+}
+
+RowNumbers AggregateLayer::Distribute(std::span<const std::uint32_t> rows,
+                                      const std::vector<std::uint32_t>& codes, const CodeGroups& groups,
+                                      std::vector<std::size_t>& place) const {
+    // Codes behind the last range belong to no set, as those between ranges do.
+    std::vector<std::uint32_t> setOf(taken.rbegin()->second + std::size_t{1},
+                                     static_cast<std::uint32_t>(sets.size()));
+    for (std::uint32_t i = 0; i < sets.size(); ++i) {
+        for (const KeyRange range : groups.Ranges(sets[i])) {
+            std::fill(setOf.begin() + range.first, setOf.begin() + range.last, i);
+        }
+    }
+    const auto setAt = [&](std::uint32_t row) {
+        return setOf[std::min<std::size_t>(codes[row], setOf.size() - 1)];
+    };
+    place.assign(sets.size() + 2, 0);
+    for (const std::uint32_t row : rows) {
+        ++place[setAt(row) + std::size_t{1}];
+    }
+    std::partial_sum(place.begin(), place.end(), place.begin());
+    RowNumbers distributed(rows.size());
+    std::vector<std::size_t> next = place;
+    for (const std::uint32_t row : rows) {
+        distributed[next[setAt(row)]++] = row;
+    }
+    return distributed;
+}
+
+std::vector<AggregateLayer> MakeAggregateLayers(const std::vector<ChosenAggregate>& chosen,
+                                                const CodeGroups& groups) {
+    std::vector<const ChosenAggregate*> order;
+    order.reserve(chosen.size());
+    for (const ChosenAggregate& aggregate : chosen) {
+        order.push_back(&aggregate);
+    }
+    // Large sets before those inside them, and one set's aggregates together.
+    const auto place = [&](const ChosenAggregate* aggregate) {
+        const CodeRanges ranges = LeadRanges(*aggregate, groups);
+        return std::tuple(aggregate->lead, ranges.front().first, ~ranges.back().last,
+                          aggregate->leadCodes.first, aggregate->leadCodes.last);
+    };
+    std::stable_sort(order.begin(), order.end(),
+                     [&](const ChosenAggregate* left, const ChosenAggregate* right) {
+                         return place(left) < place(right);
+                     });
+    std::vector<AggregateLayer> layers;
+    AggregateLayer* last = nullptr; // that a set was put into
+    for (const ChosenAggregate* aggregate : order) {
+        if (last == nullptr || last->column != aggregate->lead ||
+            !(last->sets.back() == aggregate->leadCodes)) {
+            const CodeRanges ranges = LeadRanges(*aggregate, groups);
+            auto layer = std::find_if(layers.begin(), layers.end(), [&](const AggregateLayer& each) {
+                return each.column == aggregate->lead && each.IsFree(ranges);
+            });
+            if (layer == layers.end()) {
+                layer = layers.insert(layers.end(), AggregateLayer{aggregate->lead, {}, {}, {}});
+            }
+            layer->Add(aggregate->leadCodes, ranges);
+            last = &*layer;
+        }
+        last->aggregates.back().push_back(aggregate);
+    }
+    return layers;
+}
+
+} // namespace qel::engine

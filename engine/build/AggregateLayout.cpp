@@ -1,0 +1,91 @@
+#include "engine/build/AggregateLayout.h"
+
+#include <algorithm>
+#include <bit>
+
+namespace qel::engine {
+
+namespace {
+
+/// More buckets than this would leave strips with little to share.
+constexpr std::size_t mostBuckets = 400;
+/// One less than a word has: a column of one code takes no bits, and would be shifted by all 32.
+constexpr unsigned keyBits = 31;
+/// A column of more bits has groups of members that are asked for; it is a key of aggregates instead.
+constexpr unsigned mostBitsInKey = 5;
+
+const HierarchyModel* TimeHierarchy(const CubeModel& model) {
+    for (const DimensionModel& dimension : model.dimensions) {
+        if (dimension.isTime && dimension.hierarchies.front().keyColumn) {
+            return &dimension.hierarchies.front();
+        }
+    }
+    return nullptr;
+}
+
+/// The members of the finest level that is not too fine. Every level of a calendar covers all of it.
+std::vector<std::uint32_t> TimeBucketsOf(const HierarchyModel& time, std::uint32_t codes) {
+    std::vector<std::uint32_t> buckets;
+    std::uint32_t levelEnd = static_cast<std::uint32_t>(time.parents.size());
+    for (auto level = time.levels.rbegin(); level != time.levels.rend() && buckets.empty(); ++level) {
+        const std::uint32_t first = levelEnd - level->memberCount;
+        for (std::uint32_t member = first; member < levelEnd && level->memberCount <= mostBuckets; ++member) {
+            buckets.push_back(time.ranges[time.rangeOffsets[member]].first);
+        }
+        levelEnd = first;
+    }
+    buckets.push_back(codes);
+    if (buckets.front() != 0) {
+        buckets.insert(buckets.begin(), 0);
+    }
+    return buckets;
+}
+
+} // namespace
+
+AggregateModel LayOutAggregates(const CubeModel& model) {
+    AggregateModel aggregates;
+    aggregates.timeBuckets = {0, 1};
+    if (const HierarchyModel* time = TimeHierarchy(model)) {
+        aggregates.timeColumn = time->keyColumn;
+        aggregates.timeBuckets = TimeBucketsOf(*time, model.keyColumns[*time->keyColumn].codes);
+    }
+    const auto blocks =
+        static_cast<std::uint32_t>((aggregates.timeBuckets.size() - 2) / AggregateTable::blockBuckets);
+    aggregates.blockBits = static_cast<std::uint8_t>(std::bit_width(blocks));
+    std::vector<std::uint16_t> narrow;
+    for (std::size_t i = 0; i < model.keyColumns.size(); ++i) {
+        if (model.keyColumns[i].Bits() <= mostBitsInKey && i != aggregates.timeColumn) {
+            narrow.push_back(static_cast<std::uint16_t>(i));
+        }
+    }
+    std::stable_sort(narrow.begin(), narrow.end(), [&](auto left, auto right) {
+        return model.keyColumns[left].Bits() < model.keyColumns[right].Bits();
+    });
+    unsigned end = aggregates.blockBits;
+    for (const std::uint16_t column : narrow) {
+        const unsigned bits = model.keyColumns[column].Bits();
+        if (end + bits > keyBits) {
+            break;
+        }
+        aggregates.packedKeyColumns.push_back({column, 0, static_cast<std::uint8_t>(bits)});
+        end += bits;
+    }
+    // The column of most codes is the lowest: strips that differ in it alone, which a question that leaves
+    // it out reads together, are neighbours.
+    for (AggregateTable::PackedKeyColumn& part : aggregates.packedKeyColumns) {
+        end -= part.bits;
+        part.shift = static_cast<std::uint8_t>(end);
+    }
+    aggregates.sums.resize(model.measures.size());
+    return aggregates;
+}
+
+bool IsAggregateKey(const AggregateModel& aggregates, std::size_t keyColumn) {
+    const auto& parts = aggregates.packedKeyColumns;
+    return keyColumn != aggregates.timeColumn &&
+           std::none_of(parts.begin(), parts.end(),
+                        [&](const auto& part) { return part.column == keyColumn; });
+}
+
+} // namespace qel::engine
