@@ -45,7 +45,7 @@ def included(entry, includes):
 
 def rules():
     version = subprocess.run(["clang-tidy", "--version"], capture_output=True, check=True).stdout
-    return hashlib.sha256(version + (ROOT / ".clang-tidy").read_bytes())
+    return hashlib.sha256(version + b"".join((ROOT / folder / ".clang-tidy").read_bytes() for folder in ("", "tests")))
 
 
 def fingerprint(base, command, paths):
