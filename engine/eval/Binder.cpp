@@ -119,7 +119,7 @@ Bound Binder::BindNamedSet(const NamedSet& named) const {
         named.set->IsConstant(), named.set->GetDimensionality(),
         [set = named.set, tuples = named.tuples](Evaluator& evaluator, TupleSet& result) {
             if (!*tuples) {
-                *tuples = TupleSet{set->GetDimensionality(), {}}; // empty while it is being evaluated
+                *tuples = TupleSet{set->GetDimensionality(), {}}; // a set that refers to itself sees it empty
                 *tuples = set->Evaluate(evaluator);
             }
             result.Append(**tuples);
@@ -159,7 +159,7 @@ Bound Binder::BindTuple(NodeId id) {
         hasSet = hasSet || IsSet(elements.back());
     }
     NodeId child = At(id).firstChild;
-    if (hasSet) { // ({a, b}, {c, d}) is the cross join
+    if (hasSet) { // ({a, b}, {c, d}) is a cross join
         SetPtr joined;
         for (Bound& element : elements) {
             SetPtr set = ToSet(std::move(element), child);

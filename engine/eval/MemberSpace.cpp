@@ -1,5 +1,6 @@
 #include "engine/eval/MemberSpace.h"
 
+#include "engine/storage/BracketedName.h"
 #include "text/CaseFold.h"
 
 namespace qel::engine {
@@ -61,7 +62,7 @@ MemberRange MemberSpace::DescendantsAt(MemberRef member, std::size_t level) cons
         return {};
     }
     MemberRange range{member.id, member.id + 1};
-    // Neighbours have neighbouring children, so the descendants on every level are one range.
+    // Children of consecutive members are consecutive, so the descendants on each level are one range.
     for (; at < level && range.Count() > 0; ++at) {
         range = {Children({member.hierarchy, range.first}).first,
                  Children({member.hierarchy, range.last - 1}).last};
@@ -111,7 +112,7 @@ std::string MemberSpace::UniqueName(MemberRef member) const {
     if (!IsMeasures(member.hierarchy) && !IsCalculated(member.id)) {
         return Stored(member.hierarchy).MemberUniqueName(member.id);
     }
-    return HierarchyUniqueName(member.hierarchy) + "." + mdx::Bracketed(Name(member));
+    return HierarchyUniqueName(member.hierarchy) + "." + BracketedName(Name(member));
 }
 
 std::optional<std::size_t> MemberSpace::KeyColumn(HierarchyId hierarchy) const {

@@ -2,7 +2,7 @@
 
 #include <array>
 
-// Functions that give a number: over a set, or by cases.
+// Functions that return a number, over a set or by condition.
 
 namespace qel::engine {
 
@@ -23,7 +23,7 @@ Bound Sum(Call& call) {
                                       call.binder.ToNumber(std::move(value), call.arguments[1]), member);
 }
 
-/// Calls `take(value)` with the value of every tuple's cell that is not empty, and gives the number of all.
+/// Calls take(value) with every non-empty value of the set's cells. Returns the number of tuples.
 template <class Take>
 std::size_t VisitValues(const SetExpression& set, const NumberExpression* value, Evaluator& evaluator,
                         const Take& take) {

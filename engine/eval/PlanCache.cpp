@@ -52,15 +52,15 @@ std::shared_ptr<const StatementPlan> PlanCache::Find(const View& key) {
 }
 
 void PlanCache::Keep(const View& key, std::shared_ptr<const StatementPlan> plan) {
-    constexpr std::size_t perEntry = 128; // of the table itself
+    constexpr std::size_t perEntry = 128; // overhead of the hash table
     const std::size_t bytes = key.statement.size() + plan->Bytes() + perEntry;
     if (bytes > mostBytes_ / 2) {
         return;
     }
-    Generation forgotten; // freed when nobody waits for it
+    Generation evicted; // freed after the lock is released
     const std::lock_guard lock(mutex_);
     if (recent_.bytes + bytes > mostBytes_ / 2) {
-        forgotten = std::exchange(older_, std::exchange(recent_, Generation{}));
+        evicted = std::exchange(older_, std::exchange(recent_, Generation{}));
     }
     if (recent_.plans.emplace(Key{key.cube, std::string(key.statement), key.hash}, std::move(plan)).second) {
         recent_.bytes += bytes;

@@ -18,7 +18,7 @@ void KeepUnion(const TupleSet& left, const TupleSet& right, TupleSet& result) {
     }
 }
 
-/// The tuples of `left` that are in `right`, or that are not; duplicates once unless `all`.
+/// Appends the tuples of `left` that are (or are not) in `right`, without duplicates unless `all`.
 void KeepWhere(const TupleSet& left, const TupleSet& right, bool isInRight, bool all, TupleSet& result) {
     TupleIndex others;
     for (std::size_t i = 0; i < right.Count(); ++i) {
@@ -32,7 +32,7 @@ void KeepWhere(const TupleSet& left, const TupleSet& right, bool isInRight, bool
     }
 }
 
-/// Negative when `a` comes before `b` in the tree's order.
+/// Negative when `a` comes before `b` in tree order.
 int CompareInTree(const MemberSpace& space, MemberRef a, MemberRef b, bool post) {
     if (a.id == b.id) {
         return 0;
@@ -43,7 +43,7 @@ int CompareInTree(const MemberSpace& space, MemberRef a, MemberRef b, bool post)
     const MemberId ancestorOfA = space.AncestorAt(a, level);
     const MemberId ancestorOfB = space.AncestorAt(b, level);
     if (ancestorOfA != ancestorOfB) {
-        return ancestorOfA < ancestorOfB ? -1 : 1; // numbers follow the tree within a level
+        return ancestorOfA < ancestorOfB ? -1 : 1; // within a level, member numbers follow the tree
     }
     return (levelOfA < levelOfB) != post ? -1 : 1;
 }

@@ -5,7 +5,7 @@
 #include <numeric>
 #include <unordered_map>
 
-// Functions that choose or order a set's tuples by a value that each of them has.
+// Functions that filter or sort a set's tuples by a value.
 
 namespace qel::engine {
 
@@ -47,7 +47,7 @@ Bound Filter(Call& call) {
                    });
 }
 
-/// TopCount and BottomCount: the first `count` after ordering, ties in the set's order.
+/// TopCount and BottomCount: the first `count` tuples after sorting. Ties keep the set's order.
 Bound Extremes(Call& call, int sign) {
     SetPtr set = call.Set(0);
     Dimensionality dimensionality = set->GetDimensionality();
@@ -72,8 +72,8 @@ Bound Extremes(Call& call, int sign) {
 Bound TopCount(Call& call) { return Extremes(call, -1); }
 Bound BottomCount(Call& call) { return Extremes(call, 1); }
 
-/// Sorts a set of members within their families: of two members those ancestors are compared that have one
-/// parent, and a member comes before its descendants.
+/// Sorts members within their families: compares the two ancestors that are siblings; a member comes before
+/// its descendants.
 class FamilySort {
 public:
     FamilySort(Evaluator& evaluator, const NumberExpression& value, HierarchyId hierarchy, int sign)

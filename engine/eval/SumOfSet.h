@@ -7,24 +7,24 @@
 
 namespace qel::engine {
 
-/// A sum over members of one hierarchy that is the same as reading one cell: the members share no facts, so
-/// their codes together are one restriction.
+/// A sum over members of one hierarchy that is a single read of facts: the members share no facts, so their
+/// codes together form one restriction.
 struct Folding {
     HierarchyId hierarchy = 0;
     std::vector<KeyRange> codes;
-    std::optional<MemberId> measure; ///< none: the current one
+    std::optional<MemberId> measure; ///< nothing: the current measure
 };
 
-/// Sum(set, value) and Aggregate: the shape of every statement that sums periods. Duplicates count twice.
+/// Sum(set, value) and Aggregate, which sum periods in most statements. Duplicates count twice.
 class SumOfSet final : public NumberExpression {
 public:
-    /// `value` may be null: the cell itself.
+    /// A null `value` stands for the cell itself.
     SumOfSet(SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember);
 
     CellValue Evaluate(Evaluator& evaluator) const override;
     const SumOfSet* AsSum() const override { return this; }
-    /// The sum as one restriction, or null when it cannot be: the set depends on the cell, has calculated or
-    /// overlapping members, or the value is more than a measure. Made when first asked for.
+    /// The sum as a single restriction, computed on first use. Null when the set depends on the coordinates,
+    /// has calculated or overlapping members, or when the value is more than a measure.
     const Folding* Folded(Evaluator& evaluator) const;
 
 private:
@@ -32,7 +32,7 @@ private:
 
     SetPtr set_;
     NumberPtr value_;
-    std::optional<MemberRef> valueMember_; ///< the value when it is one stored member
+    std::optional<MemberRef> valueMember_; ///< set when the value is a single stored member
     mutable bool foldTried_ = false;
     mutable std::optional<Folding> folding_;
 };

@@ -89,7 +89,7 @@ std::int64_t AmountAt(const std::byte* column, std::uint8_t width, std::uint64_t
     }
 }
 
-/// A run of neighbouring facts.
+/// A block of consecutive facts.
 class FactBlock {
 public:
     FactBlock(const FactTable& facts, RowRange rows) : facts_(facts), rows_(rows) {
@@ -121,7 +121,7 @@ public:
 private:
     std::string AmountText(std::size_t index, std::uint64_t row) const {
         const Measure& measure = facts_.Measures()[index];
-        if (!values_[index]) { // a count, or a sum whose amounts are all nothing
+        if (!values_[index]) { // a count, or a sum with all amounts 0
             return measure.function == AggregateFunction::Count ? "1" : "0";
         }
         return SqlAmount(AmountAt(values_[index], measure.width, row) * measure.unit, measure.decimals);

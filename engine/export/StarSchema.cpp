@@ -6,7 +6,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Letters and digits of the name in lower case, '_' for the rest.
+/// Lower-case letters and digits of the name, '_' for everything else.
 std::string PlainName(std::string_view name) {
     constexpr std::size_t longest = 24;
     std::string plain;

@@ -57,7 +57,7 @@ Cube CubeLoader::Load() {
 
 void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
     facts.keyColumns_.resize(in.GetCount(12));
-    std::vector<std::uint32_t> taken; // bits, by packed column
+    std::vector<std::uint32_t> taken; // bits used so far, by packed column
     for (KeyColumn& column : facts.keyColumns_) {
         column.name = in.GetText();
         column.codes = in.Get<std::uint32_t>();
@@ -66,7 +66,7 @@ void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
         column.shift = in.Get<std::uint8_t>();
         CheckLayout(column, facts, taken);
     }
-    // A packed column of no column has no width either.
+    // A packed column that no key column uses has width 0.
     if (std::find(facts.packedWidths_.begin(), facts.packedWidths_.end(), 0) != facts.packedWidths_.end()) {
         Fail("a packed column belongs to no key column");
     }
@@ -89,7 +89,7 @@ void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
     }
 }
 
-/// Takes the column's bits of its packed column.
+/// Reserves the column's bits in its packed column.
 void CubeLoader::CheckLayout(const KeyColumn& column, FactTable& facts,
                              std::vector<std::uint32_t>& taken) const {
     if (column.packedColumn >= facts.keyColumns_.size()) {
@@ -235,7 +235,7 @@ void CubeLoader::CheckTexts(std::span<const std::uint32_t> offsets, std::string_
 }
 
 void CubeLoader::CheckSlots(std::span<const std::uint32_t> slots, std::size_t count) const {
-    // A search ends at a free slot, so there must be one.
+    // A lookup stops at a free slot, so there must be one.
     const bool isInRange =
         std::all_of(slots.begin(), slots.end(), [count](auto slot) { return slot <= count; });
     if (!std::has_single_bit(slots.size()) || !isInRange ||
@@ -252,7 +252,7 @@ void CubeLoader::CheckTree(const Hierarchy& hierarchy) const {
         !std::is_sorted(columns.firstChild.begin(), columns.firstChild.end())) {
         fail();
     }
-    // The children of a level's members are the members of the next one.
+    // The children of a level's members are exactly the next level.
     for (const Level& level : hierarchy.levels_) {
         if (columns.firstChild[level.members.first] != level.members.last) {
             fail();
@@ -287,7 +287,7 @@ void CubeLoader::CheckRanges(const Hierarchy& hierarchy, std::uint32_t codes) co
             if (range.first < lowest || range.first >= range.last || range.last > codes) {
                 fail();
             }
-            lowest = std::uint64_t{range.last} + 1; // the next may not even be adjacent
+            lowest = std::uint64_t{range.last} + 1; // adjacent ranges would have been one
         }
     }
 }

@@ -9,9 +9,9 @@
 
 namespace qel::engine {
 
-/// Reads one cube of a file. Everything that the cube's accessors later take for granted is checked here:
-/// counts, offsets, the shape of the trees, code ranges, lookup tables, section sizes. Nothing is built per
-/// member; the columns are copied as they are.
+/// Reads one cube of a file and checks everything that the cube's accessors rely on: counts, offsets, trees,
+/// code ranges, lookup tables, section sizes. Member columns are copied as they are stored; no per-member
+/// objects are built.
 class CubeLoader {
 public:
     CubeLoader(FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}

@@ -14,7 +14,7 @@ bool Contains(const std::vector<MemberId>& members, MemberId member) {
     return std::binary_search(members.begin(), members.end(), member);
 }
 
-/// Whether every inner range lies within an outer one; both ascend.
+/// Whether every inner range lies within an outer one. Both ascend.
 bool Covers(std::span<const KeyRange> outer, std::span<const KeyRange> inner) {
     auto place = outer.begin();
     for (const KeyRange& range : inner) {

@@ -419,13 +419,13 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "aggregate 1: its facts are not in order"},
         {"a group of one range",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 1};
+             c.aggregates.groupStarts = {0, 1};
              c.aggregates.groupRanges = {{0, 1}};
          },
          "the groups of codes are not in order"},
         {"ranges of a group that touch",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 2};
+             c.aggregates.groupStarts = {0, 2};
              c.aggregates.groupRanges = {{0, 1}, {1, 2}};
          },
          "the groups of codes are not in order"},
@@ -435,18 +435,18 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "aggregate 2: it differs from the facts"},
         {"an aggregate of no column", [](auto& c) { c.aggregates.records[1].key.firstColumn = 2; },
          "aggregate 2: its key has codes that do not exist"},
-        {"groups without an end", [](auto& c) { Set(c.aggregates.groupPlaces, 0, 2); },
+        {"groups without an end", [](auto& c) { Set(c.aggregates.groupStarts, 0, 2); },
          "the groups of codes"},
         {"groups that overlap",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 2, 1};
+             c.aggregates.groupStarts = {0, 2, 1};
              c.aggregates.groupRanges = {{0, 1}};
          },
          "the groups of codes"},
-        {"no places of groups", [](auto& c) { c.aggregates.groupPlaces.clear(); }, "the groups of codes"},
+        {"no places of groups", [](auto& c) { c.aggregates.groupStarts.clear(); }, "the groups of codes"},
         {"groups that descend",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 2, 4};
+             c.aggregates.groupStarts = {0, 2, 4};
              c.aggregates.groupRanges = {{0, 1}, {3, 4}, {0, 1}, {2, 3}};
          },
          "the groups of codes are not in order"},
@@ -455,7 +455,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "aggregate 2: its key has codes that do not exist"},
         {"an aggregate of a group beyond the codes",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 2};
+             c.aggregates.groupStarts = {0, 2};
              c.aggregates.groupRanges = {{0, 1}, {2, 3}};
              c.aggregates.records[1].key.first = {0, 0};
          },

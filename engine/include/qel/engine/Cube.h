@@ -15,8 +15,8 @@ namespace qel::engine {
 
 class PageVerifier;
 
-/// A member's number in its hierarchy: level by level from the top, in member order within a level. A
-/// parent's children are neighbours, so they are a range of numbers.
+/// A member's number in its hierarchy: level by level from the top, in member order within a level. The
+/// children of a member are consecutive, so they form a range.
 using MemberId = std::uint32_t;
 inline constexpr MemberId noMember = 0xFFFFFFFFU;
 
@@ -35,7 +35,7 @@ struct Level {
     bool isAll = false;
 };
 
-/// The stored columns of a hierarchy's members; spans point to what the file keeps in memory and were checked
+/// The stored columns of a hierarchy's members. The spans view memory that the file owns and that was checked
 /// when it was opened.
 struct MemberColumns {
     std::span<const std::uint32_t> nameOffsets, captionOffsets,
@@ -50,8 +50,8 @@ struct MemberColumns {
     std::span<const std::uint8_t> flags; ///< see format::nameIsShared
 };
 
-/// One hierarchy of a dimension. Its members stand for sets of codes of one key column of the fact table; two
-/// hierarchies over one key column (codes and names of the same accounts) restrict each other.
+/// One hierarchy of a dimension. Each member stands for a set of codes of one key column of the fact table.
+/// Two hierarchies over the same key column (codes and names of the same accounts) restrict each other.
 class Hierarchy {
 public:
     const std::string& Name() const { return name_; }
@@ -62,8 +62,7 @@ public:
     std::size_t DimensionIndex() const { return dimensionIndex_; }
     /// This hierarchy's number in the cube, over all dimensions.
     std::size_t Index() const { return index_; }
-    /// The number of the fact table's key column that the members stand on; none for a dimension without
-    /// facts.
+    /// The key column of the fact table that the members stand for; nothing for a dimension without facts.
     std::optional<std::size_t> KeyColumn() const { return keyColumn_; }
     std::span<const Level> Levels() const { return levels_; }
     bool HasAll() const { return !levels_.empty() && levels_.front().isAll; }
@@ -73,22 +72,22 @@ public:
     std::string_view MemberName(MemberId member) const;
     std::string_view MemberCaption(MemberId member) const;
     std::string_view MemberKey(MemberId member) const;
-    /// "[Dimension].[Hierarchy].[All].[parent].[member]" with "]" doubled; "&[key]" steps where a name is not
-    /// unique among its siblings.
+    /// "[Dimension].[Hierarchy].[All].[parent].[member]" with "]" doubled. A step is written "&[key]" when
+    /// its name is not unique among its siblings.
     std::string MemberUniqueName(MemberId member) const;
     MemberId Parent(MemberId member) const { return columns_.parents[member]; }
     MemberRange Children(MemberId member) const;
     /// The number of the level that the member belongs to.
     std::size_t LevelOf(MemberId member) const;
     /// The codes of the key column that the member stands for: ascending, disjoint, not adjacent. Empty for a
-    /// member without facts' keys, and for every member of a hierarchy without a key column.
+    /// member without facts, and for every member of a hierarchy without a key column.
     std::span<const KeyRange> Ranges(MemberId member) const;
 
     /// All members of that name (any letter case) in ascending order, appended to `found`.
     void FindByName(std::string_view name, std::vector<MemberId>& found) const;
     /// The same by key.
     void FindByKey(std::string_view key, std::vector<MemberId>& found) const;
-    /// The level of that name (any letter case), or none.
+    /// The level of that name (any letter case), or nothing.
     std::optional<std::size_t> FindLevel(std::string_view name) const;
 
 private:
@@ -111,9 +110,8 @@ struct Dimension {
     bool isTime = false;
 };
 
-/// One cube of a file: metadata that was read and checked when the file was opened, and the mapped facts.
-/// Safe for any number of threads. Lives as long as the file does; CubeFile::FindCube hands out shared
-/// ownership.
+/// One cube of a file: metadata, read and checked when the file was opened, and the mapped facts.
+/// Thread-safe. Valid as long as the file is open; CubeFile::FindCube returns shared ownership.
 class Cube {
 public:
     const std::string& Name() const { return name_; }
@@ -121,11 +119,11 @@ public:
     std::span<const Dimension> Dimensions() const { return dimensions_; }
     std::span<const Hierarchy> Hierarchies() const { return hierarchies_; }
     const FactTable& Facts() const { return facts_; }
-    /// The number of the measure that a cell reads when the statement names none.
+    /// The measure that a cell reads when the statement names none.
     std::size_t DefaultMeasure() const { return defaultMeasure_; }
 
-    /// Raises EngineError (DamagedFile) when the file was changed on disk, not replaced, since it was opened.
-    /// Facts that were read are right only when this is asked afterwards.
+    /// Raises EngineError (DamagedFile) when the file was modified on disk, rather than replaced, since it
+    /// was opened. Call it after reading facts: only then are they known to be right.
     void CheckUnchanged() const;
 
     std::optional<std::size_t> FindDimension(std::string_view name) const;

@@ -14,27 +14,28 @@ namespace qel::engine {
 
 class StatementPlan;
 
-/// Remembers the plans of the statements that were run last over the cubes of one file, so that a sheet that
-/// is calculated again has no name to look up. Values are not remembered: every run reads the facts. A cube
-/// file never changes, so a plan is right for as long as the file is open. Safe for any number of threads.
+/// Caches plans of recent statements over the cubes of one file, so that recalculating a sheet resolves no
+/// names again. Values are not cached: every run reads the facts. Plans never go stale, because an open cube
+/// file does not change. Thread-safe.
 class PlanCache {
 public:
-    /// Where addresses are short, several cubes' plans must leave room for the spreadsheet.
-    static constexpr std::size_t usualMost = sizeof(void*) < 8 ? 16U << 20U : 128U << 20U;
+    /// Smaller on 32-bit systems, where several caches must leave address space for the spreadsheet.
+    static constexpr std::size_t defaultBytes = sizeof(void*) < 8 ? 16U << 20U : 128U << 20U;
 
-    /// Plans, with their statements, take about so much memory at most.
-    explicit PlanCache(std::size_t mostBytes = usualMost) : mostBytes_(mostBytes) {}
+    /// `mostBytes` limits the approximate memory of plans and their statements.
+    explicit PlanCache(std::size_t mostBytes = defaultBytes) : mostBytes_(mostBytes) {}
     ~PlanCache();
     PlanCache(const PlanCache&) = delete;
     PlanCache& operator=(const PlanCache&) = delete;
 
-    /// As RunStatement. The cube must outlive this object.
+    /// Same as RunStatement. The cube must outlive this object.
     Cellset Run(const Cube& cube, std::string_view statement);
-    /// How many plans are remembered.
+    /// The number of cached plans.
     std::size_t Count() const;
 
 private:
-    /// The cubes of one file may be asked the same. A key knows its hash: looking for one hashes no other.
+    /// The key includes the cube, because several cubes of a file may get the same statement. It carries its
+    /// hash, so a lookup hashes once.
     template <class Text>
     struct KeyOf {
         const Cube* cube;
@@ -69,7 +70,7 @@ private:
 
     std::size_t mostBytes_;
     mutable std::mutex mutex_;
-    Generation recent_, older_; ///< when `recent_` has half of the memory, it takes the place of `older_`
+    Generation recent_, older_; ///< when `recent_` fills half the memory, it replaces `older_`
 };
 
 } // namespace qel::engine
