@@ -32,7 +32,7 @@ struct BenchOptions {
     bool measuresBuild = false;
 };
 
-/// Prints what was measured, and writes it in lines "facts,cube,what,number" for the table and the plot.
+/// Prints the measurements, and writes them as lines "facts,cube,what,number" for the table and the plot.
 class Report {
 public:
     explicit Report(const std::filesystem::path& csv) {
@@ -71,7 +71,7 @@ void PrintRatio(Report& report, const std::string& peer, const char* what, const
     fmt::print("  {:<44}{:>34.0f}\n", fmt::format("times faster than {}: {}", peer, what), ratio);
 }
 
-/// Compares the values and times the peer on the first formulas, which `own` has as well.
+/// Compares values and times the peer on the first formulas, with the engine's times in `own`.
 template <class Run>
 std::size_t ComparePeer(Report& report, const std::string& name, const Run& run,
                         const std::vector<SqliteCell>& cells, const std::vector<double>& values,
@@ -84,7 +84,7 @@ std::size_t ComparePeer(Report& report, const std::string& name, const Run& run,
             fmt::print(stderr, "{} instead of {}: {}\n", values[i], value, Describe(same.Formulas()[i]));
         }
     }
-    for (int round = 1; round < rounds; ++round) { // the peer's best times count as well
+    for (int round = 1; round < rounds; ++round) { // the peer's best times count too
         for (std::size_t i = 0; i < cells.size(); ++i) {
             peer.Measure(i, [&] { return run(cells[i]); });
         }
@@ -105,7 +105,7 @@ void PrintListings(const BenchOptions& options, const BenchData& data, LedgerCub
     report.Number("slowest list ms", slowest);
 }
 
-/// Times the formulas of one cube. Returns how many values differ from a peer's.
+/// Times the formulas of one cube. Returns the number of values that differ from a peer's.
 std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePeer& sqlite,
                     DuckDbPeer* duckDb, LedgerCube cube, Report& report) {
     qel::ledger::RandomSelections selections(sqlite.Database(), options.seed);

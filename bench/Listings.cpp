@@ -13,7 +13,7 @@ using ModSetCube::ComposeCellsetStatement;
 using ModSetCube::MemberListing;
 namespace Kind = ModSetCube::CellsetKind;
 
-constexpr const char* structure = "OBS"; // the name that all numbers of a wide ledger have
+constexpr const char* structure = "OBS"; // the OBS name of all numbers in a wide ledger
 constexpr const char* number = "1";
 
 std::vector<std::pair<std::string, MemberListing>> Listings(const std::string& cube) {

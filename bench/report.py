@@ -1,4 +1,4 @@
-"""Puts the numbers of qel-bench --csv into the tables of docs/performance.md and the README, and draws their growth.
+"""Writes the numbers of qel-bench --csv into the tables of docs/performance.md and the README, and plots them.
 
 report.py NUMBERS.csv PERFORMANCE.md PLOT.svg README.md
 """
@@ -72,7 +72,7 @@ def table(numbers, sizes, rows):
 
 
 def plot(numbers, sizes):
-    """Microseconds a cell (months cube) and bytes a fact, both over the facts, all axes logarithmic but the bytes."""
+    """Plots microseconds per cell (months cube) and bytes per fact against the facts; only the bytes are linear."""
     width, height, left, top = 420, 300, 60, 40
     span = max(math.log10(sizes[-1]) - math.log10(sizes[0]), 1)
     x = lambda panel, size: left + panel * (width + 90) + (math.log10(size) - math.log10(sizes[0])) / span * width
@@ -117,7 +117,7 @@ def plot(numbers, sizes):
 
 
 def put_table(path, text):
-    """Replaces what stands between the file's marks."""
+    """Replaces the text between the file's markers."""
     with open(path, encoding="utf-8") as file:
         before, rest = file.read().split(BEGIN)
     after = rest.split(END)[1]

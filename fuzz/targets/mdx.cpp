@@ -9,7 +9,7 @@
 #include <random>
 #include <string_view>
 
-// Runs any bytes as a statement on a small cube: they give a cellset or an EngineError, and end.
+// Runs any bytes as a statement on a small cube: the result is a cellset or an EngineError, in bounded time.
 
 namespace {
 
@@ -54,7 +54,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             }
         }
     } catch (const qel::engine::EngineError&) {
-        return 0; // a fault that was told
+        return 0; // an expected error
     }
     return 0;
 }

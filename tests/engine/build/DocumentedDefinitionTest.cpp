@@ -11,7 +11,7 @@
 namespace qel::engine {
 namespace {
 
-/// The first example of the page, as a reader copies it.
+/// The page's first example, as a reader would copy it.
 std::string ExampleOf(const char* page) {
     std::ifstream file(page);
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

@@ -10,7 +10,7 @@
 namespace qel::engine {
 namespace {
 
-/// Account 4200 has no line, and the lines of 5100 make 0.
+/// Account 4200 has no lines, and the lines of 5100 sum to 0.
 const Cube& Finance() {
     static const std::shared_ptr<const Cube> cube = BuildLedgerCube({
         {"2024-01", "4000", "n1", "A", "100", "7", "1", 100000},
@@ -47,7 +47,7 @@ void ExpectGrids(std::span<const StatementCase> cases) {
     }
 }
 
-// The texts that the component composes for values, names and lists.
+// Statements that the component composes for values, names and lists.
 const StatementCase composedStatements[] = {
     {"three months of an account in a cost centre",
      "WITH MEMBER [Date].DateSel as '   SUM( "
@@ -238,7 +238,7 @@ const StatementCase cellMeanings[] = {
 
 TEST(Statement, GivesCellsTheirMeaning) { ExpectGrids(cellMeanings); }
 
-/// Sets are shown without cells: one position after the other.
+/// Sets are printed without cells, one position after the other.
 std::string Positions(const std::string& set, const std::string& with = "") {
     const std::string text = Answer(with + " SELECT " + set + " ON 0 FROM Finance");
     return text.substr(0, text.find('\n'));
@@ -373,7 +373,7 @@ TEST(Statement, ComputesNumbers) {
     }
 }
 
-TEST(Statement, EndsFormulasThatDoubleTheWorkAtEveryStep) {
+TEST(Statement, StopsFormulasThatDoubleTheWork) {
     std::string text = "WITH ";
     for (int i = 0; i < 40; ++i) {
         const std::string next = "[Measures].A" + std::to_string(i + 1);
@@ -388,7 +388,7 @@ TEST(Statement, EndsFormulasThatDoubleTheWorkAtEveryStep) {
     }
 }
 
-TEST(Statement, RefusesWhatHasNoMeaning) {
+TEST(Statement, RejectsWhatCannotBeResolved) {
     const struct {
         const char* what;
         const char* text;
