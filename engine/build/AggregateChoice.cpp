@@ -245,7 +245,7 @@ std::uint64_t AggregateRowBytes(const CubeModel& model, const AggregateModel& ag
     for (const auto& [packedColumn, width] : columns) {
         bytes += width;
     }
-    for (const Measure& measure : model.measures) {
+    for (const MeasureColumn& measure : model.measures) {
         bytes += measure.width;
     }
     return bytes;

@@ -25,7 +25,7 @@ void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, Fact
 
 /// The measures with the unit that all their values are multiples of, and the width that these need. Raises
 /// EngineError (InvalidData) when the sum of the absolute values of a measure is beyond 63 bits.
-std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measures, const FactColumns& facts,
-                                   const std::string& cubeName);
+std::vector<MeasureColumn> MeasureModels(const std::vector<MeasureDefinition>& measures,
+                                         const FactColumns& facts, const std::string& cubeName);
 
 } // namespace qel::engine

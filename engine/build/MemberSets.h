@@ -8,7 +8,7 @@
 namespace qel::engine {
 
 /// The groups of codes that members of the aggregates' key columns stand for, and members of one name on a
-/// level together, since formulas select by name. The model's aggregates get them.
+/// level together, since statements select by name. The model's aggregates get them.
 void FindGroups(const CubeModel& model, AggregateModel& aggregates);
 
 /// The different sets of codes of the same members of one key column, as an aggregate's key has them, without

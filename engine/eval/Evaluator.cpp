@@ -8,7 +8,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Keeps formulas that never end away from the end of the stack, which is small in a spreadsheet's threads.
+/// Keeps formulas that never end away from the end of the stack, which is small in some threads.
 constexpr int nestingLimit = 400;
 /// Formulas that use others twice each double the work at every step: forty of them would take years.
 constexpr int evaluationLimit = 10'000'000;
@@ -32,7 +32,7 @@ void FactCell::Restrict(std::size_t keyColumn, CodeRanges codes) {
     restrictions.push_back({keyColumn, codes});
 }
 
-CellValue ValueOf(FactSum total, const Measure& measure) {
+CellValue ValueOf(FactSum total, const MeasureColumn& measure) {
     if (total.rows == 0) {
         return CellValue::Empty();
     }

@@ -31,7 +31,7 @@ struct FactCell {
 };
 
 /// The value of a cell that sums these facts.
-CellValue ValueOf(FactSum total, const Measure& measure);
+CellValue ValueOf(FactSum total, const MeasureColumn& measure);
 
 /// Evaluates cells: holds the current member of every hierarchy and the formulas of calculated members.
 class Evaluator {

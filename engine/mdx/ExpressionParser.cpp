@@ -11,7 +11,7 @@ namespace qel::engine::mdx {
 
 namespace {
 
-/// Deep enough for people, shallow enough for the small stack of a thread of a spreadsheet.
+/// Deep enough for people, shallow enough for threads with small stacks.
 constexpr int nestingLimit = 100;
 
 struct OperatorToken {

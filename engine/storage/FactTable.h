@@ -2,6 +2,7 @@
 
 #include "engine/storage/AggregateTable.h"
 #include "engine/storage/Projection.h"
+#include "qel/engine/Cube.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -27,15 +28,10 @@ struct KeyColumn {
     std::uint32_t Mask() const;
 };
 
-enum class AggregateFunction : std::uint8_t { Sum = 0, Count = 1 };
-
-struct Measure {
-    std::string name;
-    std::string caption;
-    AggregateFunction function = AggregateFunction::Sum;
-    std::uint8_t decimals = 0; ///< amounts times ten to this power are whole numbers
-    std::uint8_t width = 0;    ///< bytes a value: 1, 2, 4 or 8, signed; 0 for a count, which stores nothing
-    std::int64_t unit = 1;     ///< such a whole number is the stored one times this; at least 1
+/// A measure, and how its values are stored.
+struct MeasureColumn : Measure {
+    std::uint8_t width = 0; ///< bytes per value: 1, 2, 4 or 8, signed; 0 for a count, which stores nothing
+    std::int64_t unit = 1;  ///< an amount as a whole number is the stored one times this; at least 1
 };
 
 /// The facts of a cube. The sum of the absolute values of every measure fits 64 bits (checked by the build),
@@ -45,7 +41,7 @@ public:
     std::span<const KeyColumn> KeyColumns() const { return keyColumns_; }
     std::size_t PackedColumnCount() const { return packedWidths_.size(); }
     std::uint8_t PackedWidth(std::size_t packedColumn) const { return packedWidths_[packedColumn]; }
-    std::span<const Measure> Measures() const { return measures_; }
+    std::span<const MeasureColumn> Measures() const { return measures_; }
     /// At least one; the same rows in different orders.
     std::span<const Projection> Projections() const { return projections_; }
     std::uint64_t RowCount() const { return rowCount_; }
@@ -57,7 +53,7 @@ private:
 
     std::vector<KeyColumn> keyColumns_;
     std::vector<std::uint8_t> packedWidths_;
-    std::vector<Measure> measures_;
+    std::vector<MeasureColumn> measures_;
     std::vector<Projection> projections_;
     std::optional<AggregateTable> aggregates_;
     std::uint64_t rowCount_ = 0;
