@@ -1,4 +1,5 @@
-// The formatting library for a cross compiler, whose package has only its headers: compiled once, not in every source.
+// The formatting library for a cross compiler, whose package has only its headers: compiled once, not in
+// every source.
 #include <fmt/format-inl.h>
 
 namespace fmt {
@@ -12,4 +13,4 @@ template char detail::decimal_point_impl(detail::locale_ref);
 template detail::dragonbox::decimal_fp<float> detail::dragonbox::to_decimal(float) noexcept;
 template detail::dragonbox::decimal_fp<double> detail::dragonbox::to_decimal(double) noexcept;
 
-}
+} // namespace fmt

@@ -248,7 +248,7 @@ std::uint64_t AggregateRowBytes(const CubeModel& model, const AggregateModel& ag
     for (const auto& [packedColumn, width] : widths) {
         bytes += width;
     }
-    for (const Measure& measure : model.measures) {
+    for (const MeasureColumn& measure : model.measures) {
         bytes += measure.width;
     }
     return bytes;

@@ -171,12 +171,13 @@ void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, Fact
     }
 }
 
-std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measures, const FactColumns& facts,
-                                   const std::string& cubeName) {
-    std::vector<Measure> models;
+std::vector<MeasureColumn> MeasureModels(const std::vector<MeasureDefinition>& measures,
+                                         const FactColumns& facts, const std::string& cubeName) {
+    std::vector<MeasureColumn> models;
     for (std::size_t i = 0; i < measures.size(); ++i) {
         const MeasureDefinition& measure = measures[i];
-        Measure model{measure.name, measure.caption, AggregateFunction::Count, measure.decimals, 0, 1};
+        MeasureColumn model{
+            {measure.name, measure.caption, AggregateFunction::Count, measure.decimals}, 0, 1};
         if (measure.column) {
             const auto& values = facts.values[i];
             if (!IsSummable(values)) {

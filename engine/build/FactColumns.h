@@ -26,7 +26,7 @@ void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, Fact
 
 /// The measures with their unit (the greatest common divisor of their values) and the narrowest width. Raises
 /// EngineError (InvalidData) when a measure's sum of absolute values exceeds 63 bits.
-std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measures, const FactColumns& facts,
-                                   const std::string& cubeName);
+std::vector<MeasureColumn> MeasureModels(const std::vector<MeasureDefinition>& measures,
+                                         const FactColumns& facts, const std::string& cubeName);
 
 } // namespace qel::engine

@@ -86,7 +86,7 @@ void AppendPackedColumn(const CubeModel& model, const FactColumns& facts, std::s
     }
 }
 
-void AppendValues(const std::vector<std::int64_t>& values, const Measure& measure, const Rows& rows,
+void AppendValues(const std::vector<std::int64_t>& values, const MeasureColumn& measure, const Rows& rows,
                   CubeFileWriter& writer) {
     const auto value = [&](std::uint32_t row) { return values[row] / measure.unit; };
     if (measure.width == 1) {

@@ -8,7 +8,7 @@
 namespace qel::engine {
 
 /// Fills the model's groups: the sets of several ranges that stand for a member of an aggregate's key column,
-/// or for all members of one name on a level, because formulas select by name.
+/// or for all members of one name on a level, because statements select by name.
 void FindGroups(const CubeModel& model, AggregateModel& aggregates);
 
 /// The distinct sets of codes of the same members of one key column, in the form of AggregateKey, without the

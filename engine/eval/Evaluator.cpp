@@ -8,7 +8,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Stops endless recursion before the stack overflows; a spreadsheet's threads have small stacks.
+/// Stops endless recursion before the stack overflows; some threads have small stacks.
 constexpr int nestingLimit = 400;
 /// When each formula uses the next one twice, evaluations double with every step; forty such formulas would
 /// take years.
@@ -33,7 +33,7 @@ void FactCell::Restrict(std::size_t keyColumn, CodeRanges codes) {
     restrictions.push_back({keyColumn, codes});
 }
 
-CellValue ValueOf(FactSum total, const Measure& measure) {
+CellValue ValueOf(FactSum total, const MeasureColumn& measure) {
     if (total.rows == 0) {
         return CellValue::Empty();
     }

@@ -32,7 +32,7 @@ struct FactCell {
 };
 
 /// Converts a sum of facts to a cell value.
-CellValue ValueOf(FactSum total, const Measure& measure);
+CellValue ValueOf(FactSum total, const MeasureColumn& measure);
 
 /// Evaluates cells. Holds the current member of every hierarchy and the formulas of the calculated members.
 class Evaluator {

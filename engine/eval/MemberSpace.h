@@ -2,6 +2,7 @@
 
 #include "engine/eval/CodeRanges.h"
 #include "engine/mdx/SourceRange.h"
+#include "engine/storage/FactTable.h"
 #include "qel/engine/Cellset.h"
 #include "qel/engine/Cube.h"
 

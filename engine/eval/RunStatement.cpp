@@ -1,3 +1,5 @@
+#include "qel/engine/RunStatement.h"
+
 #include "engine/eval/Binder.h"
 #include "engine/eval/CellsetBuilder.h"
 #include "engine/eval/NonEmpty.h"
@@ -98,7 +100,7 @@ void StatementRun::CheckCube() const {
     const std::string& name = space_.GetCube().Name();
     if (!EqualIgnoringCase(name, statement_.cubeName)) {
         mdx::RaiseAt(ErrorKind::UnknownCube, statement_.source, statement_.cubeRange,
-                     fmt::format("there is no cube {}; the connection's cube is {}",
+                     fmt::format("there is no cube {}; the open cube is {}",
                                  BracketedName(statement_.cubeName), BracketedName(name)));
     }
 }

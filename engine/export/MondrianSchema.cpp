@@ -123,7 +123,7 @@ const std::string& ForeignKey(const StarSchema& star, const Dimension& dimension
 }
 
 std::string MeasureElement(const StarSchema& star, std::size_t index) {
-    const Measure& measure = star.cube->Facts().Measures()[index];
+    const Measure& measure = star.cube->Measures()[index];
     const bool isCount = measure.function == AggregateFunction::Count;
     const std::string decimals = measure.decimals == 0 ? "" : "." + std::string(measure.decimals, '0');
     return fmt::format("    <Measure name=\"{}\"{} column=\"{}\" aggregator=\"{}\" datatype=\"{}\" "
@@ -137,7 +137,7 @@ std::string MeasureElement(const StarSchema& star, std::size_t index) {
 
 std::string ComposeMondrianSchema(const StarSchema& star) {
     const Cube& cube = *star.cube;
-    const auto measures = cube.Facts().Measures();
+    const auto measures = cube.Measures();
     std::string text =
         fmt::format("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Schema name=\"{0}\">\n"
                     "  <Cube name=\"{0}\"{1} defaultMeasure=\"{2}\">\n    <Table name=\"{3}\"/>\n",

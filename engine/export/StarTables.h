@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/storage/FactTable.h"
 #include "qel/engine/Cube.h"
 
 #include <cstdint>

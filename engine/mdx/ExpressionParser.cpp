@@ -11,7 +11,7 @@ namespace qel::engine::mdx {
 
 namespace {
 
-/// More than people write, and safe on the small stack of a spreadsheet's threads.
+/// More than people write, and safe on threads with small stacks.
 constexpr int nestingLimit = 100;
 
 struct OperatorToken {

@@ -2,6 +2,7 @@
 
 #include "engine/storage/AggregateVerifier.h"
 #include "engine/storage/CubeLoader.h"
+#include "engine/storage/FactTable.h"
 #include "engine/storage/FactVerifier.h"
 #include "engine/storage/FileImage.h"
 #include "engine/storage/MappedFile.h"

@@ -37,7 +37,7 @@ void DescribeFacts(const CubeModel& cube, ByteWriter& out) {
         out.Put(column.shift);
     }
     out.Put(static_cast<std::uint32_t>(cube.measures.size()));
-    for (const Measure& measure : cube.measures) {
+    for (const MeasureColumn& measure : cube.measures) {
         out.PutText(measure.name);
         out.PutText(measure.caption);
         out.Put(static_cast<std::uint8_t>(measure.function));

@@ -79,7 +79,7 @@ struct CubeModel {
     std::string name, caption;
     std::vector<DimensionModel> dimensions;
     std::vector<KeyColumn> keyColumns;
-    std::vector<Measure> measures;
+    std::vector<MeasureColumn> measures;
     std::uint32_t defaultMeasure = 0;
     std::uint64_t rowCount = 0;
     std::vector<ProjectionModel> projections;

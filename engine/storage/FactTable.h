@@ -2,6 +2,7 @@
 
 #include "engine/storage/AggregateTable.h"
 #include "engine/storage/Projection.h"
+#include "qel/engine/Cube.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -27,13 +28,8 @@ struct KeyColumn {
     std::uint32_t Mask() const;
 };
 
-enum class AggregateFunction : std::uint8_t { Sum = 0, Count = 1 };
-
-struct Measure {
-    std::string name;
-    std::string caption;
-    AggregateFunction function = AggregateFunction::Sum;
-    std::uint8_t decimals = 0; ///< amounts times 10^decimals are integers
+/// A measure and how its values are stored.
+struct MeasureColumn : Measure {
     std::uint8_t width =
         0; ///< bytes per stored value, signed: 1, 2, 4 or 8; 0 for a count, which stores nothing
     std::int64_t unit = 1; ///< the integer amount is the stored value times this; at least 1
@@ -46,7 +42,7 @@ public:
     std::span<const KeyColumn> KeyColumns() const { return keyColumns_; }
     std::size_t PackedColumnCount() const { return packedWidths_.size(); }
     std::uint8_t PackedWidth(std::size_t packedColumn) const { return packedWidths_[packedColumn]; }
-    std::span<const Measure> Measures() const { return measures_; }
+    std::span<const MeasureColumn> Measures() const { return measures_; }
     /// At least one; each holds the same rows in a different order.
     std::span<const Projection> Projections() const { return projections_; }
     std::uint64_t RowCount() const { return rowCount_; }
@@ -58,7 +54,7 @@ private:
 
     std::vector<KeyColumn> keyColumns_;
     std::vector<std::uint8_t> packedWidths_;
-    std::vector<Measure> measures_;
+    std::vector<MeasureColumn> measures_;
     std::vector<Projection> projections_;
     std::optional<AggregateTable> aggregates_;
     std::uint64_t rowCount_ = 0;

@@ -1,5 +1,6 @@
 #include "engine/storage/MemberVerifier.h"
 
+#include "engine/storage/Ranges.h"
 #include "text/CaseFold.h"
 
 #include <fmt/format.h>

@@ -2,6 +2,7 @@
 #include "qel/engine/Cellset.h"
 #include "qel/engine/CubeFile.h"
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -4,6 +4,7 @@
 #include "platform/data/embedded/EmbeddedConnection.h"
 #include "platform/data/embedded/FlattenedRows.h"
 #include "platform/data/embedded/ProviderErrors.h"
+#include "qel/engine/RunStatement.h"
 
 namespace qel {
 

@@ -28,7 +28,7 @@ public:
     std::unique_ptr<Member> Parent() const override { return nullptr; }
 
 private:
-    const engine::Measure& Stored() const { return cube_->Facts().Measures()[measure_]; }
+    const engine::Measure& Stored() const { return cube_->Measures()[measure_]; }
 
     CubePointer cube_;
     std::size_t measure_;
@@ -40,9 +40,7 @@ public:
 
     std::string Name() const override { return measuresLevelName; }
     std::string Caption() const override { return measuresLevelName; }
-    std::int32_t MemberCount() const override {
-        return static_cast<std::int32_t>(cube_->Facts().Measures().size());
-    }
+    std::int32_t MemberCount() const override { return static_cast<std::int32_t>(cube_->Measures().size()); }
     std::unique_ptr<Member> MemberAt(std::int32_t index) const override {
         const auto place = CheckedIndex(index, cube_->Facts().Measures().size());
         return std::make_unique<MeasureMember>(cube_, place);

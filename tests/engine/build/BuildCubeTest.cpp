@@ -1,5 +1,6 @@
 #include "qel/engine/BuildCube.h"
 
+#include "engine/storage/FactTable.h"
 #include "qel/engine/CubeFile.h"
 #include "qel/engine/EngineError.h"
 #include "tests/engine/build/CubeText.h"

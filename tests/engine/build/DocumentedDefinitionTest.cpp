@@ -1,6 +1,7 @@
 #include "qel/engine/BuildCube.h"
 #include "qel/engine/Cellset.h"
 #include "qel/engine/CubeFile.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,7 @@
 #include "qel/engine/PlanCache.h"
 
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>

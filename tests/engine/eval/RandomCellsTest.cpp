@@ -1,3 +1,4 @@
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>

@@ -1,3 +1,5 @@
+#include "engine/storage/Ranges.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>

@@ -1,4 +1,5 @@
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>
@@ -396,7 +397,7 @@ TEST(Statement, RejectsWhatCannotBeResolved) {
         const char* message;
     } cases[] = {
         {"another cube", "SELECT FROM Sales", ErrorKind::UnknownCube,
-         "line 1, column 13: there is no cube [Sales]; the connection's cube is [Finance]"},
+         "line 1, column 13: there is no cube [Sales]; the open cube is [Finance]"},
         {"an unknown function", "SELECT {Ytdd([a])} ON 0 FROM Finance", ErrorKind::InvalidExpression,
          "line 1, column 9: there is no function Ytdd"},
         {"a wrong number of arguments", "SELECT Head() ON 0 FROM Finance", ErrorKind::InvalidExpression,

@@ -9,19 +9,21 @@
 namespace qel::engine {
 
 struct BuildOptions {
-    std::filesystem::path
-        definition; ///< JSON, see docs/cube-definition.md; data files are relative to its folder
-    std::filesystem::path output; ///< replaced atomically when the build succeeds, otherwise untouched
+    /// JSON, see docs/cube-definition.md; data files are relative to its folder.
+    std::filesystem::path definition;
+    /// Replaced atomically when the build succeeds, otherwise untouched.
+    std::filesystem::path output;
     /// When set, unusable lines are copied to this file instead of stopping the build. The file is created
     /// (or replaced) only when there is such a line.
-    std::optional<std::filesystem::path> skippedLines;
-    /// Called with the name of the step and the share done, 0 to 1. May be empty.
-    std::function<void(const std::string& step, double share)> progress;
+    std::optional<std::filesystem::path> skippedLines = {};
+    /// Called with the name of the step and the share done, 0 to 1. May be empty. An exception that it throws
+    /// stops the build and reaches the caller.
+    std::function<void(const std::string& step, double share)> progress = {};
 };
 
 struct BuildTotals {
-    std::uint64_t linesRead = 0, linesKept = 0,
-                  linesSkipped = 0; ///< of the fact tables, without header lines
+    /// Of the fact tables, once per cube that reads them, without header lines.
+    std::uint64_t linesRead = 0, linesKept = 0, linesSkipped = 0;
     std::uint64_t dimensionLinesSkipped = 0;
     /// Over all tables; a line that several cubes or dimensions read counts once.
     std::uint64_t distinctLinesSkipped = 0;

@@ -6,7 +6,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace qel::engine {
@@ -43,8 +42,6 @@ public:
     const AxisMember& MemberAt(std::size_t axis, std::size_t position, std::size_t index) const;
     /// The cell at the given position of every axis, columns first.
     const CellValue& Cell(const std::vector<std::size_t>& positions) const;
-    /// Approximate memory of the axes in bytes.
-    std::size_t AxisBytes() const;
 
 private:
     friend class CellsetBuilder;
@@ -55,13 +52,11 @@ private:
         std::vector<std::vector<std::uint32_t>> positions; ///< indices into members
         std::vector<AxisMember> members;
     };
+    /// Approximate memory of the axes in bytes.
+    std::size_t AxisBytes() const;
+
     std::shared_ptr<const std::vector<Axis>> axes_; ///< shared by all results of one plan
     std::vector<CellValue> cells_;
 };
-
-/// Parses the MDX statement, resolves its names in the cube and evaluates every cell; docs/mdx.md lists the
-/// supported language. Raises EngineError: SyntaxError, UnknownCube, UnknownName, UnknownMember,
-/// InvalidExpression or TooLarge with the position in the statement, or DamagedFile.
-Cellset RunStatement(const Cube& cube, std::string_view statement);
 
 } // namespace qel::engine
