@@ -1,14 +1,14 @@
 #pragma once
 
 #include "cube/ThreadState.h"
-#include "platform/data/DataAccess.h"
+#include "platform/data/Providers.h"
 
 #include <memory>
 
 namespace qel::server {
 
-/// The providers of this machine.
-DataAccess& Providers();
+/// Embedded cubes are read here, every other data source by the machine's own objects.
+Providers ProvidersOfMachine();
 
 /// What the objects of the calling thread share: its connection and Date table. It lives as long as one of
 /// the objects that hold it.

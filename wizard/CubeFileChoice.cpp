@@ -39,12 +39,10 @@ std::string AskForCubeFile(Dialog& dialog, const char* control, const std::strin
                               .startFolder = PathToUtf8(PathFromSetting(cubeFileNow).parent_path())});
 }
 
-std::shared_ptr<Connection> OpenCubeFile(DataAccess& dataAccess, const std::string& cubeFile) {
-    auto connection = dataAccess.CreateConnection();
-    connection->Open("Provider=MSOLAP;Data Source=" + cubeFile +
-                         ";Client Cache Size=25;Auto Synch Period=10000",
-                     "", "", optionsUnspecified);
-    return connection;
+std::shared_ptr<Connection> OpenCubeFile(const Providers& providers, const std::string& cubeFile) {
+    return providers
+        .Connect("Provider=MSOLAP;Data Source=" + cubeFile + ";Client Cache Size=25;Auto Synch Period=10000")
+        .connection;
 }
 
 bool SetCube(const WizardContext& context, ChoiceBox& cubes, Connection* connection) {

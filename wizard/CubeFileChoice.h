@@ -18,7 +18,7 @@ std::optional<std::int32_t> CubeFileFault(const std::string& cubeFile);
 std::string AskForCubeFile(Dialog& dialog, const char* control, const std::string& cubeFileNow);
 
 /// A connection on a cube file, no cube of it chosen yet. Raises what the provider raises.
-std::shared_ptr<Connection> OpenCubeFile(DataAccess& dataAccess, const std::string& cubeFile);
+std::shared_ptr<Connection> OpenCubeFile(const Providers& providers, const std::string& cubeFile);
 
 /// Fills the list of cubes with the catalogs of the file whose names end in FNC, the first of them chosen; no
 /// connection empties and disables it. False, which is told, when there is none. Raises what the provider

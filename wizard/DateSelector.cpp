@@ -19,7 +19,7 @@ constexpr const char* dateErrorText = "Error with the date in the Cube\r\nContin
 void DateSelector::Fill(const ModSetCube::OpenedCube& cube) {
     Clear();
     try {
-        if (!ModSetCube::EnsureCurrentCubeOpen(context_.thread, context_.dataAccess, opened_, cube)) {
+        if (!ModSetCube::EnsureCurrentCubeOpen(context_.thread, context_.providers, opened_, cube)) {
             throw AutomationError(ErrorNumber::InvalidProcedureCall, "Outdated Cube Version");
         }
         opened_ = cube;

@@ -20,8 +20,6 @@ constexpr std::string_view listedLevelPrefix = "level"; // listings know the lev
 constexpr std::size_t mostMembers = 5;
 constexpr std::int32_t obsLabel = 1486, levelLabel = 1487, dataLabel = 1488;
 
-std::string NoMember() { return std::string(1, '\0'); }
-
 } // namespace
 
 ObsSelector::ObsSelector(const WizardContext& context, Dialog& dialog)
@@ -104,7 +102,7 @@ void ObsSelector::FillLevels() {
         // Levels above the first that has data under this number are of other structures.
         const std::int32_t count = hierarchy->LevelCount();
         const std::int32_t filled =
-            ModSetCube::CountObsLevels(context_.dataAccess, cube_->name.cubeName, cube_->name.cubeFile,
+            ModSetCube::CountObsLevels(context_.providers, cube_->name.cubeName, cube_->name.cubeFile,
                                        InBrackets(Name()), InBrackets(Number()));
         for (std::int32_t i = std::max(1, count - filled); i < count; ++i) {
             const auto level = hierarchy->LevelAt(i);
@@ -134,12 +132,13 @@ void ObsSelector::FillMembers() {
         return members_.Clear();
     }
     const auto before = members_.Key();
-    members_.Fill(ListChoices(context_, cube_->name.cubeFile,
-                              {.cubeName = cube_->name.cubeName,
-                               .kind = ModSetCube::CellsetKind::ObsOrCostCenters,
-                               .argumentA = InBrackets(Name()),
-                               .argumentB = InBrackets(level),
-                               .obsSubMember = numbers_.Key() ? InBrackets(Number()) : NoMember()}));
+    members_.Fill(ListChoices(
+        context_, cube_->name.cubeFile,
+        {cube_->name.cubeName,
+         ModSetCube::ObsListing{.obsNumber = InBrackets(Name()),
+                                .obsLevel = InBrackets(level),
+                                .obsSubMember =
+                                    numbers_.Key() ? std::optional(InBrackets(Number())) : std::nullopt}}));
     if (before) {
         members_.Choose(*before);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cube/ValueCall.h"
 #include "platform/database/DatabaseConnection.h"
 #include "wizard/FormulaArgs.h"
 #include "wizard/MemberChoice.h"
@@ -29,8 +30,11 @@ struct Selection {
 /// The OBS level of cost centres.
 inline constexpr const char* costCentersLevel = "Cost_Centers";
 
-/// The arguments of the value formula, ready for a statement and for a formula's text.
-FormulaArgs ArgumentsOf(const Selection& selection, const Locale& locale);
+/// The value call of a selection: keys as statements have them. A key that was not chosen is an Empty one.
+ValueCall CallOf(const Selection& selection);
+
+/// The call's arguments as a formula's text has them.
+FormulaArgs ArgumentsOf(const ValueCall& call, const Locale& locale);
 
 /// The selection as a row of the table DataTbl, and back. A field without a value is an empty text or the
 /// zero date. Raises 9 for a row of too few columns.

@@ -2,6 +2,7 @@
 
 #include "cube/ThreadState.h"
 #include "lang/ModLangFrm.h"
+#include "platform/data/Providers.h"
 #include "platform/dialog/DialogToolkit.h"
 
 namespace qel {
@@ -15,7 +16,7 @@ struct WizardServices {
 /// What a dialog works with.
 struct WizardContext {
     ModSetCube::ThreadState& thread;
-    DataAccess& dataAccess;
+    Providers providers;
     const Locale& locale;
     DialogToolkit& toolkit;
     ModLangFrm::LanguageState& language;

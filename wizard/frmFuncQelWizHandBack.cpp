@@ -30,7 +30,7 @@ void frmFuncQelWiz::GoToSheet(bool detail) {
         return Warn(Context(), *fault);
     }
     const Selection selection = Read();
-    FormulaArgs = ArgumentsOf(selection, Context().locale);
+    FormulaArgs = ArgumentsOf(CallOf(selection), Context().locale);
     bDetail = detail;
     // The formula does not need what is kept for the next time.
     Trapped("GoToSheet", [&] {

@@ -1,6 +1,6 @@
 #include "engine/eval/NameResolver.h"
 
-#include "engine/storage/BracketedName.h"
+#include "qel/engine/BracketedName.h"
 #include "text/CaseFold.h"
 
 #include <fmt/format.h>

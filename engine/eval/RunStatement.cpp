@@ -5,7 +5,7 @@
 #include "engine/eval/NonEmpty.h"
 #include "engine/eval/StatementPlan.h"
 #include "engine/mdx/Parser.h"
-#include "engine/storage/BracketedName.h"
+#include "qel/engine/BracketedName.h"
 #include "text/CaseFold.h"
 
 #include <fmt/format.h>

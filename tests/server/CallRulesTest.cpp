@@ -84,6 +84,8 @@ TEST_F(CallRules, TextsComeBackChangedThroughTheirReferencesAlone) {
     arguments[rhAt] = ReferenceTo(rh);
     OwnedVariant firm = Number(10);
     arguments[8] = ReferenceTo(firm);
+    OwnedVariant measure = Text(" Amount ");
+    arguments[measureAt] = ReferenceTo(measure);
 
     ASSERT_EQ(Invoke(object_.Get(), L"QeLF1", arguments).status, S_OK);
     windows::Bstr returned;
@@ -91,6 +93,7 @@ TEST_F(CallRules, TextsComeBackChangedThroughTheirReferencesAlone) {
     EXPECT_EQ(windows::TextOfBstr(returned.Get()), QEL_TEST_CUBE);
     EXPECT_EQ(TextIn(moneySet), "[MoneySet].[ILS]");
     EXPECT_EQ(TextIn(rh), "[RH].[7]");
+    EXPECT_EQ(TextIn(measure), "Amount");
     EXPECT_EQ(V_VT(&firm.Get()), VT_R8) << "an argument that did not change keeps its type";
     EXPECT_EQ(TextIn(arguments[1]), "LedgerFNC");
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cube/ValueCall.h"
 #include "tests/helpers/automation/AutomationClient.h"
 
 #include <string>
@@ -21,6 +22,7 @@ enum LedgerArgument {
     obsNameAt = 2,
     obsNumberAt = 3,
     obsMemberAt = 5,
+    measureAt = 10,
     moneySetAt = 11,
     rhAt = 13,
     fromAt = 16,
@@ -29,6 +31,9 @@ enum LedgerArgument {
 
 /// The call's eighteen arguments as a spreadsheet sends them.
 Arguments ArgumentsOf(const LedgerCall& call);
+
+/// The same as the component takes them.
+ValueCall ValueCallOf(const LedgerCall& call);
 
 /// The same call made in process, without COM. Not 0 for a call that tells anything.
 double ValueInProcess(const LedgerCall& call);

@@ -100,7 +100,7 @@ std::string WizardBench::ShowFormQelName(const std::function<void(DialogDouble&)
 std::string WizardBench::Evaluate(const std::string& formula) {
     ModSetCube::ThreadState own;
     OrmQelFunction function({own, dataAccess, locale});
-    return ValueText(RunFormula(function, BindFormula(ParseFormula(formula), locale), locale));
+    return ValueText(RunFormula(function, BindFormula(ParseFormula(formula), locale)).value);
 }
 
 std::vector<std::string> WizardBench::TakeMessages() {

@@ -17,13 +17,14 @@ public:
     /// `variety` decides how "no restriction" and the keys are written, where people write them in several
     /// ways.
     FormulaCell(std::string cubeFile, std::uint64_t variety);
-    /// The same over another provider, which outlives the cell.
-    FormulaCell(std::string cubeFile, std::uint64_t variety, DataAccess& dataAccess);
+    /// The same over other providers.
+    FormulaCell(std::string cubeFile, std::uint64_t variety, Providers providers);
 
     /// What QelF1 shows. Raises std::runtime_error when it is not a number.
     double Value(const Selection& selection);
 
 private:
+    ValueCall CallOf(const Selection& selection);
     std::string Unrestricted();
     std::string Text(const std::string& member);
     Variant Key(const std::string& member);
@@ -32,7 +33,7 @@ private:
 
     std::string cubeFile_;
     Random variety_;
-    std::unique_ptr<EmbeddedDataAccess> embedded_; ///< none over another provider
+    std::unique_ptr<EmbeddedDataAccess> embedded_; ///< none over other providers
     Locale locale_;
     ModSetCube::ThreadState thread_;
     OrmQelFunction function_;

@@ -1,4 +1,4 @@
-#include "calc/LateResults.h"
+#include "calc/AsyncResults.h"
 
 #include "platform/value/AutomationError.h"
 
@@ -16,12 +16,12 @@ namespace sheet = com::sun::star::sheet;
 namespace uno = com::sun::star::uno;
 using Any = uno::Any;
 
-/// Objects that are made and never opened: what a call gives, the tests say themselves.
+/// Servers that no memory is left for. What a call gives, most tests say themselves.
 struct NoServers : DataAccess {
-    std::shared_ptr<Connection> CreateConnection() override { return nullptr; }
-    std::unique_ptr<Catalog> CreateCatalog() override { return nullptr; }
-    std::unique_ptr<Cellset> CreateCellset() override { return nullptr; }
-    std::unique_ptr<Recordset> CreateRecordset() override { return nullptr; }
+    std::shared_ptr<Connection> CreateConnection() override { throw std::bad_alloc(); }
+    std::unique_ptr<Catalog> CreateCatalog() override { throw std::bad_alloc(); }
+    std::unique_ptr<Cellset> CreateCellset() override { throw std::bad_alloc(); }
+    std::unique_ptr<Recordset> CreateRecordset() override { throw std::bad_alloc(); }
 };
 
 /// What Calc does for the cells of one formula.
@@ -62,8 +62,13 @@ public:
     /// Gives the plain value, or listens to the late one.
     Any Ask(const std::string& key, const std::function<Variant()>& evaluate,
             const rtl::Reference<Cells>& cells, const std::string& server = "http://a/xmla") {
-        const Any answer = results->Ask(
-            {server, "LedgerFNC", key, {}, true, [evaluate](OrmQelFunction&) { return evaluate(); }});
+        return Ask(
+            {server, "LedgerFNC", key, {}, nullptr, [evaluate](OrmQelFunction&) { return evaluate(); }},
+            cells);
+    }
+
+    Any Ask(ServerCall call, const rtl::Reference<Cells>& cells) {
+        const Any answer = results->Ask(std::move(call));
         if (uno::Reference<sheet::XVolatileResult> late; answer >>= late) {
             late->addResultListener(cells.get());
             listening = late;
@@ -82,7 +87,7 @@ public:
         }
     }
 
-    std::shared_ptr<LateResults> results = std::make_shared<LateResults>(
+    std::shared_ptr<AsyncResults> results = std::make_shared<AsyncResults>(
         [this](const auto& isStopped) {
             stopped = isStopped;
             return std::make_unique<NoServers>();
@@ -103,7 +108,13 @@ private:
 
 rtl::Reference<Cells> NewCells() { return new Cells; }
 
-TEST(LateResults, TellWhatACellShows) {
+/// Calc's error 519, #VALUE!.
+bool IsFailure(const Any& value) {
+    double number = 0;
+    return (value >>= number) && std::bit_cast<std::uint64_t>(number) == 0x7FF8000000000207U;
+}
+
+TEST(AsyncResults, TellWhatACellShows) {
     const struct {
         const char* what;
         std::function<Variant()> gives;
@@ -112,11 +123,7 @@ TEST(LateResults, TellWhatACellShows) {
         {"a number", [] { return Variant(2.5); }, [](const Any& value) { return value == Any(2.5); }},
         {"a text", [] { return Variant("Outdated Cube Version"); },
          [](const Any& value) { return value == Any(rtl::OUString("Outdated Cube Version")); }},
-        {"a failed call is Calc's error 519", []() -> Variant { throw AutomationError(13, "no"); },
-         [](const Any& value) {
-             double number = 0;
-             return (value >>= number) && std::bit_cast<std::uint64_t>(number) == 0x7FF8000000000207U;
-         }},
+        {"a failed call", []() -> Variant { throw AutomationError(13, "no"); }, IsFailure},
         {"a value that no cell can show is such a failure", [] { return Variant(Null{}); },
          [](const Any& value) {
              double number = 0;
@@ -135,7 +142,7 @@ TEST(LateResults, TellWhatACellShows) {
     }
 }
 
-TEST(LateResults, SendAFormulaOnceWhileItIsOnItsWay) {
+TEST(AsyncResults, SendAFormulaOnceWhileItIsOnItsWay) {
     Office office;
     Signal answer;
     std::atomic<int> sent = 0;
@@ -155,7 +162,7 @@ TEST(LateResults, SendAFormulaOnceWhileItIsOnItsWay) {
     EXPECT_EQ(second->told, std::vector{Any(7.0)});
 }
 
-TEST(LateResults, DropAFormulaThatNobodyWaitsForAnyMore) {
+TEST(AsyncResults, DropAFormulaThatNobodyWaitsForAnyMore) {
     Office office;
     Signal hasBegun, answer;
     bool isDroppedEvaluated = false;
@@ -186,7 +193,7 @@ TEST(LateResults, DropAFormulaThatNobodyWaitsForAnyMore) {
     EXPECT_EQ(slow->told, std::vector{Any(1.0)});
 }
 
-TEST(LateResults, OfOneServerDoNotWaitForAnother) {
+TEST(AsyncResults, OfOneServerDoNotWaitForAnother) {
     Office office;
     Signal answer;
     const auto slow = NewCells(), quick = NewCells();
@@ -205,7 +212,7 @@ TEST(LateResults, OfOneServerDoNotWaitForAnother) {
     office.Until(*slow, 1);
 }
 
-TEST(LateResults, EndWithTheOfficeInTheMiddleOfARequest) {
+TEST(AsyncResults, EndWithTheOfficeInTheMiddleOfARequest) {
     Office office;
     Signal hasBegun;
     const auto cells = NewCells();
@@ -231,41 +238,60 @@ TEST(LateResults, EndWithTheOfficeInTheMiddleOfARequest) {
         << "it waits";
 }
 
+TEST(AsyncResults, AnyExceptionOnTheirThreadIsTheFailureOfItsFormulas) {
+    Office office;
+    std::vector<rtl::Reference<Cells>> cells;
+    for (const char* account : {"1", "2", "3"}) { // asked for together
+        cells.push_back(NewCells());
+        const ValueCall call{.cubeFile = "http://a/xmla", .CubeName = "LedgerFNC", .Accounts = account};
+        office.Ask(ServerCallOf(call, {}), cells.back());
+    }
+    for (const auto& waiting : cells) {
+        office.Until(*waiting, 1);
+        EXPECT_TRUE(IsFailure(waiting->told.front()));
+    }
+    cells.push_back(NewCells());
+    office.Ask(
+        "odd", []() -> Variant { throw 5; }, cells.back());
+    office.Until(*cells.back(), 1);
+    EXPECT_TRUE(IsFailure(cells.back()->told.front()));
+}
+
 TEST(ServerCall, HasAKeyOfItsOwn) {
-    ValueArguments plain;
+    ValueCall plain;
     plain.cubeFile = "http://a/xmla";
-    plain.cubeName = "LedgerFNC";
-    const auto changed = [&](const std::function<void(ValueArguments&)>& change) {
-        ValueArguments arguments = plain;
-        change(arguments);
-        return CallOf(arguments, {}).key;
+    plain.CubeName = "LedgerFNC";
+    const auto changed = [&](const std::function<void(ValueCall&)>& change) {
+        ValueCall call = plain;
+        change(call);
+        return ServerCallOf(call, {}).key;
     };
     const Variant missing = ErrorValue{parameterNotFound};
     const std::string keys[] = {
-        CallOf(plain, {}).key,
-        CallOf(plain, {.dateOrder = DateOrder::MonthDayYear}).key,
-        CallOf(NameArguments{plain.cubeFile, plain.cubeName, "", ""}, {}).key,
+        ServerCallOf(plain, {}).key,
+        ServerCallOf(plain, {.dateOrder = DateOrder::MonthDayYear}).key,
+        ServerCallOf(NameCall{plain.cubeFile, plain.CubeName, "", ""}, {}).key,
         changed([](auto& a) { a.cubeFile = "http://b/xmla"; }),
-        changed([](auto& a) { a.accounts = "10"; }),
-        changed([](auto& a) { a.measure = "10"; }),
-        changed([](auto& a) { a.accounts = "1", a.measure = "0"; }),
-        changed([](auto& a) { a.toDate = {45000}; }),
-        changed([](auto& a) { a.toDate = {45000.5}; }),
-        changed([](auto& a) { a.fromDate = {45000}; }),
-        changed([](auto& a) { a.obsName = 1.0; }),
-        changed([](auto& a) { a.obsName = "1"; }),
-        changed([](auto& a) { a.obsNumber = 1.0; }),
-        changed([&](auto& a) { a.obsName = missing; }),
+        changed([](auto& a) { a.Accounts = "10"; }),
+        changed([](auto& a) { a.Measure = "10"; }),
+        changed([](auto& a) { a.Accounts = "1", a.Measure = "0"; }),
+        changed([](auto& a) { a.To_Date = {45000}; }),
+        changed([](auto& a) { a.To_Date = {45000.5}; }),
+        changed([](auto& a) { a.From_Date = {45000}; }),
+        changed([](auto& a) { a.ObsName = 1.0; }),
+        changed([](auto& a) { a.ObsName = "1"; }),
+        changed([](auto& a) { a.ObsNum = 1.0; }),
+        changed([&](auto& a) { a.ObsName = missing; }),
         changed([](auto& a) {
-            a.obsName = Variant::List({"a", "b"});
+            a.ObsName = Variant::List({"a", "b"});
         }),
-        changed([](auto& a) { a.obsName = Variant::List({"a"}), a.obsNumber = Variant::List({"b"}); }),
-        changed([](auto& a) { a.obsName = Variant::List({"a\"]'"}); }),
+        changed([](auto& a) { a.ObsName = Variant::List({"a"}), a.ObsNum = Variant::List({"b"}); }),
+        changed([](auto& a) { a.ObsName = Variant::List({"a\"]'"}); }),
     };
     for (const auto& key : keys) {
         EXPECT_EQ(std::count(std::begin(keys), std::end(keys), key), 1) << key;
     }
-    EXPECT_EQ(CallOf(plain, {}).key, keys[0]);
+    EXPECT_EQ(ServerCallOf(plain, {}).key, keys[0]);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
-#include "calc/LateResults.h"
+#include "calc/AsyncResults.h"
 
 #include "calc/CellArguments.h"
+#include "text/Text.h"
 
 #include <utility>
 
@@ -23,23 +24,23 @@ com::sun::star::uno::Any ForCell(const CallResult& result) {
 
 } // namespace
 
-bool LateResults::Entry::IsCurrent() const {
+bool AsyncResults::Entry::IsCurrent() const {
     return !isOnItsWay && value.hasValue() && Clock::now() - came < current;
 }
 
-LateResults::LateResults(MakeServers makeServers, std::function<void()> wake)
+AsyncResults::AsyncResults(MakeServers makeServers, std::function<void()> wake)
     : makeServers_(std::move(makeServers)), wake_(std::move(wake)) {}
 
-LateResults::~LateResults() { Stop(); }
+AsyncResults::~AsyncResults() { Stop(); }
 
-LateResults::Any LateResults::Ask(ServerCall call) {
+AsyncResults::Any AsyncResults::Ask(ServerCall call) {
     const std::scoped_lock lock(mutex_);
     Entry& entry = EntryOf(call);
     if (entry.IsCurrent()) {
         return entry.value;
     }
     if (!entry.isOnItsWay && !*isStopped_) {
-        entry.thread = &ThreadOf(call.server);
+        entry.thread = &ThreadOf(std::string(Trimmed(call.cubeFile)));
         entry.isOnItsWay = true;
         entry.thread->Ask(std::move(call));
     }
@@ -47,10 +48,10 @@ LateResults::Any LateResults::Ask(ServerCall call) {
     return Any(result);
 }
 
-LateResults::Entry& LateResults::EntryOf(const ServerCall& call) {
+AsyncResults::Entry& AsyncResults::EntryOf(const ServerCall& call) {
     Entry& entry = entries_[call.key];
     if (!entry.result.is()) {
-        entry.result = rtl::Reference<LateResult>(new LateResult([mine = weak_from_this(), key = call.key] {
+        entry.result = rtl::Reference<AsyncResult>(new AsyncResult([mine = weak_from_this(), key = call.key] {
             if (const auto results = mine.lock()) {
                 results->Forget(key);
             }
@@ -59,7 +60,7 @@ LateResults::Entry& LateResults::EntryOf(const ServerCall& call) {
     return entry;
 }
 
-ServerThread& LateResults::ThreadOf(const std::string& server) {
+ServerThread& AsyncResults::ThreadOf(const std::string& server) {
     if (!servers_) {
         servers_ = makeServers_(isStopped_);
     }
@@ -74,7 +75,7 @@ ServerThread& LateResults::ThreadOf(const std::string& server) {
     return *thread;
 }
 
-void LateResults::Receive(const std::string& key, CallResult result) {
+void AsyncResults::Receive(const std::string& key, CallResult result) {
     bool isFirst = false;
     {
         const std::scoped_lock lock(mutex_);
@@ -86,7 +87,7 @@ void LateResults::Receive(const std::string& key, CallResult result) {
     }
 }
 
-rtl::Reference<LateResult> LateResults::TakeNext(Any& value) {
+rtl::Reference<AsyncResult> AsyncResults::TakeNext(Any& value) {
     const std::scoped_lock lock(mutex_);
     while (!came_.empty() && !*isStopped_) {
         auto [key, result] = std::move(came_.front());
@@ -108,7 +109,7 @@ rtl::Reference<LateResult> LateResults::TakeNext(Any& value) {
     return {};
 }
 
-void LateResults::Deliver() {
+void AsyncResults::Deliver() {
     const auto end = Clock::now() + turn;
     Any value;
     for (auto result = TakeNext(value); result.is(); result = TakeNext(value)) {
@@ -120,7 +121,7 @@ void LateResults::Deliver() {
     }
 }
 
-void LateResults::Forget(const std::string& key) {
+void AsyncResults::Forget(const std::string& key) {
     const std::scoped_lock lock(mutex_);
     const auto found = entries_.find(key);
     if (found == entries_.end() || found->second.result->HasListeners()) {
@@ -132,7 +133,7 @@ void LateResults::Forget(const std::string& key) {
     entries_.erase(found);
 }
 
-void LateResults::Stop() {
+void AsyncResults::Stop() {
     *isStopped_ = true;
     decltype(threads_) ending;
     decltype(entries_) left;

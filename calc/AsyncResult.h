@@ -10,13 +10,13 @@ namespace qel::calc {
 
 /// A result that comes later, as Calc takes it: Calc listens to it in place of the cells that show it. Safe
 /// for any number of threads.
-class LateResult : public cppu::WeakImplHelper1<com::sun::star::sheet::XVolatileResult> {
+class AsyncResult : public cppu::WeakImplHelper1<com::sun::star::sheet::XVolatileResult> {
 public:
     using Any = com::sun::star::uno::Any;
     using Listener = com::sun::star::uno::Reference<com::sun::star::sheet::XResultListener>;
 
     /// `onNoListener` is told when the last listener has left.
-    explicit LateResult(std::function<void()> onNoListener) : onNoListener_(std::move(onNoListener)) {}
+    explicit AsyncResult(std::function<void()> onNoListener) : onNoListener_(std::move(onNoListener)) {}
 
     void SAL_CALL addResultListener(const Listener& listener) override;
     void SAL_CALL removeResultListener(const Listener& listener) override;

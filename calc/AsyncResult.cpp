@@ -1,4 +1,4 @@
-#include "calc/LateResult.h"
+#include "calc/AsyncResult.h"
 
 #include <bit>
 #include <com/sun/star/uno/RuntimeException.hpp>
@@ -27,13 +27,13 @@ bool IsSame(const uno::Any& left, const uno::Any& right) {
 
 uno::Any NoValue() { return uno::Any(std::bit_cast<double>(notANumber | errorNoValue)); }
 
-void LateResult::addResultListener(const Listener& listener) {
+void AsyncResult::addResultListener(const Listener& listener) {
     const std::scoped_lock lock(mutex_);
     listeners_.push_back({listener, {}});
 }
 
-void LateResult::removeResultListener(const Listener& listener) {
-    const rtl::Reference<LateResult> itself(this); // the last listener may be its last owner
+void AsyncResult::removeResultListener(const Listener& listener) {
+    const rtl::Reference<AsyncResult> itself(this); // the last listener may be its last owner
     bool isLast = false;
     {
         const std::scoped_lock lock(mutex_);
@@ -45,12 +45,12 @@ void LateResult::removeResultListener(const Listener& listener) {
     }
 }
 
-bool LateResult::HasListeners() const {
+bool AsyncResult::HasListeners() const {
     const std::scoped_lock lock(mutex_);
     return !listeners_.empty();
 }
 
-void LateResult::Tell(const Any& value) {
+void AsyncResult::Tell(const Any& value) {
     std::vector<Listener> toTell;
     {
         const std::scoped_lock lock(mutex_);

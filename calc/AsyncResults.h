@@ -1,6 +1,6 @@
 #pragma once
 
-#include "calc/LateResult.h"
+#include "calc/AsyncResult.h"
 #include "calc/ServerThread.h"
 
 #include <array>
@@ -16,7 +16,7 @@ namespace qel::calc {
 /// The results of formulas over servers, which come while the cells wait. A formula that is asked again while
 /// it is on its way is not sent twice, and a cell that is calculated because its value came gets that value.
 /// Safe for any number of threads; owned by shared pointers.
-class LateResults : public std::enable_shared_from_this<LateResults> {
+class AsyncResults : public std::enable_shared_from_this<AsyncResults> {
 public:
     using Any = com::sun::star::uno::Any;
 
@@ -26,12 +26,12 @@ public:
         std::function<std::unique_ptr<DataAccess>(const std::shared_ptr<const std::atomic<bool>>& isStopped)>;
 
     /// `wake` sees to it that Deliver is called soon on the main thread. It is called on any thread.
-    LateResults(MakeServers makeServers, std::function<void()> wake);
-    ~LateResults();
-    LateResults(const LateResults&) = delete;
-    LateResults& operator=(const LateResults&) = delete;
+    AsyncResults(MakeServers makeServers, std::function<void()> wake);
+    ~AsyncResults();
+    AsyncResults(const AsyncResults&) = delete;
+    AsyncResults& operator=(const AsyncResults&) = delete;
 
-    /// The formula's value if it came a few seconds ago, otherwise the LateResult that will tell it.
+    /// The formula's value if it came a few seconds ago, otherwise the AsyncResult that will tell it.
     Any Ask(ServerCall call);
     /// Tells the cells what has come, for a short time; wakes again when there is more.
     void Deliver();
@@ -41,7 +41,7 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
     struct Entry {
-        rtl::Reference<LateResult> result;
+        rtl::Reference<AsyncResult> result;
         ServerThread* thread = nullptr; ///< that of its server
         bool isOnItsWay = false;
         Any value; ///< void before the first one came
@@ -54,7 +54,7 @@ private:
     Entry& EntryOf(const ServerCall& call);
     void Receive(const std::string& key, CallResult result);
     /// The next result that came, put into its entry; none when there is no further one.
-    rtl::Reference<LateResult> TakeNext(Any& value);
+    rtl::Reference<AsyncResult> TakeNext(Any& value);
     void Forget(const std::string& key);
 
     MakeServers makeServers_;
