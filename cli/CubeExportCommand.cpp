@@ -3,6 +3,7 @@
 #include "cli/Interruption.h"
 #include "cli/ProgressBar.h"
 #include "engine/export/ExportCubes.h"
+#include "platform/data/embedded/CubeSource.h"
 #include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>

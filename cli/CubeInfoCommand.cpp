@@ -3,6 +3,7 @@
 #include "cli/LevelPath.h"
 #include "cli/TextTable.h"
 #include "engine/storage/CubeFile.h"
+#include "platform/data/embedded/CubeSource.h"
 #include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>

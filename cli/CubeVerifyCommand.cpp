@@ -2,6 +2,7 @@
 
 #include "cli/ProgressBar.h"
 #include "engine/storage/CubeFile.h"
+#include "platform/data/embedded/CubeSource.h"
 #include "text/Utf8Path.h"
 
 #include <CLI/CLI.hpp>

@@ -8,7 +8,7 @@
 
 namespace qel::server {
 
-/// Texts that a caller passed by reference: read at the beginning of a member, written back at its end.
+/// Texts passed by reference: read when a member starts, written back when it ends.
 template <std::size_t count>
 class TextsByReference {
 public:
@@ -25,7 +25,7 @@ public:
 
     std::string& operator[](std::size_t index) { return texts_[index]; }
 
-    /// Gives the caller new texts where they changed.
+    /// Writes changed texts back to the caller.
     void WriteBack() const {
         for (std::size_t i = 0; i < count; ++i) {
             if (texts_[i] == before_[i]) {

@@ -21,7 +21,7 @@ Variant Read(const VARIANT* argument) {
     return argument != nullptr ? FromAutomation(*argument) : Variant(ErrorValue{parameterNotFound});
 }
 
-/// The elements of an array that a caller passed as a list. Raises 13 for anything else.
+/// The elements of an array passed as a list. Raises 13 for anything else.
 KeyList ElementsOf(const VARIANT* argument, const char* name) {
     const Variant list = Read(argument);
     if (!list.IsArray()) {
@@ -31,7 +31,7 @@ KeyList ElementsOf(const VARIANT* argument, const char* name) {
     return list.As<std::shared_ptr<const VariantArray>>()->elements;
 }
 
-/// Puts keys that were rewritten into the caller's own array.
+/// Writes changed keys back into the caller's array.
 void WriteKeys(VARIANT& list, const KeyList& keys) {
     VARIANT& target = windows::Dereferenced(list);
     if (V_ISARRAY(&target)) {

@@ -11,7 +11,7 @@
 
 namespace qel::server {
 
-// Embedded cubes are read here, every other data source by the machine's own objects.
+// Embedded cubes are read in process, every other data source through the machine's own objects.
 DataAccess& Providers() {
     static EmbeddedDataAccess embedded;
     static windows::AdoDataAccess machine;
@@ -24,8 +24,8 @@ DataAccess& Providers() {
     return providers;
 }
 
-// By thread number and not thread_local: the compiler's runtime frees thread-local memory at the thread's end
-// before it destroys what lies in it.
+// Keyed by thread id instead of thread_local: the compiler's runtime frees thread-local memory before it
+// destroys the objects in it.
 std::shared_ptr<ModSetCube::ThreadState> StateOfThread() {
     static std::mutex mutex;
     static std::map<DWORD, std::weak_ptr<ModSetCube::ThreadState>> states;

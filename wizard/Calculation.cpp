@@ -56,7 +56,7 @@ private:
     std::string from_, to_;
 };
 
-/// Why a value query failed, which its result does not tell.
+/// The reason of a failed value query, which its result does not contain.
 std::string ReasonOf(const WizardContext& context, const Selection& selection) {
     try {
         ValueCall call(selection, context.locale);

@@ -9,7 +9,7 @@ namespace qel {
 
 namespace {
 
-constexpr char memberSeparator = '\t'; // no member's name has one
+constexpr char memberSeparator = '\t'; // never part of a member's name
 
 Variant KeyArgument(const std::string& key) { return InFormula(InBrackets(key)); }
 
@@ -18,23 +18,23 @@ Variant OneKey(const std::string& key) {
         return Variant::List({Variant()});
     }
     const std::string name = InBrackets(key);
-    // The formula writer puts no-break spaces for the quotes of a lone key, and the value function puts
-    // quotes back for OBS members alone. Statements use the first key of a list, so a second one keeps the
-    // quotes.
+    // The formula writer replaces the quotes of a single key by no-break spaces, and the value function
+    // restores them only for OBS members. Statements use the first key of a list, so adding a second key
+    // keeps the quotes.
     if (key.find('"') != std::string::npos) {
         return Variant::List({InFormula(name), ""});
     }
     return Variant::List({name});
 }
 
-/// A member of [OBS] is found by its name as it is; a cost centre's goes into the statement.
+/// A member of [OBS] is looked up by its exact name; a cost centre's name becomes part of the statement.
 Variant ObsMembers(const Selection& selection) {
     const auto& members = selection.obsMembers;
     std::vector<Variant> keys;
     keys.reserve(members.size());
     for (const std::string& member : members) {
         std::string key = selection.obsLevel == costCentersLevel ? InBrackets(member) : member;
-        // The formula writer does this for one key alone, the value function undoes it for all.
+        // The formula writer does this only for a single key; the value function undoes it for all keys.
         if (members.size() > 1) {
             key = ReplaceAll(key, "\"", "\xC2\xA0");
         }

@@ -46,7 +46,7 @@ void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
     }
     cube_ = cube;
     BindLists();
-    // Without its database the dialog serves all the same.
+    // The dialog works without its database.
     Trapped("LoadCube", [this] { RestoreLastSelection(); });
     EnableButtons(true);
 }
@@ -61,7 +61,7 @@ void frmFuncQelWiz::CmdCubeFile_Click() {
 void frmFuncQelWiz::TakeCubeFile(const std::string& cubeFile) {
     Form().SetText(txtCubeFile, cubeFile);
     takenFile_ = cubeFile;
-    ClearLists(); // a file that cannot be opened leaves nothing of the one before
+    ClearLists(); // nothing of the previous file stays when the new one cannot be opened
     connection_ = OpenCubeFile(Context().dataAccess, cubeFile);
     if (!SetCube(Context(), cubes_, connection_.get())) {
         return RejectCubeFile();

@@ -23,7 +23,7 @@ protected:
         return EnsureCurrentCubeOpen(thread_, provider_, opened_, {cubeFile, cubeName});
     }
 
-    testing::RecordingProvider provider_ = testing::LedgerProvider();
+    test::RecordingProvider provider_ = test::LedgerProvider();
     ThreadState thread_;
     OpenedCube opened_;
 };

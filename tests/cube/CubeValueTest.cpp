@@ -12,8 +12,8 @@
 namespace qel::ModSetCube {
 namespace {
 
-using testing::LedgerProvider;
-using testing::RecordingProvider;
+using test::LedgerProvider;
+using test::RecordingProvider;
 
 /// What a caller owns of one call.
 struct Call {

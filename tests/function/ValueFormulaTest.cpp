@@ -11,8 +11,8 @@
 namespace qel {
 namespace {
 
-using testing::LedgerProvider;
-using testing::RecordingProvider;
+using test::LedgerProvider;
+using test::RecordingProvider;
 using Log = std::vector<std::string>;
 
 /// The arguments of one formula.

@@ -26,7 +26,7 @@ bool NamesEmbeddedCube(const std::string& connectionText) {
     try {
         return engine::CubeFile::HasSignature(PathFromUtf8(ParseConnectionText(connectionText).dataSource));
     } catch (const AutomationError&) {
-        return false; // another provider may understand it
+        return false; // another provider may be able to read it
     }
 }
 

@@ -14,8 +14,8 @@
 namespace qel {
 namespace {
 
-using qel::testing::RecordingProvider;
 using test::ErrorOf;
+using test::RecordingProvider;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using Lines = std::vector<std::string>;
@@ -59,8 +59,8 @@ protected:
         return connection;
     }
 
-    RecordingProvider left_ = qel::testing::LedgerProvider();
-    RecordingProvider right_ = qel::testing::LedgerProvider();
+    RecordingProvider left_ = test::LedgerProvider();
+    RecordingProvider right_ = test::LedgerProvider();
     ResolvingDataAccess objects_{[this](const std::string& text) -> DataAccess& {
         return text.rfind("left", 0) == 0 ? left_ : right_;
     }};
