@@ -13,8 +13,8 @@
 namespace {
 
 using namespace qel;
-using testing::DialogDouble;
-using testing::WizardBench;
+using test::DialogDouble;
+using test::WizardBench;
 
 const char* const givenNames[] = {"Arava", "Negev", "כרמל", "Galil", "שרון", "Golan", "Yarden", "Tavor"};
 

@@ -32,7 +32,7 @@ ValueCall CallOf(const ValueTexts& texts, const std::array<VARIANT*, valueCallLi
     return call;
 }
 
-/// Puts keys that were rewritten into the caller's own array.
+/// Writes changed keys back into the caller's array.
 void WriteKeys(VARIANT& list, const KeyList& keys) {
     VARIANT& target = windows::Dereferenced(list);
     if (V_ISARRAY(&target)) {

@@ -16,8 +16,8 @@ Providers ProvidersOfMachine() {
     return ChooseProvider(cubeFiles, nullptr, &machine);
 }
 
-// By thread number and not thread_local: the compiler's runtime frees thread-local memory at the thread's end
-// before it destroys what lies in it.
+// Keyed by thread id instead of thread_local: the compiler's runtime frees thread-local memory before it
+// destroys the objects in it.
 std::shared_ptr<ModSetCube::ThreadState> StateOfThread() {
     static std::mutex mutex;
     static std::map<DWORD, std::weak_ptr<ModSetCube::ThreadState>> states;

@@ -10,8 +10,8 @@ namespace qel::server {
 /// Embedded cubes are read here, every other data source by the machine's own objects.
 Providers ProvidersOfMachine();
 
-/// What the objects of the calling thread share: its connection and Date table. It lives as long as one of
-/// the objects that hold it.
+/// The state shared by the calling thread's objects: its connection and Date table. It lives as long as one
+/// of these objects.
 std::shared_ptr<ModSetCube::ThreadState> StateOfThread();
 
 } // namespace qel::server

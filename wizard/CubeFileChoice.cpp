@@ -12,7 +12,7 @@ namespace qel {
 namespace {
 
 constexpr std::string_view listedEnding = "FNC";
-constexpr std::string_view cubeFileEnding = "cub"; // in these letters
+constexpr std::string_view cubeFileEnding = "cub"; // case-sensitive
 constexpr std::int32_t invalidFileText = 1364;
 
 bool IsListed(std::string_view catalog) {
@@ -62,7 +62,7 @@ bool SetCube(const WizardContext& context, ChoiceBox& cubes, Connection* connect
         context.Messages().Show(MessageBoxStyle::Exclamation, "", "Not valid cube");
         return false;
     }
-    // The first one is chosen, even where the connection's own default is another.
+    // The first one is chosen, even if the connection's default is another.
     cubes.Fill(std::move(catalogs));
     return true;
 }

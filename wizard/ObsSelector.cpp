@@ -15,8 +15,8 @@ using namespace FunctionForm;
 
 constexpr std::int32_t nameLevel = 1, numberLevel = 2; // below the level of All
 constexpr const char* obsLevels = "OBS";
-constexpr std::string_view listedLevelPrefix = "level"; // listings know the levels of [OBS] by it
-/// A spreadsheet counts an array's elements from 1, and the value function takes none above 5.
+constexpr std::string_view listedLevelPrefix = "level"; // listings recognise the levels of [OBS] by it
+/// A spreadsheet's arrays start at 1, and the value function takes no element above 5.
 constexpr std::size_t mostMembers = 5;
 constexpr std::int32_t obsLabel = 1486, levelLabel = 1487, dataLabel = 1488;
 
@@ -99,7 +99,7 @@ void ObsSelector::FillLevels() {
     std::vector<MemberChoice> choices;
     const auto hierarchy = cube_->FirstHierarchy("OBS");
     if (hierarchy && numbers_.Key()) {
-        // Levels above the first that has data under this number are of other structures.
+        // Levels above the first one with data under this number belong to other structures.
         const std::int32_t count = hierarchy->LevelCount();
         const std::int32_t filled =
             ModSetCube::CountObsLevels(context_.providers, cube_->name.cubeName, cube_->name.cubeFile,
@@ -193,7 +193,7 @@ void ObsSelector::Read(Selection& selection) const {
     for (const MemberChoice& member : chosen_.Choices()) {
         selection.obsMembers.push_back(member.key);
     }
-    // Whoever wants one member sees it in the combo box and need not add it.
+    // A single member need not be added: the one shown in the combo box counts.
     if (selection.obsMembers.empty() && members_.Key()) {
         selection.obsMembers.push_back(*members_.Key());
     }

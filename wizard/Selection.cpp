@@ -9,11 +9,11 @@ namespace qel {
 
 namespace {
 
-constexpr char memberSeparator = '\t'; // no member's name has one
+constexpr char memberSeparator = '\t'; // never part of a member's name
 
 Variant OneKey(const std::string& key) { return Variant::List({key.empty() ? Variant() : Variant(key)}); }
 
-/// A member of [OBS] is found by its name as it is; a cost centre's goes into the statement.
+/// A member of [OBS] is looked up by its exact name; a cost centre's name becomes part of the statement.
 Variant ObsMembers(const Selection& selection) {
     std::vector<Variant> keys;
     keys.reserve(selection.obsMembers.size());

@@ -10,10 +10,10 @@
 
 namespace qel {
 
-/// What a person chose in the function wizard: keys as the cube names its members.
+/// The choices in the function wizard, as the cube's member keys.
 struct Selection {
     std::string cubeFile, cubeName;
-    std::string obsName, obsNumber; ///< empty for none
+    std::string obsName, obsNumber; ///< may be empty
     std::string obsLevel = allMembers;
     std::vector<std::string> obsMembers;
     std::string activity = allMembers;
@@ -36,8 +36,8 @@ ValueCall CallOf(const Selection& selection);
 /// The call's arguments as a formula's text has them.
 FormulaArgs ArgumentsOf(const ValueCall& call, const Locale& locale);
 
-/// The selection as a row of the table DataTbl, and back. A field without a value is an empty text or the
-/// zero date. Raises 9 for a row of too few columns.
+/// Converts a selection to a row of the table DataTbl, and back. A Null field is an empty text or the zero
+/// date. Raises 9 for a row with too few columns.
 TableRow RowOf(const Selection& selection);
 Selection SelectionOf(const TableRow& row, const Locale& locale);
 

@@ -7,7 +7,7 @@
 
 namespace qel {
 
-/// What a door adds for the dialogs; it outlives every object of the component.
+/// The dialogs' services, provided by a door. It outlives every object of the component.
 struct WizardServices {
     DialogToolkit& toolkit;
     ModLangFrm::LanguageState& language; ///< with the store's settings, local database and message boxes

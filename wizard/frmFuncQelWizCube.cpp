@@ -46,7 +46,7 @@ void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
     }
     cube_ = cube;
     BindLists();
-    // Without its database the dialog serves all the same.
+    // The dialog works without its database.
     Trapped("LoadCube", [this] { RestoreLastSelection(); });
     EnableButtons(true);
 }

@@ -19,9 +19,9 @@ using namespace NameForm;
 
 namespace {
 
-/// Under this form's name two of the handlers below report themselves; the suite's support knows them so.
+/// Two handlers below report themselves under this form's name, which the suite's support expects.
 constexpr const char* reportedForm = "frmFuncQelWiz";
-constexpr const char* dimTypePart = "SuperSum"; // only these have names to look up
+constexpr const char* dimTypePart = "SuperSum"; // only these dimension types have names
 
 std::vector<MemberChoice> AllAnd(const WizardContext& context, const Hierarchy* hierarchy) {
     std::vector<MemberChoice> choices = {{allMembers, OwnText(context, OwnTextNumber::Everything)}};
@@ -162,7 +162,7 @@ void frmNameWizz::SetMember() {
     });
 }
 
-/// Codes and names of a level's groups, of which those are left that have data for the firm and the OBS.
+/// Codes and names of a level's groups that have data for the firm and the OBS.
 std::vector<MemberRow> frmNameWizz::ListMembers() const {
     using namespace ModSetCube;
     if (!cube_ || !dimTypes_.Key()) {

@@ -15,8 +15,8 @@ constexpr std::int32_t unknownMember = -77;
 
 /// A server whose accounts 0 to 9 have in month m of 2020 the value account * 100 + m, nothing in month 5,
 /// and which does not know account 7. Its connection can be lost after some statements.
-struct AccountsServer : testing::RecordingProvider {
-    AccountsServer() : RecordingProvider(testing::LedgerProvider()) {}
+struct AccountsServer : test::RecordingProvider {
+    AccountsServer() : RecordingProvider(test::LedgerProvider()) {}
 
     struct Line : Connection {
         explicit Line(AccountsServer& server) : server_(server) {}

@@ -23,7 +23,7 @@ protected:
         return EnsureCurrentCubeOpen(thread_, provider_, opened_, {cubeFile, cubeName});
     }
 
-    testing::RecordingProvider provider_ = testing::LedgerProvider();
+    test::RecordingProvider provider_ = test::LedgerProvider();
     ThreadState thread_;
     OpenedCube opened_;
 };
@@ -96,7 +96,7 @@ TEST_F(CubeConnectionTest, NameCallsOpenByTheSameRulesWithoutTheCheck) {
 }
 
 TEST_F(CubeConnectionTest, AnotherProvidersCubeTakesAnotherConnection) {
-    testing::RecordingProvider other = testing::LedgerProvider();
+    test::RecordingProvider other = test::LedgerProvider();
     const Providers providers([&](const std::string& text) -> DataAccess& {
         return text.find("other.cub") == std::string::npos ? provider_ : other;
     });

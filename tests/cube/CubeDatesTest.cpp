@@ -10,10 +10,10 @@
 namespace qel::ModSetCube {
 namespace {
 
-using testing::LedgerProvider;
-using testing::MonthlyDates;
-using testing::RecordingProvider;
-using testing::ScriptedDimension;
+using test::LedgerProvider;
+using test::MonthlyDates;
+using test::RecordingProvider;
+using test::ScriptedDimension;
 
 AutomationDate Day(int year, int month, int day) { return DateFromDay({year, month, day}); }
 

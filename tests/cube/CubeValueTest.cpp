@@ -15,8 +15,8 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using testing::LedgerProvider;
-using testing::RecordingProvider;
+using test::LedgerProvider;
+using test::RecordingProvider;
 using ::testing::StartsWith;
 
 /// One call, and what is made of its lists and dates.

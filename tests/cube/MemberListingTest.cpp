@@ -19,7 +19,7 @@ const std::string ledgerText = "Provider=MSOLAP;Data Source=a.cub;Initial Catalo
 const MemberListing costCenters = {"LedgerFNC", ObsListing{"OBS", "Cost_Centers"}};
 
 TEST(ListMembersCellset, OpensAConnectionOfItsOwn) {
-    auto provider = testing::LedgerProvider();
+    auto provider = test::LedgerProvider();
     const auto cellset = ListMembersCellset(provider, "a.cub", costCenters);
     EXPECT_THAT(provider.TakeLog(), ElementsAre("new connection", "open " + ledgerText,
                                                 "statement " + ComposeListing(costCenters), "release"));
@@ -46,7 +46,7 @@ struct OpenMemberRecordsetTest : ::testing::Test {
         return log;
     }
 
-    testing::RecordingProvider provider = testing::LedgerProvider();
+    test::RecordingProvider provider = test::LedgerProvider();
     ThreadState thread;
     OpenedCube opened;
 };
@@ -91,7 +91,7 @@ TEST(CountObsLevels, CountsFromTheFirstFilledFieldDown) {
         {"no rows", {}, 0},
     };
     for (const auto& c : cases) {
-        auto provider = testing::LedgerProvider();
+        auto provider = test::LedgerProvider();
         provider.recordFields = 4;
         provider.recordRows = c.rows;
         EXPECT_EQ(CountObsLevels(provider, "LedgerFNC", "a.cub", "OBS", "1"), c.levels) << c.what;

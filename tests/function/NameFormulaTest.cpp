@@ -6,8 +6,8 @@
 namespace qel {
 namespace {
 
-using testing::LedgerProvider;
-using testing::RecordingProvider;
+using test::LedgerProvider;
+using test::RecordingProvider;
 using Log = std::vector<std::string>;
 
 std::string TextOf(const std::string& cubeFile) {

@@ -15,8 +15,8 @@ namespace {
 using test::ErrorOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using testing::LedgerProvider;
-using testing::RecordingProvider;
+using test::LedgerProvider;
+using test::RecordingProvider;
 using Log = std::vector<std::string>;
 
 /// The arguments of one formula.

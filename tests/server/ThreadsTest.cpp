@@ -1,5 +1,3 @@
-#include "function/OrmQelFunction.h"
-#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "tests/server/LedgerCall.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +13,7 @@ namespace {
 
 constexpr int calls = 100'000;
 
-/// The memory that this process alone has, page by page.
+/// The private memory of this process.
 std::size_t PrivateBytes() {
     std::size_t total = 0;
     MEMORY_BASIC_INFORMATION region = {};
@@ -65,16 +63,16 @@ TEST(Throughput, AHundredThousandCallsLeaveNoMemoryBehind) {
         }
     });
     const auto grown = static_cast<std::int64_t>(after) - static_cast<std::int64_t>(before);
-    std::printf("through IDispatch %.0f calls/s, in process %.0f calls/s, memory %+lld bytes over %d calls\n",
-                calls / throughCom, calls / inProcess, static_cast<long long>(grown), calls);
-    EXPECT_LT(grown, 1'000'000) << "ten bytes a call";
+    std::printf("%.0f calls/s, memory %+lld bytes over %d calls\n", calls / throughCom,
+                static_cast<long long>(grown), calls);
+    EXPECT_LT(grown, 1'000'000) << "ten bytes per call";
 }
 
-/// A host has a window long before it has a second thread. Wine loads what draws one on its first use, and
-/// two threads that come to it at once, one of them inside the loader, wait for each other for ever.
+/// A host has a window before it has a second thread. Wine loads its display driver on first use, and two
+/// threads that do so at once, one of them inside the loader, deadlock.
 void UseTheScreen() { ::ReleaseDC(nullptr, ::GetDC(nullptr)); }
 
-/// A thread as a host makes one. Waits for its real end, the system's notices to every DLL included.
+/// A thread of a host. Waits for its actual end, including the notifications to every DLL.
 class HostThread {
 public:
     explicit HostThread(std::function<void()> work) : work_(std::move(work)) {
@@ -105,7 +103,7 @@ LONG CALLBACK CountFault(EXCEPTION_POINTERS* exception) {
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
-/// The system swallows what goes wrong while a thread ends, so the faults themselves are counted.
+/// The system ignores exceptions while a thread ends, so the test counts access violations.
 TEST(Threads, EndWithoutTouchingWhatIsGone) {
     faults = 0;
     void* const handler = ::AddVectoredExceptionHandler(1, CountFault);
@@ -154,7 +152,8 @@ TEST(Threads, EightApartmentsGetTheirOwnValues) {
             LedgerCall call;
             call.from = 45292 + 31 * static_cast<double>(i);
             for (int turn = 0; turn < 500; ++turn) {
-                call.cubeName = turn % 50 == 0 ? "LedgerHebrewFNC" : "LedgerFNC"; // reopens now and then
+                call.cubeName =
+                    turn % 50 == 0 ? "LedgerHebrewFNC" : "LedgerFNC"; // reopens the connection now and then
                 Arguments arguments = ArgumentsOf(call);
                 const double value = ValueThroughCom(object.Get(), arguments);
                 wrong[i] += call.cubeName == "LedgerFNC" && value != expected[i];

@@ -8,6 +8,6 @@
 namespace qel {
 
 /// Runs statements in the embedded engine.
-std::unique_ptr<Cellset> MakeEmbeddedCellset();
+[[nodiscard]] std::unique_ptr<Cellset> MakeEmbeddedCellset();
 
 } // namespace qel

@@ -13,7 +13,7 @@ namespace qel {
 
 namespace {
 
-/// "MSOLAP" and its versions ("MSOLAP.8") are the provider whose place the embedded engine takes.
+/// The embedded engine stands in for "MSOLAP" and its versions ("MSOLAP.8").
 void RequireProvider(const std::string& provider) {
     constexpr std::string_view expected = "MSOLAP";
     const auto name = std::string_view(provider).substr(0, provider.find('.'));

@@ -9,6 +9,6 @@
 namespace qel {
 
 /// Runs statements in the embedded engine and flattens their answers; open at once when rows are given.
-std::unique_ptr<Recordset> MakeEmbeddedRecordset(std::optional<Rowset> rows = std::nullopt);
+[[nodiscard]] std::unique_ptr<Recordset> MakeEmbeddedRecordset(std::optional<Rowset> rows = std::nullopt);
 
 } // namespace qel

@@ -7,8 +7,7 @@
 #include <cstdint>
 #include <string>
 
-// How a failure of the embedded engine, or a wrong use of its adapters, becomes the error that a client of
-// the data-access objects sees.
+// Turns failures of the embedded engine and misuse of its adapters into the errors that clients see.
 
 namespace qel {
 
@@ -25,7 +24,7 @@ inline constexpr const char* embeddedProvider = "OrmFuncQel4 cube engine";
 /// The error's text and its kind's number, in the name of the embedded engine.
 [[nodiscard]] AutomationError ToAutomationError(const engine::EngineError& error);
 
-/// Runs `work` and returns its result; an EngineError leaves as an AutomationError.
+/// Runs `work` and returns its result. Turns an EngineError into an AutomationError.
 template <class Work>
 auto TranslatingErrors(const Work& work) {
     try {

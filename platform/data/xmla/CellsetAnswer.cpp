@@ -49,7 +49,7 @@ std::string LastNameOf(std::string_view path) {
 
 void CellsetAnswer::StartElement(std::string_view name, const XmlAttributes& attributes) {
     if (inMember_) {
-        return; // its properties, whatever they are called
+        return; // a member property of any name
     }
     if (name == "Axes") {
         inAxes_ = true;

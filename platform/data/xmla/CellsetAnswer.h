@@ -20,8 +20,8 @@ public:
     void EndElement(std::string_view name, const std::string& text) override;
 
     const std::vector<std::vector<CellsetPosition>>& Axes() const { return axes_; }
-    /// The cell of that number, columns varying fastest; Null when it is empty. Raises AutomationError with
-    /// the server's words for a cell that has none because of an error.
+    /// The cell with that ordinal (the columns axis varies fastest); Null when it is empty. Raises
+    /// AutomationError with the server's message when the cell holds an error.
     Variant Cell(std::uint64_t ordinal) const;
 
 private:
@@ -39,7 +39,7 @@ private:
     std::string valueType_;
 };
 
-/// The last name of a path: "1]" of "[Date].[2024].[1]]]". Of a path that ends with a key, none.
+/// The last name of a path: "1]" of "[Date].[2024].[1]]]". Empty for a path that ends with a key.
 std::string LastNameOf(std::string_view path);
 
 } // namespace qel

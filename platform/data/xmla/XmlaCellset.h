@@ -7,6 +7,6 @@
 namespace qel {
 
 /// Runs statements on a server, which answers with axes and cells.
-std::unique_ptr<Cellset> MakeXmlaCellset();
+[[nodiscard]] std::unique_ptr<Cellset> MakeXmlaCellset();
 
 } // namespace qel

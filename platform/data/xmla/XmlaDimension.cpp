@@ -15,7 +15,7 @@ namespace {
 
 using SessionPointer = std::shared_ptr<ServerSession>;
 
-/// By name, any letter case. Raises 3265 saying who has none.
+/// By name, letter case ignored. Raises 3265, naming the owner, when it is missing.
 template <class Item>
 const Item& ItemNamed(const std::vector<Item>& items, const std::string& name, const std::string& owner,
                       const char* kind) {
@@ -50,7 +50,7 @@ public:
     }
 
 private:
-    SessionPointer session_; ///< owns what the references name
+    SessionPointer session_; ///< owns the objects that the references point to
     const ServerHierarchy& hierarchy_;
     std::size_t level_;
     const ServerMember& member_;

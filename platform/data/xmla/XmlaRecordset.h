@@ -9,6 +9,6 @@
 namespace qel {
 
 /// Runs statements on a server, which answers with a table; open at once when rows are given.
-std::unique_ptr<Recordset> MakeXmlaRecordset(std::optional<Rowset> rows = std::nullopt);
+[[nodiscard]] std::unique_ptr<Recordset> MakeXmlaRecordset(std::optional<Rowset> rows = std::nullopt);
 
 } // namespace qel

@@ -8,7 +8,7 @@ namespace qel::windows {
 
 namespace {
 
-/// Handles have 32 significant bits on every Windows; the roots' are negative numbers.
+/// Handles have 32 significant bits on every Windows; those of the roots are negative.
 HKEY SystemHandle(KeyHandle handle) {
     return reinterpret_cast<HKEY>(static_cast<LONG_PTR>(static_cast<std::int32_t>(handle)));
 }
@@ -37,7 +37,7 @@ std::optional<RegistryValue> WindowsRegistry::QueryValue(KeyHandle key, const st
     DWORD type = 0;
     DWORD size = 0;
     LSTATUS status = ::RegQueryValueExW(SystemHandle(key), wideName.c_str(), nullptr, &type, nullptr, &size);
-    do { // another program may make it longer in between
+    do { // another program may lengthen the value in between
         value.data.resize(size);
         if (status == ERROR_SUCCESS || status == ERROR_MORE_DATA) {
             status = ::RegQueryValueExW(SystemHandle(key), wideName.c_str(), nullptr, &type,

@@ -576,7 +576,7 @@ TEST(CubeFile, AFullDiskIsAnError) {
     const TemporaryFolder folder;
     SmallCube().Write(folder.Path("a.cub"));
     const auto before = folder.Read("a.cub");
-    const FileSizeLimit limit(100);
+    const test::FileSizeLimit limit(100);
     try {
         SmallCube().Write(folder.Path("a.cub"));
         ADD_FAILURE() << "written beyond the limit";

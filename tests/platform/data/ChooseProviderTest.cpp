@@ -36,7 +36,7 @@ TEST(ChooseProvider, ByWhatTheDataSourceIs) {
         {"an unreadable text", "what is this", other},
         {"nothing", "", other},
     };
-    testing::RecordingProvider cubeFiles, servers, machine;
+    test::RecordingProvider cubeFiles, servers, machine;
     const Providers everything = ChooseProvider(cubeFiles, &servers, &machine);
     const Providers withoutMachine = ChooseProvider(cubeFiles, &servers, nullptr);
     const Providers withoutServers = ChooseProvider(cubeFiles, nullptr, &machine);

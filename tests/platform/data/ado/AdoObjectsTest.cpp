@@ -1,4 +1,4 @@
-// The machine's data-access objects behind the ports: what is read through them is what the engine gives.
+// The machine's data-access objects return what the embedded engine returns.
 
 #include "cube/MemberListing.h"
 #include "platform/data/ado/AdoDataAccess.h"
@@ -6,6 +6,7 @@
 #include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
 #include "tests/helpers/ErrorOf.h"
+#include "tests/helpers/RecordsetText.h"
 #include "tests/platform/data/ado/ProviderDoubles.h"
 #include "tests/server/LedgerCall.h"
 
@@ -44,21 +45,6 @@ protected:
     EmbeddedDataAccess engine_;
 };
 
-std::string TableOf(Recordset& rows) {
-    std::string table;
-    for (std::int32_t field = 0; field < rows.FieldCount(); ++field) {
-        table += rows.FieldName(field) + "|";
-    }
-    for (; !rows.AtEnd(); rows.MoveNext()) {
-        table += "\n";
-        for (std::int32_t field = 0; field < rows.FieldCount(); ++field) {
-            const Variant value = rows.FieldValue(field);
-            table += (value.Is<Null>() ? "-" : ToText(value, {})) + "|";
-        }
-    }
-    return table;
-}
-
 TEST_F(AdoObjects, ARecordsetHasTheSameRows) {
     const MemberListing listings[] = {
         {.cubeName = "LedgerFNC", .kind = 1, .argumentA = "All", .argumentB = "OBS", .accountsMode = 1},
@@ -71,7 +57,7 @@ TEST_F(AdoObjects, ARecordsetHasTheSameRows) {
             ModSetCube::OpenedCube opened;
             const auto rows = provider.CreateRecordset();
             ModSetCube::OpenMemberRecordset(thread, provider, opened, *rows, file, listing);
-            return TableOf(*rows);
+            return TextOf(*rows);
         };
         const std::string expected = table(engine_, QEL_TEST_CUBE);
         EXPECT_GT(expected.size(), 200U) << "kind " << listing.kind;
@@ -134,7 +120,7 @@ std::string Outline(const Member& member) {
                        parent ? parent->UniqueName() : "nothing");
 }
 
-/// Every name and caption of a cube's metadata; of a level's members the first and the last.
+/// All names and captions of a cube's metadata, and the first and last member of each level.
 std::string Outline(const CubeDef& cube) {
     std::string text = cube.Name();
     for (std::int32_t d = 0; d < cube.DimensionCount(); ++d) {
