@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::string_view noBreakSpace = "\u00A0";
 
-/// Formulas carry a double quote in an OBS member as a no-break space.
+/// In an OBS member, formulas write a double quote as a no-break space.
 std::string QuotesCarried(const std::string& member) {
     std::string carried;
     for (const char character : member) {
@@ -52,7 +52,7 @@ std::string FormulaCell::Text(const std::string& member) {
 
 Variant FormulaCell::Key(const std::string& member) {
     if (member.empty()) {
-        // A text that is no array or range is no key at all.
+        // A plain text, neither array nor range, is not a key.
         return variety_.Below(2) == 0 ? Variant("All") : OneKey(Unrestricted());
     }
     double number = 0;
