@@ -76,3 +76,26 @@ timed() {
     "$@"
     took "$start"
 }
+
+passed_checks=0
+failed_checks=0
+
+# check NAME COMMAND...: runs a check, counts it and tells how long it took.
+check() {
+    local start=$SECONDS
+    say "Checking: $1"
+    if "${@:2}"; then
+        passed_checks=$((passed_checks + 1))
+    else
+        failed_checks=$((failed_checks + 1))
+        echo "FAILED: $1"
+    fi
+    took "$start"
+}
+
+# The last line of a script that ran checks, and its status.
+sum_up_checks() {
+    say "Summary"
+    echo "$passed_checks passed, $failed_checks failed"
+    [ "$failed_checks" -eq 0 ]
+}

@@ -10,7 +10,8 @@ namespace {
 
 /// Handles have 32 significant bits on every Windows; those of the roots are negative.
 HKEY SystemHandle(KeyHandle handle) {
-    return reinterpret_cast<HKEY>(static_cast<LONG_PTR>(static_cast<std::int32_t>(handle)));
+    const auto value = static_cast<LONG_PTR>(static_cast<std::int32_t>(handle));
+    return reinterpret_cast<HKEY>(value); // NOLINT(performance-no-int-to-ptr): a handle is a number
 }
 
 KeyHandle PortHandle(HKEY key) { return static_cast<KeyHandle>(reinterpret_cast<ULONG_PTR>(key)); }

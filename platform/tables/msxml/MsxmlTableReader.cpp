@@ -32,8 +32,10 @@ OwnedVariant ByteArray(const std::string& bytes) {
 }
 
 std::vector<DispatchObject> NodesOf(const DispatchObject& list) {
+    const std::int32_t count = list.Number(L"length");
     std::vector<DispatchObject> nodes;
-    for (std::int32_t i = 0; i < list.Number(L"length"); ++i) {
+    nodes.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t i = 0; i < count; ++i) {
         nodes.push_back(list.Child(L"item", ArgumentList(i)));
     }
     return nodes;
