@@ -42,7 +42,7 @@ public:
     std::string Caption() const override { return measuresLevelName; }
     std::int32_t MemberCount() const override { return static_cast<std::int32_t>(cube_->Measures().size()); }
     std::unique_ptr<Member> MemberAt(std::int32_t index) const override {
-        const auto place = CheckedIndex(index, cube_->Facts().Measures().size());
+        const auto place = CheckedIndex(index, cube_->Measures().size());
         return std::make_unique<MeasureMember>(cube_, place);
     }
 
