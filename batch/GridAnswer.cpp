@@ -1,9 +1,6 @@
 #include "batch/GridAnswer.h"
 
-#include "platform/value/AutomationError.h"
 #include "text/CaseFold.h"
-
-#include <fmt/format.h>
 
 #include <algorithm>
 
@@ -16,11 +13,6 @@ constexpr std::int32_t rowsAxis = 1;
 
 /// A calculated member has one name, a period all of its path.
 constexpr std::string_view calculatedColumn = "[Date].[QelSpan";
-
-[[noreturn]] void Refuse(const std::string& difference) {
-    constexpr std::int32_t wrongAnswer = static_cast<std::int32_t>(0x80040E83);
-    throw AutomationError(wrongAnswer, "The server did not answer what it was asked: " + difference);
-}
 
 /// The names and keys of a path: "Date", "2024", "1]" of "[Date].&[2024].[1]]]".
 std::vector<std::string> NamesOf(std::string_view path) {
@@ -48,23 +40,19 @@ bool IsOfDimension(std::string_view dimension, std::string_view firstName) {
            (firstName.size() == dimension.size() || firstName[dimension.size()] == '.');
 }
 
-void RequireAxis(const Cellset& answer, std::int32_t axis, const std::vector<GridRow>& asked) {
-    const char* const what = axis == rowsAxis ? "row" : "column";
+GridFit FitOfAxis(const Cellset& answer, std::int32_t axis, const std::vector<GridRow>& asked) {
     const auto count = static_cast<std::size_t>(answer.PositionCount(axis));
     if (count != asked.size()) {
-        Refuse(fmt::format("it sent {} {}s for {}.", count, what, asked.size()));
+        return count < asked.size() ? GridFit::LacksRows : GridFit::Differs;
     }
     for (std::size_t i = 0; i < count; ++i) {
         const auto position = static_cast<std::int32_t>(i);
-        if (answer.MemberCount(axis, position) != 1) {
-            Refuse(fmt::format("{} {} has several members.", what, i + 1));
-        }
-        const CellsetMember member = answer.MemberAt(axis, position, 0);
-        if (!IsMemberOf(asked[i], member)) {
-            Refuse(
-                fmt::format("{} {} is {} in place of {}.", what, i + 1, member.uniqueName, asked[i].member));
+        if (answer.MemberCount(axis, position) != 1 ||
+            !IsMemberOf(asked[i], answer.MemberAt(axis, position, 0))) {
+            return GridFit::Differs;
         }
     }
+    return GridFit::Exact;
 }
 
 GridRow ColumnAsked(const std::string& column) {
@@ -87,16 +75,15 @@ bool IsMemberOf(const GridRow& asked, const CellsetMember& answered) {
     return std::equal(names.end() - own, names.end(), given.end() - own, EqualIgnoringCase);
 }
 
-void RequireAnswerTo(const ValueGrid& grid, const Cellset& answer) {
-    if (answer.AxisCount() != 2) {
-        Refuse(fmt::format("it sent {} axes for 2.", answer.AxisCount()));
-    }
+GridFit FitOf(const ValueGrid& grid, const Cellset& answer) {
     std::vector<GridRow> columns;
     for (const std::string& column : ColumnsOf(grid)) {
         columns.push_back(ColumnAsked(column));
     }
-    RequireAxis(answer, columnsAxis, columns);
-    RequireAxis(answer, rowsAxis, grid.rows);
+    if (answer.AxisCount() != 2 || FitOfAxis(answer, columnsAxis, columns) != GridFit::Exact) {
+        return GridFit::Differs;
+    }
+    return FitOfAxis(answer, rowsAxis, grid.rows);
 }
 
 } // namespace qel::batch

@@ -1,6 +1,5 @@
 #include "batch/GridRunner.h"
 
-#include "batch/GridAnswer.h"
 #include "cube/ValueStatement.h"
 
 #include <system_error>
@@ -13,8 +12,8 @@ namespace {
 using ModSetCube::CellAnswer;
 
 constexpr std::size_t requestsAtOnce = 3;
-/// A member that the cube does not have fails the whole of its grid, which is then halved until it stands
-/// alone. With more failures than this, that would cost more than sending the statements one by one.
+/// A member that the cube does not have fails its whole grid, which is halved until that member stands alone.
+/// With more failures than this, halving would cost more than sending the statements one by one.
 constexpr int mostFailedGrids = 40;
 
 /// The exception that is being handled.
@@ -65,7 +64,7 @@ std::vector<std::optional<CellAnswer>> GridRunner::Run(GridPlan plan) {
         }
         Work();
     }
-    // What was halved by a thread after others had run out of work.
+    // What a failed grid left after the other threads had run out of work.
     Work();
     return std::move(answers_);
 }
@@ -98,10 +97,28 @@ void GridRunner::RunGrid(const ValueGrid& grid) {
     std::vector<std::size_t> queries;
     try {
         queries = QueriesOf(grid);
-        std::vector<CellAnswer> values;
-        const auto cellset = server_.provider.CreateCellset();
+        switch (AskFor(grid, queries)) {
+        case GridFit::Exact:
+            return;
+        case GridFit::LacksRows:
+            return Halve(grid);
+        case GridFit::Differs: // a part of such an answer might fit by chance
+            return AskAlone(queries);
+        }
+    } catch (...) {
+        Fail(queries);
+    }
+}
+
+GridFit GridRunner::AskFor(const ValueGrid& grid, std::span<const std::size_t> queries) {
+    std::vector<CellAnswer> values;
+    const auto cellset = server_.provider.CreateCellset();
+    try {
         cellset->Open(ComposeGridStatement(grid), server_.connection);
-        RequireAnswerTo(grid, *cellset);
+        const GridFit fit = FitOf(grid, *cellset);
+        if (fit != GridFit::Exact) {
+            return fit;
+        }
         for (std::size_t row = 0; row < grid.rows.size(); ++row) {
             for (std::size_t column = 0; column < grid.spans.size(); ++column) {
                 values.emplace_back(
@@ -109,27 +126,30 @@ void GridRunner::RunGrid(const ValueGrid& grid) {
             }
         }
         cellset->Close();
-        const std::scoped_lock lock(mutex_);
-        for (std::size_t i = 0; i < queries.size(); ++i) {
-            answers_[queries[i]] = std::move(values[i]);
-        }
     } catch (const AutomationError&) {
-        Halve(grid);
-    } catch (...) {
-        Fail(queries);
+        return GridFit::LacksRows; // a member that the cube does not have, most likely
     }
+    const std::scoped_lock lock(mutex_);
+    for (std::size_t i = 0; i < queries.size(); ++i) {
+        answers_[queries[i]] = std::move(values[i]);
+    }
+    return GridFit::Exact;
 }
 
-/// One row alone is not asked again: each of its queries then has its own answer.
 void GridRunner::Halve(const ValueGrid& grid) {
     if (grid.rows.size() < 2 || ++failedGrids_ > mostFailedGrids) {
-        return;
+        return AskAlone(QueriesOf(grid));
     }
     const auto count = static_cast<std::ptrdiff_t>(grid.rows.size());
     ValueGrid upper = Part(grid, 0, count / 2), lower = Part(grid, count / 2, count);
     const std::scoped_lock lock(mutex_);
     grids_.push_back(std::move(upper));
     grids_.push_back(std::move(lower));
+}
+
+void GridRunner::AskAlone(const std::vector<std::size_t>& queries) {
+    const std::scoped_lock lock(mutex_);
+    alone_.insert(alone_.end(), queries.begin(), queries.end());
 }
 
 void GridRunner::RunAlone(std::size_t query) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "batch/GridAnswer.h"
 #include "batch/GridPlan.h"
 #include "cube/CubeValue.h"
 
@@ -18,8 +19,8 @@ public:
     GridRunner(const ProviderConnection& server, std::span<const ModSetCube::ValueQuery> queries)
         : server_(server), queries_(queries), answers_(queries.size()) {}
 
-    /// Queries without an answer stand in a grid that failed, or the server was lost: they are asked by
-    /// themselves. Any exception on the way is the answer of the queries that were asked for.
+    /// Queries of a grid whose answer does not fit are asked alone. There is no answer when the server was
+    /// lost. Any exception on the way is the answer of the queries that were asked for.
     std::vector<std::optional<ModSetCube::CellAnswer>> Run(GridPlan plan);
 
 private:
@@ -27,7 +28,10 @@ private:
     /// False when nothing is left to do.
     bool WorkOnNext();
     void RunGrid(const ValueGrid& grid);
+    /// Keeps the values of an answer that fits. A failure counts as an answer without some rows.
+    GridFit AskFor(const ValueGrid& grid, std::span<const std::size_t> queries);
     void Halve(const ValueGrid& grid);
+    void AskAlone(const std::vector<std::size_t>& queries);
     void RunAlone(std::size_t query);
     /// The exception that is being handled becomes the queries' answer.
     void Fail(std::span<const std::size_t> queries) noexcept;

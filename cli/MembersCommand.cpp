@@ -94,7 +94,7 @@ constexpr KindOfList kinds[] = {
     {"summary-codes", SummaryLevel<SummaryLevelListing::By::Code>, true, false, true, true, 1484},
     {"summary-names", SummaryLevel<SummaryLevelListing::By::Name>, true, false, true, true, 1484},
     {"summary", SummaryGroups, true, true, false, true, 1484},
-    {obsLevels, nullptr, false, false, true, true, 1487},
+    {obsLevels, nullptr, false, false, true, false, 1487},
 };
 
 const KindOfList& FindKind(const std::string& name) {

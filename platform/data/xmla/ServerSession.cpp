@@ -270,11 +270,18 @@ RowsetAnswer ServerSession::Discover(const std::string& requestType, const XmlaP
 }
 
 CellsetAnswer ServerSession::Execute(const std::string& statement) {
-    return Ask<CellsetAnswer>(ComposeExecute(ForServer(statement), {{"Catalog", catalog_},
-                                                                    {"Format", "Multidimensional"},
-                                                                    {"AxisFormat", "TupleFormat"},
-                                                                    {"Content", "Data"}}),
-                              executeAction);
+    auto answer = Ask<CellsetAnswer>(ComposeExecute(ForServer(statement), {{"Catalog", catalog_},
+                                                                           {"Format", "Multidimensional"},
+                                                                           {"AxisFormat", "TupleFormat"},
+                                                                           {"Content", "Data"}}),
+                                     executeAction);
+    try {
+        answer.RequireCellsOnAxes();
+    } catch (const AutomationError&) {
+        isLost_ = true; // as after any other improper answer
+        throw;
+    }
+    return answer;
 }
 
 RowsetAnswer ServerSession::ExecuteTabular(const std::string& statement) {

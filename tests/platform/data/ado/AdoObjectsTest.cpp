@@ -47,9 +47,9 @@ protected:
 
 TEST_F(AdoObjects, ARecordsetHasTheSameRows) {
     const MemberListing listings[] = {
-        {.cubeName = "LedgerFNC", .kind = 1, .argumentA = "All", .argumentB = "OBS", .accountsMode = 1},
-        {.cubeName = "LedgerFNC", .kind = 2, .argumentA = "OBS", .argumentB = "Level2"},
-        {.cubeName = "LedgerHebrewFNC", .kind = ModSetCube::RecordsetKind::AccountCodes, .argumentB = "OBS"},
+        {"LedgerFNC", ModSetCube::AccountsListing{"All", "OBS"}},
+        {"LedgerFNC", ModSetCube::ObsListing{"OBS", "Level2"}},
+        {"LedgerHebrewFNC", ModSetCube::AccountCodesListing{"", "OBS"}},
     };
     for (const MemberListing& listing : listings) {
         const auto table = [&](DataAccess& provider, const std::string& file) {
@@ -60,8 +60,8 @@ TEST_F(AdoObjects, ARecordsetHasTheSameRows) {
             return TextOf(*rows);
         };
         const std::string expected = table(engine_, QEL_TEST_CUBE);
-        EXPECT_GT(expected.size(), 200U) << "kind " << listing.kind;
-        EXPECT_EQ(table(machine_, ledger), expected) << "kind " << listing.kind;
+        EXPECT_GT(expected.size(), 200U) << ComposeListing(listing);
+        EXPECT_EQ(table(machine_, ledger), expected) << ComposeListing(listing);
         EXPECT_THAT(doubles_.Log().recordsets.back(), HasSubstr("FROM " + listing.cubeName));
         EXPECT_THAT(doubles_.Log().recordsets.back(), testing::EndsWith("|-1|-1|-1"));
     }
@@ -156,6 +156,22 @@ TEST_F(AdoObjects, ACatalogHasTheSameMetadata) {
     EXPECT_EQ(ErrorOf([&] { catalog->CubeAt(0)->DimensionNamed("Nope"); }), 3265);
     EXPECT_EQ(catalog->CubeAt(0)->DimensionNamed("obs")->HierarchyAt(0)->LevelNamed("level1")->Name(),
               "Level1");
+}
+
+TEST_F(AdoObjects, ACellsetHasTheSameAxes) {
+    const MemberListing listing{"LedgerFNC", ModSetCube::SummaryGroupsListing{"SuperSum2", "All"}};
+    const auto outline = [&](DataAccess& provider, const std::string& file) {
+        const auto catalog = provider.CreateCatalog();
+        catalog->SetActiveConnection(TextFor(file, cube));
+        return Outline(*catalog->CubeAt(0));
+    };
+    EXPECT_EQ(outline(machine_, ledger), outline(engine_, QEL_TEST_CUBE)) << cube;
+}
+const auto catalog = machine_.CreateCatalog();
+catalog->SetActiveConnection(Connect());
+EXPECT_EQ(catalog->CubeCount(), 1);
+EXPECT_EQ(ErrorOf([&] { catalog->CubeAt(0)->DimensionNamed("Nope"); }), 3265);
+EXPECT_EQ(catalog->CubeAt(0)->DimensionNamed("obs")->HierarchyAt(0)->LevelNamed("level1")->Name(), "Level1");
 }
 
 TEST_F(AdoObjects, ACellsetHasTheSameAxes) {

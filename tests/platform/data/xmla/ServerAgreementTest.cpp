@@ -15,7 +15,7 @@
 namespace qel::ledger {
 namespace {
 
-using ModSetCube::MemberListing;
+using namespace ModSetCube;
 using test::ServedLedger;
 
 constexpr std::uint64_t seed = 20260807;
@@ -77,23 +77,25 @@ std::string RowsOrFailure(const List& list) {
     }
 }
 
-const MemberListing listings[] = {
-    {.kind = 1, .argumentA = "All", .argumentB = "OBS", .accountsMode = 1},
-    {.kind = 1, .argumentA = "20", .argumentB = "OBS", .accountsMode = 1},
-    {.kind = 2, .argumentA = "OBS", .argumentB = "Level1"},
-    {.kind = 2, .argumentA = "OBS", .argumentB = "level2"},
-    {.kind = 2, .argumentA = "OBS", .argumentB = "LEVEL3", .obsSubMember = "3"},
-    {.kind = 2, .argumentA = "Segments", .argumentB = "Cost", .obsSubMember = "1"},
-    {.kind = 2},
-    {.kind = 3, .argumentA = "OBS", .obsSubMember = "2"},
-    {.kind = 3, .argumentA = "Segments"},
-    {.kind = 3, .argumentA = "nothing of that name"},
-    {.kind = 4, .argumentA = "All", .argumentB = "OBS", .summaryLevel = "SuperSum1"},
-    {.kind = 4, .argumentA = "10", .argumentB = "OBS", .summaryLevel = "SuperSum3"},
-    {.kind = 5, .argumentA = "All", .argumentB = "OBS", .summaryLevel = "SuperSum2Name"},
-    {.kind = 6, .argumentA = "All", .summaryLevel = "SuperSum1"},
-    {.kind = 6, .argumentA = "", .summaryLevel = "SuperSum3"},
-    {.kind = 6, .argumentA = "10", .summaryLevel = "SuperSum2"},
+const ListedMembers listings[] = {
+    AccountsListing{"All", "OBS"},
+    AccountsListing{"20", "OBS"},
+    AccountCodesListing{"20", "OBS"},
+    ObsListing{"OBS", "Level1"},
+    ObsListing{"OBS", "level2"},
+    ObsListing{"OBS", "LEVEL3", "3"},
+    ObsListing{"Segments", "Cost", "1"},
+    ObsListing{},
+    ActivitiesListing{"OBS", "2"},
+    ActivitiesListing{"Segments"},
+    ActivitiesListing{"nothing of that name"},
+    SummaryLevelListing{SummaryLevelListing::By::Code, "SuperSum1", "All", "OBS"},
+    SummaryLevelListing{SummaryLevelListing::By::Code, "SuperSum3", "10", "OBS"},
+    SummaryLevelListing{SummaryLevelListing::By::Name, "SuperSum2Name", "All", "OBS"},
+    SummaryGroupsListing{"SuperSum1", "All"},
+    SummaryGroupsListing{"SuperSum3"},
+    SummaryGroupsListing{"SuperSum2", "10"},
+    SummaryGroupsOfObsListing{"SuperSum3", "10", "OBS"},
 };
 
 const char* const cubeNames[] = {"LedgerFNC", "LedgerHebrewFNC"};
@@ -101,8 +103,8 @@ const char* const cubeNames[] = {"LedgerFNC", "LedgerHebrewFNC"};
 TEST(ServerAgreement, ListingsHaveTheMembersAndRowsOfTheEmbeddedEngine) {
     ServedLedger ledger;
     for (const char* cubeName : cubeNames) {
-        for (MemberListing listing : listings) {
-            listing.cubeName = cubeName;
+        for (const ListedMembers& listed : listings) {
+            const MemberListing listing{cubeName, listed};
             const auto members = [&](DataAccess& provider, const std::string& source) {
                 return RowsOrFailure(
                     [&] { return RowsOf(*ModSetCube::ListMembersCellset(provider, source, listing)); });
@@ -116,10 +118,10 @@ TEST(ServerAgreement, ListingsHaveTheMembersAndRowsOfTheEmbeddedEngine) {
                     return test::TextOf(*recordset, true);
                 });
             };
-            SCOPED_TRACE(fmt::format("{} kind {} {} {} {}", cubeName, listing.kind, listing.argumentA,
-                                     listing.argumentB, listing.summaryLevel));
-            EXPECT_EQ(members(ledger.servers, ledger.server), members(ledger.embedded, ledger.cubeFile));
-            EXPECT_EQ(rows(ledger.servers, ledger.server), rows(ledger.embedded, ledger.cubeFile));
+            EXPECT_EQ(members(ledger.servers, ledger.server), members(ledger.embedded, ledger.cubeFile))
+                << ComposeListing(listing);
+            EXPECT_EQ(rows(ledger.servers, ledger.server), rows(ledger.embedded, ledger.cubeFile))
+                << ComposeListing(listing);
         }
     }
 }
@@ -149,10 +151,9 @@ TEST(ServerAgreement, NamesOfEverySummaryGroupAreTheSame) {
         for (int level = 1; level <= 3; ++level) {
             auto groups = database.Prepare(fmt::format("SELECT DISTINCT group{} FROM accounts", level));
             while (groups.Step()) {
-                const auto nameFrom = [&](OrmQelFunction& object, std::string source) {
-                    std::string cube = cubeName, type = fmt::format("SuperSum{}", level),
-                                key = groups.Text(0);
-                    return std::get<std::string>(object.RetQelName(source, cube, type, key).Get());
+                const auto nameFrom = [&](OrmQelFunction& object, const std::string& source) {
+                    const NameCall call{source, cubeName, fmt::format("SuperSum{}", level), groups.Text(0)};
+                    return object.RetQelName(call).value.As<std::string>();
                 };
                 const std::string expected = nameFrom(local, ledger.cubeFile);
                 EXPECT_EQ(nameFrom(served, ledger.server), expected)

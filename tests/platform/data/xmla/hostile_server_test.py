@@ -4,6 +4,7 @@ import base64
 import http.server
 import os
 import pathlib
+import re
 import resource
 import socket
 import ssl
@@ -105,6 +106,80 @@ FAILURES = [
 ]
 
 
+# A cube for formulas: OBS 1, the months of 2024, and accounts whose value in month m is account + m / 4.
+KNOWN = ("4000", "5000", "6000", "7000")
+ACCOUNT, MONTH = "[Accounts].[AccountCodes].[All].[%s]", "[Date].[2024].[%s]"
+
+
+def rows(*fields):
+    return ENVELOPE % ("UTF-8", "<r><root>" + "".join(
+        "<row>" + "".join(f"<{name}>{value}</{name}>" for name, value in row.items()) + "</row>" for row in fields)
+        + "</root></r>")
+
+
+def hierarchy(name, *levels):
+    """The rows of a dimension of one hierarchy, of that hierarchy, and of its levels."""
+    of = {"DIMENSION_UNIQUE_NAME": f"[{name}]", "HIERARCHY_UNIQUE_NAME": f"[{name}]"}
+    return ({"DIMENSION_NAME": name, **of}, {"HIERARCHY_NAME": name, **of},
+            [{"LEVEL_NAME": level, "LEVEL_UNIQUE_NAME": f"[{name}].[{level}]", "LEVEL_NUMBER": number, **of}
+             for number, level in enumerate(levels)])
+
+
+ACTX, DATE = hierarchy("ActX", "All", "Name", "Number"), hierarchy("Date", "All", "Year", "Month")
+CUBE = {
+    "MDSCHEMA_CUBES": rows({"CUBE_NAME": "Other"}),
+    "MDSCHEMA_DIMENSIONS": rows(ACTX[0], DATE[0]),
+    "MDSCHEMA_HIERARCHIES": rows(ACTX[1], DATE[1]),
+    "MDSCHEMA_LEVELS": rows(*ACTX[2], *DATE[2]),
+    "[Date].[Year]": rows({"MEMBER_NAME": "2024", "MEMBER_UNIQUE_NAME": "[Date].[2024]"}),
+    "[Date].[Month]": rows(*({"MEMBER_NAME": month, "MEMBER_UNIQUE_NAME": MONTH % month, "MEMBER_ORDINAL": month,
+                              "PARENT_UNIQUE_NAME": "[Date].[2024]"} for month in (1, 2, 3))),
+}
+
+
+class Grid:
+    """A grid's columns and rows as they were asked for, and the numbers of its cells; a lie changes them."""
+    def __init__(self, statement):
+        self.columns = re.findall(r"\[Date\]\.\[2024\]\.\[(\d+)\]", statement)
+        self.rows = re.findall(r"\[AccountCodes\]\.\[All\]\.\[(\d+)\]", statement)
+        self.account, self.month, self.shift = ACCOUNT, MONTH, 0
+        self.repeats = 1
+
+    def answer(self):
+        def axis(number, names):
+            return f'<Axis name="Axis{number}"><Tuples>' + "".join(
+                f"<Tuple><Member><UName>{name}</UName></Member></Tuple>" for name in names) + "</Tuples></Axis>"
+        cells = [cell(float(row) + float(column) / 4, str(self.shift + i * len(self.columns) + j))
+                 for i, row in enumerate(self.rows) for j, column in enumerate(self.columns) if row in KNOWN]
+        return cellset("".join(cells * self.repeats), "<Axes>" + axis(0, [self.month % column for column in self.columns])
+                       + axis(1, [self.account % row for row in self.rows]) + "</Axes>")
+
+
+def change(**attributes):
+    return lambda grid: vars(grid).update({name: value(getattr(grid, name)) for name, value in attributes.items()})
+
+
+# What a server may answer to a grid; alone, it answers every formula as it should.
+LIES = {
+    "the truth": change(),
+    "unknown rows left out": change(rows=lambda rows: [row for row in rows if row in KNOWN]),
+    "a column left out": change(columns=lambda columns: columns[1:]),
+    "all rows left out": change(rows=lambda rows: []),
+    "a row too many": change(rows=lambda rows: ["7000", *rows]),
+    "a column too many": change(columns=lambda columns: [*columns, "3"]),
+    "rows in another order": change(rows=lambda rows: rows[::-1]),
+    "columns in another order": change(columns=lambda columns: columns[::-1]),
+    "a row twice": change(rows=lambda rows: [*rows, rows[0]]),
+    "a row in place of another": change(rows=lambda rows: [rows[0], *rows[:-1]]),
+    "a column in place of another": change(columns=lambda columns: [columns[0], *columns[:-1]]),
+    "cells beyond the last": change(shift=lambda _: 1),
+    "cells twice": change(repeats=lambda _: 2),
+    "members of another cube": change(account=lambda _: "[Customers].[Codes].[All].[%s]"),
+    "columns of another dimension": change(month=lambda _: "[Delivery].[2024].[%s]"),
+    "members without names": change(account=lambda _: "<!-- %s -->"),
+}
+
+
 class Handler(http.server.BaseHTTPRequestHandler):
     protocol_version = "HTTP/1.1"
 
@@ -120,7 +195,13 @@ class Handler(http.server.BaseHTTPRequestHandler):
         elif "Discover" in body and self.server.silent_discovers:
             self.silent()
         elif "Discover" in body:
-            self.answer(200, CATALOGS)
+            asked = [answer for what, answer in CUBE.items() if f">{what}<" in body]
+            self.answer(200, asked[-1] if asked else CATALOGS)
+        elif name == "grids":
+            grid = Grid(body)
+            if " ON ROWS FROM " in body:
+                self.server.lie(grid)
+            self.answer(200, grid.answer())
         elif name in EXECUTES:
             self.answer(*EXECUTES[name])
         else:
@@ -249,6 +330,22 @@ class HostileServer(unittest.TestCase):
         values = done.stdout.decode().split("\n")[:-1]
         self.assertEqual(values, ["#err -2147217791"] * 300)
         self.assertLess(len(self.server.seen), 20, "every cell asked the silent server")
+
+    def test_a_grid_that_is_not_what_was_asked_for_changes_no_value(self):
+        asked = [("4000", 1), ("9999", 1), ("5000", 1), ("6000", 1), ("4000", 2), ("9999", 2), ("5000", 2), ("6000", 2)]
+        formulas = [f'=QelF1("{self.address("grids")}","Other",{{"OBS"}},{{"1"}},{{"All"}},{{"All"}},{{"All"}},"All",'
+                    f'"All","{account}","Amount","All","All","All","All","All","01/0{month}/2024","28/0{month}/2024")'
+                    for account, month in asked]
+        right = [f"{int(account) + month / 4:g}" if account in KNOWN else "0" for account, month in asked]
+        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
+        for what, lie in LIES.items():
+            with self.subTest(what):
+                self.server.lie = lie
+                self.server.seen.clear()
+                done = subprocess.run([QEL, "eval", *formulas], capture_output=True, env=environment, timeout=300)
+                self.assertEqual((done.stdout.decode().split(), done.returncode), (right, 0), done.stderr.decode())
+                statements = [body for _, _, body in self.server.seen if "Execute" in body]
+                self.assertEqual(len(statements) == 1, what == "the truth", "a grid that is right is enough")
 
     def test_unknown_catalogs_are_reported_with_the_known_ones(self):
         status, _, errors = self.mdx(self.address("good"), catalog="Boks")
