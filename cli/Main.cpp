@@ -11,7 +11,7 @@
 #include "cli/SettingsCommand.h"
 #include "cli/Terminal.h"
 #include "cli/Version.h"
-#include "platform/data/ChooseProvider.h"
+#include "platform/data/choice/ChooseProvider.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/data/embedded/ProviderErrors.h"
 #include "platform/data/xmla/ServerSettings.h"

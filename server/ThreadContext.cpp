@@ -1,7 +1,7 @@
 #include "server/ThreadContext.h"
 
-#include "platform/data/ChooseProvider.h"
 #include "platform/data/ado/AdoDataAccess.h"
+#include "platform/data/choice/ChooseProvider.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/windows/WindowsApi.h"
 

@@ -18,6 +18,7 @@ MAY_INCLUDE = {
     "engine/mdx": "text engine/include",
     "engine/eval": "text engine/include engine/storage engine/mdx",
     "engine/*": "text engine/include engine/storage",
+    "platform/data/choice": "text platform/value .. engine/include",
     "platform/data/embedded": "text platform/value .. engine/include",
     "platform/*/*": "text platform/value .. platform/windows platform/office",  # an adapter, below its port
     "platform/*": "text platform/value",
@@ -27,8 +28,8 @@ MAY_INCLUDE = {
     "cube": f"{PORTS} support",
     "wizard": f"{PORTS} support store lang cube",
     "function": f"{PORTS} support store lang cube wizard",
-    "batch": f"{PORTS} support cube",
-    "cli/formula": "text platform/value",  # the doors
+    "batch": f"{PORTS} support store lang cube wizard function",
+    "cli/formula": "text platform/value cube",  # the doors
     "cli": f"{PRODUCT} cli/formula",
     "calc": PRODUCT,
     "server/dispatch": "text platform/value platform/windows",
@@ -40,8 +41,7 @@ MAY_INCLUDE = {
     "fuzz/*": f"{PRODUCT} engine/* cli/*",
 }
 # Arrows that point sideways and are still to be mended.
-TO_MEND = {("platform/data/standalone", "platform/data/embedded"), ("platform/data/standalone", "platform/data/xmla"),
-           ("platform/data/xmla", "platform/settings/files")}
+TO_MEND = {("platform/data/xmla", "platform/settings/files")}
 
 arrows, wrong = set(), []
 tops = [top for top in ROOT.iterdir() if top.is_dir() and top.name != "build" and not top.name.startswith(".")]

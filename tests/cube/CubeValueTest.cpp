@@ -13,10 +13,10 @@
 namespace qel::ModSetCube {
 namespace {
 
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using test::LedgerProvider;
 using test::RecordingProvider;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 /// One call, and what is made of its lists and dates.

@@ -13,10 +13,10 @@ namespace qel {
 namespace {
 
 using test::ErrorOf;
-using ::testing::ElementsAre;
-using ::testing::HasSubstr;
 using test::LedgerProvider;
 using test::RecordingProvider;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
 using Log = std::vector<std::string>;
 
 /// The arguments of one formula.

@@ -1,4 +1,4 @@
-#include "platform/data/ChooseProvider.h"
+#include "platform/data/choice/ChooseProvider.h"
 
 #include "tests/helpers/books/BooksCube.h"
 #include "tests/helpers/doubles/RecordingProvider.h"

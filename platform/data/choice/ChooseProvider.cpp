@@ -1,4 +1,4 @@
-#include "platform/data/ChooseProvider.h"
+#include "platform/data/choice/ChooseProvider.h"
 
 #include "platform/data/ConnectionText.h"
 #include "platform/value/AutomationError.h"
