@@ -14,6 +14,7 @@ import os
 import pathlib
 import subprocess
 import sys
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
@@ -103,7 +104,10 @@ def main():
     parser.add_argument("builds", nargs="+", help="configured and built folders, such as build/native")
     parser.add_argument("--only", action="append", type=pathlib.Path, metavar="FILE",
                         help="check this source, or one source that includes this header; may be repeated")
+    parser.add_argument("--minutes", type=float, default=float("inf"),
+                        help="start no further source after so many minutes; the next run goes on where this one ended")
     options = parser.parse_args()
+    end = time.monotonic() + 60 * options.minutes
     builds = [os.path.abspath(build) for build in options.builds]
 
     includes = {build: included_files(build) for build in builds}
@@ -120,9 +124,13 @@ def main():
         if not mark.exists():
             waiting.append((build, entry, mark))
 
-    failures = 0
+    def check_in_time(build, source, arguments):
+        return check(build, source, arguments) if time.monotonic() < end else (None, "")
+
+    waiting.sort(key=lambda each: pathlib.Path(each[1]["file"]).is_relative_to(ROOT / "tests"))  # the product first
+    failures, left = 0, 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        results = {pool.submit(check, build, entry["file"], cross_arguments(compiler_of(entry["command"]))):
+        results = {pool.submit(check_in_time, build, entry["file"], cross_arguments(compiler_of(entry["command"]))):
                    (entry["file"], mark) for build, entry, mark in waiting}
         for result in concurrent.futures.as_completed(results):
             source, mark = results[result]
@@ -130,9 +138,14 @@ def main():
             if status == 0:
                 mark.touch()
                 continue
+            if status is None:
+                left += 1
+                continue
             failures += 1
             print(text.strip() or f"clang-tidy failed on {source}")
-    print(f"clang-tidy: {len(waiting)} sources checked, {failures} with findings")
+    print(f"clang-tidy: {len(waiting) - left} sources checked, {failures} with findings")
+    if left:
+        print(f"{left} sources are left for the next run: the {options.minutes:g} minutes are over")
     return 1 if failures else 0
 
 
