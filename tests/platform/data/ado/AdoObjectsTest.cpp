@@ -161,25 +161,6 @@ TEST_F(AdoObjects, ACatalogHasTheSameMetadata) {
 TEST_F(AdoObjects, ACellsetHasTheSameAxes) {
     const MemberListing listing{"LedgerFNC", ModSetCube::SummaryGroupsListing{"SuperSum2", "All"}};
     const auto outline = [&](DataAccess& provider, const std::string& file) {
-        const auto catalog = provider.CreateCatalog();
-        catalog->SetActiveConnection(TextFor(file, cube));
-        return Outline(*catalog->CubeAt(0));
-    };
-    EXPECT_EQ(outline(machine_, ledger), outline(engine_, QEL_TEST_CUBE)) << cube;
-}
-const auto catalog = machine_.CreateCatalog();
-catalog->SetActiveConnection(Connect());
-EXPECT_EQ(catalog->CubeCount(), 1);
-EXPECT_EQ(ErrorOf([&] { catalog->CubeAt(0)->DimensionNamed("Nope"); }), 3265);
-EXPECT_EQ(catalog->CubeAt(0)->DimensionNamed("obs")->HierarchyAt(0)->LevelNamed("level1")->Name(), "Level1");
-}
-
-TEST_F(AdoObjects, ACellsetHasTheSameAxes) {
-    const MemberListing listing{.cubeName = "LedgerFNC",
-                                .kind = ModSetCube::CellsetKind::SummaryGroups,
-                                .argumentA = "All",
-                                .summaryLevel = "SuperSum2"};
-    const auto outline = [&](DataAccess& provider, const std::string& file) {
         const auto cells = ModSetCube::ListMembersCellset(provider, file, listing);
         std::string text = fmt::format("{} axes", cells->AxisCount());
         for (std::int32_t position = 0; position < cells->PositionCount(1); ++position) {
