@@ -5,6 +5,19 @@
 
 namespace qel::ModSetCube {
 
+namespace {
+
+/// A machine's connection whose opening failed may not even tell its state.
+bool IsOpen(const std::shared_ptr<Connection>& connection) {
+    try {
+        return connection && connection->State() == stateOpen;
+    } catch (const AutomationError&) {
+        return false;
+    }
+}
+
+} // namespace
+
 std::string ComposeConnectionText(const std::string& cubeFile, const std::string& cubeName) {
     return "Provider=MSOLAP;Data Source=" + cubeFile + ";Initial Catalog=" + cubeName +
            ";Client Cache Size=25;Auto Synch Period=10000";
@@ -25,7 +38,7 @@ void OpenThreadConnection(ThreadState& thread, const Providers& providers, const
 
 void OpenOrReuse(ThreadState& thread, const Providers& providers, OpenedCube& opened,
                  const OpenedCube& wanted) {
-    if (thread.CubeConnection && thread.CubeConnection->State() == stateOpen) {
+    if (IsOpen(thread.CubeConnection)) {
         // Objects of a thread share the connection but not `opened`: it may be open on another object's cube.
         if (opened == wanted && thread.connected == wanted) {
             return;

@@ -52,16 +52,6 @@ TEST(Throughput, AHundredThousandCallsLeaveNoMemoryBehind) {
     const std::size_t before = PrivateBytes();
     const double throughCom = Seconds([&] { callMany(calls); });
     const std::size_t after = PrivateBytes();
-
-    EmbeddedDataAccess dataAccess;
-    ModSetCube::ThreadState thread;
-    const Locale locale;
-    OrmQelFunction function({thread, dataAccess, locale});
-    const double inProcess = Seconds([&] {
-        for (int i = 0; i < calls; ++i) {
-            function.QeLF1(ValueCallOf({}));
-        }
-    });
     const auto grown = static_cast<std::int64_t>(after) - static_cast<std::int64_t>(before);
     std::printf("%.0f calls/s, memory %+lld bytes over %d calls\n", calls / throughCom,
                 static_cast<long long>(grown), calls);

@@ -13,7 +13,7 @@ namespace qel::test {
 
 namespace {
 
-using Log = std::shared_ptr<ProviderLog>;
+using LogPointer = std::shared_ptr<ProviderLog>;
 
 /// The engine behind all doubles.
 DataAccess& Engine() {
@@ -46,7 +46,7 @@ std::shared_ptr<Connection> ConnectionAt(const Inputs& inputs, std::size_t index
     return Connections().at(V_DISPATCH(inputs.at(index)));
 }
 
-ComPointer<IDispatch> MakeCatalog(const Log& log) {
+ComPointer<IDispatch> MakeCatalog(const LogPointer& log) {
     return MakeObject([&](DispatchDouble& object) {
         const std::shared_ptr<Catalog> catalog = Engine().CreateCatalog();
         object.Method(L"ActiveConnection", [catalog, log](const Inputs& inputs) {
@@ -66,7 +66,7 @@ ComPointer<IDispatch> MakeCatalog(const Log& log) {
     });
 }
 
-ComPointer<IDispatch> MakeRecordset(const Log& log, const std::shared_ptr<Recordset>& rows) {
+ComPointer<IDispatch> MakeRecordset(const LogPointer& log, const std::shared_ptr<Recordset>& rows) {
     return MakeObject([&](DispatchDouble& object) {
         DefineRows(object, rows);
         object.Method(L"Open", [rows, log](const Inputs& inputs) {
@@ -82,7 +82,7 @@ ComPointer<IDispatch> MakeRecordset(const Log& log, const std::shared_ptr<Record
     });
 }
 
-ComPointer<IDispatch> MakeConnection(const Log& log) {
+ComPointer<IDispatch> MakeConnection(const LogPointer& log) {
     return MakeObject([&](DispatchDouble& object) {
         const std::shared_ptr<Connection> connection = Engine().CreateConnection();
         // Counts the object for as long as its members live.
@@ -138,7 +138,7 @@ ComPointer<IDispatch> MakePositions(const std::shared_ptr<Cellset>& cellset, std
     });
 }
 
-ComPointer<IDispatch> MakeCellset(const Log& log) {
+ComPointer<IDispatch> MakeCellset(const LogPointer& log) {
     return MakeObject([&](DispatchDouble& object) {
         const std::shared_ptr<Cellset> cellset = Engine().CreateCellset();
         object.Method(L"Open", [cellset, log](const Inputs& inputs) {
@@ -169,11 +169,12 @@ ComPointer<IDispatch> MakeCellset(const Log& log) {
 
 ProviderDoubles::ProviderDoubles() : log_(std::make_shared<ProviderLog>()) {
     const auto add = [this](const wchar_t* progId,
-                            const std::function<ComPointer<IDispatch>(const Log&)>& make) {
+                            const std::function<ComPointer<IDispatch>(const LogPointer&)>& make) {
         classes_.push_back(std::make_unique<NamedClass>(progId, [log = log_, make] { return make(log); }));
     };
     add(L"ADODB.Connection", MakeConnection);
-    add(L"ADODB.Recordset", [](const Log& log) { return MakeRecordset(log, Engine().CreateRecordset()); });
+    add(L"ADODB.Recordset",
+        [](const LogPointer& log) { return MakeRecordset(log, Engine().CreateRecordset()); });
     add(L"ADOMD.Catalog", MakeCatalog);
     add(L"ADOMD.Cellset", MakeCellset);
 }
