@@ -54,10 +54,11 @@ ValueGrid Part(const ValueGrid& grid, std::ptrdiff_t first, std::ptrdiff_t last)
 std::vector<std::optional<CellAnswer>> GridRunner::Run(GridPlan plan) {
     grids_.assign(std::make_move_iterator(plan.grids.begin()), std::make_move_iterator(plan.grids.end()));
     alone_.assign(plan.alone.begin(), plan.alone.end());
+    const std::size_t workers = std::min(requestsAtOnce, grids_.size() + alone_.size());
     {
         std::vector<std::jthread> threads; // joined at the end of the block
         try {
-            for (std::size_t i = 1; i < std::min(requestsAtOnce, grids_.size() + alone_.size()); ++i) {
+            for (std::size_t i = 1; i < workers; ++i) {
                 threads.emplace_back([this] { Work(); });
             }
         } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): this thread works alone
