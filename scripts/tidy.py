@@ -12,8 +12,10 @@ import hashlib
 import json
 import os
 import pathlib
+import re
 import subprocess
 import sys
+import tempfile
 import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
@@ -28,7 +30,7 @@ def included_files(build):
             current = files.setdefault(line.split(":")[0], [])
         elif line.strip():
             path = (pathlib.Path(build) / line.strip()).resolve()
-            if path.is_relative_to(ROOT):
+            if path.is_relative_to(ROOT) and not path.name.startswith("cmake_pch"):
                 current.append(path)
     return files
 
@@ -51,7 +53,8 @@ def rules():
 
 def fingerprint(base, command, paths):
     digest = base.copy()
-    digest.update(command.replace(str(ROOT), "").encode())
+    meaning = [word for word in command.split() if word.startswith(("-D", "-I", "-isystem", "-std", "/"))]
+    digest.update(" ".join(meaning).replace(str(ROOT), "").encode())
     for path in sorted(paths):
         digest.update(path.read_bytes())
     return digest.hexdigest()
@@ -68,13 +71,15 @@ def cross_arguments(compiler):
     return [f"--target={target}", "-nostdinc++", f"-isystem{headers}", f"-isystem{headers / target}"]
 
 
-def compiler_of(command):
-    return next(word for word in command.split() if not word.endswith("ccache"))
+def plain(command):
+    """A compile command without what runs before the compiler and without GCC's precompiled headers."""
+    compiler = re.search(r"\S*[gc]\+\+\S* ", command).start()
+    return re.sub(r"-Winvalid-pch -include \S+ ", "", command[compiler:])
 
 
-def check(build, source, arguments):
+def check(folder, source, arguments):
     extra = [f"--extra-arg={argument}" for argument in ["-Wno-unknown-warning-option", *arguments]]
-    done = subprocess.run(["clang-tidy", "-p", build, "--quiet", *extra, source], capture_output=True, text=True)
+    done = subprocess.run(["clang-tidy", "-p", folder, "--quiet", *extra, source], capture_output=True, text=True)
     return done.returncode, done.stdout
 
 
@@ -83,6 +88,7 @@ def own_sources(builds):
     seen = set()
     for build in builds:
         for entry in json.loads((pathlib.Path(build) / "compile_commands.json").read_text()):
+            entry["command"] = plain(entry["command"])
             source = pathlib.Path(entry["file"])
             if source.is_relative_to(ROOT) and not source.is_relative_to(ROOT / "build") and source not in seen:
                 seen.add(source)
@@ -122,16 +128,17 @@ def main():
     for build, entry in entries:
         mark = stamps / fingerprint(base, entry["command"], included((build, entry), includes))
         if not mark.exists():
-            waiting.append((build, entry, mark))
+            waiting.append((entry, mark))
 
-    def check_in_time(build, source, arguments):
-        return check(build, source, arguments) if time.monotonic() < end else (None, "")
+    def check_in_time(entry):
+        arguments = cross_arguments(entry["command"].split()[0])
+        return check(commands, entry["file"], arguments) if time.monotonic() < end else (None, "")
 
-    waiting.sort(key=lambda each: pathlib.Path(each[1]["file"]).is_relative_to(ROOT / "tests"))  # the product first
+    waiting.sort(key=lambda each: pathlib.Path(each[0]["file"]).is_relative_to(ROOT / "tests"))  # the product first
     failures, left = 0, 0
-    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        results = {pool.submit(check_in_time, build, entry["file"], cross_arguments(compiler_of(entry["command"]))):
-                   (entry["file"], mark) for build, entry, mark in waiting}
+    with tempfile.TemporaryDirectory() as commands, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        (pathlib.Path(commands) / "compile_commands.json").write_text(json.dumps([entry for entry, _ in waiting]))
+        results = {pool.submit(check_in_time, entry): (entry["file"], mark) for entry, mark in waiting}
         for result in concurrent.futures.as_completed(results):
             source, mark = results[result]
             status, text = result.result()
