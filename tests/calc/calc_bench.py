@@ -123,7 +123,8 @@ class Error:
 
 
 def shown(cell):
-    if cell.getError():
-        return Error(cell.getError())
+    error = cell.getError()  # once: a value may come at any time
+    if error:
+        return Error(error)
     is_text = cell.FormulaResultType2 == FORMULA_RESULT_STRING
     return cell.getString() if is_text else cell.getValue()
