@@ -1,7 +1,7 @@
 #include "calc/ServerResultsOfOffice.h"
 
-#include "platform/data/xmla/ServerSettings.h"
 #include "platform/data/xmla/XmlaDataAccess.h"
+#include "platform/data/xmla/settings/ServerSettings.h"
 
 #include <com/sun/star/awt/AsyncCallback.hpp>
 #include <com/sun/star/frame/Desktop.hpp>

@@ -19,7 +19,7 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Print the value of each formula, one a line";
+constexpr const char* description = "Print the value of each formula on a line of its own";
 
 constexpr const char* footer =
     R"(A formula is the text of a cell. Functions: QelF1, QeL1, QelName, RetQelName, QelFuncDemo; the class's name

@@ -14,8 +14,8 @@
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/data/embedded/ProviderErrors.h"
-#include "platform/data/xmla/ServerSettings.h"
 #include "platform/data/xmla/XmlaDataAccess.h"
+#include "platform/data/xmla/settings/ServerSettings.h"
 #include "platform/value/AutomationError.h"
 #include "text/CaseFold.h"
 

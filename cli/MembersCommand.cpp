@@ -31,8 +31,8 @@ constexpr const char* footer =
   summary         --level                codes and names; with --recordset: --obs; --firma
   obs-levels      --obs --sub-member     how many levels of [OBS] have data
 
-One member a line: its name, then the captions, with tabs between. With --recordset: the flattened table, names of the
-fields first. Members without data are left out, except of summary-codes and summary-names.
+Each line holds one member: its name, then its captions, separated by tabs. With --recordset: the flattened table, with
+the names of its fields first. Members without data are left out, except of summary-codes and summary-names.
 
 Examples:
   qel members demo.cub LedgerFNC --kind accounts --obs OBS

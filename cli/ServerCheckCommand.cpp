@@ -6,7 +6,7 @@
 #include "function/OrmQelFunction.h"
 #include "platform/data/ConnectionText.h"
 #include "platform/data/xmla/ServerSession.h"
-#include "platform/data/xmla/ServerSettings.h"
+#include "platform/data/xmla/settings/ServerSettings.h"
 #include "platform/value/AutomationError.h"
 
 #include <CLI/CLI.hpp>

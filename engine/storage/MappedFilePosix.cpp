@@ -12,7 +12,6 @@
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
-#include <utility>
 
 namespace qel::engine {
 
@@ -99,21 +98,8 @@ struct MappedFile::Mapping {
     std::optional<MappingWatch> watch;
 };
 
-MappedFile::MappedFile() = default;
-
 MappedFile::MappedFile(const std::filesystem::path& path)
-    : mapping_(std::make_unique<Mapping>(path)), bytes_(mapping_->bytes) {}
-
-MappedFile::~MappedFile() = default;
-
-MappedFile::MappedFile(MappedFile&& other) noexcept
-    : mapping_(std::move(other.mapping_)), bytes_(std::exchange(other.bytes_, {})) {}
-
-MappedFile& MappedFile::operator=(MappedFile&& other) noexcept {
-    std::swap(mapping_, other.mapping_);
-    std::swap(bytes_, other.bytes_);
-    return *this;
-}
+    : mapping_(std::make_shared<Mapping>(path)), bytes_(mapping_->bytes) {}
 
 bool MappedFile::IsUnchanged() const { return mapping_ == nullptr || mapping_->IsUnchanged(); }
 

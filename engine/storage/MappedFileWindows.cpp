@@ -5,7 +5,6 @@
 #include <fmt/format.h>
 
 #include <system_error>
-#include <utility>
 #include <windows.h>
 
 namespace qel::engine {
@@ -75,21 +74,8 @@ struct MappedFile::Mapping {
     std::span<const std::byte> bytes;
 };
 
-MappedFile::MappedFile() = default;
-
 MappedFile::MappedFile(const std::filesystem::path& path)
-    : mapping_(std::make_unique<Mapping>(path)), bytes_(mapping_->bytes) {}
-
-MappedFile::~MappedFile() = default;
-
-MappedFile::MappedFile(MappedFile&& other) noexcept
-    : mapping_(std::move(other.mapping_)), bytes_(std::exchange(other.bytes_, {})) {}
-
-MappedFile& MappedFile::operator=(MappedFile&& other) noexcept {
-    std::swap(mapping_, other.mapping_);
-    std::swap(bytes_, other.bytes_);
-    return *this;
-}
+    : mapping_(std::make_shared<Mapping>(path)), bytes_(mapping_->bytes) {}
 
 /// Windows refuses to truncate a mapped file, which is how programs overwrite files.
 bool MappedFile::IsUnchanged() const { return true; }

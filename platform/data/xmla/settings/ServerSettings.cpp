@@ -1,4 +1,4 @@
-#include "platform/data/xmla/ServerSettings.h"
+#include "platform/data/xmla/settings/ServerSettings.h"
 
 #include "platform/settings/files/ConfigFolder.h"
 #include "platform/settings/files/IniFile.h"
