@@ -89,6 +89,11 @@ function(qel_program name)
     target_link_libraries(${name} PRIVATE qel_options)
 endfunction()
 
+# qel_option_parser(sources...): main programs, whose time goes into compiling their option parser.
+function(qel_option_parser)
+    set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O1)
+endfunction()
+
 # Every test has one of these labels, and "threads" besides if it runs threads:
 #   quick    needs the build alone and takes a few seconds at most
 #   slow     takes longer
