@@ -13,14 +13,16 @@ PRODUCT = "text platform/* engine/include support store lang cube wizard functio
 # Folders, and what they may include besides themselves; ".." is the folder above. The first row that fits counts.
 MAY_INCLUDE = {
     "text": "",
+    "files": "text",
     "engine/include/*": "engine/include",  # the public headers, "qel/engine/….h"
-    "engine/storage": "text engine/include",
+    "engine/storage": "text files engine/include",
     "engine/mdx": "text engine/include",
     "engine/eval": "text engine/include engine/storage engine/mdx",
-    "engine/*": "text engine/include engine/storage",
+    "engine/*": "text files engine/include engine/storage",
     "platform/data/choice": "text platform/value .. engine/include",
     "platform/data/embedded": "text platform/value .. engine/include",
     "platform/data/xmla/settings": "text platform/value platform/data .. platform/settings/files",
+    "platform/settings/files": "text files platform/value ..",
     "platform/*/*": "text platform/value .. platform/windows platform/office",  # an adapter, below its port
     "platform/*": "text platform/value",
     "support": PORTS,

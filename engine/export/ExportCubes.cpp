@@ -2,7 +2,8 @@
 
 #include "engine/export/MondrianSchema.h"
 #include "engine/export/StarRows.h"
-#include "engine/storage/AtomicFile.h"
+#include "engine/storage/WriteFailure.h"
+#include "files/AtomicFile.h"
 #include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
@@ -36,7 +37,7 @@ void MakeFolder(const std::filesystem::path& folder) {
 }
 
 void WriteFile(const std::filesystem::path& path, std::string_view text) {
-    AtomicFile file(path);
+    AtomicFile file(path, RaiseCannotWrite);
     Append(file, text);
     file.Commit();
 }
@@ -62,7 +63,7 @@ std::vector<std::filesystem::path> ExportCubes(const CubeFile& file, const std::
     written.push_back(folder / "tables.sql");
     WriteFile(written.back(), tables);
     written.push_back(folder / "rows.sql");
-    AtomicFile rows(written.back());
+    AtomicFile rows(written.back(), RaiseCannotWrite);
     for (std::size_t i = 0; i < stars.size(); ++i) {
         WriteRows(
             stars[i], [&](std::string_view text) { Append(rows, text); },

@@ -2,6 +2,7 @@
 
 #include "engine/storage/ByteBuffer.h"
 #include "engine/storage/NameIndex.h"
+#include "engine/storage/WriteFailure.h"
 
 #include <xxhash.h>
 
@@ -111,7 +112,7 @@ std::vector<std::uint8_t> SharedNameFlags(const HierarchyModel& hierarchy) {
 
 } // namespace
 
-CubeFileWriter::CubeFileWriter(const std::filesystem::path& path) : file_(path) {
+CubeFileWriter::CubeFileWriter(const std::filesystem::path& path) : file_(path, RaiseCannotWrite) {
     page_.reserve(format::pageSize);
     page_.resize(sizeof(format::Header)); // a placeholder: the header is written last
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "engine/storage/AtomicFile.h"
 #include "engine/storage/CubeModel.h"
 #include "engine/storage/Format.h"
+#include "files/AtomicFile.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -184,9 +184,13 @@ void RequireXmlForm(const std::string& bytes, const std::string& file) {
 
 std::string RecordsetBytes(const std::string& file) {
     const auto path = PathFromSetting(file);
-    std::error_code failed;
+    std::error_code unknown;
+    const auto status = std::filesystem::status(path, unknown);
+    if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
+        throw RecordsetFault(file, "cannot be read: it is not a regular file"); // a pipe may have no end
+    }
     std::ifstream stream(path, std::ios::binary);
-    if (!stream || std::filesystem::is_directory(path, failed)) {
+    if (!stream) {
         throw RecordsetFault(file, "cannot be read");
     }
     std::string bytes(std::istreambuf_iterator<char>(stream), {});

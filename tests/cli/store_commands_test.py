@@ -199,7 +199,7 @@ class Settings(WithLedger):
         (suite / "Cub.ini").write_bytes(b"\0\1junk\n")
         (suite / "Qel.ini").mkdir()
         _, messages = self.good("settings")
-        self.assertRegex(messages, r"^qel: [^\n]*Qel\.ini' cannot be read\.\nqel: [^\n]*Cub\.ini' is left[^\n]* line 1 [^\n]*\n$")
+        self.assertRegex(messages, r"^qel: [^\n]*Qel\.ini' cannot be read: it is a folder\.\nqel: [^\n]*Cub\.ini' is left[^\n]* line 1 [^\n]*\n$")
 
 
 class Lang(WithLedger):

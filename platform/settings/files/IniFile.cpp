@@ -1,5 +1,7 @@
 #include "platform/settings/files/IniFile.h"
 
+#include "files/AtomicFile.h"
+#include "files/FolderLock.h"
 #include "platform/settings/files/IniLines.h"
 #include "platform/value/AutomationError.h"
 #include "text/Utf8Path.h"
@@ -10,6 +12,7 @@
 #include <algorithm>
 #include <fstream>
 #include <iterator>
+#include <span>
 
 namespace qel {
 
@@ -30,12 +33,19 @@ AutomationError FileError(std::int32_t number, const fs::path& path, std::string
 
 /// Empty when the file is missing.
 std::string ReadText(const fs::path& path) {
-    std::error_code failed;
-    if (fs::status(path, failed).type() == fs::file_type::not_found) {
+    std::error_code unknown;
+    const auto status = fs::status(path, unknown);
+    if (status.type() == fs::file_type::not_found) {
         return {};
     }
+    // A pipe or a device may have no end.
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        throw FileError(pathFileAccessError, path,
+                        fs::is_directory(status) ? "cannot be read: it is a folder"
+                                                 : "cannot be read: it is not a regular file");
+    }
     std::ifstream file(path, std::ios::binary);
-    if (fs::is_directory(path, failed) || !file) {
+    if (!file) {
         throw FileError(pathFileAccessError, path, "cannot be read");
     }
     std::string text(std::istreambuf_iterator<char>(file), {});
@@ -85,34 +95,14 @@ std::string Edited(const fs::path& path, const std::string& text, const std::str
     return edited;
 }
 
-bool Write(const fs::path& path, const std::string& text) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
-    file << text;
-    file.close();
-    return static_cast<bool>(file);
+[[noreturn]] void RaiseNotWritten(const std::string& message) {
+    throw AutomationError(pathFileAccessError, fmt::format("The settings cannot be saved: {}.", message));
 }
 
-/// Writes the file under another name and renames it. Symbolic links and permissions are preserved.
 void Replace(const fs::path& path, const std::string& text) {
-    std::error_code failed;
-    const bool isThere = fs::exists(path, failed);
-    const fs::path target = isThere ? fs::canonical(path) : path;
-    fs::path fresh = target;
-    fresh += ".new";
-    const bool isWritten = Write(fresh, text);
-    if (isWritten && isThere) {
-        fs::permissions(fresh, fs::status(target).permissions(), failed);
-    }
-    if (isWritten) {
-        fs::rename(fresh, target, failed);
-    }
-    if (isWritten && !failed) {
-        return;
-    }
-    const std::string reason =
-        isWritten ? fmt::format("cannot be replaced ({})", failed.message()) : "cannot be written";
-    fs::remove(fresh, failed);
-    throw FileError(pathFileAccessError, path, reason);
+    AtomicFile file(path, RaiseNotWritten);
+    file.Append(std::as_bytes(std::span(text)));
+    file.Commit();
 }
 
 void RequireOneLine(const fs::path& path, std::string_view value) {
@@ -179,6 +169,10 @@ std::vector<std::pair<std::string, std::string>> IniFile::Entries(const std::str
 }
 
 void IniFile::Set(const std::string& section, const std::string& key, const std::string& value) const {
+    const FolderLock lock(path_);
+    if (!lock.IsFree()) {
+        throw FileError(pathFileAccessError, path_, "cannot be written: another program holds its folder");
+    }
     Replace(path_, EditIniText(path_, ReadText(path_), {section, key}, value));
 }
 

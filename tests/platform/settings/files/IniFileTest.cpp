@@ -3,7 +3,12 @@
 #include "platform/value/AutomationError.h"
 #include "tests/helpers/TemporaryFolder.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <thread>
+#include <vector>
 
 namespace qel {
 namespace {
@@ -90,6 +95,25 @@ TEST(IniFile, KeepsLinksAndWhoMayReadTheFile) {
     EXPECT_EQ(folder.FileCount(), 2U) << "no other file is left behind";
 }
 
+TEST(IniFile, LosesNoEntryWhenManyWriteAtOnce) {
+    const TemporaryFolder folder;
+    const auto own = folder.Write("elsewhere.txt", "of somebody else");
+    std::filesystem::create_symlink(own, folder.Path("s.ini.new"));
+    constexpr int writers = 6, writes = 10;
+    {
+        std::vector<std::jthread> threads;
+        for (int writer = 0; writer < writers; ++writer) {
+            threads.emplace_back([writer, path = folder.Path("s.ini")] {
+                for (int i = 0; i < writes; ++i) {
+                    IniFile(path).Set("Qel", fmt::format("w{}_{}", writer, i), "1");
+                }
+            });
+        }
+    }
+    EXPECT_EQ(IniFile(folder.Path("s.ini")).Entries("Qel").size(), std::size_t{writers * writes});
+    EXPECT_EQ(folder.Read("elsewhere.txt"), "of somebody else") << "no link is followed";
+}
+
 TEST(IniFile, ReadsAroundJunkAndTellsWhatItCannotRead) {
     const TemporaryFolder folder;
     const IniFile file(folder.Write("s.ini", "junk\n[Qel]\nmore junk\nQelUILanguage=2\nQelUILanguage=1\n"));
@@ -99,9 +123,12 @@ TEST(IniFile, ReadsAroundJunkAndTellsWhatItCannotRead) {
     EXPECT_FALSE(file.Get("Qel", "x"));
     EXPECT_FALSE(IniFile(folder.Path("missing.ini")).Get("Qel", "x"));
 
-    const IniFile directory(folder.Path());
-    EXPECT_THROW(directory.Get("Qel", "x"), AutomationError);
-    EXPECT_THROW(directory.Set("Qel", "x", "1"), AutomationError);
+    ASSERT_EQ(::mkfifo(folder.Path("fifo.ini").c_str(), 0600), 0);
+    for (const auto& path : {folder.Path(), folder.Path("fifo.ini"), std::filesystem::path("/dev/zero")}) {
+        const IniFile special(path);
+        EXPECT_THROW(special.Get("Qel", "x"), AutomationError) << path;
+        EXPECT_THROW(special.Set("Qel", "x", "1"), AutomationError) << path;
+    }
     EXPECT_THROW(IniFile(folder.Path("missing/s.ini")).Set("Qel", "x", "1"), AutomationError);
     EXPECT_THROW(file.Set("Qel", "x", "1\n[B]"), AutomationError);
 }

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <span>
+#include <string>
+
+namespace qel {
+
+/// A file that appears under its name only when complete: it is written under a temporary name in the same
+/// folder, synced and renamed. Before Commit the old file is untouched; without Commit the temporary file is
+/// removed. The new file has the mode and, where the system permits, the owner of the file that it replaces.
+/// A symbolic link stays, and its target is replaced; a folder, device or pipe is never replaced. Temporary
+/// files that an ended program left under the same name are removed.
+class AtomicFile {
+public:
+    /// Raises the caller's error for a message such as "/data/x.cub: cannot be written: No space left on
+    /// device"; does not return.
+    using Failure = void (*)(const std::string& message);
+
+    AtomicFile(const std::filesystem::path& path, Failure failure);
+    ~AtomicFile();
+    AtomicFile(const AtomicFile&) = delete;
+    AtomicFile& operator=(const AtomicFile&) = delete;
+
+    /// Writes at the end.
+    void Append(std::span<const std::byte> bytes);
+    /// Overwrites bytes that were appended before.
+    void Overwrite(std::uint64_t offset, std::span<const std::byte> bytes);
+    void Commit();
+
+private:
+    void RefuseWhatIsNoFile(const std::filesystem::path& named) const;
+    void CreateTemporary(unsigned mode);
+    void TakeOver(const struct stat& replaced) const;
+    [[noreturn]] void Fail(int error) const;
+
+    std::filesystem::path path_, temporary_;
+    Failure failure_;
+    int descriptor_ = -1; ///< locked while the file is written: by this, others know that somebody writes it
+};
+
+} // namespace qel
