@@ -1,5 +1,7 @@
 #include "engine/export/StarRows.h"
 
+#include "qel/engine/EngineError.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -124,7 +126,13 @@ private:
         if (!values_[index]) { // a count, or a sum with all amounts 0
             return measure.function == AggregateFunction::Count ? "1" : "0";
         }
-        return SqlAmount(AmountAt(values_[index], measure.width, row) * measure.unit, measure.decimals);
+        std::int64_t amount = 0;
+        if (__builtin_mul_overflow(AmountAt(values_[index], measure.width, row), measure.unit, &amount)) {
+            throw EngineError(
+                ErrorKind::DamagedFile,
+                fmt::format("The measure '{}' has an amount of more than 64 bits.", measure.name));
+        }
+        return SqlAmount(amount, measure.decimals);
     }
 
     const FactTable& facts_;

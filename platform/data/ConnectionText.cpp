@@ -55,7 +55,9 @@ std::string WithoutPasswords(std::string_view text) {
         place += afterScheme.size();
         shown += text.substr(0, place);
         text.remove_prefix(place);
-        const auto userAndPassword = text.substr(0, text.find_first_of(";\" \n"));
+        // A password may have any character: only what a password hardly has ends it.
+        const auto userAndPassword =
+            text.substr(0, std::min(text.find(";Initial Catalog="), text.find(afterScheme)));
         const auto at = userAndPassword.rfind('@');
         const auto colon = userAndPassword.find(':');
         if (at != std::string_view::npos && colon < at) {

@@ -15,16 +15,17 @@ public:
     AutomationObject(const ClassTypes& types, const Locale& locale) : types_(types), locale_(locale) {}
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
+        if (count == nullptr) {
+            return E_POINTER;
+        }
         *count = 1;
         return S_OK;
     }
     STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) override {
-        *info = nullptr;
-        if (index != 0) {
-            return DISP_E_BADINDEX;
+        if (index == 0) {
+            return Give(types_.Interface(), info);
         }
-        *info = windows::ComPointer<ITypeInfo>(types_.Interface()).Release();
-        return S_OK;
+        return Give(nullptr, info) == S_OK ? DISP_E_BADINDEX : E_POINTER;
     }
     STDMETHODIMP GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                                DISPID* ids) override {
@@ -39,10 +40,7 @@ public:
     STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override {
         return id == types_.Class().interfaceId ? S_OK : S_FALSE;
     }
-    STDMETHODIMP GetClassInfo(ITypeInfo** info) override {
-        *info = windows::ComPointer<ITypeInfo>(types_.CoClass()).Release();
-        return S_OK;
-    }
+    STDMETHODIMP GetClassInfo(ITypeInfo** info) override { return Give(types_.CoClass(), info); }
 
 protected:
     void* Find(REFIID id) override {
@@ -62,6 +60,14 @@ protected:
     const Locale& UserLocale() const { return locale_; }
 
 private:
+    static HRESULT Give(ITypeInfo* type, ITypeInfo** info) {
+        if (info == nullptr) {
+            return E_POINTER;
+        }
+        *info = windows::ComPointer<ITypeInfo>(type).Release();
+        return S_OK;
+    }
+
     const ClassTypes& types_;
     const Locale locale_;
     std::string source_ = windows::ToUtf8(types_.Class().progId);

@@ -59,6 +59,18 @@ TEST_F(CallRules, WrongCountsAndNamesAreRefused) {
         << "an argument given twice";
 }
 
+TEST_F(CallRules, APlaceThatIsMissingIsAnError) {
+    ComPointer<ITypeInfo> info;
+    EXPECT_EQ(object_->GetTypeInfoCount(nullptr), E_POINTER);
+    EXPECT_EQ(object_->GetTypeInfo(0, 0, nullptr), E_POINTER);
+    EXPECT_EQ(object_->GetTypeInfo(1, 0, nullptr), E_POINTER);
+    EXPECT_EQ(object_->GetTypeInfo(1, 0, info.Receive()), DISP_E_BADINDEX);
+    const auto classes = object_.As<IProvideClassInfo>(IID_IProvideClassInfo);
+    EXPECT_EQ(classes->GetClassInfo(nullptr), E_POINTER);
+    EXPECT_EQ(classes->GetClassInfo(info.Receive()), S_OK);
+    EXPECT_TRUE(info);
+}
+
 TEST_F(CallRules, AnArgumentThatDoesNotConvertIsNamed) {
     Arguments arguments = ArgumentsOf({});
     arguments[toAt] = Text("soon");
