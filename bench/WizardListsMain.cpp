@@ -1,6 +1,6 @@
 #include "qel/engine/BuildCube.h"
 #include "tests/wizard/WizardBench.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -21,7 +21,7 @@ std::string JoinedCaptions(const Tuple& tuple) {
     return text;
 }
 
-std::vector<std::string> RowHeadings(const CellsetGrid& grid) {
+std::vector<std::string> RowHeadings(const CellsetTable& grid) {
     std::vector<std::string> headings;
     if (!grid.rows.empty()) {
         for (const auto& member : grid.rows.front()) {
@@ -77,7 +77,7 @@ nlohmann::ordered_json CellJson(const Variant& value) {
 
 } // namespace
 
-void PrintAsTable(const CellsetGrid& grid, std::ostream& output) {
+void PrintAsTable(const CellsetTable& grid, std::ostream& output) {
     TextTable table;
     table.leftColumns = TupleSize(grid.rows);
     const auto rowHeadings = RowHeadings(grid);
@@ -103,7 +103,7 @@ void PrintAsTable(const CellsetGrid& grid, std::ostream& output) {
     PrintTable(table, output);
 }
 
-void PrintAsCsv(const CellsetGrid& grid, std::ostream& output) {
+void PrintAsCsv(const CellsetTable& grid, std::ostream& output) {
     auto headings = RowHeadings(grid);
     for (const auto& tuple : grid.columns) {
         headings.push_back(JoinedCaptions(tuple));
@@ -123,7 +123,7 @@ void PrintAsCsv(const CellsetGrid& grid, std::ostream& output) {
     }
 }
 
-void PrintAsJson(const CellsetGrid& grid, std::ostream& output) {
+void PrintAsJson(const CellsetTable& grid, std::ostream& output) {
     nlohmann::ordered_json document;
     document["axes"] = nlohmann::ordered_json::array();
     if (grid.axisCount > 0) {

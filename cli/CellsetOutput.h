@@ -1,20 +1,20 @@
 #pragma once
 
-#include "cli/CellsetGrid.h"
+#include "cli/CellsetTable.h"
 
 #include <ostream>
 
 namespace qel {
 
 /// Aligned columns: a heading line for every member of the columns' tuples, then a line for every row.
-void PrintAsTable(const CellsetGrid& grid, std::ostream& output);
+void PrintAsTable(const CellsetTable& grid, std::ostream& output);
 
 /// RFC 4180 with line feeds: one heading line (levels of the rows, captions of the columns joined with " /
 /// "), then a line for every row. Empty cells are empty fields.
-void PrintAsCsv(const CellsetGrid& grid, std::ostream& output);
+void PrintAsCsv(const CellsetTable& grid, std::ostream& output);
 
 /// {"axes": [[{"members": [{name, caption, uniqueName, level, depth}]}]], "cells": [[number or null]]}, cells
 /// by row.
-void PrintAsJson(const CellsetGrid& grid, std::ostream& output);
+void PrintAsJson(const CellsetTable& grid, std::ostream& output);
 
 } // namespace qel

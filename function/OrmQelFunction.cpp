@@ -1,6 +1,6 @@
 #include "function/OrmQelFunction.h"
 
-#include "cube/MemberName.h"
+#include "cube/NameQuery.h"
 #include "platform/value/Conversion.h"
 #include "text/CaseFold.h"
 #include "text/Text.h"

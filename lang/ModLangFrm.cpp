@@ -1,8 +1,8 @@
 #include "lang/ModLangFrm.h"
 
 #include "store/ModPublics.h"
-#include "support/Files.h"
 #include "support/ModError.h"
+#include "support/SettingPaths.h"
 
 namespace qel::ModLangFrm {
 

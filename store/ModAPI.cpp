@@ -1,8 +1,8 @@
 #include "store/ModAPI.h"
 
-#include "support/Files.h"
 #include "support/Folders.h"
 #include "support/ModError.h"
+#include "support/SettingPaths.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "wizard/AccountSelector.h"
 
 #include "support/ModError.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 #include "wizard/OwnText.h"
 
 namespace qel {

@@ -1,7 +1,7 @@
 #include "wizard/ActivitySelector.h"
 
 #include "support/ModError.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 #include "wizard/OwnText.h"
 
 namespace qel {

@@ -2,8 +2,8 @@
 
 #include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
-#include "support/Files.h"
 #include "support/ModError.h"
+#include "support/SettingPaths.h"
 #include "text/CaseFold.h"
 #include "text/Utf8Path.h"
 

@@ -3,7 +3,7 @@
 #include "cube/CubeConnection.h"
 #include "platform/value/AutomationError.h"
 #include "support/ModError.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 #include "wizard/OwnText.h"
 
 namespace qel {

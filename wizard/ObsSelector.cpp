@@ -2,7 +2,7 @@
 
 #include "cube/MemberListing.h"
 #include "text/CaseFold.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 #include "wizard/OwnText.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "wizard/OtherDimensions.h"
 
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 #include "wizard/OwnText.h"
 
 namespace qel {

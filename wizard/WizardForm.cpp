@@ -1,8 +1,8 @@
 #include "wizard/WizardForm.h"
 
 #include "store/ModAPI.h"
-#include "support/Files.h"
 #include "support/ModError.h"
+#include "support/SettingPaths.h"
 #include "wizard/OwnText.h"
 
 #include <algorithm>

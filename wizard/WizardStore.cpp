@@ -3,7 +3,7 @@
 #include "store/LocalDb.h"
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"
-#include "support/Files.h"
+#include "support/SettingPaths.h"
 
 namespace qel {
 

@@ -1,9 +1,9 @@
 #include "wizard/frmFuncQelWiz.h"
 
-#include "support/Files.h"
+#include "support/SettingPaths.h"
 #include "text/Text.h"
 #include "wizard/Calculation.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 #include "wizard/OwnText.h"
 
 namespace qel {

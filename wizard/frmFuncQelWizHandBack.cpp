@@ -1,6 +1,6 @@
 #include "store/LocalDb.h"
 #include "wizard/CubeFileChoice.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 #include "wizard/OwnText.h"
 #include "wizard/WizardStore.h"
 #include "wizard/frmFuncQelWiz.h"

@@ -2,12 +2,12 @@
 
 #include "cube/CubeConnection.h"
 #include "cube/MemberListing.h"
-#include "cube/MemberName.h"
+#include "cube/NameQuery.h"
 #include "platform/value/Conversion.h"
-#include "support/Files.h"
+#include "support/SettingPaths.h"
 #include "text/Text.h"
 #include "wizard/CubeFileChoice.h"
-#include "wizard/NameForm.h"
+#include "wizard/NameFormDesign.h"
 #include "wizard/OwnText.h"
 #include "wizard/WizardStore.h"
 

@@ -1,6 +1,6 @@
 #include "engine/build/Calendar.h"
 
-#include "engine/build/HierarchyParts.h"
+#include "engine/build/HierarchyModelSteps.h"
 #include "qel/engine/Cube.h"
 
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #include "engine/build/Definition.h"
 
-#include "engine/build/DateText.h"
+#include "engine/build/FieldDate.h"
 #include "engine/build/JsonObject.h"
 #include "engine/build/TextFile.h"
 #include "qel/engine/EngineError.h"

@@ -1,6 +1,6 @@
 #include "engine/build/KeyColumnBuilder.h"
 
-#include "engine/build/DateText.h"
+#include "engine/build/FieldDate.h"
 #include "engine/build/TextOrder.h"
 #include "qel/engine/EngineError.h"
 

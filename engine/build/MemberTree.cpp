@@ -1,6 +1,6 @@
 #include "engine/build/MemberTree.h"
 
-#include "engine/build/HierarchyParts.h"
+#include "engine/build/HierarchyModelSteps.h"
 #include "engine/build/TextOrder.h"
 
 #include <algorithm>

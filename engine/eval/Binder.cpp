@@ -1,8 +1,8 @@
 #include "engine/eval/Binder.h"
 
-#include "engine/eval/Functions.h"
+#include "engine/eval/FunctionLookup.h"
 #include "engine/eval/SetOperations.h"
-#include "engine/mdx/Words.h"
+#include "engine/mdx/ReservedWords.h"
 #include "text/CaseFold.h"
 
 #include <fmt/format.h>

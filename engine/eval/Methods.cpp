@@ -1,5 +1,5 @@
-#include "engine/eval/Functions.h"
-#include "engine/mdx/Words.h"
+#include "engine/eval/FunctionLookup.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <fmt/format.h>
 

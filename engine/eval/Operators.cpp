@@ -1,6 +1,6 @@
 #include "engine/eval/Binder.h"
 #include "engine/eval/SetOperations.h"
-#include "engine/mdx/Words.h"
+#include "engine/mdx/ReservedWords.h"
 
 // Operators: + - * / on numbers and sets, comparisons, AND, OR, XOR.
 

@@ -1,4 +1,4 @@
-#include "engine/eval/Functions.h"
+#include "engine/eval/FunctionLookup.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "engine/mdx/ExpressionParser.h"
 
-#include "engine/mdx/Words.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "engine/mdx/Lexer.h"
 
-#include "engine/mdx/Words.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <fmt/format.h>
 

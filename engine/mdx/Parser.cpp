@@ -1,7 +1,7 @@
 #include "engine/mdx/Parser.h"
 
 #include "engine/mdx/ExpressionParser.h"
-#include "engine/mdx/Words.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #include "engine/build/AmountText.h"
 #include "engine/build/CsvReader.h"
-#include "engine/build/DateText.h"
+#include "engine/build/FieldDate.h"
 #include "qel/engine/EngineError.h"
 
 #include <cstdint>

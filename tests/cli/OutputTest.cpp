@@ -81,8 +81,8 @@ CellsetMember Named(const std::string& caption, const std::string& level = "L") 
     return {caption, "[D].[" + caption + "]", level, caption, 1};
 }
 
-CellsetGrid SmallGrid() {
-    CellsetGrid grid;
+CellsetTable SmallGrid() {
+    CellsetTable grid;
     grid.axisCount = 2;
     grid.columns = {{Named("2024"), Named("Amount")}, {Named("2024"), Named("A \"quoted\", one")}};
     grid.rows = {{Named("4000", "Account"), Named("שכר", "AccountName")},
@@ -129,7 +129,7 @@ TEST(CellsetOutput, CsvFieldsAreQuotedOnlyWhereAReaderWouldSplitThem) {
         {"חשבון, \"ישן\"", "\"חשבון, \"\"ישן\"\"\""},
     };
     for (const Case& c : cases) {
-        const CellsetGrid grid{2, {{Named("Amount")}}, {{Named(c.caption)}}, {{1.5}}};
+        const CellsetTable grid{2, {{Named("Amount")}}, {{Named(c.caption)}}, {{1.5}}};
         std::ostringstream output;
         PrintAsCsv(grid, output);
         EXPECT_EQ(output.str(), std::string("L,Amount\n") + c.field + ",1.5\n");
@@ -139,7 +139,7 @@ TEST(CellsetOutput, CsvFieldsAreQuotedOnlyWhereAReaderWouldSplitThem) {
 TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
     struct Case {
         const char* what;
-        CellsetGrid grid;
+        CellsetTable grid;
         const char* axes;
         const char* cells;
     };
@@ -191,7 +191,7 @@ TEST(CellsetOutput, JsonKeepsAxesAndEmptyCells) {
 }
 
 TEST(CellsetOutput, NoAxesIsTheCellAlone) {
-    const CellsetGrid grid{0, {{}}, {{}}, {{7.5}}};
+    const CellsetTable grid{0, {{}}, {{}}, {{7.5}}};
     std::ostringstream table;
     std::ostringstream csv;
     PrintAsTable(grid, table);

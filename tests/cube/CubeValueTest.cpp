@@ -1,7 +1,7 @@
 #include "cube/CubeValue.h"
 
 #include "cube/CubeConnection.h"
-#include "cube/MemberName.h"
+#include "cube/NameQuery.h"
 #include "cube/ObsMembers.h"
 #include "tests/helpers/doubles/RecordingProvider.h"
 

@@ -1,6 +1,6 @@
 #include "cube/ValueStatement.h"
 
-#include "cube/MemberName.h"
+#include "cube/NameQuery.h"
 
 #include <gtest/gtest.h>
 

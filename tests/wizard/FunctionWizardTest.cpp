@@ -1,5 +1,5 @@
 #include "tests/wizard/TestBench.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 
 #include <gmock/gmock.h>
 

@@ -3,8 +3,8 @@
 #include "lang/StringTable.h"
 #include "platform/dialog/AccessKey.h"
 #include "tests/helpers/doubles/DialogDouble.h"
-#include "wizard/FunctionForm.h"
-#include "wizard/NameForm.h"
+#include "wizard/FunctionFormDesign.h"
+#include "wizard/NameFormDesign.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 #include "tests/wizard/TestBench.h"
-#include "wizard/NameForm.h"
+#include "wizard/NameFormDesign.h"
 #include "wizard/NamedQueries.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "tests/helpers/ErrorOf.h"
 #include "tests/wizard/TestBench.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 #include "wizard/Selection.h"
 
 #include <gmock/gmock.h>

@@ -1,6 +1,6 @@
 #include "platform/value/Conversion.h"
 #include "tests/wizard/TestBench.h"
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 #include "wizard/frmFuncQelWiz.h"
 
 #include <gmock/gmock.h>

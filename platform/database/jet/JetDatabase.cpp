@@ -1,7 +1,7 @@
 #include "platform/database/jet/JetDatabase.h"
 
 #include "platform/database/jet/JetCatalog.h"
-#include "platform/database/jet/JetRows.h"
+#include "platform/database/jet/JetConnection.h"
 
 namespace qel::windows {
 
@@ -13,7 +13,7 @@ bool JetDatabase::IsInstalled() {
 std::unique_ptr<DatabaseCatalog> JetDatabase::NewCatalog() { return std::make_unique<JetCatalog>(); }
 
 std::unique_ptr<DatabaseConnection> JetDatabase::Open(const std::string& connectionString) {
-    return std::make_unique<JetRows>(connectionString);
+    return std::make_unique<JetConnection>(connectionString);
 }
 
 } // namespace qel::windows

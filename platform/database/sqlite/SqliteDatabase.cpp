@@ -2,7 +2,7 @@
 
 #include "platform/database/DatabaseFile.h"
 #include "platform/database/sqlite/SqliteCatalog.h"
-#include "platform/database/sqlite/SqliteRows.h"
+#include "platform/database/sqlite/SqliteConnection.h"
 
 #include <sqlite3.h>
 
@@ -37,7 +37,7 @@ std::unique_ptr<DatabaseConnection> SqliteDatabase::Open(const std::string& conn
     if (const char* fault = FaultOf(IdentifyDatabaseFile(path))) {
         throw DatabaseError(unspecifiedError, path, fault);
     }
-    return std::make_unique<SqliteRows>(path);
+    return std::make_unique<SqliteConnection>(path);
 }
 
 } // namespace qel

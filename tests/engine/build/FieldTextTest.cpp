@@ -1,5 +1,5 @@
 #include "engine/build/AmountText.h"
-#include "engine/build/DateText.h"
+#include "engine/build/FieldDate.h"
 
 #include <gtest/gtest.h>
 

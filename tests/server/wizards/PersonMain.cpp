@@ -2,8 +2,8 @@
 // dialog_person function|name STEPS SEEN
 
 #include "tests/platform/dialog/win32/Person.h"
-#include "wizard/FunctionForm.h"
-#include "wizard/NameForm.h"
+#include "wizard/FunctionFormDesign.h"
+#include "wizard/NameFormDesign.h"
 
 #include <chrono>
 #include <filesystem>

@@ -1,5 +1,5 @@
 #include "cube/MemberListing.h"
-#include "cube/MemberName.h"
+#include "cube/NameQuery.h"
 #include "examples/ledger/reference/FormulaCell.h"
 #include "examples/ledger/reference/LedgerDatabase.h"
 #include "examples/ledger/reference/RandomSelections.h"

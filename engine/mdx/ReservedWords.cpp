@@ -1,4 +1,4 @@
-#include "engine/mdx/Words.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
-#include "engine/eval/Functions.h"
+#include "engine/eval/FunctionLookup.h"
 
-#include "engine/mdx/Words.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

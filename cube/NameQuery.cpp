@@ -1,4 +1,4 @@
-#include "cube/MemberName.h"
+#include "cube/NameQuery.h"
 
 #include "platform/value/Conversion.h"
 #include "text/Text.h"

@@ -7,10 +7,10 @@ namespace qel {
 
 /// The rows of an open database. Dates are stored as "2020-03-31", followed by " 14:30:00" when they have a
 /// time of day.
-class SqliteRows : public DatabaseConnection {
+class SqliteConnection : public DatabaseConnection {
 public:
     /// The file must exist.
-    explicit SqliteRows(std::filesystem::path path) : file_(std::move(path)) {}
+    explicit SqliteConnection(std::filesystem::path path) : file_(std::move(path)) {}
 
     std::vector<TableRow> ReadRows(const std::string& table) override;
     void ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) override;

@@ -6,10 +6,10 @@
 namespace qel::windows {
 
 /// The rows of a Jet database: an ADODB.Connection, and a recordset on the table's name for each operation.
-class JetRows : public DatabaseConnection {
+class JetConnection : public DatabaseConnection {
 public:
     /// Opens the connection.
-    explicit JetRows(const std::string& connectionString);
+    explicit JetConnection(const std::string& connectionString);
 
     std::vector<TableRow> ReadRows(const std::string& table) override;
     void ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) override;

@@ -1,4 +1,4 @@
-#include "wizard/FunctionForm.h"
+#include "wizard/FunctionFormDesign.h"
 
 namespace qel {
 

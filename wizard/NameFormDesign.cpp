@@ -1,4 +1,4 @@
-#include "wizard/NameForm.h"
+#include "wizard/NameFormDesign.h"
 
 namespace qel {
 

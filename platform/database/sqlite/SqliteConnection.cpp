@@ -1,4 +1,4 @@
-#include "platform/database/sqlite/SqliteRows.h"
+#include "platform/database/sqlite/SqliteConnection.h"
 
 #include "platform/value/Conversion.h"
 #include "text/CaseFold.h"
@@ -49,7 +49,7 @@ std::string TextIn(sqlite3_stmt* statement, int column) {
 
 } // namespace
 
-std::vector<TableRow> SqliteRows::ReadRows(const std::string& table) {
+std::vector<TableRow> SqliteConnection::ReadRows(const std::string& table) {
     const auto statement = file_.Prepare("SELECT * FROM " + QuotedName(table) + " ORDER BY rowid");
     std::vector<TableRow> rows;
     while (file_.Step(statement.get())) {
@@ -58,7 +58,7 @@ std::vector<TableRow> SqliteRows::ReadRows(const std::string& table) {
     return rows;
 }
 
-TableRow SqliteRows::CurrentRow(sqlite3_stmt* statement) const {
+TableRow SqliteConnection::CurrentRow(sqlite3_stmt* statement) const {
     TableRow row;
     for (int column = 0; column < sqlite3_column_count(statement); ++column) {
         if (sqlite3_column_type(statement, column) == SQLITE_NULL) {
@@ -72,7 +72,7 @@ TableRow SqliteRows::CurrentRow(sqlite3_stmt* statement) const {
     return row;
 }
 
-AutomationDate SqliteRows::DateOf(const std::string& text, const char* column) const {
+AutomationDate SqliteConnection::DateOf(const std::string& text, const char* column) const {
     try {
         return ParseDate(text, {.dateOrder = DateOrder::YearMonthDay, .dateSeparator = '-'});
     } catch (const AutomationError& error) {
@@ -81,7 +81,7 @@ AutomationDate SqliteRows::DateOf(const std::string& text, const char* column) c
     }
 }
 
-void SqliteRows::ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) {
+void SqliteConnection::ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) {
     file_.Run("BEGIN IMMEDIATE");
     try {
         file_.Run("DELETE FROM " + QuotedName(table));
@@ -95,7 +95,7 @@ void SqliteRows::ReplaceRows(const std::string& table, const std::vector<TableRo
     }
 }
 
-void SqliteRows::AddRow(const std::string& table, const TableRow& row) {
+void SqliteConnection::AddRow(const std::string& table, const TableRow& row) {
     std::string places;
     for (std::size_t i = 0; i < row.size(); ++i) {
         places += i == 0 ? "?" : ", ?";

@@ -1,4 +1,4 @@
-#include "platform/database/jet/JetRows.h"
+#include "platform/database/jet/JetConnection.h"
 
 #include "platform/database/jet/JetCatalog.h"
 #include "platform/value/AutomationError.h"
@@ -51,20 +51,20 @@ void AddRow(const DispatchObject& recordset, const TableRow& row) {
 
 } // namespace
 
-JetRows::JetRows(const std::string& connectionString)
+JetConnection::JetConnection(const std::string& connectionString)
     : connection_(DispatchObject::Create(L"ADODB.Connection")) {
     RefuseOtherEngine(connectionString, unspecifiedError);
     connection_.Call(L"Open", ArgumentList(connectionString, "", "", optionsUnspecified));
 }
 
-DispatchObject JetRows::OpenTable(const std::string& table) const {
+DispatchObject JetConnection::OpenTable(const std::string& table) const {
     auto recordset = DispatchObject::Create(L"ADODB.Recordset");
     recordset.Call(L"Open",
                    ArgumentList(table, connection_, staticCursor, optimisticLock, optionsUnspecified));
     return recordset;
 }
 
-std::vector<TableRow> JetRows::ReadRows(const std::string& table) {
+std::vector<TableRow> JetConnection::ReadRows(const std::string& table) {
     const DispatchObject recordset = OpenTable(table);
     const DispatchObject fields = recordset.Child(L"Fields");
     std::vector<TableRow> rows;
@@ -75,7 +75,7 @@ std::vector<TableRow> JetRows::ReadRows(const std::string& table) {
     return rows;
 }
 
-void JetRows::ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) {
+void JetConnection::ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) {
     connection_.Call(L"BeginTrans");
     try {
         const DispatchObject recordset = OpenTable(table);

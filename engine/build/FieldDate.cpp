@@ -1,4 +1,4 @@
-#include "engine/build/DateText.h"
+#include "engine/build/FieldDate.h"
 
 #include "engine/build/PlainSigns.h"
 

@@ -1,4 +1,4 @@
-#include "engine/build/HierarchyParts.h"
+#include "engine/build/HierarchyModelSteps.h"
 
 #include "qel/engine/Cube.h"
 #include "qel/engine/EngineError.h"

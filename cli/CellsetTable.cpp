@@ -1,4 +1,4 @@
-#include "cli/CellsetGrid.h"
+#include "cli/CellsetTable.h"
 
 #include "platform/value/AutomationError.h"
 
@@ -37,7 +37,7 @@ std::vector<Variant> ReadRow(const Cellset& cellset, std::int32_t row, std::size
 
 } // namespace
 
-CellsetGrid ReadGrid(const Cellset& cellset) {
+CellsetTable ReadGrid(const Cellset& cellset) {
     constexpr std::int32_t mostAxes = 2;
     if (cellset.AxisCount() > mostAxes) {
         throw AutomationError(
@@ -46,7 +46,7 @@ CellsetGrid ReadGrid(const Cellset& cellset) {
                         "others together with CrossJoin.",
                         cellset.AxisCount()));
     }
-    CellsetGrid grid;
+    CellsetTable grid;
     grid.axisCount = static_cast<std::size_t>(cellset.AxisCount());
     grid.columns = ReadAxis(cellset, 0);
     grid.rows = ReadAxis(cellset, 1);

@@ -1,4 +1,4 @@
-#include "support/Files.h"
+#include "support/SettingPaths.h"
 
 #include "platform/value/AutomationError.h"
 #include "support/Folders.h"

@@ -1,4 +1,4 @@
-#include "support/Files.h"
+#include "support/SettingPaths.h"
 
 #include "support/Wildcard.h"
 #include "text/CaseFold.h"
