@@ -26,7 +26,8 @@ constexpr const char* footer =
 before them (OrmFunctionQel4.OrmQelFunction.) may be left out. Arguments: "text" (a quote inside is doubled),
 numbers, TRUE, FALSE, DATE(y,m,d), array constants {"a","b"}, or nothing between two commas. Keys of the five list
 arguments (ObsName to ActivityList) stand in braces or are numbers: a plain text there is no key.
-A call that fails prints #VALUE!, its reason goes to standard error, and the exit status is 1.
+A call that fails prints #VALUE!, its reason goes to standard error, and the exit status is 1. Where a cell would show
+0 instead of an error, so does this; one line on standard error then tells how many, and that qel explain tells why.
 
 Examples:
   qel eval '=QelF1("demo.cub","LedgerFNC",{"OBS"},{"1"},{"All"},{"All"},{"All"},"All","All","4000","Amount",
@@ -72,11 +73,23 @@ public:
         const auto results = AskServers(formulas);
         for (std::size_t i = 0; i < formulas.size(); ++i) {
             if (i < results.size() && results[i]) {
-                Print(ValueText(results[i]->value));
+                Print(formulas[i].label, *results[i]);
             } else {
                 Evaluate(formulas[i]);
             }
         }
+    }
+
+    /// To be called at the end: a 0 in place of an error should not pass for an amount.
+    void ReportHiddenErrors() {
+        if (hidden_ == 0) {
+            return;
+        }
+        context_.output.flush();
+        context_.messages << fmt::format("qel eval: {} shown instead of an error, first at {}; qel explain "
+                                         "with the formula tells the error\n",
+                                         hidden_ == 1 ? "one 0 is" : fmt::format("{} zeros are", hidden_),
+                                         firstHidden_);
     }
 
 private:
@@ -114,7 +127,7 @@ private:
             return;
         }
         try {
-            Print(ValueText(RunFormula(ObjectFor(formula), *formula.call).value));
+            Print(formula.label, RunFormula(ObjectFor(formula), *formula.call));
         } catch (const AutomationError& error) {
             Fail(formula.label, Describe(error));
         }
@@ -126,6 +139,13 @@ private:
     }
 
     void Print(std::string_view value) { context_.output << value << '\n'; }
+
+    void Print(const std::string& label, const FormulaResult& result) {
+        Print(ValueText(result.value));
+        if (!result.masked.empty() && hidden_++ == 0) {
+            firstHidden_ = label;
+        }
+    }
 
     void Fail(const std::string& label, std::string_view reason) {
         Print("#VALUE!");
@@ -139,6 +159,8 @@ private:
     batch::CallBatch batch_;
     ModSetCube::ThreadState thread_;
     OrmQelFunction object_;
+    std::size_t hidden_ = 0; ///< errors that worksheets show as 0
+    std::string firstHidden_;
 };
 
 void EvaluateLines(Evaluator& evaluator, CommandContext& context) {
@@ -188,6 +210,7 @@ void AddEvalCommand(CLI::App& app, CommandContext& context) {
             read.push_back(evaluator.Read((*formulas)[i], fmt::format("formula {}", i + 1)));
         }
         evaluator.Evaluate(read);
+        evaluator.ReportHiddenErrors();
     });
 }
 

@@ -32,6 +32,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(qel_options INTERFACE -Wno-null-dereference -Wno-restrict -Wno-stringop-overflow
         -Wno-array-bounds -Wduplicated-cond -Wlogical-op)
 endif()
+if(WIN32)
+    target_compile_options(qel_options INTERFACE -Wno-stringop-overread) # likewise
+endif()
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     # Sizes in a cube file have 64 bits. A file that 32-bit memory could not hold whole is refused before they are used.
     target_compile_options(qel_options INTERFACE -Wno-conversion -Wno-sign-conversion -Wno-narrowing)
@@ -78,7 +81,7 @@ target_precompile_headers(qel_precompiled PRIVATE ${QEL_PRECOMPILED_HEADERS})
 function(qel_library name)
     add_library(${name} STATIC ${ARGN})
     target_link_libraries(${name} PRIVATE qel_options)
-    if(NOT QEL_TEST_CODE) # which is compiled with other options
+    if(NOT QEL_PRECOMPILED_APART) # the folder has headers of its own, or other options
         target_precompile_headers(${name} REUSE_FROM qel_precompiled)
     endif()
 endfunction()
