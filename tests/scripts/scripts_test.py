@@ -61,7 +61,11 @@ class Scripts(unittest.TestCase):
     def test_an_interrupted_clean_room_leaves_nothing(self):
         for name in ("INT", "TERM", "HUP"):
             with self.subTest(name):
-                self.play("mmdebstrap", f'kill -s {name} "$(cut -d " " -f 5 /proc/self/stat)"; sleep 1')
+                # A process that goes on writing for a moment has let go of the room's lock.
+                # A process that goes on writing for a moment has let go of the room's lock.
+                self.play("mmdebstrap", 'room=$(echo "$TMPDIR"/clean-room.*/room); end=$((SECONDS + 2)); '
+                                        '(while [ $SECONDS -lt $end ] && : >"$room/$((i++))"; do :; done) 8>&- 2>/dev/null & '
+                                        f'kill -s {name} "$(cut -d " " -f 5 /proc/self/stat)"; sleep 1')
                 status, text = self.run_script("clean-room", "true")
                 self.assertEqual(status, 128 + signal.Signals[f"SIG{name}"], text)
                 self.assertEqual(list(self.rooms.iterdir()), [])
