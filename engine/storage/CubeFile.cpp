@@ -26,7 +26,8 @@ struct CubeFile::Contents {
         : path(std::move(filePath)), file(std::move(mapped)), held(std::move(memory)),
           bytes(held.empty() ? file.Bytes() : std::span<const std::byte>(held)),
           image(PathToUtf8(path), bytes, held.empty() ? &file : nullptr) {
-        for (std::uint32_t i = 0; i < image.CubeCount(); ++i) {
+        const std::uint32_t count = image.CubeCount();
+        for (std::uint32_t i = 0; i < count; ++i) {
             cubes.push_back(CubeLoader(image, i).Load());
         }
         image.Verifier().CheckUnchanged();

@@ -98,6 +98,23 @@ void FileImage::CheckDirectory(std::uint64_t pagesEnd) const {
         }
         previous = &entry;
     }
+    CheckNoSectionsOverlap();
+}
+
+/// So what is copied out of sections never exceeds the file.
+void FileImage::CheckNoSectionsOverlap() const {
+    std::vector<std::pair<std::uint64_t, std::uint64_t>> sections; // offset, end
+    for (const format::DirectoryEntry& entry : directory_) {
+        if (entry.size > 0) {
+            sections.emplace_back(entry.offset, entry.offset + entry.size);
+        }
+    }
+    std::sort(sections.begin(), sections.end());
+    for (std::size_t i = 1; i < sections.size(); ++i) {
+        if (sections[i].first < sections[i - 1].second) {
+            Fail("two sections overlap");
+        }
+    }
 }
 
 std::uint32_t FileImage::CubeCount() const {

@@ -45,6 +45,7 @@ public:
 private:
     void CheckHeader(const format::Header& header) const;
     void CheckDirectory(std::uint64_t pagesEnd) const;
+    void CheckNoSectionsOverlap() const;
     const std::byte* Copy(const MappedSection& section);
     /// Null when there is none.
     const format::DirectoryEntry* Find(const format::SectionId& id) const;

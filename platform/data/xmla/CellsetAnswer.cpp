@@ -56,12 +56,16 @@ void CellsetAnswer::StartElement(std::string_view name, const XmlAttributes& att
     } else if (inAxes_ && name == "Axis") {
         StartAxis(attributes.Of("name"));
     } else if (inResultAxis_ && name == "Tuple") {
+        budget_.Take(sizeof(CellsetPosition));
         axes_.back().emplace_back();
     } else if (inResultAxis_ && name == "Member" && !axes_.back().empty()) {
+        budget_.Take(sizeof(CellsetMember));
         axes_.back().back().emplace_back();
         inMember_ = true;
     } else if (name == "Cell" && !attributes.Of("CellOrdinal").empty()) {
         inCell_ = true;
+        constexpr std::size_t ofNodes = 64; // in both maps
+        budget_.Take(2 * ofNodes + sizeof(Variant));
         ordinal_ = NumberIn<std::uint64_t>(attributes.Of("CellOrdinal"), "a cell's number");
         if (!ordinals_.insert(ordinal_).second) {
             repeated_ = ordinal_;
@@ -84,6 +88,9 @@ void CellsetAnswer::StartAxis(std::string_view name) {
 }
 
 void CellsetAnswer::EndElement(std::string_view name, const std::string& text) {
+    if (inMember_ || inCell_) {
+        budget_.Take(text.size());
+    }
     if (name == "Axes") {
         inAxes_ = inResultAxis_ = false;
     } else if (inMember_) {
@@ -148,7 +155,8 @@ void CellsetAnswer::RequireCellsOnAxes() const {
 Variant CellsetAnswer::Cell(std::uint64_t ordinal) const {
     const auto failed = cellErrors_.find(ordinal);
     if (failed != cellErrors_.end()) {
-        throw ServerError(errorServerFault, "The server could not compute the cell:" + failed->second);
+        throw ServerError(errorServerFault,
+                          "The server could not compute the cell:" + ShownMessage(failed->second));
     }
     const auto found = cells_.find(ordinal);
     return found == cells_.end() ? Variant(Null{}) : found->second;

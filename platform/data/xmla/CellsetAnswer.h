@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/data/DataAccess.h"
+#include "platform/data/xmla/AnswerBudget.h"
 #include "platform/data/xmla/XmlStream.h"
 
 #include <cstdint>
@@ -18,6 +19,8 @@ using CellsetPosition = std::vector<CellsetMember>;
 /// The answer to an Execute that is multidimensional.
 class CellsetAnswer : public XmlHandler {
 public:
+    explicit CellsetAnswer(AnswerBudget budget = AnswerBudget()) : budget_(budget) {}
+
     void StartElement(std::string_view name, const XmlAttributes& attributes) override;
     void EndElement(std::string_view name, const std::string& text) override;
 
@@ -33,6 +36,7 @@ private:
     void EndInMember(std::string_view name, const std::string& text);
     void EndInCell(std::string_view name, const std::string& text);
 
+    AnswerBudget budget_;
     std::vector<std::vector<CellsetPosition>> axes_;
     std::unordered_map<std::uint64_t, Variant> cells_;
     std::unordered_map<std::uint64_t, std::string> cellErrors_;

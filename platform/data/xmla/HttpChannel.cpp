@@ -1,10 +1,14 @@
 #include "platform/data/xmla/HttpChannel.h"
 
 #include "platform/data/xmla/ServerErrors.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
+#include <chrono>
+#include <cstdint>
 #include <curl/curl.h>
 #include <exception>
 
@@ -30,6 +34,23 @@ int EndWhenStopped(void* isStopped, curl_off_t /*expected*/, curl_off_t /*receiv
 }
 
 bool IsRedirection(long status) { return status == 301 || status == 302 || status == 307 || status == 308; }
+
+/// Scheme, host and port, in lower case and with the scheme's own port spelled out.
+std::string OriginOf(const std::string& url) {
+    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parsed(curl_url(), &curl_url_cleanup);
+    std::string origin;
+    if (!parsed || curl_url_set(parsed.get(), CURLUPART_URL, url.c_str(), 0) != CURLUE_OK) {
+        return origin;
+    }
+    for (const CURLUPart part : {CURLUPART_SCHEME, CURLUPART_HOST, CURLUPART_PORT}) {
+        char* text = nullptr;
+        if (curl_url_get(parsed.get(), part, &text, CURLU_DEFAULT_PORT) == CURLUE_OK) {
+            origin += FoldCase(text) + "|";
+        }
+        curl_free(text);
+    }
+    return origin;
+}
 
 } // namespace
 
@@ -65,9 +86,7 @@ struct HttpChannel::Transfer {
             return;
         }
         if (bytes.size() > bytesLeft) {
-            throw ServerError(
-                errorServerAnswer,
-                "The server's answer is too large; AnswerMegabytes in servers.ini sets the limit.");
+            throw AnswerTooLarge();
         }
         bytesLeft -= bytes.size();
         (*take)(status, bytes);
@@ -90,7 +109,6 @@ HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& opti
     curl_easy_setopt(easy, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()));
-    curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(limits_.request.count()));
     curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, ""); // every encoding that libcurl can decode
     curl_easy_setopt(easy, CURLOPT_USERAGENT, "OrmFuncQel4");
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Transfer::Receive);
@@ -111,8 +129,14 @@ HttpChannel::~HttpChannel() = default;
 
 HttpHead HttpChannel::Post(const std::string& body, const std::string& action, const AnswerSink& take) {
     constexpr int mostRedirections = 5;
+    const auto end = std::chrono::steady_clock::now() + limits_.request;
     std::string url = address_.url;
     for (int i = 0; i <= mostRedirections; ++i) {
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        // All redirections together have the time of one request; 0 would mean without end.
+        curl_easy_setopt(handle_->easy.get(), CURLOPT_TIMEOUT_MS,
+                         static_cast<long>(std::max<std::int64_t>(left.count(), 1)));
         HttpHead head = PostOnce(url, body, action, take);
         if (!IsRedirection(head.status)) {
             return head;
@@ -163,14 +187,14 @@ std::string HttpChannel::Redirection() const {
         throw ServerError(errorServerAnswer, fmt::format("{} redirects to nowhere.", address_.url));
     }
     const ServerAddress target = ParseServerAddress(location);
-    const bool losesEncryption = address_.url.starts_with("https:") && !target.url.starts_with("https:");
-    if (target.host != address_.host || losesEncryption) {
+    if (OriginOf(target.url) != OriginOf(address_.url)) {
         throw ServerError(
             errorServerAnswer,
             fmt::format("{} redirects to {}, which is not followed: {}. Use that address if it is the "
                         "right one.",
                         address_.url, target.url,
-                        losesEncryption ? "it is not encrypted" : "it is another host"));
+                        target.host != address_.host ? "it is another host"
+                                                     : "it has another scheme or port"));
     }
     return target.url;
 }

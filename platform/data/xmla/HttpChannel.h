@@ -34,7 +34,7 @@ public:
 private:
     struct Transfer;
 
-    /// The target of a redirection. Raises AutomationError when it is another host.
+    /// The target of a redirection. Raises AutomationError when it has another scheme, host or port.
     std::string Redirection() const;
     HttpHead PostOnce(const std::string& url, const std::string& body, const std::string& action,
                       const AnswerSink& take);

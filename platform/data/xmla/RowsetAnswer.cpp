@@ -39,7 +39,8 @@ void RowsetAnswer::StartElement(std::string_view name, const XmlAttributes& attr
         }
     } else if (name == "row") {
         inRow_ = true;
-        rows_.emplace_back(fields_.size(), Null{});
+        budget_.Take(sizeof(std::vector<Variant>));
+        rows_.emplace_back();
     } else if (name == "complexType") {
         inRowType_ = attributes.Of("name") == "row";
     } else if (inRowType_ && name == "element") {
@@ -63,10 +64,16 @@ void RowsetAnswer::EndElement(std::string_view name, const std::string& text) {
         const std::size_t field = FieldOfElement(name);
         auto& row = rows_.back();
         if (field >= row.size()) {
-            row.resize(field + 1, Null{});
+            Widen(row, field + 1);
         }
+        budget_.Take(text.size());
         row[field] = TypedValue(type_, text);
     }
+}
+
+void RowsetAnswer::Widen(std::vector<Variant>& row, std::size_t fields) {
+    budget_.Take((fields - row.size()) * sizeof(Variant));
+    row.resize(fields, Null{});
 }
 
 std::size_t RowsetAnswer::FieldOfElement(std::string_view element) {
@@ -96,7 +103,7 @@ std::string RowsetAnswer::Text(std::size_t row, const std::string& field) const 
 
 Rowset RowsetAnswer::TakeRowset() {
     for (auto& row : rows_) {
-        row.resize(fields_.size(), Null{});
+        Widen(row, fields_.size());
     }
     return {.fields = std::move(fields_), .rows = std::move(rows_)};
 }

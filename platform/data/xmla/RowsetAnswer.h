@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/data/Rowset.h"
+#include "platform/data/xmla/AnswerBudget.h"
 #include "platform/data/xmla/XmlStream.h"
 #include "platform/value/Variant.h"
 
@@ -17,6 +18,8 @@ Variant TypedValue(std::string_view type, const std::string& text);
 /// The rows of a Discover, or of an Execute whose answer is tabular.
 class RowsetAnswer : public XmlHandler {
 public:
+    explicit RowsetAnswer(AnswerBudget budget = AnswerBudget()) : budget_(budget) {}
+
     void StartElement(std::string_view name, const XmlAttributes& attributes) override;
     void EndElement(std::string_view name, const std::string& text) override;
 
@@ -31,8 +34,10 @@ public:
     [[nodiscard]] Rowset TakeRowset();
 
 private:
+    void Widen(std::vector<Variant>& row, std::size_t fields);
     std::size_t FieldOfElement(std::string_view element);
 
+    AnswerBudget budget_;
     std::vector<std::string> fields_;
     std::unordered_map<std::string, std::size_t> fieldsByElement_;
     std::vector<std::vector<Variant>> rows_;

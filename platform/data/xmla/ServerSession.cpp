@@ -81,7 +81,7 @@ std::string Listed(const std::vector<std::string>& names) {
 template <class Answer>
 Answer ServerSession::Ask(const std::string& body, const char* action) {
     try {
-        Answer answer;
+        Answer answer{AnswerBudget(channels_.Limits().answerBytes)};
         AskOnce(body, action, answer);
         return answer;
     } catch (const AutomationError& error) {
@@ -90,7 +90,7 @@ Answer ServerSession::Ask(const std::string& body, const char* action) {
             throw;
         }
     }
-    Answer answer;
+    Answer answer{AnswerBudget(channels_.Limits().answerBytes)};
     AskOnce(body, action, answer);
     return answer;
 }
@@ -119,7 +119,7 @@ void ServerSession::AskOnce(const std::string& body, const char* action, XmlHand
         }
         if (!soap.Fault().empty()) {
             channels_.Return(std::move(channel));
-            throw ServerError(errorServerFault, fmt::format("The server says: {}", soap.Fault()));
+            throw ServerError(errorServerFault, "The server says: " + ShownMessage(soap.Fault()));
         }
         if (head.status != statusOk) {
             throw StatusError(head, Url());

@@ -43,7 +43,10 @@ void SoapAnswer::AddToFault(std::string_view words) {
         return;
     }
     words = words.substr(first, words.find_last_not_of(blanks) - first + 1);
-    fault_ += (fault_.empty() ? "" : ": ") + std::string(words);
+    constexpr std::size_t longest = 2'000; // ShownMessage shows less
+    if (fault_.size() < longest) {
+        fault_ += (fault_.empty() ? "" : ": ") + std::string(words.substr(0, longest));
+    }
 }
 
 } // namespace qel

@@ -12,6 +12,9 @@ namespace qel {
 
 namespace {
 
+/// Bytes that are given to the parser.
+constexpr std::size_t mostAtOnce = std::size_t{1} << 20U;
+
 std::string_view WithoutPrefix(std::string_view name) {
     const auto colon = name.rfind(':');
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
@@ -93,7 +96,7 @@ struct XmlStream::Parser {
             std::rethrow_exception(failure);
         }
         if (status == XML_STATUS_OK) {
-            return;
+            return RequireShortToken(static_cast<std::size_t>(length));
         }
         if (isLast) {
             throw ServerError(errorServerAnswer, "The server's answer ended before it was complete.");
@@ -103,11 +106,22 @@ struct XmlStream::Parser {
                                                          XML_GetCurrentLineNumber(expat.get())));
     }
 
+    /// A tag that never ends would be kept whole, and parsed again with every piece that arrives.
+    void RequireShortToken(std::size_t length) {
+        fed += length;
+        const auto parsed =
+            static_cast<std::size_t>(std::max<XML_Index>(XML_GetCurrentByteIndex(expat.get()), 0));
+        if (fed - std::min(fed, parsed) > limits.textBytes + mostAtOnce) {
+            throw ServerError(errorServerAnswer, "A tag in the server's answer is too long.");
+        }
+    }
+
     std::unique_ptr<XML_ParserStruct, decltype(&XML_ParserFree)> expat{XML_ParserCreate(nullptr),
                                                                        &XML_ParserFree};
     XmlHandler& handler;
     ServerLimits limits;
     std::size_t depth = 0;
+    std::size_t fed = 0; ///< bytes in all
     std::string text = {};
     std::exception_ptr failure = {};
 };
@@ -118,7 +132,6 @@ XmlStream::XmlStream(XmlHandler& handler, const ServerLimits& limits)
 XmlStream::~XmlStream() = default;
 
 void XmlStream::Read(std::string_view piece) {
-    constexpr std::size_t mostAtOnce = std::size_t{1} << 20U;
     for (; !piece.empty(); piece.remove_prefix(std::min(mostAtOnce, piece.size()))) {
         parser_->Feed(piece.data(), static_cast<int>(std::min(mostAtOnce, piece.size())), false);
     }

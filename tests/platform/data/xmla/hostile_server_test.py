@@ -101,6 +101,7 @@ FAILURES = [
     ("a byte now and then", "drip", "did not answer in time"),
     ("no HTTP", "garbage", "cannot be"),
     ("a redirection to another host", "elsewhere", "it is another host"),
+    ("a redirection to another port", "other-port", "it has another scheme or port"),
     ("redirections in a circle", "circle", "redirects in a circle"),
     ("a redirection to nowhere", "nowhere", "redirects to nowhere"),
 ]
@@ -254,6 +255,9 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
     def elsewhere(self):
         self.answer(307, "", {"Location": f"http://localhost:{self.server.server_port}/good"})
+
+    def other_port(self):
+        self.answer(307, "", {"Location": "http://127.0.0.1:1/xmla"})
 
     def circle(self):
         self.answer(307, "", {"Location": "/circle"})
