@@ -86,7 +86,7 @@ AtomicFile::AtomicFile(const fs::path& path, Failure failure) : path_(ResolveLin
     CreateTemporary(isThere ? S_IRUSR | S_IWUSR
                             : 0666U); // what replaces a private file is private from the start
     if (isThere) {
-        TakeOver(replaced);
+        TakeOver(replaced.st_mode, replaced.st_uid, replaced.st_gid);
     }
 }
 
@@ -137,14 +137,13 @@ void AtomicFile::CreateTemporary(unsigned mode) {
 }
 
 /// The owner first: a change of owner takes away what mode bits give to programs.
-void AtomicFile::TakeOver(const struct stat& replaced) const {
-    const bool isSameOwner = ::fchown(descriptor_, replaced.st_uid, replaced.st_gid) == 0;
+void AtomicFile::TakeOver(unsigned mode, unsigned owner, unsigned group) const {
+    const bool isSameOwner = ::fchown(descriptor_, owner, group) == 0;
     constexpr mode_t permissions = 0777;
     constexpr mode_t forOwner = 0700;
     // Bits for a group are for the old file's group.
-    const bool isSameGroup =
-        isSameOwner || ::fchown(descriptor_, static_cast<uid_t>(-1), replaced.st_gid) == 0;
-    if (::fchmod(descriptor_, replaced.st_mode & (isSameGroup ? permissions : forOwner)) != 0) {
+    const bool isSameGroup = isSameOwner || ::fchown(descriptor_, static_cast<uid_t>(-1), group) == 0;
+    if (::fchmod(descriptor_, mode & (isSameGroup ? permissions : forOwner)) != 0) {
         Fail(errno);
     }
 }

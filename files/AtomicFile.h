@@ -33,7 +33,7 @@ public:
 private:
     void RefuseWhatIsNoFile(const std::filesystem::path& named) const;
     void CreateTemporary(unsigned mode);
-    void TakeOver(const struct stat& replaced) const;
+    void TakeOver(unsigned mode, unsigned owner, unsigned group) const;
     [[noreturn]] void Fail(int error) const;
 
     std::filesystem::path path_, temporary_;
