@@ -38,8 +38,8 @@ MAY_INCLUDE = {
     "server/dispatch": "text platform/value platform/windows",
     "server": f"{PRODUCT} server/dispatch",
     "examples/*": f"{PRODUCT} examples/*",  # beside the product, which includes none of these
-    "tests/engine/*": "text engine/* tests/*",
-    "tests/*": f"{PRODUCT} cli cli/* calc server server/* examples/* tests/*",
+    "tests/engine/*": "text files engine/* tests/*",
+    "tests/*": f"{PRODUCT} files cli cli/* calc server server/* examples/* tests/*",
     "bench": f"{PRODUCT} engine/* cli examples/* tests/*",
     "fuzz/*": f"{PRODUCT} engine/* cli/*",
 }
