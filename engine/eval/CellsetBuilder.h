@@ -11,7 +11,8 @@ public:
     explicit CellsetBuilder(const MemberSpace& space) : space_(space) {}
 
     /// Axes are added columns first.
-    void AddAxis(const TupleSet& tuples);
+    /// `levelCounts` as Cellset::LevelCount tells them.
+    void AddAxis(const TupleSet& tuples, std::vector<std::size_t> levelCounts);
     /// The cells of all combinations, columns varying fastest.
     Cellset Finish(std::vector<CellValue> cells);
 

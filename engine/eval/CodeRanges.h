@@ -30,4 +30,10 @@ bool Intersects(CodeRanges left, CodeRanges right);
 /// The codes in both sets, written to `result`, which neither may be a view of.
 void Intersect(CodeRanges left, CodeRanges right, std::vector<KeyRange>& result);
 
+/// Sorts ranges and joins those that touch or overlap.
+void JoinRanges(std::vector<KeyRange>& ranges);
+
+/// The codes of `ranges` that `others` lack; both sorted.
+std::vector<KeyRange> Without(CodeRanges ranges, CodeRanges others);
+
 } // namespace qel::engine

@@ -31,8 +31,9 @@ public:
     /// Raises EngineError at the part that has no meaning: UnknownName, or UnknownMember when it stands where
     /// a member does. `wantsLevel` says that only a hierarchy or a level makes sense here.
     Resolved Resolve(const mdx::Node& path, bool wantsLevel);
-    /// The hierarchy that a calculated member of this name belongs to; its own name is the last part.
-    HierarchyId HierarchyOfNew(const mdx::Node& path);
+    /// What a calculated member of this name stands below: a member, or no member of its hierarchy; its own
+    /// name is the last part.
+    MemberRef ParentOfNew(const mdx::Node& path);
 
 private:
     std::optional<Resolved> ResolveAll();
@@ -40,6 +41,8 @@ private:
     std::optional<Resolved> InHierarchy(HierarchyId hierarchy, std::size_t part);
     MemberId MemberPath(HierarchyId hierarchy, MemberRange among, std::size_t part);
     MemberId Descend(HierarchyId hierarchy, MemberId member, std::size_t part);
+    /// The calculated member that the last part names, or noMember.
+    MemberId CalculatedBelow(MemberRef parent, std::size_t part) const;
     /// The members among these that the part names, the best one first.
     void Find(HierarchyId hierarchy, MemberRange among, std::size_t part, std::vector<MemberId>& found) const;
     void TakeParts(const mdx::Node& path);

@@ -15,8 +15,9 @@ struct FlattenedRows {
     std::vector<std::vector<Variant>> rows; ///< each as long as `fields`
 };
 
-/// A member fills the fields of its level and of its ancestors' levels with captions; lower levels are Null.
-/// A level that holds the member of all has no field. Without a rows axis there is one row. Raises
+/// A set of members of several levels has a field for every level of their hierarchy, one of a single level
+/// for those down to it. A member fills the fields of its level and of its ancestors' levels with captions;
+/// lower levels are Null. A level that holds the member of all has no field. Without a rows axis there is one row. Raises
 /// AutomationError for more than two axes.
 FlattenedRows Flatten(const engine::Cube& cube, const engine::Cellset& cellset);
 
