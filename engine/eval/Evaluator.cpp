@@ -322,8 +322,10 @@ Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::SourceRange range, int de
     if (evaluator.depth_ + steps_ > nestingLimit) {
         mdx::RaiseAt(
             ErrorKind::InvalidExpression, evaluator.statement_, range,
-            fmt::format("the calculated member needs more than {} others, or itself, to be evaluated",
-                        nestingLimit));
+            fmt::format(
+                "the calculated member needs itself, or more than {} expressions inside one another, to be "
+                "evaluated",
+                nestingLimit));
     }
     if (evaluator.depth_ == 0) {
         evaluator.evaluations_ = 0;

@@ -121,8 +121,8 @@ TEST_F(SmallStack, TakesLongChainsOfDefinitions) {
         sets += fmt::format("SET s{} AS Union(s{}, s0) ", i + 1, i);
         needed += fmt::format("SET s{} AS Head(s{}, 1) ", i + 1, i);
     }
-    const std::string tooLong =
-        "the calculated member needs more than 400 others, or itself, to be evaluated";
+    const std::string tooLong = "the calculated member needs itself, or more than 400 expressions inside one "
+                                "another, to be evaluated";
     const struct {
         const char* what;
         std::string statement, answer;
@@ -188,7 +188,8 @@ TEST_F(SmallStack, TakesDeepStatements) {
         }
         EXPECT_EQ(Answer(*cube_, "WITH " + formulas +
                                      "MEMBER [Measures].m400 AS 1 SELECT FROM Finance WHERE [Measures].m0"),
-                  "the calculated member needs more than 400 others, or itself, to be evaluated")
+                  "the calculated member needs itself, or more than 400 expressions inside one another, to "
+                  "be evaluated")
             << nest.before;
     }
     const struct {

@@ -527,11 +527,13 @@ TEST(Statement, RefusesWhatHasNoMeaning) {
         {"a formula that needs itself",
          "WITH MEMBER [Date].X AS [Measures].[Amount] SELECT {[Date].X} ON 0 FROM Finance",
          ErrorKind::InvalidExpression,
-         "line 1, column 13: the calculated member needs more than 400 others, or itself, to be evaluated"},
+         "line 1, column 13: the calculated member needs itself, or more than 400 expressions inside one "
+         "another, to be evaluated"},
         {"a sum that needs itself",
          "WITH MEMBER [Date].X AS Sum({[Date].X}) SELECT {[Date].X} ON 0 FROM Finance",
          ErrorKind::InvalidExpression,
-         "line 1, column 13: the calculated member needs more than 400 others, or itself, to be evaluated"},
+         "line 1, column 13: the calculated member needs itself, or more than 400 expressions inside one "
+         "another, to be evaluated"},
         {"a member defined twice", "WITH MEMBER [Firma].X AS 1 MEMBER [Firma].x AS 2 SELECT FROM Finance",
          ErrorKind::InvalidExpression, "line 1, column 35: the calculated member x is defined twice"},
         {"two sets of one name", "WITH SET s AS {[Firma].[1]} SET S AS {[Firma].[2]} SELECT FROM Finance",
