@@ -1,39 +1,47 @@
 #pragma once
 
+#include "batch/GridAnswer.h"
 #include "batch/GridPlan.h"
-#include "batch/StatementBatch.h"
+#include "cube/CubeValue.h"
 
 #include <atomic>
 #include <deque>
 #include <mutex>
+#include <optional>
 
 namespace qel::batch {
 
-/// Sends the statements of a plan, a few at a time, and gives every value statement its outcome.
+/// Sends the statements of a plan, a few at a time, and gives every query the answer that its own statement
+/// would give.
 class GridRunner {
 public:
-    GridRunner(DataAccess& provider, std::shared_ptr<Connection> connection,
-               const std::vector<std::string>& statements)
-        : provider_(provider), connection_(std::move(connection)), statements_(statements) {}
+    /// The queries outlive it. Several threads open cellsets on the connection.
+    GridRunner(const ProviderConnection& server, std::span<const ModSetCube::ValueQuery> queries)
+        : server_(server), queries_(queries), answers_(queries.size()) {}
 
-    /// Statements without an outcome were not answered: they stand in a grid that failed, or the server was
-    /// lost.
-    std::unordered_map<std::string, Outcome> Run(GridPlan plan);
+    /// Queries of a grid whose answer does not fit are asked alone. There is no answer when the server was
+    /// lost. Any exception on the way is the answer of the queries that were asked for.
+    std::vector<std::optional<ModSetCube::CellAnswer>> Run(GridPlan plan);
 
 private:
     void Work();
-    void RunGrid(ValueGrid grid);
+    /// False when nothing is left to do.
+    bool WorkOnNext();
+    void RunGrid(const ValueGrid& grid);
+    /// Keeps the values of an answer that fits. A failure counts as an answer without some rows.
+    GridFit AskFor(const ValueGrid& grid, std::span<const std::size_t> queries);
     void Halve(const ValueGrid& grid);
-    void RunAlone(std::size_t statement);
-    void Keep(std::size_t statement, Outcome outcome);
+    void AskAlone(const std::vector<std::size_t>& queries);
+    void RunAlone(std::size_t query);
+    /// The exception that is being handled becomes the queries' answer.
+    void Fail(std::span<const std::size_t> queries) noexcept;
 
-    DataAccess& provider_;
-    std::shared_ptr<Connection> connection_;
-    const std::vector<std::string>& statements_;
+    ProviderConnection server_;
+    std::span<const ModSetCube::ValueQuery> queries_;
     std::mutex mutex_; ///< guards the three below
     std::deque<ValueGrid> grids_;
     std::deque<std::size_t> alone_;
-    std::unordered_map<std::string, Outcome> outcomes_;
+    std::vector<std::optional<ModSetCube::CellAnswer>> answers_; ///< one per query
     std::atomic<int> failedGrids_ = 0;
 };
 

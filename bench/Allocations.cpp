@@ -9,8 +9,8 @@ thread_local std::size_t allocations = 0;
 
 } // namespace
 
-// The program's own operators: the library's other forms call these, but for a sanitizer's.
-// NOLINTBEGIN(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory): there is nothing below them
+// Replaces the global operators; the library's other forms call these, except under a sanitizer.
+// NOLINTBEGIN(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory): operator new is the lowest layer
 
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
     ++allocations;

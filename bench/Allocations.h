@@ -4,7 +4,7 @@
 
 namespace qel::bench {
 
-/// How often this thread has taken memory from the heap, by `new` and all that is built on it.
+/// The number of heap allocations of this thread, by `new` and everything based on it.
 std::size_t AllocationsSoFar();
 
 } // namespace qel::bench

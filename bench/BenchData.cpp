@@ -34,7 +34,7 @@ void Build(const std::filesystem::path& definition, const std::filesystem::path&
     engine::BuildCube({.definition = definition, .output = output, .skippedLines = {}, .progress = {}});
 }
 
-/// The ledger's definition with one of its cubes, beside it.
+/// Writes the ledger's definition reduced to one cube, next to it.
 std::filesystem::path DefinitionOfOne(const BenchData& data, ledger::LedgerCube cube) {
     std::ifstream whole(data.csvFolder / "ledger.json");
     nlohmann::json definition = nlohmann::json::parse(whole, nullptr, true, true);

@@ -32,7 +32,7 @@ struct BenchOptions {
     bool measuresBuild = false;
 };
 
-/// Prints what was measured, and writes it in lines "facts,cube,what,number" for the table and the plot.
+/// Prints the measurements, and writes them as lines "facts,cube,what,number" for the table and the plot.
 class Report {
 public:
     explicit Report(const std::filesystem::path& csv) {
@@ -71,7 +71,7 @@ void PrintRatio(Report& report, const std::string& peer, const char* what, const
     fmt::print("  {:<44}{:>34.0f}\n", fmt::format("times faster than {}: {}", peer, what), ratio);
 }
 
-/// Compares the values and times the peer on the first formulas, which `own` has as well.
+/// Compares values and times the peer on the first formulas, with the engine's times in `own`.
 template <class Run>
 std::size_t ComparePeer(Report& report, const std::string& name, const Run& run,
                         const std::vector<SqliteCell>& cells, const std::vector<double>& values,
@@ -84,7 +84,7 @@ std::size_t ComparePeer(Report& report, const std::string& name, const Run& run,
             fmt::print(stderr, "{} instead of {}: {}\n", values[i], value, Describe(same.Formulas()[i]));
         }
     }
-    for (int round = 1; round < rounds; ++round) { // the peer's best times count as well
+    for (int round = 1; round < rounds; ++round) { // the peer's best times count too
         for (std::size_t i = 0; i < cells.size(); ++i) {
             peer.Measure(i, [&] { return run(cells[i]); });
         }
@@ -105,14 +105,14 @@ void PrintListings(const BenchOptions& options, const BenchData& data, LedgerCub
     report.Number("slowest list ms", slowest);
 }
 
-/// Times the formulas of one cube. Returns how many values differ from a peer's.
+/// Times the formulas of one cube. Returns the number of values that differ from a peer's.
 std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePeer& sqlite,
                     DuckDbPeer* duckDb, LedgerCube cube, Report& report) {
     qel::ledger::RandomSelections selections(sqlite.Database(), options.seed);
     const Workload all(data, DrawFormulas(selections, options.seed, options.formulas, cube), options.seed);
     const Workload sheet(data, DrawSheet(selections, options.seed + 1, 834, cube), options.seed);
     fmt::print("cube by {}\n  {:<44}{:>10}{:>10}{:>14}{:>14}\n",
-               cube == LedgerCube::Months ? "months" : "days", "", "median µs", "p99 µs", "a second",
+               cube == LedgerCube::Months ? "months" : "days", "", "median µs", "p99 µs", "per second",
                "allocations");
     report.Times("formula, statement new", "new", all.FirstCalculation());
     report.Times("formula, statement known", "known", all.Recalculation(options.rounds));
@@ -121,12 +121,12 @@ std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePe
     const double sheetKnown = sheet.Recalculation(options.rounds).Total() / 1e3;
     report.Number("sheet new ms", sheetNew);
     report.Number("sheet known ms", sheetKnown);
-    fmt::print("  sheet of 834 rows by 12 months: {:.1f} ms new, {:.1f} ms calculated again\n", sheetNew,
+    fmt::print("  sheet of 834 rows by 12 months: {:.1f} ms new, {:.1f} ms recalculated\n", sheetNew,
                sheetKnown);
     for (const std::size_t threads : {std::size_t{1}, std::size_t{2}}) {
         const double perSecond = all.FormulasPerSecond(threads, options.rounds);
         report.Number(fmt::format("threads {} per second", threads), perSecond);
-        fmt::print("  formulas a second by the clock, {} threads: {:.0f}\n", threads, perSecond);
+        fmt::print("  formulas per second (elapsed), {} threads: {:.0f}\n", threads, perSecond);
     }
 
     PrintListings(options, data, cube, report);
@@ -180,12 +180,12 @@ std::size_t RunBench(const BenchOptions& options, const std::filesystem::path& p
         const double opening = OpeningMilliseconds(data);
         report.Number("bytes", perFact(data.cubeFile) / 2);
         report.Number("open ms", opening);
-        fmt::print("bytes a fact: {:.1f} a cube (two in the file)\nopen: {:.2f} ms\n",
+        fmt::print("bytes per fact: {:.1f} per cube (two in the file)\nopen: {:.2f} ms\n",
                    perFact(data.cubeFile) / 2, opening);
         SqlitePeer sqlite(data.database);
         if (sqlite.HasFacts()) {
             report.Number("SQLite bytes", perFact(data.database));
-            fmt::print("bytes a fact in SQLite: {:.1f}\n", perFact(data.database));
+            fmt::print("bytes per fact in SQLite: {:.1f}\n", perFact(data.database));
         }
         std::optional<DuckDbPeer> duckDb;
         if (!options.duckDb.empty() && sqlite.HasFacts()) {
@@ -206,12 +206,10 @@ std::size_t RunBench(const BenchOptions& options, const std::filesystem::path& p
 
 int main(int argc, char** argv) {
     CLI::App app{
-        "Times random formulas over generated ledgers: the whole path of QelF1 from its arguments to the "
-        "value, "
-        "and the engine alone, beside SQLite with covering indexes (statements prepared beforehand) and "
-        "DuckDB "
-        "(one thread, statement texts) for the same cells. Of several rounds a formula's best time counts. "
-        "Every pair of values is compared; status 1 when one differs."};
+        "Times random formulas over generated ledgers: QelF1 from its arguments to the value, and the engine "
+        "alone. Computes the same cells with SQLite (prepared statements, covering indexes) and DuckDB (one "
+        "thread, statement texts) and compares the values. Each formula counts with its fastest time over "
+        "several rounds. Exit status 1 when a value differs."};
     BenchOptions options;
     app.add_option("--rows", options.rows, "facts of each ledger")->capture_default_str();
     app.add_option("--cube", options.cubes, "months, days")
@@ -220,18 +218,18 @@ int main(int argc, char** argv) {
     app.add_option("--formulas", options.formulas, "formulas to draw")
         ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000}))
         ->capture_default_str();
-    app.add_option("--peer-formulas", options.peerFormulas, "how many of them the peers answer")
+    app.add_option("--peer-formulas", options.peerFormulas, "how many of them the peers compute")
         ->check(CLI::Range(std::size_t{1}, std::size_t{1'000'000}))
         ->capture_default_str();
     app.add_option("--rounds", options.rounds, "timed passes through the component")
         ->check(CLI::Range(1, 1000))
         ->capture_default_str();
-    app.add_option("--seed", options.seed, "of the ledger and of the formulas")->capture_default_str();
+    app.add_option("--seed", options.seed, "seed of the ledgers and the formulas")->capture_default_str();
     app.add_option("--data", options.data, "where the generated ledgers are kept")->capture_default_str();
-    app.add_option("--duckdb", options.duckDb, "DuckDB's library; without it DuckDB is left out")
+    app.add_option("--duckdb", options.duckDb, "DuckDB's shared library; without it DuckDB is skipped")
         ->check(CLI::ExistingFile);
-    app.add_option("--csv", options.csv, "a file that the numbers are written to as well");
-    app.add_flag("--build", options.measuresBuild, "measure the build of each cube, too");
+    app.add_option("--csv", options.csv, "also write the numbers to this file");
+    app.add_flag("--build", options.measuresBuild, "also measure the build of each cube");
     CLI11_PARSE(app, argc, argv);
     try {
         return RunBench(options, std::filesystem::absolute(argv[0])) == 0 ? 0 : 1;

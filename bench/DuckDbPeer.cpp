@@ -9,7 +9,7 @@
 namespace qel::bench {
 namespace {
 
-// The part of DuckDB's C interface that is used, as its documentation describes it.
+// The part of DuckDB's documented C interface that is used.
 using Handle = void*;
 constexpr int success = 0;
 
@@ -29,7 +29,7 @@ Function Load(void* library, const char* name) {
     return reinterpret_cast<Function>(found);
 }
 
-/// A statement with its values in it.
+/// A statement with literal values.
 std::string LiteralSql(const SqliteCell& cell) {
     std::string text;
     std::size_t value = 0;
@@ -70,7 +70,7 @@ public:
     Library(const Library&) = delete;
     Library& operator=(const Library&) = delete;
 
-    /// The first column of the first row; 0 when it is null.
+    /// The first column of the first row; 0 when null.
     std::int64_t Query(const std::string& sql) const {
         Result result{};
         if (query_(connection_, sql.c_str(), &result) != success) {
@@ -87,7 +87,7 @@ public:
     Handle Connection() const { return connection_; }
 
 private:
-    void* library_; ///< stays loaded: its threads may outlive the database
+    void* library_; ///< never unloaded: its threads may outlive the database
     Handle database_ = nullptr, connection_ = nullptr;
     int (*query_)(Handle, const char*, Result*) = nullptr;
     void (*destroy_)(Result*) = nullptr;

@@ -8,12 +8,12 @@
 
 namespace qel::bench {
 
-/// The same cells through DuckDB, in memory and with one thread, from the texts of statements with their
-/// values in them. Its library is loaded when one is used; the benchmark does without it otherwise.
+/// The same cells computed by DuckDB, in memory and single-threaded, from statements with literal values. The
+/// library is loaded on construction; without it the benchmark skips DuckDB.
 class DuckDbPeer {
 public:
     /// Copies the facts of the SQLite database, sorted by account, OBS leaf and day. Raises
-    /// std::runtime_error for a library that cannot be loaded, and what DuckDB says.
+    /// std::runtime_error when the library cannot be loaded, or with DuckDB's message.
     DuckDbPeer(const std::filesystem::path& library, SqlitePeer& source);
     ~DuckDbPeer();
     DuckDbPeer(const DuckDbPeer&) = delete;

@@ -13,7 +13,7 @@ using ledger::SelectionShape;
 
 constexpr int months = static_cast<int>(ledger::WideLedgerShape{}.months);
 
-/// True so many times in a hundred.
+/// True in `percent` of 100 cases.
 bool Happens(Random& random, std::uint64_t percent) { return random.Below(100) < percent; }
 
 SelectionShape AnyGroup(Random& random) {
@@ -31,7 +31,7 @@ SelectionShape AnyUnit(Random& random) {
                         : SelectionShape::Level4;
 }
 
-/// The large dimensions of the question at that point of a hundred.
+/// The large dimensions of a formula, by its percentile.
 std::vector<SelectionShape> DrawLargeParts(Random& random, std::uint64_t point) {
     if (point < 45) {
         return {SelectionShape::Account, AnyUnit(random)};
@@ -56,7 +56,7 @@ std::vector<SelectionShape> DrawLargeParts(Random& random, std::uint64_t point) 
 
 struct Question {
     std::vector<SelectionShape> parts;
-    bool isOfTheWhole = false; ///< a balance sheet's or a year's total
+    bool isOfTheWhole = false; ///< the total of a balance sheet or a year
 };
 
 Question DrawQuestion(Random& random) {
@@ -77,7 +77,7 @@ Question DrawQuestion(Random& random) {
     return question;
 }
 
-/// The months count from the ledger's first.
+/// Months are counted from the ledger's first.
 CalendarDay FirstDayOf(int month) { return {ledger::WideLedger::firstYear + month / 12, month % 12 + 1, 1}; }
 
 CalendarDay LastDayOf(int month) {

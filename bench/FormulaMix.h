@@ -6,14 +6,14 @@
 
 namespace qel::bench {
 
-/// Formulas as reports hold them: mostly accounts and summary groups on a unit, a cost centre or an activity,
-/// some wide, with most of the small dimensions; for a year, a year to date, a month and other spans, one in
-/// eleven not of whole months. Half are around lines of the ledger, half of accounts, units
-/// and so on drawn one by one.
+/// Formulas as reports contain them: mostly accounts and summary groups by unit, cost centre or activity,
+/// some broad ones with most of the small dimensions; over a year, a year to date, a month and other spans,
+/// one in eleven not of whole months. Half are built around ledger lines, half from independently drawn
+/// accounts, units and so on.
 std::vector<ledger::Selection> DrawFormulas(ledger::RandomSelections& selections, std::uint64_t seed,
                                             std::size_t count, ledger::LedgerCube cube);
 
-/// A sheet as people make them: rows of formulas, each twelve times for the months of a year.
+/// A typical sheet: rows of formulas, each repeated for the twelve months of a year.
 std::vector<ledger::Selection> DrawSheet(ledger::RandomSelections& selections, std::uint64_t seed,
                                          std::size_t rows, ledger::LedgerCube cube);
 

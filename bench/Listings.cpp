@@ -9,42 +9,24 @@
 namespace qel::bench {
 namespace {
 
-using ModSetCube::ComposeCellsetStatement;
-using ModSetCube::MemberListing;
-namespace Kind = ModSetCube::CellsetKind;
+using namespace ModSetCube;
 
-constexpr const char* structure = "OBS"; // the name that all numbers of a wide ledger have
+constexpr const char* structure = "OBS"; // the OBS name of all numbers in a wide ledger
 constexpr const char* number = "1";
 
-std::vector<std::pair<std::string, MemberListing>> Listings(const std::string& cube) {
-    std::vector<std::pair<std::string, MemberListing>> listings;
-    const auto add = [&](std::string what, MemberListing listing) {
-        listings.emplace_back(std::move(what), std::move(listing));
-    };
-    add("accounts by name",
-        {.cubeName = cube, .kind = Kind::Accounts, .argumentB = structure, .accountsMode = 1});
-    add("accounts by name of a firm", {.cubeName = cube,
-                                       .kind = Kind::Accounts,
-                                       .argumentA = "1",
-                                       .argumentB = structure,
-                                       .accountsMode = 1});
+std::vector<std::pair<std::string, ListedMembers>> Listings() {
+    std::vector<std::pair<std::string, ListedMembers>> listings = {
+        {"accounts by name", AccountsListing{.firma = "", .obsNumber = structure}},
+        {"accounts by name of a firm", AccountsListing{.firma = "1", .obsNumber = structure}}};
     for (const char* level : {"Level1", "Level2", "Level3", "Level4"}) {
-        add(std::string("OBS ") + level,
-            {.cubeName = cube, .kind = Kind::ObsOrCostCenters, .argumentA = structure, .argumentB = level});
+        listings.emplace_back(std::string("OBS ") + level, ObsListing{structure, level});
     }
-    add("OBS Level4 of a structure", {.cubeName = cube,
-                                      .kind = Kind::ObsOrCostCenters,
-                                      .argumentA = structure,
-                                      .argumentB = "Level4",
-                                      .obsSubMember = number});
-    add("cost centres", {.cubeName = cube, .kind = Kind::ObsOrCostCenters, .argumentA = structure});
-    add("cost centres of a structure",
-        {.cubeName = cube, .kind = Kind::ObsOrCostCenters, .argumentA = structure, .obsSubMember = number});
-    add("activities by name", {.cubeName = cube, .kind = Kind::Activities, .argumentA = structure});
-    add("activities by name of a structure",
-        {.cubeName = cube, .kind = Kind::Activities, .argumentA = structure, .obsSubMember = number});
-    add("summary groups by name",
-        {.cubeName = cube, .kind = Kind::SummaryGroups, .summaryLevel = "SuperSum3"});
+    listings.emplace_back("OBS Level4 of a structure", ObsListing{structure, "Level4", number});
+    listings.emplace_back("cost centres", ObsListing{structure, ""});
+    listings.emplace_back("cost centres of a structure", ObsListing{structure, "", number});
+    listings.emplace_back("activities by name", ActivitiesListing{structure});
+    listings.emplace_back("activities by name of a structure", ActivitiesListing{structure, number});
+    listings.emplace_back("summary groups by name", SummaryGroupsListing{"SuperSum3"});
     return listings;
 }
 
@@ -53,12 +35,11 @@ std::vector<std::pair<std::string, MemberListing>> Listings(const std::string& c
 std::vector<ListingTime> MeasureListings(const BenchData& data, ledger::LedgerCube cube, int rounds) {
     const std::string name = cube == ledger::LedgerCube::Months ? "LedgerFNC" : "LedgerHebrewFNC";
     EmbeddedDataAccess embedded;
-    const auto connection = embedded.CreateConnection();
-    connection->Open(ModSetCube::ComposeConnectionText(data.cubeFile.string(), name), "", "",
-                     optionsUnspecified);
+    const auto connection =
+        Providers(embedded).Connect(ComposeConnectionText(data.cubeFile.string(), name)).connection;
     std::vector<ListingTime> times;
-    for (const auto& [what, listing] : Listings(name)) {
-        const std::string statement = ComposeCellsetStatement(listing).value();
+    for (const auto& [what, listing] : Listings()) {
+        const std::string statement = ComposeListing({name, listing});
         Timings timing(1);
         ListingTime& time = times.emplace_back();
         time.what = what;

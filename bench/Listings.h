@@ -9,14 +9,14 @@
 
 namespace qel::bench {
 
-/// One of the lists that the dialogs fill themselves from: members that have facts.
+/// One of the lists in the dialogs: members that have facts.
 struct ListingTime {
     std::string what;
     std::size_t members = 0;
-    double milliseconds = 0; ///< from the statement to the cellset, in the best of the rounds
+    double milliseconds = 0; ///< from statement to cellset, best of all rounds
 };
 
-/// Asks for every kind of list, of the whole cube and of one structure, as the component does.
+/// Runs every kind of list, over the whole cube and one structure, as the component does.
 std::vector<ListingTime> MeasureListings(const BenchData& data, ledger::LedgerCube cube, int rounds);
 
 } // namespace qel::bench

@@ -46,7 +46,7 @@ constexpr const char* numberedStructure = "obs_name || '.' || obs_number";
 constexpr const char* smallColumns =
     "obs_number, plbs, rh, firm, opening_balance, money_set, amount, quantity";
 
-/// Conditions and their values, in order.
+/// Conditions with their values, in order.
 struct Where {
     std::string sql = "day BETWEEN ? AND ?";
     std::vector<std::int64_t> values;
@@ -170,7 +170,7 @@ SqliteCell SqlitePeer::Prepare(const Selection& selection) {
             selection.obsMember);
     }
     add("activity", "activities", "code", selection.activity);
-    if (!selection.obsNumber.empty()) { // the name is of all numbers
+    if (!selection.obsNumber.empty()) { // all numbers share the name
         add("obs_number", "obs_numbers", numberedStructure, selection.obsName + "." + selection.obsNumber);
     }
     add("firm", "firms", "code", selection.firm);

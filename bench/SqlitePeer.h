@@ -10,40 +10,40 @@
 
 namespace qel::bench {
 
-/// Puts the ledger of the folder into an SQLite database laid out for reading cells: codes as small numbers
-/// in tree order, so that a summary group is a range, and covering indexes that begin with the account, the
-/// OBS leaf, the cost centre and the activity.
-/// Without `facts` it has the ledger and its tables alone, from which formulas can be drawn.
+/// Loads the folder's ledger into an SQLite database laid out for reading cells: codes are small numbers in
+/// tree order, so that a summary group is a range, with covering indexes that start with the account, the OBS
+/// leaf, the cost centre and the activity. Without `facts` it only holds the ledger and its tables, from
+/// which formulas are drawn.
 void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::filesystem::path& file,
                         bool facts);
 
-/// A cell as SQLite answers it: a statement that is prepared already and the values to bind.
+/// A cell for SQLite: a prepared statement and the values to bind.
 struct SqliteCell {
-    ledger::SqlStatement* statement = nullptr; ///< none for a cell that is 0 by its dates alone
+    ledger::SqlStatement* statement = nullptr; ///< null for a cell that is 0 by its dates alone
     std::string sql;
     std::vector<std::int64_t> values;
     double scale = 1;
 };
 
-/// The same cells through SQLite, which chooses among the indexes by its own statistics.
+/// The same cells computed by SQLite, which chooses an index by its statistics.
 class SqlitePeer {
 public:
     explicit SqlitePeer(const std::filesystem::path& file);
 
-    /// The work that a program does once for each shape of formula is done here. The cell points into this
-    /// object. Raises std::out_of_range for a member that the ledger lacks.
+    /// Does the work that a program would do once per kind of formula. The cell refers to this object. Raises
+    /// std::out_of_range for a member that is not in the ledger.
     SqliteCell Prepare(const ledger::Selection& selection);
-    /// Binds and runs: the number that the formula's cell shows.
+    /// Binds the values and runs the statement. Returns the number that the formula shows.
     static double Run(const SqliteCell& cell);
-    /// The same from the statement's text, as the component does for every formula.
+    /// The same starting from the statement's text, as the component does for every formula.
     double RunText(const SqliteCell& cell);
 
     ledger::SqlDatabase& Database() { return database_; }
-    /// False for a database that was made without; it answers no cell.
+    /// False for a database without facts, which computes no cells.
     bool HasFacts() const { return hasFacts_; }
 
 private:
-    /// The numbers of the lines of a table that a member stands for.
+    /// The row numbers of a table that a member stands for.
     struct Range {
         std::int64_t first = 0, last = 0;
     };

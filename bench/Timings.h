@@ -8,8 +8,8 @@
 
 namespace qel::bench {
 
-/// How long the calls of one workload take, in microseconds: of several rounds the quickest time of each call
-/// counts, since whatever else runs on the machine can only make it slower.
+/// Times of the calls of one workload, in microseconds: each call's fastest time over several rounds, because
+/// other load only slows it down.
 class Timings {
 public:
     explicit Timings(std::size_t calls) : best_(calls) {}
@@ -29,7 +29,7 @@ public:
     double Quantile(double share) const;
     double Total() const;
     double CallsPerSecond() const { return static_cast<double>(best_.size()) * 1e6 / Total(); }
-    /// On average.
+    /// The average.
     double AllocationsPerCall() const {
         return static_cast<double>(allocations_) / static_cast<double>(measured_);
     }

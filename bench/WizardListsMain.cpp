@@ -8,17 +8,17 @@
 #include <chrono>
 #include <fstream>
 
-// Times what a person waits for in the function wizard when the cube has very many accounts.
+// Times the lists that a user waits for in the function wizard when the cube has very many accounts.
 
 namespace {
 
 using namespace qel;
-using testing::DialogDouble;
-using testing::WizardBench;
+using test::DialogDouble;
+using test::WizardBench;
 
 const char* const givenNames[] = {"Arava", "Negev", "כרמל", "Galil", "שרון", "Golan", "Yarden", "Tavor"};
 
-/// A book of that many accounts, a line each, beside the other tables of the tests' odd cube.
+/// A cube with that many accounts of one line each, besides the other tables of the tests' odd cube.
 std::string BuildWideBook(const std::filesystem::path& folder, int accounts) {
     const std::filesystem::path source = std::filesystem::path(QEL_SOURCE_DIR) / "tests/wizard/odd";
     for (const char* file : {"odd.json", "obs.csv"}) {
@@ -45,7 +45,7 @@ std::string BuildWideBook(const std::filesystem::path& folder, int accounts) {
     return cube.string();
 }
 
-/// Prints how long the work takes, in milliseconds.
+/// Prints how long the work takes in milliseconds.
 void Timed(const std::string& what, const std::function<std::size_t()>& work) {
     const auto start = std::chrono::steady_clock::now();
     const std::size_t count = work();

@@ -1,6 +1,5 @@
 #include "bench/Workload.h"
 
-#include "bench/RecordingDataAccess.h"
 #include "engine/eval/StatementPlan.h"
 #include "examples/ledger/reference/FormulaCell.h"
 #include "qel/engine/CubeFile.h"
@@ -16,6 +15,14 @@ namespace {
 double SecondsSince(std::chrono::steady_clock::time_point start) {
     return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
+
+/// Keeps the statement that was sent last.
+struct LastStatement : DataObserver {
+    std::string text; ///< empty when none was sent
+
+    void OnOpening(const std::string& /*connectionText*/, std::chrono::nanoseconds /*time*/) override {}
+    void OnStatement(const std::string& statement) override { text = statement; }
+};
 
 } // namespace
 
@@ -45,14 +52,16 @@ Timings Workload::Recalculation(int rounds) const {
 
 std::vector<std::string> Workload::Statements() const {
     EmbeddedDataAccess embedded;
-    RecordingDataAccess recorder(embedded);
-    ledger::FormulaCell cell(data_.cubeFile.string(), seed_, recorder);
+    LastStatement last;
+    Providers providers(embedded);
+    providers.observer = &last;
+    ledger::FormulaCell cell(data_.cubeFile.string(), seed_, providers);
     std::vector<std::string> statements;
     for (const ledger::Selection& formula : formulas_) {
-        recorder.Forget();
+        last.text.clear();
         cell.Value(formula);
-        if (!recorder.LastStatement().empty()) { // a period outside the cube needs none
-            statements.push_back(recorder.LastStatement());
+        if (!last.text.empty()) { // a period outside the cube needs none
+            statements.push_back(last.text);
         }
     }
     return statements;

@@ -1,4 +1,4 @@
-"""Puts the numbers of qel-bench --csv into the tables of docs/performance.md and the README, and draws their growth.
+"""Writes the numbers of qel-bench --csv into the tables of docs/performance.md and the README, and plots them.
 
 report.py NUMBERS.csv PERFORMANCE.md PLOT.svg README.md
 """
@@ -10,36 +10,36 @@ import sys
 BEGIN, END = "<!-- numbers -->", "<!-- end of numbers -->"
 
 ROWS = [  # what the table says, where the number comes from, how it is written
-    ("file, bytes a fact", "both", "bytes", "{:.0f}"),
-    ("SQLite, bytes a fact (one cube's facts)", "both", "SQLite bytes", "{:.0f}"),
+    ("file, bytes per fact", "both", "bytes", "{:.0f}"),
+    ("SQLite, bytes per fact (one cube's facts)", "both", "SQLite bytes", "{:.0f}"),
     ("open, ms", "both", "open ms", "{:.2f}"),
 ]
 for cube in ("months", "days"):
     ROWS += [
-        (f"{cube}: build, s and s of processors", cube, ("build seconds", "build processor seconds"), "{:.1f}"),
+        (f"{cube}: build, s elapsed, s CPU", cube, ("build seconds", "build processor seconds"), "{:.1f}"),
         (f"{cube}: build, MB of memory", cube, "build megabytes", "{:,.0f}"),
-        (f"{cube}: formulas a second, statement known", cube, "known per second", "{:,.0f}"),
+        (f"{cube}: formulas per second, statement known", cube, "known per second", "{:,.0f}"),
         (f"{cube}: median, p99 µs", cube, ("known median", "known p99"), "{:.1f}"),
-        (f"{cube}: formulas a second, statement new", cube, "new per second", "{:,.0f}"),
-        (f"{cube}: engine alone, cells a second", cube, "engine per second", "{:,.0f}"),
+        (f"{cube}: formulas per second, statement new", cube, "new per second", "{:,.0f}"),
+        (f"{cube}: engine alone, cells per second", cube, "engine per second", "{:,.0f}"),
         (f"{cube}: engine alone, median, p99 µs", cube, ("engine median", "engine p99"), "{:.1f}"),
         (f"{cube}: allocations, formula new, known, engine", cube, ("new allocations", "known allocations", "engine allocations"), "{:.0f}"),
-        (f"{cube}: sheet of 834 × 12 again, ms", cube, "sheet known ms", "{:.0f}"),
-        (f"{cube}: sheet of 834 × 12 new, ms", cube, "sheet new ms", "{:.0f}"),
+        (f"{cube}: sheet of 834 × 12, recalculated, ms", cube, "sheet known ms", "{:.0f}"),
+        (f"{cube}: sheet of 834 × 12, new, ms", cube, "sheet new ms", "{:.0f}"),
         (f"{cube}: slowest list of members, ms", cube, "slowest list ms", "{:.1f}"),
-        (f"{cube}: by the clock, 1 and 2 threads", cube, ("threads 1 per second", "threads 2 per second"), "{:,.0f}"),
-        (f"{cube}: SQLite, cells a second", cube, "SQLite per second", "{:,.0f}"),
-        (f"{cube}: times faster than SQLite, formula and engine", cube, ("SQLite ratio formula", "SQLite ratio engine"), "{:,.0f}"),
-        (f"{cube}: DuckDB, cells a second", cube, "DuckDB per second", "{:,.0f}"),
-        (f"{cube}: times faster than DuckDB, formula and engine", cube, ("DuckDB ratio formula", "DuckDB ratio engine"), "{:,.0f}"),
+        (f"{cube}: formulas per second (elapsed), 1 and 2 threads", cube, ("threads 1 per second", "threads 2 per second"), "{:,.0f}"),
+        (f"{cube}: SQLite, cells per second", cube, "SQLite per second", "{:,.0f}"),
+        (f"{cube}: times faster than SQLite, formula, engine", cube, ("SQLite ratio formula", "SQLite ratio engine"), "{:,.0f}"),
+        (f"{cube}: DuckDB, cells per second", cube, "DuckDB per second", "{:,.0f}"),
+        (f"{cube}: times faster than DuckDB, formula, engine", cube, ("DuckDB ratio formula", "DuckDB ratio engine"), "{:,.0f}"),
     ]
 
 SHORT_ROWS = [  # of the README
     ("`QelF1`, median, p99 µs", "months", ("known median", "known p99"), "{:.1f}"),
-    ("formulas a second", "months", "known per second", "{:,.0f}"),
+    ("formulas per second", "months", "known per second", "{:,.0f}"),
     ("times SQLite's", "months", "SQLite ratio formula", "{:,.0f}"),
     ("times DuckDB's", "months", "DuckDB ratio formula", "{:,.0f}"),
-    ("file, bytes a fact", "both", "bytes", "{:.0f}"),
+    ("file, bytes per fact", "both", "bytes", "{:.0f}"),
     ("open, ms", "both", "open ms", "{:.1f}"),
 ]
 
@@ -72,7 +72,7 @@ def table(numbers, sizes, rows):
 
 
 def plot(numbers, sizes):
-    """Microseconds a cell (months cube) and bytes a fact, both over the facts, all axes logarithmic but the bytes."""
+    """Plots microseconds per cell (months cube) and bytes per fact against the facts; only the bytes are linear."""
     width, height, left, top = 420, 300, 60, 40
     span = max(math.log10(sizes[-1]) - math.log10(sizes[0]), 1)
     x = lambda panel, size: left + panel * (width + 90) + (math.log10(size) - math.log10(sizes[0])) / span * width
@@ -83,8 +83,8 @@ def plot(numbers, sizes):
         f'<svg xmlns="http://www.w3.org/2000/svg" width="{2 * width + 290}" height="{height + 90}" '
         'font-family="sans-serif" font-size="12">',
         '<rect width="100%" height="100%" fill="white"/>',
-        f'<text x="{left}" y="20" font-size="14">µs a cell, random mix, cube by months</text>',
-        f'<text x="{left + width + 90}" y="20" font-size="14">bytes a fact and cube</text>',
+        f'<text x="{left}" y="20" font-size="14">µs per cell, random mix, cube by months</text>',
+        f'<text x="{left + width + 90}" y="20" font-size="14">bytes per fact and cube</text>',
     ]
     for panel in (0, 1):
         for size in sizes:
@@ -117,7 +117,7 @@ def plot(numbers, sizes):
 
 
 def put_table(path, text):
-    """Replaces what stands between the file's marks."""
+    """Replaces the text between the file's markers."""
     with open(path, encoding="utf-8") as file:
         before, rest = file.read().split(BEGIN)
     after = rest.split(END)[1]

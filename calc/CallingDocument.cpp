@@ -5,6 +5,7 @@
 #include "text/Utf8Path.h"
 
 #include <com/sun/star/frame/XModel.hpp>
+#include <com/sun/star/frame/XStorable.hpp>
 #include <osl/file.hxx>
 #include <system_error>
 
@@ -14,13 +15,22 @@ using office::FromOffice;
 
 namespace {
 
-/// Empty for a document that was never saved, or not to a file.
-std::filesystem::path FolderOf(const DocumentReference& document) {
+/// A document has a location while it is being loaded, when its formulas are calculated first; its address
+/// comes later.
+rtl::OUString AddressOf(const DocumentReference& document) {
     using namespace com::sun::star;
     const uno::Reference<frame::XModel> model(document, uno::UNO_QUERY);
+    if (model.is() && !model->getURL().isEmpty()) {
+        return model->getURL();
+    }
+    const uno::Reference<frame::XStorable> stored(document, uno::UNO_QUERY);
+    return stored.is() ? stored->getLocation() : rtl::OUString();
+}
+
+/// Empty for a document that was never saved, or not to a file.
+std::filesystem::path FolderOf(const DocumentReference& document) {
     rtl::OUString path;
-    if (!model.is() ||
-        osl::FileBase::getSystemPathFromFileURL(model->getURL(), path) != osl::FileBase::E_None) {
+    if (osl::FileBase::getSystemPathFromFileURL(AddressOf(document), path) != osl::FileBase::E_None) {
         return {};
     }
     return PathFromSetting(FromOffice(path)).parent_path();

@@ -4,6 +4,7 @@
 #include "calc/FunctionTexts.h"
 #include "calc/ServerResultsOfOffice.h"
 #include "calc/ThreadFunction.h"
+#include "platform/data/ConnectionText.h"
 #include "platform/office/OfficeText.h"
 
 #include <com/sun/star/uno/RuntimeException.hpp>
@@ -48,9 +49,12 @@ const ArgumentTexts* FindArgument(const rtl::OUString& method, sal_Int32 argumen
                                                                                : nullptr;
 }
 
+Variant Evaluate(OrmQelFunction& function, const ValueCall& call) { return function.QeLF1(call).value; }
+Variant Evaluate(OrmQelFunction& function, const NameCall& call) { return function.QelName(call).value; }
+
 } // namespace
 
-LateResults& OrmQelFunctionAddIn::ServerResults() {
+AsyncResults& OrmQelFunctionAddIn::ServerResults() {
     const std::scoped_lock lock(mutex_);
     if (!serverResults_) {
         serverResults_ = MakeServerResults(context_);
@@ -63,11 +67,11 @@ Any OrmQelFunctionAddIn::Answer(const DocumentReference& document, const Read& r
     try {
         ThreadFunction& thread = FunctionOfThread();
         thread.locale = locales_.Of(document);
-        auto arguments = read(CellCall(document, thread.locale));
-        if (AsksServer(arguments.cubeFile)) {
-            return ServerResults().Ask(CallOf(arguments, thread.locale));
+        const auto call = read(CellCall(document, thread.locale));
+        if (IsServerAddress(call.cubeFile)) {
+            return ServerResults().Ask(ServerCallOf(call, thread.locale));
         }
-        return ToCell(Evaluate(thread.function, std::move(arguments)));
+        return ToCell(Evaluate(thread.function, call));
     } catch (const uno::Exception&) {
         throw;
     } catch (const std::exception& error) { // becomes the office's own exception
@@ -81,7 +85,7 @@ Any OrmQelFunctionAddIn::QelF1(const DocumentReference& document, const Any& cub
                                const Any& SeifLevel, const Any& Accounts, const Any& Measure,
                                const Any& MoneySet, const Any& Plbs, const Any& RH, const Any& Firma,
                                const Any& OpeningBalance, const Any& FromDate, const Any& ToDate) {
-    return Answer(document, [&](const CellCall& call) -> ValueArguments {
+    return Answer(document, [&](const CellCall& call) -> ValueCall {
         return {call.CubeFile(cubeFile),
                 call.Text(CubeName),
                 KeysFromCell(ObsName),
@@ -116,7 +120,7 @@ Any OrmQelFunctionAddIn::QeL1(const DocumentReference& document, const Any& cube
 
 Any OrmQelFunctionAddIn::QelName(const DocumentReference& document, const Any& cubeFile, const Any& CubeName,
                                  const Any& DimType, const Any& DimMember) {
-    return Answer(document, [&](const CellCall& call) -> NameArguments {
+    return Answer(document, [&](const CellCall& call) -> NameCall {
         return {call.CubeFile(cubeFile), call.Text(CubeName), call.Text(DimType), call.Text(DimMember)};
     });
 }

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "calc/AsyncResults.h"
 #include "calc/DocumentLocales.h"
-#include "calc/LateResults.h"
 
 #include <OrmFunctionQel4/XWorksheetFunctions.hpp>
 #include <com/sun/star/lang/XServiceInfo.hpp>
@@ -71,7 +71,7 @@ public:
 private:
     bool IsHebrew() const;
     /// Made at the first formula over a server; it ends with the office.
-    LateResults& ServerResults();
+    AsyncResults& ServerResults();
     /// Reads the arguments and evaluates the call: now, or later when it asks a server.
     template <class Read>
     Any Answer(const DocumentReference& document, const Read& read);
@@ -79,7 +79,7 @@ private:
     Context context_;
     DocumentLocales locales_;
     std::mutex mutex_; ///< guards the one below
-    std::shared_ptr<LateResults> serverResults_;
+    std::shared_ptr<AsyncResults> serverResults_;
     Language language_; ///< of the office's menus
 };
 

@@ -1,8 +1,5 @@
 #include "calc/ServerCall.h"
 
-#include "platform/data/ConnectionText.h"
-#include "text/Text.h"
-
 #include <fmt/format.h>
 
 #include <utility>
@@ -56,55 +53,30 @@ private:
 
 } // namespace
 
-// NOLINTNEXTLINE(performance-unnecessary-value-param): the class changes its texts
-Variant Evaluate(OrmQelFunction& function, ValueArguments arguments) {
-    auto& [cubeFile, cubeName, obsName, obsNumber, obsLevel, obsMember, activities, summaryGroup, seifLevel,
-           accounts, measure, moneySet, plbs, rh, firma, openingBalance, fromDate, toDate] = arguments;
-    return function.QeLF1(cubeFile, cubeName, obsName, obsNumber, obsLevel, obsMember, activities,
-                          summaryGroup, seifLevel, accounts, measure, moneySet, plbs, rh, firma,
-                          openingBalance, fromDate, toDate);
-}
-
-Variant Evaluate(OrmQelFunction& function, NameArguments arguments) {
-    return function.QelName(arguments.cubeFile, arguments.cubeName, arguments.dimType, arguments.dimMember);
-}
-
-bool AsksServer(const std::string& cubeFile) { return IsServerAddress(Trimmed(cubeFile)); }
-
-ServerCall CallOf(const ValueArguments& arguments, const Locale& locale) {
+ServerCall ServerCallOf(const ValueCall& call, const Locale& locale) {
     KeyText key;
-    key.Add(std::string("value")).Add(locale).Add(arguments.fromDate.days).Add(arguments.toDate.days);
-    for (const Variant* list : {&arguments.obsName, &arguments.obsNumber, &arguments.obsLevel,
-                                &arguments.obsMember, &arguments.activities}) {
-        key.Add(*list);
+    key.Add(std::string("value")).Add(locale).Add(call.From_Date.days).Add(call.To_Date.days);
+    for (const auto list : valueCallLists) {
+        key.Add(call.*list);
     }
-    for (const std::string* text :
-         {&arguments.cubeFile, &arguments.cubeName, &arguments.summaryGroup, &arguments.seifLevel,
-          &arguments.accounts, &arguments.measure, &arguments.moneySet, &arguments.plbs, &arguments.rh,
-          &arguments.firma, &arguments.openingBalance}) {
-        key.Add(*text);
+    for (const auto text : valueCallTexts) {
+        key.Add(call.*text);
     }
-    return {std::string(Trimmed(arguments.cubeFile)),
-            arguments.cubeName,
-            key.Take(),
-            locale,
-            true,
-            [arguments](OrmQelFunction& function) { return Evaluate(function, arguments); }};
+    const auto value = std::make_shared<const ValueCall>(call);
+    return {call.cubeFile, call.CubeName,
+            key.Take(),    locale,
+            value,         [value](OrmQelFunction& function) { return function.QeLF1(*value).value; }};
 }
 
-ServerCall CallOf(const NameArguments& arguments, const Locale& locale) {
+ServerCall ServerCallOf(const NameCall& call, const Locale& locale) {
     KeyText key;
     key.Add(std::string("name")).Add(locale);
-    for (const std::string* text :
-         {&arguments.cubeFile, &arguments.cubeName, &arguments.dimType, &arguments.dimMember}) {
-        key.Add(*text);
+    for (const auto text : nameCallTexts) {
+        key.Add(call.*text);
     }
-    return {std::string(Trimmed(arguments.cubeFile)),
-            arguments.cubeName,
-            key.Take(),
-            locale,
-            false,
-            [arguments](OrmQelFunction& function) { return Evaluate(function, arguments); }};
+    return {call.cubeFile, call.CubeName,
+            key.Take(),    locale,
+            nullptr,       [call](OrmQelFunction& function) { return function.QelName(call).value; }};
 }
 
 } // namespace qel::calc

@@ -15,7 +15,7 @@ namespace frame = com::sun::star::frame;
 
 namespace {
 
-using WeakResults = std::weak_ptr<LateResults>;
+using WeakResults = std::weak_ptr<AsyncResults>;
 
 /// Called by the office on its main thread, between what the person does.
 class Delivery : public cppu::WeakImplHelper1<awt::XCallback> {
@@ -57,11 +57,11 @@ std::unique_ptr<DataAccess> ServersOfUser(const std::shared_ptr<const std::atomi
 
 } // namespace
 
-std::shared_ptr<LateResults> MakeServerResults(const uno::Reference<uno::XComponentContext>& context) {
+std::shared_ptr<AsyncResults> MakeServerResults(const uno::Reference<uno::XComponentContext>& context) {
     const auto mainThread = awt::AsyncCallback::create(context);
     // Filled below: the callback needs the results, which need to wake it.
     const auto delivery = std::make_shared<uno::Reference<awt::XCallback>>();
-    auto results = std::make_shared<LateResults>(ServersOfUser, [mainThread, delivery] {
+    auto results = std::make_shared<AsyncResults>(ServersOfUser, [mainThread, delivery] {
         try {
             mainThread->addCallback(*delivery, {});
         } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office has ended

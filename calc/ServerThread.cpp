@@ -1,10 +1,7 @@
 #include "calc/ServerThread.h"
 
-#include "batch/StatementBatch.h"
+#include "batch/CallBatch.h"
 
-#include <algorithm>
-#include <map>
-#include <memory>
 #include <utility>
 
 namespace qel::calc {
@@ -15,59 +12,51 @@ namespace {
 constexpr auto moment = std::chrono::milliseconds(20);
 constexpr std::size_t mostAtOnce = 20'000;
 
-/// Evaluates calls, twice when they can be asked for together: first to learn their statements, then from the
-/// answers.
+/// Evaluates calls: the values together, what is left one by one.
 class CallEvaluator {
 public:
     explicit CallEvaluator(DataAccess& servers) : batch_(servers) {}
 
-    void AskTogether(const std::vector<ServerCall>& calls) {
-        if (std::count_if(calls.begin(), calls.end(), [](const auto& call) { return call.isValue; }) < 2) {
-            return;
-        }
-        batch_.StartCollecting();
-        for (const auto& call : calls) {
-            if (call.isValue) {
-                Evaluate(call);
+    /// One result per call, in their order; none for a call that is to be evaluated by itself.
+    std::vector<CallResult> EvaluateTogether(const std::vector<ServerCall>& calls) {
+        std::vector<batch::BatchedCall> values;
+        std::vector<std::size_t> places;
+        for (std::size_t i = 0; i < calls.size(); ++i) {
+            if (calls[i].value) {
+                values.push_back({calls[i].value.get(), &calls[i].locale});
+                places.push_back(i);
             }
         }
-        batch_.Run();
+        std::vector<CallResult> results(calls.size());
+        if (values.size() < 2) {
+            return results;
+        }
+        const auto answered = batch_.Evaluate(values);
+        for (std::size_t i = 0; i < answered.size(); ++i) {
+            if (answered[i]) {
+                results[places[i]] = answered[i]->value;
+            }
+        }
+        return results;
     }
 
     CallResult Evaluate(const ServerCall& call) {
-        try {
-            CubeCells& cells = CellsOf(call);
-            cells.locale = call.locale;
-            return call.evaluate(cells.function);
-        } catch (const std::exception&) {
-            return std::nullopt;
-        }
+        return call.evaluate(batch_.FunctionOf(call.cubeFile, call.cubeName, call.locale));
     }
-
-    void Forget() { batch_.Forget(); }
 
 private:
-    /// What the cells over one cube share. With one for all cubes, the connection would be opened again at
-    /// every change between them, and be gone with the server when answers have come already.
-    struct CubeCells {
-        explicit CubeCells(DataAccess& batch) : function({state, batch, locale}) {}
-
-        Locale locale;
-        ModSetCube::ThreadState state;
-        OrmQelFunction function;
-    };
-
-    CubeCells& CellsOf(const ServerCall& call) {
-        auto& cells = cells_[{call.server, call.cube}];
-        if (!cells) {
-            cells = std::make_unique<CubeCells>(batch_);
-        }
-        return *cells;
-    }
-
-    batch::StatementBatch batch_;
-    std::map<std::pair<std::string, std::string>, std::unique_ptr<CubeCells>> cells_;
+    batch::CallBatch batch_;
 };
+
+/// What `work` gives, or `otherwise`: no exception may end the thread, and the office with it.
+template <class Work, class Result>
+Result OrElse(const Work& work, Result otherwise) {
+    try {
+        return work();
+    } catch (...) {
+        return otherwise;
+    }
+}
 
 } // namespace
 
@@ -120,14 +109,17 @@ void ServerThread::Work() {
     CallEvaluator evaluator(servers_);
     while (!IsStopped()) {
         const auto calls = TakeCalls();
-        evaluator.AskTogether(calls);
-        for (const auto& call : calls) {
+        auto results = OrElse([&] { return evaluator.EvaluateTogether(calls); }, std::vector<CallResult>());
+        for (std::size_t i = 0; i < calls.size(); ++i) {
             if (IsStopped()) {
                 return;
             }
-            answered_(call.key, evaluator.Evaluate(call));
+            CallResult result = i < results.size() ? std::move(results[i]) : std::nullopt;
+            if (!result) {
+                result = OrElse([&] { return evaluator.Evaluate(calls[i]); }, CallResult());
+            }
+            OrElse([&] { return answered_(calls[i].key, std::move(result)), true; }, false);
         }
-        evaluator.Forget();
     }
 }
 

@@ -17,7 +17,7 @@ using CallResult = std::optional<Variant>;
 /// together, in as few statements as their cells fit into.
 class ServerThread {
 public:
-    /// Told on that thread, once for each call that is not dropped. Raises nothing.
+    /// Told on that thread, once for each call that is not dropped.
     using Answered = std::function<void(const std::string& key, CallResult result)>;
 
     /// The data-access objects outlive the thread.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/data/DataAccess.h"
+#include "platform/data/Providers.h"
 
 #include <ostream>
 
@@ -8,7 +8,7 @@ namespace qel {
 
 /// What the commands work with; made in Main.cpp.
 struct CommandContext {
-    DataAccess& dataAccess;
+    Providers providers;
     Locale locale;
     std::istream& input;
     std::ostream& output;    ///< results

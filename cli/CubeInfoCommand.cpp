@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 #include <fmt/ostream.h>
+#include <fmt/ranges.h>
 
 namespace qel {
 
@@ -42,7 +43,7 @@ void PrintLevels(const engine::Cube& cube, std::ostream& output) {
 
 void PrintMeasures(const engine::Cube& cube, std::ostream& output) {
     TextTable table{2, {{"  measure", "aggregate", "decimals"}}};
-    const auto measures = cube.Facts().Measures();
+    const auto measures = cube.Measures();
     for (std::size_t i = 0; i < measures.size(); ++i) {
         table.lines.push_back({"  " + measures[i].name + (i == cube.DefaultMeasure() ? " (default)" : ""),
                                NameOf(measures[i].function), fmt::format("{}", measures[i].decimals)});
@@ -51,21 +52,16 @@ void PrintMeasures(const engine::Cube& cube, std::ostream& output) {
 }
 
 void PrintSortOrders(const engine::Cube& cube, std::ostream& output) {
-    const auto columns = cube.Facts().KeyColumns();
-    for (const auto& projection : cube.Facts().Projections()) {
-        std::string keys;
-        for (const auto column : projection.SortOrder()) {
-            keys += fmt::format("{}{}", keys.empty() ? "" : ", ", columns[column].name);
-        }
-        fmt::print(output, "  sorted by {}\n", keys);
+    for (const auto& columns : cube.SortOrders()) {
+        fmt::print(output, "  sorted by {}\n", fmt::join(columns, ", "));
     }
 }
 
 void PrintCube(const engine::Cube& cube, std::ostream& output) {
     fmt::print(output, "\ncube {}{}\n", cube.Name(),
                cube.Caption() == cube.Name() ? "" : fmt::format(" \"{}\"", cube.Caption()));
-    fmt::print(output, "  {} facts, {} dimensions, {} measures\n", cube.Facts().RowCount(),
-               cube.Dimensions().size(), cube.Facts().Measures().size());
+    fmt::print(output, "  {} facts, {} dimensions, {} measures\n", cube.FactCount(), cube.Dimensions().size(),
+               cube.Measures().size());
     PrintLevels(cube, output);
     PrintMeasures(cube, output);
     PrintSortOrders(cube, output);

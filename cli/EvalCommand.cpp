@@ -1,6 +1,6 @@
 #include "cli/EvalCommand.h"
 
-#include "batch/StatementBatch.h"
+#include "batch/CallBatch.h"
 #include "cli/InputLines.h"
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
@@ -8,12 +8,10 @@
 #include "cli/formula/ParseFormula.h"
 #include "platform/data/ConnectionText.h"
 #include "platform/value/AutomationError.h"
-#include "text/Text.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <memory>
 #include <optional>
 
@@ -43,10 +41,10 @@ struct ReadFormula {
     std::string fault;
 };
 
-/// True for a value formula over a server's cube.
-bool AsksServer(const ReadFormula& formula) {
+/// The call of a value formula over a server's cube, otherwise null.
+const ValueCall* ServerCallOf(const ReadFormula& formula) {
     const auto* value = formula.call ? std::get_if<ValueCall>(&formula.call->arguments) : nullptr;
-    return value && IsServerAddress(Trimmed(value->cubeFile));
+    return value != nullptr && IsServerAddress(value->cubeFile) ? value : nullptr;
 }
 
 /// Evaluates one formula after the other with one object, as the cells of a sheet do. Those that ask servers
@@ -54,7 +52,8 @@ bool AsksServer(const ReadFormula& formula) {
 class Evaluator {
 public:
     explicit Evaluator(CommandContext& context)
-        : context_(context), batch_(context.dataAccess), object_({thread_, batch_, context.locale}) {}
+        : context_(context), batch_(context.providers),
+          object_({thread_, context.providers, context.locale}) {}
 
     ReadFormula Read(std::string_view text, std::string label) const {
         ReadFormula read{std::move(label), std::nullopt, {}};
@@ -70,31 +69,43 @@ public:
 
     /// Prints the values in the order of the formulas.
     void Evaluate(const std::vector<ReadFormula>& formulas) {
-        if (std::count_if(formulas.begin(), formulas.end(), AsksServer) > 1) {
-            AskServers(formulas);
+        const auto results = AskServers(formulas);
+        for (std::size_t i = 0; i < formulas.size(); ++i) {
+            if (i < results.size() && results[i]) {
+                Print(ValueText(results[i]->value));
+            } else {
+                Evaluate(formulas[i]);
+            }
         }
-        for (const auto& formula : formulas) {
-            Evaluate(formula);
-        }
-        batch_.Forget();
     }
 
 private:
+    using Results = std::vector<std::optional<FormulaResult>>;
+
     static std::string Describe(const AutomationError& error) {
         return fmt::format("{} (error {}, {})", error.Description(), error.Number(), error.Source());
     }
 
-    void AskServers(const std::vector<ReadFormula>& formulas) {
-        batch_.StartCollecting();
-        for (const auto& formula : formulas) {
-            try {
-                if (AsksServer(formula)) {
-                    RunFormula(object_, *formula.call, context_.locale);
-                }
-            } catch (const AutomationError&) { // NOLINT(bugprone-empty-catch): its own evaluation tells it
+    /// One result per formula, none for those that are evaluated by themselves; or none at all.
+    Results AskServers(const std::vector<ReadFormula>& formulas) {
+        std::vector<batch::BatchedCall> calls;
+        std::vector<std::size_t> places;
+        for (std::size_t i = 0; i < formulas.size(); ++i) {
+            if (const ValueCall* call = ServerCallOf(formulas[i])) {
+                const bool isDemo = formulas[i].call->function == WorksheetFunction::QelFuncDemo;
+                calls.push_back({call, &context_.locale, isDemo});
+                places.push_back(i);
             }
         }
-        batch_.Run();
+        if (calls.size() < 2) {
+            return {};
+        }
+        Results results(formulas.size());
+        auto answered = batch_.Evaluate(calls);
+        for (std::size_t i = 0; i < calls.size(); ++i) {
+            results[places[i]] = std::move(answered[i]);
+        }
+        return results;
     }
 
     void Evaluate(const ReadFormula& formula) {
@@ -103,10 +114,15 @@ private:
             return;
         }
         try {
-            Print(ValueText(RunFormula(object_, *formula.call, context_.locale)));
+            Print(ValueText(RunFormula(ObjectFor(formula), *formula.call).value));
         } catch (const AutomationError& error) {
             Fail(formula.label, Describe(error));
         }
+    }
+
+    OrmQelFunction& ObjectFor(const ReadFormula& formula) {
+        const ValueCall* call = ServerCallOf(formula);
+        return call != nullptr ? batch_.FunctionOf(call->cubeFile, call->CubeName, context_.locale) : object_;
     }
 
     void Print(std::string_view value) { context_.output << value << '\n'; }
@@ -120,7 +136,7 @@ private:
     }
 
     CommandContext& context_;
-    batch::StatementBatch batch_;
+    batch::CallBatch batch_;
     ModSetCube::ThreadState thread_;
     OrmQelFunction object_;
 };
@@ -145,7 +161,7 @@ void EvaluateLines(Evaluator& evaluator, CommandContext& context) {
             break;
         }
         waiting.push_back(evaluator.Read(*line, fmt::format("line {}", lines.Number())));
-        if (waiting.size() == 1 && !AsksServer(waiting.front())) {
+        if (waiting.size() == 1 && ServerCallOf(waiting.front()) == nullptr) {
             evaluator.Evaluate(waiting);
             waiting.clear();
         }

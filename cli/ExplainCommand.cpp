@@ -1,6 +1,6 @@
 #include "cli/ExplainCommand.h"
 
-#include "cli/RecordingDataAccess.h"
+#include "cli/Recording.h"
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
 #include "cli/formula/FormulaError.h"
@@ -44,34 +44,43 @@ std::string ListText(const KeyList& list, const Locale& locale) {
 class Explanation {
 public:
     Explanation(CommandContext& context, const FormulaCall& call)
-        : context_(context), call_(call), recorder_(context.dataAccess, recording_) {}
+        : context_(context), call_(call), object_({thread_, Listening(context.providers), context.locale}) {}
 
     void Print() {
         PrintKeyLists();
-        OrmQelFunction object({thread_, recorder_, context_.locale});
-        const auto firstStart = Clock::now();
-        const auto value = RunFormula(object, call_, context_.locale);
-        const auto firstTime = Clock::now() - firstStart;
-        const Recording first = recording_;
-        PrintSent(first);
-        Line("value", ValueText(value));
-        PrintTrapped(object, value, first);
-        PrintTimes(object, first, firstTime);
+        const auto start = Clock::now();
+        const FormulaResult result = RunFormula(object_, call_);
+        const auto time = Clock::now() - start;
+        const auto openTime = recording_.openTime;
+        PrintSent();
+        Line("value", ValueText(result.value));
+        PrintTrapped(result);
+        PrintTimes(openTime, time);
     }
 
 private:
+    Providers Listening(Providers providers) {
+        providers.observer = &recording_;
+        return providers;
+    }
+
     void Line(std::string_view label, std::string_view text) {
         fmt::print(context_.output, "{:<17}{}\n", fmt::format("{}:", label), text);
     }
 
+    /// Every list is made before one is printed: a call that fails prints none.
     void PrintKeyLists() {
-        if (const auto* value = std::get_if<ValueCall>(&call_.arguments)) {
-            lists_ = NormaliseKeyLists(call_.function, *value, context_.locale);
-            PrintKeyList("ObsName", lists_.ObsName);
-            PrintKeyList("ObsNum", lists_.ObsNum);
-            PrintKeyList("ObsLevel", lists_.ObsLevel);
-            PrintKeyList("ObsMember", lists_.ObsMember);
-            PrintKeyList("Activity", lists_.ActivityList);
+        const auto* value = std::get_if<ValueCall>(&call_.arguments);
+        if (value == nullptr) {
+            return;
+        }
+        constexpr const char* names[] = {"ObsName", "ObsNum", "ObsLevel", "ObsMember", "Activity"};
+        std::vector<KeyList> lists;
+        for (const auto list : valueCallLists) {
+            lists.push_back(KeysOf(call_.function, value->*list, context_.locale));
+        }
+        for (std::size_t i = 0; i < lists.size(); ++i) {
+            PrintKeyList(names[i], lists[i]);
         }
     }
 
@@ -82,16 +91,16 @@ private:
         }
     }
 
-    void PrintSent(const Recording& recording) {
-        for (const auto& text : recording.connectionTexts) {
+    void PrintSent() {
+        for (const auto& text : recording_.connectionTexts) {
             Line("connection", WithoutPasswords(text));
         }
-        if (recording.statements.empty()) {
+        if (recording_.statements.empty()) {
             Line("statement", "(none was sent)");
             PrintOutsideDates();
             return;
         }
-        for (const auto& statement : recording.statements) {
+        for (const auto& statement : recording_.statements) {
             fmt::print(context_.output, "---- statement ----\n{}\n---- end of statement ----\n", statement);
         }
     }
@@ -112,34 +121,27 @@ private:
     }
 
     /// The failure that the function shows as 0 or "-", if there is one.
-    void PrintTrapped(OrmQelFunction& object, const Variant& value, const Recording& recording) {
-        std::string masked;
-        if (const auto* call = std::get_if<ValueCall>(&call_.arguments)) {
-            const auto unmasked = RunUnmasked(object, lists_, *call);
-            const bool isShown = ValueText(unmasked) == ValueText(value);
-            if (unmasked.Is<std::string>() && !isShown) {
-                masked = unmasked.As<std::string>();
-            }
-        }
+    void PrintTrapped(const FormulaResult& result) {
+        std::string masked = result.masked;
         if (masked == "#ERR 11111111") {
             masked += " (the start date is later than the end date)";
         }
         if (!masked.empty()) {
             Line("masked error", masked);
         }
-        if (recording.lastError) {
-            Line("reason", fmt::format("{} (error {}, {})", recording.lastError->Description(),
-                                       recording.lastError->Number(), recording.lastError->Source()));
+        if (result.failure) {
+            Line("reason", fmt::format("{} (error {}, {})", result.failure->Description(),
+                                       result.failure->Number(), result.failure->Source()));
         }
     }
 
-    void PrintTimes(OrmQelFunction& object, const Recording& first, std::chrono::nanoseconds firstTime) {
-        // A sheet's formulas find the cube open: the second call is what each of them costs.
-        RunFormula(object, call_, context_.locale);
+    void PrintTimes(std::chrono::nanoseconds openTime, std::chrono::nanoseconds firstTime) {
+        // A sheet's formulas find the cube open: a later call is what each of them costs.
+        RunFormula(object_, call_);
         const auto start = Clock::now();
-        RunFormula(object, call_, context_.locale);
+        RunFormula(object_, call_);
         const auto again = Clock::now() - start;
-        Line("open", fmt::format("{:.1f} µs", Microseconds(first.openTime)));
+        Line("open", fmt::format("{:.1f} µs", Microseconds(openTime)));
         Line("first call",
              fmt::format("{:.1f} µs (with the opening and the cube's dates)", Microseconds(firstTime)));
         Line("compose and run", fmt::format("{:.1f} µs (the cube being open)", Microseconds(again)));
@@ -148,9 +150,8 @@ private:
     CommandContext& context_;
     const FormulaCall& call_;
     Recording recording_;
-    RecordingDataAccess recorder_;
     ModSetCube::ThreadState thread_;
-    KeyLists lists_;
+    OrmQelFunction object_;
 };
 
 void Explain(CommandContext& context, const std::string& formula) {

@@ -11,8 +11,11 @@
 #include "cli/SettingsCommand.h"
 #include "cli/Terminal.h"
 #include "cli/Version.h"
+#include "platform/data/choice/ChooseProvider.h"
+#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/data/embedded/ProviderErrors.h"
-#include "platform/data/standalone/StandaloneProviders.h"
+#include "platform/data/xmla/ServerSettings.h"
+#include "platform/data/xmla/XmlaDataAccess.h"
 #include "platform/value/AutomationError.h"
 #include "text/CaseFold.h"
 
@@ -21,7 +24,7 @@
 
 #include <iostream>
 
-// Where the program is put together: its data provider, its streams and its commands.
+// Where the program is put together: its data providers, its streams and its commands.
 
 namespace {
 
@@ -74,9 +77,14 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
 }
 
 int Run(int argc, char** argv) {
-    qel::StandaloneProviders providers;
-    qel::CommandContext context{providers.Objects(), {},        std::cin,
-                                std::cout,           std::cerr, qel::StandardErrorColumns()};
+    qel::EmbeddedDataAccess cubeFiles;
+    qel::XmlaDataAccess servers(qel::ReadServerOptions(qel::ServerSettingsFile()));
+    qel::CommandContext context{.providers = qel::ChooseProvider(cubeFiles, &servers, nullptr),
+                                .locale = {},
+                                .input = std::cin,
+                                .output = std::cout,
+                                .messages = std::cerr,
+                                .terminalColumns = qel::StandardErrorColumns()};
     CLI::App app{description, "qel"};
     app.footer(footer);
     app.set_version_flag("--version", std::string("qel ") + qel::programVersion);

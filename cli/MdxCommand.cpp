@@ -24,11 +24,10 @@ struct MdxOptions {
 };
 
 void RunMdx(const MdxOptions& options, CommandContext& context) {
-    const auto connection = context.dataAccess.CreateConnection();
-    connection->Open(ModSetCube::ComposeConnectionText(options.cubeFile, options.cubeName), "", "",
-                     optionsUnspecified);
-    const auto cellset = context.dataAccess.CreateCellset();
-    cellset->Open(options.statement == "-" ? ReadAll(context.input) : options.statement, connection);
+    const auto cube =
+        context.providers.Connect(ModSetCube::ComposeConnectionText(options.cubeFile, options.cubeName));
+    const auto cellset = cube.provider.CreateCellset();
+    cellset->Open(options.statement == "-" ? ReadAll(context.input) : options.statement, cube.connection);
     const auto grid = ReadGrid(*cellset);
     if (options.csv) {
         PrintAsCsv(grid, context.output);

@@ -1,9 +1,10 @@
 #include "cli/MembersCommand.h"
 
 #include "cli/LocalStore.h"
-#include "cli/RecordingDataAccess.h"
+#include "cli/Recording.h"
 #include "cli/ValueText.h"
 #include "cube/MemberListing.h"
+#include "platform/value/AutomationError.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -43,28 +44,57 @@ struct MembersOptions {
     bool statementOnly = false, recordset = false;
 };
 
+constexpr const char* obsLevels = "obs-levels";
+
+ListedMembers Accounts(const MembersOptions& options) { return AccountsListing{options.firma, options.obs}; }
+
+ListedMembers AccountCodes(const MembersOptions& options) {
+    return AccountCodesListing{options.firma, options.obs};
+}
+
+ListedMembers ObsMembersOf(const MembersOptions& options) {
+    return ObsListing{options.obs, options.level, options.subMember};
+}
+
+ListedMembers CostCenters(const MembersOptions& options) {
+    return ObsListing{options.obs, "Cost_Centers", options.subMember}; // no level of [OBS] has that name
+}
+
+ListedMembers Activities(const MembersOptions& options) {
+    return ActivitiesListing{options.obs, options.subMember};
+}
+
+template <SummaryLevelListing::By by>
+ListedMembers SummaryLevel(const MembersOptions& options) {
+    return SummaryLevelListing{by, options.level, options.firma, options.obs, options.subMember};
+}
+
+ListedMembers SummaryGroups(const MembersOptions& options) {
+    if (options.recordset) {
+        return SummaryGroupsOfObsListing{options.level, options.firma, options.obs};
+    }
+    return SummaryGroupsListing{options.level, options.firma};
+}
+
 /// What one word after --kind stands for.
 struct KindOfList {
     const char* name;
-    std::int16_t cellset;   ///< 0 for none
-    std::int16_t recordset; ///< 0 for none
-    bool obsFirst;          ///< the OBS number is argument A, otherwise the firm is
+    ListedMembers (*members)(const MembersOptions&); ///< null for a count of levels
+    bool hasCellset, hasRecordset;
     bool needsObs, needsLevel;
     std::int32_t caption; ///< the number of its title in the string table
 };
 
-constexpr const char* obsLevels = "obs-levels";
-
 constexpr KindOfList kinds[] = {
-    {"accounts", CellsetKind::Accounts, CellsetKind::Accounts, false, true, false, 1485},
-    {"account-codes", 0, RecordsetKind::AccountCodes, false, true, false, 1485},
-    {"obs", CellsetKind::ObsOrCostCenters, CellsetKind::ObsOrCostCenters, true, true, true, 1488},
-    {"cost-centers", CellsetKind::ObsOrCostCenters, CellsetKind::ObsOrCostCenters, true, false, false, 1488},
-    {"activities", CellsetKind::Activities, CellsetKind::Activities, true, true, false, 1489},
-    {"summary-codes", CellsetKind::SummaryCodes, 0, false, true, true, 1484},
-    {"summary-names", CellsetKind::SummaryNames, 0, false, true, true, 1484},
-    {"summary", CellsetKind::SummaryGroups, RecordsetKind::SummaryGroups, false, false, true, 1484},
-    {obsLevels, 0, 0, true, true, false, 1487},
+    {"accounts", Accounts, true, true, true, false, 1485},
+    {"account-codes", AccountCodes, false, true, true, false, 1485},
+    {"obs", ObsMembersOf, true, true, true, true, 1488},
+    {"cost-centers", CostCenters, true, true, false, false, 1488},
+    {"activities", Activities, true, true, true, false, 1489},
+    {"summary-codes", SummaryLevel<SummaryLevelListing::By::Code>, true, false, true, true, 1484},
+    {"summary-names", SummaryLevel<SummaryLevelListing::By::Name>, true, false, true, true, 1484},
+    {"summary", SummaryGroups, true, true, false, true, 1484},
+    {obsLevels, nullptr, false, false, true, false, 1487},
 };
 
 const KindOfList& FindKind(const std::string& name) {
@@ -88,30 +118,19 @@ void RequireOptions(const KindOfList& kind, const MembersOptions& options) {
     if (options.kind == obsLevels) {
         return require(options.subMember.has_value(), "--sub-member");
     }
-    if (options.recordset && kind.recordset == 0) {
+    if (options.recordset && !kind.hasRecordset) {
         throw CLI::ValidationError("--recordset", fmt::format("--kind {} has no recordset", options.kind));
     }
-    require(options.recordset || kind.cellset != 0, "--recordset");
-}
-
-MemberListing ListingOf(const KindOfList& kind, const MembersOptions& options) {
-    MemberListing listing{options.cubeName, options.recordset ? kind.recordset : kind.cellset};
-    listing.argumentA = kind.obsFirst ? options.obs : options.firma;
-    // A second argument that is no level's name makes the list one of cost centres.
-    listing.argumentB = kind.obsFirst ? (kind.needsLevel ? options.level : "Cost_Centers") : options.obs;
-    if (options.subMember) {
-        listing.obsSubMember = *options.subMember;
-    }
-    listing.summaryLevel = options.level;
-    listing.accountsMode = 1;
-    return listing;
+    require(options.recordset || kind.hasCellset, "--recordset");
 }
 
 /// One listing on its way from the options to the output.
 class MemberList {
 public:
     MemberList(CommandContext& context, const KindOfList& kind, const MembersOptions& options)
-        : context_(context), kind_(kind), options_(options), provider_(context.dataAccess, recording_) {}
+        : context_(context), kind_(kind), options_(options), providers_(context.providers) {
+        providers_.observer = &recording_;
+    }
 
     void Print() {
         try {
@@ -126,7 +145,7 @@ public:
 private:
     void Run() {
         if (options_.kind == obsLevels) {
-            lines_.push_back(std::to_string(CountObsLevels(provider_, options_.cubeName, options_.cubeFile,
+            lines_.push_back(std::to_string(CountObsLevels(providers_, options_.cubeName, options_.cubeFile,
                                                            options_.obs, *options_.subMember)));
         } else if (options_.recordset) {
             RunRecordset();
@@ -141,6 +160,8 @@ private:
         }
         PrintTitle();
     }
+
+    MemberListing Listing() const { return {options_.cubeName, kind_.members(options_)}; }
 
     void PrintStatements() {
         for (const auto& statement : recording_.statements) {
@@ -172,7 +193,7 @@ private:
     /// A position whose code has no caption is no entry of the wizards' lists.
     void RunCellset() {
         constexpr std::int32_t rows = 1;
-        const auto cellset = ListMembersCellset(provider_, options_.cubeFile, ListingOf(kind_, options_));
+        const auto cellset = ListMembersCellset(providers_, options_.cubeFile, Listing());
         for (std::int32_t position = 0; position < cellset->PositionCount(rows); ++position) {
             const auto code = cellset->MemberAt(rows, position, 0);
             if (code.caption.value_or("").empty()) {
@@ -194,8 +215,9 @@ private:
     void RunRecordset() {
         ThreadState thread;
         OpenedCube opened;
-        const auto rows = provider_.CreateRecordset();
-        OpenMemberRecordset(thread, provider_, opened, *rows, options_.cubeFile, ListingOf(kind_, options_));
+        const auto rows =
+            providers_.For(ComposeConnectionText(options_.cubeFile, options_.cubeName)).CreateRecordset();
+        OpenMemberRecordset(thread, providers_, opened, *rows, options_.cubeFile, Listing());
         const auto fields = [&](const auto& textOf) {
             std::string line;
             for (std::int32_t field = 0; field < rows->FieldCount(); ++field) {
@@ -216,7 +238,7 @@ private:
     const KindOfList& kind_;
     const MembersOptions& options_;
     Recording recording_;
-    RecordingDataAccess provider_;
+    Providers providers_;
     std::vector<std::string> lines_;
 };
 

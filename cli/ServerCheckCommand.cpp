@@ -64,10 +64,9 @@ public:
 
     void PrintCube(const std::string& cubeName) {
         const auto connectionText = ModSetCube::ComposeConnectionText(address_, cubeName);
-        const auto connection = context_.dataAccess.CreateConnection();
-        connection->Open(connectionText, "", "", optionsUnspecified);
-        const auto catalog = context_.dataAccess.CreateCatalog();
-        catalog->SetActiveConnection(connection);
+        const auto own = context_.providers.Connect(connectionText);
+        const auto catalog = own.provider.CreateCatalog();
+        catalog->SetActiveConnection(own.connection);
         const Stopwatch watch;
         const auto cube = catalog->CubeAt(0);
         const auto faults = ModSetCube::FindLayoutFaults(*cube);
@@ -117,25 +116,27 @@ private:
         const auto number = numbers->MemberAt(0);
         const std::string name = number->Parent()->Name();
         ModSetCube::ThreadState thread;
-        OrmQelFunction object({thread, context_.dataAccess, context_.locale});
+        OrmQelFunction object({thread, context_.providers, context_.locale});
         const Stopwatch first;
-        Value(object, cubeName, name, number->Name(), {});
+        const auto key = [](const std::string& text) { return Variant::List({text}); };
+        ValueCall call{.cubeFile = address_,
+                       .CubeName = cubeName,
+                       .ObsName = key(name),
+                       .ObsNum = key(number->Name()),
+                       .ObsLevel = key("All"),
+                       .ObsMember = key("All"),
+                       .ActivityList = key("All"),
+                       .Measure = "Amount"};
+        object.QelFuncDemo(call);
         const std::string firstTime = first.Text();
         const Stopwatch second;
-        const Variant value = Value(object, cubeName, name, number->Name(), thread.dates.CubeMaxDate);
+        call.From_Date = call.To_Date = thread.dates.CubeMaxDate;
+        const Variant value = object.QelFuncDemo(call).value;
         Line("formula",
              fmt::format("OBS {} {}, {}: {} (the first in {}, the next in {})", name, number->Name(),
                          FormatShortDate(thread.dates.CubeMaxDate, context_.locale), ValueText(value),
                          firstTime, second.Text()));
         context_.failed = context_.failed || value.Is<std::string>();
-    }
-
-    Variant Value(OrmQelFunction& object, std::string cubeName, const std::string& name,
-                  const std::string& number, AutomationDate date) {
-        std::string address = address_, measure = "Amount", all[8];
-        KeyList names{name}, numbers{number}, level{"All"}, member{"All"}, activity{"All"};
-        return object.QelFuncDemo(address, cubeName, names, numbers, level, member, activity, all[0], all[1],
-                                  all[2], measure, all[3], all[4], all[5], all[6], all[7], date, date);
     }
 
     std::string address_;

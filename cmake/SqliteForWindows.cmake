@@ -2,7 +2,10 @@
 
 set(sqlite "${CMAKE_SOURCE_DIR}/build/sqlite")
 if(NOT EXISTS "${sqlite}/sqlite3.c")
-    execute_process(COMMAND "${CMAKE_SOURCE_DIR}/scripts/sqlite-source" "${sqlite}" COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND "${CMAKE_SOURCE_DIR}/scripts/sqlite-source" "${sqlite}" RESULT_VARIABLE failed)
+    if(failed)
+        message(FATAL_ERROR "SQLite's source is missing; the lines above tell why.")
+    endif()
 endif()
 
 enable_language(C)

@@ -8,10 +8,9 @@ foreach(header fmt xxhash.h)
     file(CREATE_LINK "${found_${header}}/${header}" "${QEL_HEADERS}/${header}" SYMBOLIC)
 endforeach()
 
-add_library(fmt INTERFACE)
+add_library(fmt STATIC cmake/fmt.cpp)
 add_library(fmt::fmt ALIAS fmt)
-target_include_directories(fmt SYSTEM INTERFACE "${QEL_HEADERS}")
-target_compile_definitions(fmt INTERFACE FMT_HEADER_ONLY)
+target_include_directories(fmt SYSTEM PUBLIC "${QEL_HEADERS}")
 
 add_library(qel_xxhash INTERFACE)
 target_include_directories(qel_xxhash SYSTEM INTERFACE "${QEL_HEADERS}")

@@ -95,9 +95,8 @@ private:
 
 } // namespace
 
-std::int32_t LoadCubeDates(ThreadState& thread, DataAccess& dataAccess) {
-    const auto catalog = dataAccess.CreateCatalog();
-    catalog->SetActiveConnection(RequireConnection(thread).ConnectionString());
+std::int32_t LoadCubeDates(ThreadState& thread) {
+    const auto catalog = OpenCatalog(thread);
     const auto cube = catalog->CubeAt(0);
     if (cube->DimensionNamed("actx")->HierarchyAt(0)->LevelCount() < fewestObsLevels) {
         return outdatedLayout;

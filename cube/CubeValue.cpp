@@ -1,12 +1,8 @@
 #include "cube/CubeValue.h"
 
-#include "cube/ObsSel.h"
-#include "cube/PeriodSelection.h"
+#include "cube/ObsMembers.h"
 #include "cube/ValueStatement.h"
-#include "platform/value/AutomationError.h"
-#include "platform/value/Conversion.h"
 #include "support/ClTimming.h"
-#include "text/Text.h"
 
 namespace qel::ModSetCube {
 
@@ -14,86 +10,77 @@ namespace {
 
 const std::vector<std::int32_t> firstColumnAndRow = {0, 0};
 
-Variant Zero() { return std::int16_t{0}; }
+CubeValue Zero() { return {std::int16_t{0}, std::nullopt}; }
 
-/// Element 0 as text; a list without elements holds no key, as one with an empty element does.
-std::string FirstKey(const KeyList& list, const Locale& locale) {
-    return list.empty() ? std::string() : ToText(list.front(), locale);
-}
-
-ValueSelection Select(const ValueArguments& arguments, const Locale& locale) {
-    return {.cubeName = arguments.cubeName,
-            .obsName = FirstKey(arguments.obsNames, locale),
-            .obsNumber = FirstKey(arguments.obsNumbers, locale),
-            .obsLevel = FirstKey(arguments.obsLevels, locale),
-            .obsMember = FirstKey(arguments.obsMembers, locale),
-            .activity = FirstKey(arguments.activities, locale),
-            .summaryLevel = arguments.summaryLevel,
-            .summaryMember = arguments.summaryMember,
-            .accounts = arguments.accounts,
-            .measure = arguments.measure,
-            .moneySet = arguments.moneySet,
-            .plbs = arguments.plbs,
-            .rh = arguments.rh,
-            .firma = arguments.firma,
-            .openingBalance = arguments.openingBalance};
-}
-
-/// Callers get their selections back as pieces of the slicer; an unrestricted RH alone stays as it was.
-void OverwriteWithSlicers(const ValueArguments& arguments) {
-    if (!IsUnrestricted(arguments.rh)) {
-        arguments.rh = MemberSlicer("[RH]", arguments.rh);
-    }
-    arguments.firma = MemberSlicer("[Firma]", arguments.firma);
-    arguments.openingBalance = MemberSlicer("[Opening_Balance]", arguments.openingBalance);
-    arguments.moneySet = MemberSlicer("[MoneySet]", arguments.moneySet);
-}
+CubeValue Failed(const AutomationError& error) { return {"#ERR " + std::to_string(error.Number()), error}; }
 
 bool IsEmptyCell(const Variant& value) {
     return value.Is<Null>() || value.Is<Empty>() ||
            (value.Is<std::string>() && value.As<std::string>().empty());
 }
 
-Variant ReadFirstCell(const std::string& statement, const ThreadState& thread, DataAccess& dataAccess) {
-    ClTimming timing;
-    timing.Start();
-    const auto cellset = dataAccess.CreateCellset();
-    cellset->Open(statement, thread.CubeConnection);
-    timing.Finish();
-    Variant value = cellset->Value(firstColumnAndRow);
-    cellset->Close();
-    return IsEmptyCell(value) ? Zero() : value;
-}
-
 } // namespace
 
-Variant ComputeCubeValue(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
-                         const ValueArguments& arguments) {
-    DayRange days{ParseDate(arguments.fromDate, locale), ParseDate(arguments.toDate, locale)};
-    if (const auto known = ClampToCube(thread.dates, days)) {
-        return *known;
+PreparedValue PrepareCubeValue(ThreadState& thread, const Locale& locale, const ValueCall& call,
+                               const ValueKeys& keys, DayRange days) {
+    PreparedValue prepared;
+    try {
+        if (auto known = ClampToCube(thread.dates, days)) {
+            prepared.content = CubeValue{std::move(*known), std::nullopt};
+            return prepared;
+        }
+        auto& query = prepared.content.emplace<ValueQuery>(QueryOf(call, keys, locale));
+        prepared.hasSlicers = true;
+        if (query.obsPart == ObsPart::LevelMember) {
+            query.obsMembers = FindObsMembers(thread, query.obsLevel, query.obsMember);
+        }
+        if (auto span = FindPeriods(thread.dates, days)) {
+            query.span = std::move(*span);
+        } else {
+            prepared.content = Zero();
+        }
+    } catch (const AutomationError& error) {
+        prepared.content = Failed(error);
     }
-    const ValueSelection selection = Select(arguments, locale);
-    OverwriteWithSlicers(arguments);
-    std::string obsSel;
-    if (NeedsObsSel(selection)) {
-        obsSel = BuildObsSel(thread, dataAccess, std::string(Trimmed(selection.obsLevel)),
-                             std::string(Trimmed(selection.obsMember)));
-    }
-    const auto span = FindPeriods(thread.dates, days);
-    if (!span) {
-        return Zero();
-    }
-    return ReadFirstCell(ComposeValueStatement(selection, *span, obsSel), thread, dataAccess);
+    return prepared;
 }
 
-Variant GetCubeValue(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
-                     const ValueArguments& arguments) {
+CellAnswer ReadCell(const ProviderConnection& server, const std::string& statement) {
     try {
-        return ComputeCubeValue(thread, dataAccess, locale, arguments);
+        ClTimming timing;
+        timing.Start();
+        const auto cellset = server.provider.CreateCellset();
+        cellset->Open(statement, server.connection);
+        timing.Finish();
+        Variant value = cellset->Value(firstColumnAndRow);
+        cellset->Close();
+        return value;
     } catch (const AutomationError& error) {
-        return "#ERR " + std::to_string(error.Number());
+        return error;
     }
+}
+
+CellAnswer ReadCell(const ThreadState& thread, const Providers& providers, const ValueQuery& query) {
+    const std::string statement = ComposeValueStatement(query);
+    providers.Sending(statement);
+    return ReadCell({*thread.provider, thread.CubeConnection}, statement);
+}
+
+CubeValue ValueOf(CellAnswer answer) {
+    if (const auto* error = std::get_if<AutomationError>(&answer)) {
+        return Failed(*error);
+    }
+    auto& value = std::get<Variant>(answer);
+    return IsEmptyCell(value) ? Zero() : CubeValue{std::move(value), std::nullopt};
+}
+
+CubeValue GetCubeValue(ThreadState& thread, const Providers& providers, const Locale& locale,
+                       const ValueCall& call, const ValueKeys& keys, DayRange days) {
+    PreparedValue prepared = PrepareCubeValue(thread, locale, call, keys, days);
+    if (auto* known = std::get_if<CubeValue>(&prepared.content)) {
+        return std::move(*known);
+    }
+    return ValueOf(ReadCell(thread, providers, std::get<ValueQuery>(prepared.content)));
 }
 
 } // namespace qel::ModSetCube

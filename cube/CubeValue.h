@@ -1,31 +1,44 @@
 #pragma once
 
+#include "cube/PeriodSelection.h"
 #include "cube/ThreadState.h"
+#include "platform/data/Providers.h"
+#include "platform/value/AutomationError.h"
 
-#include <string>
+#include <optional>
+#include <variant>
 
 namespace qel::ModSetCube {
 
-/// The arguments of one value call, by reference: firma, openingBalance, moneySet and rh come back
-/// overwritten with their piece of the slicer.
-struct ValueArguments {
-    const std::string& cubeName;
-    const KeyList &obsNames, &obsNumbers, &obsLevels, &obsMembers, &activities;
-    const std::string &summaryLevel, &summaryMember, &accounts, &measure;
-    std::string& moneySet;
-    const std::string& plbs;
-    std::string &rh, &firma, &openingBalance;
-    const std::string &fromDate, &toDate; ///< in the locale's short form
+/// What a cell's statement gives: its value as the provider has it, or why there is none.
+using CellAnswer = std::variant<Variant, AutomationError>;
+
+/// What a call shows: the number; 0 (16-bit) for an empty cell or a period outside the cube; "#ERR 11111111"
+/// for a period that ends before it starts; "#ERR " and the number for any failure, which stands beside it.
+struct CubeValue {
+    Variant value;
+    std::optional<AutomationError> failure;
 };
 
-/// GetCubeValue without its trap: raises what goes wrong.
-Variant ComputeCubeValue(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
-                         const ValueArguments& arguments);
+/// A call as far as it comes without reading the cell.
+struct PreparedValue {
+    std::variant<ValueQuery, CubeValue> content; ///< what to ask for, or the value that is known already
+    bool hasSlicers = false; ///< the period lies in the cube and the keys are texts, so they became slicers
+};
 
-/// Composes the statement, runs it over the open CubeConnection and returns the cell's value; 0 (16-bit) for
-/// an empty cell or a period outside the cube, "#ERR 11111111" for a period that ends before it starts,
-/// "#ERR " and the number for any error. Raises nothing.
-Variant GetCubeValue(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
-                     const ValueArguments& arguments);
+/// The call's query over the open cube. Raises nothing.
+PreparedValue PrepareCubeValue(ThreadState& thread, const Locale& locale, const ValueCall& call,
+                               const ValueKeys& keys, DayRange days);
+
+/// Runs a value statement and reads its one cell. Raises nothing that providers raise.
+CellAnswer ReadCell(const ProviderConnection& server, const std::string& statement);
+/// The query's statement over the open CubeConnection.
+CellAnswer ReadCell(const ThreadState& thread, const Providers& providers, const ValueQuery& query);
+
+CubeValue ValueOf(CellAnswer answer);
+
+/// GetCubeValue: the three together. Raises nothing.
+CubeValue GetCubeValue(ThreadState& thread, const Providers& providers, const Locale& locale,
+                       const ValueCall& call, const ValueKeys& keys, DayRange days);
 
 } // namespace qel::ModSetCube

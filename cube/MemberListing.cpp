@@ -9,13 +9,6 @@ namespace {
 
 constexpr const char* cubeProvider = "MSOLAP";
 
-std::shared_ptr<Connection> OpenNew(DataAccess& dataAccess, const std::string& cubeFile,
-                                    const std::string& cubeName) {
-    auto connection = dataAccess.CreateConnection();
-    connection->Open(ComposeConnectionText(cubeFile, cubeName), "", "", optionsUnspecified);
-    return connection;
-}
-
 /// Closes a connection in whatever state it is; one that is closed already says so, which is no failure here.
 void CloseIgnoringState(Connection& connection) {
     try {
@@ -26,11 +19,11 @@ void CloseIgnoringState(Connection& connection) {
 
 /// The listing's cube, over the thread's connection. The Date table is not touched: it belongs to value
 /// calls.
-void EnsureListingConnection(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened,
+void EnsureListingConnection(ThreadState& thread, const Providers& providers, OpenedCube& opened,
                              const OpenedCube& wanted) {
     auto& connection = thread.CubeConnection;
     if (!connection || connection->Provider() != cubeProvider) {
-        connection = dataAccess.CreateConnection();
+        thread.provider = nullptr; // so that a new connection takes its place
     } else if (connection->State() != stateOpen) {
         CloseIgnoringState(*connection);
     } else if (opened == wanted && thread.connected == wanted) {
@@ -38,7 +31,7 @@ void EnsureListingConnection(ThreadState& thread, DataAccess& dataAccess, Opened
     } else {
         connection->Close();
     }
-    OpenThreadConnection(thread, wanted);
+    OpenThreadConnection(thread, providers, wanted);
     opened = wanted;
 }
 
@@ -58,34 +51,40 @@ std::int32_t FirstFilledField(Recordset& rows, std::int32_t fieldCount) {
 
 } // namespace
 
-std::unique_ptr<Cellset> ListMembersCellset(DataAccess& dataAccess, const std::string& cubeFile,
+std::unique_ptr<Cellset> ListMembersCellset(const Providers& providers, const std::string& cubeFile,
                                             const MemberListing& listing) {
-    const auto connection = OpenNew(dataAccess, cubeFile, listing.cubeName);
-    auto cellset = dataAccess.CreateCellset();
-    cellset->Open(ComposeCellsetStatement(listing).value_or(""), connection);
+    const auto own = providers.Connect(ComposeConnectionText(cubeFile, listing.cubeName));
+    const std::string statement = ComposeListing(listing);
+    providers.Sending(statement);
+    auto cellset = own.provider.CreateCellset();
+    cellset->Open(statement, own.connection);
     return cellset;
 }
 
-void OpenMemberRecordset(ThreadState& thread, DataAccess& dataAccess, OpenedCube& opened,
+void OpenMemberRecordset(ThreadState& thread, const Providers& providers, OpenedCube& opened,
                          Recordset& recordset, const std::string& cubeFile, const MemberListing& listing) {
-    EnsureListingConnection(thread, dataAccess, opened, {cubeFile, listing.cubeName});
-    recordset.Open(ComposeRecordsetStatement(listing).value_or(""), thread.CubeConnection, optionsUnspecified,
-                   optionsUnspecified, optionsUnspecified);
+    EnsureListingConnection(thread, providers, opened, {cubeFile, listing.cubeName});
+    const std::string statement = ComposeListing(listing);
+    providers.Sending(statement);
+    recordset.Open(statement, thread.CubeConnection, optionsUnspecified, optionsUnspecified,
+                   optionsUnspecified);
 }
 
-std::int16_t CountObsLevels(DataAccess& dataAccess, const std::string& cubeName, const std::string& cubeFile,
-                            const std::string& obsNumber, const std::string& obsMember) {
-    const auto connection = OpenNew(dataAccess, cubeFile, cubeName);
-    const auto rows = dataAccess.CreateRecordset();
-    rows->Open(ComposeObsLevelsStatement(cubeName, obsNumber, obsMember), connection, optionsUnspecified,
-               optionsUnspecified, optionsUnspecified);
+std::int16_t CountObsLevels(const Providers& providers, const std::string& cubeName,
+                            const std::string& cubeFile, const std::string& obsNumber,
+                            const std::string& obsMember) {
+    const auto own = providers.Connect(ComposeConnectionText(cubeFile, cubeName));
+    const std::string statement = ComposeObsLevelsStatement(cubeName, obsNumber, obsMember);
+    providers.Sending(statement);
+    const auto rows = own.provider.CreateRecordset();
+    rows->Open(statement, own.connection, optionsUnspecified, optionsUnspecified, optionsUnspecified);
     std::int32_t levels = 0;
     if (!rows->AtEnd()) {
         const std::int32_t levelFields = rows->FieldCount() - 1; // the measure is the last field
         levels = levelFields - FirstFilledField(*rows, levelFields);
     }
     rows->Close();
-    connection->Close();
+    own.connection->Close();
     return static_cast<std::int16_t>(levels);
 }
 

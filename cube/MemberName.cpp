@@ -23,7 +23,7 @@ std::string ComposeMemberNameStatement(const std::string& cubeName, const std::s
            "] where (  [SuperSumery].[SumeryCode].[" + dimMember + "] )";
 }
 
-std::string GetMemberName(const ThreadState& thread, DataAccess& dataAccess, const Locale& locale,
+std::string GetMemberName(const ThreadState& thread, const Providers& providers, const Locale& locale,
                           const std::string& cubeName, const std::string& dimType,
                           const std::string& dimMember) {
     if (IsNameAlready(dimMember, locale)) {
@@ -32,8 +32,10 @@ std::string GetMemberName(const ThreadState& thread, DataAccess& dataAccess, con
     if (!ContainsIgnoringCase(dimType, "SuperSum")) {
         return {};
     }
-    const auto cellset = dataAccess.CreateCellset();
-    cellset->Open(ComposeMemberNameStatement(cubeName, dimType, dimMember), thread.CubeConnection);
+    const std::string statement = ComposeMemberNameStatement(cubeName, dimType, dimMember);
+    providers.Sending(statement);
+    const auto cellset = thread.provider->CreateCellset();
+    cellset->Open(statement, thread.CubeConnection);
     std::string name = cellset->MemberAt(rows, 0, 0).caption.value_or("");
     cellset->Close();
     return name;

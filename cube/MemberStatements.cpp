@@ -13,14 +13,11 @@ constexpr const char* obsNumbers = "[ActX].[OBSx].[All]";
 
 std::string Step(const std::string& name) { return ".[" + name + "]"; }
 
+std::string StepIfAny(const std::optional<std::string>& name) { return name ? Step(*name) : std::string(); }
+
 /// Compared as it stands: "all" in other letters is a member's key.
 std::string FirmaSuffix(const std::string& firma) {
     return firma.empty() || firma == "All" ? "" : Step(firma);
-}
-
-std::string SubMemberSuffix(const std::string& member) {
-    static const std::string none(1, '\0');
-    return member == none ? "" : Step(member);
 }
 
 /// "…, [ActX].[OBSx].[All].[number])": closes the slicer that everyFirma opens.
@@ -28,51 +25,74 @@ std::string FirmaAndObsSlicer(const std::string& firma, const std::string& obsNu
     return everyFirma + FirmaSuffix(firma) + ", " + obsNumbers + Step(obsNumber) + ")";
 }
 
-std::string AccountsStatement(const MemberListing& listing) {
-    return std::string(accountsOnColumns) +
-           "  non empty{  "
-           "crossjoin([Accounts].[AccountCodes].[AccountCode].members,[Accounts].[AccountNames]."
-           "[AccountName].members)}on rows FROM " +
-           listing.cubeName + FirmaAndObsSlicer(listing.argumentA, listing.argumentB);
-}
+/// Composes the statement of each kind of list.
+struct Composer {
+    const std::string& cubeName;
 
-std::string ObsLevelStatement(const MemberListing& listing) {
-    return std::string(moneyTypeOnColumns) + " non empty{[OBS]" + Step(listing.argumentB) +
-           ".members }on rows FROM " + listing.cubeName + " WHERE " + obsNumbers + Step(listing.argumentA) +
-           SubMemberSuffix(listing.obsSubMember);
-}
-
-std::string CostCentersStatement(const MemberListing& listing) {
-    std::string text = std::string(moneyTypeOnColumns) +
-                       " non empty{ [Cost_Centers].[Cost_Center].members }on rows FROM " + listing.cubeName +
-                       " WHERE " + obsNumbers;
-    if (!listing.argumentA.empty()) {
-        text += Step(listing.argumentA) + SubMemberSuffix(listing.obsSubMember);
+    std::string operator()(const AccountsListing& list) const {
+        return std::string(accountsOnColumns) +
+               "  non empty{  "
+               "crossjoin([Accounts].[AccountCodes].[AccountCode].members,[Accounts].[AccountNames]."
+               "[AccountName].members)}on rows FROM " +
+               cubeName + FirmaAndObsSlicer(list.firma, list.obsNumber);
     }
-    return text;
-}
 
-std::string ActivitiesStatement(const MemberListing& listing) {
-    return std::string(moneyTypeOnColumns) +
-           " non empty{crossjoin ( [Activities].[ActivityCodes].[ActivityCode].members , [Activities]."
-           "[ActivityNames].[ActivityName].members)}on rows FROM " +
-           listing.cubeName + " WHERE " + obsNumbers + Step(listing.argumentA) +
-           SubMemberSuffix(listing.obsSubMember);
-}
+    std::string operator()(const AccountCodesListing& list) const {
+        return std::string(accountsOnColumns) +
+               "  non empty{  [Accounts].[AccountCodes].[AccountCode].members}on rows FROM " + cubeName +
+               FirmaAndObsSlicer(list.firma, list.obsNumber);
+    }
 
-/// Every member of one level, with data or without. `opening` is the set's brace and hierarchy.
-std::string SummaryLevelStatement(const MemberListing& listing, const char* opening) {
-    return accountsOnColumns + (opening + Step(listing.summaryLevel)) + ".Allmembers }on rows FROM " +
-           listing.cubeName + FirmaAndObsSlicer(listing.argumentA, listing.argumentB) +
-           SubMemberSuffix(listing.obsSubMember);
-}
+    std::string operator()(const ObsListing& list) const {
+        if (!NamesObsLevel(list.obsLevel)) {
+            return CostCenters(list);
+        }
+        return std::string(moneyTypeOnColumns) + " non empty{[OBS]" + Step(list.obsLevel) +
+               ".members }on rows FROM " + cubeName + " WHERE " + obsNumbers + Step(list.obsNumber) +
+               StepIfAny(list.obsSubMember);
+    }
 
-/// Up to the slicer.
-std::string SummaryGroupsSelection(const MemberListing& listing) {
-    return std::string(accountsOnColumns) + "  non empty{  crossjoin( [SuperSumery].[SumeryCode]" +
-           Step(listing.summaryLevel) + ".members, [SuperSumery].[SumeryName]" +
-           Step(listing.summaryLevel + "Name") + ".members)}on rows FROM " + listing.cubeName;
-}
+    std::string operator()(const ActivitiesListing& list) const {
+        return std::string(moneyTypeOnColumns) +
+               " non empty{crossjoin ( [Activities].[ActivityCodes].[ActivityCode].members , [Activities]."
+               "[ActivityNames].[ActivityName].members)}on rows FROM " +
+               cubeName + " WHERE " + obsNumbers + Step(list.obsNumber) + StepIfAny(list.obsSubMember);
+    }
+
+    /// With data or without. The sub-member follows the closed slicer, which makes the statement invalid.
+    std::string operator()(const SummaryLevelListing& list) const {
+        const char* opening = list.by == SummaryLevelListing::By::Code ? "  {  [SuperSumery].[SumeryCode]"
+                                                                       : "  {[SuperSumery].[SumeryName]";
+        return accountsOnColumns + (opening + Step(list.summaryLevel)) + ".Allmembers }on rows FROM " +
+               cubeName + FirmaAndObsSlicer(list.firma, list.obsNumber) + StepIfAny(list.obsSubMember);
+    }
+
+    std::string operator()(const SummaryGroupsListing& list) const {
+        return SummaryGroups(list.summaryLevel) + everyFirma + ")" + FirmaSuffix(list.firma);
+    }
+
+    std::string operator()(const SummaryGroupsOfObsListing& list) const {
+        return SummaryGroups(list.summaryLevel) + FirmaAndObsSlicer(list.firma, list.obsNumber);
+    }
+
+private:
+    std::string CostCenters(const ObsListing& list) const {
+        std::string text = std::string(moneyTypeOnColumns) +
+                           " non empty{ [Cost_Centers].[Cost_Center].members }on rows FROM " + cubeName +
+                           " WHERE " + obsNumbers;
+        if (!list.obsNumber.empty()) {
+            text += Step(list.obsNumber) + StepIfAny(list.obsSubMember);
+        }
+        return text;
+    }
+
+    /// Up to the slicer.
+    std::string SummaryGroups(const std::string& level) const {
+        return std::string(accountsOnColumns) + "  non empty{  crossjoin( [SuperSumery].[SumeryCode]" +
+               Step(level) + ".members, [SuperSumery].[SumeryName]" + Step(level + "Name") +
+               ".members)}on rows FROM " + cubeName;
+    }
+};
 
 } // namespace
 
@@ -81,44 +101,8 @@ bool NamesObsLevel(const std::string& name) {
     return EqualIgnoringCase(std::string_view(name).substr(0, prefix.size()), prefix);
 }
 
-std::optional<std::string> ComposeCellsetStatement(const MemberListing& listing) {
-    switch (listing.kind) {
-    case CellsetKind::Accounts:
-        if (listing.accountsMode != 1) {
-            return std::nullopt;
-        }
-        return AccountsStatement(listing);
-    case CellsetKind::ObsOrCostCenters:
-        return NamesObsLevel(listing.argumentB) ? ObsLevelStatement(listing) : CostCentersStatement(listing);
-    case CellsetKind::Activities:
-        return ActivitiesStatement(listing);
-    case CellsetKind::SummaryCodes:
-        return SummaryLevelStatement(listing, "  {  [SuperSumery].[SumeryCode]");
-    case CellsetKind::SummaryNames:
-        return SummaryLevelStatement(listing, "  {[SuperSumery].[SumeryName]");
-    case CellsetKind::SummaryGroups:
-        // The slicer is closed before the firm is appended, so a firm makes the statement invalid.
-        return SummaryGroupsSelection(listing) + everyFirma + ")" + FirmaSuffix(listing.argumentA);
-    default:
-        return std::nullopt;
-    }
-}
-
-std::optional<std::string> ComposeRecordsetStatement(const MemberListing& listing) {
-    switch (listing.kind) {
-    case CellsetKind::Accounts:
-    case CellsetKind::ObsOrCostCenters:
-    case CellsetKind::Activities:
-        return ComposeCellsetStatement(listing);
-    case RecordsetKind::SummaryGroups:
-        return SummaryGroupsSelection(listing) + FirmaAndObsSlicer(listing.argumentA, listing.argumentB);
-    case RecordsetKind::AccountCodes:
-        return std::string(accountsOnColumns) +
-               "  non empty{  [Accounts].[AccountCodes].[AccountCode].members}on rows FROM " +
-               listing.cubeName + FirmaAndObsSlicer(listing.argumentA, listing.argumentB);
-    default:
-        return std::nullopt;
-    }
+std::string ComposeListing(const MemberListing& listing) {
+    return std::visit(Composer{listing.cubeName}, listing.members);
 }
 
 std::string ComposeObsLevelsStatement(const std::string& cubeName, const std::string& obsNumber,

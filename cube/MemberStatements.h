@@ -3,43 +3,73 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <variant>
 
 namespace qel::ModSetCube {
 
-/// Which members a listing asks for, as its caller gives it. Nothing is quoted or escaped.
-struct MemberListing { // NOLINT(clang-analyzer-optin.performance.Padding)
-    std::string cubeName;
-    std::int16_t kind = 0;
-    std::string argumentA = {};                      ///< the Firma member; for kinds 2 and 3 the OBS number
-    std::string argumentB = {};                      ///< the OBS number; for kind 2 the OBS level
-    std::string obsSubMember = std::string(1, '\0'); ///< the text of one zero character stands for none
-    std::string summaryLevel = {};
-    std::int16_t accountsMode = 0; ///< kind 1 is composed when it is 1 alone
+// Which members a listing asks for, one struct per kind of list. Nothing is quoted or escaped. A firm that is
+// empty or "All" restricts nothing; an OBS sub-member stands below the OBS number.
+
+/// Accounts, code by name.
+struct AccountsListing {
+    std::string firma, obsNumber;
 };
 
-/// The kinds of ListMembersCellset.
-namespace CellsetKind {
-inline constexpr std::int16_t Accounts = 1;
-inline constexpr std::int16_t ObsOrCostCenters = 2;
-inline constexpr std::int16_t Activities = 3;
-inline constexpr std::int16_t SummaryCodes = 4;
-inline constexpr std::int16_t SummaryNames = 5;
-inline constexpr std::int16_t SummaryGroups = 6;
-} // namespace CellsetKind
+/// Account codes alone.
+struct AccountCodesListing {
+    std::string firma, obsNumber;
+};
 
-/// The kinds of OpenMemberRecordset; 1 to 3 are those of ListMembersCellset.
-namespace RecordsetKind {
-inline constexpr std::int16_t SummaryGroups = 4;
-inline constexpr std::int16_t AccountCodes = 5;
-} // namespace RecordsetKind
+/// Members of a level of [OBS]. When the level's name is that of none (see NamesObsLevel), cost centres:
+/// those under the OBS number, or all of them when it is empty.
+struct ObsListing {
+    std::string obsNumber, obsLevel;
+    std::optional<std::string> obsSubMember = std::nullopt;
+};
 
-/// True for a name that begins with "level", in any letter case. A listing of OBS members whose level is
-/// called otherwise lists cost centres.
+/// Activities, code by name.
+struct ActivitiesListing {
+    std::string obsNumber;
+    std::optional<std::string> obsSubMember = std::nullopt;
+};
+
+/// Every summary group of a level by its code (a level of [SumeryCode]) or its name (of [SumeryName]).
+struct SummaryLevelListing {
+    enum class By : std::uint8_t { Code, Name };
+
+    By by = By::Code;
+    std::string summaryLevel;
+    std::string firma, obsNumber;
+    std::optional<std::string> obsSubMember = std::nullopt;
+};
+
+/// Summary groups with data, code by name. With a firm the statement is invalid: its slicer is closed before
+/// the firm.
+struct SummaryGroupsListing {
+    std::string summaryLevel;
+    std::string firma = {};
+};
+
+/// The same under an OBS number, for recordsets.
+struct SummaryGroupsOfObsListing {
+    std::string summaryLevel;
+    std::string firma, obsNumber;
+};
+
+using ListedMembers = std::variant<AccountsListing, AccountCodesListing, ObsListing, ActivitiesListing,
+                                   SummaryLevelListing, SummaryGroupsListing, SummaryGroupsOfObsListing>;
+
+/// A list of members of one cube.
+struct MemberListing {
+    std::string cubeName;
+    ListedMembers members;
+};
+
+/// True for a name that begins with "level", in any letter case.
 bool NamesObsLevel(const std::string& name);
 
-/// The statements exactly as they are sent; none for a kind that has none.
-std::optional<std::string> ComposeCellsetStatement(const MemberListing& listing);
-std::optional<std::string> ComposeRecordsetStatement(const MemberListing& listing);
+/// The statement exactly as it is sent.
+std::string ComposeListing(const MemberListing& listing);
 
 /// The statement of CountObsLevels.
 std::string ComposeObsLevelsStatement(const std::string& cubeName, const std::string& obsNumber,

@@ -13,6 +13,11 @@ const char* const startsAfterItsEnd = "#ERR 11111111";
 
 Variant Nothing() { return std::int16_t{0}; }
 
+/// A whole day is the same as a text; a text is made of a time of day alone.
+AutomationDate ThroughText(AutomationDate date, const Locale& locale) {
+    return WithoutTime(date) == date ? date : ParseDate(FormatShortDate(date, locale), locale);
+}
+
 /// The first day of the first period that starts on `from` or later; `from` itself when there is none.
 AutomationDate StartOfPeriods(const DateTable& table, AutomationDate from) {
     const auto period = std::lower_bound(table.CubeDates.begin(), table.CubeDates.end(), from);
@@ -29,6 +34,10 @@ PeriodSpan CountPeriods(const DateTable& table, AutomationDate from, AutomationD
 }
 
 } // namespace
+
+DayRange DaysOf(AutomationDate from, AutomationDate to, const Locale& locale) {
+    return {ThroughText(from, locale), ThroughText(to, locale)};
+}
 
 std::optional<Variant> ClampToCube(const DateTable& table, DayRange& days) {
     auto& [from, to] = days;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "cube/ThreadState.h"
-#include "cube/ValueStatement.h"
+#include "cube/ValueQuery.h"
 
 #include <optional>
 
@@ -11,6 +11,10 @@ namespace qel::ModSetCube {
 struct DayRange {
     AutomationDate from, to;
 };
+
+/// The days as the texts of two dates in the locale's short form have them: to the second. Raises 6 for a
+/// number that is no date.
+DayRange DaysOf(AutomationDate from, AutomationDate to, const Locale& locale);
 
 /// Brings the days into the cube's dates and takes the time of day from `to`. Returns the call's result when
 /// it is known without asking the cube (a range that ends before it starts, or lies outside the cube's

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cube/ObsMemory.h"
 #include "platform/data/DataAccess.h"
 
 #include <memory>
@@ -7,9 +8,6 @@
 #include <vector>
 
 namespace qel::ModSetCube {
-
-/// A zero-based list of keys made from one worksheet argument; statements use element 0 alone.
-using KeyList = std::vector<Variant>;
 
 /// The periods of the open cube: the members of the finest level of [Date], in member order.
 struct DateTable {
@@ -25,12 +23,14 @@ struct OpenedCube {
     bool operator==(const OpenedCube&) const = default;
 };
 
-/// What every object of one thread shares. A door keeps one a thread (the component is apartment-threaded).
+/// What every object of one thread shares. A door keeps one per thread (the component is apartment-threaded).
 struct ThreadState {
     std::shared_ptr<Connection> CubeConnection; ///< none after an error or when an object of the thread ended
+    DataAccess* provider = nullptr;             ///< which made CubeConnection
     OpenedCube connected;                       ///< what CubeConnection was last opened on, by any object
     DateTable dates;                            ///< of the cube that the last version check saw
     bool datesAreCurrent = false;               ///< `dates` were loaded since CubeConnection was last opened
+    ObsMemory obsMembers;                       ///< of the cube that CubeConnection is open on
 };
 
 } // namespace qel::ModSetCube

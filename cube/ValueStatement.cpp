@@ -1,37 +1,18 @@
 #include "cube/ValueStatement.h"
 
-#include "text/CaseFold.h"
 #include "text/Text.h"
+
+#include <charconv>
 
 namespace qel::ModSetCube {
 
 namespace {
 
-constexpr std::string_view everything = "All";
-constexpr std::string_view costCenters = "Cost_Centers";
-
 /// Most statements are shorter, so that composing one takes memory once.
 constexpr std::size_t usualLength = 512;
-
-/// The pieces of the where tuple, joined with commas.
-class SlicerList {
-public:
-    SlicerList() { text_.reserve(usualLength / 2); }
-
-    void Add(std::string_view piece) {
-        if (piece.empty()) {
-            return;
-        }
-        if (!text_.empty()) {
-            text_ += ',';
-        }
-        text_ += piece;
-    }
-    const std::string& Text() const { return text_; }
-
-private:
-    std::string text_;
-};
+constexpr std::string_view obsSelOpening = "\r\n Member [Obs].Sel as ' SUM ({ ";
+constexpr std::string_view obsSelClosing = " }) ' ";
+constexpr std::string_view summaryHierarchy = "[SuperSumery].[SumeryCode]";
 
 void AppendBracketed(std::string& text, std::string_view name) {
     text += ".[";
@@ -39,93 +20,111 @@ void AppendBracketed(std::string& text, std::string_view name) {
     text += ']';
 }
 
-/// The structure and the node of it. No node at all is said by a text of one zero character; an empty node
-/// stays, with nothing between its brackets.
-std::string ObsSlicer(const ValueSelection& selection) {
-    static const std::string noNode(1, '\0');
-    std::string slicer = "[ActX].[OBSx].[All]";
-    AppendBracketed(slicer, Trimmed(selection.obsName));
-    if (selection.obsNumber != noNode) {
-        AppendBracketed(slicer, selection.obsNumber);
-    }
-    return slicer;
+void AppendNumber(std::string& text, int number) {
+    std::array<char, 12> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    text.append(digits.data(), end);
 }
 
-std::string ObsLevelSlicer(const ValueSelection& selection) {
-    if (NeedsObsSel(selection)) {
-        return "[Obs].Sel";
+/// The OBS name and its number. An empty number keeps its brackets, with nothing between them.
+QueryMember ObsMember(const ValueQuery& query) {
+    QueryMember member{"[ActX].[OBSx].[All]", {query.obsName}, 1};
+    if (query.obsNumber) {
+        member.names[member.nameCount++] = *query.obsNumber;
     }
-    if (Trimmed(selection.obsLevel) == everything) {
-        return {};
-    }
-    std::string slicer = "[Cost_Centers].[All]";
-    AppendBracketed(slicer, Trimmed(selection.obsMember));
-    return slicer;
+    return member;
 }
 
-std::string Slicers(const ValueSelection& selection) {
-    SlicerList list;
-    list.Add(MemberSlicer("[Plbs]", selection.plbs));
-    list.Add(MemberSlicer("[RH]", selection.rh));
-    list.Add(MemberSlicer("[Firma]", selection.firma));
-    list.Add(MemberSlicer("[Opening_Balance]", selection.openingBalance));
-    list.Add(MemberSlicer("[MoneySet]", selection.moneySet));
-    list.Add(MemberSlicer("[Activities].[ActivityCodes].[ActivityCode]", selection.activity));
-    list.Add(ObsSlicer(selection));
-    list.Add(ObsLevelSlicer(selection));
-    list.Add(MemberSlicer("[Accounts].[AccountCodes].[All]", selection.accounts));
-    return list.Text();
-}
-
-/// The summary level is compared as it stands: with blanks around it, "All" is a level's name.
-std::string RowsSuffix(const ValueSelection& selection) {
-    const std::string& level = selection.summaryLevel;
-    if (Trimmed(level).empty() || EqualIgnoringCase(level, everything)) {
-        return {};
+std::size_t LengthOf(const ObsMembers& members) {
+    std::size_t length = obsSelOpening.size() + obsSelClosing.size();
+    for (const std::string& member : members) {
+        constexpr std::size_t separatorsAndQuotes = 16;
+        length += member.size() + separatorsAndQuotes;
     }
-    std::string suffix;
-    AppendBracketed(suffix, level);
-    AppendBracketed(suffix, Trimmed(selection.summaryMember));
-    return suffix;
+    return length;
 }
 
 } // namespace
 
-bool IsUnrestricted(std::string_view selection) {
-    const std::string_view trimmed = Trimmed(selection);
-    return trimmed.empty() || EqualIgnoringCase(trimmed, everything);
+SlicerMembers::SlicerMembers(const ValueQuery& query) {
+    AddUnlessEmpty("[Plbs]", query.plbs);
+    AddUnlessEmpty("[RH]", query.rh);
+    AddUnlessEmpty("[Firma]", query.firma);
+    AddUnlessEmpty("[Opening_Balance]", query.openingBalance);
+    AddUnlessEmpty("[MoneySet]", query.moneySet);
+    AddUnlessEmpty("[Activities].[ActivityCodes].[ActivityCode]", query.activity);
+    Add(ObsMember(query));
+    if (query.obsPart == ObsPart::CostCenter) {
+        Add({"[Cost_Centers].[All]", {query.obsMember}, 1});
+    } else if (query.obsPart == ObsPart::LevelMember) {
+        Add({"[Obs].Sel", {}, 0});
+    }
+    AddUnlessEmpty("[Accounts].[AccountCodes].[All]", query.accounts);
 }
 
-std::string MemberSlicer(std::string_view dimension, std::string_view member) {
-    if (IsUnrestricted(member)) {
-        return {};
+void SlicerMembers::AddUnlessEmpty(std::string_view path, std::string_view name) {
+    if (!name.empty()) {
+        Add({path, {name}, 1});
     }
+}
+
+std::optional<QueryMember> SummaryMember(const ValueQuery& query) {
+    if (query.summaryLevel.empty()) {
+        return std::nullopt;
+    }
+    return QueryMember{summaryHierarchy, {query.summaryLevel, query.summaryMember}, 2};
+}
+
+void AppendMember(std::string& text, const QueryMember& member) {
+    text += member.path;
+    for (std::size_t i = 0; i < member.nameCount; ++i) {
+        AppendBracketed(text, member.names[i]);
+    }
+}
+
+void AppendObsSel(std::string& text, const ObsMembers& members) {
+    if (!members.empty()) {
+        text += obsSelOpening;
+    }
+    for (const std::string& member : members) {
+        text += " , ";
+        for (const char character : member) {
+            text.append(character == '\'' ? 2 : 1, character);
+        }
+    }
+    text += obsSelClosing;
+}
+
+std::string MemberSlicer(std::string_view dimension, std::string_view key) {
     std::string slicer;
-    slicer.reserve(dimension.size() + member.size() + std::string_view(".[]").size());
-    slicer += dimension;
-    AppendBracketed(slicer, Trimmed(member));
+    if (!IsUnrestricted(key)) {
+        slicer = dimension;
+        AppendBracketed(slicer, Trimmed(key));
+    }
     return slicer;
 }
 
-bool NeedsObsSel(const ValueSelection& selection) {
-    const std::string_view level = Trimmed(selection.obsLevel);
-    return level != everything && level != costCenters;
-}
-
-std::string ComposeValueStatement(const ValueSelection& selection, const PeriodSpan& span,
-                                  const std::string& obsSel) {
+std::string ComposeValueStatement(const ValueQuery& query) {
     std::string text;
-    text.reserve(usualLength + obsSel.size());
+    text.reserve(usualLength + (query.obsMembers ? LengthOf(*query.obsMembers) : 0));
     text += "WITH MEMBER [Date].DateSel as '   SUM( LastPeriods(";
-    text.append(std::to_string(span.count)).append(",").append(span.last);
-    text.append("),[Measures].[").append(selection.measure).append("])    '");
-    text += obsSel;
-    text.append(" SELECT  { [Date].DateSel} ON COLUMNS,  { [SuperSumery].[SumeryCode]");
-    text.append(RowsSuffix(selection)).append(" }ON ROWS  From ").append(selection.cubeName);
-    const std::string slicers = Slicers(selection);
-    if (!slicers.empty()) {
-        text.append(" where (  ").append(slicers).append(")");
+    AppendNumber(text, query.span.count);
+    text.append(",").append(query.span.last);
+    text.append("),[Measures].[").append(query.measure).append("])    '");
+    if (query.obsMembers) {
+        AppendObsSel(text, *query.obsMembers);
     }
+    text += " SELECT  { [Date].DateSel} ON COLUMNS,  { ";
+    AppendMember(text, SummaryMember(query).value_or(QueryMember{summaryHierarchy, {}, 0}));
+    text.append(" }ON ROWS  From ").append(query.cubeName).append(" where (  ");
+    const SlicerMembers slicer(query); // never empty: the OBS name is always there
+    for (const QueryMember& member : slicer) {
+        if (&member != slicer.begin()) {
+            text += ',';
+        }
+        AppendMember(text, member);
+    }
+    text += ')';
     return text;
 }
 

@@ -1,35 +1,51 @@
 #pragma once
 
+#include "cube/ValueQuery.h"
+
+#include <array>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
 namespace qel::ModSetCube {
 
-/// What one worksheet call selects, as the worksheet gave it: the first key of every list, and the texts.
-struct ValueSelection {
-    std::string cubeName;
-    std::string obsName, obsNumber, obsLevel, obsMember, activity;
-    std::string summaryLevel, summaryMember, accounts, measure;
-    std::string moneySet, plbs, rh, firma, openingBalance;
+/// A member as a statement names it: a path, and the names below it. It views into its query.
+struct QueryMember {
+    std::string_view path; ///< "[Accounts].[AccountCodes].[All]"
+    std::array<std::string_view, 2> names;
+    std::size_t nameCount = 0; ///< 0 for the calculated member [Obs].Sel
 };
 
-/// The periods to sum: `count` of them, ending with the member `last` (a unique name).
-struct PeriodSpan {
-    int count = 0;
-    std::string last;
+/// The members of the where tuple, in their order.
+class SlicerMembers {
+public:
+    explicit SlicerMembers(const ValueQuery& query);
+
+    const QueryMember* begin() const { return members_.data(); }
+    const QueryMember* end() const { return members_.data() + count_; }
+
+private:
+    void Add(const QueryMember& member) { members_[count_++] = member; }
+    void AddUnlessEmpty(std::string_view path, std::string_view name);
+
+    std::array<QueryMember, 9> members_;
+    std::size_t count_ = 0;
 };
 
-/// True for a selection that restricts nothing: "All" in any letter case, or nothing, blanks aside.
-bool IsUnrestricted(std::string_view selection);
+/// The summary group on the rows; none when the query asks for all of them together.
+std::optional<QueryMember> SummaryMember(const ValueQuery& query);
 
-/// "[dimension].[member]", or empty when the member restricts nothing.
-std::string MemberSlicer(std::string_view dimension, std::string_view member);
+void AppendMember(std::string& text, const QueryMember& member);
 
-/// True when the selection's OBS level is a level of [OBS], so that the statement needs BuildObsSel's text.
-bool NeedsObsSel(const ValueSelection& selection);
+/// The text of the calculated member [Obs].Sel, which sums the members; none of them leaves the text without
+/// its opening.
+void AppendObsSel(std::string& text, const ObsMembers& members);
 
-/// The statement exactly as it is sent. `obsSel` is BuildObsSel's text, or empty.
-std::string ComposeValueStatement(const ValueSelection& selection, const PeriodSpan& span,
-                                  const std::string& obsSel);
+/// "[dimension].[member]" as the where tuple has it, or empty when the key restricts nothing.
+std::string MemberSlicer(std::string_view dimension, std::string_view key);
+
+/// The statement exactly as it is sent.
+std::string ComposeValueStatement(const ValueQuery& query);
 
 } // namespace qel::ModSetCube

@@ -4,9 +4,7 @@
 #include "platform/value/Conversion.h"
 #include "text/Text.h"
 
-#include <algorithm>
-#include <iterator>
-#include <string_view>
+#include <utility>
 
 namespace qel {
 
@@ -15,25 +13,36 @@ namespace {
 constexpr std::int32_t largestUpperBound = 5;
 constexpr std::size_t mostCells = 32768; // cells are counted in 16 bits
 
-constexpr std::string_view flattenedTypes[] = {
-    "Integer",  "Integer()", "Long",       "Long()",  "Single",    "Single()", "Double",
-    "Double()", "Currency",  "Currency()", "Decimal", "Decimal()", "Variant",  "Variant()",
+/// Keeps every key.
+struct AllKeys {
+    KeyList list;
+    void Take(std::string key) { list.emplace_back(std::move(key)); }
 };
 
-KeyList NoKey() { return KeyList(1); }
+/// Keeps the first key: a formula needs no list for it.
+struct OneKey {
+    Variant first;
+    bool isFound = false;
+    void Take(std::string key) {
+        if (!std::exchange(isFound, true)) {
+            first = std::move(key);
+        }
+    }
+};
 
-KeyList RangeToList(const Range& range, const Locale& locale) {
-    KeyList list;
+template <class Keys>
+void TakeRange(const Range& range, const Locale& locale, Keys& keys) {
+    std::size_t count = 0;
     range.ForEachCell([&](const Variant& value) {
-        if (list.size() == mostCells) {
+        if (count++ == mostCells) {
             throw PlatformError(ErrorNumber::Overflow);
         }
-        list.emplace_back(std::string(Trimmed(ToText(value, locale))));
+        keys.Take(std::string(Trimmed(ToText(value, locale))));
     });
-    return list.empty() ? NoKey() : list;
 }
 
-KeyList OneDimensionToList(const VariantArray& array, const Locale& locale) {
+template <class Keys>
+void TakeArray(const VariantArray& array, const Locale& locale, Keys& keys) {
     if (array.bounds.empty()) { // an array that was never dimensioned
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
     }
@@ -44,33 +53,74 @@ KeyList OneDimensionToList(const VariantArray& array, const Locale& locale) {
     if (array.bounds.size() > 1 || bounds.upper < bounds.lower) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
     }
-    KeyList list;
     for (const Variant& element : array.elements) {
-        list.emplace_back(ToText(element, locale));
+        keys.Take(ToText(element, locale));
     }
-    return list;
+}
+
+template <class Keys>
+void TakeFlattened(const Variant& value, const Locale& locale, Keys& keys) {
+    if (value.IsArray()) {
+        TakeArray(*value.As<std::shared_ptr<const VariantArray>>(), locale, keys);
+    } else {
+        keys.Take(ToText(value, locale));
+    }
+}
+
+bool HoldsKeys(ElementType type) {
+    switch (type) {
+    case ElementType::Integer:
+    case ElementType::Long:
+    case ElementType::Single:
+    case ElementType::Double:
+    case ElementType::Currency:
+    case ElementType::Decimal:
+    case ElementType::Variant:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool IsFlattened(const Variant& value) {
+    if (value.IsArray()) {
+        return HoldsKeys(value.As<std::shared_ptr<const VariantArray>>()->elementType);
+    }
+    return value.Is<std::int16_t>() || value.Is<std::int32_t>() || value.Is<float>() || value.Is<double>() ||
+           value.Is<Currency>() || value.Is<Decimal>();
+}
+
+/// Texts, logical values and dates are no keys: a formula gives its keys as numbers, cells or arrays.
+template <class Keys>
+void TakeArgument(const Variant& value, const Locale& locale, Keys& keys) {
+    if (IsFlattened(value)) {
+        TakeFlattened(value, locale, keys);
+    } else if (value.Is<std::shared_ptr<const Object>>()) {
+        const Object* const object = value.As<std::shared_ptr<const Object>>().get();
+        if (const auto* range = dynamic_cast<const Range*>(object)) {
+            TakeRange(*range, locale, keys);
+        }
+    }
 }
 
 } // namespace
 
 KeyList ArgToList(const Variant& value, const Locale& locale) {
-    const std::string type = value.TypeName();
-    if (std::find(std::begin(flattenedTypes), std::end(flattenedTypes), type) != std::end(flattenedTypes)) {
-        return ArrayToList(value, locale);
-    }
-    if (type == "Range") {
-        const auto range = std::dynamic_pointer_cast<const Range>(value.As<std::shared_ptr<const Object>>());
-        return range ? RangeToList(*range, locale) : NoKey();
-    }
-    // Texts, logical values and dates are no keys: a formula gives its keys as numbers, cells or arrays.
-    return NoKey();
+    AllKeys keys;
+    TakeArgument(value, locale, keys);
+    return keys.list.empty() ? KeyList(1) : std::move(keys.list);
 }
 
 KeyList ArrayToList(const Variant& value, const Locale& locale) {
-    if (value.IsArray()) {
-        return OneDimensionToList(*value.As<std::shared_ptr<const VariantArray>>(), locale);
-    }
-    return {Variant(ToText(value, locale))};
+    AllKeys keys;
+    TakeFlattened(value, locale, keys);
+    return std::move(keys.list);
+}
+
+Variant FirstKey(const Variant& value, const Locale& locale) {
+    OneKey keys;
+    TakeArgument(value, locale, keys);
+    return std::move(keys.first);
 }
 
 } // namespace qel

@@ -1,10 +1,13 @@
 #pragma once
 
-#include "cube/ThreadState.h"
+#include "platform/value/Variant.h"
+
+#include <vector>
 
 namespace qel {
 
-using ModSetCube::KeyList;
+/// A zero-based list of keys made from one worksheet argument; statements use element 0 alone.
+using KeyList = std::vector<Variant>;
 
 /// The keys of one worksheet argument, by the argument's type: a number, an array or a range of cells gives
 /// its texts; a date, a plain text and everything else gives one empty element. Raises as ArrayToList.
@@ -13,5 +16,8 @@ KeyList ArgToList(const Variant& value, const Locale& locale);
 /// The texts of a one-dimensional array whose upper bound is at most 5, or the text of a scalar. Raises
 /// "To many dimensions" for a larger bound, 9 for several dimensions, and as ToText.
 KeyList ArrayToList(const Variant& value, const Locale& locale);
+
+/// Element 0 of ArgToList's list. Raises as ArgToList, for the other elements too.
+Variant FirstKey(const Variant& value, const Locale& locale);
 
 } // namespace qel

@@ -1,8 +1,6 @@
 #include "function/OrmQelFunction.h"
 
-#include "cube/CubeValue.h"
 #include "cube/MemberName.h"
-#include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
 #include "text/CaseFold.h"
 #include "text/Text.h"
@@ -12,135 +10,138 @@ namespace qel {
 namespace {
 
 const char* const outdatedCube = "Outdated Cube Version";
-constexpr std::size_t mostKeys = 32768; // keys are counted in 16 bits
-
-/// Formulas carry a double quote of a member's key as a no-break space.
-void RestoreQuotes(KeyList& keys, const Locale& locale) {
-    constexpr std::string_view noBreakSpace = "\xC2\xA0";
-    if (keys.size() > mostKeys) {
-        throw PlatformError(ErrorNumber::Overflow);
-    }
-    for (Variant& key : keys) {
-        key = ReplaceAll(ToText(key, locale), noBreakSpace, "\"");
-    }
-}
 
 bool IsOutdatedCube(const Variant& result) {
     return result.Is<std::string>() && EqualIgnoringCase(result.As<std::string>(), outdatedCube);
 }
 
+using Elements = std::span<const Variant>;
+
+Elements ElementsOf(const Variant& list, const char* name) {
+    if (!list.IsArray()) {
+        throw AutomationError(ErrorNumber::TypeMismatch,
+                              std::string("Type mismatch: QelFuncDemo takes ") + name + " as an array");
+    }
+    return list.As<std::shared_ptr<const VariantArray>>()->elements;
+}
+
+Variant FirstOf(Elements elements) { return elements.empty() ? Variant() : elements.front(); }
+
+ModSetCube::OpenedCube CubeOf(const std::string& cubeFile, const std::string& cubeName) {
+    return {std::string(Trimmed(cubeFile)), std::string(Trimmed(cubeName))};
+}
+
+/// A result from QelFuncDemo's own trap.
+FormulaResult Trapped(const AutomationError& error, Reached reached) {
+    return {.value = "#err " + std::to_string(error.Number()), .reached = reached, .failure = error};
+}
+
 } // namespace
 
-OrmQelFunction::OrmQelFunction(const FunctionContext& context) : context_(context) {
-    context_.thread.CubeConnection = context_.dataAccess.CreateConnection();
+OrmQelFunction::OrmQelFunction(FunctionContext context) : context_(std::move(context)) {
+    DropConnection(context_.thread);
 }
 
-OrmQelFunction::~OrmQelFunction() { context_.thread.CubeConnection.reset(); }
+OrmQelFunction::~OrmQelFunction() { DropConnection(context_.thread); }
 
-Variant OrmQelFunction::QelFuncDemo(std::string& cubeFile, std::string& CubeName, KeyList& ObsName,
-                                    KeyList& ObsNum, KeyList& arrObsLevel, KeyList& arrObsMember,
-                                    KeyList& arrActivityList, std::string& strLevelAcc,
-                                    std::string& strMemberAcc, std::string& strListAcc,
-                                    std::string& strMeasure, std::string& ComMoneySet, std::string& strPlbs,
-                                    std::string& ComRh, std::string& ComFirma, std::string& ComOB,
-                                    AutomationDate strMin, AutomationDate strMax, std::int16_t /*optLev*/) {
-    const auto& [thread, dataAccess, locale, wizards] = context_;
-    try {
-        Trim(cubeFile);
-        Trim(CubeName);
-        if (!EnsureCurrentCubeOpen(thread, dataAccess, opened_, {cubeFile, CubeName})) {
-            return outdatedCube;
-        }
-        RestoreQuotes(arrObsMember, locale);
-        Trim(strMeasure);
-        if (strMin.IsZero()) {
-            strMin = strMax;
-        }
-        Variant result = ModSetCube::GetCubeValue(thread, dataAccess, locale,
-                                                  {.cubeName = CubeName,
-                                                   .obsNames = ObsName,
-                                                   .obsNumbers = ObsNum,
-                                                   .obsLevels = arrObsLevel,
-                                                   .obsMembers = arrObsMember,
-                                                   .activities = arrActivityList,
-                                                   .summaryLevel = strLevelAcc,
-                                                   .summaryMember = strMemberAcc,
-                                                   .accounts = strListAcc,
-                                                   .measure = strMeasure,
-                                                   .moneySet = ComMoneySet,
-                                                   .plbs = strPlbs,
-                                                   .rh = ComRh,
-                                                   .firma = ComFirma,
-                                                   .openingBalance = ComOB,
-                                                   .fromDate = FormatShortDate(strMin, locale),
-                                                   .toDate = FormatShortDate(strMax, locale)});
-        opened_ = {cubeFile, CubeName};
-        return result;
-    } catch (const AutomationError& error) {
-        thread.CubeConnection.reset();
-        return "#err " + std::to_string(error.Number());
-    }
-}
-
-Variant OrmQelFunction::EvalQel(std::string& cubeFile, std::string& CubeName, const Variant& ObsName,
-                                const Variant& ObsNum, const Variant& ObsLevel, const Variant& ObsMember,
-                                const Variant& ActivityList, std::string& Summary_Group,
-                                std::string& Seif_level, std::string& Accounts, std::string& Measure,
-                                std::string& MoneySet, std::string& Plbs, std::string& RH, std::string& Firma,
-                                std::string& Opening_Balance, AutomationDate From_Date,
-                                AutomationDate To_Date) {
+PreparedCall OrmQelFunction::PrepareQeLF1(const ValueCall& call) {
     // A list that cannot be made fails the call itself. Their order says which failure is told.
-    KeyList obsNames = ArgToList(ObsName, context_.locale);
-    KeyList obsLevels = ArgToList(ObsLevel, context_.locale);
-    KeyList obsMembers = ArgToList(ObsMember, context_.locale);
-    KeyList activities = ArgToList(ActivityList, context_.locale);
-    KeyList obsNumbers = ArgToList(ObsNum, context_.locale);
-    Variant result = QelFuncDemo(cubeFile, CubeName, obsNames, obsNumbers, obsLevels, obsMembers, activities,
-                                 Summary_Group, Seif_level, Accounts, Measure, MoneySet, Plbs, RH, Firma,
-                                 Opening_Balance, From_Date, To_Date, 0);
-    const bool isShown =
-        (IsNumeric(result, context_.locale) && !result.Is<Empty>()) || IsOutdatedCube(result);
-    return isShown ? result : Variant(std::int16_t{0});
+    ModSetCube::ValueKeys keys;
+    keys.ObsName = FirstKey(call.ObsName, context_.locale);
+    keys.ObsLevel = FirstKey(call.ObsLevel, context_.locale);
+    const Variant obsMember = FirstKey(call.ObsMember, context_.locale);
+    keys.ActivityList = FirstKey(call.ActivityList, context_.locale);
+    keys.ObsNum = FirstKey(call.ObsNum, context_.locale);
+    PreparedCall prepared = Prepare(call, std::move(keys), {&obsMember, 1});
+    prepared.isForWorksheet = true;
+    if (!prepared.query) {
+        prepared.result = ForWorksheet(std::move(prepared.result));
+    }
+    return prepared;
 }
 
-Variant OrmQelFunction::QeL1(std::string& cubeFile, std::string& CubeName, const Variant& ObsName,
-                             const Variant& ObsNum, const Variant& ObsLevel, const Variant& ObsMember,
-                             const Variant& ActivityList, std::string& Summary_Group, std::string& Seif_level,
-                             std::string& Accounts, std::string& Measure, std::string& MoneySet,
-                             std::string& Plbs, std::string& RH, std::string& Firma,
-                             std::string& Opening_Balance, AutomationDate From_Date, AutomationDate To_Date) {
-    return EvalQel(cubeFile, CubeName, ObsName, ObsNum, ObsLevel, ObsMember, ActivityList, Summary_Group,
-                   Seif_level, Accounts, Measure, MoneySet, Plbs, RH, Firma, Opening_Balance, From_Date,
-                   To_Date);
+PreparedCall OrmQelFunction::PrepareQelFuncDemo(const ValueCall& call) {
+    ModSetCube::ValueKeys keys;
+    keys.ObsName = FirstOf(ElementsOf(call.ObsName, "ObsName"));
+    keys.ObsNum = FirstOf(ElementsOf(call.ObsNum, "ObsNum"));
+    keys.ObsLevel = FirstOf(ElementsOf(call.ObsLevel, "arrObsLevel"));
+    const Elements obsMembers = ElementsOf(call.ObsMember, "arrObsMember");
+    keys.ActivityList = FirstOf(ElementsOf(call.ActivityList, "arrActivityList"));
+    return Prepare(call, std::move(keys), obsMembers);
 }
 
-Variant OrmQelFunction::QeLF1(std::string& cubeFile, std::string& CubeName, const Variant& ObsName,
-                              const Variant& ObsNum, const Variant& ObsLevel, const Variant& ObsMember,
-                              const Variant& ActivityList, std::string& Summary_Group,
-                              std::string& Seif_level, std::string& Accounts, std::string& Measure,
-                              std::string& MoneySet, std::string& Plbs, std::string& RH, std::string& Firma,
-                              std::string& Opening_Balance, AutomationDate From_Date,
-                              AutomationDate To_Date) {
-    return EvalQel(cubeFile, CubeName, ObsName, ObsNum, ObsLevel, ObsMember, ActivityList, Summary_Group,
-                   Seif_level, Accounts, Measure, MoneySet, Plbs, RH, Firma, Opening_Balance, From_Date,
-                   To_Date);
-}
-
-Variant OrmQelFunction::QelName(std::string& cubeFile, std::string& CubeName, std::string& DimType,
-                                std::string& DimMember) {
-    return RetQelName(cubeFile, CubeName, DimType, DimMember);
-}
-
-Variant OrmQelFunction::RetQelName(std::string& cubeFile, std::string& CubeName, std::string& DimType,
-                                   std::string& DimMember) {
-    const auto& [thread, dataAccess, locale, wizards] = context_;
+PreparedCall OrmQelFunction::Prepare(const ValueCall& call, ModSetCube::ValueKeys keys, Elements obsMembers) {
+    const auto& [thread, providers, locale, wizards] = context_;
+    PreparedCall prepared;
+    Reached& reached = prepared.result.reached;
     try {
-        Trim(cubeFile);
-        Trim(CubeName);
-        OpenOrReuse(thread, dataAccess, opened_, {cubeFile, CubeName});
-        return ModSetCube::GetMemberName(thread, dataAccess, locale, CubeName, DimType, DimMember);
-    } catch (const AutomationError&) {
-        return "-"; // a worksheet function raises no dialog
+        auto cube = CubeOf(call.cubeFile, call.CubeName);
+        if (!EnsureCurrentCubeOpen(thread, providers, opened_, cube)) {
+            prepared.result.value = outdatedCube;
+            return prepared;
+        }
+        keys.ObsMember = FirstWithQuotesRestored(obsMembers, locale);
+        reached = Reached::OpenCube;
+        const AutomationDate from = call.From_Date.IsZero() ? call.To_Date : call.From_Date;
+        auto value = ModSetCube::PrepareCubeValue(thread, locale, call, keys,
+                                                  ModSetCube::DaysOf(from, call.To_Date, locale));
+        if (value.hasSlicers) {
+            reached = Reached::Slicers;
+        }
+        opened_ = std::move(cube);
+        if (auto* query = std::get_if<ModSetCube::ValueQuery>(&value.content)) {
+            prepared.query = std::move(*query);
+        } else {
+            auto& known = std::get<ModSetCube::CubeValue>(value.content);
+            prepared.result.value = std::move(known.value);
+            prepared.result.failure = std::move(known.failure);
+        }
+    } catch (const AutomationError& error) {
+        DropConnection(thread);
+        prepared.result = Trapped(error, reached);
+    }
+    return prepared;
+}
+
+FormulaResult OrmQelFunction::Run(PreparedCall prepared) {
+    if (!prepared.query) {
+        return std::move(prepared.result);
+    }
+    auto answer = ReadCell(context_.thread, context_.providers, *prepared.query);
+    return Complete(std::move(prepared), std::move(answer));
+}
+
+FormulaResult OrmQelFunction::Complete(PreparedCall prepared, ModSetCube::CellAnswer answer) const {
+    auto cell = ModSetCube::ValueOf(std::move(answer));
+    FormulaResult result{.value = std::move(cell.value),
+                         .reached = prepared.result.reached,
+                         .failure = std::move(cell.failure)};
+    return prepared.isForWorksheet ? ForWorksheet(std::move(result)) : result;
+}
+
+FormulaResult OrmQelFunction::QelFuncDemo(const ValueCall& call) { return Run(PrepareQelFuncDemo(call)); }
+
+FormulaResult OrmQelFunction::ForWorksheet(FormulaResult result) const {
+    const Variant& value = result.value;
+    if ((IsNumeric(value, context_.locale) && !value.Is<Empty>()) || IsOutdatedCube(value)) {
+        return result;
+    }
+    if (value.Is<std::string>()) {
+        result.masked = value.As<std::string>();
+    }
+    result.value = std::int16_t{0};
+    return result;
+}
+
+FormulaResult OrmQelFunction::RetQelName(const NameCall& call) {
+    const auto& [thread, providers, locale, wizards] = context_;
+    try {
+        const auto cube = CubeOf(call.cubeFile, call.CubeName);
+        OpenOrReuse(thread, providers, opened_, cube);
+        return {.value = ModSetCube::GetMemberName(thread, providers, locale, cube.cubeName, call.DimType,
+                                                   call.DimMember)};
+    } catch (const AutomationError& error) {
+        return {.value = "-", .failure = error}; // a worksheet function raises no dialog
     }
 }
 

@@ -1,12 +1,14 @@
 #pragma once
 
 #include "cube/CubeConnection.h"
-#include "cube/ThreadState.h"
+#include "cube/ValueCall.h"
 #include "function/ArgToList.h"
+#include "function/FormulaResult.h"
 #include "platform/sheet/Spreadsheet.h"
 #include "wizard/WizardContext.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace qel {
@@ -14,17 +16,16 @@ namespace qel {
 /// What an object works with; it outlives the object. All objects of a thread share its `thread`.
 struct FunctionContext {
     ModSetCube::ThreadState& thread;
-    DataAccess& dataAccess;
+    Providers providers;
     const Locale& locale;
     WizardServices* wizards = nullptr; ///< null where no dialogs can be shown
 };
 
-/// The worksheet functions. Texts are passed by reference as the interface defines them: they may come back
-/// trimmed or replaced by their piece of the statement.
+/// The worksheet functions. A call is left as it is; TextsAfter says what its texts come back as.
 class OrmQelFunction {
 public:
-    /// Gives the thread a new, unopened connection in place of the one it had.
-    explicit OrmQelFunction(const FunctionContext& context);
+    /// Takes away the connection that an earlier object of the thread left: each object begins without one.
+    explicit OrmQelFunction(FunctionContext context);
     /// Takes the thread's connection away, for every object of the thread; the next call opens a new one.
     ~OrmQelFunction();
     OrmQelFunction(const OrmQelFunction&) = delete;
@@ -45,35 +46,24 @@ public:
 
     /// The value of a cell, with its errors as texts: a number, "Outdated Cube Version", "#ERR " and a number
     /// (the statement failed) or "#err " and a number (anything else failed; the connection is dropped).
-    /// A zero strMin means the period of strMax alone. optLev is ignored. Raises nothing.
-    Variant QelFuncDemo(std::string& cubeFile, std::string& CubeName, KeyList& ObsName, KeyList& ObsNum,
-                        KeyList& arrObsLevel, KeyList& arrObsMember, KeyList& arrActivityList,
-                        std::string& strLevelAcc, std::string& strMemberAcc, std::string& strListAcc,
-                        std::string& strMeasure, std::string& ComMoneySet, std::string& strPlbs,
-                        std::string& ComRh, std::string& ComFirma, std::string& ComOB,
-                        AutomationDate strMin = {}, AutomationDate strMax = {}, std::int16_t optLev = 0);
+    /// A zero From_Date means the period of To_Date alone. Raises 13 unless the five lists are arrays.
+    FormulaResult QelFuncDemo(const ValueCall& call);
 
     /// The value of a cell for a worksheet: a number or "Outdated Cube Version"; every other failure is 0.
     /// Raises only what ArgToList raises.
-    Variant QeL1(std::string& cubeFile, std::string& CubeName, const Variant& ObsName, const Variant& ObsNum,
-                 const Variant& ObsLevel, const Variant& ObsMember, const Variant& ActivityList,
-                 std::string& Summary_Group, std::string& Seif_level, std::string& Accounts,
-                 std::string& Measure, std::string& MoneySet, std::string& Plbs, std::string& RH,
-                 std::string& Firma, std::string& Opening_Balance, AutomationDate From_Date = {},
-                 AutomationDate To_Date = {});
+    FormulaResult QeL1(const ValueCall& call) { return EvalQel(call); }
     /// The same as QeL1; worksheet formulas call it by the name QelF1.
-    Variant QeLF1(std::string& cubeFile, std::string& CubeName, const Variant& ObsName, const Variant& ObsNum,
-                  const Variant& ObsLevel, const Variant& ObsMember, const Variant& ActivityList,
-                  std::string& Summary_Group, std::string& Seif_level, std::string& Accounts,
-                  std::string& Measure, std::string& MoneySet, std::string& Plbs, std::string& RH,
-                  std::string& Firma, std::string& Opening_Balance, AutomationDate From_Date = {},
-                  AutomationDate To_Date = {});
+    FormulaResult QeLF1(const ValueCall& call) { return EvalQel(call); }
+
+    /// The two functions without reading the cell, for doors that ask for many cells together; Complete makes
+    /// their result of the cell's answer. Raise as the functions.
+    PreparedCall PrepareQelFuncDemo(const ValueCall& call);
+    PreparedCall PrepareQeLF1(const ValueCall& call);
+    FormulaResult Complete(PreparedCall prepared, ModSetCube::CellAnswer answer) const;
 
     /// The name of a summary group; "-" on any failure. The same as RetQelName.
-    Variant QelName(std::string& cubeFile, std::string& CubeName, std::string& DimType,
-                    std::string& DimMember);
-    Variant RetQelName(std::string& cubeFile, std::string& CubeName, std::string& DimType,
-                       std::string& DimMember);
+    FormulaResult QelName(const NameCall& call) { return RetQelName(call); }
+    FormulaResult RetQelName(const NameCall& call);
 
     /// Shows the function wizard and writes what was chosen into the sheet of `xlActiveCell`: the formula
     /// into the active cell, or a table of the arguments from there on. Returns the formula's argument text;
@@ -85,12 +75,12 @@ public:
 
 private:
     WizardContext RequireWizards() const;
-    Variant EvalQel(std::string& cubeFile, std::string& CubeName, const Variant& ObsName,
-                    const Variant& ObsNum, const Variant& ObsLevel, const Variant& ObsMember,
-                    const Variant& ActivityList, std::string& Summary_Group, std::string& Seif_level,
-                    std::string& Accounts, std::string& Measure, std::string& MoneySet, std::string& Plbs,
-                    std::string& RH, std::string& Firma, std::string& Opening_Balance,
-                    AutomationDate From_Date, AutomationDate To_Date);
+    FormulaResult EvalQel(const ValueCall& call) { return Run(PrepareQeLF1(call)); }
+    /// The steps that a failure ends with "#err ". `keys` lack the OBS member, the first of `obsMembers`.
+    PreparedCall Prepare(const ValueCall& call, ModSetCube::ValueKeys keys,
+                         std::span<const Variant> obsMembers);
+    FormulaResult Run(PreparedCall prepared);
+    FormulaResult ForWorksheet(FormulaResult result) const;
 
     FunctionContext context_;
     ModSetCube::OpenedCube opened_;

@@ -31,7 +31,7 @@ WizardContext OrmQelFunction::RequireWizards() const {
         throw AutomationError(notImplemented,
                               "There are no dialogs here: write the formula into the cell itself.");
     }
-    return {context_.thread, context_.dataAccess, context_.locale, context_.wizards->toolkit,
+    return {context_.thread, context_.providers, context_.locale, context_.wizards->toolkit,
             context_.wizards->language};
 }
 

@@ -8,16 +8,16 @@
 
 namespace qel {
 
-/// What a language table lacks or has too much of, in one language.
+/// Missing and superfluous rows of a language table, for one language.
 struct LangFindings {
     std::size_t rows = 0;
-    std::vector<std::int32_t> missing;   ///< numbers that the component uses and that have no row
+    std::vector<std::int32_t> missing;   ///< numbers used by the component without a row
     std::vector<std::int32_t> empty;     ///< numbers whose first row has no text
     std::vector<std::int32_t> duplicate; ///< numbers with several rows, of which the first is used
-    std::vector<std::int32_t> unknown;   ///< numbers that no text of the component has
+    std::vector<std::int32_t> unknown;   ///< numbers that the component does not use
 };
 
-/// By language: English and Hebrew, and every other that the rows name. Lists ascend.
+/// By language: English, Hebrew, and every other language of the rows. Lists are ascending.
 std::map<std::int32_t, LangFindings> CheckLangRows(const std::vector<LangRow>& rows);
 
 } // namespace qel

@@ -38,7 +38,7 @@ std::int32_t WholeNumber(const Variant& value, const char* column, std::size_t r
     if (failure != std::errc() || end != digits.data() + digits.size()) {
         throw AutomationError(
             ErrorNumber::TypeMismatch,
-            fmt::format("Row {} of the language table: '{}' in column '{}' is no whole number.", row + 1,
+            fmt::format("Row {} of the language table: '{}' in column '{}' is not a whole number.", row + 1,
                         text, column));
     }
     return number;

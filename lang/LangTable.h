@@ -16,19 +16,19 @@ struct LangRow {
     std::string text;
 };
 
-/// The rows of a language table: the columns "lId" and "sId" and, third by position, the text. A field
-/// without a value is an empty text. Raises AutomationError for a table without these columns or with a
-/// language or number that is no whole number.
+/// The rows of a language table: the columns "lId" and "sId" and, as the third column, the text. A Null field
+/// is an empty text. Raises AutomationError when a column is missing, or a language or number is not a whole
+/// number.
 std::vector<LangRow> LangRowsOf(const PersistedTable& table);
 
-/// Lang.rs while it is open: all its rows, of which a filter shows those of one language.
+/// The open Lang.rs: all rows, filtered by language.
 class LangTable {
 public:
-    /// Raises 3021 for a table without rows, which has no first row to stand on.
+    /// Raises 3021 for a table without rows.
     explicit LangTable(std::vector<LangRow> rows);
 
     void Filter(std::int16_t language) { language_ = language; }
-    /// The first shown row with this number; none when there is none.
+    /// The text of the first row with this number in the filtered language, or nullopt.
     std::optional<std::string> Find(std::int32_t number) const;
 
 private:

@@ -13,8 +13,7 @@ namespace qel::ModLangFrm {
 
 inline constexpr const char* langTableFile = "Lang.rs";
 
-/// The user interface's language while the component is loaded. Used by the thread of the user interface
-/// alone.
+/// The user interface's language while the component is loaded. Used only by the user interface's thread.
 struct LanguageState {
     StoreEnvironment& store;
     PersistedTableReader& tables;
@@ -24,22 +23,21 @@ struct LanguageState {
     std::optional<LangTable> table = std::nullopt;
 };
 
-/// The suite's setting: 0, 1 or 2; 0 for any other text or none.
+/// The suite's setting: 0, 1 or 2; 0 for any other text, or when it is missing.
 std::int16_t LanguageFromIni(StoreEnvironment& store);
 
 /// Chooses the language and, when the component's folder has a Lang.rs, loads it.
 void InitLanguage(LanguageState& state);
 
-/// Opens Lang.rs and shows the rows of the language. False when that failed, which is reported; no table is
-/// open then.
+/// Opens Lang.rs, filtered by the language. A failure is reported and returns false; no table is open then.
 bool LoadLangTable(LanguageState& state);
 
-/// The text of that number from the table, or from the component's own strings when no table is in use. A
-/// number without a text is its own text.
+/// The text with that number from the table, or from the component's own strings when no table is in use.
+/// Without such a text, the number itself as text.
 std::string GetLangString(const LanguageState& state, std::int32_t id);
 
-/// Replaces the numbers that a dialog's controls carry by their texts, and sets its font. What carries no
-/// number, or 0, keeps the text that it was designed with.
+/// Replaces the numbers in a dialog's controls by their texts, and sets its font. Controls without a number,
+/// or with 0, keep their designed text.
 void TranslateForm(const LanguageState& state, TranslatableForm& form);
 
 } // namespace qel::ModLangFrm

@@ -10,7 +10,7 @@ namespace {
 constexpr std::int32_t aligmentRightToLeft = 0;
 constexpr std::int32_t aligmentLeftToRight = 1;
 
-/// The number that a text begins with; 0 when it begins with none.
+/// The number at the beginning of a text, or 0.
 std::int32_t NumberOf(std::string_view text) {
     text = Trimmed(text);
     std::int32_t number = 0;
@@ -68,7 +68,7 @@ private:
         }
     }
 
-    /// Puts the text of the number that stands in `from` into `to`; without a number it stays as designed.
+    /// Sets `to` to the text whose number is in `from`. Without a number, `to` keeps its designed text.
     void Replace(FormItem& item, TextProperty from, TextProperty to) const {
         const auto number = NumberOf(item.GetText(from));
         if (number > 0) {

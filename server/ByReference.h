@@ -8,38 +8,47 @@
 
 namespace qel::server {
 
-/// Texts that a caller passed by reference: read at the beginning of a member, written back at its end.
-template <std::size_t count>
+/// Texts of a call that a caller passed by reference: read at the beginning of a member, written back at its
+/// end.
+template <class Call, std::size_t count>
 class TextsByReference {
 public:
-    /// Raises 5 for a null pointer; a null text is an empty one.
-    explicit TextsByReference(const std::array<BSTR*, count>& places) : places_(places) {
-        for (std::size_t i = 0; i < count; ++i) {
-            if (places[i] == nullptr) {
+    using Fields = std::array<std::string Call::*, count>;
+
+    /// `places` are those of the fields. Raises 5 for a null pointer.
+    TextsByReference(const Fields& fields, const std::array<BSTR*, count>& places)
+        : fields_(fields), places_(places) {
+        for (BSTR* const place : places) {
+            if (place == nullptr) {
                 throw PlatformError(ErrorNumber::InvalidProcedureCall);
             }
-            texts_[i] = windows::TextOfBstr(*places[i]);
         }
-        before_ = texts_;
     }
 
-    std::string& operator[](std::size_t index) { return texts_[index]; }
+    /// A null text is an empty one.
+    Call Read() const {
+        Call call;
+        for (std::size_t i = 0; i < count; ++i) {
+            call.*fields_[i] = windows::TextOfBstr(*places_[i]);
+        }
+        return call;
+    }
 
     /// Gives the caller new texts where they changed.
-    void WriteBack() const {
+    void WriteBack(const Call& before, const Call& after) const {
         for (std::size_t i = 0; i < count; ++i) {
-            if (texts_[i] == before_[i]) {
+            if (after.*fields_[i] == before.*fields_[i]) {
                 continue;
             }
-            windows::Bstr text(texts_[i]);
+            windows::Bstr text(after.*fields_[i]);
             ::SysFreeString(*places_[i]);
             *places_[i] = text.Release();
         }
     }
 
 private:
+    Fields fields_;
     std::array<BSTR*, count> places_;
-    std::array<std::string, count> texts_, before_;
 };
 
 /// The place for a member's result. Raises 5 for a null pointer.

@@ -4,25 +4,8 @@
 
 namespace qel::server {
 
-STDMETHODIMP ClassFactory::QueryInterface(REFIID id, void** object) {
-    if (object == nullptr) {
-        return E_POINTER;
-    }
-    *object = nullptr;
-    if (id != IID_IUnknown && id != IID_IClassFactory) {
-        return E_NOINTERFACE;
-    }
-    *object = static_cast<IClassFactory*>(this);
-    AddRef();
-    return S_OK;
-}
-
-STDMETHODIMP_(ULONG) ClassFactory::Release() {
-    const ULONG left = --references_;
-    if (left == 0) {
-        delete this; // NOLINT(cppcoreguidelines-owning-memory): a COM object is its references'
-    }
-    return left;
+void* ClassFactory::Find(REFIID id) {
+    return id == IID_IUnknown || id == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
 }
 
 STDMETHODIMP ClassFactory::CreateInstance(IUnknown* outer, REFIID id, void** object) {

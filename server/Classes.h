@@ -9,7 +9,7 @@ namespace qel::server {
 /// A class of the server: its names, and how its objects are made.
 struct ServerClass {
     AutomationClass automation;
-    /// The object's first reference, as its dispatch interface. Raises AutomationError.
+    /// A new object's dispatch interface. Raises AutomationError.
     windows::ComPointer<IDispatch> (*create)(const ClassTypes& types);
 };
 

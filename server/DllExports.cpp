@@ -1,4 +1,4 @@
-// What the system calls in the DLL.
+// The DLL's entry points.
 
 #include "platform/windows/ProviderFailure.h"
 #include "server/ClassFactory.h"

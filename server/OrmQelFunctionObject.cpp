@@ -14,24 +14,25 @@ using windows::ToAutomation;
 
 namespace {
 
-constexpr std::size_t valueTexts = 11;
-constexpr std::size_t nameTexts = 4;
-
 Variant Read(const VARIANT* argument) {
     return argument != nullptr ? FromAutomation(*argument) : Variant(ErrorValue{parameterNotFound});
 }
 
-/// The elements of an array that a caller passed as a list. Raises 13 for anything else.
-KeyList ElementsOf(const VARIANT* argument, const char* name) {
-    const Variant list = Read(argument);
-    if (!list.IsArray()) {
-        throw AutomationError(ErrorNumber::TypeMismatch,
-                              std::string("Type mismatch: QelFuncDemo takes ") + name + " as an array");
+using ValueTexts = TextsByReference<ValueCall, valueCallTexts.size()>;
+using NameTexts = TextsByReference<NameCall, nameCallTexts.size()>;
+
+ValueCall CallOf(const ValueTexts& texts, const std::array<VARIANT*, valueCallLists.size()>& lists, DATE from,
+                 DATE to) {
+    ValueCall call = texts.Read();
+    for (std::size_t i = 0; i < lists.size(); ++i) {
+        call.*valueCallLists[i] = Read(lists[i]);
     }
-    return list.As<std::shared_ptr<const VariantArray>>()->elements;
+    call.From_Date = {from};
+    call.To_Date = {to};
+    return call;
 }
 
-/// Puts keys that were rewritten into the caller's own array.
+/// Writes changed keys back into the caller's array.
 void WriteKeys(VARIANT& list, const KeyList& keys) {
     VARIANT& target = windows::Dereferenced(list);
     if (V_ISARRAY(&target)) {
@@ -55,23 +56,21 @@ STDMETHODIMP OrmQelFunctionObject::QelFuncDemo(BSTR* cubeFile, BSTR* CubeName, V
                                                VARIANT* arrActivityList, BSTR* strLevelAcc,
                                                BSTR* strMemberAcc, BSTR* strListAcc, BSTR* strMeasure,
                                                BSTR* ComMoneySet, BSTR* strPlbs, BSTR* ComRh, BSTR* ComFirma,
-                                               BSTR* ComOB, DATE strMin, DATE strMax, short* optLev,
+                                               BSTR* ComOB, DATE strMin, DATE strMax, short* /*optLev*/,
                                                VARIANT* result) {
     return Guard([&] {
-        TextsByReference<valueTexts> texts({cubeFile, CubeName, strLevelAcc, strMemberAcc, strListAcc,
-                                            strMeasure, ComMoneySet, strPlbs, ComRh, ComFirma, ComOB});
-        KeyList names = ElementsOf(ObsName, "ObsName");
-        KeyList numbers = ElementsOf(ObsNum, "ObsNum");
-        KeyList levels = ElementsOf(arrObsLevel, "arrObsLevel");
-        KeyList members = ElementsOf(arrObsMember, "arrObsMember");
-        KeyList activities = ElementsOf(arrActivityList, "arrActivityList");
-        const std::int16_t level = optLev != nullptr ? *optLev : std::int16_t{0};
-        const Variant value = function_.QelFuncDemo(
-            texts[0], texts[1], names, numbers, levels, members, activities, texts[2], texts[3], texts[4],
-            texts[5], texts[6], texts[7], texts[8], texts[9], texts[10], {strMin}, {strMax}, level);
-        Give(value, result);
-        WriteKeys(*arrObsMember, members);
-        texts.WriteBack();
+        const ValueTexts texts(valueCallTexts, {cubeFile, CubeName, strLevelAcc, strMemberAcc, strListAcc,
+                                                strMeasure, ComMoneySet, strPlbs, ComRh, ComFirma, ComOB});
+        const ValueCall call =
+            CallOf(texts, {ObsName, ObsNum, arrObsLevel, arrObsMember, arrActivityList}, strMin, strMax);
+        const FormulaResult shown = function_.QelFuncDemo(call);
+        Give(shown.value, result);
+        if (shown.reached != Reached::Nothing) {
+            WriteKeys(*arrObsMember,
+                      WithQuotesRestored(call.ObsMember.As<std::shared_ptr<const VariantArray>>()->elements,
+                                         UserLocale()));
+        }
+        texts.WriteBack(call, TextsAfter(call, shown.reached));
     });
 }
 
@@ -128,19 +127,16 @@ STDMETHODIMP OrmQelFunctionObject::put_iLang(short value) {
 STDMETHODIMP OrmQelFunctionObject::QelName(BSTR* cubeFile, BSTR* CubeName, BSTR* DimType, BSTR* DimMember,
                                            VARIANT* result) {
     return Guard([&] {
-        TextsByReference<nameTexts> texts({cubeFile, CubeName, DimType, DimMember});
-        Give(function_.QelName(texts[0], texts[1], texts[2], texts[3]), result);
-        texts.WriteBack();
+        const NameTexts texts(nameCallTexts, {cubeFile, CubeName, DimType, DimMember});
+        const NameCall call = texts.Read();
+        Give(function_.RetQelName(call).value, result);
+        texts.WriteBack(call, TextsAfter(call));
     });
 }
 
 STDMETHODIMP OrmQelFunctionObject::RetQelName(BSTR* cubeFile, BSTR* CubeName, BSTR* DimType, BSTR* DimMember,
                                               VARIANT* result) {
-    return Guard([&] {
-        TextsByReference<nameTexts> texts({cubeFile, CubeName, DimType, DimMember});
-        Give(function_.RetQelName(texts[0], texts[1], texts[2], texts[3]), result);
-        texts.WriteBack();
-    });
+    return QelName(cubeFile, CubeName, DimType, DimMember, result);
 }
 
 STDMETHODIMP OrmQelFunctionObject::QeL1(BSTR* cubeFile, BSTR* CubeName, VARIANT* ObsName, VARIANT* ObsNum,
@@ -150,14 +146,13 @@ STDMETHODIMP OrmQelFunctionObject::QeL1(BSTR* cubeFile, BSTR* CubeName, VARIANT*
                                         BSTR* Opening_Balance, DATE From_Date, DATE To_Date,
                                         VARIANT* result) {
     return Guard([&] {
-        TextsByReference<valueTexts> texts({cubeFile, CubeName, Summary_Group, Seif_level, Accounts, Measure,
-                                            MoneySet, Plbs, RH, Firma, Opening_Balance});
-        const Variant value =
-            function_.QeL1(texts[0], texts[1], Read(ObsName), Read(ObsNum), Read(ObsLevel), Read(ObsMember),
-                           Read(ActivityList), texts[2], texts[3], texts[4], texts[5], texts[6], texts[7],
-                           texts[8], texts[9], texts[10], {From_Date}, {To_Date});
-        Give(value, result);
-        texts.WriteBack();
+        const ValueTexts texts(valueCallTexts, {cubeFile, CubeName, Summary_Group, Seif_level, Accounts,
+                                                Measure, MoneySet, Plbs, RH, Firma, Opening_Balance});
+        const ValueCall call =
+            CallOf(texts, {ObsName, ObsNum, ObsLevel, ObsMember, ActivityList}, From_Date, To_Date);
+        const FormulaResult shown = function_.QeLF1(call);
+        Give(shown.value, result);
+        texts.WriteBack(call, TextsAfter(call, shown.reached));
     });
 }
 

@@ -14,7 +14,7 @@ class OrmQelFunctionObject : public AutomationObject<_OrmQelFunction> {
 public:
     explicit OrmQelFunctionObject(const ClassTypes& types)
         : AutomationObject(types, windows::UserLocale()), thread_(StateOfThread()),
-          function_({*thread_, Providers(), UserLocale()}) {}
+          function_({*thread_, ProvidersOfMachine(), UserLocale()}) {}
 
     STDMETHODIMP QelFuncDemo(BSTR* cubeFile, BSTR* CubeName, VARIANT* ObsName, VARIANT* ObsNum,
                              VARIANT* arrObsLevel, VARIANT* arrObsMember, VARIANT* arrActivityList,

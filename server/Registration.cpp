@@ -12,7 +12,7 @@ namespace {
 
 const std::wstring version = L"17.0"; // of the type library
 const std::wstring description = L"QRN Function QeL 17";
-/// The system's own marshaller of automation interfaces.
+/// The system's marshaller of automation interfaces.
 const std::wstring automationProxy = L"{00020424-0000-0000-C000-000000000046}";
 const std::wstring platform = sizeof(void*) == 8 ? L"win64" : L"win32";
 
@@ -21,7 +21,7 @@ RegistryTree TreeOf(RegistrationScope scope) {
 }
 
 std::wstring TextOf(REFGUID id) {
-    constexpr int length = 39; // braces and the zero at the end included
+    constexpr int length = 39; // including braces and the terminating null
     wchar_t text[length];
     ::StringFromGUID2(id, text, length);
     return text;
@@ -37,7 +37,8 @@ void RegisterClass(const RegistryTree& tree, const AutomationClass& type, const 
     tree.SetText(key + L"\\InprocServer32", L"", path);
     tree.SetText(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
     tree.SetText(key + L"\\ProgID", L"", type.progId);
-    tree.SetText(key + L"\\Programmable", L"", L""); // Excel lists only such classes as automation add-ins
+    tree.SetText(key + L"\\Programmable", L"",
+                 L""); // Excel lists only programmable classes as automation add-ins
     tree.SetText(key + L"\\TypeLib", L"", TextOf(LIBID_OrmFunctionQel4));
     tree.SetText(key + L"\\Version", L"", version);
     tree.SetText(type.progId, L"", type.progId);
@@ -63,7 +64,7 @@ void RegisterLibrary(const RegistryTree& tree, const std::wstring& path) {
 void UnregisterClass(const RegistryTree& tree, const AutomationClass& type) {
     tree.Remove(ClassKey(type));
     tree.Remove(InterfaceKey(type));
-    // Both bitnesses share the name by which scripts and formulas find the class.
+    // The ProgID, by which scripts and formulas find the class, is shared by both bitnesses.
     if (!tree.OtherBitnessHas(ClassKey(type))) {
         tree.Remove(type.progId);
     }

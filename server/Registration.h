@@ -2,14 +2,14 @@
 
 namespace qel::server {
 
-/// Machine: for every user, which only an administrator may do. User: for the current user alone.
+/// Machine: for all users, which requires an administrator. User: only for the current user.
 enum class RegistrationScope { Machine, User };
 
-/// Writes the classes, interfaces and type library, with the path that the DLL has now. Writes nothing when
-/// it fails. Raises AutomationError with the system's result code.
+/// Writes the classes, interfaces and type library with the DLL's current path. A failure leaves nothing
+/// behind. Raises AutomationError with the system's result code.
 void Register(RegistrationScope scope);
 
-/// Removes what Register writes. What serves a DLL of the other bitness stays. Raises as Register.
+/// Removes what Register writes, except what a DLL of the other bitness uses. Raises like Register.
 void Unregister(RegistrationScope scope);
 
 } // namespace qel::server

@@ -43,7 +43,7 @@ void RegistryTree::SetText(const std::wstring& key, const std::wstring& name,
     Key opened;
     CheckKey(::RegCreateKeyExW(root_, Full(key).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, opened.Receive(),
                                nullptr),
-             "cannot be made", key);
+             "cannot be created", key);
     const auto* bytes = reinterpret_cast<const BYTE*>(text.c_str());
     const auto size = static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t));
     CheckKey(::RegSetValueExW(opened.Get(), name.c_str(), 0, REG_SZ, bytes, size), "cannot be written", key);

@@ -6,21 +6,21 @@
 
 namespace qel::server {
 
-/// The registry's classes of the machine or of a user. Every failure raises AutomationError with the system's
-/// result code, naming the key.
+/// The classes in the machine's or the user's registry. Failures raise AutomationError with the system's
+/// result code and the key's name.
 class RegistryTree {
 public:
     explicit RegistryTree(HKEY root) : root_(root) {}
 
-    /// Sets a value, making the keys on the way; an empty `name` is the key's default value.
+    /// Sets a value and creates missing keys. An empty `name` is the key's default value.
     void SetText(const std::wstring& key, const std::wstring& name, const std::wstring& text) const;
-    /// Removes a key and all below it; one that is not there is no failure.
+    /// Removes a key and everything below it. A missing key is not an error.
     void Remove(const std::wstring& key) const;
-    /// Removes a key that has nothing below it.
+    /// Removes a key without subkeys.
     void RemoveIfChildless(const std::wstring& key) const;
-    /// True when the key is there, as programs of the other bitness see the registry.
+    /// True when the key exists in the registry view of the other bitness.
     bool OtherBitnessHas(const std::wstring& key) const;
-    /// True when the key is there.
+    /// True when the key exists.
     bool Has(const std::wstring& key) const;
 
 private:

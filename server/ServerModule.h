@@ -12,7 +12,7 @@ HMODULE ServerModule();
 /// The path of the DLL's file.
 std::wstring ServerPath();
 
-/// Keeps the DLL loaded for as long as it lives: objects, factories and locks hold one each.
+/// Keeps the DLL loaded during its lifetime. Every object, factory and lock holds one.
 class ServerUse {
 public:
     ServerUse();
@@ -21,8 +21,8 @@ public:
     ServerUse& operator=(const ServerUse&) = delete;
 };
 
-bool IsServerInUse();
-/// Adds or takes away a use that a client has locked.
+[[nodiscard]] bool IsServerInUse();
+/// Adds or removes a client's lock.
 void LockServer(bool lock);
 
 } // namespace qel::server

@@ -4,9 +4,8 @@
 
 namespace qel::server {
 
-/// The suite's settings, local database and texts as this machine has them, with their state; one a process.
-/// Jet keeps the database where this process can load it, SQLite elsewhere. The calling thread must have an
-/// apartment.
+/// The machine's settings, local database and texts, with their state; one per process. The database is Jet's
+/// where this process can load it, otherwise SQLite's. The calling thread must be in an apartment.
 ModLangFrm::LanguageState& SuiteLanguage();
 
 } // namespace qel::server

@@ -1,8 +1,7 @@
 #include "server/ThreadContext.h"
 
-#include "platform/data/ResolvingDataAccess.h"
 #include "platform/data/ado/AdoDataAccess.h"
-#include "platform/data/embedded/CubeSource.h"
+#include "platform/data/choice/ChooseProvider.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/windows/WindowsApi.h"
 
@@ -11,21 +10,14 @@
 
 namespace qel::server {
 
-// Embedded cubes are read here, every other data source by the machine's own objects.
-DataAccess& Providers() {
-    static EmbeddedDataAccess embedded;
+Providers ProvidersOfMachine() {
+    static EmbeddedDataAccess cubeFiles;
     static windows::AdoDataAccess machine;
-    static ResolvingDataAccess providers([](const std::string& connectionText) -> DataAccess& {
-        if (NamesEmbeddedCube(connectionText)) {
-            return embedded;
-        }
-        return machine;
-    });
-    return providers;
+    return ChooseProvider(cubeFiles, nullptr, &machine);
 }
 
-// By thread number and not thread_local: the compiler's runtime frees thread-local memory at the thread's end
-// before it destroys what lies in it.
+// Keyed by thread id instead of thread_local: the compiler's runtime frees thread-local memory before it
+// destroys the objects in it.
 std::shared_ptr<ModSetCube::ThreadState> StateOfThread() {
     static std::mutex mutex;
     static std::map<DWORD, std::weak_ptr<ModSetCube::ThreadState>> states;

@@ -1,17 +1,17 @@
 #pragma once
 
 #include "cube/ThreadState.h"
-#include "platform/data/DataAccess.h"
+#include "platform/data/Providers.h"
 
 #include <memory>
 
 namespace qel::server {
 
-/// The providers of this machine.
-DataAccess& Providers();
+/// Embedded cubes are read here, every other data source by the machine's own objects.
+Providers ProvidersOfMachine();
 
-/// What the objects of the calling thread share: its connection and Date table. It lives as long as one of
-/// the objects that hold it.
+/// The state shared by the calling thread's objects: its connection and Date table. It lives as long as one
+/// of these objects.
 std::shared_ptr<ModSetCube::ThreadState> StateOfThread();
 
 } // namespace qel::server

@@ -4,8 +4,8 @@
 
 namespace qel::server {
 
-/// The dialogs of this machine; one a process. Made when they are first shown, since cells need none. The
-/// calling thread must have an apartment.
+/// The machine's dialogs; one per process, created on first use because cells need none. The calling thread
+/// must be in an apartment.
 WizardServices& Wizards();
 
 } // namespace qel::server

@@ -15,8 +15,8 @@ constexpr std::int16_t notFound = -1;
 } // namespace
 
 std::string LocalDbFolder(StoreEnvironment& store) {
-    // The separator is appended before the test for nothing, so a missing MDBPath means the root of the drive
-    // and the two steps after it never apply. That order is intended.
+    // The separator is appended before the test for an empty path, so a missing MDBPath means the root of the
+    // drive and the two steps after it never apply. That order is intended.
     std::string folder = GetRegSetting(store, mdbPathValue) + store.separator;
     if (folder.empty()) {
         folder = GetRegSetting(store, tempPathValue) + store.separator;

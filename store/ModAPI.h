@@ -12,30 +12,30 @@ inline constexpr const char* mdbPathValue = "MDBPath";
 inline constexpr const char* tempPathValue = "TempPath";
 inline constexpr const char* localDbFile = "QelFunction17.mdb";
 
-/// Where the folder of the local database and of Cub.ini is, with a separator at its end. Makes nothing.
+/// The path of the folder of the local database and Cub.ini, ending in a separator. Does not create it.
 std::string LocalDbFolder(StoreEnvironment& store);
 
-/// The folder of the local database and of Cub.ini, with a separator at its end; read anew by every call. A
-/// folder that is missing is made, its parents are not; when that fails the error is reported and the folder
-/// is returned all the same.
+/// The folder of the local database and Cub.ini, ending in a separator; read again by every call. A missing
+/// folder is created, its parents are not. A failure is reported, and the path is returned anyway.
 std::string QelFuncMdbPath(StoreEnvironment& store);
 
-/// One text of the suite's registry key; empty when it is missing or no text.
+/// A text value of the suite's registry key; empty when it is missing or not a text.
 std::string GetRegSetting(StoreEnvironment& store, const std::string& valueName);
 
-/// Opens a key and remembers its name. False, with `handle` as it was, when it cannot be opened.
-bool RegOpen(StoreEnvironment& store, KeyHandle root, const std::string& subKey, KeyHandle& handle);
-/// A text up to its first zero character. False, with `result` as it was, for a value that is missing or no
-/// text.
+/// Opens a key and remembers its name. Returns false and leaves `handle` unchanged when it cannot be opened.
+[[nodiscard]] bool RegOpen(StoreEnvironment& store, KeyHandle root, const std::string& subKey,
+                           KeyHandle& handle);
+/// A text value up to its first null character. Returns false and leaves `result` unchanged when the value is
+/// missing or not a text.
 bool RegGetString(StoreEnvironment& store, KeyHandle handle, const std::string& valueName,
                   std::string& result);
 bool RegClose(StoreEnvironment& store, KeyHandle handle);
 
-/// A root's name, or the name under which the key was opened; empty for a handle that was never opened.
+/// The name of a root or of an opened key; empty for an unknown handle.
 std::string KeyName(const StoreEnvironment& store, KeyHandle handle);
-/// The place in the table of opened keys, or -1.
+/// The index in the table of opened keys, or -1.
 std::int16_t FindKey(const StoreEnvironment& store, KeyHandle handle);
-/// A handle that the platform gives out again takes its new name.
+/// A handle that the platform reuses gets the new name.
 void RememberKey(StoreEnvironment& store, KeyHandle handle, const std::string& name);
 
 } // namespace qel::ModAPI

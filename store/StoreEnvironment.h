@@ -10,23 +10,23 @@
 
 namespace qel {
 
-/// A registry key that was opened at some time; it may be closed by now.
+/// A registry key that was opened and may have been closed since.
 struct OpenKey {
     KeyHandle handle = 0;
     std::string name; ///< in full, with the root's name
 };
 
-/// What the store works with, and what it remembers while the component is loaded. Made by a door; used by
-/// the thread of the user interface alone.
+/// The store's ports, and its state while the component is loaded. Created by a door; used only by the user
+/// interface's thread.
 struct StoreEnvironment {
     Registry& registry;
     ProfileFiles& profiles;
     DatabaseEngine& database;
     MessageDisplay& messages;
-    std::string componentFolder; ///< holds the component's own file; without a separator at its end
+    std::string componentFolder; ///< of the component's file; without a trailing separator
     char separator = pathSeparator;
 
-    std::string suiteFolder = {};       ///< as the last reading of Qel.ini found it
+    std::string suiteFolder = {};       ///< set by the last reading of Qel.ini
     std::vector<OpenKey> openKeys = {}; ///< only ever added to
 };
 

@@ -4,7 +4,7 @@
 
 namespace qel {
 
-/// The system's millisecond tick count; it starts again from 0 after 2^32 milliseconds (49.7 days).
+/// The system's millisecond tick count, which wraps around after 2^32 milliseconds (49.7 days).
 std::uint32_t SystemTicks();
 
 /// Measures elapsed time.
@@ -15,8 +15,8 @@ public:
     explicit ClTimming(TickSource ticks = SystemTicks) : ticks_(ticks) {}
 
     void Start();
-    /// Without a Start before it, the time elapsed is the tick count itself. Raises 6 when the tick count has
-    /// started again since.
+    /// Without Start, the elapsed time is the tick count itself. Raises 6 when the tick count has wrapped
+    /// around.
     void Finish();
     /// Seconds between Start and Finish; 0 before Finish.
     double ElapsedTime() const;

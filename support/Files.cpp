@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 bool IsSeparator(char c) { return c == '/' || c == '\\'; }
 
-/// A file system's name in the form that patterns are compared in.
+/// A file name folded for comparison with patterns.
 std::string NameOf(const fs::path& path) {
     const std::u8string name = path.filename().u8string();
     std::string text(name.begin(), name.end());
@@ -42,7 +42,7 @@ std::vector<fs::path> FilesMatching(const fs::path& pattern) {
     return found;
 }
 
-/// Runs an operation whose every failure means "no".
+/// Runs an operation; any failure means false.
 template <class Operation>
 bool Trapped(Operation operation) {
     try {

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 constexpr std::int32_t pathFileAccessError = 75;
 constexpr std::int32_t pathNotFound = 76;
 
-/// With a separator at the end, the last part would be the empty name inside the folder.
+/// With a trailing separator, the last part of the path would be empty.
 std::string_view WithoutSeparators(std::string_view path) {
     const auto end = path.find_last_not_of("/\\");
     return end == std::string_view::npos ? path : path.substr(0, end + 1);
@@ -31,7 +31,7 @@ void MakeFolder(std::string_view path) {
     failed.clear();
     if (!fs::create_directory(folder, failed) || failed) {
         throw AutomationError(pathFileAccessError, "Path/File access error: the folder '" +
-                                                       std::string(path) + "' cannot be made (" +
+                                                       std::string(path) + "' cannot be created (" +
                                                        failed.message() + ")");
     }
 }

@@ -55,7 +55,7 @@ std::string ComposeErrorText(const PendingError& error, const std::string& extra
 void ReportError(MessageDisplay& display, const PendingError& error, const std::string& extraText,
                  const std::string& functionName, const std::string& moduleName, std::int32_t /*reserved1*/,
                  std::int32_t reserved2) noexcept {
-    // Callers of old ask for one of two reports here; both are the same box.
+    // `reserved2` once chose between two reports, which are the same today.
     static_cast<void>(reserved2 > 0);
     try {
         display.Show(MessageBoxStyle::Exclamation, componentName,

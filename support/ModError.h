@@ -11,7 +11,7 @@ namespace qel {
 /// The component's file name without its extension: the title of its boxes.
 inline constexpr const char* componentName = "OrmFuncQel4";
 
-/// The error that an operation trapped, handed from its failure path to the reporter.
+/// A trapped error, passed to ReportError.
 struct PendingError {
     std::int32_t number = 0;
     std::string description;
@@ -21,15 +21,15 @@ struct PendingError {
 
 namespace ModError {
 
-/// The error that a catch block is handling. One that is no automation error has the number 5 and, when
-/// nothing is known of it, the text "An unknown error has occurred!".
+/// The exception being handled. Exceptions other than AutomationError get the number 5 and, when they have no
+/// text, "An unknown error has occurred!".
 PendingError CurrentError(std::int32_t codeSection = 0) noexcept;
 
-/// The report's text; lines end in CRLF, the last one in nothing.
+/// The report's text, with CRLF between lines.
 std::string ComposeErrorText(const PendingError& error, const std::string& extraText,
                              const std::string& functionName, const std::string& moduleName);
 
-/// Shows the report in a box with one button and returns when it was closed. Raises nothing.
+/// Shows the report in a box with an OK button and returns when it is closed. Raises nothing.
 void ReportError(MessageDisplay& display, const PendingError& error, const std::string& extraText,
                  const std::string& functionName, const std::string& moduleName, std::int32_t reserved1 = 0,
                  std::int32_t reserved2 = 0) noexcept;

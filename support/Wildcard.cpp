@@ -6,7 +6,7 @@ namespace qel {
 
 namespace {
 
-/// The place after the UTF-8 character at `at`.
+/// The offset after the UTF-8 character at `at`.
 std::size_t AfterCharacter(std::string_view text, std::size_t at) {
     ++at;
     while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U) {
@@ -23,7 +23,7 @@ bool MatchesWildcard(std::string_view name, std::string_view pattern) {
     }
     std::size_t inName = 0;
     std::size_t inPattern = 0;
-    // Where to go on when the characters after the last star do not match: the star takes one byte more.
+    // Where to resume when the characters after the last star do not match: the star takes one more byte.
     std::size_t afterStar = std::string_view::npos;
     std::size_t starEnd = 0;
     while (inName < name.size()) {

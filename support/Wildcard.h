@@ -4,8 +4,7 @@
 
 namespace qel {
 
-/// True when the whole name matches: "*" stands for any characters, "?" for exactly one, "*.*" for any name.
-/// Letter case counts.
-bool MatchesWildcard(std::string_view name, std::string_view pattern);
+/// True when the whole name matches: "*" is any characters, "?" exactly one, "*.*" any name. Case-sensitive.
+[[nodiscard]] bool MatchesWildcard(std::string_view name, std::string_view pattern);
 
 } // namespace qel

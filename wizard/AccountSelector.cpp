@@ -56,11 +56,8 @@ void AccountSelector::BindList(const ListScope& scope) {
     accounts_.Bind([context = &context_, cube = cube_, scope] {
         try {
             return ListRows(*context, cube->name.cubeFile,
-                            {.cubeName = cube->name.cubeName,
-                             .kind = CellsetKind::Accounts,
-                             .argumentA = InBrackets(scope.firma),
-                             .argumentB = InBrackets(scope.obsName),
-                             .accountsMode = 1});
+                            {cube->name.cubeName, AccountsListing{.firma = InBrackets(scope.firma),
+                                                                  .obsNumber = InBrackets(scope.obsName)}});
         } catch (...) {
             ModError::ReportError(context->Messages(), ModError::CurrentError(), "", "", "");
             return std::vector<MemberRow>();
@@ -83,9 +80,8 @@ void AccountSelector::FillMembers() {
     if (level == allMembers) {
         return members_.Clear();
     }
-    members_.Fill(ListChoices(
-        context_, cube_->name.cubeFile,
-        {.cubeName = cube_->name.cubeName, .kind = CellsetKind::SummaryGroups, .summaryLevel = level}));
+    members_.Fill(ListChoices(context_, cube_->name.cubeFile,
+                              {cube_->name.cubeName, SummaryGroupsListing{.summaryLevel = level}}));
 }
 
 void AccountSelector::Read(Selection& selection) const {

@@ -5,15 +5,15 @@
 
 namespace qel {
 
-/// What the lists of accounts and activities are restricted to: members with data there.
+/// The scope of the lists of accounts and activities: only members with data in it are listed.
 struct ListScope {
     std::string firma = allMembers;
-    std::string obsName, obsNumber; ///< empty for none
+    std::string obsName, obsNumber; ///< may be empty
 
     bool operator==(const ListScope&) const = default;
 };
 
-/// The choice of accounts: a summary level, a group of it, and one account when the list is used.
+/// The choice of accounts: a summary level, one of its groups, and one account if the list is used.
 class AccountSelector {
 public:
     AccountSelector(const WizardContext& context, Dialog& dialog);
@@ -22,15 +22,14 @@ public:
     void Fill(std::shared_ptr<const LoadedCube> cube);
     void Clear();
     void Enable(bool isEnabled);
-    /// Binds the list of accounts, which is read when it is first used. A chosen account that the scope has,
-    /// too, stays.
+    /// Binds the list of accounts, which is read on first use. A chosen account stays if the scope has it.
     void BindList(const ListScope& scope);
 
-    /// Takes another choice of one of its combo boxes. Raises what the provider raises.
+    /// Handles a change of one of its combo boxes. Raises what the provider raises.
     void OnChange(std::string_view control);
     void Read(Selection& selection) const;
     void Restore(const Selection& selection, std::vector<std::string>& dropped);
-    /// The number of the text that says what is missing; none when the choice is whole.
+    /// The number of the text that says what is missing; nullopt when the choice is complete.
     std::optional<std::int32_t> Missing() const;
 
 private:

@@ -32,12 +32,13 @@ void ActivitySelector::BindList(std::shared_ptr<const LoadedCube> cube, const Li
     const auto before = dialog_.IsChecked(ChekAct) ? activities_.Chosen() : std::nullopt;
     activities_.Bind([context = &context_, cube = std::move(cube), scope] {
         try {
-            return ListRows(*context, cube->name.cubeFile,
-                            {.cubeName = cube->name.cubeName,
-                             .kind = ModSetCube::CellsetKind::Activities,
-                             .argumentA = InBrackets(scope.obsName),
-                             .obsSubMember = scope.obsNumber.empty() ? std::string(1, '\0')
-                                                                     : InBrackets(scope.obsNumber)});
+            return ListRows(
+                *context, cube->name.cubeFile,
+                {cube->name.cubeName,
+                 ModSetCube::ActivitiesListing{
+                     .obsNumber = InBrackets(scope.obsName),
+                     .obsSubMember = scope.obsNumber.empty() ? std::nullopt
+                                                             : std::optional(InBrackets(scope.obsNumber))}});
         } catch (...) {
             ModError::ReportError(context->Messages(), ModError::CurrentError(), "", "", "");
             return std::vector<MemberRow>();

@@ -8,11 +8,11 @@ namespace qel {
 /// What the form shows after a calculation.
 struct Calculation {
     Variant value = Null{}; ///< Null when it failed
-    std::string text;       ///< the value, or why there is none
+    std::string text;       ///< the value, or the reason of the failure
 };
 
-/// The value that the formula of a selection will show. `opened` is the cube that the caller last opened the
-/// thread's connection on. Raises nothing.
+/// The value that a selection's formula will show. `opened` is the cube that the caller last opened on the
+/// thread's connection. Raises nothing.
 Calculation Calculate(const WizardContext& context, ModSetCube::OpenedCube& opened,
                       const Selection& selection);
 

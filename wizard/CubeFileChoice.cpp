@@ -12,7 +12,7 @@ namespace qel {
 namespace {
 
 constexpr std::string_view listedEnding = "FNC";
-constexpr std::string_view cubeFileEnding = "cub"; // in these letters
+constexpr std::string_view cubeFileEnding = "cub"; // case-sensitive
 constexpr std::int32_t invalidFileText = 1364;
 
 bool IsListed(std::string_view catalog) {
@@ -39,12 +39,10 @@ std::string AskForCubeFile(Dialog& dialog, const char* control, const std::strin
                               .startFolder = PathToUtf8(PathFromSetting(cubeFileNow).parent_path())});
 }
 
-std::shared_ptr<Connection> OpenCubeFile(DataAccess& dataAccess, const std::string& cubeFile) {
-    auto connection = dataAccess.CreateConnection();
-    connection->Open("Provider=MSOLAP;Data Source=" + cubeFile +
-                         ";Client Cache Size=25;Auto Synch Period=10000",
-                     "", "", optionsUnspecified);
-    return connection;
+std::shared_ptr<Connection> OpenCubeFile(const Providers& providers, const std::string& cubeFile) {
+    return providers
+        .Connect("Provider=MSOLAP;Data Source=" + cubeFile + ";Client Cache Size=25;Auto Synch Period=10000")
+        .connection;
 }
 
 bool SetCube(const WizardContext& context, ChoiceBox& cubes, Connection* connection) {
@@ -64,7 +62,7 @@ bool SetCube(const WizardContext& context, ChoiceBox& cubes, Connection* connect
         context.Messages().Show(MessageBoxStyle::Exclamation, "", "Not valid cube");
         return false;
     }
-    // The first one is chosen, even where the connection's own default is another.
+    // The first one is chosen, even if the connection's default is another.
     cubes.Fill(std::move(catalogs));
     return true;
 }

@@ -19,7 +19,7 @@ constexpr const char* dateErrorText = "Error with the date in the Cube\r\nContin
 void DateSelector::Fill(const ModSetCube::OpenedCube& cube) {
     Clear();
     try {
-        if (!ModSetCube::EnsureCurrentCubeOpen(context_.thread, context_.dataAccess, opened_, cube)) {
+        if (!ModSetCube::EnsureCurrentCubeOpen(context_.thread, context_.providers, opened_, cube)) {
             throw AutomationError(ErrorNumber::InvalidProcedureCall, "Outdated Cube Version");
         }
         opened_ = cube;
@@ -66,7 +66,7 @@ std::optional<std::string> DateSelector::Fault() const {
         return OwnText(context_, OwnTextNumber::ReversedDates);
     }
     const auto& dates = context_.thread.dates;
-    // The last period begins on the cube's last date and ends after it.
+    // The last period begins on the cube's last date.
     if (*to < dates.CubeMinDate || *from >= AddMonths(dates.CubeMaxDate, 1)) {
         return OwnText(context_, OwnTextNumber::DatesOutsideCube) + " " +
                FormatShortDate(dates.CubeMinDate, context_.locale) + " - " +
@@ -79,7 +79,7 @@ void DateSelector::OnLeave(std::string_view control) const {
     if (control != TxtDateFrom && control != TxtDateTo) {
         return;
     }
-    // The other date may still be on its way, so a range is judged when its end is left.
+    // The other date may not be typed yet, so a range is checked when its end date is left.
     const auto fault = DateIn(control) ? (control == TxtDateTo ? Fault() : std::nullopt)
                                        : std::optional(NoDateText(control));
     if (!fault) {

@@ -10,24 +10,24 @@ class DateSelector {
 public:
     DateSelector(const WizardContext& context, Dialog& dialog) : context_(context), dialog_(dialog) {}
 
-    /// Opens the thread's connection on the cube and offers its first and last date. A cube whose dates
-    /// cannot be read is reported; the dates are empty then.
+    /// Opens the thread's connection to the cube and offers its first and last date. Unreadable dates are
+    /// reported and left empty.
     void Fill(const ModSetCube::OpenedCube& cube);
     void Clear();
     void Enable(bool isEnabled);
 
-    /// What is wrong with the dates as they stand: no dates, in the wrong order, or outside the cube; none
-    /// when they are good.
+    /// What is wrong with the dates: invalid, in the wrong order, or outside the cube; nullopt when they are
+    /// valid.
     std::optional<std::string> Fault() const;
-    /// Tells at once of a text that was left and is no date, or ends a range that cannot be.
+    /// Shows a message when the text that was left is not a date, or ends an invalid range.
     void OnLeave(std::string_view control) const;
 
-    /// The dates as they stand; a text that is none leaves the selection's own date.
+    /// Copies the dates into the selection, except invalid ones.
     void Read(Selection& selection) const;
     void Restore(const Selection& selection);
 
 private:
-    /// None for a text that is no date.
+    /// Nullopt for a text that is not a date.
     std::optional<AutomationDate> DateIn(std::string_view control) const;
     std::string NoDateText(std::string_view control) const;
     void Show(AutomationDate from, AutomationDate to);

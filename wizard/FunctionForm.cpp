@@ -7,8 +7,8 @@ namespace {
 using namespace FunctionForm;
 using enum ControlKind;
 
-// The file and the cube stand on top, OBS on the left, accounts, activities and dates on the right, the other
-// dimensions in two columns below them, the value and the buttons at the bottom.
+// File and cube are at the top; OBS on the left; accounts, activities and dates on the right; the other
+// dimensions in two columns below; value and buttons at the bottom.
 constexpr ControlDesign controls[] = {
     {.name = txtCubeFile, .kind = TextBox, .place = {8, 8, 336, 12}},
     {.name = CmdCubeFile, .kind = Button, .place = {348, 7, 74, 14}, .tag = 1473, .mnemonic = "Sב"},

@@ -20,8 +20,9 @@ inline constexpr const char* ComLevelObs = "ComLevelObs"; ///< which level of [O
 inline constexpr const char* ComOBSData = "ComOBSData";   ///< the members to choose from
 inline constexpr const char* ComAddOBS = "ComAddOBS";
 inline constexpr const char* ComRemoveObs = "ComRemoveObs";
-inline constexpr const char* ListObs = "ListObs";       ///< the members chosen
-inline constexpr const char* LabelFirst = "LabelFirst"; ///< says of several that the first one counts
+inline constexpr const char* ListObs = "ListObs"; ///< the members chosen
+inline constexpr const char* LabelFirst =
+    "LabelFirst"; ///< says that only the first of several members counts
 inline constexpr const char* ComAccX = "ComAccX";
 inline constexpr const char* ComMember = "ComMember";
 inline constexpr const char* CheckAcc = "CheckAcc";

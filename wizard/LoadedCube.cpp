@@ -42,11 +42,10 @@ std::unique_ptr<Hierarchy> LoadedCube::HierarchyNamed(const std::string& dimensi
 std::shared_ptr<const LoadedCube> OpenWizardCube(const WizardContext& context,
                                                  const ModSetCube::OpenedCube& name) {
     try {
-        const auto connection = context.dataAccess.CreateConnection();
-        connection->Open(ModSetCube::ComposeConnectionText(name.cubeFile, name.cubeName), "", "",
-                         optionsUnspecified);
-        auto catalog = context.dataAccess.CreateCatalog();
-        catalog->SetActiveConnection(connection);
+        const auto own =
+            context.providers.Connect(ModSetCube::ComposeConnectionText(name.cubeFile, name.cubeName));
+        auto catalog = own.provider.CreateCatalog();
+        catalog->SetActiveConnection(own.connection);
         auto cube = catalog->CubeAt(0);
         return std::make_shared<const LoadedCube>(LoadedCube{name, std::move(cube), std::move(catalog)});
     } catch (...) {
@@ -62,7 +61,7 @@ std::string InFormula(const std::string& text) { return ReplaceAll(text, "\"", "
 std::vector<MemberRow> ListRows(const WizardContext& context, const std::string& cubeFile,
                                 const ModSetCube::MemberListing& listing) {
     constexpr std::int32_t rowsAxis = 1;
-    const auto cellset = ModSetCube::ListMembersCellset(context.dataAccess, cubeFile, listing);
+    const auto cellset = ModSetCube::ListMembersCellset(context.providers, cubeFile, listing);
     std::vector<MemberRow> rows;
     const std::int32_t positions = cellset->PositionCount(rowsAxis);
     rows.reserve(static_cast<std::size_t>(positions));

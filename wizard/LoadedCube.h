@@ -12,25 +12,25 @@ struct LoadedCube {
     std::unique_ptr<CubeDef> definition;
     std::unique_ptr<Catalog> catalog = nullptr; ///< keeps the definition alive
 
-    /// The first hierarchy of a dimension; none when the cube lacks the dimension.
+    /// The first hierarchy of a dimension; null when the cube lacks it.
     std::unique_ptr<Hierarchy> FirstHierarchy(const std::string& dimension) const;
-    /// A hierarchy by its name, any letter case; none when the cube lacks it.
+    /// A hierarchy by name, letter case ignored; null when the cube lacks it.
     std::unique_ptr<Hierarchy> HierarchyNamed(const std::string& dimension,
                                               const std::string& hierarchy) const;
 };
 
-/// Opens a catalog on a connection of its own. A failure is reported; the result is none then.
-std::shared_ptr<const LoadedCube> OpenWizardCube(const WizardContext& context,
-                                                 const ModSetCube::OpenedCube& name);
+/// Opens a catalog on a new connection. A failure is reported and returns null.
+[[nodiscard]] std::shared_ptr<const LoadedCube> OpenWizardCube(const WizardContext& context,
+                                                               const ModSetCube::OpenedCube& name);
 
-/// Between the square brackets of a statement, where keys go as they are given.
+/// Escapes a key for the square brackets of a statement.
 std::string InBrackets(const std::string& key);
 
-/// Between the double quotes of a formula.
+/// Escapes a text for the double quotes of a formula.
 std::string InFormula(const std::string& text);
 
-/// The rows of a listing: the key of a position's first member, and the caption of its last one. Positions
-/// whose first caption is empty are left out. Raises what the provider raises.
+/// The rows of a listing: the key of a position's first member and the caption of its last one. Positions
+/// with an empty first caption are skipped. Raises what the provider raises.
 std::vector<MemberRow> ListRows(const WizardContext& context, const std::string& cubeFile,
                                 const ModSetCube::MemberListing& listing);
 

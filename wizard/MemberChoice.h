@@ -9,17 +9,17 @@
 
 namespace qel {
 
-/// What a selection that restricts nothing is called in formulas.
+/// The value of a selection without restriction in formulas.
 inline constexpr const char* allMembers = "All";
 
-/// Something to choose: the key that goes into a formula, and what people see.
+/// A choice: the key for the formula, and the text shown.
 struct MemberChoice {
     std::string key, text;
 
     bool operator==(const MemberChoice&) const = default;
 };
 
-/// "4000 - Sales", or the key alone when it is the caption as well.
+/// "4000 - Sales", or only the key when it equals the caption.
 std::string CaptionWithKey(const std::string& key, const std::string& caption);
 
 MemberChoice ChoiceOf(const Member& member);
@@ -32,14 +32,14 @@ class ChoiceBox {
 public:
     ChoiceBox(Dialog& dialog, const char* control) : dialog_(dialog), control_(control) {}
 
-    /// Replaces the choices; the first of them is chosen.
+    /// Replaces the choices and selects the first.
     void Fill(std::vector<MemberChoice> choices);
     void Clear() { Fill({}); }
     const std::vector<MemberChoice>& Choices() const { return choices_; }
-    /// The chosen key; none when nothing is chosen.
+    /// The chosen key, or nullopt.
     std::optional<std::string> Key() const;
     std::optional<MemberChoice> Chosen() const;
-    /// False, with the choice as it was, when there is no such key.
+    /// Returns false and keeps the choice when there is no such key.
     bool Choose(const std::string& key);
     void Enable(bool isEnabled) { dialog_.SetEnabled(control_, isEnabled); }
     bool Is(std::string_view control) const { return control == control_; }

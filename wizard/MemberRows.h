@@ -11,10 +11,10 @@ struct MemberRow {
     std::string code, name;
 };
 
-/// The rows of a searchable list: codes and names, read when they are first needed.
+/// The rows of a searchable list, codes and names, read on first use.
 class MemberRows : public ListSource {
 public:
-    /// `load` raises nothing: what fails it reports itself, and the list is empty.
+    /// `load` must not raise: it reports a failure itself and returns no rows.
     using Loader = std::function<std::vector<MemberRow>()>;
     explicit MemberRows(Loader load) : load_(std::move(load)) {}
 
@@ -48,7 +48,7 @@ public:
     void Bind(MemberRows::Loader load);
     void Clear();
     std::optional<MemberRow> Chosen() const;
-    /// False, with nothing chosen, when no row has that code.
+    /// Returns false and clears the choice when no row has that code.
     bool Choose(const std::string& code);
     void Enable(bool isEnabled) { dialog_.SetEnabled(control_, isEnabled); }
 

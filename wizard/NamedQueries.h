@@ -12,9 +12,9 @@ namespace qel {
 struct NamedQuery {
     std::string cubeFile, cubeName;
     std::string dimType;    ///< "SuperSum1", ...
-    std::string levelNum;   ///< its place among the levels of summary groups, from 1
+    std::string levelNum;   ///< its number among the levels of summary groups, from 1
     std::string dataMember; ///< the member's key
-    std::string firma, obs; ///< what the list of members was restricted to
+    std::string firma, obs; ///< the restriction of the list of members
 
     bool operator==(const NamedQuery&) const = default;
 };
@@ -23,15 +23,15 @@ struct NamedQuery {
 TableRow RowOf(const NamedQuery& query);
 NamedQuery NamedQueryOf(const TableRow& row, const Locale& locale);
 
-/// The queries that are kept, the one used last at the end.
+/// The saved queries; the last used one is at the end.
 class NamedQueries {
 public:
     explicit NamedQueries(const WizardContext& context) : context_(context) {}
 
     const std::vector<NamedQuery>& All() const { return queries_; }
-    /// Reads them; a local database that is missing is made. Raises what the database raises.
+    /// Reads the queries. A missing local database is created. Raises what the database raises.
     void Load();
-    /// Each of these writes them. Raises what the database raises; the change is then not kept.
+    /// Both save the queries. On failure they raise what the database raises, and the change is lost.
     void Use(const NamedQuery& query);
     void Remove(std::size_t index);
 

@@ -15,12 +15,10 @@ using namespace FunctionForm;
 
 constexpr std::int32_t nameLevel = 1, numberLevel = 2; // below the level of All
 constexpr const char* obsLevels = "OBS";
-constexpr std::string_view listedLevelPrefix = "level"; // listings know the levels of [OBS] by it
-/// A spreadsheet counts an array's elements from 1, and the value function takes none above 5.
+constexpr std::string_view listedLevelPrefix = "level"; // listings recognise the levels of [OBS] by it
+/// A spreadsheet's arrays start at 1, and the value function takes no element above 5.
 constexpr std::size_t mostMembers = 5;
 constexpr std::int32_t obsLabel = 1486, levelLabel = 1487, dataLabel = 1488;
-
-std::string NoMember() { return std::string(1, '\0'); }
 
 } // namespace
 
@@ -101,10 +99,10 @@ void ObsSelector::FillLevels() {
     std::vector<MemberChoice> choices;
     const auto hierarchy = cube_->FirstHierarchy("OBS");
     if (hierarchy && numbers_.Key()) {
-        // Levels above the first that has data under this number are of other structures.
+        // Levels above the first one with data under this number belong to other structures.
         const std::int32_t count = hierarchy->LevelCount();
         const std::int32_t filled =
-            ModSetCube::CountObsLevels(context_.dataAccess, cube_->name.cubeName, cube_->name.cubeFile,
+            ModSetCube::CountObsLevels(context_.providers, cube_->name.cubeName, cube_->name.cubeFile,
                                        InBrackets(Name()), InBrackets(Number()));
         for (std::int32_t i = std::max(1, count - filled); i < count; ++i) {
             const auto level = hierarchy->LevelAt(i);
@@ -134,12 +132,13 @@ void ObsSelector::FillMembers() {
         return members_.Clear();
     }
     const auto before = members_.Key();
-    members_.Fill(ListChoices(context_, cube_->name.cubeFile,
-                              {.cubeName = cube_->name.cubeName,
-                               .kind = ModSetCube::CellsetKind::ObsOrCostCenters,
-                               .argumentA = InBrackets(Name()),
-                               .argumentB = InBrackets(level),
-                               .obsSubMember = numbers_.Key() ? InBrackets(Number()) : NoMember()}));
+    members_.Fill(ListChoices(
+        context_, cube_->name.cubeFile,
+        {cube_->name.cubeName,
+         ModSetCube::ObsListing{.obsNumber = InBrackets(Name()),
+                                .obsLevel = InBrackets(level),
+                                .obsSubMember =
+                                    numbers_.Key() ? std::optional(InBrackets(Number())) : std::nullopt}}));
     if (before) {
         members_.Choose(*before);
     }
@@ -194,7 +193,7 @@ void ObsSelector::Read(Selection& selection) const {
     for (const MemberChoice& member : chosen_.Choices()) {
         selection.obsMembers.push_back(member.key);
     }
-    // Whoever wants one member sees it in the combo box and need not add it.
+    // A single member need not be added: the one shown in the combo box counts.
     if (selection.obsMembers.empty() && members_.Key()) {
         selection.obsMembers.push_back(*members_.Key());
     }

@@ -13,23 +13,22 @@ public:
     /// Fills every list from the cube. Raises what the provider raises.
     void Fill(std::shared_ptr<const LoadedCube> cube);
     void Clear();
-    /// Enables or disables all of it; what the chosen level does not use stays disabled.
+    /// Enables or disables all its controls. Those that the chosen level does not use stay disabled.
     void Enable(bool isEnabled);
 
-    /// Takes another choice of one of its combo boxes. Raises what the provider raises.
+    /// Handles a change of one of its combo boxes. Raises what the provider raises.
     void OnChange(std::string_view control);
-    /// True when the name or the number is chosen there, which other lists depend on.
+    /// True for the controls of name and number, on which other lists depend.
     bool IsScope(std::string_view control) const { return names_.Is(control) || numbers_.Is(control); }
-    /// Puts the member that is shown into the list of chosen ones.
+    /// Adds the shown member to the list of chosen members.
     void AddMember();
     void RemoveMember();
 
-    /// The chosen name and number; empty for none.
+    /// The chosen name and number; empty when nothing is chosen.
     std::string Name() const { return names_.Key().value_or(""); }
     std::string Number() const { return numbers_.Key().value_or(""); }
     void Read(Selection& selection) const;
-    /// Chooses what was saved; names in `dropped` what the cube does not have. Raises what the provider
-    /// raises.
+    /// Restores a saved choice; adds what the cube lacks to `dropped`. Raises what the provider raises.
     void Restore(const Selection& selection, std::vector<std::string>& dropped);
 
 private:

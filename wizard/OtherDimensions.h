@@ -5,12 +5,12 @@
 
 namespace qel {
 
-/// The choices that are one member of a dimension, or all of it: money set, firm, Plbs, RH, opening balance.
+/// The choices of one member or all of a dimension: money set, firm, Plbs, RH, opening balance.
 class OtherDimensions {
 public:
     OtherDimensions(const WizardContext& context, Dialog& dialog);
 
-    /// A dimension that the cube lacks offers All alone. Raises what the provider raises.
+    /// A dimension that the cube lacks offers only All. Raises what the provider raises.
     void Fill(const LoadedCube& cube);
     void Clear();
     void Enable(bool isEnabled);
@@ -20,7 +20,7 @@ public:
 
 private:
     const WizardContext& context_;
-    std::vector<ChoiceBox> boxes_; ///< one a line of the table in the source
+    std::vector<ChoiceBox> boxes_; ///< one per line of the table in the source file
 };
 
 /// The choice of the measure.

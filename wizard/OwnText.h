@@ -6,7 +6,7 @@
 
 namespace qel {
 
-/// Numbers of the dialogs' own texts in the component's strings; the suite's table has none of them.
+/// Numbers of the dialogs' own texts among the component's strings; the suite's table lacks them.
 namespace OwnTextNumber {
 inline constexpr std::int32_t Everything = 1508;
 inline constexpr std::int32_t CostCenters = 1509;
@@ -29,10 +29,10 @@ std::string OwnText(const WizardContext& context, std::int32_t number);
 /// A warning with the component's name as its title.
 void Warn(const WizardContext& context, const std::string& text);
 
-/// Gives the controls of a design that have own texts their captions.
+/// Sets the captions of the design's controls that have own texts.
 void ShowOwnTexts(const WizardContext& context, const FormDesign& design, Dialog& dialog);
 
-/// "Firma: 12", for the message of dropped choices: the text of a label's number, and the key.
+/// "Firma: 12", for the message about dropped choices: a label's text and a key.
 std::string DroppedChoice(const WizardContext& context, std::int32_t label, const std::string& key);
 
 /// "OrmFuncQel4 17.0.0".

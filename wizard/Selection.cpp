@@ -9,38 +9,44 @@ namespace qel {
 
 namespace {
 
-constexpr char memberSeparator = '\t'; // no member's name has one
+constexpr char memberSeparator = '\t'; // never part of a member's name
 
-Variant KeyArgument(const std::string& key) { return InFormula(InBrackets(key)); }
+Variant OneKey(const std::string& key) { return Variant::List({key.empty() ? Variant() : Variant(key)}); }
 
-Variant OneKey(const std::string& key) {
-    if (key.empty()) {
-        return Variant::List({Variant()});
-    }
-    const std::string name = InBrackets(key);
-    // The formula writer puts no-break spaces for the quotes of a lone key, and the value function puts
-    // quotes back for OBS members alone. Statements use the first key of a list, so a second one keeps the
-    // quotes.
-    if (key.find('"') != std::string::npos) {
-        return Variant::List({InFormula(name), ""});
-    }
-    return Variant::List({name});
-}
-
-/// A member of [OBS] is found by its name as it is; a cost centre's goes into the statement.
+/// A member of [OBS] is looked up by its exact name; a cost centre's name becomes part of the statement.
 Variant ObsMembers(const Selection& selection) {
-    const auto& members = selection.obsMembers;
     std::vector<Variant> keys;
-    keys.reserve(members.size());
-    for (const std::string& member : members) {
-        std::string key = selection.obsLevel == costCentersLevel ? InBrackets(member) : member;
-        // The formula writer does this for one key alone, the value function undoes it for all.
-        if (members.size() > 1) {
-            key = ReplaceAll(key, "\"", "\xC2\xA0");
-        }
-        keys.emplace_back(std::move(key));
+    keys.reserve(selection.obsMembers.size());
+    for (const std::string& member : selection.obsMembers) {
+        keys.emplace_back(selection.obsLevel == costCentersLevel ? InBrackets(member) : member);
     }
     return Variant::List(keys.empty() ? std::vector<Variant>(1) : std::move(keys));
+}
+
+const std::vector<Variant>& KeysOf(const Variant& list) {
+    return list.As<std::shared_ptr<const VariantArray>>()->elements;
+}
+
+/// The formula writer puts no-break spaces for the quotes of a lone key, and the value function puts quotes
+/// back for OBS members alone. Statements use the first key of a list, so a second one keeps the quotes.
+Variant OneKeyInFormula(const Variant& list) {
+    const Variant& key = KeysOf(list).front();
+    if (!key.Is<std::string>() || key.As<std::string>().find('"') == std::string::npos) {
+        return list;
+    }
+    return Variant::List({InFormula(key.As<std::string>()), ""});
+}
+
+/// The formula writer carries the quotes of one key, the value function restores those of all.
+Variant ObsMembersInFormula(const Variant& list) {
+    std::vector<Variant> keys = KeysOf(list);
+    if (keys.size() == 1) {
+        return list;
+    }
+    for (Variant& key : keys) {
+        key = ReplaceAll(key.As<std::string>(), "\"", "\xC2\xA0");
+    }
+    return Variant::List(std::move(keys));
 }
 
 std::string JoinMembers(const std::vector<std::string>& members) {
@@ -65,25 +71,46 @@ Variant TextOrNull(const std::string& text) { return text.empty() ? Variant(Null
 
 } // namespace
 
-FormulaArgs ArgumentsOf(const Selection& selection, const Locale& locale) {
-    return {InFormula(selection.cubeFile),
-            InFormula(selection.cubeName),
-            OneKey(selection.obsName),
-            OneKey(selection.obsNumber),
-            OneKey(selection.obsLevel),
-            ObsMembers(selection),
-            OneKey(selection.activity),
-            KeyArgument(selection.summaryLevel),
-            KeyArgument(selection.summaryMember),
-            KeyArgument(selection.account),
-            KeyArgument(selection.measure),
-            KeyArgument(selection.moneySet),
-            KeyArgument(selection.plbs),
-            KeyArgument(selection.rh),
-            KeyArgument(selection.firma),
-            KeyArgument(selection.openingBalance),
-            FormatShortDate(selection.from, locale),
-            FormatShortDate(selection.to, locale)};
+ValueCall CallOf(const Selection& selection) {
+    return {.cubeFile = selection.cubeFile,
+            .CubeName = selection.cubeName,
+            .ObsName = OneKey(InBrackets(selection.obsName)),
+            .ObsNum = OneKey(InBrackets(selection.obsNumber)),
+            .ObsLevel = OneKey(selection.obsLevel), // found by its name as it is
+            .ObsMember = ObsMembers(selection),
+            .ActivityList = OneKey(InBrackets(selection.activity)),
+            .Summary_Group = InBrackets(selection.summaryLevel),
+            .Seif_level = InBrackets(selection.summaryMember),
+            .Accounts = InBrackets(selection.account),
+            .Measure = InBrackets(selection.measure),
+            .MoneySet = InBrackets(selection.moneySet),
+            .Plbs = InBrackets(selection.plbs),
+            .RH = InBrackets(selection.rh),
+            .Firma = InBrackets(selection.firma),
+            .Opening_Balance = InBrackets(selection.openingBalance),
+            .From_Date = selection.from,
+            .To_Date = selection.to};
+}
+
+FormulaArgs ArgumentsOf(const ValueCall& call, const Locale& locale) {
+    return {InFormula(call.cubeFile),
+            InFormula(call.CubeName),
+            OneKeyInFormula(call.ObsName),
+            OneKeyInFormula(call.ObsNum),
+            OneKeyInFormula(call.ObsLevel),
+            ObsMembersInFormula(call.ObsMember),
+            OneKeyInFormula(call.ActivityList),
+            InFormula(call.Summary_Group),
+            InFormula(call.Seif_level),
+            InFormula(call.Accounts),
+            InFormula(call.Measure),
+            InFormula(call.MoneySet),
+            InFormula(call.Plbs),
+            InFormula(call.RH),
+            InFormula(call.Firma),
+            InFormula(call.Opening_Balance),
+            FormatShortDate(call.From_Date, locale),
+            FormatShortDate(call.To_Date, locale)};
 }
 
 TableRow RowOf(const Selection& selection) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cube/ValueCall.h"
 #include "platform/database/DatabaseConnection.h"
 #include "wizard/FormulaArgs.h"
 #include "wizard/MemberChoice.h"
@@ -9,10 +10,10 @@
 
 namespace qel {
 
-/// What a person chose in the function wizard: keys as the cube names its members.
+/// The choices in the function wizard, as the cube's member keys.
 struct Selection {
     std::string cubeFile, cubeName;
-    std::string obsName, obsNumber; ///< empty for none
+    std::string obsName, obsNumber; ///< may be empty
     std::string obsLevel = allMembers;
     std::vector<std::string> obsMembers;
     std::string activity = allMembers;
@@ -29,11 +30,14 @@ struct Selection {
 /// The OBS level of cost centres.
 inline constexpr const char* costCentersLevel = "Cost_Centers";
 
-/// The arguments of the value formula, ready for a statement and for a formula's text.
-FormulaArgs ArgumentsOf(const Selection& selection, const Locale& locale);
+/// The value call of a selection: keys as statements have them. A key that was not chosen is an Empty one.
+ValueCall CallOf(const Selection& selection);
 
-/// The selection as a row of the table DataTbl, and back. A field without a value is an empty text or the
-/// zero date. Raises 9 for a row of too few columns.
+/// The call's arguments as a formula's text has them.
+FormulaArgs ArgumentsOf(const ValueCall& call, const Locale& locale);
+
+/// Converts a selection to a row of the table DataTbl, and back. A Null field is an empty text or the zero
+/// date. Raises 9 for a row with too few columns.
 TableRow RowOf(const Selection& selection);
 Selection SelectionOf(const TableRow& row, const Locale& locale);
 

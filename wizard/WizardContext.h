@@ -2,11 +2,12 @@
 
 #include "cube/ThreadState.h"
 #include "lang/ModLangFrm.h"
+#include "platform/data/Providers.h"
 #include "platform/dialog/DialogToolkit.h"
 
 namespace qel {
 
-/// What a door adds for the dialogs; it outlives every object of the component.
+/// The dialogs' services, provided by a door. It outlives every object of the component.
 struct WizardServices {
     DialogToolkit& toolkit;
     ModLangFrm::LanguageState& language; ///< with the store's settings, local database and message boxes
@@ -15,7 +16,7 @@ struct WizardServices {
 /// What a dialog works with.
 struct WizardContext {
     ModSetCube::ThreadState& thread;
-    DataAccess& dataAccess;
+    Providers providers;
     const Locale& locale;
     DialogToolkit& toolkit;
     ModLangFrm::LanguageState& language;

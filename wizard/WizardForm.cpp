@@ -26,7 +26,7 @@ std::unique_ptr<Dialog> NewDialog(const WizardContext& context, const FormDesign
     FindSuiteFolder(store);
     const auto& language = context.language;
     ModLangFrm::InitLanguage(context.language);
-    // The component's own strings alone do not turn the dialog round: only the suite's table does.
+    // The dialog is mirrored only with the suite's table, not with the component's own strings.
     const bool isRightToLeft = context.IsHebrew() && !language.resourceOnly && language.table.has_value();
     auto dialog = context.toolkit.NewDialog(design, isRightToLeft, events);
     const std::string helpFile = store.componentFolder + "/" + helpFileName;

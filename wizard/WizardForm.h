@@ -6,18 +6,17 @@
 
 namespace qel {
 
-/// What both wizards have in common: a dialog in the suite's language that is shown once, and read after it
-/// was hidden.
+/// Base of both wizards: a dialog in the suite's language that is shown once and read after it is hidden.
 class WizardForm : protected DialogEvents {
 public:
     ~WizardForm() override = default;
     WizardForm(const WizardForm&) = delete;
     WizardForm& operator=(const WizardForm&) = delete;
 
-    /// Shows the dialog and returns when it was hidden. What fails in it is reported and leaves it open.
+    /// Shows the dialog and returns when it is hidden. Failures inside it are reported and leave it open.
     void Show() { dialog_->ShowModal(); }
 
-    bool CanceledPivot = false; ///< Cancel or the close box ended it
+    bool CanceledPivot = false; ///< closed by Cancel or the close box
 
 protected:
     /// Reads the settings and makes the dialog. Raises what the toolkit raises.
@@ -26,16 +25,17 @@ protected:
     void OnQueryUnload() override { CanceledPivot = true; }
     void Cancel();
 
-    /// Runs an operation. False when it raised, which is reported under these names; none for the form's own.
+    /// Runs an operation. A failure is reported under these names (by default the form's own) and returns
+    /// false.
     bool Trapped(const std::string& function, const std::function<void()>& operation,
                  const char* module = nullptr) noexcept;
 
-    /// The name under which a control's handler reports itself: "TxtDate_LostFocus" of "TxtDate(0)".
+    /// The name of a control's handler in reports: "TxtDate_LostFocus" for "TxtDate(0)".
     static std::string HandlerName(std::string_view control, const char* event);
-    /// The same for another choice or an edited text: "ComLevel_Click", "TxtDate_Change".
+    /// The same for a changed choice or text: "ComLevel_Click", "TxtDate_Change".
     std::string ChangeHandlerName(std::string_view control) const;
 
-    /// Shows the text of a number of the suite's table as a warning.
+    /// Shows a text of the suite's table, by its number, as a warning.
     void WarnNumbered(std::int32_t number) const;
 
     const WizardContext& Context() const { return context_; }

@@ -12,7 +12,7 @@ bool HasWizardDatabase(const WizardContext& context) {
 }
 
 void PrepareWizardDatabase(const WizardContext& context) {
-    // Made anew where there is one it would tell that it exists.
+    // Creating it again would report that it exists.
     if (!HasWizardDatabase(context)) {
         CreateLocalDb(context.Store());
     }

@@ -70,7 +70,7 @@ void frmFuncQelWiz::Command1_Click() {
 
 void frmFuncQelWiz::TakeChoice(std::string_view control) {
     if (control == txtCubeFile) {
-        return; // a path is taken when it is whole
+        return; // a path is used once it is complete
     }
     ForgetResult();
     if (control == cboDatabaseList) {

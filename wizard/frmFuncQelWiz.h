@@ -10,14 +10,14 @@
 
 namespace qel {
 
-/// The function wizard: the dialog in which a person chooses a cube and every argument of a value formula.
-/// Made and shown by the formula writer, which reads the public members afterwards.
+/// The function wizard: the dialog for a cube and all arguments of a value formula. The formula writer
+/// creates and shows it, and reads the public members afterwards.
 class frmFuncQelWiz : public WizardForm {
 public:
     explicit frmFuncQelWiz(const WizardContext& context);
 
-    Variant QelResult = Null{}; ///< what was calculated for the choice as it stands; Null for none
-    bool bDetail = false;       ///< a table of the arguments is wanted, not a formula
+    Variant QelResult = Null{}; ///< the calculated value of the current choice, or Null
+    bool bDetail = false;       ///< write a table of the arguments instead of a formula
     qel::FormulaArgs FormulaArgs;
 
 private:
@@ -40,25 +40,25 @@ private:
     void LoadRemembered(const std::string& cubeFile);
     /// Loads another cube file. Raises what the provider raises.
     void TakeCubeFile(const std::string& cubeFile);
-    /// Gives a file up, and falls back to the remembered one.
+    /// Abandons a file and falls back to the remembered one.
     void RejectCubeFile();
     /// Another cube of the file was chosen.
     void TakeOtherCube();
-    /// Opens the chosen cube and fills the list of measures. None when that failed, which is reported.
+    /// Opens the chosen cube and fills the list of measures. A failure is reported and returns null.
     std::shared_ptr<const LoadedCube> SetMeasures();
-    /// False when the accounts failed. Whatever fails is reported.
+    /// Reports failures. Returns false when the accounts failed.
     bool FillDimensions(const std::shared_ptr<const LoadedCube>& cube);
     void BindLists();
     void ClearLists();
     void RestoreLastSelection();
     void Restore(const Selection& selection);
 
-    // frmFuncQelWizHandBack.cpp: from what was chosen to the arguments.
+    // frmFuncQelWizHandBack.cpp: from the choices to the arguments.
 
     void CheckAndHandBack(bool detail);
     void GoToSheet(bool detail);
     Selection Read() const;
-    /// What keeps the choice from being a formula; none when it is whole.
+    /// What is missing for a formula; nullopt when the choice is complete.
     std::optional<std::string> Fault() const;
     void ForgetResult();
 
@@ -73,7 +73,7 @@ private:
     DateSelector dates_;
     OtherDimensions others_;
     std::shared_ptr<Connection> connection_; ///< the dialog's own, on the cube file
-    std::shared_ptr<const LoadedCube> cube_; ///< none until all lists are filled from it
+    std::shared_ptr<const LoadedCube> cube_; ///< null until all lists are filled from it
     std::string takenFile_;                  ///< the path that was tried last
     ModSetCube::OpenedCube opened_;          ///< by the calculation, on the thread's connection
 };

@@ -34,7 +34,7 @@ void frmFuncQelWiz::LoadCube() {
 void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
     Form().SetText(txtCubeFile, cubeFile);
     takenFile_ = cubeFile;
-    connection_ = OpenCubeFile(Context().dataAccess, cubeFile);
+    connection_ = OpenCubeFile(Context().providers, cubeFile);
     if (!SetCube(Context(), cubes_, connection_.get())) {
         Form().SetText(txtCubeFile, "");
         return;
@@ -46,7 +46,7 @@ void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
     }
     cube_ = cube;
     BindLists();
-    // Without its database the dialog serves all the same.
+    // The dialog works without its database.
     Trapped("LoadCube", [this] { RestoreLastSelection(); });
     EnableButtons(true);
 }
@@ -62,7 +62,7 @@ void frmFuncQelWiz::TakeCubeFile(const std::string& cubeFile) {
     Form().SetText(txtCubeFile, cubeFile);
     takenFile_ = cubeFile;
     ClearLists(); // a file that cannot be opened leaves nothing of the one before
-    connection_ = OpenCubeFile(Context().dataAccess, cubeFile);
+    connection_ = OpenCubeFile(Context().providers, cubeFile);
     if (!SetCube(Context(), cubes_, connection_.get())) {
         return RejectCubeFile();
     }

@@ -14,8 +14,8 @@ void frmFuncQelWiz::CheckAndHandBack(bool detail) {
     if (const auto fault = CubeFileFault(cubeFile)) {
         return WarnNumbered(*fault);
     }
-    // Enter may press the button while a path is still being typed: the person sees first what is in the
-    // file.
+    // Enter may press the button while a path is being typed: load the file first, so that the person sees
+    // its content.
     if (cubeFile != takenFile_) {
         return TakeCubeFile(cubeFile);
     }
@@ -30,9 +30,9 @@ void frmFuncQelWiz::GoToSheet(bool detail) {
         return Warn(Context(), *fault);
     }
     const Selection selection = Read();
-    FormulaArgs = ArgumentsOf(selection, Context().locale);
+    FormulaArgs = ArgumentsOf(CallOf(selection), Context().locale);
     bDetail = detail;
-    // The formula does not need what is kept for the next time.
+    // The formula does not depend on saving the selection.
     Trapped("GoToSheet", [&] {
         RememberCubeFile(Context(), selection.cubeFile);
         PrepareWizardDatabase(Context());

@@ -19,9 +19,9 @@ using namespace NameForm;
 
 namespace {
 
-/// Under this form's name two of the handlers below report themselves; the suite's support knows them so.
+/// Two handlers below report themselves under this form's name, which the suite's support expects.
 constexpr const char* reportedForm = "frmFuncQelWiz";
-constexpr const char* dimTypePart = "SuperSum"; // only these have names to look up
+constexpr const char* dimTypePart = "SuperSum"; // only these dimension types have names
 
 std::vector<MemberChoice> AllAnd(const WizardContext& context, const Hierarchy* hierarchy) {
     std::vector<MemberChoice> choices = {{allMembers, OwnText(context, OwnTextNumber::Everything)}};
@@ -124,7 +124,7 @@ bool frmNameWizz::LoadCubeFile(const std::string& cubeFile, const std::string& c
             Form().SetText(txtCubeFile, cubeFile);
             takenFile_ = cubeFile;
             ClearLists();
-            const auto connection = OpenCubeFile(Context().dataAccess, cubeFile);
+            const auto connection = OpenCubeFile(Context().providers, cubeFile);
             if (!SetCube(Context(), cubes_, connection.get())) {
                 Form().SetText(txtCubeFile, "");
                 return;
@@ -162,25 +162,25 @@ void frmNameWizz::SetMember() {
     });
 }
 
-/// Codes and names of a level's groups, of which those are left that have data for the firm and the OBS.
+/// Codes and names of a level's groups that have data for the firm and the OBS.
 std::vector<MemberRow> frmNameWizz::ListMembers() const {
     using namespace ModSetCube;
     if (!cube_ || !dimTypes_.Key()) {
         return {};
     }
     auto rows = ListRows(Context(), cube_->name.cubeFile,
-                         {.cubeName = cube_->name.cubeName,
-                          .kind = CellsetKind::SummaryGroups,
-                          .summaryLevel = *dimTypes_.Key()});
-    const auto withData = Context().dataAccess.CreateRecordset();
+                         {cube_->name.cubeName, SummaryGroupsListing{.summaryLevel = *dimTypes_.Key()}});
+    const auto withData =
+        Context()
+            .providers.For(ComposeConnectionText(cube_->name.cubeFile, cube_->name.cubeName))
+            .CreateRecordset();
     ThreadState own; // the thread's connection stays with the worksheet's cube
     OpenedCube ownCube;
-    OpenMemberRecordset(own, Context().dataAccess, ownCube, *withData, cube_->name.cubeFile,
-                        {.cubeName = cube_->name.cubeName,
-                         .kind = RecordsetKind::SummaryGroups,
-                         .argumentA = InBrackets(firmas_.Key().value_or(allMembers)),
-                         .argumentB = InBrackets(obs_.Key().value_or("")),
-                         .summaryLevel = *dimTypes_.Key()});
+    OpenMemberRecordset(own, Context().providers, ownCube, *withData, cube_->name.cubeFile,
+                        {cube_->name.cubeName,
+                         SummaryGroupsOfObsListing{.summaryLevel = *dimTypes_.Key(),
+                                                   .firma = InBrackets(firmas_.Key().value_or(allMembers)),
+                                                   .obsNumber = InBrackets(obs_.Key().value_or(""))}});
     std::set<std::string> names;
     for (const std::int32_t nameField = withData->FieldCount() - 2; !withData->AtEnd();
          withData->MoveNext()) {
@@ -217,9 +217,9 @@ void frmNameWizz::ShowName() {
     if (!member || !cube_) {
         return;
     }
-    OpenOrReuse(Context().thread, Context().dataAccess, opened_, cube_->name);
+    OpenOrReuse(Context().thread, Context().providers, opened_, cube_->name);
     opened_ = cube_->name;
-    Form().SetText(TxtName, GetMemberName(Context().thread, Context().dataAccess, Context().locale,
+    Form().SetText(TxtName, GetMemberName(Context().thread, Context().providers, Context().locale,
                                           cube_->name.cubeName, dimTypes_.Key().value_or(""),
                                           InBrackets(member->code)));
 }

@@ -6,9 +6,8 @@
 
 namespace qel {
 
-/// The name wizard: the dialog in which a person chooses a member whose name a sheet is to show. It keeps
-/// what was chosen as named queries. Made and shown by the formula writer, which reads the public members
-/// afterwards.
+/// The name wizard: the dialog for a member whose name a sheet shows. It saves the choices as named queries.
+/// The formula writer creates and shows it, and reads the public members afterwards.
 class frmNameWizz : public WizardForm {
 public:
     explicit frmNameWizz(const WizardContext& context);
@@ -24,11 +23,11 @@ private:
 
     void OpenDb();
     void ShowQueries();
-    /// Fills the list of cubes from a file, and the other lists from its first cube or the one that is named.
-    /// False when that failed, which is reported.
+    /// Fills the list of cubes from a file, and the other lists from its first or the named cube. A failure
+    /// is reported and returns false.
     bool LoadCubeFile(const std::string& cubeFile, const std::string& cubeName = {});
     void FillFromCube();
-    /// Binds the list of members, which is read when it is first used.
+    /// Binds the list of members, which is read on first use.
     void SetMember();
     std::vector<MemberRow> ListMembers() const;
     void TakeQuery(const NamedQuery& query);
@@ -44,7 +43,7 @@ private:
     ChoiceBox cubes_, obs_, firmas_, dimTypes_;
     MemberList members_;
     NamedQueries queries_;
-    std::shared_ptr<const LoadedCube> cube_; ///< none until all lists are filled from it
+    std::shared_ptr<const LoadedCube> cube_; ///< null until all lists are filled from it
     std::string takenFile_;                  ///< the path that was tried last
     ModSetCube::OpenedCube opened_;          ///< by the last name, on the thread's connection
 };

@@ -20,14 +20,14 @@ struct PrefixSize {
     std::uint64_t keys = 0, sums = 0;
 };
 
-/// What one aggregate has become.
+/// A computed aggregate.
 struct MadeAggregate {
     Aggregate record;
-    RowNumbers rows; ///< of an aggregate that is rows
+    RowNumbers rows; ///< of a row aggregate
     PrefixSums prefixSums;
 };
 
-/// Makes the aggregates from facts that are sorted by word and time; every step keeps that order.
+/// Computes aggregates from facts sorted by packed key and time. Every step keeps that order.
 class AggregateMaker {
 public:
     AggregateMaker(const CubeModel& model, const FactColumns& facts, const AggregateModel& layout);
@@ -48,7 +48,7 @@ private:
     const FactColumns& facts_;
     const AggregateModel& layout_;
     const CodeGroups groups_;
-    std::vector<std::size_t> summed_;  ///< measures; the others count
+    std::vector<std::size_t> summed_;  ///< the measures that are summed; the others are counts
     std::vector<AggregateCell> cells_; ///< by fact
     RowNumbers sorted_;
 };
@@ -84,20 +84,20 @@ void AggregateMaker::FindTimeBuckets(const std::vector<std::uint32_t>& times) {
     }
 }
 
-/// One counting sort for every column of the key, the least significant first.
+/// A radix sort: one stable counting sort per key column, the least significant first.
 void AggregateMaker::SortFacts() {
     sorted_.resize(facts_.rowCount);
     std::iota(sorted_.begin(), sorted_.end(), 0U);
     RowNumbers next(sorted_.size());
     const auto sortBy = [&](std::size_t column) {
         const auto& codes = facts_.keys[column];
-        std::vector<std::uint32_t> place(std::size_t{model_.keyColumns[column].codes} + 1);
+        std::vector<std::uint32_t> starts(std::size_t{model_.keyColumns[column].codes} + 1);
         for (const std::uint32_t code : codes) {
-            ++place[std::size_t{code} + 1];
+            ++starts[std::size_t{code} + 1];
         }
-        std::partial_sum(place.begin(), place.end(), place.begin());
+        std::partial_sum(starts.begin(), starts.end(), starts.begin());
         for (const std::uint32_t row : sorted_) {
-            next[place[codes[row]]++] = row;
+            next[starts[codes[row]]++] = row;
         }
         sorted_.swap(next);
     };
@@ -115,15 +115,16 @@ std::vector<MadeAggregate> AggregateMaker::Make(const AggregateLayer& layer) con
         MakeOf(layer.aggregates.front(), sorted_, made);
         return made;
     }
-    std::vector<std::size_t> place;
-    const RowNumbers rows = layer.Distribute(sorted_, facts_.keys[*layer.column], groups_, place);
+    std::vector<std::size_t> starts;
+    const RowNumbers rows = layer.Distribute(sorted_, facts_.keys[*layer.column], groups_, starts);
     for (std::size_t i = 0; i < layer.sets.size(); ++i) {
-        MakeOf(layer.aggregates[i], std::span(rows).subspan(place[i], place[i + 1] - place[i]), made);
+        MakeOf(layer.aggregates[i], std::span(rows).subspan(starts[i], starts[i + 1] - starts[i]), made);
     }
     return made;
 }
 
-/// The aggregates of one set of leading codes: of all its facts, and of those under sets of other columns.
+/// The aggregates under one set of leading codes: over all its facts, and over those under sets of a second
+/// column.
 void AggregateMaker::MakeOf(const std::vector<const ChosenAggregate*>& chosen,
                             std::span<const std::uint32_t> rows, std::vector<MadeAggregate>& made) const {
     std::vector<ChosenAggregate> inner;
@@ -137,11 +138,11 @@ void AggregateMaker::MakeOf(const std::vector<const ChosenAggregate*>& chosen,
         std::swap(inner.back().leadCodes, inner.back().secondCodes);
     }
     for (const AggregateLayer& layer : MakeAggregateLayers(inner, groups_)) {
-        std::vector<std::size_t> place;
-        const RowNumbers distributed = layer.Distribute(rows, facts_.keys[*layer.column], groups_, place);
+        std::vector<std::size_t> starts;
+        const RowNumbers distributed = layer.Distribute(rows, facts_.keys[*layer.column], groups_, starts);
         for (std::size_t i = 0; i < layer.sets.size(); ++i) {
             made.push_back(MakeOne(*layer.aggregates[i].front(),
-                                   std::span(distributed).subspan(place[i], place[i + 1] - place[i])));
+                                   std::span(distributed).subspan(starts[i], starts[i + 1] - starts[i])));
         }
     }
 }
@@ -178,13 +179,13 @@ RowNumbers AggregateMaker::ByLastKeyColumn(std::span<const std::uint32_t> rows) 
     }
     const std::uint16_t column = layout_.packedKeyColumns.back().column;
     const auto& codes = facts_.keys[column];
-    std::vector<std::size_t> place(std::size_t{model_.keyColumns[column].codes} + 1);
+    std::vector<std::size_t> starts(std::size_t{model_.keyColumns[column].codes} + 1);
     for (const std::uint32_t row : rows) {
-        ++place[std::size_t{codes[row]} + 1];
+        ++starts[std::size_t{codes[row]} + 1];
     }
-    std::partial_sum(place.begin(), place.end(), place.begin());
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
     for (const std::uint32_t row : rows) {
-        sorted[place[codes[row]]++] = row;
+        sorted[starts[codes[row]]++] = row;
     }
     return sorted;
 }
@@ -220,7 +221,7 @@ void AggregateMaker::MakePrefixSums(std::span<const std::uint32_t> rows, PrefixS
     }
 }
 
-/// Room for all of them, so that no list is copied as it grows.
+/// Reserves the final sizes, so that no vector is copied while it grows.
 void Reserve(const std::vector<std::vector<MadeAggregate>>& made, bool hasCounts, AggregateModel& model) {
     std::size_t aggregates = 0, keys = 0, sums = 0;
     for (const std::vector<MadeAggregate>& ofLayer : made) {
@@ -235,12 +236,12 @@ void Reserve(const std::vector<std::vector<MadeAggregate>>& made, bool hasCounts
     model.bucketMasks.reserve(keys);
     model.prefixStarts.reserve(keys + 1);
     for (auto& ofMeasure : model.sums) {
-        ofMeasure.reserve(sums); // untouched memory of a measure that counts costs nothing
+        ofMeasure.reserve(sums); // for a count measure the memory is never touched
     }
     model.counts.reserve(hasCounts ? sums : 0);
 }
 
-/// Puts an aggregate behind those that are there.
+/// Appends an aggregate to the model.
 void Append(MadeAggregate& made, bool hasCounts, BuiltAggregates& built) {
     AggregateModel& model = built.model;
     if (made.record.keyCount == 0) {

@@ -9,14 +9,13 @@
 
 namespace qel::engine {
 
-/// The aggregates of a cube, and for those that are rows the numbers of their facts, one aggregate behind the
-/// other.
+/// The aggregates of a cube, and the fact numbers of each row aggregate, in the order of the row aggregates.
 struct BuiltAggregates {
     AggregateModel model;
     std::vector<std::vector<std::uint32_t>> rows;
 };
 
-/// Chooses the aggregates and sums them, on two processors. The model has its projections.
+/// Chooses the aggregates and computes them on two threads. The model must have its projections.
 BuiltAggregates BuildAggregates(const CubeModel& model, const FactColumns& facts);
 
 } // namespace qel::engine

@@ -14,13 +14,14 @@ namespace qel::engine {
 
 namespace {
 
-/// What reading costs, in nanoseconds: a row of a run, and finding a run inside the rows of a leading code.
+/// Cost of reading, in nanoseconds: per row of a run, and per binary search for a run among the rows of one
+/// leading code.
 constexpr double rowCost = 0.5, searchCost = 300;
-/// Questions that cost less than this are left to the sort orders.
+/// Queries cheaper than this get no aggregate.
 constexpr double leastCost = 2000;
-/// What aggregates may add to the file, in bytes a fact.
+/// Upper limit for the size of all aggregates, in bytes per fact.
 constexpr double budgetPerFact = 88;
-/// A record and its share of the lookup table.
+/// Bytes of an aggregate's record and its share of the lookup table.
 constexpr std::uint64_t recordBytes = 60;
 
 struct Candidate {
@@ -28,8 +29,8 @@ struct Candidate {
     double cost = 0;
 };
 
-/// How many facts each code has, added up.
-std::vector<std::uint64_t> CountUp(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
+/// Prefix counts: the number of facts below each code.
+std::vector<std::uint64_t> PrefixCounts(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
     std::vector<std::uint64_t> counts(std::size_t{codeCount} + 1);
     for (const std::uint32_t code : codes) {
         ++counts[std::size_t{code} + 1];
@@ -38,9 +39,9 @@ std::vector<std::uint64_t> CountUp(const std::vector<std::uint32_t>& codes, std:
     return counts;
 }
 
-using RunningCounts = std::vector<std::uint64_t>;
+using FactCounts = std::vector<std::uint64_t>;
 
-std::uint64_t RowsUnder(const RunningCounts& counts, CodeRanges ranges) {
+std::uint64_t RowsUnder(const FactCounts& counts, CodeRanges ranges) {
     std::uint64_t rows = 0;
     for (const KeyRange range : ranges) {
         rows += counts[range.last] - counts[range.first];
@@ -48,9 +49,10 @@ std::uint64_t RowsUnder(const RunningCounts& counts, CodeRanges ranges) {
     return rows;
 }
 
-/// A column that leads a sort order: its sets that are costly even though their facts are few runs.
+/// A column that leads a sort order, and those of its sets that are expensive to read even from that sort
+/// order.
 struct Lead {
-    RunningCounts counts; ///< by code
+    FactCounts counts; ///< number of facts below each code
     std::vector<KeyRange> sets;
 };
 
@@ -69,7 +71,7 @@ private:
                     const std::vector<KeyRange>& secondSets, std::span<const std::uint32_t> rows);
     std::vector<ChosenAggregate> TakeBest();
     std::uint64_t Bytes(std::uint64_t rows) const;
-    /// The rows in the order of the column's codes.
+    /// The row numbers sorted by the column's codes.
     std::vector<std::uint32_t> Sorted(std::uint16_t column) const;
 
     const CubeModel& model_;
@@ -104,7 +106,7 @@ void AggregateChooser::FindLeads() {
             continue;
         }
         Lead lead;
-        lead.counts = CountUp(facts_.keys[column], model_.keyColumns[column].codes);
+        lead.counts = PrefixCounts(facts_.keys[column], model_.keyColumns[column].codes);
         lead.sets = MemberSets(model_, groups_, column);
         std::erase_if(lead.sets, [&](const KeyRange& set) {
             return static_cast<double>(RowsUnder(lead.counts, groups_.Ranges(set))) * rowCost < leastCost;
@@ -149,7 +151,7 @@ void AggregateChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::u
                                   const std::vector<KeyRange>& secondSets,
                                   std::span<const std::uint32_t> rows) {
     const auto& secondCodes = facts_.keys[second];
-    RunningCounts counts(std::size_t{model_.keyColumns[second].codes} + 1);
+    FactCounts counts(std::size_t{model_.keyColumns[second].codes} + 1);
     for (const std::uint32_t row : rows) {
         ++counts[std::size_t{secondCodes[row]} + 1];
     }
@@ -194,22 +196,23 @@ std::vector<ChosenAggregate> AggregateChooser::TakeBest() {
 }
 
 std::uint64_t AggregateChooser::Bytes(std::uint64_t rows) const {
-    // Strips have an entry for each of the facts, or for all combinations that there can be.
-    std::uint64_t merged = 0, cells = aggregates_.timeBuckets.size() - 1;
+    // Prefix sums number at most one per fact, and at most one per combination of codes and time bucket.
+    std::uint64_t coarserCells = 0, cells = aggregates_.timeBuckets.size() - 1;
     for (const AggregateTable::PackedKeyColumn& part : aggregates_.packedKeyColumns) {
-        merged = cells; // all codes of the last column together
+        coarserCells = cells; // without the last column of the packed key
         cells = std::min(rows + 1, cells * std::max(1U, model_.keyColumns[part.column].codes));
     }
-    return recordBytes + std::min(rows * AggregateRowBytes(model_, aggregates_),
-                                  (std::min(rows, cells) + std::min(rows, merged)) * PrefixSumBytes(model_));
+    return recordBytes +
+           std::min(rows * AggregateRowBytes(model_, aggregates_),
+                    (std::min(rows, cells) + std::min(rows, coarserCells)) * PrefixSumBytes(model_));
 }
 
 std::vector<std::uint32_t> AggregateChooser::Sorted(std::uint16_t column) const {
     const auto& codes = facts_.keys[column];
-    std::vector<std::uint64_t> place = leads_.at(column).counts;
+    std::vector<std::uint64_t> next = leads_.at(column).counts;
     std::vector<std::uint32_t> rows(facts_.rowCount);
     for (std::uint32_t row = 0; row < facts_.rowCount; ++row) {
-        rows[place[codes[row]]++] = row;
+        rows[next[codes[row]]++] = row;
     }
     return rows;
 }
@@ -233,19 +236,19 @@ std::vector<ChosenAggregate> ChooseAggregates(const CubeModel& model, const Fact
 }
 
 std::uint64_t AggregateRowBytes(const CubeModel& model, const AggregateModel& aggregates) {
-    std::map<std::uint16_t, std::uint64_t> columns;
+    std::map<std::uint16_t, std::uint64_t> widths; // by packed column
     for (const AggregateTable::PackedKeyColumn& part : aggregates.packedKeyColumns) {
-        columns[model.keyColumns[part.column].packedColumn] = model.keyColumns[part.column].width;
+        widths[model.keyColumns[part.column].packedColumn] = model.keyColumns[part.column].width;
     }
     if (aggregates.timeColumn) {
-        columns[model.keyColumns[*aggregates.timeColumn].packedColumn] =
+        widths[model.keyColumns[*aggregates.timeColumn].packedColumn] =
             model.keyColumns[*aggregates.timeColumn].width;
     }
     std::uint64_t bytes = 0;
-    for (const auto& [packedColumn, width] : columns) {
+    for (const auto& [packedColumn, width] : widths) {
         bytes += width;
     }
-    for (const Measure& measure : model.measures) {
+    for (const MeasureColumn& measure : model.measures) {
         bytes += measure.width;
     }
     return bytes;

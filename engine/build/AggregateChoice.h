@@ -9,24 +9,25 @@
 
 namespace qel::engine {
 
-/// An aggregate that is worth its bytes: the facts under one set of codes of two key columns, or of fewer.
+/// An aggregate worth storing: the facts under sets of codes of at most two key columns.
 struct ChosenAggregate {
-    std::optional<std::uint16_t> lead;   ///< a column that leads a sort order
-    std::optional<std::uint16_t> second; ///< the column that comes next in it
-    KeyRange leadCodes, secondCodes;     ///< as in an aggregate's key
+    std::optional<std::uint16_t> lead;   ///< leads a sort order
+    std::optional<std::uint16_t> second; ///< the next column of that sort order
+    KeyRange leadCodes, secondCodes;     ///< as in AggregateKey
     std::uint64_t rows = 0;
 
     AggregateKey Key() const;
 };
 
-/// Finds the pairs of members whose facts take long to read from every sort order, and takes the most costly
-/// ones until the budget is used up. The model has its projections, the aggregates their groups.
+/// Estimates, for members and pairs of members, how long reading their facts from the best sort order takes,
+/// and chooses the most expensive ones within a size budget. The model must have its projections, the
+/// aggregates their groups.
 std::vector<ChosenAggregate> ChooseAggregates(const CubeModel& model, const FactColumns& facts,
                                               const AggregateModel& aggregates);
 
-/// The bytes of a fact in an aggregate that is rows.
+/// Bytes per fact of a row aggregate.
 std::uint64_t AggregateRowBytes(const CubeModel& model, const AggregateModel& aggregates);
-/// The bytes of a running sum of every measure.
+/// Bytes of one prefix sum of every measure.
 std::uint64_t PrefixSumBytes(const CubeModel& model);
 
 } // namespace qel::engine

@@ -9,7 +9,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Of the aggregate of all facts, one range that nothing is asked of.
+/// Returns a dummy range for the aggregate over all facts.
 CodeRanges LeadRanges(const ChosenAggregate& aggregate, const CodeGroups& groups) {
     return aggregate.lead ? groups.Ranges(aggregate.leadCodes) : CodeRanges(&aggregate.leadCodes, 1);
 }
@@ -33,8 +33,8 @@ void AggregateLayer::Add(KeyRange set, CodeRanges ranges) {
 
 RowNumbers AggregateLayer::Distribute(std::span<const std::uint32_t> rows,
                                       const std::vector<std::uint32_t>& codes, const CodeGroups& groups,
-                                      std::vector<std::size_t>& place) const {
-    // Codes behind the last range belong to no set, as those between ranges do.
+                                      std::vector<std::size_t>& starts) const {
+    // Codes outside all ranges get the number behind the last set.
     std::vector<std::uint32_t> setOf(taken.rbegin()->second + std::size_t{1},
                                      static_cast<std::uint32_t>(sets.size()));
     for (std::uint32_t i = 0; i < sets.size(); ++i) {
@@ -45,13 +45,13 @@ RowNumbers AggregateLayer::Distribute(std::span<const std::uint32_t> rows,
     const auto setAt = [&](std::uint32_t row) {
         return setOf[std::min<std::size_t>(codes[row], setOf.size() - 1)];
     };
-    place.assign(sets.size() + 2, 0);
+    starts.assign(sets.size() + 2, 0);
     for (const std::uint32_t row : rows) {
-        ++place[setAt(row) + std::size_t{1}];
+        ++starts[setAt(row) + std::size_t{1}];
     }
-    std::partial_sum(place.begin(), place.end(), place.begin());
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
     RowNumbers distributed(rows.size());
-    std::vector<std::size_t> next = place;
+    std::vector<std::size_t> next = starts;
     for (const std::uint32_t row : rows) {
         distributed[next[setAt(row)]++] = row;
     }
@@ -65,7 +65,7 @@ std::vector<AggregateLayer> MakeAggregateLayers(const std::vector<ChosenAggregat
     for (const ChosenAggregate& aggregate : chosen) {
         order.push_back(&aggregate);
     }
-    // Large sets before those inside them, and one set's aggregates together.
+    // Sorts larger sets before the sets inside them, and keeps aggregates of the same set together.
     const auto place = [&](const ChosenAggregate* aggregate) {
         const CodeRanges ranges = LeadRanges(*aggregate, groups);
         return std::tuple(aggregate->lead, ranges.front().first, ~ranges.back().last,
@@ -76,7 +76,7 @@ std::vector<AggregateLayer> MakeAggregateLayers(const std::vector<ChosenAggregat
                          return place(left) < place(right);
                      });
     std::vector<AggregateLayer> layers;
-    AggregateLayer* last = nullptr; // that a set was put into
+    AggregateLayer* last = nullptr; // the layer that holds the previous set
     for (const ChosenAggregate* aggregate : order) {
         if (last == nullptr || last->column != aggregate->lead ||
             !(last->sets.back() == aggregate->leadCodes)) {

@@ -7,11 +7,11 @@ namespace qel::engine {
 
 namespace {
 
-/// More buckets than this would leave strips with little to share.
+/// With more buckets too few facts share one.
 constexpr std::size_t mostBuckets = 400;
-/// One less than a word has: a column of one code takes no bits, and would be shifted by all 32.
+/// One less than 32: a column of a single code has no bits and would be shifted by the full width.
 constexpr unsigned keyBits = 31;
-/// A column of more bits has groups of members that are asked for; it is a key of aggregates instead.
+/// Wider columns have groups of members that queries select; they become key columns of aggregates instead.
 constexpr unsigned mostBitsInKey = 5;
 
 const HierarchyModel* TimeHierarchy(const CubeModel& model) {
@@ -23,7 +23,8 @@ const HierarchyModel* TimeHierarchy(const CubeModel& model) {
     return nullptr;
 }
 
-/// The members of the finest level that is not too fine. Every level of a calendar covers all of it.
+/// The first codes of the members of the finest level that has few enough. Every level of a calendar covers
+/// all codes.
 std::vector<std::uint32_t> TimeBucketsOf(const HierarchyModel& time, std::uint32_t codes) {
     std::vector<std::uint32_t> buckets;
     std::uint32_t levelEnd = static_cast<std::uint32_t>(time.parents.size());
@@ -71,8 +72,8 @@ AggregateModel LayOutAggregates(const CubeModel& model) {
         aggregates.packedKeyColumns.push_back({column, 0, static_cast<std::uint8_t>(bits)});
         end += bits;
     }
-    // The column of most codes is the lowest: strips that differ in it alone, which a question that leaves
-    // it out reads together, are neighbours.
+    // The column with the most codes gets the lowest bits: a query that leaves it out then reads consecutive
+    // keys.
     for (AggregateTable::PackedKeyColumn& part : aggregates.packedKeyColumns) {
         end -= part.bits;
         part.shift = static_cast<std::uint8_t>(end);

@@ -7,11 +7,11 @@
 
 namespace qel::engine {
 
-/// The aggregates of a cube without any yet: its word of narrow columns, its time and the buckets of it.
-/// Groups are left to FindGroups.
+/// An empty model with the layout of a cube's aggregates: the columns of the packed key, the time column and
+/// its buckets. FindGroups fills the groups.
 AggregateModel LayOutAggregates(const CubeModel& model);
 
-/// True for a column that aggregates are made for: one that is neither in the word nor the time.
+/// Whether the column can be in an aggregate's key: it is neither in the packed key nor the time.
 bool IsAggregateKey(const AggregateModel& aggregates, std::size_t keyColumn);
 
 } // namespace qel::engine

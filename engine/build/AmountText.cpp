@@ -19,7 +19,7 @@ void TrimBlanks(std::string_view& text) {
     }
 }
 
-/// Takes the sign off; false when the text has two, or half of one. `magnitude` comes back without it.
+/// Removes the sign from `magnitude`. False for two signs or a single parenthesis.
 bool TakeSign(std::string_view& magnitude, bool& isNegative) {
     const bool isOpened = magnitude.front() == '(';
     const bool isClosed = magnitude.back() == ')';
@@ -41,7 +41,7 @@ bool TakeSign(std::string_view& magnitude, bool& isNegative) {
     return true;
 }
 
-/// A value made digit by digit; stays at the most that 63 bits hold, and knows that it was more.
+/// Accumulates digits into a value. Saturates at 63 bits and remembers the overflow.
 class DigitSum {
 public:
     void Add(int digit) {
@@ -66,7 +66,7 @@ bool AddWholePart(std::string_view whole, char thousands, DigitSum& sum) {
             sum.Add(c - '0');
             continue;
         }
-        // The first group has one to three digits, the others have three.
+        // The first group has one to three digits, every other group three.
         const bool groupIsRight =
             isGrouped ? sinceSeparator == 3 : sinceSeparator >= 1 && sinceSeparator <= 3;
         if (thousands == 0 || c != thousands || !groupIsRight) {

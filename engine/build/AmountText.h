@@ -8,16 +8,16 @@
 
 namespace qel::engine {
 
-/// What a text says as an amount.
+/// The result of parsing an amount.
 struct ParsedAmount {
-    std::optional<std::int64_t> value; ///< none when the text is no amount, or one that 63 bits do not hold
-    bool isTooLarge = false;           ///< an amount, but one that 63 bits do not hold
+    std::optional<std::int64_t> value; ///< nothing for an invalid amount, or one beyond 63 bits
+    bool isTooLarge = false;           ///< a valid amount beyond 63 bits
 };
 
-/// An amount times ten to the power of `decimals`, exactly. Understands a sign at either end or parentheses
-/// for a negative amount, the format's decimal sign and its thousands sign between groups of three, no-break
-/// and thin blanks as blanks, and passes over marks of direction. Empty text is 0. None for any other text
-/// and for more decimals than there are (zeros aside).
+/// Parses an amount and scales it by 10^decimals, exactly. Accepts a leading or trailing sign, parentheses
+/// for a negative amount, the format's decimal and thousands signs (the latter only between groups of three
+/// digits), no-break and thin spaces; ignores directional marks. An empty text is 0. Invalid when there are
+/// more decimals than `decimals`, unless they are zeros.
 ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::uint8_t decimals);
 
 } // namespace qel::engine

@@ -12,20 +12,20 @@
 
 namespace qel::engine {
 
-/// What happens to a line that cannot be used: the build stops with its place and fault, or the line is
-/// written aside as it stands, below the header of its file.
+/// Handles unusable lines: stops the build with the line's location and fault, or copies the line as it
+/// stands to the file of skipped lines, below its file's header line.
 class BadLines {
 public:
-    /// The file for the lines is created for the first of them.
+    /// The file is created when the first line is skipped.
     explicit BadLines(std::optional<std::filesystem::path> skippedLines) : path_(std::move(skippedLines)) {}
 
-    /// Raises EngineError (InvalidData): "FILE, line N, column NAME: fault" (without the column when there is
-    /// none), or writes the current line aside and returns;
-    /// CannotWrite when the file for the lines cannot be created.
+    /// Raises EngineError (InvalidData) "FILE, line N, column NAME: fault" (without the column when `column`
+    /// is empty), or copies the current line to the file of skipped lines. Raises CannotWrite when that file
+    /// cannot be created.
     void Report(const CsvReader& reader, const std::string& column, const std::string& fault);
-    /// Completes the file. Raises CannotWrite when not all of it could be written.
+    /// Completes the file. Raises EngineError (CannotWrite) when not all of it could be written.
     void Finish();
-    /// How many lines were written.
+    /// The number of lines copied.
     std::uint64_t LineCount() const { return written_.size(); }
 
 private:
@@ -34,7 +34,7 @@ private:
     std::optional<std::filesystem::path> path_;
     std::ofstream file_;
     std::string lastFile_;
-    /// File and line of what was written: a table that is read twice has its lines written once.
+    /// File and line number of each copied line: a table that is read twice has its lines copied once.
     std::set<std::pair<std::string, std::uint64_t>> written_;
 };
 

@@ -16,9 +16,9 @@ BuildTotals BuildCube(const BuildOptions& options) {
     const Definition definition = ReadDefinition(options.definition);
     CheckWrittenPaths(options, definition);
     BuildTotals totals;
-    CubeFileWriter writer(options.output); // first of all: a long build must not end at a wrong path
+    CubeFileWriter writer(options.output); // created first, so that a wrong path fails before a long build
     BadLines badLines(options.skippedLines);
-    // The metadata of every cube comes before any facts, so that it is read with few pages.
+    // The metadata of all cubes comes before any facts, so that opening reads few pages.
     std::vector<std::unique_ptr<CubeBuilder>> cubes;
     for (const CubeDefinition& cube : definition.cubes) {
         cubes.push_back(std::make_unique<CubeBuilder>(definition, cube, badLines, options.progress));

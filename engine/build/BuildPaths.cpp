@@ -19,7 +19,7 @@ bool IsSameFile(const path& left, const path& right) {
     if (std::filesystem::equivalent(left, right, error) && !error) {
         return true;
     }
-    // Files that do not exist yet have their names alone.
+    // Files that do not exist yet can only be compared by name.
     std::error_code leftError, rightError;
     const path leftWhole = std::filesystem::weakly_canonical(std::filesystem::absolute(left), leftError);
     const path rightWhole = std::filesystem::weakly_canonical(std::filesystem::absolute(right), rightError);

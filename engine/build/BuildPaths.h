@@ -5,8 +5,8 @@
 
 namespace qel::engine {
 
-/// Raises EngineError (CannotWrite) naming the file when the build would write over what it reads, or write
-/// the skipped lines and the cube to one file. Links and other spellings of a path are seen through.
+/// Raises EngineError (CannotWrite) naming the file when an output file is also an input, or when the cube
+/// and the skipped lines go to the same file. Links and different spellings of a path are resolved.
 void CheckWrittenPaths(const BuildOptions& options, const Definition& definition);
 
 } // namespace qel::engine

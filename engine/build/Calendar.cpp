@@ -42,7 +42,7 @@ year_month_day Calendar::DayOf(std::uint32_t period) const {
 }
 
 void Calendar::AddLevel(Unit unit, std::uint32_t firstParent, HierarchyModel& model) const {
-    std::uint32_t parent = firstParent; // the member of the level above that holds the period
+    std::uint32_t parent = firstParent; // the member of the level above
     for (std::uint32_t period = 0, last = 0; period < periodCount_; period = last) {
         const year_month_day day = DayOf(period);
         const auto month = static_cast<unsigned>(day.month());

@@ -8,18 +8,18 @@
 
 namespace qel::engine {
 
-/// The periods of a date column, months or days without a gap, numbered from 0.
+/// The periods of a date column: consecutive months or days, numbered from 0.
 class Calendar {
 public:
     Calendar(bool byDays, std::chrono::sys_days first, std::chrono::sys_days last);
 
     std::uint32_t PeriodCount() const { return periodCount_; }
-    /// The number of the period that the day belongs to; the day must lie between the first and the last.
+    /// The number of the day's period. The day must lie between the first and the last.
     std::uint32_t PeriodOf(std::chrono::sys_days day) const;
 
-    /// The hierarchy of years, quarters, months and days; members are named 2024, Q1, 3 and 31, their keys
-    /// are 2024, 2024-Q1, 2024-03 and 2024-03-31. Raises EngineError (InvalidDefinition) for a default member
-    /// that does not exist.
+    /// The hierarchy of years, quarters, months and days. Members are named 2024, Q1, 3 and 31 and have the
+    /// keys 2024, 2024-Q1, 2024-03 and 2024-03-31. Raises EngineError (InvalidDefinition) when the default
+    /// member does not exist.
     HierarchyModel Model(const HierarchyDefinition& definition, const CalendarDefinition& calendar,
                          std::uint32_t keyColumn) const;
 

@@ -13,7 +13,7 @@ namespace qel::engine {
 
 namespace {
 
-/// A record beyond this is taken for one whose quote is not closed.
+/// A longer record is assumed to have an unclosed quote.
 constexpr std::size_t longestRecord = 1 << 20;
 constexpr std::string_view notClosed = "a quote is not closed";
 constexpr std::string_view noBreakBlank = "\xC2\xA0";
@@ -38,7 +38,7 @@ std::string_view Trimmed(std::string_view text) {
     }
 }
 
-/// The delimiter that stands most often in the line, outside quotes; a comma when there is none.
+/// The delimiter that occurs most often outside quotes; a comma when there is none.
 char DetectDelimiter(std::string_view line) {
     char best = ',';
     std::size_t most = 0;

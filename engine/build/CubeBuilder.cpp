@@ -28,7 +28,7 @@ void CubeBuilder::AddKeyColumns() {
         if (!dimension.column) {
             continue;
         }
-        // A calendar numbers periods, not texts: it has a key column of its own.
+        // A calendar numbers periods instead of texts, so it gets its own key column.
         const auto found = std::find_if(keyColumns_.begin(), keyColumns_.end(), [&](const auto& column) {
             return column.Name() == *dimension.column &&
                    column.IsCalendar() == dimension.calendar.has_value();
@@ -116,7 +116,7 @@ std::string CubeBuilder::FactPlace() const {
 }
 
 const MemberTree& CubeBuilder::MainTree(std::size_t keyColumn) const {
-    std::size_t best = 0, tree = 0, depth = 0; // a dimension and its tree, which has at least one level
+    std::size_t best = 0, tree = 0, depth = 0; // the deepest tree found so far
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         if (keyColumnOf_[i] != keyColumn) {
             continue;

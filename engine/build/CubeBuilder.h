@@ -14,13 +14,13 @@
 
 namespace qel::engine {
 
-/// Builds one cube in memory: reads its dimension tables, then its facts, then numbers the codes.
+/// Builds one cube in memory: reads its dimension tables, then its facts, then assigns the codes.
 class CubeBuilder {
 public:
     CubeBuilder(const Definition& definition, const CubeDefinition& cube, BadLines& badLines,
                 const BuildProgress& progress);
 
-    /// Does all of it; `totals` gets the lines.
+    /// Runs the build and adds the line counts to `totals`.
     void Run(BuildTotals& totals);
 
     const CubeModel& Model() const { return model_; }
@@ -32,9 +32,9 @@ private:
     void ReadDimensionTables(BuildTotals& totals);
     void ReadFactTables(BuildTotals& totals);
     void NumberKeys();
-    /// The cube and the files of its facts, for a message.
+    /// The cube and its fact files, for messages.
     std::string FactPlace() const;
-    /// The tree by which a text column's codes are numbered.
+    /// The tree in whose order a text column's codes are numbered.
     const MemberTree& MainTree(std::size_t keyColumn) const;
     void MakeModel();
     std::vector<std::vector<std::uint16_t>> SortOrders() const;

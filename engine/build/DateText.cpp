@@ -17,7 +17,7 @@ struct NumberText {
     std::size_t digits = 0;
 };
 
-/// The numbers of a date's text; `count` is 0 when something else stands among them.
+/// The numbers in a date; `count` is 0 for a text that is not a date.
 struct DateNumbers {
     std::array<NumberText, 3> numbers;
     std::size_t count = 0;
@@ -34,7 +34,7 @@ bool IsTimeOfDay(std::string_view text) {
     return colons > 0;
 }
 
-/// Cuts a time of day off: what follows a blank or a "T" and has a colon.
+/// Removes a time of day: what follows a blank or "T" and contains a colon.
 std::string_view WithoutTime(std::string_view text) {
     const auto cut = text.find_first_of(" T");
     return cut != std::string_view::npos && IsTimeOfDay(text.substr(cut + 1)) ? text.substr(0, cut) : text;
@@ -68,7 +68,7 @@ DateNumbers SplitNumbers(std::string_view text) {
     return {};
 }
 
-/// 1930 to 2029 for two digits; none unless there are two or four.
+/// 1930 to 2029 for two digits; nothing unless there are two or four digits.
 std::optional<int> YearOf(const NumberText& number) {
     if (number.digits == 4) {
         return number.value;
@@ -107,7 +107,7 @@ std::optional<std::chrono::sys_days> ParsePlain(std::string_view text, DateForma
     if (date.count == 1 && a.digits == 8) {
         return EightDigits(a.value);
     }
-    // Where ISO dates are expected, "31-12-24" must not become a day of 1931.
+    // In the ISO format "31-12-24" must not become a day of the year 1931.
     if (format == DateFormat::Iso && a.digits != 4) {
         return std::nullopt;
     }

@@ -17,7 +17,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Refuses a second thing of the same name (any letter case).
+/// Rejects a name that was used before (any letter case).
 class UniqueNames {
 public:
     explicit UniqueNames(std::string what) : what_(std::move(what)) {}
@@ -70,7 +70,7 @@ TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const
     return table;
 }
 
-/// Reads one cube; knows the tables that its parts may name.
+/// Reads one cube; its parts refer to the definition's tables.
 class CubeReader {
 public:
     explicit CubeReader(const std::vector<TableDefinition>& tables) : tables_(tables) {}
@@ -143,13 +143,13 @@ private:
         if (dimension.isMain && !dimension.column) {
             place.Fail("a main dimension needs a \"column\"");
         }
-        ReadShape(object, dimension);
+        ReadMemberSource(object, dimension);
         object.Finish();
         return dimension;
     }
 
-    /// What the members are: a calendar, a list, or hierarchies of levels.
-    static void ReadShape(JsonObject& object, DimensionDefinition& dimension) {
+    /// Reads where the members come from: a calendar, a list, or hierarchies of levels.
+    static void ReadMemberSource(JsonObject& object, DimensionDefinition& dimension) {
         const auto calendar = object.Optional("calendar");
         const auto members = object.Optional("members");
         const auto hierarchies = object.Optional("hierarchies");
@@ -182,7 +182,7 @@ private:
         dimension.hierarchies.push_back(base);
     }
 
-    /// The keys "all" and "default", which a dimension sets for its hierarchies and a hierarchy for itself.
+    /// Reads the keys "all" and "default": on a dimension they are the defaults for its hierarchies.
     static void ReadTop(JsonObject& object, HierarchyDefinition& hierarchy) {
         if (const auto all = object.Optional("all")) {
             if (all->value->is_string()) {

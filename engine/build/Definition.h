@@ -16,7 +16,7 @@ namespace qel::engine {
 enum class DateFormat : std::uint8_t { Iso, DayMonthYear, MonthDayYear, YearMonthDay };
 
 struct CsvFormat {
-    char delimiter = 0; ///< 0: from the header line
+    char delimiter = 0; ///< 0: detected from the header line
     char decimal = '.';
     char thousands = 0; ///< 0: none
     DateFormat dates = DateFormat::Iso;
@@ -24,9 +24,9 @@ struct CsvFormat {
 
 struct TableDefinition {
     std::string name;
-    std::filesystem::path file; ///< absolute, or relative to the current folder
+    std::filesystem::path file; ///< absolute, or relative to the working directory
     CsvFormat format;
-    /// The name by which a column is used, and its name in the file; other columns keep theirs.
+    /// Names used in the definition and the column names in the file; other columns keep theirs.
     std::vector<std::pair<std::string, std::string>> columns;
 };
 
@@ -35,15 +35,15 @@ enum class MemberOrder : std::uint8_t { Key, Name, File };
 struct LevelDefinition {
     std::string name;
     std::string key;        ///< column of the dimension's table
-    std::string memberName; ///< column; the key's when absent in the file
-    std::string caption;    ///< column; the name's when absent in the file
+    std::string memberName; ///< column; defaults to the key's
+    std::string caption;    ///< column; defaults to the name's
     MemberOrder order = MemberOrder::Key;
 };
 
 struct HierarchyDefinition {
     std::string place; ///< "ledger.json: cubes[0].dimensions[2].hierarchies[0]", for messages
     std::string name, caption;
-    std::optional<std::string> all; ///< the top member's name, none without a top member
+    std::optional<std::string> all; ///< name of the top member, when there is one
     std::optional<std::string> defaultKey;
     std::vector<LevelDefinition> levels; ///< without the top level
 };
@@ -59,11 +59,11 @@ struct DimensionDefinition {
     std::string place;
     std::string name, caption;
     std::optional<std::string> column; ///< of the facts
-    std::vector<std::size_t> tables;   ///< numbers in Definition::tables; the same columns in each
-    std::string key;                   ///< the tables' column that holds the fact column's values
+    std::vector<std::size_t> tables;   ///< indexes into Definition::tables; all have the same columns
+    std::string key;                   ///< column of the tables that holds the fact column's values
     bool isMain = false;
     std::optional<CalendarDefinition> calendar;
-    std::vector<std::string> members; ///< of a dimension without column and table
+    std::vector<std::string> members; ///< of a dimension with neither column nor table
     std::vector<HierarchyDefinition> hierarchies;
 };
 
@@ -75,11 +75,11 @@ struct MeasureDefinition {
 
 struct CubeDefinition {
     std::string name, caption;
-    std::vector<std::size_t> facts; ///< numbers in Definition::tables
+    std::vector<std::size_t> facts; ///< indexes into Definition::tables
     std::vector<DimensionDefinition> dimensions;
     std::vector<MeasureDefinition> measures;
     std::size_t defaultMeasure = 0;
-    std::vector<std::vector<std::string>> sortOrders; ///< of fact columns; empty: chosen by the build
+    std::vector<std::vector<std::string>> sortOrders; ///< fact columns; empty: chosen by the build
 };
 
 struct Definition {
@@ -87,12 +87,12 @@ struct Definition {
     std::vector<CubeDefinition> cubes;
 };
 
-/// Reads a definition's text. `fileName` is for messages, `folder` is where relative paths start. Raises
-/// EngineError (InvalidDefinition) naming the file and the key.
+/// Parses a definition. `fileName` is used in messages; relative paths start at `folder`. Raises EngineError
+/// (InvalidDefinition) naming the file and the key.
 Definition ParseDefinition(std::string_view text, const std::string& fileName,
                            const std::filesystem::path& folder);
 
-/// Reads a definition's file; FileNotFound when it cannot be read.
+/// Reads a definition file. Raises EngineError (FileNotFound) when it cannot be read.
 Definition ReadDefinition(const std::filesystem::path& path);
 
 } // namespace qel::engine

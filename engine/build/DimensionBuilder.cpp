@@ -47,7 +47,7 @@ void DimensionBuilder::ReadTables(TableReader& reader, KeyColumnBuilder* keys, s
     while (reader.Next()) {
         const std::string_view key = reader.Field(keyColumn);
         if (key.empty() && keys != nullptr) {
-            // The table may be the facts' own, where a line without this key is an ordinary one.
+            // The table may be the fact table, where a line without this key is valid.
             continue;
         }
         std::optional<std::uint32_t> value;

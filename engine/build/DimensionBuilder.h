@@ -10,18 +10,18 @@
 
 namespace qel::engine {
 
-/// Gathers the members of one dimension and makes its model.
+/// Collects the members of one dimension and creates its model.
 class DimensionBuilder {
 public:
     explicit DimensionBuilder(const DimensionDefinition& definition);
 
     const DimensionDefinition& Definition() const { return definition_; }
-    /// Takes the lines of the dimension's tables. `keys` is its key column (none for a dimension without
-    /// one), to which it is table number `tableOfKeys`.
+    /// Adds the lines of one of the dimension's tables. `keys` is the dimension's key column (null for a
+    /// dimension without one), for which this is table number `tableOfKeys`.
     void ReadTables(TableReader& reader, KeyColumnBuilder* keys, std::size_t tableOfKeys);
-    /// For a dimension without tables: takes the listed members, or every value of its column.
+    /// For a dimension without tables: adds the listed members, or every value of its column.
     void TakeValues(const KeyColumnBuilder* keys);
-    /// After the last member.
+    /// To be called after the last member.
     void Finish();
 
     /// The hierarchy with the most levels.
@@ -31,7 +31,7 @@ public:
 
 private:
     const DimensionDefinition& definition_;
-    std::vector<MemberTree> trees_; ///< one a hierarchy; none of a calendar
+    std::vector<MemberTree> trees_; ///< one per hierarchy; empty for a calendar
 };
 
 } // namespace qel::engine

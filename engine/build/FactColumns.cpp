@@ -32,8 +32,7 @@ public:
 
     void Run() {
         while (reader_.Next()) {
-            // Texts that are taken as they come get a member, so they wait until the line is known to be
-            // good.
+            // Adding a free text creates a member, so this waits until the whole line is known to be valid.
             if (TakeKeys(false) && TakeAmounts() && TakeKeys(true)) {
                 AddRow();
             }
@@ -117,7 +116,7 @@ private:
     std::vector<std::int64_t> amounts_;
 };
 
-/// The narrowest signed width for values between the two.
+/// The narrowest signed width for values in the range.
 std::uint8_t ValueWidth(std::int64_t least, std::int64_t most) {
     const auto fits = [&](auto smallest, auto largest) { return least >= smallest && most <= largest; };
     if (fits(std::numeric_limits<std::int8_t>::min(), std::numeric_limits<std::int8_t>::max())) {
@@ -141,11 +140,11 @@ std::int64_t CommonUnit(const std::vector<std::int64_t>& values) {
     return std::max<std::int64_t>(unit, 1);
 }
 
-/// Whether the sum of the absolute values stays within 63 bits.
+/// Whether the sum of absolute values fits in 63 bits.
 bool IsSummable(const std::vector<std::int64_t>& values) {
     std::int64_t rest = std::numeric_limits<std::int64_t>::max();
     for (const std::int64_t value : values) {
-        const std::int64_t magnitude = value < 0 ? -value : value; // amounts are read with 63 bits
+        const std::int64_t magnitude = value < 0 ? -value : value; // cannot overflow: amounts have 63 bits
         if (magnitude > rest) {
             return false;
         }
@@ -172,12 +171,13 @@ void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, Fact
     }
 }
 
-std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measures, const FactColumns& facts,
-                                   const std::string& cubeName) {
-    std::vector<Measure> models;
+std::vector<MeasureColumn> MeasureModels(const std::vector<MeasureDefinition>& measures,
+                                         const FactColumns& facts, const std::string& cubeName) {
+    std::vector<MeasureColumn> models;
     for (std::size_t i = 0; i < measures.size(); ++i) {
         const MeasureDefinition& measure = measures[i];
-        Measure model{measure.name, measure.caption, AggregateFunction::Count, measure.decimals, 0, 1};
+        MeasureColumn model{
+            {measure.name, measure.caption, AggregateFunction::Count, measure.decimals}, 0, 1};
         if (measure.column) {
             const auto& values = facts.values[i];
             if (!IsSummable(values)) {

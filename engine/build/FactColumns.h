@@ -11,21 +11,22 @@ namespace qel::engine {
 
 /// The facts of a cube in memory, column by column.
 struct FactColumns {
-    std::vector<std::vector<std::uint32_t>> keys;  ///< by key column: numbers while reading, then codes
+    std::vector<std::vector<std::uint32_t>>
+        keys; ///< by key column: value numbers while reading, codes afterwards
     std::vector<std::vector<std::int64_t>> values; ///< by measure, scaled; empty for a count
     std::uint64_t rowCount = 0;
 };
 
-/// Reads a fact table to its end and adds its usable lines.
+/// Reads a fact table and adds its usable lines.
 void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measures,
                std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts);
 
-/// Puts the codes in place of the numbers.
+/// Replaces value numbers by codes.
 void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts);
 
-/// The measures with the unit that all their values are multiples of, and the width that these need. Raises
-/// EngineError (InvalidData) when the sum of the absolute values of a measure is beyond 63 bits.
-std::vector<Measure> MeasureModels(const std::vector<MeasureDefinition>& measures, const FactColumns& facts,
-                                   const std::string& cubeName);
+/// The measures with their unit (the greatest common divisor of their values) and the narrowest width. Raises
+/// EngineError (InvalidData) when a measure's sum of absolute values exceeds 63 bits.
+std::vector<MeasureColumn> MeasureModels(const std::vector<MeasureDefinition>& measures,
+                                         const FactColumns& facts, const std::string& cubeName);
 
 } // namespace qel::engine

@@ -16,7 +16,7 @@ namespace {
 
 using Rows = std::vector<std::uint32_t>;
 
-/// The place of every code's first row, and behind them the row count.
+/// The first row of every code, followed by the row count.
 template <class Count>
 std::vector<Count> FirstRows(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
     std::vector<Count> first(std::size_t{codeCount} + 1);
@@ -27,23 +27,24 @@ std::vector<Count> FirstRows(const std::vector<std::uint32_t>& codes, std::uint3
     return first;
 }
 
-/// The rows in order: one counting sort for every key, the least significant first.
+/// The row numbers in sort order, by a radix sort: one stable counting sort per key, the least significant
+/// first.
 Rows SortRows(const std::vector<std::uint16_t>& sortOrder, const std::vector<KeyColumn>& keyColumns,
               const FactColumns& facts) {
     Rows rows(facts.rowCount), sorted(facts.rowCount);
     std::iota(rows.begin(), rows.end(), 0U);
     for (auto column = sortOrder.rbegin(); column != sortOrder.rend(); ++column) {
         const auto& codes = facts.keys[*column];
-        auto place = FirstRows<std::uint32_t>(codes, keyColumns[*column].codes);
+        auto starts = FirstRows<std::uint32_t>(codes, keyColumns[*column].codes);
         for (const std::uint32_t row : rows) {
-            sorted[place[codes[row]]++] = row;
+            sorted[starts[codes[row]]++] = row;
         }
         rows.swap(sorted);
     }
     return rows;
 }
 
-/// Appends value(row) for every one of the rows, narrowed.
+/// Appends value(row) for each row, narrowed to `Stored`.
 template <class Stored, class Value>
 void AppendAs(const Rows& rows, const Value& value, CubeFileWriter& writer) {
     constexpr std::size_t blockRows = 65536;
@@ -57,7 +58,7 @@ void AppendAs(const Rows& rows, const Value& value, CubeFileWriter& writer) {
     }
 }
 
-/// The columns that share a packed column, put together.
+/// Appends the packed column that combines its key columns.
 void AppendPackedColumn(const CubeModel& model, const FactColumns& facts, std::size_t packedColumn,
                         const Rows& rows, CubeFileWriter& writer) {
     std::vector<std::pair<const std::uint32_t*, std::uint8_t>> parts; // codes and shift
@@ -85,7 +86,7 @@ void AppendPackedColumn(const CubeModel& model, const FactColumns& facts, std::s
     }
 }
 
-void AppendValues(const std::vector<std::int64_t>& values, const Measure& measure, const Rows& rows,
+void AppendValues(const std::vector<std::int64_t>& values, const MeasureColumn& measure, const Rows& rows,
                   CubeFileWriter& writer) {
     const auto value = [&](std::uint32_t row) { return values[row] / measure.unit; };
     if (measure.width == 1) {
@@ -127,7 +128,7 @@ void WriteProjection(const CubeModel& model, const FactColumns& facts, std::uint
     }
 }
 
-/// The rows of aggregates, which have the packed columns of the word's columns and the time alone.
+/// Writes the facts of row aggregates: only the packed columns of the packed key and of time.
 void WriteAggregateRows(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
                         const BuiltAggregates& aggregates, CubeFileWriter& writer) {
     const auto section = [&](format::SectionKind kind, std::size_t second, const auto& append) {
@@ -137,14 +138,14 @@ void WriteAggregateRows(const CubeModel& model, const FactColumns& facts, std::u
         }
         writer.End();
     };
-    std::set<std::size_t> columns;
+    std::set<std::size_t> packedColumns;
     for (const AggregateTable::PackedKeyColumn& part : aggregates.model.packedKeyColumns) {
-        columns.insert(model.keyColumns[part.column].packedColumn);
+        packedColumns.insert(model.keyColumns[part.column].packedColumn);
     }
     if (aggregates.model.timeColumn) {
-        columns.insert(model.keyColumns[*aggregates.model.timeColumn].packedColumn);
+        packedColumns.insert(model.keyColumns[*aggregates.model.timeColumn].packedColumn);
     }
-    for (const std::size_t packedColumn : columns) {
+    for (const std::size_t packedColumn : packedColumns) {
         section(format::SectionKind::AggregatePackedColumns, packedColumn,
                 [&](const Rows& rows) { AppendPackedColumn(model, facts, packedColumn, rows, writer); });
     }
@@ -204,7 +205,7 @@ void WriteFacts(const CubeModel& model, const FactColumns& facts, std::uint32_t 
     const auto sort = [&](std::size_t projection) {
         return SortRows(model.projections[projection].sortOrder, model.keyColumns, facts);
     };
-    // The next order is sorted while this one is written.
+    // Sorts the next order while this one is written.
     std::future<Rows> next = std::async(std::launch::async, sort, std::size_t{0});
     for (std::size_t i = 0; i < model.projections.size(); ++i) {
         const Rows rows = next.get();

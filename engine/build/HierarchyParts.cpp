@@ -25,7 +25,7 @@ void NormalizeRanges(std::vector<KeyRange>& ranges) {
 }
 
 void AddTopMember(std::string_view name, std::uint32_t codes, HierarchyModel& model) {
-    // Not named "All" like its member, or a path such as [Firma].[All] would mean the level.
+    // Named differently from its member "All", otherwise [Firma].[All] would refer to the level.
     model.levels.push_back({"(All)", true, 1});
     model.names.Add(name);
     model.captions.Add(name);

@@ -16,14 +16,14 @@ void NormalizeRanges(std::vector<KeyRange>& ranges);
 /// Adds the level "(All)" and its one member, which stands for all codes.
 void AddTopMember(std::string_view name, std::uint32_t codes, HierarchyModel& model);
 
-/// Adds the next member's codes.
+/// Adds the codes of the next member.
 void AddRanges(const std::vector<KeyRange>& ranges, HierarchyModel& model);
 
 /// Fills `firstChild` from `parents`.
 void FillFirstChildren(HierarchyModel& model);
 
-/// The number of the default member. Raises EngineError (InvalidDefinition) when the hierarchy has no member,
-/// or none with the key that the definition names.
+/// The number of the default member. Raises EngineError (InvalidDefinition) when the hierarchy has no
+/// members, or none with the key that the definition gives.
 std::uint32_t FindDefaultMember(const HierarchyDefinition& definition, const HierarchyModel& model);
 
 } // namespace qel::engine

@@ -152,7 +152,7 @@ nlohmann::json ParseJson(std::string_view text, const std::string& fileName) {
     if (text.substr(0, byteOrderMark.size()) == byteOrderMark) {
         text.remove_prefix(byteOrderMark.size());
     }
-    std::vector<std::set<std::string>> keys; // of the objects that are open
+    std::vector<std::set<std::string>> keys; // of the objects being parsed, outermost first
     const json::parser_callback_t noteKeys = [&](int, json::parse_event_t event, json& parsed) {
         if (event == json::parse_event_t::object_start) {
             keys.emplace_back();

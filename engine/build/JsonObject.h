@@ -10,7 +10,7 @@
 
 namespace qel::engine {
 
-/// A JSON value and where it stands, for messages: "cubes[0].dimensions[2].name".
+/// A JSON value with its location for messages, such as "cubes[0].dimensions[2].name".
 struct JsonPlace {
     const nlohmann::json* value = nullptr;
     std::string place;
@@ -21,19 +21,19 @@ struct JsonPlace {
     /// Raises EngineError (InvalidDefinition): "FILE: place: fault".
     [[noreturn]] void Fail(const std::string& fault) const;
 
-    /// The value as one type; Fail says which was expected.
+    /// The value as the given type; otherwise raises an error that says what was expected.
     std::string Text() const; ///< not empty
     bool Boolean() const;
     int Integer(int least, int most) const;
-    /// The elements of an array of at least one.
+    /// The elements of a non-empty array.
     std::vector<JsonPlace> Elements() const;
-    /// A text, or an array of at least one text.
+    /// A text, or a non-empty array of texts.
     std::vector<std::string> Texts() const;
-    /// The text's position among `words`.
+    /// The index of the text in `words`.
     std::size_t OneOf(const std::vector<std::string>& words) const;
 };
 
-/// An object whose keys are asked for by name; Finish refuses the keys that nobody asked for.
+/// An object read key by key; Finish rejects keys that were never read.
 class JsonObject {
 public:
     explicit JsonObject(JsonPlace place);
@@ -42,13 +42,14 @@ public:
     JsonPlace Required(const std::string& key);
     std::optional<JsonPlace> Optional(const std::string& key);
     std::string TextOr(const std::string& key, const std::string& whenAbsent);
-    /// Every key and its value, in order of the keys.
+    /// All keys and values, sorted by key.
     std::vector<std::pair<std::string, JsonPlace>> All();
-    /// Raises EngineError (InvalidDefinition) for an unknown key, with the known one that comes nearest.
+    /// Raises EngineError (InvalidDefinition) for a key that was never read, suggesting the nearest known
+    /// key.
     void Finish() const;
 
 private:
-    /// The keys that nobody has asked for yet.
+    /// The keys not read yet.
     std::vector<std::string> UnknownKeys() const;
     JsonPlace Child(const std::string& key, const nlohmann::json& value) const;
 
@@ -56,8 +57,8 @@ private:
     std::set<std::string> known_;
 };
 
-/// Parses a text with comments. Raises EngineError (InvalidDefinition) with line and column, also for a key
-/// that an object has twice.
+/// Parses JSON with comments. Raises EngineError (InvalidDefinition) with line and column, also for a
+/// duplicate key.
 nlohmann::json ParseJson(std::string_view text, const std::string& fileName);
 
 } // namespace qel::engine

@@ -52,7 +52,7 @@ std::optional<std::uint32_t> KeyColumnBuilder::NumberOf(std::string_view field, 
     if (IsCalendar()) {
         return NumberOfDate(field, format);
     }
-    // An empty field belongs to no member, so no table has to know it.
+    // An empty field has no member, so the tables need not list it.
     if (tableNames_.empty() || field.empty()) {
         return texts_.Add(field);
     }

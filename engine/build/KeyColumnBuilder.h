@@ -13,8 +13,8 @@
 
 namespace qel::engine {
 
-/// One column of the facts that dimensions group: gives every distinct text of the column a number while the
-/// facts are read, and every number its code once all are known. Several dimensions may stand on one column.
+/// A key column of the facts: gives every distinct value a number while reading, and every number a code once
+/// all values are known. Several dimensions may use one column.
 class KeyColumnBuilder {
 public:
     KeyColumnBuilder(std::string name, std::optional<CalendarDefinition> calendar)
@@ -23,24 +23,26 @@ public:
     const std::string& Name() const { return name_; }
     bool IsCalendar() const { return calendarDefinition_.has_value(); }
 
-    /// A value from a line of the dimension table number `table` (counted over the tables on this column).
+    /// Adds a value from a line of dimension table number `table`, counted over the tables that use this
+    /// column.
     std::uint32_t AddKnownValue(std::string_view text, std::size_t table);
-    /// From now on a value must be known to each of the tables that were added, `tableNames` by number.
+    /// Ends the dimension tables: from now on every value must occur in each of them. `tableNames` are their
+    /// names by number.
     void CloseTables(std::vector<std::string> tableNames);
 
-    /// A number that stands for the field, or none when it cannot be used: FaultOf says why. New texts get a
-    /// number only where the facts alone decide what values there are, and then always.
+    /// The number of the field's value, or nothing when the field cannot be used (FaultOf says why). Adds new
+    /// texts only when no dimension table restricts the values, and then always.
     std::optional<std::uint32_t> NumberOf(std::string_view field, DateFormat format);
     std::string FaultOf(std::string_view field, DateFormat format) const;
-    /// Whether NumberOf takes any text.
+    /// Whether NumberOf accepts any text.
     bool TakesAnyText() const { return !IsCalendar() && tableNames_.empty(); }
 
-    /// Settles the codes of dates from the numbers that the facts have. Raises EngineError (InvalidData) when
-    /// there are no dates or they span too many years.
+    /// Assigns codes to dates. Raises EngineError (InvalidData) when the facts have no dates or their dates
+    /// span too many years.
     void NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place);
-    /// Settles the codes of texts: `ordered` first, in its order, then all others.
+    /// Assigns codes to texts: first those in `ordered`, in that order, then all others.
     void NumberTexts(const std::vector<std::uint32_t>& ordered);
-    /// The numbers' places in the order of their texts.
+    /// The rank of every number in the order of its text.
     std::vector<std::uint32_t> Ranks() const;
 
     const TextDictionary& Texts() const { return texts_; }
@@ -56,12 +58,12 @@ private:
 
     std::string name_;
     std::optional<CalendarDefinition> calendarDefinition_;
-    TextDictionary texts_; ///< of a calendar: the date format's number as a character, then the date's text
+    TextDictionary texts_; ///< for a calendar, the date format as a character followed by the text
     std::string datedText_;
-    std::vector<std::optional<std::chrono::sys_days>> days_; ///< by number, of a calendar
+    std::vector<std::optional<std::chrono::sys_days>> days_; ///< by number, for a calendar
     std::vector<std::string> tableNames_;
     std::vector<std::vector<bool>> isKnown_; ///< by table and number
-    std::vector<bool> isUsable_;             ///< by number, once the tables are closed
+    std::vector<bool> isUsable_;             ///< by number, filled by CloseTables
     std::optional<Calendar> periods_;
     std::vector<std::uint32_t> codes_;
     std::uint32_t codeCount_ = 0;

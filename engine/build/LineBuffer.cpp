@@ -10,7 +10,7 @@ std::string_view LineBuffer::LineAt(std::size_t offset) {
         const auto* const end = std::find_if(window.begin() + searched, window.end(),
                                              [](char c) { return c == '\n' || c == '\r'; });
         const auto place = static_cast<std::size_t>(end - window.begin());
-        // A carriage return at the buffer's very end may have its line feed in the next chunk.
+        // A CR at the end of the buffer may be followed by its LF in the next chunk.
         if (place < window.size() && (window[place] == '\n' || place + 1 < window.size() || isAtEnd_)) {
             const bool isPair = window.substr(place, 2) == "\r\n";
             return window.substr(offset, place + (isPair ? 2 : 1) - offset);

@@ -8,20 +8,20 @@
 
 namespace qel::engine {
 
-/// A window on a text file for a reader that takes physical lines (ended by LF, CR LF or CR) one after the
-/// other, and may want to go back to where its record began.
+/// A sliding window over a text file for a reader that takes physical lines (ended by LF, CR LF or CR) in
+/// sequence and may go back to the start of its record.
 class LineBuffer {
 public:
     explicit LineBuffer(std::istream& input) : input_(input) {}
 
-    /// The line that starts `offset` bytes behind the window's start, its end included; empty at the end of
-    /// the file. Valid until the next call.
+    /// The line that starts `offset` bytes after the window's start, including its line end; empty at the end
+    /// of the file. Valid until the next call.
     std::string_view LineAt(std::size_t offset);
-    /// The first bytes of the window, which LineAt has reached.
+    /// The first bytes of the window. LineAt must have reached them.
     std::string_view First(std::size_t size) const { return std::string_view(buffer_).substr(start_, size); }
-    /// Moves the window's start on.
+    /// Advances the window's start.
     void Drop(std::size_t size) { start_ += size; }
-    /// The window's place in the file.
+    /// The window's offset in the file.
     std::uint64_t Position() const { return discarded_ + start_; }
 
 private:

@@ -12,7 +12,7 @@ namespace {
 
 using Ranges = std::vector<KeyRange>;
 
-/// Sets of more ranges are not worth an aggregate's lookup.
+/// Sets with more ranges are not worth an aggregate.
 constexpr std::size_t mostRanges = 64;
 
 CodeRanges CodesOf(const HierarchyModel& hierarchy, std::size_t member) {
@@ -20,10 +20,10 @@ CodeRanges CodesOf(const HierarchyModel& hierarchy, std::size_t member) {
     return CodeRanges(hierarchy.ranges).subspan(first, hierarchy.rangeOffsets[member + 1] - first);
 }
 
-/// Members by the hash of their names: what is together by chance is a set that nobody asks for.
+/// Members by the hash of their name. A hash collision only adds a set that no query selects.
 using NamedMembers = std::vector<std::pair<std::uint64_t, std::uint32_t>>;
 
-/// All codes of the members of one name; empty when they share some, or are too scattered.
+/// The codes of all members of one name; empty when members overlap or the ranges are too many.
 Ranges CodesOfAll(const HierarchyModel& hierarchy, NamedMembers::const_iterator first,
                   NamedMembers::const_iterator last) {
     Ranges codes;
@@ -52,7 +52,7 @@ void VisitNamesOfLevel(const HierarchyModel& hierarchy, std::uint32_t firstMembe
     }
 }
 
-/// Calls visit(ranges) for the codes of every member of the column's hierarchies, and of every name on a
+/// Calls visit(ranges) for the codes of every member of the column's hierarchies, and of every name on each
 /// level.
 template <class Visit>
 void VisitSets(const CubeModel& model, std::size_t keyColumn, const Visit& visit) {
@@ -93,7 +93,7 @@ void FindGroups(const CubeModel& model, AggregateModel& aggregates) {
     groups.erase(std::unique(groups.begin(), groups.end()), groups.end());
     for (const Ranges& group : groups) {
         aggregates.groupRanges.insert(aggregates.groupRanges.end(), group.begin(), group.end());
-        aggregates.groupPlaces.push_back(static_cast<std::uint32_t>(aggregates.groupRanges.size()));
+        aggregates.groupStarts.push_back(static_cast<std::uint32_t>(aggregates.groupRanges.size()));
     }
 }
 

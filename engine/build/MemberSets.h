@@ -7,12 +7,12 @@
 
 namespace qel::engine {
 
-/// The groups of codes that members of the aggregates' key columns stand for, and members of one name on a
-/// level together, since formulas select by name. The model's aggregates get them.
+/// Fills the model's groups: the sets of several ranges that stand for a member of an aggregate's key column,
+/// or for all members of one name on a level, because statements select by name.
 void FindGroups(const CubeModel& model, AggregateModel& aggregates);
 
-/// The different sets of codes of the same members of one key column, as an aggregate's key has them, without
-/// the one of all codes. Of a set of very many ranges there is nothing.
+/// The distinct sets of codes of the same members of one key column, in the form of AggregateKey, without the
+/// set of all codes and without sets of too many ranges.
 std::vector<KeyRange> MemberSets(const CubeModel& model, const CodeGroups& groups, std::size_t keyColumn);
 
 } // namespace qel::engine

@@ -33,7 +33,7 @@ std::uint32_t MemberTree::FindOrAdd(std::uint32_t parent, std::uint32_t level, c
 
 void MemberTree::Finish() {
     children_.clear();
-    std::vector<std::uint32_t> order, placeOf(nodes_.size());
+    std::vector<std::uint32_t> order, rankOf(nodes_.size());
     for (std::uint32_t depth = 0; order.size() < nodes_.size(); ++depth) {
         std::vector<std::uint32_t> level;
         for (std::uint32_t node = 0; node < nodes_.size(); ++node) {
@@ -41,21 +41,21 @@ void MemberTree::Finish() {
                 level.push_back(node);
             }
         }
-        for (const std::uint32_t node : SortLevel(level, placeOf)) {
-            placeOf[node] = static_cast<std::uint32_t>(order.size());
+        for (const std::uint32_t node : SortLevel(level, rankOf)) {
+            rankOf[node] = static_cast<std::uint32_t>(order.size());
             order.push_back(node);
         }
     }
     Renumber(order);
     for (auto& [node, value] : values_) {
-        node = node == none ? none : placeOf[node];
+        node = node == none ? none : rankOf[node];
     }
     std::sort(values_.begin(), values_.end());
     values_.erase(std::unique(values_.begin(), values_.end()), values_.end());
 }
 
 std::vector<std::uint32_t> MemberTree::SortLevel(const std::vector<std::uint32_t>& level,
-                                                 const std::vector<std::uint32_t>& placeOf) const {
+                                                 const std::vector<std::uint32_t>& rankOf) const {
     if (level.empty()) {
         return {};
     }
@@ -72,7 +72,7 @@ std::vector<std::uint32_t> MemberTree::SortLevel(const std::vector<std::uint32_t
                        [&level](std::uint32_t place) { return level[place]; });
     }
     const auto parentPlace = [&](std::uint32_t node) {
-        return nodes_[node].parent == none ? 0 : placeOf[nodes_[node].parent];
+        return nodes_[node].parent == none ? 0 : rankOf[nodes_[node].parent];
     };
     std::stable_sort(sorted.begin(), sorted.end(),
                      [&](auto left, auto right) { return parentPlace(left) < parentPlace(right); });
@@ -80,14 +80,14 @@ std::vector<std::uint32_t> MemberTree::SortLevel(const std::vector<std::uint32_t
 }
 
 void MemberTree::Renumber(const std::vector<std::uint32_t>& order) {
-    std::vector<std::uint32_t> placeOf(nodes_.size());
+    std::vector<std::uint32_t> rankOf(nodes_.size());
     std::vector<Node> nodes;
     nodes.reserve(nodes_.size());
     for (const std::uint32_t node : order) {
-        placeOf[node] = static_cast<std::uint32_t>(nodes.size());
+        rankOf[node] = static_cast<std::uint32_t>(nodes.size());
         nodes.push_back(nodes_[node]);
         if (nodes.back().parent != none) {
-            nodes.back().parent = placeOf[nodes.back().parent];
+            nodes.back().parent = rankOf[nodes.back().parent];
         }
     }
     nodes_ = std::move(nodes);
@@ -95,7 +95,7 @@ void MemberTree::Renumber(const std::vector<std::uint32_t>& order) {
 
 std::vector<std::uint32_t> MemberTree::ValuesInTreeOrder(const std::vector<std::uint32_t>& rank) const {
     std::vector<std::vector<std::uint32_t>> children(nodes_.size()), values(nodes_.size());
-    std::vector<std::uint32_t> pending; // a stack: what comes next is at the end
+    std::vector<std::uint32_t> pending; // a stack: the next node is at the end
     for (auto node = static_cast<std::uint32_t>(nodes_.size()); node-- > 0;) {
         const std::uint32_t parent = nodes_[node].parent;
         (parent == none ? pending : children[parent]).push_back(node);
@@ -133,7 +133,7 @@ std::vector<std::vector<KeyRange>> MemberTree::NodeRanges(const std::vector<std:
         }
     }
     for (auto node = static_cast<std::uint32_t>(nodes_.size()); node-- > 0;) {
-        NormalizeRanges(ranges[node]); // children come behind their parents, so this one is complete
+        NormalizeRanges(ranges[node]); // complete: children come after their parents
         const std::uint32_t parent = nodes_[node].parent;
         if (parent != none) {
             ranges[parent].insert(ranges[parent].end(), ranges[node].begin(), ranges[node].end());

@@ -12,7 +12,7 @@ void PackKeyColumns(std::vector<KeyColumn>& columns) {
         return columns[left].Bits() > columns[right].Bits();
     });
     constexpr unsigned byteBits = 8;
-    std::vector<unsigned> used; // bits of each packed column
+    std::vector<unsigned> used; // number of bits, by packed column
     for (const std::size_t index : order) {
         KeyColumn& column = columns[index];
         const unsigned bits = column.Bits();
@@ -24,7 +24,7 @@ void PackKeyColumns(std::vector<KeyColumn>& columns) {
         column.shift = 0;
         if (shared == used.end()) {
             used.push_back(isNarrow ? bits : column.width * byteBits);
-        } else if (bits > 0) { // a column of one code has no bits, and its byte may be full
+        } else if (bits > 0) { // a column of a single code has no bits, and the shared byte may be full
             column.shift = static_cast<std::uint8_t>(*shared);
             *shared += bits;
         }

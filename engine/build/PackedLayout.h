@@ -6,11 +6,11 @@
 
 namespace qel::engine {
 
-/// Columns of at most so many bits share bytes.
+/// Columns of at most this many bits share bytes.
 inline constexpr unsigned narrowBits = 7;
 
-/// Gives every key column its packed column: narrow columns share bytes, each of the others has a packed
-/// column of the narrowest width.
+/// Assigns every key column to a packed column: narrow columns share a byte, each other column gets its own
+/// packed column of the narrowest width.
 void PackKeyColumns(std::vector<KeyColumn>& columns);
 
 } // namespace qel::engine

@@ -13,15 +13,15 @@ bool IsAscii(std::string_view text) {
 
 std::string WithPlainSigns(std::string_view text) {
     constexpr std::array<std::pair<std::string_view, std::string_view>, 9> signs = {{
-        {"\xC2\xA0", " "},     // no-break blank
-        {"\xE2\x80\xAF", " "}, // narrow no-break blank
-        {"\xE2\x80\x89", " "}, // thin blank
+        {"\xC2\xA0", " "},     // no-break space
+        {"\xE2\x80\xAF", " "}, // narrow no-break space
+        {"\xE2\x80\x89", " "}, // thin space
         {"\xE2\x88\x92", "-"}, // minus
         {"\xE2\x80\x99", "'"}, // apostrophe
         {"\xE2\x80\x8E", ""},  // left-to-right mark
         {"\xE2\x80\x8F", ""},  // right-to-left mark
         {"\xE2\x81\xA6", ""},  // left-to-right isolate
-        {"\xE2\x81\xA9", ""},  // its end
+        {"\xE2\x81\xA9", ""},  // pop directional isolate
     }};
     std::string plain;
     while (!text.empty()) {

@@ -8,22 +8,22 @@ namespace qel::engine {
 
 namespace {
 
-/// One running sum.
+/// One prefix sum.
 struct PrefixEntry {
     AggregateCell cell;
-    std::uint32_t number = 0;
-    bool isFirst = false; ///< of its strip
+    std::uint32_t index = 0; ///< into sums and counts
+    bool isFirst = false;    ///< of its packed key
 };
 
-/// In the order of their places, of whose words `kept` is left.
+/// The prefix sums sorted by cell, with the packed keys masked by `kept`.
 std::vector<PrefixEntry> SortedEntries(const PrefixSums& prefixSums, std::uint32_t kept) {
     std::vector<PrefixEntry> entries;
     entries.reserve(prefixSums.counts.size());
     for (std::size_t i = 0; i < prefixSums.keys.size(); ++i) {
-        std::uint32_t number = prefixSums.starts[i];
-        for (std::uint64_t left = prefixSums.bucketMasks[i]; left != 0; left &= left - 1, ++number) {
-            const auto bucket = static_cast<std::uint32_t>(std::countr_zero(left)); // of the word's block
-            entries.push_back({{prefixSums.keys[i] & kept, bucket}, number, number == prefixSums.starts[i]});
+        std::uint32_t index = prefixSums.starts[i];
+        for (std::uint64_t left = prefixSums.bucketMasks[i]; left != 0; left &= left - 1, ++index) {
+            const auto bucket = static_cast<std::uint32_t>(std::countr_zero(left)); // within the key's block
+            entries.push_back({{prefixSums.keys[i] & kept, bucket}, index, index == prefixSums.starts[i]});
         }
     }
     std::sort(entries.begin(), entries.end(), [](const PrefixEntry& left, const PrefixEntry& right) {
@@ -32,7 +32,7 @@ std::vector<PrefixEntry> SortedEntries(const PrefixSums& prefixSums, std::uint32
     return entries;
 }
 
-/// How many words differ in `kept`.
+/// The number of distinct keys under the mask `kept`.
 std::size_t CountKeys(std::vector<std::uint32_t> keys, std::uint32_t kept) {
     std::transform(keys.begin(), keys.end(), keys.begin(), [&](auto key) { return key & kept; });
     std::sort(keys.begin(), keys.end());
@@ -60,24 +60,24 @@ void PrefixSumWriter::MoveTo(AggregateCell cell) {
 
 std::uint32_t AddCoarserAggregate(const AggregateTable::PackedKeyColumn& leftOut,
                                   std::span<const std::size_t> summed, PrefixSums& prefixSums) {
-    constexpr std::size_t leastKeysInOne = 4;
+    constexpr std::size_t leastReduction = 4;
     const std::uint32_t kept = ~leftOut.Mask();
-    const std::size_t merged = CountKeys(prefixSums.keys, kept);
-    if (merged * leastKeysInOne > prefixSums.keys.size()) {
+    const std::size_t keyCount = CountKeys(prefixSums.keys, kept);
+    if (keyCount * leastReduction > prefixSums.keys.size()) {
         return 0;
     }
     PrefixSumWriter writer(prefixSums, summed);
     for (const PrefixEntry& entry : SortedEntries(prefixSums, kept)) {
         writer.MoveTo(entry.cell);
-        const auto added = [&](const auto& running) {
-            return running[entry.number] - (entry.isFirst ? 0 : running[entry.number - 1]);
+        const auto added = [&](const auto& prefix) {
+            return prefix[entry.index] - (entry.isFirst ? 0 : prefix[entry.index - 1]);
         };
         prefixSums.counts.back() += added(prefixSums.counts);
         for (const std::size_t i : summed) {
             prefixSums.sums[i].back() += added(prefixSums.sums[i]);
         }
     }
-    return static_cast<std::uint32_t>(merged);
+    return static_cast<std::uint32_t>(keyCount);
 }
 
 } // namespace qel::engine

@@ -10,30 +10,31 @@
 
 namespace qel::engine {
 
-/// A strip's word, and a bucket of time.
+/// A packed key and a time bucket.
 struct AggregateCell {
     std::uint32_t key = 0, bucket = 0;
 
     bool operator==(const AggregateCell&) const = default;
 };
 
-/// The strips of one aggregate, as AggregateTable explains them.
+/// The prefix sums of one aggregate, see AggregateTable.
 struct PrefixSums {
-    std::vector<std::uint32_t> keys, starts;
+    std::vector<std::uint32_t> keys;   ///< packed keys
+    std::vector<std::uint32_t> starts; ///< each key's first prefix sum
     std::vector<std::uint64_t> bucketMasks;
-    std::vector<std::vector<std::int64_t>> sums; ///< running, by measure
-    std::vector<std::uint32_t> counts;           ///< running
+    std::vector<std::vector<std::int64_t>> sums; ///< prefix sums by measure
+    std::vector<std::uint32_t> counts;           ///< prefix counts
 };
 
-/// Writes strips behind those that are there, entry by entry, by word and bucket.
+/// Appends prefix sums in the order of their cells.
 class PrefixSumWriter {
 public:
-    /// `summed` are the measures that are summed; the others count.
+    /// `summed` are the measures that are summed; the others are counts.
     PrefixSumWriter(PrefixSums& prefixSums, std::span<const std::size_t> summed)
         : prefixSums_(prefixSums), summed_(summed) {}
 
-    /// Goes on with the entry of that place, which is the last one or behind it: the last of the counts and
-    /// of the sums is its own.
+    /// Continues with the prefix sum of that cell, which is the current one or a later one. The caller adds
+    /// facts to the last element of `counts` and `sums`.
     void MoveTo(AggregateCell cell);
 
 private:
@@ -42,8 +43,8 @@ private:
     std::optional<AggregateCell> last_;
 };
 
-/// Adds the same facts again in strips that leave a column of the word out, where these are far fewer.
-/// Returns how many there are.
+/// Appends the coarser aggregate, which leaves out one column of the packed key, when it has far fewer keys.
+/// Returns the number of its keys.
 std::uint32_t AddCoarserAggregate(const AggregateTable::PackedKeyColumn& leftOut,
                                   std::span<const std::size_t> summed, PrefixSums& prefixSums);
 

@@ -12,7 +12,7 @@ namespace qel::engine {
 
 namespace {
 
-/// The number of bytes to insert, remove, replace or exchange with their neighbour.
+/// The edit distance in bytes: insertions, deletions, replacements and transpositions.
 std::size_t Distance(std::string_view left, std::string_view right) {
     std::vector<std::size_t> before, last(right.size() + 1), row(right.size() + 1);
     std::iota(last.begin(), last.end(), std::size_t{0});
@@ -36,7 +36,7 @@ std::size_t Distance(std::string_view left, std::string_view right) {
 } // namespace
 
 const std::string* NearestWord(std::string_view word, std::span<const std::string> known) {
-    constexpr std::size_t longest = 100; // longer than any word that a person mistypes
+    constexpr std::size_t longest = 100; // limits the quadratic edit distance
     if (word.size() > longest) {
         return nullptr;
     }

@@ -6,12 +6,10 @@
 
 namespace qel::engine {
 
-/// The known word that a mistyped one most likely stands for, or that is a slip of it; null when none is
-/// near.
+/// The known word nearest to a mistyped one, or null when none is near.
 const std::string* NearestWord(std::string_view word, std::span<const std::string> known);
 
-/// "; did you mean \"X\"?" for the known word that a mistyped one most likely stands for, otherwise an empty
-/// text.
+/// "; did you mean \"X\"?" for the known word nearest to a mistyped one, otherwise an empty text.
 std::string Suggestion(std::string_view word, std::span<const std::string> known);
 
 } // namespace qel::engine

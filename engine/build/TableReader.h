@@ -11,7 +11,7 @@
 
 namespace qel::engine {
 
-/// A build's progress: the step's name and its share done.
+/// Receives the name of a build step and the share done.
 using BuildProgress = std::function<void(const std::string& step, double share)>;
 
 /// Reads the lines of one table of a definition.
@@ -22,13 +22,13 @@ public:
 
     const TableDefinition& Table() const { return table_; }
     const CsvReader& Csv() const { return csv_; }
-    /// The number of the column that the definition knows by this name. Raises EngineError (InvalidData)
-    /// naming the file and the columns that there are.
+    /// The index of the column that the definition calls `name`. Raises EngineError (InvalidData) naming the
+    /// file and its columns.
     std::size_t Column(const std::string& name) const;
-    /// Reads the next line whose form is right; wrong ones are reported. False at the end.
+    /// Reads the next well-formed line and reports malformed ones. False at the end.
     bool Next();
     std::string_view Field(std::size_t column) const { return csv_.Field(column); }
-    /// Reports the current line.
+    /// Reports the current line as unusable.
     void ReportBad(std::size_t column, const std::string& fault);
 
     std::uint64_t LinesRead() const { return linesRead_; }

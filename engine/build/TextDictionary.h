@@ -8,7 +8,7 @@
 
 namespace qel::engine {
 
-/// Distinct texts, numbered as they come.
+/// Distinct texts, numbered in the order they are added.
 class TextDictionary {
 public:
     TextDictionary() : slots_(16) {}
@@ -27,7 +27,7 @@ private:
         std::uint32_t numberPlusOne = 0; ///< 0: free
     };
 
-    /// The slot that holds the text, or the free one where it belongs.
+    /// The slot that holds the text, or the free slot for it.
     std::size_t SlotOf(std::string_view text, std::uint32_t hash) const;
     void Grow();
 

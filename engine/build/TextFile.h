@@ -6,8 +6,8 @@
 
 namespace qel::engine {
 
-/// Opens a regular file for reading its bytes. Raises EngineError (FileNotFound) naming the file and saying
-/// why it cannot be read.
+/// Opens a regular file for reading in binary mode. Raises EngineError (FileNotFound) naming the file and the
+/// reason.
 std::ifstream OpenTextFile(const std::filesystem::path& path);
 
 /// The bytes of a whole file; errors as above.

@@ -11,15 +11,15 @@ namespace qel::engine {
 
 namespace {
 
-/// More pairs of ranges than this are not worth a lookup each.
+/// With more pairs of ranges, one lookup per pair is not worth it.
 constexpr std::size_t mostPairs = 64;
 
 KeyRange Between(std::uint32_t one, std::uint32_t other) {
     return {std::min(one, other), std::max(one, other)};
 }
 
-/// One question to the aggregates. An aggregate answers for one set of codes in up to two key columns; what
-/// has none as it is asked for is asked for range by range.
+/// Plans one query. An aggregate covers one set of codes in up to two key columns. When no aggregate covers
+/// the whole sets, the query is split into pairs of ranges.
 class AggregatePlan {
 public:
     AggregatePlan(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure,
@@ -31,14 +31,14 @@ public:
 
 private:
     struct Pair {
-        const Aggregate* aggregate; ///< null when there is none
+        const Aggregate* aggregate; ///< null: read from facts
         CodeRanges first, second;
     };
 
-    /// Sorts the restrictions into keys, the word's and the time's. False when there are more keys than a
-    /// aggregate has.
-    bool Sort();
-    /// What a key is restricted to; of a key that there is not, one range that nothing is done with.
+    /// Splits the restrictions into those of the aggregate's key and the residuals. False when there are more
+    /// key columns than an aggregate has.
+    bool SplitRestrictions();
+    /// The codes of a key column, or a dummy range when the query restricts fewer columns.
     CodeRanges CodesOf(std::size_t key) const {
         static constexpr KeyRange none{};
         return keys_[key] == nullptr ? CodeRanges(&none, 1) : keys_[key]->codes;
@@ -48,7 +48,7 @@ private:
     bool FindPairs();
     void AddRows(const Aggregate& aggregate);
     void AddPrefixSums(const Pair& pair);
-    /// The whole buckets that are read for a range of time; none when reading facts alone is less.
+    /// The buckets to read for a span of time; empty when reading facts alone is cheaper.
     KeyRange BucketsFor(KeyRange time) const;
     std::vector<Restriction> RestrictionsOf(const Pair& pair, CodeRanges time) const;
 
@@ -59,13 +59,13 @@ private:
     BucketRounding rounding_;
     std::array<const Restriction*, 2> keys_{};
     const Restriction* time_ = nullptr;
-    std::vector<Restriction> residuals_; ///< of the word and the time
+    std::vector<Restriction> residuals_; ///< on the packed key and the time
     std::vector<Pair> pairs_;
     FactAccessPlan& plan_;
 };
 
 bool AggregatePlan::Make() {
-    if (!Sort() || (!FindWhole() && !FindPairs())) {
+    if (!SplitRestrictions() || (!FindWhole() && !FindPairs())) {
         return false;
     }
     for (const Pair& pair : pairs_) {
@@ -80,7 +80,7 @@ bool AggregatePlan::Make() {
     return true;
 }
 
-bool AggregatePlan::Sort() {
+bool AggregatePlan::SplitRestrictions() {
     const auto parts = aggregates_.PackedKeyColumns();
     residuals_.reserve(restrictions_.size());
     for (const Restriction& restriction : restrictions_) {
@@ -128,7 +128,7 @@ bool AggregatePlan::FindWhole() {
 bool AggregatePlan::FindPairs() {
     const CodeRanges first = CodesOf(0), second = CodesOf(1);
     if (first.size() > mostPairs || first.size() * second.size() > mostPairs ||
-        first.size() * second.size() == 1) { // which was looked for as a whole
+        first.size() * second.size() == 1) { // FindWhole has looked for it
         return false;
     }
     pairs_.reserve(first.size() * second.size());
@@ -152,7 +152,7 @@ void AggregatePlan::AddRows(const Aggregate& aggregate) {
     const auto parts = aggregates_.PackedKeyColumns();
     const Restriction* const sorted =
         parts.empty() ? nullptr : FindRestriction(residuals_, parts.back().column);
-    if (sorted != nullptr) { // the rows ascend by the word's last column
+    if (sorted != nullptr) { // the rows are sorted by the last column of the packed key
         const KeyColumn& column = facts_.KeyColumns()[sorted->keyColumn];
         const CodeColumn codes(projection.PackedColumn(column.packedColumn, rows), column);
         const std::size_t begin = codes.LowerBound(0, rows.Count(), sorted->codes.front().first);
@@ -165,7 +165,7 @@ void AggregatePlan::AddRows(const Aggregate& aggregate) {
 void AggregatePlan::AddPrefixSums(const Pair& pair) {
     const auto buckets = aggregates_.TimeBuckets();
     const KeyRange always{buckets.front(), buckets.back()};
-    std::vector<KeyRange> lacking, surplus; // times beside the whole buckets
+    std::vector<KeyRange> lacking, surplus; // parts of the span that the buckets miss or exceed
     const PrefixSumReader prefixSums(facts_, *pair.aggregate, residuals_, measure_);
     for (const KeyRange range : time_ == nullptr ? CodeRanges(&always, 1) : time_->codes) {
         const KeyRange read = BucketsFor(range);

@@ -4,15 +4,16 @@
 
 namespace qel::engine {
 
-/// What strips of aggregates may be read for at the ends of a span of time.
+/// Which time buckets are read for a span of time whose ends lie inside a bucket.
 enum class BucketRounding {
-    Within, ///< what lies in the span
-    Nearest ///< more than that, where the facts that are too many are fewer than those that would lack
+    Within, ///< only buckets inside the span; the rest is read from facts
+    Nearest ///< also a bucket that sticks out, when subtracting its surplus facts is cheaper than adding
+            ///< missing ones
 };
 
-/// Adds to `plan` how to read the facts under the restrictions, none of which is empty, from aggregates,
-/// and from facts what these do not hold. Returns false, with nothing added, when no aggregate helps. The
-/// cube has aggregates. Raises EngineError (DamagedFile).
+/// Plans to read the facts under the restrictions from aggregates, and from facts where aggregates do not
+/// cover them. No restriction may be empty, and the cube must have aggregates. Returns false, with `plan`
+/// unchanged, when no aggregate helps. Raises EngineError (DamagedFile).
 bool PlanAggregates(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure,
                     BucketRounding rounding, FactAccessPlan& plan);
 

@@ -173,7 +173,7 @@ Bound Binder::BindTuple(NodeId id) {
         hasSet = hasSet || IsSet(elements.back());
     }
     NodeId child = At(id).firstChild;
-    if (hasSet) { // ({a, b}, {c, d}) is the cross join
+    if (hasSet) { // ({a, b}, {c, d}) is a cross join
         std::vector<SetPart> parts;
         for (Bound& element : elements) {
             parts.push_back({ToSet(std::move(element), child), child});

@@ -13,19 +13,19 @@
 
 namespace qel::engine {
 
-/// What a node of the syntax tree has turned out to be.
+/// The meaning of a node of the syntax tree.
 using Bound = std::variant<HierarchyName, LevelName, MemberPtr, TupleExpression, SetPtr, NumberPtr, TextPtr,
                            ConditionPtr>;
 
-/// Turns syntax trees into expressions: looks names up, gives every node its type, and converts where the
-/// language does: a hierarchy to its current member, a member to a tuple or a set of one, a member or a tuple
-/// to the value of its cell. Every error is an EngineError at the node's place.
+/// Turns syntax trees into typed expressions: resolves names and applies MDX's implicit conversions (a
+/// hierarchy to its current member, a member to a tuple or a set, a member or a tuple to the value of its
+/// cell). Errors are EngineErrors that point at the node.
 class Binder {
 public:
     Binder(const mdx::Statement& statement, MemberSpace& space, Evaluator& evaluator)
         : statement_(statement), space_(space), evaluator_(evaluator), names_(space, statement) {}
 
-    /// Makes the calculated members and named sets of WITH known, then binds their formulas.
+    /// Declares the calculated members and named sets of WITH, then binds their formulas.
     void BindDefinitions();
     NamedSets& Sets() { return namedSets_; }
 
@@ -43,13 +43,13 @@ public:
     NumberPtr ToNumber(Bound bound, mdx::NodeId node);
     LevelRef ToLevel(const Bound& bound, mdx::NodeId node) const;
 
-    /// A lone word without brackets, such as DESC; empty for anything else.
+    /// A single word without brackets, such as DESC; otherwise empty.
     std::string_view Word(mdx::NodeId node) const;
     const mdx::Node& At(mdx::NodeId node) const { return statement_.At(node); }
     const MemberSpace& Space() const { return space_; }
     Evaluator& GetEvaluator() { return evaluator_; }
     [[noreturn]] void Fail(mdx::NodeId node, std::string_view message) const;
-    /// Raises InvalidExpression unless the set takes tuples of this shape; an empty one takes any.
+    /// Raises InvalidExpression unless the set has this dimensionality. An empty dimensionality matches any.
     void CheckDimensionality(const Dimensionality& dimensionality, const SetExpression& set,
                              mdx::NodeId node) const;
     std::string Describe(const Dimensionality& dimensionality) const;
@@ -82,7 +82,7 @@ private:
 bool IsSet(const Bound& bound);
 MemberPtr ConstantMember(MemberRef member);
 SetPtr SetOfTuple(TupleExpression tuple);
-/// The value of a tuple's cell; empty when one of its members is absent.
+/// The value of a tuple's cell; empty when one of its members does not exist.
 NumberPtr ValueOf(TupleExpression tuple);
 
 } // namespace qel::engine

@@ -8,7 +8,8 @@ namespace qel::engine {
 
 BlockFilter::BlockFilter(const Restriction& restriction, const KeyColumn& column)
     : packedColumn_(column.packedColumn), width_(column.width), shift_(column.shift), bits_(column.Mask()) {
-    const std::size_t fewRanges = 16U / width_; // are compared in less time than codes are looked up
+    const std::size_t fewRanges =
+        16U / width_; // comparing with this many ranges is faster than a table lookup
     const auto spanOf = [&](KeyRange range) {
         return PackedSpan{range.first << shift_, (range.last - 1) << shift_};
     };

@@ -11,27 +11,28 @@
 
 namespace qel::engine {
 
-/// Tests one packed column of the facts, a block of rows at a time.
+/// Tests one packed column, a block of rows at a time.
 class BlockFilter {
 public:
-    /// The restriction lets some code through.
+    /// The restriction must not be empty.
     BlockFilter(const Restriction& restriction, const KeyColumn& column);
 
     std::size_t PackedColumn() const { return packedColumn_; }
-    /// Takes over another filter of the same packed column when one comparison can do both; false when not.
+    /// Merges another filter on the same packed column when one comparison can test both; otherwise returns
+    /// false.
     bool Merge(const BlockFilter& other);
-    /// Marks each row: whether it passes. `packed columns` holds `count` values of the packed column.
+    /// Sets each row's mark to whether it passes. `packed` holds `count` values of the packed column.
     void Mark(const std::byte* packed, std::size_t count, BlockMask& mask) const;
-    /// Takes out the rows that do not pass.
+    /// Clears the marks of the rows that do not pass.
     void Apply(const std::byte* packed, std::size_t count, BlockMask& mask) const;
-    /// About how much memory this owns.
+    /// Approximate heap memory in bytes.
     std::size_t OwnedBytes() const;
 
 private:
-    /// Of a set of several ranges.
+    /// A set of several ranges.
     struct Set {
-        std::vector<PackedSpan> spans;  ///< when they are few
-        std::vector<std::uint8_t> isIn; ///< by code, for any other
+        std::vector<PackedSpan> spans;  ///< for few ranges
+        std::vector<std::uint8_t> isIn; ///< by code, for many ranges
     };
 
     bool IsOneCode() const { return set_ == nullptr && span_.first == span_.last; }
@@ -39,15 +40,15 @@ private:
     std::uint16_t packedColumn_;
     std::uint8_t width_, shift_;
     std::uint32_t bits_;
-    PackedSpan span_;                ///< for a set that is a single range
-    std::shared_ptr<const Set> set_; ///< for any other; apart, so that plans are small
+    PackedSpan span_;                ///< for a single range
+    std::shared_ptr<const Set> set_; ///< for several ranges; shared, to keep plans small
 };
 
-/// Adds a filter, or makes one of those that there are test it as well.
+/// Adds a filter, or merges it into one that is there.
 void AddFilter(BlockFilter filter, std::vector<BlockFilter>& filters);
 
-/// Marks the rows of a block that pass all filters, at least one: valuesOf(filter) has the values that it
-/// tests.
+/// Marks the rows of a block that pass all filters, of which there is at least one. valuesOf(filter) returns
+/// the values of the filter's packed column.
 template <class ValuesOf>
 void MarkPassing(std::span<const BlockFilter> filters, std::size_t count, BlockMask& mask,
                  const ValuesOf& valuesOf) {
@@ -57,10 +58,10 @@ void MarkPassing(std::span<const BlockFilter> filters, std::size_t count, BlockM
     }
 }
 
-/// About how much memory they take.
+/// Approximate memory in bytes.
 std::size_t BytesOf(std::span<const BlockFilter> filters);
 
-/// As few filters as test all of the restrictions.
+/// The fewest filters that test all restrictions.
 std::vector<BlockFilter> MakeFilters(const FactTable& facts, std::span<const Restriction> restrictions);
 
 } // namespace qel::engine

@@ -4,23 +4,23 @@
 
 #include <string_view>
 
-// Exact as long as 64 bits hold the result, a double's precision beyond. An empty cell counts as 0 beside a
-// number; two empty cells make an empty one.
+// Arithmetic on cell values: exact as long as the result fits in 64 bits, otherwise a double. An empty cell
+// counts as 0 beside a number; the result of two empty cells is empty.
 
 namespace qel::engine {
 
-/// More decimals than this are kept as a double.
+/// Numbers with more decimals are kept as doubles.
 inline constexpr std::uint8_t maxDecimals = 18;
 
 CellValue Add(const CellValue& a, const CellValue& b);
 CellValue Negate(const CellValue& a);
-/// Empty when either is empty.
+/// Empty when either operand is.
 CellValue Multiply(const CellValue& a, const CellValue& b);
-/// A division by 0 gives an infinity.
+/// Division by 0 gives an infinity.
 CellValue Divide(const CellValue& a, const CellValue& b);
 /// Negative, 0 or positive.
 int Compare(const CellValue& a, const CellValue& b);
-/// Digits with an optional point and exponent, as the lexer lets them through.
+/// Converts a number token of the lexer: digits with an optional decimal point and exponent.
 CellValue NumberFromText(std::string_view digits);
 
 } // namespace qel::engine

@@ -34,7 +34,7 @@ bool MultiplyFits(std::int64_t a, std::int64_t b) {
     return std::abs(a) <= largest / std::abs(b);
 }
 
-/// Both operands with the same number of decimals; false when one does not fit.
+/// Scales both operands to the same number of decimals; false when one does not fit.
 bool Align(const CellValue& a, const CellValue& b, std::int64_t& left, std::int64_t& right) {
     const std::uint8_t decimals = std::max(a.decimals, b.decimals);
     const std::int64_t leftFactor = powersOfTen[decimals - a.decimals];
@@ -130,7 +130,7 @@ int Compare(const CellValue& a, const CellValue& b) {
         return left < right ? -1 : static_cast<int>(left > right);
     }
     if (std::isnan(a.number) ||
-        std::isnan(b.number)) { // 0 / 0 comes before every number, so that sorting works
+        std::isnan(b.number)) { // NaN sorts before every number, to keep a strict order
         return static_cast<int>(std::isnan(b.number)) - static_cast<int>(std::isnan(a.number));
     }
     return a.number < b.number ? -1 : static_cast<int>(a.number > b.number);

@@ -5,15 +5,14 @@
 
 namespace qel::engine {
 
-/// Puts a cellset together from evaluated axes and cells.
+/// Assembles a cellset from evaluated axes and cells.
 class CellsetBuilder {
 public:
     explicit CellsetBuilder(const MemberSpace& space) : space_(space) {}
 
-    /// Axes are added columns first.
-    /// `levelCounts` as Cellset::LevelCount tells them.
+    /// Adds the next axis, columns first, with a level count per place (Cellset::LevelCount).
     void AddAxis(const TupleSet& tuples, std::vector<std::size_t> levelCounts);
-    /// The cells of all combinations, columns varying fastest.
+    /// Takes the cells of all combinations, columns varying fastest.
     Cellset Finish(std::vector<CellValue> cells);
 
 private:

@@ -6,7 +6,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Calls `visit(range)` for the common part of every two ranges that overlap, until it returns false.
+/// Calls visit(range) for every overlap of two ranges, until it returns false.
 template <class Visit>
 void VisitOverlaps(CodeRanges left, CodeRanges right, const Visit& visit) {
     std::size_t i = 0;

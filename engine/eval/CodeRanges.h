@@ -9,25 +9,25 @@
 
 namespace qel::engine {
 
-/// Only facts whose code in this key column is in the set.
+/// Restricts facts to those whose code in this key column is in the set.
 struct Restriction {
     std::size_t keyColumn = 0;
     CodeRanges codes;
 };
 
-/// The restriction of that key column, of which there is at most one; null when there is none.
+/// The restriction on that key column, or null. There is at most one per key column.
 const Restriction* FindRestriction(std::span<const Restriction> restrictions, std::size_t keyColumn);
 
-/// True when one of the restrictions lets no code through.
+/// Whether any restriction is empty, so that no fact qualifies.
 bool AnyIsEmpty(std::span<const Restriction> restrictions);
 
-/// True when every code from 0 to codes-1 is in the set.
+/// Whether the set contains every code from 0 to codes-1.
 bool CoversAll(CodeRanges ranges, std::uint32_t codes);
 
-/// True when the two sets share a code.
+/// Whether the two sets overlap.
 bool Intersects(CodeRanges left, CodeRanges right);
 
-/// The codes in both sets, written to `result`, which neither may be a view of.
+/// Writes the intersection to `result`. Neither set may be a view of `result`.
 void Intersect(CodeRanges left, CodeRanges right, std::vector<KeyRange>& result);
 
 /// Sorts ranges and joins those that touch or overlap.

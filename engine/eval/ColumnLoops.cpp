@@ -9,8 +9,8 @@ namespace {
 
 #define QEL_INLINE inline __attribute__((always_inline))
 
-/// Calls test(row) for every row, for some of them twice: steps of one length are vectorised without a rest
-/// that goes row by row, so the last step begins where it ends with the block.
+/// Calls test(row) for every row, in steps of fixed length that vectorise without a scalar remainder: the
+/// last step ends at the end of the block and overlaps the one before, so test must be idempotent.
 template <std::size_t step, class Test>
 QEL_INLINE void InSteps(std::size_t count, const Test& test) {
     const auto takeStep = [&](std::size_t first) {
@@ -26,7 +26,7 @@ QEL_INLINE void InSteps(std::size_t count, const Test& test) {
     }
 }
 
-/// Calls test(row) for every row; it must do no harm to call it twice.
+/// Calls test(row) for every row, possibly twice.
 template <class Test>
 QEL_INLINE void ForEachRow(std::size_t count, const Test& test) {
     constexpr std::size_t longStep = 32, shortStep = 8;
@@ -41,13 +41,13 @@ QEL_INLINE void ForEachRow(std::size_t count, const Test& test) {
     }
 }
 
-/// Whether the bits of each row lie in the span: join(row, 1 or 0).
+/// Calls join(row, 1 or 0) for each row: whether its value lies in the span.
 template <class Packed, class Join>
 QEL_INLINE void Between(const std::byte* packed, std::size_t count, std::uint32_t bits, PackedSpan span,
                         const Join& join) {
     const auto under = static_cast<Packed>(bits);
     const auto lowest = static_cast<Packed>(span.first);
-    // What lies below the first wraps around to large numbers, so one comparison tests both ends.
+    // Unsigned wrap-around: a single comparison tests both ends.
     const auto width = static_cast<Packed>(span.last - span.first);
     ForEachRow(count, [&](std::size_t i) {
         const auto distance = static_cast<Packed>((ReadAt<Packed>(packed, i) & under) - lowest);
@@ -140,7 +140,7 @@ void KeepListed(PackedBlock block, std::uint32_t bits, unsigned shift, std::span
     VisitCodeType(block.width, [&](auto type) {
         using Packed = decltype(type);
         for (std::size_t i = 0; i < block.count; ++i) {
-            // A code comes from the file and is not trusted to lie within the table.
+            // Codes come from the file and may lie beyond the table.
             const std::size_t code = (ReadAt<Packed>(block.data, i) & bits) >> shift;
             mask[i] &= code < isIn.size() ? isIn[code] : std::uint8_t{0};
         }

@@ -7,40 +7,40 @@
 #include <cstring>
 #include <span>
 
-// The loops over a block of a fact column: without branches, so that they are vectorised.
+// Branch-free loops over a block of a fact column, written to be vectorised.
 
 namespace qel::engine {
 
 inline constexpr std::size_t blockRows = 1024;
 
-/// For each row of a block 1 when it passed, otherwise 0.
+/// One byte per row of a block: 1 when the row passes, otherwise 0.
 using BlockMask = std::array<std::uint8_t, blockRows>;
 
-/// The rows of a block: `count` packed columns of `width` bytes.
+/// A block of a packed column: `count` values of `width` bytes.
 struct PackedBlock {
     const std::byte* data = nullptr;
     std::uint8_t width = 1;
     std::size_t count = 0;
 };
 
-/// A span of a packed column's bits as they lie, not shifted.
+/// A range of packed values, unshifted.
 struct PackedSpan {
-    std::uint32_t first = 0, last = 0; ///< both included
+    std::uint32_t first = 0, last = 0; ///< inclusive
 };
 
-/// Marks each row of the block: whether its bits under `bits` are in the span.
+/// Sets each row's mark to whether its value, masked by `bits`, lies in the span.
 void MarkBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask);
-/// Takes out the rows whose bits under `bits` are not in the span.
+/// Clears the marks of rows whose value, masked by `bits`, lies outside the span.
 void KeepBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask);
-/// Takes out the rows whose bits under `bits` are in none of the spans, which should be few.
+/// Clears the marks of rows whose value, masked by `bits`, lies in none of the spans. For few spans.
 void KeepBetweenAny(PackedBlock block, std::uint32_t bits, std::span<const PackedSpan> spans,
                     BlockMask& mask);
-/// Takes out the rows whose code, from `shift` under `bits`, has a 0 in the table or lies beyond it.
+/// Clears the marks of rows whose code (masked by `bits`, shifted by `shift`) is 0 in the table or beyond it.
 void KeepListed(PackedBlock block, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
                 BlockMask& mask);
 
-/// Calls visit(row) for the rows that passed, in order; for blocks of which few did, as it looks at eight at
-/// once.
+/// Calls visit(row) for every marked row, in order. Skips eight unmarked rows at once, so it is fast for
+/// sparse masks.
 template <class Visit>
 inline __attribute__((always_inline)) void VisitMarked(const std::uint8_t* mask, std::size_t count,
                                                        const Visit& visit) {
@@ -60,11 +60,10 @@ inline __attribute__((always_inline)) void VisitMarked(const std::uint8_t* mask,
     }
 }
 
-/// How many rows of the block passed.
+/// The number of marked rows.
 std::uint64_t CountRows(const BlockMask& mask, std::size_t count);
-/// The sum of `count` signed values of `width` bytes, of those alone that passed when `mask` is not null;
-/// `passed` says how many. Wraps around: values come from a file, and must not be undefined whatever they
-/// are.
+/// The sum of `count` signed values of `width` bytes, or of the marked ones when `mask` is not null; `passed`
+/// is their number. Wraps around on overflow, because a damaged file may hold any values.
 std::uint64_t SumValues(const std::byte* values, std::uint8_t width, std::size_t count, const BlockMask* mask,
                         std::uint64_t passed);
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-// How what stands in a statement becomes what is wanted there.
+// Implicit conversions between kinds of expressions.
 
 namespace qel::engine {
 
@@ -29,7 +29,7 @@ private:
     MemberId id_;
 };
 
-/// The tuple's members, or false when one of them is absent.
+/// Evaluates the tuple's members; false when one of them does not exist.
 bool EvaluateTuple(const TupleExpression& tuple, Evaluator& evaluator, std::vector<MemberId>& ids) {
     const TupleSource* source = tuple.empty() ? nullptr : tuple.front()->Source();
     if (source != nullptr && source->Size() == tuple.size() && tuple.back()->Source() == source) {
@@ -147,7 +147,7 @@ ConditionPtr Binder::BindCondition(NodeId node) {
     if (auto* condition = std::get_if<ConditionPtr>(&bound)) {
         return std::move(*condition);
     }
-    NumberPtr number = ToNumber(std::move(bound), node); // any number but 0 holds
+    NumberPtr number = ToNumber(std::move(bound), node); // any number but 0 is true
     return MakeCondition([number = std::move(number)](Evaluator& evaluator) {
         return Compare(number->Evaluate(evaluator), CellValue::Empty()) != 0;
     });

@@ -10,13 +10,13 @@ namespace qel::engine {
 
 namespace {
 
-/// Hierarchies of one dimension over one key column: which places of either side's tuples are theirs.
+/// A key column with hierarchies in the tuples of both sides: their positions in the tuples.
 struct SharedColumn {
     std::size_t dimension = 0;
     std::vector<std::size_t> leftPlaces, rightPlaces;
 };
 
-/// The columns that restrict combinations: those with hierarchies on both sides.
+/// The key columns with hierarchies on both sides; they restrict the combinations.
 std::vector<SharedColumn> FindSharedColumns(const MemberSpace& space, const Dimensionality& left,
                                             const Dimensionality& right) {
     const auto dimensionOf = [&](HierarchyId hierarchy) -> std::optional<std::size_t> {
@@ -46,7 +46,7 @@ std::vector<SharedColumn> FindSharedColumns(const MemberSpace& space, const Dime
     return shared;
 }
 
-/// The codes that all of a tuple's members at these places stand for; none when only calculated ones do.
+/// The codes common to all of a tuple's members at these positions; nothing when all of them are calculated.
 class TupleCodes {
 public:
     TupleCodes(const MemberSpace& space, const TupleSet& set, const std::vector<std::size_t>& places)
@@ -78,7 +78,7 @@ private:
     std::vector<KeyRange> common_;
 };
 
-/// Finds the tuples of a set that share a code with given ones, without trying all of them.
+/// Finds the tuples of a set that share a code with a given set of codes, without testing all of them.
 class OverlapIndex {
 public:
     OverlapIndex(const MemberSpace& space, const TupleSet& set, const std::vector<std::size_t>& places) {
@@ -100,7 +100,7 @@ public:
         }
     }
 
-    /// In the set's order.
+    /// Appends the tuples' numbers in the set's order.
     void Find(CodeRanges codes, std::vector<std::size_t>& found) const {
         found = unrestricted_;
         for (const KeyRange range : codes) {
@@ -120,7 +120,7 @@ public:
 private:
     struct Entry {
         KeyRange range;
-        std::uint32_t furthest; ///< the largest end of this range and all before it
+        std::uint32_t furthest; ///< the largest end up to this range
         std::size_t tuple;
     };
     std::vector<Entry> entries_;

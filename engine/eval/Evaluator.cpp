@@ -8,10 +8,11 @@ namespace qel::engine {
 
 namespace {
 
-/// Expressions of formulas that need one another. Keeps formulas that never end away from the end of the
-/// stack, which is small in a spreadsheet's threads.
+/// The depth of nested expressions of formulas that refer to each other. Stops endless recursion before the
+/// stack overflows; some threads have small stacks.
 constexpr int nestingLimit = 400;
-/// Formulas that use others twice each double the work at every step: forty of them would take years.
+/// When each formula uses the next one twice, evaluations double with every step; forty such formulas would
+/// take years.
 constexpr int evaluationLimit = 10'000'000;
 
 } // namespace
@@ -33,14 +34,14 @@ void FactCell::Restrict(std::size_t keyColumn, CodeRanges codes) {
     restrictions.push_back({keyColumn, codes});
 }
 
-CellValue ValueOf(FactSum total, const Measure& measure) {
+CellValue ValueOf(FactSum total, const MeasureColumn& measure) {
     if (total.rows == 0) {
         return CellValue::Empty();
     }
     if (measure.function == AggregateFunction::Count) {
         return CellValue::Exact(static_cast<std::int64_t>(total.rows), 0);
     }
-    // Unsigned: a file that was tampered with may overflow, and must not be undefined.
+    // Unsigned, because values of a damaged file may overflow.
     const std::uint64_t scaled =
         static_cast<std::uint64_t>(total.sum) * static_cast<std::uint64_t>(measure.unit);
     return CellValue::Exact(static_cast<std::int64_t>(scaled), measure.decimals);
@@ -157,7 +158,7 @@ bool Evaluator::Apply(const SumOfSet& sum) {
     }
     for (const FoldedHierarchy& folded : folded_) {
         if (folded.hierarchy == folding->hierarchy) {
-            return false; // one sum inside another over the same hierarchy, or a formula that names itself
+            return false; // nested sums over one hierarchy, or a recursive formula
         }
     }
     folded_.push_back({folding->hierarchy, folding->codes});

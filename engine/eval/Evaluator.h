@@ -14,8 +14,8 @@
 
 namespace qel::engine {
 
-/// A calculated member's formula. Of several that meet in one cell the one with the highest solve order is
-/// evaluated first, and of equal ones the one defined last.
+/// A calculated member's formula. When several meet in one cell, the one with the highest solve order
+/// applies, and among equal ones the one defined last.
 struct CalculatedFormula {
     NumberPtr formula;
     int solveOrder = 0;
@@ -23,21 +23,22 @@ struct CalculatedFormula {
     mdx::SourceRange range;
 };
 
-/// What a cell of stored facts reads: at most one restriction a key column, and a measure.
+/// The facts that a cell reads: at most one restriction per key column, and a measure.
 struct FactCell {
     std::vector<Restriction> restrictions;
     MemberId measure = 0;
-    std::deque<std::vector<KeyRange>> intersections; ///< owns codes that no member has as they are
+    std::deque<std::vector<KeyRange>>
+        intersections; ///< owns sets of codes that are not those of a single member
 
     void Clear();
-    /// Adds a restriction, or tightens the one that the key column already has.
+    /// Adds a restriction, or intersects it with the key column's existing one.
     void Restrict(std::size_t keyColumn, CodeRanges codes);
 };
 
-/// The value of a cell that sums these facts.
-CellValue ValueOf(FactSum total, const Measure& measure);
+/// Converts a sum of facts to a cell value.
+CellValue ValueOf(FactSum total, const MeasureColumn& measure);
 
-/// Evaluates cells: holds the current member of every hierarchy and the formulas of calculated members.
+/// Evaluates cells. Holds the current member of every hierarchy and the formulas of the calculated members.
 class Evaluator {
 public:
     Evaluator(const MemberSpace& space, std::string_view statement);
@@ -47,20 +48,20 @@ public:
     /// Raises InvalidExpression, at `range`, where a slicer or Aggregate leaves no single member.
     MemberId Current(HierarchyId hierarchy, mdx::SourceRange range) const;
     void SetCurrent(HierarchyId hierarchy, MemberId member) { coordinates_[hierarchy] = member; }
-    /// Sets the coordinates that cells and named sets start from. The tuples together are the slicer.
+    /// Sets the coordinates that cells and named sets start from; several tuples are one compound position.
     void SetSlicer(const CompoundSet& slicer);
-    /// In the order of the calculated members' numbers.
+    /// To be called in the order of the calculated members' numbers.
     void AddFormula(CalculatedFormula formula) { formulas_.push_back(std::move(formula)); }
 
     /// The value of the cell at the current coordinates.
     CellValue Cell();
-    /// The value of the sum at the current coordinates when that is one read of facts.
+    /// The value of the sum at the current coordinates, when it is a single read of facts.
     std::optional<CellValue> FoldedCell(const SumOfSet& sum);
-    /// Visits what the cell reads when it is a sum of reads of facts, without the restrictions of the
-    /// hierarchies in `open`; false when it is not, or when a formula sets one of these.
+    /// Visits every read of facts that the current cell sums, leaving out restrictions of the hierarchies in
+    /// `open`. False when the cell is not a sum of reads, or when a formula sets one of those hierarchies.
     bool ReadsFacts(std::span<const HierarchyId> open, const std::function<void(const FactCell&)>& visit);
 
-    /// Sets the coordinates of a tuple for as long as it lives.
+    /// Sets a tuple's coordinates for its own lifetime.
     class Position {
     public:
         Position(Evaluator& evaluator, std::span<const HierarchyId> dimensionality,
@@ -133,8 +134,8 @@ private:
     };
 
     const CalculatedFormula* TopFormula(std::span<const MemberId> coordinates) const;
-    /// Replaces calculated members by what their formulas read, starting with `sum` unless null. False when a
-    /// formula is no foldable sum.
+    /// Replaces calculated members by what their formulas read, starting with `sum` unless it is null. False
+    /// when a formula is not a foldable sum.
     bool Fold(const SumOfSet* sum);
     bool Apply(const SumOfSet& sum);
     void CollectRestrictions(std::span<const HierarchyId> open, FactCell& cell) const;
@@ -153,13 +154,13 @@ private:
     std::vector<MemberId> coordinates_; ///< by hierarchy
     std::vector<MemberId> slicer_;      ///< the coordinates that the slicer leaves
     std::vector<Compound> compounds_;   ///< by number from firstCompound on
-    std::vector<MemberId> saved_;       ///< coordinates that positions have replaced
+    std::vector<MemberId> saved_;       ///< coordinates replaced by Position objects
     std::vector<CalculatedFormula> formulas_;
-    std::vector<MemberId> folding_; ///< coordinates while calculated members are being replaced
+    std::vector<MemberId> folding_; ///< coordinates during Fold
     std::vector<FoldedHierarchy> folded_;
     FactCell cell_;
     int depth_ = 0;
-    int evaluations_ = 0; ///< for the outermost cell
+    int evaluations_ = 0; ///< of the outermost cell
 };
 
 } // namespace qel::engine

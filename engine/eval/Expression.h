@@ -17,7 +17,7 @@ namespace qel::engine {
 class Evaluator;
 class SumOfSet;
 
-/// What all kinds of expressions have: a constant one gives the same result under any coordinates.
+/// The base of all expressions. A constant expression gives the same result at any coordinates.
 class Expression {
 public:
     explicit Expression(bool isConstant) : isConstant_(isConstant) {}
@@ -67,7 +67,7 @@ public:
     MemberExpression(bool isConstant, HierarchyId hierarchy)
         : Expression(isConstant), hierarchy_(hierarchy) {}
     HierarchyId Hierarchy() const { return hierarchy_; }
-    /// noMember where there is none, such as the parent of a top member.
+    /// noMember when the member does not exist, such as the parent of a top member.
     virtual MemberId Evaluate(Evaluator& evaluator) const = 0;
     /// The tuple that this is a member of when its members are found together, or null.
     virtual const TupleSource* Source() const { return nullptr; }
@@ -80,9 +80,9 @@ class SetExpression : public Expression {
 public:
     SetExpression(bool isConstant, Dimensionality dimensionality)
         : Expression(isConstant), dimensionality_(std::move(dimensionality)) {}
-    /// The hierarchies of its tuples; empty for a set that has none, written {}.
+    /// The hierarchies of its tuples; empty for the set {}.
     const Dimensionality& GetDimensionality() const { return dimensionality_; }
-    /// Appends the set's tuples to `result`, which has the same shape.
+    /// Appends the set's tuples to `result`, which has the same dimensionality.
     virtual void Append(Evaluator& evaluator, TupleSet& result) const = 0;
     TupleSet Evaluate(Evaluator& evaluator) const {
         TupleSet result{dimensionality_, {}};
@@ -101,7 +101,7 @@ using MemberPtr = std::unique_ptr<MemberExpression>;
 using SetPtr = std::unique_ptr<SetExpression>;
 using TupleExpression = std::vector<MemberPtr>;
 
-/// An expression whose evaluation is a function object.
+/// An expression that evaluates a function object.
 template <class Base, class Function>
 class FunctionExpression final : public Base {
 public:

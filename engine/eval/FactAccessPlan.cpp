@@ -11,7 +11,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Adds up blocks of rows.
+/// Sums blocks of rows.
 class SumOfBlocks {
 public:
     SumOfBlocks(const FactTable& facts, std::size_t measure)
@@ -32,7 +32,7 @@ private:
     std::uint64_t sum_ = 0, rows_ = 0;
 };
 
-/// Wraps around: sums come from a file, and must not be undefined whatever they are.
+/// Wraps around on overflow, because a damaged file may hold any sums.
 FactSum Add(FactSum left, FactSum right) {
     const std::uint64_t sum = static_cast<std::uint64_t>(left.sum) + static_cast<std::uint64_t>(right.sum);
     return {static_cast<std::int64_t>(sum), left.rows + right.rows};
@@ -86,8 +86,8 @@ FactSum FactAccessPlan::Sum() const {
     return Subtracts() ? Subtract(total) : total;
 }
 
-/// Asks memory for the first block of the rows, in all columns at once: these lie far apart, and what the
-/// processor foresees by itself ends with each page of memory.
+/// Prefetches the first block of the rows in all columns at once. The columns are far apart, and the hardware
+/// prefetcher stops at page boundaries.
 void FactAccessPlan::Prefetch(const Projection& projection, RowRange rows,
                               std::span<const BlockFilter> filters) const {
     constexpr std::uint64_t lineBytes = 64;
@@ -137,7 +137,7 @@ FactSum FactAccessPlan::Subtract(FactSum total) const {
     if (left != 0) {
         return {static_cast<std::int64_t>(left), 1};
     }
-    return exact_->Sum(); // strips do not tell how many facts there are: here there may be none
+    return exact_->Sum(); // prefix sums do not count facts, so there may be none
 }
 
 std::size_t FactAccessPlan::OwnedBytes() const {

@@ -13,32 +13,33 @@
 
 namespace qel::engine {
 
-/// How the facts of one cell are read: from which rows and which strips of aggregates. It is found once and
-/// serves any number of reads, on any thread, for as long as the facts live. All below raise EngineError
+/// How to read the facts of one cell: from which rows and which prefix sums. Planned once, it serves any
+/// number of reads on any thread for as long as the facts live. All functions below raise EngineError
 /// (DamagedFile).
 class FactAccessPlan {
 public:
     FactAccessPlan(const FactTable& facts, std::size_t measure) : facts_(&facts), measure_(measure) {}
 
-    /// The rows of a run that pass all residuals.
+    /// Adds the rows of a run that pass the residual predicates.
     void AddRows(const Projection& projection, RowRange run, std::span<const Restriction> residuals);
-    /// The facts under all restrictions, from the projection that leaves the fewest rows to be read.
+    /// Adds the facts under all restrictions, from the projection that is cheapest to read.
     void AddScan(std::span<const Restriction> restrictions);
-    /// Takes away facts, which the strips hold besides those that are asked for.
+    /// Subtracts facts that the prefix sums contain but the query does not want.
     void SubtractScan(std::span<const Restriction> restrictions);
     bool Subtracts() const { return subtracts_; }
-    /// Another way to the same facts that takes nothing away; for when nothing is left of a sum.
+    /// Sets a plan for the same facts without subtraction, used when the difference is 0: only it can tell an
+    /// empty cell from a zero.
     void SetExact(FactAccessPlan plan) { exact_ = std::make_shared<const FactAccessPlan>(std::move(plan)); }
-    /// The strips' facts of the buckets of time from `first` up to, without, `last`.
+    /// Adds the facts of the time buckets from `first` up to, but not including, `last`.
     void AddPrefixSums(const PrefixSumReader& prefixSums, std::uint32_t first, std::uint32_t last);
 
-    /// Reads all that was added.
+    /// Reads everything that was added.
     FactSum Sum() const;
-    /// About how much memory this owns.
+    /// Approximate heap memory in bytes.
     std::size_t OwnedBytes() const;
 
 private:
-    /// Rows of one projection that pass some filters, by their places in the lists below.
+    /// Runs of one projection and the filters on them, as ranges of runs_ and filters_.
     struct Rows {
         const Projection* projection;
         bool areSubtracted;
@@ -63,15 +64,15 @@ private:
     std::vector<RowRange> runs_;
     std::vector<BlockFilter> filters_;
     std::vector<PrefixSumRead> prefixSums_;
-    std::shared_ptr<const FactAccessPlan> exact_; ///< when a sum has something taken away
+    std::shared_ptr<const FactAccessPlan> exact_; ///< set when the plan subtracts from a sum
 };
 
-/// How to read the facts under all restrictions, of which there is at most one a key column: from aggregates
-/// where these hold them. For reading them often.
+/// Plans how to read the facts under all restrictions (at most one per key column), using aggregates where
+/// they help. For plans that are read often.
 FactAccessPlan PlanAccess(const FactTable& facts, std::span<const Restriction> restrictions,
                           std::size_t measure);
 
-/// The facts under all restrictions, read once: how many, and the sum of the measure.
+/// Reads the facts under all restrictions once.
 FactSum SumFacts(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t measure);
 
 } // namespace qel::engine

@@ -7,7 +7,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Calls visit(projection, rows, mask), as VisitBlocks does, for all rows that the best plan leaves over.
+/// Calls visit(projection, rows, mask), like VisitBlocks, for the rows of the best scan plan.
 template <class Visit>
 void VisitPlan(const FactTable& facts, std::span<const Restriction> restrictions, const Visit& visit) {
     if (facts.RowCount() == 0 || AnyIsEmpty(restrictions)) {
@@ -26,7 +26,7 @@ void VisitPlan(const FactTable& facts, std::span<const Restriction> restrictions
     }
 }
 
-/// Marks the codes of a projection's leading key: of every code, the first fact that passes will do.
+/// Marks codes of a projection's leading key. The first qualifying fact of each code is enough.
 void MarkLeads(const FactTable& facts, const Projection& projection,
                std::span<const Restriction> restrictions, std::vector<std::uint8_t>& marks) {
     const std::size_t lead = projection.SortOrder().front();
@@ -53,12 +53,12 @@ void MarkLeads(const FactTable& facts, const Projection& projection,
     }
 }
 
-/// The projection to mark the codes of a key column in: led by it, unless another leaves few rows over.
+/// The projection led by the key column, unless another one leaves so few rows that scanning them is cheaper.
 const Projection* ProjectionForMarks(const FactTable& facts, std::span<const Restriction> restrictions,
                                      std::size_t keyColumn) {
     for (const Projection& projection : facts.Projections()) {
         if (projection.SortOrder().front() == keyColumn) {
-            constexpr std::uint64_t rowsPerCode = 64; // that marking may have to look at
+            constexpr std::uint64_t rowsPerCode = 64; // read to mark one code
             const std::uint64_t few = rowsPerCode * facts.KeyColumns()[keyColumn].codes;
             return PlanScan(facts, restrictions).RowCount() < few ? nullptr : &projection;
         }
@@ -89,7 +89,7 @@ void MarkCodes(const FactTable& facts, std::span<const Restriction> restrictions
     VisitPlan(facts, restrictions, [&](const Projection& projection, RowRange rows, const BlockMask* mask) {
         const std::vector<std::uint32_t> codes = ReadCodes(facts, projection, keyColumn, rows);
         for (std::size_t i = 0; i < codes.size(); ++i) {
-            // A code comes from the file and is not trusted to lie within the marks.
+            // Codes come from the file and may lie beyond the marks.
             if (codes[i] < marks.size()) {
                 marks[codes[i]] |= mask == nullptr ? std::uint8_t{1} : (*mask)[i];
             }

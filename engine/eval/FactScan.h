@@ -9,12 +9,12 @@
 
 namespace qel::engine {
 
-/// True when there is a fact under all restrictions (at most one a key column); stops at the first. Raises
+/// Whether any fact satisfies all restrictions (at most one per key column). Stops at the first. Raises
 /// EngineError (DamagedFile), as does MarkCodes.
 bool AnyFact(const FactTable& facts, std::span<const Restriction> restrictions);
 
-/// marks[code] = 1 for every code of the key column that a fact under all restrictions has. `marks` has an
-/// element for every code of the column.
+/// Sets marks[code] = 1 for every code of the key column that occurs in a fact under all restrictions.
+/// `marks` has one element per code of the column.
 void MarkCodes(const FactTable& facts, std::span<const Restriction> restrictions, std::size_t keyColumn,
                std::vector<std::uint8_t>& marks);
 

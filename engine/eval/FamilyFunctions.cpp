@@ -9,13 +9,13 @@
 #include <optional>
 #include <variant>
 
-// Functions that walk a hierarchy from a member: its relatives, and the periods before it.
+// Functions that navigate a hierarchy from a member: its relatives, and the periods before it.
 
 namespace qel::engine {
 
 namespace {
 
-/// The first hierarchy of the cube's time dimension; raises InvalidExpression when it has none.
+/// The first hierarchy of the time dimension; raises InvalidExpression when there is none.
 HierarchyId TimeHierarchy(const Call& call) {
     for (const Dimension& dimension : call.binder.Space().GetCube().Dimensions()) {
         if (dimension.isTime) {
@@ -25,7 +25,7 @@ HierarchyId TimeHierarchy(const Call& call) {
     call.binder.Fail(call.node, "the cube has no time dimension, so a member must be given");
 }
 
-/// The argument's member, or the current period when it was left out.
+/// The argument's member, or the current period when the argument is missing.
 MemberPtr PeriodArgument(Call& call, std::size_t argument) {
     if (call.Count() > argument) {
         return call.Member(argument);
@@ -36,7 +36,7 @@ MemberPtr PeriodArgument(Call& call, std::size_t argument) {
     });
 }
 
-/// The members from `first` to `last` in that order or the other, as far as the level has them.
+/// The members between `first` and `last`, in either order, clipped to the level.
 MemberRange ClippedToLevel(const MemberSpace& space, MemberRef member, std::int64_t first,
                            std::int64_t last) {
     const MemberRange level = space.LevelMembers({member.hierarchy, space.LevelOf(member)});
@@ -66,7 +66,7 @@ Bound LastPeriods(Call& call) {
         });
 }
 
-/// The members of the last's level from the first under the same ancestor up to it.
+/// The members of the last one's level, from the first one under the same ancestor up to it.
 SetPtr ToDate(LevelRef level, MemberPtr member) {
     const bool isConstant = member->IsConstant();
     return MakeSet(
@@ -97,7 +97,7 @@ Bound PeriodsToDate(Call& call) {
     return ToDate(level, std::move(member));
 }
 
-/// Years are the level right below All.
+/// Years are the level directly below All.
 Bound YearToDate(Call& call) {
     MemberPtr member = PeriodArgument(call, 0);
     const HierarchyId hierarchy = member->Hierarchy();
@@ -194,7 +194,7 @@ Bound Ascendants(Call& call) {
                    });
 }
 
-/// Which levels Descendants takes, seen from the level that it is given; `leaves` are taken down to it.
+/// Which levels Descendants returns, relative to the level it is given; `leaves` also takes leaves above it.
 struct Reach {
     bool before = false, self = false, after = false, leaves = false;
 };

@@ -33,7 +33,7 @@ std::size_t Call::Flag(std::size_t argument, std::span<const std::string_view> w
 }
 
 std::int64_t WholeNumber(const CellValue& value) {
-    // Beyond this no set has members; the bound also keeps sums of two such numbers within 64 bits.
+    // No set has this many members; the bound also keeps the sum of two such numbers within 64 bits.
     constexpr double bound = 1e15;
     return value.number == value.number ? static_cast<std::int64_t>(std::clamp(value.number, -bound, bound))
                                         : 0;

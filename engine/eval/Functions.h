@@ -9,7 +9,7 @@
 
 namespace qel::engine {
 
-/// A call of a function, to be bound.
+/// A function call to be bound.
 struct Call {
     Binder& binder;
     mdx::NodeId node;
@@ -19,10 +19,10 @@ struct Call {
     SetPtr Set(std::size_t argument) { return binder.BindSet(arguments[argument]); }
     NumberPtr Number(std::size_t argument) { return binder.BindNumber(arguments[argument]); }
     MemberPtr Member(std::size_t argument) { return binder.BindMember(arguments[argument]); }
-    /// The argument's value, or nothing when it was left out.
+    /// The argument's value, or null when it is missing.
     NumberPtr OptionalNumber(std::size_t argument) { return Count() > argument ? Number(argument) : nullptr; }
-    /// The place of `Word(argument)` in `words`; raises InvalidExpression naming them when it is none of
-    /// them.
+    /// The index of the argument's word in `words`; raises InvalidExpression listing `words` when it is none
+    /// of them.
     std::size_t Flag(std::size_t argument, std::span<const std::string_view> words) const;
 };
 
@@ -33,22 +33,22 @@ struct Function {
     Bound (*bind)(Call& call);
 };
 
-/// As many arguments as one likes.
+/// Any number of arguments.
 inline constexpr std::size_t anyNumber = static_cast<std::size_t>(-1);
 
-/// Null when there is no function of that name (any letter case).
+/// The function of that name (any letter case), or null.
 const Function* FindFunction(std::string_view name);
 
-/// The tables that FindFunction looks in, one a kind of function.
+/// The tables that FindFunction searches, one per kind of function.
 std::span<const Function> SetFunctions();
 std::span<const Function> SortFunctions();
 std::span<const Function> FamilyFunctions();
 std::span<const Function> NumberFunctions();
 
-/// A member's or a set's function, written after a dot.
+/// Binds a function written after a dot.
 Bound BindMethod(Binder& binder, mdx::NodeId node);
 
-/// A whole number that an argument gives; fractions are cut off.
+/// Converts an argument to a whole number, truncating fractions.
 std::int64_t WholeNumber(const CellValue& value);
 
 } // namespace qel::engine

@@ -1,5 +1,6 @@
 #include "engine/eval/MemberSpace.h"
 
+#include "qel/engine/BracketedName.h"
 #include "text/CaseFold.h"
 
 namespace qel::engine {
@@ -63,7 +64,7 @@ MemberRange MemberSpace::DescendantsAt(MemberRef member, std::size_t level) cons
         return {};
     }
     MemberRange range{member.id, member.id + 1};
-    // Neighbours have neighbouring children, so the descendants on every level are one range.
+    // Children of consecutive members are consecutive, so the descendants on each level are one range.
     for (; at < level && range.Count() > 0; ++at) {
         range = {Children({member.hierarchy, range.first}).first,
                  Children({member.hierarchy, range.last - 1}).last};
@@ -116,7 +117,7 @@ std::string MemberSpace::UniqueName(MemberRef member) const {
     const MemberId parent = Parent(member);
     return (parent == noMember ? HierarchyUniqueName(member.hierarchy)
                                : UniqueName({member.hierarchy, parent})) +
-           "." + mdx::Bracketed(Name(member));
+           "." + BracketedName(Name(member));
 }
 
 std::optional<std::size_t> MemberSpace::KeyColumn(HierarchyId hierarchy) const {

@@ -2,6 +2,7 @@
 
 #include "engine/eval/CodeRanges.h"
 #include "engine/mdx/SourceRange.h"
+#include "engine/storage/FactTable.h"
 #include "qel/engine/Cellset.h"
 #include "qel/engine/Cube.h"
 
@@ -14,10 +15,10 @@
 
 namespace qel::engine {
 
-/// The number of a hierarchy in its cube; the measures are one more, behind the last.
+/// A hierarchy's number in its cube. The measures count as one more hierarchy after the last.
 using HierarchyId = std::uint32_t;
 
-/// A member of any hierarchy, of the measures, or a calculated one. `id` is noMember for no member.
+/// A stored member, a measure or a calculated member. `id` is noMember for no member.
 struct MemberRef {
     HierarchyId hierarchy = 0;
     MemberId id = noMember;
@@ -25,7 +26,7 @@ struct MemberRef {
     bool operator==(const MemberRef&) const = default;
 };
 
-/// Calculated members are numbered from here on, over all hierarchies.
+/// Calculated members of all hierarchies are numbered from here.
 inline constexpr MemberId firstCalculated = 0x80000000U;
 /// From here on numbers stand for several members together, see CompoundSet.
 inline constexpr MemberId firstCompound = 0xF0000000U;
@@ -44,9 +45,9 @@ struct CalculatedName {
     std::string name;
 };
 
-/// Everything that a statement can name: a cube's hierarchies, its measures as one more hierarchy with a
-/// single level, and the statement's calculated members, which stand below the member that their names give
-/// as the parent, or on the top level.
+/// Everything that a statement can name: the cube's hierarchies, its measures as one more hierarchy with a
+/// single level, and the statement's calculated members, which are below the parent that their name gives, or
+/// on the top level.
 class MemberSpace {
 public:
     explicit MemberSpace(const Cube& cube) : cube_(cube) {}
@@ -61,7 +62,7 @@ public:
     MemberId DefaultMember(HierarchyId hierarchy) const;
     std::size_t LevelCount(HierarchyId hierarchy) const;
     std::string_view LevelName(LevelRef level) const;
-    /// The stored members.
+    /// The stored members of the level.
     MemberRange LevelMembers(LevelRef level) const;
     MemberRange AllMembers(HierarchyId hierarchy) const;
 
@@ -69,14 +70,15 @@ public:
     std::size_t LevelOf(MemberRef member) const;
     MemberId Parent(MemberRef member) const;
     MemberRange Children(MemberRef member) const;
-    /// The members with the same parent, or the whole top level.
+    /// The members with the same parent, including this one; for a top member, the whole top level.
     MemberRange Siblings(MemberRef member) const;
-    /// Those of the member's descendants (or the member itself) that lie on the level.
+    /// The member's descendants on the level, or the member itself when it is on the level.
     MemberRange DescendantsAt(MemberRef member, std::size_t level) const;
-    /// The member itself when it lies on the level, its ancestor there when it lies below, otherwise
-    /// noMember.
+    /// The member's ancestor on the level, or the member itself when it is on the level; noMember when it is
+    /// above the level.
     MemberId AncestorAt(MemberRef member, std::size_t level) const;
-    /// `steps` further on the member's level (before it when negative); noMember beyond the level's ends.
+    /// The member `steps` positions further on the same level (negative: back); noMember beyond the ends of
+    /// the level.
     MemberId Shifted(MemberRef member, std::int64_t steps) const;
 
     std::string_view Name(MemberRef member) const;
@@ -84,13 +86,14 @@ public:
     std::string_view Key(MemberRef member) const;
     std::string UniqueName(MemberRef member) const;
 
-    /// The key column that the hierarchy's members restrict, and their codes.
+    /// The key column that the hierarchy's members restrict.
     std::optional<std::size_t> KeyColumn(HierarchyId hierarchy) const;
     CodeRanges Codes(MemberRef member) const { return Stored(member.hierarchy).Ranges(member.id); }
 
-    /// `parent` may have no member: the top level. False when the name is taken there (any letter case).
+    /// A `parent` without a member stands for the top level. False when the name is taken there (any letter
+    /// case).
     bool AddCalculated(MemberRef parent, std::string_view name);
-    /// None when no calculated member of that name (any letter case) stands right below.
+    /// The calculated child of `parent` with that name (any letter case), or nothing.
     std::optional<MemberId> FindCalculated(MemberRef parent, std::string_view name) const;
     const std::vector<CalculatedName>& Calculated() const { return calculated_; }
 

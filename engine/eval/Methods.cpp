@@ -22,7 +22,7 @@ public:
     Bound Bind();
 
 private:
-    /// A function of this kind: what follows the dot, and how it is bound to what stands before the dot.
+    /// A function by the name after the dot, and how to bind it to the expression before the dot.
     struct Method {
         std::string_view name;
         Bound (*bind)(MethodBinder& binder, Bound target);
@@ -34,13 +34,13 @@ private:
     Bound Item(Bound target);
     Bound ItemOfTuple(TupleExpression tuple);
     Bound Shifted(MemberPtr member, int direction);
-    /// The members that belong to another one, found by `find(space, member)`.
+    /// A set of relatives of a member, given by find(space, member).
     template <auto find>
     static Bound Family(MethodBinder& binder, Bound target);
-    /// A member that is found from another one by `find(space, member)`.
+    /// A single relative of a member, given by find(space, member).
     template <auto find>
     static Bound Relative(MethodBinder& binder, Bound target);
-    /// A text about a member.
+    /// A text property of a member.
     template <auto describe>
     static Bound TextOf(MethodBinder& binder, Bound target);
     HierarchyId HierarchyOf(const Bound& target);

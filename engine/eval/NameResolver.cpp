@@ -1,5 +1,6 @@
 #include "engine/eval/NameResolver.h"
 
+#include "qel/engine/BracketedName.h"
 #include "text/CaseFold.h"
 
 #include <fmt/format.h>
@@ -82,7 +83,7 @@ std::optional<Resolved> NameResolver::InMeasures() {
     const HierarchyId measures = space_.Measures();
     std::size_t part = 1;
     furthest_ = 1;
-    // [Measures].[Measures] and [Measures].[MeasuresLevel] may stand before the name.
+    // Skip an explicit hierarchy or level: [Measures].[Measures], [Measures].[MeasuresLevel].
     if (part < parts_.size() && IsNamed(part, "Measures")) {
         ++part;
     }
@@ -183,7 +184,7 @@ void NameResolver::Find(HierarchyId hierarchy, MemberRange among, std::size_t pa
     if (found.size() < 2) {
         return;
     }
-    // Members of one level may differ in letter case alone: the one that is spelt as in the path comes first.
+    // Names may differ only in letter case; an exact match comes first.
     std::stable_sort(found.begin(), found.end(), [&](MemberId left, MemberId right) {
         const auto rank = [&](MemberId member) {
             const std::string_view spelling =
@@ -200,13 +201,13 @@ void NameResolver::Fail(bool wantsLevel) const {
     std::string before;
     for (std::size_t i = 0; i < failed; ++i) {
         before +=
-            (i > 0 ? "." : "") + std::string(parts_[i]->isKey ? "&" : "") + mdx::Bracketed(parts_[i]->text);
+            (i > 0 ? "." : "") + std::string(parts_[i]->isKey ? "&" : "") + BracketedName(parts_[i]->text);
     }
-    const std::string name = (part.isKey ? "&" : "") + mdx::Bracketed(part.text);
+    const std::string name = (part.isKey ? "&" : "") + BracketedName(part.text);
     if (failed == 0) {
         mdx::RaiseAt(
             ErrorKind::UnknownName, statement_.source, part.range,
-            fmt::format("the cube {} has no dimension {}", mdx::Bracketed(space_.GetCube().Name()), name));
+            fmt::format("the cube {} has no dimension {}", BracketedName(space_.GetCube().Name()), name));
     }
     const bool isMember = !wantsLevel || failed + 1 < parts_.size();
     mdx::RaiseAt(isMember ? ErrorKind::UnknownMember : ErrorKind::UnknownName, statement_.source, part.range,

@@ -15,24 +15,24 @@ struct HierarchyName {
 
 struct LevelName {
     LevelRef level;
-    MemberId member = noMember; ///< a member that the same path can mean, such as [All] on the level [All]
+    MemberId member = noMember; ///< the member of the same path, if any, such as [All] on the level [All]
 };
 
-/// What a path means.
+/// The meaning of a path.
 using Resolved = std::variant<HierarchyName, LevelName, MemberRef>;
 
-/// Looks up dotted names in a cube. A part after the dimension's name may be a hierarchy, a level or a
-/// member; these readings are tried in this order, and the first under which every part has a meaning counts.
+/// Resolves dotted names in a cube. The part after the dimension's name may be a hierarchy, a level or a
+/// member. These are tried in this order, and the first interpretation that resolves every part wins.
 class NameResolver {
 public:
     NameResolver(const MemberSpace& space, const mdx::Statement& statement)
         : space_(space), statement_(statement) {}
 
-    /// Raises EngineError at the part that has no meaning: UnknownName, or UnknownMember when it stands where
-    /// a member does. `wantsLevel` says that only a hierarchy or a level makes sense here.
+    /// Raises EngineError at the first part that cannot be resolved: UnknownMember where a member is
+    /// expected, otherwise UnknownName. With `wantsLevel` only a hierarchy or a level is accepted.
     Resolved Resolve(const mdx::Node& path, bool wantsLevel);
-    /// What a calculated member of this name stands below: a member, or no member of its hierarchy; its own
-    /// name is the last part.
+    /// The parent of a calculated member being defined: a member, or only a hierarchy. The last part of the path
+    /// is its own name.
     MemberRef ParentOfNew(const mdx::Node& path);
 
 private:
@@ -43,7 +43,7 @@ private:
     MemberId Descend(HierarchyId hierarchy, MemberId member, std::size_t part);
     /// The calculated member that the last part names, or noMember.
     MemberId CalculatedBelow(MemberRef parent, std::size_t part) const;
-    /// The members among these that the part names, the best one first.
+    /// Appends the members in `among` that the part names, best match first.
     void Find(HierarchyId hierarchy, MemberRange among, std::size_t part, std::vector<MemberId>& found) const;
     void TakeParts(const mdx::Node& path);
     bool IsNamed(std::size_t part, std::string_view name) const;
@@ -52,7 +52,7 @@ private:
     const MemberSpace& space_;
     const mdx::Statement& statement_;
     std::vector<const mdx::Node*> parts_;
-    std::size_t furthest_ = 0; ///< the part that the best reading could not place
+    std::size_t furthest_ = 0; ///< the first part that no interpretation resolves
 };
 
 } // namespace qel::engine

@@ -8,15 +8,15 @@ namespace qel::engine {
 
 namespace {
 
-/// More combinations than this are not worth a scan each.
+/// With more combinations, one scan per combination is not worth it.
 constexpr std::size_t combinationLimit = 64;
 
-/// A key column that the axis's members restrict, and the codes of it that the facts have.
+/// A key column that the axis's members restrict, and which of its codes occur in the facts.
 struct AxisColumn {
     std::size_t keyColumn = 0;
-    std::vector<std::size_t> places; ///< of its hierarchies in the axis's tuples
+    std::vector<std::size_t> places; ///< positions of its hierarchies in the axis's tuples
     std::vector<std::uint8_t> marks;
-    std::vector<std::uint32_t> marksBefore; ///< how many marked codes lie before each code
+    std::vector<std::uint32_t> marksBefore; ///< prefix counts: marked codes below each code
 
     bool HasMark(CodeRanges codes) const {
         return std::any_of(codes.begin(), codes.end(), [&](KeyRange range) {
@@ -25,7 +25,7 @@ struct AxisColumn {
     }
 };
 
-/// Tests an axis's positions under one combination of the other axes.
+/// Tests the positions of an axis for one combination of the other axes.
 class Presence {
 public:
     Presence(const MemberSpace& space, const TupleSet& axis) : space_(space), axis_(axis) {
@@ -45,7 +45,7 @@ public:
         }
     }
 
-    /// Reads the facts that the cell leaves over.
+    /// Marks the codes that occur in the cell's facts.
     void Scan(const FactCell& cell) {
         const FactTable& facts = space_.GetCube().Facts();
         restrictions_ = cell.restrictions;
@@ -81,7 +81,8 @@ public:
                 return false;
             }
         }
-        // With one column the marks say it all; with several each may have facts, but no fact both.
+        // With one column the marks suffice. With several, each may have facts although no fact has both
+        // codes.
         return columns_.size() < 2 || AnyFact(space_.GetCube().Facts(), cell_.restrictions);
     }
 
@@ -94,7 +95,8 @@ private:
     bool hasFacts_ = false;
 };
 
-/// Visits the combinations of the sets' tuples with the evaluator placed on each; stops when `visit` says no.
+/// Calls visit() for every combination of the sets' tuples, with the evaluator positioned on it; stops when
+/// it returns false.
 template <class Visit>
 bool ForEachCombination(Evaluator& evaluator, std::span<const TupleSet* const> sets, const Visit& visit) {
     if (sets.empty()) {
@@ -127,8 +129,7 @@ bool RemoveEmptyPositions(Evaluator& evaluator, std::span<const TupleSet* const>
         return true;
     }
     const Evaluator::Position anyOfAxis(evaluator, axis.dimensionality,
-                                        axis.At(0)); // its members do not matter, only
-                                                     // that none of them is calculated
+                                        axis.At(0)); // any position without calculated members will do
     std::size_t scans = 0;
     const auto mark = [&](const FactCell& cell) {
         if (++scans > combinationLimit) {

@@ -7,9 +7,9 @@
 
 namespace qel::engine {
 
-/// Takes the positions without facts out of an axis, seen over all combinations of the other axes, by reading
-/// the facts once a combination instead of once a cell. False, with the axis as it was, when a cell is more
-/// than a read of facts; then the cells themselves must tell.
+/// Removes from an axis the positions that have no facts in any combination of the other axes. Scans the facts
+/// once per combination instead of once per cell. Returns false, with the axis unchanged, when some cell is
+/// not a sum of reads of facts; the caller then has to evaluate the cells.
 bool RemoveEmptyPositions(Evaluator& evaluator, std::span<const TupleSet* const> others, TupleSet& axis);
 
 } // namespace qel::engine

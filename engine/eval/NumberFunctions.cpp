@@ -2,7 +2,7 @@
 
 #include <array>
 
-// Functions that give a number: over a set, or by cases.
+// Functions that return a number, over a set or by condition.
 
 namespace qel::engine {
 
@@ -26,7 +26,7 @@ Bound SumOver(Call& call, SumOfSet::Kind kind) {
 Bound Sum(Call& call) { return SumOver(call, SumOfSet::Kind::Sum); }
 Bound Aggregate(Call& call) { return SumOver(call, SumOfSet::Kind::Aggregate); }
 
-/// Calls `take(value)` with the value of every tuple's cell that is not empty, and gives the number of all.
+/// Calls take(value) with every non-empty value of the set's cells. Returns the number of tuples.
 template <class Take>
 std::size_t VisitValues(const SetExpression& set, const NumberExpression* value, Evaluator& evaluator,
                         const Take& take) {

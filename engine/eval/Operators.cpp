@@ -2,7 +2,7 @@
 #include "engine/eval/SetOperations.h"
 #include "engine/mdx/Words.h"
 
-// + - * / between numbers and between sets, comparisons, AND, OR, XOR.
+// Operators: + - * / on numbers and sets, comparisons, AND, OR, XOR.
 
 namespace qel::engine {
 
@@ -25,7 +25,7 @@ CellValue Join(Operator op, const CellValue& left, const CellValue& right) {
     }
 }
 
-/// Whether a comparison's result, negative, 0 or positive, is what the operator asks for.
+/// Whether the operator accepts the comparison result `order` (negative, 0 or positive).
 bool Holds(Operator op, int order) {
     switch (op) {
     case Operator::Equal:

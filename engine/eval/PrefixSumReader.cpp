@@ -12,15 +12,15 @@ namespace {
 
 constexpr std::uint32_t blockBuckets = AggregateTable::blockBuckets;
 
-/// Strips, the time that is wanted of them, and their running sums.
+/// The packed keys to sum, the time buckets wanted, and the prefix sums.
 struct PrefixRun {
     AggregateTable::PrefixIndex index;
     std::uint64_t count = 0;
-    std::span<const BlockFilter> filters; ///< of words
+    std::span<const BlockFilter> filters; ///< on packed keys
     std::uint32_t blockMask = 0;
-    std::uint32_t first = 0, last = 0; ///< buckets
-    std::uint64_t entries = 0;         ///< of all strips
-    const std::byte* sums = nullptr;   ///< none: the run is counted alone
+    std::uint32_t first = 0, last = 0; ///< time buckets
+    std::uint64_t entries = 0;         ///< number of prefix sums
+    const std::byte* sums = nullptr;   ///< null when only counting
     const std::uint32_t* counts = nullptr;
 };
 
@@ -29,7 +29,7 @@ struct PrefixTotal {
     bool isDamaged = false;
 };
 
-/// The bits below `buckets`, at most all 64.
+/// A mask of the lowest `buckets` bits, at most 64.
 inline std::uint64_t Below(std::uint32_t buckets) {
     return buckets >= blockBuckets ? ~std::uint64_t{0} : (std::uint64_t{1} << buckets) - 1;
 }
@@ -49,12 +49,12 @@ inline __attribute__((always_inline)) void AddKey(const PrefixRun& run, std::uin
     if (end == skipped) {
         return;
     }
-    const std::uint64_t start = run.index.starts[key] - run.index.starts[0]; // wraps when damaged
+    const std::uint64_t start = run.index.starts[key] - run.index.starts[0]; // may wrap in a damaged file
     if (start > run.entries || run.entries - start < end) {
         total.isDamaged = true;
         return;
     }
-    // Read whether it counts or not: a branch here is guessed wrong too often.
+    // Read even when unused: a branch here would be mispredicted too often.
     const std::uint64_t hasEarlier = skipped == 0 ? 0 : 1, earlier = start + skipped - hasEarlier;
     if (run.counts != nullptr) {
         total.rows += run.counts[start + end - 1] - hasEarlier * run.counts[earlier];
@@ -88,7 +88,7 @@ inline __attribute__((always_inline)) PrefixTotal SumRun(const PrefixRun& run) {
 }
 
 QEL_VECTORISED
-PrefixTotal SumNarrow(const PrefixRun& run) { return SumRun<std::int32_t>(run); }
+PrefixTotal SumNarrowKeys(const PrefixRun& run) { return SumRun<std::int32_t>(run); }
 
 QEL_VECTORISED
 PrefixTotal SumWide(const PrefixRun& run) { return SumRun<std::int64_t>(run); }
@@ -115,7 +115,7 @@ PrefixSumReader::PrefixSumReader(const FactTable& facts, const Aggregate& aggreg
 void PrefixSumReader::AddResidual(const AggregateTable::PackedKeyColumn& part, const Restriction& residual) {
     const bool isHighest = part.column == aggregates_->PackedKeyColumns().front().column;
     if (isHighest) {
-        Narrow(part.shift, {residual.codes.front().first, residual.codes.back().last});
+        NarrowKeys(part.shift, {residual.codes.front().first, residual.codes.back().last});
     }
     if (!isHighest || residual.codes.size() > 1) {
         const KeyColumn asInKey{.name = {},
@@ -127,7 +127,7 @@ void PrefixSumReader::AddResidual(const AggregateTable::PackedKeyColumn& part, c
     }
 }
 
-void PrefixSumReader::Narrow(std::uint8_t shift, KeyRange codes) {
+void PrefixSumReader::NarrowKeys(std::uint8_t shift, KeyRange codes) {
     const auto* const keys = index_.keys;
     const auto place = [&](std::uint32_t code) {
         return std::lower_bound(keys, keys + keyCount_, std::uint64_t{code} << shift) - keys;
@@ -162,7 +162,7 @@ FactSum PrefixSumReader::Sum(std::uint32_t first, std::uint32_t last) const {
         run.sums = aggregates_->Sums(measure_, firstEntry, run.entries);
     }
     const bool isNarrow = isCount || aggregates_->SumWidth(measure_) == sizeof(std::int32_t);
-    const PrefixTotal total = isNarrow ? SumNarrow(run) : SumWide(run);
+    const PrefixTotal total = isNarrow ? SumNarrowKeys(run) : SumWide(run);
     if (total.isDamaged) {
         throw EngineError(ErrorKind::DamagedFile,
                           "cube file: the packed keys of an aggregate point outside its prefix sums");

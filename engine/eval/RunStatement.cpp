@@ -1,8 +1,11 @@
+#include "qel/engine/RunStatement.h"
+
 #include "engine/eval/Binder.h"
 #include "engine/eval/CellsetBuilder.h"
 #include "engine/eval/NonEmpty.h"
 #include "engine/eval/StatementPlan.h"
 #include "engine/mdx/Parser.h"
+#include "qel/engine/BracketedName.h"
 #include "text/CaseFold.h"
 
 #include <fmt/format.h>
@@ -14,17 +17,17 @@ namespace qel::engine {
 
 namespace {
 
-/// One statement on its way to a cellset.
+/// Runs one statement.
 class StatementRun {
 public:
     StatementRun(const Cube& cube, std::string_view text)
         : statement_(mdx::Parse(text)), space_(cube), evaluator_(space_, text),
           binder_(statement_, space_, evaluator_) {}
 
-    /// Comes first: finds the names, and what stands on the axes.
+    /// Resolves names and evaluates the axes. To be called first.
     void Resolve();
     Cellset Answer();
-    /// Null when the answer is not one cell, or that is more than one read.
+    /// Null when the result has several cells, or its cell is not a single read of facts.
     std::shared_ptr<const StatementPlan> Plan();
 
 private:
@@ -32,9 +35,9 @@ private:
     Cellset Finish(std::vector<CellValue> cells) const;
     void EvaluateSlicer();
     void EvaluateAxes();
-    /// How many levels the set is about, by place, see Cellset::LevelCount.
+    /// How many levels the set covers at each place, see Cellset::LevelCount.
     std::vector<std::size_t> LevelCounts(const TupleSet& axis) const;
-    /// Every hierarchy may stand on one axis, or in the slicer.
+    /// A hierarchy may be on one axis or in the slicer, not both.
     void CheckHierarchies(const Dimensionality& dimensionality, mdx::NodeId node);
     bool RemoveEmpty(std::size_t axis);
     std::vector<CellValue> EvaluateCells();
@@ -103,8 +106,8 @@ void StatementRun::CheckCube() const {
     const std::string& name = space_.GetCube().Name();
     if (!EqualIgnoringCase(name, statement_.cubeName)) {
         mdx::RaiseAt(ErrorKind::UnknownCube, statement_.source, statement_.cubeRange,
-                     fmt::format("there is no cube {}; the connection's cube is {}",
-                                 mdx::Bracketed(statement_.cubeName), mdx::Bracketed(name)));
+                     fmt::format("there is no cube {}; the open cube is {}",
+                                 BracketedName(statement_.cubeName), BracketedName(name)));
     }
 }
 
@@ -184,7 +187,7 @@ std::vector<CellValue> StatementRun::EvaluateCells() {
     return cells;
 }
 
-/// The cells of the axes below `axis`, the first axis varying fastest.
+/// Appends the cells of the axes below `axis`, the first axis varying fastest.
 void StatementRun::EvaluateCells(std::size_t axis, std::vector<CellValue>& cells) {
     if (axis == 0) {
         cells.push_back(SlicerIsEmpty() ? CellValue::Empty() : evaluator_.Cell());
@@ -197,7 +200,7 @@ void StatementRun::EvaluateCells(std::size_t axis, std::vector<CellValue>& cells
     }
 }
 
-/// For axes whose cells are calculated: keeps the positions that have a cell which is not empty.
+/// For axes with calculated cells: removes the positions whose cells are all empty.
 void StatementRun::RemoveEmptyByCells(std::vector<CellValue>& cells) {
     std::vector<std::vector<bool>> isKept;
     for (std::size_t axis = 0; axis < axes_.size(); ++axis) {

@@ -9,7 +9,7 @@ namespace qel::engine {
 
 namespace {
 
-/// What finding a second key's codes inside one leading code costs, in rows tested.
+/// Cost of a binary search for codes of the second key within one leading code, in rows tested.
 constexpr double searchCost = 250;
 
 std::uint64_t LeadRows(const Projection& projection, const Restriction& lead) {
@@ -20,8 +20,8 @@ std::uint64_t LeadRows(const Projection& projection, const Restriction& lead) {
     return rows;
 }
 
-/// The share of all facts that the restriction lets through: known from a projection that it leads, otherwise
-/// taken from the share of the codes.
+/// The selectivity of the restriction: exact when it is on the leading key of some projection, otherwise
+/// estimated by the share of codes.
 double ShareOf(const FactTable& facts, const Restriction& restriction) {
     for (const Projection& projection : facts.Projections()) {
         if (projection.SortOrder()[0] == restriction.keyColumn) {
@@ -35,13 +35,13 @@ double ShareOf(const FactTable& facts, const Restriction& restriction) {
 
 struct Choice {
     const Projection* projection = nullptr;
-    const Restriction* lead = nullptr;   ///< none: every leading code
-    const Restriction* second = nullptr; ///< none: not searched for
+    const Restriction* lead = nullptr;   ///< null: all leading codes
+    const Restriction* second = nullptr; ///< null: no search
     double cost = 0;
 };
 
-/// The cheaper of two ways through one projection: all rows of the leading codes, or a search for the second
-/// key's codes inside each leading code.
+/// The cheaper of two ways to read one projection: all rows of the leading codes, or a search for the second
+/// key's codes within each leading code.
 Choice BestChoice(const FactTable& facts, const Projection& projection,
                   std::span<const Restriction> restrictions) {
     const std::span<const std::uint16_t> order = projection.SortOrder();
@@ -76,7 +76,7 @@ void AppendRows(RowRange rows, std::vector<RowRange>& result) {
     }
 }
 
-/// Inside the rows of one leading code, which the second key sorts.
+/// Searches the rows of one leading code, which are sorted by the second key.
 void SearchSecond(const FactTable& facts, const Projection& projection, RowRange rows,
                   const Restriction& second, std::vector<RowRange>& result) {
     if (rows.Count() == 0) {

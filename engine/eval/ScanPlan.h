@@ -8,8 +8,8 @@
 
 namespace qel::engine {
 
-/// How to read the facts under some restrictions: a projection, the rows that its order leaves over, and the
-/// restrictions that every one of these rows must still be tested with.
+/// How to read the facts under some restrictions: a projection, the runs of rows that its sort order selects,
+/// and the residual predicates that must still be tested on each row.
 struct ScanPlan {
     const Projection* projection = nullptr;
     std::vector<RowRange> rows;

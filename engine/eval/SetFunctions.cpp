@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-// Functions that combine sets, or cut pieces out of one.
+// Functions that combine sets or take parts of one.
 
 namespace qel::engine {
 
@@ -46,7 +46,7 @@ Bound Distinct(Call& call) {
     return MakeSetOperation(call.binder, std::move(operands), false);
 }
 
-/// `piece(count, set size)` gives the first tuple of the piece and the one behind its last.
+/// piece(count, set size) returns the first tuple of the part and the end of it.
 template <class Piece>
 Bound Cut(SetPtr set, NumberPtr number, const Piece& piece) {
     Dimensionality dimensionality = set->GetDimensionality();

@@ -9,7 +9,7 @@ namespace qel::engine {
 
 namespace {
 
-/// All tuples of `left` that are in `right`, or that are not.
+/// Appends the tuples of `left` that are (or are not) in `right`, with duplicates.
 void KeepAllWhere(const TupleSet& left, const TupleSet& right, bool isInRight, TupleSet& result) {
     TupleIndex others;
     for (std::size_t i = 0; i < right.Count(); ++i) {
@@ -52,7 +52,7 @@ void JoinDistinct(const std::vector<SetOperand>& operands, Evaluator& evaluator,
     tuples.AppendTo(result);
 }
 
-/// Negative when `a` comes before `b` in the tree's order.
+/// Negative when `a` comes before `b` in tree order.
 int CompareInTree(const MemberSpace& space, MemberRef a, MemberRef b, bool post) {
     if (a.id == b.id) {
         return 0;

@@ -6,7 +6,7 @@
 #include <numeric>
 #include <span>
 
-// Functions that choose or order a set's tuples by a value that each of them has.
+// Functions that filter or sort a set's tuples by a value.
 
 namespace qel::engine {
 
@@ -48,7 +48,7 @@ Bound Filter(Call& call) {
                    });
 }
 
-/// TopCount and BottomCount: the first `count` after ordering, ties in the set's order.
+/// TopCount and BottomCount: the first `count` tuples after sorting. Ties keep the set's order.
 Bound Extremes(Call& call, int sign) {
     SetPtr set = call.Set(0);
     Dimensionality dimensionality = set->GetDimensionality();
@@ -73,9 +73,9 @@ Bound Extremes(Call& call, int sign) {
 Bound TopCount(Call& call) { return Extremes(call, -1); }
 Bound BottomCount(Call& call) { return Extremes(call, 1); }
 
-/// Sorts tuples within families, by the first hierarchy, then by the next: of two members those ancestors
-/// are compared that have one parent, and a member comes before its descendants. A member's value is that of
-/// its cell under the tuple's members before it.
+/// Sorts tuples within families, by the first hierarchy, then by the next: compares the two ancestors that are
+/// siblings; a member comes before its descendants. A member's value is that of its cell under the tuple's
+/// members before it.
 class FamilySort {
 public:
     FamilySort(Evaluator& evaluator, const NumberExpression& value, const Dimensionality& dimensionality,

@@ -8,13 +8,12 @@
 
 namespace qel::engine {
 
-/// What is left of a statement of one cell that is one read of facts, once its names are resolved and its
-/// facts are found: where these are and what the axes show. Immutable; serves any number of threads as long
-/// as its cube lives.
+/// The plan of a statement whose only cell is a single read of facts: names are resolved and the access path
+/// is chosen; only the facts remain to be read. Immutable and thread-safe; valid as long as its cube.
 class StatementPlan {
 public:
-    /// `answer` is the statement's, `cell` what its cell reads. Raises EngineError (DamagedFile), as Run
-    /// does.
+    /// `answer` is the statement's result, `cell` what its cell reads. Raises EngineError (DamagedFile), as
+    /// does Run.
     StatementPlan(const Cube& cube, Cellset answer, const FactCell& cell);
     ~StatementPlan() = default;
     StatementPlan(const StatementPlan&) = delete;
@@ -22,7 +21,7 @@ public:
 
     /// Reads the facts.
     Cellset Run() const;
-    /// About how much memory the plan takes.
+    /// Approximate memory of the plan in bytes.
     std::size_t Bytes() const;
 
 private:
@@ -32,13 +31,13 @@ private:
     FactAccessPlan plan_;
 };
 
-/// An answer, and the statement's plan when it has one.
+/// The result of a statement, and its plan if it has one.
 struct PlannedAnswer {
     Cellset cellset;
     std::shared_ptr<const StatementPlan> plan;
 };
 
-/// Does what RunStatement does.
+/// Same as RunStatement, and also returns the plan.
 PlannedAnswer RunAndPlan(const Cube& cube, std::string_view statement);
 
 } // namespace qel::engine

@@ -9,27 +9,27 @@
 
 namespace qel::engine {
 
-/// A sum over members of one hierarchy that is the same as reading one cell: the members share no facts, so
-/// their codes together are one restriction.
+/// A sum over members of one hierarchy that is a single read of facts: the members share no facts, so their
+/// codes together form one restriction.
 struct Folding {
     HierarchyId hierarchy = 0;
     std::vector<KeyRange> codes;
-    std::optional<MemberId> measure; ///< none: the current one
+    std::optional<MemberId> measure; ///< nothing: the current measure
 };
 
-/// Sum(set, value): the shape of every statement that sums periods. Duplicates count twice. Aggregate(set,
-/// value) is the value of all tuples together: what they share counts once, and a calculated value is
-/// calculated from the whole.
+/// Sum(set, value), which sums periods in most statements: duplicates count twice. Aggregate(set, value) is
+/// the value of all tuples as one position: overlapping tuples count once, and a calculated value is computed
+/// from the whole.
 class SumOfSet final : public NumberExpression {
 public:
     enum class Kind { Sum, Aggregate };
-    /// `value` may be null: the cell itself.
+    /// A null `value` stands for the cell itself.
     SumOfSet(Kind kind, SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember);
 
     CellValue Evaluate(Evaluator& evaluator) const override;
     const SumOfSet* AsSum() const override { return this; }
-    /// The sum as one restriction, or null when it cannot be: the set depends on the cell, has calculated
-    /// members or, for Sum, overlapping ones, or the value is more than a measure. Made when first asked for.
+    /// The sum as a single restriction, computed on first use. Null when the set depends on the coordinates,
+    /// has calculated members or, for Sum, overlapping ones, or when the value is more than a measure.
     const Folding* Folded(Evaluator& evaluator) const;
 
 private:
@@ -40,7 +40,7 @@ private:
     Kind kind_;
     SetPtr set_;
     NumberPtr value_;
-    std::optional<MemberRef> valueMember_; ///< the value when it is one stored member
+    std::optional<MemberRef> valueMember_; ///< set when the value is a single stored member
     mutable bool foldTried_ = false;
     mutable std::optional<Folding> folding_;
     mutable std::unique_ptr<const CompoundSet> together_; ///< of a set that does not depend on the cell

@@ -14,10 +14,10 @@ namespace qel::engine {
 /// The hierarchies that the members of a tuple come from, in order.
 using Dimensionality = std::vector<HierarchyId>;
 
-/// Sets and grids beyond this are refused with TooLarge before memory runs out.
+/// Larger sets and grids raise TooLarge before memory runs out.
 inline constexpr std::size_t setLimit = 10'000'000;
 
-/// An ordered list of tuples of one shape; no tuple has an absent member.
+/// An ordered list of tuples of the same dimensionality. Every member exists.
 struct TupleSet {
     Dimensionality dimensionality;
     std::vector<MemberId> ids; ///< tuple after tuple
@@ -26,16 +26,16 @@ struct TupleSet {
     std::span<const MemberId> At(std::size_t tuple) const {
         return {ids.data() + tuple * dimensionality.size(), dimensionality.size()};
     }
-    /// Raises TooLarge when the set has become larger than the limit.
+    /// Raises TooLarge when the set exceeds setLimit.
     void Append(std::span<const MemberId> tuple);
     void Append(MemberRange members);
     void Append(const TupleSet& set) { Append(std::span<const MemberId>(set.ids)); }
 };
 
-/// Finds tuples of one set. Views the set's memory, which must stay as it is.
+/// A hash index over the tuples of a set. Refers to the set's memory, which must not change.
 class TupleIndex {
 public:
-    /// False when the tuple was there already.
+    /// False when the tuple was already there.
     bool Insert(std::span<const MemberId> tuple) { return tuples_.insert(AsText(tuple)).second; }
     bool Contains(std::span<const MemberId> tuple) const { return tuples_.count(AsText(tuple)) > 0; }
 

@@ -8,8 +8,8 @@
 
 namespace qel::engine {
 
-/// Calls visit(rows, mask) for every block of the run until it returns false; returns whether it never did.
-/// The mask is null when every row of the block passed. Raises EngineError (DamagedFile).
+/// Calls visit(rows, mask) for every block of the run until it returns false. Returns whether all blocks were
+/// visited. The mask is null when every row of the block passes. Raises EngineError (DamagedFile).
 template <class Visit>
 bool VisitBlocks(const Projection& projection, RowRange run, std::span<const BlockFilter> filters,
                  const Visit& visit) {

@@ -67,7 +67,9 @@ std::vector<std::filesystem::path> ExportCubes(const CubeFile& file, const std::
         WriteRows(
             stars[i], [&](std::string_view text) { Append(rows, text); },
             [&](double share) {
-                progress((static_cast<double>(i) + share) / static_cast<double>(stars.size()));
+                if (progress) {
+                    progress((static_cast<double>(i) + share) / static_cast<double>(stars.size()));
+                }
             });
     }
     rows.Commit();

@@ -8,7 +8,7 @@ namespace qel::engine {
 
 namespace {
 
-/// A text as an attribute's value.
+/// A text escaped as an attribute value.
 std::string Escaped(std::string_view text) {
     std::string escaped;
     for (const char character : text) {
@@ -48,7 +48,7 @@ bool HasCaptions(const Hierarchy& hierarchy, const Level& level) {
     return false;
 }
 
-/// The tables joined from the top level down; the facts are joined to the first.
+/// Joins the tables from the top level down; the facts are joined to the first.
 std::string Relation(const std::vector<StarTable>& tables, std::size_t first, const std::string& indent) {
     std::string table = fmt::format("{}<Table name=\"{}\"/>\n", indent, tables[first].name);
     if (first + 1 == tables.size()) {
@@ -106,7 +106,7 @@ std::string HierarchyElement(const StarSchema& star, const Hierarchy& hierarchy,
     return text + "      </Hierarchy>\n";
 }
 
-/// The fact column that the dimension's tables are joined by.
+/// The fact column that joins the dimension's tables.
 const std::string& ForeignKey(const StarSchema& star, const Dimension& dimension) {
     const auto& hierarchies = star.cube->Hierarchies();
     const auto column = hierarchies[dimension.hierarchies.front()].KeyColumn();
@@ -123,7 +123,7 @@ const std::string& ForeignKey(const StarSchema& star, const Dimension& dimension
 }
 
 std::string MeasureElement(const StarSchema& star, std::size_t index) {
-    const Measure& measure = star.cube->Facts().Measures()[index];
+    const Measure& measure = star.cube->Measures()[index];
     const bool isCount = measure.function == AggregateFunction::Count;
     const std::string decimals = measure.decimals == 0 ? "" : "." + std::string(measure.decimals, '0');
     return fmt::format("    <Measure name=\"{}\"{} column=\"{}\" aggregator=\"{}\" datatype=\"{}\" "
@@ -137,7 +137,7 @@ std::string MeasureElement(const StarSchema& star, std::size_t index) {
 
 std::string ComposeMondrianSchema(const StarSchema& star) {
     const Cube& cube = *star.cube;
-    const auto measures = cube.Facts().Measures();
+    const auto measures = cube.Measures();
     std::string text =
         fmt::format("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Schema name=\"{0}\">\n"
                     "  <Cube name=\"{0}\"{1} defaultMeasure=\"{2}\">\n    <Table name=\"{3}\"/>\n",

@@ -6,9 +6,8 @@
 
 namespace qel::engine {
 
-/// The cube's schema file for a Mondrian 3 server over the star's tables. Raises EngineError
-/// (InvalidExpression) for a cube that the server cannot have: hierarchies of one dimension over several fact
-/// columns.
+/// The cube's schema for a Mondrian 3 server over the star's tables. Raises EngineError (InvalidExpression)
+/// for a cube that Mondrian cannot describe: hierarchies of one dimension over several fact columns.
 std::string ComposeMondrianSchema(const StarSchema& star);
 
 } // namespace qel::engine

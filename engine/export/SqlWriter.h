@@ -9,14 +9,14 @@
 
 namespace qel::engine {
 
-/// Takes text as it is made.
+/// Receives text piece by piece.
 using TextSink = std::function<void(std::string_view)>;
 
-/// A name in double quotes, so that every database keeps its letters.
+/// A name in double quotes, which keeps its letter case in every database.
 std::string SqlName(std::string_view name);
-/// A text constant. A zero character, which databases refuse, is left out.
+/// A text literal. NUL characters, which databases reject, are left out.
 std::string SqlText(std::string_view text);
-/// An integer of that many decimals, written with a point.
+/// A scaled integer, written with a decimal point.
 std::string SqlAmount(std::int64_t scaled, std::uint8_t decimals);
 
 struct SqlColumn {
@@ -31,7 +31,7 @@ std::string CreateTable(std::string_view table, const std::vector<SqlColumn>& co
 class RowWriter {
 public:
     RowWriter(std::string_view table, const TextSink& sink);
-    /// Values as SQL writes them.
+    /// Adds a row of SQL literals.
     void Add(const std::vector<std::string>& values);
     /// Ends the last statement.
     void Finish();
@@ -40,7 +40,7 @@ private:
     std::string opening_;
     const TextSink& sink_;
     std::string text_;
-    std::size_t rows_ = 0; ///< of the statement that is being written
+    std::size_t rows_ = 0; ///< in the current statement
 };
 
 } // namespace qel::engine

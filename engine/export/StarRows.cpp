@@ -43,7 +43,7 @@ std::string FactTableText(const StarSchema& star) {
         columns.push_back({name, integerType});
     }
     for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
-        const Measure& measure = star.cube->Facts().Measures()[i];
+        const Measure& measure = star.cube->Measures()[i];
         columns.push_back({star.measureColumns[i], measure.function == AggregateFunction::Count
                                                        ? integerType
                                                        : fmt::format("DECIMAL(19,{})", measure.decimals)});
@@ -89,7 +89,7 @@ std::int64_t AmountAt(const std::byte* column, std::uint8_t width, std::uint64_t
     }
 }
 
-/// A run of neighbouring facts.
+/// A block of consecutive facts.
 class FactBlock {
 public:
     FactBlock(const FactTable& facts, RowRange rows) : facts_(facts), rows_(rows) {
@@ -120,8 +120,8 @@ public:
 
 private:
     std::string AmountText(std::size_t index, std::uint64_t row) const {
-        const Measure& measure = facts_.Measures()[index];
-        if (!values_[index]) { // a count, or a sum whose amounts are all nothing
+        const MeasureColumn& measure = facts_.Measures()[index];
+        if (!values_[index]) { // a count, or a sum with all amounts 0
             return measure.function == AggregateFunction::Count ? "1" : "0";
         }
         return SqlAmount(AmountAt(values_[index], measure.width, row) * measure.unit, measure.decimals);

@@ -6,7 +6,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Letters and digits of the name in lower case, '_' for the rest.
+/// Lower-case letters and digits of the name, '_' for everything else.
 std::string PlainName(std::string_view name) {
     constexpr std::size_t longest = 24;
     std::string plain;
@@ -46,7 +46,7 @@ StarSchema MakeStarSchema(const Cube& cube, std::set<std::string>& takenTables) 
     for (const auto& column : cube.Facts().KeyColumns()) {
         star.keyColumns.push_back(TakeName(PlainName(column.name) + "_code", takenColumns));
     }
-    for (const auto& measure : cube.Facts().Measures()) {
+    for (const auto& measure : cube.Measures()) {
         star.measureColumns.push_back(TakeName(PlainName(measure.name), takenColumns));
     }
     for (const auto& hierarchy : cube.Hierarchies()) {

@@ -9,10 +9,10 @@ namespace qel::engine {
 
 namespace {
 
-/// A dimension without a fact column: its members restrict nothing, so all of them own this code.
+/// The code of all members of a dimension without a fact column, which restrict nothing.
 constexpr std::int64_t everyFact = 0;
 
-/// Which codes belong to which member, level by level.
+/// The codes of every member, level by level.
 class MemberCodes {
 public:
     explicit MemberCodes(const Hierarchy& hierarchy)
@@ -46,7 +46,7 @@ private:
         return codes;
     }
 
-    /// No fact has it; the member and its ancestors are found in the tables through it.
+    /// A code that no fact has, so that the member and its ancestors still appear in the tables.
     void GiveOwnCode(MemberId member) {
         const std::int64_t code = --lastOwnCode_;
         for (MemberId step = member; step != noMember; step = hierarchy_.Parent(step)) {
@@ -69,7 +69,7 @@ std::vector<std::size_t> StoredLevels(const Hierarchy& hierarchy) {
     return levels;
 }
 
-/// The one member of every code on every level; empty when a code has none or several on one.
+/// The member of every code on every level; empty unless each code has exactly one member per level.
 std::map<std::int64_t, std::vector<MemberId>>
 OnePathPerCode(const Hierarchy& hierarchy, const MemberCodes& codes, const std::vector<std::size_t>& levels) {
     std::map<std::int64_t, std::vector<MemberId>> paths;
@@ -90,7 +90,7 @@ OnePathPerCode(const Hierarchy& hierarchy, const MemberCodes& codes, const std::
     return isWhole ? paths : std::map<std::int64_t, std::vector<MemberId>>{};
 }
 
-/// A row for every code of every member of the level, joined to the same code's row of the member's parent.
+/// One row per code of every member of the level, joined to the row of the same code of the member's parent.
 StarTable LevelTable(const Hierarchy& hierarchy, const MemberCodes& codes, std::size_t level,
                      std::map<std::pair<MemberId, std::int64_t>, std::int64_t>& rowNumbers) {
     StarTable table{.name = {}, .levels = {level}, .rows = {}};
@@ -108,8 +108,8 @@ StarTable LevelTable(const Hierarchy& hierarchy, const MemberCodes& codes, std::
     return table;
 }
 
-/// A row a code. Mondrian joins the facts to the lowest level's table first, which would count a code once
-/// for each of its members there, unless some table of the join has no level.
+/// One row per code. Without a table that has no level, Mondrian would join the facts to the lowest level's
+/// table first and count a code once for each of its members there.
 StarTable CodeTable(const StarTable& topLevel) {
     StarTable table;
     std::set<std::int64_t> codes;

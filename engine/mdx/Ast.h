@@ -17,20 +17,20 @@ using NodeId = std::uint32_t;
 inline constexpr NodeId noNode = 0xFFFFFFFFU;
 
 enum class NodeKind : std::uint8_t {
-    Path,       ///< a name in dotted parts; children: Part
+    Path,       ///< a dotted name; children: Part
     Part,       ///< text: the name; flags isKey, isWord
     Number,     ///< text: the digits
     Text,       ///< text: the text
-    Set,        ///< { ... }; children: the elements, empty ones left out
+    Set,        ///< { ... }; children: the elements, without empty ones
     Tuple,      ///< ( ... ) with one element or several
     Call,       ///< text: the function; children: the arguments
-    Method,     ///< text: the word after the dot; first child: what it is applied to, then arguments
+    Method,     ///< text: the name after the dot; children: the target, then the arguments
     Range,      ///< first : last
-    Chain,      ///< children joined from left to right by operators of one precedence
+    Chain,      ///< children joined by left-associative operators of one precedence
     Comparison, ///< two children; op: the second child's joiner
     Negation,   ///< - x
     Not,        ///< NOT x
-    Missing     ///< an argument that was left out
+    Missing     ///< an omitted argument
 };
 
 enum class Operator : std::uint8_t {
@@ -51,11 +51,10 @@ enum class Operator : std::uint8_t {
     Is
 };
 
-/// A node of the syntax tree. Children are a linked list through `next`, so that the whole tree is one
-/// vector.
+/// A node of the syntax tree. Children are a linked list through `next`, so the whole tree is one vector.
 struct Node {
     NodeKind kind = NodeKind::Missing;
-    Operator joiner = Operator::None; ///< how the node joins its left neighbour in a Chain or a Comparison
+    Operator joiner = Operator::None; ///< the operator before this node in a Chain or a Comparison
     bool isKey = false;               ///< Part: written &[key]
     bool isWord = false;              ///< Part: written without brackets
     std::uint32_t childCount = 0;
@@ -79,11 +78,12 @@ struct AxisClause {
     NodeId set = noNode;
 };
 
-/// A statement's tree. Texts are views into the statement or into `decoded`; the statement must outlive it.
+/// The syntax tree of a statement. Texts are views into the statement, which must outlive the tree, or into
+/// `decoded`.
 struct Statement {
     std::string_view source;
     std::vector<Node> nodes;
-    std::deque<std::string> decoded; ///< names and texts in which a bracket or a quote was doubled
+    std::deque<std::string> decoded; ///< names and texts with escaped brackets or quotes
     std::vector<Definition> definitions;
     std::vector<AxisClause> axes; ///< columns first
     std::string_view cubeName;

@@ -12,16 +12,16 @@ namespace qel::engine::mdx {
 
 namespace {
 
-/// Deep enough for people, shallow enough for the small stack of a thread of a spreadsheet.
+/// More than people write, and safe on threads with small stacks.
 constexpr int nestingLimit = 100;
 
 struct OperatorToken {
-    std::string_view word; ///< for a Word
+    std::string_view word; ///< for TokenKind::Word
     TokenKind kind;
     Operator op;
 };
 
-/// The operators from the loosest to the tightest binding.
+/// Operators by precedence, from the lowest to the highest.
 constexpr OperatorToken disjunction[] = {{"or", TokenKind::Word, Operator::Or},
                                          {"xor", TokenKind::Word, Operator::Xor}};
 constexpr OperatorToken conjunction[] = {{"and", TokenKind::Word, Operator::And}};
@@ -55,7 +55,7 @@ std::string Found(const Token& token) {
 
 } // namespace
 
-/// Counts one step down; raises TooLarge when the limit is passed.
+/// Counts a nesting level; raises TooLarge beyond the limit.
 class ExpressionParser::Nesting {
 public:
     explicit Nesting(ExpressionParser& parser) : parser_(parser) { parser_.Descend(); }
@@ -82,7 +82,7 @@ NodeId ExpressionParser::ParseExpression(std::string_view expected) {
     return EndsExpression() ? operand : ParseOperators(0, expected, operand);
 }
 
-/// True where no operator can stand, which is where most expressions end.
+/// A fast test for tokens that end an expression.
 bool ExpressionParser::EndsExpression() const {
     return IsAt(TokenKind::Comma) || IsAt(TokenKind::RightBrace) || IsAt(TokenKind::RightParenthesis) ||
            IsAt(TokenKind::FormulaEnd) || IsAt(TokenKind::End);
@@ -199,7 +199,7 @@ NodeId ExpressionParser::ParseSet() {
     const NodeId set = NewNode(NodeKind::Set, current_.range);
     Advance();
     while (!IsAt(TokenKind::RightBrace)) {
-        // Composed statements may leave an element empty: { , [a] }.
+        // Generated statements may contain empty elements: { , [a] }.
         if (Skip(TokenKind::Comma)) {
             continue;
         }

@@ -8,22 +8,22 @@
 
 namespace qel::engine::mdx {
 
-/// Parses expressions: sets, tuples, members, numbers, texts and conditions share one grammar; which of them
-/// a place takes is decided when names are resolved.
+/// Parses expressions. Sets, tuples, members, numbers, texts and conditions share one grammar; the binder
+/// decides which of them is valid where.
 class ExpressionParser {
 public:
     explicit ExpressionParser(Statement& statement);
 
-    /// One expression; `expected` says in an error what should have stood here.
+    /// Parses one expression. `expected` names it in error messages.
     NodeId ParseExpression(std::string_view expected);
-    /// A dotted name without methods.
+    /// Parses a dotted name without methods.
     NodeId ParsePath(std::string_view expected);
 
     const Token& Current() const { return current_; }
-    /// True when the current token is this word of the language.
+    /// Whether the current token is this keyword.
     bool IsAt(std::string_view word) const;
     bool IsAt(TokenKind kind) const { return current_.kind == kind; }
-    /// Goes to the next token.
+    /// Moves to the next token.
     void Advance() { current_ = lexer_.Next(); }
     bool Skip(std::string_view word);
     bool Skip(TokenKind kind);
@@ -31,10 +31,10 @@ public:
     void Expect(TokenKind kind, std::string_view what);
     /// Raises a SyntaxError at the current token.
     [[noreturn]] void Fail(std::string_view expected) const;
-    /// The current token's text, with doubled brackets and quotes made single.
+    /// The current token's text, unescaped.
     std::string_view DecodedText();
     Lexer& Source() { return lexer_; }
-    /// True when a comma, a word and "=" come next: a property of a calculated member.
+    /// Whether a comma, a word and "=" come next: a property of a calculated member.
     bool IsAtProperty() const;
     /// How many expressions stood inside one another at most since this was last asked.
     int TakeDepth() { return std::exchange(deepest_, 0); }
@@ -42,7 +42,7 @@ public:
 private:
     class Nesting;
 
-    /// `leftmost` is the first operand when it was read already.
+    /// `leftmost` is the first operand if it was already parsed.
     NodeId ParseOperators(std::size_t precedence, std::string_view expected, NodeId leftmost = noNode);
     bool EndsExpression() const;
     NodeId ParseRange(std::string_view expected);
@@ -60,7 +60,7 @@ private:
 
     NodeId NewNode(NodeKind kind, SourceRange range, std::string_view text = {});
     void AddChild(NodeId parent, NodeId child);
-    /// The operator of this precedence that the current token is, or None.
+    /// The current token as an operator of this precedence, or None.
     Operator Joiner(std::size_t precedence) const;
     Operator TakeJoiner(std::size_t precedence);
 

@@ -21,7 +21,7 @@ SourceRange PlaceOf(std::size_t begin, std::size_t end) {
     return {static_cast<std::uint32_t>(begin), static_cast<std::uint32_t>(end)};
 }
 
-/// The length of the blank that the text starts with, or 0.
+/// The byte length of the blank at the start of the text, or 0.
 std::size_t BlankLength(std::string_view text) {
     if (text.empty()) {
         return 0;
@@ -50,7 +50,7 @@ Token Lexer::Next() {
         return ReadName();
     }
     if (IsWordStart(c)) {
-        return ReadPackedKey();
+        return ReadWord();
     }
     if (IsDigit(c)) {
         return ReadNumber();
@@ -96,7 +96,7 @@ Token Lexer::RawUpTo(std::string_view word) {
         const std::size_t start = position_;
         if (!IsWordStart(At(position_))) {
             ++position_;
-        } else if (IsWord(ReadPackedKey().text, word)) {
+        } else if (IsWord(ReadWord().text, word)) {
             position_ = start;
             break;
         }
@@ -108,7 +108,7 @@ Token Lexer::RawUpTo(std::string_view word) {
 
 void Lexer::SkipBlanks() {
     while (position_ < statement_.size()) {
-        // Most tokens follow at once, or behind single blanks.
+        // Fast path: most tokens follow directly or after single blanks.
         const char c = statement_[position_];
         if (c == ' ') {
             ++position_;
@@ -156,7 +156,7 @@ Token Lexer::ReadName() {
             ++end;
         } else if (inFormula_ && statement_[end] == '\'') {
             if (At(end + 1) != '\'') {
-                break; // the formula ends within the name
+                break; // the formula ends inside the name
             }
             ++end;
         }
@@ -172,7 +172,7 @@ Token Lexer::ReadText() {
         inFormula_ = false;
         return Take(TokenKind::FormulaEnd, 1);
     }
-    // Inside a formula a single quote is written twice, and so is each of the two that stand for one.
+    // Inside a formula single quotes are doubled, so an escaped one takes four characters.
     const std::size_t width = inFormula_ && quote == '\'' ? 2 : 1;
     for (std::size_t end = begin + width; end < statement_.size();) {
         if (statement_[end] != quote) {
@@ -217,7 +217,7 @@ Token Lexer::ReadNumber() {
     return Take(TokenKind::Number, end - position_);
 }
 
-Token Lexer::ReadPackedKey() {
+Token Lexer::ReadWord() {
     std::size_t end = position_;
     while (IsWordPart(At(end)) && (At(end) > 0 || BlankLength(statement_.substr(end, 3)) == 0)) {
         ++end;

@@ -11,9 +11,9 @@ namespace qel::engine::mdx {
 enum class TokenKind : std::uint8_t {
     End,
     Word,       ///< a keyword, a function or a name without brackets
-    Name,       ///< [a name]; the text is what stands between the brackets, still escaped
-    Number,     ///< without a sign
-    Text,       ///< "a text" or 'a text'; the text is what stands between the quotes, still escaped
+    Name,       ///< [a name]; the text between the brackets, still escaped
+    Number,     ///< unsigned
+    Text,       ///< "a text" or 'a text'; the text between the quotes, still escaped
     FormulaEnd, ///< the quote that closes a calculated member's formula
     LeftBrace,
     RightBrace,
@@ -41,26 +41,25 @@ struct Token {
     SourceRange range;
 };
 
-/// Cuts a statement into tokens, one at a time. Blanks and comments lie between tokens; so do no-break spaces
-/// and the marks of writing direction that come along with pasted Hebrew.
+/// Splits a statement into tokens, one at a time. Skips blanks, comments, no-break spaces and the directional
+/// marks that come with pasted Hebrew.
 ///
-/// A formula between single quotes is read in place, with every quote inside it doubled: places in errors
-/// stay those of the statement, and nothing is copied. Raises EngineError (SyntaxError).
+/// A formula between single quotes is tokenised in place, with its inner quotes doubled, so that error
+/// positions refer to the statement and nothing is copied. Raises EngineError (SyntaxError).
 class Lexer {
 public:
     explicit Lexer(std::string_view statement) : statement_(statement) {}
 
     Token Next();
-    /// True when the next token is of this kind; does not consume it.
+    /// Whether the next token is of this kind. Does not consume it.
     bool IsBefore(TokenKind kind) const;
-    /// True when the next token is a word that after a dot is no name: Members, Parent, ...
+    /// Whether the next token is a word that names a method after a dot: Members, Parent, ...
     bool IsBeforeMethod() const;
-    /// True when a quote comes next; the lexer is then inside a formula until FormulaEnd.
+    /// Enters a formula when a quote comes next, until FormulaEnd. Returns whether it did.
     bool EnterFormula();
-    /// The rest of the statement up to a word (which is not consumed) or the end, without blanks at the ends.
+    /// The trimmed text up to a word, which is not consumed, or to the end of the statement.
     Token RawUpTo(std::string_view word);
-    /// The text of a Name or Text token with doubled brackets and quotes made single. True when it differs
-    /// from the token's own text and was written to `decoded`.
+    /// Unescapes a Name or Text token. Returns whether that changed the text, which is then in `decoded`.
     bool Decode(const Token& token, std::string& decoded) const;
     std::string_view Statement() const { return statement_; }
 
@@ -70,7 +69,7 @@ private:
     Token ReadName();
     Token ReadText();
     Token ReadNumber();
-    Token ReadPackedKey();
+    Token ReadWord();
     Token ReadSymbol();
     Token ReadOperator();
     Token Take(TokenKind kind, std::size_t length);

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t lengthLimit = 16U << 20U;
 constexpr std::size_t axisLimit = 16;
 
-/// The clauses around the expressions.
+/// Parses the clauses around the expressions.
 class StatementParser {
 public:
     explicit StatementParser(Statement& statement) : statement_(statement), expressions_(statement) {}
@@ -26,7 +26,7 @@ private:
     void ParseDefinitions();
     void ParseMember();
     void ParseNamedSet();
-    /// The text between AS and what follows: in single quotes, or as it stands.
+    /// Parses the formula after AS, in single quotes or bare.
     void ParseFormula(Definition& definition);
     void ParseProperties(Definition& definition);
     void ParseAxes();
@@ -34,7 +34,7 @@ private:
     std::size_t ParseAxisNumber();
     void ParseCube();
     void ParseSlicer();
-    /// PROPERTIES a, b.c: what the client would like to see of members or cells; accepted and left out.
+    /// Skips PROPERTIES a, b.c: accepted and ignored.
     void SkipPropertyList();
 
     Statement& statement_;
@@ -202,7 +202,7 @@ void StatementParser::ParseCube() {
         expressions_.Advance();
         return;
     }
-    // Composed statements insert the cube's name as it is, whatever characters it has.
+    // Generated statements insert the cube's name unquoted, whatever characters it has.
     const Token name = expressions_.Source().RawUpTo("where");
     expressions_.Advance();
     if (name.text.empty()) {
@@ -222,7 +222,7 @@ void StatementParser::SkipPropertyList() {
     expressions_.Expect("properties");
     do {
         expressions_.ParsePath("the name of a property");
-        while (expressions_.Skip(TokenKind::Dot)) { // a property may be called as a method is
+        while (expressions_.Skip(TokenKind::Dot)) { // a property may have a method's name
             expressions_.Advance();
         }
     } while (expressions_.Skip(TokenKind::Comma));

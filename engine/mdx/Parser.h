@@ -4,8 +4,8 @@
 
 namespace qel::engine::mdx {
 
-/// Parses one SELECT statement. Raises EngineError: SyntaxError naming the place and what was expected there,
-/// TooLarge for a nesting or a length beyond the limits.
+/// Parses a SELECT statement. Raises EngineError: SyntaxError with the position and what was expected there,
+/// or TooLarge for nesting or length beyond the limits.
 Statement Parse(std::string_view statement);
 
 } // namespace qel::engine::mdx

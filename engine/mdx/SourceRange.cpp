@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <string>
 
 namespace qel::engine::mdx {
 
@@ -18,7 +19,7 @@ std::size_t CountCharacters(std::string_view text) {
         std::count_if(text.begin(), text.end(), [](char c) { return !IsContinuationByte(c); }));
 }
 
-/// The statement around the place in one line, cut between characters.
+/// The part of the statement around `at` as one line, cut at character boundaries.
 std::string Excerpt(std::string_view statement, std::size_t at) {
     std::size_t first = at > excerptBefore ? at - excerptBefore : 0;
     std::size_t last = std::min(statement.size(), at + excerptAfter);
@@ -35,15 +36,6 @@ std::string Excerpt(std::string_view statement, std::size_t at) {
 }
 
 } // namespace
-
-std::string Bracketed(std::string_view name) {
-    std::string text = "[";
-    for (const char c : name) {
-        text.append(c == ']' ? 2 : 1, c);
-    }
-    text += ']';
-    return text;
-}
 
 void RaiseAt(ErrorKind kind, std::string_view statement, SourceRange range, std::string_view message) {
     const std::size_t at = std::min<std::size_t>(range.begin, statement.size());

@@ -4,13 +4,13 @@
 
 namespace qel::engine::mdx {
 
-/// ASCII words only; the language's own words have no other letters.
+/// Compares with a keyword, ignoring letter case. Keywords are ASCII.
 bool IsWord(std::string_view text, std::string_view word);
 
-/// A word that starts or joins a clause and therefore is no name unless it stands in brackets.
+/// Whether the word starts or joins a clause, so that it is a name only in brackets.
 bool IsReserved(std::string_view text);
 
-/// A word that may follow a dot and is then no name: "Members", "Parent", "Lag", ...
+/// Whether the word names a method after a dot: "Members", "Parent", "Lag", ...
 bool IsMethod(std::string_view text);
 
 } // namespace qel::engine::mdx

@@ -44,7 +44,7 @@ void AggregateLoader::ReadPackedKey(ByteReader& in, const FactTable& facts, Aggr
         table.timeColumn_ = time - 1;
     }
     table.packedKeyColumns_.resize(in.GetCount(4));
-    unsigned end = keyBits; // columns lie one below the other
+    unsigned end = keyBits; // each column lies below the one before it
     for (AggregateTable::PackedKeyColumn& column : table.packedKeyColumns_) {
         column.column = in.Get<std::uint16_t>();
         column.shift = in.Get<std::uint8_t>();
@@ -71,16 +71,16 @@ void AggregateLoader::ReadTimeBuckets(const FactTable& facts, AggregateTable& ta
 }
 
 void AggregateLoader::ReadGroups(AggregateTable& table) const {
-    if (!image_.HasSection(Id(SectionKind::GroupPlaces))) {
+    if (!image_.HasSection(Id(SectionKind::GroupStarts))) {
         return;
     }
-    const auto places = image_.Array<std::uint32_t>(Id(SectionKind::GroupPlaces));
+    const auto starts = image_.Array<std::uint32_t>(Id(SectionKind::GroupStarts));
     const auto ranges = image_.Array<KeyRange>(Id(SectionKind::GroupRanges));
-    if (places.empty() || places.front() != 0 || places.back() != ranges.size() ||
-        !std::is_sorted(places.begin(), places.end())) {
+    if (starts.empty() || starts.front() != 0 || starts.back() != ranges.size() ||
+        !std::is_sorted(starts.begin(), starts.end())) {
         Fail("the groups of codes are not well-formed");
     }
-    table.groups_ = CodeGroups(places, ranges);
+    table.groups_ = CodeGroups(starts, ranges);
 }
 
 void AggregateLoader::LoadRows(ByteReader& in, const FactTable& facts, AggregateTable& table) const {

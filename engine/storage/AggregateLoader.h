@@ -10,12 +10,12 @@
 
 namespace qel::engine {
 
-/// Reads the aggregates of one cube: their description and the sizes of their sections.
+/// Reads the aggregates of one cube. Checks their description and the sizes of their sections.
 class AggregateLoader {
 public:
     AggregateLoader(FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}
 
-    /// None when the file has none. Raises EngineError (DamagedFile).
+    /// Nothing when the file has no aggregates. Raises EngineError (DamagedFile).
     std::optional<AggregateTable> Load(const FactTable& facts) const;
 
 private:

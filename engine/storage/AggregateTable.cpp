@@ -6,7 +6,7 @@ namespace qel::engine {
 
 namespace {
 
-/// The elements from `first` on.
+/// `count` elements starting at `first`.
 template <class T>
 const T* Elements(const MappedSection& section, std::uint64_t first, std::uint64_t count) {
     return reinterpret_cast<const T*>(section.Bytes(first * sizeof(T), count * sizeof(T)));
@@ -41,7 +41,7 @@ std::uint64_t AggregateKey::Hash() const {
 }
 
 const Aggregate* AggregateTable::Find(const AggregateKey& key) const {
-    const std::uint64_t slots = lookup_.Size() / sizeof(std::uint32_t); // a power of two, or none
+    const std::uint64_t slots = lookup_.Size() / sizeof(std::uint32_t); // a power of two, or 0
     std::uint64_t slot = key.Hash();
     for (std::uint64_t tried = 0; tried < slots; ++tried, ++slot) {
         const std::uint32_t numberPlusOne = *Elements<std::uint32_t>(lookup_, slot & (slots - 1), 1);

@@ -29,13 +29,14 @@ std::int64_t SignedAt(const std::byte* values, std::uint8_t width, std::size_t i
 }
 
 bool AreWellFormed(const CodeGroups& groups) {
-    const auto touch = [](KeyRange left, KeyRange right) {
+    const auto areUnordered = [](KeyRange left, KeyRange right) {
         return left.first >= left.last || left.last >= right.first;
     };
     for (std::uint32_t number = 0; number < groups.Count(); ++number) {
         const KeyRange before{number - 1, 0}, group{number, 0};
         const CodeRanges ranges = groups.Ranges(group);
-        if (ranges.size() < 2 || std::adjacent_find(ranges.begin(), ranges.end(), touch) != ranges.end()) {
+        if (ranges.size() < 2 ||
+            std::adjacent_find(ranges.begin(), ranges.end(), areUnordered) != ranges.end()) {
             return false;
         }
         const CodeRanges left = number == 0 ? CodeRanges() : groups.Ranges(before);
@@ -46,17 +47,17 @@ bool AreWellFormed(const CodeGroups& groups) {
     return true;
 }
 
-/// Rows of a run, counted from its first.
-using RowPlaces = std::vector<std::size_t>;
+/// Row numbers relative to the first row of a run.
+using RowOffsets = std::vector<std::size_t>;
 
-/// Facts added up by their word and their bucket of time; sums wrap around.
+/// Facts summed by packed key and time bucket. Sums wrap around on overflow.
 class FactTotals {
 public:
     explicit FactTotals(std::size_t measures) : sums_(measures) {}
 
-    /// The place of a word and a bucket, which is new with nothing in it.
-    std::size_t PlaceOf(std::uint32_t key, std::uint32_t bucket) {
-        const auto [found, isNew] = places_.try_emplace(std::uint64_t{key} << 32U | bucket, rows_.size());
+    /// The index of a packed key and bucket, added with zeros when new.
+    std::size_t IndexOf(std::uint32_t key, std::uint32_t bucket) {
+        const auto [found, isNew] = indexes_.try_emplace(std::uint64_t{key} << 32U | bucket, rows_.size());
         if (isNew) {
             rows_.push_back(0);
             for (std::vector<std::uint64_t>& sums : sums_) {
@@ -72,10 +73,10 @@ public:
 
     std::uint64_t RowCount() const { return std::accumulate(rows_.begin(), rows_.end(), std::uint64_t{0}); }
     bool Equals(const FactTotals& other, bool withRows) const {
-        return places_.size() == other.places_.size() &&
-               std::all_of(places_.begin(), places_.end(), [&](const auto& entry) {
-                   const auto found = other.places_.find(entry.first);
-                   return found != other.places_.end() &&
+        return indexes_.size() == other.indexes_.size() &&
+               std::all_of(indexes_.begin(), indexes_.end(), [&](const auto& entry) {
+                   const auto found = other.indexes_.find(entry.first);
+                   return found != other.indexes_.end() &&
                           (!withRows || rows_[entry.second] == other.rows_[found->second]) &&
                           std::equal(sums_.begin(), sums_.end(), other.sums_.begin(),
                                      [&](const auto& own, const auto& others) {
@@ -85,14 +86,14 @@ public:
     }
 
 private:
-    std::unordered_map<std::uint64_t, std::size_t> places_;
+    std::unordered_map<std::uint64_t, std::size_t> indexes_;
     std::vector<std::uint64_t> rows_;
     std::vector<std::vector<std::uint64_t>> sums_; ///< by measure
 };
 
-/// Facts one by one, in any order.
+/// A fingerprint of facts that does not depend on their order.
 struct FactContents {
-    std::uint64_t rows = 0, hashes = 0; ///< the hashes of all rows, added up
+    std::uint64_t rows = 0, hashes = 0; ///< sum of the hashes of all rows
 
     bool operator==(const FactContents&) const = default;
 };
@@ -105,7 +106,7 @@ public:
         if (aggregates_.Find(stored.key) != &stored) {
             return "its key does not find it";
         }
-        const Aggregate aggregate = stored; // what is checked of it is relied on
+        const Aggregate aggregate = stored; // a copy: the mapped bytes may change after the checks
         if (!IsOfColumns(aggregate.key)) {
             return "its key has codes that do not exist";
         }
@@ -126,7 +127,7 @@ private:
         if (!AddRows(aggregate, own)) {
             return disorder;
         }
-        VisitFacts(aggregate.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
+        VisitFacts(aggregate.key, [&](const Projection& projection, RowRange run, const RowOffsets& rows) {
             AddContents(projection, run, rows, expected);
         });
         return own == expected ? "" : difference;
@@ -140,14 +141,14 @@ private:
         return FaultOfPrefixSums(aggregate, aggregate.start + aggregate.keyCount, aggregate.coarserKeyCount,
                                  ~aggregates_.PackedKeyColumns().back().Mask());
     }
-    /// `kept` is left of the facts' words.
+    /// `kept` masks the bits of the packed key that are compared.
     std::string FaultOfPrefixSums(const Aggregate& aggregate, std::uint64_t start, std::uint32_t count,
                                   std::uint32_t kept) const {
         FactTotals own(facts_.Measures().size()), expected(facts_.Measures().size());
         if (!AddPrefixSums(aggregates_.PrefixIndexOf(start, count), count, own)) {
             return disorder;
         }
-        VisitFacts(aggregate.key, [&](const Projection& projection, RowRange run, const RowPlaces& rows) {
+        VisitFacts(aggregate.key, [&](const Projection& projection, RowRange run, const RowOffsets& rows) {
             AddTotals(projection, run, rows, kept, expected);
         });
         return own.Equals(expected, aggregates_.HasCounts()) && aggregate.rows == expected.RowCount()
@@ -161,7 +162,7 @@ private:
                 return true;
             }
             const CodeRanges ranges = aggregates_.Groups().Ranges(codes);
-            std::uint32_t end = 0; // ranges ascend
+            std::uint32_t end = 0; // of the previous range
             for (const KeyRange range : ranges) {
                 if (range.first < end || range.first >= range.last) {
                     return false;
@@ -175,7 +176,7 @@ private:
     }
 
     std::vector<std::uint32_t> CodesAt(const Projection& projection, std::size_t column, RowRange run,
-                                       const RowPlaces& rows) const {
+                                       const RowOffsets& rows) const {
         const std::vector<std::uint32_t> all = ReadCodes(facts_, projection, column, run);
         std::vector<std::uint32_t> codes;
         codes.reserve(rows.size());
@@ -185,7 +186,7 @@ private:
         return codes;
     }
     std::vector<std::uint32_t> PackedKeysAt(const Projection& projection, RowRange run,
-                                            const RowPlaces& rows) const {
+                                            const RowOffsets& rows) const {
         std::vector<std::uint32_t> keys(rows.size());
         for (const AggregateTable::PackedKeyColumn& part : aggregates_.PackedKeyColumns()) {
             const std::vector<std::uint32_t> codes = CodesAt(projection, part.column, run, rows);
@@ -196,13 +197,13 @@ private:
         return keys;
     }
     std::vector<std::uint32_t> TimesAt(const Projection& projection, RowRange run,
-                                       const RowPlaces& rows) const {
+                                       const RowOffsets& rows) const {
         return aggregates_.TimeColumn() ? CodesAt(projection, *aggregates_.TimeColumn(), run, rows)
                                         : std::vector<std::uint32_t>(rows.size());
     }
-    /// Calls visit(measure, row, value) for the stored values; `row` counts the rows.
+    /// Calls visit(measure, i, value) for the stored value of rows[i].
     template <class Visit>
-    void VisitValues(const Projection& projection, RowRange run, const RowPlaces& rows,
+    void VisitValues(const Projection& projection, RowRange run, const RowOffsets& rows,
                      const Visit& visit) const {
         for (std::size_t measure = 0; measure < facts_.Measures().size(); ++measure) {
             const std::uint8_t width = facts_.Measures()[measure].width;
@@ -213,7 +214,7 @@ private:
         }
     }
 
-    void AddContents(const Projection& projection, RowRange run, const RowPlaces& rows,
+    void AddContents(const Projection& projection, RowRange run, const RowOffsets& rows,
                      FactContents& contents) const {
         const auto keys = PackedKeysAt(projection, run, rows), times = TimesAt(projection, run, rows);
         std::vector<std::uint64_t> hashes(rows.size());
@@ -226,16 +227,16 @@ private:
         contents.rows += rows.size();
         contents.hashes = std::accumulate(hashes.begin(), hashes.end(), contents.hashes);
     }
-    void AddTotals(const Projection& projection, RowRange run, const RowPlaces& rows, std::uint32_t kept,
+    void AddTotals(const Projection& projection, RowRange run, const RowOffsets& rows, std::uint32_t kept,
                    FactTotals& totals) const {
         const auto keys = PackedKeysAt(projection, run, rows), times = TimesAt(projection, run, rows);
-        std::vector<std::size_t> places(rows.size());
+        std::vector<std::size_t> indexes(rows.size());
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            places[i] = totals.PlaceOf(keys[i] & kept, BucketOf(times[i]));
-            totals.AddRows(places[i], 1);
+            indexes[i] = totals.IndexOf(keys[i] & kept, BucketOf(times[i]));
+            totals.AddRows(indexes[i], 1);
         }
         VisitValues(projection, run, rows, [&](std::size_t measure, std::size_t row, std::uint64_t value) {
-            totals.AddValue(places[row], measure, value);
+            totals.AddValue(indexes[row], measure, value);
         });
     }
     static std::uint64_t Mixed(std::uint64_t value) { return XXH3_64bits(&value, sizeof value); }
@@ -245,12 +246,12 @@ private:
         return static_cast<std::uint32_t>(next - buckets.begin()) - 1;
     }
 
-    /// Calls visit(projection, run, rows) until all facts under the key were among the rows.
+    /// Calls visit(projection, run, rows) until every fact under the key was visited.
     template <class Visit>
     void VisitFacts(const AggregateKey& key, const Visit& visit) const {
-        static constexpr KeyRange left{}; // out of the key
+        static constexpr KeyRange unused{};
         const auto rangesOf = [&](std::uint16_t column, const KeyRange& codes) {
-            return column == AggregateKey::noColumn ? CodeRanges(&left, 1)
+            return column == AggregateKey::noColumn ? CodeRanges(&unused, 1)
                                                     : aggregates_.Groups().Ranges(codes);
         };
         for (const KeyRange first : rangesOf(key.firstColumn, key.first)) {
@@ -259,7 +260,7 @@ private:
             }
         }
     }
-    /// Of two ranges, from the sort order that one of their columns leads.
+    /// For two single ranges, reads the sort order led by the column that leaves fewer rows.
     template <class Visit>
     void VisitFactsUnder(const AggregateKey& key, const Visit& visit) const {
         const Projection* projection = &facts_.Projections().front();
@@ -276,14 +277,14 @@ private:
             }
         }
         VisitChunks(run, [&](RowRange chunk) {
-            RowPlaces rows = AllOf(chunk);
+            RowOffsets rows = AllOf(chunk);
             Restrict(*projection, chunk, key.firstColumn, key.first, rows);
             Restrict(*projection, chunk, key.secondColumn, key.second, rows);
             visit(*projection, chunk, rows);
         });
     }
     void Restrict(const Projection& projection, RowRange run, std::uint16_t column, KeyRange codes,
-                  RowPlaces& rows) const {
+                  RowOffsets& rows) const {
         if (column == AggregateKey::noColumn) {
             return;
         }
@@ -292,7 +293,7 @@ private:
                       [&](std::size_t row) { return all[row] < codes.first || all[row] >= codes.last; });
     }
 
-    /// Runs may be long, and a tampered file's longer than memory.
+    /// Splits a run into chunks: it may be long, and in a tampered file longer than memory.
     template <class Visit>
     static void VisitChunks(RowRange run, const Visit& visit) {
         constexpr std::uint64_t chunkRows = 1U << 14U;
@@ -300,8 +301,8 @@ private:
             visit(RowRange{run.first, std::min(run.last, run.first + chunkRows)});
         }
     }
-    static RowPlaces AllOf(RowRange run) {
-        RowPlaces rows(run.Count());
+    static RowOffsets AllOf(RowRange run) {
+        RowOffsets rows(run.Count());
         std::iota(rows.begin(), rows.end(), std::size_t{0});
         return rows;
     }
@@ -349,7 +350,7 @@ private:
             if (bucket + 1 >= aggregates_.TimeBuckets().size()) {
                 return false;
             }
-            const std::size_t place = totals.PlaceOf(key & ~blockMask, static_cast<std::uint32_t>(bucket));
+            const std::size_t place = totals.IndexOf(key & ~blockMask, static_cast<std::uint32_t>(bucket));
             if (aggregates_.HasCounts()) {
                 const std::uint32_t* const counts = aggregates_.Counts(first, entries);
                 totals.AddRows(place, counts[entry] - (entry == 0 ? 0 : counts[entry - 1]));

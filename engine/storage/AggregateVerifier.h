@@ -6,9 +6,9 @@
 
 namespace qel::engine {
 
-/// The first fault among a cube's aggregates, or an empty text: each must be found by its key, be in order,
-/// and have the sums of its facts for every word and period. Raises EngineError (DamagedFile) for a page that
-/// is not as it was written.
+/// Returns the first fault in a cube's aggregates, or an empty text. Every aggregate must be found by its
+/// key, be sorted, and agree with its facts in every packed key and time bucket. Raises EngineError
+/// (DamagedFile) when a page fails its checksum.
 std::string FindAggregateFault(const Cube& cube);
 
 } // namespace qel::engine

@@ -22,7 +22,7 @@ std::uint8_t SumWidth(const std::vector<std::int64_t>& sums) {
     return isNarrow ? narrowWidth : wideWidth;
 }
 
-/// Open addressing over a power of two of slots, as for names.
+/// Open addressing over a power of two of slots, as in NameIndex.h.
 std::vector<std::uint32_t> BuildLookup(const std::vector<Aggregate>& records) {
     std::vector<std::uint32_t> slots(std::bit_ceil(records.size() * 2 + 1));
     const std::size_t mask = slots.size() - 1;
@@ -95,7 +95,7 @@ void WriteAggregates(const AggregateModel& aggregates, const CubeModel& model, s
     }
     sections.Write(SectionKind::AggregateDescription, description.Bytes());
     sections.Write(SectionKind::AggregateTimeBuckets, aggregates.timeBuckets);
-    sections.Write(SectionKind::GroupPlaces, aggregates.groupPlaces);
+    sections.Write(SectionKind::GroupStarts, aggregates.groupStarts);
     sections.Write(SectionKind::GroupRanges, aggregates.groupRanges);
     sections.Write(SectionKind::AggregateRecords, aggregates.records);
     sections.Write(SectionKind::AggregateLookup, BuildLookup(aggregates.records));

@@ -7,8 +7,8 @@
 
 namespace qel::engine {
 
-/// Writes all of a cube's aggregates but the rows, for which the sections AggregatePackedColumns and
-/// AggregateValues follow.
+/// Writes a cube's aggregates except their rows; the caller writes the sections AggregatePackedColumns and
+/// AggregateValues afterwards.
 void WriteAggregates(const AggregateModel& aggregates, const CubeModel& model, std::uint32_t cube,
                      CubeFileWriter& writer);
 

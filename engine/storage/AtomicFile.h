@@ -7,9 +7,10 @@
 
 namespace qel::engine {
 
-/// A file that appears under its name only when it is complete: written beside it, synced, renamed. Until
-/// Commit the old file stays untouched; without Commit nothing stays behind. A folder, device or pipe is
-/// never replaced. Every failure raises EngineError (CannotWrite) naming the file.
+/// A file that appears under its name only when complete: it is written under a temporary name in the same
+/// folder, synced and renamed. Before Commit the old file is untouched; without Commit the temporary file is
+/// removed. A folder, device or pipe is never replaced. Every failure raises EngineError (CannotWrite) naming
+/// the file.
 class AtomicFile {
 public:
     explicit AtomicFile(const std::filesystem::path& path);
@@ -19,7 +20,7 @@ public:
 
     /// Writes at the end.
     void Append(std::span<const std::byte> bytes);
-    /// Writes over bytes that were appended before.
+    /// Overwrites bytes that were appended before.
     void Overwrite(std::uint64_t offset, std::span<const std::byte> bytes);
     void Commit();
 

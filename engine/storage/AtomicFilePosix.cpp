@@ -14,14 +14,14 @@ namespace qel::engine {
 
 namespace {
 
-/// Where the bytes belong: a link keeps pointing at the file that is replaced.
+/// Follows a symbolic link, so that the link stays and its target is replaced.
 std::filesystem::path ResolveLink(const std::filesystem::path& path) {
     std::error_code error;
     const auto target = std::filesystem::canonical(path, error);
     return error ? path : target;
 }
 
-/// Makes the rename itself durable. A folder that cannot be synced is no reason to call the file unwritten.
+/// Makes the rename durable. The file itself is already synced, so failure to sync the folder is ignored.
 void SyncFolder(const std::filesystem::path& folder) {
     const int descriptor = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) {
@@ -39,7 +39,7 @@ AtomicFile::AtomicFile(const std::filesystem::path& path) : path_(ResolveLink(pa
     if (std::filesystem::is_directory(status)) {
         Fail(EISDIR);
     }
-    // A rename would put a file in the place of a device or a pipe.
+    // Rename would replace a device or a pipe with a regular file.
     if (std::filesystem::exists(status) && !std::filesystem::is_regular_file(status)) {
         throw EngineError(ErrorKind::CannotWrite,
                           fmt::format("{}: cannot be written: it is not a regular file", PathToUtf8(path)));

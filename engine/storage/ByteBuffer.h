@@ -11,7 +11,7 @@
 
 namespace qel::engine {
 
-/// The bytes of a cube's description as they are written: numbers little-endian, texts after their length.
+/// Writes a cube's description: little-endian numbers, texts preceded by their length.
 class ByteWriter {
 public:
     template <class Number>
@@ -31,7 +31,7 @@ private:
     std::vector<std::byte> bytes_;
 };
 
-/// Reads them back. Past the end everything is zero and empty, and Failed() is true from then on.
+/// Reads what ByteWriter wrote. Past the end every value is zero or empty and Failed() stays true.
 class ByteReader {
 public:
     explicit ByteReader(std::span<const std::byte> bytes) : rest_(bytes) {}
@@ -55,8 +55,8 @@ public:
         rest_ = rest_.subspan(size);
         return text;
     }
-    /// A count of things of at least `smallest` bytes each; a count that the rest cannot hold fails, so a
-    /// damaged count allocates nothing.
+    /// The count of elements that follow, at least `smallest` bytes each. Fails when the remaining bytes
+    /// cannot hold them, so a damaged count never causes a large allocation.
     std::uint32_t GetCount(std::size_t smallest) {
         const auto count = Get<std::uint32_t>();
         return Has(std::size_t{count} * smallest) ? count : 0;

@@ -9,7 +9,7 @@
 
 namespace qel::engine {
 
-/// Reads an integer of the column's type; columns are aligned in the file, but the compiler need not know.
+/// Reads an integer at any alignment. The file aligns its columns, but the compiler does not know that.
 template <class T>
 T ReadAt(const std::byte* data, std::size_t index) {
     T value;
@@ -17,7 +17,7 @@ T ReadAt(const std::byte* data, std::size_t index) {
     return value;
 }
 
-/// Calls `visit` with a value of the unsigned type that has so many bytes.
+/// Calls `visit` with a value of the unsigned type of that width.
 template <class Visit>
 decltype(auto) VisitCodeType(std::uint8_t width, const Visit& visit) {
     if (width == 1) {
@@ -29,7 +29,7 @@ decltype(auto) VisitCodeType(std::uint8_t width, const Visit& visit) {
 /// The codes of some rows in one key column.
 class CodeColumn {
 public:
-    /// `packed columns` holds the rows' values of the column's packed column.
+    /// `packed` holds the rows' values of the packed column.
     CodeColumn(const std::byte* packed, const KeyColumn& column)
         : data_(packed), mask_(column.Mask()), shift_(column.shift), width_(column.width) {}
 
@@ -39,8 +39,8 @@ public:
         });
     }
 
-    /// The first row in [first, last) whose code is not less than `code`; the rows are sorted. Looks near
-    /// `first` before it looks far.
+    /// The first row in [first, last) whose code is not less than `code`. The rows are sorted. Gallops from
+    /// `first`, because the answer is usually near.
     std::size_t LowerBound(std::size_t first, std::size_t last, std::uint32_t code) const {
         const std::uint64_t wanted = std::uint64_t{code} << shift_;
         return VisitCodeType(width_, [&](auto type) {
@@ -53,7 +53,7 @@ public:
                 step *= 4;
             }
             std::size_t count = std::min(step, last - first);
-            while (count > 1) { // without a branch, which could not be predicted
+            while (count > 1) { // branch-free: the branch would be mispredicted half of the time
                 const std::size_t half = count / 2;
                 first += isBefore(first + half - 1) ? half : 0;
                 count -= half;

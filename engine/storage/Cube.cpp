@@ -1,5 +1,6 @@
 #include "qel/engine/Cube.h"
 
+#include "engine/storage/FactTable.h"
 #include "engine/storage/PageVerifier.h"
 #include "text/CaseFold.h"
 
@@ -19,6 +20,19 @@ std::optional<std::size_t> FindNamed(std::span<const Named> all, std::string_vie
 
 } // namespace
 
+std::uint64_t Cube::FactCount() const { return facts_->RowCount(); }
+
+std::vector<std::vector<std::string>> Cube::SortOrders() const {
+    std::vector<std::vector<std::string>> orders;
+    for (const Projection& projection : facts_->Projections()) {
+        std::vector<std::string>& names = orders.emplace_back();
+        for (const std::uint16_t column : projection.SortOrder()) {
+            names.push_back(facts_->KeyColumns()[column].name);
+        }
+    }
+    return orders;
+}
+
 void Cube::CheckUnchanged() const { pages_->CheckUnchanged(); }
 
 std::optional<std::size_t> Cube::FindDimension(std::string_view name) const {
@@ -26,7 +40,7 @@ std::optional<std::size_t> Cube::FindDimension(std::string_view name) const {
 }
 
 std::optional<std::size_t> Cube::FindMeasure(std::string_view name) const {
-    return FindNamed(facts_.Measures(), name);
+    return FindNamed(Measures(), name);
 }
 
 } // namespace qel::engine

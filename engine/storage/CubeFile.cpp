@@ -2,6 +2,7 @@
 
 #include "engine/storage/AggregateVerifier.h"
 #include "engine/storage/CubeLoader.h"
+#include "engine/storage/FactTable.h"
 #include "engine/storage/FactVerifier.h"
 #include "engine/storage/FileImage.h"
 #include "engine/storage/MappedFile.h"
@@ -19,7 +20,7 @@
 
 namespace qel::engine {
 
-/// The bytes are either mapped or held in memory.
+/// The bytes are either mapped or owned.
 struct CubeFile::Contents {
     Contents(std::filesystem::path filePath, MappedFile mapped, std::vector<std::byte> memory)
         : path(std::move(filePath)), file(std::move(mapped)), held(std::move(memory)),
@@ -108,7 +109,7 @@ void CubeFile::Verify(const std::function<void(double)>& progress) const {
         rowsBefore += cube.Facts().RowCount() * cube.Facts().Projections().size();
     }
     for (std::uint64_t page = 0; page < pages.PageCount(); ++page) {
-        pages.Check(page * format::pageSize, 1); // those that no section touches, too
+        pages.Check(page * format::pageSize, 1); // also pages outside all sections
     }
     pages.CheckUnchanged();
     report(1);

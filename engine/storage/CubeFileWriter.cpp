@@ -37,7 +37,7 @@ void DescribeFacts(const CubeModel& cube, ByteWriter& out) {
         out.Put(column.shift);
     }
     out.Put(static_cast<std::uint32_t>(cube.measures.size()));
-    for (const Measure& measure : cube.measures) {
+    for (const MeasureColumn& measure : cube.measures) {
         out.PutText(measure.name);
         out.PutText(measure.caption);
         out.Put(static_cast<std::uint8_t>(measure.function));
@@ -87,7 +87,7 @@ ByteWriter Describe(const CubeModel& cube) {
     return out;
 }
 
-/// Marks the members whose name a sibling has too. Siblings are neighbours.
+/// Flags the members whose name a sibling also has. Siblings are consecutive.
 std::vector<std::uint8_t> SharedNameFlags(const HierarchyModel& hierarchy) {
     const auto count = static_cast<std::uint32_t>(hierarchy.parents.size());
     std::vector<std::uint8_t> flags(count);
@@ -113,7 +113,7 @@ std::vector<std::uint8_t> SharedNameFlags(const HierarchyModel& hierarchy) {
 
 CubeFileWriter::CubeFileWriter(const std::filesystem::path& path) : file_(path) {
     page_.reserve(format::pageSize);
-    page_.resize(sizeof(format::Header)); // its place; the header itself is written last
+    page_.resize(sizeof(format::Header)); // a placeholder: the header is written last
 }
 
 std::uint32_t CubeFileWriter::AddCube(const CubeModel& cube) {
@@ -195,7 +195,7 @@ void CubeFileWriter::Emit(std::span<const std::byte> bytes) {
 }
 
 void CubeFileWriter::FinishPage() {
-    // The header's place at the start of the first page does not count: its bytes come last.
+    // The checksum of page 0 leaves out the header, which is written last.
     const std::size_t skip = flushed_ == 0 ? sizeof(format::Header) : 0;
     checksums_.push_back(XXH3_64bits(page_.data() + skip, page_.size() - skip));
     file_.Append(page_);

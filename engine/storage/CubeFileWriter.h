@@ -12,29 +12,29 @@
 
 namespace qel::engine {
 
-/// Writes a cube file section by section: AddCube for every cube, then each fact column of each cube with
-/// Begin, Append and End, then Commit. Raises EngineError (CannotWrite); without Commit the old file stays.
+/// Writes a cube file: AddCube for every cube, then Begin, Append and End for each fact column, then Commit.
+/// Raises EngineError (CannotWrite). Without Commit the old file stays.
 class CubeFileWriter {
 public:
     explicit CubeFileWriter(const std::filesystem::path& path);
 
-    /// Writes the metadata of the next cube, and returns its number.
+    /// Writes the metadata of the next cube and returns its number.
     std::uint32_t AddCube(const CubeModel& cube);
 
     void BeginPackedColumn(std::uint32_t cube, std::size_t projection, std::size_t packedColumn);
     void BeginValues(std::uint32_t cube, std::size_t projection, std::size_t measure);
-    /// Any other section.
+    /// Begins any other section.
     void Begin(const format::SectionId& id);
     void Append(std::span<const std::byte> bytes);
     void End();
 
-    /// Completes the file and puts it in place. Returns its size in bytes.
+    /// Completes the file and moves it into place. Returns its size in bytes.
     std::uint64_t Commit();
 
 private:
     void Section(const format::SectionId& id, std::span<const std::byte> bytes);
     void AddHierarchy(std::uint32_t cube, std::uint32_t index, const HierarchyModel& hierarchy);
-    /// Bytes of the section region.
+    /// Appends bytes to the current page.
     void Emit(std::span<const std::byte> bytes);
     void Pad();
     void FinishPage();
@@ -42,8 +42,8 @@ private:
 
     AtomicFile file_;
     std::uint32_t cubes_ = 0;
-    std::uint64_t flushed_ = 0;   ///< bytes that are in the file
-    std::vector<std::byte> page_; ///< the page that is being filled
+    std::uint64_t flushed_ = 0;   ///< bytes already in the file
+    std::vector<std::byte> page_; ///< the page being filled
     std::vector<std::uint64_t> checksums_;
     std::vector<format::DirectoryEntry> directory_;
 };

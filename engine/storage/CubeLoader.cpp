@@ -1,6 +1,7 @@
 #include "engine/storage/CubeLoader.h"
 
 #include "engine/storage/AggregateLoader.h"
+#include "engine/storage/MemberColumns.h"
 #include "qel/engine/BracketedName.h"
 
 #include <fmt/format.h>
@@ -23,41 +24,43 @@ bool IsWidth(std::uint8_t width, std::uint8_t widest) {
 
 Cube CubeLoader::Load() {
     Cube cube;
+    FactTable facts;
     ByteReader in(image_.Array<std::byte>(Id(SectionKind::CubeDescription)));
     cube.name_ = in.GetText();
     cube.caption_ = in.GetText();
     cube.defaultMeasure_ = in.Get<std::uint32_t>();
-    cube.facts_.rowCount_ = in.Get<std::uint64_t>();
-    if (cube.facts_.rowCount_ > format::mostFacts) {
+    facts.rowCount_ = in.Get<std::uint64_t>();
+    if (facts.rowCount_ > format::mostFacts) {
         Fail("it has more facts than there can be");
     }
-    ReadFactColumns(in, cube.facts_);
-    ReadSortOrders(in, cube.facts_);
-    ReadDimensions(in, cube);
+    ReadFactColumns(in, facts);
+    ReadSortOrders(in, facts);
+    ReadDimensions(in, facts, cube);
     if (in.Failed() || !in.AtEnd()) {
         Fail("its description has the wrong length");
     }
-    if (cube.defaultMeasure_ >= cube.facts_.measures_.size()) {
+    if (cube.defaultMeasure_ >= facts.measures_.size()) {
         Fail("its default measure does not exist");
     }
     for (Hierarchy& hierarchy : cube.hierarchies_) {
         LoadMembers(hierarchy);
     }
     for (const Hierarchy& hierarchy : cube.hierarchies_) {
-        CheckRanges(hierarchy,
-                    hierarchy.keyColumn_ ? cube.facts_.keyColumns_[*hierarchy.keyColumn_].codes : 0);
+        CheckRanges(hierarchy, hierarchy.keyColumn_ ? facts.keyColumns_[*hierarchy.keyColumn_].codes : 0);
     }
-    for (std::size_t i = 0; i < cube.facts_.projections_.size(); ++i) {
-        LoadProjection(cube.facts_, i, cube.facts_.projections_[i]);
+    for (std::size_t i = 0; i < facts.projections_.size(); ++i) {
+        LoadProjection(facts, i, facts.projections_[i]);
     }
     cube.pages_ = &image_.Verifier();
-    cube.facts_.aggregates_ = AggregateLoader(image_, cubeNumber_).Load(cube.facts_);
+    facts.aggregates_ = AggregateLoader(image_, cubeNumber_).Load(facts);
+    cube.measures_.assign(facts.measures_.begin(), facts.measures_.end());
+    cube.facts_ = std::make_shared<const FactTable>(std::move(facts));
     return cube;
 }
 
 void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
     facts.keyColumns_.resize(in.GetCount(12));
-    std::vector<std::uint32_t> taken; // bits, by packed column
+    std::vector<std::uint32_t> taken; // bits used so far, by packed column
     for (KeyColumn& column : facts.keyColumns_) {
         column.name = in.GetText();
         column.codes = in.Get<std::uint32_t>();
@@ -66,12 +69,12 @@ void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
         column.shift = in.Get<std::uint8_t>();
         CheckLayout(column, facts, taken);
     }
-    // A packed column of no column has no width either.
+    // A packed column that no key column uses has width 0.
     if (std::find(facts.packedWidths_.begin(), facts.packedWidths_.end(), 0) != facts.packedWidths_.end()) {
         Fail("a packed column belongs to no key column");
     }
     facts.measures_.resize(in.GetCount(19));
-    for (Measure& measure : facts.measures_) {
+    for (MeasureColumn& measure : facts.measures_) {
         measure.name = in.GetText();
         measure.caption = in.GetText();
         const auto aggregate = in.Get<std::uint8_t>();
@@ -89,7 +92,7 @@ void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
     }
 }
 
-/// Takes the column's bits of its packed column.
+/// Reserves the column's bits in its packed column.
 void CubeLoader::CheckLayout(const KeyColumn& column, FactTable& facts,
                              std::vector<std::uint32_t>& taken) const {
     if (column.packedColumn >= facts.keyColumns_.size()) {
@@ -130,7 +133,7 @@ void CubeLoader::ReadSortOrders(ByteReader& in, FactTable& facts) const {
     }
 }
 
-void CubeLoader::ReadDimensions(ByteReader& in, Cube& cube) const {
+void CubeLoader::ReadDimensions(ByteReader& in, const FactTable& facts, Cube& cube) const {
     cube.dimensions_.resize(in.GetCount(13));
     for (std::size_t i = 0; i < cube.dimensions_.size(); ++i) {
         Dimension& dimension = cube.dimensions_[i];
@@ -142,7 +145,7 @@ void CubeLoader::ReadDimensions(ByteReader& in, Cube& cube) const {
             Fail(fmt::format("dimension {} has no hierarchy", dimension.name));
         }
         for (std::uint32_t n = 0; n < count; ++n) {
-            Hierarchy hierarchy = ReadHierarchy(in, cube, dimension.name);
+            Hierarchy hierarchy = ReadHierarchy(in, facts, dimension.name);
             hierarchy.dimensionIndex_ = i;
             hierarchy.index_ = cube.hierarchies_.size();
             dimension.hierarchies.push_back(hierarchy.index_);
@@ -151,7 +154,7 @@ void CubeLoader::ReadDimensions(ByteReader& in, Cube& cube) const {
     }
 }
 
-Hierarchy CubeLoader::ReadHierarchy(ByteReader& in, const Cube& cube,
+Hierarchy CubeLoader::ReadHierarchy(ByteReader& in, const FactTable& facts,
                                     const std::string& dimensionName) const {
     Hierarchy hierarchy;
     hierarchy.name_ = in.GetText();
@@ -161,7 +164,7 @@ Hierarchy CubeLoader::ReadHierarchy(ByteReader& in, const Cube& cube,
         hierarchy.uniqueName_.append(".").append(BracketedName(hierarchy.name_));
     }
     const auto keyColumn = in.Get<std::uint32_t>();
-    if (keyColumn > cube.facts_.keyColumns_.size()) {
+    if (keyColumn > facts.keyColumns_.size()) {
         Fail(fmt::format("hierarchy {} stands on a key column that does not exist", hierarchy.uniqueName_));
     }
     if (keyColumn != 0) {
@@ -199,7 +202,7 @@ void CubeLoader::LoadMembers(Hierarchy& hierarchy) const {
         const auto bytes = image_.Array<char>(Id(kind, index));
         return std::string_view(bytes.data(), bytes.size());
     };
-    MemberColumns& columns = hierarchy.columns_;
+    MemberColumns columns;
     columns.names = texts(SectionKind::MemberNames);
     columns.nameOffsets = numbers(SectionKind::MemberNameOffsets);
     columns.captions = texts(SectionKind::MemberCaptions);
@@ -223,6 +226,8 @@ void CubeLoader::LoadMembers(Hierarchy& hierarchy) const {
     if (columns.parents.size() != count || columns.flags.size() != count) {
         Fail(fmt::format("the member columns of {} differ in length", hierarchy.uniqueName_));
     }
+    hierarchy.parents_ = columns.parents;
+    hierarchy.columns_ = std::make_shared<const MemberColumns>(columns);
     CheckTree(hierarchy);
 }
 
@@ -235,7 +240,7 @@ void CubeLoader::CheckTexts(std::span<const std::uint32_t> offsets, std::string_
 }
 
 void CubeLoader::CheckSlots(std::span<const std::uint32_t> slots, std::size_t count) const {
-    // A search ends at a free slot, so there must be one.
+    // A lookup stops at a free slot, so there must be one.
     const bool isInRange =
         std::all_of(slots.begin(), slots.end(), [count](auto slot) { return slot <= count; });
     if (!std::has_single_bit(slots.size()) || !isInRange ||
@@ -245,14 +250,14 @@ void CubeLoader::CheckSlots(std::span<const std::uint32_t> slots, std::size_t co
 }
 
 void CubeLoader::CheckTree(const Hierarchy& hierarchy) const {
-    const MemberColumns& columns = hierarchy.columns_;
+    const MemberColumns& columns = *hierarchy.columns_;
     const std::size_t count = columns.parents.size();
     const auto fail = [&] { Fail(fmt::format("the tree of {} is not consistent", hierarchy.uniqueName_)); };
     if (columns.firstChild.size() != count + 1 || columns.firstChild.back() != count ||
         !std::is_sorted(columns.firstChild.begin(), columns.firstChild.end())) {
         fail();
     }
-    // The children of a level's members are the members of the next one.
+    // The children of a level's members are exactly the next level.
     for (const Level& level : hierarchy.levels_) {
         if (columns.firstChild[level.members.first] != level.members.last) {
             fail();
@@ -274,8 +279,8 @@ void CubeLoader::CheckTree(const Hierarchy& hierarchy) const {
 }
 
 void CubeLoader::CheckRanges(const Hierarchy& hierarchy, std::uint32_t codes) const {
-    const auto offsets = hierarchy.columns_.rangeOffsets;
-    const auto ranges = hierarchy.columns_.ranges;
+    const auto offsets = hierarchy.columns_->rangeOffsets;
+    const auto ranges = hierarchy.columns_->ranges;
     const auto fail = [&] { Fail(fmt::format("the keys of {} are out of range", hierarchy.uniqueName_)); };
     if (offsets.size() != std::size_t{hierarchy.MemberCount()} + 1 || offsets.front() != 0 ||
         offsets.back() != ranges.size() || !std::is_sorted(offsets.begin(), offsets.end())) {
@@ -287,7 +292,7 @@ void CubeLoader::CheckRanges(const Hierarchy& hierarchy, std::uint32_t codes) co
             if (range.first < lowest || range.first >= range.last || range.last > codes) {
                 fail();
             }
-            lowest = std::uint64_t{range.last} + 1; // the next may not even be adjacent
+            lowest = std::uint64_t{range.last} + 1; // adjacent ranges would have been one
         }
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/storage/ByteBuffer.h"
+#include "engine/storage/FactTable.h"
 #include "engine/storage/FileImage.h"
 #include "qel/engine/Cube.h"
 
@@ -9,9 +10,9 @@
 
 namespace qel::engine {
 
-/// Reads one cube of a file. Everything that the cube's accessors later take for granted is checked here:
-/// counts, offsets, the shape of the trees, code ranges, lookup tables, section sizes. Nothing is built per
-/// member; the columns are copied as they are.
+/// Reads one cube of a file and checks everything that the cube's accessors rely on: counts, offsets, trees,
+/// code ranges, lookup tables, section sizes. Member columns are copied as they are stored; no per-member
+/// objects are built.
 class CubeLoader {
 public:
     CubeLoader(FileImage& image, std::uint32_t cube) : image_(image), cubeNumber_(cube) {}
@@ -23,8 +24,8 @@ private:
     void ReadFactColumns(ByteReader& in, FactTable& facts) const;
     void CheckLayout(const KeyColumn& column, FactTable& facts, std::vector<std::uint32_t>& taken) const;
     void ReadSortOrders(ByteReader& in, FactTable& facts) const;
-    void ReadDimensions(ByteReader& in, Cube& cube) const;
-    Hierarchy ReadHierarchy(ByteReader& in, const Cube& cube, const std::string& dimensionName) const;
+    void ReadDimensions(ByteReader& in, const FactTable& facts, Cube& cube) const;
+    Hierarchy ReadHierarchy(ByteReader& in, const FactTable& facts, const std::string& dimensionName) const;
     void ReadLevels(ByteReader& in, Hierarchy& hierarchy) const;
     void LoadMembers(Hierarchy& hierarchy) const;
     void CheckTree(const Hierarchy& hierarchy) const;

@@ -8,11 +8,11 @@
 #include <string_view>
 #include <vector>
 
-// A cube as the build hands it to the writer; the facts follow column by column.
+// The metadata of a cube as the build passes it to the writer; facts follow column by column.
 
 namespace qel::engine {
 
-/// Texts one behind the other, as they are stored.
+/// Concatenated texts, as they are stored.
 struct TextColumn {
     std::vector<std::uint32_t> offsets{0}; ///< one more than there are texts
     std::string bytes;
@@ -33,7 +33,7 @@ struct LevelModel {
     std::uint32_t memberCount = 0;
 };
 
-/// The members in the order of their numbers, see Cube.h.
+/// Members in the order of their numbers, see MemberId.
 struct HierarchyModel {
     std::string name, caption;
     std::optional<std::uint32_t> keyColumn;
@@ -56,31 +56,30 @@ struct ProjectionModel {
     std::vector<std::uint64_t> leadRows; ///< one more than the leading key has codes
 };
 
-/// The aggregates of a cube, apart from the facts of those that are rows, which are written like a sort
-/// order's.
+/// The aggregates of a cube, without the rows of row aggregates, which are written like a sort order.
 struct AggregateModel {
-    std::vector<AggregateTable::PackedKeyColumn> packedKeyColumns; ///< from the highest bits on
+    std::vector<AggregateTable::PackedKeyColumn> packedKeyColumns; ///< from the highest bits down
     std::uint8_t blockBits = 0;
     std::optional<std::uint32_t> timeColumn;
     std::vector<std::uint32_t> timeBuckets;
-    std::vector<std::uint32_t> groupPlaces{0}; ///< see CodeGroups
+    std::vector<std::uint32_t> groupStarts{0}; ///< see CodeGroups
     std::vector<KeyRange> groupRanges;
     std::vector<Aggregate> records;
-    std::uint64_t rows = 0; ///< of all aggregates that are rows
+    std::uint64_t rows = 0; ///< of all row aggregates
     std::vector<std::uint32_t> packedKeys;
     std::vector<std::uint64_t> bucketMasks;
-    std::vector<std::uint32_t> prefixStarts{0};  ///< one more than there are strips
+    std::vector<std::uint32_t> prefixStarts{0};  ///< one more than there are packed keys
     std::vector<std::vector<std::int64_t>> sums; ///< by measure; empty for a count
     std::vector<std::uint32_t> counts;           ///< empty when no measure counts
 
-    CodeGroups Groups() const { return {groupPlaces, groupRanges}; }
+    CodeGroups Groups() const { return {groupStarts, groupRanges}; }
 };
 
 struct CubeModel {
     std::string name, caption;
     std::vector<DimensionModel> dimensions;
     std::vector<KeyColumn> keyColumns;
-    std::vector<Measure> measures;
+    std::vector<MeasureColumn> measures;
     std::uint32_t defaultMeasure = 0;
     std::uint64_t rowCount = 0;
     std::vector<ProjectionModel> projections;

@@ -38,14 +38,14 @@ std::uint64_t Mix(std::uint64_t hash, std::int64_t value) {
     return hash ^ (hash >> 29U);
 }
 
-/// One sort order, block by block.
+/// Checks one sort order, block by block.
 class ProjectionCheck {
 public:
     ProjectionCheck(const FactTable& facts, const Projection& projection)
         : facts_(facts), projection_(projection), codes_(facts.KeyColumns().size()),
           lastCodes_(projection.SortOrder().size(), -1), magnitudes_(facts.Measures().size()) {}
 
-    /// The fault, or an empty text.
+    /// Returns the fault, or an empty text.
     std::string Block(RowRange rows) {
         hashes_.assign(rows.Count(), 0);
         for (std::size_t column = 0; column < codes_.size(); ++column) {
@@ -70,7 +70,7 @@ public:
         return IsInOrder(rows) ? "" : "the facts are not in their order";
     }
 
-    /// A number that is the same for the same facts in any order.
+    /// A fingerprint of the facts that does not depend on their order.
     std::uint64_t Contents() const { return contents_; }
 
 private:
@@ -84,7 +84,7 @@ private:
                            [&key](std::uint32_t code) { return code < key.codes; });
     }
 
-    /// Whether the bits of the packed column that belong to no column are 0.
+    /// Whether all unused bits of the packed column are 0.
     bool IsClean(std::size_t packedColumn, RowRange rows) const {
         std::uint32_t bits = 0;
         for (const KeyColumn& column : facts_.KeyColumns()) {

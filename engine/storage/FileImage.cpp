@@ -13,7 +13,7 @@ namespace qel::engine {
 
 namespace {
 
-/// Kinds that this version knows, all of them required where they belong.
+/// The section kinds that this version knows; all of them are required where they apply.
 bool IsKnown(std::uint32_t kind) {
     using format::SectionKind;
     const auto between = [kind](SectionKind first, SectionKind last) {
@@ -55,7 +55,7 @@ FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes, con
 }
 
 void FileImage::CheckHeader(const format::Header& header) const {
-    // The version comes first: another version's header may have another form.
+    // Check the version first: other versions may lay out the header differently.
     if (header.version != format::version) {
         throw EngineError(ErrorKind::UnsupportedVersion,
                           fmt::format("{}: a cube file of format version {}; this program reads version {}",

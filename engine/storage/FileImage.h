@@ -14,24 +14,24 @@ namespace qel::engine {
 
 class MappedFile;
 
-/// The frame of a mapped cube file: header, checksum table and directory, checked; sections by their id.
-/// What is checked once and relied on afterwards is a copy: the bytes of a file that another program writes
-/// to can change at any time.
+/// The checked frame of a mapped cube file (header, checksum table, directory) and its sections by id.
+/// Whatever is checked once and relied on later is copied: another program may write to the mapped file at
+/// any time.
 class FileImage {
 public:
-    /// Raises EngineError (NotACubeFile, UnsupportedVersion, DamagedFile) naming the file. The bytes outlive
-    /// the image, and so does `mapping`, which is null when they are not mapped.
+    /// Raises EngineError (NotACubeFile, UnsupportedVersion, DamagedFile) naming the file. The bytes must
+    /// outlive the image, and so must `mapping`, which is null when the bytes are not mapped.
     FileImage(std::string fileName, std::span<const std::byte> bytes, const MappedFile* mapping);
 
     PageVerifier& Verifier() const { return *verifier_; }
     /// The number of cubes in the file.
     std::uint32_t CubeCount() const;
-    /// Raises EngineError (DamagedFile) when there is no such section.
+    /// Raises EngineError (DamagedFile) when the section is missing.
     MappedSection Section(const format::SectionId& id) const;
-    /// False when there is no such section, which is right for optional kinds alone.
+    /// Whether the section exists. Only optional kinds may be missing.
     bool HasSection(const format::SectionId& id) const;
-    /// A copy, which the image keeps, of a section as an array, its pages checked. Raises DamagedFile, also
-    /// when the size does not fit.
+    /// A section as an array, with its pages checked. The image keeps the copy that is returned. Raises
+    /// EngineError (DamagedFile), also when the size does not fit the element type.
     template <class T>
     std::span<const T> Array(const format::SectionId& id) {
         const MappedSection section = Section(id);
@@ -54,7 +54,7 @@ private:
     std::vector<std::uint64_t> tail_; ///< from the checksum table to the end of the file
     std::span<const format::DirectoryEntry> directory_;
     std::vector<std::unique_ptr<std::byte[]>> copies_;
-    std::unique_ptr<PageVerifier> verifier_; ///< its address is in every section
+    std::unique_ptr<PageVerifier> verifier_; ///< sections hold its address
 };
 
 } // namespace qel::engine

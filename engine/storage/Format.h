@@ -6,26 +6,27 @@
 #include <cstdint>
 #include <tuple>
 
-// The fixed parts of a cube file, as docs/cub-format.md describes them.
+// The fixed parts of a cube file; docs/cub-format.md describes them.
 
 namespace qel::engine::format {
 
-static_assert(std::endian::native == std::endian::little, "cube files are mapped as they are: little-endian");
+static_assert(std::endian::native == std::endian::little,
+              "cube files are little-endian and mapped without conversion");
 
-/// The first byte is not ASCII and the last is a line feed, so that a file that went through a text transfer
-/// is told from a cube.
+/// Starts with a non-ASCII byte and ends with a line feed, so that a file damaged by a text-mode transfer is
+/// not taken for a cube.
 inline constexpr std::array<char, 8> signature = {'\x89', 'Q', 'E', 'L', 'C', 'U', 'B', '\n'};
 inline constexpr std::uint32_t version = 3;
 inline constexpr std::uint64_t pageSize = 65536;
 inline constexpr std::uint64_t sectionAlignment = 64;
-inline constexpr std::uint64_t mostFacts = 0xFFFFFFFFU; ///< of a cube
+inline constexpr std::uint64_t mostFacts = 0xFFFFFFFFU; ///< in one cube
 
 struct Header {
     std::array<char, 8> signature;
     std::uint32_t version;
     std::uint32_t pageSize;
     std::uint64_t fileSize;
-    std::uint64_t checksumTableOffset; ///< where the section pages end and the tail begins
+    std::uint64_t checksumTableOffset; ///< the end of the sections
     std::uint64_t directoryOffset;
     std::uint32_t directoryEntries;
     std::uint32_t reserved;
@@ -35,10 +36,10 @@ struct Header {
 static_assert(sizeof(Header) == 64);
 inline constexpr std::size_t headerChecksumOffset = offsetof(Header, headerChecksum);
 
-/// What a section holds; `first` and `second` of its directory entry say which one.
+/// What a section holds. `first` and `second` of its directory entry say which one.
 enum class SectionKind : std::uint32_t {
     CubeDescription = 1, ///< names, levels, key columns, measures, sort orders
-    // One each for every hierarchy (first: hierarchy).
+    // One per hierarchy (first: hierarchy).
     MemberNames = 16,
     MemberNameOffsets = 17,
     MemberCaptions = 18,
@@ -52,11 +53,11 @@ enum class SectionKind : std::uint32_t {
     MemberNameSlots = 26,
     MemberKeySlots = 27,
     MemberFlags = 28,
-    // One each for every projection.
-    LeadRows = 48,      ///< first: projection
-    PackedColumns = 49, ///< first: projection, second: packed column
-    FactValues = 50,    ///< first: projection, second: measure
-    // Aggregates, which a reader may do without: it finds the same answers in the facts.
+    // One per sort order.
+    LeadRows = 48,      ///< first: sort order
+    PackedColumns = 49, ///< first: sort order, second: packed column
+    FactValues = 50,    ///< first: sort order, second: measure
+    // Aggregates are optional: the facts give the same answers.
     AggregateDescription = 0x80000001U,
     AggregateTimeBuckets = 0x80000002U,
     AggregateRecords = 0x80000003U,
@@ -68,12 +69,11 @@ enum class SectionKind : std::uint32_t {
     PrefixStarts = 0x80000009U,
     PrefixSums = 0x8000000AU, ///< second: measure
     PrefixCounts = 0x8000000BU,
-    GroupPlaces = 0x8000000CU,
+    GroupStarts = 0x8000000CU,
     GroupRanges = 0x8000000DU
 };
 
-/// Sections of kinds from here on may be passed over by a reader that does not know them; an unknown kind
-/// below makes a file of a newer format.
+/// Readers skip unknown kinds from here on. An unknown kind below means a newer file format.
 inline constexpr std::uint32_t firstOptionalKind = 0x80000000U;
 
 struct SectionId {
@@ -86,7 +86,7 @@ struct SectionId {
     }
 };
 
-/// Directory entries ascend by their section's id.
+/// Entries ascend by section id.
 struct DirectoryEntry {
     SectionId id;
     std::uint64_t offset;

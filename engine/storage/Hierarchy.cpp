@@ -1,4 +1,5 @@
 #include "engine/storage/Format.h"
+#include "engine/storage/MemberColumns.h"
 #include "engine/storage/NameIndex.h"
 #include "qel/engine/BracketedName.h"
 #include "qel/engine/Cube.h"
@@ -15,15 +16,15 @@ std::string_view TextAt(std::span<const std::uint32_t> offsets, std::string_view
 } // namespace
 
 std::string_view Hierarchy::MemberName(MemberId member) const {
-    return TextAt(columns_.nameOffsets, columns_.names, member);
+    return TextAt(columns_->nameOffsets, columns_->names, member);
 }
 
 std::string_view Hierarchy::MemberCaption(MemberId member) const {
-    return TextAt(columns_.captionOffsets, columns_.captions, member);
+    return TextAt(columns_->captionOffsets, columns_->captions, member);
 }
 
 std::string_view Hierarchy::MemberKey(MemberId member) const {
-    return TextAt(columns_.keyOffsets, columns_.keys, member);
+    return TextAt(columns_->keyOffsets, columns_->keys, member);
 }
 
 std::string Hierarchy::MemberUniqueName(MemberId member) const {
@@ -37,7 +38,7 @@ std::string Hierarchy::MemberUniqueName(MemberId member) const {
     text.reserve(usualLength);
     text += uniqueName_;
     for (auto step = path.rbegin(); step != path.rend(); ++step) {
-        const bool isShared = (columns_.flags[*step] & format::nameIsShared) != 0;
+        const bool isShared = (columns_->flags[*step] & format::nameIsShared) != 0;
         text += isShared ? ".&" : ".";
         AppendBracketed(isShared ? MemberKey(*step) : MemberName(*step), text);
     }
@@ -45,7 +46,7 @@ std::string Hierarchy::MemberUniqueName(MemberId member) const {
 }
 
 MemberRange Hierarchy::Children(MemberId member) const {
-    return {columns_.firstChild[member], columns_.firstChild[member + 1]};
+    return {columns_->firstChild[member], columns_->firstChild[member + 1]};
 }
 
 std::size_t Hierarchy::LevelOf(MemberId member) const {
@@ -57,19 +58,19 @@ std::size_t Hierarchy::LevelOf(MemberId member) const {
 }
 
 std::span<const KeyRange> Hierarchy::Ranges(MemberId member) const {
-    const std::uint32_t first = columns_.rangeOffsets[member];
-    return columns_.ranges.subspan(first, columns_.rangeOffsets[member + 1] - first);
+    const std::uint32_t first = columns_->rangeOffsets[member];
+    return columns_->ranges.subspan(first, columns_->rangeOffsets[member + 1] - first);
 }
 
 void Hierarchy::FindByName(std::string_view name, std::vector<MemberId>& found) const {
     FindInNameIndex(
-        columns_.nameSlots, name, [this](MemberId member) { return MemberName(member); },
+        columns_->nameSlots, name, [this](MemberId member) { return MemberName(member); },
         [&found](MemberId member) { found.push_back(member); });
 }
 
 void Hierarchy::FindByKey(std::string_view key, std::vector<MemberId>& found) const {
     FindInNameIndex(
-        columns_.keySlots, key, [this](MemberId member) { return MemberKey(member); },
+        columns_->keySlots, key, [this](MemberId member) { return MemberKey(member); },
         [&found](MemberId member) { found.push_back(member); });
 }
 

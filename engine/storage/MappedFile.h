@@ -8,12 +8,12 @@
 namespace qel::engine {
 
 /// A whole file mapped for reading. The mapping keeps its bytes when the file is replaced on disk. When
-/// another program changes the file itself, bytes may change, and those that are gone read as zeros.
+/// another program modifies the file in place, the bytes may change; bytes that are cut off read as zeros.
 class MappedFile {
 public:
     MappedFile();
-    /// Raises EngineError (FileNotFound) naming the file: absent, a folder or other special file, not
-    /// readable.
+    /// Raises EngineError (FileNotFound) naming the file when it is absent, not readable, a folder or a
+    /// special file.
     explicit MappedFile(const std::filesystem::path& path);
     ~MappedFile();
     MappedFile(MappedFile&& other) noexcept;
@@ -22,8 +22,8 @@ public:
     MappedFile& operator=(const MappedFile&) = delete;
 
     std::span<const std::byte> Bytes() const { return bytes_; }
-    /// False when the file itself was written to or cut short since it was mapped, so that bytes read before
-    /// this call may be wrong.
+    /// False when the file was modified or truncated in place since it was mapped; bytes read before this
+    /// call may then be wrong.
     bool IsUnchanged() const;
 
 private:

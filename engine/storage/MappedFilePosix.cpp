@@ -58,7 +58,7 @@ struct stat StatusOf(const Descriptor& file, const std::filesystem::path& path) 
 
 struct MappedFile::Mapping {
     explicit Mapping(const std::filesystem::path& path)
-        // Without O_NONBLOCK a named pipe would be waited for.
+        // Without O_NONBLOCK, opening a named pipe would block.
         : file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
         if (file.Number() < 0) {
             Fail(path, errno);
@@ -76,7 +76,7 @@ struct MappedFile::Mapping {
         watch.emplace(bytes);
     }
     ~Mapping() {
-        watch.reset(); // another mapping may be given these addresses from now on
+        watch.reset(); // before unmapping: the addresses may be reused
         if (!bytes.empty()) {
             ::munmap(const_cast<std::byte*>(bytes.data()), bytes.size());
         }

@@ -58,7 +58,7 @@ struct MappedFile::Mapping {
             Fail(path);
         }
         const void* const data =
-            ::MapViewOfFile(mapping.Get(), FILE_MAP_READ, 0, 0, 0); // keeps what it needs open
+            ::MapViewOfFile(mapping.Get(), FILE_MAP_READ, 0, 0, 0); // keeps the file open by itself
         if (data == nullptr) {
             Fail(path);
         }
@@ -91,7 +91,7 @@ MappedFile& MappedFile::operator=(MappedFile&& other) noexcept {
     return *this;
 }
 
-/// The system refuses to cut a mapped file short, which is how files are overwritten.
+/// Windows refuses to truncate a mapped file, which is how programs overwrite files.
 bool MappedFile::IsUnchanged() const { return true; }
 
 } // namespace qel::engine

@@ -8,8 +8,8 @@ namespace qel::engine {
 
 class PageVerifier;
 
-/// A run of bytes of a mapped cube file whose pages are checked against their checksums when they are first
-/// touched, so that opening a file does not read its facts.
+/// A section of a mapped cube file. A page is checked against its checksum when first read, so opening a file
+/// does not read its facts.
 class MappedSection {
 public:
     MappedSection() = default;
@@ -18,8 +18,8 @@ public:
         : data_(data), offsetInFile_(offsetInFile), size_(size), verifier_(verifier) {}
 
     std::uint64_t Size() const { return size_; }
-    /// The bytes from `offset` on, of which `length` are now known to be as they were written.
-    /// Raises EngineError (DamagedFile), also when the run does not lie within the section.
+    /// The bytes from `offset` on, with the pages of the first `length` bytes checked. Raises EngineError
+    /// (DamagedFile), also when they do not lie within the section.
     const std::byte* Bytes(std::uint64_t offset, std::uint64_t length) const;
 
 private:

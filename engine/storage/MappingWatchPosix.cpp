@@ -11,13 +11,13 @@
 
 namespace qel::engine {
 
-/// An entry of the list that the signal handler walks. Entries are used again and never freed, so that the
-/// handler needs no lock.
+/// An entry of the list that the signal handler walks. Entries are reused and never freed, so the handler
+/// needs no lock.
 struct WatchedMapping {
     std::atomic<std::uintptr_t> first = 0; ///< 0: free
     std::atomic<std::uintptr_t> last = 0;
     std::atomic<bool> hasLostBytes = false;
-    std::unique_ptr<WatchedMapping> next; ///< set before the entry is in the list
+    std::unique_ptr<WatchedMapping> next; ///< set before the entry joins the list
 
     bool Holds(std::uintptr_t address) const {
         const std::uintptr_t start = first.load();
@@ -29,12 +29,12 @@ namespace {
 
 static_assert(std::atomic<std::uintptr_t>::is_always_lock_free);
 
-// A handler belongs to the process and gets no argument of ours, so what it needs is global.
+// Signal handlers take no argument of ours, so their state is global.
 std::atomic<WatchedMapping*> mappings = nullptr;
 std::uintptr_t memoryPage = 0;
 struct sigaction formerAction = {};
 
-/// Puts a page of zeros where the pointer points to, when that lies in a watched mapping.
+/// Maps a page of zeros at the pointer when it lies in a watched mapping.
 bool PutZeros(void* pointer) {
     const auto address = reinterpret_cast<std::uintptr_t>(pointer);
     for (WatchedMapping* mapping = mappings.load(); mapping != nullptr; mapping = mapping->next.get()) {
@@ -49,13 +49,13 @@ bool PutZeros(void* pointer) {
     return false;
 }
 
-/// What would have happened without this handler.
+/// Runs the handler that was installed before this one.
 void PassOn(int signal, siginfo_t* info, void* context) {
     if ((formerAction.sa_flags & SA_SIGINFO) != 0) {
         formerAction.sa_sigaction(signal, info, context);
     } else if (formerAction.sa_handler == SIG_DFL || formerAction.sa_handler == SIG_IGN) {
         ::sigaction(signal, &formerAction, nullptr);
-        if (info->si_code <= 0) { // sent by a process; a faulty read comes again by itself
+        if (info->si_code <= 0) { // sent by a process; a faulting read repeats by itself
             ::raise(signal);
         }
     } else {
@@ -80,7 +80,7 @@ void InstallHandler() {
     ::sigaction(SIGBUS, &action, &formerAction);
 }
 
-/// A free entry, or a new one at the head of the list.
+/// Returns a free entry, or a new one at the head of the list.
 WatchedMapping* TakeEntry() {
     for (WatchedMapping* mapping = mappings.load(); mapping != nullptr; mapping = mapping->next.get()) {
         if (mapping->first.load() == 0) {
@@ -108,7 +108,7 @@ MappingWatch::MappingWatch(std::span<const std::byte> mapping) {
     mapping_ = TakeEntry();
     mapping_->hasLostBytes = false;
     mapping_->last = first + mapping.size();
-    mapping_->first = first; // from here on the handler uses it
+    mapping_->first = first; // from here on the handler sees it
 }
 
 MappingWatch::~MappingWatch() {

@@ -1,5 +1,6 @@
 #include "engine/storage/MemberVerifier.h"
 
+#include "engine/storage/Ranges.h"
 #include "text/CaseFold.h"
 
 #include <fmt/format.h>
@@ -14,7 +15,7 @@ bool Contains(const std::vector<MemberId>& members, MemberId member) {
     return std::binary_search(members.begin(), members.end(), member);
 }
 
-/// Whether every inner range lies within an outer one; both ascend.
+/// Whether every inner range lies within an outer one. Both ascend.
 bool Covers(std::span<const KeyRange> outer, std::span<const KeyRange> inner) {
     auto place = outer.begin();
     for (const KeyRange& range : inner) {

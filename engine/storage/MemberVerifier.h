@@ -6,9 +6,9 @@
 
 namespace qel::engine {
 
-/// The first fault of the cube's members that would not harm a reader but give wrong answers, or an empty
-/// text: texts that are not UTF-8, a member that its name or key does not find, a parent that lacks keys of
-/// its children.
+/// Returns the first fault in the cube's members, or an empty text. Looks for faults that do not endanger a
+/// reader but give wrong answers: texts that are not UTF-8, a member that its name or key does not find, a
+/// parent that lacks codes of its children.
 std::string FindMemberFault(const Cube& cube);
 
 } // namespace qel::engine

@@ -12,10 +12,9 @@
 #include <string_view>
 #include <vector>
 
-// The lookup table from a name to the members that have it, stored in the file so that opening builds
-// nothing: open addressing with linear probing over a power of two of slots. A slot holds 0 when it is free,
-// otherwise a member's number plus one. The home slot is the low bits of the XXH3-64 of the name in lower
-// case.
+// A stored hash table from names to members, so that opening builds nothing: open addressing with linear
+// probing over a power of two of slots. A slot holds 0 when free, otherwise a member's number plus one. The
+// home slot is given by the low bits of the XXH3-64 of the lower-case name.
 
 namespace qel::engine {
 
@@ -23,7 +22,7 @@ inline std::uint64_t NameHash(std::string_view foldedName) {
     return XXH3_64bits(foldedName.data(), foldedName.size());
 }
 
-/// `nameOf(member)` is the name of member 0 .. count-1. At least one slot stays free.
+/// `nameOf(member)` gives the name of members 0 .. count-1. At least one slot stays free.
 template <class NameOf>
 std::vector<std::uint32_t> BuildNameIndex(std::uint32_t count, const NameOf& nameOf) {
     std::vector<std::uint32_t> slots(std::bit_ceil(std::size_t{count} * 2 + 1));

@@ -11,21 +11,21 @@ namespace qel::engine {
 
 class MappedFile;
 
-/// The page checksums of a mapped cube file; each page is checked when it is first touched. Safe for any
-/// number of threads (two may check the same page at once, and find the same).
+/// Checks each page of a mapped cube file against its checksum when first read. Thread-safe: two threads may
+/// check the same page and reach the same result.
 class PageVerifier {
 public:
-    /// `file` starts at the file's first byte and ends where its pages do; `checksums` has one for each page.
-    /// `mapping`, null when the bytes are not mapped, outlives the verifier as the bytes do.
+    /// `file` runs from the file's first byte to the end of its pages; `checksums` has one entry per page.
+    /// `mapping` (null when the bytes are not mapped) must outlive the verifier, as must the bytes.
     PageVerifier(std::string fileName, std::span<const std::byte> file,
                  std::span<const std::uint64_t> checksums, const MappedFile* mapping);
 
     std::size_t PageCount() const { return checksums_.size(); }
-    /// Raises EngineError (DamagedFile) when a page that the run touches is not as it was written. The run
-    /// must lie within the file's pages.
+    /// Raises EngineError (DamagedFile) when a page of the run fails its checksum. The run must lie within
+    /// the pages.
     void Check(std::uint64_t offset, std::uint64_t length);
-    /// Raises EngineError (DamagedFile) when the file was changed on disk since it was opened: what was read
-    /// until now may be wrong.
+    /// Raises EngineError (DamagedFile) when the file was modified on disk since it was opened; whatever was
+    /// read until now may be wrong.
     void CheckUnchanged() const;
     [[noreturn]] void Fail(const std::string& fault) const;
 
@@ -39,8 +39,7 @@ private:
     std::unique_ptr<std::atomic<std::uint8_t>[]> isChecked_;
 };
 
-/// The checksum of page `page` of a file whose pages end with `file`. The header's bytes do not count: it is
-/// written last and has a checksum of its own.
+/// The checksum of one page. Page 0 leaves out the header, which is written last and has its own checksum.
 std::uint64_t PageChecksum(std::span<const std::byte> file, std::uint64_t page);
 
 } // namespace qel::engine

@@ -30,7 +30,7 @@ std::int64_t BusinessMonth::Around(std::int64_t shekels, std::int64_t permille) 
 }
 
 std::int64_t BusinessMonth::Turnover(std::int64_t shekels) const {
-    // Spring holidays, a slack summer, the autumn holidays and the end of the year.
+    // Seasons: spring holidays, a quiet summer, the autumn holidays and the end of the year.
     constexpr std::array<std::int64_t, 12> season{900, 870, 1060, 1110, 960, 930,
                                                   970, 990, 1160, 940,  980, 1130};
     const auto thisMonth = season[static_cast<unsigned>(month.month()) - 1];

@@ -6,23 +6,23 @@
 
 namespace qel::ledger {
 
-/// What the postings of one month have in common.
+/// What the postings of one month share.
 struct BusinessMonth {
     Journal& journal;
     Random& random;
     std::chrono::year_month month;
     int index; ///< months since the ledger's first
 
-    /// A random day from `first` to `last` of the month; days beyond its end become its last day.
+    /// A random day of the month from `first` to `last`, at most its last day.
     std::chrono::year_month_day Day(unsigned first, unsigned last) const;
     std::chrono::year_month_day LastDay() const { return month / std::chrono::last; }
-    /// The shekels in cents, moved at random by up to `permille` either way.
+    /// The shekels in cents, varied at random by up to `permille`.
     std::int64_t Around(std::int64_t shekels, std::int64_t permille) const;
-    /// What customers buy this month: the shekels grown and with the month's season, in cents.
+    /// The customers' purchases this month, in cents: the shekels after growth and season.
     std::int64_t Turnover(std::int64_t shekels) const;
-    /// The shekels in cents after the yearly rise of prices and pay.
+    /// The shekels in cents after yearly rises of prices and pay.
     std::int64_t Risen(std::int64_t shekels) const;
-    /// The general VAT rate: 17%, from 2025 on 18%.
+    /// The general VAT rate: 17%, 18% from 2025 on.
     std::int64_t VatPercent() const { return month.year() >= std::chrono::year{2025} ? 18 : 17; }
     bool IsYearEnd() const { return month.month() == std::chrono::December; }
     bool IsQuarterEnd() const { return static_cast<unsigned>(month.month()) % 3 == 0; }
@@ -30,9 +30,9 @@ struct BusinessMonth {
 
 /// The analysis of lines that belong to no site: the firm's own office.
 Analysis OfficeOf(std::string_view firm);
-/// The analysis of a site's lines, on its first cost centre.
+/// The analysis of a site's lines, using its first cost centre.
 Analysis At(const Site& site, std::string_view activity);
-/// The activity's code of a product in a channel.
+/// The activity code of a product in a channel.
 std::string_view ActivityOf(std::size_t product, std::size_t channel);
 
 } // namespace qel::ledger

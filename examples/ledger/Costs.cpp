@@ -7,8 +7,8 @@ namespace {
 
 struct Cost {
     std::string_view account;
-    std::int64_t shekels;  ///< a month
-    std::int64_t permille; ///< how far a month may differ
+    std::int64_t shekels;  ///< per month
+    std::int64_t permille; ///< random variation per month
 };
 
 Analysis Of(const CostCentre& centre) {

@@ -8,7 +8,7 @@
 
 namespace qel::ledger {
 
-/// What all lines of one entry share.
+/// What all lines of an entry share.
 struct EntryHeader {
     std::chrono::year_month_day date;
     std::string_view firm;
@@ -17,24 +17,24 @@ struct EntryHeader {
     std::string_view moneySet = "ILS";
 };
 
-/// Double entry: an entry goes out line by line and must sum to zero when it ends. Keeps every firm's
-/// balances.
+/// Double-entry bookkeeping: lines are written as they are posted, and each entry must sum to zero when it
+/// ends. Keeps the balances of every firm.
 class Journal {
 public:
     explicit Journal(LineSink sink) : sink_(std::move(sink)) {}
 
     void Begin(const EntryHeader& header);
-    /// Debit positive, credit negative. A line of no amount is left out.
+    /// Posts a line: debit positive, credit negative. Skips zero amounts.
     void Post(std::string_view account, const Analysis& analysis, std::int64_t cents,
               std::int64_t thousandths = 0);
-    /// The line that balances what was posted since Begin.
+    /// Posts the line that balances everything since Begin.
     void PostRest(std::string_view account, const Analysis& analysis);
-    /// Raises std::logic_error when the entry does not sum to zero.
+    /// Ends the entry. Raises std::logic_error when it does not sum to zero.
     void End();
 
     /// Debit positive.
     std::int64_t Balance(std::string_view firm, std::string_view account) const;
-    /// Profit (negative) or loss (positive) of the firm since StartYear.
+    /// The firm's profit (negative) or loss (positive) since StartYear.
     std::int64_t YearResult(std::string_view firm) const;
     void StartYear() { yearResults_.clear(); }
 

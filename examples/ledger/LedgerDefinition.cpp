@@ -31,7 +31,7 @@ constexpr std::string_view cube = R"json(    {
       "facts": "ledger",
       "dimensions": [
         { "name": "Date", "column": "date", "calendar": { "periods": "{periods}", "quarters": true } },
-        // A number of an OBS name stands for one or more business lines; number 1 is the whole group.
+        // Each number under an OBS name selects one or more business lines; number 1 is the whole group.
         { "name": "ActX", "column": "obs_number", "table": "obs_numbers", "key": "code",
           "hierarchies": [
             { "name": "OBSx", "levels": [ { "name": "OBS name", "key": "obs_name" },
@@ -97,7 +97,7 @@ std::string Replaced(std::string text, std::string_view what, std::string_view b
     return text;
 }
 
-/// Only the last level's key is the table's.
+/// Only the key of the lowest level is the table's key.
 std::string ObsLevels(std::size_t count) {
     constexpr std::string_view between = ",\n                                         ";
     std::string levels;

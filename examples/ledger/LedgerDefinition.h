@@ -5,7 +5,7 @@
 
 namespace qel::ledger {
 
-/// The text of ledger.json for an OBS tree of that many levels.
+/// The text of ledger.json for an OBS tree with that many levels.
 std::string LedgerDefinition(std::size_t obsLevels);
 
 } // namespace qel::ledger

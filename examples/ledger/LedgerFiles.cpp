@@ -54,7 +54,7 @@ std::string Scaled(std::int64_t value, int decimals, std::int64_t scale) {
     return fmt::format("{}{}.{:0{}}", value < 0 ? "-" : "", magnitude / scale, magnitude % scale, decimals);
 }
 
-/// Whole quantities without decimals, none at all for 0.
+/// Whole quantities have no decimals; 0 is empty.
 std::string QuantityText(std::int64_t thousandths) {
     if (thousandths == 0) {
         return {};

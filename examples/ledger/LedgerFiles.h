@@ -25,9 +25,9 @@ private:
 /// Writes a dimension table into the folder. Raises std::runtime_error when it cannot be written.
 void WriteTable(const std::filesystem::path& folder, const DimensionTable& table);
 
-/// Writes ledger.json, the cube definition for the tables: LedgerFNC by months with English names, and
-/// LedgerHebrewFNC by days with Hebrew names; `obsLevels` is how deep the tree of obs.csv is. Raises
-/// std::runtime_error when it cannot be written.
+/// Writes ledger.json, the cube definition: LedgerFNC by months with English names and LedgerHebrewFNC by
+/// days with Hebrew names. `obsLevels` is the depth of the tree in obs.csv. Raises std::runtime_error when it
+/// cannot be written.
 void WriteDefinition(const std::filesystem::path& folder, std::size_t obsLevels);
 
 } // namespace qel::ledger

@@ -9,12 +9,12 @@
 
 namespace qel::ledger {
 
-/// The analysis of a ledger line besides its account, by codes.
+/// The codes of a ledger line besides its account.
 struct Analysis {
     std::string_view activity, costCentre, obs, obsNumber;
 };
 
-/// One line of a journal entry. Codes point into tables that outlive the line.
+/// A line of a journal entry. Codes refer to tables that outlive the line.
 struct LedgerLine {
     std::uint64_t entry = 0;
     std::chrono::year_month_day date;
@@ -27,7 +27,7 @@ struct LedgerLine {
 
 using LineSink = std::function<void(const LedgerLine&)>;
 
-/// A table that explains the codes of one column of the ledger.
+/// A table with the meaning of the codes in one column of the ledger.
 struct DimensionTable {
     std::string file; ///< "accounts.csv"
     std::vector<std::string> columns;

@@ -10,10 +10,10 @@ struct NamedCode {
     std::string_view code, name, hebrewName;
 };
 
-/// What a site is used for; decides which costs it has.
+/// The use of a site, which determines its costs.
 enum class SiteUse { Store, Warehouse, Office, WebShop };
 
-/// A leaf of the organisational breakdown (OBS): site under kind of unit under region.
+/// A leaf of the organisational breakdown structure (OBS): a site, within a kind of unit, within a region.
 struct Site {
     std::string_view code; ///< three digits: region, kind of unit, running number
     std::string_view name, hebrewName;
@@ -28,20 +28,20 @@ struct CostCentre {
     std::int64_t monthlyPay; ///< whole shekels
 };
 
-/// A business line is a number under an OBS name; its lines also count in the numbers of `structures`.
+/// A business line: a number under an OBS name. Its lines also count in the numbers of `structures`.
 struct StructureLink {
     std::string_view businessLine, obsName, obsNumber, caption, hebrewCaption;
 };
 
 std::span<const NamedCode> Firms();
 std::span<const NamedCode> Regions();
-/// Kinds of unit; the same kind exists in several regions under the same name.
+/// Kinds of unit. The same kind exists in several regions under the same name.
 std::span<const NamedCode> UnitKinds();
 std::span<const Site> Sites();
 std::span<const CostCentre> CostCentres();
 std::span<const NamedCode> Products();
 std::span<const NamedCode> Channels();
-/// Activities that are not a product in a channel.
+/// Activities other than a product in a channel.
 std::span<const NamedCode> GeneralActivities();
 std::span<const StructureLink> Structures();
 

@@ -4,8 +4,8 @@
 
 namespace qel::ledger {
 
-/// A small random generator (SplitMix64) with the same numbers on every machine; the standard library's
-/// distributions differ between compilers.
+/// A small random generator (SplitMix64) that gives the same numbers on every machine; the standard library's
+/// distributions differ between implementations.
 class Random {
 public:
     explicit Random(std::uint64_t seed) : state_(seed) {}
@@ -18,10 +18,10 @@ public:
         return bits ^ (bits >> 31U);
     }
 
-    /// 0 to `count` - 1, for a `count` of at least 1.
+    /// From 0 to `count` - 1, for a `count` of at least 1.
     std::uint64_t Below(std::uint64_t count) { return Next() % count; }
 
-    /// `low` to `high`, both included.
+    /// From `low` to `high`, inclusive.
     std::int64_t Between(std::int64_t low, std::int64_t high) {
         return low + static_cast<std::int64_t>(Below(static_cast<std::uint64_t>(high - low) + 1));
     }

@@ -15,7 +15,7 @@ constexpr std::array<std::int64_t, 3> costPercent{66, 54, 61}; // of revenue, by
 
 enum Channel : std::size_t { wholesale = 0, stores = 1, online = 2 };
 
-/// Textiles are sold by the metre and garden goods by the kilogram; all else by the piece.
+/// Textiles are sold by the metre, garden goods by the kilogram, everything else by the piece.
 std::int64_t Quantity(std::size_t product, std::int64_t cents) {
     const std::int64_t thousandths = cents * 10 / unitPrice[product];
     return product == 1 || product == 6 ? thousandths : thousandths / 1000 * 1000;
@@ -25,7 +25,7 @@ std::string Account(std::string_view group, std::size_t product) {
     return fmt::format("{}{}", group, product + 1);
 }
 
-/// One entry: the buyer's side, then revenue, cost and inventory of every product, VAT last.
+/// Posts one entry: the receivable or cash, then revenue, cost and inventory of every product, and VAT last.
 struct Sale {
     const Site& site;
     Channel channel;
@@ -67,12 +67,12 @@ void PostWholesale(const BusinessMonth& month) {
 }
 
 void PostStore(const BusinessMonth& month, const Site& store, std::size_t number) {
-    // Eilat is free of VAT.
+    // Eilat is exempt from VAT.
     const Sale sale{store, stores, number % 2 == 0 ? "2213" : "2111",
                     store.code == "313" ? 0 : month.VatPercent()};
     month.journal.Begin({.date = month.Day(20, 31), .firm = store.firm});
     std::int64_t total = 0;
-    // Half of the products sell in a store in one month, the other half in the next.
+    // A store sells half of the products in one month and the other half in the next.
     for (std::size_t product = (number + static_cast<std::size_t>(month.index)) % 2; product < productCount;
          product += 2) {
         const std::int64_t net = month.Turnover(store.monthlyTurnover / 4);
@@ -135,7 +135,7 @@ void PostPurchases(const BusinessMonth& month) {
         const Analysis warehouse = At(FindSite(firm == "10" ? "221" : "131"), "904");
         for (std::size_t product = 0; product < productCount; ++product) {
             const Origin& origin = origins[product % 3];
-            // Both firms buy about what they sell, so the stock stays level.
+            // Both firms buy about as much as they sell, so the stock stays level.
             const std::int64_t goods =
                 month.Turnover(firm == "10" ? wholesaleTurnover[product] * 67 / 100 : 265'000);
             const std::int64_t vat = origin.moneySet == "ILS" ? goods * month.VatPercent() / 100 : 0;

@@ -64,7 +64,7 @@ void PostTreasury(const BusinessMonth& month) {
             Settle(month, firm.code, "2231", 100);
         }
     }
-    // The dollar moves; suppliers' balances with it.
+    // Revalues the suppliers' balances at the dollar's new rate.
     month.journal.Begin({.date = month.LastDay(), .firm = "10", .moneySet = "USD"});
     month.journal.Post("7113", OfficeOf("10"),
                        -month.journal.Balance("10", "3212") * month.random.Between(-22, 24) / 1000);

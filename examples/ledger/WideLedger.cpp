@@ -15,7 +15,7 @@ namespace {
 
 constexpr std::chrono::sys_days firstDay =
     std::chrono::year{WideLedger::firstYear} / std::chrono::January / 1;
-constexpr std::uint64_t chartSeed = 5; // the tables do not change with the seed of the lines
+constexpr std::uint64_t chartSeed = 5; // the tables do not depend on the seed of the lines
 
 std::vector<std::string> Numbered(std::size_t count, std::size_t first) {
     std::vector<std::string> codes;
@@ -38,8 +38,8 @@ std::vector<std::size_t> ZeroTo(std::size_t count) {
     return numbers;
 }
 
-/// Draws 0 to count - 1: the n-th busiest with a weight of n to the power of -exponent. The busy ones are
-/// spread over all.
+/// Draws from 0 to count - 1, the n-th most frequent with weight n^-exponent. The frequent ones are spread
+/// over the whole range.
 class PowerLaw {
 public:
     PowerLaw(Random& random, std::size_t count, double exponent) : places_(ZeroTo(count)) {
@@ -62,12 +62,12 @@ private:
     std::vector<std::uint64_t> sums_;
 };
 
-/// Three levels of groups over a row of leaves, of uneven sizes as in charts that have grown.
+/// Three levels of groups over a row of leaves, with uneven sizes like a chart that has grown.
 class Groups {
 public:
     static constexpr std::size_t levels = 3;
 
-    /// The numbers of groups are from the widest level to the narrowest.
+    /// `groups` gives the number of groups per level, the widest groups first.
     Groups(Random& random, std::size_t leaves, std::array<std::size_t, levels> groups) {
         std::vector<std::size_t> places = ZeroTo(leaves);
         for (std::size_t level = levels; level-- > 0;) {
@@ -76,7 +76,7 @@ public:
         }
     }
 
-    /// 1 for the first group of the widest level; no two groups have the same number.
+    /// Numbers groups across all levels, starting with 1 for the first group of the widest level.
     std::size_t NumberOf(std::size_t level, std::size_t leaf) const {
         std::size_t number = 0;
         for (std::size_t wider = 0; wider < level; ++wider) {
@@ -88,7 +88,7 @@ public:
     }
 
 private:
-    /// So many of the places, in order, the first one among them.
+    /// Chooses that many positions, in order, always including the first.
     static std::vector<std::size_t> Some(Random& random, std::vector<std::size_t> places, std::size_t count) {
         std::vector<std::size_t> others(places.begin() + 1, places.end());
         Shuffle(random, others);
@@ -122,8 +122,8 @@ DimensionTable CodesAndNames(std::string file, const std::vector<std::string>& c
     return table;
 }
 
-/// How busy members are, and which ones go together: a few accounts have most of the lines, an account has
-/// its activities, a cost centre its firm and its places in the OBS tree.
+/// The frequencies of members and their correlations: a few accounts have most of the lines, an account has
+/// its usual activities, a cost centre its firm and its usual OBS leaves.
 class Habits {
 public:
     Habits(Random& random, const WideLedgerShape& shape)
@@ -145,7 +145,7 @@ public:
         }
     }
 
-    /// The places of a line's members in their tables.
+    /// The row numbers of a line's members in their tables.
     struct Members {
         std::size_t account, activity, costCentre, obs, obsNumber, plbs, moneySet;
     };
@@ -188,7 +188,7 @@ private:
     std::vector<std::size_t> firmOf_, numberOf_;                         ///< by cost centre, by OBS leaf
 };
 
-/// Small amounts and large ones alike: each number of binary digits as often as another. In cents.
+/// Draws amounts in cents whose numbers of binary digits are uniformly distributed.
 std::int64_t DrawAmount(Random& random) {
     const std::int64_t amount = random.Between(1, std::int64_t{1} << random.Between(4, 19));
     return random.Below(2) == 0 ? amount : -amount;

@@ -13,7 +13,8 @@ from openpyxl.chart import BarChart, LineChart, Reference
 from openpyxl.chart.shapes import GraphicalProperties
 from openpyxl.chart.text import RichText
 from openpyxl.drawing.line import LineProperties
-from openpyxl.drawing.text import CharacterProperties, Paragraph, ParagraphProperties
+from openpyxl.drawing.spreadsheet_drawing import AnchorMarker, TwoCellAnchor
+from openpyxl.drawing.text import CharacterProperties, Font as ChartFont, Paragraph, ParagraphProperties
 from openpyxl.formatting.rule import ColorScaleRule
 from openpyxl.styles import Alignment, Border, Font, PatternFill, Side
 from openpyxl.utils import get_column_letter as letter
@@ -41,8 +42,11 @@ STORES = [
 ]
 
 INK, RULE, BAND, SOFT, INPUT = "1F2A44", "8A94A6", "1F3864", "EEF2F8", "FFF8E1"
-AMOUNT = "#,##0,;(#,##0,);–"
-PERCENT = '0.0%;(0.0%);–'
+# Figures without brackets leave the bracket's room free, so that the digits stand below each other.
+AMOUNT = "#,##0,_);(#,##0,);–_)"
+CENTS = "#,##0.00_);(#,##0.00);–_)"
+PERCENT = "0.0%_);(0.0%);–_)"
+CHART_ROWS = 19
 
 
 @dataclass
@@ -72,6 +76,10 @@ HEBREW = Language(
 
 def font(**changes):
     return Font(**{"name": "Arial", "size": 9, "color": INK, **changes})
+
+
+def chart_font(size, **changes):
+    return CharacterProperties(sz=size, solidFill=INK, latin=ChartFont(typeface="Arial"), cs=ChartFont(typeface="Arial"), **changes)
 
 
 def fill(color):
@@ -125,12 +133,13 @@ class Page:
         return cell
 
     def input_cells(self, column, value):
-        """A value centred over two cells, in the colours by which people know what they may change."""
+        """A value over two cells, in the colours by which people know what they may change."""
         edge = Side(style="thin", color="D9C88A")
-        for cell, border in ((self.put(4, column, value, font(color="1F4FA3"), color=INPUT), Border(left=edge, top=edge, bottom=edge)),
-                             (self.put(4, column + 1, None, color=INPUT), Border(right=edge, top=edge, bottom=edge))):
-            cell.alignment = Alignment(horizontal="centerContinuous")
-            cell.border = border
+        for cell in (self.put(4, column, value, font(color="1F4FA3"), color=INPUT), self.put(4, column + 1, None, color=INPUT)):
+            cell.alignment = Alignment(horizontal="center")
+            cell.border = Border(left=edge, right=edge, top=edge, bottom=edge)
+        self.sheet.cell(4, column - 1).border = Border(right=edge) # Calc draws no first border from right to left
+        self.sheet.merge_cells(start_row=4, start_column=column, end_row=4, end_column=column + 1)
 
     def heads(self, names):
         """The line of the columns' heads: months as dates, then `names` from the year's total on."""
@@ -140,9 +149,9 @@ class Page:
             cell.alignment = Alignment(horizontal="left" if column <= NAME else "right", vertical="center")
         for month in range(MONTHS):
             cell = self.sheet.cell(head, FIRST + month, f"=DATE({self.inputs['year']},{month + 1},1)")
-            cell.number_format = self.language.month
+            cell.number_format = self.language.month + "_)"
         for i, name in enumerate(names):
-            self.sheet.cell(head, TOTAL + i, name)
+            self.sheet.cell(head, TOTAL + i, name).number_format = "@_)"
         self.sheet.row_dimensions[head].height = 18
         self.sheet.freeze_panes = self.sheet.cell(head + 1, FIRST)
 
@@ -150,7 +159,7 @@ class Page:
         for column in range(CODE, last + 1):
             cell = self.sheet.cell(row, column)
             cell.font = font(bold=True, color=BAND if strong else INK)
-            cell.border = Border(top=Side(style="thin", color=RULE), bottom=Side(style="double" if strong else "hair", color=RULE))
+            cell.border = Border(top=Side(style="thin", color=RULE), bottom=Side(style="medium" if strong else "hair", color=RULE))
             if strong:
                 cell.fill = fill(SOFT)
 
@@ -166,22 +175,27 @@ class Page:
         for row, color in rows:
             self.month_series(chart, row).graphicalProperties.solidFill = color
         chart.title = title
-        chart.title.tx.rich.p[0].pPr = ParagraphProperties(defRPr=CharacterProperties(sz=1000, b=True, solidFill=INK))
+        chart.title.tx.rich.p[0].pPr = ParagraphProperties(defRPr=chart_font(1000, b=True))
         for run in chart.title.tx.rich.p[0].r:
-            run.rPr = CharacterProperties(sz=1000, b=True, solidFill=INK)
+            run.rPr = chart_font(1000, b=True)
         chart.y_axis.number_format, chart.x_axis.number_format = "#,##0,", self.language.month
         chart.y_axis.majorGridlines.spPr = GraphicalProperties(ln=LineProperties(solidFill="E3E7EE"))
-        small = RichText(p=[Paragraph(pPr=ParagraphProperties(defRPr=CharacterProperties(sz=800, solidFill=INK)),
-                                      endParaRPr=CharacterProperties(sz=800))])
+        small = RichText(p=[Paragraph(pPr=ParagraphProperties(defRPr=chart_font(800)), endParaRPr=chart_font(800))])
         for part in (chart.x_axis, chart.y_axis, chart.legend):
             part.txPr = small
         chart.x_axis.tickLblPos = "low"
         chart.legend.position = "b"
-        chart.width, chart.height = 41.1, 9
+        if self.language.right_to_left:
+            chart.x_axis.scaling.orientation = "maxMin"
         return chart
 
+    def place(self, chart, row, last):
+        """From the first column to `last`, however wide they are with the fonts of a machine."""
+        chart.anchor = TwoCellAnchor(_from=AnchorMarker(col=CODE - 1, row=row - 1), to=AnchorMarker(col=last, row=row + CHART_ROWS - 1))
+        self.sheet.add_chart(chart)
+
     def widths(self, name, amount, last):
-        self.sheet.column_dimensions[letter(CODE)].width = 4.5
+        self.sheet.column_dimensions[letter(CODE)].width = 5.5
         self.sheet.column_dimensions[letter(NAME)].width = name
         for column in range(FIRST, last + 1):
             self.sheet.column_dimensions[letter(column)].width = amount
@@ -213,8 +227,8 @@ class Statement(Page):
                 self.sum_line(subtotal, self.totals)
         self.check()
         self.chart()
-        self.widths(34, 8.6, CHANGE)
-        self.one_landscape_page(f"A1:{letter(CHANGE)}{self.row + 21}")
+        self.widths(42, 11, CHANGE)
+        self.one_landscape_page(f"A1:{letter(CHANGE)}{self.row + CHART_ROWS}")
 
     def section(self, groups, total):
         first = self.row
@@ -263,7 +277,7 @@ class Statement(Page):
             period = {TOTAL: year_of(self.inputs), BEFORE: year_of(self.inputs, 1)}.get(column, month_of(self.inputs, column))
             whole = value_formula(self.inputs, '"All"', '""', period, plbs='"P"', sign="")[1:]
             self.put(row, column, f"=ROUND({letter(column)}{self.rows['net']}+{whole},2)", font(size=8, color=RULE),
-                     "#,##0.00;(#,##0.00);–")
+                     CENTS)
         self.row = row + 2
 
     def chart(self):
@@ -273,7 +287,7 @@ class Statement(Page):
         profit.graphicalProperties.line.solidFill, profit.graphicalProperties.line.width = "C0504D", 28000
         profit.smooth = False
         bars += line
-        self.sheet.add_chart(bars, f"A{self.row}")
+        self.place(bars, self.row, CHANGE)
 
 
 class Stores(Page):
@@ -295,11 +309,10 @@ class Stores(Page):
         for row in regions:
             self.total_line(row, TOTAL + 1)
         self.total_line(self.row, TOTAL + 1, strong=True)
-        self.widths(22, 8.6, TOTAL + 1)
+        self.widths(28, 11, TOTAL + 1)
         chart = self.month_bars("Sales by region, thousands of shekels", list(zip(regions, ("9DB4D8", "5B7DB1", "C9A66B"))))
-        chart.width = 36.1
-        self.sheet.add_chart(chart, f"A{self.row + 2}")
-        self.one_landscape_page(f"A1:{letter(TOTAL + 1)}{self.row + 20}")
+        self.place(chart, self.row + 2, TOTAL + 1)
+        self.one_landscape_page(f"A1:{letter(TOTAL + 1)}{self.row + 2 + CHART_ROWS}")
 
     def region(self, name, stores):
         first = self.row
@@ -322,6 +335,7 @@ class Stores(Page):
 
 def make_report():
     book = Workbook()
+    book._named_styles["Normal"].font = Font(name="Arial", size=10) # columns are measured in its digits
     book.active.title = ENGLISH.sheet
     Statement(book.active, ENGLISH)
     Stores(book.create_sheet("Stores"))

@@ -8,8 +8,8 @@
 #include <sstream>
 #include <string>
 
-// Reads any bytes as a CSV table, every field as an amount and as a date. The first byte chooses the
-// delimiter and the signs.
+// Reads any bytes as a CSV table, and every field as an amount and as a date. The first byte chooses the
+// delimiter and the number format.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace qel::engine;
@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         std::uint64_t line = reader.Header().empty() ? 0 : 1;
         while (reader.Next()) {
             if (reader.Line() <= line || reader.Raw().empty()) {
-                std::abort(); // reading must go on
+                std::abort(); // the reader must advance
             }
             line = reader.Line();
             for (std::size_t i = 0; reader.Fault().empty() && i < reader.Header().size(); ++i) {
@@ -39,7 +39,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             }
         }
     } catch (const EngineError&) {
-        return 0; // a fault that was told
+        return 0; // an expected error
     }
     return 0;
 }

@@ -12,14 +12,14 @@
 #include <span>
 #include <vector>
 
-// Opens any bytes as a cube file, asks for everything that it holds and verifies it. Checksums are put right
-// first: they would keep nearly every input from the checks behind them.
+// Opens any bytes as a cube file, reads everything in it and verifies it. The checksums are corrected first,
+// because wrong ones would hide the checks behind them from nearly every input.
 
 namespace {
 
 using namespace qel::engine;
 
-/// Fills in the header's sizes as far as they follow from the others, and all checksums.
+/// Derives the header's sizes where possible, and fills in all checksums.
 void Repair(std::vector<std::byte>& bytes) {
     format::Header header = {};
     if (bytes.size() < sizeof header) {
@@ -94,9 +94,9 @@ std::size_t AskFacts(const Cube& cube) {
     return sum + cube.FindMeasure("amount").value_or(0) + facts.Measures()[cube.DefaultMeasure()].name.size();
 }
 
-/// Asks for the facts of every aggregate, for those of one code of each narrow column, and for those of a
-/// span of time.
-std::size_t AskAggregates(const FactTable& facts) {
+/// Reads the facts of every aggregate, also restricted to one code of each narrow column and to a span of
+/// time.
+std::size_t ReadAggregates(const FactTable& facts) {
     std::size_t sum = 0;
     const AggregateTable* const aggregates = facts.Aggregates();
     for (std::uint64_t i = 0; aggregates != nullptr && i < std::min<std::uint64_t>(aggregates->Count(), 100);
@@ -135,7 +135,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto* const first = reinterpret_cast<const std::byte*>(data);
     std::vector<std::byte> bytes(first, first + size);
     Repair(bytes);
-    volatile std::size_t sum = 0; // the reads must happen
+    volatile std::size_t sum = 0; // keeps the reads from being optimised away
     try {
         const auto file = CubeFile::FromMemory("fuzz.cub", std::move(bytes));
         for (const Cube& cube : file->Cubes()) {
@@ -143,11 +143,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
                 sum = sum + AskHierarchy(hierarchy);
             }
             sum = sum + AskFacts(cube);
-            sum = sum + AskAggregates(cube.Facts());
+            sum = sum + ReadAggregates(cube.Facts());
         }
         file->Verify({});
     } catch (const EngineError&) {
-        return 0; // a fault that was told
+        return 0; // an expected error
     }
     return 0;
 }

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string_view>
 
-// Any text either becomes a call or is refused with a place inside the text (or just behind it).
+// Any text is either parsed as a call or rejected with a position inside the text or at its end.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view text(reinterpret_cast<const char*>(data), size);

@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <string>
 
-// Setting an entry of any text is either refused, or the entry reads back, the rest is still there, and
-// setting the same entry again changes nothing.
+// Setting an entry in any text is either rejected, or the entry reads back, the rest is unchanged, and
+// setting it again changes nothing.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <string>
 
-// Any bytes either become a language table whose rows are all counted, or are refused.
+// Any bytes are either read as a language table that counts all its rows, or rejected.
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(reinterpret_cast<const char*>(data), size);

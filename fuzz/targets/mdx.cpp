@@ -2,6 +2,7 @@
 #include "qel/engine/Cellset.h"
 #include "qel/engine/CubeFile.h"
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/helpers/SmallStack.h"
 
 #include <algorithm>
@@ -12,8 +13,8 @@
 #include <string>
 #include <string_view>
 
-// Runs any bytes as a statement on a small cube, in a thread with a small stack: they give a cellset or an
-// EngineError, and end.
+// Runs any bytes as a statement on a small cube, in a thread with a small stack: the result is a cellset or an
+// EngineError, in bounded time.
 
 namespace {
 
@@ -72,7 +73,7 @@ void RunStatement(const qel::engine::Cube& cube, std::string_view statement) {
             }
         }
     } catch (const qel::engine::EngineError&) {
-        return; // a fault that was told
+        return; // an expected error
     }
 }
 

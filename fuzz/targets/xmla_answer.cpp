@@ -7,8 +7,8 @@
 #include <cstdlib>
 #include <string_view>
 
-// Reads any bytes as a server's answer, as a cellset and as a rowset, in two pieces. What was read can be
-// asked for.
+// Reads any bytes as a server's answer, as a cellset and as a rowset, in two pieces, then accesses everything
+// that was read.
 
 namespace {
 
@@ -28,7 +28,7 @@ void Read(std::string_view bytes, const Use& use) {
         }
         use(answer);
     } catch (const AutomationError&) {
-        return; // a fault that was told
+        return; // an expected error
     }
 }
 

@@ -40,8 +40,9 @@ void ReadProperty(std::string_view part, ConnectionText& connection) {
 } // namespace
 
 bool IsServerAddress(std::string_view dataSource) {
+    const std::string_view trimmed = Trimmed(dataSource);
     const auto beginsWith = [&](std::string_view scheme) {
-        return EqualIgnoringCase(dataSource.substr(0, scheme.size()), scheme);
+        return EqualIgnoringCase(trimmed.substr(0, scheme.size()), scheme);
     };
     return beginsWith("http://") || beginsWith("https://");
 }

@@ -23,7 +23,8 @@ ConnectionText ParseConnectionText(std::string_view text);
 /// The text as it can be shown: a password in an address in it is replaced by "***".
 std::string WithoutPasswords(std::string_view text);
 
-/// True for the address of a server, "http://…" or "https://…" in any letter case.
+/// True for the address of a server, "http://…" or "https://…" in any letter case,
+/// blanks before it aside.
 bool IsServerAddress(std::string_view dataSource);
 
 } // namespace qel

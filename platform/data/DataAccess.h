@@ -149,7 +149,7 @@ public:
     virtual void MoveNext() = 0;
 };
 
-/// Makes the provider's objects; a door chooses one implementation in its composition root.
+/// One provider: makes its objects. Providers says which one opens a connection text.
 class DataAccess {
 public:
     virtual ~DataAccess() = default;

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-// The port through which the local database is made and opened; making has the shape of ADOX.
+// The port through which the local database is created and opened. Creation has the shape of ADOX.
 
 namespace qel {
 
@@ -33,7 +33,7 @@ struct TableDefinition {
 class DatabaseCatalog {
 public:
     virtual ~DatabaseCatalog() = default;
-    /// Makes an empty database. A file that exists, whatever it holds, is an error and stays as it is.
+    /// Creates an empty database. Raises for a file that exists, whatever it holds, and leaves it unchanged.
     virtual void Create(const std::string& connectionString) = 0;
     virtual void AppendTable(const TableDefinition& table) = 0;
 };
@@ -41,10 +41,10 @@ public:
 class DatabaseEngine {
 public:
     virtual ~DatabaseEngine() = default;
-    /// For people: "SQLite 3.40.1".
+    /// A display name, such as "SQLite 3.40.1".
     virtual std::string Name() const = 0;
     /// Raises when the engine cannot be reached.
-    virtual std::unique_ptr<DatabaseCatalog> NewCatalog() = 0;
+    [[nodiscard]] virtual std::unique_ptr<DatabaseCatalog> NewCatalog() = 0;
     /// Opens a database that exists. Raises AutomationError, naming the file and the fault, for one that is
     /// missing, damaged or another engine's.
     virtual std::unique_ptr<DatabaseConnection> Open(const std::string& connectionString) = 0;

@@ -9,8 +9,8 @@
 
 namespace qel {
 
-/// A value for every column of its table, in the table's order: texts, dates, and Null for none. An empty
-/// text may be read back as Null.
+/// One value per column, in the table's order: a text, a date or Null. An empty text may be read back as
+/// Null.
 using TableRow = std::vector<Variant>;
 
 /// An open local database, closed with its owner. Every operation raises AutomationError with the engine's
@@ -20,7 +20,7 @@ public:
     virtual ~DatabaseConnection() = default;
     /// Every row, in the order in which they were written.
     virtual std::vector<TableRow> ReadRows(const std::string& table) = 0;
-    /// Puts rows in place of all that the table has. When that fails, the table is as it was.
+    /// Replaces all rows of the table. On failure the table is unchanged.
     virtual void ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) = 0;
 };
 

@@ -13,7 +13,7 @@ namespace qel {
 namespace {
 
 constexpr std::string_view sqliteSignature("SQLite format 3\0", 16);
-/// Jet and its successor ACE write their names after four bytes of their own.
+/// Jet and its successor ACE write their names at offset four.
 constexpr std::string_view jetPrefix("\0\1\0\0", 4);
 constexpr std::string_view jetSignature("Standard Jet DB\0", 16);
 constexpr std::string_view aceSignature("Standard ACE DB\0", 16);

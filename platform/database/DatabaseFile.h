@@ -6,13 +6,13 @@
 
 namespace qel {
 
-/// What a file of the local database's name holds, by its first bytes.
+/// The kind of a database file, by its first bytes.
 enum class DatabaseFileKind : std::uint8_t { Missing, Unreadable, Jet, Sqlite, Other };
 
 DatabaseFileKind IdentifyDatabaseFile(const std::filesystem::path& path);
 
-/// The file that a connection text names as its data source, which ends the text. Raises AutomationError when
-/// it names none.
+/// The data source of a connection text, which must be its last property. Raises AutomationError when it is
+/// missing.
 std::filesystem::path DatabaseFileOf(const std::string& connectionString);
 
 } // namespace qel

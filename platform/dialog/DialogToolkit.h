@@ -11,8 +11,8 @@
 #include <string_view>
 #include <vector>
 
-// The port through which the dialogs are shown. A form is designed as one table of controls; a toolkit builds
-// the same dialog from it on every platform, mirrored when it is right-to-left.
+// The port through which dialogs are shown. A form is designed as one table of controls, from which each
+// platform's toolkit builds the dialog, mirrored when it is right-to-left.
 
 namespace qel {
 
@@ -21,89 +21,89 @@ enum class ControlKind : std::uint8_t {
     TextBox,
     Button,
     CheckBox,
-    ComboBox,  ///< a drop-down list: one of its items is chosen, nothing else is typed
-    BoundList, ///< a drop-down list over a ListSource: typing shows the rows that match
+    ComboBox,  ///< a drop-down list of fixed items
+    BoundList, ///< a drop-down list over a ListSource, searched by typing
     ListBox,
-    Line,      ///< divides the form; as long as it is wide
-    FileDialog ///< takes no place on the form; AskForFile shows it
+    Line,      ///< a horizontal separator
+    FileDialog ///< not on the form; AskForFile shows it
 };
 
-/// What the form's own code and the language table call a control of that kind.
+/// The type name of a control, as TranslateForm knows it.
 std::string TypeNameOf(ControlKind kind);
 
-/// In dialog units: horizontally a quarter of an average character's width of the dialog's font, vertically
-/// an eighth of its height. Left is measured from the side where reading starts.
+/// In dialog units: a quarter of the dialog font's average character width, and an eighth of its height. Left
+/// is measured from the side where reading starts.
 struct Place {
     std::int16_t left = 0, top = 0, width = 0, height = 0;
 };
 
 struct ControlDesign {
-    const char* name; ///< unique on its form; one of an array of controls has its index, as in "TxtDate(0)"
+    const char* name; ///< unique on the form; control arrays have an index: "TxtDate(0)"
     ControlKind kind;
     Place place = {};
-    std::int32_t tag = 0;     ///< the number of its caption in the suite's table of texts; 0 for none
-    const char* caption = ""; ///< as designed; shown until the form is translated
-    /// Letters, one a language: the first that the shown caption holds is its access key.
+    std::int32_t tag = 0;     ///< number of the caption in the suite's table of texts, or 0
+    const char* caption = ""; ///< shown until the form is translated
+    /// Letters, one per language: the first one that the shown caption holds is its access key.
     const char* mnemonic = "";
-    std::int32_t ownText = 0; ///< without a tag: the number of its caption in the component's own strings
-    bool isReadOnly = false;  ///< of a text box: shown and copied, not typed
+    std::int32_t ownText = 0; ///< without a tag: number of the caption in the component's own strings
+    bool isReadOnly = false;  ///< of a text box: cannot be edited, only copied
 };
 
 struct FormDesign {
     const char* name;
-    std::int32_t tag = 0; ///< the number of the form's caption in the component's own strings; 0 for none
+    std::int32_t tag = 0; ///< number of the caption in the component's own strings, or 0
     const char* caption = "";
     std::int16_t width = 0, height = 0; ///< of the area inside the frame, in dialog units
-    /// In tab order; a label's mnemonic leads to the next control that takes the focus.
+    /// In tab order. A label's mnemonic moves the focus to the next control that takes it.
     std::span<const ControlDesign> controls;
     const char* defaultButton = ""; ///< the one that Enter presses
     const char* cancelButton = "";  ///< the one that Esc presses
 };
 
-/// The rows of a BoundList, read only as far as they are shown.
+/// The rows of a BoundList, read as they are shown.
 class ListSource {
 public:
     virtual ~ListSource() = default;
     virtual std::size_t RowCount() const = 0;
-    /// Never changes while the source is bound; a code and a name, say.
+    /// Constant while the source is bound. Usually 2: code and name.
     virtual std::size_t ColumnCount() const = 0;
     virtual std::string Text(std::size_t row, std::size_t column) const = 0;
-    /// The rows of which a column holds the typed text, letter case aside, in the order in which they are to
-    /// be shown; all rows for an empty text.
+    /// The rows in which a column contains the typed text, letter case ignored, in display order; all rows
+    /// for an empty text.
     virtual std::vector<std::uint32_t> Matching(std::string_view typed) const = 0;
 };
 
-/// What the user does. Controls are told by their names. What the program changes raises no event. A handler
-/// traps its own errors; it may change any control and may hide the dialog.
+/// The user's actions, with the names of the controls. Changes by the program raise no event. A handler traps
+/// its own errors; it may change any control and hide the dialog.
 class DialogEvents {
 public:
     virtual ~DialogEvents() = default;
-    /// The dialog is about to be shown; everything can be set.
+    /// Called before the dialog is shown.
     virtual void OnLoad() = 0;
-    /// A button was pressed, or a check box changed (its new state can be read).
+    /// A button was pressed, or a check box changed; IsChecked returns its new state.
     virtual void OnClick(std::string_view control) = 0;
-    /// Another item or row was chosen (in a list box, too), or a text box's text was edited.
+    /// Another item or row was chosen, or the text of a text box was edited.
     virtual void OnChange(std::string_view control) = 0;
-    /// A text box, combo box or bound list lost the focus to another control of the dialog, other than the
-    /// cancel button.
+    /// A text box, combo box or bound list lost the focus to another control of the dialog, except the cancel
+    /// button.
     virtual void OnLeave(std::string_view control) = 0;
-    /// The close box was used, or the dialog is ended from outside. It is hidden afterwards.
+    /// The close box was used, or the dialog is closed from outside. It is hidden afterwards.
     virtual void OnQueryUnload() = 0;
 };
 
 struct FileQuestion {
     std::string title;
-    std::string filter;           ///< a text for people, "|", and a pattern
+    std::string filter;           ///< a description, "|", and a pattern
     std::string startFolder = {}; ///< empty for the platform's choice
 };
 
-/// A dialog made from a design. Operations on a control that the design lacks, or that its kind does not
-/// have, raise AutomationError 5 naming the control.
+/// A dialog built from a design. An unknown control, or an operation that its kind does not have, raises
+/// AutomationError 5 with the control's name.
 class Dialog {
 public:
     virtual ~Dialog() = default;
 
-    /// Loads the dialog (OnLoad), shows it before the calling window and returns when it was hidden.
+    /// Calls OnLoad, shows the dialog in front of the calling window, and returns when it is hidden.
     virtual void ShowModal() = 0;
     /// Ends ShowModal. The controls keep their state and can be read.
     virtual void Hide() = 0;
@@ -116,29 +116,29 @@ public:
     virtual bool IsEnabled(std::string_view control) const = 0;
     virtual void SetFocus(std::string_view control) = 0;
 
-    /// Text boxes: their text. Labels, buttons, check boxes: their caption. Combo boxes: the chosen item, or
-    /// nothing. Bound lists: what was typed, or the chosen row.
+    /// The text of a text box; the caption of a label, button or check box; the chosen item of a combo or
+    /// list box, or empty; the typed text or chosen row of a bound list.
     virtual std::string Text(std::string_view control) const = 0;
-    /// Text boxes: their text. Labels, buttons and check boxes: their caption.
+    /// The text of a text box; the caption of a label, button or check box.
     virtual void SetText(std::string_view control, const std::string& text) = 0;
 
     /// Check boxes.
     virtual bool IsChecked(std::string_view control) const = 0;
     virtual void SetChecked(std::string_view control, bool isChecked) = 0;
 
-    /// Combo and list boxes: replaces the items; none is chosen afterwards.
+    /// Combo and list boxes: replaces the items and clears the selection.
     virtual void SetItems(std::string_view control, const std::vector<std::string>& items) = 0;
-    /// Combo boxes, list boxes, and rows of bound lists: the one that is chosen, counted from 0.
+    /// The zero-based selection of a combo box, list box or bound list.
     virtual std::optional<std::size_t> Selected(std::string_view control) const = 0;
-    /// None chooses nothing, and empties what was typed into a bound list.
+    /// Nullopt clears the selection, and the text typed into a bound list.
     virtual void Select(std::string_view control, std::optional<std::size_t> index) = 0;
 
-    /// Bound lists: replaces the rows; none is chosen afterwards. Null for no rows. A source may be slow when
-    /// it is first asked for a row, so it is asked when the list is first opened or typed into. Leaving the
-    /// list with a typed text chooses the first row that matches it, or none.
+    /// Bound lists: replaces the rows and clears the selection; null for no rows. Sources may be slow on
+    /// first use, so they are read when the list is first opened or typed into. Leaving the list with a typed
+    /// text chooses the first matching row, or none.
     virtual void Bind(std::string_view control, std::shared_ptr<const ListSource> rows) = 0;
 
-    /// The path that the user chose to open; empty when the user chose none.
+    /// The path that the user chose to open, or empty.
     virtual std::string AskForFile(std::string_view control, const FileQuestion& question) = 0;
 };
 
@@ -146,9 +146,9 @@ public:
 class DialogToolkit {
 public:
     virtual ~DialogToolkit() = default;
-    /// A dialog that is not shown yet; it can be translated. `design` and `events` outlive it.
-    virtual std::unique_ptr<Dialog> NewDialog(const FormDesign& design, bool isRightToLeft,
-                                              DialogEvents& events) = 0;
+    /// A hidden dialog, ready to be translated. `design` and `events` must outlive it.
+    [[nodiscard]] virtual std::unique_ptr<Dialog> NewDialog(const FormDesign& design, bool isRightToLeft,
+                                                            DialogEvents& events) = 0;
 };
 
 } // namespace qel

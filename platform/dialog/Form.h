@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-// A dialog as the language layer sees it: texts that it may replace.
+// A dialog as the language layer sees it: texts to replace.
 
 namespace qel {
 
@@ -15,7 +15,7 @@ struct DialogFont {
     bool operator==(const DialogFont&) const = default;
 };
 
-/// The texts that a control, or an item of one, may have. One that it does not have reads as empty.
+/// The texts of a control or of one of its items. A text that it does not have is empty.
 enum class TextProperty : std::uint8_t { Tag, Caption, ToolTipText, Text };
 
 /// A tab, a toolbar's button, a list's column header.
@@ -31,8 +31,8 @@ public:
     /// "Label", "CommandButton", "TabStrip", ...
     virtual std::string TypeName() const = 0;
     virtual void SetFont(const DialogFont& font) = 0;
-    /// Sets the property "aligment". Standard labels have none of that name: what shows them makes 0 the side
-    /// where Hebrew starts, the right, and 1 the left.
+    /// Sets the property "aligment", which standard labels do not have. Here 0 is right-aligned, as Hebrew
+    /// needs, and 1 left-aligned.
     virtual void SetAligment(std::int32_t aligment) = 0;
     /// A TabStrip's Tabs, a Toolbar's Buttons, a ListView's ColumnHeaders; the form owns them.
     virtual std::vector<FormItem*> Items() const = 0;

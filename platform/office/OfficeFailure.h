@@ -8,10 +8,10 @@
 
 namespace qel::office {
 
-/// The platform's number for an application's own failure, which the office's exceptions have none for.
+/// The platform's number for an application's failure; the office's exceptions carry no number.
 inline constexpr std::int32_t applicationDefinedError = 1004;
 
-/// Runs an operation of the office. What the office raises becomes an automation error with its description.
+/// Runs an office operation. Turns an office exception into an AutomationError with its message.
 template <class Operation>
 auto Translating(Operation&& operation) {
     try {

@@ -6,7 +6,7 @@
 
 namespace qel::office {
 
-/// The office's UTF-16 as UTF-8; half a surrogate pair, which no text should hold, becomes a question mark.
+/// Converts the office's UTF-16 to UTF-8. An unpaired surrogate becomes a question mark.
 std::string FromOffice(const rtl::OUString& text);
 rtl::OUString ToOffice(std::string_view text);
 

@@ -6,8 +6,8 @@
 #include <memory>
 #include <string>
 
-// The port through which formulas are written into a sheet: as much of the spreadsheet's object model as the
-// component uses. Every operation raises AutomationError with the spreadsheet's own number and description.
+// The port through which formulas are written into a sheet: the part of the spreadsheet's object model that
+// the component uses. Operations raise AutomationError with the spreadsheet's number and description.
 
 namespace qel {
 
@@ -26,7 +26,7 @@ public:
     virtual Variant Value() const = 0;
     /// "@" for text.
     virtual void SetNumberFormat(const std::string& format) = 0;
-    /// A text for a cell, or an array of variants of two dimensions (rows, columns) for a block.
+    /// A text for a cell, or a two-dimensional array of variants (rows, columns) for a block.
     virtual void SetFormula(const Variant& formula) = 0;
 };
 

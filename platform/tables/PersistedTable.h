@@ -16,8 +16,8 @@ struct PersistedTable {
 class PersistedTableReader {
 public:
     virtual ~PersistedTableReader() = default;
-    /// Raises AutomationError, naming the file and the fault, for a file that is missing, damaged or of
-    /// another form.
+    /// Raises AutomationError, naming the file and the fault, when the file is missing, damaged or in another
+    /// format.
     virtual PersistedTable Read(const std::string& path) = 0;
 };
 

@@ -35,14 +35,14 @@ int IntegerIn(const std::string& text) {
     return number;
 }
 
-/// One document while it is read.
+/// A document being read.
 class Reading {
 public:
     Reading(const XmlElement& root, const std::string& file) : root_(root), file_(file) {}
 
     PersistedTable Run() {
         if (root_.name != "xml") {
-            throw Fault("is no recordset: its outermost element is not <xml>");
+            throw Fault("is not a recordset: its outermost element is not <xml>");
         }
         ReadPrefixes();
         ReadColumns();
@@ -73,8 +73,8 @@ private:
                 row_ = prefix;
             }
         }
-        if (schema_.empty() || rowset_.empty()) { // that of the rows may be missing where there are none
-            throw Fault("is no recordset: it lacks the namespaces of one");
+        if (schema_.empty() || rowset_.empty()) { // the rows' prefix may be missing when there are no rows
+            throw Fault("is not a recordset: its namespaces are missing");
         }
     }
 
@@ -95,7 +95,7 @@ private:
         const auto valueOf = [](const std::string* value) { return value ? *value : std::string(); };
         Column column;
         column.attribute = valueOf(element.Attribute("name"));
-        // A name that XML does not allow stands in an attribute of its own.
+        // A name that XML does not allow is stored in another attribute.
         const std::string* const name = element.Attribute(rowset_ + "name");
         column.name = name ? *name : column.attribute;
         column.ordinal = IntegerIn(valueOf(element.Attribute(rowset_ + "number")));
@@ -123,7 +123,7 @@ private:
         }
     }
 
-    /// Rows that were inserted or changed; an original that was changed stands in an element of its own.
+    /// Inserted and changed rows; the original of a changed row has its own element.
     void AddPendingRows(const XmlElement& pending) {
         const XmlElement& original = pending.Child(rowset_ + "original").Child(row_ + "row");
         for (const auto& row : pending.children) {

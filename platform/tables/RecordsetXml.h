@@ -6,16 +6,16 @@
 
 namespace qel {
 
-/// The elements of a saved recordset are not nested deeper; a parser's deeper ones may be left out.
+/// The depth of a saved recordset's elements; a parser may drop deeper ones.
 constexpr int deepestRecordsetElement = 8;
 
-/// What is wrong with a saved recordset: "The file '…' is damaged."
-AutomationError RecordsetFault(const std::string& file, std::string_view fault);
+/// An error about a saved recordset: "The file '…' is damaged."
+[[nodiscard]] AutomationError RecordsetFault(const std::string& file, std::string_view fault);
 
-/// Raises the fault of bytes that cannot be a recordset in its XML form: none, or the binary form's.
+/// Raises for bytes that cannot be a recordset in XML form: no bytes, or the binary form.
 void RequireXmlForm(const std::string& bytes, const std::string& file);
 
-/// The bytes of a file in that form. Raises the fault of one that cannot be read, too.
+/// The bytes of a file in XML form. Raises as above, and when the file cannot be read.
 std::string RecordsetBytes(const std::string& file);
 
 /// The recordset that was saved as a document with this root

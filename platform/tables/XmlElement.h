@@ -7,13 +7,13 @@
 
 namespace qel {
 
-/// An element of an XML document as the machine's parser read it; names carry their prefixes as written.
+/// An element of an XML document; names keep their prefixes.
 struct XmlElement {
     std::string name;
     std::vector<std::pair<std::string, std::string>> attributes;
     std::vector<XmlElement> children;
 
-    /// Null when there is none of that name.
+    /// Null when the attribute is missing.
     const std::string* Attribute(std::string_view attribute) const {
         for (const auto& [known, value] : attributes) {
             if (known == attribute) {
@@ -22,7 +22,7 @@ struct XmlElement {
         }
         return nullptr;
     }
-    /// The first of that name; an empty element when there is none.
+    /// The first child of that name, or an empty element.
     const XmlElement& Child(std::string_view child) const {
         static const XmlElement none;
         for (const auto& known : children) {

@@ -9,7 +9,7 @@ namespace qel {
 /// The order of day, month and year in the locale's short dates.
 enum class DateOrder { DayMonthYear, MonthDayYear, YearMonthDay };
 
-/// The user's regional settings, as far as texts of arguments and results depend on them.
+/// The user's regional settings that affect the texts of arguments and results.
 struct Locale {
     DateOrder dateOrder = DateOrder::DayMonthYear;
     char dateSeparator = '/';
@@ -17,8 +17,8 @@ struct Locale {
     char thousandsSeparator = ',';
 };
 
-/// Days since 30 December 1899, the fraction being the time of day (for a negative date too, away from
-/// midnight). The zero date stands for "no date": it is what an omitted date argument holds.
+/// Days since 30 December 1899. The fraction is the time of day, also for negative dates, whose time counts
+/// away from zero. The zero date means "no date", as for an omitted date argument.
 struct AutomationDate {
     double days = 0;
 
@@ -35,20 +35,19 @@ struct CalendarDay {
 
 /// Raises 5 for a day that does not exist or lies outside the years 100 to 9999.
 AutomationDate DateFromDay(CalendarDay day);
-/// The calendar day, without the time. Raises 6 outside the years 100 to 9999, or for a number that is not
+/// The calendar day without the time. Raises 6 outside the years 100 to 9999 and for numbers that are not
 /// finite.
 CalendarDay DayFromDate(AutomationDate date);
 /// The same date without its time of day.
 AutomationDate WithoutTime(AutomationDate date);
-/// The same day `months` later; a day that the month lacks becomes the month's last.
+/// The same day `months` later, or the month's last day when the month is shorter.
 AutomationDate AddMonths(AutomationDate date, int months);
 
 /// The locale's short form ("31/03/2020"), followed by a blank and the time when there is one.
 std::string FormatShortDate(AutomationDate date, const Locale& locale);
-/// Reads a date as the platform does: the locale's order, any of / - . and blanks between the numbers,
-/// two-digit years (00-29: 2000s, 30-99: 1900s), four-digit year first, an optional time; an order that
-/// cannot be (31 as a month) is tried the other way round. "3/2020" is the first of March. Raises 13 for any
-/// other text.
+/// Parses a date as the platform does: the locale's order; "/", "-", "." or blanks between the numbers;
+/// two-digit years (00-29: 2000s, 30-99: 1900s); a four-digit year first; an optional time. An impossible
+/// order (31 as a month) is swapped. "3/2020" is 1 March 2020. Raises 13 for any other text.
 AutomationDate ParseDate(std::string_view text, const Locale& locale);
 
 } // namespace qel

@@ -6,7 +6,7 @@
 
 namespace qel {
 
-/// The one exception that crosses layers: an automation error as a spreadsheet's macro would see it.
+/// The only exception that crosses layers: an automation error as a macro sees it.
 class AutomationError : public std::exception {
 public:
     AutomationError(std::int32_t number, std::string description, std::string source = "OrmFuncQel4")
@@ -36,7 +36,7 @@ inline constexpr std::int32_t InvalidUseOfNull = 94;
 inline constexpr std::int32_t ToManyDimensions = static_cast<std::int32_t>(0x80040001);
 } // namespace ErrorNumber
 
-/// The platform's own texts for its own numbers ("Type mismatch", "Subscript out of range", "Overflow", ...).
-AutomationError PlatformError(std::int32_t number);
+/// An error with the platform's description of its number ("Type mismatch", "Overflow", ...).
+[[nodiscard]] AutomationError PlatformError(std::int32_t number);
 
 } // namespace qel

@@ -97,7 +97,7 @@ AutomationDate ToDate(const Variant& value, const Locale& locale) {
         return ParseDate(value.As<std::string>(), locale);
     }
     const AutomationDate date{ToDouble(value, locale)};
-    DayFromDate(date); // raises when no calendar has that day
+    DayFromDate(date); // raises for a day that does not exist
     return date;
 }
 

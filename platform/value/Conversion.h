@@ -12,17 +12,16 @@ namespace qel {
 /// and objects.
 std::string ToText(const Variant& value, const Locale& locale);
 
-/// Raises 13 for a text that is no number, 94 for Null, 6 when it does not fit.
+/// Raises 13 for a text that is not a number, 94 for Null, 6 on overflow.
 double ToDouble(const Variant& value, const Locale& locale);
 
 /// A date, a number of days, or a text in the locale's form; Empty is the zero date. Raises as ToDouble and
 /// ParseDate.
 AutomationDate ToDate(const Variant& value, const Locale& locale);
 
-/// The platform's IsNumeric: true for numbers, booleans, Empty, and texts that read as a number (sign on
-/// either side, thousands separators, exponent, parentheses, &H and &O); false for dates, errors, arrays and
-/// objects.
-bool IsNumeric(const Variant& value, const Locale& locale);
-bool IsNumericText(std::string_view text, const Locale& locale);
+/// The platform's IsNumeric: true for numbers, booleans, Empty and numeric texts (sign on either side,
+/// thousands separators, exponent, parentheses, &H and &O); false for dates, errors, arrays and objects.
+[[nodiscard]] bool IsNumeric(const Variant& value, const Locale& locale);
+[[nodiscard]] bool IsNumericText(std::string_view text, const Locale& locale);
 
 } // namespace qel

@@ -1,4 +1,4 @@
-// The texts of dates: the locale's short form, and what the platform reads as a date.
+// Formats dates in the locale's short form and parses what the platform accepts as a date.
 
 #include "platform/value/AutomationDate.h"
 #include "platform/value/AutomationError.h"
@@ -18,11 +18,11 @@ namespace qel {
 namespace {
 
 constexpr int secondsADay = 24 * 60 * 60;
-constexpr int lastYearOf2000s = 29; // a year of two digits up to this one lies in the 2000s
+constexpr int lastYearOf2000s = 29; // two-digit years up to this one are in the 2000s
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// A number of a text, with the count of its digits: "05" and "5" differ from "2005".
+/// A number in a text, with its count of digits: "05" and "5" differ from "2005".
 struct Number {
     int value = 0;
     int digits = 0;
@@ -32,7 +32,7 @@ class DateReader {
 public:
     DateReader(std::string_view text, const Locale& locale) : text_(Trimmed(text)), locale_(locale) {}
 
-    /// The date, or none when the text is not one.
+    /// The date, or nullopt when the text is not a date.
     std::optional<AutomationDate> Read() {
         if (text_.find(':') < text_.find_first_of("/-. ")) {
             return ReadTimeAlone();
@@ -69,7 +69,7 @@ private:
         return number;
     }
 
-    /// Skips what stands between two numbers of a date. False when what follows is no further number of it.
+    /// Skips the separator between two numbers of a date. False when no further number of the date follows.
     bool SkipDateSeparator() {
         const std::size_t start = at_;
         SkipBlanks();
@@ -182,7 +182,7 @@ private:
         return true;
     }
 
-    /// Reads "AM" or "PM". An hour that they do not go with becomes one that no day has.
+    /// Reads "AM" or "PM". An hour that does not go with it becomes an invalid hour.
     bool ApplyHalfOfDay(int& hour) {
         SkipBlanks();
         const std::string_view rest = text_.substr(at_);
@@ -222,7 +222,7 @@ void AppendDay(CalendarDay day, const Locale& locale, fmt::memory_buffer& text) 
 } // namespace
 
 std::string FormatShortDate(AutomationDate date, const Locale& locale) {
-    DayFromDate(date); // raises for a number that is no date, before it is rounded
+    DayFromDate(date); // raises for an invalid date, before rounding
     double wholeDays = std::trunc(date.days);
     int seconds = static_cast<int>(std::lround(std::fabs(date.days - wholeDays) * secondsADay));
     if (seconds == secondsADay) {

@@ -26,7 +26,7 @@ std::string_view WithoutWhite(std::string_view text) {
     return text;
 }
 
-/// Puts the decimal separator before the last `scale` digits and drops the zeros at the end.
+/// Inserts the decimal separator before the last `scale` digits and drops trailing zeros.
 std::string PlaceSeparator(std::string digits, std::size_t scale, bool negative, char separator) {
     if (digits.size() <= scale) {
         digits.insert(0, scale + 1 - digits.size(), '0');
@@ -75,8 +75,8 @@ std::optional<double> ReadBased(std::string_view text) {
     return static_cast<std::int32_t>(bits);
 }
 
-/// Takes the sign or the parentheses away from a text without blanks around it. Returns whether it was
-/// negative, or none when there is more than one of them.
+/// Strips the sign or parentheses from a trimmed text. Returns whether it is negative; nullopt for more than
+/// one of them.
 std::optional<bool> TakeSign(std::string_view& text) {
     if (text.size() >= 2 && text.front() == '(' && text.back() == ')') {
         text = WithoutWhite(text.substr(1, text.size() - 2));
@@ -96,8 +96,8 @@ std::optional<bool> TakeSign(std::string_view& text) {
     return false;
 }
 
-/// Digits with thousands separators, a decimal part and an exponent, rewritten as a plain C number; empty
-/// when the text is anything else.
+/// Rewrites digits with thousands separators, decimal part and exponent as a plain C number; empty for any
+/// other text.
 std::string PlainNumber(std::string_view text, const Locale& locale) {
     std::string plain;
     bool anyDigit = false;
@@ -134,8 +134,8 @@ std::string PlainNumber(std::string_view text, const Locale& locale) {
     return i == text.size() ? plain : std::string();
 }
 
-/// A number that std::from_chars finds out of range is too large or too small: its exponent tells, or without
-/// one whether anything stands before the decimal point.
+/// Whether a number that std::from_chars finds out of range is too large rather than too small: its exponent
+/// decides, or without one the digits before the decimal point.
 double OutOfRange(const std::string& plain) {
     const std::size_t exponent = plain.find('e');
     const bool tooSmall = exponent != std::string::npos ? plain[exponent + 1] == '-'

@@ -48,14 +48,14 @@ inline constexpr std::int32_t parameterNotFound = static_cast<std::int32_t>(0x80
 
 class Variant;
 
-/// An object that a worksheet passed, known by its class name.
+/// An object passed by a worksheet, known only by its class name.
 class Object {
 public:
     virtual ~Object() = default;
     virtual std::string TypeName() const = 0; ///< "Range" for a range of cells
 };
 
-/// A range of cells; enumerated row by row, left to right, one area after the other.
+/// A range of cells, enumerated row by row and area by area.
 class Range : public Object {
 public:
     std::string TypeName() const override { return "Range"; }
@@ -84,7 +84,7 @@ struct ArrayBounds {
     std::int32_t upper = -1; ///< inclusive; lower - 1 for no elements
 };
 
-/// A safe array: bounds for every dimension, elements with the first dimension varying fastest.
+/// A safe array: the bounds of each dimension, and the elements, the first dimension varying fastest.
 struct VariantArray {
     ElementType elementType = ElementType::Variant;
     std::vector<ArrayBounds> bounds;

@@ -8,7 +8,7 @@
 
 namespace qel::windows {
 
-/// An automation text that is freed with its owner.
+/// Owns a BSTR.
 class Bstr {
 public:
     Bstr() = default;
@@ -29,12 +29,12 @@ public:
     Bstr& operator=(const Bstr&) = delete;
 
     BSTR Get() const { return text_; }
-    /// For a function that gives a text away.
+    /// For functions that return a text through an out parameter.
     BSTR* Receive() {
         ::SysFreeString(std::exchange(text_, nullptr));
         return &text_;
     }
-    /// Gives the text to the caller.
+    /// Passes ownership of the text to the caller.
     BSTR Release() { return std::exchange(text_, nullptr); }
 
 private:

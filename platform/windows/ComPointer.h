@@ -12,13 +12,13 @@ class ComPointer {
 public:
     ComPointer() = default;
     ComPointer(std::nullptr_t) {}
-    /// Adds a reference of its own.
+    /// Adds a reference.
     explicit ComPointer(Interface* object) : object_(object) {
         if (object_ != nullptr) {
             object_->AddRef();
         }
     }
-    /// Takes over a reference that the caller has.
+    /// Takes ownership of the caller's reference.
     static ComPointer Adopt(Interface* object) {
         ComPointer pointer;
         pointer.object_ = object;
@@ -40,13 +40,13 @@ public:
     explicit operator bool() const { return object_ != nullptr; }
     Interface* operator->() const { return object_; }
     Interface* Get() const { return object_; }
-    /// For a function that gives a reference away.
+    /// For functions that return a reference through an out parameter.
     Interface** Receive() {
         Reset();
         return &object_;
     }
     void** ReceiveVoid() { return reinterpret_cast<void**>(Receive()); }
-    /// Gives the reference to the caller.
+    /// Passes ownership of the reference to the caller.
     Interface* Release() { return std::exchange(object_, nullptr); }
     void Reset() {
         if (Interface* const object = Release()) {
@@ -59,7 +59,7 @@ public:
     ComPointer<Other> As(REFIID id) const {
         ComPointer<Other> other;
         if (object_ != nullptr && FAILED(object_->QueryInterface(id, other.ReceiveVoid()))) {
-            other.Release(); // a failed query gave nothing away
+            other.Release(); // a failed query returned no reference
         }
         return other;
     }

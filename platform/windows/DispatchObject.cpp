@@ -88,7 +88,7 @@ OwnedVariant DispatchObject::Invoke(const wchar_t* member, WORD kind, CallArgume
 OwnedVariant DispatchObject::Invoke(DISPID id, const std::string& what, WORD kind,
                                     CallArguments arguments) const {
     ::SetErrorInfo(0, nullptr);
-    std::vector<VARIANT> reversed; // views: the arguments stay the owners
+    std::vector<VARIANT> reversed; // views; the arguments keep ownership
     for (auto argument = arguments.rbegin(); argument != arguments.rend(); ++argument) {
         reversed.push_back(argument->Get());
     }

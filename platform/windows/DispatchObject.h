@@ -25,24 +25,23 @@ CallArguments ArgumentList(const Values&... values) {
     return arguments;
 }
 
-/// An object whose members are found by name when they are used, as a macro uses them. Every call raises
-/// AutomationError with the number, description and source that the object gave, or that say why there was no
-/// call.
+/// An object whose members are looked up by name on use, as in a macro. A failed call raises AutomationError
+/// with the object's number, description and source, or with the reason why it could not be made.
 class DispatchObject {
 public:
-    /// Raises 91 for a null object; `name` is what messages call it.
+    /// Raises 91 for a null object. `name` is its name in messages.
     DispatchObject(ComPointer<IDispatch> object, std::string name);
-    /// A new object of a registered class. Raises 429 when the class is not there.
+    /// A new object of a registered class. Raises 429 when the class is not registered.
     static DispatchObject Create(const wchar_t* progId);
 
     IDispatch* Get() const { return object_.Get(); }
 
     OwnedVariant Property(const wchar_t* member, CallArguments arguments = {}) const;
-    /// One of the properties that have a number instead of a name: DISPID_VALUE, DISPID_NEWENUM.
+    /// A property without a name: DISPID_VALUE, DISPID_NEWENUM.
     OwnedVariant SpecialProperty(DISPID id) const;
     std::string Text(const wchar_t* member) const;
     std::int32_t Number(const wchar_t* member) const;
-    /// Raises 91 when the member is no object.
+    /// Raises 91 when the member is not an object.
     DispatchObject Child(const wchar_t* member, CallArguments arguments = {}) const;
     void Call(const wchar_t* member, CallArguments arguments = {}) const;
     void Put(const wchar_t* member, OwnedVariant value) const;
@@ -59,6 +58,6 @@ private:
 OwnedVariant ToArgument(const DispatchObject& object);
 
 /// True when a class of that name is registered and its server can be loaded into this process.
-bool CanLoadClass(const wchar_t* progId);
+[[nodiscard]] bool CanLoadClass(const wchar_t* progId);
 
 } // namespace qel::windows

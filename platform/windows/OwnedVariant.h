@@ -6,7 +6,7 @@
 
 namespace qel::windows {
 
-/// An automation value that is cleared with its owner.
+/// Owns a VARIANT.
 class OwnedVariant {
 public:
     OwnedVariant() { ::VariantInit(&value_); }
@@ -21,12 +21,12 @@ public:
 
     const VARIANT& Get() const { return value_; }
     VARIANT& Get() { return value_; }
-    /// For a function that gives a value away.
+    /// For functions that return a value through an out parameter.
     VARIANT* Receive() {
         ::VariantClear(&value_);
         return &value_;
     }
-    /// Gives the value to the caller.
+    /// Passes ownership of the value to the caller.
     VARIANT Release() {
         const VARIANT value = value_;
         ::VariantInit(&value_);

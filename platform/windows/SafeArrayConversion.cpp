@@ -53,7 +53,7 @@ ElementType ElementTypeOf(VARTYPE type) {
     }
 }
 
-/// Holds an array's elements in place for reading.
+/// Locks an array's elements for reading.
 class LockedElements {
 public:
     explicit LockedElements(SAFEARRAY* array) : array_(array), size_(::SafeArrayGetElemsize(array)) {
@@ -70,7 +70,7 @@ public:
         if (type == VT_VARIANT) {
             return FromAutomation(*reinterpret_cast<const VARIANT*>(element));
         }
-        VARIANT view = {}; // shares the element, so it is not cleared
+        VARIANT view = {}; // a view of the element: not cleared
         if (type == VT_DECIMAL) {
             std::memcpy(&view, element, sizeof(DECIMAL));
         } else {

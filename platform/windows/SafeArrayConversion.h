@@ -5,18 +5,16 @@
 
 namespace qel::windows {
 
-/// A copy of the array with its bounds, whatever they start with; `elementType` is the type that its variant
-/// names. An array that was never dimensioned (null) has no bounds and no elements. Raises 13 for elements
-/// that no variant can be.
+/// A copy of the array with its bounds. `elementType` is the element type named by its variant. A null (never
+/// dimensioned) array has no bounds and no elements. Raises 13 for elements without a variant type.
 Variant ArrayFrom(SAFEARRAY* array, VARTYPE elementType);
 
-/// An automation array of variants with the array's bounds and elements, which are scalars. Raises 13 for any
-/// other element.
+/// An automation array of variants with the same bounds and elements. Raises 13 for elements that are not
+/// scalars.
 OwnedVariant ToAutomationArray(const VariantArray& array);
 
-/// Puts the texts in place of elements of a one-dimensional array of variants or texts, which is what a
-/// caller that passed it by reference sees. Elements whose new text is no other than their own stay
-/// untouched.
+/// Replaces elements of a caller's one-dimensional array of variants or texts, passed by reference. Elements
+/// that already have the new text are not touched.
 void ReplaceTexts(SAFEARRAY* array, const std::vector<Variant>& texts);
 
 } // namespace qel::windows

@@ -18,7 +18,7 @@ private:
     std::string typeName_;
 };
 
-/// A range of cells, reached as a macro reaches it.
+/// A range of cells, accessed through its object model.
 class SheetRange : public Range {
 public:
     explicit SheetRange(IDispatch* range) : range_(ComPointer<IDispatch>(range), "Range") {}

@@ -6,12 +6,12 @@
 
 namespace qel::windows {
 
-/// What a worksheet's object is to the component: a Range when its class is called so, otherwise an object
-/// known by its class name alone; no object for a null pointer.
+/// A worksheet's object as the component sees it: a Range when its class is named so, otherwise an object
+/// known only by its class name; a null object for a null pointer.
 Variant ObjectFrom(IDispatch* object);
 
-/// The name of the object's class, or of its interface without the underscore at its beginning; "Object" when
-/// it does not tell.
+/// The name of the object's class, or of its interface without the leading underscore; "Object" when it is
+/// unknown.
 std::string TypeNameOf(IDispatch* object);
 
 } // namespace qel::windows

@@ -10,12 +10,12 @@ namespace qel::windows {
 namespace {
 
 std::wstring Setting(LCTYPE type) {
-    wchar_t text[80]; // the longest setting has 80 characters, the zero at its end included
+    wchar_t text[80]; // the longest setting has 80 characters, including the null
     const int length = ::GetLocaleInfoEx(LOCALE_NAME_USER_DEFAULT, type, text, 80);
     return length > 0 ? std::wstring(text, static_cast<std::size_t>(length) - 1) : std::wstring();
 }
 
-/// A separator is one ASCII character, or else any kind of blank (French thousands), or missing.
+/// A separator is one ASCII character, a blank of any kind (French thousands), or missing.
 char Separator(LCTYPE type, char missing) {
     const std::wstring text = Setting(type);
     if (text.empty()) {
@@ -24,7 +24,7 @@ char Separator(LCTYPE type, char missing) {
     return text.front() < 0x80 ? static_cast<char>(text.front()) : ' ';
 }
 
-/// By what comes first, day, month or year; quoted words and the weekday are none of them.
+/// Decided by the first of day, month and year; quoted words and the weekday are skipped.
 DateOrder OrderOf(const std::wstring& picture) {
     constexpr std::size_t shortestWeekday = 3; // "ddd"
     bool isQuoted = false;

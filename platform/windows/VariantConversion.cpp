@@ -88,7 +88,7 @@ Variant FromScalar(const VARIANT& value) {
     }
 }
 
-/// Writes a value into an automation value that holds none yet.
+/// Writes a value into an empty automation value.
 struct WriteTo {
     VARIANT& target;
 
@@ -106,7 +106,7 @@ struct WriteTo {
         decimal.Lo64 = number.low;
         decimal.scale = number.scale;
         decimal.sign = number.negative ? DECIMAL_NEG : 0;
-        V_VT(&target) = VT_DECIMAL; // lies in the decimal's reserved bytes
+        V_VT(&target) = VT_DECIMAL; // the type is stored in the decimal's reserved bytes
     }
     void operator()(const AutomationDate& date) const { Set(VT_DATE, V_DATE(&target), date.days); }
     void operator()(const std::string& text) const { Set(VT_BSTR, V_BSTR(&target), Bstr(text).Release()); }

@@ -7,13 +7,13 @@
 
 namespace qel::windows {
 
-/// UTF-16 of a UTF-8 text. What is no UTF-8 becomes U+FFFD.
+/// Converts UTF-8 to UTF-16. Malformed UTF-8 becomes U+FFFD.
 std::wstring ToWide(std::string_view text);
 
-/// UTF-8 of a UTF-16 text. Half a surrogate pair becomes U+FFFD.
+/// Converts UTF-16 to UTF-8. An unpaired surrogate becomes U+FFFD.
 std::string ToUtf8(std::wstring_view text);
 
-/// The whole of an automation text, zero characters included; a null one is empty.
+/// The whole BSTR as UTF-8, including null characters; empty for a null pointer.
 std::string TextOfBstr(BSTR text);
 
 } // namespace qel::windows

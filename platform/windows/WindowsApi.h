@@ -1,10 +1,9 @@
 #pragma once
 
-// The system's headers, in the order that they need.
-// clang-format off
-#include <windows.h>
+// The system's headers, in the order that they require. clang-format off
+#include <ocidl.h>
 #include <ole2.h>
 #include <oleauto.h>
-#include <ocidl.h>
 #include <olectl.h>
+#include <windows.h>
 // clang-format on

@@ -4,7 +4,7 @@
 
 namespace qel::server {
 
-/// What all objects of one class share.
+/// The names and ids of a class.
 struct AutomationClass {
     const wchar_t* name;   ///< "OrmQelFunction"
     const wchar_t* progId; ///< "OrmFunctionQel4.OrmQelFunction"
@@ -12,7 +12,7 @@ struct AutomationClass {
     IID interfaceId;
 };
 
-/// A class with the descriptions of it in the type library.
+/// A class with its descriptions from the type library.
 class ClassTypes {
 public:
     /// Raises what the type library reports.

@@ -1,48 +1,18 @@
 #pragma once
 
+#include "platform/windows/ComObject.h"
 #include "platform/windows/WideText.h"
 #include "server/dispatch/FailureReport.h"
 #include "server/dispatch/LateBoundCall.h"
 
-#include <atomic>
-
 namespace qel::server {
 
-/// What every automation object has: its reference count, IDispatch over its type information, and the
-/// interfaces by which a caller learns its class and that its errors are described.
+/// An automation object: IDispatch over its type information, and the interfaces that tell a caller its class
+/// and that its errors have descriptions.
 template <class Interface>
-class AutomationObject : public Interface, public ISupportErrorInfo, public IProvideClassInfo {
+class AutomationObject : public windows::ComObject<Interface, ISupportErrorInfo, IProvideClassInfo> {
 public:
     AutomationObject(const ClassTypes& types, const Locale& locale) : types_(types), locale_(locale) {}
-    virtual ~AutomationObject() = default;
-    AutomationObject(const AutomationObject&) = delete;
-    AutomationObject& operator=(const AutomationObject&) = delete;
-
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        if (object == nullptr) {
-            return E_POINTER;
-        }
-        *object = nullptr;
-        if (id == IID_IUnknown || id == IID_IDispatch || id == types_.Class().interfaceId) {
-            *object = static_cast<Interface*>(this);
-        } else if (id == IID_ISupportErrorInfo) {
-            *object = static_cast<ISupportErrorInfo*>(this);
-        } else if (id == IID_IProvideClassInfo) {
-            *object = static_cast<IProvideClassInfo*>(this);
-        } else {
-            return E_NOINTERFACE;
-        }
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = --references_;
-        if (left == 0) {
-            delete this; // NOLINT(cppcoreguidelines-owning-memory): a COM object is its references'
-        }
-        return left;
-    }
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override {
         *count = 1;
@@ -75,6 +45,16 @@ public:
     }
 
 protected:
+    void* Find(REFIID id) override {
+        if (id == IID_IUnknown || id == IID_IDispatch || id == types_.Class().interfaceId) {
+            return static_cast<Interface*>(this);
+        }
+        if (id == IID_ISupportErrorInfo) {
+            return static_cast<ISupportErrorInfo*>(this);
+        }
+        return id == IID_IProvideClassInfo ? static_cast<IProvideClassInfo*>(this) : nullptr;
+    }
+
     template <class Work>
     HRESULT Guard(const Work& work) const noexcept {
         return Guarded(types_.Class().interfaceId, source_, work);
@@ -85,7 +65,6 @@ private:
     const ClassTypes& types_;
     const Locale locale_;
     std::string source_ = windows::ToUtf8(types_.Class().progId);
-    std::atomic<ULONG> references_{1};
 };
 
 } // namespace qel::server

@@ -31,7 +31,7 @@ IDispatch* ObjectIn(const VARIANT& value) {
     return V_VT(&value) == (VT_BYREF | VT_DISPATCH) ? *V_DISPATCHREF(&value) : nullptr;
 }
 
-/// The value of an argument that is no list: a cell stands for what it holds.
+/// The value of a scalar argument: a cell stands for its value.
 Variant ScalarOf(const VARIANT& argument) {
     IDispatch* const object = ObjectIn(argument);
     if (object == nullptr) {
@@ -42,7 +42,7 @@ Variant ScalarOf(const VARIANT& argument) {
 }
 
 std::int16_t ToInteger(const Variant& value, const Locale& locale) {
-    const double number = std::nearbyint(ToDouble(value, locale)); // halves to even, as the platform rounds
+    const double number = std::nearbyint(ToDouble(value, locale)); // rounds half to even, like the platform
     if (number < std::numeric_limits<std::int16_t>::min() ||
         number > std::numeric_limits<std::int16_t>::max()) {
         throw PlatformError(ErrorNumber::Overflow);
@@ -63,7 +63,7 @@ OwnedVariant DefaultOf(VARTYPE type) {
     if (type == VT_BSTR) {
         return windows::ToAutomation(std::string());
     }
-    V_VT(&value.Get()) = type; // all its bits are zero: no number, no date, no object
+    V_VT(&value.Get()) = type; // all bits zero: a zero, an empty date or a null object
     V_I8(&value.Get()) = 0;
     return value;
 }
@@ -83,8 +83,9 @@ OwnedVariant Converted(VARTYPE type, const VARIANT& argument, const Locale& loca
     }
 }
 
-/// What a member gets in place of the caller's variant: the sign of a missing argument, or a copy of an array
-/// that came by value, since a member may change elements. Empty when it may have the caller's own.
+/// The value passed to a member instead of the caller's variant: the missing-argument error, or a copy of an
+/// array passed by value, because a member may change elements. Empty when the caller's variant can be passed
+/// itself.
 OwnedVariant Untouchable(const VARIANT* argument, bool isReference) {
     OwnedVariant value;
     if (argument == nullptr) {
@@ -97,7 +98,7 @@ OwnedVariant Untouchable(const VARIANT* argument, bool isReference) {
     return value;
 }
 
-/// The place within a variant where its value lies.
+/// The address of a variant's value.
 void* ValueIn(VARIANT& value) { return &V_UI1(&value); }
 
 } // namespace
@@ -107,7 +108,7 @@ HRESULT CallFrame::Bind(const DISPPARAMS& arguments, UINT& wrongArgument) {
         return DISP_E_BADPARAMCOUNT;
     }
     for (UINT i = 0; i < arguments.cArgs;
-         ++i) { // named ones come first, the others follow from last to first
+         ++i) { // named arguments come first, then the others in reverse order
         const bool isNamed = i < arguments.cNamedArgs;
         const DISPID name = isNamed ? arguments.rgdispidNamedArgs[i] : 0;
         const std::size_t last = slots_.size() - 1;
@@ -226,7 +227,7 @@ void CallFrame::WriteText(VARIANT& target, OwnedVariant& text) {
         return;
     }
     if (V_ISBYREF(&target)) {
-        return; // a reference to something else than a text cannot hold one
+        return; // a reference to another type cannot hold a text
     }
     ::VariantClear(&target);
     target = text.Release();

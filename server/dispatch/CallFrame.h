@@ -9,32 +9,33 @@
 
 namespace qel::server {
 
-/// One late-bound call: the caller's arguments turned into what the member's table entry takes, and back.
+/// One late-bound call: converts the caller's arguments to the parameters of the member's table entry, and
+/// back.
 ///
-/// A caller may leave out optional arguments, in the middle too, name them, pass any value that converts, and
-/// pass references of any depth. A text that the member changes is written back through the reference that it
-/// came by.
+/// A caller may omit optional arguments anywhere, name arguments, and pass convertible values and references
+/// of any depth. A text changed by the member is written back through its reference.
 class CallFrame {
 public:
     explicit CallFrame(const MemberDescription& member) : member_(member), slots_(member.parameters.size()) {}
 
     /// Finds each parameter's argument. Returns DISP_E_BADPARAMCOUNT, DISP_E_PARAMNOTFOUND or
-    /// DISP_E_PARAMNOTOPTIONAL when the arguments do not fit, with the wrong one's place in `wrongArgument`.
-    HRESULT Bind(const DISPPARAMS& arguments, UINT& wrongArgument);
+    /// DISP_E_PARAMNOTOPTIONAL when the arguments do not fit, with the index of the wrong one in
+    /// `wrongArgument`.
+    [[nodiscard]] HRESULT Bind(const DISPPARAMS& arguments, UINT& wrongArgument);
     /// Converts the arguments. Raises AutomationError naming the parameter.
     void Convert(const Locale& locale);
     /// Calls the member and returns what it returns.
-    HRESULT Call(IDispatch* object);
-    /// Lets the caller see what the member changed.
+    [[nodiscard]] HRESULT Call(IDispatch* object);
+    /// Writes the member's changes back to the caller.
     void WriteBack();
-    /// The member's result, given to the caller; empty for a member without one.
+    /// The member's result, owned by the caller; empty for a member without a result.
     VARIANT ReleaseResult();
 
 private:
     struct Slot {
-        VARIANT* argument = nullptr; ///< the caller's own; null when it is left out
+        VARIANT* argument = nullptr; ///< the caller's; null when omitted
         bool isReference = false;    ///< the caller sees what the member changes
-        windows::OwnedVariant value; ///< what the member gets, unless that is the caller's own variant
+        windows::OwnedVariant value; ///< passed to the member unless it gets the caller's variant
         std::string textBefore;
     };
 

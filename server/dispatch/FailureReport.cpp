@@ -39,7 +39,7 @@ HRESULT ReportFailure(const std::exception& failure, REFIID interfaceId, std::st
         SetThreadError(failure.what(), source, interfaceId);
         return dynamic_cast<const std::bad_alloc*>(&failure) != nullptr ? E_OUTOFMEMORY : E_FAIL;
     } catch (const std::exception&) {
-        return E_OUTOFMEMORY; // there was no memory left for the failure's texts
+        return E_OUTOFMEMORY; // no memory for the error's texts
     }
 }
 

@@ -7,17 +7,18 @@
 
 namespace qel::server {
 
-/// Makes the failure the thread's error object, where the caller's language looks for it, and returns the
-/// result code to leave with. `source` names the class to failures that name nothing.
-HRESULT ReportFailure(const std::exception& failure, REFIID interfaceId, std::string_view source) noexcept;
+/// Sets the current exception as the thread's error object and returns the result code. `source` is the
+/// default error source.
+[[nodiscard]] HRESULT ReportFailure(const std::exception& failure, REFIID interfaceId,
+                                    std::string_view source) noexcept;
 
-/// The thread's error object as the texts that a late-bound caller gets with `result`; clears the error
+/// The thread's error object as the texts returned to a late-bound caller with `result`. Clears the error
 /// object.
 void DescribeFailure(HRESULT result, EXCEPINFO* details);
 
-/// Runs an operation that a caller reached through COM: no exception leaves it.
+/// Runs an operation called through COM. No exception leaves it.
 template <class Work>
-HRESULT Guarded(REFIID interfaceId, std::string_view source, const Work& work) noexcept {
+[[nodiscard]] HRESULT Guarded(REFIID interfaceId, std::string_view source, const Work& work) noexcept {
     try {
         work();
         return S_OK;

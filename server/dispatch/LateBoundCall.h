@@ -6,11 +6,11 @@
 namespace qel::server {
 
 /// IDispatch::GetIDsOfNames: members and parameters by name, in any letter case.
-HRESULT FindNames(const ClassTypes& types, LPOLESTR* names, UINT count, DISPID* ids);
+[[nodiscard]] HRESULT FindNames(const ClassTypes& types, LPOLESTR* names, UINT count, DISPID* ids);
 
-/// IDispatch::Invoke on the object's own table.
-HRESULT CallLateBound(const ClassTypes& types, IDispatch* object, const Locale& locale, DISPID id, WORD flags,
-                      DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* details,
-                      UINT* wrongArgument) noexcept;
+/// IDispatch::Invoke through the object's function table.
+[[nodiscard]] HRESULT CallLateBound(const ClassTypes& types, IDispatch* object, const Locale& locale,
+                                    DISPID id, WORD flags, DISPPARAMS* arguments, VARIANT* result,
+                                    EXCEPINFO* details, UINT* wrongArgument) noexcept;
 
 } // namespace qel::server

@@ -15,7 +15,7 @@ namespace {
 
 const char* const unreadable = "The type library cannot be read";
 
-/// The interface itself, for a dual interface's description as a dispatch interface.
+/// The interface behind a dual interface's dispatch description.
 ComPointer<ITypeInfo> TableView(ITypeInfo& info) {
     constexpr UINT dualInterface = static_cast<UINT>(-1);
     HREFTYPE reference = 0;
@@ -39,7 +39,7 @@ ParameterDescription Describe(const ELEMDESC& element, BSTR name) {
     ParameterDescription parameter;
     parameter.name = windows::TextOfBstr(name);
     parameter.isOptional = (element.paramdesc.wParamFlags & PARAMFLAG_FOPT) != 0;
-    // An object is a pointer of its own, one that is passed by reference a pointer to it.
+    // An object is itself a pointer; by reference it is a pointer to that pointer.
     if (type->vt == VT_PTR && type->lptdesc->vt != VT_USERDEFINED) {
         parameter.isReference = true;
         type = type->lptdesc;
@@ -48,7 +48,7 @@ ParameterDescription Describe(const ELEMDESC& element, BSTR name) {
     return parameter;
 }
 
-/// A function's description, given back with its owner.
+/// Owns a function's description.
 class FunctionDescription {
 public:
     FunctionDescription(ITypeInfo& info, UINT index) : info_(info) {
@@ -77,7 +77,7 @@ public:
     }
 
 private:
-    /// As many as there are parameters; a property's new value has no name.
+    /// One name per parameter. A property's new value has no name.
     std::vector<Bstr> ParameterNames() const {
         constexpr std::size_t mostNames = 32;
         std::array<BSTR, mostNames> given = {};

@@ -15,7 +15,7 @@ struct ParameterDescription {
     bool isOptional = false;
 };
 
-/// One entry of an interface's table: what ITypeInfo tells of it.
+/// One entry of an interface's table, as described by ITypeInfo.
 struct MemberDescription {
     MEMBERID id = MEMBERID_NIL;
     INVOKEKIND kind = INVOKE_FUNC;
@@ -30,7 +30,7 @@ public:
     /// `info` describes the dispatch interface or the interface behind it. Raises what ITypeInfo reports.
     explicit MemberTable(ITypeInfo& info);
 
-    /// The member that a call with these flags (DISPATCH_METHOD and the like) means; null when there is none.
+    /// The member for a call with these flags (DISPATCH_METHOD and the like), or null.
     const MemberDescription* Find(MEMBERID id, WORD flags) const;
 
 private:

@@ -27,7 +27,7 @@ del os.environ["URE_MORE_TYPES"]  # an office must find it in the package
 
 CLASS = "OrmFunctionQel4.OrmQelFunction."
 NO_VALUE = 519  # Calc's number of #VALUE!
-BOOKS = SOURCE / "tests" / "books"
+BOOKS = SOURCE / "tests" / "helpers" / "books"
 
 
 def run_qel(*arguments, text=None, folder=None):

@@ -60,6 +60,16 @@ class SavedBooks(CalcTest):
         again.calculateAll()
         self.assertEqual(shown(again.Sheets.getByIndex(0).getCellRangeByName("A1")), WHOLE_YEAR)
 
+    def test_a_relative_path_leads_to_the_cube_while_the_workbook_is_loaded(self):
+        folder = self.folder / "moved"
+        folder.mkdir(exist_ok=True)
+        run_qel("cube", "build", BOOKS / "books.json", "--output", folder / "beside.cub")
+        self.fill({"A1": value_formula(cube_file="beside.cub"), "A2": "=A1*2"})
+        path = folder / "book.ods"
+        self.document.storeToURL(calc_session.url_of(path), calc_session.properties(FilterName=FORMATS["ods"]))
+        sheet = self.open(path).Sheets.getByIndex(0)
+        self.assertEqual([shown(sheet.getCellRangeByName(name)) for name in ("A1", "A2")], [WHOLE_YEAR, 2 * WHOLE_YEAR])
+
     def test_without_the_add_in_the_formula_stays(self):
         self.fill({"A1": value_formula()})
         path = self.folder / "visitor.xlsx"

@@ -103,6 +103,17 @@ class Report(CalcTest):
                                  [self.stores[name, month] for month in range(1, 13)], name)
         self.assertEqual(seen, len({name for name, _ in self.stores}))
 
+    def test_charts_are_as_wide_as_their_tables(self):
+        for book in self.books:
+            for sheet in self.open(book).Sheets:
+                area = sheet.getPrintAreas()[0]
+                table = sheet.getCellRangeByPosition(area.StartColumn, area.StartRow, area.EndColumn, area.EndRow)
+                chart = sheet.DrawPage.getByIndex(0)
+                near, far = sorted(abs(x) for x in (chart.Position.X, chart.Position.X + chart.Size.Width))
+                with self.subTest(book=book.name, sheet=sheet.Name):
+                    self.assertAlmostEqual(near, 0, delta=100) # a millimetre
+                    self.assertAlmostEqual(far, table.Size.Width, delta=100)
+
     def print_report(self, workbook):
         return subprocess.run([sys.executable, "-B", SOURCE / "scripts" / "print_report.py", workbook, "--package", PACKAGE,
                                "--output", self.folder / "printed"], capture_output=True, encoding="utf-8", timeout=600,

@@ -23,7 +23,7 @@ protected:
         return EnsureCurrentCubeOpen(thread_, provider_, opened_, {cubeFile, cubeName});
     }
 
-    testing::RecordingProvider provider_ = testing::LedgerProvider();
+    test::RecordingProvider provider_ = test::LedgerProvider();
     ThreadState thread_;
     OpenedCube opened_;
 };
@@ -40,6 +40,7 @@ TEST_F(CubeConnectionTest, MakesOpensAndChecksOnce) {
 
 TEST_F(CubeConnectionTest, OpensAConnectionThatIsNotOpen) {
     thread_.CubeConnection = provider_.CreateConnection();
+    thread_.provider = &provider_;
     EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
     thread_.CubeConnection->Close(); // as a provider does by itself
     EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
@@ -92,6 +93,25 @@ TEST_F(CubeConnectionTest, NameCallsOpenByTheSameRulesWithoutTheCheck) {
     EXPECT_EQ(thread_.dates.CubeDates.size(), 24U);
     EXPECT_TRUE(Ensure(cube.cubeFile));
     EXPECT_EQ(provider_.TakeLog(), Log{});
+}
+
+TEST_F(CubeConnectionTest, AnotherProvidersCubeTakesAnotherConnection) {
+    test::RecordingProvider other = test::LedgerProvider();
+    const Providers providers([&](const std::string& text) -> DataAccess& {
+        return text.find("other.cub") == std::string::npos ? provider_ : other;
+    });
+    const auto ensure = [&](const char* cubeFile) {
+        return EnsureCurrentCubeOpen(thread_, providers, opened_, {cubeFile, "Finance"});
+    };
+    ensure("C:\\a b\\A.cub");
+    provider_.TakeLog();
+    EXPECT_TRUE(ensure("other.cub"));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"close", "release"}));
+    EXPECT_EQ(other.TakeLog().size(), 3U) << "made, opened and checked";
+    other.failingOpen = 53;
+    EXPECT_THROW(EnsureCurrentCubeOpen(thread_, providers, opened_, {"other.cub", "x"}), AutomationError);
+    EXPECT_TRUE(ensure("C:\\a b\\A.cub"));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + textOfA, "catalog " + textOfA}));
 }
 
 TEST_F(CubeConnectionTest, ReopensWhenAnotherObjectOpenedAnotherCube) {

@@ -10,10 +10,10 @@
 namespace qel::ModSetCube {
 namespace {
 
-using testing::LedgerProvider;
-using testing::MonthlyDates;
-using testing::RecordingProvider;
-using testing::ScriptedDimension;
+using test::LedgerProvider;
+using test::MonthlyDates;
+using test::RecordingProvider;
+using test::ScriptedDimension;
 
 AutomationDate Day(int year, int month, int day) { return DateFromDay({year, month, day}); }
 
@@ -39,6 +39,7 @@ class CubeDatesTest : public ::testing::Test {
 protected:
     CubeDatesTest() {
         thread_.CubeConnection = provider_.CreateConnection();
+        thread_.provider = &provider_;
         thread_.CubeConnection->Open("TEXT", "", "", optionsUnspecified);
         provider_.TakeLog();
     }
@@ -49,7 +50,7 @@ protected:
 
 TEST_F(CubeDatesTest, LoadsMonthsByYearAndMonth) {
     provider_.DimensionScript("Date") = MonthlyDates(2019, 11, 2020, 2);
-    EXPECT_EQ(LoadCubeDates(thread_, provider_), 0);
+    EXPECT_EQ(LoadCubeDates(thread_), 0);
     const std::vector<AutomationDate> dates = {Day(2019, 11, 1), Day(2019, 12, 1), Day(2020, 1, 1),
                                                Day(2020, 2, 1)};
     const std::vector<std::string> names = {"[Date].[2019].[11]", "[Date].[2019].[12]", "[Date].[2020].[1]",
@@ -63,7 +64,7 @@ TEST_F(CubeDatesTest, LoadsMonthsByYearAndMonth) {
 
 TEST_F(CubeDatesTest, LoadsDaysWhateverTheQuartersAreCalled) {
     provider_.DimensionScript("Date") = DailyDates();
-    EXPECT_EQ(LoadCubeDates(thread_, provider_), 0);
+    EXPECT_EQ(LoadCubeDates(thread_), 0);
     const std::vector<AutomationDate> dates = {Day(2019, 12, 31), Day(2020, 1, 1), Day(2020, 1, 2)};
     EXPECT_EQ(thread_.dates.CubeDates, dates);
     EXPECT_EQ(thread_.dates.CubeDateNames, (std::vector<std::string>{"[d1]", "[d2]", "[d3]"}));
@@ -73,7 +74,7 @@ TEST_F(CubeDatesTest, LoadsDaysWhateverTheQuartersAreCalled) {
 
 TEST_F(CubeDatesTest, LoadsMonthsRightUnderTheirYear) {
     provider_.DimensionScript("Date") = DatesWithoutQuarters();
-    EXPECT_EQ(LoadCubeDates(thread_, provider_), 0);
+    EXPECT_EQ(LoadCubeDates(thread_), 0);
     EXPECT_EQ(thread_.dates.CubeDates, (std::vector<AutomationDate>{Day(2019, 12, 1), Day(2020, 1, 1)}));
     EXPECT_EQ(thread_.dates.CubeMaxDate, Day(2020, 1, 1));
 }
@@ -83,22 +84,22 @@ TEST_F(CubeDatesTest, AMonthWithoutANameHasNoDate) {
     dates.levels[3].members[1].name = "";
     dates.levels[3].members[2].name = "";
     provider_.DimensionScript("Date") = dates;
-    EXPECT_EQ(LoadCubeDates(thread_, provider_), 0);
+    EXPECT_EQ(LoadCubeDates(thread_), 0);
     EXPECT_EQ(thread_.dates.CubeDates, (std::vector<AutomationDate>{Day(2020, 1, 1), {}, {}}));
     EXPECT_EQ(thread_.dates.CubeDateNames.size(), 3U);
     EXPECT_TRUE(thread_.dates.CubeMaxDate.IsZero());
 }
 
 TEST_F(CubeDatesTest, AnOutdatedLayoutLeavesTheTableAlone) {
-    LoadCubeDates(thread_, provider_);
+    LoadCubeDates(thread_);
     provider_.DimensionScript("actx").levels.pop_back();
     provider_.DimensionScript("Date") = DailyDates();
-    EXPECT_EQ(LoadCubeDates(thread_, provider_), 9999);
+    EXPECT_EQ(LoadCubeDates(thread_), 9999);
     EXPECT_EQ(thread_.dates.CubeDates.size(), 24U);
 }
 
 TEST_F(CubeDatesTest, RaisesForWhatIsNoCalendarAndKeepsTheOldTable) {
-    LoadCubeDates(thread_, provider_);
+    LoadCubeDates(thread_);
     const struct {
         const char* what;
         std::function<void(RecordingProvider&)> spoil;
@@ -118,11 +119,12 @@ TEST_F(CubeDatesTest, RaisesForWhatIsNoCalendarAndKeepsTheOldTable) {
         RecordingProvider spoiled = LedgerProvider();
         c.spoil(spoiled);
         ThreadState thread = thread_;
+        thread.provider = &spoiled;
         if (c.number == 91) {
             thread.CubeConnection.reset();
         }
         try {
-            LoadCubeDates(thread, spoiled);
+            LoadCubeDates(thread);
             ADD_FAILURE() << c.what;
         } catch (const AutomationError& error) {
             EXPECT_EQ(error.Number(), c.number) << c.what;

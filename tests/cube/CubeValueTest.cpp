@@ -1,10 +1,11 @@
 #include "cube/CubeValue.h"
 
+#include "cube/CubeConnection.h"
 #include "cube/MemberName.h"
-#include "cube/ObsSel.h"
-#include "platform/value/AutomationError.h"
+#include "cube/ObsMembers.h"
 #include "tests/helpers/doubles/RecordingProvider.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -12,29 +13,25 @@
 namespace qel::ModSetCube {
 namespace {
 
-using testing::LedgerProvider;
-using testing::RecordingProvider;
+using test::LedgerProvider;
+using test::RecordingProvider;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
-/// What a caller owns of one call.
-struct Call {
-    std::string cubeName = "Finance";
-    KeyList obsNames = {"1"}, obsNumbers = {"12"}, obsLevels = {"All"}, obsMembers = {""},
-            activities = {"All"};
-    std::string summaryLevel = "All", summaryMember = "All", accounts = "All", measure = "Amount";
-    std::string moneySet = "All", plbs = "All", rh = "All", firma = "All", openingBalance = "All";
-    std::string fromDate = "01/01/2020", toDate = "31/03/2020";
+/// One call, and what is made of its lists and dates.
+struct Call : ValueCall {
+    Call() : ValueCall{.CubeName = "Finance", .Summary_Group = "All", .Measure = "Amount"} {}
 
-    ValueArguments Arguments() {
-        return {cubeName,     obsNames,      obsNumbers,     obsLevels, obsMembers, activities,
-                summaryLevel, summaryMember, accounts,       measure,   moneySet,   plbs,
-                rh,           firma,         openingBalance, fromDate,  toDate};
-    }
+    ValueKeys keys{"1", "12", "All", "", "All"};
+    DayRange days{DateFromDay({2020, 1, 1}), DateFromDay({2020, 3, 31})};
 };
 
 class CubeValueTest : public ::testing::Test {
 protected:
     CubeValueTest() {
         thread_.CubeConnection = provider_.CreateConnection();
+        thread_.provider = &provider_;
         thread_.CubeConnection->Open("TEXT", "", "", optionsUnspecified);
         LoadDates();
         provider_.TakeLog();
@@ -49,7 +46,9 @@ protected:
         thread_.dates.CubeMaxDate = thread_.dates.CubeDates.back();
     }
 
-    Variant Value(Call& call) { return GetCubeValue(thread_, provider_, locale_, call.Arguments()); }
+    Variant Value(const Call& call) {
+        return GetCubeValue(thread_, provider_, locale_, call, call.keys, call.days).value;
+    }
 
     RecordingProvider provider_ = LedgerProvider();
     Locale locale_;
@@ -57,114 +56,89 @@ protected:
 };
 
 TEST_F(CubeValueTest, RunsOneStatementAndClosesIt) {
-    Call call;
     provider_.cell = 1234.56;
-    EXPECT_EQ(Value(call).As<double>(), 1234.56);
-    const std::vector<std::string> log = {
-        "statement WITH MEMBER [Date].DateSel as '   SUM( LastPeriods(3,[m15]),[Measures].[Amount])    ' "
-        "SELECT  "
-        "{ [Date].DateSel} ON COLUMNS,  { [SuperSumery].[SumeryCode] }ON ROWS  From Finance where (  "
-        "[ActX].[OBSx].[All].[1].[12])",
-        "close cellset"};
-    EXPECT_EQ(provider_.log, log);
+    EXPECT_EQ(Value({}).As<double>(), 1234.56);
+    EXPECT_THAT(provider_.log, ElementsAre(HasSubstr("LastPeriods(3,[m15])"), "close cellset"));
 }
 
-TEST_F(CubeValueTest, SumsEveryObsMemberOfThatName) {
+TEST_F(CubeValueTest, FindsEveryObsMemberOfThatName) {
     const struct {
         const char* what;
         const char* level;
         const char* member;
-        const char* text;
+        ObsMembers found;
     } cases[] = {
-        {"one name under two parents", "Level2", "10",
-         "\r\n Member [Obs].Sel as ' SUM ({  , [OBS].[All].[North].[10] , [OBS].[All].[South].[10] }) ' "},
-        {"level and name in any letter case", "LEVEL2", "caf\xC3\xA9",
-         "\r\n Member [Obs].Sel as ' SUM ({  , [OBS].[All].[South].[Caf\xC3\x89] }) ' "},
-        {"an apostrophe is doubled", "Level2", "dan's",
-         "\r\n Member [Obs].Sel as ' SUM ({  , [OBS].[All].[North].[Dan''s] }) ' "},
-        {"no such member leaves the closing alone", "Level1", "10", " }) ' "},
+        {"one name under two parents",
+         "Level2",
+         "10",
+         {"[OBS].[All].[North].[10]", "[OBS].[All].[South].[10]"}},
+        {"level and name in any letter case", "LEVEL2", "caf\xC3\xA9", {"[OBS].[All].[South].[Caf\xC3\x89]"}},
+        {"no such member", "Level1", "10", {}},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(BuildObsSel(thread_, provider_, c.level, c.member), c.text) << c.what;
+        EXPECT_EQ(*FindObsMembers(thread_, c.level, c.member), c.found) << c.what;
     }
 }
 
-TEST_F(CubeValueTest, PutsTheObsMemberIntoTheStatement) {
+TEST_F(CubeValueTest, AsksForAnObsMemberOnceWhileTheCubeIsOpen) {
     Call call;
-    call.obsLevels = {" Level2 ", "Cost_Centers"};
-    call.obsMembers = {" Dan's "};
+    call.keys.ObsLevel = " Level2 ";
+    call.keys.ObsMember = " Dan's ";
     Value(call);
-    ASSERT_EQ(provider_.log.size(), 3U);
-    EXPECT_EQ(provider_.log[0], "catalog TEXT");
-    EXPECT_NE(provider_.log[1].find("[Measures].[Amount])    '\r\n Member [Obs].Sel as ' SUM ({  , "
-                                    "[OBS].[All].[North].[Dan''s] }) '  SELECT  {"),
-              std::string::npos)
-        << provider_.log[1];
+    Value(call);
+    const auto sums = HasSubstr("SUM ({  , [OBS].[All].[North].[Dan''s] }) '");
+    EXPECT_THAT(provider_.TakeLog(),
+                ElementsAre("catalog TEXT", sums, "close cellset", sums, "close cellset"));
+    call.keys.ObsMember = "10";
+    Value(call);
+    EXPECT_EQ(provider_.TakeLog().front(), "catalog TEXT") << "another name";
+    thread_.CubeConnection->Close();
+    OpenThreadConnection(thread_, provider_, {"a.cub", "Finance"});
+    provider_.TakeLog();
+    Value(call);
+    EXPECT_THAT(provider_.TakeLog().front(), StartsWith("catalog Provider")) << "another cube";
+    call.keys.ObsLevel = "Level9";
+    Value(call);
+    Value(call);
+    EXPECT_EQ(provider_.log.size(), 2U) << "a failure is not remembered";
 }
 
 TEST_F(CubeValueTest, CountsALevelsMembersIn16Bits) {
     auto& members = provider_.DimensionScript("OBS").levels[1].members;
     members.assign(32768, {"x", "[x]", 0});
     members.back().name = "last";
-    EXPECT_EQ(BuildObsSel(thread_, provider_, "Level1", "last"),
-              "\r\n Member [Obs].Sel as ' SUM ({  , [x] }) ' ");
+    EXPECT_EQ(*FindObsMembers(thread_, "Level1", "last"), ObsMembers{"[x]"});
     members.push_back({"one more", "[x]", 0});
     Call call;
-    call.obsLevels = {"Level1"};
+    call.keys.ObsLevel = "Level1";
     EXPECT_EQ(Value(call).As<std::string>(), "#ERR 6");
-}
-
-TEST_F(CubeValueTest, GivesSelectionsBackAsSlicers) {
-    Call call;
-    call.rh = " 2 ";
-    call.firma = " 3 ";
-    call.openingBalance = "4";
-    call.moneySet = "5 ";
-    call.plbs = " 1 ";
-    call.accounts = " 9 ";
-    Value(call);
-    EXPECT_EQ(call.rh, "[RH].[2]");
-    EXPECT_EQ(call.firma, "[Firma].[3]");
-    EXPECT_EQ(call.openingBalance, "[Opening_Balance].[4]");
-    EXPECT_EQ(call.moneySet, "[MoneySet].[5]");
-    EXPECT_EQ(call.plbs, " 1 ") << "never overwritten";
-    EXPECT_EQ(call.accounts, " 9 ") << "never overwritten";
-    Call everything;
-    everything.rh = everything.firma = " all ";
-    Value(everything);
-    EXPECT_EQ(everything.rh, " all ") << "kept when it restricts nothing";
-    EXPECT_EQ(everything.firma + everything.openingBalance + everything.moneySet, "");
 }
 
 TEST_F(CubeValueTest, AnswersWithoutTheCubeWhereTheDatesSaySo) {
     const struct {
-        const char* from;
-        const char* to;
+        CalendarDay from, to;
         Variant result;
-    } cases[] = {{"02/01/2020", "01/01/2020", "#ERR 11111111"},
-                 {"01/01/2001", "31/12/2018", std::int16_t{0}},
-                 {"01/01/2021", "31/12/2021", std::int16_t{0}},
-                 {"soon", "31/12/2020", "#ERR 13"}};
+    } cases[] = {{{2020, 1, 2}, {2020, 1, 1}, "#ERR 11111111"},
+                 {{2001, 1, 1}, {2018, 12, 31}, std::int16_t{0}},
+                 {{2021, 1, 1}, {2021, 12, 31}, std::int16_t{0}}};
     for (const auto& c : cases) {
         Call call;
-        call.fromDate = c.from;
-        call.toDate = c.to;
-        call.firma = " 3 ";
-        EXPECT_EQ(Value(call).Get(), c.result.Get()) << c.from;
-        EXPECT_EQ(call.firma, " 3 ") << c.from;
+        call.days = {DateFromDay(c.from), DateFromDay(c.to)};
+        call.keys.ObsName = Null{}; // no key is looked at
+        const auto prepared = PrepareCubeValue(thread_, locale_, call, call.keys, call.days);
+        EXPECT_EQ(std::get<CubeValue>(prepared.content).value.Get(), c.result.Get()) << c.from.year;
+        EXPECT_FALSE(prepared.hasSlicers) << c.from.year;
     }
     EXPECT_TRUE(provider_.log.empty());
 }
 
 TEST_F(CubeValueTest, AnEmptyCellIsA16BitZero) {
     for (const Variant& empty : {Variant(Null{}), Variant(Empty{}), Variant("")}) {
-        Call call;
         provider_.cell = empty;
-        EXPECT_EQ(Value(call).Get(), Variant(std::int16_t{0}).Get()) << empty.TypeName();
+        EXPECT_EQ(Value({}).Get(), Variant(std::int16_t{0}).Get()) << empty.TypeName();
     }
-    Call call;
     provider_.cell = " ";
-    EXPECT_EQ(Value(call).As<std::string>(), " ") << "a blank is a value";
+    EXPECT_EQ(Value({}).As<std::string>(), " ") << "a blank is a value";
     EXPECT_EQ(provider_.log.back(), "close cellset");
 }
 
@@ -176,14 +150,14 @@ TEST_F(CubeValueTest, EveryFailureIsATextAndKeepsTheConnection) {
     } cases[] = {
         {"the statement fails", [](auto& p, auto&, auto&) { p.failingStatement = -2147217904; },
          "#ERR -2147217904"},
-        {"no such OBS level", [](auto&, auto&, auto& c) { c.obsLevels = {"Level9"}; }, "#ERR 3265"},
-        {"an empty OBS level is looked up", [](auto&, auto&, auto& c) { c.obsLevels = {Variant()}; },
+        {"no such OBS level", [](auto&, auto&, auto& c) { c.keys.ObsLevel = "Level9"; }, "#ERR 3265"},
+        {"an empty OBS level is looked up", [](auto&, auto&, auto& c) { c.keys.ObsLevel = Variant(); },
          "#ERR 3265"},
-        {"a key that is no text", [](auto&, auto&, auto& c) { c.obsNames = {Variant(Null{})}; }, "#ERR 94"},
+        {"a key that is no text", [](auto&, auto&, auto& c) { c.keys.ObsName = Null{}; }, "#ERR 94"},
         {"no Date table", [](auto&, auto& t, auto&) { t.dates.CubeDates.clear(); }, "#ERR 9"},
         {"the catalog fails",
          [](auto& p, auto&, auto& c) {
-             c.obsLevels = {"Level1"};
+             c.keys.ObsLevel = "Level1";
              p.failingCatalog = 5;
          },
          "#ERR 5"},
@@ -194,17 +168,11 @@ TEST_F(CubeValueTest, EveryFailureIsATextAndKeepsTheConnection) {
         thread_ = thread;
         provider_.failingStatement = provider_.failingCatalog = 0;
         c.spoil(provider_, thread_, call);
-        EXPECT_EQ(Value(call).Get(), Variant(c.text).Get()) << c.what;
+        const auto [value, failure] = GetCubeValue(thread_, provider_, locale_, call, call.keys, call.days);
+        EXPECT_EQ(value.Get(), Variant(c.text).Get()) << c.what;
+        EXPECT_EQ("#ERR " + std::to_string(failure.value().Number()), c.text) << c.what;
         EXPECT_EQ(thread_.CubeConnection->State(), stateOpen) << c.what;
     }
-}
-
-TEST_F(CubeValueTest, AListWithoutKeysIsAListOfAnEmptyKey) {
-    Call call;
-    call.obsNames = call.obsNumbers = call.activities = {};
-    Value(call);
-    EXPECT_NE(provider_.log[0].find(" where (  [ActX].[OBSx].[All].[].[])"), std::string::npos)
-        << provider_.log[0];
 }
 
 TEST_F(CubeValueTest, NamesASummaryGroupOnlyByItsKey) {

@@ -16,17 +16,13 @@ using ::testing::StartsWith;
 
 const std::string ledgerText = "Provider=MSOLAP;Data Source=a.cub;Initial Catalog=LedgerFNC;Client Cache "
                                "Size=25;Auto Synch Period=10000";
-const MemberListing costCenters = {"LedgerFNC", 2, "OBS", "Cost_Centers"};
+const MemberListing costCenters = {"LedgerFNC", ObsListing{"OBS", "Cost_Centers"}};
 
 TEST(ListMembersCellset, OpensAConnectionOfItsOwn) {
-    auto provider = testing::LedgerProvider();
+    auto provider = test::LedgerProvider();
     const auto cellset = ListMembersCellset(provider, "a.cub", costCenters);
-    EXPECT_THAT(provider.TakeLog(),
-                ElementsAre("new connection", "open " + ledgerText,
-                            "statement " + *ComposeCellsetStatement(costCenters), "release"));
-    // A kind without a statement is left to the provider to refuse.
-    ListMembersCellset(provider, "a.cub", {"LedgerFNC", 9});
-    EXPECT_EQ(provider.Statements(), std::vector<std::string>{""});
+    EXPECT_THAT(provider.TakeLog(), ElementsAre("new connection", "open " + ledgerText,
+                                                "statement " + ComposeListing(costCenters), "release"));
     provider.failingStatement = -2147217900;
     EXPECT_EQ(ErrorOf([&] { ListMembersCellset(provider, "a.cub", costCenters); }), -2147217900);
     provider.failingOpen = 53;
@@ -36,7 +32,8 @@ TEST(ListMembersCellset, OpensAConnectionOfItsOwn) {
 struct OpenMemberRecordsetTest : ::testing::Test {
     void List(const std::string& cubeFile, const std::string& cubeName) {
         const auto rows = provider.CreateRecordset();
-        OpenMemberRecordset(thread, provider, opened, *rows, cubeFile, {cubeName, 5, "", "OBS"});
+        OpenMemberRecordset(thread, provider, opened, *rows, cubeFile,
+                            {cubeName, AccountCodesListing{"", "OBS"}});
     }
     /// What a listing logs before its statement.
     std::vector<std::string> ConnectionStepsOf(const std::string& cubeFile, const std::string& cubeName) {
@@ -49,7 +46,7 @@ struct OpenMemberRecordsetTest : ::testing::Test {
         return log;
     }
 
-    testing::RecordingProvider provider = testing::LedgerProvider();
+    test::RecordingProvider provider = test::LedgerProvider();
     ThreadState thread;
     OpenedCube opened;
 };
@@ -70,6 +67,7 @@ TEST_F(OpenMemberRecordsetTest, ReusesTheThreadsConnectionForTheSameCube) {
 
 TEST_F(OpenMemberRecordsetTest, ReplacesAConnectionOfAnotherProviderOrNone) {
     thread.CubeConnection = provider.CreateConnection();
+    thread.provider = &provider;
     EXPECT_THAT(ConnectionStepsOf("a.cub", "LedgerFNC"),
                 ElementsAre("new connection", "release", "open " + ledgerText))
         << "one that was never opened has no provider";
@@ -94,7 +92,7 @@ TEST(CountObsLevels, CountsFromTheFirstFilledFieldDown) {
         {"no rows", {}, 0},
     };
     for (const auto& c : cases) {
-        auto provider = testing::LedgerProvider();
+        auto provider = test::LedgerProvider();
         provider.recordFields = 4;
         provider.recordRows = c.rows;
         EXPECT_EQ(CountObsLevels(provider, "LedgerFNC", "a.cub", "OBS", "1"), c.levels) << c.what;

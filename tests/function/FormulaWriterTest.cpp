@@ -13,10 +13,10 @@
 namespace qel {
 namespace {
 
+using test::RecordedMessages;
+using test::SheetDouble;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::RecordedMessages;
-using testing::SheetDouble;
 
 const std::string noBreakSpace = "\xC2\xA0";
 
@@ -206,7 +206,7 @@ TEST_F(SheetWriterTest, AsksForEveryCellThatIsNotEmpty) {
             EXPECT_THAT(messages_.shown, IsEmpty()) << c.what;
             EXPECT_EQ(sheet_.log.size(), 2U) << c.what;
         } else {
-            EXPECT_THAT(messages_.shown, ElementsAre(testing::ShownMessage{20, "", c.question})) << c.what;
+            EXPECT_THAT(messages_.shown, ElementsAre(test::ShownMessage{20, "", c.question})) << c.what;
             EXPECT_THAT(sheet_.log, IsEmpty()) << c.what;
         }
     }

@@ -6,8 +6,8 @@
 namespace qel {
 namespace {
 
-using testing::LedgerProvider;
-using testing::RecordingProvider;
+using test::LedgerProvider;
+using test::RecordingProvider;
 using Log = std::vector<std::string>;
 
 std::string TextOf(const std::string& cubeFile) {
@@ -22,9 +22,9 @@ protected:
         provider_.TakeLog();
     }
 
-    std::string Name(std::string dimType, std::string key, std::string cubeFile = "a.cub") {
-        std::string cubeName = "Finance";
-        return object_.QelName(cubeFile, cubeName, dimType, key).As<std::string>();
+    std::string Name(const std::string& dimType, const std::string& key,
+                     const std::string& cubeFile = "a.cub") {
+        return object_.QelName({cubeFile, "Finance", dimType, key}).value.As<std::string>();
     }
 
     RecordingProvider provider_ = LedgerProvider();
@@ -34,26 +34,29 @@ protected:
 };
 
 TEST_F(NameFormulaTest, AsksTheCubeForTheName) {
-    std::string cubeFile = " a.cub ";
-    std::string cubeName = " Finance ";
-    std::string dimType = "SuperSum1";
-    std::string key = "41";
-    EXPECT_EQ(object_.RetQelName(cubeFile, cubeName, dimType, key).As<std::string>(), "הכנסות \"ממכירות\"");
-    EXPECT_EQ(cubeFile + "|" + cubeName, "a.cub|Finance");
+    const NameCall call{" a.cub ", " Finance ", "SuperSum1", "41"};
+    EXPECT_EQ(object_.RetQelName(call).value.As<std::string>(), "הכנסות \"ממכירות\"");
     const Log log = {
-        "open " + TextOf("a.cub"),
+        "new connection", "open " + TextOf("a.cub"),
         "statement  SELECT NON EMPTY { [Measures] } on columns,  NON EMPTY  "
         "{[SuperSumery].[SumeryName].[SuperSum1Name].Allmembers  } ON ROWS  From [Finance] where (  "
         "[SuperSumery].[SumeryCode].[41] )",
         "close cellset"};
     EXPECT_EQ(provider_.TakeLog(), log) << "no layout check, no Date table";
     EXPECT_EQ(object_.get_g_cubeFile(), "");
+    object_.RetQelName({"a.cub", "Finance", "SuperSum1 ", " 4 "});
+    EXPECT_NE(provider_.Statements().at(0).find("[SuperSum1 Name]"), std::string::npos);
+    EXPECT_NE(provider_.Statements().at(0).find("[ 4 ]"), std::string::npos) << "the key is not trimmed";
+    const NameCall after = TextsAfter({" a.cub ", " Finance ", " SuperSum1 ", " 4 "});
+    EXPECT_EQ(after.cubeFile + "|" + after.CubeName + "|" + after.DimType + "|" + after.DimMember,
+              "a.cub|Finance| SuperSum1 | 4 ");
 }
 
 TEST_F(NameFormulaTest, OpensTheCubeEvenWhereNoNameIsAsked) {
     EXPECT_EQ(Name("SuperSum1", "Sales"), "Sales");
     EXPECT_EQ(Name("Accounts", "41"), "");
-    EXPECT_EQ(provider_.TakeLog(), (Log{"open " + TextOf("a.cub"), "close", "open " + TextOf("a.cub")}));
+    EXPECT_EQ(provider_.TakeLog(),
+              (Log{"new connection", "open " + TextOf("a.cub"), "close", "open " + TextOf("a.cub")}));
     EXPECT_EQ(object_.get_g_cubeFile(), "a.cub") << "only a reopening names the cube";
     EXPECT_EQ(Name("Accounts", "41"), "");
     EXPECT_EQ(provider_.TakeLog(), Log{});
@@ -62,23 +65,22 @@ TEST_F(NameFormulaTest, OpensTheCubeEvenWhereNoNameIsAsked) {
 TEST_F(NameFormulaTest, EveryFailureIsADash) {
     provider_.failingOpen = -2147467259;
     EXPECT_EQ(Name("SuperSum1", "Sales"), "-") << "even for a key that is a name already";
-    EXPECT_NE(thread_.CubeConnection, nullptr) << "a name that fails leaves the connection";
     provider_.failingOpen = 0;
+    Name("SuperSum1", "Sales", "a.cub");
+    Name("SuperSum1", "Sales", "b.cub");
     provider_.failingStatement = -2147217904;
-    EXPECT_EQ(Name("SuperSum1", "41"), "-");
+    EXPECT_EQ(Name("SuperSum1", "41", "b.cub"), "-");
+    EXPECT_EQ(thread_.CubeConnection->State(), stateOpen) << "a name that fails leaves the connection";
+    EXPECT_EQ(object_.get_g_cubeFile(), "b.cub") << "and the names of the cube";
+    EXPECT_EQ(object_.RetQelName({"b.cub", "Finance", "SuperSum1", "41"}).failure.value().Number(),
+              -2147217904);
     provider_.failingStatement = 0;
     provider_.rowMembers.clear();
     EXPECT_EQ(Name("SuperSum1", "41"), "-") << "no member has that key";
 }
 
 TEST_F(NameFormulaTest, SharesTheConnectionOfValueFormulas) {
-    KeyList one = {"1"};
-    KeyList all = {"All"};
-    std::string cubeFile = "a.cub";
-    std::string cubeName = "Finance";
-    std::string texts[9] = {"All", "All", "All", "Amount", "All", "All", "All", "All", "All"};
-    object_.QelFuncDemo(cubeFile, cubeName, one, one, all, all, all, texts[0], texts[1], texts[2], texts[3],
-                        texts[4], texts[5], texts[6], texts[7], texts[8], {}, DateFromDay({2020, 1, 1}));
+    object_.QeLF1({.cubeFile = "a.cub", .CubeName = "Finance", .To_Date = DateFromDay({2020, 1, 1})});
     provider_.TakeLog();
     EXPECT_EQ(Name("Accounts", "41"), "");
     EXPECT_EQ(provider_.TakeLog(), Log{});

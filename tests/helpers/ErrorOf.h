@@ -6,7 +6,7 @@
 
 namespace qel::test {
 
-/// The number of the AutomationError that `work` ends with; 0 when it ends well.
+/// The number of the AutomationError that `work` raises, or 0.
 template <class Work>
 std::int32_t ErrorOf(const Work& work) {
     try {

@@ -3,9 +3,9 @@
 #include <csignal>
 #include <sys/resource.h>
 
-namespace qel::engine {
+namespace qel::test {
 
-/// While it lives, no file of this process grows beyond so many bytes: a full disk that a test can have.
+/// Simulates a full disk: while it lives, no file of this process grows beyond `bytes`.
 class FileSizeLimit {
 public:
     explicit FileSizeLimit(rlim_t bytes) : oldHandler_(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -25,4 +25,4 @@ private:
     rlimit old_ = {};
 };
 
-} // namespace qel::engine
+} // namespace qel::test

@@ -10,7 +10,7 @@
 
 namespace qel::test {
 
-/// A folder of a test's own, gone when the test ends.
+/// A new folder, deleted at the end of the test.
 class TemporaryFolder {
 public:
     TemporaryFolder()

@@ -4,9 +4,9 @@
 #include "tests/helpers/TemporaryFolder.h"
 #include "tests/helpers/doubles/StoreDoubles.h"
 
-namespace qel::testing {
+namespace qel::test {
 
-/// Answers with a table, or with an error when it has none; writes the paths down.
+/// Returns the table, or raises an error without one. Records the paths.
 class ScriptedTables : public PersistedTableReader {
 public:
     std::optional<PersistedTable> table;
@@ -21,7 +21,7 @@ public:
     }
 };
 
-/// A language table as the suite has it: numbers as Longs.
+/// A language table like the suite's, with numbers as Longs.
 inline PersistedTable TableOf(const std::vector<LangRow>& rows) {
     PersistedTable table{{"lId", "sId", "sText"}, {}};
     for (const auto& row : rows) {
@@ -30,7 +30,7 @@ inline PersistedTable TableOf(const std::vector<LangRow>& rows) {
     return table;
 }
 
-/// The language layer over doubles, the component's folder being a temporary one.
+/// The language layer over doubles, with a temporary component folder.
 struct LangBench {
     LangBench() { bench.store.componentFolder = PathToUtf8(folder.Path("component")); }
 
@@ -45,4 +45,4 @@ struct LangBench {
     ModLangFrm::LanguageState state{bench.store, tables};
 };
 
-} // namespace qel::testing
+} // namespace qel::test

@@ -35,17 +35,5 @@ TEST(CheckLangRows, FindsWhatEachLanguageLacks) {
     EXPECT_THAT(findings.at(7).duplicate, IsEmpty());
 }
 
-TEST(StringTable, HasAFontForEachLanguageAndTextsInThatLanguage) {
-    for (const std::int16_t language : {Language::English, Language::Hebrew}) {
-        EXPECT_FALSE(ResourceString(fontNameString, language).empty());
-        EXPECT_GE(std::stoi(ResourceString(fontSizeString, language)), 6);
-    }
-    int hebrewTexts = 0;
-    for (const auto& entry : StringTable()) {
-        hebrewTexts += std::string(entry.hebrew).find('\xD7') != std::string::npos ? 1 : 0;
-    }
-    EXPECT_GE(hebrewTexts, 20) << "Hebrew letters survive the generation";
-}
-
 } // namespace
 } // namespace qel

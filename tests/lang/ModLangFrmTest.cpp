@@ -7,9 +7,9 @@ namespace qel {
 namespace {
 
 using ModLangFrm::GetLangString;
+using test::LangBench;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using testing::LangBench;
 
 TEST(LanguageFromIni, KnowsTheSuitesNumbersAlone) {
     struct SettingCase {
@@ -44,7 +44,7 @@ TEST(InitLanguage, WithoutATableTextsComeFromTheComponent) {
 TEST(InitLanguage, WithATableTextsComeFromItsLanguage) {
     LangBench bench;
     bench.PutLangFile();
-    bench.tables.table = testing::TableOf({{0, 1473, "Pick"}, {2, 1473, "Auswahl"}, {2, 1473, "second"}});
+    bench.tables.table = test::TableOf({{0, 1473, "Pick"}, {2, 1473, "Auswahl"}, {2, 1473, "second"}});
     bench.bench.profiles.value = "2";
     ModLangFrm::InitLanguage(bench.state);
     EXPECT_FALSE(bench.state.resourceOnly);
@@ -66,10 +66,10 @@ TEST(LoadLangTable, ReportsATableThatCannotBeUsed) {
     const BadTableCase cases[] = {
         {"damaged", std::nullopt,
          "Error : -2147467259\r\n\r\nThe file is damaged.\r\n\r\nSource : MSPersist"},
-        {"no rows", testing::TableOf({}), "Error : 3021\r\n"},
+        {"no rows", test::TableOf({}), "Error : 3021\r\n"},
         {"no number column", PersistedTable{{"lId", "Id", "sText"}, {{1, 2, "x"}}}, "no column 'sId'"},
         {"no text column", PersistedTable{{"lId", "sId"}, {{1, 2}}}, "third column"},
-        {"a number that is none", PersistedTable{{"lId", "sId", "t"}, {{1, 2, "x"}, {"1", "2b", "x"}}},
+        {"a malformed number", PersistedTable{{"lId", "sId", "t"}, {{1, 2, "x"}, {"1", "2b", "x"}}},
          "Row 2 of the language table: '2b' in column 'sId'"},
     };
     for (const auto& c : cases) {

@@ -8,7 +8,7 @@
 namespace qel {
 namespace {
 
-using testing::LangBench;
+using test::LangBench;
 
 class FakeItem : public FormItem {
 public:
@@ -23,6 +23,15 @@ public:
     std::map<TextProperty, std::string> texts;
 };
 
+template <class Item>
+std::vector<Item*> PointersTo(auto& items) {
+    std::vector<Item*> pointers;
+    for (auto& item : items) {
+        pointers.push_back(&item);
+    }
+    return pointers;
+}
+
 class FakeControl : public FormControl {
 public:
     FakeControl(std::string type, std::map<TextProperty, std::string> texts,
@@ -34,13 +43,7 @@ public:
     std::string TypeName() const override { return type_; }
     void SetFont(const DialogFont& newFont) override { font = newFont; }
     void SetAligment(std::int32_t value) override { aligment = value; }
-    std::vector<FormItem*> Items() const override {
-        std::vector<FormItem*> pointers;
-        for (auto& item : items) {
-            pointers.push_back(&item);
-        }
-        return pointers;
-    }
+    std::vector<FormItem*> Items() const override { return PointersTo<FormItem>(items); }
 
     mutable std::vector<FakeItem> items;
     DialogFont font;
@@ -57,13 +60,7 @@ public:
     void SetCaption(const std::string& text) override { caption = text; }
     void SetFont(const DialogFont& newFont) override { font = newFont; }
     bool IsRightToLeft() const override { return rightToLeft; }
-    std::vector<FormControl*> Controls() const override {
-        std::vector<FormControl*> pointers;
-        for (auto& control : controls) {
-            pointers.push_back(&control);
-        }
-        return pointers;
-    }
+    std::vector<FormControl*> Controls() const override { return PointersTo<FormControl>(controls); }
 
     std::string tag, caption = "designed";
     DialogFont font;
@@ -138,7 +135,7 @@ TEST(TranslateForm, TranslatesItemsOfControls) {
 TEST(TranslateForm, TakesTheFormsCaptionFromTheComponentAndItsLabelsSideFromTheForm) {
     LangBench bench;
     bench.PutLangFile();
-    bench.tables.table = testing::TableOf({{0, 1474, "from the table"}});
+    bench.tables.table = test::TableOf({{0, 1474, "from the table"}});
     ModLangFrm::InitLanguage(bench.state);
     FakeForm form;
     form.tag = "1474";

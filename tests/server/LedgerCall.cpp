@@ -23,18 +23,29 @@ Arguments ArgumentsOf(const LedgerCall& call) {
     return arguments;
 }
 
+ValueCall ValueCallOf(const LedgerCall& call) {
+    const auto list = [](const std::string& key) { return Variant::List({key}); };
+    ValueCall value{.cubeFile = call.cubeFile,
+                    .CubeName = call.cubeName,
+                    .ObsName = list(call.obsName),
+                    .ObsNum = list(call.obsNumber),
+                    .ObsLevel = list(call.obsLevel),
+                    .ObsMember = list(call.obsMember),
+                    .ActivityList = list(call.activity),
+                    .From_Date = {call.from},
+                    .To_Date = {call.to}};
+    for (std::size_t i = 0; i < call.selections.size(); ++i) {
+        value.*valueCallTexts[i + 2] = call.selections[i]; // after the cube's file and name
+    }
+    return value;
+}
+
 double ValueInProcess(const LedgerCall& call) {
     EmbeddedDataAccess dataAccess;
     ModSetCube::ThreadState thread;
     const Locale locale;
     OrmQelFunction function({thread, dataAccess, locale});
-    LedgerCall copy = call;
-    auto& s = copy.selections;
-    const auto list = [](const std::string& key) { return Variant::List({key}); };
-    const Variant value =
-        function.QeLF1(copy.cubeFile, copy.cubeName, list(call.obsName), list(call.obsNumber),
-                       list(call.obsLevel), list(call.obsMember), list(call.activity), s[0], s[1], s[2], s[3],
-                       s[4], s[5], s[6], s[7], s[8], {call.from}, {call.to});
+    const Variant value = function.QeLF1(ValueCallOf(call)).value;
     EXPECT_TRUE(value.Is<double>()) << value.TypeName();
     return value.Is<double>() ? value.As<double>() : 0;
 }

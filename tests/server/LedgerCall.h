@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cube/ValueCall.h"
 #include "tests/helpers/automation/AutomationClient.h"
 
 #include <string>
@@ -7,7 +8,7 @@
 
 namespace qel::test {
 
-/// A value formula over the example ledger; as it stands, the profit and loss of 2024.
+/// A value formula over the example ledger; by default the profit and loss of 2024.
 struct LedgerCall {
     std::string cubeFile = QEL_TEST_CUBE, cubeName = "LedgerFNC";
     std::string obsName = "OBS", obsNumber = "1", obsLevel = "All", obsMember = "All", activity = "All";
@@ -15,12 +16,13 @@ struct LedgerCall {
     double from = 45292, to = 45657; // 1 January and 31 December 2024
 };
 
-/// The places of the arguments that tests replace.
+/// The indexes of the arguments that tests replace.
 enum LedgerArgument {
     cubeFileAt = 0,
     obsNameAt = 2,
     obsNumberAt = 3,
     obsMemberAt = 5,
+    measureAt = 10,
     moneySetAt = 11,
     rhAt = 13,
     fromAt = 16,
@@ -30,10 +32,13 @@ enum LedgerArgument {
 /// The call's eighteen arguments as a spreadsheet sends them.
 Arguments ArgumentsOf(const LedgerCall& call);
 
+/// The same as the component takes them.
+ValueCall ValueCallOf(const LedgerCall& call);
+
 /// The same call made in process, without COM. Not 0 for a call that tells anything.
 double ValueInProcess(const LedgerCall& call);
 
-/// The number that QeLF1 gives; fails the test when it gives none.
+/// The number that QeLF1 returns. Fails the test when the result is not a number.
 double ValueThroughCom(IDispatch* object, Arguments& arguments);
 
 } // namespace qel::test

@@ -10,38 +10,21 @@ namespace {
 
 using SharedValue = std::shared_ptr<OwnedVariant>;
 
-ComPointer<IDispatch> MakeCell(SharedValue value) {
-    auto cell = MakeDouble();
-    cell->Define(L"Value", [value](const auto&) {
-        OwnedVariant copy;
-        ::VariantCopy(copy.Receive(), &value->Get());
-        return copy;
-    });
-    return ComPointer<IDispatch>(cell.Get());
+OwnedVariant Copy(const SharedValue& value) {
+    OwnedVariant copy;
+    ::VariantCopy(copy.Receive(), &value->Get());
+    return copy;
 }
 
-class Cells : public IEnumVARIANT {
+ComPointer<IDispatch> MakeCell(const SharedValue& value) {
+    return MakeObject(
+        [&](DispatchDouble& cell) { cell.Define(L"Value", [value](const Inputs&) { return Copy(value); }); });
+}
+
+class Cells : public windows::ComObject<IEnumVARIANT> {
 public:
     explicit Cells(std::vector<SharedValue> values) : values_(std::move(values)) {}
-    virtual ~Cells() = default;
 
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override {
-        *object = nullptr;
-        if (id != IID_IUnknown && id != IID_IEnumVARIANT) {
-            return E_NOINTERFACE;
-        }
-        *object = static_cast<IEnumVARIANT*>(this);
-        AddRef();
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() override {
-        const ULONG left = --references_;
-        if (left == 0) {
-            delete this; // NOLINT(cppcoreguidelines-owning-memory): a COM object is its references'
-        }
-        return left;
-    }
     STDMETHODIMP Next(ULONG /*count*/, VARIANT* values, ULONG* fetched) override {
         *fetched = 0;
         if (at_ == values_.size()) {
@@ -56,12 +39,15 @@ public:
     STDMETHODIMP Clone(IEnumVARIANT** /*copy*/) override { return E_NOTIMPL; }
 
 private:
+    void* Find(REFIID id) override {
+        return id == IID_IUnknown || id == IID_IEnumVARIANT ? static_cast<IEnumVARIANT*>(this) : nullptr;
+    }
+
     std::vector<SharedValue> values_;
     std::size_t at_ = 0;
-    ULONG references_ = 1;
 };
 
-/// Type information that tells a name and nothing else.
+/// Type information that holds only a name.
 ComPointer<ITypeInfo> TypeNamed(const wchar_t* name) {
     ComPointer<ICreateTypeLib2> library;
     ::CreateTypeLib2(SYS_WIN64, L"range.tlb", library.Receive());
@@ -95,12 +81,8 @@ ComPointer<IDispatch> MakeRange(std::vector<OwnedVariant> values) {
         V_UNKNOWN(&enumeration.Get()) = std::make_unique<Cells>(shared).release();
         return enumeration;
     });
-    range->DefineNumber(DISPID_VALUE, [shared](const auto&) {
-        OwnedVariant copy;
-        ::VariantCopy(copy.Receive(), &shared.front()->Get());
-        return copy;
-    });
-    return ComPointer<IDispatch>(range.Get());
+    range->DefineNumber(DISPID_VALUE, [shared](const auto&) { return Copy(shared.front()); });
+    return ComPointer<IDispatch>::Adopt(range.Release());
 }
 
 } // namespace qel::test

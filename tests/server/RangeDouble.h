@@ -4,7 +4,7 @@
 
 namespace qel::test {
 
-/// A spreadsheet's range: its class is called Range, its cells are objects with a Value.
+/// A spreadsheet's range: its class is named Range, and its cells are objects with a Value.
 ComPointer<IDispatch> MakeRange(std::vector<OwnedVariant> values);
 
 } // namespace qel::test

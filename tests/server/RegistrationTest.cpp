@@ -40,7 +40,7 @@ void Collect(HKEY parent, const std::wstring& path, std::set<std::wstring>& foun
     ::RegCloseKey(key);
 }
 
-/// In small letters: a key keeps the spelling of whoever made it first.
+/// In lower case, because a key keeps the spelling of its creator.
 std::wstring Folded(std::wstring text) {
     ::CharLowerBuffW(text.data(), static_cast<DWORD>(text.size()));
     return text;
@@ -94,7 +94,7 @@ TEST_F(Registration, OfTheMachineLeavesNothingBehind) {
     ASSERT_EQ(remove(), S_OK);
     EXPECT_EQ(ClassesOf(HKEY_LOCAL_MACHINE), before);
     EXPECT_EQ(remove(), S_OK) << "unregistering twice";
-    ASSERT_EQ(add(), S_OK); // the tests after this one find their server
+    ASSERT_EQ(add(), S_OK); // for the tests that follow
 }
 
 TEST_F(Registration, OfAUserTouchesTheUsersClassesAlone) {

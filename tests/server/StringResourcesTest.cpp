@@ -12,7 +12,7 @@ struct FreeModule {
     void operator()(HMODULE module) const { ::FreeLibrary(module); }
 };
 
-/// A text of the module's string table: sixteen stand in a block, each with its length before it.
+/// A text of the module's string table, which has blocks of sixteen texts, each preceded by its length.
 std::string TextIn(HMODULE module, std::int32_t number, WORD language) {
     const auto block = MAKEINTRESOURCEW(static_cast<WORD>(number / 16 + 1));
     HRSRC const place = ::FindResourceExW(module, RT_STRING, block, language);

@@ -1,6 +1,7 @@
-// The interface's table, entry by entry, as a caller that was compiled against it reaches the members.
+// The interface's function table, entry by entry, as a compiled caller uses it.
 
 #include "platform/windows/Bstr.h"
+#include "tests/platform/dialog/win32/BoxReader.h"
 #include "tests/server/LedgerCall.h"
 
 #include <gtest/gtest.h>
@@ -46,7 +47,7 @@ VARIANT ByValue(short number) {
     return argument;
 }
 
-/// A value call's arguments with the table's types; texts and lists by reference.
+/// The arguments of a value call with the table's types: texts and lists by reference.
 class TableArguments {
 public:
     TableArguments(const LedgerCall& call, bool withLevel) : values_(ArgumentsOf(call)), level_(0) {
@@ -131,42 +132,13 @@ TEST_F(Table, NamesAreInSlots13And14) {
     }
 }
 
-/// Closes the message boxes of this thread, and keeps what the last one said.
-class BoxCloser {
-public:
-    BoxCloser() : timer_(::SetTimer(nullptr, 0, 20, &BoxCloser::Look)) {}
-    ~BoxCloser() { ::KillTimer(nullptr, timer_); }
-    BoxCloser(const BoxCloser&) = delete;
-    BoxCloser& operator=(const BoxCloser&) = delete;
-
-    static inline std::wstring text;
-
-private:
-    static void CALLBACK Look(HWND /*window*/, UINT /*message*/, UINT_PTR /*timer*/, DWORD /*time*/) {
-        ::EnumThreadWindows(::GetCurrentThreadId(), &BoxCloser::Close, 0);
-    }
-    static BOOL CALLBACK Close(HWND window, LPARAM /*unused*/) {
-        constexpr int label = 0xFFFF;
-        const HWND said = ::GetDlgItem(window, label);
-        if (said == nullptr) {
-            return TRUE;
-        }
-        text.resize(1000);
-        text.resize(static_cast<std::size_t>(::GetWindowTextW(said, text.data(), 1000)));
-        ::PostMessageW(window, WM_COMMAND, IDOK, 0);
-        return FALSE;
-    }
-
-    UINT_PTR timer_;
-};
-
 TEST_F(Table, WizardsAreInSlots2And12AndReportThatThereIsNoCell) {
-    const BoxCloser closer;
+    const BoxReader box(IDOK);
     struct Wizard {
         unsigned slot;
-        const wchar_t* reportsItselfAs;
+        const char* reportsItselfAs;
     };
-    for (const Wizard wizard : {Wizard{2, L"ShowformGetVal"}, Wizard{12, L"ShowFormQelName"}}) {
+    for (const Wizard wizard : {Wizard{2, "ShowformGetVal"}, Wizard{12, "ShowFormQelName"}}) {
         IDispatch* cell = nullptr;
         windows::Bstr text;
         EXPECT_EQ(
@@ -174,7 +146,7 @@ TEST_F(Table, WizardsAreInSlots2And12AndReportThatThereIsNoCell) {
                      {PlaceOf(VT_DISPATCH, static_cast<void*>(&cell)), PlaceOf(VT_BSTR, text.Receive())}),
             S_OK);
         EXPECT_EQ(windows::TextOfBstr(text.Get()), "");
-        EXPECT_NE(BoxCloser::text.find(wizard.reportsItselfAs), std::wstring::npos);
+        EXPECT_NE(box.seen.text.find(wizard.reportsItselfAs), std::string::npos) << box.seen.text;
     }
 }
 

@@ -1,5 +1,3 @@
-#include "function/OrmQelFunction.h"
-#include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "tests/server/LedgerCall.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +13,7 @@ namespace {
 
 constexpr int calls = 100'000;
 
-/// The memory that this process alone has, page by page.
+/// The private memory of this process.
 std::size_t PrivateBytes() {
     std::size_t total = 0;
     MEMORY_BASIC_INFORMATION region = {};
@@ -54,32 +52,17 @@ TEST(Throughput, AHundredThousandCallsLeaveNoMemoryBehind) {
     const std::size_t before = PrivateBytes();
     const double throughCom = Seconds([&] { callMany(calls); });
     const std::size_t after = PrivateBytes();
-
-    EmbeddedDataAccess dataAccess;
-    ModSetCube::ThreadState thread;
-    const Locale locale;
-    OrmQelFunction function({thread, dataAccess, locale});
-    const auto list = [](const char* key) { return Variant::List({std::string(key)}); };
-    const double inProcess = Seconds([&] {
-        for (int i = 0; i < calls; ++i) {
-            LedgerCall call;
-            auto& s = call.selections;
-            function.QeLF1(call.cubeFile, call.cubeName, list("OBS"), list("1"), list("All"), list("All"),
-                           list("All"), s[0], s[1], s[2], s[3], s[4], s[5], s[6], s[7], s[8], {call.from},
-                           {call.to});
-        }
-    });
     const auto grown = static_cast<std::int64_t>(after) - static_cast<std::int64_t>(before);
-    std::printf("through IDispatch %.0f calls/s, in process %.0f calls/s, memory %+lld bytes over %d calls\n",
-                calls / throughCom, calls / inProcess, static_cast<long long>(grown), calls);
-    EXPECT_LT(grown, 1'000'000) << "ten bytes a call";
+    std::printf("%.0f calls/s, memory %+lld bytes over %d calls\n", calls / throughCom,
+                static_cast<long long>(grown), calls);
+    EXPECT_LT(grown, 1'000'000) << "ten bytes per call";
 }
 
-/// A host has a window long before it has a second thread. Wine loads what draws one on its first use, and
-/// two threads that come to it at once, one of them inside the loader, wait for each other for ever.
+/// A host has a window before it has a second thread. Wine loads its display driver on first use, and two
+/// threads that do so at once, one of them inside the loader, deadlock.
 void UseTheScreen() { ::ReleaseDC(nullptr, ::GetDC(nullptr)); }
 
-/// A thread as a host makes one. Waits for its real end, the system's notices to every DLL included.
+/// A thread of a host. Waits for its actual end, including the notifications to every DLL.
 class HostThread {
 public:
     explicit HostThread(std::function<void()> work) : work_(std::move(work)) {
@@ -110,7 +93,7 @@ LONG CALLBACK CountFault(EXCEPTION_POINTERS* exception) {
     return EXCEPTION_CONTINUE_SEARCH;
 }
 
-/// The system swallows what goes wrong while a thread ends, so the faults themselves are counted.
+/// The system ignores exceptions while a thread ends, so the test counts access violations.
 TEST(Threads, EndWithoutTouchingWhatIsGone) {
     faults = 0;
     void* const handler = ::AddVectoredExceptionHandler(1, CountFault);
@@ -159,7 +142,8 @@ TEST(Threads, EightApartmentsGetTheirOwnValues) {
             LedgerCall call;
             call.from = 45292 + 31 * static_cast<double>(i);
             for (int turn = 0; turn < 500; ++turn) {
-                call.cubeName = turn % 50 == 0 ? "LedgerHebrewFNC" : "LedgerFNC"; // reopens now and then
+                call.cubeName =
+                    turn % 50 == 0 ? "LedgerHebrewFNC" : "LedgerFNC"; // reopens the connection now and then
                 Arguments arguments = ArgumentsOf(call);
                 const double value = ValueThroughCom(object.Get(), arguments);
                 wrong[i] += call.cubeName == "LedgerFNC" && value != expected[i];

@@ -60,9 +60,10 @@ function list() { // JScript's own arrays are objects; a dictionary's items are 
   for (var i = 0; i < arguments.length; i++) items.Add(i, arguments[i]);
   return items.Items();
 }
-function day(year, month, date) { return month + "/" + date + "/" + year; } // as the locale writes it
+function day(year, month, date) { return month + "/" + date + "/" + year; } // in the locale's form
 var o = new ActiveXObject("OrmFunctionQel4.OrmQelFunction");
 check("QelName", o.QelName(f, "LedgerFNC", "SuperSum1", "1"), "Fixed assets");
+check("a Hebrew name", escape(o.QelName(f, "LedgerHebrewFNC", "SuperSum1", "4")), "%%u05D4%%u05DB%%u05E0%%u05E1%%u05D5%%u05EA");
 check("RetQelName", o.retqelname("no such.cub", "x", "SuperSum1", "1"), "-");
 o.g_cubeFile = "x"; o.G_CUBENAME = "y"; o.ResQel = "z"; o.iShowDetail = 1; o.iLang = -1;
 check("properties", o.g_cubefile + o.g_CubeName + o.iShowDetail + o.iLang, "xy1-1");
@@ -83,7 +84,7 @@ WScript.Echo("done");
 
 
 def checks_right(script, text, calls):
-    """Whether each of the calls of a check said that it was right, to the last."""
+    """Whether every check of the script succeeded."""
     script.write_text(text, encoding="ascii", newline="\r\n")
     done = subprocess.run([ROOT / "scripts" / "wine", "cscript", "//nologo", "Z:" + str(script)], capture_output=True,
                           text=True, stdin=subprocess.DEVNULL, timeout=120)

@@ -8,12 +8,12 @@
 namespace qel {
 namespace {
 
-using testing::StoreBench;
+using test::StoreBench;
 
 struct FolderCase {
     const char* what;
     std::optional<RegistryValue> mdbPath;
-    std::string folder; ///< what QelFuncMdbPath returns; "@" stands for a temporary folder that exists
+    std::string folder; ///< expected from QelFuncMdbPath; "@" stands for an existing temporary folder
 };
 
 std::string WithFolder(std::string text, const std::string& folder) {
@@ -67,15 +67,6 @@ TEST(QelFuncMdbPath, MakesItsFolderAndReportsWhenItCannot) {
     EXPECT_EQ(bench.messages.shown[0].text, "Error : 76\r\n\r\nPath not found: '" + deep +
                                                 "\\'\r\n\r\nFunction : QelFuncMdbPath\r\nModule : ModAPI\r\n"
                                                 "Source : OrmFuncQel4");
-}
-
-TEST(GetRegSetting, IsEmptyWithoutKeyOrValue) {
-    StoreBench bench;
-    EXPECT_EQ(ModAPI::GetRegSetting(bench.store, "TempPath"), "");
-    bench.SuiteKey()["TempPath"] = {registryString, "זמני"};
-    EXPECT_EQ(ModAPI::GetRegSetting(bench.store, "TempPath"), "זמני");
-    bench.registry.keys.clear();
-    EXPECT_EQ(ModAPI::GetRegSetting(bench.store, "TempPath"), "");
 }
 
 TEST(OpenKeys, AreRememberedOnceAHandle) {

@@ -9,8 +9,8 @@
 namespace qel {
 namespace {
 
+using test::StoreBench;
 using ::testing::ElementsAre;
-using testing::StoreBench;
 
 TEST(ReadQelIni, ReadsTheSuitesFileOrTheComponents) {
     StoreBench bench;

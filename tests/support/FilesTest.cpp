@@ -1,48 +1,35 @@
 #include "support/Files.h"
 
+#include "platform/value/AutomationError.h"
+#include "support/Folders.h"
 #include "support/Wildcard.h"
+#include "tests/helpers/TemporaryFolder.h"
+#include "text/Utf8Path.h"
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
 #include <set>
 
 namespace qel {
 namespace {
 
-namespace fs = std::filesystem;
-
-class FilesTest : public ::testing::Test {
-public:
-    FilesTest() : folder_(fs::temp_directory_path() / fs::u8path(u8"qel files שכר " + UniqueName())) {
-        fs::create_directories(folder_ / "sub");
+struct FilesTest : ::testing::Test {
+    FilesTest() {
+        std::filesystem::create_directories(folder.Path("תיק שכר/sub"));
         for (const char* name : {"a.tmp", "b.tmp", "b.TMP", "no extension", "keep.cub", "sub/c.tmp"}) {
-            std::ofstream(folder_ / name) << "x";
+            folder.Write(std::string("תיק שכר/") + name, "x");
         }
     }
-    ~FilesTest() override { fs::remove_all(folder_); }
-    FilesTest(const FilesTest&) = delete;
-    FilesTest& operator=(const FilesTest&) = delete;
-
-protected:
-    static std::u8string UniqueName() {
-        const std::string name = ::testing::UnitTest::GetInstance()->current_test_info()->name();
-        return {name.begin(), name.end()};
-    }
-    std::string PathOf(const std::string& name) const {
-        const std::u8string path = folder_.u8string();
-        return std::string(path.begin(), path.end()) + name;
-    }
+    std::string PathOf(const std::string& name) const { return PathToUtf8(folder.Path("תיק שכר")) + name; }
     std::set<std::string> Remaining() const {
         std::set<std::string> names;
-        for (const auto& entry : fs::directory_iterator(folder_)) {
+        for (const auto& entry : std::filesystem::directory_iterator(folder.Path("תיק שכר"))) {
             names.insert(entry.path().filename().string());
         }
         return names;
     }
 
-    fs::path folder_;
+    const test::TemporaryFolder folder;
 };
 
 TEST(FileTexts, AddBackslashEndsAPathOnce) {
@@ -100,6 +87,25 @@ TEST_F(FilesTest, DeletesTheFilesOfOneFolderThatMatch) {
     DeleteFiles(PathOf("\\*.*"));
     EXPECT_EQ(Remaining(), std::set<std::string>{"sub"});
     EXPECT_TRUE(FileExists(PathOf("/sub/c.tmp")));
+}
+
+TEST_F(FilesTest, MakesAFolderOfOneLevelOrTellsWhyNot) {
+    const std::pair<const char*, std::int32_t> cases[] = {{"/הנהלה חשבונות\\", 0},
+                                                          {"/הנהלה חשבונות/", 75}, // it exists
+                                                          {"/missing/new", 76},    // parents are not made
+                                                          {"/a.tmp", 75},
+                                                          {"/a.tmp/new", 76}};
+    for (const auto& [name, number] : cases) {
+        std::int32_t raised = 0;
+        try {
+            MakeFolder(PathOf(name));
+        } catch (const AutomationError& error) {
+            EXPECT_NE(error.Description().find(PathOf(name)), std::string::npos) << error.Description();
+            raised = error.Number();
+        }
+        EXPECT_EQ(raised, number) << name;
+    }
+    EXPECT_TRUE(DirExists(PathOf("/הנהלה חשבונות")));
 }
 
 TEST(Wildcard, MatchesWholeNames) {

@@ -58,7 +58,7 @@ TEST(ModError, LaysTheReportOut) {
 }
 
 TEST(ModError, ShowsOneWarningBoxWhateverTheReservedArguments) {
-    testing::RecordedMessages messages;
+    test::RecordedMessages messages;
     const PendingError error{5, "x", "y"};
     ModError::ReportError(messages, error, "", "F", "M");
     ModError::ReportError(messages, error, "", "F", "M", 7, 1);

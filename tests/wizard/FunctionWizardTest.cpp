@@ -1,13 +1,13 @@
-#include "tests/wizard/WizardBench.h"
+#include "tests/wizard/TestBench.h"
 #include "wizard/FunctionForm.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 
-// The dialog itself: settings, opening, choosing a cube, its checks, and its three ends.
+// The dialog itself: settings, opening, choosing a cube, checks, and the three ways to close it.
 
-namespace qel::testing {
+namespace qel::test {
 namespace {
 
 using namespace FunctionForm;
@@ -17,7 +17,7 @@ using ::testing::IsEmpty;
 
 void DoNothing(DialogDouble& /*dialog*/) {}
 
-/// Each of the controls was filled, for the last time after the ones before it.
+/// Checks that each control was last filled after the ones before it.
 void ExpectFilledInOrder(DialogDouble& dialog, const std::vector<std::string>& order) {
     const auto filled = dialog.TakeFilled();
     auto last = filled.rend();
@@ -30,8 +30,7 @@ void ExpectFilledInOrder(DialogDouble& dialog, const std::vector<std::string>& o
 }
 
 TEST(FunctionWizard, OpensOnTheRememberedCubeInTheOrderOfItsLoading) {
-    WizardBench bench;
-    bench.Remember(LedgerFile());
+    TestBench bench(LedgerFile());
     bench.ShowFormGetVal([](DialogDouble& dialog) {
         EXPECT_EQ(dialog.Text(txtCubeFile), LedgerFile());
         EXPECT_THAT(dialog.Items(cboDatabaseList), ElementsAre("LedgerFNC", "LedgerHebrewFNC"));
@@ -52,11 +51,10 @@ TEST(FunctionWizard, OpensOnTheRememberedCubeInTheOrderOfItsLoading) {
         ExpectFilledInOrder(dialog, {txtCubeFile, cboDatabaseList, TxtDateFrom, ChcMeasure, ComOBSNum,
                                      ComMoneySet, ComAccX, ListAccount, ComActMember});
     });
-    EXPECT_THAT(bench.TakeMessages(), IsEmpty());
 }
 
 TEST(FunctionWizard, FillsTheMeasuresBeforeTheDatesOfAChosenFile) {
-    WizardBench bench;
+    TestBench bench;
     bench.toolkit.chosenFile = LedgerFile();
     bench.ShowFormGetVal([](DialogDouble& dialog) {
         EXPECT_FALSE(dialog.IsEnabled(ChcMeasure));
@@ -88,7 +86,7 @@ TEST(FunctionWizard, OpensEmptyWithoutACubeToRemember) {
         {"a file that is gone", "/gone/old.cub", "/gone/old.cub File Not Found"},
     };
     for (const auto& c : cases) {
-        WizardBench bench;
+        TestBench bench;
         bench.Remember(c.remembered);
         bench.ShowFormGetVal([](DialogDouble& dialog) {
             EXPECT_EQ(dialog.Text(txtCubeFile), "");
@@ -99,14 +97,12 @@ TEST(FunctionWizard, OpensEmptyWithoutACubeToRemember) {
             messages += message;
         }
         EXPECT_EQ(messages, c.messages) << c.what;
-        EXPECT_THAT(bench.Rows("DataTbl"), IsEmpty())
-            << "the local database is made all the same: " << c.what;
+        EXPECT_THAT(bench.Rows("DataTbl"), IsEmpty()) << "the local database is created anyway: " << c.what;
     }
 }
 
 TEST(FunctionWizard, RejectsAFileWithoutListedCubesAndFallsBackToTheRememberedOne) {
-    WizardBench bench;
-    bench.Remember(LedgerFile());
+    TestBench bench(LedgerFile());
     const auto plain = bench.folder.Write("plain.cub", "no cube");
     bench.ShowFormGetVal([&](DialogDouble& dialog) {
         dialog.chosenFile = plain.string();
@@ -123,15 +119,15 @@ TEST(FunctionWizard, RejectsAFileWithoutListedCubesAndFallsBackToTheRememberedOn
         EXPECT_TRUE(dialog.IsEnabled(ChcMeasure)) << "the dialog stayed usable";
         dialog.chosenFile = UnlistedFile();
         dialog.Press(CmdCubeFile);
-        EXPECT_EQ(bench.messages.shown, (std::vector<ShownMessage>{{48, "", "Not valid cube"}}));
+        EXPECT_EQ(std::exchange(bench.messages.shown, {}),
+                  (std::vector<ShownMessage>{{48, "", "Not valid cube"}}));
         EXPECT_EQ(dialog.Text(txtCubeFile), LedgerFile());
         EXPECT_TRUE(dialog.IsEnabled(ChcMeasure));
     });
 }
 
 TEST(FunctionWizard, ForgetsARememberedFileWithoutListedCubes) {
-    WizardBench bench;
-    bench.Remember(UnlistedFile());
+    TestBench bench(UnlistedFile());
     bench.ShowFormGetVal([](DialogDouble& dialog) {
         EXPECT_EQ(dialog.Text(txtCubeFile), "");
         EXPECT_FALSE(dialog.IsEnabled(Command1));
@@ -139,19 +135,12 @@ TEST(FunctionWizard, ForgetsARememberedFileWithoutListedCubes) {
     EXPECT_THAT(bench.TakeMessages(), ElementsAre("Not valid cube"));
 }
 
-TEST(FunctionWizard, ListsCubesByTheEndOfTheirNamesInAnyLetterCase) {
-    WizardBench bench;
-    bench.Remember(OddFile());
-    bench.ShowFormGetVal([](DialogDouble& dialog) {
-        EXPECT_THAT(dialog.Items(cboDatabaseList),
-                    ElementsAre("Oddfnc", "NoGroupsFNC", "FlatFNC", "NoDateFNC"));
-    });
-}
-
 TEST(FunctionWizard, ReportsDatesThatCannotBeReadAndLetsAnotherCubeBeChosen) {
-    WizardBench bench;
-    bench.Remember(OddFile());
+    TestBench bench(OddFile());
     bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        EXPECT_THAT(dialog.Items(cboDatabaseList),
+                    ElementsAre("Oddfnc", "NoGroupsFNC", "FlatFNC", "NoDateFNC"))
+            << "FNC ends the names of listed cubes, in any letter case";
         for (const char* cube : {"FlatFNC", "NoDateFNC"}) {
             dialog.Choose(cboDatabaseList, cube);
             const auto messages = bench.TakeMessages();
@@ -178,11 +167,11 @@ struct CheckCase {
 };
 
 TEST(FunctionWizard, ChecksTheCubeFileBeforeItHandsBack) {
-    WizardBench bench;
+    TestBench bench;
     const auto capitals = bench.folder.Write("capitals.CUB", "");
     const CheckCase cases[] = {
         {"no file", "", "Choose a Cube Name and a Cube File"},
-        {"blanks alone", "  ", "Choose a Cube Name and a Cube File"},
+        {"only blanks", "  ", "Choose a Cube Name and a Cube File"},
         {"another ending", bench.folder.Write("a.txt", "").string(), "Unvalid Name for File Cube"},
         {"the ending in capitals", capitals.string(), "Unvalid Name for File Cube"},
         {"no such file", bench.folder.Path("none.cub").string(), "Unvalid Name for File Cube"},
@@ -203,10 +192,10 @@ TEST(FunctionWizard, ChecksTheCubeFileBeforeItHandsBack) {
 }
 
 TEST(FunctionWizard, TakesAPathThatWasTyped) {
-    WizardBench bench;
+    TestBench bench;
     bench.ShowFormGetVal([&](DialogDouble& dialog) {
         dialog.Type(txtCubeFile, bench.folder.Path("none.cub").string());
-        EXPECT_THAT(bench.TakeMessages(), IsEmpty()) << "a path that is not there is told by OK";
+        EXPECT_THAT(bench.TakeMessages(), IsEmpty()) << "only OK reports a missing path";
         dialog.Type(txtCubeFile, " " + LedgerFile() + " ");
         EXPECT_EQ(dialog.Text(cboDatabaseList), "LedgerFNC");
         static_cast<Dialog&>(dialog).SetText(txtCubeFile, OddFile());
@@ -217,8 +206,7 @@ TEST(FunctionWizard, TakesAPathThatWasTyped) {
 }
 
 TEST(FunctionWizard, WritesNothingWhenItIsCanceledOrClosed) {
-    WizardBench bench;
-    bench.Remember(LedgerFile());
+    TestBench bench(LedgerFile());
     bench.object.put_iShowDetail(7);
     EXPECT_EQ(bench.ShowFormGetVal([](DialogDouble& dialog) { dialog.Press(CmdCancel); }), " ");
     EXPECT_EQ(bench.ShowFormGetVal(DoNothing), " ") << "the close box";
@@ -228,8 +216,7 @@ TEST(FunctionWizard, WritesNothingWhenItIsCanceledOrClosed) {
 }
 
 TEST(FunctionWizard, WritesATableAfterSingleCellFunction) {
-    WizardBench bench;
-    bench.Remember(LedgerFile());
+    TestBench bench(LedgerFile());
     bench.ShowFormGetVal([](DialogDouble& dialog) { dialog.Press(Command2); });
     EXPECT_THAT(bench.sheet.log, ElementsAre("format R3C2:R18C3 @", "formula R3C2:R21C3"));
     EXPECT_EQ(bench.sheet.cells.at({3, 3}).As<std::string>(), LedgerFile());
@@ -241,8 +228,7 @@ TEST(FunctionWizard, WritesATableAfterSingleCellFunction) {
 }
 
 TEST(FunctionWizard, ReportsASheetThatRefusesTheFormula) {
-    WizardBench bench;
-    bench.Remember(LedgerFile());
+    TestBench bench(LedgerFile());
     bench.sheet.isProtected = true;
     EXPECT_EQ(bench.ShowFormGetVal([](DialogDouble& dialog) { dialog.Press(CmdOK); }), "");
     EXPECT_THAT(
@@ -264,7 +250,7 @@ TEST(FunctionWizard, IsHebrewAndMirroredWithTheSuitesTable) {
     const LanguageCase cases[] = {{"with the suite's table", true, true},
                                   {"the component's own strings do not mirror it", false, false}};
     for (const auto& c : cases) {
-        WizardBench bench;
+        TestBench bench;
         bench.BeHebrew(c.hasTable);
         bench.Remember(LedgerFile());
         bench.folder.Write("component/PralixHeb.chm", "");
@@ -282,11 +268,11 @@ TEST(FunctionWizard, IsHebrewAndMirroredWithTheSuitesTable) {
 }
 
 TEST(FunctionWizard, NeedsADoorWithDialogs) {
-    WizardBench bench;
+    TestBench bench;
     OrmQelFunction without({bench.thread, bench.dataAccess, bench.locale});
     EXPECT_THROW(without.ShowFormGetVal(bench.sheet.Cell({1, 1})), AutomationError);
     EXPECT_THROW(without.ShowFormQelName(bench.sheet.Cell({1, 1})), AutomationError);
 }
 
 } // namespace
-} // namespace qel::testing
+} // namespace qel::test

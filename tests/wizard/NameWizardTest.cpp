@@ -1,12 +1,12 @@
-#include "tests/wizard/WizardBench.h"
+#include "tests/wizard/TestBench.h"
 #include "wizard/NameForm.h"
 #include "wizard/NamedQueries.h"
 
 #include <gmock/gmock.h>
 
-// The name wizard: a member's name for a cell, and the queries that are kept.
+// The name wizard: a member's name for a cell, and the saved queries.
 
-namespace qel::testing {
+namespace qel::test {
 namespace {
 
 using namespace NameForm;
@@ -32,7 +32,7 @@ TEST(NameWizard, WritesAFormulaThatGivesTheNameTheDialogShowed) {
         {"a code with a quote", OddFile(), "Oddfnc", "SuperSum1", "3\"", "מסים", R"("SuperSum1", "3""")"},
     };
     for (const auto& c : cases) {
-        WizardBench bench;
+        TestBench bench;
         bench.toolkit.chosenFile = c.file;
         std::string shown;
         const std::string text = bench.ShowFormQelName([&](DialogDouble& dialog) {
@@ -55,8 +55,7 @@ TEST(NameWizard, WritesAFormulaThatGivesTheNameTheDialogShowed) {
 }
 
 TEST(NameWizard, ListsGroupsWithDataForTheFirmAndTheObs) {
-    WizardBench bench;
-    bench.Remember(LedgerFile());
+    TestBench bench(LedgerFile());
     bench.ShowFormQelName([](DialogDouble& dialog) {
         EXPECT_EQ(dialog.Text(txtCubeFile), LedgerFile())
             << "the function wizard's last file, before any query";
@@ -72,7 +71,6 @@ TEST(NameWizard, ListsGroupsWithDataForTheFirmAndTheObs) {
         dialog.Choose(ComFirma, "All");
         EXPECT_EQ(dialog.Text(TxtName), "") << "the list is another one";
     });
-    EXPECT_THAT(bench.TakeMessages(), IsEmpty());
 }
 
 /// Picks the group of that code and presses OK.
@@ -92,8 +90,7 @@ std::vector<std::string> MembersOf(const std::vector<TableRow>& rows) {
 }
 
 TEST(NameWizard, KeepsItsQueries) {
-    WizardBench bench;
-    bench.Remember(LedgerFile());
+    TestBench bench(LedgerFile());
     bench.ShowFormQelName([](DialogDouble& dialog) { Pick(dialog, "SuperSum2", "41"); });
     bench.ShowFormQelName([](DialogDouble& dialog) {
         dialog.Choose(ComFirma, "20 - ");
@@ -121,7 +118,6 @@ TEST(NameWizard, KeepsItsQueries) {
         dialog.Press(CmdCancel);
     });
     EXPECT_THAT(MembersOf(bench.Rows("QelName")), ElementsAre("SuperSum2 41"));
-    EXPECT_THAT(bench.TakeMessages(), IsEmpty());
 }
 
 TEST(NameWizard, TellsOfAQueryThatNothingIsLeftOf) {
@@ -140,7 +136,7 @@ TEST(NameWizard, TellsOfAQueryThatNothingIsLeftOf) {
         {noType, dropped + "SuperSum9 41"},
     };
     for (const auto& [query, message] : cases) {
-        WizardBench bench;
+        TestBench bench;
         bench.PutRows("QelName", {RowOf(query)});
         bench.ShowFormQelName([](DialogDouble&) {});
         std::string messages;
@@ -152,7 +148,7 @@ TEST(NameWizard, TellsOfAQueryThatNothingIsLeftOf) {
 }
 
 TEST(NameWizard, ChecksBeforeItHandsBack) {
-    WizardBench bench;
+    TestBench bench;
     EXPECT_EQ(bench.ShowFormQelName([&](DialogDouble& dialog) {
         dialog.Press(CmdOK);
         EXPECT_THAT(bench.TakeMessages(), ElementsAre("Choose a Cube Name and a Cube File"));
@@ -169,7 +165,7 @@ TEST(NameWizard, ChecksBeforeItHandsBack) {
 }
 
 TEST(NameWizard, ReportsUnderTheNamesThatSupportKnows) {
-    WizardBench bench;
+    TestBench bench;
     const auto plain = bench.folder.Write("plain.cub", "no cube");
     bench.ShowFormQelName([&](DialogDouble& dialog) {
         dialog.Type(txtCubeFile, plain.string());
@@ -194,7 +190,7 @@ TEST(NameWizard, ReportsUnderTheNamesThatSupportKnows) {
 }
 
 TEST(NameWizard, IsHebrewAndMirrored) {
-    WizardBench bench;
+    TestBench bench;
     bench.BeHebrew(true);
     bench.ShowFormQelName([](DialogDouble& dialog) {
         EXPECT_TRUE(dialog.IsRightToLeft());
@@ -209,4 +205,4 @@ TEST(NameWizard, IsHebrewAndMirrored) {
 }
 
 } // namespace
-} // namespace qel::testing
+} // namespace qel::test

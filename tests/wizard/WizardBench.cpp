@@ -8,47 +8,37 @@
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"
 
-namespace qel::testing {
+#include <map>
+
+namespace qel::test {
 
 namespace {
 
 std::filesystem::path SourceFile(const char* path) { return std::filesystem::path(QEL_SOURCE_DIR) / path; }
 
-std::string Build(const char* definition, const std::filesystem::path& output) {
-    engine::BuildOptions options;
-    options.definition = SourceFile(definition);
-    options.output = output;
-    engine::BuildCube(options);
-    return output.string();
+/// The cube file of a definition, built once for the whole program.
+const std::string& FileOf(const char* definition) {
+    static const TemporaryFolder folder;
+    static std::map<std::string, std::string> files;
+    const auto [file, isNew] = files.try_emplace(definition);
+    if (isNew) {
+        engine::BuildOptions options;
+        options.definition = SourceFile(definition);
+        options.output = folder.Path(std::to_string(files.size()) + ".cub");
+        engine::BuildCube(options);
+        file->second = options.output.string();
+    }
+    return file->second;
 }
 
 } // namespace
 
-const std::string& LedgerFile() {
-    static const test::TemporaryFolder folder;
-    static const std::string file = Build("examples/ledger/ledger.json", folder.Path("ledger.cub"));
-    return file;
-}
+const std::string& LedgerFile() { return FileOf("examples/ledger/ledger.json"); }
+const std::string& OddFile() { return FileOf("tests/wizard/odd/odd.json"); }
+const std::string& PlainBooksFile() { return FileOf("tests/helpers/books/books.json"); }
+const std::string& UnlistedFile() { return FileOf("tests/wizard/odd/unlisted.json"); }
 
-const std::string& OddFile() {
-    static const test::TemporaryFolder folder;
-    static const std::string file = Build("tests/wizard/odd/odd.json", folder.Path("odd.cub"));
-    return file;
-}
-
-const std::string& PlainBooksFile() {
-    static const test::TemporaryFolder folder;
-    static const std::string file = Build("tests/helpers/books/books.json", folder.Path("books.cub"));
-    return file;
-}
-
-const std::string& UnlistedFile() {
-    static const test::TemporaryFolder folder;
-    static const std::string file = Build("tests/wizard/odd/unlisted.json", folder.Path("unlisted.cub"));
-    return file;
-}
-
-WizardBench::WizardBench()
+WizardBench::WizardBench(const std::string& rememberedFile)
     : registry(folder.Path("settings.ini")),
       store{registry, profiles, database, messages, folder.Path("component").string()},
       language{store, tables}, services{toolkit, language}, object({thread, dataAccess, locale, &services}) {
@@ -56,6 +46,9 @@ WizardBench::WizardBench()
     registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, ModAPI::mdbPathValue,
                       folder.Path("suite").string());
     std::filesystem::create_directory(folder.Path("suite"));
+    if (!rememberedFile.empty()) {
+        Remember(rememberedFile);
+    }
 }
 
 void WizardBench::BeHebrew(bool hasTable) {
@@ -100,7 +93,7 @@ std::string WizardBench::ShowFormQelName(const std::function<void(DialogDouble&)
 std::string WizardBench::Evaluate(const std::string& formula) {
     ModSetCube::ThreadState own;
     OrmQelFunction function({own, dataAccess, locale});
-    return ValueText(RunFormula(function, BindFormula(ParseFormula(formula), locale), locale));
+    return ValueText(RunFormula(function, BindFormula(ParseFormula(formula), locale)).value);
 }
 
 std::vector<std::string> WizardBench::TakeMessages() {
@@ -113,4 +106,4 @@ std::vector<std::string> WizardBench::TakeMessages() {
     return texts;
 }
 
-} // namespace qel::testing
+} // namespace qel::test

@@ -11,12 +11,12 @@
 #include "tests/helpers/doubles/SheetDouble.h"
 #include "tests/helpers/doubles/StoreDoubles.h"
 
-namespace qel::testing {
+namespace qel::test {
 
-/// The example's cube file, built once for the whole program.
+/// The example's cube file.
 const std::string& LedgerFile();
-/// A cube file whose members have signs that statements and formulas give a meaning to, and cubes that the
-/// wizards do not list or cannot load.
+/// A cube file with special characters in its members' names, and with cubes that the wizards do not list or
+/// cannot load.
 const std::string& OddFile();
 
 /// A cube file whose cube lacks dimensions that the listings name.
@@ -24,11 +24,10 @@ const std::string& PlainBooksFile();
 /// A cube file without a cube that the wizards list.
 const std::string& UnlistedFile();
 
-/// A user's machine: settings, local database and cubes are real files; the sheet, the screen and the person
-/// before it are doubles.
+/// A user's machine: settings, local database and cubes are real files; sheet, screen and person are doubles.
 class WizardBench {
 public:
-    WizardBench();
+    explicit WizardBench(const std::string& rememberedFile = {});
 
     /// Makes the suite Hebrew, with its table of texts or without.
     void BeHebrew(bool hasTable);
@@ -41,7 +40,7 @@ public:
     std::string ShowFormGetVal(const std::function<void(DialogDouble&)>& person);
     std::string ShowFormQelName(const std::function<void(DialogDouble&)>& person);
 
-    /// What a cell with that formula shows, as text; calculated by another object on another connection.
+    /// The text of a cell with that formula, calculated by another object on another connection.
     std::string Evaluate(const std::string& formula);
     /// The texts of the boxes shown since the last call.
     std::vector<std::string> TakeMessages();
@@ -63,4 +62,4 @@ public:
     SheetDouble sheet;
 };
 
-} // namespace qel::testing
+} // namespace qel::test

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::string_view noBreakSpace = "\u00A0";
 
-/// Formulas carry a double quote in an OBS member as a no-break space.
+/// In an OBS member, formulas write a double quote as a no-break space.
 std::string QuotesCarried(const std::string& member) {
     std::string carried;
     for (const char character : member) {
@@ -32,11 +32,11 @@ Variant OneKey(std::string key) { return Variant::List({Variant(std::move(key))}
 
 FormulaCell::FormulaCell(std::string cubeFile, std::uint64_t variety)
     : cubeFile_(std::move(cubeFile)), variety_(variety), embedded_(std::make_unique<EmbeddedDataAccess>()),
-      function_(FunctionContext{thread_, *embedded_, locale_}) {}
+      function_({thread_, *embedded_, locale_}) {}
 
-FormulaCell::FormulaCell(std::string cubeFile, std::uint64_t variety, DataAccess& dataAccess)
-    : cubeFile_(std::move(cubeFile)), variety_(variety),
-      function_(FunctionContext{thread_, dataAccess, locale_}) {}
+FormulaCell::FormulaCell(std::string cubeFile, std::uint64_t variety, Providers providers)
+    : cubeFile_(std::move(cubeFile)), variety_(variety), function_({thread_, std::move(providers), locale_}) {
+}
 
 std::string FormulaCell::Unrestricted() {
     static constexpr std::array<const char*, 4> ways{"All", "all", " ALL ", ""};
@@ -52,7 +52,7 @@ std::string FormulaCell::Text(const std::string& member) {
 
 Variant FormulaCell::Key(const std::string& member) {
     if (member.empty()) {
-        // A text that is no array or range is no key at all.
+        // A plain text, neither array nor range, is not a key.
         return variety_.Below(2) == 0 ? Variant("All") : OneKey(Unrestricted());
     }
     double number = 0;
@@ -67,20 +67,32 @@ Variant FormulaCell::NumberKey(const std::string& obsNumber) {
     return obsNumber.empty() ? OneKey(std::string(1, '\0')) : Key(obsNumber);
 }
 
-double FormulaCell::Value(const Selection& selection) {
-    std::string cubeName = selection.cube == LedgerCube::Months ? "LedgerFNC" : "LedgerHebrewFNC";
+ValueCall FormulaCell::CallOf(const Selection& selection) {
+    ValueCall call;
+    call.cubeFile = cubeFile_;
+    call.CubeName = selection.cube == LedgerCube::Months ? "LedgerFNC" : "LedgerHebrewFNC";
     // Blanks around "All" would make the summary level a level's name.
-    std::string summaryLevel = selection.summaryLevel.empty() ? "All" : selection.summaryLevel;
-    std::string summaryMember = Text(selection.summaryMember), accounts = Text(selection.account),
-                measure = Text(selection.measure), moneySet = Text(selection.moneySet),
-                plbs = Text(selection.plbs), rh = Text(selection.rh), firm = Text(selection.firm),
-                openingBalance = Text(selection.openingBalance), cubeFile = cubeFile_;
-    const Variant result =
-        function_.QeLF1(cubeFile, cubeName, OneKey(selection.obsName), NumberKey(selection.obsNumber),
-                        OneKey(selection.obsLevel.empty() ? "All" : selection.obsLevel),
-                        OneKey(QuotesCarried(selection.obsMember)), Key(selection.activity), summaryLevel,
-                        summaryMember, accounts, measure, moneySet, plbs, rh, firm, openingBalance,
-                        DateOrNone(selection.from), DateOrNone(selection.to));
+    call.Summary_Group = selection.summaryLevel.empty() ? "All" : selection.summaryLevel;
+    call.Seif_level = Text(selection.summaryMember);
+    call.Accounts = Text(selection.account);
+    call.Measure = Text(selection.measure);
+    call.MoneySet = Text(selection.moneySet);
+    call.Plbs = Text(selection.plbs);
+    call.RH = Text(selection.rh);
+    call.Firma = Text(selection.firm);
+    call.Opening_Balance = Text(selection.openingBalance);
+    call.ActivityList = Key(selection.activity);
+    call.ObsMember = OneKey(QuotesCarried(selection.obsMember));
+    call.ObsLevel = OneKey(selection.obsLevel.empty() ? "All" : selection.obsLevel);
+    call.ObsNum = NumberKey(selection.obsNumber);
+    call.ObsName = OneKey(selection.obsName);
+    call.From_Date = DateOrNone(selection.from);
+    call.To_Date = DateOrNone(selection.to);
+    return call;
+}
+
+double FormulaCell::Value(const Selection& selection) {
+    const Variant result = function_.QeLF1(CallOf(selection)).value;
     if (result.Is<double>()) {
         return result.As<double>();
     }

@@ -18,7 +18,7 @@ void OnField(void* field, std::size_t length, void* row) {
     static_cast<Row*>(row)->emplace_back(static_cast<const char*>(field), length);
 }
 
-/// Calls `visit` with every row, the header first.
+/// Calls visit(row) for every row, the header first.
 void ReadCsv(const std::filesystem::path& path, const std::function<void(const Row&)>& visit) {
     struct State {
         Row row;
@@ -50,7 +50,7 @@ void ReadCsv(const std::filesystem::path& path, const std::function<void(const R
     }
 }
 
-/// "-12.5" with three decimals is -12500.
+/// Converts "-12.5" with three decimals to -12500.
 std::int64_t Scaled(const std::string& text, std::size_t decimals) {
     std::string digits;
     std::optional<std::size_t> point;

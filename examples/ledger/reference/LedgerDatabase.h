@@ -6,9 +6,9 @@
 
 namespace qel::ledger {
 
-/// Reads a ledger's CSV files into an SQLite database: a table for each file, named as the file, columns
-/// named as in its header, texts as they stand. In `ledger` the amount is in cents and the quantity in
-/// thousandths. Raises std::runtime_error naming the file when one cannot be read.
+/// Loads a ledger's CSV files into an SQLite database: one table per file, named after it, with the columns
+/// of its header and texts unchanged. In `ledger` the amount is in cents and the quantity in thousandths.
+/// Raises std::runtime_error naming a file that cannot be read.
 void LoadLedger(const std::filesystem::path& folder, SqlDatabase& database);
 
 } // namespace qel::ledger

@@ -25,10 +25,10 @@ CalendarDay NextMonth(const CalendarDay& day) {
     return day.month == 12 ? CalendarDay{day.year + 1, 1, 1} : CalendarDay{day.year, day.month + 1, 1};
 }
 
-/// "2024-02-99": later than every day of the month and before the next month's.
+/// "2024-02-99", which sorts after every day of the month and before the next month.
 std::string MonthEnd(const CalendarDay& day) { return fmt::format("{:04}-{:02}-99", day.year, day.month); }
 
-/// A condition on the ledger's lines, with the values of its parameters.
+/// A condition on the ledger's lines with its parameter values.
 struct Conditions {
     std::string sql = "1";
     std::vector<std::string> values;

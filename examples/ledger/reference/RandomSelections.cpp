@@ -23,7 +23,7 @@ enum LineColumn : std::size_t {
     money
 };
 
-/// What a shape sets, and the line's column that it sets it to.
+/// What a shape restricts, and the line's column with the value.
 const std::map<SelectionShape, std::pair<std::string Selection::*, LineColumn>> partsOfOneColumn{
     {SelectionShape::Plbs, {&Selection::plbs, plbs}},
     {SelectionShape::Rh, {&Selection::rh, rh}},

@@ -12,7 +12,7 @@
 
 namespace qel::ledger {
 
-/// What a drawn selection restricts besides the OBS structure and the dates.
+/// What a random selection restricts besides the OBS structure and the dates.
 enum class SelectionShape {
     Nothing,
     Plbs,
@@ -29,13 +29,13 @@ enum class SelectionShape {
     SuperSum1,
     SuperSum2,
     SuperSum3,
-    Several,  ///< any of them together
-    Level4,   ///< of ledgers whose OBS tree is that deep
-    ObsNumber ///< only with others: one number of the structure
+    Several,  ///< any combination
+    Level4,   ///< for ledgers with an OBS tree this deep
+    ObsNumber ///< only in combinations: one number of the structure
 };
-inline constexpr std::size_t selectionShapeCount = 16; ///< those of every ledger
+inline constexpr std::size_t selectionShapeCount = 16; ///< the ones that every ledger has
 
-/// How a drawn selection's dates lie.
+/// The kind of period of a random selection.
 enum class DateShape {
     WholeMonths,
     UnevenDays,
@@ -49,21 +49,22 @@ enum class DateShape {
 };
 inline constexpr std::size_t dateShapeCount = 9;
 
-/// Where drawn members come from.
+/// Where random members come from.
 enum class Around {
-    Line,   ///< a line of the ledger: busy members more often, and there is something to sum
-    Members ///< accounts, activities, cost centres, OBS and its numbers each for itself and evenly
+    Line,   ///< a ledger line: frequent members are likelier, and the sum is not empty
+    Members ///< accounts, activities, cost centres, OBS leaves and numbers, independently and uniformly
 };
 
-/// Draws selections, most of them so that they sum something.
+/// Draws random selections, most of which match some lines.
 class RandomSelections {
 public:
     RandomSelections(SqlDatabase& database, std::uint64_t seed);
 
-    /// Around a line. Now and then a member is unknown, or of another line so that nothing may match.
+    /// Draws a selection around a line. Sometimes a member is unknown or taken from another line, so that
+    /// nothing may match.
     Selection Draw(SelectionShape shape, DateShape dates, LedgerCube cube);
-    /// All the parts together; without ObsNumber, all numbers of the structure. The dates stay as they are by
-    /// default.
+    /// Combines the parts. Without ObsNumber, all numbers of the structure are selected. Keeps the default
+    /// dates.
     Selection DrawParts(const std::vector<SelectionShape>& parts, Around around, LedgerCube cube);
 
 private:

@@ -7,22 +7,22 @@
 
 namespace qel::ledger {
 
-/// The two cubes that are built from a ledger.
+/// The two cubes built from a ledger.
 enum class LedgerCube { Months, Days };
 
-/// What a formula asks for. An empty text does not restrict. Members are written as their tables have them.
+/// What a formula selects. An empty text restricts nothing. Members are written as in their tables.
 struct Selection {
     LedgerCube cube = LedgerCube::Months;
     std::string obsName = "OBS", obsNumber = "1"; ///< the name always restricts
-    std::string obsLevel, obsMember; ///< "Cost_Centers" and a code, or "Level1" and so on and a name
+    std::string obsLevel, obsMember; ///< "Cost_Centers" and a code, or "Level1", "Level2", ... and a name
     std::string activity, summaryLevel, summaryMember, account;
     std::string measure = "Amount";
     std::string moneySet, plbs, rh, firm, openingBalance;
-    std::optional<CalendarDay> from; ///< none: the period of `to` alone
+    std::optional<CalendarDay> from; ///< nothing: only the period of `to`
     CalendarDay to;
 };
 
-/// For a test's message: every part that restricts.
+/// Lists the restrictions, for test messages.
 std::string Describe(const Selection& selection);
 
 } // namespace qel::ledger

@@ -10,19 +10,19 @@ struct sqlite3_stmt;
 
 namespace qel::ledger {
 
-/// A prepared statement. Every operation raises std::runtime_error with SQLite's own message.
+/// A prepared statement. Every operation raises std::runtime_error with SQLite's message.
 class SqlStatement {
 public:
     SqlStatement(sqlite3* database, const std::string& sql);
 
-    /// Parameters count from 1. A text is copied.
+    /// Parameters are numbered from 1. Texts are copied.
     void Bind(int parameter, std::string_view text);
     void Bind(int parameter, std::int64_t number);
-    /// True while there is a row.
+    /// Moves to the next row; false when there is none.
     bool Step();
     std::int64_t Number(int column) const;
     std::string Text(int column) const;
-    /// Ready for the next run; the bindings stay.
+    /// Resets the statement; bindings stay.
     void Reset();
 
 private:
@@ -33,14 +33,14 @@ private:
     std::unique_ptr<sqlite3_stmt, Finalize> statement_;
 };
 
-/// An SQLite database, in memory when no file is named.
+/// An SQLite database, in memory when the path is empty.
 class SqlDatabase {
 public:
     explicit SqlDatabase(const std::string& file = ":memory:");
 
     void Run(const std::string& sql);
     SqlStatement Prepare(const std::string& sql) { return {database_.get(), sql}; }
-    /// The first row's first number.
+    /// The number in the first column of the first row.
     std::int64_t Number(const std::string& sql);
     std::string Text(const std::string& sql);
 

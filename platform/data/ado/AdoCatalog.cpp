@@ -7,7 +7,7 @@ namespace qel::windows {
 
 namespace {
 
-/// What every object of a catalog has. Its collections give one of their objects by number or name.
+/// Base of a catalog's objects. Collections are indexed by number or by name.
 template <class Interface>
 class NamedObject : public Interface {
 public:
@@ -49,7 +49,7 @@ public:
     }
 };
 
-/// Asks for its members once: each request may be a query of its own.
+/// Reads the Members collection once, because each access may run a query.
 class AdoLevel : public NamedObject<Level> {
 public:
     explicit AdoLevel(DispatchObject level)

@@ -21,7 +21,7 @@ public:
     std::string DefaultDatabase() const override { return connection_.Text(L"DefaultDatabase"); }
     std::unique_ptr<Recordset> OpenSchema(int schema) override;
 
-    /// The object behind a connection that this provider made. Raises 3709 for any other.
+    /// The COM object of a connection that this provider made. Raises 3709 for any other connection.
     static const DispatchObject& ObjectOf(const std::shared_ptr<Connection>& connection);
 
 private:

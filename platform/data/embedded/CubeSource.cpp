@@ -21,14 +21,6 @@ AutomationError CannotOpen(engine::ErrorKind kind, const std::string& dataSource
 
 } // namespace
 
-bool NamesEmbeddedCube(const std::string& connectionText) {
-    try {
-        return engine::CubeFile::HasSignature(PathFromUtf8(ParseConnectionText(connectionText).dataSource));
-    } catch (const AutomationError&) {
-        return false; // another provider may understand it
-    }
-}
-
 void RequireCubeFile(const std::string& dataSource) {
     using engine::ErrorKind;
     if (IsServerAddress(dataSource)) {

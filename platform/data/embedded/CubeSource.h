@@ -4,10 +4,6 @@
 
 namespace qel {
 
-/// Whether the connection text's data source is a file that the embedded engine wrote. False too for a text
-/// that cannot be read.
-bool NamesEmbeddedCube(const std::string& connectionText);
-
 /// Returns when the data source is a file that the embedded engine wrote; otherwise raises AutomationError
 /// naming the source, what is wrong with it and what can be opened.
 void RequireCubeFile(const std::string& dataSource);

@@ -1,5 +1,6 @@
 #include "platform/data/embedded/EmbeddedCatalog.h"
 
+#include "platform/data/ObjectErrors.h"
 #include "platform/data/embedded/EmbeddedConnection.h"
 #include "platform/data/embedded/EmbeddedDimension.h"
 #include "platform/data/embedded/MeasuresDimension.h"
@@ -23,13 +24,8 @@ public:
     }
 
     std::unique_ptr<Dimension> DimensionAt(std::int32_t index) const override {
-        if (index < 0 || index >= DimensionCount()) {
-            throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-        }
-        if (index == 0) {
-            return MakeMeasuresDimension(cube_);
-        }
-        return MakeLocalDimension(cube_, static_cast<std::size_t>(index) - 1);
+        const auto place = CheckedIndex(index, static_cast<std::size_t>(DimensionCount()));
+        return place == 0 ? MakeMeasuresDimension(cube_) : MakeLocalDimension(cube_, place - 1);
     }
 
     std::unique_ptr<Dimension> DimensionNamed(const std::string& name) const override {
@@ -60,11 +56,9 @@ void EmbeddedCatalog::SetActiveConnection(const std::shared_ptr<Connection>& con
 
 std::unique_ptr<CubeDef> EmbeddedCatalog::CubeAt(std::int32_t index) const {
     if (!cube_) {
-        throw ProviderError(errorInvalidConnection, "The catalog has no active connection.");
+        throw NoActiveConnectionError(embeddedProvider);
     }
-    if (index != 0) {
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-    }
+    CheckedIndex(index, 1);
     return std::make_unique<EmbeddedCubeDef>(cube_);
 }
 

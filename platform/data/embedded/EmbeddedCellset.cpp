@@ -1,73 +1,62 @@
 #include "platform/data/embedded/EmbeddedCellset.h"
 
+#include "platform/data/HeldAnswer.h"
 #include "platform/data/embedded/EmbeddedConnection.h"
 #include "platform/data/embedded/ProviderErrors.h"
+#include "qel/engine/Cellset.h"
 
 namespace qel {
 
 namespace {
 
-void RequireBelow(std::int32_t index, std::size_t count) {
-    if (index < 0 || static_cast<std::size_t>(index) >= count) {
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+class EmbeddedCellset : public Cellset {
+public:
+    void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override {
+        answer_.Open([&] { return EmbeddedConnection::Run(connection, source); });
     }
-}
+
+    void Close() override { answer_.Close(); }
+
+    std::int32_t AxisCount() const override { return static_cast<std::int32_t>(answer_.Get().AxisCount()); }
+
+    std::int32_t PositionCount(std::int32_t axis) const override {
+        const auto& answer = answer_.Get();
+        return static_cast<std::int32_t>(answer.PositionCount(CheckedIndex(axis, answer.AxisCount())));
+    }
+
+    std::int32_t MemberCount(std::int32_t axis, std::int32_t position) const override {
+        CheckedIndex(position, static_cast<std::size_t>(PositionCount(axis)));
+        return static_cast<std::int32_t>(answer_.Get().TupleSize(static_cast<std::size_t>(axis)));
+    }
+
+    CellsetMember MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const override {
+        const auto place = CheckedIndex(index, static_cast<std::size_t>(MemberCount(axis, position)));
+        const auto& member =
+            answer_.Get().MemberAt(static_cast<std::size_t>(axis), static_cast<std::size_t>(position), place);
+        return {member.name, member.uniqueName, member.levelName, member.caption,
+                static_cast<std::int32_t>(member.levelDepth)};
+    }
+
+    Variant Value(const std::vector<std::int32_t>& positions) const override {
+        const auto& answer = answer_.Get();
+        if (positions.size() != answer.AxisCount()) {
+            throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        }
+        std::vector<std::size_t> place;
+        place.reserve(positions.size());
+        for (const auto position : positions) {
+            place.push_back(CheckedIndex(position, answer.PositionCount(place.size())));
+        }
+        const auto& cell = answer.Cell(place);
+        return cell.isEmpty ? Variant(Null{}) : Variant(cell.number);
+    }
+
+private:
+    HeldAnswer<engine::Cellset> answer_{embeddedProvider};
+};
 
 } // namespace
 
-void EmbeddedCellset::Open(const std::string& source, const std::shared_ptr<Connection>& connection) {
-    if (answer_) {
-        throw ProviderError(errorObjectOpen, "Operation is not allowed when the object is open.");
-    }
-    answer_ = EmbeddedConnection::Run(connection, source);
-}
-
-void EmbeddedCellset::Close() {
-    Answer();
-    answer_.reset();
-}
-
-const engine::Cellset& EmbeddedCellset::Answer() const {
-    if (!answer_) {
-        throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
-    }
-    return *answer_;
-}
-
-std::int32_t EmbeddedCellset::AxisCount() const { return static_cast<std::int32_t>(Answer().AxisCount()); }
-
-std::int32_t EmbeddedCellset::PositionCount(std::int32_t axis) const {
-    const auto& answer = Answer();
-    RequireBelow(axis, answer.AxisCount());
-    return static_cast<std::int32_t>(answer.PositionCount(static_cast<std::size_t>(axis)));
-}
-
-std::int32_t EmbeddedCellset::MemberCount(std::int32_t axis, std::int32_t position) const {
-    RequireBelow(position, static_cast<std::size_t>(PositionCount(axis)));
-    return static_cast<std::int32_t>(Answer().TupleSize(static_cast<std::size_t>(axis)));
-}
-
-CellsetMember EmbeddedCellset::MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const {
-    RequireBelow(index, static_cast<std::size_t>(MemberCount(axis, position)));
-    const auto& member = Answer().MemberAt(static_cast<std::size_t>(axis), static_cast<std::size_t>(position),
-                                           static_cast<std::size_t>(index));
-    return {member.name, member.uniqueName, member.levelName, member.caption,
-            static_cast<std::int32_t>(member.levelDepth)};
-}
-
-Variant EmbeddedCellset::Value(const std::vector<std::int32_t>& positions) const {
-    const auto& answer = Answer();
-    if (positions.size() != answer.AxisCount()) {
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-    }
-    std::vector<std::size_t> place;
-    place.reserve(positions.size());
-    for (const auto position : positions) {
-        RequireBelow(position, answer.PositionCount(place.size()));
-        place.push_back(static_cast<std::size_t>(position));
-    }
-    const auto& cell = answer.Cell(place);
-    return cell.isEmpty ? Variant(Null{}) : Variant(cell.number);
-}
+std::unique_ptr<Cellset> MakeEmbeddedCellset() { return std::make_unique<EmbeddedCellset>(); }
 
 } // namespace qel

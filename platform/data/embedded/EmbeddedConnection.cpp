@@ -1,6 +1,7 @@
 #include "platform/data/embedded/EmbeddedConnection.h"
 
 #include "platform/data/ConnectionText.h"
+#include "platform/data/ObjectErrors.h"
 #include "platform/data/embedded/EmbeddedRecordset.h"
 #include "platform/data/embedded/OpenCubeFiles.h"
 #include "platform/data/embedded/ProviderErrors.h"
@@ -12,7 +13,7 @@ namespace qel {
 
 namespace {
 
-/// "MSOLAP" and its versions ("MSOLAP.8") are the provider whose place the embedded engine takes.
+/// The embedded engine stands in for "MSOLAP" and its versions ("MSOLAP.8").
 void RequireProvider(const std::string& provider) {
     constexpr std::string_view expected = "MSOLAP";
     const auto name = std::string_view(provider).substr(0, provider.find('.'));
@@ -54,8 +55,8 @@ std::shared_ptr<const engine::Cube> ChooseCube(const engine::CubeFile& file, con
     });
 }
 
-FlattenedRows CatalogRows(const engine::CubeFile& file) {
-    FlattenedRows table{.fields = {"CATALOG_NAME"}, .rows = {}};
+Rowset CatalogRows(const engine::CubeFile& file) {
+    Rowset table{.fields = {"CATALOG_NAME"}, .rows = {}};
     for (const auto& cube : file.Cubes()) {
         table.rows.push_back({cube.Name()});
     }
@@ -72,7 +73,7 @@ std::shared_ptr<const engine::Cube> OpenCube(OpenCubeFiles& files, const std::st
 void EmbeddedConnection::Open(const std::string& connectionString, const std::string& /*user*/,
                               const std::string& /*password*/, int /*options*/) {
     if (cube_) {
-        throw ProviderError(errorObjectOpen, "Operation is not allowed when the object is open.");
+        throw ObjectOpenError(embeddedProvider);
     }
     const auto text = ParseConnectionText(connectionString);
     auto file = OpenFile(*files_, text);
@@ -84,7 +85,7 @@ void EmbeddedConnection::Open(const std::string& connectionString, const std::st
 
 void EmbeddedConnection::Close() {
     if (!cube_) {
-        throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+        throw ObjectClosedError(embeddedProvider);
     }
     cube_ = nullptr;
     plans_ = nullptr;
@@ -93,12 +94,12 @@ void EmbeddedConnection::Close() {
 
 std::unique_ptr<Recordset> EmbeddedConnection::OpenSchema(int schema) {
     if (!file_) {
-        throw ProviderError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+        throw ObjectClosedError(embeddedProvider);
     }
     if (schema != schemaCatalogs) {
         return Connection::OpenSchema(schema);
     }
-    return std::make_unique<EmbeddedRecordset>(CatalogRows(*file_));
+    return MakeEmbeddedRecordset(CatalogRows(*file_));
 }
 
 std::shared_ptr<const engine::Cube>
@@ -115,9 +116,7 @@ engine::Cellset EmbeddedConnection::Run(const std::shared_ptr<Connection>& conne
 const EmbeddedConnection& EmbeddedConnection::OpenOne(const std::shared_ptr<Connection>& connection) {
     const auto* local = dynamic_cast<const EmbeddedConnection*>(connection.get());
     if (!local || !local->cube_) {
-        throw ProviderError(errorInvalidConnection,
-                            "The connection cannot be used to perform this operation. It is either closed or "
-                            "invalid in this context.");
+        throw InvalidConnectionError(embeddedProvider);
     }
     return *local;
 }

@@ -28,11 +28,11 @@ public:
     std::string DefaultDatabase() const override { return cube_ ? cube_->Name() : ""; }
     std::unique_ptr<Recordset> OpenSchema(int schema) override;
 
-    /// The cube behind a connection that a client handed in. Raises AutomationError (3709) when it is none,
-    /// not open, or another provider's.
+    /// The cube of a client's connection. Raises AutomationError 3709 for a null or closed connection, or one
+    /// of another provider.
     static std::shared_ptr<const engine::Cube> CubeOf(const std::shared_ptr<Connection>& connection);
 
-    /// Runs a statement over the cube behind a connection; errors as above, and those of the statement.
+    /// Runs a statement on the cube of a connection. Raises 3709 as CubeOf does, or the statement's error.
     static engine::Cellset Run(const std::shared_ptr<Connection>& connection, const std::string& statement);
 
 private:
@@ -40,7 +40,7 @@ private:
 
     std::shared_ptr<OpenCubeFiles> files_;
     std::string connectionString_;
-    std::shared_ptr<const engine::CubeFile> file_; ///< none while closed, as the cube
+    std::shared_ptr<const engine::CubeFile> file_; ///< null while closed, like the cube
     std::shared_ptr<const engine::Cube> cube_;
     std::shared_ptr<engine::PlanCache> plans_; ///< of the file
 };

@@ -18,10 +18,8 @@ std::unique_ptr<Catalog> EmbeddedDataAccess::CreateCatalog() {
     return std::make_unique<EmbeddedCatalog>(files_);
 }
 
-std::unique_ptr<Cellset> EmbeddedDataAccess::CreateCellset() { return std::make_unique<EmbeddedCellset>(); }
+std::unique_ptr<Cellset> EmbeddedDataAccess::CreateCellset() { return MakeEmbeddedCellset(); }
 
-std::unique_ptr<Recordset> EmbeddedDataAccess::CreateRecordset() {
-    return std::make_unique<EmbeddedRecordset>();
-}
+std::unique_ptr<Recordset> EmbeddedDataAccess::CreateRecordset() { return MakeEmbeddedRecordset(); }
 
 } // namespace qel

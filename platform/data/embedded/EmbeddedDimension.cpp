@@ -1,5 +1,6 @@
 #include "platform/data/embedded/EmbeddedDimension.h"
 
+#include "platform/data/ObjectErrors.h"
 #include "platform/data/embedded/ProviderErrors.h"
 
 #include <fmt/format.h>
@@ -9,13 +10,6 @@ namespace qel {
 namespace {
 
 using CubePointer = std::shared_ptr<const engine::Cube>;
-
-std::size_t CheckedIndex(std::int32_t index, std::size_t count) {
-    if (index < 0 || static_cast<std::size_t>(index) >= count) {
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-    }
-    return static_cast<std::size_t>(index);
-}
 
 class EmbeddedMember : public Member {
 public:

@@ -7,9 +7,9 @@
 
 namespace qel {
 
-/// A stored dimension of the cube, by its number. It, and everything reached through it, keeps the cube's
+/// A stored dimension of the cube, by its index. It and its hierarchies, levels and members keep the cube's
 /// file open.
-std::unique_ptr<Dimension> MakeLocalDimension(std::shared_ptr<const engine::Cube> cube,
-                                              std::size_t dimension);
+[[nodiscard]] std::unique_ptr<Dimension> MakeLocalDimension(std::shared_ptr<const engine::Cube> cube,
+                                                            std::size_t dimension);
 
 } // namespace qel

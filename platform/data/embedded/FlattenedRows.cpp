@@ -88,12 +88,12 @@ void AppendCells(const engine::Cellset& cellset, std::vector<std::size_t> place,
 
 } // namespace
 
-FlattenedRows Flatten(const engine::Cube& cube, const engine::Cellset& cellset) {
+Rowset Flatten(const engine::Cube& cube, const engine::Cellset& cellset) {
     constexpr std::size_t mostAxes = 2;
     if (cellset.AxisCount() > mostAxes) {
         throw ProviderError(errorNotSupported, "A recordset shows two axes at most, columns and rows.");
     }
-    FlattenedRows table;
+    Rowset table;
     const auto hierarchies = RowHierarchies(cube, cellset);
     for (const auto& hierarchy : hierarchies) {
         table.fields.insert(table.fields.end(), hierarchy.Names().begin(), hierarchy.Names().end());

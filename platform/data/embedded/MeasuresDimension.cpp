@@ -1,5 +1,6 @@
 #include "platform/data/embedded/MeasuresDimension.h"
 
+#include "platform/data/ObjectErrors.h"
 #include "platform/data/embedded/ProviderErrors.h"
 #include "text/CaseFold.h"
 #include "text/Text.h"
@@ -27,7 +28,7 @@ public:
     std::unique_ptr<Member> Parent() const override { return nullptr; }
 
 private:
-    const engine::Measure& Stored() const { return cube_->Facts().Measures()[measure_]; }
+    const engine::Measure& Stored() const { return cube_->Measures()[measure_]; }
 
     CubePointer cube_;
     std::size_t measure_;
@@ -39,14 +40,10 @@ public:
 
     std::string Name() const override { return measuresLevelName; }
     std::string Caption() const override { return measuresLevelName; }
-    std::int32_t MemberCount() const override {
-        return static_cast<std::int32_t>(cube_->Facts().Measures().size());
-    }
+    std::int32_t MemberCount() const override { return static_cast<std::int32_t>(cube_->Measures().size()); }
     std::unique_ptr<Member> MemberAt(std::int32_t index) const override {
-        if (index < 0 || index >= MemberCount()) {
-            throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-        }
-        return std::make_unique<MeasureMember>(cube_, static_cast<std::size_t>(index));
+        const auto place = CheckedIndex(index, cube_->Measures().size());
+        return std::make_unique<MeasureMember>(cube_, place);
     }
 
 private:
@@ -62,9 +59,7 @@ public:
     std::string UniqueName() const override { return fmt::format("[{}]", measuresName); }
     std::int32_t LevelCount() const override { return 1; }
     std::unique_ptr<Level> LevelAt(std::int32_t index) const override {
-        if (index != 0) {
-            throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-        }
+        CheckedIndex(index, 1);
         return std::make_unique<MeasuresLevel>(cube_);
     }
     std::unique_ptr<Level> LevelNamed(const std::string& name) const override {
@@ -87,9 +82,7 @@ public:
     std::string Caption() const override { return measuresName; }
     std::int32_t HierarchyCount() const override { return 1; }
     std::unique_ptr<Hierarchy> HierarchyAt(std::int32_t index) const override {
-        if (index != 0) {
-            throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-        }
+        CheckedIndex(index, 1);
         return std::make_unique<MeasuresHierarchy>(cube_);
     }
 

@@ -9,9 +9,9 @@
 namespace qel {
 
 /// True for "Measures" in any letter case.
-bool IsMeasuresName(std::string_view name);
+[[nodiscard]] bool IsMeasuresName(std::string_view name);
 
 /// The dimension [Measures]: one hierarchy with one level, whose members are the cube's measures.
-std::unique_ptr<Dimension> MakeMeasuresDimension(std::shared_ptr<const engine::Cube> cube);
+[[nodiscard]] std::unique_ptr<Dimension> MakeMeasuresDimension(std::shared_ptr<const engine::Cube> cube);
 
 } // namespace qel

@@ -10,7 +10,7 @@ namespace qel {
 
 namespace {
 
-/// Enough for a workbook that compares a few years' cubes; each keeps its metadata in memory.
+/// Enough for a workbook that compares the cubes of a few years. Each open file keeps its metadata in memory.
 constexpr std::size_t filesKept = 8;
 
 } // namespace
@@ -25,8 +25,8 @@ std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Open(const std::string& p
     }
     RequireCubeFile(path);
     auto file = TranslatingErrors([&] { return engine::CubeFile::Open(PathFromUtf8(path)); });
-    // The identity was taken before the opening: if the file was replaced in between, the next call sees
-    // another identity and opens again.
+    // The identity is read before the file is opened. If the file is replaced in between, the next call sees
+    // another identity and opens it again.
     if (identity) {
         const std::lock_guard lock(mutex_);
         Keep({path, *identity, file, std::make_shared<engine::PlanCache>()});
@@ -42,7 +42,7 @@ OpenCubeFiles::PlansOf(const std::shared_ptr<const engine::CubeFile>& file) {
             return entry.plans;
         }
     }
-    return std::make_shared<engine::PlanCache>(); // so many others were opened that it is forgotten
+    return std::make_shared<engine::PlanCache>(); // evicted from the cache
 }
 
 std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Find(const std::string& path,

@@ -11,13 +11,14 @@
 
 namespace qel {
 
-/// The cube files that were opened last, so that a sheet full of formulas opens its cube once. A file that
-/// was replaced on disk is opened anew; those who hold the old one keep it. Safe for any number of threads.
+/// Caches the cube files opened last, so that a sheet of formulas opens its cube once. A file replaced on
+/// disk is opened again; holders of the old one keep it. Thread-safe.
 class OpenCubeFiles {
 public:
-    /// The open file of that path, relative ones being taken from the current folder. Raises AutomationError.
+    /// The open file of a path. A relative path is resolved against the current folder. Raises
+    /// AutomationError.
     std::shared_ptr<const engine::CubeFile> Open(const std::string& path);
-    /// The plans of statements over this file, shared by all who have it open.
+    /// The plan cache of the file, shared by everyone who has it open.
     std::shared_ptr<engine::PlanCache> PlansOf(const std::shared_ptr<const engine::CubeFile>& file);
 
 private:

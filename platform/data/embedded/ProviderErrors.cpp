@@ -47,7 +47,7 @@ std::int32_t ErrorNumberOf(engine::ErrorKind kind) {
 }
 
 AutomationError ProviderError(std::int32_t number, std::string description) {
-    return {number, std::move(description), "OrmFuncQel4 cube engine"};
+    return {number, std::move(description), embeddedProvider};
 }
 
 AutomationError ProviderError(engine::ErrorKind kind, std::string description) {

@@ -7,22 +7,24 @@
 #include <cstdint>
 #include <string>
 
-// How a failure of the embedded engine, or a wrong use of its adapters, becomes the error that a client of
-// the data-access objects sees.
+// Turns failures of the embedded engine and misuse of its adapters into the errors that clients see.
 
 namespace qel {
 
-/// An error in the name of the embedded engine.
-AutomationError ProviderError(std::int32_t number, std::string description);
-AutomationError ProviderError(engine::ErrorKind kind, std::string description);
+/// The source of the embedded engine's errors.
+inline constexpr const char* embeddedProvider = "OrmFuncQel4 cube engine";
+
+/// An error of the embedded engine.
+[[nodiscard]] AutomationError ProviderError(std::int32_t number, std::string description);
+[[nodiscard]] AutomationError ProviderError(engine::ErrorKind kind, std::string description);
 
 /// The number that clients see for an engine's error; docs/errors.md lists them.
-std::int32_t ErrorNumberOf(engine::ErrorKind kind);
+[[nodiscard]] std::int32_t ErrorNumberOf(engine::ErrorKind kind);
 
 /// The error's text and its kind's number, in the name of the embedded engine.
-AutomationError ToAutomationError(const engine::EngineError& error);
+[[nodiscard]] AutomationError ToAutomationError(const engine::EngineError& error);
 
-/// Runs `work` and returns its result; an EngineError leaves as an AutomationError.
+/// Runs `work` and returns its result. Turns an EngineError into an AutomationError.
 template <class Work>
 auto TranslatingErrors(const Work& work) {
     try {

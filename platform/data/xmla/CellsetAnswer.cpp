@@ -49,7 +49,7 @@ std::string LastNameOf(std::string_view path) {
 
 void CellsetAnswer::StartElement(std::string_view name, const XmlAttributes& attributes) {
     if (inMember_) {
-        return; // its properties, whatever they are called
+        return; // a member property of any name
     }
     if (name == "Axes") {
         inAxes_ = true;
@@ -63,6 +63,9 @@ void CellsetAnswer::StartElement(std::string_view name, const XmlAttributes& att
     } else if (name == "Cell" && !attributes.Of("CellOrdinal").empty()) {
         inCell_ = true;
         ordinal_ = NumberIn<std::uint64_t>(attributes.Of("CellOrdinal"), "a cell's number");
+        if (!ordinals_.insert(ordinal_).second) {
+            repeated_ = ordinal_;
+        }
     } else if (inCell_ && name == "Value") {
         valueType_ = attributes.Of("type");
     }
@@ -122,6 +125,23 @@ void CellsetAnswer::EndInCell(std::string_view name, const std::string& text) {
         cellErrors_[ordinal_] = text.substr(errorText.size());
     } else if (name == "Value" && !cellErrors_.contains(ordinal_)) {
         cells_[ordinal_] = TypedValue(valueType_, text);
+    }
+}
+
+void CellsetAnswer::RequireCellsOnAxes() const {
+    std::uint64_t count = 1;
+    for (const auto& axis : axes_) {
+        count *= axis.size();
+    }
+    for (const std::uint64_t ordinal : ordinals_) {
+        if (ordinal >= count) {
+            throw ServerError(
+                errorServerAnswer,
+                fmt::format("The server sent cell {} of an answer with {} cells.", ordinal, count));
+        }
+    }
+    if (repeated_) {
+        throw ServerError(errorServerAnswer, fmt::format("The server sent cell {} twice.", *repeated_));
     }
 }
 

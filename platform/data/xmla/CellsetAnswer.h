@@ -4,8 +4,10 @@
 #include "platform/data/xmla/XmlStream.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace qel {
@@ -20,8 +22,10 @@ public:
     void EndElement(std::string_view name, const std::string& text) override;
 
     const std::vector<std::vector<CellsetPosition>>& Axes() const { return axes_; }
-    /// The cell of that number, columns varying fastest; Null when it is empty. Raises AutomationError with
-    /// the server's words for a cell that has none because of an error.
+    /// Raises AutomationError for a cell that was sent twice or lies outside of the axes.
+    void RequireCellsOnAxes() const;
+    /// The cell with that ordinal (the columns axis varies fastest); Null when it is empty. Raises
+    /// AutomationError with the server's message when the cell holds an error.
     Variant Cell(std::uint64_t ordinal) const;
 
 private:
@@ -32,14 +36,16 @@ private:
     std::vector<std::vector<CellsetPosition>> axes_;
     std::unordered_map<std::uint64_t, Variant> cells_;
     std::unordered_map<std::uint64_t, std::string> cellErrors_;
-    bool inAxes_ = false;       ///< below Axes, not in their description
-    bool inResultAxis_ = false; ///< not in the slicer's
+    std::unordered_set<std::uint64_t> ordinals_; ///< of all cells that were sent
+    std::optional<std::uint64_t> repeated_;      ///< one that was sent twice
+    bool inAxes_ = false;                        ///< below Axes, not in their description
+    bool inResultAxis_ = false;                  ///< not in the slicer's
     bool inMember_ = false, inCell_ = false;
     std::uint64_t ordinal_ = 0;
     std::string valueType_;
 };
 
-/// The last name of a path: "1]" of "[Date].[2024].[1]]]". Of a path that ends with a key, none.
+/// The last name of a path: "1]" of "[Date].[2024].[1]]]". Empty for a path that ends with a key.
 std::string LastNameOf(std::string_view path);
 
 } // namespace qel

@@ -8,8 +8,7 @@
 
 namespace qel {
 
-/// The kept-alive connections to one server, as many as there are requests at once. Safe for any number of
-/// threads.
+/// A pool of kept-alive connections to one server, one per concurrent request. Thread-safe.
 class ChannelPool {
 public:
     ChannelPool(ServerAddress address, ServerOptions options)
@@ -17,9 +16,9 @@ public:
 
     const ServerAddress& Address() const { return address_; }
     const ServerLimits& Limits() const { return options_.limits; }
-    /// One that nobody else uses.
-    std::unique_ptr<HttpChannel> Take();
-    /// For the next request. One whose request failed is not given back.
+    /// An idle channel, or a new one.
+    [[nodiscard]] std::unique_ptr<HttpChannel> Take();
+    /// Returns a channel for reuse. A channel whose request failed is dropped instead.
     void Return(std::unique_ptr<HttpChannel> channel);
 
 private:

@@ -23,7 +23,7 @@ void StartLibraryOnce() {
     }
 }
 
-/// libcurl's callback while it waits, too; anything but 0 ends the transfer.
+/// libcurl calls this while it waits, too. A result other than 0 ends the transfer.
 int EndWhenStopped(void* isStopped, curl_off_t /*expected*/, curl_off_t /*received*/, curl_off_t /*toSend*/,
                    curl_off_t /*sent*/) {
     return static_cast<const std::atomic<bool>*>(isStopped)->load() ? 1 : 0;
@@ -38,14 +38,14 @@ struct HttpChannel::Handle {
     std::array<char, CURL_ERROR_SIZE> message{};
 };
 
-/// One request's answer while it is received.
+/// The answer to one request while it arrives.
 struct HttpChannel::Transfer {
     CURL* easy = nullptr;
     std::size_t bytesLeft = 0;
     const AnswerSink* take = nullptr;
     std::exception_ptr failure = {};
 
-    /// libcurl's callback; returning another count than it was given ends the transfer.
+    /// libcurl's write callback. Returning another count than the given one ends the transfer.
     static std::size_t Receive(char* data, std::size_t size, std::size_t count, void* self) {
         auto& transfer = *static_cast<Transfer*>(self);
         const std::size_t bytes = size * count;
@@ -65,7 +65,9 @@ struct HttpChannel::Transfer {
             return;
         }
         if (bytes.size() > bytesLeft) {
-            throw ServerError(errorServerAnswer, "The server's answer is larger than is taken.");
+            throw ServerError(
+                errorServerAnswer,
+                "The server's answer is too large; AnswerMegabytes in servers.ini sets the limit.");
         }
         bytesLeft -= bytes.size();
         (*take)(status, bytes);
@@ -89,7 +91,7 @@ HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& opti
     curl_easy_setopt(easy, CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(easy, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(limits_.connect.count()));
     curl_easy_setopt(easy, CURLOPT_TIMEOUT_MS, static_cast<long>(limits_.request.count()));
-    curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, ""); // whatever the library can unpack
+    curl_easy_setopt(easy, CURLOPT_ACCEPT_ENCODING, ""); // every encoding that libcurl can decode
     curl_easy_setopt(easy, CURLOPT_USERAGENT, "OrmFuncQel4");
     curl_easy_setopt(easy, CURLOPT_WRITEFUNCTION, &Transfer::Receive);
     if (isStopped_) {
@@ -123,11 +125,11 @@ HttpHead HttpChannel::Post(const std::string& body, const std::string& action, c
 HttpHead HttpChannel::PostOnce(const std::string& url, const std::string& body, const std::string& action,
                                const AnswerSink& take) {
     if (isStopped_ && *isStopped_) {
-        throw ServerError(errorServerUnreachable, fmt::format("{} is not asked any more.", url));
+        throw ServerError(errorServerUnreachable, fmt::format("The request to {} was cancelled.", url));
     }
     CURL* easy = handle_->easy.get();
     std::unique_ptr<curl_slist, FreeList> headers;
-    // The last one: no waiting for the server's leave to send a large statement.
+    // An empty "Expect" header: do not wait for "100 Continue" before sending a large statement.
     for (const auto& header : {std::string("Content-Type: text/xml; charset=utf-8"),
                                fmt::format("SOAPAction: \"{}\"", action), std::string("Expect:")}) {
         headers.reset(curl_slist_append(headers.release(), header.c_str()));
@@ -187,9 +189,9 @@ void HttpChannel::Fail(int code, const std::string& url) const {
     case CURLE_PARTIAL_FILE:
     case CURLE_BAD_CONTENT_ENCODING:
     case CURLE_WEIRD_SERVER_REPLY:
-    case CURLE_UNSUPPORTED_PROTOCOL: // "HTTP/0.9": the server speaks something else
+    case CURLE_UNSUPPORTED_PROTOCOL: // "HTTP/0.9": the server does not speak HTTP
         throw ServerError(errorServerAnswer,
-                          fmt::format("{} answered what cannot be read: {}.", url, reason));
+                          fmt::format("{} sent an answer that cannot be read: {}.", url, reason));
     default:
         throw ServerError(errorServerUnreachable, fmt::format("{} cannot be reached: {}.", url, reason));
     }

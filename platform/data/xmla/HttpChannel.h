@@ -9,13 +9,13 @@
 
 namespace qel {
 
-/// What an answer's head says.
+/// Status and content type of an answer.
 struct HttpHead {
     long status = 0;
     std::string contentType; ///< may be empty
 };
 
-/// Takes an answer's body as it comes, with the answer's status.
+/// Receives an answer's body piece by piece, with the answer's status.
 using AnswerSink = std::function<void(long status, std::string_view piece)>;
 
 /// One kept-alive connection to a server. Belongs to one thread at a time.
@@ -26,15 +26,15 @@ public:
     HttpChannel(const HttpChannel&) = delete;
     HttpChannel& operator=(const HttpChannel&) = delete;
 
-    /// Sends a SOAP request and hands the answer's body to `take` as it comes; what `take` raises ends the
-    /// request and is passed on. Raises AutomationError when no whole answer comes in time. The status is not
-    /// judged, redirections aside.
+    /// Sends a SOAP request and passes the answer's body to `take` as it arrives. What `take` raises ends the
+    /// request and is passed on. Raises AutomationError when no complete answer arrives in time. Statuses
+    /// other than redirections are left to the caller.
     HttpHead Post(const std::string& body, const std::string& action, const AnswerSink& take);
 
 private:
     struct Transfer;
 
-    /// Where the server says to ask instead. Raises AutomationError for another host.
+    /// The target of a redirection. Raises AutomationError when it is another host.
     std::string Redirection() const;
     HttpHead PostOnce(const std::string& url, const std::string& body, const std::string& action,
                       const AnswerSink& take);

@@ -94,4 +94,11 @@ std::string RowsetAnswer::Text(std::size_t row, const std::string& field) const 
     return value.Is<std::string>() ? value.As<std::string>() : std::string();
 }
 
+Rowset RowsetAnswer::TakeRowset() {
+    for (auto& row : rows_) {
+        row.resize(fields_.size(), Null{});
+    }
+    return {.fields = std::move(fields_), .rows = std::move(rows_)};
+}
+
 } // namespace qel

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/data/Rowset.h"
 #include "platform/data/xmla/XmlStream.h"
 #include "platform/value/Variant.h"
 
@@ -9,8 +10,8 @@
 
 namespace qel {
 
-/// A value as the schema type of its element says ("xsd:double", "xsd:string"; numbers come as Double).
-/// Raises AutomationError for a number that is none.
+/// A value by the schema type of its element ("xsd:double", "xsd:string"); every number is a Double. Raises
+/// AutomationError for a malformed number.
 Variant TypedValue(std::string_view type, const std::string& text);
 
 /// The rows of a Discover, or of an Execute whose answer is tabular.
@@ -19,14 +20,15 @@ public:
     void StartElement(std::string_view name, const XmlAttributes& attributes) override;
     void EndElement(std::string_view name, const std::string& text) override;
 
-    /// Those that the answer's schema names, in its order; without a schema, in the order in which they were
-    /// met.
+    /// In the order of the answer's schema; without a schema, in order of appearance.
     const std::vector<std::string>& Fields() const { return fields_; }
     std::size_t RowCount() const { return rows_.size(); }
     /// Null when the row has no such field.
     Variant Value(std::size_t row, std::size_t field) const;
     /// The text of a row's field, empty when there is none.
     std::string Text(std::size_t row, const std::string& field) const;
+    /// Fields that a row lacks are Null. Leaves the answer empty.
+    [[nodiscard]] Rowset TakeRowset();
 
 private:
     std::size_t FieldOfElement(std::string_view element);

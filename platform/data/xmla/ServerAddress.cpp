@@ -17,7 +17,7 @@ struct FreeText {
     void operator()(char* text) const { curl_free(text); }
 };
 
-/// One part of an address; empty when it has none.
+/// One part of an address; empty when it is missing.
 std::string Part(CURLU* url, CURLUPart part, unsigned int flags = 0) {
     char* text = nullptr;
     if (curl_url_get(url, part, &text, flags) != CURLUE_OK) {
@@ -32,7 +32,7 @@ std::string Part(CURLU* url, CURLUPart part, unsigned int flags = 0) {
 ServerAddress ParseServerAddress(const std::string& address) {
     const std::unique_ptr<CURLU, FreeUrl> url(curl_url());
     const CURLUcode failed = curl_url_set(url.get(), CURLUPART_URL, address.c_str(), 0);
-    if (failed != CURLUE_OK) { // the address is not repeated: a password may stand in it
+    if (failed != CURLUE_OK) { // the message omits the address, which may hold a password
         throw ServerError(errorBadConnectionText, std::string("The server's address cannot be read: ") +
                                                       curl_url_strerror(failed) + ".");
     }

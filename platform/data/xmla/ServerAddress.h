@@ -10,17 +10,15 @@ struct Credentials {
     bool operator==(const Credentials&) const = default;
 };
 
-/// Where a server answers. Credentials that stood in the address are apart from it, so that the rest can be
-/// shown.
+/// A server's address. Credentials are kept apart from the URL, so that messages can show the URL.
 struct ServerAddress {
     std::string url;  ///< without user and password
     std::string host; ///< lower case
     Credentials credentials;
 };
 
-/// Reads "http[s]://[user[:password]@]host[:port]/path"; characters of user and password that an address
-/// cannot hold stand as "%40" and the like. Raises AutomationError (bad connection text), without the
-/// password in it.
+/// Parses "http[s]://[user[:password]@]host[:port]/path"; user and password are percent-encoded ("%40").
+/// Raises AutomationError (bad connection text) whose description omits the password.
 ServerAddress ParseServerAddress(const std::string& address);
 
 } // namespace qel

@@ -35,12 +35,12 @@ struct ServerDimension {
     std::vector<ServerHierarchy> hierarchies; ///< the default one first
 };
 
-/// What a server tells of one cube, its members aside.
+/// A cube's metadata as the server describes it, without members.
 struct ServerCube {
     std::string name, caption;
     std::vector<ServerDimension> dimensions;
 
-    /// By unique name, any letter case; none when there is none. "[a].[a]" is found as "[a]", too.
+    /// By unique name, letter case ignored; null when missing. "[a]" also finds "[a].[a]".
     const ServerHierarchy* FindHierarchy(const std::string& uniqueName) const;
 };
 

@@ -3,7 +3,7 @@
 namespace qel {
 
 AutomationError ServerError(std::int32_t number, std::string description) {
-    return {number, std::move(description), "OrmFuncQel4 server cubes"};
+    return {number, std::move(description), serverProvider};
 }
 
 bool IsLostServer(const AutomationError& error) {

@@ -9,20 +9,24 @@ namespace qel {
 
 // Numbers of the errors of server cubes, after those of the embedded engine.
 
-/// No connection, a host that is not found, a failed TLS handshake, a connection that was lost.
+/// Connection refused or lost, host not found, failed TLS handshake.
 inline constexpr std::int32_t errorServerUnreachable = static_cast<std::int32_t>(0x80040E80);
 inline constexpr std::int32_t errorServerTimeout = static_cast<std::int32_t>(0x80040E81);
-/// The server wants other credentials, or denies the access that they give.
+/// The server rejects the credentials, or denies access.
 inline constexpr std::int32_t errorServerAccess = static_cast<std::int32_t>(0x80040E82);
-/// An HTTP status, a redirection elsewhere, or an answer that is not XMLA, not whole or beyond the limits.
+/// An HTTP error status, a redirection to another host, or an answer that is not XMLA, is incomplete or
+/// exceeds the limits.
 inline constexpr std::int32_t errorServerAnswer = static_cast<std::int32_t>(0x80040E83);
-/// The server refused the request in its own words.
+/// A SOAP fault: the server refused the request with a message.
 inline constexpr std::int32_t errorServerFault = static_cast<std::int32_t>(0x80040E84);
 
-/// An error in the name of the adapter.
-AutomationError ServerError(std::int32_t number, std::string description);
+/// The source of the errors of server cubes.
+inline constexpr const char* serverProvider = "OrmFuncQel4 server cubes";
 
-/// True when the error says nothing about the request, so that the connection is opened afresh.
-bool IsLostServer(const AutomationError& error);
+/// An error of a server's cube.
+[[nodiscard]] AutomationError ServerError(std::int32_t number, std::string description);
+
+/// True when the error concerns the connection, not the request: the connection is opened again.
+[[nodiscard]] bool IsLostServer(const AutomationError& error);
 
 } // namespace qel

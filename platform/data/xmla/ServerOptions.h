@@ -11,7 +11,7 @@
 
 namespace qel {
 
-/// How long the adapter waits and how much it takes.
+/// Time and size limits of requests.
 struct ServerLimits {
     std::chrono::milliseconds connect{10'000};
     std::chrono::milliseconds request{120'000};        ///< from the first byte sent to the last one received
@@ -22,10 +22,10 @@ struct ServerLimits {
 
 struct ServerOptions {
     ServerLimits limits;
-    /// The credentials kept for a host; empty ones when there are none. Asked when the address has none; when
-    /// this has none either, the user's netrc file is looked up.
+    /// The stored credentials of a host, or empty ones. Used when the address has none; when both are empty,
+    /// the user's netrc file is read.
     std::function<Credentials(const std::string& host)> credentials;
-    /// Once true, requests end at once as over a lost connection. May be none.
+    /// Optional. Once true, pending requests fail as if the connection were lost.
     std::shared_ptr<const std::atomic<bool>> isStopped;
 };
 

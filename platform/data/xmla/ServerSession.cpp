@@ -17,18 +17,18 @@ namespace {
 
 constexpr long statusOk = 200;
 
-/// Mondrian forgets a server instance now and then when its memory is collected; asked again, it answers.
+/// Mondrian sometimes loses a server instance to garbage collection; a second request succeeds.
 constexpr std::string_view forgottenInstance = "No server instance";
 
 AutomationError StatusError(const HttpHead& head, const std::string& url) {
     switch (head.status) {
     case 401:
         return ServerError(errorServerAccess,
-                           fmt::format("{} wants a user and a password, or others than were sent "
+                           fmt::format("{} requires a user and a password, or rejects those that were sent "
                                        "(HTTP status 401).",
                                        url));
     case 403:
-        return ServerError(errorServerAccess, fmt::format("{} denies the access (HTTP status 403).", url));
+        return ServerError(errorServerAccess, fmt::format("{} denies access (HTTP status 403).", url));
     case 404:
         return ServerError(
             errorServerAnswer,
@@ -48,7 +48,7 @@ int NumberOf(const RowsetAnswer& rows, std::size_t row, const char* field) {
     return number;
 }
 
-/// The numbers of the rows, ordered by a field that holds a number.
+/// Row indexes, ordered by a numeric field.
 std::vector<std::size_t> RowsBy(const RowsetAnswer& rows, const char* field) {
     std::vector<std::size_t> order(rows.RowCount());
     for (std::size_t i = 0; i < order.size(); ++i) {
@@ -111,7 +111,7 @@ void ServerSession::AskOnce(const std::string& body, const char* action, XmlHand
                 if (status == statusOk) {
                     throw;
                 }
-                isReadable = false; // what a failing status comes with need not be XML
+                isReadable = false; // the body of an error status need not be XML
             }
         });
         if (head.status == statusOk) {
@@ -155,8 +155,8 @@ void ServerSession::RequireCatalog() {
                                     [this](const auto& name) { return EqualIgnoringCase(name, catalog_); });
     if (found == names.end()) {
         throw ServerError(errorUnknownCube,
-                          fmt::format("{} has no catalog '{}'; it has {}. A catalog is named as its "
-                                      "cube, which formulas name.",
+                          fmt::format("{} has no catalog '{}'; it has {}. Formulas give a catalog's "
+                                      "name as the cube's name.",
                                       Url(), catalog_, Listed(names)));
     }
     catalog_ = *found;
@@ -166,7 +166,7 @@ std::vector<std::string> ServerSession::CubeNames() {
     const auto rows = Discover("MDSCHEMA_CUBES", {{"CATALOG_NAME", catalog_}});
     std::vector<std::string> names;
     for (std::size_t row = 0; row < rows.RowCount(); ++row) {
-        // Analysis Services lists every dimension as a cube of its own, too.
+        // Analysis Services also lists every dimension as a cube.
         const std::string name = rows.Text(row, "CUBE_NAME");
         if (!name.starts_with("$")) {
             names.push_back(name);
@@ -270,11 +270,18 @@ RowsetAnswer ServerSession::Discover(const std::string& requestType, const XmlaP
 }
 
 CellsetAnswer ServerSession::Execute(const std::string& statement) {
-    return Ask<CellsetAnswer>(ComposeExecute(ForServer(statement), {{"Catalog", catalog_},
-                                                                    {"Format", "Multidimensional"},
-                                                                    {"AxisFormat", "TupleFormat"},
-                                                                    {"Content", "Data"}}),
-                              executeAction);
+    auto answer = Ask<CellsetAnswer>(ComposeExecute(ForServer(statement), {{"Catalog", catalog_},
+                                                                           {"Format", "Multidimensional"},
+                                                                           {"AxisFormat", "TupleFormat"},
+                                                                           {"Content", "Data"}}),
+                                     executeAction);
+    try {
+        answer.RequireCellsOnAxes();
+    } catch (const AutomationError&) {
+        isLost_ = true; // as after any other improper answer
+        throw;
+    }
+    return answer;
 }
 
 RowsetAnswer ServerSession::ExecuteTabular(const std::string& statement) {
@@ -285,7 +292,7 @@ RowsetAnswer ServerSession::ExecuteTabular(const std::string& statement) {
 }
 
 std::string ServerSession::ForServer(const std::string& statement) {
-    // A server may answer nothing at all, which would look like a listing without rows.
+    // A server may answer an empty statement with nothing, which would look like a listing without rows.
     if (statement.find_first_not_of(" \t\r\n") == std::string::npos) {
         throw ServerError(errorNoStatement, "The statement is empty.");
     }

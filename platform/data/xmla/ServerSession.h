@@ -19,39 +19,39 @@
 
 namespace qel {
 
-/// One catalog of a server: requests, and what was read of its cube so far. Everything that names the same
-/// connection text shares one, so that a server's metadata is read once. Safe for any number of threads.
+/// One catalog of a server: sends requests and caches the cube's metadata. Equal connection texts share a
+/// session, so that metadata is read once. Thread-safe.
 class ServerSession {
 public:
-    /// Told how a request failed to which no proper answer came, and how long that took.
+    /// Called with the failure of a request that got no proper answer, and with its duration.
     using LossListener =
         std::function<void(const AutomationError& error, std::chrono::steady_clock::duration taken)>;
 
-    /// Asks nothing yet. `catalog` may be empty.
+    /// Sends no request yet. `catalog` may be empty.
     ServerSession(ServerAddress address, const ServerOptions& options, std::string catalog,
                   LossListener onLoss = {})
         : channels_(std::move(address), options), catalog_(std::move(catalog)), onLoss_(std::move(onLoss)) {}
 
     const std::string& Url() const { return channels_.Address().url; }
-    /// In the server's letters once RequireCatalog has found it.
+    /// Spelled as the server spells it once RequireCatalog has found it.
     const std::string& CatalogName() const { return catalog_; }
-    /// True after a request to which no proper answer came: the next user opens a session afresh.
+    /// True after a request that got no proper answer. The next user opens a new session.
     bool IsLost() const { return isLost_; }
 
     /// The catalogs that the server lists.
     std::vector<std::string> Catalogs();
-    /// Raises AutomationError naming the server's catalogs when it has none of the name; with an empty name,
-    /// only makes sure that the server answers.
+    /// Raises AutomationError, listing the server's catalogs, when the catalog is missing. With an empty name
+    /// it only checks that the server answers.
     void RequireCatalog();
-    /// The names of the catalog's cubes; first the one that is named as the catalog.
+    /// The names of the catalog's cubes; the one named like the catalog comes first.
     std::vector<std::string> CubeNames();
-    /// The first of them. Raises AutomationError when there is none.
+    /// The first cube. Raises AutomationError when the catalog has none.
     const ServerCube& Cube();
-    /// The members of one of the cube's levels, read when they are asked for first.
+    /// The members of a level, read on first use.
     const ServerMembers& MembersOf(const ServerLevel& level);
 
     RowsetAnswer Discover(const std::string& requestType, const XmlaPairs& restrictions);
-    /// The statement's text is changed as StatementForServer.h says.
+    /// The statement is adapted first, see StatementForServer.h.
     CellsetAnswer Execute(const std::string& statement);
     RowsetAnswer ExecuteTabular(const std::string& statement);
 
@@ -69,7 +69,8 @@ private:
     std::string catalog_;
     LossListener onLoss_;
     std::atomic<bool> isLost_ = false;
-    std::recursive_mutex metadata_; ///< guards the two below; held while they are read from the server
+    std::recursive_mutex
+        metadata_; ///< guards the two members below, also while they are read from the server
     std::optional<ServerCube> cube_;
     std::map<std::string, ServerMembers> members_; ///< by the level's unique name
 };

@@ -10,16 +10,15 @@
 
 namespace qel {
 
-/// The sessions that are in use, by connection text. Safe for any number of threads.
+/// The sessions in use, by connection text. Thread-safe.
 class ServerSessions : public std::enable_shared_from_this<ServerSessions> {
 public:
     explicit ServerSessions(ServerOptions options) : options_(std::move(options)) {}
 
-    /// The one of that text, or a new one whose catalog the server is known to have. Raises AutomationError
-    /// for a text, server or catalog that cannot be opened. A failure that took long is told again without
-    /// waiting, for as long as it took: thousands of formulas over a silent server must not wait one after
-    /// the other.
-    std::shared_ptr<ServerSession> Open(const std::string& connectionString);
+    /// The session of a connection text, or a new one whose catalog was found on the server. Raises
+    /// AutomationError for a text, server or catalog that cannot be opened. A slow failure is cached for as
+    /// long as it took, so that thousands of formulas over a silent server do not wait one after the other.
+    [[nodiscard]] std::shared_ptr<ServerSession> Open(const std::string& connectionString);
 
 private:
     struct SlowFailure {
@@ -32,7 +31,7 @@ private:
                   std::chrono::steady_clock::duration taken);
 
     ServerOptions options_;
-    std::mutex mutex_; ///< guards the two below
+    std::mutex mutex_; ///< guards the two members below
     std::map<std::string, std::weak_ptr<ServerSession>> inUse_;
     std::map<std::string, SlowFailure> slowFailures_;
 };

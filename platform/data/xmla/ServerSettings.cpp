@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* limitsSection = "Limits";
 
-/// The entry's number; none when there is no entry.
+/// The entry's number; nullopt when the entry is missing.
 std::optional<std::uint32_t> LimitIn(const IniFile& settings, const std::filesystem::path& path,
                                      const char* key) {
     const auto text = settings.Get(limitsSection, key);
@@ -27,7 +27,7 @@ std::optional<std::uint32_t> LimitIn(const IniFile& settings, const std::filesys
     const auto [end, failed] = std::from_chars(text->data(), text->data() + text->size(), number);
     if (failed != std::errc() || end != text->data() + text->size() || number == 0 || number > most) {
         throw AutomationError(ErrorNumber::InvalidProcedureCall,
-                              fmt::format("{}: {} in [{}] is '{}', which is no whole number from 1 to {}.",
+                              fmt::format("{}: {} in [{}] is '{}', which is not a whole number from 1 to {}.",
                                           path.string(), key, limitsSection, *text, most));
     }
     return number;

@@ -7,13 +7,13 @@
 
 namespace qel {
 
-/// "servers.ini" in the user's configuration folder; none when that folder is not known.
+/// "servers.ini" in the user's configuration folder; nullopt when that folder is unknown.
 std::optional<std::filesystem::path> ServerSettingsFile();
 
-/// The limits that the file's section [Limits] sets, and the credentials of its sections named as hosts. A
-/// missing file sets nothing. Limits are read now; raises AutomationError for a value that is no positive
-/// whole number. Credentials are read when they are asked for; a password in a file that others may read
-/// raises AutomationError.
+/// The limits of the file's section [Limits], and the credentials of the sections named after hosts. A
+/// missing file sets nothing. Limits are read at once; a value that is not a positive whole number raises
+/// AutomationError. Credentials are read on use; a password in a file that others can read raises
+/// AutomationError.
 ServerOptions ReadServerOptions(const std::optional<std::filesystem::path>& file);
 
 } // namespace qel

@@ -8,13 +8,14 @@ namespace qel {
 
 void SoapAnswer::StartElement(std::string_view name, const XmlAttributes& attributes) {
     if (++depth_ == 1 && name != "Envelope") {
-        throw ServerError(errorServerAnswer,
-                          fmt::format("The server's answer is no XMLA answer: it begins with <{}>.", name));
+        throw ServerError(
+            errorServerAnswer,
+            fmt::format("The server's answer is not an XMLA answer: it begins with <{}>.", name));
     }
     if (faultDepth_ == 0 && name == "Fault") {
         faultDepth_ = depth_;
     }
-    // Analysis Services tells errors in answers that are not faults, too.
+    // Analysis Services also reports errors in answers that are not SOAP faults.
     else if (faultDepth_ == 0 && name == "Error" && !attributes.Of("Description").empty()) {
         AddToFault(attributes.Of("Description"));
     } else if (faultDepth_ == 0) {
@@ -30,7 +31,7 @@ void SoapAnswer::EndElement(std::string_view name, const std::string& text) {
     }
     if (faultDepth_ == depth_) {
         faultDepth_ = 0;
-        AddToFault(fault_.empty() ? "The server reported a fault without saying which." : "");
+        AddToFault(fault_.empty() ? "The server reported a fault without a message." : "");
     }
     isComplete_ = --depth_ == 0;
 }

@@ -6,7 +6,7 @@
 
 namespace qel {
 
-/// The envelope around an answer: passes what is inside on to `content`, and keeps a fault's words.
+/// The SOAP envelope of an answer: passes its body on to `content` and keeps the message of a fault.
 class SoapAnswer : public XmlHandler {
 public:
     explicit SoapAnswer(XmlHandler& content) : content_(content) {}
@@ -14,9 +14,9 @@ public:
     void StartElement(std::string_view name, const XmlAttributes& attributes) override;
     void EndElement(std::string_view name, const std::string& text) override;
 
-    /// The server's words for what is wrong; empty when it answered.
+    /// The server's error message; empty for a regular answer.
     const std::string& Fault() const { return fault_; }
-    /// True when the whole of an envelope was read.
+    /// True when a complete envelope was read.
     bool IsComplete() const { return isComplete_; }
 
 private:

@@ -6,7 +6,7 @@ namespace qel {
 
 namespace {
 
-/// Where a bracketed name or a text in double quotes that begins at `start` ends.
+/// The end of the bracketed name or double-quoted text that begins at `start`.
 std::size_t EndOfQuoted(std::string_view text, std::size_t start) {
     const char closing = text[start] == '[' ? ']' : '"';
     for (std::size_t i = start + 1; i < text.size(); ++i) {
@@ -39,11 +39,11 @@ std::string UnquotedName(std::string_view bracketed) {
     return name;
 }
 
-/// A run of bracketed names with points between them.
+/// A path of bracketed names, separated by dots.
 struct BracketedPath {
     std::vector<std::string_view> steps;
     std::size_t end = 0;
-    bool goesOn = false; ///< a point follows, with something else than a bracketed name behind it
+    bool goesOn = false; ///< a dot follows, and then something other than a bracketed name
 };
 
 BracketedPath ReadPath(std::string_view text, std::size_t start) {
@@ -63,7 +63,7 @@ BracketedPath ReadPath(std::string_view text, std::size_t start) {
 
 std::string WithoutEmptyElements(std::string_view statement) {
     std::string text;
-    bool isFirstOfSet = false; // nothing but blanks since the set was opened
+    bool isFirstOfSet = false; // only blanks since the opening brace
     for (std::size_t i = 0; i < statement.size(); ++i) {
         const char character = statement[i];
         if (OpensQuoted(character)) {

@@ -33,11 +33,11 @@ struct XmlStream::Parser {
         XML_SetStartDoctypeDeclHandler(expat.get(), &OnDocumentType);
     }
 
-    /// Runs what a callback does; an exception must not pass through the C library.
+    /// Runs a callback's work and keeps its exception, which must not pass through the C library.
     template <class Work>
     static void Guarded(void* self, const Work& work) {
         auto& parser = *static_cast<Parser*>(self);
-        if (parser.failure) { // the library may still deliver what it has read
+        if (parser.failure) { // the parser may still deliver buffered events
             return;
         }
         try {
@@ -83,7 +83,7 @@ struct XmlStream::Parser {
                                const char* /*publicId*/, int /*hasSubset*/) {
         Guarded(self, [](Parser&) {
             throw ServerError(errorServerAnswer,
-                              "The server's answer is no XMLA answer: it declares a document type.");
+                              "The server's answer is not an XMLA answer: it declares a document type.");
         });
     }
 
@@ -98,7 +98,7 @@ struct XmlStream::Parser {
         if (isLast) {
             throw ServerError(errorServerAnswer, "The server's answer ended before it was complete.");
         }
-        throw ServerError(errorServerAnswer, fmt::format("The server's answer is no XML: {} in line {}.",
+        throw ServerError(errorServerAnswer, fmt::format("The server's answer is not XML: {} in line {}.",
                                                          XML_ErrorString(XML_GetErrorCode(expat.get())),
                                                          XML_GetCurrentLineNumber(expat.get())));
     }

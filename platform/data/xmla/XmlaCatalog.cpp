@@ -1,6 +1,6 @@
 #include "platform/data/xmla/XmlaCatalog.h"
 
-#include "platform/data/DataAccessErrors.h"
+#include "platform/data/ObjectErrors.h"
 #include "platform/data/xmla/ServerErrors.h"
 #include "platform/data/xmla/XmlaConnection.h"
 #include "platform/data/xmla/XmlaDimension.h"
@@ -17,11 +17,9 @@ void XmlaCatalog::SetActiveConnection(const std::shared_ptr<Connection>& connect
 
 std::unique_ptr<CubeDef> XmlaCatalog::CubeAt(std::int32_t index) const {
     if (!session_) {
-        throw ServerError(errorInvalidConnection, "The catalog has no active connection.");
+        throw NoActiveConnectionError(serverProvider);
     }
-    if (index != 0) {
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-    }
+    CheckedIndex(index, 1);
     return MakeXmlaCube(session_);
 }
 

@@ -7,7 +7,7 @@
 
 namespace qel {
 
-/// The catalog of a connection, with the cube that is named as it. What it gives out keeps the session open.
+/// The catalog of a connection, with the cube named like it. Its cubes keep the session open.
 class XmlaCatalog : public Catalog {
 public:
     explicit XmlaCatalog(std::shared_ptr<ServerSessions> sessions) : sessions_(std::move(sessions)) {}

@@ -1,6 +1,7 @@
 #include "platform/data/xmla/XmlaCellset.h"
 
-#include "platform/data/DataAccessErrors.h"
+#include "platform/data/HeldAnswer.h"
+#include "platform/data/xmla/CellsetAnswer.h"
 #include "platform/data/xmla/ServerErrors.h"
 #include "platform/data/xmla/XmlaConnection.h"
 
@@ -8,65 +9,53 @@ namespace qel {
 
 namespace {
 
-template <class Item>
-const Item& ItemAt(const std::vector<Item>& items, std::int32_t index) {
-    if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+class XmlaCellset : public Cellset {
+public:
+    void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override {
+        answer_.Open([&] { return XmlaConnection::SessionOf(connection)->Execute(source); });
     }
-    return items[static_cast<std::size_t>(index)];
-}
+
+    void Close() override { answer_.Close(); }
+
+    std::int32_t AxisCount() const override { return static_cast<std::int32_t>(Axes().size()); }
+
+    std::int32_t PositionCount(std::int32_t axis) const override {
+        return static_cast<std::int32_t>(ItemAt(Axes(), axis).size());
+    }
+
+    std::int32_t MemberCount(std::int32_t axis, std::int32_t position) const override {
+        return static_cast<std::int32_t>(Position(axis, position).size());
+    }
+
+    CellsetMember MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const override {
+        return ItemAt(Position(axis, position), index);
+    }
+
+    Variant Value(const std::vector<std::int32_t>& positions) const override {
+        if (positions.size() != Axes().size()) {
+            throw PlatformError(ErrorNumber::SubscriptOutOfRange);
+        }
+        std::uint64_t ordinal = 0, stride = 1;
+        for (std::size_t axis = 0; axis < positions.size(); ++axis) {
+            const std::size_t count = Axes()[axis].size();
+            ordinal += stride * CheckedIndex(positions[axis], count);
+            stride *= count;
+        }
+        return answer_.Get().Cell(ordinal);
+    }
+
+private:
+    const std::vector<std::vector<CellsetPosition>>& Axes() const { return answer_.Get().Axes(); }
+
+    const CellsetPosition& Position(std::int32_t axis, std::int32_t position) const {
+        return ItemAt(ItemAt(Axes(), axis), position);
+    }
+
+    HeldAnswer<CellsetAnswer> answer_{serverProvider};
+};
 
 } // namespace
 
-void XmlaCellset::Open(const std::string& source, const std::shared_ptr<Connection>& connection) {
-    if (answer_) {
-        throw ServerError(errorObjectOpen, "Operation is not allowed when the object is open.");
-    }
-    answer_ = XmlaConnection::SessionOf(connection)->Execute(source);
-}
-
-void XmlaCellset::Close() {
-    Answer();
-    answer_.reset();
-}
-
-const CellsetAnswer& XmlaCellset::Answer() const {
-    if (!answer_) {
-        throw ServerError(errorObjectClosed, "Operation is not allowed when the object is closed.");
-    }
-    return *answer_;
-}
-
-std::int32_t XmlaCellset::AxisCount() const { return static_cast<std::int32_t>(Answer().Axes().size()); }
-
-std::int32_t XmlaCellset::PositionCount(std::int32_t axis) const {
-    return static_cast<std::int32_t>(ItemAt(Answer().Axes(), axis).size());
-}
-
-const CellsetPosition& XmlaCellset::Position(std::int32_t axis, std::int32_t position) const {
-    return ItemAt(ItemAt(Answer().Axes(), axis), position);
-}
-
-std::int32_t XmlaCellset::MemberCount(std::int32_t axis, std::int32_t position) const {
-    return static_cast<std::int32_t>(Position(axis, position).size());
-}
-
-CellsetMember XmlaCellset::MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const {
-    return ItemAt(Position(axis, position), index);
-}
-
-Variant XmlaCellset::Value(const std::vector<std::int32_t>& positions) const {
-    const auto& axes = Answer().Axes();
-    if (positions.size() != axes.size()) {
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-    }
-    std::uint64_t ordinal = 0, stride = 1;
-    for (std::size_t axis = 0; axis < axes.size(); ++axis) {
-        static_cast<void>(ItemAt(axes[axis], positions[axis]));
-        ordinal += stride * static_cast<std::uint64_t>(positions[axis]);
-        stride *= axes[axis].size();
-    }
-    return Answer().Cell(ordinal);
-}
+std::unique_ptr<Cellset> MakeXmlaCellset() { return std::make_unique<XmlaCellset>(); }
 
 } // namespace qel

@@ -1,28 +1,12 @@
 #pragma once
 
 #include "platform/data/DataAccess.h"
-#include "platform/data/xmla/CellsetAnswer.h"
 
-#include <optional>
+#include <memory>
 
 namespace qel {
 
-/// The answer to one statement.
-class XmlaCellset : public Cellset {
-public:
-    void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override;
-    void Close() override;
-    std::int32_t AxisCount() const override;
-    std::int32_t PositionCount(std::int32_t axis) const override;
-    std::int32_t MemberCount(std::int32_t axis, std::int32_t position) const override;
-    CellsetMember MemberAt(std::int32_t axis, std::int32_t position, std::int32_t index) const override;
-    Variant Value(const std::vector<std::int32_t>& positions) const override;
-
-private:
-    const CellsetAnswer& Answer() const;
-    const CellsetPosition& Position(std::int32_t axis, std::int32_t position) const;
-
-    std::optional<CellsetAnswer> answer_;
-};
+/// Runs statements on a server, which answers with axes and cells.
+[[nodiscard]] std::unique_ptr<Cellset> MakeXmlaCellset();
 
 } // namespace qel

@@ -1,6 +1,6 @@
 #include "platform/data/xmla/XmlaConnection.h"
 
-#include "platform/data/DataAccessErrors.h"
+#include "platform/data/ObjectErrors.h"
 #include "platform/data/xmla/ServerErrors.h"
 #include "platform/data/xmla/XmlaRecordset.h"
 
@@ -9,7 +9,7 @@ namespace qel {
 void XmlaConnection::Open(const std::string& connectionString, const std::string& /*user*/,
                           const std::string& /*password*/, int /*options*/) {
     if (State() == stateOpen) {
-        throw ServerError(errorObjectOpen, "Operation is not allowed when the object is open.");
+        throw ObjectOpenError(serverProvider);
     }
     session_ = sessions_->Open(connectionString);
     connectionString_ = connectionString;
@@ -17,7 +17,7 @@ void XmlaConnection::Open(const std::string& connectionString, const std::string
 
 void XmlaConnection::Close() {
     if (!session_) {
-        throw ServerError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+        throw ObjectClosedError(serverProvider);
     }
     session_ = nullptr;
 }
@@ -28,20 +28,18 @@ std::string XmlaConnection::DefaultDatabase() const { return session_ ? session_
 
 std::unique_ptr<Recordset> XmlaConnection::OpenSchema(int schema) {
     if (!session_) {
-        throw ServerError(errorObjectClosed, "Operation is not allowed when the object is closed.");
+        throw ObjectClosedError(serverProvider);
     }
     if (schema != schemaCatalogs) {
         return Connection::OpenSchema(schema);
     }
-    return std::make_unique<XmlaRecordset>(session_->Discover("DBSCHEMA_CATALOGS", {}));
+    return MakeXmlaRecordset(session_->Discover("DBSCHEMA_CATALOGS", {}).TakeRowset());
 }
 
 std::shared_ptr<ServerSession> XmlaConnection::SessionOf(const std::shared_ptr<Connection>& connection) {
     const auto* own = dynamic_cast<const XmlaConnection*>(connection.get());
     if (!own || own->State() != stateOpen) {
-        throw ServerError(errorInvalidConnection,
-                          "The connection cannot be used to perform this operation. It is "
-                          "either closed or invalid in this context.");
+        throw InvalidConnectionError(serverProvider);
     }
     return own->session_;
 }

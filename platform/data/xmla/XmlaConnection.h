@@ -16,20 +16,20 @@ public:
     void Open(const std::string& connectionString, const std::string& user, const std::string& password,
               int options) override;
     void Close() override;
-    /// Closed, too, after a request to which no proper answer came.
+    /// Also closed after a request that got no proper answer.
     int State() const override;
     std::string ConnectionString() const override { return connectionString_; }
     std::string DefaultDatabase() const override;
     std::unique_ptr<Recordset> OpenSchema(int schema) override;
 
-    /// The session behind a connection that a client handed in. Raises AutomationError (3709) when it is
-    /// none, not open, or another provider's.
+    /// The session of a client's connection. Raises AutomationError 3709 for a null or closed connection, or
+    /// one of another provider.
     static std::shared_ptr<ServerSession> SessionOf(const std::shared_ptr<Connection>& connection);
 
 private:
     std::shared_ptr<ServerSessions> sessions_;
     std::string connectionString_;
-    std::shared_ptr<ServerSession> session_; ///< none while closed
+    std::shared_ptr<ServerSession> session_; ///< null while closed
 };
 
 } // namespace qel

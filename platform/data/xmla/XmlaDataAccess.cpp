@@ -17,8 +17,8 @@ std::shared_ptr<Connection> XmlaDataAccess::CreateConnection() {
 
 std::unique_ptr<Catalog> XmlaDataAccess::CreateCatalog() { return std::make_unique<XmlaCatalog>(sessions_); }
 
-std::unique_ptr<Cellset> XmlaDataAccess::CreateCellset() { return std::make_unique<XmlaCellset>(); }
+std::unique_ptr<Cellset> XmlaDataAccess::CreateCellset() { return MakeXmlaCellset(); }
 
-std::unique_ptr<Recordset> XmlaDataAccess::CreateRecordset() { return std::make_unique<XmlaRecordset>(); }
+std::unique_ptr<Recordset> XmlaDataAccess::CreateRecordset() { return MakeXmlaRecordset(); }
 
 } // namespace qel

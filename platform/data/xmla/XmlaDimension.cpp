@@ -1,6 +1,7 @@
 #include "platform/data/xmla/XmlaDimension.h"
 
 #include "platform/data/DataAccessErrors.h"
+#include "platform/data/ObjectErrors.h"
 #include "platform/data/xmla/ServerErrors.h"
 #include "text/CaseFold.h"
 
@@ -14,15 +15,7 @@ namespace {
 
 using SessionPointer = std::shared_ptr<ServerSession>;
 
-template <class Item>
-const Item& ItemAt(const std::vector<Item>& items, std::int32_t index) {
-    if (index < 0 || static_cast<std::size_t>(index) >= items.size()) {
-        throw PlatformError(ErrorNumber::SubscriptOutOfRange);
-    }
-    return items[static_cast<std::size_t>(index)];
-}
-
-/// By name, any letter case. Raises 3265 saying who has none.
+/// By name, letter case ignored. Raises 3265, naming the owner, when it is missing.
 template <class Item>
 const Item& ItemNamed(const std::vector<Item>& items, const std::string& name, const std::string& owner,
                       const char* kind) {
@@ -57,7 +50,7 @@ public:
     }
 
 private:
-    SessionPointer session_; ///< owns what the references name
+    SessionPointer session_; ///< owns the objects that the references point to
     const ServerHierarchy& hierarchy_;
     std::size_t level_;
     const ServerMember& member_;

@@ -7,7 +7,7 @@
 
 namespace qel {
 
-/// The session's cube; it, and everything reached through it, keeps the session open.
-std::unique_ptr<CubeDef> MakeXmlaCube(const std::shared_ptr<ServerSession>& session);
+/// The session's cube. It and everything reached through it keep the session open.
+[[nodiscard]] std::unique_ptr<CubeDef> MakeXmlaCube(const std::shared_ptr<ServerSession>& session);
 
 } // namespace qel

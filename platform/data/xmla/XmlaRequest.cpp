@@ -42,7 +42,7 @@ std::string XmlEscaped(std::string_view text) {
             break;
         case '\r':
             escaped += "&#13;";
-            break; // a plain one would come out as a line feed
+            break; // a raw one would be read as a line feed
         default:
             if (static_cast<unsigned char>(character) >= ' ' || character == '\t' || character == '\n') {
                 escaped += character;

@@ -10,7 +10,7 @@ namespace qel {
 /// Names and values, in the order in which they are sent.
 using XmlaPairs = std::vector<std::pair<std::string, std::string>>;
 
-/// A text as an element's content. Characters that XML has none for are left out.
+/// Escapes a text as element content. Characters that XML does not allow are dropped.
 std::string XmlEscaped(std::string_view text);
 
 /// The SOAP envelopes of the two methods.

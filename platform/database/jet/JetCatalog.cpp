@@ -22,7 +22,7 @@ void RefuseOtherEngine(const std::string& connectionString, std::int32_t number)
             number,
             fmt::format(
                 "The local database '{}' was made by SQLite, and this machine keeps it with Microsoft "
-                "Jet; it is left as it is. Set MDBPath to another folder, or move the file away.",
+                "Jet; it is left unchanged. Set MDBPath to another folder, or move the file away.",
                 PathToUtf8(path)));
     }
 }

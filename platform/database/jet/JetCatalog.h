@@ -17,7 +17,7 @@ private:
     DispatchObject catalog_;
 };
 
-/// Raises `number` for a file that another engine made, which Jet would only call unrecognised.
+/// Raises `number` for a file of another engine, for which Jet would only report an unrecognised format.
 void RefuseOtherEngine(const std::string& connectionString, std::int32_t number);
 
 } // namespace qel::windows

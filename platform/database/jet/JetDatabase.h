@@ -4,8 +4,8 @@
 
 namespace qel::windows {
 
-/// Keeps the local database with the machine's Jet engine, through ADOX and ADO. Its objects belong to the
-/// thread that made them.
+/// The local database in the machine's Jet engine, through ADOX and ADO. Its objects belong to the thread
+/// that creates them.
 class JetDatabase : public DatabaseEngine {
 public:
     /// True when this process can load Jet's provider, ADOX and ADO. Jet has no 64-bit form.

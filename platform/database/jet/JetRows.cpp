@@ -34,7 +34,7 @@ void DeleteAll(const DispatchObject& recordset) {
     }
 }
 
-/// Jet's columns refuse an empty text unless they were made to take one.
+/// Jet columns reject empty texts unless they were created to allow them.
 OwnedVariant FieldValue(const Variant& value) {
     const bool isEmptyText = value.Is<std::string>() && value.As<std::string>().empty();
     return ToAutomation(isEmptyText ? Variant(Null{}) : value);

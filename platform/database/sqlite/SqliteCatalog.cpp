@@ -24,7 +24,7 @@ namespace fs = std::filesystem;
 /// The provider's number for a database that exists already.
 constexpr auto databaseExists = static_cast<std::int32_t>(0x80040E17);
 constexpr std::int32_t objectClosed = 3704;
-/// "Qel1": tells a file of this component from others; stored in the database's header.
+/// "Qel1": the application id in the database's header, which identifies this component's files.
 constexpr int applicationId = 0x51656C31;
 
 AutomationError ExistsAlready(const fs::path& path) {
@@ -34,14 +34,15 @@ AutomationError ExistsAlready(const fs::path& path) {
     case DatabaseFileKind::Jet:
         return DatabaseError(
             databaseExists, path,
-            "already exists and was made by Microsoft Jet, which is not to be had here; it is left as it "
-            "is. Set MDBPath to another folder, or move the file away");
+            "already exists and was made by Microsoft Jet, which this machine lacks; it is left unchanged. "
+            "Set MDBPath to another folder, or move the file away");
     default:
-        return DatabaseError(databaseExists, path, "already exists and is no database; it is left as it is");
+        return DatabaseError(databaseExists, path,
+                             "already exists and is not a database; it is left unchanged");
     }
 }
 
-/// Makes an empty file that nobody else has made. Returns the system's error number; 0 when it was made.
+/// Creates an empty file, failing when it exists. Returns 0 or the system's error number.
 int MakeNewFile(const fs::path& path) {
     errno = 0;
 #ifdef _WIN32 // whose fopen has no mode for it
@@ -62,7 +63,7 @@ void MakeDatabaseFile(const fs::path& path) {
         throw ExistsAlready(path);
     }
     throw DatabaseError(unspecifiedError, path,
-                        fmt::format("cannot be made ({})", std::generic_category().message(failure)));
+                        fmt::format("cannot be created ({})", std::generic_category().message(failure)));
 }
 
 std::string ColumnText(const TableColumn& column) {
@@ -81,9 +82,9 @@ void SqliteCatalog::Create(const std::string& connectionString) {
     MakeDatabaseFile(path);
     try {
         file_.emplace(path);
-        // Writes the header, so that the file is known for what it is before it has a table.
+        // Writes the header, so that the file is recognised before it has a table.
         file_->Run(fmt::format("PRAGMA application_id = {}", applicationId));
-    } catch (const AutomationError&) { // what is left would keep a database from being made later
+    } catch (const AutomationError&) { // a leftover file would prevent the next creation
         file_.reset();
         std::error_code ignored;
         fs::remove(path, ignored);

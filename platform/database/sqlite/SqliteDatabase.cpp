@@ -10,7 +10,7 @@ namespace qel {
 
 namespace {
 
-/// Why a file is none to open; null for one that is.
+/// Why the file cannot be opened, or null.
 const char* FaultOf(DatabaseFileKind kind) {
     switch (kind) {
     case DatabaseFileKind::Sqlite:
@@ -20,9 +20,9 @@ const char* FaultOf(DatabaseFileKind kind) {
     case DatabaseFileKind::Unreadable:
         return "cannot be read";
     case DatabaseFileKind::Jet:
-        return "was made by Microsoft Jet, which is not to be had here; it is left as it is";
+        return "was made by Microsoft Jet, which this machine lacks; it is left unchanged";
     default:
-        return "is no database; it is left as it is";
+        return "is not a database; it is left unchanged";
     }
 }
 

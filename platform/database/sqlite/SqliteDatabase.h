@@ -4,7 +4,7 @@
 
 namespace qel {
 
-/// Keeps the local database with SQLite, in a file of the same name, where Jet is not to be had.
+/// The local database in SQLite, in a file of the same name, on machines without Jet.
 class SqliteDatabase : public DatabaseEngine {
 public:
     std::string Name() const override;

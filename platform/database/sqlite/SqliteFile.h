@@ -12,13 +12,14 @@ struct sqlite3_stmt;
 
 namespace qel {
 
-/// The number of what has no better one.
+/// The error number of all other failures.
 inline constexpr auto unspecifiedError = static_cast<std::int32_t>(0x80004005);
 
 /// A failure of the local database: "The local database 'FILE' FAULT."
-AutomationError DatabaseError(std::int32_t number, const std::filesystem::path& file, std::string_view fault);
+[[nodiscard]] AutomationError DatabaseError(std::int32_t number, const std::filesystem::path& file,
+                                            std::string_view fault);
 
-/// A name as it stands in a statement.
+/// Quotes a name for a statement.
 std::string QuotedName(const std::string& name);
 
 /// A prepared statement, freed with its owner.
@@ -40,7 +41,7 @@ public:
     /// Undoes the open transaction, if there is one. Raises nothing.
     void RollBack() noexcept;
     SqliteStatement Prepare(const std::string& statement);
-    /// True when the statement has come to a row, false at its end.
+    /// True when there is a row, false at the end.
     bool Step(sqlite3_stmt* statement);
 
 private:

@@ -77,7 +77,7 @@ AutomationDate SqliteRows::DateOf(const std::string& text, const char* column) c
         return ParseDate(text, {.dateOrder = DateOrder::YearMonthDay, .dateSeparator = '-'});
     } catch (const AutomationError& error) {
         throw DatabaseError(error.Number(), file_.Path(),
-                            fmt::format("holds '{}' in column {}, which is no date", text, column));
+                            fmt::format("holds '{}' in column {}, which is not a date", text, column));
     }
 }
 

@@ -5,8 +5,8 @@
 
 namespace qel {
 
-/// The rows of an open database. Dates stand in it as "2020-03-31", with " 14:30:00" after it when they have
-/// a time of day.
+/// The rows of an open database. Dates are stored as "2020-03-31", followed by " 14:30:00" when they have a
+/// time of day.
 class SqliteRows : public DatabaseConnection {
 public:
     /// The file must exist.

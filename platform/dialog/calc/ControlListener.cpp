@@ -16,7 +16,7 @@ namespace {
 
 void Tell(const std::function<void()>& callback) {
     try {
-        // It may end the listener's owner, and the callback with it.
+        // The call may destroy the listener's owner, and the callback with it.
         if (const auto kept = callback) {
             kept();
         }

@@ -10,7 +10,7 @@
 
 namespace qel::office {
 
-/// What a control of the office tells: pressed, another item or state, an edited text, the focus.
+/// Events of an office control: pressed, item or state changed, text edited, focus gained.
 struct ControlCallbacks {
     std::function<void()> onPressed, onItem, onText, onFocus;
 };
@@ -19,12 +19,12 @@ using ControlListenerInterfaces =
     cppu::WeakImplHelper4<com::sun::star::awt::XActionListener, com::sun::star::awt::XItemListener,
                           com::sun::star::awt::XTextListener, com::sun::star::awt::XFocusListener>;
 
-/// Hands a control's events on for as long as somebody wants them. No exception leaves it.
+/// Passes a control's events on until Silence. No exception leaves it.
 class ControlListener : public ControlListenerInterfaces {
 public:
     explicit ControlListener(ControlCallbacks callbacks) : callbacks_(std::move(callbacks)) {}
 
-    /// Listens to everything that the control can tell.
+    /// Subscribes to all events of the control.
     void ListenTo(const com::sun::star::uno::Reference<com::sun::star::awt::XControl>& control);
     void Silence() { callbacks_ = {}; }
 

@@ -1,6 +1,6 @@
 #include "platform/dialog/calc/OfficeControl.h"
 
-#include "platform/dialog/calc/AccessKey.h"
+#include "platform/dialog/AccessKey.h"
 #include "platform/office/OfficeText.h"
 #include "platform/value/AutomationError.h"
 
@@ -17,41 +17,36 @@ namespace {
 constexpr sal_Int16 alignLeft = 0, alignRight = 2;
 constexpr sal_Int16 visibleItems = 12;
 
-struct KindNames {
-    const char* model; ///< null for a control that takes no place
-    const char* typeName;
-};
-
-KindNames NamesOf(ControlKind kind) {
+/// Null for a control that is not on the form.
+const char* ModelOf(ControlKind kind) {
     switch (kind) {
     case ControlKind::Label:
-        return {"com.sun.star.awt.UnoControlFixedTextModel", "Label"};
+        return "com.sun.star.awt.UnoControlFixedTextModel";
     case ControlKind::TextBox:
-        return {"com.sun.star.awt.UnoControlEditModel", "TextBox"};
+        return "com.sun.star.awt.UnoControlEditModel";
     case ControlKind::Button:
-        return {"com.sun.star.awt.UnoControlButtonModel", "CommandButton"};
+        return "com.sun.star.awt.UnoControlButtonModel";
     case ControlKind::CheckBox:
-        return {"com.sun.star.awt.UnoControlCheckBoxModel", "CheckBox"};
-    case ControlKind::ComboBox:
-        return {"com.sun.star.awt.UnoControlListBoxModel", "ComboBox"};
+        return "com.sun.star.awt.UnoControlCheckBoxModel";
     case ControlKind::BoundList:
-        return {"com.sun.star.awt.UnoControlComboBoxModel", "DataCombo"};
+        return "com.sun.star.awt.UnoControlComboBoxModel";
+    case ControlKind::ComboBox:
     case ControlKind::ListBox:
-        return {"com.sun.star.awt.UnoControlListBoxModel", "ListBox"};
+        return "com.sun.star.awt.UnoControlListBoxModel";
     case ControlKind::Line:
-        return {"com.sun.star.awt.UnoControlFixedLineModel", "Line"};
+        return "com.sun.star.awt.UnoControlFixedLineModel";
     case ControlKind::FileDialog:
         break;
     }
-    return {nullptr, "CommonDialog"};
+    return nullptr;
 }
 
 } // namespace
 
 OfficeControl::OfficeControl(const uno::Reference<com::sun::star::lang::XMultiServiceFactory>& dialog,
                              const FormDesign& form, std::size_t index, bool isRightToLeft)
-    : design_(form.controls[index]), isRightToLeft_(isRightToLeft), caption_(design_.caption) {
-    const char* const model = NamesOf(design_.kind).model;
+    : DesignedControl(form.controls[index], isRightToLeft) {
+    const char* const model = ModelOf(Design().kind);
     if (model == nullptr) {
         return;
     }
@@ -59,38 +54,38 @@ OfficeControl::OfficeControl(const uno::Reference<com::sun::star::lang::XMultiSe
     PutInPlace(form, index);
     MakeAsDesigned(form);
     const uno::Reference<com::sun::star::container::XNameContainer> controls(dialog, uno::UNO_QUERY_THROW);
-    controls->insertByName(rtl::OUString::createFromAscii(design_.name), uno::Any(model_));
-    SetContent(caption_);
+    controls->insertByName(rtl::OUString::createFromAscii(Design().name), uno::Any(model_));
+    SetContent(Caption());
 }
 
 void OfficeControl::PutInPlace(const FormDesign& form, std::size_t index) {
-    const Place& place = design_.place;
-    const int left = isRightToLeft_ ? form.width - place.left - place.width : place.left;
+    const Place& place = Design().place;
+    const int left = IsRightToLeft() ? form.width - place.left - place.width : place.left;
     Set("PositionX", uno::Any(sal_Int32{left}));
     Set("PositionY", uno::Any(sal_Int32{place.top}));
     Set("Width", uno::Any(sal_Int32{place.width}));
     Set("Height", uno::Any(sal_Int32{place.height}));
-    Set("Name", uno::Any(rtl::OUString::createFromAscii(design_.name)));
+    Set("Name", uno::Any(rtl::OUString::createFromAscii(Design().name)));
     Set("TabIndex", uno::Any(static_cast<sal_Int16>(index)));
     // Lines have no reading direction.
-    if (isRightToLeft_ && model_->getPropertySetInfo()->hasPropertyByName("WritingMode")) {
+    if (IsRightToLeft() && model_->getPropertySetInfo()->hasPropertyByName("WritingMode")) {
         Set("WritingMode", uno::Any(com::sun::star::text::WritingMode2::RL_TB));
     }
 }
 
 void OfficeControl::MakeAsDesigned(const FormDesign& form) {
-    switch (design_.kind) {
+    switch (Design().kind) {
     case ControlKind::Label:
         Set("MultiLine", uno::Any(true));
         break;
     case ControlKind::TextBox:
-        Set("ReadOnly", uno::Any(design_.isReadOnly));
+        Set("ReadOnly", uno::Any(Design().isReadOnly));
         // Paths, dates and numbers read from left to right in any language.
         Set("WritingMode", uno::Any(com::sun::star::text::WritingMode2::LR_TB));
-        Set("Align", uno::Any(isRightToLeft_ ? alignRight : alignLeft));
+        Set("Align", uno::Any(IsRightToLeft() ? alignRight : alignLeft));
         break;
     case ControlKind::Button:
-        Set("DefaultButton", uno::Any(design_.name == std::string_view(form.defaultButton)));
+        Set("DefaultButton", uno::Any(Design().name == std::string_view(form.defaultButton)));
         break;
     case ControlKind::ComboBox:
         Set("Dropdown", uno::Any(true));
@@ -98,7 +93,7 @@ void OfficeControl::MakeAsDesigned(const FormDesign& form) {
         break;
     case ControlKind::BoundList:
         Set("Dropdown", uno::Any(true));
-        Set("Autocomplete", uno::Any(false)); // it would end what is typed by the first row of all
+        Set("Autocomplete", uno::Any(false)); // it would complete the typed text with the first of all rows
         Set("LineCount", uno::Any(visibleItems));
         search_ = std::make_unique<SearchBox>(model_);
         break;
@@ -111,16 +106,11 @@ void OfficeControl::Set(const char* property, const uno::Any& value) {
     model_->setPropertyValue(rtl::OUString::createFromAscii(property), value);
 }
 
-bool OfficeControl::HasCaption() const {
-    return design_.kind == ControlKind::Label || design_.kind == ControlKind::Button ||
-           design_.kind == ControlKind::CheckBox;
-}
-
 std::string OfficeControl::Content() const {
     if (HasCaption()) {
-        return caption_;
+        return Caption();
     }
-    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::ListBox) {
+    if (Design().kind == ControlKind::ComboBox || Design().kind == ControlKind::ListBox) {
         const auto selected = Selected();
         return selected ? items_.at(*selected) : std::string();
     }
@@ -131,8 +121,8 @@ std::string OfficeControl::Content() const {
 
 void OfficeControl::SetContent(const std::string& text) {
     if (HasCaption()) {
-        OfficeControl::SetText(TextProperty::Caption, text);
-    } else if (design_.kind == ControlKind::TextBox) {
+        SetText(TextProperty::Caption, text);
+    } else if (Design().kind == ControlKind::TextBox) {
         Set("Text", uno::Any(ToOffice(text)));
     }
 }
@@ -190,34 +180,10 @@ void OfficeControl::Select(std::optional<std::size_t> index) {
     Set("SelectedItems", uno::Any(selected));
 }
 
-std::string OfficeControl::GetText(TextProperty property) const {
-    switch (property) {
-    case TextProperty::Tag:
-        return design_.tag != 0 ? std::to_string(design_.tag) : std::string();
-    case TextProperty::Caption:
-        return caption_;
-    default:
-        return {};
-    }
+void OfficeControl::ShowCaption() {
+    Set("Label", uno::Any(ToOffice(WithAccessKey(Caption(), Design().mnemonic, "~"))));
 }
 
-void OfficeControl::SetText(TextProperty property, const std::string& text) {
-    if (property != TextProperty::Caption || !HasCaption()) {
-        return;
-    }
-    caption_ = text;
-    Set("Label", uno::Any(ToOffice(WithAccessKey(caption_, design_.mnemonic))));
-}
-
-std::string OfficeControl::TypeName() const { return NamesOf(design_.kind).typeName; }
-
-void OfficeControl::SetAligment(std::int32_t aligment) {
-    if (design_.kind != ControlKind::Label) {
-        return;
-    }
-    // A mirrored label's left is what people see on the right.
-    const bool isRight = aligment == 0;
-    Set("Align", uno::Any(isRight != isRightToLeft_ ? alignRight : alignLeft));
-}
+void OfficeControl::AlignToFarSide(bool isFar) { Set("Align", uno::Any(isFar ? alignRight : alignLeft)); }
 
 } // namespace qel::office

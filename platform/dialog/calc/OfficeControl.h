@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/dialog/DialogToolkit.h"
+#include "platform/dialog/DesignedControl.h"
 #include "platform/dialog/calc/SearchBox.h"
 
 #include <com/sun/star/beans/XPropertySet.hpp>
@@ -9,16 +9,15 @@
 
 namespace qel::office {
 
-/// One control of a dialog, by its model: what it shows and holds. The office's window follows the model.
-class OfficeControl : public FormControl {
+/// One control of a dialog, represented by its model. The office's window follows the model.
+class OfficeControl : public DesignedControl {
 public:
-    /// Makes the model in the dialog's; none for a control that takes no place.
+    /// Adds the control's model to the dialog's, unless the control is not on the form.
     OfficeControl(const com::sun::star::uno::Reference<com::sun::star::lang::XMultiServiceFactory>& dialog,
                   const FormDesign& form, std::size_t index, bool isRightToLeft);
 
-    const ControlDesign& Design() const { return design_; }
     bool HasModel() const { return model_.is(); }
-    /// Null for any other kind than a bound list.
+    /// Null unless the control is a bound list.
     SearchBox* Search() const { return search_.get(); }
 
     std::string Content() const;
@@ -33,24 +32,14 @@ public:
     std::optional<std::size_t> Selected() const;
     void Select(std::optional<std::size_t> index);
 
-    std::string GetText(TextProperty property) const override;
-    void SetText(TextProperty property, const std::string& text) override;
-    std::string TypeName() const override;
-    /// The office's dialog units follow its own font, so the texts keep that one.
-    void SetFont(const DialogFont& /*font*/) override {}
-    void SetAligment(std::int32_t aligment) override;
-    std::vector<FormItem*> Items() const override { return {}; }
-
 private:
-    bool HasCaption() const;
+    void ShowCaption() override;
+    void AlignToFarSide(bool isFar) override;
     void Set(const char* property, const com::sun::star::uno::Any& value);
     void PutInPlace(const FormDesign& form, std::size_t index);
     void MakeAsDesigned(const FormDesign& form);
 
-    const ControlDesign& design_;
-    bool isRightToLeft_;
     com::sun::star::uno::Reference<com::sun::star::beans::XPropertySet> model_;
-    std::string caption_;
     std::vector<std::string> items_;
     std::unique_ptr<SearchBox> search_;
 };

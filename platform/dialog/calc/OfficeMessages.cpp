@@ -23,7 +23,7 @@ MessageBoxAnswer AnswerOf(sal_Int16 result) {
         return MessageBoxAnswer::Yes;
     case awt::MessageBoxResults::NO:
         return MessageBoxAnswer::No;
-    case awt::MessageBoxResults::CANCEL: // the close box; a question that offers no Cancel is not agreed to
+    case awt::MessageBoxResults::CANCEL: // the close box
         return MessageBoxAnswer::Cancel;
     default:
         return MessageBoxAnswer::Ok;

@@ -10,7 +10,7 @@ class OfficeMessages : public MessageDisplay {
 public:
     explicit OfficeMessages(const OfficeWindows& windows) : windows_(windows) {}
 
-    /// Ok too when the office could not show the box.
+    /// Returns Ok when the office cannot show the box.
     MessageBoxAnswer Show(std::int32_t style, const std::string& title, const std::string& text) override;
 
 private:

@@ -1,5 +1,6 @@
 #include "platform/dialog/calc/SearchBox.h"
 
+#include "platform/dialog/DesignedControl.h"
 #include "platform/office/OfficeText.h"
 #include "platform/value/AutomationError.h"
 
@@ -42,7 +43,7 @@ bool SearchBox::OnText() {
         before_ = chosen_;
     }
     const std::string typed = TypedText();
-    // A text that stands in the list was taken from it, by mouse or arrow keys, or typed to its end.
+    // A text equal to a listed one was picked with the mouse or the arrow keys, or typed completely.
     if (const auto found = std::find(shown_.begin(), shown_.end(), typed); found != shown_.end()) {
         const auto row = matches_[static_cast<std::size_t>(found - shown_.begin())];
         const bool isOther = chosen_ != row;
@@ -74,23 +75,12 @@ std::string SearchBox::TypedText() const {
     return FromOffice(text);
 }
 
-std::string SearchBox::TextOf(std::size_t row) const {
-    std::string text;
-    for (std::size_t column = 0; column < rows_->ColumnCount(); ++column) {
-        const std::string part = rows_->Text(row, column);
-        if (!part.empty() && part != text) {
-            text += text.empty() ? part : " - " + part;
-        }
-    }
-    return text;
-}
-
 void SearchBox::Show(const std::vector<std::uint32_t>& matches) {
     matches_ = matches;
     shown_.clear();
     uno::Sequence<rtl::OUString> items(static_cast<sal_Int32>(matches.size()));
     for (std::size_t i = 0; i < matches.size(); ++i) {
-        shown_.push_back(TextOf(matches[i]));
+        shown_.push_back(RowText(*rows_, matches[i]));
         items.getArray()[i] = ToOffice(shown_.back());
     }
     model_->setPropertyValue("StringItemList", uno::Any(items));
@@ -99,7 +89,7 @@ void SearchBox::Show(const std::vector<std::uint32_t>& matches) {
 void SearchBox::Choose(std::optional<std::size_t> row) {
     chosen_ = row;
     isTyped_ = false;
-    const std::string text = row ? TextOf(*row) : std::string();
+    const std::string text = row ? RowText(*rows_, *row) : std::string();
     model_->setPropertyValue("Text", uno::Any(ToOffice(text)));
 }
 

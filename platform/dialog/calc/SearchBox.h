@@ -22,16 +22,15 @@ public:
     /// Raises 9 for a row that the source lacks.
     void Select(std::optional<std::size_t> row);
 
-    /// The list is about to be used: it is filled when it was not yet.
+    /// Fills the list before its first use.
     void Prepare();
-    /// The text was edited by the user, or taken from the list. True when another row is chosen now.
-    bool OnText();
-    /// Chooses what the typed text means. True when another row, or none, is chosen now.
-    bool Commit();
+    /// The user edited the text or picked one. True when another row is chosen.
+    [[nodiscard]] bool OnText();
+    /// Chooses the row that the typed text stands for, or none. True when the choice changes.
+    [[nodiscard]] bool Commit();
 
 private:
     std::string TypedText() const;
-    std::string TextOf(std::size_t row) const;
     void Show(const std::vector<std::uint32_t>& matches);
     void Choose(std::optional<std::size_t> row);
 

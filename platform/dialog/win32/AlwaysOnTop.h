@@ -6,8 +6,8 @@
 
 namespace qel::windows {
 
-/// Keeps a window above all others, or no longer does; its place and size stay. Returns what the system
-/// answered when `onTop`, and 0 otherwise.
+/// Sets whether a window stays above all others; its position and size do not change. Returns the system's
+/// result when `onTop`, and 0 otherwise.
 std::int32_t SetAlwaysOnTop(HWND window, bool onTop);
 
 } // namespace qel::windows

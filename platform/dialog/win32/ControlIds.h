@@ -8,8 +8,8 @@
 
 namespace qel::windows {
 
-/// The number of a control's window. The default button and the cancel button have the numbers that the
-/// system presses on Enter and Esc.
+/// The id of a control's window. The default and the cancel button have the ids that the system presses on
+/// Enter and Esc.
 WORD ControlId(const FormDesign& design, std::size_t index);
 
 } // namespace qel::windows

@@ -1,8 +1,8 @@
 #pragma once
 
-// The system's headers of dialogs and common controls, in the order that they need.
-// clang-format off
+// The system's headers of dialogs and common controls, in the order that they require. clang-format off
 #include "platform/windows/WindowsApi.h"
+
 #include <commctrl.h>
 #include <commdlg.h>
 #include <shellapi.h>

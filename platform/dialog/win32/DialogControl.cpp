@@ -1,6 +1,6 @@
 #include "platform/dialog/win32/DialogControl.h"
 
-#include "platform/dialog/win32/AccessKey.h"
+#include "platform/dialog/AccessKey.h"
 #include "platform/dialog/win32/CarriedPointer.h"
 #include "platform/dialog/win32/ReadingDirection.h"
 #include "platform/windows/WideText.h"
@@ -13,7 +13,7 @@ namespace {
 
 constexpr int visibleItems = 12;
 
-/// How the system calls a kind of control, and what makes its windows so.
+/// The window class and styles of a kind of control.
 struct WindowKind {
     const wchar_t* className;
     DWORD style, extendedStyle;
@@ -59,7 +59,7 @@ int HeightOf(HWND window) {
 
 DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, bool isDefaultButton,
                              bool isRightToLeft, std::function<void()> onChosen)
-    : design_(design), id_(id), isRightToLeft_(isRightToLeft), caption_(design.caption) {
+    : DesignedControl(design, isRightToLeft), id_(id) {
     const WindowKind kind = KindOf(design, isDefaultButton);
     if (kind.className == nullptr) {
         return;
@@ -77,7 +77,7 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
     if (isUnmirrored) {
         SetBits(window_, GWL_EXSTYLE, WS_EX_LAYOUTRTL, false);
     }
-    ShowCaption();
+    SetText(TextProperty::Caption, design.caption);
 }
 
 void DialogControl::UseFont(const FontMetrics& font) {
@@ -86,13 +86,13 @@ void DialogControl::UseFont(const FontMetrics& font) {
         return;
     }
     ::SendMessageW(window_, WM_SETFONT, reinterpret_cast<WPARAM>(font.Font()), TRUE);
-    RECT place = font.PixelsOf(design_.place);
-    if (design_.kind == ControlKind::Line) {
+    RECT place = font.PixelsOf(Design().place);
+    if (Design().kind == ControlKind::Line) {
         place.bottom = place.top + 2; // the two pixels of the groove
     }
     ::SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
                    place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
-    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::BoundList) {
+    if (Design().kind == ControlKind::ComboBox || Design().kind == ControlKind::BoundList) {
         FitFieldOfBox(place);
     }
     if (search_) {
@@ -101,8 +101,7 @@ void DialogControl::UseFont(const FontMetrics& font) {
 }
 
 void DialogControl::FitFieldOfBox(const RECT& place) const {
-    // A combo box chooses the height of its field by itself: as much as it has too much is taken from the
-    // item.
+    // A combo box computes its own height: the item height is reduced by the excess.
     const int wanted = place.bottom - place.top;
     constexpr auto field = static_cast<WPARAM>(-1);
     const auto item = static_cast<int>(::SendMessageW(window_, CB_GETITEMHEIGHT, field, 0));
@@ -124,9 +123,9 @@ void DialogControl::FitDropDown(const std::vector<std::string>& items) const {
 
 std::string DialogControl::Content() const {
     if (HasCaption()) {
-        return caption_;
+        return Caption();
     }
-    if (design_.kind == ControlKind::ComboBox || design_.kind == ControlKind::ListBox) {
+    if (Design().kind == ControlKind::ComboBox || Design().kind == ControlKind::ListBox) {
         return ItemsOfBox().SelectedText();
     }
     return ToUtf8(WindowText(window_));
@@ -143,7 +142,7 @@ void DialogControl::SetContent(const std::string& text) {
 }
 
 void DialogControl::ReadFrom(const std::wstring& text) const {
-    if (isRightToLeft_) {
+    if (IsRightToLeft()) {
         SetBits(window_, GWL_EXSTYLE, WS_EX_RTLREADING, BeginsRightToLeft(text));
     }
 }
@@ -155,12 +154,12 @@ void DialogControl::SetChecked(bool isChecked) const {
 }
 
 windows::Items DialogControl::ItemsOfBox() const {
-    return {window_, design_.kind == ControlKind::ListBox ? listMessages : comboMessages};
+    return {window_, Design().kind == ControlKind::ListBox ? listMessages : comboMessages};
 }
 
 void DialogControl::SetItems(const std::vector<std::string>& items) const {
     ItemsOfBox().Replace(items);
-    if (design_.kind == ControlKind::ComboBox) {
+    if (Design().kind == ControlKind::ComboBox) {
         FitDropDown(items);
     }
 }
@@ -177,47 +176,14 @@ void DialogControl::Select(std::optional<std::size_t> index) const {
     }
 }
 
-bool DialogControl::HasCaption() const {
-    return design_.kind == ControlKind::Label || design_.kind == ControlKind::Button ||
-           design_.kind == ControlKind::CheckBox;
+void DialogControl::ShowCaption() {
+    const std::string shown = WithAccessKey(Caption(), Design().mnemonic, "&");
+    ::SetWindowTextW(window_, AsRead(ToWide(shown), IsRightToLeft()).c_str());
 }
 
-void DialogControl::ShowCaption() const {
-    if (HasCaption()) {
-        ::SetWindowTextW(window_,
-                         AsRead(ToWide(WithAccessKey(caption_, design_.mnemonic)), isRightToLeft_).c_str());
-    }
-}
-
-std::string DialogControl::GetText(TextProperty property) const {
-    switch (property) {
-    case TextProperty::Tag:
-        return design_.tag != 0 ? std::to_string(design_.tag) : std::string();
-    case TextProperty::Caption:
-        return caption_;
-    default:
-        return {};
-    }
-}
-
-void DialogControl::SetText(TextProperty property, const std::string& text) {
-    if (property != TextProperty::Caption) {
-        return;
-    }
-    caption_ = text;
-    ShowCaption();
-}
-
-std::string DialogControl::TypeName() const { return TypeNameOf(design_.kind); }
-
-void DialogControl::SetAligment(std::int32_t aligment) {
-    if (design_.kind != ControlKind::Label) {
-        return;
-    }
-    // A mirrored dialog's left is what people see on the right.
-    const bool isRight = aligment == 0;
+void DialogControl::AlignToFarSide(bool isFar) {
     static_assert(SS_LEFT == 0);
-    SetBits(window_, GWL_STYLE, SS_RIGHT, isRight != isRightToLeft_);
+    SetBits(window_, GWL_STYLE, SS_RIGHT, isFar);
     ::InvalidateRect(window_, nullptr, TRUE);
 }
 

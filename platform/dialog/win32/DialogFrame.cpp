@@ -10,7 +10,7 @@ namespace qel::windows {
 
 namespace {
 
-/// A dialog template without controls; their count, menu, class and caption are zeros behind it.
+/// A dialog template without controls. The zeros after it stand for their count, menu, class and caption.
 struct EmptyTemplate {
     DLGTEMPLATE header = {};
     WORD menu = 0, windowClass = 0, caption = 0;
@@ -59,7 +59,7 @@ void DialogFrame::Centre() const {
     ::GetWindowRect(window_, &area);
     const LONG width = area.right - area.left;
     const LONG height = area.bottom - area.top;
-    // Within the screen, and its top left corner in any case.
+    // Inside the screen; the top left corner is always visible.
     const LONG left =
         std::max(std::min((around.left + around.right - width) / 2, work.right - width), work.left);
     const LONG top =
@@ -77,7 +77,7 @@ void DialogFrame::RunModal(HWND firstFocus, const std::function<void(HWND)>& bef
         isRunning_ = true;
         Pump(beforeClick);
         isRunning_ = false;
-    } // the owner can be activated again before the dialog goes
+    } // enable the owner before the dialog disappears, so that it becomes active again
     ::ShowWindow(window_, SW_HIDE);
     if (failure_) {
         std::rethrow_exception(std::exchange(failure_, nullptr));
@@ -88,7 +88,7 @@ void DialogFrame::Pump(const std::function<void(HWND)>& beforeClick) {
     while (!isEnded_) {
         MSG message = {};
         const BOOL got = ::GetMessageW(&message, nullptr, 0, 0);
-        if (got <= 0) { // the thread is to end: it is told again when the dialog is gone
+        if (got <= 0) { // the thread is ending: post the message again once the dialog is gone
             ::SendMessageW(window_, WM_CLOSE, 0, 0);
             ::PostQuitMessage(static_cast<int>(message.wParam));
             return;
@@ -133,7 +133,7 @@ INT_PTR CALLBACK DialogFrame::Procedure(HWND window, UINT message, WPARAM word, 
 
 namespace {
 
-// No lambda: one of 32 bits has another calling convention.
+// Not a lambda: on 32-bit Windows its calling convention differs.
 BOOL CALLBACK TakeVisible(HWND window, LPARAM result) {
     if (::IsWindowVisible(window) == FALSE || ::IsWindowEnabled(window) == FALSE) {
         return TRUE;

@@ -8,10 +8,10 @@
 
 namespace qel::windows {
 
-/// A dialog's window without its controls, and the loop that runs while it is shown.
+/// A dialog's window without its controls, and its modal message loop.
 class DialogFrame {
 public:
-    /// Gets the window's messages; without an answer the system treats them as any dialog's.
+    /// Handles the window's messages. Nullopt leaves a message to the system's default.
     using Handler = std::function<std::optional<LRESULT>(UINT message, WPARAM word, LPARAM value)>;
 
     DialogFrame(bool isRightToLeft, Handler handler);
@@ -21,18 +21,18 @@ public:
 
     HWND Window() const { return window_; }
     bool IsShown() const { return ::IsWindowVisible(window_) != FALSE; }
-    /// From when the window stands with its first focus until it is ended.
+    /// True from the window's first focus until End.
     bool IsRunning() const { return isRunning_; }
     void Resize(SIZE insideFrame) const;
 
-    /// No message reaches the handler any more.
+    /// Stops passing messages to the handler.
     void Silence() { handler_ = nullptr; }
 
-    /// Takes back an End of before.
+    /// Resets an earlier End.
     void Begin() { isEnded_ = false; }
-    /// Shows the window before its owner, which waits with every other window of the thread, until End; not
-    /// at all when that was called since Begin. `beforeClick` is told the window that is about to get a
-    /// click. Raises what a handler raised, which ends the dialog.
+    /// Shows the window in front of its owner until End, with the thread's other windows disabled. Returns at
+    /// once when End was called after Begin. `beforeClick` is called with a window before it gets a click. An
+    /// exception from a handler ends the dialog and is passed on.
     void RunModal(HWND firstFocus, const std::function<void(HWND)>& beforeClick);
     void End();
 
@@ -47,7 +47,7 @@ private:
     std::exception_ptr failure_;
 };
 
-/// The window that called: the thread's active one, otherwise a visible one of its own; null for none.
+/// The thread's active window, or else one of its visible windows, or null.
 HWND CallingWindow();
 
 } // namespace qel::windows

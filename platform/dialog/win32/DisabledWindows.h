@@ -6,7 +6,7 @@
 
 namespace qel::windows {
 
-/// Disables every other visible window of the thread for as long as it lives: a spreadsheet has one a book.
+/// Disables the thread's other visible windows during its lifetime: a spreadsheet has one per book.
 class DisabledWindows {
 public:
     explicit DisabledWindows(HWND dialog);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::wstring_view letters = L"ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
 
-/// The screen, with a font chosen into it.
+/// The screen's device context with a font selected.
 class ScreenWithFont {
 public:
     explicit ScreenWithFont(HFONT font) : before_(::SelectObject(screen_, font)) {}
@@ -48,7 +48,7 @@ FontMetrics::FontMetrics(const DialogFont& font, UINT dotsPerInch) {
     const SIZE extent = ScreenWithFont(font_.get()).ExtentOf(letters);
     const auto half = static_cast<int>(letters.size() / 2);
     unit_ = {(extent.cx / half + 1) / 2,
-             extent.cy}; // the average, as the system rounds it for its own dialogs
+             extent.cy}; // the average width, rounded as in the system's own dialogs
 }
 
 RECT FontMetrics::PixelsOf(const Place& place) const {
@@ -63,7 +63,7 @@ int FontMetrics::WidthOf(const std::wstring& text) const {
 }
 
 UINT DotsPerInchOf(HWND window) {
-    // Windows 7 and 8 have one resolution for all screens, and not this function.
+    // Windows 7 and 8 have one resolution for all screens and lack this function.
     using Function = UINT(WINAPI*)(HWND);
     static const auto function = reinterpret_cast<Function>(
         reinterpret_cast<void*>(::GetProcAddress(::GetModuleHandleW(L"user32.dll"), "GetDpiForWindow")));

@@ -8,7 +8,7 @@
 
 namespace qel::windows {
 
-/// A font on a screen of some resolution, and the size of the dialog units that follow from it.
+/// A font at a screen's resolution, and the size of its dialog units.
 class FontMetrics {
 public:
     FontMetrics(const DialogFont& font, UINT dotsPerInch);
@@ -28,7 +28,7 @@ private:
     SIZE unit_ = {}; ///< of an average character
 };
 
-/// The resolution of the screen on which a window is.
+/// The resolution of a window's screen.
 UINT DotsPerInchOf(HWND window);
 
 } // namespace qel::windows

@@ -9,7 +9,7 @@
 
 namespace qel::windows {
 
-/// How the items of a combo box or of a list box are reached.
+/// The messages that access the items of a combo box or list box.
 struct ItemMessages {
     UINT reset, add, count, select, selected, text, textLength;
 };
@@ -26,9 +26,9 @@ public:
 
     void Replace(const std::vector<std::string>& items) const;
     std::optional<std::size_t> Selected() const;
-    /// Raises 9 for an index beyond the items.
+    /// Raises 9 for an index out of range.
     void Select(std::optional<std::size_t> index) const;
-    /// Of the chosen item; empty when none is.
+    /// The chosen item's text, or empty.
     std::string SelectedText() const;
 
 private:
@@ -40,7 +40,7 @@ private:
     const ItemMessages& messages_;
 };
 
-/// A window's text, however long.
+/// A window's whole text.
 std::wstring WindowText(HWND window);
 
 } // namespace qel::windows

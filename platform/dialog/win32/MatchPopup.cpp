@@ -107,7 +107,7 @@ bool MatchPopup::Answer(const NMHDR& question, LRESULT& result) const {
     auto& drawing = reinterpret_cast<NMLVCUSTOMDRAW&>(const_cast<NMHDR&>(question));
     result = drawing.nmcd.dwDrawStage == CDDS_PREPAINT ? CDRF_NOTIFYITEMDRAW : CDRF_DODEFAULT;
     if (drawing.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && Highlighted() == drawing.nmcd.dwItemSpec) {
-        // Without the focus the system would draw the highlighted row pale.
+        // The list never has the focus, so the system would draw the highlighted row in grey.
         drawing.clrText = ::GetSysColor(COLOR_HIGHLIGHTTEXT);
         drawing.clrTextBk = ::GetSysColor(COLOR_HIGHLIGHT);
         drawing.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
@@ -129,7 +129,7 @@ void MatchPopup::FillIn(LVITEMW& item) const {
 }
 
 int MatchPopup::WidthOfColumn(std::size_t column) const {
-    // A few rows from all over the list tell well enough how wide their texts are.
+    // A sample of the rows is enough to estimate the column's width.
     const std::size_t step = std::max<std::size_t>(rows_.size() / mostMeasuredRows, 1);
     int width = 0;
     for (std::size_t place = 0; place < rows_.size(); place += step) {
@@ -174,7 +174,7 @@ void MatchPopup::LayOut() const {
 std::optional<std::size_t> MatchPopup::PlaceAt(LPARAM point) const {
     LVHITTESTINFO hit = {};
     hit.pt = {static_cast<short>(LOWORD(point)), static_cast<short>(HIWORD(point))};
-    // The answer does not matter where a row is as wide as the list: any point of it will do.
+    // A row is as wide as the list, so the horizontal position is irrelevant.
     hit.pt.x = 1;
     const LRESULT place = ::SendMessageW(window_, LVM_HITTEST, 0, reinterpret_cast<LPARAM>(&hit));
     return place < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(place));

@@ -11,11 +11,11 @@
 
 namespace qel::windows {
 
-/// The list that opens below a SearchList. It never takes the focus, which stays where the user types, and
-/// asks its source only for the rows that are seen.
+/// The list that opens below a SearchList. It never takes the focus from the text field, and reads only
+/// visible rows from its source.
 class MatchPopup {
 public:
-    /// `onPicked` is told when a row was clicked.
+    /// `onPicked` is called when a row is clicked.
     MatchPopup(HWND dialog, HWND field, bool isRightToLeft, std::function<void()> onPicked);
     ~MatchPopup();
     MatchPopup(const MatchPopup&) = delete;
@@ -24,17 +24,17 @@ public:
     HWND Window() const { return window_; }
     void UseFont(const FontMetrics& font);
 
-    /// Opens the list on these rows, or shows them when it is open.
+    /// Shows these rows, and opens the list if it is closed.
     void Show(std::shared_ptr<const ListSource> source, std::vector<std::uint32_t> rows,
               std::optional<std::size_t> highlighted);
     void Close();
     bool IsOpen() const { return isOpen_; }
-    /// The place of the highlighted row in the shown ones.
+    /// The index of the highlighted row among the shown rows.
     std::optional<std::size_t> Highlighted() const;
     void MoveHighlight(int places);
     int RowsPerPage() const;
 
-    /// Answers what the list asks of the dialog. True when `result` is the answer.
+    /// Handles the list's notifications to the dialog. True when `result` is to be returned.
     bool Answer(const NMHDR& question, LRESULT& result) const;
 
 private:

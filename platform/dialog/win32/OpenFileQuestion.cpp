@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t longestPath = 32768;
 
-/// Text and pattern, each ended by a zero, and one zero more.
+/// Description and pattern, each null-terminated, followed by another null.
 std::wstring FilterOf(const std::string& filter) {
     std::wstring list = ToWide(filter);
     std::replace(list.begin(), list.end(), L'|', L'\0');

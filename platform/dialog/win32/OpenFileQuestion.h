@@ -7,7 +7,7 @@
 
 namespace qel::windows {
 
-/// Shows the system's dialog for opening a file before the owner; empty when the user chose none.
+/// Shows the system's open-file dialog in front of the owner. Empty when the user cancels.
 std::string AskForFileToOpen(HWND owner, const FileQuestion& question);
 
 } // namespace qel::windows

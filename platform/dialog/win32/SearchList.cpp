@@ -1,5 +1,6 @@
 #include "platform/dialog/win32/SearchList.h"
 
+#include "platform/dialog/DesignedControl.h"
 #include "platform/dialog/win32/CarriedPointer.h"
 #include "platform/dialog/win32/ItemMessages.h"
 #include "platform/dialog/win32/WaitCursor.h"
@@ -140,26 +141,15 @@ void SearchList::TakeBack() {
 void SearchList::Choose(std::optional<std::size_t> row) {
     chosen_ = row;
     isTyped_ = false;
-    const std::wstring text = row ? ToWide(TextOf(*row)) : std::wstring();
+    const std::wstring text = row ? ToWide(RowText(*rows_, *row)) : std::wstring();
     isWriting_ = true;
     ::SetWindowTextW(combo_, text.c_str());
     isWriting_ = false;
 }
 
-std::string SearchList::TextOf(std::size_t row) const {
-    std::string text;
-    for (std::size_t column = 0; column < rows_->ColumnCount(); ++column) {
-        const std::string part = rows_->Text(row, column);
-        if (!part.empty() && part != text) {
-            text += text.empty() ? part : " - " + part;
-        }
-    }
-    return text;
-}
-
 std::optional<LRESULT> SearchList::OnComboMessage(UINT message, WPARAM word) {
     switch (message) {
-    case WM_LBUTTONDOWN: // on the arrow: the system's own list stays empty and closed
+    case WM_LBUTTONDOWN: // on the arrow: keep the system's own, empty list closed
     case WM_LBUTTONDBLCLK:
         ::SetFocus(field_);
         Toggle();
@@ -179,7 +169,7 @@ std::optional<LRESULT> SearchList::OnComboMessage(UINT message, WPARAM word) {
 std::optional<LRESULT> SearchList::OnFieldMessage(UINT message, WPARAM word, LPARAM value) {
     switch (message) {
     case WM_GETDLGCODE:
-        // While the list is open, Enter and Esc are its own keys and not the dialog's.
+        // While the list is open, it handles Enter and Esc itself.
         if (popup_.IsOpen() && (word == VK_RETURN || word == VK_ESCAPE)) {
             return DLGC_WANTALLKEYS | DLGC_WANTCHARS | DLGC_HASSETSEL;
         }

@@ -7,11 +7,11 @@
 
 namespace qel::windows {
 
-/// A combo box over a ListSource. What is typed opens a list of the rows that match it; the arrow keys move
-/// in it, Enter, a click, or leaving the field choose, Esc takes back what was typed.
+/// A combo box over a ListSource. Typing opens a list of the matching rows. The arrow keys move in it; Enter,
+/// a click or leaving the field chooses a row; Esc undoes the typing.
 class SearchList {
 public:
-    /// `combo` is a combo box with a text field. `onChosen` is told when the user chose another row, or none.
+    /// `combo` is a combo box with a text field. `onChosen` is called when the user's choice changes.
     SearchList(HWND dialog, HWND combo, bool isRightToLeft, std::function<void()> onChosen);
     ~SearchList();
     SearchList(const SearchList&) = delete;
@@ -25,9 +25,9 @@ public:
 
     /// The text field's text was edited.
     void OnTyped();
-    /// Chooses what the typed text means, and closes the list.
+    /// Chooses the row that the typed text stands for, and closes the list.
     void Commit();
-    /// Closes the list when the window is no part of it.
+    /// Closes the list when the clicked window is not part of it.
     void OnClickIn(HWND window);
     bool Answer(const NMHDR& question, LRESULT& result) const { return popup_.Answer(question, result); }
 
@@ -38,7 +38,7 @@ private:
                                            DWORD_PTR self);
     std::optional<LRESULT> OnComboMessage(UINT message, WPARAM word);
     std::optional<LRESULT> OnFieldMessage(UINT message, WPARAM word, LPARAM value);
-    /// True when the key was one of the list's.
+    /// True when the key was handled.
     bool OnKey(WPARAM key);
 
     void Open();
@@ -46,7 +46,6 @@ private:
     void PickHighlighted();
     void TakeBack();
     void Choose(std::optional<std::size_t> row);
-    std::string TextOf(std::size_t row) const;
 
     HWND combo_, field_;
     std::function<void()> onChosen_;
@@ -56,7 +55,7 @@ private:
     std::optional<std::size_t> chosen_;
     std::optional<std::size_t> before_; ///< what was chosen before the user began to type
     bool isTyped_ = false;
-    bool isWriting_ = false; ///< the text is the program's own
+    bool isWriting_ = false; ///< the program is setting the text
 };
 
 } // namespace qel::windows

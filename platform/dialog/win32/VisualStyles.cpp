@@ -4,7 +4,7 @@ namespace qel::windows {
 
 namespace {
 
-/// Kept until the process ends, as the module of this code is.
+/// Never released: this module stays loaded until the process ends.
 HANDLE Context() {
     static const HANDLE context = [] {
         HMODULE module = nullptr;

@@ -4,8 +4,8 @@
 
 namespace qel::windows {
 
-/// Controls that are made while it lives look as the user's desktop does, when the module of this code brings
-/// the manifest that asks for it; otherwise they look as the host's do.
+/// During its lifetime, controls are created with the desktop's visual style if this module has the manifest
+/// for it; otherwise with the host's style.
 class VisualStyles {
 public:
     VisualStyles();

@@ -4,7 +4,7 @@
 
 namespace qel::windows {
 
-/// Shows the hourglass while it lives.
+/// Shows the hourglass during its lifetime.
 class WaitCursor {
 public:
     WaitCursor() : before_(::SetCursor(::LoadCursorW(nullptr, IDC_WAIT))) {}

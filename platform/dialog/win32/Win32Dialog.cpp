@@ -20,47 +20,36 @@ constexpr UINT tellWaiting = WM_APP + 1;
 constexpr UINT_PTR whileButtonIsHeld = 1; ///< a timer
 constexpr UINT timeBetweenLooks = 15;     ///< ms
 
-/// Counts up for as long as it lives.
-class Counted {
-public:
-    explicit Counted(int& count) : count_(count) { ++count_; }
-    ~Counted() { --count_; }
-    Counted(const Counted&) = delete;
-    Counted& operator=(const Counted&) = delete;
-
-private:
-    int& count_;
-};
-
 bool HasFocus(const DialogControl& control) {
     const HWND focus = ::GetFocus();
     return focus == control.Window() || ::IsChild(control.Window(), focus) != FALSE;
 }
 
-bool IsFieldKind(ControlKind kind) {
-    return kind == ControlKind::TextBox || kind == ControlKind::ComboBox || kind == ControlKind::BoundList;
-}
-
 } // namespace
 
 Win32Dialog::Win32Dialog(const FormDesign& design, bool isRightToLeft, DialogEvents& events)
-    : design_(design), isRightToLeft_(isRightToLeft), events_(events), font_{"Tahoma", 8},
+    : DesignedDialog(design, isRightToLeft, events), font_{"Tahoma", 8},
       frame_(isRightToLeft,
              [this](UINT message, WPARAM word, LPARAM value) { return OnMessage(message, word, value); }) {
-    const Counted own(ownChanges_);
+    const OwnChange own(*this);
     MakeControls();
     Win32Dialog::SetCaption(design.caption);
     LayOut();
 }
 
+Win32Dialog::~Win32Dialog() {
+    frame_.Silence();
+    RemoveControls(); // before their window and their font
+}
+
 void Win32Dialog::MakeControls() {
     const VisualStyles styles;
-    for (std::size_t i = 0; i < design_.controls.size(); ++i) {
-        const ControlDesign& control = design_.controls[i];
-        const auto onChosen = [this, i] { Wait(Waiting::Kind::Change, *controls_[i]); };
-        controls_.push_back(std::make_unique<DialogControl>(
-            frame_.Window(), control, ControlId(design_, i),
-            control.name == std::string_view(design_.defaultButton), isRightToLeft_, onChosen));
+    for (std::size_t i = 0; i < Design().controls.size(); ++i) {
+        const ControlDesign& control = Design().controls[i];
+        const auto onChosen = [this, i] { Wait(Waiting::Kind::Change, *OwnControls()[i]); };
+        Add(std::make_unique<DialogControl>(frame_.Window(), control, ControlId(Design(), i),
+                                            control.name == std::string_view(Design().defaultButton),
+                                            IsRightToLeft(), onChosen));
     }
 }
 
@@ -68,10 +57,10 @@ void Win32Dialog::LayOut() {
     FontMetrics metrics(font_, DotsPerInchOf(frame_.Window()));
     std::optional<FontMetrics> before =
         std::exchange(metrics_, std::move(metrics)); // ends after its last use
-    for (const auto& control : controls_) {
+    for (const auto& control : OwnControls()) {
         control->UseFont(*metrics_);
     }
-    const RECT inside = metrics_->PixelsOf({0, 0, design_.width, design_.height});
+    const RECT inside = metrics_->PixelsOf({0, 0, Design().width, Design().height});
     frame_.Resize({inside.right, inside.bottom});
 }
 
@@ -79,11 +68,11 @@ void Win32Dialog::ShowModal() {
     const VisualStyles styles;
     firstFocus_ = nullptr;
     frame_.Begin();
-    events_.OnLoad();
+    Events().OnLoad();
     const HWND first =
         firstFocus_ != nullptr ? firstFocus_ : ::GetNextDlgTabItem(frame_.Window(), nullptr, FALSE);
     frame_.RunModal(first, [this](HWND clicked) {
-        for (const auto& control : controls_) {
+        for (const auto& control : OwnControls()) {
             if (control->Search() != nullptr) {
                 control->Search()->OnClickIn(clicked);
             }
@@ -92,91 +81,27 @@ void Win32Dialog::ShowModal() {
     waiting_.clear();
 }
 
-DialogControl& Win32Dialog::Find(std::string_view control, std::initializer_list<ControlKind> kinds) const {
-    const auto found = std::find_if(controls_.begin(), controls_.end(), [&](const auto& candidate) {
-        return candidate->Design().name == control;
-    });
-    if (found == controls_.end() ||
-        std::find(kinds.begin(), kinds.end(), (*found)->Design().kind) == kinds.end()) {
-        throw AutomationError(ErrorNumber::InvalidProcedureCall, std::string(design_.name) +
-                                                                     ": no control '" + std::string(control) +
-                                                                     "' that can do this");
-    }
-    return **found;
-}
-
 DialogControl* Win32Dialog::WithId(int id) const {
-    const auto found = std::find_if(controls_.begin(), controls_.end(),
+    const auto found = std::find_if(OwnControls().begin(), OwnControls().end(),
                                     [&](const auto& candidate) { return candidate->Id() == id; });
-    return found != controls_.end() ? found->get() : nullptr;
+    return found != OwnControls().end() ? found->get() : nullptr;
 }
 
 void Win32Dialog::SetEnabled(std::string_view control, bool isEnabled) {
-    using enum ControlKind;
-    const HWND window =
-        Find(control, {Label, TextBox, Button, CheckBox, ComboBox, BoundList, ListBox, Line}).Window();
+    const HWND window = Find(control, shown).Window();
     const HWND focus = ::GetFocus();
     const bool losesFocus = !isEnabled && (focus == window || ::IsChild(window, focus) != FALSE);
-    if (losesFocus) { // nobody could go on by the keyboard otherwise
+    if (losesFocus) { // otherwise the keyboard would have no focus
         ::SendMessageW(frame_.Window(), WM_NEXTDLGCTL, 0, FALSE);
     }
     ::EnableWindow(window, isEnabled ? TRUE : FALSE);
 }
 
-bool Win32Dialog::IsEnabled(std::string_view control) const {
-    using enum ControlKind;
-    return ::IsWindowEnabled(
-               Find(control, {Label, TextBox, Button, CheckBox, ComboBox, BoundList, ListBox, Line})
-                   .Window()) != FALSE;
-}
-
 void Win32Dialog::SetFocus(std::string_view control) {
-    using enum ControlKind;
-    firstFocus_ = Find(control, {TextBox, Button, CheckBox, ComboBox, BoundList, ListBox}).Window();
+    firstFocus_ = Find(control, focusable).Window();
     if (frame_.IsShown()) {
         ::SendMessageW(frame_.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(firstFocus_), TRUE);
     }
-}
-
-std::string Win32Dialog::Text(std::string_view control) const {
-    using enum ControlKind;
-    return Find(control, {Label, TextBox, Button, CheckBox, ComboBox, BoundList, ListBox}).Content();
-}
-
-void Win32Dialog::SetText(std::string_view control, const std::string& text) {
-    using enum ControlKind;
-    const Counted own(ownChanges_);
-    Find(control, {Label, TextBox, Button, CheckBox}).SetContent(text);
-}
-
-bool Win32Dialog::IsChecked(std::string_view control) const {
-    return Find(control, {ControlKind::CheckBox}).IsChecked();
-}
-
-void Win32Dialog::SetChecked(std::string_view control, bool isChecked) {
-    const Counted own(ownChanges_);
-    Find(control, {ControlKind::CheckBox}).SetChecked(isChecked);
-}
-
-void Win32Dialog::SetItems(std::string_view control, const std::vector<std::string>& items) {
-    const Counted own(ownChanges_);
-    Find(control, {ControlKind::ComboBox, ControlKind::ListBox}).SetItems(items);
-}
-
-std::optional<std::size_t> Win32Dialog::Selected(std::string_view control) const {
-    using enum ControlKind;
-    return Find(control, {ComboBox, ListBox, BoundList}).Selected();
-}
-
-void Win32Dialog::Select(std::string_view control, std::optional<std::size_t> index) {
-    using enum ControlKind;
-    const Counted own(ownChanges_);
-    Find(control, {ComboBox, ListBox, BoundList}).Select(index);
-}
-
-void Win32Dialog::Bind(std::string_view control, std::shared_ptr<const ListSource> rows) {
-    const Counted own(ownChanges_);
-    Find(control, {ControlKind::BoundList}).Search()->Bind(std::move(rows));
 }
 
 std::string Win32Dialog::AskForFile(std::string_view control, const FileQuestion& question) {
@@ -184,12 +109,8 @@ std::string Win32Dialog::AskForFile(std::string_view control, const FileQuestion
     return AskForFileToOpen(frame_.Window(), question);
 }
 
-std::string Win32Dialog::Tag() const {
-    return design_.tag != 0 ? std::to_string(design_.tag) : std::string();
-}
-
 void Win32Dialog::SetCaption(const std::string& caption) {
-    ::SetWindowTextW(frame_.Window(), AsRead(ToWide(caption), isRightToLeft_).c_str());
+    ::SetWindowTextW(frame_.Window(), AsRead(ToWide(caption), IsRightToLeft()).c_str());
 }
 
 void Win32Dialog::SetFont(const DialogFont& font) {
@@ -200,14 +121,6 @@ void Win32Dialog::SetFont(const DialogFont& font) {
     LayOut();
 }
 
-std::vector<FormControl*> Win32Dialog::Controls() const {
-    std::vector<FormControl*> controls;
-    for (const auto& control : controls_) {
-        controls.push_back(control.get());
-    }
-    return controls;
-}
-
 std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM value) {
     switch (message) {
     case WM_COMMAND:
@@ -215,7 +128,7 @@ std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM 
         return 0;
     case WM_NOTIFY: {
         LRESULT result = 0;
-        for (const auto& control : controls_) {
+        for (const auto& control : OwnControls()) {
             if (control->Search() != nullptr &&
                 control->Search()->Answer(*CarriedPointer<const NMHDR>(value), result)) {
                 return result;
@@ -233,7 +146,7 @@ std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM 
     case WM_CLOSE:
         OnClosed();
         return 0;
-    case WM_DESTROY: // from outside: the controls can still be read
+    case WM_DESTROY: // closed from outside; the controls can still be read
         if (frame_.IsShown()) {
             OnClosed();
         }
@@ -254,7 +167,7 @@ void Win32Dialog::OnCommand(int id, int code) {
         }
         return;
     }
-    if (ownChanges_ > 0) {
+    if (IsOwnChange()) {
         return;
     }
     switch (control->Design().kind) {
@@ -266,14 +179,14 @@ void Win32Dialog::OnCommand(int id, int code) {
         break;
     case ControlKind::TextBox:
         if (code == EN_CHANGE) {
-            events_.OnChange(control->Design().name);
+            Events().OnChange(control->Design().name);
         }
         break;
     case ControlKind::ComboBox:
     case ControlKind::ListBox:
         static_assert(CBN_SELCHANGE == LBN_SELCHANGE);
         if (code == CBN_SELCHANGE) {
-            events_.OnChange(control->Design().name);
+            Events().OnChange(control->Design().name);
         }
         break;
     case ControlKind::BoundList:
@@ -285,7 +198,7 @@ void Win32Dialog::OnCommand(int id, int code) {
         break;
     }
     const int focusLost = control->Design().kind == ControlKind::TextBox ? EN_KILLFOCUS : CBN_KILLFOCUS;
-    // A list's combo box passes the focus on to its own text field.
+    // A bound list's combo box passes the focus on to its text field.
     if (IsFieldKind(control->Design().kind) && code == focusLost && !HasFocus(*control)) {
         if (control->Search() != nullptr) {
             control->Search()->Commit();
@@ -295,24 +208,24 @@ void Win32Dialog::OnCommand(int id, int code) {
 }
 
 void Win32Dialog::OnPressed(DialogControl& control) {
-    // Keys press a button without leaving the field in which something was typed.
-    for (const auto& other : controls_) {
+    // Keys press a button without moving the focus out of the edited field.
+    for (const auto& other : OwnControls()) {
         if (other->Search() != nullptr && control.Id() != IDCANCEL) {
             other->Search()->Commit();
         }
     }
-    // A handler that refuses what was left in a field says why and leads back to it, or disables the button.
+    // A handler that rejects a field's content moves the focus back to it or disables the button.
     const bool isRefused = !TellWaiting() || ::IsWindowEnabled(control.Window()) == FALSE;
-    const bool isCancel = control.Id() == IDCANCEL; // which needs nothing of the field
+    const bool isCancel = control.Id() == IDCANCEL; // cancelling ignores the field
     if (!frame_.IsRunning() || (control.Design().kind == ControlKind::Button && isRefused && !isCancel)) {
         return;
     }
     const WaitCursor wait;
-    events_.OnClick(control.Design().name);
+    Events().OnClick(control.Design().name);
 }
 
 void Win32Dialog::OnClosed() {
-    events_.OnQueryUnload();
+    Events().OnQueryUnload();
     frame_.End();
 }
 
@@ -323,7 +236,7 @@ void Win32Dialog::ShowHelp() const {
 }
 
 void Win32Dialog::Wait(Waiting::Kind kind, DialogControl& control) {
-    if (!frame_.IsRunning()) { // the system's own first focus is nobody's doing
+    if (!frame_.IsRunning()) { // the system sets the first focus, not the user
         return;
     }
     waiting_.push_back({kind, &control});
@@ -331,8 +244,8 @@ void Win32Dialog::Wait(Waiting::Kind kind, DialogControl& control) {
 }
 
 void Win32Dialog::TellWaitingWhenReleased() {
-    // The mouse is not up yet: a message box of a handler would swallow the click, which tells what waits
-    // anyway.
+    // While the mouse button is down, a handler's message box would swallow the click. The click itself
+    // raises the waiting events.
     if (IsButtonHeld()) {
         ::SetTimer(frame_.Window(), whileButtonIsHeld, timeBetweenLooks, nullptr);
         return;
@@ -343,7 +256,8 @@ void Win32Dialog::TellWaitingWhenReleased() {
 
 bool Win32Dialog::IsButtonHeld() const {
     const HWND holder = ::GetCapture();
-    return holder != nullptr && std::any_of(controls_.begin(), controls_.end(), [&](const auto& control) {
+    return holder != nullptr &&
+           std::any_of(OwnControls().begin(), OwnControls().end(), [&](const auto& control) {
                const ControlKind kind = control->Design().kind;
                return control->Window() == holder &&
                       (kind == ControlKind::Button || kind == ControlKind::CheckBox);
@@ -352,14 +266,14 @@ bool Win32Dialog::IsButtonHeld() const {
 
 bool Win32Dialog::TellWaiting() {
     bool areLeft = true;
-    // Handlers may show message boxes, which pump messages: each event is told once.
+    // Handlers may show message boxes, which pump messages, so an event is removed before it is raised.
     while (!waiting_.empty()) {
         const Waiting next = waiting_.front();
         waiting_.erase(waiting_.begin());
         if (next.kind == Waiting::Kind::Change) {
-            events_.OnChange(next.control->Design().name);
+            Events().OnChange(next.control->Design().name);
         } else if (HasLeft(*next.control)) {
-            events_.OnLeave(next.control->Design().name);
+            Events().OnLeave(next.control->Design().name);
             areLeft = areLeft && !HasFocus(*next.control);
         }
     }

@@ -4,7 +4,7 @@
 
 namespace qel::windows {
 
-/// Dialogs of the system's own controls. They belong to the thread that makes them.
+/// Dialogs of the system's own controls. They belong to the thread that creates them.
 class Win32DialogToolkit : public DialogToolkit {
 public:
     std::unique_ptr<Dialog> NewDialog(const FormDesign& design, bool isRightToLeft,

@@ -4,12 +4,11 @@
 
 namespace qel {
 
-/// Where the user's settings are kept: the folder "qel" of $XDG_CONFIG_HOME when that is an absolute path,
-/// otherwise of ".config" in the home folder. The folder may be missing. Raises AutomationError when neither
-/// is known.
+/// The folder of the user's settings: "qel" in $XDG_CONFIG_HOME if that is an absolute path, otherwise in
+/// ".config" of the home folder. It may not exist. Raises AutomationError when neither is known.
 std::filesystem::path ConfigFolder();
 
-/// The file that stands for the registry.
+/// The file that replaces the registry.
 std::filesystem::path SettingsFile();
 
 } // namespace qel

@@ -10,7 +10,7 @@ namespace {
 constexpr std::int32_t written = 1;
 constexpr std::int32_t notWritten = 0;
 
-/// A value keeps its outer blanks by standing in quotes of either kind.
+/// Removes surrounding quotes of either kind, which preserve outer blanks.
 std::string WithoutQuotes(const std::string& value) {
     const bool isQuoted =
         value.size() >= 2 && (value.front() == '"' || value.front() == '\'') && value.front() == value.back();

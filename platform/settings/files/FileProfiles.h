@@ -7,8 +7,8 @@
 
 namespace qel {
 
-/// Profile files as UTF-8 text. What cannot be read is empty and what cannot be written returns 0, as the
-/// platform's own calls have it; LastError tells why.
+/// Profile files as UTF-8 text. Like the platform's own calls, a failed read returns an empty text and a
+/// failed write returns 0; LastError gives the reason.
 class FileProfiles : public ProfileFiles {
 public:
     std::string ReadString(const std::string& section, const std::string& key, std::size_t capacity,
@@ -18,7 +18,7 @@ public:
     std::string ReadSection(const std::string& section, std::size_t capacity,
                             const std::string& file) override;
 
-    /// Of the last call; none when it succeeded.
+    /// The error of the last call; nullopt when it succeeded.
     const std::optional<AutomationError>& LastError() const { return lastError_; }
 
 private:

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::int32_t closed = 0;
 constexpr std::int32_t invalidHandle = 6;
-/// The number of the first handle; small numbers look like errors to some callers.
+/// The first handle. Small numbers look like errors to some callers.
 constexpr KeyHandle firstHandle = 0x100;
 
 std::string SectionName(KeyHandle root, const std::string& subKey) {
@@ -26,7 +26,7 @@ std::optional<KeyHandle> FileRegistry::OpenKey(KeyHandle root, const std::string
             return std::nullopt;
         }
     } catch (const AutomationError&) {
-        return std::nullopt; // a registry that cannot be read is told by nobody either
+        return std::nullopt; // like a registry that cannot be read
     }
     auto place = std::find(openKeys_.begin(), openKeys_.end(), std::string());
     if (place == openKeys_.end()) {

@@ -9,9 +9,9 @@
 
 namespace qel {
 
-/// The registry as a settings file: a section is a key, named in full
-/// ("[HKEY_CURRENT_USER\SOFTWARE\QRN\Pralix 17]"), and its entries are the key's values, every one a text. A
-/// file that cannot be read is a registry without keys.
+/// The registry as a settings file: a section is a key by its full name
+/// ("[HKEY_CURRENT_USER\SOFTWARE\QRN\Pralix 17]"), and its entries are the key's values, all texts. An
+/// unreadable file is an empty registry.
 class FileRegistry : public Registry {
 public:
     explicit FileRegistry(const std::filesystem::path& file) : file_(file) {}
@@ -20,14 +20,13 @@ public:
     std::optional<RegistryValue> QueryValue(KeyHandle key, const std::string& name) override;
     std::int32_t CloseKey(KeyHandle key) override;
 
-    /// Makes the key when it is missing. Raises AutomationError when the file cannot be written; its folder
-    /// must exist.
+    /// Creates a missing key. Raises AutomationError when the file cannot be written; its folder must exist.
     void SetValue(KeyHandle root, const std::string& subKey, const std::string& name,
                   const std::string& text) const;
 
 private:
     IniFile file_;
-    std::vector<std::string> openKeys_; ///< the section of every handle; empty for one that is free
+    std::vector<std::string> openKeys_; ///< the section of each handle; empty for a free handle
 };
 
 } // namespace qel

@@ -20,15 +20,15 @@ namespace fs = std::filesystem;
 constexpr std::int32_t deviceIoError = 57;
 constexpr std::int32_t pathFileAccessError = 75;
 
-/// Comments after the last entry belong to no entry, and the library forgets them; as the comments of a
-/// section that is added at the end they stay. This one is taken off again before the text is written.
+/// The library drops comments after the last entry. A section added at the end keeps them as its own
+/// comments; it is removed again before the text is written.
 constexpr const char* endSection = "\x01 end";
 
 AutomationError FileError(std::int32_t number, const fs::path& path, std::string_view fault) {
     return {number, fmt::format("The settings file '{}' {}.", PathToUtf8(path), fault)};
 }
 
-/// Empty for a missing file.
+/// Empty when the file is missing.
 std::string ReadText(const fs::path& path) {
     std::error_code failed;
     if (fs::status(path, failed).type() == fs::file_type::not_found) {
@@ -92,7 +92,7 @@ bool Write(const fs::path& path, const std::string& text) {
     return static_cast<bool>(file);
 }
 
-/// Writes the file as a whole, under another name first. A link stays one, and who may read the file stays.
+/// Writes the file under another name and renames it. Symbolic links and permissions are preserved.
 void Replace(const fs::path& path, const std::string& text) {
     std::error_code failed;
     const bool isThere = fs::exists(path, failed);
@@ -121,13 +121,13 @@ void RequireOneLine(const fs::path& path, std::string_view value) {
     }
 }
 
-/// Nothing is written when a line, by its number, would be lost.
+/// Raises, without writing, when the line with that number would be lost.
 void RequireNone(const fs::path& path, const std::optional<std::size_t>& line) {
     if (line) {
         throw FileError(
             pathFileAccessError, path,
-            fmt::format("is left as it is: line {} would be lost, because it is no name=value, [section] "
-                        "or comment (;) in its place. Correct or remove it first",
+            fmt::format("is left unchanged: line {} would be lost, because it is not a name=value, [section] "
+                        "or comment (;) line, or is out of place. Correct or remove it first",
                         *line));
     }
 }

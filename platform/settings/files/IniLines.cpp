@@ -36,7 +36,7 @@ std::vector<std::string_view> LinesOf(std::string_view text) {
 
 bool IsComment(std::string_view line) { return line.front() == ';' || line.front() == '#'; }
 
-/// The name of the section that the line begins, if it does so and nothing else.
+/// The section's name, if the line is a heading.
 std::optional<std::string_view> SectionOf(std::string_view line) {
     if (line.front() != '[' || line.find(']') != line.size() - 1) {
         return std::nullopt;
@@ -55,7 +55,7 @@ std::string Normalised(std::string_view line) {
     return std::string(KeyOf(line)) + '=' + std::string(WithoutSpace(line.substr(equals + 1)));
 }
 
-/// A control character, which no line of settings holds; a carriage return inside a line is one.
+/// A control character, such as a carriage return inside the line. No line of settings has one.
 bool IsStray(char c) { return static_cast<unsigned char>(c) < ' ' && c != '\t'; }
 
 /// How often each line of entries, comments and junk occurs.

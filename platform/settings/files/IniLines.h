@@ -11,14 +11,14 @@ struct IniEntry {
     std::string section, key;
 };
 
-/// The number (from 1) of the first line that the library would misread: a heading without its end
-/// or name, or a line with a control character inside. None when there is none.
-std::optional<std::size_t> FirstBrokenLine(std::string_view text);
+/// The number (from 1) of the first line that the library would misread: an incomplete heading, or a line
+/// with a control character. Nullopt when there is no such line.
+[[nodiscard]] std::optional<std::size_t> FirstBrokenLine(std::string_view text);
 
-/// Compares a profile file's text before and after one entry was set: the number (from 1) of the first line
-/// that is not there any more, blanks around its parts aside. Blank lines, the headings of sections and the
-/// entry itself may go. None when nothing is lost.
-std::optional<std::size_t> FirstLineLost(std::string_view before, std::string_view after,
-                                         const IniEntry& changed);
+/// Compares a profile file's text before and after an entry was set: the number (from 1) of the first line
+/// that got lost, blanks around its parts ignored. Blank lines, headings and the entry itself do not count.
+/// Nullopt when nothing is lost.
+[[nodiscard]] std::optional<std::size_t> FirstLineLost(std::string_view before, std::string_view after,
+                                                       const IniEntry& changed);
 
 } // namespace qel

@@ -24,7 +24,7 @@ bool CodePageHas(const std::wstring& text) {
     return text.empty() || (length > 0 && isReplaced == FALSE);
 }
 
-/// Nothing of a file that is missing; none when it is there and cannot be read.
+/// Empty when the file is missing; nullopt when it cannot be read.
 std::optional<std::string> ReadBytes(const fs::path& file) {
     std::error_code failed;
     std::ifstream stream(file, std::ios::binary);
@@ -42,7 +42,7 @@ std::wstring FromCodePage(const std::string& bytes) {
     return text;
 }
 
-/// True when all of it reached the disk.
+/// True when everything was written to disk.
 bool WriteUtf16(const std::wstring& text, const fs::path& file) {
     std::ofstream stream(file, std::ios::binary);
     stream << utf16Mark;
@@ -62,7 +62,7 @@ void MakeRoomFor(const std::wstring& text, const std::wstring& file) {
     if (!bytes || bytes->starts_with(utf16Mark)) {
         return;
     }
-    const std::wstring rewritten = file + L".new"; // takes the file's place only when it is whole
+    const std::wstring rewritten = file + L".new"; // replaces the file once it is complete
     std::error_code ignored;
     if (WriteUtf16(FromCodePage(*bytes), rewritten)) {
         fs::rename(rewritten, file, ignored);

@@ -4,8 +4,8 @@
 
 namespace qel::windows {
 
-/// Makes a profile file hold UTF-16 when the system's code page, in which profile files are kept, lacks a
-/// letter of `text`. Otherwise, and when the file cannot be rewritten, it stays as it is.
+/// Converts a profile file from the system's code page to UTF-16 when the code page lacks a letter of `text`.
+/// The file is unchanged otherwise, and when it cannot be rewritten.
 void MakeRoomFor(const std::wstring& text, const std::wstring& file);
 
 } // namespace qel::windows

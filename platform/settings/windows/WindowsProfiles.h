@@ -4,8 +4,8 @@
 
 namespace qel::windows {
 
-/// The system's profile files. They hold text in the system's code page, or UTF-16 when they start with its
-/// byte order mark; a file becomes UTF-16 when a text is written that the code page lacks.
+/// The system's profile files, in the system's code page, or in UTF-16 when they start with its byte order
+/// mark. Writing a letter that the code page lacks converts the file to UTF-16.
 class WindowsProfiles : public ProfileFiles {
 public:
     std::string ReadString(const std::string& section, const std::string& key, std::size_t capacity,

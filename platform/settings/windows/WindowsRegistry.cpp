@@ -8,9 +8,10 @@ namespace qel::windows {
 
 namespace {
 
-/// Handles have 32 significant bits on every Windows; the roots' are negative numbers.
+/// Handles have 32 significant bits on every Windows; those of the roots are negative.
 HKEY SystemHandle(KeyHandle handle) {
-    return reinterpret_cast<HKEY>(static_cast<LONG_PTR>(static_cast<std::int32_t>(handle)));
+    const auto value = static_cast<LONG_PTR>(static_cast<std::int32_t>(handle));
+    return reinterpret_cast<HKEY>(value); // NOLINT(performance-no-int-to-ptr): a handle is a number
 }
 
 KeyHandle PortHandle(HKEY key) { return static_cast<KeyHandle>(reinterpret_cast<ULONG_PTR>(key)); }
@@ -37,7 +38,7 @@ std::optional<RegistryValue> WindowsRegistry::QueryValue(KeyHandle key, const st
     DWORD type = 0;
     DWORD size = 0;
     LSTATUS status = ::RegQueryValueExW(SystemHandle(key), wideName.c_str(), nullptr, &type, nullptr, &size);
-    do { // another program may make it longer in between
+    do { // another program may lengthen the value in between
         value.data.resize(size);
         if (status == ERROR_SUCCESS || status == ERROR_MORE_DATA) {
             status = ::RegQueryValueExW(SystemHandle(key), wideName.c_str(), nullptr, &type,

@@ -4,7 +4,7 @@
 
 namespace qel::windows {
 
-/// The registry of the machine. Texts are read in UTF-16, so Hebrew arrives whole in every regional setting.
+/// The machine's registry. Texts are read as UTF-16, so that Hebrew is preserved in every locale.
 class WindowsRegistry : public Registry {
 public:
     std::optional<KeyHandle> OpenKey(KeyHandle root, const std::string& subKey) override;

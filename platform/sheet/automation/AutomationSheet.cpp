@@ -47,7 +47,7 @@ public:
         return std::make_shared<AutomationRange>(application_.Child(L"Cells", ArgumentList(row, column)));
     }
     std::shared_ptr<SheetRange> Range(const SheetRange& first, const SheetRange& last) const override {
-        // Every range of this application is of this class.
+        // Ranges of this application are always of this class.
         const auto& from = dynamic_cast<const AutomationRange&>(first).Object();
         const auto& to = dynamic_cast<const AutomationRange&>(last).Object();
         return std::make_shared<AutomationRange>(application_.Child(L"Range", ArgumentList(from, to)));

@@ -5,7 +5,7 @@
 
 namespace qel::windows {
 
-/// The cell that a macro passed, reached as a macro reaches it. Raises 91 for a null pointer.
+/// The cell that a macro passed, accessed through its object model. Raises 91 for a null pointer.
 std::shared_ptr<SheetRange> SheetRangeOf(IDispatch* cell);
 
 } // namespace qel::windows

@@ -33,7 +33,7 @@ namespace {
 
 using RangeReference = uno::Reference<sheet::XSheetCellRange>;
 
-/// A sheet object's other interface. Raises 91 when it has none.
+/// Another interface of a sheet object. Raises 91 when it is missing.
 template <class Interface, class Object>
 uno::Reference<Interface> As(const Object& object) {
     uno::Reference<Interface> found(object, uno::UNO_QUERY);
@@ -54,7 +54,7 @@ RangeReference RangeOf(const RangeReference& spreadsheet, sal_Int32 left, sal_In
 
 class CalcRange;
 
-/// The document, as the object model's application.
+/// The document in the role of the object model's application.
 class CalcApplication : public SheetApplication {
 public:
     explicit CalcApplication(const SheetDocument& document) : document_(document) {}
@@ -141,8 +141,8 @@ private:
         }
     }
 
-    /// Puts a value into a cell as if it were typed; one that begins with "=" is a formula as Excel writes
-    /// it.
+    /// Enters a value into a cell as if it were typed. A text that begins with "=" is a formula in Excel's
+    /// syntax.
     void SetCell(const uno::Reference<table::XCell>& cell, const Variant& value) const {
         const std::string text = ToText(value, {});
         if (text.starts_with('=')) {
@@ -186,7 +186,7 @@ uno::Reference<com::sun::star::frame::XController> ControllerOf(const SheetDocum
     return controller;
 }
 
-/// The cell, the range, or the first of several ranges that an object is; nothing for any other object.
+/// The cell or range of an object, or the first of its ranges; null for any other object.
 RangeReference FirstRange(const uno::Reference<uno::XInterface>& object) {
     const uno::Reference<sheet::XSheetCellRangeContainer> several(object, uno::UNO_QUERY);
     if (several.is()) {

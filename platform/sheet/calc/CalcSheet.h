@@ -9,11 +9,11 @@ namespace qel::office {
 
 using SheetDocument = com::sun::star::uno::Reference<com::sun::star::sheet::XSpreadsheetDocument>;
 
-/// The first cell of what is selected in the document's window. Raises 91 when the document shows no sheet.
+/// The first cell of the selection in the document's window. Raises 91 when the document shows no sheet.
 std::shared_ptr<SheetRange> ActiveCellOf(const SheetDocument& document);
 
-/// A cell, or the first cell of a range, that a macro passed; null when the object is neither. Its document
-/// is the one whose window shows it.
+/// The cell, or the first cell of the range, that a macro passed; null for any other object. Its document is
+/// the one whose window shows it.
 std::shared_ptr<SheetRange> CellFrom(const com::sun::star::uno::Any& object, const SheetDocument& document);
 
 } // namespace qel::office

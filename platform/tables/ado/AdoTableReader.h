@@ -4,10 +4,10 @@
 
 namespace qel::windows {
 
-/// Reads saved recordsets through the provider that saves them, in their XML form and their binary one.
+/// Reads saved recordsets, in XML or binary form, through the provider that saves them.
 class AdoTableReader : public PersistedTableReader {
 public:
-    /// Whether the provider, MSPersist, is on this machine.
+    /// Whether the provider MSPersist is installed.
     static bool IsInstalled();
     PersistedTable Read(const std::string& path) override;
 };

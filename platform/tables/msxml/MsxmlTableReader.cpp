@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::int32_t elementNode = 1; // NODE_ELEMENT
 
-/// The parser reads bytes in the encoding that they declare, from an array of them.
+/// The parser takes an array of bytes and detects their declared encoding.
 OwnedVariant ByteArray(const std::string& bytes) {
     OwnedVariant value;
     V_ARRAY(&value.Get()) = ::SafeArrayCreateVector(VT_UI1, 0, static_cast<ULONG>(bytes.size()));
@@ -32,15 +32,16 @@ OwnedVariant ByteArray(const std::string& bytes) {
 }
 
 std::vector<DispatchObject> NodesOf(const DispatchObject& list) {
+    const std::int32_t count = list.Number(L"length");
     std::vector<DispatchObject> nodes;
-    for (std::int32_t i = 0; i < list.Number(L"length"); ++i) {
+    nodes.reserve(static_cast<std::size_t>(count));
+    for (std::int32_t i = 0; i < count; ++i) {
         nodes.push_back(list.Child(L"item", ArgumentList(i)));
     }
     return nodes;
 }
 
-/// Reads elements, and notes the namespaces of their prefixes: not every MSXML shows the declarations as
-/// attributes.
+/// Reads elements and collects their namespace declarations, which not every MSXML lists as attributes.
 class Elements {
 public:
     XmlElement Read(const DispatchObject& root) {

@@ -4,7 +4,7 @@
 
 namespace qel::windows {
 
-/// Reads recordsets that were saved in their XML form with the machine's own XML parser, MSXML 6.
+/// Reads recordsets saved in XML form with the machine's XML parser, MSXML 6.
 class MsxmlTableReader : public PersistedTableReader {
 public:
     PersistedTable Read(const std::string& path) override;

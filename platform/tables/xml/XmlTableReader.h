@@ -4,10 +4,10 @@
 
 namespace qel {
 
-/// The recordset in a file's bytes; `name` stands for the file in errors. See XmlTableReader.
+/// The recordset in a file's bytes; `name` is the file's name in errors. See XmlTableReader.
 PersistedTable ParseXmlTable(const std::string& bytes, const std::string& name);
 
-/// Reads recordsets that were saved in their XML form.
+/// Reads recordsets saved in XML form.
 class XmlTableReader : public PersistedTableReader {
 public:
     PersistedTable Read(const std::string& path) override;

@@ -1,5 +1,6 @@
 #include "qel/engine/BuildCube.h"
 
+#include "engine/storage/FactTable.h"
 #include "qel/engine/CubeFile.h"
 #include "qel/engine/EngineError.h"
 #include "tests/engine/build/CubeText.h"
@@ -18,12 +19,12 @@ namespace {
 
 using test::TemporaryFolder;
 
-/// Tables and a definition in a folder of their own, built and opened.
+/// Builds and opens a cube from tables and a definition in a temporary folder.
 class BuildTest : public testing::Test {
 protected:
     void Table(const std::string& name, const std::string& text) { folder_.Write(name + ".csv", text); }
 
-    /// `cube` is what the definition says of the one cube, besides its name, facts and measures.
+    /// `cube` holds the keys of the only cube besides its name, facts and measures.
     BuildOptions Define(const std::string& cube, const std::string& extra = "",
                         const std::string& measures = R"({"name": "Amount", "column": "amount"})") {
         std::string tables;
@@ -50,7 +51,7 @@ protected:
         return file->FindCube("C");
     }
 
-    /// The error of a build, its folder's name left out.
+    /// The message of a failing build, without the folder's name.
     std::string Fault(const BuildOptions& options) {
         try {
             BuildCube(options);
@@ -102,8 +103,9 @@ TEST_F(BuildTest, MembersComeFromTablesListsAndTheFacts) {
                                        " 5 30\n"
                                        "  Cost ]&500 30\n");
     EXPECT_EQ(DrawHierarchy(*cube, 2), "All 1234\n 10 4\n A 200\n b 1000\n")
-        << "an empty firm counts in All alone";
-    EXPECT_EQ(DrawHierarchy(*cube, 3), "Local 1234\nEuro 1234\n") << "no column: nothing is restricted";
+        << "an empty firm counts only in All";
+    EXPECT_EQ(DrawHierarchy(*cube, 3), "Local 1234\nEuro 1234\n")
+        << "a dimension without a column restricts nothing";
     const Hierarchy& groups = cube->Hierarchies()[1];
     EXPECT_EQ(groups.MemberUniqueName(groups.DefaultMember()), "[Accounts].[Groups].[Total].[5]");
     EXPECT_EQ(cube->Hierarchies()[0].KeyColumn(), groups.KeyColumn());
@@ -112,7 +114,7 @@ TEST_F(BuildTest, MembersComeFromTablesListsAndTheFacts) {
     EXPECT_EQ(SumOf(*cube, 1, 0, {}), 4);
 }
 
-/// Branches of different depth, a value in several groups, and groups across the main tree.
+/// Branches of different depth, a value in several groups, and groups that cross the main tree.
 TEST_F(BuildTest, RaggedAndOverlappingTreesCountEveryFactOnce) {
     Table("tree", "code,a,b,other\n1,X,X1,p\n2,X,,q\n3,X,X2,p\n4,Y,Y1,q\n1,Y,Y1,p\n1,X,X2,p\n5,,Z,\n");
     Table("ledger", "code,amount\n1,0.01\n2,0.10\n3,1.00\n4,10.00\n5,100.00\n1,1000.00\n");
@@ -158,7 +160,7 @@ TEST_F(BuildTest, CalendarsHaveEveryPeriod) {
         BuildOptions options =
             Define(std::string(R"("dimensions": [{"name": "Date", "column": "date", "calendar": )") +
                    test.calendar + "}]");
-        options.skippedLines = folder_.Path("skipped"); // April lies outside the last calendar
+        options.skippedLines = folder_.Path("skipped"); // April is outside the last calendar
         const auto cube = Build(options);
         EXPECT_EQ(DrawHierarchy(*cube, 0), test.drawn) << test.calendar;
         EXPECT_TRUE(cube->Dimensions()[0].isTime);
@@ -168,11 +170,11 @@ TEST_F(BuildTest, CalendarsHaveEveryPeriod) {
     }
 }
 
-TEST_F(BuildTest, CalendarsBeginAndEndWhereTheyAreTold) {
+TEST_F(BuildTest, CalendarsKeepTheirConfiguredEnds) {
     struct Case {
         const char* what;
-        const char* calendar; ///< and what else the dimension says
-        const char* date;     ///< of the one line
+        const char* calendar; ///< the dimension's keys
+        const char* date;     ///< of the only line
         const char* drawn;
     };
     const Case cases[] = {
@@ -206,13 +208,13 @@ TEST_F(BuildTest, CalendarsBeginAndEndWhereTheyAreTold) {
     }
 }
 
-/// Which tree numbers the codes, and how the facts lie, changes how quick an answer is and no answer.
+/// The choice of main tree and sort orders affects speed, never a result.
 TEST_F(BuildTest, TheMainTreeAndTheSortOrdersChangeNoSum) {
     struct Case {
         const char* what;
-        const char* main; ///< said of the dimension with the flat tree
+        const char* main; ///< keys of the dimension with the flat tree
         const char* sortOrders;
-        std::size_t deepRanges, flatRanges; ///< of their first groups
+        std::size_t deepRanges, flatRanges; ///< number of ranges of each tree's first group
         std::vector<std::vector<std::uint16_t>> orders;
     };
     const Case cases[] = {
@@ -248,14 +250,14 @@ TEST_F(BuildTest, TheMainTreeAndTheSortOrdersChangeNoSum) {
         for (std::size_t i = 0; i < cube->Facts().Projections().size(); ++i) {
             const auto order = cube->Facts().Projections()[i].SortOrder();
             orders.emplace_back(order.begin(), order.end());
-            EXPECT_EQ(SumOf(*cube, 0, i, {{0, 1}, {1, 2}}), 16) << test.what << ": in a and in y is 5";
-            EXPECT_EQ(SumOf(*cube, 0, i, {{1, 1}, {2, 2}}), 64) << test.what << ": in x, of firm 2";
+            EXPECT_EQ(SumOf(*cube, 0, i, {{0, 1}, {1, 2}}), 16) << test.what << ": a and y share 5";
+            EXPECT_EQ(SumOf(*cube, 0, i, {{1, 1}, {2, 2}}), 64) << test.what << ": x of firm 2";
         }
         EXPECT_EQ(orders, test.orders) << test.what;
     }
 }
 
-/// Any combination of members gives the same sum in every sort order as the lines of the CSV do.
+/// For any combination of members, every sort order gives the sum of the CSV lines.
 TEST_F(BuildTest, SumsAgreeWithTheLinesInEverySortOrder) {
     std::mt19937 random(7);
     std::string ledger = "date,account,firm,amount\n";
@@ -275,7 +277,7 @@ TEST_F(BuildTest, SumsAgreeWithTheLinesInEverySortOrder) {
     const auto cube = Build(Define(
         std::string(datedFirms)
             .insert(std::string(datedFirms).size() - 1, R"(, {"name": "Account", "column": "account"})")));
-    ASSERT_EQ(cube->Facts().Projections().size(), 2U) << "accounts and months lead one each";
+    ASSERT_EQ(cube->Facts().Projections().size(), 2U) << "accounts and months each lead one";
     const Hierarchy& firms = cube->Hierarchies()[1];
     const Hierarchy& accounts = cube->Hierarchies()[2];
     for (std::size_t order = 0; order < 2; ++order) {
@@ -325,7 +327,7 @@ TEST_F(BuildTest, AmountsOfEveryWidthAreExact) {
               "2 decimals");
 }
 
-TEST_F(BuildTest, BadLinesStopTheBuildOrAreWrittenAside) {
+TEST_F(BuildTest, BadLinesStopTheBuildOrAreSkipped) {
     struct Case {
         const char* line;
         const char* fault;
@@ -369,7 +371,7 @@ TEST_F(BuildTest, BadLinesStopTheBuildOrAreWrittenAside) {
         EXPECT_EQ(totals_.linesSkipped, 1U);
         EXPECT_EQ(SumOf(*built, 0, 0, {}), 500);
         EXPECT_EQ(built->Hierarchies()[1].MemberCount(), 3U)
-            << "a skipped line's firm is no member: " << test.line;
+            << "a skipped line adds no member: " << test.line;
     }
 }
 

@@ -34,7 +34,7 @@ protected:
     BuildOptions Options(const std::string& output, const std::string& skipped) const {
         BuildOptions options;
         options.definition = folder_.Path("cube.json");
-        options.output = folder_.Path(output); // an absolute path stays what it is
+        options.output = folder_.Path(output); // an absolute path stays absolute
         if (!skipped.empty()) {
             options.skippedLines = folder_.Path(skipped);
         }
@@ -102,7 +102,7 @@ TEST_F(BuildPaths, OnlyARegularFileIsReplacedByTheCube) {
     std::filesystem::create_symlink(folder_.Path("old.cub"), folder_.Path("link.cub"));
     EXPECT_GT(BuildCube(Options("link.cub", "")).bytesWritten, 0U);
     EXPECT_TRUE(std::filesystem::is_symlink(folder_.Path("link.cub")));
-    EXPECT_NE(folder_.Read("old.cub"), "an older cube") << "the link's file is what is replaced";
+    EXPECT_NE(folder_.Read("old.cub"), "an older cube") << "the link's target is replaced";
 }
 
 TEST_F(BuildPaths, TheFileForSkippedLinesIsMadeForTheFirstOfThem) {
@@ -116,7 +116,7 @@ TEST_F(BuildPaths, TheFileForSkippedLinesIsMadeForTheFirstOfThem) {
     const BuildTotals totals = BuildCube(Options("out.cub", "kept.txt"));
     EXPECT_EQ(folder_.Read("kept.txt"), "firm,amount\n1,x\n");
     EXPECT_EQ(totals.linesSkipped, 2U) << "by both cubes";
-    EXPECT_EQ(totals.distinctLinesSkipped, 1U) << "as many as were written";
+    EXPECT_EQ(totals.distinctLinesSkipped, 1U) << "each line once";
     EXPECT_EQ(Fault(Options("out.cub", "absent/bad.txt")),
               folder_.Path("absent/bad.txt").string() + ": cannot be written: No such file or directory");
 }

@@ -10,7 +10,7 @@
 namespace qel::engine {
 namespace {
 
-/// Header and records as "line:field|field", a wrong record as "line!fault", one a line.
+/// Header and records, one per line: "line:field|field", or "line!fault" for a malformed record.
 std::string ReadAll(const std::string& text) {
     std::istringstream input(text);
     std::string result;
@@ -36,7 +36,7 @@ std::string ReadAll(const std::string& text) {
     return result;
 }
 
-TEST(CsvReader, ReadsWhatPeopleHave) {
+TEST(CsvReader, ReadsRealWorldFiles) {
     struct Case {
         const char* what;
         std::string text;
@@ -89,7 +89,7 @@ TEST(CsvReader, ReadsWhatPeopleHave) {
     }
 }
 
-/// Records, quoted line ends and CR LF pairs that lie across the places where the file is read on.
+/// Records, quoted line ends and CR LF pairs that cross the boundaries of read chunks.
 TEST(CsvReader, ReadsOnAcrossChunks) {
     std::string text = "number,text\r\n";
     constexpr int records = 40000;

@@ -9,7 +9,7 @@
 namespace qel::engine {
 namespace {
 
-/// A definition that is right, with one part replaced by another.
+/// A valid definition with one part replaced.
 std::string With(const std::string& part, const std::string& replacement) {
     std::string text = R"({
   // a comment
@@ -39,9 +39,9 @@ std::string With(const std::string& part, const std::string& replacement) {
     return text.replace(place, part.size(), replacement);
 }
 
-TEST(Definition, FillsInWhatIsNotSaid) {
+TEST(Definition, FillsInDefaults) {
     const Definition definition = ParseDefinition(With("// a comment", "/* another */"), "d.json", "/data");
-    const TableDefinition& accounts = definition.tables[0]; // tables come in order of their names
+    const TableDefinition& accounts = definition.tables[0]; // tables are sorted by name
     const TableDefinition& ledger = definition.tables[1];
     EXPECT_EQ(accounts.file, std::filesystem::path("/data/accounts.csv"));
     EXPECT_EQ(accounts.format.delimiter, ';');
@@ -58,7 +58,7 @@ TEST(Definition, FillsInWhatIsNotSaid) {
     EXPECT_EQ(cube.dimensions[0].calendar->levels, (std::vector<std::string>{"Year", "Month", "Day"}));
     const auto& codes = cube.dimensions[1].hierarchies.at(0);
     const auto& names = cube.dimensions[1].hierarchies.at(1);
-    EXPECT_EQ(codes.all, "Total") << "a hierarchy takes its dimension's";
+    EXPECT_EQ(codes.all, "Total") << "inherited from the dimension";
     EXPECT_EQ(names.all, std::nullopt);
     EXPECT_EQ(names.defaultKey, "1");
     EXPECT_EQ(codes.levels.at(0).key, "code") << "the dimension's key";

@@ -1,6 +1,7 @@
 #include "qel/engine/BuildCube.h"
 #include "qel/engine/Cellset.h"
 #include "qel/engine/CubeFile.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -11,7 +12,7 @@
 namespace qel::engine {
 namespace {
 
-/// The first example of the page, as a reader copies it.
+/// The page's first example, as a reader would copy it.
 std::string ExampleOf(const char* page) {
     std::ifstream file(page);
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};

@@ -27,7 +27,7 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
         {"12", plain, 1200},
         {"12.5", plain, 1250},
         {"12.50", plain, 1250},
-        {"12.5000", plain, 1250}, // zeros lose nothing
+        {"12.5000", plain, 1250}, // surplus zeros are exact
         {".5", plain, 50},
         {"5.", plain, 500},
         {"-12.34", plain, -1234},
@@ -55,7 +55,7 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
         {"\xE2\x88\x92"
          "5",
          plain, -500},
-        {"\xE2\x80\x8E-5\xE2\x80\x8F", plain, -500}, // marks of direction
+        {"\xE2\x80\x8E-5\xE2\x80\x8F", plain, -500}, // directional marks
         {"92233720368547758.07", plain, 9223372036854775807},
         {"-92233720368547758.07", plain, -9223372036854775807},
     };

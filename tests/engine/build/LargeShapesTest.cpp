@@ -1,6 +1,7 @@
 #include "qel/engine/BuildCube.h"
 #include "qel/engine/Cellset.h"
 #include "qel/engine/CubeFile.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
@@ -18,7 +19,7 @@ namespace {
 
 using test::TemporaryFolder;
 
-constexpr std::uint32_t accountCount = 1'000'000; // a line each
+constexpr std::uint32_t accountCount = 1'000'000; // one line each
 constexpr std::uint32_t groupCount = 7;
 
 constexpr std::string_view definition = R"({
@@ -36,7 +37,7 @@ struct LargeLedger {
     std::int64_t total = 0;
     std::map<std::uint32_t, std::int64_t> byGroup;
     std::map<int, std::int64_t> byYear;
-    std::map<std::string, std::int64_t> byDay; ///< as their path in the cube
+    std::map<std::string, std::int64_t> byDay; ///< by the day's path in the cube
 
     explicit LargeLedger(const TemporaryFolder& folder) {
         using namespace std::chrono;
@@ -98,7 +99,7 @@ TEST(LargeShapes, MillionAccountsThirtyYearsOfDaysAndOneFirm) {
         EXPECT_EQ(Cents(*cube, fmt::format("[Accounts].[Codes].[Code].[{}]", 5'000'000 + i)),
                   std::int64_t{i} * 7919 % 2'000'001 - 1'000'000);
     }
-    // Of a group's accounts those with lines in a month.
+    // The accounts of a group that have lines in one month.
     const Cellset listed = RunStatement(
         *cube, "SELECT NON EMPTY [Accounts].[3].Children ON 0 FROM Large WHERE [Date].[2024].[Q1].[2]");
     std::int64_t sum = 0;
@@ -110,12 +111,12 @@ TEST(LargeShapes, MillionAccountsThirtyYearsOfDaysAndOneFirm) {
         << "29 days with 91 lines each, of which a seventh are the group's";
     EXPECT_LT(listed.PositionCount(0), 390U);
 
-    constexpr std::uint64_t bytesEach = 130; // of an account and its line
+    constexpr std::uint64_t bytesEach = 130; // per account and its line
     EXPECT_LT(std::filesystem::file_size(options.output), bytesEach * accountCount);
 }
 
-/// Columns of 1, 2, 2, 4, 5 and five times 20 codes take 32 bits, one more than strips have room for.
-TEST(LargeShapes, AsManyNarrowColumnsAsFillAWord) {
+/// Columns of 1, 2, 2, 4, 5 and five times 20 codes take 32 bits, one more than the packed key holds.
+TEST(LargeShapes, NarrowColumnsFillThePackedKey) {
     constexpr std::array<std::uint32_t, 10> codes{1, 2, 2, 4, 5, 20, 20, 20, 20, 20};
     std::string ledger = "date,c0,c1,c2,c3,c4,c5,c6,c7,c8,c9,amount\n", dimensions;
     for (std::uint32_t i = 0; i < 6'000; ++i) {

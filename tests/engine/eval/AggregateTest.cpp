@@ -23,16 +23,16 @@ using test::TemporaryFolder;
 /// A fact by the codes of its columns: account, region, number, firm, kind, day.
 struct Fact {
     std::array<std::uint32_t, 6> codes;
-    std::array<std::int64_t, 2> amounts; ///< the second needs more than 32 bits to be summed
+    std::array<std::int64_t, 2> amounts; ///< sums of the second need more than 32 bits
 };
 
 constexpr std::array<std::uint32_t, 6> codeCounts{300, 100, 20, 8, 4, 10'957};
 constexpr const char* columns[] = {"account", "region", "number", "firm", "kind", "date"};
 constexpr std::size_t region = 1, day = 5;
-/// Regions are in ten units of ten, of which two each have one name.
+/// Regions form ten units of ten; every name belongs to two units.
 constexpr std::uint32_t unitSize = 10, namesOfUnits = 5;
 
-/// Thirty years of days: months fill several blocks.
+/// Thirty years of days; the months fill several blocks.
 std::chrono::year_month_day CalendarDay(std::uint32_t dayNumber) {
     return std::chrono::sys_days(std::chrono::year{1995} / 1 / 1) +
            std::chrono::days{static_cast<int>(dayNumber)};
@@ -56,7 +56,7 @@ bool Holds(CodeRanges ranges, std::uint32_t code) {
                        [&](KeyRange range) { return code >= range.first && code < range.last; });
 }
 
-/// A cube large enough to have aggregates of both kinds, by days, whose facts the tests know.
+/// A cube by days, large enough for both kinds of aggregates, and its facts.
 class AggregateTest : public testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -65,13 +65,13 @@ protected:
         for (std::uint32_t i = 0; i < 40'000; ++i) {
             Fact fact{};
             for (std::size_t column = 0; column < codeCounts.size(); ++column) {
-                // Every code occurs; low accounts have most of the facts.
+                // Every code occurs; low account numbers have most of the facts.
                 const auto drawn = static_cast<std::uint32_t>(random() % codeCounts[column]);
                 fact.codes[column] = i < codeCounts[column] ? i
                                      : column == 0 ? static_cast<std::uint32_t>(random() % (drawn + 1))
                                                    : drawn;
             }
-            // Facts without an amount tell an empty sum from one of nothing.
+            // Zero amounts distinguish an empty sum from a sum of 0.
             fact.amounts = {i % 2 == 0 ? 0 : static_cast<std::int64_t>(random() % 20'001) - 10'000,
                             static_cast<std::int64_t>(random() % 4'000'000'000)};
             const auto& c = fact.codes;
@@ -111,7 +111,7 @@ protected:
     static void WriteTree(const char* name, std::uint32_t codes, std::uint32_t large, std::uint32_t small) {
         std::string csv = "code,a,b,b_name\n";
         for (std::uint32_t code = 0; code < codes; ++code) {
-            // Letter case does not tell names apart.
+            // Names are compared ignoring letter case.
             csv += fmt::format("{:03},{},{:02},{} {}\n", code, code / large, code / small,
                                code / large == 0 ? "Unit" : "UNIT", code / small % namesOfUnits);
         }
@@ -130,12 +130,12 @@ protected:
 
     std::uint32_t Below(std::uint32_t bound) { return static_cast<std::uint32_t>(random_() % bound); }
 
-    /// What is under all units of one name.
+    /// The codes under all units of one name.
     static std::vector<KeyRange> UnitsNamed(std::uint32_t name) {
         const std::uint32_t first = name * unitSize, second = (name + namesOfUnits) * unitSize;
         return {{first, first + unitSize}, {second, second + unitSize}};
     }
-    /// One range of a group's size, now and then two.
+    /// One range of a group's size, sometimes two.
     std::vector<KeyRange> DrawRanges(std::size_t column) {
         if (column == region && Below(3) == 0) {
             return UnitsNamed(Below(namesOfUnits));
@@ -155,7 +155,7 @@ protected:
         }
         return ranges;
     }
-    /// Whole months, from one to all of them; or days, now and then with some of them left out.
+    /// Whole months, from one to all of them, or days, sometimes with a gap.
     std::vector<KeyRange> DrawDays() {
         const auto buckets = Table().Aggregates()->TimeBuckets();
         const auto months = static_cast<std::uint32_t>(buckets.size() - 1);
@@ -175,7 +175,7 @@ protected:
         return {{days.first, gap}, {gap + length, days.last}};
     }
 
-    using Ranges = std::array<std::vector<KeyRange>, 6>; ///< by column; none: every code
+    using Ranges = std::array<std::vector<KeyRange>, 6>; ///< by column; empty: every code
     using Expected = std::array<std::int64_t, 3>;        ///< by measure
 
     static std::vector<Restriction> RestrictionsTo(const Ranges& ranges) {
@@ -240,11 +240,11 @@ TEST_F(AggregateTest, SumsWhatTheFactsDo) {
         answered += IsHelpedByAggregates(ranges) ? 1 : 0;
         ASSERT_NO_FATAL_FAILURE(Compare(ranges)) << "round " << round;
     }
-    EXPECT_GT(answered, 100) << "questions that aggregates help with are not asked";
+    EXPECT_GT(answered, 100) << "too few queries are answered by aggregates";
 }
 
-/// What lacks of a month is taken away from it: nothing that is left is not the same as no fact that is left.
-TEST_F(AggregateTest, TellsAnEmptyCellFromOneOfNothingInMostOfAMonth) {
+/// Missing days are subtracted from a month; a difference of 0 is not the same as no facts.
+TEST_F(AggregateTest, TellsEmptyFromZeroInPartOfAMonth) {
     const auto buckets = Table().Aggregates()->TimeBuckets();
     int empty = 0, nothing = 0;
     for (int round = 0; round < 600; ++round) {
@@ -263,8 +263,8 @@ TEST_F(AggregateTest, TellsAnEmptyCellFromOneOfNothingInMostOfAMonth) {
     EXPECT_GT(nothing, 20);
 }
 
-/// A remembered plan reads what the statement did, long after the statement is gone.
-TEST_F(AggregateTest, AreReadByRememberedPlans) {
+/// A cached plan gives the statement's result after the statement's text is gone.
+TEST_F(AggregateTest, ServeCachedPlans) {
     PlanCache plans;
     std::vector<std::string> statements;
     std::vector<std::int64_t> expected;
@@ -287,7 +287,7 @@ TEST_F(AggregateTest, AreReadByRememberedPlans) {
     }
 }
 
-TEST_F(AggregateTest, AreMadeOfMembersOfOneName) {
+TEST_F(AggregateTest, CoverMembersOfOneName) {
     const AggregateTable& aggregates = *Table().Aggregates();
     int made = 0;
     for (std::uint32_t name = 0; name < namesOfUnits; ++name) {
@@ -297,7 +297,7 @@ TEST_F(AggregateTest, AreMadeOfMembersOfOneName) {
         key.Add(static_cast<std::uint16_t>(Column(region)), *group);
         made += aggregates.Find(key) != nullptr ? 1 : 0;
     }
-    EXPECT_GT(made, 0) << "no name has facts enough";
+    EXPECT_GT(made, 0) << "no name has enough facts";
     EXPECT_EQ(aggregates.Groups().Count(), namesOfUnits);
     for (const std::vector<KeyRange>& other :
          {std::vector<KeyRange>{{0, 10}, {40, 50}}, {{0, 10}}, {{0, 10}, {50, 60}, {70, 80}}, {}}) {
@@ -305,13 +305,13 @@ TEST_F(AggregateTest, AreMadeOfMembersOfOneName) {
     }
 }
 
-TEST_F(AggregateTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
+TEST_F(AggregateTest, AreOfBothKindsAndMatchTheirKeys) {
     const AggregateTable& aggregates = *Table().Aggregates();
-    std::size_t strips = 0, merged = 0, rows = 0;
+    std::size_t prefixSums = 0, coarser = 0, rows = 0;
     for (std::uint64_t i = 0; i < aggregates.Count(); ++i) {
         const Aggregate& aggregate = aggregates.At(i);
-        (aggregate.keyCount > 0 ? strips : rows) += 1;
-        merged += aggregate.coarserKeyCount > 0 ? 1 : 0;
+        (aggregate.keyCount > 0 ? prefixSums : rows) += 1;
+        coarser += aggregate.coarserKeyCount > 0 ? 1 : 0;
         EXPECT_EQ(aggregates.Find(aggregate.key), &aggregate);
         const auto total =
             static_cast<std::uint64_t>(std::count_if(facts_.begin(), facts_.end(), [&](const Fact& fact) {
@@ -330,14 +330,14 @@ TEST_F(AggregateTest, AreOfBothKindsAndHoldWhatTheirKeysSay) {
             }));
         EXPECT_EQ(aggregate.rows, total) << "aggregate " << i;
     }
-    EXPECT_GT(strips, 0U);
-    EXPECT_GT(merged, 0U);
+    EXPECT_GT(prefixSums, 0U);
+    EXPECT_GT(coarser, 0U);
     EXPECT_GT(rows, 0U);
     EXPECT_NO_THROW(file_->Verify({}));
 }
 
-/// A wrong sum of the merged strips is seen where these are read, and there alone.
-TEST(CoarserAggregate, AreReadWhereNothingRestrictsTheLastColumn) {
+/// A wrong sum in the coarser aggregate shows only in queries that read it.
+TEST(CoarserAggregate, IsReadWhenNothingRestrictsTheLastColumn) {
     const TemporaryFolder folder;
     SmallCube cube;
     cube.aggregates.sums[0][2] = 8;
@@ -352,18 +352,18 @@ TEST(CoarserAggregate, AreReadWhereNothingRestrictsTheLastColumn) {
     }
 }
 
-/// A byte that is not as it was written is found before what it says is used.
+/// A changed byte is detected before its value is used.
 TEST_F(AggregateTest, DamagedPagesAreAnErrorOrTheRightAnswer) {
     const std::string good = folder_->Read("aggregates.cub");
-    std::vector<std::pair<std::size_t, KeyRange>> questions;
+    std::vector<std::pair<std::size_t, KeyRange>> queries;
     const AggregateTable& aggregates = *Table().Aggregates();
     for (std::uint64_t i = 0; i < aggregates.Count(); ++i) {
         if (aggregates.At(i).key.secondColumn == AggregateKey::noColumn &&
             aggregates.At(i).key.firstColumn != AggregateKey::noColumn) {
-            questions.emplace_back(aggregates.At(i).key.firstColumn, aggregates.At(i).key.first);
+            queries.emplace_back(aggregates.At(i).key.firstColumn, aggregates.At(i).key.first);
         }
     }
-    ASSERT_FALSE(questions.empty());
+    ASSERT_FALSE(queries.empty());
     for (int round = 0; round < 40; ++round) {
         std::string bad = good;
         char& byte = bad[random_() % bad.size()];
@@ -371,7 +371,7 @@ TEST_F(AggregateTest, DamagedPagesAreAnErrorOrTheRightAnswer) {
         const auto* const first = reinterpret_cast<const std::byte*>(bad.data());
         try {
             const auto file = CubeFile::FromMemory("bad.cub", {first, first + bad.size()});
-            for (const auto& [column, range] : questions) {
+            for (const auto& [column, range] : queries) {
                 const Restriction restriction{column, CodeRanges(&range, 1)};
                 ASSERT_EQ(SumFacts(file->Cubes()[0].Facts(), std::span(&restriction, 1), 0).sum,
                           SumFacts(Table(), std::span(&restriction, 1), 0).sum);

@@ -23,7 +23,7 @@ std::string Text(const CellValue& value) {
                          : fmt::format("{}", value.number);
 }
 
-TEST(CellArithmetic, StaysExactAsLongAs64BitsHoldIt) {
+TEST(CellArithmetic, StaysExactWithin64Bits) {
     const CellValue empty;
     const struct {
         CellValue result;
@@ -35,7 +35,7 @@ TEST(CellArithmetic, StaysExactAsLongAs64BitsHoldIt) {
         {Add(E(largest), E(1)), "9.223372036854776e+18"},
         {Add(E(smallest), E(-1)), "-9.223372036854776e+18"},
         {Add(E(smallest), E(largest)), "-1e-0"},
-        {Add(E(largest), E(1, 2)), "9.223372036854776e+18"}, // aligning the decimals is what does not fit
+        {Add(E(largest), E(1, 2)), "9.223372036854776e+18"}, // aligning the decimals overflows
         {Add(E(1), I(0.5)), "1.5"},
         {Add(empty, E(7, 1)), "7e-1"},
         {Add(E(7, 1), empty), "7e-1"},
@@ -68,7 +68,7 @@ TEST(CellArithmetic, StaysExactAsLongAs64BitsHoldIt) {
 
 TEST(CellArithmetic, ComparesByValue) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
-    // Ascending; neighbours with equal values are in one group.
+    // Ascending; equal values are in one group.
     const std::vector<std::vector<CellValue>> groups = {
         {I(nan)},
         {I(-std::numeric_limits<double>::infinity())},
@@ -77,7 +77,7 @@ TEST(CellArithmetic, ComparesByValue) {
         {CellValue::Empty(), E(0), E(0, 5), I(-0.0)},
         {E(10, 2), E(1, 1), I(0.1)},
         {E(9007199254740992)},
-        {E(9007199254740993)}, // the same double as the one before
+        {E(9007199254740993)}, // the same double as the previous value
         {E(largest), I(9223372036854775808.0)},
     };
     for (std::size_t i = 0; i < groups.size(); ++i) {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::uint32_t codes = 24;
 
-/// The ranges of the bits that are set: ascending, disjoint, not adjacent.
+/// The ranges of set bits: ascending, disjoint, not adjacent.
 std::vector<KeyRange> RangesOf(std::uint32_t bits) {
     std::vector<KeyRange> ranges;
     for (std::uint32_t code = 0; code < codes; ++code) {
@@ -32,7 +32,7 @@ TEST(CodeRanges, AreSetsOfCodes) {
         const auto anyBits = [&] { return static_cast<std::uint32_t>(random()) & all; };
         std::uint32_t left = anyBits();
         std::uint32_t right = anyBits();
-        left &= round % 3 == 0 ? anyBits() : all; // few codes now and then
+        left &= round % 3 == 0 ? anyBits() : all; // sometimes few codes
         right &= round % 5 == 0 ? all >> (anyBits() % codes) : anyBits();
         std::vector<KeyRange> common;
         Intersect(RangesOf(left), RangesOf(right), common);

@@ -1,4 +1,5 @@
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <gtest/gtest.h>
@@ -36,8 +37,8 @@ protected:
                          {"2024-03", "4000", "s2", "B", "300", "8", "1", -101}});
 };
 
-/// Runs a text that may be anything; true for an answer. An error must be one about the statement, with a
-/// place.
+/// Runs an arbitrary text; true when it has a result. An error must concern the statement and give a
+/// position.
 bool Answers(const Cube& cube, const std::string& text) {
     try {
         Show(RunStatement(cube, text));
@@ -52,7 +53,7 @@ bool Answers(const Cube& cube, const std::string& text) {
     }
 }
 
-TEST_F(DamagedStatement, IsAnswersOrAnErrorWithItsPlace) {
+TEST_F(DamagedStatement, GivesAResultOrAnErrorWithAPosition) {
     std::mt19937 random(5);
     constexpr std::string_view odd = "[]{}()'\",.&:*-+/<=\\\0\r\n \xD7\xA9\xC2\xA0\xFF"
                                      "9a";
@@ -84,7 +85,7 @@ TEST_F(DamagedStatement, IsAnswersOrAnErrorWithItsPlace) {
     }
 }
 
-TEST_F(DamagedStatement, LeavesOtherThreadsAlone) {
+TEST_F(DamagedStatement, DoesNotDisturbOtherThreads) {
     std::vector<std::string> expected;
     expected.reserve(statements.size());
     for (const char* statement : statements) {
@@ -101,7 +102,7 @@ TEST_F(DamagedStatement, LeavesOtherThreadsAlone) {
                 try {
                     RunStatement(*cube_, damaged);
                 } catch (const EngineError&) {
-                    continue; // told in its own thread
+                    continue; // reported by its own thread
                 }
             }
         });

@@ -18,10 +18,10 @@ namespace {
 
 using test::TemporaryFolder;
 
-/// A fact by the codes of its three key columns, which are as wide as codes get: 4, 2 and 1 bytes.
+/// A fact by the codes of its three key columns, which cover all code widths: 4, 2 and 1 bytes.
 struct Fact {
     std::array<std::uint32_t, 3> codes;
-    std::array<std::int64_t, 4> amounts; ///< as wide as amounts get: 1, 2, 4 and 8 bytes
+    std::array<std::int64_t, 4> amounts; ///< all value widths: 1, 2, 4 and 8 bytes
 };
 
 constexpr std::array<std::uint32_t, 3> codeCounts{70'000, 300, 5};
@@ -37,7 +37,7 @@ protected:
         };
         std::string csv = "large,medium,small,a1,a2,a4,a8\n";
         for (std::uint32_t i = 0; i < 90'000; ++i) {
-            // Every code occurs, some of them often; numbers of equal length keep the order of their codes.
+            // Every code occurs, some of them often. Numbers of equal length sort like their codes.
             const std::uint32_t large = i < codeCounts[0] ? i : static_cast<std::uint32_t>(below(40));
             Fact fact{{large, static_cast<std::uint32_t>(i < 300 ? i : below(below(300) + 1)),
                        static_cast<std::uint32_t>(i < 5 ? i : below(5))},
@@ -67,7 +67,7 @@ protected:
     }
 
     static const FactTable& Table() { return cube_->Facts(); }
-    /// The number in the fact table of a column as the tests count them.
+    /// The fact table's number of a column as the tests count them.
     static std::size_t Column(std::size_t column) {
         for (std::size_t i = 0; i < Table().KeyColumns().size(); ++i) {
             if (Table().KeyColumns()[i].name == columns[column]) {
@@ -97,7 +97,7 @@ protected:
 
     std::uint32_t Below(std::uint32_t bound) { return static_cast<std::uint32_t>(random_() % bound); }
 
-    /// None, one or many ranges a column; sometimes a set without a code, sometimes all codes but one.
+    /// No, one or many ranges per column; sometimes an empty set, sometimes all codes but one.
     void Restrict(RandomRestrictions& restrictions) {
         for (std::size_t i = 0; i < 3; ++i) {
             restrictions.isSet[i] = Below(3) > 0;
@@ -155,7 +155,7 @@ TEST_F(FactScan, ReadsEveryWidthOfCodesAndAmounts) {
         }
         for (std::size_t measure = 0; measure < 5; ++measure) {
             const FactSum total = SumFacts(Table(), restrictions.list, measure);
-            // A sum tells only whether there are rows.
+            // For sums, `rows` only tells zero from non-zero.
             ASSERT_EQ(measure < 4 ? total.rows > 0 : total.rows == rows, measure < 4 ? rows > 0 : true)
                 << "round " << round << ", measure " << measure;
             ASSERT_EQ(total.sum, measure < 4 ? sums[measure] : 0)
@@ -170,7 +170,7 @@ TEST_F(FactScan, ReadsEveryWidthOfCodesAndAmounts) {
     }
 }
 
-TEST_F(FactScan, ReadsFewRowsMoreThanItNeeds) {
+TEST_F(FactScan, ReadsFewUnneededRows) {
     const KeyRange one{12, 13};
     const KeyRange hundred{1000, 1100};
     const KeyRange allMedium{0, 299};
@@ -180,7 +180,7 @@ TEST_F(FactScan, ReadsFewRowsMoreThanItNeeds) {
     const struct {
         const char* what;
         std::vector<Restriction> restrictions;
-        std::uint64_t mostRows; ///< that the plan may leave to be tested
+        std::uint64_t mostRows; ///< that the plan may leave to test
     } cases[] = {
         {"one code of the large column", {restrict(0, one)}, 1000},
         {"a group of the large column", {restrict(0, hundred)}, 100},

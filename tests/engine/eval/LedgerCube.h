@@ -22,7 +22,7 @@ struct LedgerLine {
     std::int64_t cents;
 };
 
-/// An account, and where it stands in two trees of groups.
+/// An account and its position in two trees of groups.
 struct LedgerAccount {
     const char *code, *name, *group1, *group1Name, *group2, *group2Name;
 };
@@ -36,7 +36,7 @@ inline constexpr LedgerAccount ledgerAccounts[] = {
     {"5200", "שכירות", "2", "Costs", "21", "Other"},
 };
 
-/// The leaves of the OBS tree: a code, and its names on two levels. "Other" and "O'Neil" have two parents.
+/// The leaves of the OBS tree: a code and its names on two levels. "Other" and "O'Neil" have two parents.
 struct LedgerObs {
     const char *code, *level1, *level2;
 };
@@ -58,11 +58,11 @@ inline constexpr const char* ledgerFirms[] = {"1", "2"};
 inline constexpr const char* ledgerCostCentres[] = {"100", "200", "300"};
 inline constexpr const char* ledgerActivities[] = {"7", "8"};
 
-/// A cube "Finance" of the suite's layout with these facts, over January 2023 to December 2024.
+/// A cube "Finance" in the suite's layout with these facts, from January 2023 to December 2024.
 std::shared_ptr<const Cube> BuildLedgerCube(const std::vector<LedgerLine>& lines);
 
-/// The cellset in lines: "columns: a | b", then a line for each row (none without rows), empty cells as "-".
-/// Members show their unique names, tuples are joined by "+".
+/// The cellset as text: "columns: a | b", then one line per row (none without rows), empty cells as "-".
+/// Members show their unique names; tuples are joined by "+".
 std::string Show(const Cellset& cellset);
 std::string ShowValue(const CellValue& value);
 

@@ -1,6 +1,7 @@
 #include "qel/engine/BuildCube.h"
 #include "qel/engine/CubeFile.h"
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 

@@ -16,14 +16,14 @@ namespace {
 
 using test::TemporaryFolder;
 
-/// A line of a dimension's table: the value, and its branches from the top, each a key and a name. Lines
-/// stand in member order.
+/// A line of a dimension table: the value, and its branches from the top, each a key and a name. Lines are in
+/// member order.
 struct Branch {
     std::string value;
     std::vector<std::pair<std::string, std::string>> steps;
 };
 
-/// Account 300 belongs to two groups, 400 to a group alone, and 900 has no facts.
+/// Account 300 is in two groups, 400 only in a group of its own, and 900 has no facts.
 const std::vector<std::array<const char*, 5>> accountLines = {
     {"100", "Cash", "1", "Assets", "11"},
     {"101", "Bank", "1", "Assets", "11"},
@@ -35,7 +35,7 @@ const std::vector<std::array<const char*, 5>> accountLines = {
     {"900", "Unused", "3", "Other", "31"},
     {"1000", "Last & \"least\"", "3", "Other", "32"}};
 
-/// "Shared" stands under both regions, and twice under one unit; some branches end early.
+/// "Shared" is under both regions, and twice under one unit. Some branches end early.
 const std::vector<std::array<const char*, 4>> obsLines = {
     {"a", "East", "Shared", "Left"}, {"b", "East", "Shared", "Right"}, {"c", "East", "Solo", ""},
     {"d", "West", "Alone", "Left"},  {"e", "West", "Shared", "Left"},  {"f", "West", "Shared", "Middle"}};
@@ -61,18 +61,18 @@ Hierarchy WithTop(const std::string& dimension, const std::string& name, std::si
     return hierarchy;
 }
 
-/// Adds the tree of the branches, level by level.
+/// Adds the tree of the branches level by level.
 void AddTree(Hierarchy& hierarchy, const std::vector<Branch>& branches) {
     struct Place {
         int member;
         std::string key;
     };
-    std::vector<std::vector<Place>> reached(branches.size(), {{0, ""}}); // by branch: from the top down
+    std::vector<std::vector<Place>> reached(branches.size(), {{0, ""}}); // by branch, from the top down
     std::vector<std::size_t> order(branches.size());
     for (std::size_t depth = 0; depth + 1 < hierarchy.levels.size(); ++depth) {
         const std::size_t levelStart = hierarchy.members.size();
         std::vector<std::string> keys;
-        // Parents come in their order, and under one parent the lines' order.
+        // Members are ordered by parent, then by line.
         for (int parent = 0; parent < static_cast<int>(levelStart); ++parent) {
             for (std::size_t i = 0; i < branches.size(); ++i) {
                 if (reached[i].size() != depth + 1 || reached[i].back().member != parent ||
@@ -185,7 +185,7 @@ std::vector<Hierarchy> MakeHierarchies(bool byDays) {
         AddTree(hierarchy, trees[i].second);
     }
     for (Member& member : all.back().members) {
-        member.isTop = true; // no fact column: nothing is restricted
+        member.isTop = true; // without a fact column it restricts nothing
     }
     return all;
 }
@@ -304,7 +304,7 @@ Cube MakeCube(std::uint32_t seed, std::size_t factCount, bool byDays) {
             }
         }
         const std::int64_t most =
-            random() % 10 == 0 ? 900'000'000'000 : 100'000; // cents: also beyond 32 bits
+            random() % 10 == 0 ? 900'000'000'000 : 100'000; // in cents; sometimes beyond 32 bits
         fact.cents =
             static_cast<std::int64_t>(random() * std::uint64_t{0x10001} % (2 * std::uint64_t(most))) - most;
         fact.thousandths = static_cast<std::int64_t>(random() % 200'001) - 100'000;

@@ -11,16 +11,17 @@
 
 namespace qel::engine::plain {
 
-// A cube as rows and trees in plain lists, made without the engine; the engine's cube is built from the same.
+// A cube as plain lists of rows and trees, independent of the engine; the engine's cube is built from the
+// same data.
 
-/// The fact columns that members stand on.
+/// The fact columns that members restrict.
 enum Column : std::size_t { Date, Account, Obs, Firm, columnCount };
 inline constexpr std::size_t noColumn = columnCount;
 
 inline constexpr int noParent = -1;
 
 struct Fact {
-    std::vector<std::string> values; ///< by column; an empty one belongs to top members alone
+    std::vector<std::string> values; ///< by column; an empty value belongs only to top members
     std::int64_t cents = 0, thousandths = 0;
 };
 
@@ -28,12 +29,12 @@ struct Member {
     std::string name, path; ///< `path` is the unique name
     int level = 0, parent = noParent;
     std::set<std::string> values; ///< of the hierarchy's column
-    bool isTop = false;           ///< takes every fact
+    bool isTop = false;           ///< includes every fact
 
     bool Takes(const std::string& value) const { return isTop || values.count(value) > 0; }
 };
 
-/// Members stand level by level, children of one parent next to one another.
+/// Members are stored level by level; the children of a member are consecutive.
 struct Hierarchy {
     std::string uniqueName, dimension;
     std::size_t column = noColumn;
@@ -42,7 +43,7 @@ struct Hierarchy {
 
     std::vector<int> Children(int member) const;
     std::vector<int> OfLevel(int level) const;
-    /// The level's member that holds this one, or noParent when the member lies above the level.
+    /// The member's ancestor on the level, or noParent when the member is above the level.
     int AncestorAt(int member, int level) const;
 };
 

@@ -8,13 +8,13 @@
 
 namespace qel::engine::plain {
 
-// What statements mean, told the plainest way: every number walks over all facts, every set is a list.
+// A reference for the meaning of statements: every number scans all facts, every set is a list.
 
 inline constexpr int calculated = 1000; ///< the number of the first calculated member
 
 struct Value {
     bool isEmpty = true;
-    bool isExact = false; ///< then `scaled` / 10^`decimals` is meant, and `number` is the nearest double
+    bool isExact = false; ///< the value is `scaled` / 10^`decimals`, and `number` the nearest double
     std::int64_t scaled = 0;
     int decimals = 0;
     double number = 0;
@@ -25,7 +25,7 @@ Value Inexact(double number);
 Value Plus(const Value& a, const Value& b);
 Value Minus(const Value& a);
 Value Times(const Value& a, const Value& b);
-/// Negative, 0 or positive; empty is 0.
+/// Negative, 0 or positive. Empty counts as 0.
 int Compare(const Value& a, const Value& b);
 
 using Tuple = std::vector<int>;
@@ -55,7 +55,7 @@ struct NoCurrentMember {};
 
 class World;
 
-/// An expression: its text, and what it gives at a place.
+/// An expression as text and as a function of the current members.
 struct Number {
     std::string text;
     std::function<Value(const World&, const Place&)> at;
@@ -78,7 +78,7 @@ struct Formula {
     Number number;
 };
 
-/// The cube and the calculated members of one statement.
+/// A cube and the calculated members of one statement.
 class World {
 public:
     explicit World(const Cube& cube) : cube_(cube), start_(Defaults()) {}
@@ -102,10 +102,10 @@ private:
 
     const Cube& cube_;
     Place start_;
-    std::vector<Formula> formulas_; ///< the k-th is member `calculated` + k of its hierarchy
+    std::vector<Formula> formulas_; ///< number k is member `calculated` + k of its hierarchy
 };
 
-/// The place with a tuple's members set.
+/// The place with a tuple's members applied.
 Place With(Place place, const std::vector<std::size_t>& hierarchies, const Tuple& tuple);
 /// The place with all tuples together: a hierarchy that has one member in all of them has a current member.
 Place WithAll(Place place, const std::vector<std::size_t>& hierarchies, const std::vector<Tuple>& tuples);

@@ -1,6 +1,7 @@
 #include "qel/engine/PlanCache.h"
 
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>
@@ -29,7 +30,7 @@ std::string Answer(PlanCache& plans, const std::string& statement) {
     }
 }
 
-/// A statement gives the same whether it is new, remembered, or one that cannot be.
+/// A statement gives the same result whether it is new, cached, or cannot be cached.
 TEST(PlanCache, AnswersAsTheStatementDoes) {
     const struct {
         const char *what, *statement;
@@ -99,7 +100,7 @@ TEST(PlanCache, KeepsItsMemoryBoundAndWhatIsUsed) {
     }
     EXPECT_LT(most, 100U);
     EXPECT_GT(most, 10U);
-    PlanCache small(500); // less than one plan takes
+    PlanCache small(500); // less than one plan needs
     EXPECT_EQ(Answer(small, statement(1)), often);
     EXPECT_EQ(small.Count(), 0U);
 }

@@ -1,3 +1,4 @@
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>
@@ -9,7 +10,7 @@
 namespace qel::engine {
 namespace {
 
-/// A member, and which lines of the ledger it stands for, told without the engine's help.
+/// A member, and the ledger lines it stands for, computed without the engine.
 struct Choice {
     std::string path;
     std::function<bool(const LedgerLine&)> takes;
@@ -49,7 +50,7 @@ bool HasNumber(const LedgerLine& line, std::string_view name, std::string_view n
 constexpr const char* months[] = {"2023-01", "2023-02", "2023-05", "2023-12",
                                   "2024-01", "2024-03", "2024-11"};
 
-/// One list a hierarchy; the first choice of each restricts nothing.
+/// One list per hierarchy. The first choice of each restricts nothing.
 std::vector<Choices> AllChoices() {
     const auto all = [](const LedgerLine&) { return true; };
     std::vector<Choices> hierarchies(9);
@@ -137,7 +138,7 @@ protected:
     std::mt19937 random_{20240131};
 };
 
-/// What a statement should give: the sum over the lines, each as often as the set's members take it.
+/// The expected result: the sum over the lines, each counted as often as the set's members include it.
 std::string Expected(const std::vector<LedgerLine>& lines, const std::vector<const Choice*>& slicer,
                      const std::vector<const Choice*>& summed) {
     std::int64_t cents = 0;

@@ -27,7 +27,7 @@ bool Contains(const std::vector<Tuple>& tuples, const Tuple& tuple) {
     return std::find(tuples.begin(), tuples.end(), tuple) != tuples.end();
 }
 
-/// The tuples of the left that the right has or lacks, once each.
+/// The distinct tuples of `left` that are (or are not) in `right`.
 std::vector<Tuple> Kept(const std::vector<Tuple>& left, const std::vector<Tuple>& right, bool isInRight) {
     std::vector<Tuple> kept;
     for (const Tuple& tuple : left) {
@@ -59,7 +59,7 @@ Number Binary(const Number& left, const char* sign, const Number& right,
             }};
 }
 
-/// Tuples by a value; equal ones stay in their order.
+/// Sorts tuples by a value, stably.
 std::vector<Tuple> Sorted(const World& world, const Place& place, const Set& set, const Number& by,
                           bool descends) {
     std::vector<std::pair<Value, Tuple>> valued;
@@ -118,7 +118,7 @@ Set RandomMdx::Family(std::size_t hierarchy) {
     }
     case 2: {
         const std::string& name = tree.levels[static_cast<std::size_t>(level)];
-        const bool isHierarchyToo = name == tree.dimension; // which the name would mean
+        const bool isHierarchyToo = name == tree.dimension; // the name alone would mean the hierarchy
         return Constant(fmt::format("{}.{}.Members", tree.uniqueName,
                                     isHierarchyToo ? fmt::format("Levels({})", level) : "[" + name + "]"),
                         hierarchy, tree.OfLevel(level));
@@ -134,7 +134,7 @@ Set RandomMdx::Family(std::size_t hierarchy) {
     }
 }
 
-/// Neighbours on a level: a range of members, or periods up to one.
+/// Consecutive members of a level: a range, or periods up to one.
 Set RandomMdx::Range(std::size_t hierarchy) {
     const Hierarchy& tree = cube_.hierarchies[hierarchy];
     const int member = AnyMember(hierarchy);
@@ -151,7 +151,7 @@ Set RandomMdx::Range(std::size_t hierarchy) {
                     {std::min(at, other), std::max(at, other) + 1});
 }
 
-/// Tuples of a set by the values of their cells.
+/// Tuples of a set chosen or sorted by the values of their cells.
 Set RandomMdx::Chosen(std::size_t hierarchy, int depth) {
     const Set set = SetOver(hierarchy, depth - 1);
     if (OneIn(2)) {
@@ -294,7 +294,7 @@ Set RandomMdx::Crossed(Set left, Set right) {
     return {
         std::move(text), both, [left, right](const World& world, const Place& place) {
             const auto& hierarchies = world.GetCube().hierarchies;
-            /// Members of one dimension that share no value do not meet.
+            /// Members of one dimension that share no value are not combined.
             const auto meet = [&](const Tuple& a, const Tuple& b) {
                 for (std::size_t i = 0; i < a.size(); ++i) {
                     for (std::size_t j = 0; j < b.size(); ++j) {
@@ -329,7 +329,7 @@ Set RandomMdx::Crossed(Set left, Set right) {
         }};
 }
 
-/// A cell that names its measure, and perhaps a member.
+/// A cell that names its measure and perhaps a member.
 Number RandomMdx::Reading() {
     const std::size_t measures = cube_.hierarchies.size();
     std::vector<std::size_t> hierarchies{measures};

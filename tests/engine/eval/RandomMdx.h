@@ -6,7 +6,7 @@
 
 namespace qel::engine::plain {
 
-/// Makes random expressions that are valid over a cube, each as a text and as what it means.
+/// Generates random valid expressions over a cube, each as text and as its meaning.
 class RandomMdx {
 public:
     RandomMdx(const Cube& cube, std::uint32_t seed) : cube_(cube), random_(seed) {}
@@ -18,22 +18,22 @@ public:
     }
     std::size_t AnyHierarchy() { return Below(cube_.hierarchies.size()); }
 
-    /// Over one hierarchy; the deeper, the more functions in one another. With `onlyStored` no tuple depends
-    /// on a cell's value.
+    /// A set over one hierarchy, with functions nested up to `depth`. With `onlyStored` no tuple depends on a
+    /// cell's value.
     Set SetOver(std::size_t hierarchy, int depth, bool onlyStored = false);
-    /// Of two hierarchies.
+    /// A set over two hierarchies.
     Set Crossed(Set left, Set right);
     /// Sorted by a value within families.
     Set Ordered(const Set& set);
     /// A few tuples of two hierarchies that may overlap.
     Set TuplesOver(std::size_t first, std::size_t second);
-    /// A named set, which sets over its hierarchy use from now on, until there is another.
+    /// A named set, which sets over its hierarchy use until the next one.
     Set Name(const std::string& name, Set set);
     void ForgetName() { named_.reset(); }
-    /// Every cell that it reads names its measure.
+    /// A number; every cell it reads names its measure.
     Number NumberOf(int depth);
     Condition ConditionOf(int depth);
-    /// A member of the hierarchy, calculated from its stored ones under the current measure.
+    /// A calculated member of the hierarchy, computed from stored members under the current measure.
     Number MemberFormula(std::size_t hierarchy);
 
 private:

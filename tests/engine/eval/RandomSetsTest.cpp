@@ -1,3 +1,5 @@
+#include "engine/storage/Ranges.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>
@@ -7,7 +9,7 @@
 #include <map>
 #include <random>
 
-// Sets that functions give, against the plainest way to make the same set from the cube's members.
+// Compares set functions with straightforward code over the cube's members.
 
 namespace qel::engine {
 namespace {
@@ -39,7 +41,7 @@ protected:
         return static_cast<MemberId>(Below(hierarchy.MemberCount()));
     }
 
-    /// The member of each position, as numbers.
+    /// The member number of each position.
     Members Positions(const std::string& set) const {
         const Cellset cellset = RunStatement(*cube_, "SELECT " + set + " ON 0 FROM Finance");
         Members members;
@@ -83,7 +85,7 @@ Members Joined(Members left, const Members& right) {
     return left;
 }
 
-/// A random set: its text, and its members.
+/// A random set as text and as members.
 struct RandomSet {
     std::string text;
     Members members;
@@ -148,7 +150,7 @@ bool IsUnder(const Hierarchy& hierarchy, MemberId member, MemberId ancestor) {
     return false;
 }
 
-/// A member and all below it, parents first.
+/// A member and its descendants, parents first.
 void AppendTree(const Hierarchy& hierarchy, MemberId member, Members& tree) {
     tree.push_back(member);
     for (MemberId child = 0; child < hierarchy.MemberCount(); ++child) {

@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <cmath>
 
-// Random statements of every shape, against an evaluator that walks over all facts for every number.
+// Compares random statements with an evaluator that scans all facts for every number.
 
 namespace qel::engine {
 namespace {
@@ -21,7 +21,7 @@ struct Axis {
     bool isNonEmpty = false;
 };
 
-/// A statement, and what it means.
+/// A statement and its meaning.
 struct Statement {
     explicit Statement(const plain::Cube& cube) : world(cube) {}
 
@@ -64,7 +64,7 @@ public:
         for (std::size_t i = 0; i < free_.size(); ++i) {
             free_[i] = i;
         }
-        std::string where; // it decides what the axes' conditions read, so it is drawn first
+        std::string where; // it affects the conditions on the axes, so it is drawn first
         if (random_.OneIn(2)) {
             statement.slicer = MakeSlicer(statement.world, random_.OneIn(2));
             where = " WHERE " + statement.slicer->text;
@@ -96,7 +96,7 @@ private:
         return hierarchy;
     }
 
-    /// The set with the calculated members of its hierarchy behind it.
+    /// The set followed by its hierarchy's calculated members.
     Set WithCalculated(const World& world, Set set) {
         for (const auto& [hierarchy, member] : calculatedMembers_) {
             if (set.hierarchies == std::vector<std::size_t>{hierarchy}) {
@@ -177,7 +177,7 @@ private:
 
     const plain::Cube& cube_;
     RandomMdx random_;
-    std::vector<std::size_t> free_; ///< hierarchies that no axis has
+    std::vector<std::size_t> free_; ///< hierarchies on no axis
     std::vector<std::pair<std::size_t, int>> calculatedMembers_;
 };
 
@@ -187,7 +187,7 @@ std::string Shown(const Value& value) {
     return value.isEmpty ? "-" : fmt::format("{}{}", value.isExact ? "" : "~", value.number);
 }
 
-/// The answer in lines: the tuples of every axis, then the cells, the first axis varying fastest.
+/// The result as text: the tuples of every axis, then the cells, the first axis varying fastest.
 class PlainAnswer {
 public:
     explicit PlainAnswer(Statement& statement) : statement_(statement) {

@@ -1,4 +1,5 @@
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>
@@ -10,7 +11,7 @@
 namespace qel::engine {
 namespace {
 
-/// Account 4200 has no line, and the lines of 5100 make 0.
+/// Account 4200 has no lines, and the lines of 5100 sum to 0.
 const Cube& Finance() {
     static const std::shared_ptr<const Cube> cube = BuildLedgerCube({
         {"2024-01", "4000", "n1", "A", "100", "7", "1", 100000},
@@ -47,7 +48,7 @@ void ExpectGrids(std::span<const StatementCase> cases) {
     }
 }
 
-// The texts that the component composes for values, names and lists.
+// Statements that the component composes for values, names and lists.
 const StatementCase composedStatements[] = {
     {"three months of an account in a cost centre",
      "WITH MEMBER [Date].DateSel as '   SUM( "
@@ -311,7 +312,7 @@ const StatementCase cellMeanings[] = {
 
 TEST(Statement, GivesCellsTheirMeaning) { ExpectGrids(cellMeanings); }
 
-/// Sets are shown without cells: one position after the other.
+/// Sets are printed without cells, one position after the other.
 std::string Positions(const std::string& set, const std::string& with = "") {
     const std::string text = Answer(with + " SELECT " + set + " ON 0 FROM Finance");
     return text.substr(0, text.find('\n'));
@@ -487,7 +488,7 @@ TEST(Statement, ComputesNumbers) {
     }
 }
 
-TEST(Statement, EndsFormulasThatDoubleTheWorkAtEveryStep) {
+TEST(Statement, StopsFormulasThatDoubleTheWork) {
     std::string text = "WITH ";
     for (int i = 0; i < 40; ++i) {
         const std::string next = "[Measures].A" + std::to_string(i + 1);
@@ -502,7 +503,7 @@ TEST(Statement, EndsFormulasThatDoubleTheWorkAtEveryStep) {
     }
 }
 
-TEST(Statement, RefusesWhatHasNoMeaning) {
+TEST(Statement, RejectsWhatCannotBeResolved) {
     const struct {
         const char* what;
         const char* text;
@@ -510,7 +511,7 @@ TEST(Statement, RefusesWhatHasNoMeaning) {
         const char* message;
     } cases[] = {
         {"another cube", "SELECT FROM Sales", ErrorKind::UnknownCube,
-         "line 1, column 13: there is no cube [Sales]; the connection's cube is [Finance]"},
+         "line 1, column 13: there is no cube [Sales]; the open cube is [Finance]"},
         {"an unknown function", "SELECT {Ytdd([a])} ON 0 FROM Finance", ErrorKind::InvalidExpression,
          "line 1, column 9: there is no function Ytdd"},
         {"a wrong number of arguments", "SELECT Head() ON 0 FROM Finance", ErrorKind::InvalidExpression,

@@ -19,8 +19,7 @@
 #include <thread>
 #include <unistd.h>
 
-// Files that another program writes into while they are open. No reader may end by it, or give a wrong
-// number.
+// Files that another program modifies while they are open. No reader may crash or return a wrong number.
 
 namespace qel::engine {
 namespace {
@@ -30,7 +29,7 @@ using testing::HasSubstr;
 
 constexpr std::uint64_t rows = 200'000;
 
-/// Facts over some pages, each of the same value.
+/// Facts over several pages, all with the same value.
 SmallCube EqualFacts(std::int8_t value) {
     SmallCube cube;
     cube.model.rowCount = rows;
@@ -51,7 +50,7 @@ std::int64_t SumValues(const Cube& cube) {
     return sum;
 }
 
-/// The sum, unless the file is found to have changed.
+/// The sum, or nothing when the file is found to have changed.
 std::optional<std::int64_t> CheckedSum(const Cube& cube, std::string* fault = nullptr) {
     try {
         const std::int64_t sum = SumValues(cube);
@@ -66,7 +65,7 @@ std::optional<std::int64_t> CheckedSum(const Cube& cube, std::string* fault = nu
     }
 }
 
-/// Starts a process that does this and nothing else.
+/// Runs `work` in a child process.
 pid_t InAnotherProcess(const std::function<void()>& work) {
     const pid_t child = fork();
     if (child == 0) {
@@ -82,7 +81,7 @@ void WaitFor(pid_t child) {
     EXPECT_EQ(status, 0);
 }
 
-TEST(ChangedFile, EndsNoReaderAndIsAnError) {
+TEST(ChangedFile, CrashesNoReaderAndIsAnError) {
     const TemporaryFolder folder;
     EqualFacts(2).Write(folder.Path("other.cub"));
     const std::string other = folder.Read("other.cub");
@@ -120,7 +119,7 @@ TEST(ChangedFile, EndsNoReaderAndIsAnError) {
     }
 }
 
-/// A program that copies the file into itself for ever, as a nightly job without a rename does.
+/// A program that rewrites the file in place for ever, like a nightly job without a rename.
 TEST(ChangedFile, GivesItsSumOrAnErrorWhileItIsWritten) {
     const TemporaryFolder folder;
     const auto path = folder.Path("a.cub");
@@ -135,7 +134,7 @@ TEST(ChangedFile, GivesItsSumOrAnErrorWhileItIsWritten) {
                 std::this_thread::sleep_for(std::chrono::milliseconds(2));
                 file << std::string_view(bytes).substr(bytes.size() / 2);
             }
-            // Files carry the time of their last change in steps of some milliseconds.
+            // Modification times have a resolution of some milliseconds.
             std::this_thread::sleep_for(std::chrono::milliseconds(20));
         }
     });
@@ -151,7 +150,7 @@ TEST(ChangedFile, GivesItsSumOrAnErrorWhileItIsWritten) {
                     }
                 }
             } catch (const EngineError&) {
-                continue; // half a file is none
+                continue; // half a file cannot be opened
             }
         }
     };
@@ -163,7 +162,7 @@ TEST(ChangedFile, GivesItsSumOrAnErrorWhileItIsWritten) {
     EXPECT_EQ(CheckedSum(*CubeFile::Open(path)->FindCube("Small")), rows);
 }
 
-/// Reads a mapping of this test's own that its file no longer has.
+/// Reads bytes of this test's own mapping that its file no longer has.
 [[noreturn]] void ReadBeyondFile(const std::filesystem::path& path) {
     const rlimit noCore{0, 0};
     setrlimit(RLIMIT_CORE, &noCore);
@@ -178,7 +177,7 @@ TEST(ChangedFile, LeavesOtherBusErrorsToOthers) {
     EqualFacts(1).Write(folder.Path("a.cub"));
     const auto open = CubeFile::Open(folder.Path("a.cub"));
     const auto path = folder.Write("own", std::string(4096, '\0'));
-    const auto failed = [](int status) { return status != 0; }; // a sanitizer ends with a report of its own
+    const auto failed = [](int status) { return status != 0; }; // a sanitizer exits with its own status
     EXPECT_EXIT(ReadBeyondFile(path), failed, "");
     EXPECT_EXIT(
         {
@@ -188,7 +187,7 @@ TEST(ChangedFile, LeavesOtherBusErrorsToOthers) {
         failed, "");
     EXPECT_EXIT(
         {
-            std::signal(SIGBUS, [](int) { _exit(7); }); // a program's own handler, set later, is its own
+            std::signal(SIGBUS, [](int) { _exit(7); }); // a handler that the program installs later
             ReadBeyondFile(folder.Write("own", std::string(4096, '\0')));
         },
         testing::ExitedWithCode(7), "");

@@ -22,7 +22,7 @@ using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// Everything that a cube answers, as a text.
+/// Everything that a cube returns, as text.
 std::string Answers(const Cube& cube) {
     std::string text = cube.Name() + cube.Caption() + std::to_string(cube.DefaultMeasure());
     std::vector<MemberId> found;
@@ -87,7 +87,7 @@ TEST(CubeFile, GivesBackWhatWasWritten) {
     const TemporaryFolder folder;
     SmallCube().Write(folder.Path("a.cub"));
     EXPECT_TRUE(CubeFile::HasSignature(folder.Path("a.cub")));
-    const auto cube = CubeFile::Open(folder.Path("a.cub"))->FindCube("SMALL"); // outlives the file's handle
+    const auto cube = CubeFile::Open(folder.Path("a.cub"))->FindCube("SMALL"); // keeps the file open
     const Hierarchy& accounts = cube->Hierarchies()[0];
     EXPECT_EQ(accounts.UniqueName(), "[Accounts].[Tree]");
     EXPECT_EQ(cube->Hierarchies()[1].UniqueName(), "[Firm]");
@@ -141,7 +141,7 @@ TEST(CubeFile, NamesWhatCannotBeOpened) {
     SmallCube().Write(folder.Path("a.cub"));
     try {
         CubeFile::Open(folder.Path("a.cub"))->FindCube("Big");
-        ADD_FAILURE() << "a cube that is not there";
+        ADD_FAILURE() << "found a cube that does not exist";
     } catch (const EngineError& error) {
         EXPECT_EQ(error.Kind(), ErrorKind::UnknownCube);
         EXPECT_THAT(error.what(), HasSubstr("a.cub: there is no cube \"Big\"; the file holds Small"));
@@ -157,7 +157,7 @@ TEST(CubeFile, EveryDamagedByteIsFound) {
         bad[place] = static_cast<char>(bad[place] ^ 0x41);
         try {
             OpenBytes(bad);
-            ADD_FAILURE() << "byte " << place; // the file is one page, which metadata shares with facts
+            ADD_FAILURE() << "byte " << place; // metadata and facts share the only page
         } catch (const EngineError& error) {
             EXPECT_THAT(error.what(), HasSubstr("bad.cub")) << "byte " << place;
         }
@@ -188,7 +188,7 @@ TEST(CubeFile, TellsAnotherVersionFromDamage) {
     }
 }
 
-/// The pages of facts are not read when the file is opened, and checked when they are.
+/// Pages of facts are not read when the file is opened; they are checked when read.
 TEST(CubeFile, FactPagesAreCheckedWhenTheyAreRead) {
     const TemporaryFolder folder;
     SmallCube cube;
@@ -201,7 +201,7 @@ TEST(CubeFile, FactPagesAreCheckedWhenTheyAreRead) {
     cube.Write(folder.Path("a.cub"));
     EXPECT_EQ(OpenFault(folder.Path("a.cub")), "no fault");
     std::string bytes = folder.Read("a.cub");
-    bytes[bytes.size() - 100000] = 3; // among the last column, the values
+    bytes[bytes.size() - 100000] = 3; // in the last column, the values
     const auto file = CubeFile::Open(folder.Write("bad.cub", bytes));
     const Projection& projection = file->Cubes()[0].Facts().Projections()[0];
     EXPECT_NO_THROW(projection.PackedColumn(1, {0, rows}));
@@ -210,7 +210,7 @@ TEST(CubeFile, FactPagesAreCheckedWhenTheyAreRead) {
     EXPECT_THROW(file->Verify({}), EngineError);
 }
 
-/// Contents that contradict themselves below right checksums: what a faulty or hostile writer would make.
+/// Inconsistent contents with valid checksums, as a faulty or hostile writer would produce.
 template <class Element, class... Numbers>
 void Set(std::vector<Element>& list, Numbers... numbers) {
     list = {static_cast<Element>(numbers)...};
@@ -234,9 +234,9 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         {"width of codes", [](auto& c) { c.model.keyColumns[0].width = 3; },
          "key column account has a wrong width"},
         {"codes beyond the width", [](auto& c) { c.model.keyColumns[0].codes = 257; }, "has a wrong width"},
-        {"a packed column beyond all", [](auto& c) { c.model.keyColumns[0].packedColumn = 2; },
+        {"a packed column that does not exist", [](auto& c) { c.model.keyColumns[0].packedColumn = 2; },
          "account lies in a packed column that does not exist"},
-        {"a packed column of no column",
+        {"a packed column without a key column",
          [](auto& c) { c.model.keyColumns[0].packedColumn = 1, c.model.keyColumns[0].shift = 4; },
          "a packed column belongs to no key column"},
         {"bits beyond the packed column", [](auto& c) { c.model.keyColumns[0].shift = 8; },
@@ -307,8 +307,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         {"a column too short", [](auto& c) { c.keys[1][0].pop_back(); },
          "a column of facts has the wrong length"},
         {"a column missing", [](auto& c) { c.keys[0].pop_back(); }, "section 49 of cube 0 is missing"},
-        // Those below open, since reading facts is what they would need, but do not pass the check of the
-        // whole.
+        // The files below can be opened, because opening reads no facts, but do not pass verification.
         {"a fact's code out of range",
          [](auto& c) {
              c.model.keyColumns[1].codes = 3;
@@ -329,28 +328,29 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "parent lacks some"},
         {"aggregates by a time that does not exist", [](auto& c) { c.aggregates.timeColumn = 2; },
          "the aggregates' time"},
-        {"aggregates by a word that does not exist",
+        {"a packed key of a column that does not exist",
          [](auto& c) { c.aggregates.packedKeyColumns[0].column = 2; }, "the aggregates' packed key"},
-        {"a word column of other bits", [](auto& c) { c.aggregates.packedKeyColumns[0].bits = 2; },
+        {"a column with other bits in the packed key",
+         [](auto& c) { c.aggregates.packedKeyColumns[0].bits = 2; }, "the aggregates' packed key"},
+        {"a column beyond the packed key", [](auto& c) { c.aggregates.packedKeyColumns[0].shift = 32; },
          "the aggregates' packed key"},
-        {"a word column beyond the word", [](auto& c) { c.aggregates.packedKeyColumns[0].shift = 32; },
-         "the aggregates' packed key"},
-        {"a word column of no bits beyond the word",
+        {"a column of no bits beyond the packed key",
          [](auto& c) {
              c.model.keyColumns.push_back({"one", 1, 1, 2, 0});
              c.keys[0].push_back({0, 0, 0}), c.keys[1].push_back({0, 0, 0});
              c.aggregates.packedKeyColumns = {{2, 32, 0}, {1, 0, 1}};
          },
          "the aggregates' packed key"},
-        {"word columns on the same bits",
+        {"columns on the same bits of the packed key",
          [](auto& c) {
              c.aggregates.packedKeyColumns.push_back({1, 0, 1});
          },
          "the aggregates' packed key"},
-        {"no periods", [](auto& c) { c.aggregates.timeBuckets.clear(); }, "the aggregates' time buckets"},
-        {"periods that do not end with time", [](auto& c) { Set(c.aggregates.timeBuckets, 0, 2); },
+        {"no time buckets", [](auto& c) { c.aggregates.timeBuckets.clear(); },
          "the aggregates' time buckets"},
-        {"more periods than blocks have",
+        {"time buckets that do not cover all codes", [](auto& c) { Set(c.aggregates.timeBuckets, 0, 2); },
+         "the aggregates' time buckets"},
+        {"more time buckets than the blocks hold",
          [](auto& c) {
              c.aggregates.timeColumn = 0;
              c.model.keyColumns[0].codes = 66, c.model.keyColumns[0].width = 1;
@@ -362,41 +362,42 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "the aggregates' time buckets"},
         {"aggregate rows beyond the section", [](auto& c) { c.aggregates.rows = 3; },
          "section of the aggregates"},
-        {"strips without sums", [](auto& c) { c.aggregates.sums[0].pop_back(); },
+        {"packed keys without sums", [](auto& c) { c.aggregates.sums[0].pop_back(); },
          "section of the aggregates"},
-        {"strips without periods", [](auto& c) { c.aggregates.bucketMasks.pop_back(); },
+        {"packed keys without buckets", [](auto& c) { c.aggregates.bucketMasks.pop_back(); },
          "section of the aggregates"},
         {"an aggregate beyond the rows", [](auto& c) { c.aggregates.records[1].start = 1; },
          "aggregate 2: its facts are not in order"},
-        {"an aggregate beyond the strips", [](auto& c) { c.aggregates.records[0].keyCount = 5; },
+        {"an aggregate beyond the packed keys", [](auto& c) { c.aggregates.records[0].keyCount = 5; },
          "lie outside a section"},
-        {"strips that descend", [](auto& c) { Set(c.aggregates.packedKeys, 1, 0, 0); },
+        {"packed keys that descend", [](auto& c) { Set(c.aggregates.packedKeys, 1, 0, 0); },
          "aggregate 1: its facts are not in order"},
-        {"a strip of other periods", [](auto& c) { c.aggregates.bucketMasks[0] = 3; },
+        {"a packed key with other buckets", [](auto& c) { c.aggregates.bucketMasks[0] = 3; },
          "aggregate 1: its facts are not in order"},
         {"aggregate rows that descend", [](auto& c) { Set(c.aggregateFirms, 1, 0); },
          "aggregate 2: its facts are not in order"},
         {"a sum that differs", [](auto& c) { c.aggregates.sums[0][1] = 8; },
          "aggregate 1: it differs from the facts"},
-        {"a merged sum that differs", [](auto& c) { c.aggregates.sums[0][2] = 8; },
+        {"a coarser sum that differs", [](auto& c) { c.aggregates.sums[0][2] = 8; },
          "aggregate 1: it differs from the facts"},
-        {"merged strips of one firm", [](auto& c) { c.aggregates.packedKeys[2] = 1; },
+        {"a coarser key of one firm", [](auto& c) { c.aggregates.packedKeys[2] = 1; },
          "aggregate 1: it differs from the facts"},
-        {"merged strips of rows", [](auto& c) { c.aggregates.records[1].coarserKeyCount = 1; },
+        {"a coarser aggregate of rows", [](auto& c) { c.aggregates.records[1].coarserKeyCount = 1; },
          "where there can be none"},
-        {"merged strips of no word", [](auto& c) { c.aggregates.packedKeyColumns.clear(); },
+        {"a coarser aggregate without a packed key", [](auto& c) { c.aggregates.packedKeyColumns.clear(); },
          "where there can be none"},
-        {"merged strips beyond the strips", [](auto& c) { c.aggregates.records[0].coarserKeyCount = 2; },
-         "lie outside a section"},
-        {"sums of other words", [](auto& c) { std::swap(c.aggregates.sums[0][0], c.aggregates.sums[0][1]); },
+        {"a coarser aggregate beyond the packed keys",
+         [](auto& c) { c.aggregates.records[0].coarserKeyCount = 2; }, "lie outside a section"},
+        {"sums of other packed keys",
+         [](auto& c) { std::swap(c.aggregates.sums[0][0], c.aggregates.sums[0][1]); },
          "aggregate 1: it differs from the facts"},
-        {"sums of other periods",
+        {"sums of other buckets",
          [](auto& c) {
              c.SumByAccounts();
              c.aggregates.sums[0][0] = -7;
          },
          "aggregate 1: it differs from the facts"},
-        {"periods of other facts",
+        {"buckets of other facts",
          [](auto& c) {
              c.SumByAccounts();
              c.aggregates.bucketMasks[1] = 1;
@@ -413,19 +414,19 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.aggregates.prefixStarts = {0};
          },
          "aggregate 1: its facts are not in order"},
-        {"aggregate rows of another word", [](auto& c) { Set(c.aggregateFirms, 0, 0); },
+        {"aggregate rows of another packed key", [](auto& c) { Set(c.aggregateFirms, 0, 0); },
          "aggregate 2: it differs from the facts"},
         {"a bucket that does not exist", [](auto& c) { c.aggregates.bucketMasks[0] = 2; },
          "aggregate 1: its facts are not in order"},
         {"a group of one range",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 1};
+             c.aggregates.groupStarts = {0, 1};
              c.aggregates.groupRanges = {{0, 1}};
          },
          "the groups of codes are not in order"},
         {"ranges of a group that touch",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 2};
+             c.aggregates.groupStarts = {0, 2};
              c.aggregates.groupRanges = {{0, 1}, {1, 2}};
          },
          "the groups of codes are not in order"},
@@ -435,18 +436,18 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "aggregate 2: it differs from the facts"},
         {"an aggregate of no column", [](auto& c) { c.aggregates.records[1].key.firstColumn = 2; },
          "aggregate 2: its key has codes that do not exist"},
-        {"groups without an end", [](auto& c) { Set(c.aggregates.groupPlaces, 0, 2); },
+        {"groups without an end", [](auto& c) { Set(c.aggregates.groupStarts, 0, 2); },
          "the groups of codes"},
         {"groups that overlap",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 2, 1};
+             c.aggregates.groupStarts = {0, 2, 1};
              c.aggregates.groupRanges = {{0, 1}};
          },
          "the groups of codes"},
-        {"no places of groups", [](auto& c) { c.aggregates.groupPlaces.clear(); }, "the groups of codes"},
+        {"no starts of groups", [](auto& c) { c.aggregates.groupStarts.clear(); }, "the groups of codes"},
         {"groups that descend",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 2, 4};
+             c.aggregates.groupStarts = {0, 2, 4};
              c.aggregates.groupRanges = {{0, 1}, {3, 4}, {0, 1}, {2, 3}};
          },
          "the groups of codes are not in order"},
@@ -455,7 +456,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "aggregate 2: its key has codes that do not exist"},
         {"an aggregate of a group beyond the codes",
          [](auto& c) {
-             c.aggregates.groupPlaces = {0, 2};
+             c.aggregates.groupStarts = {0, 2};
              c.aggregates.groupRanges = {{0, 1}, {2, 3}};
              c.aggregates.records[1].key.first = {0, 0};
          },
@@ -476,7 +477,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
     }
 }
 
-TEST(CubeFile, HasAggregatesByPeriods) {
+TEST(CubeFile, HasAggregatesByTime) {
     const TemporaryFolder folder;
     SmallCube cube;
     cube.SumByAccounts();
@@ -500,7 +501,7 @@ TEST(CubeFile, DoesWithoutAggregates) {
     EXPECT_EQ(second->Cubes()[0].Facts().Aggregates(), nullptr);
 }
 
-TEST(CubeFile, AppearsOnlyWhenItIsComplete) {
+TEST(CubeFile, AppearsOnlyWhenComplete) {
     const TemporaryFolder folder;
     SmallCube().Write(folder.Path("a.cub"));
     const auto before = folder.Read("a.cub");
@@ -510,7 +511,7 @@ TEST(CubeFile, AppearsOnlyWhenItIsComplete) {
         abandoned.AddCube(SmallCube().model);
     }
     EXPECT_EQ(folder.Read("a.cub"), before);
-    EXPECT_EQ(folder.FileCount(), 1U) << "a temporary file stayed behind";
+    EXPECT_EQ(folder.FileCount(), 1U) << "a temporary file was left behind";
 
     SmallCube other;
     other.model.name = "Other";
@@ -519,13 +520,13 @@ TEST(CubeFile, AppearsOnlyWhenItIsComplete) {
     EXPECT_TRUE(std::filesystem::is_symlink(folder.Path("link.cub")));
     EXPECT_EQ(CubeFile::Open(folder.Path("a.cub"))->Cubes()[0].Name(), "Other");
     EXPECT_NE(Answers(opened->Cubes()[0]).find("Small"), std::string::npos)
-        << "readers keep what they opened";
+        << "a reader keeps the file it opened";
 
     EXPECT_THROW(CubeFileWriter(folder.Path("absent/a.cub")), EngineError);
     EXPECT_THROW(CubeFileWriter(folder.Path()), EngineError);
 }
 
-/// Runs `work` in a process without the superuser's rights and gives what it returns as a message.
+/// Runs `work` in a process without superuser rights and returns its result as a message.
 std::string AsAnyUser(const TemporaryFolder& folder, const std::function<std::string()>& work) {
     const auto answer = folder.Write("answer", "");
     std::filesystem::permissions(answer, std::filesystem::perms::all);
@@ -548,7 +549,7 @@ std::string AsAnyUser(const TemporaryFolder& folder, const std::function<std::st
 TEST(CubeFile, NoPermissionIsAnErrorThatSaysSo) {
     const TemporaryFolder folder;
     SmallCube().Write(folder.Path("a.cub"));
-    folder.Write("answer", ""); // while the folder takes new files
+    folder.Write("answer", ""); // while files can still be created
     std::filesystem::permissions(folder.Path("a.cub"), std::filesystem::perms::none);
     std::filesystem::permissions(folder.Path(), std::filesystem::perms::owner_write,
                                  std::filesystem::perm_options::remove);
@@ -575,7 +576,7 @@ TEST(CubeFile, AFullDiskIsAnError) {
     const TemporaryFolder folder;
     SmallCube().Write(folder.Path("a.cub"));
     const auto before = folder.Read("a.cub");
-    const FileSizeLimit limit(100);
+    const test::FileSizeLimit limit(100);
     try {
         SmallCube().Write(folder.Path("a.cub"));
         ADD_FAILURE() << "written beyond the limit";

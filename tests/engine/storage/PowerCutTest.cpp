@@ -15,7 +15,7 @@ namespace {
 
 using test::TemporaryFolder;
 
-/// A cube of several pages, which the builder writes one by one.
+/// A cube of several pages, written page by page.
 SmallCube LargerCube() {
     constexpr std::size_t rows = 200'000;
     SmallCube cube;
@@ -28,8 +28,8 @@ SmallCube LargerCube() {
     return cube;
 }
 
-/// Writes the cube in a process that ends, without any chance to tidy up, with the write that takes the file
-/// beyond `bytes`. Returns whether the process came to its end all the same.
+/// Writes the cube in a process that is killed, without clean-up, by the write that takes the file beyond
+/// `bytes`. Returns whether it finished anyway.
 bool WriteUntil(std::uint64_t bytes, const SmallCube& cube, const std::filesystem::path& path) {
     const pid_t child = fork();
     if (child == 0) {
@@ -41,8 +41,7 @@ bool WriteUntil(std::uint64_t bytes, const SmallCube& cube, const std::filesyste
         try {
             cube.Write(path);
         } catch (const std::exception&) {
-            // The limit was reached inside a write, which was cut short: as with a power cut, nothing more
-            // comes.
+            // The write at the limit was cut short; as in a power cut, nothing follows.
             kill(getpid(), SIGKILL);
         }
         _exit(0);
@@ -64,7 +63,7 @@ TEST(PowerCut, LeavesTheOldFileOrTheNewOneAtEveryWrite) {
     constexpr std::uint64_t page = 65536;
     ASSERT_GT(complete.size(), 4 * page);
     std::size_t cuts = 0;
-    // At every page's start, within it, and right before the file's end.
+    // At the start of every page, inside it, and right before the end of the file.
     for (std::uint64_t bytes = 0; bytes < complete.size(); bytes += bytes % page == 0 ? 1000 : page - 1000) {
         EXPECT_FALSE(WriteUntil(bytes, cube, path)) << bytes;
         ASSERT_EQ(folder.Read("a.cub"), old) << "cut at " << bytes;

@@ -19,7 +19,7 @@ using testing::HasSubstr;
 
 constexpr std::uint64_t page = 65536;
 
-/// Facts over many pages; the value of a row is its number in seven bits.
+/// Facts over many pages; each row's value is its number in seven bits.
 SmallCube ManyPages(std::size_t rows) {
     SmallCube cube;
     cube.model.rowCount = rows;
@@ -32,17 +32,17 @@ SmallCube ManyPages(std::size_t rows) {
     return cube;
 }
 
-/// Threads that meet the same unchecked pages at the same time each get the right bytes or the fault.
+/// Threads that read the same unchecked pages at once each get the right bytes or the error.
 TEST(SharedFile, ThreadsCheckPagesTogether) {
     const TemporaryFolder folder;
     constexpr std::uint64_t rows = 12 * page;
     constexpr std::uint64_t badRow = 7 * page;
     ManyPages(rows).Write(folder.Path("a.cub"));
     std::string bytes = folder.Read("a.cub");
-    // The values are the last column: the tables behind it are as long in every file of this many pages.
+    // The values are the last column; what follows has the same size in every file of this many pages.
     const std::size_t firstValue = bytes.rfind(std::string("\x7E\x7F", 2)) + 2 - rows;
     ASSERT_EQ(bytes[firstValue + 100], 100);
-    bytes[firstValue + badRow] = 1; // where a 0 stood
+    bytes[firstValue + badRow] = 1; // was 0
     folder.Write("bad.cub", bytes);
 
     constexpr std::size_t threadCount = 4;
@@ -56,7 +56,7 @@ TEST(SharedFile, ThreadsCheckPagesTogether) {
                 std::this_thread::yield();
             }
             for (std::uint64_t i = 0; i < rows / step; ++i) {
-                // Half of the threads from the front, half from the back.
+                // Half of the threads read forwards, half backwards.
                 const std::uint64_t row = (thread % 2 == 0 ? i : rows / step - 1 - i) * step;
                 try {
                     const auto* const values = facts.Values(0, {row, row + step});
@@ -75,14 +75,14 @@ TEST(SharedFile, ThreadsCheckPagesTogether) {
         for (std::thread& thread : threads) {
             thread.join();
         }
-        EXPECT_EQ(wrongValues, 0U) << "a damaged page was handed out";
-        // A page is four steps, or five where it begins within one; every thread meets each of them.
+        EXPECT_EQ(wrongValues, 0U) << "a damaged page was returned";
+        // A page takes four steps, or five when it starts inside one; every thread reads each page.
         EXPECT_GE(faults, threadCount * 4);
         EXPECT_LE(faults, threadCount * 5);
     }
 }
 
-/// A file of three cubes, the second of which may be spoiled.
+/// A file of three cubes; the second may be damaged.
 void WriteThree(const std::filesystem::path& path, void (*spoil)(SmallCube&)) {
     CubeFileWriter writer(path);
     for (const char* const name : {"One", "Two", "Three"}) {
@@ -116,11 +116,11 @@ TEST(SharedFile, EveryCubeIsFoundWithItsOwnFacts) {
     }
 }
 
-TEST(SharedFile, VerifyReadsEveryCubeAndNamesTheOneAtFault) {
+TEST(SharedFile, VerifyReadsEveryCubeAndNamesTheDamagedOne) {
     struct Case {
         const char* what;
         void (*spoil)(SmallCube&);
-        const char* fault; ///< nullptr when there is none
+        const char* fault; ///< null: no fault
     };
     const Case cases[] = {
         {"all are whole", [](SmallCube&) {}, nullptr},

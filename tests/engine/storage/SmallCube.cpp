@@ -92,7 +92,7 @@ void SmallCube::AddTo(CubeFileWriter& writer) const {
         for (std::size_t column = 0; column < keys[order].size(); ++column) {
             const auto& sortOrder = model.projections[order].sortOrder;
             if (!sortOrder.empty() && sortOrder.front() == column) {
-                continue; // its place says a row's leading code
+                continue; // implied by the row number
             }
             writer.BeginPackedColumn(cube, order, column);
             writer.Append(std::as_bytes(std::span(keys[order][column])));

@@ -9,26 +9,26 @@
 
 namespace qel::engine {
 
-/// Two accounts in one group, two firms, three facts: made by hand, so that a test can spoil any part of it
-/// and still write it with right checksums.
+/// Two accounts in one group, two firms, three facts: made by hand, so that a test can damage any part and
+/// still write it with valid checksums.
 struct SmallCube {
     CubeModel model;
-    /// By sort order: a byte for each fact.
+    /// By sort order: one byte per fact.
     std::vector<std::vector<std::vector<std::uint8_t>>> keys;
     std::vector<std::vector<std::int8_t>> values;
-    /// All facts in strips by firm and merged, and those of account 1 as rows.
+    /// All facts as prefix sums by firm with a coarser aggregate, and those of account 1 as rows.
     AggregateModel aggregates;
     std::vector<std::uint8_t> aggregateFirms;
     std::vector<std::int8_t> aggregateValues;
     bool hasAggregates = true;
 
     SmallCube();
-    /// Lets the accounts be the aggregates' time, of two buckets, and the strips be the only aggregate.
+    /// Makes the accounts the time column, with two buckets, and keeps only the prefix-sum aggregate.
     void SumByAccounts();
     HierarchyModel& Accounts() { return model.dimensions[0].hierarchies[0]; }
-    /// Adds this cube and its facts to a file of several.
+    /// Adds this cube and its facts to a file of several cubes.
     void AddTo(CubeFileWriter& writer) const;
-    /// Writes a file of this cube alone.
+    /// Writes a file with only this cube.
     void Write(const std::filesystem::path& path) const;
 };
 

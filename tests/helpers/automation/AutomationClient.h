@@ -21,7 +21,7 @@ public:
     Apartment& operator=(const Apartment&) = delete;
 };
 
-/// A new object by its ProgID; fails the test when there is none.
+/// A new object by its ProgID. Fails the test when it cannot be created.
 ComPointer<IDispatch> CreateByName(const wchar_t* progId);
 
 OwnedVariant Text(const std::string& text);
@@ -30,7 +30,7 @@ OwnedVariant Day(double days);
 OwnedVariant Missing();
 /// An array of variants that hold texts.
 OwnedVariant Texts(const std::vector<std::string>& texts, LONG lowerBound = 0);
-/// A view of the other variant by reference.
+/// A reference to another variant.
 OwnedVariant ReferenceTo(OwnedVariant& value);
 
 struct CallResult {
@@ -42,7 +42,7 @@ struct CallResult {
 
 using Arguments = std::vector<OwnedVariant>;
 
-/// IDispatch::Invoke as a script makes it. The last `names.size()` arguments are named.
+/// Calls IDispatch::Invoke like a script. The last `names.size()` arguments are named.
 CallResult Invoke(IDispatch* object, const wchar_t* member, Arguments& arguments,
                   const std::vector<const wchar_t*>& names = {},
                   WORD flags = DISPATCH_METHOD | DISPATCH_PROPERTYGET);

@@ -1,6 +1,8 @@
 #include "tests/helpers/automation/DispatchDouble.h"
 
+#include "platform/value/AutomationError.h"
 #include "platform/windows/Bstr.h"
+#include "platform/windows/ProviderFailure.h"
 #include "platform/windows/VariantConversion.h"
 
 #include <algorithm>
@@ -11,6 +13,14 @@ namespace qel::test {
 
 namespace {
 
+HRESULT Fail(EXCEPINFO& details, HRESULT code, const std::string& description, const std::string& source) {
+    details = {};
+    details.scode = code;
+    details.bstrDescription = windows::Bstr(description).Release();
+    details.bstrSource = windows::Bstr(source).Release();
+    return DISP_E_EXCEPTION;
+}
+
 std::wstring Folded(std::wstring name) {
     std::transform(name.begin(), name.end(), name.begin(), [](wchar_t c) { return std::towlower(c); });
     return name;
@@ -18,28 +28,41 @@ std::wstring Folded(std::wstring name) {
 
 } // namespace
 
+std::string TextAt(const Inputs& inputs, std::size_t index) {
+    return windows::FromAutomation(*inputs.at(index)).As<std::string>();
+}
+
+std::int32_t NumberAt(const Inputs& inputs, std::size_t index) {
+    return windows::FromAutomation(*inputs.at(index)).As<std::int32_t>();
+}
+
 void DispatchDouble::Define(const std::wstring& name, Handler handler) {
     const auto id = static_cast<DISPID>(ids_.size()) + 100;
     ids_[Folded(name)] = id;
     handlers_[id] = std::move(handler);
 }
 
-STDMETHODIMP DispatchDouble::QueryInterface(REFIID id, void** object) {
-    *object = nullptr;
-    if (id != IID_IUnknown && id != IID_IDispatch) {
-        return E_NOINTERFACE;
-    }
-    *object = static_cast<IDispatch*>(this);
-    AddRef();
-    return S_OK;
+void DispatchDouble::Value(const std::wstring& name, const Variant& value) {
+    Define(name, [value](const Inputs&) { return windows::ToAutomation(value); });
 }
 
-STDMETHODIMP_(ULONG) DispatchDouble::Release() {
-    const ULONG left = --references_;
-    if (left == 0) {
-        delete this; // NOLINT(cppcoreguidelines-owning-memory): a COM object is its references'
-    }
-    return left;
+void DispatchDouble::Property(const std::wstring& name, std::function<Variant()> value) {
+    Define(name, [value](const Inputs&) { return windows::ToAutomation(value()); });
+}
+
+void DispatchDouble::Method(const std::wstring& name, std::function<void(const Inputs& inputs)> work) {
+    Define(name, [work](const Inputs& inputs) {
+        work(inputs);
+        return OwnedVariant();
+    });
+}
+
+void DispatchDouble::Child(const std::wstring& name, Maker make) {
+    Define(name, [make](const Inputs&) { return ObjectValue(make()); });
+}
+
+void* DispatchDouble::Find(REFIID id) {
+    return id == IID_IUnknown || id == IID_IDispatch ? static_cast<IDispatch*>(this) : nullptr;
 }
 
 STDMETHODIMP DispatchDouble::GetTypeInfoCount(UINT* count) {
@@ -66,7 +89,7 @@ STDMETHODIMP DispatchDouble::Invoke(DISPID id, REFIID /*reserved*/, LCID /*local
     if (handler == handlers_.end()) {
         return DISP_E_MEMBERNOTFOUND;
     }
-    std::vector<const VARIANT*> ordered;
+    Inputs ordered;
     for (UINT i = arguments->cArgs; i > 0; --i) {
         ordered.push_back(&windows::Dereferenced(arguments->rgvarg[i - 1]));
     }
@@ -77,11 +100,9 @@ STDMETHODIMP DispatchDouble::Invoke(DISPID id, REFIID /*reserved*/, LCID /*local
         }
         return S_OK;
     } catch (const ScriptedFailure& failure) {
-        *details = {};
-        details->scode = failure.code;
-        details->bstrDescription = windows::Bstr(failure.description).Release();
-        details->bstrSource = windows::Bstr(failure.source).Release();
-        return DISP_E_EXCEPTION;
+        return Fail(*details, failure.code, failure.description, failure.source);
+    } catch (const AutomationError& error) {
+        return Fail(*details, windows::ResultOfNumber(error.Number()), error.Description(), error.Source());
     }
 }
 
@@ -94,6 +115,22 @@ OwnedVariant ObjectValue(ComPointer<IDispatch> object) {
 
 ComPointer<DispatchDouble> MakeDouble() {
     return ComPointer<DispatchDouble>::Adopt(std::make_unique<DispatchDouble>().release());
+}
+
+ComPointer<IDispatch> MakeObject(const std::function<void(DispatchDouble& object)>& define) {
+    auto object = MakeDouble();
+    define(*object.Get());
+    return ComPointer<IDispatch>::Adopt(object.Release());
+}
+
+ComPointer<IDispatch> MakeCollection(std::int32_t count,
+                                     std::function<ComPointer<IDispatch>(const Variant& key)> item) {
+    return MakeObject([&](DispatchDouble& collection) {
+        collection.Value(L"Count", count);
+        collection.Define(L"Item", [item](const Inputs& inputs) {
+            return ObjectValue(item(windows::FromAutomation(*inputs.at(0))));
+        });
+    });
 }
 
 } // namespace qel::test

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/value/Variant.h"
+#include "platform/windows/ComObject.h"
 #include "tests/helpers/automation/AutomationClient.h"
 
 #include <functional>
@@ -8,26 +10,34 @@
 
 namespace qel::test {
 
-/// A failure that a double reports as its own.
+/// A failure reported by a double.
 struct ScriptedFailure {
     HRESULT code = E_FAIL;
     std::string description, source;
 };
 
-/// An automation object whose members are functions of a test.
-class DispatchDouble : public IDispatch {
-public:
-    /// Gets the arguments in the order of a macro; raises ScriptedFailure.
-    using Handler = std::function<OwnedVariant(const std::vector<const VARIANT*>& arguments)>;
+/// A call's arguments in the order of a macro.
+using Inputs = std::vector<const VARIANT*>;
 
-    virtual ~DispatchDouble() = default;
+std::string TextAt(const Inputs& inputs, std::size_t index);
+std::int32_t NumberAt(const Inputs& inputs, std::size_t index);
+
+/// An automation object whose members are functions of a test. They fail with ScriptedFailure, or with
+/// AutomationError, which is numbered as the machine's objects number theirs.
+class DispatchDouble : public windows::ComObject<IDispatch> {
+public:
+    using Handler = std::function<OwnedVariant(const Inputs& inputs)>;
+    using Maker = std::function<ComPointer<IDispatch>()>;
 
     void Define(const std::wstring& name, Handler handler);
     void DefineNumber(DISPID id, Handler handler) { handlers_[id] = std::move(handler); }
+    void Value(const std::wstring& name, const Variant& value);
+    /// Computed on every reading.
+    void Property(const std::wstring& name, std::function<Variant()> value);
+    /// Without a result.
+    void Method(const std::wstring& name, std::function<void(const Inputs& inputs)> work);
+    void Child(const std::wstring& name, Maker make);
 
-    STDMETHODIMP QueryInterface(REFIID id, void** object) override;
-    STDMETHODIMP_(ULONG) AddRef() override { return ++references_; }
-    STDMETHODIMP_(ULONG) Release() override;
     STDMETHODIMP GetTypeInfoCount(UINT* count) override;
     STDMETHODIMP GetTypeInfo(UINT index, LCID locale, ITypeInfo** info) override;
     STDMETHODIMP GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID locale,
@@ -36,12 +46,18 @@ public:
                         VARIANT* result, EXCEPINFO* details, UINT* wrongArgument) override;
 
 private:
+    void* Find(REFIID id) override;
+
     std::map<std::wstring, DISPID> ids_;
     std::map<DISPID, Handler> handlers_;
-    ULONG references_ = 1;
 };
 
 OwnedVariant ObjectValue(ComPointer<IDispatch> object);
 ComPointer<DispatchDouble> MakeDouble();
+/// A double with the members that `define` gives it.
+ComPointer<IDispatch> MakeObject(const std::function<void(DispatchDouble& object)>& define);
+/// A collection with Count and Item, whose key is a number or a name.
+ComPointer<IDispatch> MakeCollection(std::int32_t count,
+                                     std::function<ComPointer<IDispatch>(const Variant& key)> item);
 
 } // namespace qel::test

@@ -1,27 +1,29 @@
 #include "tests/helpers/automation/NamedClass.h"
 
+#include "platform/windows/ComObject.h"
+
 #include <gtest/gtest.h>
+
+#include <memory>
 
 namespace qel::test {
 
 namespace {
 
-class DoubleFactory : public IClassFactory {
+class FactoryDouble : public windows::ComObject<IClassFactory> {
 public:
-    explicit DoubleFactory(NamedClass::Factory make) : make_(std::move(make)) {}
-    virtual ~DoubleFactory() = default;
-    STDMETHODIMP QueryInterface(REFIID /*id*/, void** object) override {
-        *object = static_cast<IClassFactory*>(this);
-        return S_OK;
-    }
-    STDMETHODIMP_(ULONG) AddRef() override { return 2; } // belongs to its test
-    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    explicit FactoryDouble(NamedClass::Factory make) : make_(std::move(make)) {}
+
     STDMETHODIMP CreateInstance(IUnknown* /*outer*/, REFIID id, void** object) override {
         return make_()->QueryInterface(id, object);
     }
     STDMETHODIMP LockServer(BOOL /*lock*/) override { return S_OK; }
 
 private:
+    void* Find(REFIID id) override {
+        return id == IID_IUnknown || id == IID_IClassFactory ? static_cast<IClassFactory*>(this) : nullptr;
+    }
+
     NamedClass::Factory make_;
 };
 
@@ -29,8 +31,12 @@ std::wstring KeyOf(const std::wstring& progId) { return L"Software\\Classes\\" +
 
 } // namespace
 
+ComPointer<IClassFactory> MakeFactory(std::function<ComPointer<IDispatch>()> make) {
+    return ComPointer<IClassFactory>::Adopt(std::make_unique<FactoryDouble>(std::move(make)).release());
+}
+
 NamedClass::NamedClass(std::wstring progId, Factory make)
-    : progId_(std::move(progId)), factory_(std::make_shared<DoubleFactory>(std::move(make))) {
+    : progId_(std::move(progId)), factory_(MakeFactory(std::move(make))) {
     wchar_t before[100] = {};
     DWORD bytes = sizeof before;
     if (::RegGetValueW(HKEY_LOCAL_MACHINE, KeyOf(progId_).c_str(), L"", RRF_RT_REG_SZ, nullptr, before,
@@ -42,7 +48,7 @@ NamedClass::NamedClass(std::wstring progId, Factory make)
     wchar_t text[39];
     ::StringFromGUID2(id, text, 39);
     Write(text);
-    EXPECT_EQ(::CoRegisterClassObject(id, factory_.get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie_),
+    EXPECT_EQ(::CoRegisterClassObject(id, factory_.Get(), CLSCTX_INPROC_SERVER, REGCLS_MULTIPLEUSE, &cookie_),
               S_OK);
 }
 

@@ -3,13 +3,14 @@
 #include "tests/helpers/automation/AutomationClient.h"
 
 #include <functional>
-#include <memory>
 #include <optional>
 
 namespace qel::test {
 
-/// A class of this process under a name of the machine's, for as long as it lives; what was registered under
-/// the name is restored at the end.
+ComPointer<IClassFactory> MakeFactory(std::function<ComPointer<IDispatch>()> make);
+
+/// Registers a class of this process under a ProgID for as long as it lives; the previous registration is
+/// restored at the end.
 class NamedClass {
 public:
     using Factory = std::function<ComPointer<IDispatch>()>;
@@ -23,7 +24,7 @@ private:
     void Write(const std::wstring& classId) const;
 
     std::wstring progId_;
-    std::shared_ptr<IClassFactory> factory_;
+    ComPointer<IClassFactory> factory_;
     std::optional<std::wstring> before_;
     DWORD cookie_ = 0;
 };

@@ -1,8 +1,6 @@
 #include "tests/helpers/automation/SheetObject.h"
 
 #include "platform/value/AutomationError.h"
-#include "platform/value/Conversion.h"
-#include "platform/windows/ProviderFailure.h"
 #include "platform/windows/VariantConversion.h"
 
 #include <fmt/format.h>
@@ -21,10 +19,6 @@ struct CellPlace {
 
 std::string NameOf(const CellPlace& place) { return fmt::format("R{}C{}", place.row, place.column); }
 
-std::int32_t NumberIn(const VARIANT* value) { return windows::FromAutomation(*value).As<std::int32_t>(); }
-
-OwnedVariant Value(const Variant& value) { return windows::ToAutomation(value); }
-
 std::string TextIn(const Variant& value) {
     return value.Is<std::string>() ? value.As<std::string>() : std::string();
 }
@@ -40,7 +34,7 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
 
     void RequireOpen() const {
         if (protection) {
-            throw ScriptedFailure{windows::ResultOfNumber(1004), *protection, "Sheet"};
+            throw AutomationError(1004, *protection, "Sheet");
         }
     }
 
@@ -60,40 +54,36 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
     ComPointer<IDispatch> MakeRange(const CellPlace& first, const CellPlace& last) {
         const auto self = shared_from_this();
         const std::string name = first == last ? NameOf(first) : NameOf(first) + ":" + NameOf(last);
-        auto range = MakeDouble();
-        range->Define(L"Application", [self](const auto&) {
-            return ObjectValue(ComPointer<IDispatch>(self->application.Get()));
+        return MakeObject([&](DispatchDouble& range) {
+            range.Child(L"Application", [self] { return ComPointer<IDispatch>(self->application.Get()); });
+            range.Value(L"Row", first.row);
+            range.Value(L"Column", first.column);
+            range.Define(L"Offset", [self, first](const Inputs& inputs) {
+                const CellPlace moved{first.row + NumberAt(inputs, 0), first.column + NumberAt(inputs, 1)};
+                return ObjectValue(self->MakeRange(moved, moved));
+            });
+            range.Property(L"Value", [self, first] {
+                const auto found = self->values.find(first);
+                return found != self->values.end() ? Variant(found->second) : Variant(Empty{});
+            });
+            range.Method(L"NumberFormat", [self, name](const Inputs& inputs) {
+                self->RequireOpen();
+                self->log.push_back(name + " format " + TextAt(inputs, 0));
+            });
+            range.Method(L"Formula", [self, first, name](const Inputs& inputs) {
+                self->RequireOpen();
+                const Variant formula = windows::FromAutomation(*inputs.at(0));
+                if (formula.IsArray()) {
+                    self->WriteTable(first, name, *formula.As<std::shared_ptr<const VariantArray>>());
+                } else {
+                    self->values[first] = TextIn(formula);
+                    self->log.push_back(name + " formula " + self->values[first]);
+                }
+            });
         });
-        range->Define(L"Row", [first](const auto&) { return Value(first.row); });
-        range->Define(L"Column", [first](const auto&) { return Value(first.column); });
-        range->Define(L"Offset", [self, first](const auto& arguments) {
-            const CellPlace moved{first.row + NumberIn(arguments[0]), first.column + NumberIn(arguments[1])};
-            return ObjectValue(self->MakeRange(moved, moved));
-        });
-        range->Define(L"Value", [self, first](const auto&) {
-            const auto found = self->values.find(first);
-            return Value(found != self->values.end() ? Variant(found->second) : Variant(Empty{}));
-        });
-        range->Define(L"NumberFormat", [self, name](const auto& arguments) {
-            self->RequireOpen();
-            self->log.push_back(name + " format " + TextIn(windows::FromAutomation(*arguments[0])));
-            return OwnedVariant();
-        });
-        range->Define(L"Formula", [self, first, name](const auto& arguments) {
-            self->RequireOpen();
-            const Variant formula = windows::FromAutomation(*arguments[0]);
-            if (formula.IsArray()) {
-                self->WriteTable(first, name, *formula.As<std::shared_ptr<const VariantArray>>());
-            } else {
-                self->values[first] = TextIn(formula);
-                self->log.push_back(name + " formula " + self->values[first]);
-            }
-            return OwnedVariant();
-        });
-        return ComPointer<IDispatch>(range.Get());
     }
 
-    /// The first cell of a range that came back as an argument.
+    /// The first cell of a range passed as an argument.
     CellPlace FirstOf(const VARIANT* range) {
         Arguments none;
         const auto number = [&](const wchar_t* member) {
@@ -105,18 +95,17 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
 };
 
 SheetObject::SheetObject() : state_(std::make_shared<State>()) {
-    State* const state = state_.get(); // owns the application, so the handlers may not own it
-    state->application->Define(L"ActiveCell", [state](const auto&) {
-        return ObjectValue(state->MakeRange(state->active, state->active));
-    });
-    state->application->Define(
-        L"Log", [state](const auto&) { return Value(fmt::format("{}", fmt::join(state->log, "\r\n"))); });
-    state->application->Define(L"Cells", [state](const auto& arguments) {
-        const CellPlace place{NumberIn(arguments[0]), NumberIn(arguments[1])};
+    State* const state = state_.get(); // owns the application, so its handlers must not own the state
+    DispatchDouble& application = *state->application.Get();
+    application.Child(L"ActiveCell", [state] { return state->MakeRange(state->active, state->active); });
+    application.Property(L"Log",
+                         [state] { return Variant(fmt::format("{}", fmt::join(state->log, "\r\n"))); });
+    application.Define(L"Cells", [state](const Inputs& inputs) {
+        const CellPlace place{NumberAt(inputs, 0), NumberAt(inputs, 1)};
         return ObjectValue(state->MakeRange(place, place));
     });
-    state->application->Define(L"Range", [state](const auto& arguments) {
-        return ObjectValue(state->MakeRange(state->FirstOf(arguments[0]), state->FirstOf(arguments[1])));
+    application.Define(L"Range", [state](const Inputs& inputs) {
+        return ObjectValue(state->MakeRange(state->FirstOf(inputs[0]), state->FirstOf(inputs[1])));
     });
 }
 

@@ -8,20 +8,20 @@
 
 namespace qel::test {
 
-/// A sheet as an automation client sees the one of a spreadsheet: Application, Cells, Range, Offset, Value,
-/// NumberFormat and Formula. It remembers what was written; its application tells it as Log, line by line.
+/// A spreadsheet's sheet for automation clients: Application, Cells, Range, Offset, Value, NumberFormat and
+/// Formula. It records what is written; the application's property Log returns the lines.
 class SheetObject {
 public:
     SheetObject();
 
     ComPointer<IDispatch> Application() const;
     ComPointer<IDispatch> Cell(std::int32_t row, std::int32_t column) const;
-    /// The cell that the user stands on; R3C2 unless set.
+    /// Sets the active cell, which is R3C2 by default.
     void Activate(std::int32_t row, std::int32_t column) const;
     void Put(std::int32_t row, std::int32_t column, const std::string& value) const;
-    /// Every writing fails with 1004 and this text from now on.
+    /// Makes every write fail with 1004 and this text.
     void Protect(const std::string& message) const;
-    /// Empty when nothing stands there.
+    /// Empty for an empty cell.
     std::string Formula(std::int32_t row, std::int32_t column) const;
     const std::vector<std::string>& Log() const;
 

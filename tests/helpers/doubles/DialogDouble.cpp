@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-namespace qel::testing {
+namespace qel::test {
 
 DialogDouble::DialogDouble(const FormDesign& design, bool isRightToLeft, DialogEvents& events)
     : design_(design), events_(events), isRightToLeft_(isRightToLeft) {
@@ -175,4 +175,4 @@ std::unique_ptr<Dialog> ToolkitDouble::NewDialog(const FormDesign& design, bool 
     return dialog;
 }
 
-} // namespace qel::testing
+} // namespace qel::test

@@ -9,27 +9,27 @@
 #include <utility>
 #include <vector>
 
-namespace qel::testing {
+namespace qel::test {
 
-/// Something that no person could have done: the control is missing, disabled, or has no such item.
+/// An act that a person could not do: the control is missing or disabled, or lacks the item.
 class ImpossibleAct : public std::logic_error {
 public:
     using std::logic_error::logic_error;
 };
 
-/// A dialog in memory, and the person before it.
+/// A dialog in memory, and the person who uses it.
 class DialogDouble : public Dialog, public TranslatableForm {
 public:
     DialogDouble(const FormDesign& design, bool isRightToLeft, DialogEvents& events);
 
-    // What a person does. Every act raises ImpossibleAct when the control does not let it.
+    // What a person does. Raises ImpossibleAct when the control does not allow it.
     void Press(std::string_view control);
     void Tick(std::string_view control, bool isChecked);
     /// The first item of a combo or list box that holds the text.
     void Choose(std::string_view control, std::string_view part);
-    /// Types into a text box and goes on to the next control.
+    /// Types into a text box and leaves it.
     void Type(std::string_view control, const std::string& text);
-    /// Types into a bound list and takes the first row that matches; returns how many do.
+    /// Types into a bound list and chooses the first matching row. Returns the number of matches.
     std::size_t Find(std::string_view control, std::string_view typed);
 
     // What a person sees.
@@ -41,14 +41,14 @@ public:
     bool IsHidden() const { return isHidden_; }
     const FileQuestion& AskedForFile() const { return asked_; }
     std::string_view Focus() const { return focus_; }
-    /// The controls that the program put items, rows or texts into, in order, one after another told once.
+    /// The controls that the program filled, in order, without immediate repetitions.
     std::vector<std::string> TakeFilled() { return std::exchange(filled_, {}); }
 
     std::string chosenFile;                       ///< the answer of the file dialog
     std::function<void(DialogDouble&)> beforeRun; ///< what the person does while the dialog is shown
 
     // Dialog
-    /// Loads, lets the person act, and closes by the close box when nothing hid it before.
+    /// Loads the dialog, lets the person act, and uses the close box unless the dialog is hidden already.
     void ShowModal() override;
     void Hide() override { isHidden_ = true; }
     TranslatableForm& Texts() override { return *this; }
@@ -114,10 +114,10 @@ private:
     bool isRightToLeft_, isHidden_ = true;
 };
 
-/// Shows dialogs to a person who acts by a script.
+/// Shows dialogs to a scripted person.
 class ToolkitDouble : public DialogToolkit {
 public:
-    std::function<void(DialogDouble&)> person; ///< what is done while a dialog is shown
+    std::function<void(DialogDouble&)> person; ///< acts while a dialog is shown
     std::string chosenFile;                    ///< what the file dialog answers
     int shown = 0;
 
@@ -125,4 +125,4 @@ public:
                                       DialogEvents& events) override;
 };
 
-} // namespace qel::testing
+} // namespace qel::test

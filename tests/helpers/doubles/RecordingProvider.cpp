@@ -5,7 +5,7 @@
 
 #include <fmt/format.h>
 
-namespace qel::testing {
+namespace qel::test {
 
 namespace {
 
@@ -228,7 +228,7 @@ private:
     RecordingProvider& provider_;
 };
 
-/// A table from the script; a statement's rows as they stood when it was opened.
+/// Rows of the script, copied when the recordset is opened.
 class RecordedRecordset : public Recordset {
 public:
     explicit RecordedRecordset(RecordingProvider& provider) : provider_(provider) {}
@@ -363,4 +363,4 @@ RecordingProvider LedgerProvider() {
     return provider;
 }
 
-} // namespace qel::testing
+} // namespace qel::test

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace qel::testing {
+namespace qel::test {
 
 struct ScriptedMember {
     std::string name, uniqueName;
@@ -26,15 +26,15 @@ struct ScriptedDimension {
     std::vector<ScriptedLevel> levels;
 };
 
-/// A data provider that answers from a script and records every call, one line each, in `log`:
-/// "new connection", "open TEXT", "close", "release", "catalog TEXT", "statement TEXT", "close cellset",
-/// "recordset TEXT", "close recordset", "schema NUMBER".
+/// A data provider that answers from a script and records each call as a line of `log`: "new connection",
+/// "open TEXT", "close", "release", "catalog TEXT", "statement TEXT", "close cellset", "recordset TEXT",
+/// "close recordset", "schema NUMBER".
 class RecordingProvider : public DataAccess {
 public:
     std::vector<ScriptedDimension> dimensions; ///< of the one cube of every catalog
     Variant cell = 1.0;
-    std::vector<CellsetMember> rowMembers;        ///< what the row axis of a cellset holds, one a position
-    std::vector<std::vector<Variant>> recordRows; ///< of every recordset, its fields from left to right
+    std::vector<CellsetMember> rowMembers;        ///< the members of a cellset's rows axis, one per position
+    std::vector<std::vector<Variant>> recordRows; ///< of every recordset
     std::int32_t recordFields = 0;
     std::vector<std::string> catalogNames; ///< the rows of the catalogs schema
     std::string defaultDatabase;           ///< of a connection whose text names no catalog
@@ -61,4 +61,4 @@ ScriptedDimension MonthlyDates(int firstYear, int firstMonth, int lastYear, int 
 /// A provider with a current layout: [ActX] of three levels, [OBS] of two, and the months of 2019 and 2020.
 RecordingProvider LedgerProvider();
 
-} // namespace qel::testing
+} // namespace qel::test

@@ -2,7 +2,7 @@
 
 #include "platform/value/AutomationError.h"
 
-namespace qel::testing {
+namespace qel::test {
 
 namespace {
 
@@ -95,4 +95,4 @@ std::shared_ptr<SheetRange> SheetDouble::Cell(Place place) {
     return std::make_shared<RangeDouble>(*this, place, place);
 }
 
-} // namespace qel::testing
+} // namespace qel::test

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-namespace qel::testing {
+namespace qel::test {
 
-/// A sheet in memory. What is written is recorded in `log`: "format R3C2:R18C3 @", "formula R3C2 =...".
+/// A sheet in memory. Writes are recorded in `log`: "format R3C2:R18C3 @", "formula R3C2 =...".
 class SheetDouble {
 public:
     using Place = std::pair<std::int32_t, std::int32_t>; ///< row and column, from 1
@@ -17,10 +17,10 @@ public:
     Place activeCell = {3, 2};
     std::map<Place, Variant> cells;
     std::vector<std::string> log;
-    bool isProtected = false; ///< refuses what is written
+    bool isProtected = false; ///< rejects writes
 
-    /// The object that a macro passes; not always the active cell.
+    /// The cell that a macro passes, which need not be the active one.
     std::shared_ptr<SheetRange> Cell(Place place);
 };
 
-} // namespace qel::testing
+} // namespace qel::test

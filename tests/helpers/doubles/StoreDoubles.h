@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/value/AutomationError.h"
 #include "store/StoreEnvironment.h"
 
@@ -9,7 +10,7 @@
 #include <utility>
 #include <vector>
 
-namespace qel::testing {
+namespace qel::test {
 
 struct ShownMessage {
     std::int32_t style;
@@ -18,11 +19,11 @@ struct ShownMessage {
     bool operator==(const ShownMessage&) const = default;
 };
 
-/// Writes message boxes down; raises what no box should when `broken`.
+/// Records message boxes; raises an error of the standard library when `broken`.
 class RecordedMessages : public MessageDisplay {
 public:
     std::vector<ShownMessage> shown;
-    std::vector<MessageBoxAnswer> answers; ///< to the boxes to come; OK when there are no more
+    std::vector<MessageBoxAnswer> answers; ///< to the next boxes; OK when there are no more
     bool broken = false;
 
     MessageBoxAnswer Show(std::int32_t style, const std::string& title, const std::string& text) override {
@@ -39,7 +40,7 @@ public:
     }
 };
 
-/// A registry in memory that gives its handles out again, the one closed last first.
+/// A registry in memory. It reuses closed handles, the last one first.
 class ScriptedRegistry : public Registry {
 public:
     std::map<std::pair<KeyHandle, std::string>, std::map<std::string, RegistryValue>> keys;
@@ -75,7 +76,7 @@ private:
     std::vector<KeyHandle> free_;
 };
 
-/// Answers from a script and records every call: "read SECTION/KEY CAPACITY FILE", ...
+/// Answers from a script and records calls: "read SECTION/KEY CAPACITY FILE", ...
 class ScriptedProfiles : public ProfileFiles {
 public:
     std::string value, section;
@@ -97,78 +98,11 @@ public:
     }
 };
 
-/// Keeps rows in memory and records "create TEXT", "table NAME: COLUMN TYPE SIZE ATTRIBUTES, ...",
-/// "open TEXT", "read TABLE", "replace TABLE".
-class RecordedDatabase : public DatabaseEngine {
-public:
-    std::vector<std::string> log;
-    std::map<std::string, std::vector<TableRow>> rows; ///< of each table
-    bool isMissing = false, failsToCreate = false, failsToOpen = false;
-
-    std::string Name() const override { return "recorder"; }
-    std::unique_ptr<DatabaseCatalog> NewCatalog() override {
-        if (isMissing) {
-            throw AutomationError(429, "ActiveX component can't create object");
-        }
-        return std::make_unique<Catalog>(*this);
-    }
-    std::unique_ptr<DatabaseConnection> Open(const std::string& connectionString) override {
-        log.push_back("open " + connectionString);
-        if (failsToOpen) {
-            throw AutomationError(-2147467259, "Could not find file.", "Microsoft JET Database Engine");
-        }
-        return std::make_unique<Rows>(*this);
-    }
-
-private:
-    class Rows : public DatabaseConnection {
-    public:
-        explicit Rows(RecordedDatabase& database) : database_(database) {}
-
-        std::vector<TableRow> ReadRows(const std::string& table) override {
-            database_.log.push_back("read " + table);
-            return database_.rows[table];
-        }
-        void ReplaceRows(const std::string& table, const std::vector<TableRow>& rows) override {
-            database_.log.push_back("replace " + table);
-            database_.rows[table] = rows;
-        }
-
-    private:
-        RecordedDatabase& database_;
-    };
-
-    class Catalog : public DatabaseCatalog {
-    public:
-        explicit Catalog(RecordedDatabase& database) : database_(database) {}
-
-        void Create(const std::string& connectionString) override {
-            database_.log.push_back("create " + connectionString);
-            if (database_.failsToCreate) {
-                throw AutomationError(-2147217897, "Database already exists.",
-                                      "Microsoft JET Database Engine");
-            }
-        }
-        void AppendTable(const TableDefinition& table) override {
-            std::string line;
-            for (const auto& column : table.columns) {
-                line += (line.empty() ? "table " + table.name + ": " : ", ") + column.name + " " +
-                        std::to_string(static_cast<int>(column.type)) + " " +
-                        std::to_string(column.definedSize) + " " + std::to_string(column.attributes);
-            }
-            database_.log.push_back(line);
-        }
-
-    private:
-        RecordedDatabase& database_;
-    };
-};
-
-/// A store over doubles, with Windows' separator. The suite's key exists and is empty.
+/// A store over doubles and SQLite, with Windows' separator. The suite's key exists and is empty.
 struct StoreBench {
     ScriptedRegistry registry;
     ScriptedProfiles profiles;
-    RecordedDatabase database;
+    SqliteDatabase database;
     RecordedMessages messages;
     StoreEnvironment store{registry, profiles, database, messages, R"(C:\Program Files\Qel)", '\\'};
 
@@ -179,4 +113,4 @@ struct StoreBench {
     StoreBench() { SuiteKey(); }
 };
 
-} // namespace qel::testing
+} // namespace qel::test

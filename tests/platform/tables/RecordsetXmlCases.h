@@ -7,7 +7,7 @@
 
 namespace qel::test {
 
-/// A saved recordset in XML form, and what a reader makes of it: the table as Shown() or a part of the fault.
+/// A saved recordset in XML form and the expected result: the table as Shown(), or a part of the error.
 struct RecordsetXmlCase {
     const char* what;
     std::string bytes, result;

@@ -9,7 +9,7 @@
 namespace qel::test {
 namespace {
 
-/// The user's regional settings, put back at the end.
+/// Changes the user's regional settings and restores them at the end.
 class RegionalSettings : public testing::Test {
 protected:
     ~RegionalSettings() override {

@@ -1,6 +1,5 @@
-// A person before the screen as a program of its own: acts by the lines of a file and writes down what is to
-// be seen.
-//   dialog_person function|name STEPS SEEN
+// A person as a separate program: acts by the lines of a file and records what the dialog shows.
+// dialog_person function|name STEPS SEEN
 
 #include "tests/platform/dialog/win32/Person.h"
 #include "wizard/FunctionForm.h"
@@ -49,13 +48,13 @@ WORD KeyNamed(const std::string& name) {
     return keys.at(name);
 }
 
-/// Stays still, so that a picture can be taken, until the file is gone.
+/// Waits until the file is deleted, so that a picture can be taken.
 void HoldStill(const std::string& file) {
     std::ofstream(file) << "ready";
     Person::WaitUntil("the picture " + file, [&] { return !std::filesystem::exists(file); });
 }
 
-/// How long the steps since the last reading took.
+/// The time since the last reading.
 std::string ReadClock(const std::string& what) {
     using Clock = std::chrono::steady_clock;
     static Clock::time_point last = Clock::now();
@@ -90,7 +89,7 @@ std::string Act(const Person& person, const Words& step) {
     } else if (what == "clock") {
         return ReadClock(step.at(1));
     } else {
-        throw Disappointment("Nobody knows how to '" + what + "'");
+        throw Disappointment("Unknown step '" + what + "'");
     }
     return {};
 }
@@ -104,7 +103,7 @@ int Run(const std::string& form, const std::string& stepsFile, const std::string
         while (std::getline(steps, line)) {
             const Words step = SplitAtTabs(line);
             std::string sight;
-            if (step.at(0) == "answer") { // a box may come before the dialog
+            if (step.at(0) == "answer") { // a box may appear before the dialog
                 sight = "box\t" + OnOneLine(Person::Answer(std::stoi(step.at(1))));
             } else {
                 if (!person) {
@@ -133,6 +132,6 @@ int main(int count, char** arguments) {
         std::cerr << "dialog_person function|name STEPS SEEN\n";
         return 2;
     }
-    std::cout << "dialog_person" << std::endl; // a program that prints nothing has not been started
+    std::cout << "dialog_person" << std::endl; // shows that the program has started
     return qel::test::Run(arguments[1], arguments[2], arguments[3]);
 }

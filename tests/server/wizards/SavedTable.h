@@ -4,7 +4,7 @@
 
 namespace qel::test {
 
-/// ADODB.Recordset, opened on the suite's table of texts, which holds what the component's own strings hold.
+/// ADODB.Recordset over the suite's table of texts, filled from the component's own strings.
 ComPointer<IDispatch> MakeSavedTable();
 
 } // namespace qel::test

@@ -1,4 +1,4 @@
-"""A screen with Windows programs on it: a virtual display, and a Wine prefix of its own with the server registered."""
+"""A virtual display with Windows programs, and a separate Wine prefix with the server registered."""
 
 import os
 import pathlib
@@ -21,7 +21,7 @@ def registry_text(text):
 
 
 class Screen:
-    """Everything that it starts is ended when it is left."""
+    """A context manager that ends everything it starts."""
 
     def __init__(self, folder, server, classes):
         self.folder, self.server, self.classes = folder, server, classes
@@ -63,7 +63,7 @@ class Screen:
                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=TIMEOUT)
 
     def start(self, *words):
-        """A program that goes on beside this one; to be given to end()."""
+        """Starts a program in the background; end() ends it."""
         return subprocess.Popen([WINE, "--test", *map(str, words)], env=self.environment, stdin=subprocess.DEVNULL,
                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
 
@@ -102,10 +102,10 @@ class Screen:
 
     @property
     def drive(self):
-        """What programs call C:"""
+        """The folder behind drive C:"""
         return self.folder / "prefix" / "drive_c"
 
     def take_picture(self, path):
-        """The dialog alone: what surrounds it is one colour."""
+        """Takes a picture of the dialog alone; the background has one colour."""
         subprocess.run(["import", "-display", f":{self.number}", "-window", "root", path], check=True, timeout=60)
         subprocess.run(["mogrify", "-trim", "+repage", "+dither", "-colors", "64", "-strip", path], check=True, timeout=60)

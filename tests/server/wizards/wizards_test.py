@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Opens the wizards from a script, as a workbook's macro does, and acts on them as a person would.
+"""Opens the wizards from a script, like a workbook's macro, and uses them like a person.
 
 A VBScript client calls the server with a cell of a sheet; dialog_person, another process, types, chooses
 and clicks in the dialog. The formula that lands in the cell is evaluated by qel and must give what the dialog showed.
@@ -49,7 +49,7 @@ def require_number(found, shown):
 
 
 class Bench:
-    """A new user's machine for one case: empty settings, a cube, a sheet."""
+    """A new user's machine for one case: empty settings, a cube and a sheet."""
 
     def __init__(self, screen, options, name):
         self.screen, self.options = screen, options
@@ -70,7 +70,7 @@ class Bench:
         (self.screen.component / "Lang.rs").write_text("read by the provider of saved recordsets")
 
     def call(self, wizard, *steps):
-        """Calls the member while the person acts. Gives what the person saw and what was written, line by line."""
+        """Calls the member while the person acts. Returns the lines that the person saw and the lines written to the sheet."""
         form, member = wizard
         base = self.folder / f"call{next(self.calls)}"
         paths = {kind: base.with_suffix("." + kind) for kind in ("vbs", "sheet", "steps", "seen")}
@@ -152,7 +152,7 @@ def wrong_files_are_told(bench):
         ("click", "CmdCancel"), ("gone",))
     require("the box of no file", seen[0], "box\tChoose a Cube Name and a Cube File")
     require("the box of a wrong name", seen[2], "box\tUnvalid Name for File Cube")
-    for box in (seen[1], seen[3]): # what the machine's provider says of a file that is none of its cubes
+    for box in (seen[1], seen[3]): # the machine's provider on a file that is not a cube
         if not box.startswith("box\tError : ") or "|Module : frmFuncQelWiz|" not in box:
             raise Failure(f"this is no report: {box}")
     require("the sheet", sheet, ["", "result  "])
@@ -175,7 +175,7 @@ def the_formula_gives_the_value_shown(bench):
     value = bench.value_of(formula)
     require_number(value, shown)
 
-    # The next opening shows the choices again, and the other button writes a table of them.
+    # The next time the dialog shows the same choices, and the other button writes them as a table.
     seen, sheet = bench.call(FUNCTION, ("expect", "txtCubeFile", bench.path()), ("expect", "ListObs", "Centre"),
                              ("expect", "TxtDate(1)", "12/12/2024"), ("click", "Command1"), ("expect", "TxtCalc", shown),
                              ("click", "Command2"), ("gone",))

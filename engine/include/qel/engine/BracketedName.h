@@ -7,7 +7,7 @@ namespace qel::engine {
 
 /// "[name]" with every "]" of the name doubled.
 std::string BracketedName(std::string_view name);
-/// The same at the end of a text.
+/// Appends it to a text.
 void AppendBracketed(std::string_view name, std::string& text);
 
 } // namespace qel::engine

@@ -9,27 +9,29 @@
 namespace qel::engine {
 
 struct BuildOptions {
-    std::filesystem::path
-        definition;               ///< JSON, docs/cube-definition.md; data files are relative to its folder
-    std::filesystem::path output; ///< replaced in one step when the build has succeeded, untouched otherwise
-    /// When set, lines that cannot be used are written here (as they stand) instead of stopping the build.
-    /// The file is made, or replaced, when there is such a line, and left alone otherwise.
-    std::optional<std::filesystem::path> skippedLines;
-    /// Called with the step's name and its share done, 0 to 1. May be empty.
-    std::function<void(const std::string& step, double share)> progress;
+    /// JSON, see docs/cube-definition.md; data files are relative to its folder.
+    std::filesystem::path definition;
+    /// Replaced atomically when the build succeeds, otherwise untouched.
+    std::filesystem::path output;
+    /// When set, unusable lines are copied to this file instead of stopping the build. The file is created
+    /// (or replaced) only when there is such a line.
+    std::optional<std::filesystem::path> skippedLines = {};
+    /// Called with the name of the step and the share done, 0 to 1. May be empty. An exception that it throws
+    /// stops the build and reaches the caller.
+    std::function<void(const std::string& step, double share)> progress = {};
 };
 
 struct BuildTotals {
-    std::uint64_t linesRead = 0, linesKept = 0,
-                  linesSkipped = 0; ///< of the fact tables, header lines not counted
+    /// Of the fact tables, once per cube that reads them, without header lines.
+    std::uint64_t linesRead = 0, linesKept = 0, linesSkipped = 0;
     std::uint64_t dimensionLinesSkipped = 0;
-    /// Of all tables, each line once however many cubes and dimensions read it: what was written aside.
+    /// Over all tables; a line that several cubes or dimensions read counts once.
     std::uint64_t distinctLinesSkipped = 0;
     std::uint64_t bytesWritten = 0;
 };
 
 /// Builds a cube file. Raises EngineError: InvalidDefinition naming the key, InvalidData naming file, line,
-/// column and what was expected, FileNotFound, CannotWrite (also when what would be written is read).
+/// column and what was expected, FileNotFound, CannotWrite (also when an output file is also an input).
 BuildTotals BuildCube(const BuildOptions& options);
 
 } // namespace qel::engine

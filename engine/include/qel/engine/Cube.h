@@ -1,22 +1,23 @@
 #pragma once
 
-#include "engine/storage/FactTable.h"
-
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace qel::engine {
 
+// The engine's own types, which no public header defines.
+class FactTable;
 class PageVerifier;
+struct KeyRange;
+struct MemberColumns;
 
-/// A member's number in its hierarchy: level by level from the top, in member order within a level. A
-/// parent's children are neighbours, so they are a range of numbers.
+/// A member's number in its hierarchy: level by level from the top, in member order within a level. The
+/// children of a member are consecutive, so they form a range.
 using MemberId = std::uint32_t;
 inline constexpr MemberId noMember = 0xFFFFFFFFU;
 
@@ -35,23 +36,8 @@ struct Level {
     bool isAll = false;
 };
 
-/// The stored columns of a hierarchy's members; spans point to what the file keeps in memory and were checked
-/// when it was opened.
-struct MemberColumns {
-    std::span<const std::uint32_t> nameOffsets, captionOffsets,
-        keyOffsets; ///< one more than there are members
-    std::string_view names, captions, keys;
-    std::span<const MemberId> parents;           ///< noMember at the top level
-    std::span<const std::uint32_t> firstChild;   ///< one more than there are members; absolute member numbers
-    std::span<const std::uint32_t> rangeOffsets; ///< one more than there are members
-    std::span<const KeyRange> ranges;
-    std::span<const std::uint32_t> nameSlots,
-        keySlots;                        ///< open-addressing tables of member number + 1, see NameIndex.h
-    std::span<const std::uint8_t> flags; ///< see format::nameIsShared
-};
-
-/// One hierarchy of a dimension. Its members stand for sets of codes of one key column of the fact table; two
-/// hierarchies over one key column (codes and names of the same accounts) restrict each other.
+/// One hierarchy of a dimension. Each member stands for a set of codes of one key column of the fact table.
+/// Two hierarchies over the same key column (codes and names of the same accounts) restrict each other.
 class Hierarchy {
 public:
     const std::string& Name() const { return name_; }
@@ -62,34 +48,37 @@ public:
     std::size_t DimensionIndex() const { return dimensionIndex_; }
     /// This hierarchy's number in the cube, over all dimensions.
     std::size_t Index() const { return index_; }
-    /// The number of the fact table's key column that the members stand on; none for a dimension without
-    /// facts.
-    std::optional<std::size_t> KeyColumn() const { return keyColumn_; }
     std::span<const Level> Levels() const { return levels_; }
     bool HasAll() const { return !levels_.empty() && levels_.front().isAll; }
     MemberId DefaultMember() const { return defaultMember_; }
-    std::uint32_t MemberCount() const { return static_cast<std::uint32_t>(columns_.parents.size()); }
+    std::uint32_t MemberCount() const { return static_cast<std::uint32_t>(parents_.size()); }
 
     std::string_view MemberName(MemberId member) const;
     std::string_view MemberCaption(MemberId member) const;
     std::string_view MemberKey(MemberId member) const;
-    /// "[Dimension].[Hierarchy].[All].[parent].[member]" with "]" doubled; "&[key]" steps where a name is not
-    /// unique among its siblings.
+    /// "[Dimension].[Hierarchy].[All].[parent].[member]" with "]" doubled. A step is written "&[key]" when
+    /// its name is not unique among its siblings.
     std::string MemberUniqueName(MemberId member) const;
-    MemberId Parent(MemberId member) const { return columns_.parents[member]; }
+    /// noMember at the top level.
+    MemberId Parent(MemberId member) const { return parents_[member]; }
     MemberRange Children(MemberId member) const;
     /// The number of the level that the member belongs to.
     std::size_t LevelOf(MemberId member) const;
-    /// The codes of the key column that the member stands for: ascending, disjoint, not adjacent. Empty for a
-    /// member without facts' keys, and for every member of a hierarchy without a key column.
-    std::span<const KeyRange> Ranges(MemberId member) const;
-
     /// All members of that name (any letter case) in ascending order, appended to `found`.
     void FindByName(std::string_view name, std::vector<MemberId>& found) const;
     /// The same by key.
     void FindByKey(std::string_view key, std::vector<MemberId>& found) const;
-    /// The level of that name (any letter case), or none.
+    /// The level of that name (any letter case), or nothing.
     std::optional<std::size_t> FindLevel(std::string_view name) const;
+
+    // For the engine's own use: how the members select facts.
+
+    /// The number of the fact table's key column that the members stand on; none for a dimension without
+    /// facts.
+    std::optional<std::size_t> KeyColumn() const { return keyColumn_; }
+    /// The codes of the key column that the member stands for: ascending, disjoint, not adjacent. Empty for a
+    /// member without facts' keys, and for every member of a hierarchy without a key column.
+    std::span<const KeyRange> Ranges(MemberId member) const;
 
 private:
     friend class CubeLoader;
@@ -100,7 +89,8 @@ private:
     std::optional<std::size_t> keyColumn_;
     std::vector<Level> levels_;
     MemberId defaultMember_ = 0;
-    MemberColumns columns_;
+    std::span<const MemberId> parents_;
+    std::shared_ptr<const MemberColumns> columns_;
 };
 
 struct Dimension {
@@ -111,25 +101,40 @@ struct Dimension {
     bool isTime = false;
 };
 
-/// One cube of a file: metadata that was read and checked when the file was opened, and the mapped facts.
-/// Safe for any number of threads. Lives as long as the file does; CubeFile::FindCube hands out shared
-/// ownership.
+enum class AggregateFunction : std::uint8_t { Sum = 0, Count = 1 };
+
+struct Measure {
+    std::string name;
+    std::string caption;
+    AggregateFunction function = AggregateFunction::Sum;
+    std::uint8_t decimals = 0; ///< of its sums: amounts times 10^decimals are integers
+};
+
+/// One cube of a file: metadata, read and checked when the file was opened, and the mapped facts.
+/// Thread-safe. Valid as long as the file is open; CubeFile::FindCube returns shared ownership.
 class Cube {
 public:
     const std::string& Name() const { return name_; }
     const std::string& Caption() const { return caption_; }
     std::span<const Dimension> Dimensions() const { return dimensions_; }
     std::span<const Hierarchy> Hierarchies() const { return hierarchies_; }
-    const FactTable& Facts() const { return facts_; }
-    /// The number of the measure that a cell reads when the statement names none.
+    std::span<const Measure> Measures() const { return measures_; }
+    /// The measure that a cell reads when the statement names none.
     std::size_t DefaultMeasure() const { return defaultMeasure_; }
-
-    /// Raises EngineError (DamagedFile) when the file was changed on disk, not replaced, since it was opened.
-    /// Facts that were read are right only when this is asked afterwards.
-    void CheckUnchanged() const;
+    std::uint64_t FactCount() const;
+    /// The sort orders in which the facts are stored, at least one: the names of the ledger's columns, most
+    /// significant first.
+    std::vector<std::vector<std::string>> SortOrders() const;
 
     std::optional<std::size_t> FindDimension(std::string_view name) const;
     std::optional<std::size_t> FindMeasure(std::string_view name) const;
+
+    // For the engine's own use.
+
+    const FactTable& Facts() const { return *facts_; }
+    /// Raises EngineError (DamagedFile) when the file was changed on disk, not replaced, since it was opened.
+    /// Facts that were read are right only when this is asked afterwards.
+    void CheckUnchanged() const;
 
 private:
     friend class CubeLoader;
@@ -137,8 +142,9 @@ private:
     std::string name_, caption_;
     std::vector<Dimension> dimensions_;
     std::vector<Hierarchy> hierarchies_;
+    std::vector<Measure> measures_;
     std::size_t defaultMeasure_ = 0;
-    FactTable facts_;
+    std::shared_ptr<const FactTable> facts_;
     const PageVerifier* pages_ = nullptr; ///< owned by the file
 };
 

@@ -11,20 +11,19 @@
 
 namespace qel::engine {
 
-/// A cube file, mapped for reading. Immutable and safe for any number of threads; the file may be replaced on
-/// disk meanwhile, readers keep the one they opened. docs/cub-format.md describes the bytes.
+/// A cube file, mapped for reading. Immutable and thread-safe. The file may be replaced on disk at any time;
+/// open readers keep the version they opened. docs/cub-format.md describes the bytes.
 class CubeFile : public std::enable_shared_from_this<CubeFile> {
 public:
-    /// Maps the file and reads and checks its metadata; facts are checked as they are read.
-    /// Raises EngineError: FileNotFound, NotACubeFile, UnsupportedVersion or DamagedFile, naming the file.
+    /// Maps the file, then reads and checks its metadata; pages of facts are checked when first read. Raises
+    /// EngineError (FileNotFound, NotACubeFile, UnsupportedVersion or DamagedFile) naming the file.
     static std::shared_ptr<const CubeFile> Open(const std::filesystem::path& path);
 
-    /// The same from the bytes of a file that are in memory; `name` is for messages.
+    /// Opens a file that is already in memory; `name` is used in messages.
     static std::shared_ptr<const CubeFile> FromMemory(const std::filesystem::path& name,
                                                       std::vector<std::byte> bytes);
 
-    /// True when the file starts with a cube file's signature. False for anything else, unreadable files
-    /// included.
+    /// Whether the file starts with a cube file's signature. False when the file cannot be read.
     static bool HasSignature(const std::filesystem::path& path);
 
     ~CubeFile();
@@ -35,12 +34,12 @@ public:
     std::uint64_t Size() const;
     const std::vector<Cube>& Cubes() const;
     /// The cube of that name (any letter case), sharing ownership of the file. Raises EngineError
-    /// (UnknownCube) naming the file and the cubes that it holds.
+    /// (UnknownCube) naming the file and its cubes.
     std::shared_ptr<const Cube> FindCube(std::string_view name) const;
 
-    /// Reads every byte: all page checksums, and that every projection holds the same facts in its declared
-    /// order with codes in range, and each aggregate the same as its facts. `progress` (may be empty) is
-    /// called with a share from 0 to 1. Raises EngineError (DamagedFile) at the first fault.
+    /// Reads the whole file and checks all page checksums, that every sort order holds the same facts, sorted
+    /// and with valid codes, and that every aggregate agrees with its facts. `progress` (may be empty) is
+    /// called with the share done, 0 to 1. Raises EngineError (DamagedFile) at the first fault.
     void Verify(const std::function<void(double)>& progress) const;
 
 private:

@@ -8,10 +8,10 @@
 
 namespace qel::engine {
 
-/// Writes into the folder, which is made when it is missing: for every cube a Mondrian 3 schema named as the
-/// cube ("LedgerFNC.xml"), and for all of them together "tables.sql" and "rows.sql", which make and fill the
-/// tables in any SQL database. Files of those names are replaced, each when it is complete. `progress` is
-/// called with a share from 0 to 1. Returns the files written. Raises EngineError naming the file.
+/// Writes into the folder, creating it when missing: a Mondrian 3 schema per cube, named after it
+/// ("LedgerFNC.xml"), and for all cubes together "tables.sql" and "rows.sql", which create and fill the
+/// tables in any SQL database. Replaces files of these names, each when complete. `progress` is called with
+/// the share done, 0 to 1. Returns the files written. Raises EngineError naming the file.
 std::vector<std::filesystem::path> ExportCubes(const CubeFile& file, const std::filesystem::path& folder,
                                                const std::function<void(double)>& progress);
 

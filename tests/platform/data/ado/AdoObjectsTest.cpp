@@ -1,4 +1,4 @@
-// The machine's data-access objects behind the ports: what is read through them is what the engine gives.
+// The machine's data-access objects return what the embedded engine returns.
 
 #include "cube/MemberListing.h"
 #include "platform/data/ado/AdoDataAccess.h"
@@ -6,6 +6,7 @@
 #include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
 #include "tests/helpers/ErrorOf.h"
+#include "tests/helpers/RecordsetText.h"
 #include "tests/platform/data/ado/ProviderDoubles.h"
 #include "tests/server/LedgerCall.h"
 
@@ -44,26 +45,11 @@ protected:
     EmbeddedDataAccess engine_;
 };
 
-std::string TableOf(Recordset& rows) {
-    std::string table;
-    for (std::int32_t field = 0; field < rows.FieldCount(); ++field) {
-        table += rows.FieldName(field) + "|";
-    }
-    for (; !rows.AtEnd(); rows.MoveNext()) {
-        table += "\n";
-        for (std::int32_t field = 0; field < rows.FieldCount(); ++field) {
-            const Variant value = rows.FieldValue(field);
-            table += (value.Is<Null>() ? "-" : ToText(value, {})) + "|";
-        }
-    }
-    return table;
-}
-
 TEST_F(AdoObjects, ARecordsetHasTheSameRows) {
     const MemberListing listings[] = {
-        {.cubeName = "LedgerFNC", .kind = 1, .argumentA = "All", .argumentB = "OBS", .accountsMode = 1},
-        {.cubeName = "LedgerFNC", .kind = 2, .argumentA = "OBS", .argumentB = "Level2"},
-        {.cubeName = "LedgerHebrewFNC", .kind = ModSetCube::RecordsetKind::AccountCodes, .argumentB = "OBS"},
+        {"LedgerFNC", ModSetCube::AccountsListing{"All", "OBS"}},
+        {"LedgerFNC", ModSetCube::ObsListing{"OBS", "Level2"}},
+        {"LedgerHebrewFNC", ModSetCube::AccountCodesListing{"", "OBS"}},
     };
     for (const MemberListing& listing : listings) {
         const auto table = [&](DataAccess& provider, const std::string& file) {
@@ -71,11 +57,11 @@ TEST_F(AdoObjects, ARecordsetHasTheSameRows) {
             ModSetCube::OpenedCube opened;
             const auto rows = provider.CreateRecordset();
             ModSetCube::OpenMemberRecordset(thread, provider, opened, *rows, file, listing);
-            return TableOf(*rows);
+            return TextOf(*rows);
         };
         const std::string expected = table(engine_, QEL_TEST_CUBE);
-        EXPECT_GT(expected.size(), 200U) << "kind " << listing.kind;
-        EXPECT_EQ(table(machine_, ledger), expected) << "kind " << listing.kind;
+        EXPECT_GT(expected.size(), 200U) << ComposeListing(listing);
+        EXPECT_EQ(table(machine_, ledger), expected) << ComposeListing(listing);
         EXPECT_THAT(doubles_.Log().recordsets.back(), HasSubstr("FROM " + listing.cubeName));
         EXPECT_THAT(doubles_.Log().recordsets.back(), testing::EndsWith("|-1|-1|-1"));
     }
@@ -134,7 +120,7 @@ std::string Outline(const Member& member) {
                        parent ? parent->UniqueName() : "nothing");
 }
 
-/// Every name and caption of a cube's metadata; of a level's members the first and the last.
+/// All names and captions of a cube's metadata, and the first and last member of each level.
 std::string Outline(const CubeDef& cube) {
     std::string text = cube.Name();
     for (std::int32_t d = 0; d < cube.DimensionCount(); ++d) {
@@ -173,10 +159,7 @@ TEST_F(AdoObjects, ACatalogHasTheSameMetadata) {
 }
 
 TEST_F(AdoObjects, ACellsetHasTheSameAxes) {
-    const MemberListing listing{.cubeName = "LedgerFNC",
-                                .kind = ModSetCube::CellsetKind::SummaryGroups,
-                                .argumentA = "All",
-                                .summaryLevel = "SuperSum2"};
+    const MemberListing listing{"LedgerFNC", ModSetCube::SummaryGroupsListing{"SuperSum2", "All"}};
     const auto outline = [&](DataAccess& provider, const std::string& file) {
         const auto cells = ModSetCube::ListMembersCellset(provider, file, listing);
         std::string text = fmt::format("{} axes", cells->AxisCount());

@@ -1,4 +1,4 @@
-// Data sources that are no embedded cubes, through the machine's own objects.
+// Data sources other than embedded cubes, read through the machine's own objects.
 
 #include "tests/platform/data/ado/ProviderDoubles.h"
 #include "tests/server/LedgerCall.h"

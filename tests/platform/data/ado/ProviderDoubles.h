@@ -8,20 +8,19 @@
 
 namespace qel::test {
 
-/// What the doubles were asked, and how they are to fail.
+/// Records the calls to the doubles, and scripts their failures.
 struct ProviderLog {
     std::vector<std::string> opened;     ///< "text|user|password|options" of each connection
     std::vector<std::string> statements; ///< of each cellset
     std::vector<std::string> recordsets; ///< "statement|cursor|lock|options" of each recordset
     std::vector<std::string> catalogs;   ///< the connection text of each catalog, or "a connection"
     int connectionsClosed = 0, cellsetsClosed = 0, recordsetsClosed = 0;
-    int alive = 0; ///< objects that are still referenced
+    int alive = 0; ///< objects not yet released
     std::optional<ScriptedFailure> openFailure, statementFailure;
 };
 
-/// ADODB.Connection, ADODB.Recordset, ADOMD.Catalog and ADOMD.Cellset for this process, over the embedded
-/// engine: a data source called "double:ledger" is the example's cube. The registered names are restored at
-/// the end.
+/// Registers ADODB.Connection, ADODB.Recordset, ADOMD.Catalog and ADOMD.Cellset over the embedded engine for
+/// this process. The data source "double:ledger" is the example's cube.
 class ProviderDoubles {
 public:
     ProviderDoubles();

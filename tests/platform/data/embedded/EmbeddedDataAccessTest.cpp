@@ -19,7 +19,7 @@ using test::BuildBooks;
 using test::ErrorOf;
 using test::TextFor;
 
-/// The cubes of tests/helpers/books behind the ports.
+/// Reads the cubes of tests/helpers/books through the ports.
 class EmbeddedDataAccessTest : public testing::Test {
 protected:
     std::shared_ptr<Connection> Connect(const std::string& cube = "BooksFNC") {

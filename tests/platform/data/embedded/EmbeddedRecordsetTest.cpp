@@ -1,8 +1,8 @@
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/data/embedded/ProviderErrors.h"
 #include "platform/value/AutomationError.h"
-#include "platform/value/Conversion.h"
 #include "tests/helpers/ErrorOf.h"
+#include "tests/helpers/RecordsetText.h"
 #include "tests/helpers/books/BooksCube.h"
 
 #include <gtest/gtest.h>
@@ -22,21 +22,6 @@ protected:
         auto recordset = dataAccess_.CreateRecordset();
         recordset->Open(statement, connection, -1, -1, -1);
         return recordset;
-    }
-
-    std::string Table(const std::string& statement) {
-        const auto rows = Run(statement);
-        std::string table;
-        for (std::int32_t field = 0; field < rows->FieldCount(); ++field) {
-            table += (field == 0 ? "" : "|") + rows->FieldName(field);
-        }
-        for (; !rows->AtEnd(); rows->MoveNext()) {
-            for (std::int32_t field = 0; field < rows->FieldCount(); ++field) {
-                const auto value = rows->FieldValue(field);
-                table += (field == 0 ? "\n" : "|") + (value.Is<Null>() ? "-" : ToText(value, {}));
-            }
-        }
-        return table;
     }
 
     test::TemporaryFolder folder_;
@@ -97,30 +82,8 @@ const TableCase tableCases[] = {
 
 TEST_F(EmbeddedRecordsetTest, FlattensTheAnswer) {
     for (const auto& c : tableCases) {
-        EXPECT_EQ(Table(c.statement), c.table) << c.what;
+        EXPECT_EQ(test::TextOf(*Run(c.statement)), c.table) << c.what;
     }
-}
-
-TEST_F(EmbeddedRecordsetTest, StandsOnRowsAsAdoDoes) {
-    const auto rows = Run("SELECT {[Measures]} ON COLUMNS, {[Firma].[Firma].Members} ON ROWS FROM BooksFNC");
-    EXPECT_TRUE(rows->FieldValue(0).Is<Null>()) << "the member of all";
-    rows->MoveNext();
-    rows->MoveNext();
-    EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
-    rows->MoveNext();
-    EXPECT_TRUE(rows->AtEnd());
-    EXPECT_THROW(rows->MoveNext(), AutomationError);
-    EXPECT_THROW(rows->FieldValue(0), AutomationError) << "no current row";
-    rows->MoveFirst();
-    EXPECT_EQ(rows->FieldValue(1).As<double>(), -929.95);
-    EXPECT_THROW(rows->FieldValue(2), AutomationError);
-    rows->Close();
-    EXPECT_THROW(rows->MoveFirst(), AutomationError);
-    EXPECT_NE(ErrorOf([&] { Run(""); }), 0) << "a statement of nothing";
-    EXPECT_NE(ErrorOf([&] {
-                  Run("SELECT {[Measures]} ON COLUMNS, {[OBS].[Level9].members} ON ROWS FROM BooksFNC");
-              }),
-              0);
 }
 
 TEST_F(EmbeddedRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
@@ -139,6 +102,7 @@ TEST_F(EmbeddedRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
         {"end of a closed recordset", [&] { rows->AtEnd(); }, errorObjectClosed},
         {"moving in a closed recordset", [&] { rows->MoveNext(); }, errorObjectClosed},
         {"closing twice", [&] { rows->Close(); }, errorObjectClosed},
+        {"moving to the first row of a closed recordset", [&] { rows->MoveFirst(); }, errorObjectClosed},
         {"three axes", [&] { open("SELECT {[Measures]} ON 0, {[Firma]} ON 1, {[OBS]} ON 2 FROM BooksFNC"); },
          errorNotSupported},
         {"no connection", [&] { rows->Open(statement, nullptr, -1, -1, -1); }, errorInvalidConnection},
@@ -150,9 +114,16 @@ TEST_F(EmbeddedRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
         {"a value before the first", [&] { rows->FieldValue(-1); }, errorItemNotFound},
         {"opening twice", [&] { open(statement); }, errorObjectOpen},
     };
+    const Case atEnd[] = {
+        {"moving beyond the end", [&] { rows->MoveNext(); }, errorNoCurrentRow},
+        {"a value at the end", [&] { rows->FieldValue(0); }, errorNoCurrentRow},
+    };
     for (int round = 0; round < 2; ++round) { // a closed recordset can be opened again
         for (const Case& c : whenClosed) {
             EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
+        }
+        for (const char* text : {"", "SELECT {[OBS].[Level9].members} ON COLUMNS FROM BooksFNC"}) {
+            EXPECT_NE(ErrorOf([&] { open(text); }), 0) << text;
         }
         open(statement);
         for (const Case& c : whenOpen) {
@@ -162,6 +133,11 @@ TEST_F(EmbeddedRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
         EXPECT_EQ(rows->FieldValue(1).As<double>(), -299.7);
         rows->MoveNext();
         EXPECT_TRUE(rows->AtEnd());
+        for (const Case& c : atEnd) {
+            EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
+        }
+        rows->MoveFirst();
+        EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
         rows->Close();
     }
 }

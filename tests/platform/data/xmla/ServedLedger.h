@@ -9,7 +9,7 @@
 
 namespace qel::test {
 
-/// The example ledger twice: as a cube file, and on the server that was filled from it.
+/// The example ledger as a cube file, and on a server filled from it.
 struct ServedLedger {
     EmbeddedDataAccess embedded;
     XmlaDataAccess servers;

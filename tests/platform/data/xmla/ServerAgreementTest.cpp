@@ -4,6 +4,7 @@
 #include "examples/ledger/reference/LedgerDatabase.h"
 #include "examples/ledger/reference/RandomSelections.h"
 #include "platform/value/AutomationError.h"
+#include "tests/helpers/RecordsetText.h"
 #include "tests/platform/data/xmla/ServedLedger.h"
 
 #include <fmt/format.h>
@@ -14,11 +15,11 @@
 namespace qel::ledger {
 namespace {
 
-using ModSetCube::MemberListing;
+using namespace ModSetCube;
 using test::ServedLedger;
 
 constexpr std::uint64_t seed = 20260807;
-/// Cents and thousandths are told apart; what a server's sums of doubles lose is far less.
+/// Detects differences of a cent and of a thousandth; a server's rounding errors are far smaller.
 constexpr double leastDifference = 0.0005;
 
 TEST(ServerAgreement, RandomFormulasOfEveryShapeEqualTheEmbeddedEngine) {
@@ -26,7 +27,7 @@ TEST(ServerAgreement, RandomFormulasOfEveryShapeEqualTheEmbeddedEngine) {
     SqlDatabase database;
     LoadLedger(std::string(QEL_SOURCE_DIR) + "/examples/ledger", database);
     RandomSelections selections(database, seed);
-    // The same variety, so that both write each formula's arguments in the same way.
+    // The same seed, so that both write each formula's arguments in the same way.
     FormulaCell local(ledger.cubeFile, seed), served(ledger.server, seed, ledger.servers);
     int formulas = 0, differences = 0, nonZero = 0;
     for (int round = 0; round < 8; ++round) {
@@ -51,7 +52,7 @@ TEST(ServerAgreement, RandomFormulasOfEveryShapeEqualTheEmbeddedEngine) {
     EXPECT_GE(nonZero, 1000);
 }
 
-/// Everything that a listing's caller reads: the members of the rows.
+/// The members of the rows, which is what callers of a listing read.
 std::string RowsOf(const Cellset& cellset) {
     constexpr std::int32_t rows = 1;
     std::string text;
@@ -66,26 +67,7 @@ std::string RowsOf(const Cellset& cellset) {
     return text;
 }
 
-std::string RowsOf(Recordset& recordset) {
-    std::string text;
-    for (std::int32_t field = 0; field < recordset.FieldCount(); ++field) {
-        text += recordset.FieldName(field) + "\t";
-    }
-    for (; !recordset.AtEnd(); recordset.MoveNext()) {
-        text += "\n";
-        for (std::int32_t field = 0; field < recordset.FieldCount(); ++field) {
-            const Variant value = recordset.FieldValue(field);
-            if (value.Is<double>()) {
-                text += fmt::format("{:.3f}\t", value.As<double>() + 0.0); // no negative zero
-            } else {
-                text += value.Is<std::string>() ? value.As<std::string>() + "\t" : "Null\t";
-            }
-        }
-    }
-    return text;
-}
-
-/// The rows, or that the listing fails: each provider has its own words for why.
+/// The rows, or "fails": each provider words its errors differently.
 template <class List>
 std::string RowsOrFailure(const List& list) {
     try {
@@ -95,60 +77,51 @@ std::string RowsOrFailure(const List& list) {
     }
 }
 
-const MemberListing listings[] = {
-    {.cubeName = "", .kind = 1, .argumentA = "All", .argumentB = "OBS", .accountsMode = 1},
-    {.cubeName = "", .kind = 1, .argumentA = "20", .argumentB = "OBS", .accountsMode = 1},
-    {.cubeName = "", .kind = 2, .argumentA = "OBS", .argumentB = "Level1"},
-    {.cubeName = "", .kind = 2, .argumentA = "OBS", .argumentB = "level2"},
-    {.cubeName = "", .kind = 2, .argumentA = "OBS", .argumentB = "LEVEL3", .obsSubMember = "3"},
-    {.cubeName = "", .kind = 2, .argumentA = "Segments", .argumentB = "Cost", .obsSubMember = "1"},
-    {.cubeName = "", .kind = 2},
-    {.cubeName = "", .kind = 3, .argumentA = "OBS", .obsSubMember = "2"},
-    {.cubeName = "", .kind = 3, .argumentA = "Segments"},
-    {.cubeName = "", .kind = 3, .argumentA = "nothing of that name"},
-    {.cubeName = "", .kind = 4, .argumentA = "All", .argumentB = "OBS", .summaryLevel = "SuperSum1"},
-    {.cubeName = "", .kind = 4, .argumentA = "10", .argumentB = "OBS", .summaryLevel = "SuperSum3"},
-    {.cubeName = "", .kind = 5, .argumentA = "All", .argumentB = "OBS", .summaryLevel = "SuperSum2Name"},
-    {.cubeName = "", .kind = 6, .argumentA = "All", .summaryLevel = "SuperSum1"},
-    {.cubeName = "", .kind = 6, .argumentA = "", .summaryLevel = "SuperSum3"},
-    {.cubeName = "", .kind = 6, .argumentA = "10", .summaryLevel = "SuperSum2"},
+const ListedMembers listings[] = {
+    AccountsListing{"All", "OBS"},
+    AccountsListing{"20", "OBS"},
+    AccountCodesListing{"20", "OBS"},
+    ObsListing{"OBS", "Level1"},
+    ObsListing{"OBS", "level2"},
+    ObsListing{"OBS", "LEVEL3", "3"},
+    ObsListing{"Segments", "Cost", "1"},
+    ObsListing{},
+    ActivitiesListing{"OBS", "2"},
+    ActivitiesListing{"Segments"},
+    ActivitiesListing{"nothing of that name"},
+    SummaryLevelListing{SummaryLevelListing::By::Code, "SuperSum1", "All", "OBS"},
+    SummaryLevelListing{SummaryLevelListing::By::Code, "SuperSum3", "10", "OBS"},
+    SummaryLevelListing{SummaryLevelListing::By::Name, "SuperSum2Name", "All", "OBS"},
+    SummaryGroupsListing{"SuperSum1", "All"},
+    SummaryGroupsListing{"SuperSum3"},
+    SummaryGroupsListing{"SuperSum2", "10"},
+    SummaryGroupsOfObsListing{"SuperSum3", "10", "OBS"},
 };
 
 const char* const cubeNames[] = {"LedgerFNC", "LedgerHebrewFNC"};
 
-TEST(ServerAgreement, ListingsHaveTheMembersOfTheEmbeddedEngine) {
+TEST(ServerAgreement, ListingsHaveTheMembersAndRowsOfTheEmbeddedEngine) {
     ServedLedger ledger;
     for (const char* cubeName : cubeNames) {
-        for (MemberListing listing : listings) {
-            listing.cubeName = cubeName;
-            const auto rows = [&](DataAccess& provider, const std::string& source) {
+        for (const ListedMembers& listed : listings) {
+            const MemberListing listing{cubeName, listed};
+            const auto members = [&](DataAccess& provider, const std::string& source) {
                 return RowsOrFailure(
                     [&] { return RowsOf(*ModSetCube::ListMembersCellset(provider, source, listing)); });
             };
-            EXPECT_EQ(rows(ledger.servers, ledger.server), rows(ledger.embedded, ledger.cubeFile))
-                << cubeName << " kind " << listing.kind << " " << listing.argumentA << " "
-                << listing.argumentB << " " << listing.summaryLevel;
-        }
-    }
-}
-
-TEST(ServerAgreement, RecordsetsHaveTheFieldsAndRowsOfTheEmbeddedEngine) {
-    ServedLedger ledger;
-    for (const char* cubeName : cubeNames) {
-        for (MemberListing listing : listings) {
-            listing.cubeName = cubeName;
             const auto rows = [&](DataAccess& provider, const std::string& source) {
                 return RowsOrFailure([&] {
                     ModSetCube::ThreadState thread;
                     ModSetCube::OpenedCube opened;
                     const auto recordset = provider.CreateRecordset();
                     ModSetCube::OpenMemberRecordset(thread, provider, opened, *recordset, source, listing);
-                    return RowsOf(*recordset);
+                    return test::TextOf(*recordset, true);
                 });
             };
+            EXPECT_EQ(members(ledger.servers, ledger.server), members(ledger.embedded, ledger.cubeFile))
+                << ComposeListing(listing);
             EXPECT_EQ(rows(ledger.servers, ledger.server), rows(ledger.embedded, ledger.cubeFile))
-                << cubeName << " kind " << listing.kind << " " << listing.argumentA << " "
-                << listing.argumentB << " " << listing.summaryLevel;
+                << ComposeListing(listing);
         }
     }
 }
@@ -178,10 +151,9 @@ TEST(ServerAgreement, NamesOfEverySummaryGroupAreTheSame) {
         for (int level = 1; level <= 3; ++level) {
             auto groups = database.Prepare(fmt::format("SELECT DISTINCT group{} FROM accounts", level));
             while (groups.Step()) {
-                const auto nameFrom = [&](OrmQelFunction& object, std::string source) {
-                    std::string cube = cubeName, type = fmt::format("SuperSum{}", level),
-                                key = groups.Text(0);
-                    return std::get<std::string>(object.RetQelName(source, cube, type, key).Get());
+                const auto nameFrom = [&](OrmQelFunction& object, const std::string& source) {
+                    const NameCall call{source, cubeName, fmt::format("SuperSum{}", level), groups.Text(0)};
+                    return object.RetQelName(call).value.As<std::string>();
                 };
                 const std::string expected = nameFrom(local, ledger.cubeFile);
                 EXPECT_EQ(nameFrom(served, ledger.server), expected)

@@ -1,9 +1,10 @@
 #!/usr/bin/env python3
-"""Runs qel against servers that fail in every way: each failure is a clear error in time, in bounded memory."""
+"""Runs qel against failing servers: every failure is a clear error, in bounded time and memory."""
 import base64
 import http.server
 import os
 import pathlib
+import re
 import resource
 import socket
 import ssl
@@ -34,7 +35,7 @@ def cellset(cells, axes=AXES):
 
 
 def packed_blanks(megabytes):
-    """So many blanks, packed without ever being whole in this program's memory."""
+    """Blanks, compressed piece by piece so that they never fill this program's memory."""
     packer = zlib.compressobj(wbits=31)
     blanks = b" " * (1 << 20)
     return b"".join(packer.compress(blanks) for _ in range(megabytes)) + packer.flush()
@@ -44,7 +45,7 @@ def cell(value, ordinal="0", kind="xsd:double"):
     return f'<Cell CellOrdinal="{ordinal}"><Value xsi:type="{kind}">{value}</Value></Cell>'
 
 
-# What is answered to a statement: status, body, more headers; the answers that take longer are functions.
+# Answers to a statement: status, body, headers. Slow answers are methods of the handler.
 EXECUTES = {
     "good": (200, cellset(cell("4.25"))),
     "empty-cell": (200, cellset("")),
@@ -78,24 +79,24 @@ FAILURES = [
     ("a fault with status 500", "fault-500", "Execute failed: The caf\u00e9 is closed"),
     ("an error that is no fault", "messages", "No such measure <x>"),
     ("an error in a cell", "error-cell", "Divided by zero"),
-    ("credentials wanted", "status-401", "wants a user and a password"),
-    ("access denied", "status-403", "denies the access"),
+    ("credentials wanted", "status-401", "requires a user and a password"),
+    ("access denied", "status-403", "denies access"),
     ("nothing there", "status-404", "nothing at that path"),
     ("a broken server", "status-500", "HTTP status 500"),
     ("a page instead of an answer", "html", "begins with <html>"),
-    ("a text instead of an answer", "text", "is no XML"),
+    ("a text instead of an answer", "text", "is not XML"),
     ("an empty answer", "empty", "ended before it was complete"),
     ("XML that is cut", "cut-xml", "ended before it was complete"),
     ("a body that is cut", "cut-body", "cannot be read"),
     ("entities that expand", "entities", "declares a document type"),
     ("elements in elements", "nested", "nested too deeply"),
     ("a text without end", "long-text", "too long"),
-    ("an answer without end", "endless", "larger than is taken"),
-    ("an answer that unpacks to very much", "packed-bomb", "larger than is taken"),
-    ("a number that is none", "number", "'12,5' as a number"),
-    ("a cell's number that is none", "ordinal", "'-3' as a cell's number"),
+    ("an answer without end", "endless", "AnswerMegabytes"),
+    ("an answer that unpacks to very much", "packed-bomb", "AnswerMegabytes"),
+    ("a malformed number", "number", "'12,5' as a number"),
+    ("a malformed cell ordinal", "ordinal", "'-3' as a cell's number"),
     ("axes out of order", "axes", "axis 'Axis7'"),
-    ("an encoding that nobody knows", "encoding", "is no XML"),
+    ("an unknown encoding", "encoding", "is not XML"),
     ("no answer at all", "silent", "did not answer in time"),
     ("a byte now and then", "drip", "did not answer in time"),
     ("no HTTP", "garbage", "cannot be"),
@@ -103,6 +104,80 @@ FAILURES = [
     ("redirections in a circle", "circle", "redirects in a circle"),
     ("a redirection to nowhere", "nowhere", "redirects to nowhere"),
 ]
+
+
+# A cube for formulas: OBS 1, the months of 2024, and accounts whose value in month m is account + m / 4.
+KNOWN = ("4000", "5000", "6000", "7000")
+ACCOUNT, MONTH = "[Accounts].[AccountCodes].[All].[%s]", "[Date].[2024].[%s]"
+
+
+def rows(*fields):
+    return ENVELOPE % ("UTF-8", "<r><root>" + "".join(
+        "<row>" + "".join(f"<{name}>{value}</{name}>" for name, value in row.items()) + "</row>" for row in fields)
+        + "</root></r>")
+
+
+def hierarchy(name, *levels):
+    """The rows of a dimension of one hierarchy, of that hierarchy, and of its levels."""
+    of = {"DIMENSION_UNIQUE_NAME": f"[{name}]", "HIERARCHY_UNIQUE_NAME": f"[{name}]"}
+    return ({"DIMENSION_NAME": name, **of}, {"HIERARCHY_NAME": name, **of},
+            [{"LEVEL_NAME": level, "LEVEL_UNIQUE_NAME": f"[{name}].[{level}]", "LEVEL_NUMBER": number, **of}
+             for number, level in enumerate(levels)])
+
+
+ACTX, DATE = hierarchy("ActX", "All", "Name", "Number"), hierarchy("Date", "All", "Year", "Month")
+CUBE = {
+    "MDSCHEMA_CUBES": rows({"CUBE_NAME": "Other"}),
+    "MDSCHEMA_DIMENSIONS": rows(ACTX[0], DATE[0]),
+    "MDSCHEMA_HIERARCHIES": rows(ACTX[1], DATE[1]),
+    "MDSCHEMA_LEVELS": rows(*ACTX[2], *DATE[2]),
+    "[Date].[Year]": rows({"MEMBER_NAME": "2024", "MEMBER_UNIQUE_NAME": "[Date].[2024]"}),
+    "[Date].[Month]": rows(*({"MEMBER_NAME": month, "MEMBER_UNIQUE_NAME": MONTH % month, "MEMBER_ORDINAL": month,
+                              "PARENT_UNIQUE_NAME": "[Date].[2024]"} for month in (1, 2, 3))),
+}
+
+
+class Grid:
+    """A grid's columns and rows as they were asked for, and the numbers of its cells; a lie changes them."""
+    def __init__(self, statement):
+        self.columns = re.findall(r"\[Date\]\.\[2024\]\.\[(\d+)\]", statement)
+        self.rows = re.findall(r"\[AccountCodes\]\.\[All\]\.\[(\d+)\]", statement)
+        self.account, self.month, self.shift = ACCOUNT, MONTH, 0
+        self.repeats = 1
+
+    def answer(self):
+        def axis(number, names):
+            return f'<Axis name="Axis{number}"><Tuples>' + "".join(
+                f"<Tuple><Member><UName>{name}</UName></Member></Tuple>" for name in names) + "</Tuples></Axis>"
+        cells = [cell(float(row) + float(column) / 4, str(self.shift + i * len(self.columns) + j))
+                 for i, row in enumerate(self.rows) for j, column in enumerate(self.columns) if row in KNOWN]
+        return cellset("".join(cells * self.repeats), "<Axes>" + axis(0, [self.month % column for column in self.columns])
+                       + axis(1, [self.account % row for row in self.rows]) + "</Axes>")
+
+
+def change(**attributes):
+    return lambda grid: vars(grid).update({name: value(getattr(grid, name)) for name, value in attributes.items()})
+
+
+# What a server may answer to a grid; alone, it answers every formula as it should.
+LIES = {
+    "the truth": change(),
+    "unknown rows left out": change(rows=lambda rows: [row for row in rows if row in KNOWN]),
+    "a column left out": change(columns=lambda columns: columns[1:]),
+    "all rows left out": change(rows=lambda rows: []),
+    "a row too many": change(rows=lambda rows: ["7000", *rows]),
+    "a column too many": change(columns=lambda columns: [*columns, "3"]),
+    "rows in another order": change(rows=lambda rows: rows[::-1]),
+    "columns in another order": change(columns=lambda columns: columns[::-1]),
+    "a row twice": change(rows=lambda rows: [*rows, rows[0]]),
+    "a row in place of another": change(rows=lambda rows: [rows[0], *rows[:-1]]),
+    "a column in place of another": change(columns=lambda columns: [columns[0], *columns[:-1]]),
+    "cells beyond the last": change(shift=lambda _: 1),
+    "cells twice": change(repeats=lambda _: 2),
+    "members of another cube": change(account=lambda _: "[Customers].[Codes].[All].[%s]"),
+    "columns of another dimension": change(month=lambda _: "[Delivery].[2024].[%s]"),
+    "members without names": change(account=lambda _: "<!-- %s -->"),
+}
 
 
 class Handler(http.server.BaseHTTPRequestHandler):
@@ -120,7 +195,13 @@ class Handler(http.server.BaseHTTPRequestHandler):
         elif "Discover" in body and self.server.silent_discovers:
             self.silent()
         elif "Discover" in body:
-            self.answer(200, CATALOGS)
+            asked = [answer for what, answer in CUBE.items() if f">{what}<" in body]
+            self.answer(200, asked[-1] if asked else CATALOGS)
+        elif name == "grids":
+            grid = Grid(body)
+            if " ON ROWS FROM " in body:
+                self.server.lie(grid)
+            self.answer(200, grid.answer())
         elif name in EXECUTES:
             self.answer(*EXECUTES[name])
         else:
@@ -227,14 +308,14 @@ class HostileServer(unittest.TestCase):
         status, output, errors = self.mdx(self.address("empty-cell"), catalog="books & MORE")
         self.assertEqual((status, errors), (0, ""))
 
-    def test_every_failure_is_told_in_time(self):
+    def test_every_failure_is_reported_in_time(self):
         for what, path, words in FAILURES:
             with self.subTest(what):
                 started = time.monotonic()
                 status, output, errors = self.mdx(self.address(path))
                 self.assertEqual((status, output), (1, ""), errors)
                 self.assertIn(words, errors)
-                # Generous: the machine may be busy. Without a limit these would never end.
+                # Generous, because the machine may be busy. Without the limit the request would never end.
                 self.assertLess(time.monotonic() - started, REQUEST_SECONDS + 60)
         largest = resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss
         self.assertLess(largest, 150 * 1024, "kilobytes of memory")
@@ -250,7 +331,23 @@ class HostileServer(unittest.TestCase):
         self.assertEqual(values, ["#err -2147217791"] * 300)
         self.assertLess(len(self.server.seen), 20, "every cell asked the silent server")
 
-    def test_unknown_catalogs_are_told_with_those_there_are(self):
+    def test_a_grid_that_is_not_what_was_asked_for_changes_no_value(self):
+        asked = [("4000", 1), ("9999", 1), ("5000", 1), ("6000", 1), ("4000", 2), ("9999", 2), ("5000", 2), ("6000", 2)]
+        formulas = [f'=QelF1("{self.address("grids")}","Other",{{"OBS"}},{{"1"}},{{"All"}},{{"All"}},{{"All"}},"All",'
+                    f'"All","{account}","Amount","All","All","All","All","All","01/0{month}/2024","28/0{month}/2024")'
+                    for account, month in asked]
+        right = [f"{int(account) + month / 4:g}" if account in KNOWN else "0" for account, month in asked]
+        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
+        for what, lie in LIES.items():
+            with self.subTest(what):
+                self.server.lie = lie
+                self.server.seen.clear()
+                done = subprocess.run([QEL, "eval", *formulas], capture_output=True, env=environment, timeout=300)
+                self.assertEqual((done.stdout.decode().split(), done.returncode), (right, 0), done.stderr.decode())
+                statements = [body for _, _, body in self.server.seen if "Execute" in body]
+                self.assertEqual(len(statements) == 1, what == "the truth", "a grid that is right is enough")
+
+    def test_unknown_catalogs_are_reported_with_the_known_ones(self):
         status, _, errors = self.mdx(self.address("good"), catalog="Boks")
         self.assertEqual(status, 1)
         self.assertIn("no catalog 'Boks'; it has 'Books & more', 'Other'", errors)
@@ -276,7 +373,7 @@ class HostileServer(unittest.TestCase):
         status, _, errors = self.mdx(self.address("good", credentials="ann:s3cret@", scheme="https"))
         self.assertEqual(status, 1)
         self.assertIn("No trusted connection", errors)
-        self.assertEqual(self.server.seen, [], "something was sent to a server that nobody vouches for")
+        self.assertEqual(self.server.seen, [], "something was sent to an untrusted server")
 
     def test_credentials(self):
         secret = "pa%ss w\u00f6rd"
@@ -315,7 +412,7 @@ class HostileServer(unittest.TestCase):
         self.mdx(self.address("elsewhere", credentials="ann:s3cret@"))
         self.assertNotIn("/good", [path for path, _, _ in self.server.seen])
 
-    def test_limits_that_are_none(self):
+    def test_invalid_limits(self):
         self.settings.write_text("[Limits]\nRequestSeconds=soon\n")
         status, _, errors = self.mdx(self.address("good"))
         self.assertEqual(status, 1)

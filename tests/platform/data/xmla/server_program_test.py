@@ -28,7 +28,7 @@ def formula(source, account="All", month=1, cube="LedgerFNC", firm="All", level=
 
 
 def same(local, served):
-    """Whether two values are equal but for the rounding of sums; errors are told in each provider's own number."""
+    """Whether two values are equal up to rounding. Of errors only the kind is compared, because numbers differ by provider."""
     try:
         return abs(float(local) - float(served)) < 0.0005
     except ValueError:
@@ -43,7 +43,7 @@ class ServedCube(unittest.TestCase):
             self.assertTrue(same(expected, value), f"{value} instead of {expected}: {text}")
 
     def sheet(self, source):
-        """What sheets hold: a table, totals, other members, unknown ones, names and a formula over the cube file."""
+        """A sheet's formulas: a table, totals, other and unknown members, names, and a formula over the cube file."""
         with open(LEDGER / "accounts.csv", encoding="utf-8") as file:
             accounts = [row["code"] for row in csv.DictReader(file)][:40]
         formulas = [formula(source, account, month) for account in [*accounts, "9999", "]"] for month in range(1, 13)]
@@ -72,7 +72,7 @@ class ServedCube(unittest.TestCase):
         self.addCleanup(proxy.listener.close)
         formulas = [formula(proxy.address, account, month) for account in BUSY for month in range(1, 13)]
         run("eval", *formulas)
-        self.assertLess(proxy.requests, 25, "the cube's description and one statement, not one a cell")
+        self.assertLess(proxy.requests, 25, "the cube's description and one statement, not one per cell")
 
     def test_a_lost_server_is_opened_afresh(self):
         proxy = Proxy(SERVER)
@@ -117,7 +117,7 @@ class ServedCube(unittest.TestCase):
         self.assertEqual(status, 2)
         self.assertIn("http://", errors)
 
-    def test_faults_are_told_in_the_servers_words(self):
+    def test_faults_carry_the_servers_message(self):
         status, _, errors = run("mdx", SERVER, "LedgerFNC", "SELECT {[Nothing]} ON COLUMNS FROM LedgerFNC")
         self.assertEqual(status, 1)
         self.assertRegex(errors, "The server says: .*Nothing")

@@ -1,4 +1,4 @@
-"""Stands between a client and a server: counts requests, keeps them waiting, loses them."""
+"""A proxy between client and server that counts, delays and drops requests."""
 import select
 import socket
 import threading
@@ -6,7 +6,7 @@ from urllib.parse import urlsplit
 
 
 class Proxy:
-    """Hands connections on to the server until it is told to drop them, or to keep requests back."""
+    """Forwards connections to the server until it is told to drop them or to hold requests back."""
 
     def __init__(self, server):
         self.target = (urlsplit(server).hostname, urlsplit(server).port)
@@ -22,7 +22,7 @@ class Proxy:
         self.listener.close()
 
     def drops(self):
-        """Once more than `drop_after` requests came, so often as is left, or always."""
+        """True after more than `drop_after` requests, at most `drops_left` times."""
         if self.drop_after is None or self.requests <= self.drop_after or self.drops_left == 0:
             return False
         if self.drops_left is not None:

@@ -33,7 +33,7 @@ struct JetDatabaseTest : ::testing::Test {
     const Apartment apartment;
     JetDoubles doubles;
     const TemporaryFolder folder;
-    qel::testing::StoreBench bench;
+    test::StoreBench bench;
     windows::JetDatabase jet;
     StoreEnvironment store{bench.registry, bench.profiles, jet, bench.messages, ""};
 };
@@ -132,6 +132,9 @@ TEST_F(JetDatabaseTest, IsThereOnlyWithItsProvider) {
     EXPECT_TRUE(windows::JetDatabase::IsInstalled());
     doubles.RemoveProvider();
     EXPECT_FALSE(windows::JetDatabase::IsInstalled());
+    doubles.RemoveObjects();
+    CreateLocalDb(store);
+    EXPECT_THAT(Report(), HasSubstr("Error : 429\r\n"));
 }
 
 } // namespace

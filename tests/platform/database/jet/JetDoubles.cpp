@@ -3,6 +3,8 @@
 #include "platform/database/DatabaseFile.h"
 #include "platform/windows/VariantConversion.h"
 
+#include <fmt/format.h>
+
 #include <filesystem>
 #include <fstream>
 
@@ -11,22 +13,13 @@ namespace qel::test {
 namespace {
 
 using SharedLog = std::shared_ptr<JetLog>;
-using Inputs = std::vector<const VARIANT*>;
 
 constexpr auto databaseExists = static_cast<HRESULT>(0x80040E17);
 constexpr auto fieldTooSmall = static_cast<HRESULT>(0x80040E57);
 constexpr auto itemNotFound = static_cast<HRESULT>(0x800A0CC1);
 constexpr std::size_t defaultLength = 255;
 
-std::string TextAt(const Inputs& inputs, std::size_t index) {
-    return windows::FromAutomation(*inputs.at(index)).As<std::string>();
-}
-
-std::int32_t NumberAt(const Inputs& inputs, std::size_t index) {
-    return windows::FromAutomation(*inputs.at(index)).As<std::int32_t>();
-}
-
-/// Writes the call down, or fails when it is the one to fail.
+/// Records the call, or fails if it is the scripted one.
 void Note(const SharedLog& log, const std::string& call) {
     log->calls.push_back(call);
     if (call.substr(0, call.find(' ')) == log->failingCall) {
@@ -35,20 +28,14 @@ void Note(const SharedLog& log, const std::string& call) {
 }
 
 /// An object that is counted for as long as its members live.
-ComPointer<DispatchDouble> MakeCounted(const SharedLog& log) {
-    auto object = MakeDouble();
+ComPointer<IDispatch> MakeCounted(const SharedLog& log,
+                                  const std::function<void(DispatchDouble& object)>& define) {
     ++log->alive;
     const std::shared_ptr<void> life(nullptr, [log](void*) { --log->alive; });
-    object->DefineNumber(DISPID_VALUE, [life](const Inputs&) { return OwnedVariant(); });
-    return object;
-}
-
-ComPointer<IDispatch> Finished(const ComPointer<DispatchDouble>& object) {
-    return ComPointer<IDispatch>(object.Get());
-}
-
-void DefineObject(DispatchDouble& owner, const wchar_t* name, const ComPointer<DispatchDouble>& object) {
-    owner.Define(name, [object](const Inputs&) { return ObjectValue(Finished(object)); });
+    return MakeObject([&](DispatchDouble& object) {
+        object.DefineNumber(DISPID_VALUE, [life](const Inputs&) { return OwnedVariant(); });
+        define(object);
+    });
 }
 
 struct ColumnState {
@@ -78,88 +65,81 @@ struct TableState {
     }
 };
 
-/// The tables by their objects, so that a catalog finds what is appended to it.
+/// The tables by their objects, for Tables.Append.
 std::map<IDispatch*, std::shared_ptr<TableState>>& TableObjects() {
     static std::map<IDispatch*, std::shared_ptr<TableState>> tables;
     return tables;
 }
 
-ComPointer<IDispatch> MakeTable(const SharedLog& log) {
-    const auto state = std::make_shared<TableState>();
-    auto columns = MakeDouble();
-    columns->Define(L"Append", [state](const Inputs& inputs) {
-        state->columns.push_back({TextAt(inputs, 0), NumberAt(inputs, 1), NumberAt(inputs, 2), 0});
-        return OwnedVariant();
-    });
-    columns->Define(L"Item", [state](const Inputs& inputs) {
-        const std::string name = TextAt(inputs, 0);
-        state->Named(name);
-        auto column = MakeDouble();
-        column->Define(L"Attributes", [state, name](const Inputs& values) {
-            state->Named(name).attributes = NumberAt(values, 0);
-            return OwnedVariant();
+ComPointer<IDispatch> MakeColumn(const std::shared_ptr<TableState>& table, const std::string& name) {
+    return MakeObject([&](DispatchDouble& column) {
+        table->Named(name);
+        column.Method(L"Attributes", [table, name](const Inputs& values) {
+            table->Named(name).attributes = NumberAt(values, 0);
         });
-        return ObjectValue(Finished(column));
     });
-    auto table = MakeCounted(log);
-    table->Define(L"Name", [state](const Inputs& inputs) {
-        state->name = TextAt(inputs, 0);
-        return OwnedVariant();
+}
+
+ComPointer<IDispatch> MakeTable(const SharedLog& log) {
+    return MakeCounted(log, [](DispatchDouble& table) {
+        const auto state = std::make_shared<TableState>();
+        const auto columns = MakeObject([&](DispatchDouble& object) {
+            object.Method(L"Append", [state](const Inputs& inputs) {
+                state->columns.push_back({TextAt(inputs, 0), NumberAt(inputs, 1), NumberAt(inputs, 2), 0});
+            });
+            object.Define(L"Item", [state](const Inputs& inputs) {
+                return ObjectValue(MakeColumn(state, TextAt(inputs, 0)));
+            });
+        });
+        table.Method(L"Name", [state](const Inputs& inputs) { state->name = TextAt(inputs, 0); });
+        table.Child(L"Columns", [columns] { return columns; });
+        TableObjects()[&table] = state;
     });
-    DefineObject(*table.Get(), L"Columns", columns);
-    TableObjects()[table.Get()] = state;
-    return Finished(table);
 }
 
 ComPointer<IDispatch> MakeCatalog(const SharedLog& log) {
-    auto tables = MakeDouble();
-    tables->Define(L"Append", [log](const Inputs& inputs) {
-        const auto state = TableObjects().at(V_DISPATCH(inputs.at(0)));
-        Note(log, state->Description());
-        log->tables[state->name];
-        log->columns[state->name] = state->columns.size();
-        return OwnedVariant();
+    return MakeCounted(log, [&](DispatchDouble& catalog) {
+        const auto tables = MakeObject([&](DispatchDouble& object) {
+            object.Method(L"Append", [log](const Inputs& inputs) {
+                const auto state = TableObjects().at(V_DISPATCH(inputs.at(0)));
+                Note(log, state->Description());
+                log->tables[state->name];
+                log->columns[state->name] = state->columns.size();
+            });
+        });
+        catalog.Method(L"Create", [log](const Inputs& inputs) {
+            Note(log, "create " + TextAt(inputs, 0));
+            const auto path = DatabaseFileOf(TextAt(inputs, 0));
+            if (std::filesystem::exists(path)) {
+                throw ScriptedFailure{databaseExists, "Database already exists.",
+                                      "Microsoft JET Database Engine"};
+            }
+            std::ofstream(path, std::ios::binary).write("\0\1\0\0Standard Jet DB", 20);
+        });
+        catalog.Child(L"Tables", [tables] { return tables; });
     });
-    auto catalog = MakeCounted(log);
-    catalog->Define(L"Create", [log](const Inputs& inputs) {
-        Note(log, "create " + TextAt(inputs, 0));
-        const auto path = DatabaseFileOf(TextAt(inputs, 0));
-        if (std::filesystem::exists(path)) {
-            throw ScriptedFailure{databaseExists, "Database already exists.",
-                                  "Microsoft JET Database Engine"};
-        }
-        std::ofstream(path, std::ios::binary).write("\0\1\0\0Standard Jet DB", 20);
-        return OwnedVariant();
-    });
-    DefineObject(*catalog.Get(), L"Tables", tables);
-    return Finished(catalog);
 }
 
 ComPointer<IDispatch> MakeConnection(const SharedLog& log) {
-    auto connection = MakeCounted(log);
-    connection->Define(L"Open", [log](const Inputs& inputs) {
-        Note(log, "connect " + TextAt(inputs, 0) + "|" + TextAt(inputs, 1) + "|" + TextAt(inputs, 2) + "|" +
-                      std::to_string(NumberAt(inputs, 3)));
-        return OwnedVariant();
+    return MakeCounted(log, [&](DispatchDouble& connection) {
+        connection.Method(L"Open", [log](const Inputs& inputs) {
+            Note(log, fmt::format("connect {}|{}|{}|{}", TextAt(inputs, 0), TextAt(inputs, 1),
+                                  TextAt(inputs, 2), NumberAt(inputs, 3)));
+        });
+        connection.Define(L"BeginTrans", [log](const Inputs&) {
+            Note(log, "begin");
+            log->beforeTransaction = log->tables;
+            return windows::ToAutomation(1);
+        });
+        connection.Method(L"CommitTrans", [log](const Inputs&) { Note(log, "commit"); });
+        connection.Method(L"RollbackTrans", [log](const Inputs&) {
+            log->tables = log->beforeTransaction;
+            Note(log, "rollback");
+        });
     });
-    connection->Define(L"BeginTrans", [log](const Inputs&) {
-        Note(log, "begin");
-        log->beforeTransaction = log->tables;
-        return windows::ToAutomation(1);
-    });
-    connection->Define(L"CommitTrans", [log](const Inputs&) {
-        Note(log, "commit");
-        return OwnedVariant();
-    });
-    connection->Define(L"RollbackTrans", [log](const Inputs&) {
-        log->tables = log->beforeTransaction;
-        Note(log, "rollback");
-        return OwnedVariant();
-    });
-    return Finished(connection);
 }
 
-/// A recordset's place in its table; a row that is being added stands after the last one.
+/// A recordset's current row. A row being added follows the last one.
 struct Cursor {
     std::string table;
     std::size_t row = 0;
@@ -169,90 +149,77 @@ struct Cursor {
 
 ComPointer<IDispatch> MakeField(const SharedLog& log, const std::shared_ptr<Cursor>& cursor,
                                 std::size_t column) {
-    auto field = MakeDouble();
-    field->Define(L"Value", [log, cursor, column](const Inputs& inputs) {
-        if (inputs.empty()) {
-            return windows::ToAutomation(log->tables[cursor->table].at(cursor->row).at(column));
-        }
-        Variant value = windows::FromAutomation(*inputs[0]);
-        if (value.Is<std::string>() && value.As<std::string>().empty()) {
-            throw ScriptedFailure{E_FAIL, "Field cannot be a zero-length string.", "double"};
-        }
-        if (value.Is<std::string>() && windows::ToWide(value.As<std::string>()).size() > defaultLength) {
-            throw ScriptedFailure{fieldTooSmall, "The field is too small to accept the amount of data.",
-                                  "double"};
-        }
-        cursor->added.value().at(column) = value;
-        return OwnedVariant();
+    return MakeObject([&](DispatchDouble& field) {
+        field.Define(L"Value", [log, cursor, column](const Inputs& inputs) {
+            if (inputs.empty()) {
+                return windows::ToAutomation(log->tables[cursor->table].at(cursor->row).at(column));
+            }
+            Variant value = windows::FromAutomation(*inputs[0]);
+            if (value.Is<std::string>() && value.As<std::string>().empty()) {
+                throw ScriptedFailure{E_FAIL, "Field cannot be a zero-length string.", "double"};
+            }
+            if (value.Is<std::string>() && windows::ToWide(value.As<std::string>()).size() > defaultLength) {
+                throw ScriptedFailure{fieldTooSmall, "The field is too small to accept the amount of data.",
+                                      "double"};
+            }
+            cursor->added.value().at(column) = value;
+            return OwnedVariant();
+        });
     });
-    return Finished(field);
 }
 
-ComPointer<DispatchDouble> MakeFields(const SharedLog& log, const std::shared_ptr<Cursor>& cursor) {
-    auto fields = MakeDouble();
-    fields->Define(L"Count", [log, cursor](const Inputs&) {
-        return windows::ToAutomation(static_cast<std::int32_t>(log->columns.at(cursor->table)));
-    });
-    fields->Define(L"Item", [log, cursor](const Inputs& inputs) {
-        const auto column = static_cast<std::size_t>(NumberAt(inputs, 0));
-        if (column >= log->columns.at(cursor->table)) {
+ComPointer<IDispatch> MakeFields(const SharedLog& log, const std::shared_ptr<Cursor>& cursor) {
+    const auto count = static_cast<std::int32_t>(log->columns.at(cursor->table));
+    return MakeCollection(count, [log, cursor, count](const Variant& key) {
+        const auto column = key.As<std::int32_t>();
+        if (column >= count) {
             throw ScriptedFailure{itemNotFound, "Item cannot be found in the collection", "ADODB.Fields"};
         }
-        return ObjectValue(MakeField(log, cursor, column));
+        return MakeField(log, cursor, static_cast<std::size_t>(column));
     });
-    return fields;
 }
 
 void DefineMoves(DispatchDouble& recordset, const SharedLog& log, const std::shared_ptr<Cursor>& cursor) {
-    recordset.Define(L"EOF", [log, cursor](const Inputs&) {
-        return windows::ToAutomation(!cursor->isDeleted && cursor->row >= log->tables[cursor->table].size());
+    recordset.Property(L"EOF", [log, cursor] {
+        return Variant(!cursor->isDeleted && cursor->row >= log->tables[cursor->table].size());
     });
-    recordset.Define(L"MoveNext", [cursor](const Inputs&) {
+    recordset.Method(L"MoveNext", [cursor](const Inputs&) {
         cursor->row += cursor->isDeleted ? 0U : 1U;
         cursor->isDeleted = false;
-        return OwnedVariant();
     });
 }
 
 void DefineChanges(DispatchDouble& recordset, const SharedLog& log, const std::shared_ptr<Cursor>& cursor) {
-    recordset.Define(L"Delete", [log, cursor](const Inputs&) {
+    recordset.Method(L"Delete", [log, cursor](const Inputs&) {
         Note(log, "delete");
         auto& rows = log->tables[cursor->table];
         rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(cursor->row));
         cursor->isDeleted = true;
-        return OwnedVariant();
     });
-    recordset.Define(L"AddNew", [log, cursor](const Inputs&) {
+    recordset.Method(L"AddNew", [log, cursor](const Inputs&) {
         cursor->added.emplace(log->columns.at(cursor->table), Null{});
-        return OwnedVariant();
     });
-    recordset.Define(L"Update", [log, cursor](const Inputs&) {
+    recordset.Method(L"Update", [log, cursor](const Inputs&) {
         Note(log, "update");
         log->tables[cursor->table].push_back(cursor->added.value());
         cursor->added.reset();
-        return OwnedVariant();
     });
 }
 
 ComPointer<IDispatch> MakeRecordset(const SharedLog& log) {
-    const auto cursor = std::make_shared<Cursor>();
-    auto recordset = MakeCounted(log);
-    recordset->Define(L"Open", [log, cursor](const Inputs& inputs) {
-        cursor->table = TextAt(inputs, 0);
-        const bool isConnected = V_VT(inputs.at(1)) == VT_DISPATCH && V_DISPATCH(inputs.at(1)) != nullptr;
-        Note(log, "open " + cursor->table + (isConnected ? "" : " unconnected") + " " +
-                      std::to_string(NumberAt(inputs, 2)) + " " + std::to_string(NumberAt(inputs, 3)) + " " +
-                      std::to_string(NumberAt(inputs, 4)));
-        return OwnedVariant();
+    return MakeCounted(log, [&](DispatchDouble& recordset) {
+        const auto cursor = std::make_shared<Cursor>();
+        recordset.Method(L"Open", [log, cursor](const Inputs& inputs) {
+            cursor->table = TextAt(inputs, 0);
+            const bool isConnected = V_VT(inputs.at(1)) == VT_DISPATCH && V_DISPATCH(inputs.at(1)) != nullptr;
+            Note(log, fmt::format("open {}{} {} {} {}", cursor->table, isConnected ? "" : " unconnected",
+                                  NumberAt(inputs, 2), NumberAt(inputs, 3), NumberAt(inputs, 4)));
+        });
+        recordset.Method(L"Close", [log](const Inputs&) { Note(log, "close"); });
+        DefineMoves(recordset, log, cursor);
+        DefineChanges(recordset, log, cursor);
+        recordset.Child(L"Fields", [log, cursor] { return MakeFields(log, cursor); });
     });
-    recordset->Define(L"Close", [log](const Inputs&) {
-        Note(log, "close");
-        return OwnedVariant();
-    });
-    DefineMoves(*recordset.Get(), log, cursor);
-    DefineChanges(*recordset.Get(), log, cursor);
-    DefineObject(*recordset.Get(), L"Fields", MakeFields(log, cursor));
-    return Finished(recordset);
 }
 
 } // namespace

@@ -12,19 +12,19 @@
 
 namespace qel::test {
 
-/// What the doubles were asked, in order, the tables that they keep, and how they are to fail.
+/// Records the calls in order, holds the tables, and scripts failures.
 struct JetLog {
     std::vector<std::string> calls;
     std::map<std::string, std::vector<std::vector<Variant>>> tables;
     std::map<std::string, std::vector<std::vector<Variant>>> beforeTransaction;
     std::map<std::string, std::size_t> columns; ///< of each table
     std::string failingCall;                    ///< the first word of the call that fails
-    int alive = 0;                              ///< objects that are still referenced
+    int alive = 0;                              ///< objects not yet released
 };
 
-/// Jet's provider, ADOX.Catalog, ADOX.Table, ADODB.Connection and ADODB.Recordset for this process, as far as
-/// a database is made and its tables' rows are read and replaced. Create makes a file that starts as Jet's
-/// files do, and refuses one that exists.
+/// Registers Jet's provider, ADOX.Catalog, ADOX.Table, ADODB.Connection and ADODB.Recordset for this process,
+/// with the members that creating a database and replacing rows need. Create writes a file with Jet's
+/// signature and rejects an existing one.
 class JetDoubles {
 public:
     JetDoubles();
@@ -32,6 +32,8 @@ public:
     JetLog& Log() { return *log_; }
     /// Takes the provider away, as on a machine with ADO alone.
     void RemoveProvider() { provider_.reset(); }
+    /// Takes ADO and ADOX away, too.
+    void RemoveObjects() { classes_.clear(); }
 
 private:
     std::shared_ptr<JetLog> log_ = std::make_shared<JetLog>();

@@ -19,7 +19,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-/// A database as SQLite itself reads it.
+/// Reads a database with SQLite's own functions.
 class Inspected {
 public:
     explicit Inspected(const std::filesystem::path& path) {
@@ -69,12 +69,14 @@ struct SqliteDatabaseTest : ::testing::Test {
     }
 
     const test::TemporaryFolder folder;
-    testing::StoreBench bench;
-    SqliteDatabase sqlite;
-    StoreEnvironment store{bench.registry, bench.profiles, sqlite, bench.messages, ""};
+    test::StoreBench bench;
+    SqliteDatabase& sqlite = bench.database;
+    StoreEnvironment& store = bench.store;
 };
 
 TEST_F(SqliteDatabaseTest, MakesTheTwoTables) {
+    EXPECT_EQ(LocalDbConnectionText(store),
+              "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + PathToUtf8(File()));
     ASSERT_EQ(Create(), "");
     Inspected database(File());
     EXPECT_THAT(database.Rows("SELECT type, name FROM sqlite_master ORDER BY rowid"),
@@ -110,9 +112,10 @@ TEST_F(SqliteDatabaseTest, LeavesAFileThatExistsAsItIs) {
     const FileCase cases[] = {
         {"Jet's", jet("Standard Jet DB"), "was made by Microsoft Jet", DatabaseFileKind::Jet},
         {"its successor's", jet("Standard ACE DB"), "was made by Microsoft Jet", DatabaseFileKind::Jet},
-        {"text", "Standard Jet DB", "is no database", DatabaseFileKind::Other},
-        {"half a signature", std::string("\0\1\0\0Standard", 12), "is no database", DatabaseFileKind::Other},
-        {"nothing", "", "is no database", DatabaseFileKind::Other},
+        {"text", "Standard Jet DB", "is not a database", DatabaseFileKind::Other},
+        {"half a signature", std::string("\0\1\0\0Standard", 12), "is not a database",
+         DatabaseFileKind::Other},
+        {"nothing", "", "is not a database", DatabaseFileKind::Other},
     };
     const std::string name = "מסד 'נתונים'/QelFunction17.mdb";
     for (const auto& c : cases) {
@@ -135,7 +138,7 @@ TEST_F(SqliteDatabaseTest, ReportsWhatCannotBeMade) {
     CreateLocalDb(store);
     ASSERT_EQ(bench.messages.shown.size(), 2U) << "the folder, then the database";
     EXPECT_THAT(bench.messages.shown[0].text, HasSubstr("Path not found"));
-    EXPECT_THAT(bench.messages.shown[1].text, HasSubstr("missing/deep/QelFunction17.mdb' cannot be made"));
+    EXPECT_THAT(bench.messages.shown[1].text, HasSubstr("missing/deep/QelFunction17.mdb' cannot be created"));
     EXPECT_EQ(IdentifyDatabaseFile(folder.Path("missing/deep/x")), DatabaseFileKind::Missing);
     EXPECT_EQ(IdentifyDatabaseFile(folder.Path()), DatabaseFileKind::Unreadable);
 }
@@ -169,7 +172,7 @@ TableRow Selection(const Variant& text, const Variant& from, const Variant& to) 
 #ifndef _WIN32 // which has no limit to stand for a full disk
 TEST_F(SqliteDatabaseTest, LeavesNoHalfDatabaseOnAFullDisk) {
     {
-        const engine::FileSizeLimit full(100);
+        const test::FileSizeLimit full(100);
         EXPECT_THAT(Create(), HasSubstr("cannot be written"));
     }
     EXPECT_EQ(IdentifyDatabaseFile(File()), DatabaseFileKind::Missing);
@@ -258,7 +261,7 @@ TEST_F(SqliteDatabaseTest, TellsWhyAFileCannotBeOpened) {
     folder.Write(name, std::string("\0\1\0\0Standard Jet DB\0", 20));
     EXPECT_THAT(faultOfOpening(), HasSubstr("was made by Microsoft Jet"));
     folder.Write(name, "text");
-    EXPECT_THAT(faultOfOpening(), HasSubstr("is no database"));
+    EXPECT_THAT(faultOfOpening(), HasSubstr("is not a database"));
     std::filesystem::remove(File());
     ASSERT_EQ(Create(), "");
     auto bytes = folder.Read(name);

@@ -17,9 +17,9 @@ using windows::ToWide;
 
 constexpr auto patience = std::chrono::seconds(60);
 constexpr auto pause = std::chrono::milliseconds(20);
-constexpr auto timeOfClick = std::chrono::milliseconds(60); // a finger's
+constexpr auto timeOfClick = std::chrono::milliseconds(60); // how long a finger holds the button down
 constexpr int messageBoxText = 0xFFFF;                      // the number of a message box's label
-constexpr int fileNameBox = 1148; // of the system's dialog for opening files (cmb13)
+constexpr int fileNameBox = 1148;                           // of the system's open-file dialog (cmb13)
 
 /// A text of another process's window.
 std::wstring TextOf(HWND window) {
@@ -54,7 +54,7 @@ struct WindowSearch {
     HWND found = nullptr;
 };
 
-// No lambda: one of 32 bits has another calling convention.
+// Not a lambda: on 32-bit Windows its calling convention differs.
 BOOL CALLBACK LookAtWindow(HWND window, LPARAM at) {
     auto& search = *windows::CarriedPointer<WindowSearch>(at);
     if (!search.isWanted(window)) {
@@ -64,7 +64,7 @@ BOOL CALLBACK LookAtWindow(HWND window, LPARAM at) {
     return FALSE;
 }
 
-/// The first window of the screen that is as wanted; null for none.
+/// The first matching window on the screen, or null.
 HWND FindWindowWhere(const std::function<bool(HWND)>& isWanted) {
     WindowSearch search{isWanted};
     ::EnumWindows(LookAtWindow, reinterpret_cast<LPARAM>(&search));

@@ -10,15 +10,14 @@
 
 namespace qel::test {
 
-/// What a person waited for did not come.
+/// Something that a person waited for did not happen.
 class Disappointment : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Somebody before the screen, in another thread or process than the dialog: keys, clicks, and what is to be
-/// seen. Everything is waited for, however slow the machine is, and raises Disappointment when it never
-/// comes.
+/// A user in another thread or process than the dialog: presses keys, clicks, and reads the screen. Every
+/// step waits until it is possible, and raises Disappointment after a minute.
 class Person {
 public:
     /// Waits until a dialog of this design is open.
@@ -31,26 +30,26 @@ public:
     void Key(const std::string& control, WORD key) const;
     /// Replaces the text of a text box or bound list by typing.
     void Type(const std::string& control, const std::string& text) const;
-    /// Goes to an item of a combo box by its arrow keys, or of a list box.
+    /// Moves to an item of a combo box or list box with the arrow keys.
     void Choose(const std::string& control, const std::string& item) const;
     /// Clicks a button, check box or the arrow of a list, when it can be clicked.
     void Click(const std::string& control) const;
-    /// Presses a button and lets it go beside it, which is no click.
+    /// Presses the mouse on a button and releases it beside it, which is not a click.
     void PressAndSlipOff(const std::string& button) const;
     void UseCloseBox() const;
 
     std::string Read(const std::string& control) const;
-    /// Waits until the control shows something: a reading overtakes clicks and keys that are on their way.
+    /// Waits until the control has a text, because reading overtakes pending clicks and keys.
     std::string ReadWhenShown(const std::string& control) const;
     bool IsEnabled(const std::string& control) const;
     bool IsTicked(const std::string& control) const;
     /// Waits until the control shows the text.
     void Expect(const std::string& control, const std::string& text) const;
 
-    /// Waits for a message box, answers it with the button of that number, and gives its text. A box may
-    /// stand there before the dialog does.
+    /// Waits for a message box, presses the button with that id, and returns the box's text. The box may
+    /// appear before the dialog.
     static std::string Answer(int button);
-    /// The text of the message box that stands there now; empty for none.
+    /// The text of the open message box, or empty.
     static std::string TextOfBox();
     /// Chooses a file in the system's dialog for opening one.
     void ChooseFile(const std::string& path) const;
@@ -61,7 +60,7 @@ public:
 
 private:
     void Focus(const std::string& control) const;
-    /// The box or system dialog that stands before the dialog.
+    /// The message box or system dialog in front of the dialog.
     HWND WaitForPopup() const;
 
     const FormDesign& design_;

@@ -9,7 +9,7 @@ namespace qel::test {
 
 namespace {
 
-/// A person who looks at a dialog that is gone still gets an answer from its window.
+/// Answers messages of a person who still looks at the closed dialog.
 void AnswerMessagesUntil(const std::atomic<bool>& hasLeft) {
     while (!hasLeft) {
         MSG message = {};
@@ -57,7 +57,7 @@ void ShowTo(Dialog& dialog, const FormDesign& design, const std::function<void(c
             person(Person(design));
         } catch (const std::exception& error) {
             disappointment = error.what();
-            while (!isGone) { // a message box may stand before it, so it is asked again
+            while (!isGone) { // a message box may be open, so try again
                 try {
                     Person(design).UseCloseBox();
                 } catch (const Disappointment&) {

@@ -8,8 +8,8 @@
 
 namespace qel::test {
 
-/// Writes down what a dialog tells: "load", "click CmdAdd", "change TxtCity", "leave TxtCity", "unload". The
-/// two buttons of a form that are called CmdOK and CmdCancel close it.
+/// Records a dialog's events: "load", "click CmdAdd", "change TxtCity", "leave TxtCity", "unload". CmdOK and
+/// CmdCancel close the form.
 class EventLog : public DialogEvents {
 public:
     std::vector<std::string> told;
@@ -24,8 +24,8 @@ public:
     void OnQueryUnload() override { told.emplace_back("unload"); }
 };
 
-/// Shows a dialog to a person, who acts in another thread. When the person is disappointed, the test fails
-/// and the dialog is closed.
+/// Shows a dialog to a person in another thread. When a step of the person fails, the test fails and the
+/// dialog is closed.
 void ShowTo(Dialog& dialog, const FormDesign& design, const std::function<void(const Person&)>& person);
 
 } // namespace qel::test

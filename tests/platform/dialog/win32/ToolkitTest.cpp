@@ -1,4 +1,3 @@
-#include "platform/dialog/win32/AccessKey.h"
 #include "platform/dialog/win32/Win32DialogToolkit.h"
 #include "platform/value/AutomationError.h"
 #include "platform/windows/WideText.h"
@@ -171,87 +170,30 @@ TEST(Win32Dialog, EndsByItsKeysAndItsCloseBox) {
 
 struct ListCase {
     const char* what;
-    std::function<void(const Person&)> act;
+    const char* typed;
+    std::vector<WORD> keys;
     std::optional<std::size_t> selected;
     const char* text;
-    std::vector<std::string> told; ///< besides "load" and the end
+    bool isChange = true; ///< told as a change
 };
 
 TEST(Win32Dialog, FindsRowsOfABoundListByTyping) {
     const ListCase cases[] = {
-        {"a part of a code, Enter",
-         [](const auto& person) {
-             person.Type("BndAccount", "0127");
-             person.Key("BndAccount", VK_RETURN);
-             person.Expect("BndAccount", "10127 - מכירות 127");
-         },
-         127,
-         "10127 - מכירות 127",
-         {"change BndAccount", "leave BndAccount"}},
+        {"a part of a code, Enter", "0127", {VK_RETURN}, 127, "10127 - מכירות 127"},
         {"a part of a Hebrew name, further down by arrows, Enter",
-         [](const auto& person) {
-             person.Type("BndAccount", "ירות 29");
-             person.Key("BndAccount", VK_DOWN);
-             person.Key("BndAccount", VK_DOWN);
-             person.Key("BndAccount", VK_UP);
-             person.Key("BndAccount", VK_RETURN);
-             person.Expect("BndAccount", "10291 - מכירות 291");
-         },
+         "ירות 29",
+         {VK_DOWN, VK_DOWN, VK_UP, VK_RETURN},
          291,
-         "10291 - מכירות 291",
-         {"change BndAccount", "leave BndAccount"}},
-        {"leaving chooses the first that matches",
-         [](const auto& person) {
-             person.Type("BndAccount", "Sales 20");
-             person.Key("BndAccount", VK_TAB);
-             person.Expect("BndAccount", "10020 - Sales 20");
-         },
-         20,
-         "10020 - Sales 20",
-         {"change BndAccount", "leave BndAccount"}},
-        {"what matches nothing chooses nothing",
-         [](const auto& person) {
-             person.Type("BndAccount", "no such account");
-             person.Key("BndAccount", VK_TAB);
-             person.Expect("BndAccount", "");
-         },
-         std::nullopt,
-         "",
-         {"change BndAccount", "leave BndAccount"}},
+         "10291 - מכירות 291"},
+        {"leaving chooses the first that matches", "Sales 20", {VK_TAB}, 20, "10020 - Sales 20"},
+        {"what matches nothing chooses nothing", "no such account", {VK_TAB}, std::nullopt, ""},
         {"Esc takes the typing back and closes only the list",
-         [](const auto& person) {
-             person.Type("BndAccount", "Sales 20");
-             person.Key("BndAccount", VK_ESCAPE);
-             person.Expect("BndAccount", "10007 - מכירות 7");
-         },
+         "Sales 20",
+         {VK_ESCAPE},
          7,
          "10007 - מכירות 7",
-         {"leave BndAccount"}},
-        {"an emptied field chooses nothing",
-         [](const auto& person) {
-             person.Type("BndAccount", "");
-             person.Key("BndAccount", VK_TAB);
-             person.Click("ChkAll");
-             person.Click("ChkAll");
-         },
-         std::nullopt,
-         "",
-         {"change BndAccount", "leave BndAccount", "click ChkAll", "click ChkAll"}},
-        {"its arrow opens the whole list, a key goes on from the chosen row",
-         [](const auto& person) {
-             person.Click("BndAccount");
-             const HWND list = person.Control("BndAccount");
-             Person::WaitUntil("the open list",
-                               [&] { return ::SendMessageW(list, CB_GETDROPPEDSTATE, 0, 0) != FALSE; });
-             // The focus on the combo box itself, which is not left by it.
-             ::PostMessageW(person.Dialog(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list), TRUE);
-             person.Key("BndAccount", VK_DOWN);
-             person.Key("BndAccount", VK_RETURN);
-             person.Expect("BndAccount", "10008 - Sales 8");
-         },
-         8,
-         "10008 - Sales 8",
-         {"change BndAccount", "leave BndAccount"}},
+         false},
+        {"an emptied field chooses nothing", "", {VK_TAB}, std::nullopt, ""},
     };
     for (const ListCase& c : cases) {
         SCOPED_TRACE(c.what);
@@ -259,16 +201,42 @@ TEST(Win32Dialog, FindsRowsOfABoundListByTyping) {
         bench.dialog->Select("BndAccount", 7);
         bench.log.onLoad = [&] { bench.dialog->SetFocus("BndAccount"); };
         bench.Show([&](const Person& person) {
-            c.act(person);
+            person.Type("BndAccount", c.typed);
+            for (const WORD key : c.keys) {
+                person.Key("BndAccount", key);
+            }
+            person.Expect("BndAccount", c.text);
+            person.Click("ChkAll");
+            person.Click("ChkAll");
             person.Click("CmdOK");
         });
-        Texts told = {"load"};
-        told.insert(told.end(), c.told.begin(), c.told.end());
-        told.emplace_back("click CmdOK");
+        Texts told = {"load", "leave BndAccount", "click ChkAll", "click ChkAll", "click CmdOK"};
+        if (c.isChange) {
+            told.insert(told.begin() + 1, "change BndAccount");
+        }
         EXPECT_EQ(bench.log.told, told);
         EXPECT_EQ(bench.dialog->Selected("BndAccount"), c.selected);
         EXPECT_EQ(bench.dialog->Text("BndAccount"), c.text);
     }
+}
+
+TEST(Win32Dialog, OpensABoundListByItsArrowAtTheChosenRow) {
+    Bench bench;
+    bench.dialog->Select("BndAccount", 7);
+    bench.log.onLoad = [&] { bench.dialog->SetFocus("BndAccount"); };
+    bench.Show([&](const Person& person) {
+        person.Click("BndAccount");
+        const HWND list = person.Control("BndAccount");
+        Person::WaitUntil("the open list",
+                          [&] { return ::SendMessageW(list, CB_GETDROPPEDSTATE, 0, 0) != FALSE; });
+        // The combo box itself gets the focus, which does not count as leaving it.
+        ::PostMessageW(person.Dialog(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(list), TRUE);
+        person.Key("BndAccount", VK_DOWN);
+        person.Key("BndAccount", VK_RETURN);
+        person.Expect("BndAccount", "10008 - Sales 8");
+        person.Click("CmdOK");
+    });
+    EXPECT_THAT(bench.log.told, ElementsAre("load", "change BndAccount", "leave BndAccount", "click CmdOK"));
 }
 
 TEST(Win32Dialog, AsksAHugeListOnlyForTheRowsThatAreSeen) {
@@ -336,7 +304,7 @@ TEST(Win32Dialog, PressesNoButtonWhenLeavingTheFieldIsRefused) {
          {"CmdAdd", "CmdOK"},
          {"load", "leave TxtCity", "click CmdAdd", "click CmdOK"}},
         {"disables the button", disable, {"CmdAdd", "CmdOK"}, {"load", "leave TxtCity", "click CmdOK"}},
-        {"a dialog is left all the same", leadBack, {"CmdCancel"}, {"load", "click CmdCancel"}},
+        {"cancelling is possible anyway", leadBack, {"CmdCancel"}, {"load", "click CmdCancel"}},
     };
     for (const auto& c : cases) {
         Bench bench;
@@ -425,25 +393,6 @@ TEST(Win32Dialog, MirrorsARightToLeftFormAndGrowsWithItsFont) {
             width = field.right - field.left;
             person.Click("CmdCancel");
         });
-    }
-}
-
-TEST(AccessKey, IsTheFirstOfTheLettersThatTheCaptionHolds) {
-    struct Case {
-        const char *caption, *letters, *shown;
-    };
-    const Case cases[] = {
-        {"Cube Name", "Nש", "Cube &Name"},
-        {"שם קוביה", "Nש", "&שם קוביה"},
-        {"Select OBS", "E", "S&elect OBS"},
-        {"Profit & Loss", "L", "Profit && &Loss"},
-        {"R&D", "D", "R&&&D"},
-        {"מדד", "Mק", "מדד"},
-        {"OK", "", "OK"},
-        {"", "A", ""},
-    };
-    for (const Case& c : cases) {
-        EXPECT_EQ(windows::WithAccessKey(c.caption, c.letters), c.shown) << c.caption;
     }
 }
 

@@ -52,7 +52,7 @@ struct RefusedCase {
 
 TEST(IniFile, RefusesToWriteAFileOfWhichSomethingWouldBeLost) {
     const RefusedCase cases[] = {
-        {"a line that is none of all", "[Qel]\nQelUILanguage 1\n", "line 2 would be lost"},
+        {"a line of no known form", "[Qel]\nQelUILanguage 1\n", "line 2 would be lost"},
         {"a heading without an end", "; x\n\n[Qel\na=1\n", "line 3 would be lost"},
         {"an entry without a name", "[Qel]\n=1\n", "line 2 would be lost"},
         {"a zero character", "[Qel]\na"s + '\0' + "b=1\nc=2\n", "line 2 would be lost"},

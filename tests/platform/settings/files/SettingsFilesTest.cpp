@@ -16,13 +16,13 @@ namespace {
 
 using test::TemporaryFolder;
 
-/// The store's operations over files, as a machine without the suite has them.
+/// The store's operations over files, as on a machine without the suite.
 struct SettingsFiles : ::testing::Test {
     const TemporaryFolder folder;
     FileRegistry registry{folder.Path("settings.ini")};
     FileProfiles profiles;
-    testing::RecordedDatabase database;
-    testing::RecordedMessages messages;
+    SqliteDatabase database;
+    test::RecordedMessages messages;
     StoreEnvironment store{registry, profiles, database, messages, PathToUtf8(folder.Path("component")), '/'};
 
     void SetMdbPath(const std::string& path) const {

@@ -8,7 +8,7 @@
 
 namespace qel::test {
 
-/// The suite's key of the current user, without values; removed at the end.
+/// The current user's empty suite key; removed at the end.
 class SuiteKey {
 public:
     SuiteKey() {
@@ -25,7 +25,7 @@ public:
     SuiteKey& operator=(const SuiteKey&) = delete;
 
     static void Remove() { ::RegDeleteTreeW(HKEY_CURRENT_USER, path); }
-    /// `text` is stored as it is: a zero at its end is the caller's.
+    /// `text` is stored as it is; the caller adds the terminating null.
     void Set(const wchar_t* name, const std::wstring& text, DWORD type = REG_SZ) const {
         EXPECT_EQ(::RegSetValueExW(key_, name, 0, type, reinterpret_cast<const BYTE*>(text.data()),
                                    static_cast<DWORD>(text.size() * sizeof(wchar_t))),

@@ -18,7 +18,7 @@ std::string Utf16(const std::string& text) {
     return {reinterpret_cast<const char*>(wide.data()), wide.size() * sizeof(wchar_t)};
 }
 
-/// A letter that the system's code page has, its byte there, and one that the page lacks.
+/// A letter of the system's code page with its byte, and a letter that the code page lacks.
 struct CodePageLetters {
     std::string inPage, byte, outside;
 };
@@ -44,7 +44,7 @@ struct WindowsProfilesTest : ::testing::Test {
     const std::string name = "נתוני פרליקס";
     const TemporaryFolder folder;
     const SuiteKey key;
-    qel::testing::StoreBench bench;
+    test::StoreBench bench;
     windows::WindowsRegistry registry;
     windows::WindowsProfiles profiles;
     StoreEnvironment store{registry, profiles, bench.database, bench.messages, PathToUtf8(folder.Path())};
@@ -70,7 +70,7 @@ TEST_F(WindowsProfilesTest, ReadsTheLanguageAsTheSuiteWroteIt) {
          std::string(254, 'x')},
     };
     for (const auto& c : cases) {
-        // Another file each time: the system may keep the last one in memory.
+        // A new file each time, because the system may cache the last one.
         const std::string subfolder = name + std::to_string(&c - cases);
         std::filesystem::create_directory(folder.Path(subfolder));
         folder.Write(subfolder + "/Qel.ini", c.bytes);

@@ -10,7 +10,7 @@ namespace qel::test {
 namespace {
 
 struct WindowsRegistryTest : ::testing::Test {
-    qel::testing::StoreBench bench;
+    test::StoreBench bench;
     windows::WindowsRegistry registry;
     StoreEnvironment store{registry, bench.profiles, bench.database, bench.messages, R"(C:\Qel)"};
     const SuiteKey key;
@@ -68,7 +68,7 @@ TEST_F(WindowsRegistryTest, OpensNamesAndClosesKeys) {
         EXPECT_EQ(registry.CloseKey(opened), 0);
     }
     EXPECT_FALSE(ModAPI::RegOpen(store, RootKey::CurrentUser, R"(SOFTWARE\QRN\Pralix 18)", handle));
-    EXPECT_FALSE(ModAPI::RegOpen(store, 0x1234567, "x", handle)) << "a handle that is none";
+    EXPECT_FALSE(ModAPI::RegOpen(store, 0x1234567, "x", handle)) << "an invalid handle";
 }
 
 } // namespace

@@ -2,12 +2,12 @@
 
 #include "lang/ModLangFrm.h"
 #include "platform/value/AutomationError.h"
-#include "platform/windows/VariantConversion.h"
 #include "tests/helpers/TemporaryFolder.h"
-#include "tests/helpers/automation/DispatchDouble.h"
 #include "tests/helpers/automation/NamedClass.h"
+#include "tests/helpers/automation/RecordsetDouble.h"
 #include "tests/helpers/doubles/StoreDoubles.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -16,63 +16,27 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using Inputs = std::vector<const VARIANT*>;
 
-/// What a saved recordset holds, and how it was opened.
+/// The content of a saved recordset, and how it was opened.
 struct SavedTable {
-    std::vector<std::string> columns;
-    std::vector<std::vector<Variant>> rows;
-    std::size_t current = 0;
+    Rowset table;
     std::vector<std::string> calls;
     std::optional<ScriptedFailure> openFailure;
 };
 
-ComPointer<IDispatch> MakeFields(const std::shared_ptr<SavedTable>& table) {
-    auto fields = MakeDouble();
-    fields->Define(L"Count", [table](const Inputs&) {
-        return windows::ToAutomation(static_cast<std::int32_t>(table->columns.size()));
-    });
-    fields->Define(L"Item", [table](const Inputs& inputs) {
-        const auto column =
-            static_cast<std::size_t>(windows::FromAutomation(*inputs.at(0)).As<std::int32_t>());
-        auto field = MakeDouble();
-        field->Define(L"Name", [table, column](const Inputs&) { return Text(table->columns[column]); });
-        field->Define(L"Value", [table, column](const Inputs&) {
-            return windows::ToAutomation(table->rows.at(table->current).at(column));
+ComPointer<IDispatch> MakeRecordset(const std::shared_ptr<SavedTable>& saved) {
+    return MakeObject([&](DispatchDouble& recordset) {
+        DefineRows(recordset, RecordsetOf(saved->table));
+        recordset.Method(L"Open", [saved](const Inputs& inputs) {
+            saved->calls.push_back(fmt::format("open|{}|{}|{}|{}|{}", TextAt(inputs, 0), TextAt(inputs, 1),
+                                               NumberAt(inputs, 2), NumberAt(inputs, 3),
+                                               NumberAt(inputs, 4)));
+            if (saved->openFailure) {
+                throw *saved->openFailure;
+            }
         });
-        return ObjectValue(ComPointer<IDispatch>(field.Get()));
+        recordset.Method(L"Close", [saved](const Inputs&) { saved->calls.emplace_back("close"); });
     });
-    return ComPointer<IDispatch>(fields.Get());
-}
-
-ComPointer<IDispatch> MakeRecordset(const std::shared_ptr<SavedTable>& table) {
-    auto recordset = MakeDouble();
-    recordset->Define(L"Open", [table](const Inputs& inputs) {
-        std::string call = "open";
-        for (const VARIANT* input : inputs) {
-            const Variant value = windows::FromAutomation(*input);
-            call += "|" + (value.Is<std::string>() ? value.As<std::string>()
-                                                   : std::to_string(value.As<std::int32_t>()));
-        }
-        table->calls.push_back(call);
-        if (table->openFailure) {
-            throw *table->openFailure;
-        }
-        return OwnedVariant();
-    });
-    recordset->Define(L"Close", [table](const Inputs&) {
-        table->calls.emplace_back("close");
-        return OwnedVariant();
-    });
-    recordset->Define(L"EOF", [table](const Inputs&) {
-        return windows::ToAutomation(table->current >= table->rows.size());
-    });
-    recordset->Define(L"MoveNext", [table](const Inputs&) {
-        ++table->current;
-        return OwnedVariant();
-    });
-    recordset->Define(L"Fields", [table](const Inputs&) { return ObjectValue(MakeFields(table)); });
-    return ComPointer<IDispatch>(recordset.Get());
 }
 
 struct AdoTableReaderTest : ::testing::Test {
@@ -82,16 +46,16 @@ struct AdoTableReaderTest : ::testing::Test {
     std::optional<NamedClass> provider{std::in_place, L"MSPersist",
                                        [saved = saved] { return MakeRecordset(saved); }};
     windows::AdoTableReader reader;
-    qel::testing::StoreBench bench;
+    test::StoreBench bench;
 };
 
 TEST_F(AdoTableReaderTest, ReadsTheSuitesTextsInTheLanguageOfItsSettings) {
     const TemporaryFolder folder;
     const auto path = folder.Write("Lang.rs", "in any form that the provider reads");
-    saved->columns = {"lId", "sId", "sText"};
-    saved->rows = {{std::int32_t{0}, std::int32_t{1473}, "Select Cube"},
-                   {std::int16_t{1}, 1473.0, "בחר \"קוביה\""},
-                   {std::int32_t{1}, std::int32_t{1474}, Null{}}};
+    saved->table = {.fields = {"lId", "sId", "sText"},
+                    .rows = {{std::int32_t{0}, std::int32_t{1473}, "Select Cube"},
+                             {std::int16_t{1}, 1473.0, "בחר \"קוביה\""},
+                             {std::int32_t{1}, std::int32_t{1474}, Null{}}}};
     bench.store.componentFolder = PathToUtf8(path.parent_path());
     bench.profiles.value = "1";
     ModLangFrm::LanguageState language{bench.store, reader};

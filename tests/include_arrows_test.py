@@ -1,0 +1,59 @@
+#!/usr/bin/env python3
+"""Includes go down only: fails on an #include "…" of a folder that the including folder may not know."""
+import fnmatch
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+
+PORTS = ("text platform/value platform/data platform/settings platform/database platform/tables platform/dialog"
+         " platform/sheet")
+PRODUCT = "text platform/* engine/include support store lang cube wizard function batch"
+# Folders, and what they may include besides themselves; ".." is the folder above. The first row that fits counts.
+MAY_INCLUDE = {
+    "text": "",
+    "engine/include/*": "engine/include",  # the public headers, "qel/engine/….h"
+    "engine/storage": "text engine/include",
+    "engine/mdx": "text engine/include",
+    "engine/eval": "text engine/include engine/storage engine/mdx",
+    "engine/*": "text engine/include engine/storage",
+    "platform/data/choice": "text platform/value .. engine/include",
+    "platform/data/embedded": "text platform/value .. engine/include",
+    "platform/*/*": "text platform/value .. platform/windows platform/office",  # an adapter, below its port
+    "platform/*": "text platform/value",
+    "support": PORTS,
+    "store": f"{PORTS} support",
+    "lang": f"{PORTS} support store",
+    "cube": f"{PORTS} support",
+    "wizard": f"{PORTS} support store lang cube",
+    "function": f"{PORTS} support store lang cube wizard",
+    "batch": f"{PORTS} support store lang cube wizard function",
+    "cli/formula": "text platform/value cube",  # the doors
+    "cli": f"{PRODUCT} cli/formula",
+    "calc": PRODUCT,
+    "server/dispatch": "text platform/value platform/windows",
+    "server": f"{PRODUCT} server/dispatch",
+    "examples/*": f"{PRODUCT} examples/*",  # beside the product, which includes none of these
+    "tests/engine/*": "text engine/* tests/*",
+    "tests/*": f"{PRODUCT} cli cli/* calc server server/* examples/* tests/*",
+    "bench": f"{PRODUCT} engine/* cli examples/* tests/*",
+    "fuzz/*": f"{PRODUCT} engine/* cli/*",
+}
+# Arrows that point sideways and are still to be mended.
+TO_MEND = {("platform/data/xmla", "platform/settings/files")}
+
+arrows, wrong = set(), []
+tops = [top for top in ROOT.iterdir() if top.is_dir() and top.name != "build" and not top.name.startswith(".")]
+for source in sorted(path for top in tops for path in top.rglob("*.*") if path.suffix in {".h", ".cpp"}):
+    folder = source.parent.relative_to(ROOT).as_posix()
+    row = next((row for folders, row in MAY_INCLUDE.items() if fnmatch.fnmatch(folder, folders)), None)
+    allowed = [folder, *(row or "").replace("..", str(pathlib.PurePath(folder).parent)).split()]
+    for header in re.findall(r'^#include "([\w/.]+/[\w.]+)"', source.read_text(encoding="utf-8"), re.M):
+        target = pathlib.PurePath(header.replace("qel/engine/", "engine/include/")).parent.as_posix()
+        arrows.add((folder, target))
+        if not any(fnmatch.fnmatch(target, name) for name in allowed) and (folder, target) not in TO_MEND:
+            wrong.append(f"{source.relative_to(ROOT)} includes {header}: {folder} may not include {target}")
+wrong += [f"{folder} no longer includes {target}: take it out of TO_MEND" for folder, target in TO_MEND - arrows]
+print("\n".join(wrong) or f"{len(arrows)} arrows between folders; {len(TO_MEND)} point sideways, all others down")
+sys.exit(bool(wrong or not arrows))
