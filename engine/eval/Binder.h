@@ -27,7 +27,6 @@ public:
 
     /// Declares the calculated members and named sets of WITH, then binds their formulas.
     void BindDefinitions();
-    NamedSets& Sets() { return namedSets_; }
 
     Bound Bind(mdx::NodeId node);
     SetPtr BindSet(mdx::NodeId node) { return ToSet(Bind(node), node); }

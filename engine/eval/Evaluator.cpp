@@ -1,5 +1,7 @@
 #include "engine/eval/Evaluator.h"
 
+#include "qel/engine/EngineError.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -14,6 +16,9 @@ constexpr int nestingLimit = 400;
 /// When each formula uses the next one twice, evaluations double with every step; forty such formulas would
 /// take years.
 constexpr int evaluationLimit = 10'000'000;
+/// Likewise when each set reads two cells of the next one. Positions within this many others are counted.
+constexpr int deepPosition = 6;
+constexpr int deepPositionLimit = 10'000'000;
 
 } // namespace
 
@@ -292,12 +297,19 @@ MemberId Evaluator::AddCompound(const CompoundSet& set) {
 Evaluator::Position::Position(Evaluator& evaluator, std::span<const HierarchyId> dimensionality,
                               std::span<const MemberId> tuple)
     : evaluator_(evaluator), dimensionality_(dimensionality) {
+    if (evaluator.positions_ >= deepPosition && ++evaluator.deepPositions_ > deepPositionLimit) {
+        throw EngineError(
+            ErrorKind::TooLarge,
+            fmt::format("more than {} cells are read for sets inside one another", deepPositionLimit));
+    }
+    ++evaluator.positions_;
     for (std::size_t i = 0; i < dimensionality.size(); ++i) {
         evaluator.saved_.push_back(std::exchange(evaluator.coordinates_[dimensionality[i]], tuple[i]));
     }
 }
 
 Evaluator::Position::~Position() {
+    --evaluator_.positions_;
     for (std::size_t i = dimensionality_.size(); i-- > 0;) {
         evaluator_.coordinates_[dimensionality_[i]] = evaluator_.saved_.back();
         evaluator_.saved_.pop_back();

@@ -160,7 +160,9 @@ private:
     std::vector<FoldedHierarchy> folded_;
     FactCell cell_;
     int depth_ = 0;
-    int evaluations_ = 0; ///< of the outermost cell
+    int evaluations_ = 0;   ///< of the outermost cell
+    int positions_ = 0;     ///< Position objects that exist now
+    int deepPositions_ = 0; ///< made inside many others, in the whole statement
 };
 
 } // namespace qel::engine

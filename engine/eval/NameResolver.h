@@ -31,8 +31,8 @@ public:
     /// Raises EngineError at the first part that cannot be resolved: UnknownMember where a member is
     /// expected, otherwise UnknownName. With `wantsLevel` only a hierarchy or a level is accepted.
     Resolved Resolve(const mdx::Node& path, bool wantsLevel);
-    /// The parent of a calculated member being defined: a member, or only a hierarchy. The last part of the path
-    /// is its own name.
+    /// The parent of a calculated member being defined: a member, or only a hierarchy. The last part of the
+    /// path is its own name.
     MemberRef ParentOfNew(const mdx::Node& path);
 
 private:

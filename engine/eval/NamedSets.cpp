@@ -34,14 +34,6 @@ const TupleSet& NamedSets::Tuples(std::size_t set, Evaluator& evaluator) {
     return *results_[set].tuples;
 }
 
-void NamedSets::Forget() {
-    for (std::size_t set = 0; set < sets_.size(); ++set) {
-        if (!sets_[set].set->IsConstant()) {
-            results_[set].tuples.reset();
-        }
-    }
-}
-
 void NamedSets::Evaluate(std::size_t set, Evaluator& evaluator) {
     Result& result = results_[set];
     if (result.isRunning) {

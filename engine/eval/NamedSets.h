@@ -19,8 +19,8 @@ struct NamedSet {
     std::vector<std::size_t> needs;
 };
 
-/// The named sets of a statement. Each is evaluated once, when it is first needed, under the members of the
-/// slicer: which cell needs it first makes no difference.
+/// The named sets of a statement. Each is evaluated once, on first use, in the context of the slicer; those
+/// that the slicer uses, in that of the default members.
 class NamedSets {
 public:
     /// False when there is one of that name (any letter case).
@@ -29,8 +29,6 @@ public:
     const SetExpression& Expression(std::size_t set) const { return *sets_[set].set; }
     /// Raises InvalidExpression when the set needs itself, through a calculated member.
     const TupleSet& Tuples(std::size_t set, Evaluator& evaluator);
-    /// Forgets what was found before the slicer was known.
-    void Forget();
 
 private:
     struct Result {

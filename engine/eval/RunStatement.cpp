@@ -119,7 +119,6 @@ void StatementRun::EvaluateSlicer() {
     CheckHierarchies(set->GetDimensionality(), statement_.slicer);
     slicer_.emplace(space_, set->Evaluate(evaluator_));
     evaluator_.SetSlicer(*slicer_);
-    binder_.Sets().Forget();
 }
 
 void StatementRun::EvaluateAxes() {

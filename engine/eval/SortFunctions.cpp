@@ -73,9 +73,9 @@ Bound Extremes(Call& call, int sign) {
 Bound TopCount(Call& call) { return Extremes(call, -1); }
 Bound BottomCount(Call& call) { return Extremes(call, 1); }
 
-/// Sorts tuples within families, by the first hierarchy, then by the next: compares the two ancestors that are
-/// siblings; a member comes before its descendants. A member's value is that of its cell under the tuple's
-/// members before it.
+/// Sorts tuples within families, by the first hierarchy, then by the next: compares the two ancestors that
+/// are siblings; a member comes before its descendants. A member's value is that of its cell under the
+/// tuple's members before it.
 class FamilySort {
 public:
     FamilySort(Evaluator& evaluator, const NumberExpression& value, const Dimensionality& dimensionality,

@@ -13,8 +13,8 @@
 #include <string>
 #include <string_view>
 
-// Runs any bytes as a statement on a small cube, in a thread with a small stack: the result is a cellset or an
-// EngineError, in bounded time.
+// Runs any bytes as a statement on a small cube, in a thread with a small stack: the result is a cellset or
+// an EngineError, in bounded time.
 
 namespace {
 

@@ -78,6 +78,8 @@ class Server:
                    "-Dmondrian.olap.SsasCompatibleNaming=true",
                    # A fact may belong to several members of a level; adding those up would count it several times.
                    "-Dmondrian.rolap.EnableInMemoryRollup=false",
+                   # Otherwise NON EMPTY on an axis takes members without facts out of sets in formulas too.
+                   "-Dmondrian.native.nonempty.enable=false",
                    f"-Dxmla.port={options.port}", f"-Dxmla.sources={sources.as_uri()}", f"-Dsql.folder={options.folder}",
                    "org.eclipse.jetty.xml.XmlConfiguration", *map(str, steps)]
         self.log = []

@@ -201,14 +201,14 @@ Set RandomMdx::TuplesOver(std::size_t first, std::size_t second) {
     return {"{" + text + "}", {first, second}, [tuples](const World&, const Place&) { return tuples; }};
 }
 
-/// A tuple's way down from the top, hierarchy by hierarchy: every step has a value and a member. Tuples are
-/// sorted as their ways are.
+/// A tuple's way down from the top, hierarchy by hierarchy: every step has a member and a place, where its
+/// value is taken when it differs from another. Tuples are sorted as their ways are.
 Set RandomMdx::Ordered(const Set& set) {
     const Number by = NumberOf(1);
     const bool descends = OneIn(2);
     return {fmt::format("Order({}, {}, {})", set.text, by.text, descends ? "DESC" : "ASC"), set.hierarchies,
             [=](const World& world, const Place& place) {
-                using Way = std::vector<std::vector<std::pair<Value, int>>>;
+                using Way = std::vector<std::vector<std::pair<Place, int>>>;
                 std::vector<std::pair<Way, Tuple>> ways;
                 for (const Tuple& tuple : set.at(world, place)) {
                     Way way;
@@ -217,15 +217,18 @@ Set RandomMdx::Ordered(const Set& set) {
                         const std::size_t hierarchy = set.hierarchies[i];
                         way.emplace_back();
                         for (int step = tuple[i]; step != noParent; step = world.ParentOf(hierarchy, step)) {
-                            way.back().emplace(way.back().begin(),
-                                               by.at(world, With(before, {hierarchy}, {step})), step);
+                            way.back().emplace(way.back().begin(), With(before, {hierarchy}, {step}), step);
                         }
                         before = With(before, {hierarchy}, {tuple[i]});
                     }
                     ways.emplace_back(std::move(way), tuple);
                 }
-                const auto isStepBefore = [descends](const auto& a, const auto& b) {
-                    const int order = Compare(a.first, b.first) * (descends ? -1 : 1);
+                const auto isStepBefore = [&](const auto& a, const auto& b) {
+                    if (a.second == b.second) {
+                        return false;
+                    }
+                    const int order =
+                        Compare(by.at(world, a.first), by.at(world, b.first)) * (descends ? -1 : 1);
                     return order != 0 ? order < 0 : a.second < b.second;
                 };
                 std::stable_sort(ways.begin(), ways.end(), [&](const auto& a, const auto& b) {
@@ -444,9 +447,8 @@ Condition RandomMdx::ConditionOf(int depth) {
         const bool both = OneIn(2);
         return {fmt::format("({} {} NOT {})", left.text, both ? "AND" : "OR", right.text),
                 [=](const World& world, const Place& place) {
-                    const bool a = left.at(world, place);
-                    const bool b = !right.at(world, place);
-                    return both ? a && b : a || b;
+                    const bool isDecided = left.at(world, place) != both; // by the left side alone
+                    return isDecided ? !both : !right.at(world, place);
                 }};
     }
     const std::size_t hierarchy = AnyHierarchy();

@@ -1,6 +1,7 @@
 #include "tests/helpers/SmallStack.h"
 
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 #include "tests/engine/eval/LedgerCube.h"
 
 #include <fmt/format.h>
@@ -27,7 +28,7 @@ std::string Answer(const Cube& cube, const std::string& statement) {
         } catch (const EngineError& error) {
             answer = error.what();
             answer = answer.substr(0, answer.find(", near \""));
-            answer = answer.substr(answer.find(": ") + 2);
+            answer = answer.substr(answer.starts_with("line ") ? answer.find(": ") + 2 : 0);
         }
     });
     return answer;
@@ -70,15 +71,15 @@ TEST_F(SmallStack, TakesLongStatements) {
         {"differences", OfSet(Chain("[Firma].Members", " - {[Firma]}")), both + "\n1 | 0.5"},
         {"both in turn, so that what comes is taken away again",
          OfSet(Chain("[Firma].Children", " + {[Firma]} - {[Firma]}")), both + "\n1 | 0.5"},
-        {"cross joins of nothing", OfSet(Chain("{}", " * {}")), ""},
+        {"cross joins of nothing", OfSet(Chain("{}", " * {}")), "\n"},
         {"a cross join of one hierarchy", OfSet(Chain("[Firma].Children", " * [Firma].Children")),
          "the hierarchy [Firma] stands on both sides of the cross join"},
-        {"a tuple of sets", OfSet("(" + Chain("{}", ", {}") + ")"), ""},
+        {"a tuple of sets", OfSet("(" + Chain("{}", ", {}") + ")"), "\n"},
         {"a function of many sets", OfSet("Union(" + Chain("{[Firma].[1]}", ", {[Firma].[2]}") + ")"),
          both + "\n1 | 0.5"},
         {"with duplicates", OfSet("Union(" + Chain("{[Firma].[1]}", ", {[Firma].[2]}") + ", ALL)"),
          "60000 positions"},
-        {"a cross join as a function", OfSet("CrossJoin(" + Chain("{}", ", {}") + ")"), ""},
+        {"a cross join as a function", OfSet("CrossJoin(" + Chain("{}", ", {}") + ")"), "\n"},
         {"braces", OfSet("{" + Chain("[Firma].[1]", ", [Firma].[2]") + "}"), "60000 positions"},
         {"ranges", OfSet("{" + Chain("[Firma].[1]", ", [Firma].[1] : [Firma].[1]") + "}"), "60000 positions"},
         {"a tuple", OfNumber("(" + Chain("[Firma].[1]", ", [Firma].[2]") + ")"),
@@ -166,20 +167,20 @@ TEST_F(SmallStack, TakesDeepStatements) {
         {"Abs(1 + 2 * ", "3", ")", 1},
         {"CoalesceEmpty(NULL, ", "3", ")", 1},
         {"Sum({[Firma].[1]}, ", "3", ")", 1},
-        {"Aggregate({[Firma].[1], [Firma].[2]} * {[OBS].[North], [OBS]}, ", "3", ")", 1},
+        {"Aggregate({[Firma].[1], [Firma].[2]} * {[OBS].[North], [OBS].[All]}, ", "3", ")", 1},
         {"Max([Firma].[1], 1 + ", "3", ")", 1},
         {"Count(Filter({[Firma].[1]}, 0 < ", "1", "))", 2},
-        {"Count(Order({[Firma].[1], [Firma].[2]} * {[OBS]}, ", "1", "))", 2},
+        {"Count(Order({[Firma].[1]} * {[OBS]}, ", "1", ", BASC))", 2},
         {"Count(TopCount({[Firma].[1]}, 1, ", "1", "))", 2},
-        {"Count(Descendants([OBS], ", "1", "))", 2},
+        {"Count(Descendants([OBS], 0 + ", "1", "))", 2},
         {"Count(LastPeriods(", "1", ", [Date].[2024]))", 2},
         {"([Firma].Children * [OBS].Children).Item(", "0", ").Value", 3},
     };
-    constexpr int mostSteps = 98;
+    constexpr int mostSteps = 97;
     for (const auto& nest : numbers) {
         const std::string deep = Nested(nest.before, nest.inner, nest.after, mostSteps / nest.steps);
         const std::string answer = Answer(*cube_, OfNumber(deep));
-        EXPECT_LT(answer.size(), 20U) << "no number: " << answer << "\n" << deep;
+        EXPECT_LT(answer.size(), 30U) << "no number: " << answer << "\n" << deep;
         std::string formulas;
         for (int i = 0; i < 400; ++i) {
             formulas += fmt::format("MEMBER [Measures].m{} AS {} ", i,
@@ -192,6 +193,8 @@ TEST_F(SmallStack, TakesDeepStatements) {
                   "be evaluated")
             << nest.before;
     }
+    EXPECT_EQ(Answer(*cube_, OfNumber(Nested("Count(Filter([Firma].Members, 0 < ", "[Measures].[Amount]", "))", 48))),
+              "more than 10000000 cells are read for sets inside one another");
     const struct {
         const char *before, *inner, *after;
         int steps;

@@ -241,8 +241,9 @@ const StatementCase cellMeanings[] = {
      "[OBS].[All].[North].[Haifa] | [OBS].[All].[South].[Eilat] | [OBS].[All].[South].[Other]\n0 | 70 | "
      "-0.01"},
     {"Aggregate counts once what its tuples share; Sum does not",
-     "WITH MEMBER [OBS].[Once] AS Aggregate({[OBS], [OBS].[North], [OBS].[North]}) MEMBER [OBS].[Each] AS "
-     "Sum({[OBS], [OBS].[North], [OBS].[North]}) MEMBER [OBS].[Crosswise] AS Aggregate({[OBS].[South], "
+     "WITH MEMBER [OBS].[Once] AS Aggregate({[OBS].[All], [OBS].[North], [OBS].[North]}) MEMBER [OBS].[Each] "
+     "AS Sum({[OBS].[All], [OBS].[North], [OBS].[North]}) MEMBER [OBS].[Crosswise] AS "
+     "Aggregate({[OBS].[South], "
      "[OBS].[South].[Other]} * {[Firma].[2], [Firma]}) SELECT {[OBS], [OBS].[North], [OBS].[Once], "
      "[OBS].[Each], "
      "[OBS].[Crosswise]} ON 0 FROM Finance WHERE [Measures].[Lines]",
@@ -261,7 +262,7 @@ const StatementCase cellMeanings[] = {
      "FROM "
      "Finance WHERE [OBS].[North]",
      "[Measures].[x]\n[Firma].[All].[2]: -\n[Firma].[All].[1]: 3000\n[Firma].[All]: 3000"},
-    {"one that the slicer uses is evaluated without it there",
+    {"one that the slicer uses is evaluated without it",
      "WITH SET Best AS TopCount([Cost_Centers].Children, 1, [Measures].[Amount]) MEMBER [Measures].[x] AS "
      "Count(Best) SELECT {[Measures].[x], [Measures].[Amount]} ON 0 FROM Finance WHERE Best",
      "[Measures].[x] | [Measures].[Amount]\n1 | 2700"},
@@ -387,7 +388,8 @@ TEST(Statement, BuildsSets) {
          "{Order([Cost_Centers].Children, [Cost_Centers].CurrentMember.Caption, BDESC), "
          "TopCount([OBS].[Level2].Members "
          "* {[Firma].[1]}, 0, 1), BottomCount([Cost_Centers].Children, 1, [Measures].[Amount])}",
-         "line 1, column 87: a set of [Cost_Centers] takes no element of [OBS], [Firma], near \"…on, BDESC), "
+         "line 1, column 224: a set of [Cost_Centers] takes no element of [OBS], [Firma], near \"…on, "
+         "BDESC), "
          "TopCount([OBS].[Level2].Members * {[…\""},
         {"top and bottom counts",
          "{TopCount([Cost_Centers].Children, 2, [Measures].[Amount]), BottomCount([Cost_Centers].Children, "

@@ -54,7 +54,7 @@ private:
 
     struct Axis {
         std::size_t tupleSize = 0;
-        std::vector<std::size_t> levelCounts; ///< by place in the tuple
+        std::vector<std::size_t> levelCounts;              ///< by place in the tuple
         std::vector<std::vector<std::uint32_t>> positions; ///< indices into members
         std::vector<AxisMember> members;
     };
