@@ -20,28 +20,34 @@ std::uint64_t NumberFrom(const char* variable, std::uint64_t otherwise) {
 class Asker {
 public:
     Asker(DataAccess& provider, const std::string& source, const std::string& cube)
-        : provider_(provider), connection_(provider.CreateConnection()) {
-        connection_->Open("Provider=MSOLAP;Data Source=" + source + ";Initial Catalog=" + cube, "", "",
-                          optionsUnspecified);
+        : provider_(provider), text_("Provider=MSOLAP;Data Source=" + source + ";Initial Catalog=" + cube) {
+        Connect();
     }
 
-    std::unique_ptr<Cellset> Ask(const std::string& statement) const {
+    std::unique_ptr<Cellset> Ask(const std::string& statement) {
         auto cellset = provider_.CreateCellset();
         cellset->Open(statement, connection_);
         return cellset;
     }
-    /// Null, with the error's description, when the statement fails.
-    std::unique_ptr<Cellset> Ask(const std::string& statement, std::string& error) const {
+    /// Null, with the error's description, when the statement fails. A server's fault may end the connection.
+    std::unique_ptr<Cellset> Ask(const std::string& statement, std::string& error) {
         try {
             return Ask(statement);
         } catch (const AutomationError& failure) {
             error = failure.Description();
+            Connect();
             return nullptr;
         }
     }
 
 private:
+    void Connect() {
+        connection_ = provider_.CreateConnection();
+        connection_->Open(text_, "", "", optionsUnspecified);
+    }
+
     DataAccess& provider_;
+    std::string text_;
     std::shared_ptr<Connection> connection_;
 };
 
@@ -129,14 +135,15 @@ std::string Difference(const Cellset& local, const Cellset& served) {
     return "";
 }
 
-/// The hierarchies of the cube, except for those that few facts tell apart. The server is asked for all
+/// The hierarchies of the cube, except for those that few facts tell apart, and for that of account names, in
+/// which the server confuses two accounts of one name. The server is asked for all
 /// members first: it numbers them when it first reads them, and with some of them missing it orders them
 /// wrongly.
-std::vector<StatedHierarchy> HierarchiesOf(const Asker& local, const Asker& served, const std::string& cube) {
+std::vector<StatedHierarchy> HierarchiesOf(Asker& local, Asker& served, const std::string& cube) {
     std::vector<StatedHierarchy> found;
     for (const char* name :
          {"[Date].[Date]", "[ActX].[OBSx]", "[OBS].[OBS]", "[Cost_Centers].[Cost_Centers]",
-          "[Activities].[ActivityCodes]", "[Accounts].[AccountNames]", "[SuperSumery].[SumeryCode]",
+          "[Activities].[ActivityCodes]", "[Accounts].[AccountCodes]", "[SuperSumery].[SumeryCode]",
           "[SuperSumery].[SumeryName]", "[AccX].[AccX]", "[Firma].[Firma]", "[RH].[RH]"}) {
         StatedHierarchy& hierarchy = found.emplace_back();
         hierarchy.name = name;
@@ -170,8 +177,7 @@ TEST(StatementAgreement, RandomStatementsEqualTheEmbeddedEngine) {
                         seed = NumberFrom("QEL_STATEMENT_SEED", 20261122);
     std::uint64_t answered = 0, refusedByBoth = 0, serverFaults = 0, differences = 0, cells = 0, filled = 0;
     for (const char* cube : {"LedgerFNC", "LedgerHebrewFNC"}) {
-        const Asker local(ledger.embedded, ledger.cubeFile, cube),
-            served(ledger.servers, ledger.server, cube);
+        Asker local(ledger.embedded, ledger.cubeFile, cube), served(ledger.servers, ledger.server, cube);
         RandomStatements statements(cube, HierarchiesOf(local, served, cube), seed);
         for (std::uint64_t i = 0; i < count / 2; ++i) {
             const std::string statement = statements.Next();
