@@ -1,6 +1,7 @@
 #include "cube/MemberListing.h"
 
 #include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
 
 namespace qel::ModSetCube {
 
@@ -34,12 +35,13 @@ void EnsureListingConnection(ThreadState& thread, const Providers& providers, Op
     opened = wanted;
 }
 
-/// The first field of which some row holds a text, or `fieldCount` when none does.
+/// The first field that holds a value with a text, of whatever type, in some row; `fieldCount` when none
+/// does.
 std::int32_t FirstFilledField(Recordset& rows, std::int32_t fieldCount) {
     for (std::int32_t field = 0; field < fieldCount; ++field) {
         for (rows.MoveFirst(); !rows.AtEnd(); rows.MoveNext()) {
             const Variant value = rows.FieldValue(field);
-            if (value.Is<std::string>() && !value.As<std::string>().empty()) {
+            if (!value.Is<Null>() && !ToText(value, {}).empty()) {
                 return field;
             }
         }

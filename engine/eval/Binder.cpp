@@ -3,7 +3,6 @@
 #include "engine/eval/FunctionLookup.h"
 #include "engine/eval/SetOperations.h"
 #include "engine/mdx/ReservedWords.h"
-#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 
@@ -18,36 +17,56 @@ using mdx::noNode;
 
 void Binder::BindDefinitions() {
     for (const mdx::Definition& definition : statement_.definitions) {
+        if (!definition.isSet) {
+            AddCalculated(definition);
+        }
+    }
+    for (const mdx::Definition& definition : statement_.definitions) {
         if (definition.isSet) {
-            continue;
+            BindNamedSet(definition);
         }
-        const Node& path = At(definition.name);
-        const HierarchyId hierarchy = names_.HierarchyOfNew(path);
-        NodeId name = path.firstChild;
-        while (At(name).next != noNode) {
-            name = At(name).next;
-        }
-        if (space_.FindCalculated(hierarchy, At(name).text)) {
-            Fail(definition.name, fmt::format("the calculated member {} is defined twice", At(name).text));
-        }
-        space_.AddCalculated(hierarchy, At(name).text);
     }
     for (const mdx::Definition& definition : statement_.definitions) {
         if (!definition.isSet) {
-            continue;
-        }
-        if (At(definition.name).childCount != 1) {
-            Fail(definition.name, "the name of a set has one part");
-        }
-        namedSets_.push_back({At(At(definition.name).firstChild).text, BindSet(definition.formula),
-                              std::make_shared<std::optional<TupleSet>>()});
-    }
-    for (const mdx::Definition& definition : statement_.definitions) {
-        if (!definition.isSet) {
-            evaluator_.AddFormula(
-                {BindNumber(definition.formula), definition.solveOrder, At(definition.name).range});
+            evaluator_.AddFormula({BindNumber(definition.formula), definition.solveOrder, definition.depth,
+                                   At(definition.name).range});
         }
     }
+}
+
+void Binder::AddCalculated(const mdx::Definition& definition) {
+    const MemberRef parent = names_.ParentOfNew(At(definition.name));
+    const std::string_view name = LastPart(definition.name);
+    if (IsCalculated(parent.id)) {
+        Fail(definition.name, "a calculated member has no members below it");
+    }
+    if (parent.id != noMember && space_.LevelOf(parent) + 1 == space_.LevelCount(parent.hierarchy)) {
+        Fail(definition.name, fmt::format("no level lies below {}, so the member {} cannot stand there",
+                                          space_.UniqueName(parent), name));
+    }
+    if (!space_.AddCalculated(parent, name)) {
+        Fail(definition.name, fmt::format("the calculated member {} is defined twice", name));
+    }
+}
+
+void Binder::BindNamedSet(const mdx::Definition& definition) {
+    if (At(definition.name).childCount != 1) {
+        Fail(definition.name, "the name of a set has one part");
+    }
+    neededSets_.clear();
+    SetPtr set = BindSet(definition.formula);
+    const std::string_view name = LastPart(definition.name);
+    if (!namedSets_.Add({name, std::move(set), At(definition.name).range, definition.depth, neededSets_})) {
+        Fail(definition.name, fmt::format("the set {} is defined twice", name));
+    }
+}
+
+std::string_view Binder::LastPart(NodeId path) const {
+    NodeId part = At(path).firstChild;
+    while (At(part).next != noNode) {
+        part = At(part).next;
+    }
+    return At(part).text;
 }
 
 Bound Binder::Bind(NodeId id) {
@@ -95,10 +114,8 @@ Bound Binder::BindPath(NodeId id, bool wantsLevel) {
     const Node& node = At(id);
     const Node& first = At(node.firstChild);
     if (node.childCount == 1) {
-        for (const NamedSet& named : namedSets_) {
-            if (EqualIgnoringCase(named.name, first.text)) {
-                return BindNamedSet(named);
-            }
+        if (const std::optional<std::size_t> set = namedSets_.Find(first.text)) {
+            return BindNamedSet(*set);
         }
         if (first.isWord && mdx::IsWord(first.text, "null")) {
             return MakeNumber(true, [](Evaluator&) { return CellValue::Empty(); });
@@ -114,16 +131,13 @@ Bound Binder::BindPath(NodeId id, bool wantsLevel) {
     return std::get<HierarchyName>(resolved);
 }
 
-Bound Binder::BindNamedSet(const NamedSet& named) const {
-    return MakeSet(
-        named.set->IsConstant(), named.set->GetDimensionality(),
-        [set = named.set, tuples = named.tuples](Evaluator& evaluator, TupleSet& result) {
-            if (!*tuples) {
-                *tuples = TupleSet{set->GetDimensionality(), {}}; // a set that refers to itself sees it empty
-                *tuples = set->Evaluate(evaluator);
-            }
-            result.Append(**tuples);
-        });
+Bound Binder::BindNamedSet(std::size_t set) {
+    neededSets_.push_back(set);
+    const SetExpression& expression = namedSets_.Expression(set);
+    return MakeSet(expression.IsConstant(), expression.GetDimensionality(),
+                   [this, set](Evaluator& evaluator, TupleSet& result) {
+                       result.Append(namedSets_.Tuples(set, evaluator));
+                   });
 }
 
 Bound Binder::BindBraces(NodeId id) {
@@ -160,13 +174,12 @@ Bound Binder::BindTuple(NodeId id) {
     }
     NodeId child = At(id).firstChild;
     if (hasSet) { // ({a, b}, {c, d}) is a cross join
-        SetPtr joined;
+        std::vector<SetPart> parts;
         for (Bound& element : elements) {
-            SetPtr set = ToSet(std::move(element), child);
-            joined = joined ? MakeCrossJoin(*this, std::move(joined), std::move(set), child) : std::move(set);
+            parts.push_back({ToSet(std::move(element), child), child});
             child = At(child).next;
         }
-        return joined;
+        return MakeCrossJoin(*this, std::move(parts));
     }
     TupleExpression tuple;
     for (Bound& element : elements) {

@@ -2,10 +2,10 @@
 
 #include "engine/eval/Evaluator.h"
 #include "engine/eval/NameResolver.h"
+#include "engine/eval/NamedSets.h"
 #include "engine/mdx/Ast.h"
 
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -40,6 +40,7 @@ public:
     SetPtr ToSet(Bound bound, mdx::NodeId node);
     MemberPtr ToMember(Bound bound, mdx::NodeId node);
     NumberPtr ToNumber(Bound bound, mdx::NodeId node);
+    LevelRef ToLevel(const Bound& bound, mdx::NodeId node) const;
 
     /// A single word without brackets, such as DESC; otherwise empty.
     std::string_view Word(mdx::NodeId node) const;
@@ -53,12 +54,6 @@ public:
     std::string Describe(const Dimensionality& dimensionality) const;
 
 private:
-    struct NamedSet {
-        std::string_view name;
-        std::shared_ptr<const SetExpression> set;
-        std::shared_ptr<std::optional<TupleSet>> tuples; ///< evaluated on first use
-    };
-
     Bound BindPath(mdx::NodeId node, bool wantsLevel);
     Bound BindBraces(mdx::NodeId node);
     Bound BindTuple(mdx::NodeId node);
@@ -68,8 +63,10 @@ private:
     Bound BindComparison(mdx::NodeId node);
     Bound BindIdentity(mdx::NodeId left, mdx::NodeId right);
     Bound BindCall(mdx::NodeId node);
-    Bound BindNamedSet(const NamedSet& named) const;
-    void BindFormula(const mdx::Definition& definition);
+    Bound BindNamedSet(std::size_t set);
+    void AddCalculated(const mdx::Definition& definition);
+    void BindNamedSet(const mdx::Definition& definition);
+    std::string_view LastPart(mdx::NodeId path) const;
 
     friend class MethodBinder;
 
@@ -77,7 +74,8 @@ private:
     MemberSpace& space_;
     Evaluator& evaluator_;
     NameResolver names_;
-    std::vector<NamedSet> namedSets_;
+    NamedSets namedSets_;
+    std::vector<std::size_t> neededSets_; ///< the named sets in the formula that is being bound
 };
 
 bool IsSet(const Bound& bound);

@@ -1,6 +1,7 @@
 #include "engine/eval/CellsetBuilder.h"
 
 #include <unordered_map>
+#include <utility>
 
 namespace qel::engine {
 
@@ -35,8 +36,9 @@ std::size_t Cellset::AxisBytes() const {
     return bytes;
 }
 
-void CellsetBuilder::AddAxis(const TupleSet& tuples) {
+void CellsetBuilder::AddAxis(const TupleSet& tuples, std::vector<std::size_t> levelCounts) {
     Cellset::Axis& axis = axes_.emplace_back();
+    axis.levelCounts = std::move(levelCounts);
     axis.tupleSize = tuples.dimensionality.size();
     axis.positions.reserve(tuples.Count());
     std::unordered_map<std::uint64_t, std::uint32_t> known;

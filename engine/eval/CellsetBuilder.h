@@ -10,8 +10,8 @@ class CellsetBuilder {
 public:
     explicit CellsetBuilder(const MemberSpace& space) : space_(space) {}
 
-    /// Adds the next axis, columns first.
-    void AddAxis(const TupleSet& tuples);
+    /// Adds the next axis, columns first, with a level count per place (Cellset::LevelCount).
+    void AddAxis(const TupleSet& tuples, std::vector<std::size_t> levelCounts);
     /// Takes the cells of all combinations, columns varying fastest.
     Cellset Finish(std::vector<CellValue> cells);
 

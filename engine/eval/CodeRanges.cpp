@@ -59,4 +59,37 @@ void Intersect(CodeRanges left, CodeRanges right, std::vector<KeyRange>& result)
     });
 }
 
+void JoinRanges(std::vector<KeyRange>& ranges) {
+    std::sort(ranges.begin(), ranges.end(), [](KeyRange a, KeyRange b) { return a.first < b.first; });
+    std::vector<KeyRange> joined;
+    for (const KeyRange range : ranges) {
+        if (!joined.empty() && range.first <= joined.back().last) {
+            joined.back().last = std::max(joined.back().last, range.last);
+        } else {
+            joined.push_back(range);
+        }
+    }
+    ranges = std::move(joined);
+}
+
+std::vector<KeyRange> Without(CodeRanges ranges, CodeRanges others) {
+    std::vector<KeyRange> rest;
+    std::size_t other = 0;
+    for (KeyRange range : ranges) {
+        while (other < others.size() && others[other].last <= range.first) {
+            ++other;
+        }
+        for (std::size_t i = other; i < others.size() && others[i].first < range.last; ++i) {
+            if (range.first < others[i].first) {
+                rest.push_back({range.first, others[i].first});
+            }
+            range.first = std::max(range.first, others[i].last);
+        }
+        if (range.first < range.last) {
+            rest.push_back(range);
+        }
+    }
+    return rest;
+}
+
 } // namespace qel::engine

@@ -30,4 +30,10 @@ bool Intersects(CodeRanges left, CodeRanges right);
 /// Writes the intersection to `result`. Neither set may be a view of `result`.
 void Intersect(CodeRanges left, CodeRanges right, std::vector<KeyRange>& result);
 
+/// Sorts ranges and joins those that touch or overlap.
+void JoinRanges(std::vector<KeyRange>& ranges);
+
+/// The codes of `ranges` that `others` lack; both sorted.
+std::vector<KeyRange> Without(CodeRanges ranges, CodeRanges others);
+
 } // namespace qel::engine

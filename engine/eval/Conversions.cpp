@@ -31,6 +31,10 @@ private:
 
 /// Evaluates the tuple's members; false when one of them does not exist.
 bool EvaluateTuple(const TupleExpression& tuple, Evaluator& evaluator, std::vector<MemberId>& ids) {
+    const TupleSource* source = tuple.empty() ? nullptr : tuple.front()->Source();
+    if (source != nullptr && source->Size() == tuple.size() && tuple.back()->Source() == source) {
+        return source->Append(evaluator, ids); // once, so that items of items do not double the work
+    }
     for (const MemberPtr& member : tuple) {
         ids.push_back(member->Evaluate(evaluator));
         if (ids.back() == noMember) {
@@ -86,8 +90,9 @@ MemberPtr Binder::ToMember(Bound bound, NodeId node) {
     }
     if (const auto* name = std::get_if<HierarchyName>(&bound)) {
         const HierarchyId hierarchy = name->hierarchy;
-        return MakeMember(false, hierarchy,
-                          [hierarchy](Evaluator& evaluator) { return evaluator.Current(hierarchy); });
+        return MakeMember(false, hierarchy, [hierarchy, range = At(node).range](Evaluator& evaluator) {
+            return evaluator.Current(hierarchy, range);
+        });
     }
     if (const auto* level = std::get_if<LevelName>(&bound); level != nullptr && level->member != noMember) {
         return ConstantMember({level->level.hierarchy, level->member});
@@ -149,7 +154,10 @@ ConditionPtr Binder::BindCondition(NodeId node) {
 }
 
 LevelRef Binder::BindLevel(NodeId node) {
-    const Bound bound = At(node).kind == mdx::NodeKind::Path ? BindPath(node, true) : Bind(node);
+    return ToLevel(At(node).kind == mdx::NodeKind::Path ? BindPath(node, true) : Bind(node), node);
+}
+
+LevelRef Binder::ToLevel(const Bound& bound, NodeId node) const {
     if (const auto* level = std::get_if<LevelName>(&bound)) {
         return level->level;
     }

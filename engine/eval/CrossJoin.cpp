@@ -168,25 +168,35 @@ void Join(const MemberSpace& space, const TupleSet& left, const TupleSet& right,
 
 } // namespace
 
-SetPtr MakeCrossJoin(Binder& binder, SetPtr left, SetPtr right, mdx::NodeId node) {
-    Dimensionality dimensionality = left->GetDimensionality();
-    for (const HierarchyId hierarchy : right->GetDimensionality()) {
-        if (std::find(dimensionality.begin(), dimensionality.end(), hierarchy) != dimensionality.end()) {
-            binder.Fail(node, fmt::format("the hierarchy {} stands on both sides of the cross join",
-                                          binder.Space().HierarchyUniqueName(hierarchy)));
+SetPtr MakeCrossJoin(Binder& binder, std::vector<SetPart> parts) {
+    Dimensionality dimensionality;
+    bool isConstant = true;
+    for (const SetPart& part : parts) {
+        if (part.set->GetDimensionality().empty()) { // {}, so there is no combination
+            return MakeSet(true, {}, [](Evaluator&, TupleSet&) {});
         }
-        dimensionality.push_back(hierarchy);
+        for (const HierarchyId hierarchy : part.set->GetDimensionality()) {
+            if (std::find(dimensionality.begin(), dimensionality.end(), hierarchy) != dimensionality.end()) {
+                binder.Fail(part.node, fmt::format("the hierarchy {} stands on both sides of the cross join",
+                                                   binder.Space().HierarchyUniqueName(hierarchy)));
+            }
+            dimensionality.push_back(hierarchy);
+        }
+        isConstant = isConstant && part.set->IsConstant();
     }
-    if (left->GetDimensionality().empty() || right->GetDimensionality().empty()) {
-        dimensionality.clear(); // one side is {}: no combinations
-        return MakeSet(true, std::move(dimensionality), [](Evaluator&, TupleSet&) {});
-    }
-    const bool isConstant = left->IsConstant() && right->IsConstant();
-    return MakeSet(
-        isConstant, std::move(dimensionality),
-        [left = std::move(left), right = std::move(right)](Evaluator& evaluator, TupleSet& result) {
-            Join(evaluator.Space(), left->Evaluate(evaluator), right->Evaluate(evaluator), result);
-        });
+    return MakeSet(isConstant, std::move(dimensionality),
+                   [parts = std::move(parts)](Evaluator& evaluator, TupleSet& result) {
+                       TupleSet joined = parts.front().set->Evaluate(evaluator);
+                       for (std::size_t i = 1; i < parts.size(); ++i) {
+                           const TupleSet right = parts[i].set->Evaluate(evaluator);
+                           TupleSet next{joined.dimensionality, {}};
+                           next.dimensionality.insert(next.dimensionality.end(), right.dimensionality.begin(),
+                                                      right.dimensionality.end());
+                           Join(evaluator.Space(), joined, right, next);
+                           joined = std::move(next);
+                       }
+                       result.Append(joined);
+                   });
 }
 
 } // namespace qel::engine

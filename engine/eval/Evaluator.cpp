@@ -1,5 +1,7 @@
 #include "engine/eval/Evaluator.h"
 
+#include "qel/engine/EngineError.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -8,11 +10,15 @@ namespace qel::engine {
 
 namespace {
 
-/// Stops endless recursion before the stack overflows; some threads have small stacks.
+/// The depth of nested expressions of formulas that refer to each other. Stops endless recursion before the
+/// stack overflows; some threads have small stacks.
 constexpr int nestingLimit = 400;
 /// When each formula uses the next one twice, evaluations double with every step; forty such formulas would
 /// take years.
 constexpr int evaluationLimit = 10'000'000;
+/// Likewise when each set reads two cells of the next one. Positions within this many others are counted.
+constexpr int deepPosition = 6;
+constexpr int deepPositionLimit = 10'000'000;
 
 } // namespace
 
@@ -52,29 +58,55 @@ Evaluator::Evaluator(const MemberSpace& space, std::string_view statement)
     for (HierarchyId hierarchy = 0; hierarchy < coordinates_.size(); ++hierarchy) {
         coordinates_[hierarchy] = space.DefaultMember(hierarchy);
     }
+    slicer_ = coordinates_;
+}
+
+MemberId Evaluator::Current(HierarchyId hierarchy, mdx::SourceRange range) const {
+    const MemberId member = coordinates_[hierarchy];
+    if (IsCompound(member)) {
+        mdx::RaiseAt(
+            ErrorKind::InvalidExpression, statement_, range,
+            fmt::format("{} has no current member here: the slicer or an Aggregate leaves several of "
+                        "its members, or none",
+                        space_.HierarchyUniqueName(hierarchy)));
+    }
+    return member;
+}
+
+void Evaluator::SetSlicer(const CompoundSet& slicer) {
+    const MemberId compound = AddCompound(slicer);
+    for (std::size_t place = 0; place < slicer.GetDimensionality().size(); ++place) {
+        const MemberId common = slicer.CommonMember(place);
+        coordinates_[slicer.GetDimensionality()[place]] = common != noMember ? common : compound;
+    }
+    slicer_ = coordinates_;
 }
 
 CellValue Evaluator::Cell() {
     if (const CalculatedFormula* top = TopFormula(coordinates_)) {
-        const Nesting nesting(*this, top->range);
+        const Nesting nesting(*this, top->range, top->depth);
         return top->formula->Evaluate(*this);
     }
     folded_.clear();
     folding_ = coordinates_;
-    CollectRestrictions({}, cell_);
-    return Read(cell_);
+    return ReadFolded();
 }
 
 std::optional<CellValue> Evaluator::FoldedCell(const SumOfSet& sum) {
     if (!Fold(&sum)) {
         return std::nullopt;
     }
-    CollectRestrictions({}, cell_);
-    return Read(cell_);
+    std::vector<OpenCompound> open;
+    if (!compounds_.empty() && !FindOpenCompounds(open)) {
+        return std::nullopt;
+    }
+    return ReadFolded();
 }
 
-bool Evaluator::ReadsFacts(std::span<const HierarchyId> open, FactCell& cell) {
-    if (!Fold(nullptr)) {
+bool Evaluator::ReadsFacts(std::span<const HierarchyId> open,
+                           const std::function<void(const FactCell&)>& visit) {
+    std::vector<OpenCompound> compounds;
+    if (!Fold(nullptr) || !FindOpenCompounds(compounds)) {
         return false;
     }
     for (const HierarchyId hierarchy : open) {
@@ -84,7 +116,7 @@ bool Evaluator::ReadsFacts(std::span<const HierarchyId> open, FactCell& cell) {
             }
         }
     }
-    CollectRestrictions(open, cell);
+    VisitParts(compounds, open, visit);
     return true;
 }
 
@@ -153,7 +185,8 @@ void Evaluator::CollectRestrictions(std::span<const HierarchyId> open, FactCell&
     };
     for (HierarchyId hierarchy = 0; hierarchy < space_.Measures(); ++hierarchy) {
         const bool isOpen = std::find(open.begin(), open.end(), hierarchy) != open.end();
-        if (folding_[hierarchy] != noMember && !isOpen) {
+        const bool isOne = folding_[hierarchy] != noMember && !IsCompound(folding_[hierarchy]);
+        if (isOne && !isOpen) {
             restrict(hierarchy, space_.Codes({hierarchy, folding_[hierarchy]}));
         }
     }
@@ -167,27 +200,145 @@ CellValue Evaluator::Read(const FactCell& cell) const {
     return ValueOf(SumFacts(facts, cell.restrictions, cell.measure), facts.Measures()[cell.measure]);
 }
 
+CellValue Evaluator::ReadFolded() {
+    if (compounds_.empty()) {
+        CollectRestrictions({}, cell_);
+        return Read(cell_);
+    }
+    std::vector<OpenCompound> open;
+    CellValue sum;
+    if (!FindOpenCompounds(open)) {
+        sum = AddCalculatedTuples(open);
+        folded_.clear();
+        folding_ = coordinates_;
+    }
+    VisitParts(open, {}, [&](const FactCell& cell) { sum = Add(sum, Read(cell)); });
+    return sum;
+}
+
+bool Evaluator::FindOpenCompounds(std::vector<OpenCompound>& open) {
+    bool areStored = true;
+    for (std::size_t number = 0; number < compounds_.size(); ++number) {
+        const CompoundSet& set = *compounds_[number].set;
+        std::vector<bool> places;
+        for (const HierarchyId hierarchy : set.GetDimensionality()) {
+            places.push_back(folding_[hierarchy] == firstCompound + number);
+        }
+        if (std::find(places.begin(), places.end(), true) == places.end()) {
+            continue;
+        }
+        const FactRegion& region = set.Region(places);
+        open.push_back({number, &region});
+        areStored = areStored && (compounds_[number].isStoredOnly || region.calculated.Count() == 0);
+    }
+    return areStored;
+}
+
+/// The cells of the tuples with calculated members. What two compound sets combine counts in one of them.
+CellValue Evaluator::AddCalculatedTuples(const std::vector<OpenCompound>& open) {
+    CellValue sum;
+    std::vector<std::size_t> marked;
+    for (auto compound = open.rbegin(); compound != open.rend(); ++compound) {
+        if (compounds_[compound->number].isStoredOnly) {
+            continue;
+        }
+        const TupleSet& tuples = compound->region->calculated;
+        for (std::size_t i = 0; i < tuples.Count(); ++i) {
+            const Position position(*this, tuples.dimensionality, tuples.At(i));
+            sum = Add(sum, Cell());
+        }
+        compounds_[compound->number].isStoredOnly = true;
+        marked.push_back(compound->number);
+    }
+    for (const std::size_t number : marked) {
+        compounds_[number].isStoredOnly = false;
+    }
+    return sum;
+}
+
+/// Visits every combination of one box of each compound set.
+void Evaluator::VisitParts(const std::vector<OpenCompound>& compounds, std::span<const HierarchyId> open,
+                           const std::function<void(const FactCell&)>& visit) {
+    FactCell whole;
+    CollectRestrictions(open, whole);
+    const std::span<const KeyColumn> columns = space_.GetCube().Facts().KeyColumns();
+    std::vector<std::size_t> chosen(compounds.size());
+    bool isDone = std::any_of(compounds.begin(), compounds.end(),
+                              [](const OpenCompound& compound) { return compound.region->boxes.empty(); });
+    FactCell part;
+    while (!isDone) {
+        part.Clear();
+        part.restrictions = whole.restrictions;
+        part.measure = whole.measure;
+        for (std::size_t i = 0; i < compounds.size(); ++i) {
+            const FactRegion& region = *compounds[i].region;
+            const RegionBox& box = region.boxes[chosen[i]];
+            part.measure = box.measure != noMember ? box.measure : part.measure;
+            for (std::size_t k = 0; k < region.keyColumns.size(); ++k) {
+                if (!CoversAll(box.codes[k], columns[region.keyColumns[k]].codes)) {
+                    part.Restrict(region.keyColumns[k], box.codes[k]);
+                }
+            }
+        }
+        visit(part);
+        std::size_t turned = 0;
+        while (turned < compounds.size() && ++chosen[turned] == compounds[turned].region->boxes.size()) {
+            chosen[turned++] = 0;
+        }
+        isDone = turned == compounds.size();
+    }
+}
+
+MemberId Evaluator::AddCompound(const CompoundSet& set) {
+    compounds_.push_back({&set});
+    return firstCompound + static_cast<MemberId>(compounds_.size() - 1);
+}
+
 Evaluator::Position::Position(Evaluator& evaluator, std::span<const HierarchyId> dimensionality,
                               std::span<const MemberId> tuple)
     : evaluator_(evaluator), dimensionality_(dimensionality) {
+    if (evaluator.positions_ >= deepPosition && ++evaluator.deepPositions_ > deepPositionLimit) {
+        throw EngineError(
+            ErrorKind::TooLarge,
+            fmt::format("more than {} cells are read for sets inside one another", deepPositionLimit));
+    }
+    ++evaluator.positions_;
     for (std::size_t i = 0; i < dimensionality.size(); ++i) {
         evaluator.saved_.push_back(std::exchange(evaluator.coordinates_[dimensionality[i]], tuple[i]));
     }
 }
 
 Evaluator::Position::~Position() {
+    --evaluator_.positions_;
     for (std::size_t i = dimensionality_.size(); i-- > 0;) {
         evaluator_.coordinates_[dimensionality_[i]] = evaluator_.saved_.back();
         evaluator_.saved_.pop_back();
     }
 }
 
-Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::SourceRange range) : evaluator_(evaluator) {
-    if (evaluator.depth_ >= nestingLimit) {
+Evaluator::CompoundPosition::CompoundPosition(Evaluator& evaluator, const CompoundSet& set)
+    : evaluator_(evaluator), saved_(evaluator.coordinates_) {
+    const MemberId compound = evaluator.AddCompound(set);
+    for (std::size_t place = 0; place < set.GetDimensionality().size(); ++place) {
+        const MemberId common = set.CommonMember(place);
+        evaluator.coordinates_[set.GetDimensionality()[place]] = common != noMember ? common : compound;
+    }
+}
+
+Evaluator::CompoundPosition::~CompoundPosition() {
+    evaluator_.compounds_.pop_back();
+    evaluator_.coordinates_ = std::move(saved_);
+}
+
+Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::SourceRange range, int depth)
+    : evaluator_(evaluator), steps_(1 + depth) {
+    if (evaluator.depth_ + steps_ > nestingLimit) {
         mdx::RaiseAt(
             ErrorKind::InvalidExpression, evaluator.statement_, range,
-            fmt::format("the calculated member needs more than {} others, or itself, to be evaluated",
-                        nestingLimit));
+            fmt::format(
+                "the calculated member needs itself, or more than {} expressions inside one another, to be "
+                "evaluated",
+                nestingLimit));
     }
     if (evaluator.depth_ == 0) {
         evaluator.evaluations_ = 0;
@@ -197,7 +348,7 @@ Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::SourceRange range) : eval
             ErrorKind::TooLarge, evaluator.statement_, range,
             fmt::format("one cell needs more than {} evaluations of calculated members", evaluationLimit));
     }
-    ++evaluator.depth_;
+    evaluator.depth_ += steps_;
 }
 
 } // namespace qel::engine

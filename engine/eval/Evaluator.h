@@ -1,12 +1,15 @@
 #pragma once
 
+#include "engine/eval/CompoundSet.h"
 #include "engine/eval/FactAccessPlan.h"
 #include "engine/eval/SumOfSet.h"
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qel::engine {
@@ -16,6 +19,7 @@ namespace qel::engine {
 struct CalculatedFormula {
     NumberPtr formula;
     int solveOrder = 0;
+    int depth = 0; ///< how many expressions stand inside one another in it
     mdx::SourceRange range;
 };
 
@@ -41,8 +45,11 @@ public:
 
     const MemberSpace& Space() const { return space_; }
     std::string_view Statement() const { return statement_; }
-    MemberId Current(HierarchyId hierarchy) const { return coordinates_[hierarchy]; }
+    /// Raises InvalidExpression, at `range`, where a slicer or Aggregate leaves no single member.
+    MemberId Current(HierarchyId hierarchy, mdx::SourceRange range) const;
     void SetCurrent(HierarchyId hierarchy, MemberId member) { coordinates_[hierarchy] = member; }
+    /// Sets the coordinates that cells and named sets start from; several tuples are one compound position.
+    void SetSlicer(const CompoundSet& slicer);
     /// To be called in the order of the calculated members' numbers.
     void AddFormula(CalculatedFormula formula) { formulas_.push_back(std::move(formula)); }
 
@@ -50,9 +57,9 @@ public:
     CellValue Cell();
     /// The value of the sum at the current coordinates, when it is a single read of facts.
     std::optional<CellValue> FoldedCell(const SumOfSet& sum);
-    /// Fills `cell` with what the current cell reads, leaving out restrictions of the hierarchies in `open`.
-    /// False when the cell is not a single read of facts, or when a formula sets one of those hierarchies.
-    bool ReadsFacts(std::span<const HierarchyId> open, FactCell& cell);
+    /// Visits every read of facts that the current cell sums, leaving out restrictions of the hierarchies in
+    /// `open`. False when the cell is not a sum of reads, or when a formula sets one of those hierarchies.
+    bool ReadsFacts(std::span<const HierarchyId> open, const std::function<void(const FactCell&)>& visit);
 
     /// Sets a tuple's coordinates for its own lifetime.
     class Position {
@@ -68,20 +75,59 @@ public:
         std::span<const HierarchyId> dimensionality_;
     };
 
-    /// Counts the nesting and the number of formulas of a cell. Raises InvalidExpression for endless
-    /// recursion and TooLarge for too many evaluations.
+    /// Replaces the members of the set's hierarchies by all its tuples together, for as long as it lives.
+    class CompoundPosition {
+    public:
+        CompoundPosition(Evaluator& evaluator, const CompoundSet& set);
+        ~CompoundPosition();
+        CompoundPosition(const CompoundPosition&) = delete;
+        CompoundPosition& operator=(const CompoundPosition&) = delete;
+
+    private:
+        Evaluator& evaluator_;
+        std::vector<MemberId> saved_;
+    };
+
+    /// Goes back to the slicer's coordinates for as long as it lives.
+    class SlicerScope {
+    public:
+        explicit SlicerScope(Evaluator& evaluator)
+            : evaluator_(evaluator), saved_(std::exchange(evaluator.coordinates_, evaluator.slicer_)) {}
+        ~SlicerScope() { evaluator_.coordinates_ = std::move(saved_); }
+        SlicerScope(const SlicerScope&) = delete;
+        SlicerScope& operator=(const SlicerScope&) = delete;
+
+    private:
+        Evaluator& evaluator_;
+        std::vector<MemberId> saved_;
+    };
+
+    /// Counts the expressions inside one another of formulas that need others, and all formulas of one cell;
+    /// raises InvalidExpression when there is no end, and TooLarge when there is one too far away.
     class Nesting {
     public:
-        explicit Nesting(Evaluator& evaluator, mdx::SourceRange range);
-        ~Nesting() { --evaluator_.depth_; }
+        Nesting(Evaluator& evaluator, mdx::SourceRange range, int depth);
+        ~Nesting() { evaluator_.depth_ -= steps_; }
         Nesting(const Nesting&) = delete;
         Nesting& operator=(const Nesting&) = delete;
 
     private:
         Evaluator& evaluator_;
+        int steps_;
     };
 
 private:
+    /// A compound set that coordinates refer to.
+    struct Compound {
+        const CompoundSet* set;
+        bool isStoredOnly = false; ///< its tuples with calculated members are being added elsewhere
+    };
+    /// The part of a compound set that no position has replaced.
+    struct OpenCompound {
+        std::size_t number;
+        const FactRegion* region;
+    };
+
     struct FoldedHierarchy {
         HierarchyId hierarchy;
         CodeRanges codes;
@@ -94,17 +140,29 @@ private:
     bool Apply(const SumOfSet& sum);
     void CollectRestrictions(std::span<const HierarchyId> open, FactCell& cell) const;
     CellValue Read(const FactCell& cell) const;
+    /// What the coordinates in folding_ make.
+    CellValue ReadFolded();
+    /// False when one of them has tuples with calculated members, which are no region.
+    bool FindOpenCompounds(std::vector<OpenCompound>& open);
+    CellValue AddCalculatedTuples(const std::vector<OpenCompound>& open);
+    void VisitParts(const std::vector<OpenCompound>& compounds, std::span<const HierarchyId> open,
+                    const std::function<void(const FactCell&)>& visit);
+    MemberId AddCompound(const CompoundSet& set);
 
     const MemberSpace& space_;
     std::string_view statement_;
     std::vector<MemberId> coordinates_; ///< by hierarchy
+    std::vector<MemberId> slicer_;      ///< the coordinates that the slicer leaves
+    std::vector<Compound> compounds_;   ///< by number from firstCompound on
     std::vector<MemberId> saved_;       ///< coordinates replaced by Position objects
     std::vector<CalculatedFormula> formulas_;
     std::vector<MemberId> folding_; ///< coordinates during Fold
     std::vector<FoldedHierarchy> folded_;
     FactCell cell_;
     int depth_ = 0;
-    int evaluations_ = 0; ///< of the outermost cell
+    int evaluations_ = 0;   ///< of the outermost cell
+    int positions_ = 0;     ///< Position objects that exist now
+    int deepPositions_ = 0; ///< made inside many others, in the whole statement
 };
 
 } // namespace qel::engine

@@ -50,6 +50,18 @@ public:
     virtual bool Evaluate(Evaluator& evaluator) const = 0;
 };
 
+/// A tuple whose members are found together.
+class TupleSource {
+public:
+    TupleSource() = default;
+    virtual ~TupleSource() = default;
+    TupleSource(const TupleSource&) = delete;
+    TupleSource& operator=(const TupleSource&) = delete;
+    virtual std::size_t Size() const = 0;
+    /// Appends its members; false when there is no tuple.
+    virtual bool Append(Evaluator& evaluator, std::vector<MemberId>& ids) const = 0;
+};
+
 class MemberExpression : public Expression {
 public:
     MemberExpression(bool isConstant, HierarchyId hierarchy)
@@ -57,6 +69,8 @@ public:
     HierarchyId Hierarchy() const { return hierarchy_; }
     /// noMember when the member does not exist, such as the parent of a top member.
     virtual MemberId Evaluate(Evaluator& evaluator) const = 0;
+    /// The tuple that this is a member of when its members are found together, or null.
+    virtual const TupleSource* Source() const { return nullptr; }
 
 private:
     HierarchyId hierarchy_;

@@ -1,10 +1,13 @@
 #include "engine/eval/FunctionLookup.h"
 #include "engine/eval/SetOperations.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <variant>
 
 // Functions that navigate a hierarchy from a member: its relatives, and the periods before it.
 
@@ -28,7 +31,9 @@ MemberPtr PeriodArgument(Call& call, std::size_t argument) {
         return call.Member(argument);
     }
     const HierarchyId time = TimeHierarchy(call);
-    return MakeMember(false, time, [time](Evaluator& evaluator) { return evaluator.Current(time); });
+    return MakeMember(false, time, [time, range = call.binder.At(call.node).range](Evaluator& evaluator) {
+        return evaluator.Current(time, range);
+    });
 }
 
 /// The members between `first` and `last`, in either order, clipped to the level.
@@ -70,7 +75,7 @@ SetPtr ToDate(LevelRef level, MemberPtr member) {
             const MemberSpace& space = evaluator.Space();
             const MemberRef last{level.hierarchy, member->Evaluate(evaluator)};
             const MemberId ancestor = space.AncestorAt(last, level.level);
-            if (ancestor == noMember || IsCalculated(ancestor)) {
+            if (ancestor == noMember || IsCalculated(last.id)) {
                 return;
             }
             const MemberRange all = space.DescendantsAt({level.hierarchy, ancestor}, space.LevelOf(last));
@@ -80,10 +85,12 @@ SetPtr ToDate(LevelRef level, MemberPtr member) {
 
 Bound PeriodsToDate(Call& call) {
     const LevelRef level = call.binder.BindLevel(call.arguments[0]);
-    MemberPtr member =
-        call.Count() > 1 ? call.Member(1) : MakeMember(false, level.hierarchy, [level](Evaluator& evaluator) {
-            return evaluator.Current(level.hierarchy);
-        });
+    const mdx::SourceRange range = call.binder.At(call.node).range;
+    MemberPtr member = call.Count() > 1
+                           ? call.Member(1)
+                           : MakeMember(false, level.hierarchy, [level, range](Evaluator& evaluator) {
+                                 return evaluator.Current(level.hierarchy, range);
+                             });
     if (member->Hierarchy() != level.hierarchy) {
         call.binder.Fail(call.arguments[1], "the member and the level are of different hierarchies");
     }
@@ -115,7 +122,7 @@ Bound ParallelPeriod(Call& call) {
             const MemberId ancestor = space.AncestorAt(here, level.level);
             const MemberId other =
                 space.Shifted({level.hierarchy, ancestor}, -WholeNumber(lag->Evaluate(evaluator)));
-            if (other == noMember) {
+            if (other == noMember || IsCalculated(here.id)) {
                 return noMember;
             }
             const std::size_t depth = space.LevelOf(here);
@@ -126,13 +133,36 @@ Bound ParallelPeriod(Call& call) {
         });
 }
 
+/// An argument that is a level, or a number of levels. It is bound once: calls inside one another would
+/// double the work at every step.
+std::variant<LevelRef, NumberPtr> LevelOrDistance(Call& call, std::size_t argument) {
+    const mdx::NodeId node = call.arguments[argument];
+    const bool isNull = mdx::IsWord(call.binder.Word(node), "null");
+    if (isNull || call.binder.At(node).kind == mdx::NodeKind::Path) {
+        return isNull ? std::variant<LevelRef, NumberPtr>(call.Number(argument))
+                      : call.binder.BindLevel(node);
+    }
+    Bound bound = call.binder.Bind(node);
+    if (auto* number = std::get_if<NumberPtr>(&bound)) {
+        return std::move(*number);
+    }
+    return call.binder.ToLevel(bound, node);
+}
+
+/// Raises InvalidExpression when the call's level, its second argument, is of another hierarchy.
+void CheckHierarchy(const Call& call, LevelRef level, HierarchyId hierarchy) {
+    if (level.hierarchy != hierarchy) {
+        call.binder.Fail(call.arguments[1], "the member and the level are of different hierarchies");
+    }
+}
+
 Bound Ancestor(Call& call) {
     MemberPtr member = call.Member(0);
     const HierarchyId hierarchy = member->Hierarchy();
     const bool isConstant = member->IsConstant();
-    const Bound target = call.binder.Bind(call.arguments[1]);
-    if (std::holds_alternative<NumberPtr>(target)) {
-        NumberPtr distance = call.Number(1);
+    std::variant<LevelRef, NumberPtr> target = LevelOrDistance(call, 1);
+    if (auto* number = std::get_if<NumberPtr>(&target)) {
+        NumberPtr distance = std::move(*number);
         const bool bothConstant = isConstant && distance->IsConstant();
         return MakeMember(bothConstant, hierarchy,
                           [member = std::move(member), distance = std::move(distance)](Evaluator& evaluator) {
@@ -144,7 +174,8 @@ Bound Ancestor(Call& call) {
                               return ancestor.id;
                           });
     }
-    const LevelRef level = call.binder.BindLevel(call.arguments[1]);
+    const LevelRef level = std::get<LevelRef>(target);
+    CheckHierarchy(call, level, hierarchy);
     return MakeMember(isConstant, hierarchy, [level, member = std::move(member)](Evaluator& evaluator) {
         return evaluator.Space().AncestorAt({member->Hierarchy(), member->Evaluate(evaluator)}, level.level);
     });
@@ -163,7 +194,7 @@ Bound Ascendants(Call& call) {
                    });
 }
 
-/// Which levels Descendants returns, relative to the level it is given.
+/// Which levels Descendants returns, relative to the level it is given; `leaves` also takes leaves above it.
 struct Reach {
     bool before = false, self = false, after = false, leaves = false;
 };
@@ -199,7 +230,7 @@ void AppendDescendants(const MemberSpace& space, MemberRef member, std::int64_t 
         if (taken) {
             found.Append(range);
         }
-        for (MemberId id = range.first; reach.leaves && id < range.last; ++id) {
+        for (MemberId id = range.first; reach.leaves && at <= level && id < range.last; ++id) {
             if (space.Children({member.hierarchy, id}).Count() == 0) {
                 found.Append({&id, 1});
             }
@@ -215,13 +246,16 @@ Bound Descendants(Call& call) {
     const Reach reach = call.Count() == 1 ? Reach{true, true, true, false} : ReachOf(call);
     bool isConstant = member->IsConstant();
     NumberPtr distance;
-    std::int64_t level = 0;
+    std::optional<std::int64_t> level;
     if (call.Count() > 1 && call.binder.At(call.arguments[1]).kind != mdx::NodeKind::Missing) {
-        if (std::holds_alternative<NumberPtr>(call.binder.Bind(call.arguments[1]))) {
-            distance = call.Number(1);
+        std::variant<LevelRef, NumberPtr> target = LevelOrDistance(call, 1);
+        if (auto* number = std::get_if<NumberPtr>(&target)) {
+            distance = std::move(*number);
             isConstant = isConstant && distance->IsConstant();
         } else {
-            level = static_cast<std::int64_t>(call.binder.BindLevel(call.arguments[1]).level);
+            const LevelRef named = std::get<LevelRef>(target);
+            CheckHierarchy(call, named, hierarchy);
+            level = static_cast<std::int64_t>(named.level);
         }
     }
     return MakeSet(isConstant, {hierarchy},
@@ -232,8 +266,10 @@ Bound Descendants(Call& call) {
                            return;
                        }
                        const auto own = static_cast<std::int64_t>(evaluator.Space().LevelOf(top));
-                       const std::int64_t target =
-                           distance ? own + WholeNumber(distance->Evaluate(evaluator)) : level;
+                       const auto levels =
+                           static_cast<std::int64_t>(evaluator.Space().LevelCount(top.hierarchy));
+                       const std::int64_t target = distance ? own + WholeNumber(distance->Evaluate(evaluator))
+                                                            : level.value_or(reach.leaves ? levels : own);
                        AppendDescendants(evaluator.Space(), top, target, reach, result);
                    });
 }

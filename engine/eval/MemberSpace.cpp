@@ -34,15 +34,17 @@ MemberRange MemberSpace::AllMembers(HierarchyId hierarchy) const {
 }
 
 std::size_t MemberSpace::LevelOf(MemberRef member) const {
-    return IsMeasures(member.hierarchy) || IsCalculated(member.id)
-               ? 0
-               : Stored(member.hierarchy).LevelOf(member.id);
+    if (IsCalculated(member.id)) {
+        return CalculatedAt(member.id).level;
+    }
+    return IsMeasures(member.hierarchy) ? 0 : Stored(member.hierarchy).LevelOf(member.id);
 }
 
 MemberId MemberSpace::Parent(MemberRef member) const {
-    return IsMeasures(member.hierarchy) || IsCalculated(member.id)
-               ? noMember
-               : Stored(member.hierarchy).Parent(member.id);
+    if (IsCalculated(member.id)) {
+        return CalculatedAt(member.id).parent;
+    }
+    return IsMeasures(member.hierarchy) ? noMember : Stored(member.hierarchy).Parent(member.id);
 }
 
 MemberRange MemberSpace::Children(MemberRef member) const {
@@ -112,25 +114,33 @@ std::string MemberSpace::UniqueName(MemberRef member) const {
     if (!IsMeasures(member.hierarchy) && !IsCalculated(member.id)) {
         return Stored(member.hierarchy).MemberUniqueName(member.id);
     }
-    return HierarchyUniqueName(member.hierarchy) + "." + BracketedName(Name(member));
+    const MemberId parent = Parent(member);
+    return (parent == noMember ? HierarchyUniqueName(member.hierarchy)
+                               : UniqueName({member.hierarchy, parent})) +
+           "." + BracketedName(Name(member));
 }
 
 std::optional<std::size_t> MemberSpace::KeyColumn(HierarchyId hierarchy) const {
     return IsMeasures(hierarchy) ? std::nullopt : Stored(hierarchy).KeyColumn();
 }
 
-MemberRef MemberSpace::AddCalculated(HierarchyId hierarchy, std::string_view name) {
-    calculated_.push_back({hierarchy, std::string(name)});
-    return {hierarchy, firstCalculated + static_cast<MemberId>(calculated_.size() - 1)};
+bool MemberSpace::AddCalculated(MemberRef parent, std::string_view name) {
+    const MemberId id = firstCalculated + static_cast<MemberId>(calculated_.size());
+    if (!calculatedBelow_[{parent.hierarchy, parent.id}].emplace(FoldCase(name), id).second) {
+        return false;
+    }
+    const std::size_t level = parent.id == noMember ? 0 : LevelOf(parent) + 1;
+    calculated_.push_back({parent.hierarchy, parent.id, level, std::string(name)});
+    return true;
 }
 
-std::optional<MemberId> MemberSpace::FindCalculated(HierarchyId hierarchy, std::string_view name) const {
-    for (std::size_t i = 0; i < calculated_.size(); ++i) {
-        if (calculated_[i].hierarchy == hierarchy && EqualIgnoringCase(calculated_[i].name, name)) {
-            return firstCalculated + static_cast<MemberId>(i);
-        }
+std::optional<MemberId> MemberSpace::FindCalculated(MemberRef parent, std::string_view name) const {
+    const auto siblings = calculatedBelow_.find({parent.hierarchy, parent.id});
+    if (siblings == calculatedBelow_.end()) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    const auto found = siblings->second.find(FoldCase(name));
+    return found == siblings->second.end() ? std::nullopt : std::optional(found->second);
 }
 
 } // namespace qel::engine

@@ -6,8 +6,11 @@
 #include "qel/engine/Cellset.h"
 #include "qel/engine/Cube.h"
 
+#include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
+#include <utility>
 #include <vector>
 
 namespace qel::engine {
@@ -25,7 +28,10 @@ struct MemberRef {
 
 /// Calculated members of all hierarchies are numbered from here.
 inline constexpr MemberId firstCalculated = 0x80000000U;
-inline bool IsCalculated(MemberId id) { return id >= firstCalculated && id != noMember; }
+/// From here on numbers stand for several members together, see CompoundSet.
+inline constexpr MemberId firstCompound = 0xF0000000U;
+inline bool IsCalculated(MemberId id) { return id >= firstCalculated && id < firstCompound; }
+inline bool IsCompound(MemberId id) { return id >= firstCompound && id != noMember; }
 
 struct LevelRef {
     HierarchyId hierarchy = 0;
@@ -34,11 +40,14 @@ struct LevelRef {
 
 struct CalculatedName {
     HierarchyId hierarchy = 0;
+    MemberId parent = noMember; ///< a stored member, or none on the top level
+    std::size_t level = 0;
     std::string name;
 };
 
 /// Everything that a statement can name: the cube's hierarchies, its measures as one more hierarchy with a
-/// single level, and the statement's calculated members, which are on the top level of their hierarchy.
+/// single level, and the statement's calculated members, which are below the parent that their name gives, or
+/// on the top level.
 class MemberSpace {
 public:
     explicit MemberSpace(const Cube& cube) : cube_(cube) {}
@@ -57,7 +66,7 @@ public:
     MemberRange LevelMembers(LevelRef level) const;
     MemberRange AllMembers(HierarchyId hierarchy) const;
 
-    /// 0 for a measure or a calculated member.
+    /// 0 for a measure.
     std::size_t LevelOf(MemberRef member) const;
     MemberId Parent(MemberRef member) const;
     MemberRange Children(MemberRef member) const;
@@ -81,9 +90,11 @@ public:
     std::optional<std::size_t> KeyColumn(HierarchyId hierarchy) const;
     CodeRanges Codes(MemberRef member) const { return Stored(member.hierarchy).Ranges(member.id); }
 
-    MemberRef AddCalculated(HierarchyId hierarchy, std::string_view name);
-    /// The hierarchy's calculated member of that name (any letter case), or nothing.
-    std::optional<MemberId> FindCalculated(HierarchyId hierarchy, std::string_view name) const;
+    /// A `parent` without a member stands for the top level. False when the name is taken there (any letter
+    /// case).
+    bool AddCalculated(MemberRef parent, std::string_view name);
+    /// The calculated child of `parent` with that name (any letter case), or nothing.
+    std::optional<MemberId> FindCalculated(MemberRef parent, std::string_view name) const;
     const std::vector<CalculatedName>& Calculated() const { return calculated_; }
 
 private:
@@ -91,6 +102,8 @@ private:
 
     const Cube& cube_;
     std::vector<CalculatedName> calculated_;
+    std::map<std::pair<HierarchyId, MemberId>, std::unordered_map<std::string, MemberId>>
+        calculatedBelow_; ///< by hierarchy and parent, then by folded name
 };
 
 } // namespace qel::engine

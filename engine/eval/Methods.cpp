@@ -1,4 +1,5 @@
 #include "engine/eval/FunctionLookup.h"
+#include "engine/eval/SetOperations.h"
 #include "engine/mdx/ReservedWords.h"
 
 #include <fmt/format.h>
@@ -30,7 +31,8 @@ private:
 
     Bound AllOf(const Bound& target, bool withCalculated);
     Bound Levels(HierarchyId hierarchy);
-    Bound Item(SetPtr set);
+    Bound Item(Bound target);
+    Bound ItemOfTuple(TupleExpression tuple);
     Bound Shifted(MemberPtr member, int direction);
     /// A set of relatives of a member, given by find(space, member).
     template <auto find>
@@ -64,6 +66,60 @@ MemberId LastChild(const MemberSpace& space, MemberRef of) { return LastOf(space
 MemberId FirstSibling(const MemberSpace& space, MemberRef of) { return FirstOf(space.Siblings(of)); }
 MemberId LastSibling(const MemberSpace& space, MemberRef of) { return LastOf(space.Siblings(of)); }
 
+/// Appends the hierarchy's calculated members, of one level or of all; false when there is none.
+bool AppendCalculated(const MemberSpace& space, HierarchyId hierarchy, std::optional<std::size_t> level,
+                      TupleSet& result) {
+    bool found = false;
+    for (std::size_t i = 0; i < space.Calculated().size(); ++i) {
+        const CalculatedName& name = space.Calculated()[i];
+        const MemberId id = firstCalculated + static_cast<MemberId>(i);
+        if (name.hierarchy == hierarchy && name.level == level.value_or(name.level)) {
+            result.Append({&id, 1});
+            found = true;
+        }
+    }
+    return found;
+}
+
+/// The tuple at a place of a set.
+class ItemSource final : public TupleSource {
+public:
+    ItemSource(SetPtr set, NumberPtr index) : set_(std::move(set)), index_(std::move(index)) {}
+
+    std::size_t Size() const override { return set_->GetDimensionality().size(); }
+    bool Append(Evaluator& evaluator, std::vector<MemberId>& ids) const override {
+        const TupleSet tuples = set_->Evaluate(evaluator);
+        const std::int64_t item = WholeNumber(index_->Evaluate(evaluator));
+        if (item < 0 || static_cast<std::size_t>(item) >= tuples.Count()) {
+            return false;
+        }
+        const std::span<const MemberId> tuple = tuples.At(static_cast<std::size_t>(item));
+        ids.insert(ids.end(), tuple.begin(), tuple.end());
+        return true;
+    }
+
+private:
+    SetPtr set_;
+    NumberPtr index_;
+};
+
+class ItemMember final : public MemberExpression {
+public:
+    ItemMember(bool isConstant, HierarchyId hierarchy, std::shared_ptr<const ItemSource> source,
+               std::size_t place)
+        : MemberExpression(isConstant, hierarchy), source_(std::move(source)), place_(place) {}
+
+    MemberId Evaluate(Evaluator& evaluator) const override {
+        std::vector<MemberId> ids;
+        return source_->Append(evaluator, ids) ? ids[place_] : noMember;
+    }
+    const TupleSource* Source() const override { return source_.get(); }
+
+private:
+    std::shared_ptr<const ItemSource> source_;
+    std::size_t place_;
+};
+
 } // namespace
 
 const MethodBinder::Method MethodBinder::methods[] = {
@@ -86,8 +142,7 @@ const MethodBinder::Method MethodBinder::methods[] = {
              return CellValue::Exact(static_cast<std::int64_t>(set->Evaluate(evaluator).Count()), 0);
          });
      }},
-    {"item",
-     [](MethodBinder& b, Bound target) { return b.Item(b.binder_.ToSet(std::move(target), b.target_)); }},
+    {"item", [](MethodBinder& b, Bound target) { return b.Item(std::move(target)); }},
     {"value",
      [](MethodBinder& b, Bound target) -> Bound { return b.binder_.ToNumber(std::move(target), b.target_); }},
     {"name", TextOf<&MemberSpace::Name>},
@@ -126,22 +181,23 @@ Bound MethodBinder::Bind() {
 Bound MethodBinder::AllOf(const Bound& target, bool withCalculated) {
     const auto* level = std::get_if<LevelName>(&target);
     const HierarchyId hierarchy = level != nullptr ? level->level.hierarchy : HierarchyOf(target);
-    const MemberSpace& space = binder_.Space();
-    const MemberRange range =
-        level != nullptr ? space.LevelMembers(level->level) : space.AllMembers(hierarchy);
-    const bool isTop = level == nullptr || level->level.level == 0;
-    return MakeSet(
-        true, {hierarchy},
-        [hierarchy, range, calculated = withCalculated && isTop](Evaluator& evaluator, TupleSet& result) {
-            result.Append(range);
-            const auto& names = evaluator.Space().Calculated();
-            for (std::size_t i = 0; calculated && i < names.size(); ++i) {
-                const MemberId id = firstCalculated + static_cast<MemberId>(i);
-                if (names[i].hierarchy == hierarchy) {
-                    result.Append({&id, 1});
-                }
-            }
-        });
+    if (level != nullptr) {
+        return MakeSet(true, {hierarchy},
+                       [at = level->level, withCalculated](Evaluator& evaluator, TupleSet& result) {
+                           result.Append(evaluator.Space().LevelMembers(at));
+                           if (withCalculated) {
+                               AppendCalculated(evaluator.Space(), at.hierarchy, at.level, result);
+                           }
+                       });
+    }
+    return MakeSet(true, {hierarchy}, [hierarchy, withCalculated](Evaluator& evaluator, TupleSet& result) {
+        TupleSet members{{hierarchy}, {}};
+        AppendTree(evaluator.Space(), hierarchy, members);
+        if (withCalculated && AppendCalculated(evaluator.Space(), hierarchy, std::nullopt, members)) {
+            Hierarchize(evaluator.Space(), members, false);
+        }
+        result.Append(members);
+    });
 }
 
 template <auto find>
@@ -159,7 +215,11 @@ Bound MethodBinder::Family(MethodBinder& binder, Bound target) {
 }
 
 Bound MethodBinder::Levels(HierarchyId hierarchy) {
-    const std::int64_t level = WholeNumber(Argument()->Evaluate(binder_.GetEvaluator()));
+    const NumberPtr number = Argument();
+    if (!number->IsConstant()) { // its cells have no formulas before all of them are bound
+        binder_.Fail(argument_, "expected the number of a level, found one that depends on cells");
+    }
+    const std::int64_t level = WholeNumber(number->Evaluate(binder_.GetEvaluator()));
     const std::size_t count = binder_.Space().LevelCount(hierarchy);
     if (level < 0 || static_cast<std::size_t>(level) >= count) {
         binder_.Fail(argument_, fmt::format("{} has the levels 0 to {}",
@@ -168,19 +228,32 @@ Bound MethodBinder::Levels(HierarchyId hierarchy) {
     return LevelName{{hierarchy, static_cast<std::size_t>(level)}, noMember};
 }
 
-Bound MethodBinder::Item(SetPtr set) {
-    const std::shared_ptr<const SetExpression> shared = std::move(set);
-    const std::shared_ptr<const NumberExpression> index = Argument();
+/// The member at a place of a tuple: of which hierarchy it is must be known before anything is evaluated.
+Bound MethodBinder::ItemOfTuple(TupleExpression tuple) {
+    const NumberPtr index = Argument();
+    if (!index->IsConstant()) {
+        binder_.Fail(argument_, "expected the number of a tuple's member, found one that depends on cells");
+    }
+    const std::int64_t item = WholeNumber(index->Evaluate(binder_.GetEvaluator()));
+    if (item < 0 || static_cast<std::size_t>(item) >= tuple.size()) {
+        binder_.Fail(argument_, fmt::format("the tuple has the members 0 to {}", tuple.size() - 1));
+    }
+    return std::move(tuple[static_cast<std::size_t>(item)]);
+}
+
+Bound MethodBinder::Item(Bound target) {
+    if (auto* members = std::get_if<TupleExpression>(&target)) {
+        return ItemOfTuple(std::move(*members));
+    }
+    SetPtr set = binder_.ToSet(std::move(target), target_);
+    const bool isConstant = set->IsConstant();
+    const Dimensionality dimensionality = set->GetDimensionality();
+    NumberPtr index = Argument();
+    const bool bothConstant = isConstant && index->IsConstant();
+    const auto source = std::make_shared<const ItemSource>(std::move(set), std::move(index));
     TupleExpression tuple;
-    for (std::size_t place = 0; place < shared->GetDimensionality().size(); ++place) {
-        tuple.push_back(
-            MakeMember(shared->IsConstant() && index->IsConstant(), shared->GetDimensionality()[place],
-                       [shared, index, place](Evaluator& evaluator) {
-                           const TupleSet tuples = shared->Evaluate(evaluator);
-                           const std::int64_t item = WholeNumber(index->Evaluate(evaluator));
-                           const bool exists = item >= 0 && static_cast<std::size_t>(item) < tuples.Count();
-                           return exists ? tuples.At(static_cast<std::size_t>(item))[place] : noMember;
-                       }));
+    for (std::size_t place = 0; place < dimensionality.size(); ++place) {
+        tuple.push_back(std::make_unique<ItemMember>(bothConstant, dimensionality[place], source, place));
     }
     if (tuple.size() == 1) {
         return std::move(tuple.front());

@@ -17,21 +17,23 @@ Resolved NameResolver::Resolve(const mdx::Node& path, bool wantsLevel) {
     Fail(wantsLevel);
 }
 
-HierarchyId NameResolver::HierarchyOfNew(const mdx::Node& path) {
+MemberRef NameResolver::ParentOfNew(const mdx::Node& path) {
     TakeParts(path);
     parts_.pop_back();
     if (parts_.empty()) {
-        return space_.Measures();
+        return {space_.Measures(), noMember};
     }
     const std::optional<Resolved> resolved = ResolveAll();
     if (!resolved) {
         Fail(false);
     }
     if (const auto* hierarchy = std::get_if<HierarchyName>(&*resolved)) {
-        return hierarchy->hierarchy;
+        return {hierarchy->hierarchy, noMember};
     }
-    const auto* level = std::get_if<LevelName>(&*resolved);
-    return level != nullptr ? level->level.hierarchy : std::get<MemberRef>(*resolved).hierarchy;
+    if (const auto* level = std::get_if<LevelName>(&*resolved)) {
+        return {level->level.hierarchy, level->member};
+    }
+    return std::get<MemberRef>(*resolved);
 }
 
 void NameResolver::TakeParts(const mdx::Node& path) {
@@ -94,7 +96,7 @@ std::optional<Resolved> NameResolver::InMeasures() {
         }
     }
     furthest_ = part;
-    if (const auto calculated = space_.FindCalculated(measures, parts_[part]->text)) {
+    if (const auto calculated = space_.FindCalculated({measures, noMember}, parts_[part]->text)) {
         return part + 1 == parts_.size() ? std::optional<Resolved>(MemberRef{measures, *calculated})
                                          : std::nullopt;
     }
@@ -112,10 +114,8 @@ std::optional<Resolved> NameResolver::InHierarchy(HierarchyId hierarchy, std::si
         return HierarchyName{hierarchy};
     }
     const bool isLast = part + 1 == parts_.size();
-    if (isLast && !parts_[part]->isKey) {
-        if (const auto calculated = space_.FindCalculated(hierarchy, parts_[part]->text)) {
-            return MemberRef{hierarchy, *calculated};
-        }
+    if (const MemberId calculated = CalculatedBelow({hierarchy, noMember}, part); calculated != noMember) {
+        return MemberRef{hierarchy, calculated};
     }
     const MemberRange all = space_.AllMembers(hierarchy);
     const auto level =
@@ -131,6 +131,12 @@ std::optional<Resolved> NameResolver::InHierarchy(HierarchyId hierarchy, std::si
     }
     if (const MemberId member = MemberPath(hierarchy, all, part); member != noMember) {
         return MemberRef{hierarchy, member};
+    }
+    if (space_.Stored(hierarchy).HasAll()) { // the path through All may be left out
+        if (const MemberId calculated = CalculatedBelow({hierarchy, all.first}, part);
+            calculated != noMember) {
+            return MemberRef{hierarchy, calculated};
+        }
     }
     return std::nullopt;
 }
@@ -152,7 +158,14 @@ MemberId NameResolver::Descend(HierarchyId hierarchy, MemberId member, std::size
     if (part == parts_.size()) {
         return member;
     }
-    return MemberPath(hierarchy, space_.Children({hierarchy, member}), part);
+    const MemberId calculated = CalculatedBelow({hierarchy, member}, part);
+    return calculated != noMember ? calculated
+                                  : MemberPath(hierarchy, space_.Children({hierarchy, member}), part);
+}
+
+MemberId NameResolver::CalculatedBelow(MemberRef parent, std::size_t part) const {
+    const bool canBe = part + 1 == parts_.size() && !parts_[part]->isKey;
+    return canBe ? space_.FindCalculated(parent, parts_[part]->text).value_or(noMember) : noMember;
 }
 
 void NameResolver::Find(HierarchyId hierarchy, MemberRange among, std::size_t part,

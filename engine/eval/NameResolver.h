@@ -31,8 +31,9 @@ public:
     /// Raises EngineError at the first part that cannot be resolved: UnknownMember where a member is
     /// expected, otherwise UnknownName. With `wantsLevel` only a hierarchy or a level is accepted.
     Resolved Resolve(const mdx::Node& path, bool wantsLevel);
-    /// The hierarchy of a calculated member being defined; the last part of the path is its own name.
-    HierarchyId HierarchyOfNew(const mdx::Node& path);
+    /// The parent of a calculated member being defined: a member, or only a hierarchy. The last part of the
+    /// path is its own name.
+    MemberRef ParentOfNew(const mdx::Node& path);
 
 private:
     std::optional<Resolved> ResolveAll();
@@ -40,6 +41,8 @@ private:
     std::optional<Resolved> InHierarchy(HierarchyId hierarchy, std::size_t part);
     MemberId MemberPath(HierarchyId hierarchy, MemberRange among, std::size_t part);
     MemberId Descend(HierarchyId hierarchy, MemberId member, std::size_t part);
+    /// The calculated member that the last part names, or noMember.
+    MemberId CalculatedBelow(MemberRef parent, std::size_t part) const;
     /// Appends the members in `among` that the part names, best match first.
     void Find(HierarchyId hierarchy, MemberRange among, std::size_t part, std::vector<MemberId>& found) const;
     void TakeParts(const mdx::Node& path);

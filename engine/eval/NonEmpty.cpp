@@ -125,21 +125,23 @@ bool RemoveEmptyPositions(Evaluator& evaluator, std::span<const TupleSet* const>
     }
     std::vector<bool> isKept(axis.Count());
     Presence presence(evaluator.Space(), axis);
-    FactCell cell;
     if (axis.Count() == 0) {
         return true;
     }
     const Evaluator::Position anyOfAxis(evaluator, axis.dimensionality,
                                         axis.At(0)); // any position without calculated members will do
-    const bool readsFacts = ForEachCombination(evaluator, others, [&] {
-        if (!evaluator.ReadsFacts(axis.dimensionality, cell)) {
-            return false;
+    std::size_t scans = 0;
+    const auto mark = [&](const FactCell& cell) {
+        if (++scans > combinationLimit) {
+            return;
         }
         presence.Scan(cell);
         for (std::size_t i = 0; i < isKept.size(); ++i) {
             isKept[i] = isKept[i] || presence.HasFacts(i);
         }
-        return true;
+    };
+    const bool readsFacts = ForEachCombination(evaluator, others, [&] {
+        return evaluator.ReadsFacts(axis.dimensionality, mark) && scans <= combinationLimit;
     });
     if (!readsFacts) {
         return false;

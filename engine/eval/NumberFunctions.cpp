@@ -8,10 +8,10 @@ namespace qel::engine {
 
 namespace {
 
-Bound Sum(Call& call) {
+Bound SumOver(Call& call, SumOfSet::Kind kind) {
     SetPtr set = call.Set(0);
     if (call.Count() == 1) {
-        return std::make_unique<SumOfSet>(std::move(set), nullptr, std::nullopt);
+        return std::make_unique<SumOfSet>(kind, std::move(set), nullptr, std::nullopt);
     }
     Bound value = call.binder.Bind(call.arguments[1]);
     std::optional<MemberRef> member;
@@ -19,9 +19,12 @@ Bound Sum(Call& call) {
         expression != nullptr && (*expression)->IsConstant()) {
         member = MemberRef{(*expression)->Hierarchy(), (*expression)->Evaluate(call.binder.GetEvaluator())};
     }
-    return std::make_unique<SumOfSet>(std::move(set),
+    return std::make_unique<SumOfSet>(kind, std::move(set),
                                       call.binder.ToNumber(std::move(value), call.arguments[1]), member);
 }
+
+Bound Sum(Call& call) { return SumOver(call, SumOfSet::Kind::Sum); }
+Bound Aggregate(Call& call) { return SumOver(call, SumOfSet::Kind::Aggregate); }
 
 /// Calls take(value) with every non-empty value of the set's cells. Returns the number of tuples.
 template <class Take>
@@ -128,7 +131,7 @@ Bound Absolute(Call& call) {
 }
 
 constexpr std::array<Function, 10> functions{{{"Sum", 1, 2, Sum},
-                                              {"Aggregate", 1, 2, Sum},
+                                              {"Aggregate", 1, 2, Aggregate},
                                               {"Avg", 1, 2, Average},
                                               {"Min", 1, 2, Minimum},
                                               {"Max", 1, 2, Maximum},

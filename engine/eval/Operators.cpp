@@ -43,17 +43,23 @@ bool Holds(Operator op, int order) {
     }
 }
 
-SetPtr JoinSets(Binder& binder, Operator op, SetPtr left, SetPtr right, NodeId node) {
-    switch (op) {
-    case Operator::Add:
-        return MakeSetOperation(binder, SetOperation::Union, std::move(left), std::move(right), false, node);
-    case Operator::Subtract:
-        return MakeSetOperation(binder, SetOperation::Except, std::move(left), std::move(right), false, node);
-    case Operator::Multiply:
-        return MakeCrossJoin(binder, std::move(left), std::move(right), node);
-    default:
-        binder.Fail(node, "a set cannot be divided");
+SetPtr JoinSets(Binder& binder, std::vector<SetPart> parts) {
+    const Operator kind = binder.At(parts[1].node).joiner; // + and -, or * and /
+    if (kind != Operator::Add && kind != Operator::Subtract) {
+        for (std::size_t i = 1; i < parts.size(); ++i) {
+            if (binder.At(parts[i].node).joiner == Operator::Divide) {
+                binder.Fail(parts[i].node, "a set cannot be divided");
+            }
+        }
+        return MakeCrossJoin(binder, std::move(parts));
     }
+    std::vector<SetOperand> operands;
+    for (SetPart& part : parts) {
+        const bool isSubtracted = binder.At(part.node).joiner == Operator::Subtract && !operands.empty();
+        operands.push_back(
+            {isSubtracted ? SetOperation::Except : SetOperation::Union, std::move(part.set), part.node});
+    }
+    return MakeSetOperation(binder, std::move(operands), false);
 }
 
 } // namespace
@@ -71,13 +77,13 @@ Bound Binder::BindChain(NodeId id) {
         hasSet = hasSet || IsSet(operands.back());
     }
     if (hasSet) {
-        SetPtr joined = ToSet(std::move(operands[0]), first);
-        NodeId child = At(first).next;
-        for (std::size_t i = 1; i < operands.size(); ++i, child = At(child).next) {
-            joined = JoinSets(*this, At(child).joiner, std::move(joined),
-                              ToSet(std::move(operands[i]), child), child);
+        std::vector<SetPart> parts;
+        NodeId child = first;
+        for (Bound& operand : operands) {
+            parts.push_back({ToSet(std::move(operand), child), child});
+            child = At(child).next;
         }
-        return joined;
+        return JoinSets(*this, std::move(parts));
     }
     struct Operand {
         Operator joiner;

@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace qel::engine {
 
@@ -34,12 +35,14 @@ private:
     Cellset Finish(std::vector<CellValue> cells) const;
     void EvaluateSlicer();
     void EvaluateAxes();
+    /// How many levels the set covers at each place, see Cellset::LevelCount.
+    std::vector<std::size_t> LevelCounts(const TupleSet& axis) const;
     /// A hierarchy may be on one axis or in the slicer, not both.
     void CheckHierarchies(const Dimensionality& dimensionality, mdx::NodeId node);
     bool RemoveEmpty(std::size_t axis);
     std::vector<CellValue> EvaluateCells();
     void EvaluateCells(std::size_t axis, std::vector<CellValue>& cells);
-    CellValue EvaluateCell();
+    bool SlicerIsEmpty() const { return slicer_ && slicer_->Count() == 0; }
     void RemoveEmptyByCells(std::vector<CellValue>& cells);
 
     mdx::Statement statement_;
@@ -47,9 +50,9 @@ private:
     Evaluator evaluator_;
     Binder binder_;
     std::vector<HierarchyId> used_;
-    TupleSet slicer_;
-    bool hasSlicer_ = false;
+    std::optional<CompoundSet> slicer_;
     std::vector<TupleSet> axes_;
+    std::vector<std::vector<std::size_t>> levelCounts_; ///< by axis and place, before NON EMPTY
 };
 
 void StatementRun::Resolve() {
@@ -74,8 +77,8 @@ Cellset StatementRun::Answer() {
 
 Cellset StatementRun::Finish(std::vector<CellValue> cells) const {
     CellsetBuilder builder(space_);
-    for (const TupleSet& axis : axes_) {
-        builder.AddAxis(axis);
+    for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
+        builder.AddAxis(axes_[axis], levelCounts_[axis]);
     }
     return builder.Finish(std::move(cells));
 }
@@ -89,11 +92,14 @@ std::shared_ptr<const StatementPlan> StatementRun::Plan() {
             evaluator_.SetCurrent(axes_[axis].dimensionality[i], axes_[axis].ids[i]);
         }
     }
-    FactCell cell;
-    if (hasSlicer_ || !evaluator_.ReadsFacts({}, cell)) {
+    if (slicer_ && slicer_->Count() != 1) {
         return nullptr;
     }
-    return std::make_shared<const StatementPlan>(space_.GetCube(), Finish({}), cell);
+    std::shared_ptr<const StatementPlan> plan;
+    evaluator_.ReadsFacts({}, [&](const FactCell& cell) {
+        plan = std::make_shared<const StatementPlan>(space_.GetCube(), Finish({}), cell);
+    });
+    return plan;
 }
 
 void StatementRun::CheckCube() const {
@@ -111,14 +117,8 @@ void StatementRun::EvaluateSlicer() {
     }
     const SetPtr set = binder_.BindSet(statement_.slicer);
     CheckHierarchies(set->GetDimensionality(), statement_.slicer);
-    slicer_ = set->Evaluate(evaluator_);
-    hasSlicer_ = true;
-    if (slicer_.Count() == 1) {
-        for (std::size_t i = 0; i < slicer_.dimensionality.size(); ++i) {
-            evaluator_.SetCurrent(slicer_.dimensionality[i], slicer_.ids[i]);
-        }
-        hasSlicer_ = false;
-    }
+    slicer_.emplace(space_, set->Evaluate(evaluator_));
+    evaluator_.SetSlicer(*slicer_);
 }
 
 void StatementRun::EvaluateAxes() {
@@ -127,6 +127,7 @@ void StatementRun::EvaluateAxes() {
         const SetPtr set = binder_.BindSet(clause.set);
         CheckHierarchies(set->GetDimensionality(), clause.set);
         axes_.push_back(set->Evaluate(evaluator_));
+        levelCounts_.push_back(LevelCounts(axes_.back()));
     }
     for (const TupleSet& axis : axes_) {
         cells *= std::max<std::size_t>(1, axis.Count());
@@ -135,6 +136,20 @@ void StatementRun::EvaluateAxes() {
                               fmt::format("the answer has more than {} cells", setLimit));
         }
     }
+}
+
+std::vector<std::size_t> StatementRun::LevelCounts(const TupleSet& axis) const {
+    std::vector<std::size_t> counts;
+    for (std::size_t place = 0; place < axis.dimensionality.size(); ++place) {
+        const HierarchyId hierarchy = axis.dimensionality[place];
+        std::size_t count = 0;
+        for (std::size_t i = 0; i < axis.Count() && count < space_.LevelCount(hierarchy); ++i) {
+            const std::size_t own = space_.LevelOf({hierarchy, axis.At(i)[place]}) + 1;
+            count = count == 0 || count == own ? own : space_.LevelCount(hierarchy);
+        }
+        counts.push_back(count);
+    }
+    return counts;
 }
 
 void StatementRun::CheckHierarchies(const Dimensionality& dimensionality, mdx::NodeId node) {
@@ -148,14 +163,14 @@ void StatementRun::CheckHierarchies(const Dimensionality& dimensionality, mdx::N
 }
 
 bool StatementRun::RemoveEmpty(std::size_t axis) {
+    if (SlicerIsEmpty()) {
+        return false;
+    }
     std::vector<const TupleSet*> others;
     for (std::size_t i = 0; i < axes_.size(); ++i) {
         if (i != axis) {
             others.push_back(&axes_[i]);
         }
-    }
-    if (hasSlicer_) {
-        others.push_back(&slicer_);
     }
     return RemoveEmptyPositions(evaluator_, others, axes_[axis]);
 }
@@ -174,7 +189,7 @@ std::vector<CellValue> StatementRun::EvaluateCells() {
 /// Appends the cells of the axes below `axis`, the first axis varying fastest.
 void StatementRun::EvaluateCells(std::size_t axis, std::vector<CellValue>& cells) {
     if (axis == 0) {
-        cells.push_back(EvaluateCell());
+        cells.push_back(SlicerIsEmpty() ? CellValue::Empty() : evaluator_.Cell());
         return;
     }
     const TupleSet& tuples = axes_[axis - 1];
@@ -182,18 +197,6 @@ void StatementRun::EvaluateCells(std::size_t axis, std::vector<CellValue>& cells
         const Evaluator::Position position(evaluator_, tuples.dimensionality, tuples.At(i));
         EvaluateCells(axis - 1, cells);
     }
-}
-
-CellValue StatementRun::EvaluateCell() {
-    if (!hasSlicer_) {
-        return evaluator_.Cell();
-    }
-    CellValue sum;
-    for (std::size_t i = 0; i < slicer_.Count(); ++i) {
-        const Evaluator::Position position(evaluator_, slicer_.dimensionality, slicer_.At(i));
-        sum = Add(sum, evaluator_.Cell());
-    }
-    return sum;
 }
 
 /// For axes with calculated cells: removes the positions whose cells are all empty.

@@ -1,5 +1,6 @@
 #include "engine/eval/FunctionLookup.h"
 #include "engine/eval/SetOperations.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <algorithm>
 #include <array>
@@ -13,25 +14,26 @@ namespace {
 constexpr std::array<std::string_view, 1> allFlag{"all"};
 
 Bound CrossJoin(Call& call) {
-    SetPtr joined = call.Set(0);
-    for (std::size_t i = 1; i < call.Count(); ++i) {
-        joined = MakeCrossJoin(call.binder, std::move(joined), call.Set(i), call.arguments[i]);
+    std::vector<SetPart> parts;
+    for (std::size_t i = 0; i < call.Count(); ++i) {
+        parts.push_back({call.Set(i), call.arguments[i]});
     }
-    return joined;
+    return MakeCrossJoin(call.binder, std::move(parts));
 }
 
 Bound Combine(Call& call, SetOperation operation) {
     bool all = false;
-    if (call.Count() > 2 && !call.binder.Word(call.arguments.back()).empty()) {
+    const bool isFlag =
+        operation != SetOperation::Union || mdx::IsWord(call.binder.Word(call.arguments.back()), allFlag[0]);
+    if (call.Count() > 2 && isFlag) {
         all = call.Flag(call.Count() - 1, allFlag) == 0;
         call.arguments.pop_back();
     }
-    SetPtr combined = call.Set(0);
-    for (std::size_t i = 1; i < call.Count(); ++i) {
-        combined = MakeSetOperation(call.binder, operation, std::move(combined), call.Set(i), all,
-                                    call.arguments[i]);
+    std::vector<SetOperand> operands;
+    for (std::size_t i = 0; i < call.Count(); ++i) {
+        operands.push_back({i == 0 ? SetOperation::Union : operation, call.Set(i), call.arguments[i]});
     }
-    return combined;
+    return MakeSetOperation(call.binder, std::move(operands), all);
 }
 
 Bound Union(Call& call) { return Combine(call, SetOperation::Union); }
@@ -39,10 +41,9 @@ Bound Intersect(Call& call) { return Combine(call, SetOperation::Intersect); }
 Bound Except(Call& call) { return Combine(call, SetOperation::Except); }
 
 Bound Distinct(Call& call) {
-    SetPtr set = call.Set(0);
-    SetPtr none = MakeSet(true, set->GetDimensionality(), [](Evaluator&, TupleSet&) {});
-    return MakeSetOperation(call.binder, SetOperation::Union, std::move(set), std::move(none), false,
-                            call.node);
+    std::vector<SetOperand> operands;
+    operands.push_back({SetOperation::Union, call.Set(0), call.arguments[0]});
+    return MakeSetOperation(call.binder, std::move(operands), false);
 }
 
 /// piece(count, set size) returns the first tuple of the part and the end of it.

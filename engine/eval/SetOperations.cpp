@@ -1,5 +1,7 @@
 #include "engine/eval/SetOperations.h"
 
+#include "engine/eval/DistinctTuples.h"
+
 #include <algorithm>
 #include <numeric>
 
@@ -7,29 +9,47 @@ namespace qel::engine {
 
 namespace {
 
-void KeepUnion(const TupleSet& left, const TupleSet& right, TupleSet& result) {
-    TupleIndex seen;
-    for (const TupleSet* set : {&left, &right}) {
-        for (std::size_t i = 0; i < set->Count(); ++i) {
-            if (seen.Insert(set->At(i))) {
-                result.Append(set->At(i));
-            }
-        }
-    }
-}
-
-/// Appends the tuples of `left` that are (or are not) in `right`, without duplicates unless `all`.
-void KeepWhere(const TupleSet& left, const TupleSet& right, bool isInRight, bool all, TupleSet& result) {
+/// Appends the tuples of `left` that are (or are not) in `right`, with duplicates.
+void KeepAllWhere(const TupleSet& left, const TupleSet& right, bool isInRight, TupleSet& result) {
     TupleIndex others;
     for (std::size_t i = 0; i < right.Count(); ++i) {
         others.Insert(right.At(i));
     }
-    TupleIndex seen;
     for (std::size_t i = 0; i < left.Count(); ++i) {
-        if (others.Contains(left.At(i)) == isInRight && (all || seen.Insert(left.At(i)))) {
+        if (others.Contains(left.At(i)) == isInRight) {
             result.Append(left.At(i));
         }
     }
+}
+
+void JoinAll(const std::vector<SetOperand>& operands, Evaluator& evaluator, TupleSet& result) {
+    if (operands.size() == 2 && operands[1].operation != SetOperation::Union) {
+        KeepAllWhere(operands[0].set->Evaluate(evaluator), operands[1].set->Evaluate(evaluator),
+                     operands[1].operation == SetOperation::Intersect, result);
+        return;
+    }
+    for (const SetOperand& operand : operands) {
+        operand.set->Append(evaluator, result);
+    }
+}
+
+void JoinDistinct(const std::vector<SetOperand>& operands, Evaluator& evaluator, TupleSet& result) {
+    DistinctTuples tuples(result.dimensionality);
+    for (const SetOperand& operand : operands) {
+        const TupleSet set = operand.set->Evaluate(evaluator);
+        switch (operand.operation) {
+        case SetOperation::Union:
+            tuples.Add(set);
+            break;
+        case SetOperation::Intersect:
+            tuples.Keep(set);
+            break;
+        case SetOperation::Except:
+            tuples.Remove(set);
+            break;
+        }
+    }
+    tuples.AppendTo(result);
 }
 
 /// Negative when `a` comes before `b` in tree order.
@@ -40,38 +60,52 @@ int CompareInTree(const MemberSpace& space, MemberRef a, MemberRef b, bool post)
     const std::size_t levelOfA = space.LevelOf(a);
     const std::size_t levelOfB = space.LevelOf(b);
     const std::size_t level = std::min(levelOfA, levelOfB);
-    const MemberId ancestorOfA = space.AncestorAt(a, level);
-    const MemberId ancestorOfB = space.AncestorAt(b, level);
-    if (ancestorOfA != ancestorOfB) {
-        return ancestorOfA < ancestorOfB ? -1 : 1; // within a level, member numbers follow the tree
+    a.id = space.AncestorAt(a, level);
+    b.id = space.AncestorAt(b, level);
+    if (a.id == b.id) {
+        return (levelOfA < levelOfB) != post ? -1 : 1;
     }
-    return (levelOfA < levelOfB) != post ? -1 : 1;
+    // Stored numbers follow the tree within a level; calculated members come behind their stored siblings.
+    while (IsCalculated(a.id) != IsCalculated(b.id) || IsCalculated(a.id)) {
+        const MemberRef parentOfA{a.hierarchy, space.Parent(a)};
+        const MemberRef parentOfB{b.hierarchy, space.Parent(b)};
+        if (parentOfA == parentOfB) {
+            break;
+        }
+        a = parentOfA;
+        b = parentOfB;
+    }
+    return a.id < b.id ? -1 : 1;
 }
 
 } // namespace
 
-SetPtr MakeSetOperation(Binder& binder, SetOperation operation, SetPtr left, SetPtr right, bool all,
-                        mdx::NodeId node) {
-    binder.CheckDimensionality(left->GetDimensionality(), *right, node);
-    const bool isConstant = left->IsConstant() && right->IsConstant();
-    Dimensionality dimensionality =
-        left->GetDimensionality().empty() ? right->GetDimensionality() : left->GetDimensionality();
+SetPtr MakeSetOperation(Binder& binder, std::vector<SetOperand> operands, bool all) {
+    Dimensionality dimensionality;
+    bool isConstant = true;
+    for (const SetOperand& operand : operands) {
+        binder.CheckDimensionality(dimensionality, *operand.set, operand.node);
+        dimensionality = dimensionality.empty() ? operand.set->GetDimensionality() : dimensionality;
+        isConstant = isConstant && operand.set->IsConstant();
+    }
     return MakeSet(isConstant, std::move(dimensionality),
-                   [operation, all, left = std::move(left), right = std::move(right)](Evaluator& evaluator,
-                                                                                      TupleSet& result) {
-                       if (operation == SetOperation::Union && all) {
-                           left->Append(evaluator, result);
-                           right->Append(evaluator, result);
-                           return;
-                       }
-                       const TupleSet leftSet = left->Evaluate(evaluator);
-                       const TupleSet rightSet = right->Evaluate(evaluator);
-                       if (operation == SetOperation::Union) {
-                           KeepUnion(leftSet, rightSet, result);
-                       } else {
-                           KeepWhere(leftSet, rightSet, operation == SetOperation::Intersect, all, result);
-                       }
+                   [all, operands = std::move(operands)](Evaluator& evaluator, TupleSet& result) {
+                       all ? JoinAll(operands, evaluator, result) : JoinDistinct(operands, evaluator, result);
                    });
+}
+
+void AppendTree(const MemberSpace& space, HierarchyId hierarchy, TupleSet& result) {
+    std::vector<MemberRange> rest{space.LevelMembers({hierarchy, 0})}; // of the families on the way down
+    while (!rest.empty()) {
+        MemberRange& family = rest.back();
+        if (family.Count() == 0) {
+            rest.pop_back();
+            continue;
+        }
+        const MemberId member = family.first++;
+        result.Append({&member, 1});
+        rest.push_back(space.Children({hierarchy, member}));
+    }
 }
 
 void Hierarchize(const MemberSpace& space, TupleSet& set, bool post) {

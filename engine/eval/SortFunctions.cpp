@@ -2,8 +2,9 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <numeric>
-#include <unordered_map>
+#include <span>
 
 // Functions that filter or sort a set's tuples by a value.
 
@@ -72,49 +73,63 @@ Bound Extremes(Call& call, int sign) {
 Bound TopCount(Call& call) { return Extremes(call, -1); }
 Bound BottomCount(Call& call) { return Extremes(call, 1); }
 
-/// Sorts members within their families: compares the two ancestors that are siblings; a member comes before
-/// its descendants.
+/// Sorts tuples within families, by the first hierarchy, then by the next: compares the two ancestors that
+/// are siblings; a member comes before its descendants. A member's value is that of its cell under the
+/// tuple's members before it.
 class FamilySort {
 public:
-    FamilySort(Evaluator& evaluator, const NumberExpression& value, HierarchyId hierarchy, int sign)
-        : evaluator_(evaluator), value_(value), dimensionality_{hierarchy}, sign_(sign) {}
+    FamilySort(Evaluator& evaluator, const NumberExpression& value, const Dimensionality& dimensionality,
+               int sign)
+        : evaluator_(evaluator), value_(value), dimensionality_(dimensionality), sign_(sign) {}
 
-    bool IsBefore(MemberId a, MemberId b) {
-        const MemberSpace& space = evaluator_.Space();
-        const std::size_t levelOfA = space.LevelOf({dimensionality_[0], a});
-        const std::size_t levelOfB = space.LevelOf({dimensionality_[0], b});
-        a = space.AncestorAt({dimensionality_[0], a}, std::min(levelOfA, levelOfB));
-        b = space.AncestorAt({dimensionality_[0], b}, std::min(levelOfA, levelOfB));
-        if (a == b) {
-            return levelOfA < levelOfB;
+    bool IsBefore(std::span<const MemberId> a, std::span<const MemberId> b) {
+        const auto [differing, other] = std::mismatch(a.begin(), a.end(), b.begin());
+        if (differing == a.end()) {
+            return false;
         }
-        MemberId parentOfA = space.Parent({dimensionality_[0], a});
-        MemberId parentOfB = space.Parent({dimensionality_[0], b});
-        while (parentOfA != parentOfB) {
-            a = parentOfA;
-            b = parentOfB;
-            parentOfA = space.Parent({dimensionality_[0], a});
-            parentOfB = space.Parent({dimensionality_[0], b});
-        }
-        const int order = sign_ * Compare(ValueOf(a), ValueOf(b));
-        return order != 0 ? order < 0 : a < b;
+        const auto place = static_cast<std::size_t>(differing - a.begin());
+        return IsBefore(a.first(place), *differing, *other);
     }
 
 private:
-    const CellValue& ValueOf(MemberId member) {
-        const auto known = values_.find(member);
+    bool IsBefore(std::span<const MemberId> before, MemberId a, MemberId b) {
+        const MemberSpace& space = evaluator_.Space();
+        const HierarchyId hierarchy = dimensionality_[before.size()];
+        const std::size_t levelOfA = space.LevelOf({hierarchy, a});
+        const std::size_t levelOfB = space.LevelOf({hierarchy, b});
+        a = space.AncestorAt({hierarchy, a}, std::min(levelOfA, levelOfB));
+        b = space.AncestorAt({hierarchy, b}, std::min(levelOfA, levelOfB));
+        if (a == b) {
+            return levelOfA < levelOfB;
+        }
+        MemberId parentOfA = space.Parent({hierarchy, a});
+        MemberId parentOfB = space.Parent({hierarchy, b});
+        while (parentOfA != parentOfB) {
+            a = parentOfA;
+            b = parentOfB;
+            parentOfA = space.Parent({hierarchy, a});
+            parentOfB = space.Parent({hierarchy, b});
+        }
+        const int order = sign_ * Compare(ValueOf(before, a), ValueOf(before, b));
+        return order != 0 ? order < 0 : a < b;
+    }
+
+    const CellValue& ValueOf(std::span<const MemberId> before, MemberId member) {
+        std::vector<MemberId> tuple(before.begin(), before.end());
+        tuple.push_back(member);
+        const auto known = values_.find(tuple);
         if (known != values_.end()) {
             return known->second;
         }
-        const Evaluator::Position position(evaluator_, dimensionality_, {&member, 1});
-        return values_.emplace(member, value_.Evaluate(evaluator_)).first->second;
+        const Evaluator::Position position(evaluator_, std::span(dimensionality_).first(tuple.size()), tuple);
+        return values_.emplace(tuple, value_.Evaluate(evaluator_)).first->second;
     }
 
     Evaluator& evaluator_;
     const NumberExpression& value_;
-    Dimensionality dimensionality_;
+    const Dimensionality& dimensionality_;
     int sign_;
-    std::unordered_map<MemberId, CellValue> values_;
+    std::map<std::vector<MemberId>, CellValue> values_;
 };
 
 bool IsNumberLike(const Bound& bound) { return !std::holds_alternative<TextPtr>(bound); }
@@ -143,10 +158,10 @@ Bound SortByNumber(SetPtr set, NumberPtr value, int sign, bool withinFamilies) {
                     value = std::move(value)](Evaluator& evaluator, TupleSet& result) {
                        const TupleSet whole = set->Evaluate(evaluator);
                        Order order = FirstToLast(whole.Count());
-                       if (withinFamilies && whole.dimensionality.size() == 1) {
-                           FamilySort families(evaluator, *value, whole.dimensionality[0], sign);
+                       if (withinFamilies) {
+                           FamilySort families(evaluator, *value, whole.dimensionality, sign);
                            std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-                               return families.IsBefore(whole.ids[a], whole.ids[b]);
+                               return families.IsBefore(whole.At(a), whole.At(b));
                            });
                        } else {
                            const auto values = ValuesOf<CellValue>(value, whole, evaluator);

@@ -6,20 +6,44 @@
 
 namespace qel::engine {
 
-SumOfSet::SumOfSet(SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember)
-    : NumberExpression(false), set_(std::move(set)), value_(std::move(value)), valueMember_(valueMember) {}
+SumOfSet::SumOfSet(Kind kind, SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember)
+    : NumberExpression(false), kind_(kind), set_(std::move(set)), value_(std::move(value)),
+      valueMember_(valueMember) {}
 
 CellValue SumOfSet::Evaluate(Evaluator& evaluator) const {
     if (const std::optional<CellValue> folded = evaluator.FoldedCell(*this)) {
         return *folded;
     }
+    if (kind_ == Kind::Aggregate) {
+        return EvaluateTogether(evaluator);
+    }
     const TupleSet set = set_->Evaluate(evaluator);
     CellValue sum;
     for (std::size_t i = 0; i < set.Count(); ++i) {
         const Evaluator::Position position(evaluator, set.dimensionality, set.At(i));
-        sum = Add(sum, value_ ? value_->Evaluate(evaluator) : evaluator.Cell());
+        sum = Add(sum, ValueAt(evaluator));
     }
     return sum;
+}
+
+CellValue SumOfSet::ValueAt(Evaluator& evaluator) const {
+    return value_ ? value_->Evaluate(evaluator) : evaluator.Cell();
+}
+
+CellValue SumOfSet::EvaluateTogether(Evaluator& evaluator) const {
+    std::unique_ptr<const CompoundSet> own;
+    if (!together_) {
+        own = std::make_unique<const CompoundSet>(evaluator.Space(), set_->Evaluate(evaluator));
+        if (set_->IsConstant()) {
+            together_ = std::move(own);
+        }
+    }
+    const CompoundSet& set = own ? *own : *together_;
+    if (set.Count() == 0) {
+        return CellValue::Empty();
+    }
+    const Evaluator::CompoundPosition position(evaluator, set);
+    return ValueAt(evaluator);
 }
 
 const Folding* SumOfSet::Folded(Evaluator& evaluator) const {
@@ -52,7 +76,9 @@ std::optional<Folding> SumOfSet::Fold(Evaluator& evaluator) const {
         const CodeRanges codes = space.Codes({folding.hierarchy, member});
         folding.codes.insert(folding.codes.end(), codes.begin(), codes.end());
     }
-    if (!JoinDisjoint(folding.codes)) {
+    if (kind_ == Kind::Aggregate) {
+        JoinRanges(folding.codes);
+    } else if (!JoinDisjoint(folding.codes)) {
         return std::nullopt;
     }
     return folding;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "engine/eval/CompoundSet.h"
 #include "engine/eval/Expression.h"
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -15,26 +17,33 @@ struct Folding {
     std::optional<MemberId> measure; ///< nothing: the current measure
 };
 
-/// Sum(set, value) and Aggregate, which sum periods in most statements. Duplicates count twice.
+/// Sum(set, value), which sums periods in most statements: duplicates count twice. Aggregate(set, value) is
+/// the value of all tuples as one position: overlapping tuples count once, and a calculated value is computed
+/// from the whole.
 class SumOfSet final : public NumberExpression {
 public:
+    enum class Kind { Sum, Aggregate };
     /// A null `value` stands for the cell itself.
-    SumOfSet(SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember);
+    SumOfSet(Kind kind, SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember);
 
     CellValue Evaluate(Evaluator& evaluator) const override;
     const SumOfSet* AsSum() const override { return this; }
     /// The sum as a single restriction, computed on first use. Null when the set depends on the coordinates,
-    /// has calculated or overlapping members, or when the value is more than a measure.
+    /// has calculated members or, for Sum, overlapping ones, or when the value is more than a measure.
     const Folding* Folded(Evaluator& evaluator) const;
 
 private:
     std::optional<Folding> Fold(Evaluator& evaluator) const;
+    CellValue ValueAt(Evaluator& evaluator) const;
+    CellValue EvaluateTogether(Evaluator& evaluator) const;
 
+    Kind kind_;
     SetPtr set_;
     NumberPtr value_;
     std::optional<MemberRef> valueMember_; ///< set when the value is a single stored member
     mutable bool foldTried_ = false;
     mutable std::optional<Folding> folding_;
+    mutable std::unique_ptr<const CompoundSet> together_; ///< of a set that does not depend on the cell
 };
 
 } // namespace qel::engine

@@ -69,6 +69,7 @@ struct Definition {
     bool isSet = false;
     NodeId name = noNode; ///< a Path
     NodeId formula = noNode;
+    int depth = 0; ///< how many expressions stand inside one another in the formula
     int solveOrder = 0;
 };
 

@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <span>
 
@@ -57,12 +58,7 @@ std::string Found(const Token& token) {
 /// Counts a nesting level; raises TooLarge beyond the limit.
 class ExpressionParser::Nesting {
 public:
-    explicit Nesting(ExpressionParser& parser) : parser_(parser) {
-        if (++parser_.nesting_ > nestingLimit) {
-            RaiseAt(ErrorKind::TooLarge, parser_.statement_.source, parser_.current_.range,
-                    fmt::format("more than {} expressions stand inside one another", nestingLimit));
-        }
-    }
+    explicit Nesting(ExpressionParser& parser) : parser_(parser) { parser_.Descend(); }
     ~Nesting() { --parser_.nesting_; }
     Nesting(const Nesting&) = delete;
     Nesting& operator=(const Nesting&) = delete;
@@ -275,10 +271,7 @@ void ExpressionParser::ParsePart(NodeId path) {
 NodeId ExpressionParser::ParseMethods(NodeId target) {
     const int outerNesting = nesting_;
     while (IsAt(TokenKind::Dot)) {
-        if (++nesting_ > nestingLimit) {
-            RaiseAt(ErrorKind::TooLarge, statement_.source, current_.range,
-                    fmt::format("more than {} expressions stand inside one another", nestingLimit));
-        }
+        Descend();
         Advance();
         if (!IsAt(TokenKind::Word) || !IsMethod(current_.text)) {
             Fail("a function of a member or a set, such as Parent, Children or Members");
@@ -293,6 +286,14 @@ NodeId ExpressionParser::ParseMethods(NodeId target) {
     }
     nesting_ = outerNesting;
     return target;
+}
+
+void ExpressionParser::Descend() {
+    if (++nesting_ > nestingLimit) {
+        RaiseAt(ErrorKind::TooLarge, statement_.source, current_.range,
+                fmt::format("more than {} expressions stand inside one another", nestingLimit));
+    }
+    deepest_ = std::max(deepest_, nesting_);
 }
 
 bool ExpressionParser::IsAt(std::string_view word) const {

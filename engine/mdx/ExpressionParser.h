@@ -4,6 +4,7 @@
 #include "engine/mdx/Lexer.h"
 
 #include <string_view>
+#include <utility>
 
 namespace qel::engine::mdx {
 
@@ -35,6 +36,8 @@ public:
     Lexer& Source() { return lexer_; }
     /// Whether a comma, a word and "=" come next: a property of a calculated member.
     bool IsAtProperty() const;
+    /// How many expressions stood inside one another at most since this was last asked.
+    int TakeDepth() { return std::exchange(deepest_, 0); }
 
 private:
     class Nesting;
@@ -52,6 +55,8 @@ private:
     void ParsePart(NodeId path);
     NodeId ParseMethods(NodeId target);
     void ParseArguments(NodeId call);
+    /// One step down; raises TooLarge when the limit is passed.
+    void Descend();
 
     NodeId NewNode(NodeKind kind, SourceRange range, std::string_view text = {});
     void AddChild(NodeId parent, NodeId child);
@@ -64,6 +69,7 @@ private:
     Token current_;
     std::vector<NodeId> lastChild_; ///< by node, to append children in constant time
     int nesting_ = 0;
+    int deepest_ = 0;
 };
 
 } // namespace qel::engine::mdx

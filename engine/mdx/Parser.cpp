@@ -27,7 +27,7 @@ private:
     void ParseMember();
     void ParseNamedSet();
     /// Parses the formula after AS, in single quotes or bare.
-    NodeId ParseFormula();
+    void ParseFormula(Definition& definition);
     void ParseProperties(Definition& definition);
     void ParseAxes();
     void ParseAxis();
@@ -76,7 +76,7 @@ void StatementParser::ParseDefinitions() {
 void StatementParser::ParseMember() {
     Definition definition;
     definition.name = expressions_.ParsePath("the name of the calculated member");
-    definition.formula = ParseFormula();
+    ParseFormula(definition);
     ParseProperties(definition);
     statement_.definitions.push_back(definition);
 }
@@ -85,21 +85,22 @@ void StatementParser::ParseNamedSet() {
     Definition definition;
     definition.isSet = true;
     definition.name = expressions_.ParsePath("the name of the set");
-    definition.formula = ParseFormula();
+    ParseFormula(definition);
     statement_.definitions.push_back(definition);
 }
 
-NodeId StatementParser::ParseFormula() {
+void StatementParser::ParseFormula(Definition& definition) {
     if (!expressions_.IsAt("as")) {
         expressions_.Fail("AS");
     }
     const bool quoted = expressions_.Source().EnterFormula();
     expressions_.Advance();
-    const NodeId formula = expressions_.ParseExpression("an expression");
+    expressions_.TakeDepth();
+    definition.formula = expressions_.ParseExpression("an expression");
+    definition.depth = expressions_.TakeDepth();
     if (quoted) {
         expressions_.Expect(TokenKind::FormulaEnd, "the end of the formula");
     }
-    return formula;
 }
 
 void StatementParser::ParseProperties(Definition& definition) {

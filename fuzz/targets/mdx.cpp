@@ -3,14 +3,18 @@
 #include "qel/engine/CubeFile.h"
 #include "qel/engine/EngineError.h"
 #include "qel/engine/RunStatement.h"
+#include "tests/helpers/SmallStack.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <random>
+#include <string>
 #include <string_view>
 
-// Runs any bytes as a statement on a small cube: the result is a cellset or an EngineError, in bounded time.
+// Runs any bytes as a statement on a small cube, in a thread with a small stack: the result is a cellset or
+// an EngineError, in bounded time.
 
 namespace {
 
@@ -42,20 +46,42 @@ std::shared_ptr<const qel::engine::Cube> BuildSmallCube() {
     return cube;
 }
 
-} // namespace
+/// What stands between two bytes 1 comes many times: small inputs make long statements.
+std::string Lengthened(std::string_view text) {
+    constexpr char mark = 1;
+    constexpr std::size_t mostBytes = 100'000;
+    std::string longer;
+    for (std::size_t piece = 0; true; ++piece) {
+        const std::size_t end = std::min(text.find(mark), text.size());
+        longer += text.substr(0, end);
+        while (piece % 2 == 1 && end > 0 && longer.size() + end < mostBytes) {
+            longer += text.substr(0, end);
+        }
+        if (end == text.size()) {
+            return longer;
+        }
+        text.remove_prefix(end + 1);
+    }
+}
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const std::shared_ptr<const qel::engine::Cube> cube = BuildSmallCube();
+void RunStatement(const qel::engine::Cube& cube, std::string_view statement) {
     try {
-        const std::string_view statement(reinterpret_cast<const char*>(data), size);
-        const qel::engine::Cellset cellset = qel::engine::RunStatement(*cube, statement);
+        const qel::engine::Cellset cellset = qel::engine::RunStatement(cube, statement);
         for (std::size_t axis = 0; axis < cellset.AxisCount(); ++axis) {
             for (std::size_t i = 0; i < cellset.PositionCount(axis) && cellset.TupleSize(axis) > 0; ++i) {
                 static_cast<void>(cellset.MemberAt(axis, i, cellset.TupleSize(axis) - 1));
             }
         }
     } catch (const qel::engine::EngineError&) {
-        return 0; // an expected error
+        return; // an expected error
     }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::shared_ptr<const qel::engine::Cube> cube = BuildSmallCube();
+    const std::string statement = Lengthened({reinterpret_cast<const char*>(data), size});
+    qel::test::RunOnSmallStack([&] { RunStatement(*cube, statement); });
     return 0;
 }

@@ -78,6 +78,11 @@ class Server:
                    "-Dmondrian.olap.SsasCompatibleNaming=true",
                    # A fact may belong to several members of a level; adding those up would count it several times.
                    "-Dmondrian.rolap.EnableInMemoryRollup=false",
+                   # Otherwise NON EMPTY on an axis takes members without facts out of sets in formulas too.
+                   "-Dmondrian.native.nonempty.enable=false",
+                   # The SQL of these fails for some sets.
+                   "-Dmondrian.native.filter.enable=false", "-Dmondrian.native.topcount.enable=false",
+                   "-Dmondrian.native.crossjoin.enable=false",
                    f"-Dxmla.port={options.port}", f"-Dxmla.sources={sources.as_uri()}", f"-Dsql.folder={options.folder}",
                    "org.eclipse.jetty.xml.XmlConfiguration", *map(str, steps)]
         self.log = []

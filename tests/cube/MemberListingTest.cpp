@@ -87,7 +87,8 @@ TEST(CountObsLevels, CountsFromTheFirstFilledFieldDown) {
     const CountCase cases[] = {
         {"the top level", {{null, null, null, 5.0}, {"North", null, null, 5.0}}, 3},
         {"the second level", {{null, null, null, 1.0}, {null, "Main", null, 1.0}, {"", "Main", "x", 1.0}}, 2},
-        {"only numbers", {{null, null, null, 1.0}}, 0},
+        {"the measure alone", {{null, null, null, 1.0}}, 0},
+        {"a caption that is a number", {{null, null, null, 1.0}, {null, 2024.0, null, 1.0}}, 2},
         {"no rows", {}, 0},
     };
     for (const auto& c : cases) {

@@ -17,15 +17,15 @@ constexpr std::size_t rowsAxis = 1;
 /// Fills the fields of one hierarchy of the rows axis.
 class HierarchyFields {
 public:
-    /// `deepest` is the lowest of the hierarchy's members on the axis.
-    HierarchyFields(const engine::Cube& cube, const AxisMember& deepest) {
-        if (deepest.hierarchy >= cube.Hierarchies().size()) {
-            names_.push_back("[Measures]." + engine::BracketedName(deepest.levelName) + captionSuffix);
+    /// For the hierarchy of this member, with `levelCount` levels from the top.
+    HierarchyFields(const engine::Cube& cube, const AxisMember& member, std::size_t levelCount) {
+        if (member.hierarchy >= cube.Hierarchies().size()) {
+            names_.push_back("[Measures]." + engine::BracketedName(member.levelName) + captionSuffix);
             return;
         }
-        stored_ = &cube.Hierarchies()[deepest.hierarchy];
+        stored_ = &cube.Hierarchies()[member.hierarchy];
         firstLevel_ = stored_->HasAll() ? 1 : 0;
-        for (std::size_t level = firstLevel_; level <= deepest.levelDepth; ++level) {
+        for (std::size_t level = firstLevel_; level < levelCount; ++level) {
             names_.push_back(stored_->UniqueName() + "." +
                              engine::BracketedName(stored_->Levels()[level].name) + captionSuffix);
         }
@@ -58,24 +58,14 @@ private:
     std::vector<std::string> names_;
 };
 
-const AxisMember& DeepestMember(const engine::Cellset& cellset, std::size_t place) {
-    const AxisMember* deepest = &cellset.MemberAt(rowsAxis, 0, place);
-    for (std::size_t position = 1; position < cellset.PositionCount(rowsAxis); ++position) {
-        const auto& member = cellset.MemberAt(rowsAxis, position, place);
-        if (member.levelDepth > deepest->levelDepth) {
-            deepest = &member;
-        }
-    }
-    return *deepest;
-}
-
 std::vector<HierarchyFields> RowHierarchies(const engine::Cube& cube, const engine::Cellset& cellset) {
     std::vector<HierarchyFields> hierarchies;
     if (cellset.AxisCount() <= rowsAxis || cellset.PositionCount(rowsAxis) == 0) {
         return hierarchies;
     }
     for (std::size_t place = 0; place < cellset.TupleSize(rowsAxis); ++place) {
-        hierarchies.emplace_back(cube, DeepestMember(cellset, place));
+        hierarchies.emplace_back(cube, cellset.MemberAt(rowsAxis, 0, place),
+                                 cellset.LevelCount(rowsAxis, place));
     }
     return hierarchies;
 }

@@ -2,8 +2,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <limits>
+#include <set>
 
 namespace qel::engine::plain {
 
@@ -24,6 +26,18 @@ Wide Raised(const Value& value, int decimals) {
         number *= 10;
     }
     return number;
+}
+
+/// The members of a group's tuple that nothing in the place has replaced.
+std::vector<std::pair<std::size_t, int>> Open(const Place& place, const Group& group, const Tuple& tuple) {
+    std::vector<std::pair<std::size_t, int>> open;
+    for (std::size_t i = 0; i < tuple.size(); ++i) {
+        const auto found = place.groups.find(group.hierarchies[i]);
+        if (found != place.groups.end() && found->second.get() == &group) {
+            open.emplace_back(group.hierarchies[i], tuple[i]);
+        }
+    }
+    return open;
 }
 
 bool IsExactOrEmpty(const Value& value) { return value.isEmpty || value.isExact; }
@@ -90,9 +104,15 @@ std::string World::NameOf(std::size_t hierarchy, int member) const {
                                 : cube_.hierarchies[hierarchy].members[static_cast<std::size_t>(member)].name;
 }
 
+int World::ParentOf(std::size_t hierarchy, int member) const {
+    return hierarchy == Measures() || member >= calculated
+               ? noParent
+               : cube_.hierarchies[hierarchy].members[static_cast<std::size_t>(member)].parent;
+}
+
 Value World::CellAt(const Place& place) const {
     const Formula* top = nullptr;
-    for (const int member : place) {
+    for (const int member : place.members) {
         if (member >= calculated) {
             const Formula* const formula = &formulas_[static_cast<std::size_t>(member - calculated)];
             const bool isAbove = top == nullptr || formula->solveOrder > top->solveOrder ||
@@ -100,7 +120,27 @@ Value World::CellAt(const Place& place) const {
             top = isAbove ? formula : top;
         }
     }
-    return top != nullptr ? top->number.at(*this, place) : SumOfFacts(place);
+    if (top != nullptr) {
+        return top->number.at(*this, place);
+    }
+    // Tuples with calculated members are no facts: each adds its own cell.
+    Value sum = SumOfFacts(place);
+    std::set<std::vector<std::pair<std::size_t, int>>> added;
+    for (const auto& [hierarchy, group] : place.groups) {
+        for (const Tuple& tuple : group->tuples) {
+            std::vector<std::pair<std::size_t, int>> open = Open(place, *group, tuple);
+            Place own = place;
+            bool isCalculated = false;
+            for (const auto& [at, member] : open) {
+                own = With(own, {at}, {member});
+                isCalculated = isCalculated || member >= calculated;
+            }
+            if (isCalculated && added.insert(open).second) {
+                sum = Plus(sum, CellAt(own));
+            }
+        }
+    }
+    return sum;
 }
 
 Value World::SumOfFacts(const Place& place) const {
@@ -108,13 +148,7 @@ Value World::SumOfFacts(const Place& place) const {
     std::int64_t count = 0;
     const int measure = place.back();
     for (const Fact& fact : cube_.facts) {
-        bool counts = true;
-        for (std::size_t i = 0; i < Measures() && counts; ++i) {
-            const Hierarchy& hierarchy = cube_.hierarchies[i];
-            const Member& member = hierarchy.members[static_cast<std::size_t>(place[i])];
-            counts = hierarchy.column == noColumn || member.Takes(fact.values[hierarchy.column]);
-        }
-        if (counts) {
+        if (Counts(fact, place)) {
             sum += measure == 0 ? fact.cents : fact.thousandths;
             ++count;
         }
@@ -125,9 +159,60 @@ Value World::SumOfFacts(const Place& place) const {
     return measure == 2 ? Exact(count, 0) : Exact(sum, measure == 0 ? 2 : 3);
 }
 
+bool World::Takes(std::size_t hierarchy, int member, const Fact& fact) const {
+    const Hierarchy& tree = cube_.hierarchies[hierarchy];
+    return tree.column == noColumn ||
+           tree.members[static_cast<std::size_t>(member)].Takes(fact.values[tree.column]);
+}
+
+/// A fact counts when every single member takes it, and of every group some stored tuple.
+bool World::Counts(const Fact& fact, const Place& place) const {
+    for (std::size_t i = 0; i < Measures(); ++i) {
+        if (place[i] != several) {
+            if (!Takes(i, place[i], fact)) {
+                return false;
+            }
+            continue;
+        }
+        const Group& group = *place.groups.at(i);
+        const bool some = std::any_of(group.tuples.begin(), group.tuples.end(), [&](const Tuple& tuple) {
+            const auto open = Open(place, group, tuple);
+            return std::all_of(open.begin(), open.end(), [&](const auto& member) {
+                return member.second < calculated && Takes(member.first, member.second, fact);
+            });
+        });
+        if (!some) {
+            return false;
+        }
+    }
+    return true;
+}
+
+int Place::Current(std::size_t hierarchy) const {
+    if (members[hierarchy] == several) {
+        throw NoCurrentMember();
+    }
+    return members[hierarchy];
+}
+
 Place With(Place place, const std::vector<std::size_t>& hierarchies, const Tuple& tuple) {
     for (std::size_t i = 0; i < hierarchies.size(); ++i) {
-        place[hierarchies[i]] = tuple[i];
+        place.members[hierarchies[i]] = tuple[i];
+        place.groups.erase(hierarchies[i]);
+    }
+    return place;
+}
+
+Place WithAll(Place place, const std::vector<std::size_t>& hierarchies, const std::vector<Tuple>& tuples) {
+    const auto group = std::make_shared<const Group>(Group{hierarchies, tuples});
+    for (std::size_t i = 0; i < hierarchies.size(); ++i) {
+        const bool isOne =
+            !tuples.empty() && std::all_of(tuples.begin(), tuples.end(),
+                                           [&](const Tuple& tuple) { return tuple[i] == tuples.front()[i]; });
+        place = With(place, {hierarchies[i]}, {isOne ? tuples.front()[i] : several});
+        if (!isOne) {
+            place.groups[hierarchies[i]] = group;
+        }
     }
     return place;
 }

@@ -95,9 +95,17 @@ Set RandomMdx::Family(std::size_t hierarchy) {
     const int member = AnyMember(hierarchy);
     const std::string& path = tree.members[static_cast<std::size_t>(member)].path;
     const int level = static_cast<int>(Below(tree.levels.size()));
-    switch (Below(4)) {
+    switch (Below(5)) {
     case 0:
         return Constant(path + ".Children", hierarchy, tree.Children(member));
+    case 4: {
+        std::vector<int> all{0};
+        for (std::size_t i = 0; i < all.size(); ++i) { // children right behind their parent
+            const std::vector<int> children = tree.Children(all[i]);
+            all.insert(all.begin() + static_cast<std::ptrdiff_t>(i) + 1, children.begin(), children.end());
+        }
+        return Constant(tree.uniqueName + ".Members", hierarchy, all);
+    }
     case 1: {
         std::vector<int> below;
         for (const int other : tree.OfLevel(level)) {
@@ -175,7 +183,77 @@ Set RandomMdx::Chosen(std::size_t hierarchy, int depth) {
             }};
 }
 
+Set RandomMdx::Name(const std::string& name, Set set) {
+    named_ = {name, set.hierarchies,
+              [set](const World& world, const Place&) { return set.at(world, world.Start()); }};
+    return set;
+}
+
+Set RandomMdx::TuplesOver(std::size_t first, std::size_t second) {
+    std::vector<Tuple> tuples;
+    std::string text;
+    const World world(cube_);
+    for (std::size_t count = 1 + Below(5); count > 0; --count) {
+        tuples.push_back({AnyMember(first), AnyMember(second)});
+        text += fmt::format("{}({}, {})", text.empty() ? "" : ", ", world.PathOf(first, tuples.back()[0]),
+                            world.PathOf(second, tuples.back()[1]));
+    }
+    return {"{" + text + "}", {first, second}, [tuples](const World&, const Place&) { return tuples; }};
+}
+
+/// A tuple's way down from the top, hierarchy by hierarchy: every step has a member and a place, where its
+/// value is taken when it differs from another. Tuples are sorted as their ways are.
+Set RandomMdx::Ordered(const Set& set) {
+    const Number by = NumberOf(1);
+    const bool descends = OneIn(2);
+    return {fmt::format("Order({}, {}, {})", set.text, by.text, descends ? "DESC" : "ASC"), set.hierarchies,
+            [=](const World& world, const Place& place) {
+                using Way = std::vector<std::vector<std::pair<Place, int>>>;
+                std::vector<std::pair<Way, Tuple>> ways;
+                for (const Tuple& tuple : set.at(world, place)) {
+                    Way way;
+                    Place before = place;
+                    for (std::size_t i = 0; i < tuple.size(); ++i) {
+                        const std::size_t hierarchy = set.hierarchies[i];
+                        way.emplace_back();
+                        for (int step = tuple[i]; step != noParent; step = world.ParentOf(hierarchy, step)) {
+                            way.back().emplace(way.back().begin(), With(before, {hierarchy}, {step}), step);
+                        }
+                        before = With(before, {hierarchy}, {tuple[i]});
+                    }
+                    ways.emplace_back(std::move(way), tuple);
+                }
+                const auto isStepBefore = [&](const auto& a, const auto& b) {
+                    if (a.second == b.second) {
+                        return false;
+                    }
+                    const int order =
+                        Compare(by.at(world, a.first), by.at(world, b.first)) * (descends ? -1 : 1);
+                    return order != 0 ? order < 0 : a.second < b.second;
+                };
+                std::stable_sort(ways.begin(), ways.end(), [&](const auto& a, const auto& b) {
+                    for (std::size_t i = 0; i < a.first.size(); ++i) {
+                        if (a.second[i] != b.second[i]) {
+                            return std::lexicographical_compare(a.first[i].begin(), a.first[i].end(),
+                                                                b.first[i].begin(), b.first[i].end(),
+                                                                isStepBefore);
+                        }
+                    }
+                    return false;
+                });
+                std::vector<Tuple> sorted;
+                for (const auto& [way, tuple] : ways) {
+                    sorted.push_back(tuple);
+                }
+                return sorted;
+            }};
+}
+
 Set RandomMdx::SetOver(std::size_t hierarchy, int depth, bool onlyStored) {
+    const bool fits = named_ && named_->hierarchies == std::vector<std::size_t>{hierarchy};
+    if (fits && !onlyStored && OneIn(3)) {
+        return *named_;
+    }
     if (depth <= 0) {
         const std::size_t kind = Below(3);
         return kind == 0 ? Leaf(hierarchy) : kind == 1 ? Family(hierarchy) : Range(hierarchy);
@@ -275,8 +353,16 @@ Number RandomMdx::Reading() {
 Number RandomMdx::OverSet(int depth) {
     const Set set = SetOver(AnyHierarchy(), static_cast<int>(Below(2)), OneIn(2));
     const Number number = NumberOf(depth - 1);
-    const std::size_t kind = Below(5);
+    const std::size_t kind = Below(6);
     constexpr const char* names[] = {"Sum", "Avg", "Min", "Max"};
+    if (kind == 5) {
+        return {fmt::format("Aggregate({}, {})", set.text, number.text),
+                [set, number](const World& world, const Place& place) {
+                    const std::vector<Tuple> tuples = set.at(world, place);
+                    return tuples.empty() ? Value()
+                                          : number.at(world, WithAll(place, set.hierarchies, tuples));
+                }};
+    }
     if (kind == 4) {
         return {fmt::format("Count(CrossJoin({}, {{[Measures].[Lines]}}), EXCLUDEEMPTY)", set.text),
                 [set](const World& world, const Place& place) {
@@ -361,9 +447,8 @@ Condition RandomMdx::ConditionOf(int depth) {
         const bool both = OneIn(2);
         return {fmt::format("({} {} NOT {})", left.text, both ? "AND" : "OR", right.text),
                 [=](const World& world, const Place& place) {
-                    const bool a = left.at(world, place);
-                    const bool b = !right.at(world, place);
-                    return both ? a && b : a || b;
+                    const bool isDecided = left.at(world, place) != both; // by the left side alone
+                    return isDecided ? !both : !right.at(world, place);
                 }};
     }
     const std::size_t hierarchy = AnyHierarchy();
@@ -378,7 +463,7 @@ Condition RandomMdx::ConditionOf(int depth) {
     case 1:
         return {fmt::format("{}.CurrentMember IS {}", tree.uniqueName,
                             tree.members[static_cast<std::size_t>(member)].path),
-                [=](const World&, const Place& place) { return place[hierarchy] == member; }};
+                [=](const World&, const Place& place) { return place.Current(hierarchy) == member; }};
     case 2: {
         const std::string name = tree.members[static_cast<std::size_t>(member)].name;
         if (name.find('"') != std::string::npos) {
@@ -386,7 +471,7 @@ Condition RandomMdx::ConditionOf(int depth) {
         }
         return {fmt::format("{}.CurrentMember.Name = \"{}\"", tree.uniqueName, name),
                 [=](const World& world, const Place& place) {
-                    return world.NameOf(hierarchy, place[hierarchy]) == name;
+                    return world.NameOf(hierarchy, place.Current(hierarchy)) == name;
                 }};
     }
     default: {
@@ -418,14 +503,19 @@ Number RandomMdx::MemberFormula(std::size_t hierarchy) {
     }
     const Set set = SetOver(hierarchy, static_cast<int>(Below(2)), true);
     const bool namesMeasure = OneIn(2);
-    return {fmt::format("{}({}{})", OneIn(4) ? "Aggregate" : "Sum", set.text,
+    const bool together = OneIn(3);
+    return {fmt::format("{}({}{})", together ? "Aggregate" : "Sum", set.text,
                         namesMeasure ? ", [Measures].[Amount]" : ""),
-            [set, namesMeasure](const World& world, const Place& place) {
+            [set, namesMeasure, together](const World& world, const Place& place) {
+                const std::vector<Tuple> tuples = set.at(world, place);
+                Place cell = place;
+                cell.back() = namesMeasure ? 0 : cell.back();
                 Value sum;
-                for (const Tuple& tuple : set.at(world, place)) {
-                    Place cell = With(place, set.hierarchies, tuple);
-                    cell.back() = namesMeasure ? 0 : cell.back();
-                    sum = Plus(sum, world.CellAt(cell));
+                if (together) {
+                    return tuples.empty() ? sum : world.CellAt(WithAll(cell, set.hierarchies, tuples));
+                }
+                for (const Tuple& tuple : tuples) {
+                    sum = Plus(sum, world.CellAt(With(cell, set.hierarchies, tuple)));
                 }
                 return sum;
             }};

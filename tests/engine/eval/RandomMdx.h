@@ -23,6 +23,13 @@ public:
     Set SetOver(std::size_t hierarchy, int depth, bool onlyStored = false);
     /// A set over two hierarchies.
     Set Crossed(Set left, Set right);
+    /// Sorted by a value within families.
+    Set Ordered(const Set& set);
+    /// A few tuples of two hierarchies that may overlap.
+    Set TuplesOver(std::size_t first, std::size_t second);
+    /// A named set, which sets over its hierarchy use until the next one.
+    Set Name(const std::string& name, Set set);
+    void ForgetName() { named_.reset(); }
     /// A number; every cell it reads names its measure.
     Number NumberOf(int depth);
     Condition ConditionOf(int depth);
@@ -39,6 +46,7 @@ private:
 
     const Cube& cube_;
     std::mt19937 random_;
+    std::optional<Set> named_;
 };
 
 } // namespace qel::engine::plain

@@ -173,6 +173,7 @@ TEST_F(RandomSets, WalkFamiliesByTheirParents) {
             const std::size_t level = Below(hierarchy.Levels().size());
             Members onLevel;
             Members leaves;
+            Members leavesToLevel;
             for (const MemberId below : tree) {
                 if (hierarchy.LevelOf(below) == level) {
                     onLevel.push_back(below);
@@ -181,10 +182,16 @@ TEST_F(RandomSets, WalkFamiliesByTheirParents) {
                 if (isLeaf) {
                     leaves.push_back(below);
                 }
+                if (isLeaf && hierarchy.LevelOf(below) <= level) {
+                    leavesToLevel.push_back(below);
+                }
             }
             EXPECT_EQ(Positions(fmt::format("Descendants({}, {}.Levels({}))", path, name, level)), onLevel)
                 << path;
             EXPECT_EQ(Positions(fmt::format("Descendants({}, , LEAVES)", path)), leaves) << path;
+            EXPECT_EQ(Positions(fmt::format("Descendants({}, {}.Levels({}), LEAVES)", path, name, level)),
+                      leavesToLevel)
+                << path;
 
             Members ascendants;
             for (MemberId step = member; step != noMember; step = hierarchy.Parent(step)) {

@@ -46,7 +46,13 @@ public:
     Statement Make() {
         Statement statement(cube_);
         calculatedMembers_.clear();
+        random_.ForgetName();
         std::string with;
+        if (random_.OneIn(3)) {
+            const Set named = random_.SetOver(random_.AnyHierarchy(), 1);
+            random_.Name("Ours", named);
+            with += " SET Ours AS " + (random_.OneIn(2) ? InQuotes(named.text) : named.text);
+        }
         if (random_.OneIn(2)) {
             with += AddFormula(statement, cube_.hierarchies.size(), random_.NumberOf(2));
         }
@@ -58,16 +64,13 @@ public:
         for (std::size_t i = 0; i < free_.size(); ++i) {
             free_[i] = i;
         }
-        // The slicer affects the conditions on the axes, so it is drawn first. Several tuples leave no
-        // current member.
-        std::string where;
-        const bool sumsSlicer = random_.OneIn(6);
-        if (sumsSlicer || random_.OneIn(2)) {
-            statement.slicer = MakeSlicer(statement.world, sumsSlicer);
+        std::string where; // it affects the conditions on the axes, so it is drawn first
+        if (random_.OneIn(2)) {
+            statement.slicer = MakeSlicer(statement.world, random_.OneIn(2));
             where = " WHERE " + statement.slicer->text;
         }
-        statement.text = (with.empty() ? "" : "WITH" + with + " ") + "SELECT " +
-                         MakeAxes(statement, sumsSlicer) + " FROM [Plain]" + where;
+        statement.text = (with.empty() ? "" : "WITH" + with + " ") + "SELECT " + MakeAxes(statement) +
+                         " FROM [Plain]" + where;
         return statement;
     }
 
@@ -110,8 +113,14 @@ private:
 
     Set MakeSlicer(const World& world, bool isSet) {
         const std::size_t hierarchy = TakeHierarchy();
+        if (isSet && random_.OneIn(2)) {
+            const std::size_t second = TakeHierarchy();
+            return random_.OneIn(2)
+                       ? random_.TuplesOver(hierarchy, second)
+                       : random_.Crossed(random_.SetOver(hierarchy, 0), random_.SetOver(second, 0));
+        }
         if (isSet) {
-            return WithCalculated(world, random_.SetOver(hierarchy, 1, true));
+            return WithCalculated(world, random_.SetOver(hierarchy, 1));
         }
         Set slicer{"", {hierarchy}, nullptr};
         Tuple tuple{random_.AnyMember(hierarchy)};
@@ -133,7 +142,7 @@ private:
         return slicer;
     }
 
-    std::string MakeAxes(Statement& statement, bool onlyStored) {
+    std::string MakeAxes(Statement& statement) {
         std::string text;
         const std::size_t measures = cube_.hierarchies.size();
         const auto add = [&](Set set) {
@@ -143,9 +152,8 @@ private:
             statement.axes.push_back({std::move(set), isNonEmpty});
         };
         const auto stored = [&] {
-            return WithCalculated(
-                statement.world,
-                random_.SetOver(TakeHierarchy(), static_cast<int>(random_.Below(3)), onlyStored));
+            return WithCalculated(statement.world,
+                                  random_.SetOver(TakeHierarchy(), static_cast<int>(random_.Below(3))));
         };
         const int measure = static_cast<int>(random_.Below(3));
         const Set chosen =
@@ -158,7 +166,8 @@ private:
             add(random_.OneIn(3) ? stored() : chosen);
         }
         if (axes > 1) {
-            add(random_.OneIn(2) ? random_.Crossed(stored(), stored()) : stored());
+            const Set rows = random_.OneIn(2) ? random_.Crossed(stored(), stored()) : stored();
+            add(random_.OneIn(4) ? random_.Ordered(rows) : rows);
         }
         if (axes > 2 && random_.OneIn(2)) {
             add(stored());
@@ -172,6 +181,8 @@ private:
     std::vector<std::pair<std::size_t, int>> calculatedMembers_;
 };
 
+constexpr const char* noCurrentMember = "has no current member here";
+
 std::string Shown(const Value& value) {
     return value.isEmpty ? "-" : fmt::format("{}{}", value.isExact ? "" : "~", value.number);
 }
@@ -179,13 +190,13 @@ std::string Shown(const Value& value) {
 /// The result as text: the tuples of every axis, then the cells, the first axis varying fastest.
 class PlainAnswer {
 public:
-    explicit PlainAnswer(const Statement& statement) : statement_(statement) {
+    explicit PlainAnswer(Statement& statement) : statement_(statement) {
         Place place = statement.world.Defaults();
         if (statement.slicer) {
-            slicer_ = statement.slicer->at(statement.world, place);
-            if (slicer_.size() == 1) {
-                place = With(place, statement.slicer->hierarchies, slicer_[0]);
-            }
+            const std::vector<Tuple> slicer = statement.slicer->at(statement.world, place);
+            isNowhere_ = slicer.empty();
+            place = WithAll(place, statement.slicer->hierarchies, slicer);
+            statement.world.StartFrom(place);
         }
         for (const Axis& axis : statement.axes) {
             axes_.push_back(axis.set.at(statement.world, place));
@@ -242,19 +253,10 @@ private:
         }
     }
 
-    Value CellAt(const Place& place) const {
-        if (!statement_.slicer) {
-            return statement_.world.CellAt(place);
-        }
-        Value sum;
-        for (const Tuple& tuple : slicer_) {
-            sum = Plus(sum, statement_.world.CellAt(With(place, statement_.slicer->hierarchies, tuple)));
-        }
-        return sum;
-    }
+    Value CellAt(const Place& place) const { return isNowhere_ ? Value() : statement_.world.CellAt(place); }
 
     const Statement& statement_;
-    std::vector<Tuple> slicer_;
+    bool isNowhere_ = false; ///< the slicer has no tuple
     std::vector<std::vector<Tuple>> axes_;
     std::vector<std::vector<bool>> isKept_;
     std::vector<std::pair<std::vector<std::size_t>, Value>> cells_;
@@ -285,6 +287,26 @@ std::string EngineAnswer(const Cellset& cellset) {
     return text;
 }
 
+/// The answer, which a second run must repeat, or `noCurrentMember`.
+std::string EngineAnswer(PlanCache& plans, const engine::Cube& cube, const std::string& statement) {
+    try {
+        const std::string answer = EngineAnswer(plans.Run(cube, statement));
+        EXPECT_EQ(EngineAnswer(plans.Run(cube, statement)), answer) << "again: " << statement;
+        return answer;
+    } catch (const EngineError& error) {
+        const std::string message = error.what();
+        return message.find(noCurrentMember) != std::string::npos ? noCurrentMember : message;
+    }
+}
+
+std::string ExpectedAnswer(Statement& statement) {
+    try {
+        return PlainAnswer(statement).Text();
+    } catch (const NoCurrentMember&) {
+        return noCurrentMember;
+    }
+}
+
 TEST(RandomStatement, IsAnsweredAsTheFactsSay) {
     struct Case {
         std::uint32_t seed;
@@ -297,16 +319,9 @@ TEST(RandomStatement, IsAnsweredAsTheFactsSay) {
         PlanCache plans;
         StatementMaker maker(cube, test.seed);
         for (int i = 0; i < test.statements; ++i) {
-            const Statement statement = maker.Make();
-            std::string answer;
-            try {
-                answer = EngineAnswer(plans.Run(*cube.built, statement.text));
-                ASSERT_EQ(EngineAnswer(plans.Run(*cube.built, statement.text)), answer)
-                    << "again: " << statement.text;
-            } catch (const EngineError& error) {
-                FAIL() << error.what() << "\n" << statement.text;
-            }
-            ASSERT_EQ(answer, PlainAnswer(statement).Text()) << statement.text;
+            Statement statement = maker.Make();
+            ASSERT_EQ(EngineAnswer(plans, *cube.built, statement.text), ExpectedAnswer(statement))
+                << statement.text;
         }
     }
 }

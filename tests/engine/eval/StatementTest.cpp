@@ -192,6 +192,80 @@ const StatementCase cellMeanings[] = {
     {"a set in the slicer adds its tuples up",
      "SELECT {[Firma].[1], [Firma].[2]} ON 0 FROM Finance WHERE {[OBS].[North], [OBS].[South].[Other]}",
      "[Firma].[All].[1] | [Firma].[All].[2]\n5600.49 | 0.5"},
+    {"what its tuples share counts once",
+     "SELECT {[Firma].[1], [Firma].[2]} ON 0 FROM Finance WHERE {[OBS], [OBS].[North], "
+     "[OBS].[North].[Haifa], "
+     "[OBS].[North]}",
+     "[Firma].[All].[1] | [Firma].[All].[2]\n5600.49 | -229.5"},
+    {"so it does for tuples that overlap crosswise",
+     "SELECT {[Measures].[Lines]} ON 0 FROM Finance WHERE {([Firma], [ActX].[1].[11]), ([Firma].[1], "
+     "[ActX].[1].[12]), ([Firma].[1], [ActX].[2])}",
+     "[Measures].[Lines]\n8"},
+    {"a formula is computed over the slicer as a whole: a ratio of sums",
+     "WITH MEMBER [Measures].[Share] AS [Measures].[Amount] / [Measures].[Lines] SELECT {[Measures].[Share]} "
+     "ON 0 "
+     "FROM Finance WHERE {[OBS].[North].[Haifa], [OBS].[North].[Other]}",
+     "[Measures].[Share]\n~1200.1"},
+    {"a formula that sets a member leaves the slicer's others",
+     "WITH MEMBER [Measures].[First] AS ([Measures].[Lines], [Firma].[1]) SELECT {[Measures].[Lines], "
+     "[Measures].[First]} ON 0 FROM Finance WHERE {([OBS].[South], [Firma].[2]), ([OBS].[North].[Haifa], "
+     "[Firma].[1])}",
+     "[Measures].[Lines] | [Measures].[First]\n7 | 5"},
+    {"calculated members of the slicer add their values to what the others share",
+     "WITH MEMBER [OBS].[Twice] AS 2 * [OBS].[North].[Haifa] SELECT {[Measures].[Lines]} ON 0 FROM Finance "
+     "WHERE "
+     "{[OBS].[Twice], [OBS].[South], [OBS].[South].[Other], [OBS].[Twice]}",
+     "[Measures].[Lines]\n12"},
+    {"measures of the slicer add up", "SELECT FROM Finance WHERE {[Measures].[Lines], [Measures].[Amount]}",
+     "5380.99"},
+    {"the slicer's set is what Filter, Order and TopCount read",
+     "SELECT {TopCount([Cost_Centers].Children, 1, [Measures].[Lines]), Filter([Cost_Centers].Children, "
+     "[Measures].[Amount] < 0), Order([Cost_Centers].Children, [Measures].[Amount], BASC)} ON 0, "
+     "{[Measures].[Amount]} ON 1 FROM Finance WHERE {[Accounts].[AccountCodes].[5000], "
+     "[Accounts].[AccountCodes].[5200]}",
+     "[Cost_Centers].[All].[100] | [Cost_Centers].[All].[100] | [Cost_Centers].[All].[200] | "
+     "[Cost_Centers].[All].[300] | [Cost_Centers].[All].[100] | [Cost_Centers].[All].[200] | "
+     "[Cost_Centers].[All].[300]\n[Measures].[Amount]: -400 | -400 | -300 | -0.01 | -400 | -300 | -0.01"},
+    {"a member that all tuples have is the current one",
+     "WITH MEMBER [Measures].[x] AS IIf([OBS].CurrentMember IS [OBS].[South], 1, 2) SELECT FROM Finance "
+     "WHERE "
+     "{([Measures].[x], [OBS].[South], [Firma].[1]), ([Measures].[x], [OBS].[South], [Firma].[2])}",
+     "1"},
+    {"a slicer without a tuple leaves every cell empty",
+     "WITH MEMBER [Measures].[x] AS 1 SELECT {[Measures].[x], [Measures].[Lines]} ON 0 FROM Finance WHERE "
+     "Filter([OBS].[Level1].Members, 1 = 2)",
+     "[Measures].[x] | [Measures].[Lines]\n- | -"},
+    {"NON EMPTY under a slicer of several tuples",
+     "SELECT NON EMPTY [OBS].[Level2].Members ON 0 FROM Finance WHERE {([Firma].[1], [Date].[2024].[Q2]), "
+     "([Firma].[2], [Date].[2023])}",
+     "[OBS].[All].[North].[Haifa] | [OBS].[All].[South].[Eilat] | [OBS].[All].[South].[Other]\n0 | 70 | "
+     "-0.01"},
+    {"Aggregate counts once what its tuples share; Sum does not",
+     "WITH MEMBER [OBS].[Once] AS Aggregate({[OBS].[All], [OBS].[North], [OBS].[North]}) MEMBER [OBS].[Each] "
+     "AS Sum({[OBS].[All], [OBS].[North], [OBS].[North]}) MEMBER [OBS].[Crosswise] AS "
+     "Aggregate({[OBS].[South], "
+     "[OBS].[South].[Other]} * {[Firma].[2], [Firma]}) SELECT {[OBS], [OBS].[North], [OBS].[Once], "
+     "[OBS].[Each], "
+     "[OBS].[Crosswise]} ON 0 FROM Finance WHERE [Measures].[Lines]",
+     "[OBS].[All] | [OBS].[All].[North] | [OBS].[Once] | [OBS].[Each] | [OBS].[Crosswise]\n10 | 6 | 10 | 22 "
+     "| 4"},
+    {"Aggregate gives a ratio of sums in any order, Sum the sum of ratios when it is evaluated last",
+     "WITH MEMBER [OBS].[A] AS Aggregate({[OBS].[North].[Haifa], [OBS].[North].[Other]}) MEMBER "
+     "[Measures].[Share] AS [Measures].[Amount] / [Measures].[Lines] MEMBER [OBS].[B] AS "
+     "Aggregate({[OBS].[North].[Haifa], [OBS].[North].[Other]}) MEMBER [OBS].[S] AS "
+     "Sum({[OBS].[North].[Haifa], [OBS].[North].[Other]}) SELECT {[OBS].[A], [OBS].[B], [OBS].[S]} ON 0, "
+     "{[Measures].[Share]} ON 1 FROM Finance",
+     "[OBS].[A] | [OBS].[B] | [OBS].[S]\n[Measures].[Share]: ~1200.1 | ~1200.1 | ~3750.125"},
+    {"a named set is evaluated once, in the slicer's context, whichever cell needs it first",
+     "WITH SET Best AS TopCount([Cost_Centers].Children, 1, [Measures].[Amount]) MEMBER [Measures].[x] AS "
+     "Sum(Best, [Measures].[Amount]) SELECT {[Measures].[x]} ON 0, {[Firma].[2], [Firma].[1], [Firma]} ON 1 "
+     "FROM "
+     "Finance WHERE [OBS].[North]",
+     "[Measures].[x]\n[Firma].[All].[2]: -\n[Firma].[All].[1]: 3000\n[Firma].[All]: 3000"},
+    {"one that the slicer uses is evaluated without it",
+     "WITH SET Best AS TopCount([Cost_Centers].Children, 1, [Measures].[Amount]) MEMBER [Measures].[x] AS "
+     "Count(Best) SELECT {[Measures].[x], [Measures].[Amount]} ON 0 FROM Finance WHERE Best",
+     "[Measures].[x] | [Measures].[Amount]\n1 | 2700"},
     {"the higher solve order is evaluated first",
      "WITH MEMBER [Measures].[Share] AS [Measures].[Amount] / [Measures].[Lines], SOLVE_ORDER = 2 MEMBER "
      "[Firma].[Sum] "
@@ -314,7 +388,8 @@ TEST(Statement, BuildsSets) {
          "{Order([Cost_Centers].Children, [Cost_Centers].CurrentMember.Caption, BDESC), "
          "TopCount([OBS].[Level2].Members "
          "* {[Firma].[1]}, 0, 1), BottomCount([Cost_Centers].Children, 1, [Measures].[Amount])}",
-         "line 1, column 87: a set of [Cost_Centers] takes no element of [OBS], [Firma], near \"…on, BDESC), "
+         "line 1, column 224: a set of [Cost_Centers] takes no element of [OBS], [Firma], near \"…on, "
+         "BDESC), "
          "TopCount([OBS].[Level2].Members * {[…\""},
         {"top and bottom counts",
          "{TopCount([Cost_Centers].Children, 2, [Measures].[Amount]), BottomCount([Cost_Centers].Children, "
@@ -328,11 +403,52 @@ TEST(Statement, BuildsSets) {
          "[Accounts].[AccountCodes].[All]+[Accounts].[AccountNames].[All].[Sales, export]+[Firma].[All].[1] "
          "| "
          "[Accounts].[AccountCodes].[All]+[Accounts].[AccountNames].[All].[Sales]+[Firma].[All].[1]"},
+        {"members of a hierarchy come as the tree stands, calculated ones behind their siblings",
+         "{[OBS].Members, [OBS].AllMembers}",
+         "[OBS].[All] | [OBS].[All].[North] | [OBS].[All].[North].[Haifa] | [OBS].[All].[North].[O'Neil] | "
+         "[OBS].[All].[North].[Other] | [OBS].[All].[South] | [OBS].[All].[South].[Eilat] | "
+         "[OBS].[All].[South].[O'Neil] | [OBS].[All].[South].[Other] | "
+         "[OBS].[All] | [OBS].[All].[North] | [OBS].[All].[North].[Haifa] | [OBS].[All].[North].[O'Neil] | "
+         "[OBS].[All].[North].[Other] | [OBS].[All].[North].[New] | [OBS].[All].[South] | "
+         "[OBS].[All].[South].[Eilat] | [OBS].[All].[South].[O'Neil] | [OBS].[All].[South].[Other] | "
+         "[OBS].[All].[South].[New] | [OBS].[Top]"},
+        {"a calculated member stands below the one that its name gives",
+         "{[OBS].[South].[New], [OBS].[All].[North].[new].Parent, [OBS].[Level2].AllMembers, "
+         "[OBS].[North].[New]."
+         "FirstSibling, [OBS].[Level1].AllMembers}",
+         "[OBS].[All].[South].[New] | [OBS].[All].[North] | [OBS].[All].[North].[Haifa] | "
+         "[OBS].[All].[North].[O'Neil] | [OBS].[All].[North].[Other] | [OBS].[All].[South].[Eilat] | "
+         "[OBS].[All].[South].[O'Neil] | [OBS].[All].[South].[Other] | [OBS].[All].[North].[New] | "
+         "[OBS].[All].[South].[New] | [OBS].[All].[North].[Haifa] | [OBS].[All].[North] | "
+         "[OBS].[All].[South]"},
+        {"and has no members to date, or beside it",
+         "{[Date].[2024].[Q1].[Half], PeriodsToDate([Date].[Year], [Date].[2024].[Q1].[Half]), "
+         "ParallelPeriod([Date].[Year], 1, [Date].[2024].[Q1].[Half]), Ancestor([Date].[2024].[Q1].[Half], "
+         "[Date].[Year])}",
+         "[Date].[All].[2024].[Q1].[Half] | [Date].[All].[2024]"},
+        {"order within families over tuples: hierarchy by hierarchy, each under the members before it",
+         "Order({[OBS].[South].[Other], [OBS].[North], [OBS].[South]} * [Firma].Children, "
+         "[Measures].[Amount], DESC)",
+         "[OBS].[All].[North]+[Firma].[All].[1] | [OBS].[All].[North]+[Firma].[All].[2] | "
+         "[OBS].[All].[South]+[Firma].[All].[1] | [OBS].[All].[South]+[Firma].[All].[2] | "
+         "[OBS].[All].[South].[Other]+[Firma].[All].[2] | [OBS].[All].[South].[Other]+[Firma].[All].[1]"},
+        {"items of tuples and of tuples of sets",
+         "{([Firma].[1], [OBS].[South]).Item(1), ([Firma].[1], [OBS].[North]).Item(1).FirstChild, "
+         "([Firma].Children * [OBS].Children).Item(3).Item(1)}",
+         "[OBS].[All].[South] | [OBS].[All].[North].[Haifa] | [OBS].[All].[South]"},
+        {"leaves down to a level",
+         "{Descendants([OBS].[South], [OBS].[Level2], LEAVES), Descendants([OBS], "
+         "[OBS].[Level1], LEAVES), Descendants([OBS].[North], 1, LEAVES)}",
+         "[OBS].[All].[South].[Eilat] | [OBS].[All].[South].[O'Neil] | [OBS].[All].[South].[Other] | "
+         "[OBS].[All].[North].[Haifa] | [OBS].[All].[North].[O'Neil] | [OBS].[All].[North].[Other]"},
         {"a tuple of sets is a cross join", "({[Firma].[1], [Firma].[2]}, {[AccX].[1]})",
          "[Firma].[All].[1]+[AccX].[All].[1] | [Firma].[All].[2]+[AccX].[All].[1]"},
     };
+    const std::string with =
+        "WITH MEMBER [OBS].[North].[New] AS 1 MEMBER [OBS].[All].[South].[New] AS 2 MEMBER "
+        "[OBS].[Top] AS 3 MEMBER [Date].[2024].[Q1].[Half] AS 4 ";
     for (const StatementCase& c : cases) {
-        EXPECT_EQ(Positions(c.text), c.grid) << c.what;
+        EXPECT_EQ(Positions(c.text, with), c.grid) << c.what;
     }
     EXPECT_EQ(
         Positions("{[Firma].AllMembers, Ours}", "WITH SET Ours AS '{[Firma].[2]}' MEMBER [Firma].X AS 1"),
@@ -414,13 +530,44 @@ TEST(Statement, RejectsWhatCannotBeResolved) {
         {"a formula that needs itself",
          "WITH MEMBER [Date].X AS [Measures].[Amount] SELECT {[Date].X} ON 0 FROM Finance",
          ErrorKind::InvalidExpression,
-         "line 1, column 13: the calculated member needs more than 400 others, or itself, to be evaluated"},
+         "line 1, column 13: the calculated member needs itself, or more than 400 expressions inside one "
+         "another, to be evaluated"},
         {"a sum that needs itself",
          "WITH MEMBER [Date].X AS Sum({[Date].X}) SELECT {[Date].X} ON 0 FROM Finance",
          ErrorKind::InvalidExpression,
-         "line 1, column 13: the calculated member needs more than 400 others, or itself, to be evaluated"},
+         "line 1, column 13: the calculated member needs itself, or more than 400 expressions inside one "
+         "another, to be evaluated"},
         {"a member defined twice", "WITH MEMBER [Firma].X AS 1 MEMBER [Firma].x AS 2 SELECT FROM Finance",
          ErrorKind::InvalidExpression, "line 1, column 35: the calculated member x is defined twice"},
+        {"two sets of one name", "WITH SET s AS {[Firma].[1]} SET S AS {[Firma].[2]} SELECT FROM Finance",
+         ErrorKind::InvalidExpression, "line 1, column 33: the set S is defined twice"},
+        {"a set that needs itself",
+         "WITH SET s AS Filter([Firma].Children, [Measures].[x] > 0) MEMBER [Measures].[x] AS Count(s) "
+         "SELECT s ON 0 "
+         "FROM Finance",
+         ErrorKind::InvalidExpression, "line 1, column 10: the set s needs itself to be evaluated"},
+        {"a calculated member below the last level", "WITH MEMBER [Firma].[1].[x] AS 1 SELECT FROM Finance",
+         ErrorKind::InvalidExpression,
+         "line 1, column 13: no level lies below [Firma].[All].[1], so the member x cannot stand there"},
+        {"a calculated member below another",
+         "WITH MEMBER [OBS].[x] AS 1 MEMBER [OBS].[x].[y] AS 1 SELECT FROM Finance",
+         ErrorKind::InvalidExpression, "line 1, column 35: a calculated member has no members below it"},
+        {"the current member of a hierarchy of which the slicer has several",
+         "SELECT Filter({[Firma].[1]}, [OBS].CurrentMember IS [OBS]) ON 0 FROM Finance WHERE {[OBS].[North], "
+         "[OBS].[South]}",
+         ErrorKind::InvalidExpression,
+         "line 1, column 30: [OBS] has no current member here: the slicer or an Aggregate leaves several of "
+         "its "
+         "members, or none"},
+        {"a level that depends on cells",
+         "WITH MEMBER [Measures].[a] AS 1 MEMBER [Measures].[x] AS "
+         "Count([Date].Levels([Measures].[x]).Members) "
+         "SELECT FROM Finance WHERE [Measures].[x]",
+         ErrorKind::InvalidExpression,
+         "line 1, column 78: expected the number of a level, found one that depends on cells"},
+        {"a level of another hierarchy", "SELECT Descendants([OBS].[North], [Date].[Year]) ON 0 FROM Finance",
+         ErrorKind::InvalidExpression,
+         "line 1, column 35: the member and the level are of different hierarchies"},
         {"a range over two levels", "SELECT {[Date].[2023] : [Date].[2024].[Q1]} ON 0 FROM Finance",
          ErrorKind::InvalidExpression, "line 1, column 25: the two ends of a range are not on one level"},
     };

@@ -39,6 +39,11 @@ public:
     std::size_t PositionCount(std::size_t axis) const { return (*axes_)[axis].positions.size(); }
     /// The number of members in each position of the axis.
     std::size_t TupleSize(std::size_t axis) const { return (*axes_)[axis].tupleSize; }
+    /// How many levels of a hierarchy, from the top, the axis's set is about, with data or without: all when
+    /// it has members of several levels, otherwise those down to the level of its members.
+    std::size_t LevelCount(std::size_t axis, std::size_t index) const {
+        return (*axes_)[axis].levelCounts[index];
+    }
     const AxisMember& MemberAt(std::size_t axis, std::size_t position, std::size_t index) const;
     /// The cell at the given position of every axis, columns first.
     const CellValue& Cell(const std::vector<std::size_t>& positions) const;
@@ -49,6 +54,7 @@ private:
 
     struct Axis {
         std::size_t tupleSize = 0;
+        std::vector<std::size_t> levelCounts;              ///< by place in the tuple
         std::vector<std::vector<std::uint32_t>> positions; ///< indices into members
         std::vector<AxisMember> members;
     };

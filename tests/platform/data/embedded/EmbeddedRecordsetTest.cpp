@@ -39,8 +39,18 @@ const TableCase tableCases[] = {
      "SELECT NON EMPTY {[Measures]} ON COLUMNS, NON EMPTY {[OBS].Members} ON ROWS FROM BooksFNC",
      "[OBS].[Level1].[MEMBER_CAPTION]|[OBS].[Level2].[MEMBER_CAPTION]|[Measures].[Amount]\n"
      "-|-|-929.95\n"
-     "North|-|-630.25\nSouth|-|-299.7\n"
-     "North|Karmi'el|-0.2\nNorth|Main|-630.05\nSouth|Main|-300\nSouth|Say \"]\" & go|0.3"},
+     "North|-|-630.25\nNorth|Karmi'el|-0.2\nNorth|Main|-630.05\n"
+     "South|-|-299.7\nSouth|Main|-300\nSouth|Say \"]\" & go|0.3"},
+    {"a field for every level, also when no member of the deeper ones is left",
+     "SELECT NON EMPTY {[Measures]} ON COLUMNS, NON EMPTY Except([OBS].Members, [OBS].[Level2].Members) ON "
+     "ROWS "
+     "FROM BooksFNC",
+     "[OBS].[Level1].[MEMBER_CAPTION]|[OBS].[Level2].[MEMBER_CAPTION]|[Measures].[Amount]\n"
+     "-|-|-929.95\nNorth|-|-630.25\nSouth|-|-299.7"},
+    {"NON EMPTY takes no field away",
+     "WITH MEMBER [Measures].[Top] AS IIf([OBS].CurrentMember IS [OBS].[North], 1, NULL) "
+     "SELECT {[Measures].[Top]} ON COLUMNS, NON EMPTY [OBS].Members ON ROWS FROM BooksFNC",
+     "[OBS].[Level1].[MEMBER_CAPTION]|[OBS].[Level2].[MEMBER_CAPTION]|[Measures].[Top]\nNorth|-|1"},
     {"two hierarchies side by side, down to their deepest member; an empty cell is Null",
      "SELECT {[Measures].[Lines],[Measures].[Amount]} ON COLUMNS, "
      "CrossJoin({[Accounts].[AccountCodes].[AccountCode]."
