@@ -2,9 +2,10 @@
 
 #include "engine/storage/FactTable.h"
 #include "qel/engine/CubeFile.h"
-#include "qel/engine/EngineError.h"
+#include "tests/engine/FaultOf.h"
 #include "tests/engine/build/CubeText.h"
 #include "tests/helpers/TemporaryFolder.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -53,17 +54,7 @@ protected:
 
     /// The message of a failing build, without the folder's name.
     std::string Fault(const BuildOptions& options) {
-        try {
-            BuildCube(options);
-        } catch (const EngineError& error) {
-            std::string text = error.what();
-            const std::string folder = folder_.Path().string();
-            for (auto place = text.find(folder); place != std::string::npos; place = text.find(folder)) {
-                text.erase(place, folder.size());
-            }
-            return text;
-        }
-        return "no fault";
+        return ReplaceAll(FaultOf([&] { BuildCube(options); }).text, folder_.Path().string(), "");
     }
 
     TemporaryFolder folder_;
@@ -139,11 +130,9 @@ TEST_F(BuildTest, RaggedAndOverlappingTreesCountEveryFactOnce) {
 }
 
 TEST_F(BuildTest, CalendarsHaveEveryPeriod) {
-    struct Case {
-        const char* calendar;
-        const char* drawn;
-    };
-    const Case cases[] = {
+    const struct {
+        const char *calendar, *drawn;
+    } cases[] = {
         {R"({"periods": "months"})",
          "All 111\n 2023 1\n  Q4&2023-Q4 1\n   12&2023-12 1\n 2024 110\n  Q1&2024-Q1 10\n   1&2024-01 10\n"
          "   2&2024-02 0\n   3&2024-03 0\n  Q2&2024-Q2 100\n   4&2024-04 100\n"},
@@ -156,7 +145,7 @@ TEST_F(BuildTest, CalendarsHaveEveryPeriod) {
          "   2&2024-01-02 10\n"},
     };
     Table("ledger", "date,amount\n2023-12-31,0.01\n2024-01-02,0.10\n2024-04-01,1\n");
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         BuildOptions options =
             Define(std::string(R"("dimensions": [{"name": "Date", "column": "date", "calendar": )") +
                    test.calendar + "}]");
@@ -176,8 +165,7 @@ TEST_F(BuildTest, CalendarsKeepTheirConfiguredEnds) {
         const char* calendar; ///< the dimension's keys
         const char* date;     ///< of the only line
         const char* drawn;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"a leap day alone", R"({"periods": "days", "quarters": false})", "2024-02-29",
          "All 100\n 2024 100\n  2&2024-02 100\n   29&2024-02-29 100\n"},
         {"a month alone", R"({"periods": "months"})", "2024-02-29",
@@ -199,7 +187,7 @@ TEST_F(BuildTest, CalendarsKeepTheirConfiguredEnds) {
         {"no top member", R"({"periods": "months", "quarters": false, "to": "2025-01-31"}, "all": false)",
          "2024-12-01", "2024 100\n 12&2024-12 100\n2025 0\n 1&2025-01 0\n"},
     };
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         Table("ledger", std::string("date,amount\n") + test.date + ",1\n");
         const auto cube =
             Build(Define(std::string(R"("dimensions": [{"name": "Date", "column": "date", "calendar": )") +
@@ -216,8 +204,7 @@ TEST_F(BuildTest, TheMainTreeAndTheSortOrdersChangeNoSum) {
         const char* sortOrders;
         std::size_t deepRanges, flatRanges; ///< number of ranges of each tree's first group
         std::vector<std::vector<std::uint16_t>> orders;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"the deepest tree numbers", "", "", 1, 2, {{0, 1}}},
         {"the main one does", R"(, "main": true)", "", 3, 1, {{0, 1}}},
         {"deepest, two orders", "", R"(, "sortOrders": [["firm", "code"], ["code"]])", 1, 2, {{1, 0}, {0}}},
@@ -231,7 +218,7 @@ TEST_F(BuildTest, TheMainTreeAndTheSortOrdersChangeNoSum) {
     Table("tree", "code,g,h\n1,a,x\n2,b,x\n3,a,x\n4,b,y\n5,a,y\n6,b,y\n");
     Table("ledger",
           "code,firm,amount\n6,1,0.32\n1,1,0.01\n5,2,0.16\n2,1,0.02\n4,2,0.08\n3,1,0.04\n1,2,0.64\n");
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         const auto cube = Build(Define(fmt::format(R"("dimensions": [
               {{"name": "Deep", "column": "code", "table": "tree", "key": "code", "hierarchies": [
                 {{"name": "Deep", "levels": [{{"name": "G", "key": "g"}}, {{"name": "C", "key": "code"}}]}}]}},
@@ -298,8 +285,7 @@ TEST_F(BuildTest, AmountsOfEveryWidthAreExact) {
         const char* lines;
         std::uint8_t width;
         std::int64_t sum;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"1,0.00\n", 1, 0},
         {"1,1.27\n1,-1.28\n", 1, -1},
         {"1,1.28\n1,0.01\n", 2, 129},
@@ -314,7 +300,7 @@ TEST_F(BuildTest, AmountsOfEveryWidthAreExact) {
         {"1,92233720368547758.06\n1,0.01\n", 8, 9223372036854775807},
         {"1,92233720368547758.07\n", 1, 9223372036854775807},
     };
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         Table("ledger", std::string("firm,amount\n") + test.lines);
         const auto cube = Build(Define(R"("dimensions": [{"name": "Firm", "column": "firm"}])"));
         EXPECT_EQ(cube->Facts().Measures()[0].width, test.width) << test.lines;
@@ -323,16 +309,13 @@ TEST_F(BuildTest, AmountsOfEveryWidthAreExact) {
     Table("ledger", "firm,amount\n1,46116860184273879.04\n1,-46116860184273879.04\n");
     EXPECT_EQ(Fault(Define(R"("dimensions": [{"name": "Firm", "column": "firm"}])")),
               "cube C, measure Amount: the amounts are too large; the sum of their absolute values is beyond "
-              "63 bits at "
-              "2 decimals");
+              "63 bits at 2 decimals");
 }
 
 TEST_F(BuildTest, BadLinesStopTheBuildOrAreSkipped) {
-    struct Case {
-        const char* line;
-        const char* fault;
-    };
-    const Case cases[] = {
+    const struct {
+        const char *line, *fault;
+    } cases[] = {
         {"2024-01-31,1,x,\n",
          "column account: \"x\" is not in the table of dimension Account (accounts.csv)"},
         {"31/01/2024,1,7,2\n", "column date: expected a date such as 2024-12-31, found \"31/01/2024\""},
@@ -355,7 +338,7 @@ TEST_F(BuildTest, BadLinesStopTheBuildOrAreSkipped) {
     const std::string cube =
         R"("dimensions": [{"name": "Date", "column": "date", "calendar": {"periods": "days", "from": "2024-01-01"}},
           {"name": "Firm", "column": "firm"}, {"name": "Account", "column": "account", "table": "accounts", "key": "code"}])";
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         Table("ledger", header + good + test.line);
         BuildOptions options = Define(cube);
         std::filesystem::remove(options.output);
@@ -398,8 +381,7 @@ TEST_F(BuildTest, SaysWhatIsMissing) {
                                          "the calendar's \"from\" and \"to\"");
     EXPECT_EQ(Fault(Define(dimension(R"("column": "frm")"))),
               "ledger.csv: there is no column \"frm\"; the columns are \"date\", \"firm\", \"amount\"; did "
-              "you mean "
-              "\"firm\"?");
+              "you mean \"firm\"?");
     EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "table": "ledger", "key": "code")"))),
               "ledger.csv: there is no column \"code\"; the columns are \"date\", \"firm\", \"amount\"");
     EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "table": "empty", "key": "code")"))),
@@ -408,8 +390,7 @@ TEST_F(BuildTest, SaysWhatIsMissing) {
               "folder.csv: is a folder, not a file");
     EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "default": "9")"))),
               "cube.json: cubes[0].dimensions[0]: the hierarchy \"D\" has no member with the key \"9\", "
-              "which is to be "
-              "its default");
+              "which is to be its default");
     EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "all": false)"))),
               "cube.json: cubes[0].dimensions[0]: the hierarchy \"D\" would have no members");
     BuildOptions options = Define(datedFirms);
@@ -419,10 +400,9 @@ TEST_F(BuildTest, SaysWhatIsMissing) {
     options.output = folder_.Path("absent/out.cub");
     EXPECT_EQ(Fault(options), "absent/out.cub: cannot be written: No such file or directory");
     Table("ledger", "date,firm,amount\n0204-01-01,1,1\n2024-01-01,1,1\n");
-    EXPECT_EQ(
-        Fault(Define(datedFirms)),
-        "cube C, facts of ledger.csv, column date: the dates span more than 200 years, from 0204-01-01 to "
-        "2024-01-01; set the calendar's \"from\" and \"to\"");
+    EXPECT_EQ(Fault(Define(datedFirms)),
+              "cube C, facts of ledger.csv, column date: the dates span more than 200 years, from 0204-01-01 "
+              "to 2024-01-01; set the calendar's \"from\" and \"to\"");
 }
 
 TEST_F(BuildTest, SeveralTablesAndCubesWithTheirOwnForms) {

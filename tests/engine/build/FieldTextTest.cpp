@@ -19,8 +19,7 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
         const char* text;
         const CsvFormat& format;
         std::int64_t cents;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"", plain, 0},
         {" ", plain, 0},
         {"0", plain, 0},
@@ -59,7 +58,7 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
         {"92233720368547758.07", plain, 9223372036854775807},
         {"-92233720368547758.07", plain, -9223372036854775807},
     };
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         EXPECT_EQ(ParseAmount(test.text, test.format, 2).value, test.cents) << "\"" << test.text << "\"";
     }
     const struct {
@@ -88,8 +87,7 @@ TEST(DateText, ReadsTheDeclaredOrderAndIso) {
         const char* text;
         DateFormat format;
         const char* day;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"2024-03-31", Iso, "2024-03-31"},
         {"2024-3-1", Iso, "2024-03-01"},
         {"20240331", Iso, "2024-03-31"},
@@ -111,7 +109,7 @@ TEST(DateText, ReadsTheDeclaredOrderAndIso) {
         {"12/31/2024", MonthDayYear, "2024-12-31"},
         {"24/12/31", YearMonthDay, "2024-12-31"},
     };
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         const auto day = ParseDate(test.text, test.format);
         EXPECT_EQ(day ? FormatDate(*day) : "", test.day) << "\"" << test.text << "\"";
     }
