@@ -347,6 +347,11 @@ ScriptedDimension MonthlyDates(int firstYear, int firstMonth, int lastYear, int 
     return {"Date", {AllLevelOf("Date"), years, quarters, months}};
 }
 
+std::string ConnectionTextFor(const std::string& cubeFile, const std::string& cubeName) {
+    return "Provider=MSOLAP;Data Source=" + cubeFile + ";Initial Catalog=" + cubeName +
+           ";Client Cache Size=25;Auto Synch Period=10000";
+}
+
 RecordingProvider LedgerProvider() {
     RecordingProvider provider;
     provider.dimensions = {

@@ -58,6 +58,9 @@ public:
 /// "[Date].[2020].[3]".
 ScriptedDimension MonthlyDates(int firstYear, int firstMonth, int lastYear, int lastMonth);
 
+/// The text that a cube's connection is opened with.
+std::string ConnectionTextFor(const std::string& cubeFile, const std::string& cubeName = "Finance");
+
 /// A provider with a current layout: [ActX] of three levels, [OBS] of two, and the months of 2019 and 2020.
 RecordingProvider LedgerProvider();
 
