@@ -10,8 +10,7 @@ namespace {
 struct LayoutCase {
     const char* what;
     PendingError error;
-    std::string extraText, functionName, moduleName;
-    std::string text;
+    std::string extraText, functionName, moduleName, text;
 };
 
 const LayoutCase layoutCases[] = {
