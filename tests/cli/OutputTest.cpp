@@ -16,8 +16,7 @@ TEST(ValueText, KeepsCentsAndDropsADoublesRounding) {
     struct Case {
         double number;
         const char* text;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0, "0"},
         {-0.0, "0"},
         {12, "12"},
@@ -109,11 +108,9 @@ TEST(CellsetOutput, CsvQuotesWhatNeedsIt) {
 }
 
 TEST(CellsetOutput, CsvFieldsAreQuotedOnlyWhereAReaderWouldSplitThem) {
-    struct Case {
-        const char* caption;
-        const char* field;
-    };
-    const Case cases[] = {
+    const struct {
+        const char *caption, *field;
+    } cases[] = {
         {"plain", "plain"},
         {"", ""},
         {"two words", "two words"},
@@ -128,7 +125,7 @@ TEST(CellsetOutput, CsvFieldsAreQuotedOnlyWhereAReaderWouldSplitThem) {
         {"two\r\nlines", "\"two\r\nlines\""},
         {"חשבון, \"ישן\"", "\"חשבון, \"\"ישן\"\"\""},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         const CellsetGrid grid{2, {{Named("Amount")}}, {{Named(c.caption)}}, {{1.5}}};
         std::ostringstream output;
         PrintAsCsv(grid, output);
@@ -140,8 +137,7 @@ TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
     struct Case {
         const char* what;
         CellsetGrid grid;
-        const char* axes;
-        const char* cells;
+        const char *axes, *cells;
     };
     const double infinite = std::numeric_limits<double>::infinity();
     const Case cases[] = {
