@@ -99,15 +99,16 @@ TEST(CellsetOutput, TableHasAHeadingLineForEveryColumnMember) {
                             "5000     a b           -0.25                3\n");
 }
 
-TEST(CellsetOutput, CsvQuotesWhatNeedsIt) {
+std::string CsvOf(const CellsetGrid& grid) {
     std::ostringstream output;
-    PrintAsCsv(SmallGrid(), output);
-    EXPECT_EQ(output.str(), "Account,AccountName,2024 / Amount,\"2024 / A \"\"quoted\"\", one\"\n"
-                            "4000,שכר,1234.5,\n"
-                            "5000,\"a\nb\",-0.25,3\n");
+    PrintAsCsv(grid, output);
+    return output.str();
 }
 
 TEST(CellsetOutput, CsvFieldsAreQuotedOnlyWhereAReaderWouldSplitThem) {
+    EXPECT_EQ(CsvOf(SmallGrid()), "Account,AccountName,2024 / Amount,\"2024 / A \"\"quoted\"\", one\"\n"
+                                  "4000,שכר,1234.5,\n"
+                                  "5000,\"a\nb\",-0.25,3\n");
     const struct {
         const char *caption, *field;
     } cases[] = {
@@ -126,10 +127,8 @@ TEST(CellsetOutput, CsvFieldsAreQuotedOnlyWhereAReaderWouldSplitThem) {
         {"חשבון, \"ישן\"", "\"חשבון, \"\"ישן\"\"\""},
     };
     for (const auto& c : cases) {
-        const CellsetGrid grid{2, {{Named("Amount")}}, {{Named(c.caption)}}, {{1.5}}};
-        std::ostringstream output;
-        PrintAsCsv(grid, output);
-        EXPECT_EQ(output.str(), std::string("L,Amount\n") + c.field + ",1.5\n");
+        EXPECT_EQ(CsvOf({2, {{Named("Amount")}}, {{Named(c.caption)}}, {{1.5}}}),
+                  std::string("L,Amount\n") + c.field + ",1.5\n");
     }
 }
 
@@ -165,13 +164,7 @@ TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
 }
 
 TEST(CellsetOutput, JsonKeepsAxesAndEmptyCells) {
-    auto grid = SmallGrid();
-    grid.rows.resize(1);
-    grid.rows[0].resize(1);
-    grid.cells.resize(1);
-    grid.columns.resize(1);
-    grid.columns[0] = {Named("bad \xD7 byte")};
-    grid.cells[0] = {Null{}};
+    const CellsetGrid grid{2, {{Named("bad \xD7 byte")}}, {{Named("4000", "Account")}}, {{Null{}}}};
     std::ostringstream output;
     PrintAsJson(grid, output);
     std::string flat;
@@ -189,11 +182,9 @@ TEST(CellsetOutput, JsonKeepsAxesAndEmptyCells) {
 TEST(CellsetOutput, NoAxesIsTheCellAlone) {
     const CellsetGrid grid{0, {{}}, {{}}, {{7.5}}};
     std::ostringstream table;
-    std::ostringstream csv;
     PrintAsTable(grid, table);
-    PrintAsCsv(grid, csv);
     EXPECT_EQ(table.str(), "7.5\n");
-    EXPECT_EQ(csv.str(), "7.5\n");
+    EXPECT_EQ(CsvOf(grid), "7.5\n");
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "platform/value/Conversion.h"
 #include "tests/helpers/ErrorOf.h"
 #include "tests/wizard/TestBench.h"
 #include "wizard/FunctionForm.h"

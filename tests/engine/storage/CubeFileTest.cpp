@@ -21,53 +21,6 @@ using test::TemporaryFolder;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-/// Everything that a cube returns, as text.
-std::string Answers(const Cube& cube) {
-    std::string text = cube.Name() + cube.Caption() + std::to_string(cube.DefaultMeasure());
-    std::vector<MemberId> found;
-    for (const Hierarchy& hierarchy : cube.Hierarchies()) {
-        text += hierarchy.UniqueName() + std::to_string(hierarchy.DefaultMember());
-        for (const Level& level : hierarchy.Levels()) {
-            text += level.name + std::to_string(level.members.last) + (level.isAll ? "*" : "");
-        }
-        for (MemberId member = 0; member < hierarchy.MemberCount(); ++member) {
-            found.clear();
-            hierarchy.FindByName(hierarchy.MemberName(member), found);
-            hierarchy.FindByKey(hierarchy.MemberKey(member), found);
-            text += hierarchy.MemberUniqueName(member);
-            text += hierarchy.MemberCaption(member);
-            text +=
-                std::to_string(hierarchy.LevelOf(member)) + std::to_string(hierarchy.Children(member).last);
-            for (const MemberId same : found) {
-                text += "=" + std::to_string(same);
-            }
-            for (const KeyRange& range : hierarchy.Ranges(member)) {
-                text += std::to_string(range.first) + "-" + std::to_string(range.last);
-            }
-        }
-    }
-    const FactTable& facts = cube.Facts();
-    for (const KeyColumn& column : facts.KeyColumns()) {
-        text += column.name + std::to_string(column.codes);
-    }
-    for (const Measure& measure : facts.Measures()) {
-        text += measure.name + measure.caption + std::to_string(measure.decimals);
-    }
-    for (const Projection& projection : facts.Projections()) {
-        const RowRange all{0, projection.RowCount()};
-        for (std::size_t i = 0; i < facts.KeyColumns().size(); ++i) {
-            for (const std::uint32_t code : ReadCodes(facts, projection, i, all)) {
-                text += std::to_string(code) + ",";
-            }
-        }
-        const auto* const bytes = reinterpret_cast<const char*>(projection.Values(0, all));
-        text.append(bytes, all.Count() * facts.Measures()[0].width);
-        const RowRange second = projection.RowsOfLeadingKey({1, 2});
-        text += std::to_string(second.first) + std::to_string(second.last);
-    }
-    return text;
-}
-
 std::string OpenFault(const std::filesystem::path& path) {
     return FaultOf([&] { CubeFile::Open(path)->Verify({}); }).text;
 }
@@ -89,6 +42,8 @@ TEST(CubeFile, GivesBackWhatWasWritten) {
     EXPECT_EQ(accounts.MemberUniqueName(3), "[Accounts].[Tree].[All].[4]]].&[4100]");
     EXPECT_EQ(accounts.LevelOf(0), 0U);
     EXPECT_EQ(accounts.LevelOf(3), 2U);
+    EXPECT_EQ(accounts.Children(1).last, 4U);
+    EXPECT_EQ(accounts.Ranges(3)[0].first, 1U);
     EXPECT_EQ(accounts.FindLevel("ACCOUNT"), 2U);
     std::vector<MemberId> found;
     accounts.FindByName("SALES", found);
@@ -436,7 +391,11 @@ TEST(CubeFile, HasAggregatesByKeysByTimeOrNone) {
         EXPECT_EQ(OpenFault(folder.Path(name)), "no fault") << name;
     }
     const auto first = CubeFile::Open(folder.Path("with")), second = CubeFile::Open(folder.Path("without"));
-    EXPECT_EQ(Answers(first->Cubes()[0]), Answers(second->Cubes()[0]));
+    const auto valuesOf = [](const CubeFile& file) {
+        const auto* const bytes = file.Cubes()[0].Facts().Projections()[1].Values(0, {0, 3});
+        return std::vector<std::byte>(bytes, bytes + 3);
+    };
+    EXPECT_EQ(valuesOf(*first), valuesOf(*second));
     ASSERT_NE(first->Cubes()[0].Facts().Aggregates(), nullptr);
     EXPECT_EQ(second->Cubes()[0].Facts().Aggregates(), nullptr);
 }
@@ -459,8 +418,8 @@ TEST(CubeFile, AppearsOnlyWhenComplete) {
     other.Write(folder.Path("link.cub"));
     EXPECT_TRUE(std::filesystem::is_symlink(folder.Path("link.cub")));
     EXPECT_EQ(CubeFile::Open(folder.Path("a.cub"))->Cubes()[0].Name(), "Other");
-    EXPECT_NE(Answers(opened->Cubes()[0]).find("Small"), std::string::npos)
-        << "a reader keeps the file it opened";
+    EXPECT_EQ(opened->Cubes()[0].Name(), "Small") << "a reader keeps the file it opened";
+    EXPECT_NO_THROW(opened->Verify({}));
 
     EXPECT_THROW(CubeFileWriter(folder.Path("absent/a.cub")), EngineError);
     EXPECT_THROW(CubeFileWriter(folder.Path()), EngineError);

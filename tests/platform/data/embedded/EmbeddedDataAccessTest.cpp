@@ -195,22 +195,20 @@ TEST_F(EmbeddedDataAccessTest, AStatementsFaultKeepsTheEnginesNumberAndText) {
 }
 
 TEST(ProviderErrors, HaveTheDocumentedNumbers) {
-    using engine::ErrorKind;
-    const std::pair<const char*, ErrorKind> kinds[] = {
-        {"FileNotFound", ErrorKind::FileNotFound},
-        {"NotACubeFile", ErrorKind::NotACubeFile},
-        {"UnsupportedVersion", ErrorKind::UnsupportedVersion},
-        {"DamagedFile", ErrorKind::DamagedFile},
-        {"UnknownCube", ErrorKind::UnknownCube},
-        {"UnknownName", ErrorKind::UnknownName},
-        {"UnknownMember", ErrorKind::UnknownMember},
-        {"SyntaxError", ErrorKind::SyntaxError},
-        {"InvalidExpression", ErrorKind::InvalidExpression},
-        {"TooLarge", ErrorKind::TooLarge},
-        {"InvalidDefinition", ErrorKind::InvalidDefinition},
-        {"InvalidData", ErrorKind::InvalidData},
-        {"CannotWrite", ErrorKind::CannotWrite},
-    };
+    using enum engine::ErrorKind;
+    const std::pair<const char*, engine::ErrorKind> kinds[] = {{"FileNotFound", FileNotFound},
+                                                               {"NotACubeFile", NotACubeFile},
+                                                               {"UnsupportedVersion", UnsupportedVersion},
+                                                               {"DamagedFile", DamagedFile},
+                                                               {"UnknownCube", UnknownCube},
+                                                               {"UnknownName", UnknownName},
+                                                               {"UnknownMember", UnknownMember},
+                                                               {"SyntaxError", SyntaxError},
+                                                               {"InvalidExpression", InvalidExpression},
+                                                               {"TooLarge", TooLarge},
+                                                               {"InvalidDefinition", InvalidDefinition},
+                                                               {"InvalidData", InvalidData},
+                                                               {"CannotWrite", CannotWrite}};
     std::ostringstream page;
     page << std::ifstream(QEL_ERRORS_PAGE).rdbuf();
     for (const auto& [name, kind] : kinds) {
