@@ -64,7 +64,7 @@ TEST(BindFormula, ConvertsTextsAsAutomationDoes) {
 }
 
 TEST(BindFormula, DatesFollowTheLocalesOrder) {
-    struct Case {
+    const struct {
         const char* text;
         CalendarDay expected;
         DateOrder order;
@@ -85,7 +85,7 @@ TEST(BindFormula, DatesFollowTheLocalesOrder) {
 }
 
 TEST(BindFormula, NamesTheArgumentThatDoesNotFit) {
-    struct Case {
+    const struct {
         std::string text;
         std::size_t position;
         const char* part;

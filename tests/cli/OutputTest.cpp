@@ -13,7 +13,7 @@ namespace qel {
 namespace {
 
 TEST(ValueText, KeepsCentsAndDropsADoublesRounding) {
-    struct Case {
+    const struct {
         double number;
         const char* text;
     } cases[] = {
@@ -150,7 +150,7 @@ TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
         {"no number", {1, {{Named("x")}, {Named("y")}}, {{}}, {{Null{}, infinite}}}, "[2]", "[[null,null]]"},
         {"a text", {1, {{Named("x")}}, {{}}, {{"a \"b\"\n"}}}, "[1]", R"([["a \"b\"\n"]])"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         std::ostringstream output;
         PrintAsJson(c.grid, output);
         const auto document = nlohmann::json::parse(output.str());

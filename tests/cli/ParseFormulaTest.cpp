@@ -82,7 +82,7 @@ TEST(ParseFormula, AnArrayConstantIsAZeroBasedArrayOfVariants) {
 }
 
 TEST(ParseFormula, TellsWhatIsWrongAndWhere) {
-    struct Case {
+    const struct {
         const char* what;
         std::string text;
         std::size_t position;

@@ -82,7 +82,7 @@ TEST_F(OpenMemberRecordsetTest, ReplacesAConnectionOfAnotherProviderOrNone) {
 
 TEST(CountObsLevels, CountsFromTheFirstFilledFieldDown) {
     const Variant null = Null{};
-    struct CountCase {
+    const struct {
         const char* what;
         std::vector<std::vector<Variant>> rows;
         std::int16_t levels;

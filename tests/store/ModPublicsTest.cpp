@@ -31,7 +31,7 @@ TEST(CubIni, StandsBesideTheDatabase) {
     bench.SuiteKey()["MDBPath"] = {registryString, folder};
     EXPECT_NE(ModPublics::WriteCubIni(bench.store, "FileCube", "F", "  C:\\Cubes\\my cube.cub "), 0);
 
-    struct SectionCase {
+    const struct {
         const char* what;
         std::string entries, result;
     } cases[] = {

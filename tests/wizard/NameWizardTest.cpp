@@ -15,7 +15,7 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 TEST(NameWizard, WritesAFormulaThatGivesTheNameTheDialogShowed) {
-    struct Case {
+    const struct {
         const char* what;
         const std::string& file;
         const char *cube, *dimType, *member, *name;

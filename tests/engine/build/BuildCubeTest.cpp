@@ -129,76 +129,63 @@ TEST_F(BuildTest, RaggedAndOverlappingTreesCountEveryFactOnce) {
     EXPECT_EQ(cube->Hierarchies()[1].Ranges(1).size(), 1U) << "a group of the deepest tree is one range";
 }
 
-TEST_F(BuildTest, CalendarsHaveEveryPeriod) {
+TEST_F(BuildTest, CalendarsHaveEveryPeriodBetweenTheirEnds) {
+    const auto threeLines = "2023-12-31,0.01\n2024-01-02,0.10\n2024-04-01,1\n";
     const struct {
-        const char *calendar, *drawn;
-    } cases[] = {
-        {R"({"periods": "months"})",
-         "All 111\n 2023 1\n  Q4&2023-Q4 1\n   12&2023-12 1\n 2024 110\n  Q1&2024-Q1 10\n   1&2024-01 10\n"
-         "   2&2024-02 0\n   3&2024-03 0\n  Q2&2024-Q2 100\n   4&2024-04 100\n"},
-        {R"({"periods": "months", "quarters": false, "from": "2023-11-30", "to": "2024-04-30"})",
-         "All 111\n 2023 1\n  11&2023-11 0\n  12&2023-12 1\n 2024 110\n  1&2024-01 10\n  2&2024-02 0\n  "
-         "3&2024-03 0\n"
-         "  4&2024-04 100\n"},
-        {R"({"periods": "days", "quarters": false, "from": "2023-12-31", "to": "2024-01-02"})",
-         "All 11\n 2023 1\n  12&2023-12 1\n   31&2023-12-31 1\n 2024 10\n  1&2024-01 10\n   1&2024-01-01 0\n"
-         "   2&2024-01-02 10\n"},
-    };
-    Table("ledger", "date,amount\n2023-12-31,0.01\n2024-01-02,0.10\n2024-04-01,1\n");
-    for (const auto& test : cases) {
-        BuildOptions options =
-            Define(std::string(R"("dimensions": [{"name": "Date", "column": "date", "calendar": )") +
-                   test.calendar + "}]");
-        options.skippedLines = folder_.Path("skipped"); // April is outside the last calendar
-        const auto cube = Build(options);
-        EXPECT_EQ(DrawHierarchy(*cube, 0), test.drawn) << test.calendar;
-        EXPECT_TRUE(cube->Dimensions()[0].isTime);
-        const Hierarchy& date = cube->Hierarchies()[0];
-        EXPECT_EQ(date.MemberUniqueName(date.Levels().back().members.first).substr(0, 20),
-                  "[Date].[All].[2023].");
-    }
-}
-
-TEST_F(BuildTest, CalendarsKeepTheirConfiguredEnds) {
-    struct Case {
         const char* what;
         const char* calendar; ///< the dimension's keys
-        const char* date;     ///< of the only line
+        const char* lines;
         const char* drawn;
     } cases[] = {
-        {"a leap day alone", R"({"periods": "days", "quarters": false})", "2024-02-29",
+        {"from the first date to the last, months without facts too", R"({"periods": "months"})", threeLines,
+         "All 111\n 2023 1\n  Q4&2023-Q4 1\n   12&2023-12 1\n 2024 110\n  Q1&2024-Q1 10\n   1&2024-01 10\n"
+         "   2&2024-02 0\n   3&2024-03 0\n  Q2&2024-Q2 100\n   4&2024-04 100\n"},
+        {"months between two days",
+         R"({"periods": "months", "quarters": false, "from": "2023-11-30", "to": "2024-04-30"})", threeLines,
+         "All 111\n 2023 1\n  11&2023-11 0\n  12&2023-12 1\n 2024 110\n  1&2024-01 10\n  2&2024-02 0\n  "
+         "3&2024-03 0\n  4&2024-04 100\n"},
+        {"days, and a line outside",
+         R"({"periods": "days", "quarters": false, "from": "2023-12-31", "to": "2024-01-02"})", threeLines,
+         "All 11\n 2023 1\n  12&2023-12 1\n   31&2023-12-31 1\n 2024 10\n  1&2024-01 10\n   1&2024-01-01 0\n"
+         "   2&2024-01-02 10\n"},
+        {"a leap day alone", R"({"periods": "days", "quarters": false})", "2024-02-29,1\n",
          "All 100\n 2024 100\n  2&2024-02 100\n   29&2024-02-29 100\n"},
-        {"a month alone", R"({"periods": "months"})", "2024-02-29",
+        {"a month alone", R"({"periods": "months"})", "2024-02-29,1\n",
          "All 100\n 2024 100\n  Q1&2024-Q1 100\n   2&2024-02 100\n"},
-        {"across a leap day", R"({"periods": "days", "quarters": false, "from": "2024-02-28"})", "2024-03-01",
+        {"across a leap day", R"({"periods": "days", "quarters": false, "from": "2024-02-28"})",
+         "2024-03-01,1\n",
          "All 100\n 2024 100\n  2&2024-02 0\n   28&2024-02-28 0\n   29&2024-02-29 0\n  3&2024-03 100\n"
          "   1&2024-03-01 100\n"},
         {"no leap day in a century's year", R"({"periods": "days", "quarters": false, "from": "1900-02-28"})",
-         "1900-03-01",
+         "1900-03-01,1\n",
          "All 100\n 1900 100\n  2&1900-02 0\n   28&1900-02-28 0\n  3&1900-03 100\n   1&1900-03-01 100\n"},
-        {"from alone, in the month before", R"({"periods": "months", "from": "2024-03-31"})", "2024-04-01",
+        {"from alone, in the month before", R"({"periods": "months", "from": "2024-03-31"})",
+         "2024-04-01,1\n",
          "All 100\n 2024 100\n  Q1&2024-Q1 0\n   3&2024-03 0\n  Q2&2024-Q2 100\n   4&2024-04 100\n"},
-        {"to alone, in the month after", R"({"periods": "months", "to": "2024-05-01"})", "2024-04-30",
+        {"to alone, in the month after", R"({"periods": "months", "to": "2024-05-01"})", "2024-04-30,1\n",
          "All 100\n 2024 100\n  Q2&2024-Q2 100\n   4&2024-04 100\n   5&2024-05 0\n"},
         {"the last day and the first", R"({"periods": "days", "from": "2024-12-31", "to": "2025-01-01"})",
-         "2025-01-01",
+         "2025-01-01,1\n",
          "All 100\n 2024 0\n  Q4&2024-Q4 0\n   12&2024-12 0\n    31&2024-12-31 0\n"
          " 2025 100\n  Q1&2025-Q1 100\n   1&2025-01 100\n    1&2025-01-01 100\n"},
         {"no top member", R"({"periods": "months", "quarters": false, "to": "2025-01-31"}, "all": false)",
-         "2024-12-01", "2024 100\n 12&2024-12 100\n2025 0\n 1&2025-01 0\n"},
+         "2024-12-01,1\n", "2024 100\n 12&2024-12 100\n2025 0\n 1&2025-01 0\n"},
     };
     for (const auto& test : cases) {
-        Table("ledger", std::string("date,amount\n") + test.date + ",1\n");
-        const auto cube =
-            Build(Define(std::string(R"("dimensions": [{"name": "Date", "column": "date", "calendar": )") +
-                         test.calendar + "}]"));
+        Table("ledger", std::string("date,amount\n") + test.lines);
+        BuildOptions options =
+            Define(std::string(R"("dimensions": [{"name": "Date", "column": "date", "calendar": )") +
+                   test.calendar + "}]");
+        options.skippedLines = folder_.Path("skipped");
+        const auto cube = Build(options);
         EXPECT_EQ(DrawHierarchy(*cube, 0), test.drawn) << test.what;
+        EXPECT_TRUE(cube->Dimensions()[0].isTime);
     }
 }
 
 /// The choice of main tree and sort orders affects speed, never a result.
 TEST_F(BuildTest, TheMainTreeAndTheSortOrdersChangeNoSum) {
-    struct Case {
+    const struct {
         const char* what;
         const char* main; ///< keys of the dimension with the flat tree
         const char* sortOrders;
@@ -281,7 +268,7 @@ TEST_F(BuildTest, SumsAgreeWithTheLinesInEverySortOrder) {
 }
 
 TEST_F(BuildTest, AmountsOfEveryWidthAreExact) {
-    struct Case {
+    const struct {
         const char* lines;
         std::uint8_t width;
         std::int64_t sum;

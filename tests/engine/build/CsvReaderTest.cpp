@@ -37,7 +37,7 @@ std::string ReadAll(const std::string& text) {
 }
 
 TEST(CsvReader, ReadsRealWorldFiles) {
-    struct Case {
+    const struct {
         const char* what;
         std::string text, expected;
     } cases[] = {

@@ -15,7 +15,7 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
     swiss.thousands = '\'';
     french.decimal = ',';
     french.thousands = ' ';
-    struct Case {
+    const struct {
         const char* text;
         const CsvFormat& format;
         std::int64_t cents;
@@ -83,7 +83,7 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
 
 TEST(DateText, ReadsTheDeclaredOrderAndIso) {
     using enum DateFormat;
-    struct Case {
+    const struct {
         const char* text;
         DateFormat format;
         const char* day;

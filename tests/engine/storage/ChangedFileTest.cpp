@@ -78,7 +78,7 @@ TEST(ChangedFile, CrashesNoReaderAndIsAnError) {
     const TemporaryFolder folder;
     EqualFacts(2).Write(folder.Path("other.cub"));
     const std::string other = folder.Read("other.cub");
-    struct Case {
+    const struct {
         const char* what;
         std::function<void(const std::filesystem::path&, std::uint64_t size)> change;
     } cases[] = {

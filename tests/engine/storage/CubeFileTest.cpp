@@ -66,7 +66,7 @@ TEST(CubeFile, NamesWhatCannotBeOpened) {
     std::filesystem::create_directory(folder.Path("folder"));
     folder.Write("empty", "");
     folder.Write("text", "date,amount\n2024-01-01,3\n");
-    struct Case {
+    const struct {
         const char* file;
         ErrorKind kind;
         const char* message;
@@ -144,7 +144,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
                    section = "section of the aggregates", groups = "the groups of codes are not in order",
                    malformed = "the groups of codes are not well-formed",
                    measure = "measure Amount is not well-formed";
-    struct Case {
+    const struct {
         const char* what;
         std::function<void(SmallCube&)> spoil;
         const char* fault;

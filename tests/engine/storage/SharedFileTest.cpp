@@ -103,7 +103,7 @@ TEST(SharedFile, EveryCubeIsFoundWithItsOwnFacts) {
 }
 
 TEST(SharedFile, VerifyReadsEveryCubeAndNamesTheDamagedOne) {
-    struct Case {
+    const struct {
         const char* what;
         void (*spoil)(SmallCube&);
         const char* fault; ///< null: no fault

@@ -6,7 +6,7 @@ namespace qel {
 namespace {
 
 TEST(AccessKey, IsTheFirstOfTheLettersThatTheCaptionHolds) {
-    struct Case {
+    const struct {
         const char *caption, *letters, *shown;
     } cases[] = {
         {"Cube Name", "Nש", "Cube &Name"},

@@ -87,7 +87,7 @@ TEST(OpenCubeFiles, TellsWhatIsWrongWithASource) {
     std::filesystem::create_directory(folder.Path("folder.cub"));
     const auto cut = BuildBooks(folder.Path("cut.cub"));
     std::filesystem::resize_file(cut, std::filesystem::file_size(cut) / 2);
-    struct Case {
+    const struct {
         std::string source;
         std::int32_t number;
         const char* part;

@@ -104,7 +104,7 @@ TEST_F(SqliteDatabaseTest, LeavesAFileThatExistsAsItIs) {
     const auto jet = [](const char* name) {
         return std::string("\0\1\0\0", 4) + name + std::string(4096, '\0');
     };
-    struct FileCase {
+    const struct {
         const char* what;
         std::string bytes, fault;
         DatabaseFileKind kind;
@@ -211,7 +211,7 @@ TEST_F(SqliteDatabaseTest, KeepsTheOldRowsWhenNewOnesCannotBeWritten) {
     const auto database = OpenLocalDb(store);
     const TableRow good(7, "a");
     database->ReplaceRows("QelName", {good});
-    struct FailingCase {
+    const struct {
         const char* what;
         std::string table;
         TableRow bad;

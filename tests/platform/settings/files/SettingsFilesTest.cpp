@@ -134,7 +134,7 @@ private:
 };
 
 TEST(ConfigFolder, FollowsTheDesktopsRules) {
-    struct FolderCase {
+    const struct {
         const char *what, *configHome, *home, *settings;
     } cases[] = {
         {"the folder of configurations", "/c", "/h", "/c/qel/settings.ini"},
