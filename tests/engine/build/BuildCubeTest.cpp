@@ -361,25 +361,25 @@ TEST_F(BuildTest, SaysWhatIsMissing) {
     Table("ledger", "date,firm,amount\n");
     Table("empty", "");
     std::filesystem::create_directory(folder_.Path("folder.csv"));
-    const auto dimension = [](const std::string& text) {
-        return "\"dimensions\": [{\"name\": \"D\", " + text + "}]";
-    };
     EXPECT_EQ(Fault(Define(datedFirms)), "cube C, facts of ledger.csv, column date: there are no dates; set "
                                          "the calendar's \"from\" and \"to\"");
-    EXPECT_EQ(Fault(Define(dimension(R"("column": "frm")"))),
-              "ledger.csv: there is no column \"frm\"; the columns are \"date\", \"firm\", \"amount\"; did "
-              "you mean \"firm\"?");
-    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "table": "ledger", "key": "code")"))),
-              "ledger.csv: there is no column \"code\"; the columns are \"date\", \"firm\", \"amount\"");
-    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "table": "empty", "key": "code")"))),
-              "empty.csv: the file is empty, expected a line with the names of the columns");
-    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "table": "folder", "key": "code")"))),
-              "folder.csv: is a folder, not a file");
-    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "default": "9")"))),
-              "cube.json: cubes[0].dimensions[0]: the hierarchy \"D\" has no member with the key \"9\", "
-              "which is to be its default");
-    EXPECT_EQ(Fault(Define(dimension(R"("column": "firm", "all": false)"))),
-              "cube.json: cubes[0].dimensions[0]: the hierarchy \"D\" would have no members");
+    const std::pair<const char*, const char*> cases[] = {
+        {R"("column": "frm")",
+         R"(ledger.csv: there is no column "frm"; the columns are "date", "firm", "amount"; did you mean "firm"?)"},
+        {R"("column": "firm", "table": "ledger", "key": "code")",
+         R"(ledger.csv: there is no column "code"; the columns are "date", "firm", "amount")"},
+        {R"("column": "firm", "table": "empty", "key": "code")",
+         "empty.csv: the file is empty, expected a line with the names of the columns"},
+        {R"("column": "firm", "table": "folder", "key": "code")", "folder.csv: is a folder, not a file"},
+        {R"("column": "firm", "default": "9")", "cube.json: cubes[0].dimensions[0]: the hierarchy \"D\" has "
+                                                "no member with the key \"9\", which is to be "
+                                                "its default"},
+        {R"("column": "firm", "all": false)",
+         R"(cube.json: cubes[0].dimensions[0]: the hierarchy "D" would have no members)"},
+    };
+    for (const auto& [dimension, fault] : cases) {
+        EXPECT_EQ(Fault(Define(fmt::format(R"("dimensions": [{{"name": "D", {}}}])", dimension))), fault);
+    }
     BuildOptions options = Define(datedFirms);
     options.definition = folder_.Path("absent.json");
     EXPECT_EQ(Fault(options), "absent.json: No such file or directory");

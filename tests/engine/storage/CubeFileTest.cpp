@@ -134,6 +134,11 @@ void Set(std::vector<Element>& list, Numbers... numbers) {
 
 void Set(KeyRange& range, std::uint32_t first, std::uint32_t last) { range = {first, last}; }
 
+void SetGroups(SmallCube& cube, std::vector<std::uint32_t> starts, std::vector<KeyRange> ranges) {
+    cube.aggregates.groupStarts = std::move(starts);
+    cube.aggregates.groupRanges = std::move(ranges);
+}
+
 TEST(CubeFile, InconsistentContentsAreFound) {
     constexpr auto differs1 = "aggregate 1: it differs from the facts",
                    differs2 = "aggregate 2: it differs from the facts",
@@ -143,7 +148,9 @@ TEST(CubeFile, InconsistentContentsAreFound) {
                    packedKey = "the aggregates' packed key", buckets = "the aggregates' time buckets",
                    section = "section of the aggregates", groups = "the groups of codes are not in order",
                    malformed = "the groups of codes are not well-formed",
-                   measure = "measure Amount is not well-formed";
+                   measure = "measure Amount is not well-formed",
+                   length = "a column of facts has the wrong length",
+                   differ = "sort orders 1 and 2 hold different facts";
     const struct {
         const char* what;
         std::function<void(SmallCube&)> spoil;
@@ -177,7 +184,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
              c.model.projections[0].leadRows.back() = c.model.projections[1].leadRows.back() =
                  c.model.rowCount;
          },
-         "a column of facts has the wrong length"},
+         length},
         {"rows that nothing stores, beyond all numbers",
          [](auto& c) {
              c.model.rowCount = 0x1000000000000000U;
@@ -227,8 +234,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          },
          "keys of"},
         {"range places descend", [](auto& c) { Set(c.Accounts().rangeOffsets, 0, 2, 1, 3, 4); }, "keys of"},
-        {"a column too short", [](auto& c) { c.keys[1][0].pop_back(); },
-         "a column of facts has the wrong length"},
+        {"a column too short", [](auto& c) { c.keys[1][0].pop_back(); }, length},
         {"a column missing", [](auto& c) { c.keys[0].pop_back(); }, "section 49 of cube 0 is missing"},
         // The files below can be opened, because opening reads no facts, but do not pass verification.
         {"a fact's code out of range",
@@ -243,10 +249,8 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          "a packed column has bits of no key column"},
         {"facts not in order", [](auto& c) { Set(c.keys[0][1], 0, 1, 0); },
          "sort order 1: the facts are not in their"},
-        {"a fact under another lead", [](auto& c) { Set(c.model.projections[0].leadRows, 0, 2, 3); },
-         "sort orders 1 and 2 hold different facts"},
-        {"orders that differ", [](auto& c) { c.values[1][0] = 8; },
-         "sort orders 1 and 2 hold different facts"},
+        {"a fact under another lead", [](auto& c) { Set(c.model.projections[0].leadRows, 0, 2, 3); }, differ},
+        {"orders that differ", [](auto& c) { c.values[1][0] = 8; }, differ},
         {"a child's code its parent lacks", [](auto& c) { Set(c.Accounts().ranges[1], 0, 1); },
          "parent lacks some"},
         {"aggregates by a time that does not exist", [](auto& c) { c.aggregates.timeColumn = 2; },
@@ -302,17 +306,8 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          [](auto& c) { c.aggregates.records[0].coarserKeyCount = 2; }, "lie outside a section"},
         {"sums of other packed keys",
          [](auto& c) { std::swap(c.aggregates.sums[0][0], c.aggregates.sums[0][1]); }, differs1},
-        {"sums of other buckets",
-         [](auto& c) {
-             c.SumByAccounts();
-             c.aggregates.sums[0][0] = -7;
-         },
-         differs1},
-        {"buckets of other facts",
-         [](auto& c) {
-             c.SumByAccounts();
-             c.aggregates.bucketMasks[1] = 1;
-         },
+        {"sums of other buckets", [](auto& c) { c.SumByAccounts(), c.aggregates.sums[0][0] = -7; }, differs1},
+        {"buckets of other facts", [](auto& c) { c.SumByAccounts(), c.aggregates.bucketMasks[1] = 1; },
          differs1},
         {"rows that nothing stores, more than the cube has",
          [](auto& c) {
@@ -329,14 +324,12 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         {"a bucket that does not exist", [](auto& c) { c.aggregates.bucketMasks[0] = 2; }, disorder1},
         {"a group of one range",
          [](auto& c) {
-             c.aggregates.groupStarts = {0, 1};
-             c.aggregates.groupRanges = {{0, 1}};
+             SetGroups(c, {0, 1}, {{0, 1}});
          },
          groups},
         {"ranges of a group that touch",
          [](auto& c) {
-             c.aggregates.groupStarts = {0, 2};
-             c.aggregates.groupRanges = {{0, 1}, {1, 2}};
+             SetGroups(c, {0, 2}, {{0, 1}, {1, 2}});
          },
          groups},
         {"a count that differs", [](auto& c) { c.aggregates.counts[0] = 1; }, differs1},
@@ -345,24 +338,20 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         {"groups without an end", [](auto& c) { Set(c.aggregates.groupStarts, 0, 2); }, malformed},
         {"groups that overlap",
          [](auto& c) {
-             c.aggregates.groupStarts = {0, 2, 1};
-             c.aggregates.groupRanges = {{0, 1}};
+             SetGroups(c, {0, 2, 1}, {{0, 1}});
          },
          malformed},
         {"no starts of groups", [](auto& c) { c.aggregates.groupStarts.clear(); }, malformed},
         {"groups that descend",
          [](auto& c) {
-             c.aggregates.groupStarts = {0, 2, 4};
-             c.aggregates.groupRanges = {{0, 1}, {3, 4}, {0, 1}, {2, 3}};
+             SetGroups(c, {0, 2, 4}, {{0, 1}, {3, 4}, {0, 1}, {2, 3}});
          },
          groups},
         {"an aggregate of a group that does not exist",
          [](auto& c) { Set(c.aggregates.records[1].key.first, 0, 0); }, noCodes},
         {"an aggregate of a group beyond the codes",
          [](auto& c) {
-             c.aggregates.groupStarts = {0, 2};
-             c.aggregates.groupRanges = {{0, 1}, {2, 3}};
-             c.aggregates.records[1].key.first = {0, 0};
+             SetGroups(c, {0, 2}, {{0, 1}, {2, 3}}), Set(c.aggregates.records[1].key.first, 0, 0);
          },
          noCodes},
         {"an aggregate of another member's facts",
