@@ -12,8 +12,7 @@ TEST(GridAnswer, KnowsAMemberByItsNamesHoweverTheServerWritesThem) {
     const struct {
         const char* what;
         const GridRow& asked;
-        const char* uniqueName;
-        const char* level;
+        const char *uniqueName, *level;
         bool isSame;
     } cases[] = {
         {"as it was asked", account, "[Accounts].[AccountCodes].[All].[4000]", "", true},

@@ -41,13 +41,12 @@ TEST(GridPlan, ComposesOneStatementForAccountsByMonths) {
     const auto plan = PlanGrids(queries);
     EXPECT_TRUE(plan.alone.empty());
     ASSERT_EQ(plan.grids.size(), 1U);
-    EXPECT_EQ(ComposeGridStatement(plan.grids.front()),
-              "WITH MEMBER [Date].[QelSpan3] as '   SUM( "
-              "LastPeriods(3,[Date].[2024].[2]),[Measures].[Amount])    ' "
-              "SELECT {[Date].[2024].[1],[Date].[2024].[2],[Date].[QelSpan3]} ON COLUMNS, "
-              "{[Accounts].[AccountCodes].[All].[4000],[Accounts].[AccountCodes].[All].[4]]1]} ON ROWS FROM "
-              "LedgerFNC "
-              "WHERE ([Measures].[Amount],[ActX].[OBSx].[All].[OBS].[1]) CELL PROPERTIES VALUE");
+    EXPECT_EQ(
+        ComposeGridStatement(plan.grids.front()),
+        "WITH MEMBER [Date].[QelSpan3] as '   SUM( LastPeriods(3,[Date].[2024].[2]),[Measures].[Amount])    "
+        "' SELECT {[Date].[2024].[1],[Date].[2024].[2],[Date].[QelSpan3]} ON COLUMNS, "
+        "{[Accounts].[AccountCodes].[All].[4000],[Accounts].[AccountCodes].[All].[4]]1]} ON ROWS FROM "
+        "LedgerFNC WHERE ([Measures].[Amount],[ActX].[OBSx].[All].[OBS].[1]) CELL PROPERTIES VALUE");
     const std::vector<std::vector<std::size_t>> places{{0, 1, 4}, {2, 3, 5}};
     EXPECT_EQ(plan.grids.front().queries, places);
 }

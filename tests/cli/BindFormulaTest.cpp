@@ -64,12 +64,11 @@ TEST(BindFormula, ConvertsTextsAsAutomationDoes) {
 }
 
 TEST(BindFormula, DatesFollowTheLocalesOrder) {
-    struct Case {
+    const struct {
         const char* text;
         CalendarDay expected;
         DateOrder order;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {R"("02/03/2024")", {2024, 3, 2}, DateOrder::DayMonthYear},
         {R"("02/03/2024")", {2024, 2, 3}, DateOrder::MonthDayYear},
         {R"("2024/02/03")", {2024, 2, 3}, DateOrder::YearMonthDay},
@@ -86,12 +85,11 @@ TEST(BindFormula, DatesFollowTheLocalesOrder) {
 }
 
 TEST(BindFormula, NamesTheArgumentThatDoesNotFit) {
-    struct Case {
+    const struct {
         std::string text;
         std::size_t position;
         const char* part;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"=Sum(1)", 2, "There is no function 'Sum'; there are QelF1, QeL1, QelName"},
         {"=OrmFunctionQel4.OrmQelFunction.QelF2(1)", 2, "no function 'QelF2'"},
         {"=OtherServer.OrmQelFunction.QelF1(1)", 2, "no function 'OtherServer.OrmQelFunction.QelF1'"},

@@ -13,11 +13,10 @@ namespace qel {
 namespace {
 
 TEST(ValueText, KeepsCentsAndDropsADoublesRounding) {
-    struct Case {
+    const struct {
         double number;
         const char* text;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {0, "0"},
         {-0.0, "0"},
         {12, "12"},
@@ -100,20 +99,19 @@ TEST(CellsetOutput, TableHasAHeadingLineForEveryColumnMember) {
                             "5000     a b           -0.25                3\n");
 }
 
-TEST(CellsetOutput, CsvQuotesWhatNeedsIt) {
+std::string CsvOf(const CellsetTable& grid) {
     std::ostringstream output;
-    PrintAsCsv(SmallGrid(), output);
-    EXPECT_EQ(output.str(), "Account,AccountName,2024 / Amount,\"2024 / A \"\"quoted\"\", one\"\n"
-                            "4000,שכר,1234.5,\n"
-                            "5000,\"a\nb\",-0.25,3\n");
+    PrintAsCsv(grid, output);
+    return output.str();
 }
 
 TEST(CellsetOutput, CsvFieldsAreQuotedOnlyWhereAReaderWouldSplitThem) {
-    struct Case {
-        const char* caption;
-        const char* field;
-    };
-    const Case cases[] = {
+    EXPECT_EQ(CsvOf(SmallGrid()), "Account,AccountName,2024 / Amount,\"2024 / A \"\"quoted\"\", one\"\n"
+                                  "4000,שכר,1234.5,\n"
+                                  "5000,\"a\nb\",-0.25,3\n");
+    const struct {
+        const char *caption, *field;
+    } cases[] = {
         {"plain", "plain"},
         {"", ""},
         {"two words", "two words"},
@@ -128,11 +126,9 @@ TEST(CellsetOutput, CsvFieldsAreQuotedOnlyWhereAReaderWouldSplitThem) {
         {"two\r\nlines", "\"two\r\nlines\""},
         {"חשבון, \"ישן\"", "\"חשבון, \"\"ישן\"\"\""},
     };
-    for (const Case& c : cases) {
-        const CellsetTable grid{2, {{Named("Amount")}}, {{Named(c.caption)}}, {{1.5}}};
-        std::ostringstream output;
-        PrintAsCsv(grid, output);
-        EXPECT_EQ(output.str(), std::string("L,Amount\n") + c.field + ",1.5\n");
+    for (const auto& c : cases) {
+        EXPECT_EQ(CsvOf({2, {{Named("Amount")}}, {{Named(c.caption)}}, {{1.5}}}),
+                  std::string("L,Amount\n") + c.field + ",1.5\n");
     }
 }
 
@@ -140,8 +136,7 @@ TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
     struct Case {
         const char* what;
         CellsetTable grid;
-        const char* axes;
-        const char* cells;
+        const char *axes, *cells;
     };
     const double infinite = std::numeric_limits<double>::infinity();
     const Case cases[] = {
@@ -155,7 +150,7 @@ TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
         {"no number", {1, {{Named("x")}, {Named("y")}}, {{}}, {{Null{}, infinite}}}, "[2]", "[[null,null]]"},
         {"a text", {1, {{Named("x")}}, {{}}, {{"a \"b\"\n"}}}, "[1]", R"([["a \"b\"\n"]])"},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         std::ostringstream output;
         PrintAsJson(c.grid, output);
         const auto document = nlohmann::json::parse(output.str());
@@ -169,13 +164,7 @@ TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
 }
 
 TEST(CellsetOutput, JsonKeepsAxesAndEmptyCells) {
-    auto grid = SmallGrid();
-    grid.rows.resize(1);
-    grid.rows[0].resize(1);
-    grid.cells.resize(1);
-    grid.columns.resize(1);
-    grid.columns[0] = {Named("bad \xD7 byte")};
-    grid.cells[0] = {Null{}};
+    const CellsetTable grid{2, {{Named("bad \xD7 byte")}}, {{Named("4000", "Account")}}, {{Null{}}}};
     std::ostringstream output;
     PrintAsJson(grid, output);
     std::string flat;
@@ -193,11 +182,9 @@ TEST(CellsetOutput, JsonKeepsAxesAndEmptyCells) {
 TEST(CellsetOutput, NoAxesIsTheCellAlone) {
     const CellsetTable grid{0, {{}}, {{}}, {{7.5}}};
     std::ostringstream table;
-    std::ostringstream csv;
     PrintAsTable(grid, table);
-    PrintAsCsv(grid, csv);
     EXPECT_EQ(table.str(), "7.5\n");
-    EXPECT_EQ(csv.str(), "7.5\n");
+    EXPECT_EQ(CsvOf(grid), "7.5\n");
 }
 
 } // namespace

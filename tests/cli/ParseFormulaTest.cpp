@@ -38,12 +38,9 @@ std::string Shown(const Formula& formula) {
 }
 
 TEST(ParseFormula, ReadsWhatStandsInACell) {
-    struct Case {
-        const char* what;
-        const char* text;
-        const char* expected;
-    };
-    const Case cases[] = {
+    const struct {
+        const char *what, *text, *expected;
+    } cases[] = {
         {"the full name in its usual form", "=OrmFunctionQel4.OrmQelFunction.QelF1(\"a.cub\", \"Fin\")",
          "QelF1: <a.cub> <Fin>"},
         {"any letter case, no equals sign", "ormfunctionQEL4.ORMQELFUNCTION.qelname(1)", "qelname: 1"},
@@ -85,13 +82,12 @@ TEST(ParseFormula, AnArrayConstantIsAZeroBasedArrayOfVariants) {
 }
 
 TEST(ParseFormula, TellsWhatIsWrongAndWhere) {
-    struct Case {
+    const struct {
         const char* what;
         std::string text;
         std::size_t position;
         const char* part; ///< of the message
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"nothing", "", 1, "empty"},
         {"an equals sign alone", "= ", 3, "empty"},
         {"a text left open", R"(=F("a","b)", 8, "no closing quote"},

@@ -63,9 +63,7 @@ def expected_rows(answer):
 
 class Export(unittest.TestCase):
     def setUp(self):
-        self.folder = tempfile.TemporaryDirectory(prefix="qel-export-")
-        self.addCleanup(self.folder.cleanup)
-        self.path = pathlib.Path(self.folder.name)
+        self.path = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="qel-export-")))
 
     def export(self, definition):
         self.cube = self.path / "cube.cub"

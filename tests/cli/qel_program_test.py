@@ -6,6 +6,7 @@ import json
 import os
 import pathlib
 import pty
+import shutil
 import signal
 import struct
 import subprocess
@@ -32,17 +33,19 @@ def value_formula(cube_file, cube="BooksFNC", name='{"OBS"}', number='{"1"}', le
             f'{activity},"{group}","{group_member}","{account}","{measure}","All","All","All","{firm}","All",{dates})')
 
 
+def copy_books(folder, lines):
+    """The books with more lines in their ledger."""
+    shutil.copytree(BOOKS, folder)
+    with open(folder / "ledger.csv", "a") as ledger:
+        ledger.write(lines)
+
+
 class WithBooks(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory(prefix="qel-test-")
-        cls.path = pathlib.Path(cls.folder.name)
+        cls.path = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory(prefix="qel-test-")))
         cls.cube = cls.path / "books.cub"
         cls.built = run("cube", "build", BOOKS / "books.json", "--output", cls.cube)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
 
     def setUp(self):
         self.assertEqual(self.built[0], 0, self.built[2])
@@ -145,20 +148,14 @@ class Explain(WithBooks):
         self.assertEqual((status, errors), (0, ""))
         before, rest = output.split("---- statement ----\n")
         statement, after = rest.split("\n---- end of statement ----\n")
-        self.assertEqual(statement,
-                         "WITH MEMBER [Date].DateSel as '   SUM( LastPeriods(2,[Date].[All].[2024].[Q1].[3]),"
-                         "[Measures].[Amount])    ' SELECT  { [Date].DateSel} ON COLUMNS, "
-                         " { [SuperSumery].[SumeryCode] }ON ROWS  From BooksFNC where ("
-                         "  [ActX].[OBSx].[All].[OBS].[1],[Cost_Centers].[All].[200],"
-                         "[Accounts].[AccountCodes].[All].[5000])")
-        self.assertEqual(run("mdx", self.cube, "BooksFNC", "-", "--json", stdin=statement)[0], 0)
+        self.assertIn("LastPeriods(2,[Date].[All].[2024].[Q1].[3])", statement)
+        self.assertIn("[Cost_Centers].[All].[200],[Accounts].[AccountCodes].[All].[5000])", statement)
+        answer = json.loads(run("mdx", self.cube, "BooksFNC", "-", "--json", stdin=statement)[1])
+        self.assertEqual(answer["cells"], [[200]], "as it is sent")
         lines = dict(line.split(":", 1) for line in (before + after).splitlines())
         shown = {label: text.strip() for label, text in lines.items()}
-        self.assertEqual(shown["ObsName keys"], '"OBS"')
-        self.assertEqual(shown["ObsNum keys"], '"1"')
-        self.assertEqual(shown["connection"], f"Provider=MSOLAP;Data Source={self.cube};Initial Catalog=BooksFNC;"
-                                              "Client Cache Size=25;Auto Synch Period=10000")
-        self.assertEqual(shown["value"], "200")
+        self.assertEqual([shown[label] for label in ("ObsName keys", "ObsNum keys", "value")], ['"OBS"', '"1"', "200"])
+        self.assertIn(f";Data Source={self.cube};Initial Catalog=BooksFNC;", shown["connection"])
         self.assertNotIn("masked error", shown)
         for label in ("open", "first call", "compose and run"):
             self.assertRegex(shown[label], r"^\d+\.\d µs")
@@ -279,11 +276,8 @@ class Cube(WithBooks):
 
     def test_skipped_lines_are_written_aside_and_told(self):
         folder = self.path / "skip"
-        folder.mkdir()
-        for name in ("books.json", "accounts.csv", "obs.csv"):
-            (folder / name).write_bytes((BOOKS / name).read_bytes())
         bad = "2024-02-30,4000,A1,100,S,10,1.00\n2024-02-01,4000,A1,100,S,10,1.005\n"
-        (folder / "ledger.csv").write_text((BOOKS / "ledger.csv").read_text() + bad)
+        copy_books(folder, bad)
         status, output, errors = run("cube", "build", folder / "books.json", "--output", folder / "b.cub")
         self.assertEqual((status, output, (folder / "b.cub").exists()), (1, "", False))
         self.assertIn("ledger.csv, line 9", errors)
@@ -299,9 +293,7 @@ class Cube(WithBooks):
 
 class Interrupted(unittest.TestCase):
     def setUp(self):
-        self.folder = tempfile.TemporaryDirectory(prefix="qel-test-")
-        self.addCleanup(self.folder.cleanup)
-        self.path = pathlib.Path(self.folder.name)
+        self.path = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="qel-test-")))
         (self.path / "long.csv").write_text("code,amount\n" + "7,1\n" * 4_000_000)
         (self.path / "long.json").write_text(json.dumps({
             "tables": {"t": {"file": "long.csv"}},
@@ -373,10 +365,7 @@ class WrongInput(WithBooks):
         (self.path / "typo.json").write_text((BOOKS / "books.json").read_text().replace('"measures"', '"mesures"', 1))
         (self.path / "syntax.json").write_text('{ "cubes": [ }')
         quotes = self.path / "quotes"
-        quotes.mkdir(exist_ok=True)
-        for name in ("books.json", "accounts.csv", "obs.csv"):
-            (quotes / name).write_bytes((BOOKS / name).read_bytes())
-        (quotes / "ledger.csv").write_text((BOOKS / "ledger.csv").read_text() + '2024-02-01,"4000,A1,100,S,10,1\n')
+        copy_books(quotes, '2024-02-01,"4000,A1,100,S,10,1\n')
         out = self.path / "never.cub"
         cases = [
             (("mdx", self.cube, "NopeFNC", "SELECT FROM NopeFNC"), ["NopeFNC", "BooksFNC"]),
@@ -402,24 +391,17 @@ class WrongInput(WithBooks):
         self.assertFalse(out.exists())
 
     def test_wrong_usage(self):
-        cases = [(), ("frobnicate",), ("eval", "--frob"), ("explain",), ("mdx", "a.cub"), ("cube",), ("cube", "frob"),
-                 ("cube", "build", "a.json"), ("cube", "verify"), ("--date-order", "dym", "eval", "=F()"),
-                 ("mdx", "a", "b", "c", "--csv", "--json"), ("explain", "=F()", "=G()")]
-        for command in cases:
+        cases = [((), ""), (("frobnicate",), "'frobnicate'"), (("eval", "--frob"), "--frob"), (("explain",), ""),
+                 (("mdx", "a.cub"), ""), (("cube",), ""), (("cube", "frob"), "'frob'"), (("cube", "verify"), ""),
+                 (("cube", "build", "a.json"), "--output"), (("cube", "build", "a.json", "-o", ""), "--output"),
+                 (("mdx", "a", "b", "c", "--csv", "--json"), ""), (("explain", "=F()", "=G()"), "")]
+        cases += [(("--date-order", order, "eval", "=F()"), f"--date-order takes dmy, mdy or ymd, not {order}\n")
+                  for order in ("xyz", "0", "1")]
+        for command, part in cases:
             status, output, errors = run(*command)
             self.assertEqual((status, output), (2, ""), command)
             self.assertNotEqual(errors, "", command)
-
-    def test_wrong_usage_is_named(self):
-        for command, part in ((("frobnicate",), "'frobnicate'"), (("cube", "frob"), "'frob'"),
-                              (("cube", "build", "a.json", "-o", ""), "--output")):
-            self.assertIn(part, run(*command)[2], command)
-
-    def test_a_date_order_is_a_word(self):
-        for order in ("xyz", "0", "1"):
-            status, output, errors = run("--date-order", order, "eval", "=F()")
-            self.assertEqual((status, output), (2, ""), order)
-            self.assertIn(f"--date-order takes dmy, mdy or ymd, not {order}\n", errors)
+            self.assertIn(part, errors, command)
 
     def test_help_and_version(self):
         for command in ((), ("eval",), ("explain",), ("mdx",), ("cube",), ("cube", "build"), ("cube", "info"),

@@ -20,15 +20,10 @@ def read_csv(table):
 class WithLedger(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory(prefix="qel-store-")
-        cls.path = pathlib.Path(cls.folder.name)
+        cls.path = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory(prefix="qel-store-")))
         cls.cube = cls.path / "ledger.cub"
         cls.environment = dict(os.environ, XDG_CONFIG_HOME=str(cls.path / "config"))
         cls.ran = cls.run_qel("cube", "build", EXAMPLES / "ledger" / "ledger.json", "--output", cls.cube)
-
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
 
     @classmethod
     def run_qel(cls, *arguments):

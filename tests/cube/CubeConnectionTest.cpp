@@ -10,12 +10,10 @@ namespace {
 
 using Log = std::vector<std::string>;
 
-const std::string textOfA = "Provider=MSOLAP;Data Source=C:\\a b\\A.cub;Initial Catalog=Finance;Client Cache "
-                            "Size=25;Auto Synch Period=10000";
-const std::string textOfLowerA = "Provider=MSOLAP;Data Source=C:\\a b\\a.cub;Initial Catalog=Finance;Client "
-                                 "Cache Size=25;Auto Synch Period=10000";
-const std::string textOfOtherCube = "Provider=MSOLAP;Data Source=C:\\a b\\A.cub;Initial "
-                                    "Catalog=finance;Client Cache Size=25;Auto Synch Period=10000";
+const std::string fileA = "C:\\a b\\A.cub", fileLowerA = "C:\\a b\\a.cub";
+const std::string textOfA = test::ConnectionTextFor(fileA),
+                  textOfLowerA = test::ConnectionTextFor(fileLowerA),
+                  textOfOtherCube = test::ConnectionTextFor(fileA, "finance");
 
 class CubeConnectionTest : public ::testing::Test {
 protected:
@@ -29,33 +27,28 @@ protected:
 };
 
 TEST_F(CubeConnectionTest, MakesOpensAndChecksOnce) {
-    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    EXPECT_TRUE(Ensure(fileA));
     EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + textOfA, "catalog " + textOfA}));
     EXPECT_EQ(thread_.dates.CubeDates.size(), 24U);
     EXPECT_EQ(opened_.cubeFile, "") << "the first opening leaves the object's cube to the evaluation";
-    opened_ = {"C:\\a b\\A.cub", "Finance"};
-    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    opened_ = {fileA, "Finance"};
+    EXPECT_TRUE(Ensure(fileA));
     EXPECT_EQ(provider_.TakeLog(), Log{});
 }
 
-TEST_F(CubeConnectionTest, OpensAConnectionThatIsNotOpen) {
+TEST_F(CubeConnectionTest, ReopensAConnectionThatIsNotOpenAndForAnyOtherText) {
     thread_.CubeConnection = provider_.CreateConnection();
     thread_.provider = &provider_;
-    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    EXPECT_TRUE(Ensure(fileA));
     thread_.CubeConnection->Close(); // as a provider does by itself
-    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    EXPECT_TRUE(Ensure(fileA));
     EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + textOfA, "catalog " + textOfA, "close",
                                         "open " + textOfA, "catalog " + textOfA}));
-}
-
-TEST_F(CubeConnectionTest, ReopensForAnyOtherText) {
-    Ensure("C:\\a b\\A.cub");
-    opened_ = {"C:\\a b\\A.cub", "Finance"};
-    provider_.TakeLog();
-    EXPECT_TRUE(Ensure("C:\\a b\\a.cub"));
+    opened_ = {fileA, "Finance"};
+    EXPECT_TRUE(Ensure(fileLowerA));
     EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + textOfLowerA, "catalog " + textOfLowerA}));
-    EXPECT_EQ(opened_.cubeFile, "C:\\a b\\a.cub");
-    EXPECT_TRUE(Ensure("C:\\a b\\A.cub", "finance"));
+    EXPECT_EQ(opened_.cubeFile, fileLowerA);
+    EXPECT_TRUE(Ensure(fileA, "finance"));
     EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + textOfOtherCube, "catalog " + textOfOtherCube}));
     EXPECT_EQ(opened_.cubeName, "finance");
 }
@@ -64,14 +57,14 @@ TEST_F(CubeConnectionTest, DropsAnOutdatedCubeEveryTime) {
     provider_.DimensionScript("ActX").levels.pop_back();
     const Log drop = {"new connection", "open " + textOfA, "catalog " + textOfA, "release"};
     for (int call = 0; call < 2; ++call) {
-        EXPECT_FALSE(Ensure("C:\\a b\\A.cub"));
+        EXPECT_FALSE(Ensure(fileA));
         EXPECT_EQ(thread_.CubeConnection, nullptr);
         EXPECT_EQ(provider_.TakeLog(), drop);
     }
 }
 
 TEST_F(CubeConnectionTest, NamesTheNewCubeEvenWhenItCannotBeOpened) {
-    Ensure("C:\\a b\\A.cub");
+    Ensure(fileA);
     provider_.failingOpen = -2147467259;
     EXPECT_THROW(Ensure("missing.cub", "None"), AutomationError);
     EXPECT_EQ(opened_.cubeFile, "missing.cub");
@@ -80,7 +73,7 @@ TEST_F(CubeConnectionTest, NamesTheNewCubeEvenWhenItCannotBeOpened) {
 }
 
 TEST_F(CubeConnectionTest, NameCallsOpenByTheSameRulesWithoutTheCheck) {
-    const OpenedCube cube{"C:\\a b\\A.cub", "Finance"};
+    const OpenedCube cube{fileA, "Finance"};
     OpenOrReuse(thread_, provider_, opened_, cube);
     EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + textOfA}));
     OpenOrReuse(thread_, provider_, opened_, cube);
@@ -100,27 +93,27 @@ TEST_F(CubeConnectionTest, AnotherProvidersCubeTakesAnotherConnection) {
     const Providers providers([&](const std::string& text) -> DataAccess& {
         return text.find("other.cub") == std::string::npos ? provider_ : other;
     });
-    const auto ensure = [&](const char* cubeFile) {
+    const auto ensure = [&](const std::string& cubeFile) {
         return EnsureCurrentCubeOpen(thread_, providers, opened_, {cubeFile, "Finance"});
     };
-    ensure("C:\\a b\\A.cub");
+    ensure(fileA);
     provider_.TakeLog();
     EXPECT_TRUE(ensure("other.cub"));
     EXPECT_EQ(provider_.TakeLog(), (Log{"close", "release"}));
     EXPECT_EQ(other.TakeLog().size(), 3U) << "made, opened and checked";
     other.failingOpen = 53;
     EXPECT_THROW(EnsureCurrentCubeOpen(thread_, providers, opened_, {"other.cub", "x"}), AutomationError);
-    EXPECT_TRUE(ensure("C:\\a b\\A.cub"));
+    EXPECT_TRUE(ensure(fileA));
     EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + textOfA, "catalog " + textOfA}));
 }
 
 TEST_F(CubeConnectionTest, ReopensWhenAnotherObjectOpenedAnotherCube) {
-    Ensure("C:\\a b\\A.cub");
-    opened_ = {"C:\\a b\\A.cub", "Finance"};
+    Ensure(fileA);
+    opened_ = {fileA, "Finance"};
     OpenedCube openedByOther;
-    EnsureCurrentCubeOpen(thread_, provider_, openedByOther, {"C:\\a b\\a.cub", "Finance"});
+    EnsureCurrentCubeOpen(thread_, provider_, openedByOther, {fileLowerA, "Finance"});
     provider_.TakeLog();
-    EXPECT_TRUE(Ensure("C:\\a b\\A.cub"));
+    EXPECT_TRUE(Ensure(fileA));
     EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + textOfA, "catalog " + textOfA}));
 }
 

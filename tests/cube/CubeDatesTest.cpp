@@ -1,6 +1,6 @@
 #include "cube/CubeDates.h"
 
-#include "platform/value/AutomationError.h"
+#include "tests/helpers/ErrorOf.h"
 #include "tests/helpers/doubles/RecordingProvider.h"
 
 #include <gtest/gtest.h>
@@ -35,6 +35,10 @@ ScriptedDimension DatesWithoutQuarters() {
              {"Month", {{"12", "[m1]", 0}, {" 1 ", "[m2]", 1}}}}};
 }
 
+std::vector<test::ScriptedMember>& MonthsOf(RecordingProvider& provider) {
+    return provider.DimensionScript("Date").levels[3].members;
+}
+
 class CubeDatesTest : public ::testing::Test {
 protected:
     CubeDatesTest() {
@@ -48,46 +52,41 @@ protected:
     ThreadState thread_;
 };
 
-TEST_F(CubeDatesTest, LoadsMonthsByYearAndMonth) {
-    provider_.DimensionScript("Date") = MonthlyDates(2019, 11, 2020, 2);
-    EXPECT_EQ(LoadCubeDates(thread_), 0);
-    const std::vector<AutomationDate> dates = {Day(2019, 11, 1), Day(2019, 12, 1), Day(2020, 1, 1),
-                                               Day(2020, 2, 1)};
-    const std::vector<std::string> names = {"[Date].[2019].[11]", "[Date].[2019].[12]", "[Date].[2020].[1]",
-                                            "[Date].[2020].[2]"};
-    EXPECT_EQ(thread_.dates.CubeDates, dates);
-    EXPECT_EQ(thread_.dates.CubeDateNames, names);
-    EXPECT_EQ(thread_.dates.CubeMinDate, Day(2019, 11, 1));
-    EXPECT_EQ(thread_.dates.CubeMaxDate, Day(2020, 2, 1));
-    EXPECT_EQ(provider_.log, std::vector<std::string>{"catalog TEXT"});
-}
-
-TEST_F(CubeDatesTest, LoadsDaysWhateverTheQuartersAreCalled) {
-    provider_.DimensionScript("Date") = DailyDates();
-    EXPECT_EQ(LoadCubeDates(thread_), 0);
-    const std::vector<AutomationDate> dates = {Day(2019, 12, 31), Day(2020, 1, 1), Day(2020, 1, 2)};
-    EXPECT_EQ(thread_.dates.CubeDates, dates);
-    EXPECT_EQ(thread_.dates.CubeDateNames, (std::vector<std::string>{"[d1]", "[d2]", "[d3]"}));
-    EXPECT_EQ(thread_.dates.CubeMinDate, Day(2019, 12, 31));
-    EXPECT_EQ(thread_.dates.CubeMaxDate, Day(2020, 1, 2));
-}
-
-TEST_F(CubeDatesTest, LoadsMonthsRightUnderTheirYear) {
-    provider_.DimensionScript("Date") = DatesWithoutQuarters();
-    EXPECT_EQ(LoadCubeDates(thread_), 0);
-    EXPECT_EQ(thread_.dates.CubeDates, (std::vector<AutomationDate>{Day(2019, 12, 1), Day(2020, 1, 1)}));
-    EXPECT_EQ(thread_.dates.CubeMaxDate, Day(2020, 1, 1));
-}
-
-TEST_F(CubeDatesTest, AMonthWithoutANameHasNoDate) {
-    ScriptedDimension dates = MonthlyDates(2020, 1, 2020, 3);
-    dates.levels[3].members[1].name = "";
-    dates.levels[3].members[2].name = "";
-    provider_.DimensionScript("Date") = dates;
-    EXPECT_EQ(LoadCubeDates(thread_), 0);
-    EXPECT_EQ(thread_.dates.CubeDates, (std::vector<AutomationDate>{Day(2020, 1, 1), {}, {}}));
-    EXPECT_EQ(thread_.dates.CubeDateNames.size(), 3U);
-    EXPECT_TRUE(thread_.dates.CubeMaxDate.IsZero());
+TEST_F(CubeDatesTest, LoadsMonthsOrDaysWhateverTheLevelsBetweenAreCalled) {
+    ScriptedDimension unnamed = MonthlyDates(2020, 1, 2020, 3);
+    unnamed.levels[3].members[1].name = unnamed.levels[3].members[2].name = "";
+    const struct {
+        const char* what;
+        ScriptedDimension script;
+        std::vector<AutomationDate> dates;
+        std::vector<std::string> names;
+    } cases[] = {
+        {"months by year and month",
+         MonthlyDates(2019, 12, 2020, 2),
+         {Day(2019, 12, 1), Day(2020, 1, 1), Day(2020, 2, 1)},
+         {"[Date].[2019].[12]", "[Date].[2020].[1]", "[Date].[2020].[2]"}},
+        {"days",
+         DailyDates(),
+         {Day(2019, 12, 31), Day(2020, 1, 1), Day(2020, 1, 2)},
+         {"[d1]", "[d2]", "[d3]"}},
+        {"months right under their year",
+         DatesWithoutQuarters(),
+         {Day(2019, 12, 1), Day(2020, 1, 1)},
+         {"[m1]", "[m2]"}},
+        {"a month without a name has no date",
+         unnamed,
+         {Day(2020, 1, 1), {}, {}},
+         {"[Date].[2020].[1]", "[Date].[2020].[2]", "[Date].[2020].[3]"}},
+    };
+    for (const auto& c : cases) {
+        provider_.DimensionScript("Date") = c.script;
+        EXPECT_EQ(LoadCubeDates(thread_), 0);
+        EXPECT_EQ(thread_.dates.CubeDates, c.dates) << c.what;
+        EXPECT_EQ(thread_.dates.CubeDateNames, c.names) << c.what;
+        EXPECT_EQ(thread_.dates.CubeMinDate, c.dates.front()) << c.what;
+        EXPECT_EQ(thread_.dates.CubeMaxDate, c.dates.back()) << c.what;
+        EXPECT_EQ(provider_.TakeLog(), std::vector<std::string>{"catalog TEXT"});
+    }
 }
 
 TEST_F(CubeDatesTest, AnOutdatedLayoutLeavesTheTableAlone) {
@@ -107,10 +106,9 @@ TEST_F(CubeDatesTest, RaisesForWhatIsNoCalendarAndKeepsTheOldTable) {
     } cases[] = {
         {"no Date dimension", [](auto& p) { p.DimensionScript("Date").name = "Calendar"; }, 3265},
         {"no ActX dimension", [](auto& p) { p.DimensionScript("ActX").name = "Other"; }, 3265},
-        {"a month in words", [](auto& p) { p.DimensionScript("Date").levels[3].members[0].name = "ינואר"; },
-         13},
-        {"month 13", [](auto& p) { p.DimensionScript("Date").levels[3].members[23].name = "13"; }, 5},
-        {"no months", [](auto& p) { p.DimensionScript("Date").levels[3].members.clear(); }, 9},
+        {"a month in words", [](auto& p) { MonthsOf(p)[0].name = "ינואר"; }, 13},
+        {"month 13", [](auto& p) { MonthsOf(p)[23].name = "13"; }, 5},
+        {"no months", [](auto& p) { MonthsOf(p).clear(); }, 9},
         {"no levels", [](auto& p) { p.DimensionScript("Date").levels.resize(1); }, 9},
         {"the catalog fails", [](auto& p) { p.failingCatalog = -2147467259; }, -2147467259},
         {"no connection", [](auto&) {}, 91},
@@ -123,12 +121,7 @@ TEST_F(CubeDatesTest, RaisesForWhatIsNoCalendarAndKeepsTheOldTable) {
         if (c.number == 91) {
             thread.CubeConnection.reset();
         }
-        try {
-            LoadCubeDates(thread);
-            ADD_FAILURE() << c.what;
-        } catch (const AutomationError& error) {
-            EXPECT_EQ(error.Number(), c.number) << c.what;
-        }
+        EXPECT_EQ(test::ErrorOf([&] { LoadCubeDates(thread); }), c.number) << c.what;
         EXPECT_EQ(thread.dates.CubeDates.size(), 24U) << c.what;
     }
 }

@@ -14,8 +14,7 @@ using test::ErrorOf;
 using ::testing::ElementsAre;
 using ::testing::StartsWith;
 
-const std::string ledgerText = "Provider=MSOLAP;Data Source=a.cub;Initial Catalog=LedgerFNC;Client Cache "
-                               "Size=25;Auto Synch Period=10000";
+const std::string ledgerText = test::ConnectionTextFor("a.cub", "LedgerFNC");
 const MemberListing costCenters = {"LedgerFNC", ObsListing{"OBS", "Cost_Centers"}};
 
 TEST(ListMembersCellset, OpensAConnectionOfItsOwn) {
@@ -63,6 +62,10 @@ TEST_F(OpenMemberRecordsetTest, ReusesTheThreadsConnectionForTheSameCube) {
     thread.CubeConnection->Close();
     EXPECT_THAT(ConnectionStepsOf("A.cub", "OtherFNC"), ElementsAre("close", StartsWith("open ")))
         << "a connection that the provider closed";
+    OpenedCube openedByOther;
+    EnsureCurrentCubeOpen(thread, provider, openedByOther, {"a.cub", "LedgerFNC"});
+    EXPECT_THAT(ConnectionStepsOf("A.cub", "OtherFNC"), ElementsAre("close", StartsWith("open ")))
+        << "another object opened another cube";
 }
 
 TEST_F(OpenMemberRecordsetTest, ReplacesAConnectionOfAnotherProviderOrNone) {
@@ -79,12 +82,11 @@ TEST_F(OpenMemberRecordsetTest, ReplacesAConnectionOfAnotherProviderOrNone) {
 
 TEST(CountObsLevels, CountsFromTheFirstFilledFieldDown) {
     const Variant null = Null{};
-    struct CountCase {
+    const struct {
         const char* what;
         std::vector<std::vector<Variant>> rows;
         std::int16_t levels;
-    };
-    const CountCase cases[] = {
+    } cases[] = {
         {"the top level", {{null, null, null, 5.0}, {"North", null, null, 5.0}}, 3},
         {"the second level", {{null, null, null, 1.0}, {null, "Main", null, 1.0}, {"", "Main", "x", 1.0}}, 2},
         {"the measure alone", {{null, null, null, 1.0}}, 0},

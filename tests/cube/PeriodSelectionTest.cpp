@@ -1,6 +1,6 @@
 #include "cube/PeriodSelection.h"
 
-#include "platform/value/AutomationError.h"
+#include "tests/helpers/ErrorOf.h"
 
 #include <gtest/gtest.h>
 
@@ -12,29 +12,21 @@ constexpr CalendarDay none{1899, 12, 30};
 
 AutomationDate Day(int year, int month, int day) { return DateFromDay({year, month, day}); }
 
-/// Months from November 2019 to April 2020, named "2019-11" and so on.
-DateTable Months() {
-    DateTable table;
-    for (int i = 0; i < 6; ++i) {
-        table.CubeDates.push_back(AddMonths(Day(2019, 11, 1), i));
-        table.CubeDateNames.push_back(
-            FormatShortDate(table.CubeDates.back(), {DateOrder::YearMonthDay, '-'}).substr(0, 7));
-    }
-    table.CubeMinDate = table.CubeDates.front();
-    table.CubeMaxDate = table.CubeDates.back();
-    return table;
+DateTable TableOf(std::vector<AutomationDate> dates, std::vector<std::string> names) {
+    return {dates, std::move(names), dates.front(), dates.back()};
 }
 
-/// Days from 28 February to 3 March 2020, named by their day of the month.
+/// Months from November 2019 to April 2020.
+DateTable Months() {
+    return TableOf({Day(2019, 11, 1), Day(2019, 12, 1), Day(2020, 1, 1), Day(2020, 2, 1), Day(2020, 3, 1),
+                    Day(2020, 4, 1)},
+                   {"2019-11", "2019-12", "2020-01", "2020-02", "2020-03", "2020-04"});
+}
+
+/// Days from 28 February to 3 March 2020.
 DateTable Days() {
-    DateTable table;
-    for (int i = 0; i < 5; ++i) {
-        table.CubeDates.push_back({Day(2020, 2, 28).days + i});
-        table.CubeDateNames.push_back(std::to_string(DayFromDate(table.CubeDates.back()).day));
-    }
-    table.CubeMinDate = table.CubeDates.front();
-    table.CubeMaxDate = table.CubeDates.back();
-    return table;
+    return TableOf({Day(2020, 2, 28), Day(2020, 2, 29), Day(2020, 3, 1), Day(2020, 3, 2), Day(2020, 3, 3)},
+                   {"28", "29", "1", "2", "3"});
 }
 
 /// "COUNT to MEMBER", or the result that needs no cube.
@@ -97,12 +89,10 @@ TEST(PeriodSelection, TakesTheTimeOfDayFromTheEndAlone) {
 }
 
 TEST(PeriodSelection, RaisesForATableWithoutPeriods) {
-    try {
-        FindPeriods(DateTable(), {Day(2020, 1, 1), Day(2020, 4, 1)});
-        FAIL() << "no error";
-    } catch (const AutomationError& error) {
-        EXPECT_EQ(error.Number(), ErrorNumber::SubscriptOutOfRange);
-    }
+    EXPECT_EQ(test::ErrorOf([] {
+                  FindPeriods(DateTable(), {Day(2020, 1, 1), Day(2020, 4, 1)});
+              }),
+              ErrorNumber::SubscriptOutOfRange);
 }
 
 } // namespace

@@ -145,9 +145,7 @@ TEST(ValueStatement, MakesASlicerOfEverySelection) {
 
 TEST(ValueStatement, PutsTheSummaryGroupOnRows) {
     const struct {
-        const char* level;
-        const char* member;
-        const char* rows;
+        const char *level, *member, *rows;
     } cases[] = {
         {"SuperSum2", " 41 ", "[SuperSumery].[SumeryCode].[SuperSum2].[41] }"},
         {"SuperSum2", "", "[SuperSumery].[SumeryCode].[SuperSum2].[] }"},

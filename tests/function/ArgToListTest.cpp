@@ -1,6 +1,6 @@
 #include "function/ArgToList.h"
 
-#include "platform/value/AutomationError.h"
+#include "tests/helpers/ErrorOf.h"
 
 #include <gtest/gtest.h>
 
@@ -45,11 +45,9 @@ std::string Listed(const KeyList& list) {
 }
 
 std::string ListedOrError(const Variant& value) {
-    try {
-        return Listed(ArgToList(value, commaDecimal));
-    } catch (const AutomationError& error) {
-        return std::to_string(error.Number()) + " " + error.Description();
-    }
+    std::string text;
+    const auto failure = test::FailureOf([&] { text = Listed(ArgToList(value, commaDecimal)); });
+    return failure.Number() == 0 ? text : std::to_string(failure.Number()) + " " + failure.Description();
 }
 
 TEST(ArgToList, MakesKeysByTheTypeOfTheArgument) {

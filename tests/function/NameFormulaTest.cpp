@@ -1,3 +1,4 @@
+#include "cube/MemberName.h"
 #include "function/OrmQelFunction.h"
 #include "tests/helpers/doubles/RecordingProvider.h"
 
@@ -9,11 +10,6 @@ namespace {
 using test::LedgerProvider;
 using test::RecordingProvider;
 using Log = std::vector<std::string>;
-
-std::string TextOf(const std::string& cubeFile) {
-    return "Provider=MSOLAP;Data Source=" + cubeFile +
-           ";Initial Catalog=Finance;Client Cache Size=25;Auto Synch Period=10000";
-}
 
 class NameFormulaTest : public ::testing::Test {
 protected:
@@ -36,12 +32,9 @@ protected:
 TEST_F(NameFormulaTest, AsksTheCubeForTheName) {
     const NameCall call{" a.cub ", " Finance ", "SuperSum1", "41"};
     EXPECT_EQ(object_.RetQelName(call).value.As<std::string>(), "הכנסות \"ממכירות\"");
-    const Log log = {
-        "new connection", "open " + TextOf("a.cub"),
-        "statement  SELECT NON EMPTY { [Measures] } on columns,  NON EMPTY  "
-        "{[SuperSumery].[SumeryName].[SuperSum1Name].Allmembers  } ON ROWS  From [Finance] where (  "
-        "[SuperSumery].[SumeryCode].[41] )",
-        "close cellset"};
+    const Log log = {"new connection", "open " + test::ConnectionTextFor("a.cub"),
+                     "statement " + ModSetCube::ComposeMemberNameStatement("Finance", "SuperSum1", "41"),
+                     "close cellset"};
     EXPECT_EQ(provider_.TakeLog(), log) << "no layout check, no Date table";
     EXPECT_EQ(object_.get_g_cubeFile(), "");
     object_.RetQelName({"a.cub", "Finance", "SuperSum1 ", " 4 "});
@@ -55,8 +48,8 @@ TEST_F(NameFormulaTest, AsksTheCubeForTheName) {
 TEST_F(NameFormulaTest, OpensTheCubeEvenWhereNoNameIsAsked) {
     EXPECT_EQ(Name("SuperSum1", "Sales"), "Sales");
     EXPECT_EQ(Name("Accounts", "41"), "");
-    EXPECT_EQ(provider_.TakeLog(),
-              (Log{"new connection", "open " + TextOf("a.cub"), "close", "open " + TextOf("a.cub")}));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"new connection", "open " + test::ConnectionTextFor("a.cub"), "close",
+                                        "open " + test::ConnectionTextFor("a.cub")}));
     EXPECT_EQ(object_.get_g_cubeFile(), "a.cub") << "only a reopening names the cube";
     EXPECT_EQ(Name("Accounts", "41"), "");
     EXPECT_EQ(provider_.TakeLog(), Log{});
@@ -85,7 +78,7 @@ TEST_F(NameFormulaTest, SharesTheConnectionOfValueFormulas) {
     EXPECT_EQ(Name("Accounts", "41"), "");
     EXPECT_EQ(provider_.TakeLog(), Log{});
     EXPECT_EQ(Name("Accounts", "41", "b.cub"), "");
-    EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + TextOf("b.cub")}));
+    EXPECT_EQ(provider_.TakeLog(), (Log{"close", "open " + test::ConnectionTextFor("b.cub")}));
     EXPECT_EQ(object_.get_g_cubeFile() + "|" + object_.get_g_CubeName(), "b.cub|Finance");
 }
 

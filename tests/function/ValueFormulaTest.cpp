@@ -33,10 +33,7 @@ struct Formula : ValueCall {
     }
 };
 
-const std::string textOfA =
-    "Provider=MSOLAP;Data Source=a.cub;Initial Catalog=Finance;Client Cache Size=25;Auto Synch Period=10000";
-const std::string textOfB =
-    "Provider=MSOLAP;Data Source=b.cub;Initial Catalog=Finance;Client Cache Size=25;Auto Synch Period=10000";
+const std::string textOfA = test::ConnectionTextFor("a.cub"), textOfB = test::ConnectionTextFor("b.cub");
 
 class ValueFormulaTest : public ::testing::Test {
 protected:
@@ -89,13 +86,12 @@ TEST_F(ValueFormulaTest, EveryArgumentReachesItsPlace) {
         f.Opening_Balance = "81";
     };
     const std::string sent = SentBy(all);
-    EXPECT_EQ(
-        sent.substr(sent.find("[Measures]")),
-        "[Measures].[Lines])    ' SELECT  { [Date].DateSel} ON COLUMNS,  { "
-        "[SuperSumery].[SumeryCode].[SuperSum1].[75] }ON ROWS  From Finance where (  [Plbs].[78],[RH].[79],"
-        "[Firma].[80],[Opening_Balance].[81],[MoneySet].[77],[Activities].[ActivityCodes].[ActivityCode].[74]"
-        ","
-        "[ActX].[OBSx].[All].[71].[72],[Cost_Centers].[All].[73],[Accounts].[AccountCodes].[All].[76])");
+    for (const char* piece :
+         {"[Measures].[Lines]", "[SuperSum1].[75]", "Finance where (  [Plbs].[78],[RH].[79],[Firma].[80],",
+          "[Opening_Balance].[81],[MoneySet].[77],", "[ActivityCode].[74],", "[OBSx].[All].[71].[72],",
+          "[Cost_Centers].[All].[73],", "[AccountCodes].[All].[76])"}) {
+        EXPECT_THAT(sent, HasSubstr(piece));
+    }
     Formula twin;
     all(twin);
     provider_.TakeLog();
@@ -188,14 +184,6 @@ TEST_F(ValueFormulaTest, ShowsNumbersAndTheOutdatedCubeAndMasksTheRest) {
     }
 }
 
-TEST_F(ValueFormulaTest, AFailureKeepsTheNamesOfTheCubeBefore) {
-    object_->QeLF1(Formula());
-    Formula formula;
-    formula.To_Date = {1e9};
-    EXPECT_EQ(object_->QelFuncDemo(formula).value.As<std::string>(), "#err 6");
-    EXPECT_EQ(object_->get_g_cubeFile() + "|" + object_->get_g_CubeName(), "a.cub|Finance");
-}
-
 TEST_F(ValueFormulaTest, TextsComeBackAsFarAsTheCallCame) {
     const ValueCall call{.cubeFile = " a.cub ",
                          .CubeName = " Finance ",
@@ -267,6 +255,7 @@ TEST_F(ValueFormulaTest, CountsObsMembersIn16Bits) {
     EXPECT_EQ(object_->QelFuncDemo(formula).value.As<std::string>(), "#err 6");
     formula.ObsMember = Variant::List({"1", Null{}});
     EXPECT_EQ(object_->QelFuncDemo(formula).value.As<std::string>(), "#err 94") << "a key that is not used";
+    EXPECT_EQ(object_->get_g_cubeFile(), "a.cub") << "a failure keeps the cube before";
 }
 
 TEST_F(ValueFormulaTest, ReusesReopensAndRecoversTheConnection) {

@@ -6,15 +6,20 @@
 
 namespace qel::test {
 
-/// The number of the AutomationError that `work` raises, or 0.
+/// The AutomationError that `work` raises; its number is 0 when there is none.
 template <class Work>
-std::int32_t ErrorOf(const Work& work) {
+AutomationError FailureOf(const Work& work) {
     try {
         work();
     } catch (const AutomationError& error) {
-        return error.Number();
+        return error;
     }
-    return 0;
+    return {0, "no error"};
+}
+
+template <class Work>
+std::int32_t ErrorOf(const Work& work) {
+    return FailureOf(work).Number();
 }
 
 } // namespace qel::test

@@ -54,6 +54,9 @@ TEST(InitLanguage, WithATableTextsComeFromItsLanguage) {
     bench.bench.profiles.value = "1";
     ModLangFrm::InitLanguage(bench.state);
     EXPECT_EQ(GetLangString(bench.state, 1473), "1473") << "a language without rows";
+    std::filesystem::remove(bench.folder.Path("component/Lang.rs"));
+    ModLangFrm::InitLanguage(bench.state);
+    EXPECT_EQ(GetLangString(bench.state, 1481), "יתרת פתיחה") << "the table is gone";
 }
 
 struct BadTableCase {

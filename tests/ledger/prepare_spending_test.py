@@ -15,16 +15,13 @@ NEW = "Body Name,Organisational Unit,Business Unit No.,Business Unit Description
 
 class Prepare(unittest.TestCase):
     def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.published, self.output = Path(self.folder.name) / "in", Path(self.folder.name) / "out"
+        folder = Path(self.enterContext(tempfile.TemporaryDirectory()))
+        self.published, self.output = folder / "in", folder / "out"
         self.published.mkdir()
 
-    def tearDown(self):
-        self.folder.cleanup()
-
     def run_prepare(self):
-        return subprocess.run([sys.executable, PREPARE, str(self.published), str(self.output)], stdout=subprocess.PIPE,
-                              stderr=subprocess.PIPE, encoding="utf-8", check=False)
+        return subprocess.run([sys.executable, PREPARE, self.published, self.output], capture_output=True,
+                              encoding="utf-8", check=False)
 
     def table(self, name):
         with open(self.output / name, encoding="utf-8", newline="") as file:

@@ -22,21 +22,20 @@ def read(name):
 class ProfitAndLoss(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
-        cls.folder = tempfile.TemporaryDirectory()
-        cls.cube = str(Path(cls.folder.name) / "ledger.cub")
+        cls.folder = Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
+        cls.cube = str(cls.folder / "ledger.cub")
         subprocess.run([QEL, "cube", "build", str(LEDGER_FOLDER / "ledger.json"), "--output", cls.cube],
                        check=True, stdout=subprocess.DEVNULL)
         cls.accounts = {account["code"]: account for account in read("accounts.csv")}
         cls.lines = [line for line in read("ledger.csv") if line["account"] >= "4"]
 
-    @classmethod
-    def tearDownClass(cls):
-        cls.folder.cleanup()
+    def run_script(self, cube, *options):
+        return subprocess.run([sys.executable, LEDGER_FOLDER / "profit_and_loss.py", cube, "--qel", QEL, *options],
+                              capture_output=True, encoding="utf-8", check=False)
 
     def statement(self, *options):
         """The printed rows as (name, numbers in the order of the columns on the page)."""
-        run = subprocess.run([sys.executable, str(LEDGER_FOLDER / "profit_and_loss.py"), self.cube, "--qel", QEL,
-                              *options], stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", check=False)
+        run = self.run_script(self.cube, *options)
         self.assertEqual(run.returncode, 0, run.stderr)
         rows = []
         for line in run.stdout.splitlines()[1:]:
@@ -82,17 +81,15 @@ class ProfitAndLoss(unittest.TestCase):
         self.check(rows, self.expected(2024, 3, business_lines="E"), "Hebrew")
 
     def test_a_year_outside_the_cube_is_told(self):
-        run = subprocess.run([sys.executable, str(LEDGER_FOLDER / "profit_and_loss.py"), self.cube, "--qel", QEL,
-                              "--year", "2031"], stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", check=False)
+        run = self.run_script(self.cube, "--year", "2031")
         self.assertNotEqual(run.returncode, 0)
         self.assertIn("2031", run.stderr)
 
     def test_a_cube_that_cannot_be_read_is_told(self):
-        damaged = Path(self.folder.name) / "damaged.cub"
+        damaged = self.folder / "damaged.cub"
         damaged.write_bytes(Path(self.cube).read_bytes()[:5000])
-        for cube in (Path(self.folder.name) / "missing.cub", damaged):
-            run = subprocess.run([sys.executable, str(LEDGER_FOLDER / "profit_and_loss.py"), str(cube), "--qel", QEL],
-                                 stdout=subprocess.PIPE, stderr=subprocess.PIPE, encoding="utf-8", check=False)
+        for cube in (self.folder / "missing.cub", damaged):
+            run = self.run_script(cube)
             self.assertEqual((run.returncode, run.stdout), (1, ""))
             self.assertIn(cube.name, run.stderr)
             self.assertNotIn("No profit and loss", run.stderr)

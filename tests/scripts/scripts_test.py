@@ -20,10 +20,8 @@ MACHINE = {
 
 class Scripts(unittest.TestCase):
     def setUp(self):
-        folder = tempfile.TemporaryDirectory()
-        self.addCleanup(folder.cleanup)
-        self.programs = pathlib.Path(folder.name, "programs")
-        self.rooms = pathlib.Path(folder.name, "rooms")
+        folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory()))
+        self.programs, self.rooms = folder / "programs", folder / "rooms"
         self.programs.mkdir()
         self.rooms.mkdir()
         for name, text in MACHINE.items():

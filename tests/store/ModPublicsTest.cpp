@@ -31,11 +31,10 @@ TEST(CubIni, StandsBesideTheDatabase) {
     bench.SuiteKey()["MDBPath"] = {registryString, folder};
     EXPECT_NE(ModPublics::WriteCubIni(bench.store, "FileCube", "F", "  C:\\Cubes\\my cube.cub "), 0);
 
-    struct SectionCase {
+    const struct {
         const char* what;
         std::string entries, result;
-    };
-    const SectionCase cases[] = {
+    } cases[] = {
         {"the one entry", std::string("F=C:\\a.cub\0", 11), "C:\\a.cub"},
         {"the first of two", std::string("F=a\0G=b\0", 8), "a"},
         {"a longer key keeps its rest", std::string("File=a\0", 7), "le=a"},

@@ -7,54 +7,24 @@
 namespace qel {
 namespace {
 
-struct LayoutCase {
-    const char* what;
-    PendingError error;
-    std::string extraText, functionName, moduleName;
-    std::string text;
-};
-
-const LayoutCase layoutCases[] = {
-    {"the error alone: one empty line before the source",
-     {13, "Type mismatch", "OrmFuncQel4"},
-     "",
-     "",
-     "",
-     "Error : 13\r\n\r\nType mismatch\r\n\r\nSource : OrmFuncQel4"},
-    {"names without a section: one empty line before them",
-     {13, "Type mismatch", "OrmFuncQel4"},
-     "",
-     "OpenDb",
-     "frmNameWizz",
-     "Error : 13\r\n\r\nType mismatch\r\n\r\nFunction : OpenDb\r\nModule : frmNameWizz\r\nSource : "
-     "OrmFuncQel4"},
-    {"everything: two empty lines before the section",
-     {9, "Subscript out of range", "OrmFuncQel4", 120},
-     "Error with the date in the Cube\r\nContinue with another cube",
-     "SetDate",
-     "frmFuncQelWiz",
-     "Error : 9\r\n\r\nSubscript out of range\r\n\r\nError with the date in the Cube\r\nContinue with "
-     "another cube\r\n"
-     "\r\n\r\nCode Section : 120\r\nFunction : SetDate\r\nModule : frmFuncQelWiz\r\nSource : OrmFuncQel4"},
-    {"a provider's number is negative; nothing else is known",
-     {-2147217900, "", ""},
-     "",
-     "",
-     "ModSetCube",
-     "Error : -2147217900\r\n\r\n\r\n\r\nModule : ModSetCube\r\nSource : "},
-    {"a negative section is no section",
-     {5, "x", "y", -1},
-     "",
-     "",
-     "",
-     "Error : 5\r\n\r\nx\r\n\r\nSource : y"},
-};
-
 TEST(ModError, LaysTheReportOut) {
-    for (const auto& c : layoutCases) {
-        EXPECT_EQ(ModError::ComposeErrorText(c.error, c.extraText, c.functionName, c.moduleName), c.text)
-            << c.what;
-    }
+    const auto text = ModError::ComposeErrorText;
+    const PendingError mismatch{13, "Type mismatch", "OrmFuncQel4"};
+    EXPECT_EQ(text(mismatch, "", "", ""), "Error : 13\r\n\r\nType mismatch\r\n\r\nSource : OrmFuncQel4")
+        << "one empty line before the source";
+    EXPECT_EQ(text(mismatch, "", "OpenDb", "frmNameWizz"),
+              "Error : 13\r\n\r\nType mismatch\r\n\r\nFunction : OpenDb\r\nModule : frmNameWizz\r\n"
+              "Source : OrmFuncQel4")
+        << "one empty line before the names";
+    EXPECT_EQ(text({9, "Subscript out of range", "OrmFuncQel4", 120}, "Error with the date\r\nContinue",
+                   "SetDate", "frmFuncQelWiz"),
+              "Error : 9\r\n\r\nSubscript out of range\r\n\r\nError with the date\r\nContinue\r\n\r\n\r\n"
+              "Code Section : 120\r\nFunction : SetDate\r\nModule : frmFuncQelWiz\r\nSource : OrmFuncQel4")
+        << "two empty lines before the section";
+    EXPECT_EQ(text({-2147217900, "", ""}, "", "", "ModSetCube"),
+              "Error : -2147217900\r\n\r\n\r\n\r\nModule : ModSetCube\r\nSource : ");
+    EXPECT_EQ(text({5, "x", "y", -1}, "", "", ""), "Error : 5\r\n\r\nx\r\n\r\nSource : y")
+        << "a negative section is no section";
 }
 
 TEST(ModError, ShowsOneWarningBoxWhateverTheReservedArguments) {

@@ -1,8 +1,8 @@
 #include "support/SettingPaths.h"
 
-#include "platform/value/AutomationError.h"
 #include "support/Folders.h"
 #include "support/Wildcard.h"
+#include "tests/helpers/ErrorOf.h"
 #include "tests/helpers/TemporaryFolder.h"
 #include "text/Utf8Path.h"
 
@@ -96,22 +96,17 @@ TEST_F(FilesTest, MakesAFolderOfOneLevelOrTellsWhyNot) {
                                                           {"/a.tmp", 75},
                                                           {"/a.tmp/new", 76}};
     for (const auto& [name, number] : cases) {
-        std::int32_t raised = 0;
-        try {
-            MakeFolder(PathOf(name));
-        } catch (const AutomationError& error) {
-            EXPECT_NE(error.Description().find(PathOf(name)), std::string::npos) << error.Description();
-            raised = error.Number();
-        }
-        EXPECT_EQ(raised, number) << name;
+        const auto error = test::FailureOf([&] { MakeFolder(PathOf(name)); });
+        EXPECT_EQ(error.Number(), number) << name;
+        EXPECT_EQ(error.Description().find(PathOf(name)) == std::string::npos, number == 0)
+            << error.Description();
     }
     EXPECT_TRUE(DirExists(PathOf("/הנהלה חשבונות")));
 }
 
 TEST(Wildcard, MatchesWholeNames) {
     const struct {
-        const char* name;
-        const char* pattern;
+        const char *name, *pattern;
         bool matches;
     } cases[] = {
         {"a.tmp", "*.tmp", true},

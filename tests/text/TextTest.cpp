@@ -9,9 +9,7 @@ namespace {
 
 TEST(Text, FoldsTheLettersOfCasedAlphabetsAndNothingElse) {
     const struct {
-        const char* what;
-        const char* text;
-        const char* folded;
+        const char *what, *text, *folded;
     } cases[] = {
         {"ASCII beside its neighbours @ [ ` {", "@AZ[`az{", "@az[`az{"},
         {"Latin of two bytes, the multiplication sign is no letter", "ÀÉÞ×ß", "àéþ×ß"},
@@ -58,8 +56,7 @@ TEST(Text, TellsWellFormedUtf8) {
 
 TEST(Text, TrimsBlanksAndNothingElse) {
     const struct {
-        const char* text;
-        const char* trimmed;
+        const char *text, *trimmed;
     } cases[] = {{"  a b  ", "a b"},   {"", ""},
                  {"    ", ""},         {"a", "a"},
                  {" \tA\t ", "\tA\t"}, {"\u00A0 x \u00A0", "\u00A0 x \u00A0"}};

@@ -16,8 +16,7 @@ namespace {
 using Rows = std::vector<std::uint32_t>;
 
 struct SearchCase {
-    const char* what;
-    const char* typed;
+    const char *what, *typed;
     Rows rows;
 };
 

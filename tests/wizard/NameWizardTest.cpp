@@ -15,16 +15,12 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 TEST(NameWizard, WritesAFormulaThatGivesTheNameTheDialogShowed) {
-    struct Case {
+    const struct {
         const char* what;
         const std::string& file;
-        const char* cube;
-        const char* dimType;
-        const char* member;
-        const char* name;
+        const char *cube, *dimType, *member, *name;
         const char* ending; ///< of the formula's arguments
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"by months", LedgerFile(), "LedgerFNC", "SuperSum2", "41", "Sale of goods", R"("SuperSum2", "41")"},
         {"in Hebrew", LedgerFile(), "LedgerHebrewFNC", "SuperSum1", "4", "הכנסות", R"("SuperSum1", "4")"},
         {"a name with quotes", OddFile(), "Oddfnc", "SuperSum1", "2", "הוצאות \"שכר\"",
@@ -128,22 +124,18 @@ TEST(NameWizard, TellsOfAQueryThatNothingIsLeftOf) {
     noMember.dataMember = "x41";
     noType.dimType = "SuperSum9";
     const std::string dropped = "The cube no longer has these saved choices:\r\n";
-    const std::pair<NamedQuery, std::string> cases[] = {
-        {good, ""},
-        {noFile, "/gone.cub File Not Found"},
-        {noCube, dropped + "SuperSum2 41"},
-        {noMember, dropped + "SuperSum2 x41"},
-        {noType, dropped + "SuperSum9 41"},
+    const std::pair<NamedQuery, std::vector<std::string>> cases[] = {
+        {good, {}},
+        {noFile, {"/gone.cub File Not Found"}},
+        {noCube, {dropped + "SuperSum2 41"}},
+        {noMember, {dropped + "SuperSum2 x41"}},
+        {noType, {dropped + "SuperSum9 41"}},
     };
     for (const auto& [query, message] : cases) {
         TestBench bench;
         bench.PutRows("QelName", {RowOf(query)});
         bench.ShowFormQelName([](DialogDouble&) {});
-        std::string messages;
-        for (const auto& text : bench.TakeMessages()) {
-            messages += text;
-        }
-        EXPECT_EQ(messages, message);
+        EXPECT_EQ(bench.TakeMessages(), message);
     }
 }
 

@@ -1,3 +1,4 @@
+#include "platform/value/Conversion.h"
 #include "tests/helpers/ErrorOf.h"
 #include "tests/wizard/TestBench.h"
 #include "wizard/FunctionFormDesign.h"
@@ -16,35 +17,31 @@ using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
 Selection LedgerSelection() {
-    Selection selection;
-    selection.cubeFile = LedgerFile();
-    selection.cubeName = "LedgerFNC";
-    selection.obsName = "OBS";
-    selection.obsNumber = "3";
-    selection.obsLevel = "Level1";
-    selection.obsMembers = {"South & Negev", "North"};
-    selection.activity = "903";
-    selection.summaryLevel = "SuperSum2";
-    selection.summaryMember = "41";
-    selection.account = "4115";
-    selection.measure = "Quantity";
-    selection.moneySet = "USD";
-    selection.plbs = "P";
-    selection.rh = "R";
-    selection.firma = "10";
-    selection.openingBalance = "0";
-    selection.from = DateFromDay({2023, 2, 1});
-    selection.to = DateFromDay({2024, 6, 30});
-    return selection;
+    return {LedgerFile(),
+            "LedgerFNC",
+            "OBS",
+            "3",
+            "Level1",
+            {"South & Negev", "North"},
+            "903",
+            "SuperSum2",
+            "41",
+            "4115",
+            "Quantity",
+            "USD",
+            "P",
+            "R",
+            "10",
+            "0",
+            DateFromDay({2023, 2, 1}),
+            DateFromDay({2024, 6, 30})};
 }
 
 TEST(Selection, IsARowWithAColumnForEveryArgument) {
     const TableRow row = RowOf(LedgerSelection());
     std::vector<std::string> texts;
-    texts.reserve(row.size());
     for (const Variant& value : row) {
-        texts.push_back(value.Is<AutomationDate>() ? FormatShortDate(value.As<AutomationDate>(), Locale())
-                                                   : value.As<std::string>());
+        texts.push_back(ToText(value, Locale()));
     }
     EXPECT_THAT(texts, ElementsAre(LedgerFile(), "LedgerFNC", "OBS", "3", "Level1", "South & Negev\tNorth",
                                    "903", "SuperSum2", "41", "4115", "Quantity", "USD", "P", "R", "10", "0",
@@ -63,16 +60,19 @@ void ChooseLedgerSelection(DialogDouble& dialog) {
         dialog.Choose(ComOBSData, member);
         dialog.Press(ComAddOBS);
     }
-    dialog.Choose(ComAccX, "SuperSum2");
-    dialog.Choose(ComMember, "41 - ");
     dialog.Tick(ChekAct, true);
     dialog.Find(ComActMember, "903");
-    dialog.Choose(ChcMeasure, "Quantity");
-    dialog.Choose(ComMoneySet, "USD");
-    dialog.Choose(ComPlbs, "P - ");
-    dialog.Choose(ComRh, "R - ");
-    dialog.Choose(ComFirma, "10 - ");
-    dialog.Choose(ComOB, "0 - ");
+    for (const auto& [control, item] :
+         std::initializer_list<std::pair<const char*, const char*>>{{ComAccX, "SuperSum2"},
+                                                                    {ComMember, "41 - "},
+                                                                    {ChcMeasure, "Quantity"},
+                                                                    {ComMoneySet, "USD"},
+                                                                    {ComPlbs, "P - "},
+                                                                    {ComRh, "R - "},
+                                                                    {ComFirma, "10 - "},
+                                                                    {ComOB, "0 - "}}) {
+        dialog.Choose(control, item);
+    }
     dialog.Tick(CheckAcc, true);
     dialog.Find(ListAccount, "4115");
     dialog.Type(TxtDateFrom, "01/02/2023");

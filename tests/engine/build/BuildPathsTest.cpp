@@ -1,5 +1,5 @@
 #include "qel/engine/BuildCube.h"
-#include "qel/engine/EngineError.h"
+#include "tests/engine/FaultOf.h"
 #include "tests/helpers/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -42,26 +42,18 @@ protected:
     }
 
     static std::string Fault(const BuildOptions& options) {
-        try {
-            BuildCube(options);
-        } catch (const EngineError& error) {
-            EXPECT_EQ(error.Kind(), ErrorKind::CannotWrite) << error.what();
-            return error.what();
-        }
-        return "no fault";
+        const auto [kind, text] = FaultOf([&] { BuildCube(options); });
+        EXPECT_EQ(kind, ErrorKind::CannotWrite) << text;
+        return text;
     }
 
     test::TemporaryFolder folder_;
 };
 
 TEST_F(BuildPaths, WhatIsReadIsNeverWritten) {
-    struct Case {
-        const char* output;
-        const char* skipped;
-        const char* named;
-        const char* fault;
-    };
-    const Case cases[] = {
+    const struct {
+        const char *output, *skipped, *named, *fault;
+    } cases[] = {
         {"cube.json", "", "cube.json", "as the cube file: it is the cube definition"},
         {"ledger.csv", "", "ledger.csv", "as the cube file: it is the file of the table \"ledger\""},
         {"sub/../firms.csv", "", "sub/../firms.csv",
@@ -76,7 +68,7 @@ TEST_F(BuildPaths, WhatIsReadIsNeverWritten) {
         {"new.cub", "sub/../new.cub", "sub/../new.cub", "as the file for skipped lines: it is the cube file"},
     };
     const std::size_t files = folder_.FileCount();
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         EXPECT_EQ(Fault(Options(test.output, test.skipped)),
                   folder_.Path(test.named).string() + ": cannot be written " + test.fault);
         EXPECT_EQ(folder_.Read("cube.json"), definition);

@@ -37,12 +37,10 @@ std::string ReadAll(const std::string& text) {
 }
 
 TEST(CsvReader, ReadsRealWorldFiles) {
-    struct Case {
+    const struct {
         const char* what;
-        std::string text;
-        std::string expected;
-    };
-    const Case cases[] = {
+        std::string text, expected;
+    } cases[] = {
         {"plain", "a,b\n1,2\n3,4", "<a><b>\n2:1|2\n3:3|4"},
         {"byte order mark, semicolons, CR LF",
          "\xEF\xBB\xBF"
@@ -84,7 +82,7 @@ TEST(CsvReader, ReadsRealWorldFiles) {
         {"a column twice", "a,b,a\n", "t.csv: line 1: two columns are named \"a\""},
         {"header with an open quote", "a,\"b\n1,2\n", "t.csv: line 1: a quote is not closed"},
     };
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         EXPECT_EQ(ReadAll(test.text), test.expected) << test.what;
     }
 }

@@ -1,6 +1,6 @@
 #include "engine/build/Definition.h"
 
-#include "qel/engine/EngineError.h"
+#include "tests/engine/FaultOf.h"
 
 #include <gtest/gtest.h>
 
@@ -67,12 +67,9 @@ TEST(Definition, FillsInDefaults) {
 }
 
 TEST(Definition, NamesTheKeyThatIsWrong) {
-    struct Case {
-        const char* part;
-        const char* replacement;
-        const char* message;
-    };
-    const Case cases[] = {
+    const struct {
+        const char *part, *replacement, *message;
+    } cases[] = {
         {"// a comment", "a comment",
          "line 2, column 3: syntax error while parsing object key - invalid literal; last "
          "read: '{<U+000A>  a'; expected string literal"},
@@ -132,8 +129,7 @@ TEST(Definition, NamesTheKeyThatIsWrong) {
          "\"column\": \"firm\", \"hierarchies\": [ { \"name\": \"F\", \"levels\": [ { \"name\": \"F\", "
          "\"key\": \"x\" } ] } ]",
          "cubes[0].dimensions[2].hierarchies[0].levels[0]: a dimension without a \"table\" has no other "
-         "columns than its "
-         "own"},
+         "columns than its own"},
         {"\"all\": \"Total\"", "\"all\": true",
          "cubes[0].dimensions[1].all: expected the top member's name, or false for none"},
         {"[ \"Local\" ]", "[ \"Local\", \"LOCAL\" ]",
@@ -151,14 +147,11 @@ TEST(Definition, NamesTheKeyThatIsWrong) {
         {"\"account\", \"date\" ]", "\"firm\", \"firm\" ]",
          "cubes[0].sortOrders[0][1]: the column \"firm\" stands twice"},
     };
-    for (const Case& test : cases) {
-        try {
-            ParseDefinition(With(test.part, test.replacement), "d.json", "");
-            ADD_FAILURE() << test.message;
-        } catch (const EngineError& error) {
-            EXPECT_EQ(error.Kind(), ErrorKind::InvalidDefinition);
-            EXPECT_EQ(error.what(), std::string("d.json: ") + test.message);
-        }
+    for (const auto& test : cases) {
+        const auto [kind, text] =
+            FaultOf([&] { ParseDefinition(With(test.part, test.replacement), "d.json", ""); });
+        EXPECT_EQ(kind, ErrorKind::InvalidDefinition) << test.message;
+        EXPECT_EQ(text, std::string("d.json: ") + test.message);
     }
 }
 

@@ -1,5 +1,7 @@
 #include "engine/mdx/Parser.h"
 
+#include "tests/engine/FaultOf.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
@@ -64,9 +66,7 @@ std::string ShowStatement(const std::string& text) {
 }
 
 struct TreeCase {
-    const char* what;
-    const char* text;
-    const char* tree;
+    const char *what, *text, *tree;
 };
 
 const TreeCase treeCases[] = {
@@ -119,9 +119,7 @@ TEST(Parser, BuildsTrees) {
 }
 
 struct ErrorCase {
-    const char* what;
-    const char* text;
-    const char* message;
+    const char *what, *text, *message;
 };
 
 const ErrorCase errorCases[] = {
@@ -140,8 +138,7 @@ const ErrorCase errorCases[] = {
      "c\""},
     {"text after the slicer's parenthesis", "SELECT FROM c where( [a].[All]).[1]",
      "line 1, column 33: expected a function of a member or a set, such as Parent, Children or Members, "
-     "found "
-     "[1], near \"… [a].[All]).[1]\""},
+     "found [1], near \"… [a].[All]).[1]\""},
     {"an axis given twice", "SELECT {[a]} ON 0, {[b]} ON COLUMNS FROM c",
      "line 1, column 20: axis 0 is given twice, near \"…{[a]} ON 0, {[b]} ON COLUMNS FROM c\""},
     {"rows without columns", "SELECT {[a]} ON ROWS FROM c",
@@ -164,28 +161,21 @@ const ErrorCase errorCases[] = {
 
 TEST(Parser, SaysWhereAndWhatWasExpected) {
     for (const ErrorCase& c : errorCases) {
-        try {
-            Parse(c.text);
-            ADD_FAILURE() << c.what << ": no error";
-        } catch (const EngineError& error) {
-            EXPECT_EQ(error.Kind(), ErrorKind::SyntaxError) << c.what;
-            EXPECT_STREQ(error.what(), c.message) << c.what;
-        }
+        const auto [kind, text] = FaultOf([&] { Parse(c.text); });
+        EXPECT_EQ(kind, ErrorKind::SyntaxError) << c.what;
+        EXPECT_EQ(text, c.message) << c.what;
     }
 }
 
 TEST(Parser, LimitsNestingButNotLength) {
     const auto nested = [](const std::string& open, const std::string& inner, const std::string& close,
                            int times) {
-        std::string text = "WITH MEMBER a AS ";
+        std::string before, after;
         for (int i = 0; i < times; ++i) {
-            text += open;
+            before += open;
+            after += close;
         }
-        text += inner;
-        for (int i = 0; i < times; ++i) {
-            text += close;
-        }
-        return text + " SELECT FROM c";
+        return "WITH MEMBER a AS " + before + inner + after + " SELECT FROM c";
     };
     EXPECT_NO_THROW(Parse(nested("(", "1", ")", 90)));
     EXPECT_NO_THROW(Parse(nested("1 + ", "1", "", 20'000)));
@@ -194,12 +184,9 @@ TEST(Parser, LimitsNestingButNotLength) {
     } deep[] = {{"(", "1", ")"}, {"{", "[a]", "}"}, {"F(", "1", ")"},
                 {"- ", "1", ""}, {"NOT ", "1", ""}, {"", "[a]", ".Parent"}};
     for (const auto& c : deep) {
-        try {
-            Parse(nested(c.open, c.inner, c.close, 100'000));
-            ADD_FAILURE() << c.open << c.close << ": no error";
-        } catch (const EngineError& error) {
-            EXPECT_EQ(error.Kind(), ErrorKind::TooLarge) << c.open << c.close;
-        }
+        EXPECT_EQ(FaultOf([&] { Parse(nested(c.open, c.inner, c.close, 100'000)); }).kind,
+                  ErrorKind::TooLarge)
+            << c.open << c.close;
     }
 }
 

@@ -1,5 +1,5 @@
 #include "qel/engine/CubeFile.h"
-#include "qel/engine/EngineError.h"
+#include "tests/engine/FaultOf.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 
@@ -31,13 +31,7 @@ constexpr std::uint64_t rows = 200'000;
 
 /// Facts over several pages, all with the same value.
 SmallCube EqualFacts(std::int8_t value) {
-    SmallCube cube;
-    cube.model.rowCount = rows;
-    cube.model.projections = {{{0}, {0, rows, rows}}};
-    cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
-    cube.values = {std::vector<std::int8_t>(rows, value)};
-    cube.hasAggregates = false;
-    return cube;
+    return {rows, [value](std::size_t) { return value; }};
 }
 
 std::int64_t SumValues(const Cube& cube) {
@@ -52,17 +46,16 @@ std::int64_t SumValues(const Cube& cube) {
 
 /// The sum, or nothing when the file is found to have changed.
 std::optional<std::int64_t> CheckedSum(const Cube& cube, std::string* fault = nullptr) {
-    try {
-        const std::int64_t sum = SumValues(cube);
+    std::int64_t sum = 0;
+    const auto [kind, text] = FaultOf([&] {
+        sum = SumValues(cube);
         cube.CheckUnchanged();
-        return sum;
-    } catch (const EngineError& error) {
-        EXPECT_EQ(error.Kind(), ErrorKind::DamagedFile);
-        if (fault != nullptr) {
-            *fault = error.what();
-        }
-        return std::nullopt;
+    });
+    EXPECT_EQ(kind.value_or(ErrorKind::DamagedFile), ErrorKind::DamagedFile);
+    if (fault != nullptr) {
+        *fault = text;
     }
+    return kind ? std::nullopt : std::optional(sum);
 }
 
 /// Runs `work` in a child process.
@@ -85,11 +78,10 @@ TEST(ChangedFile, CrashesNoReaderAndIsAnError) {
     const TemporaryFolder folder;
     EqualFacts(2).Write(folder.Path("other.cub"));
     const std::string other = folder.Read("other.cub");
-    struct Case {
+    const struct {
         const char* what;
         std::function<void(const std::filesystem::path&, std::uint64_t size)> change;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"cut to nothing", [](const auto& path, auto) { std::filesystem::resize_file(path, 0); }},
         {"cut within the facts", [](const auto& path, auto size) { resize_file(path, size / 2); }},
         {"cut within a page of memory, which only becomes zeros",
@@ -98,7 +90,7 @@ TEST(ChangedFile, CrashesNoReaderAndIsAnError) {
         {"another cube copied into it",
          [&](const auto& path, auto) { std::ofstream(path, std::ios::binary) << other; }},
     };
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         const auto path = folder.Path("a.cub");
         EqualFacts(1).Write(path);
         const auto readBefore = CubeFile::Open(path)->FindCube("Small");

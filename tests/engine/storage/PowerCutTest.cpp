@@ -15,19 +15,6 @@ namespace {
 
 using test::TemporaryFolder;
 
-/// A cube of several pages, written page by page.
-SmallCube LargerCube() {
-    constexpr std::size_t rows = 200'000;
-    SmallCube cube;
-    cube.model.name = "Larger";
-    cube.model.rowCount = rows;
-    cube.model.projections = {{{0}, {0, rows, rows}}};
-    cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
-    cube.values = {std::vector<std::int8_t>(rows, 1)};
-    cube.hasAggregates = false;
-    return cube;
-}
-
 /// Writes the cube in a process that is killed, without clean-up, by the write that takes the file beyond
 /// `bytes`. Returns whether it finished anyway.
 bool WriteUntil(std::uint64_t bytes, const SmallCube& cube, const std::filesystem::path& path) {
@@ -54,7 +41,7 @@ bool WriteUntil(std::uint64_t bytes, const SmallCube& cube, const std::filesyste
 TEST(PowerCut, LeavesTheOldFileOrTheNewOneAtEveryWrite) {
     const TemporaryFolder folder;
     const auto path = folder.Path("a.cub");
-    const SmallCube cube = LargerCube();
+    const SmallCube cube(200'000, [](std::size_t) { return std::int8_t{1}; }); // of several pages
     cube.Write(path);
     const std::string complete = folder.Read("a.cub");
     SmallCube().Write(path);

@@ -1,5 +1,5 @@
 #include "qel/engine/CubeFile.h"
-#include "qel/engine/EngineError.h"
+#include "tests/engine/FaultOf.h"
 #include "tests/engine/storage/SmallCube.h"
 #include "tests/helpers/TemporaryFolder.h"
 
@@ -19,25 +19,14 @@ using testing::HasSubstr;
 
 constexpr std::uint64_t page = 65536;
 
-/// Facts over many pages; each row's value is its number in seven bits.
-SmallCube ManyPages(std::size_t rows) {
-    SmallCube cube;
-    cube.model.rowCount = rows;
-    cube.model.projections = {{{0}, {0, rows, rows}}};
-    cube.keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
-    cube.values = {std::vector<std::int8_t>(rows)};
-    for (std::size_t row = 0; row < rows; ++row) {
-        cube.values[0][row] = static_cast<std::int8_t>(row % 128);
-    }
-    return cube;
-}
-
 /// Threads that read the same unchecked pages at once each get the right bytes or the error.
 TEST(SharedFile, ThreadsCheckPagesTogether) {
     const TemporaryFolder folder;
     constexpr std::uint64_t rows = 12 * page;
     constexpr std::uint64_t badRow = 7 * page;
-    ManyPages(rows).Write(folder.Path("a.cub"));
+    SmallCube(rows, [](std::size_t row) {
+        return static_cast<std::int8_t>(row % 128);
+    }).Write(folder.Path("a.cub"));
     std::string bytes = folder.Read("a.cub");
     // The values are the last column; what follows has the same size in every file of this many pages.
     const std::size_t firstValue = bytes.rfind(std::string("\x7E\x7F", 2)) + 2 - rows;
@@ -108,47 +97,39 @@ TEST(SharedFile, EveryCubeIsFoundWithItsOwnFacts) {
     EXPECT_EQ(firstValue("one"), 5);
     EXPECT_EQ(firstValue("TWO"), 50);
     EXPECT_EQ(firstValue("Three"), 5);
-    try {
-        file->FindCube("Four");
-        ADD_FAILURE();
-    } catch (const EngineError& error) {
-        EXPECT_THAT(error.what(), EndsWith("there is no cube \"Four\"; the file holds One, Two, Three"));
-    }
+    const auto [kind, text] = FaultOf([&] { file->FindCube("Four"); });
+    EXPECT_EQ(kind, ErrorKind::UnknownCube);
+    EXPECT_THAT(text, EndsWith("three.cub: there is no cube \"Four\"; the file holds One, Two, Three"));
 }
 
 TEST(SharedFile, VerifyReadsEveryCubeAndNamesTheDamagedOne) {
-    struct Case {
+    const struct {
         const char* what;
         void (*spoil)(SmallCube&);
         const char* fault; ///< null: no fault
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"all are whole", [](SmallCube&) {}, nullptr},
         {"facts that differ", [](SmallCube& cube) { cube.values[1][0] = 8; },
          "cube Two: sort orders 1 and 2 hold different facts"},
-        {"a code out of range", [](SmallCube& cube) { cube.keys[0][1][2] = 2; },
-         "cube Two, sort order 1: a packed column has bits of no key column"},
-        {"members at fault", [](SmallCube& cube) { cube.Accounts().names.bytes[0] = '\xFF'; }, "not UTF-8"},
+        {"members at fault", [](SmallCube& cube) { cube.Accounts().names.bytes[0] = '\xFF'; },
+         "cube Two, [Accounts].[Tree], member 0: a text is not UTF-8"},
     };
     const TemporaryFolder folder;
-    for (const Case& test : cases) {
+    for (const auto& test : cases) {
         WriteThree(folder.Path("three.cub"), test.spoil);
         std::vector<double> shares;
-        std::string fault;
-        try {
+        const auto [kind, fault] = FaultOf([&] {
             CubeFile::Open(folder.Path("three.cub"))->Verify([&](double share) { shares.push_back(share); });
-        } catch (const EngineError& error) {
-            EXPECT_EQ(error.Kind(), ErrorKind::DamagedFile) << test.what;
-            fault = error.what();
-        }
+        });
         ASSERT_FALSE(shares.empty()) << test.what;
         for (std::size_t i = 1; i < shares.size(); ++i) {
             EXPECT_GE(shares[i], shares[i - 1]) << test.what << ": progress goes back between cubes";
         }
         if (test.fault == nullptr) {
-            EXPECT_EQ(fault, "") << test.what;
+            EXPECT_FALSE(kind) << test.what << ": " << fault;
             EXPECT_EQ(shares.back(), 1) << test.what;
         } else {
+            EXPECT_EQ(kind, ErrorKind::DamagedFile) << test.what;
             EXPECT_THAT(fault, HasSubstr(test.fault)) << test.what;
             EXPECT_LT(shares.back(), 1) << test.what;
         }

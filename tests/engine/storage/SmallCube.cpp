@@ -71,6 +71,18 @@ SmallCube::SmallCube() {
     aggregateValues = {-7, 9};
 }
 
+SmallCube::SmallCube(std::size_t rows, const std::function<std::int8_t(std::size_t row)>& valueOf)
+    : SmallCube() {
+    model.rowCount = rows;
+    model.projections = {{{0}, {0, rows, rows}}};
+    keys = {{std::vector<std::uint8_t>(rows), std::vector<std::uint8_t>(rows)}};
+    values = {std::vector<std::int8_t>(rows)};
+    for (std::size_t row = 0; row < rows; ++row) {
+        values[0][row] = valueOf(row);
+    }
+    hasAggregates = false;
+}
+
 void SmallCube::SumByAccounts() {
     aggregates.timeColumn = 0;
     aggregates.timeBuckets = {0, 1, 2};

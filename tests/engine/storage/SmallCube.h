@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <vector>
 
 namespace qel::engine {
@@ -23,6 +24,8 @@ struct SmallCube {
     bool hasAggregates = true;
 
     SmallCube();
+    /// Facts over several pages, without aggregates; those of row r have the value `valueOf(r)`.
+    SmallCube(std::size_t rows, const std::function<std::int8_t(std::size_t row)>& valueOf);
     /// Makes the accounts the time column, with two buckets, and keeps only the prefix-sum aggregate.
     void SumByAccounts();
     HierarchyModel& Accounts() { return model.dimensions[0].hierarchies[0]; }

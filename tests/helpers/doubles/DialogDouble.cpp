@@ -171,7 +171,6 @@ std::unique_ptr<Dialog> ToolkitDouble::NewDialog(const FormDesign& design, bool 
     auto dialog = std::make_unique<DialogDouble>(design, isRightToLeft, events);
     dialog->chosenFile = chosenFile;
     dialog->beforeRun = person;
-    ++shown;
     return dialog;
 }
 

@@ -35,7 +35,6 @@ public:
     // What a person sees.
     const std::vector<std::string>& Items(std::string_view control) const { return At(control).items; }
     const ListSource& Rows(std::string_view control) const { return *At(control).rows; }
-    bool HasRows(std::string_view control) const { return At(control).rows != nullptr; }
     const std::string& Caption() const { return caption_; }
     const std::string& HelpFile() const { return helpFile_; }
     bool IsHidden() const { return isHidden_; }
@@ -119,7 +118,6 @@ class ToolkitDouble : public DialogToolkit {
 public:
     std::function<void(DialogDouble&)> person; ///< acts while a dialog is shown
     std::string chosenFile;                    ///< what the file dialog answers
-    int shown = 0;
 
     std::unique_ptr<Dialog> NewDialog(const FormDesign& design, bool isRightToLeft,
                                       DialogEvents& events) override;

@@ -1,5 +1,6 @@
 #include "tests/helpers/doubles/RecordingProvider.h"
 
+#include "platform/data/InMemoryRecordset.h"
 #include "platform/value/AutomationError.h"
 #include "text/CaseFold.h"
 
@@ -12,6 +13,12 @@ namespace {
 void FailIf(std::int32_t number) {
     if (number != 0) {
         throw AutomationError(number, "scripted failure", "RecordingProvider");
+    }
+}
+
+void RequireOpen(const std::shared_ptr<Connection>& connection) {
+    if (!connection || connection->State() != stateOpen) {
+        throw AutomationError(3709, "no open connection", "RecordingProvider");
     }
 }
 
@@ -59,11 +66,6 @@ public:
     }
     int State() const override { return state_; }
     std::string ConnectionString() const override { return connectionString_; }
-    std::string DefaultDatabase() const override {
-        const std::string named = Connection::DefaultDatabase();
-        return named.empty() ? provider_.defaultDatabase : named;
-    }
-    std::unique_ptr<Recordset> OpenSchema(int schema) override;
 
 private:
     RecordingProvider& provider_;
@@ -200,9 +202,7 @@ public:
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override {
         provider_.log.push_back("statement " + source);
-        if (!connection || connection->State() != stateOpen) {
-            throw AutomationError(3709, "no open connection", "RecordingProvider");
-        }
+        RequireOpen(connection);
         FailIf(provider_.failingStatement);
     }
     void Close() override { provider_.log.emplace_back("close cellset"); }
@@ -228,58 +228,33 @@ private:
     RecordingProvider& provider_;
 };
 
-/// Rows of the script, copied when the recordset is opened.
-class RecordedRecordset : public Recordset {
+/// Copies the rows of the script when it is opened.
+class RecordedRecordset : public InMemoryRecordset {
 public:
-    explicit RecordedRecordset(RecordingProvider& provider) : provider_(provider) {}
-    RecordedRecordset(RecordingProvider& provider, std::string field, const std::vector<std::string>& texts)
-        : provider_(provider), fields_{std::move(field)} {
-        for (const std::string& text : texts) {
-            rows_.push_back({text});
-        }
-    }
+    explicit RecordedRecordset(RecordingProvider& provider)
+        : InMemoryRecordset("RecordingProvider",
+                            [&provider](const std::string&, const std::shared_ptr<Connection>& connection) {
+                                RequireOpen(connection);
+                                FailIf(provider.failingStatement);
+                                return Rowset{std::vector<std::string>(provider.recordFields, "field"),
+                                              provider.recordRows};
+                            }),
+          provider_(provider) {}
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
               int lockType, int options) override {
         const bool plain = cursorType == -1 && lockType == -1 && options == -1;
         provider_.log.push_back((plain ? "recordset " : "recordset with other options ") + source);
-        if (!connection || connection->State() != stateOpen) {
-            throw AutomationError(3709, "no open connection", "RecordingProvider");
-        }
-        FailIf(provider_.failingStatement);
-        for (std::int32_t field = 0; field < provider_.recordFields; ++field) {
-            fields_.push_back("field " + std::to_string(field));
-        }
-        rows_ = provider_.recordRows;
+        InMemoryRecordset::Open(source, connection, cursorType, lockType, options);
     }
-    void Close() override { provider_.log.emplace_back("close recordset"); }
-    std::int32_t FieldCount() const override { return static_cast<std::int32_t>(fields_.size()); }
-    std::string FieldName(std::int32_t index) const override { return At(fields_, index); }
-    Variant FieldValue(std::int32_t index) const override { return At(At(rows_, row_), index); }
-    bool AtEnd() const override { return row_ >= static_cast<std::int32_t>(rows_.size()); }
-    void MoveFirst() override {
-        row_ = 0;
-        if (AtEnd()) {
-            throw AutomationError(3021, "no rows", "RecordingProvider");
-        }
+    void Close() override {
+        provider_.log.emplace_back("close recordset");
+        InMemoryRecordset::Close();
     }
-    void MoveNext() override { ++row_; }
 
 private:
     RecordingProvider& provider_;
-    std::vector<std::string> fields_;
-    std::vector<std::vector<Variant>> rows_;
-    std::int32_t row_ = 0;
 };
-
-std::unique_ptr<Recordset> RecordedConnection::OpenSchema(int schema) {
-    provider_.log.push_back("schema " + std::to_string(schema));
-    FailIf(provider_.failingSchema);
-    if (schema != schemaCatalogs) {
-        return Connection::OpenSchema(schema);
-    }
-    return std::make_unique<RecordedRecordset>(provider_, "CATALOG_NAME", provider_.catalogNames);
-}
 
 ScriptedLevel AllLevelOf(const std::string& name) { return {name, {{"All", "[" + name + "].[All]", 0}}}; }
 
@@ -345,6 +320,11 @@ ScriptedDimension MonthlyDates(int firstYear, int firstMonth, int lastYear, int 
         month = month % 12 + 1;
     }
     return {"Date", {AllLevelOf("Date"), years, quarters, months}};
+}
+
+std::string ConnectionTextFor(const std::string& cubeFile, const std::string& cubeName) {
+    return "Provider=MSOLAP;Data Source=" + cubeFile + ";Initial Catalog=" + cubeName +
+           ";Client Cache Size=25;Auto Synch Period=10000";
 }
 
 RecordingProvider LedgerProvider() {

@@ -28,18 +28,16 @@ struct ScriptedDimension {
 
 /// A data provider that answers from a script and records each call as a line of `log`: "new connection",
 /// "open TEXT", "close", "release", "catalog TEXT", "statement TEXT", "close cellset", "recordset TEXT",
-/// "close recordset", "schema NUMBER".
+/// "close recordset".
 class RecordingProvider : public DataAccess {
 public:
     std::vector<ScriptedDimension> dimensions; ///< of the one cube of every catalog
     Variant cell = 1.0;
     std::vector<CellsetMember> rowMembers;        ///< the members of a cellset's rows axis, one per position
     std::vector<std::vector<Variant>> recordRows; ///< of every recordset
-    std::int32_t recordFields = 0;
-    std::vector<std::string> catalogNames; ///< the rows of the catalogs schema
-    std::string defaultDatabase;           ///< of a connection whose text names no catalog
+    std::size_t recordFields = 0;
     // The number of the error that an operation raises; 0 for none.
-    std::int32_t failingOpen = 0, failingCatalog = 0, failingStatement = 0, failingSchema = 0;
+    std::int32_t failingOpen = 0, failingCatalog = 0, failingStatement = 0;
     std::vector<std::string> log;
 
     std::shared_ptr<Connection> CreateConnection() override;
@@ -57,6 +55,9 @@ public:
 /// [Date] with All, Year, Quarter, Month for every month from the first to the last; months are unique as
 /// "[Date].[2020].[3]".
 ScriptedDimension MonthlyDates(int firstYear, int firstMonth, int lastYear, int lastMonth);
+
+/// The text that a cube's connection is opened with.
+std::string ConnectionTextFor(const std::string& cubeFile, const std::string& cubeName = "Finance");
 
 /// A provider with a current layout: [ActX] of three levels, [OBS] of two, and the months of 2019 and 2020.
 RecordingProvider LedgerProvider();

@@ -6,10 +6,9 @@ namespace qel {
 namespace {
 
 TEST(AccessKey, IsTheFirstOfTheLettersThatTheCaptionHolds) {
-    struct Case {
+    const struct {
         const char *caption, *letters, *shown;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"Cube Name", "Nש", "Cube &Name"},
         {"שם קוביה", "Nש", "&שם קוביה"},
         {"Select OBS", "E", "S&elect OBS"},
@@ -19,7 +18,7 @@ TEST(AccessKey, IsTheFirstOfTheLettersThatTheCaptionHolds) {
         {"OK", "", "OK"},
         {"", "A", ""},
     };
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         EXPECT_EQ(WithAccessKey(c.caption, c.letters, "&"), c.shown) << c.caption;
     }
 }

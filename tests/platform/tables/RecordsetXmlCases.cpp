@@ -50,10 +50,9 @@ std::vector<RecordsetXmlCase> ReadableRecordsets() {
         {"a field without a value", Recordset("<rs:data><z:row n='2'/></rs:data>"), head + "\n-|-|2|"},
         {"no rows", Recordset("<rs:data/>"), head},
         {"pending rows as they were shown",
-         Recordset(
-             "<rs:data><rs:update><rs:original><z:row lId='1' c1='old' n='1'/></rs:original><z:row c1='new'/>"
-             "</rs:update><rs:insert><z:row lId='2'/><z:row lId='3'/></rs:insert>"
-             "<rs:delete><z:row lId='9'/></rs:delete></rs:data>"),
+         Recordset("<rs:data><rs:update><rs:original><z:row lId='1' c1='old' n='1'/></rs:original><z:row "
+                   "c1='new'/></rs:update><rs:insert><z:row lId='2'/><z:row "
+                   "lId='3'/></rs:insert><rs:delete><z:row lId='9'/></rs:delete></rs:data>"),
          head + "\n1|'new'|1|\n2|-|-|\n3|-|-|"},
     };
 }

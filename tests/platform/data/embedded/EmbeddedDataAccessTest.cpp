@@ -1,8 +1,8 @@
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 
 #include "platform/data/embedded/ProviderErrors.h"
-#include "platform/value/AutomationError.h"
 #include "tests/helpers/ErrorOf.h"
+#include "tests/helpers/RecordsetText.h"
 #include "tests/helpers/books/BooksCube.h"
 
 #include <fmt/format.h>
@@ -18,6 +18,7 @@ namespace {
 using test::BuildBooks;
 using test::ErrorOf;
 using test::TextFor;
+using ::testing::HasSubstr;
 
 /// Reads the cubes of tests/helpers/books through the ports.
 class EmbeddedDataAccessTest : public testing::Test {
@@ -47,13 +48,9 @@ protected:
 
 template <class Work>
 std::string DescriptionOf(const Work& work) {
-    try {
-        work();
-    } catch (const AutomationError& error) {
-        EXPECT_EQ(error.Source(), "OrmFuncQel4 cube engine");
-        return error.Description();
-    }
-    return "";
+    const auto error = test::FailureOf(work);
+    EXPECT_EQ(error.Source(), "OrmFuncQel4 cube engine");
+    return error.Description();
 }
 
 TEST_F(EmbeddedDataAccessTest, AConnectionOpensAndClosesAsAdoDoes) {
@@ -76,14 +73,11 @@ TEST_F(EmbeddedDataAccessTest, AConnectionOpensAndClosesAsAdoDoes) {
 TEST_F(EmbeddedDataAccessTest, AFailedOpeningLeavesTheConnectionClosed) {
     const auto connection = dataAccess_.CreateConnection();
     const auto open = [&](const std::string& text) { connection->Open(text, "", "", optionsUnspecified); };
-    const auto unknown = DescriptionOf([&] { open(TextFor(cubeFile_, "Nope")); });
-    EXPECT_NE(unknown.find("Nope"), std::string::npos) << unknown;
-    EXPECT_NE(unknown.find("BooksFNC"), std::string::npos) << unknown;
-    const auto unnamed = DescriptionOf([&] { open(TextFor(cubeFile_, "")); });
-    EXPECT_NE(unnamed.find("'BooksFNC', 'FlatFNC'"), std::string::npos) << unnamed;
-    const auto otherProvider =
-        DescriptionOf([&] { open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + cubeFile_); });
-    EXPECT_NE(otherProvider.find("Microsoft.Jet.OLEDB.4.0"), std::string::npos) << otherProvider;
+    EXPECT_THAT(DescriptionOf([&] { open(TextFor(cubeFile_, "Nope")); }),
+                AllOf(HasSubstr("Nope"), HasSubstr("BooksFNC")));
+    EXPECT_THAT(DescriptionOf([&] { open(TextFor(cubeFile_, "")); }), HasSubstr("'BooksFNC', 'FlatFNC'"));
+    EXPECT_THAT(DescriptionOf([&] { open("Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + cubeFile_); }),
+                HasSubstr("Microsoft.Jet.OLEDB.4.0"));
     EXPECT_EQ(connection->State(), stateClosed);
 }
 
@@ -96,12 +90,8 @@ TEST_F(EmbeddedDataAccessTest, AConnectionWithoutACatalogListsTheCubesOfTheFile)
     EXPECT_EQ(connection->DefaultDatabase(), "BooksFNC") << "the first cube of the file";
 
     const auto rows = connection->OpenSchema(schemaCatalogs);
-    EXPECT_EQ(rows->FieldCount(), 1);
-    std::vector<std::string> names;
-    for (; !rows->AtEnd(); rows->MoveNext()) {
-        names.push_back(rows->FieldValueNamed("catalog_name").As<std::string>());
-    }
-    EXPECT_EQ(names, (std::vector<std::string>{"BooksFNC", "FlatFNC"}));
+    EXPECT_EQ(rows->FieldValueNamed("catalog_name").As<std::string>(), "BooksFNC");
+    EXPECT_EQ(test::TextOf(*rows), "CATALOG_NAME\nBooksFNC\nFlatFNC");
     rows->MoveFirst();
     EXPECT_EQ(ErrorOf([&] { rows->FieldValueNamed("CUBE_NAME"); }), 3265);
     EXPECT_EQ(ErrorOf([&] { connection->OpenSchema(20); }), 3251);
@@ -198,36 +188,33 @@ TEST_F(EmbeddedDataAccessTest, AStatementsFaultKeepsTheEnginesNumberAndText) {
     EXPECT_EQ(number("SELECT {[Firma].[99]} ON 0 FROM BooksFNC"),
               ErrorNumberOf(engine::ErrorKind::UnknownMember));
     EXPECT_EQ(number("SELECT FRM BooksFNC"), ErrorNumberOf(engine::ErrorKind::SyntaxError));
-    EXPECT_NE(DescriptionOf([&] { Run("SELECT {[Firma].[99]} ON 0 FROM BooksFNC"); }).find("99"),
-              std::string::npos);
+    EXPECT_THAT(DescriptionOf([&] { Run("SELECT {[Firma].[99]} ON 0 FROM BooksFNC"); }), HasSubstr("99"));
     const auto cellset = dataAccess_.CreateCellset();
     EXPECT_EQ(ErrorOf([&] { cellset->Open("SELECT FROM BooksFNC", nullptr); }), 3709);
     EXPECT_EQ(ErrorOf([&] { cellset->Open("SELECT FROM BooksFNC", dataAccess_.CreateConnection()); }), 3709);
 }
 
 TEST(ProviderErrors, HaveTheDocumentedNumbers) {
-    using engine::ErrorKind;
-    const std::pair<const char*, ErrorKind> kinds[] = {
-        {"FileNotFound", ErrorKind::FileNotFound},
-        {"NotACubeFile", ErrorKind::NotACubeFile},
-        {"UnsupportedVersion", ErrorKind::UnsupportedVersion},
-        {"DamagedFile", ErrorKind::DamagedFile},
-        {"UnknownCube", ErrorKind::UnknownCube},
-        {"UnknownName", ErrorKind::UnknownName},
-        {"UnknownMember", ErrorKind::UnknownMember},
-        {"SyntaxError", ErrorKind::SyntaxError},
-        {"InvalidExpression", ErrorKind::InvalidExpression},
-        {"TooLarge", ErrorKind::TooLarge},
-        {"InvalidDefinition", ErrorKind::InvalidDefinition},
-        {"InvalidData", ErrorKind::InvalidData},
-        {"CannotWrite", ErrorKind::CannotWrite},
-    };
+    using enum engine::ErrorKind;
+    const std::pair<const char*, engine::ErrorKind> kinds[] = {{"FileNotFound", FileNotFound},
+                                                               {"NotACubeFile", NotACubeFile},
+                                                               {"UnsupportedVersion", UnsupportedVersion},
+                                                               {"DamagedFile", DamagedFile},
+                                                               {"UnknownCube", UnknownCube},
+                                                               {"UnknownName", UnknownName},
+                                                               {"UnknownMember", UnknownMember},
+                                                               {"SyntaxError", SyntaxError},
+                                                               {"InvalidExpression", InvalidExpression},
+                                                               {"TooLarge", TooLarge},
+                                                               {"InvalidDefinition", InvalidDefinition},
+                                                               {"InvalidData", InvalidData},
+                                                               {"CannotWrite", CannotWrite}};
     std::ostringstream page;
     page << std::ifstream(QEL_ERRORS_PAGE).rdbuf();
     for (const auto& [name, kind] : kinds) {
         const auto number = ErrorNumberOf(kind);
-        EXPECT_THAT(page.str(), testing::HasSubstr(fmt::format("| {} | `0x{:X}` | {} |", name,
-                                                               static_cast<std::uint32_t>(number), number)));
+        EXPECT_THAT(page.str(), HasSubstr(fmt::format("| {} | `0x{:X}` | {} |", name,
+                                                      static_cast<std::uint32_t>(number), number)));
     }
 }
 

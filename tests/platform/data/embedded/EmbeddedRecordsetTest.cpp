@@ -92,50 +92,32 @@ TEST_F(EmbeddedRecordsetTest, WrongUsesAreErrorsThatLeaveTheRowsAlone) {
     const std::string statement = "SELECT {[Measures]} ON COLUMNS, {[Firma].[20]} ON ROWS FROM BooksFNC";
     const auto rows = dataAccess_.CreateRecordset();
     const auto open = [&](const std::string& text) { rows->Open(text, connection, -1, -1, -1); };
-    struct Case {
-        const char* what;
-        std::function<void()> use;
-        std::int32_t number;
-    };
-    const Case whenClosed[] = {
-        {"fields of a closed recordset", [&] { rows->FieldCount(); }, errorObjectClosed},
-        {"end of a closed recordset", [&] { rows->AtEnd(); }, errorObjectClosed},
-        {"moving in a closed recordset", [&] { rows->MoveNext(); }, errorObjectClosed},
-        {"closing twice", [&] { rows->Close(); }, errorObjectClosed},
-        {"moving to the first row of a closed recordset", [&] { rows->MoveFirst(); }, errorObjectClosed},
-        {"three axes", [&] { open("SELECT {[Measures]} ON 0, {[Firma]} ON 1, {[OBS]} ON 2 FROM BooksFNC"); },
-         errorNotSupported},
-        {"no connection", [&] { rows->Open(statement, nullptr, -1, -1, -1); }, errorInvalidConnection},
-        {"a failed statement leaves it closed", [&] { rows->FieldCount(); }, errorObjectClosed},
-    };
-    const Case whenOpen[] = {
-        {"a field before the first", [&] { rows->FieldName(-1); }, errorItemNotFound},
-        {"a field behind the last", [&] { rows->FieldName(2); }, errorItemNotFound},
-        {"a value before the first", [&] { rows->FieldValue(-1); }, errorItemNotFound},
-        {"opening twice", [&] { open(statement); }, errorObjectOpen},
-    };
-    const Case atEnd[] = {
-        {"moving beyond the end", [&] { rows->MoveNext(); }, errorNoCurrentRow},
-        {"a value at the end", [&] { rows->FieldValue(0); }, errorNoCurrentRow},
-    };
-    for (int round = 0; round < 2; ++round) { // a closed recordset can be opened again
-        for (const Case& c : whenClosed) {
-            EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
+    const auto expectNumber = [](std::int32_t number, const std::vector<std::function<void()>>& uses) {
+        for (std::size_t i = 0; i < uses.size(); ++i) {
+            EXPECT_EQ(ErrorOf(uses[i]), number) << "use " << i;
         }
+    };
+    const std::vector<std::function<void()>> whenClosed = {
+        [&] { rows->FieldCount(); }, [&] { rows->AtEnd(); }, [&] { rows->MoveNext(); },
+        [&] { rows->MoveFirst(); }, [&] { rows->Close(); }};
+    for (int round = 0; round < 2; ++round) { // a closed recordset can be opened again
+        expectNumber(errorObjectClosed, whenClosed);
+        expectNumber(errorNotSupported,
+                     {[&] { open("SELECT {[Measures]} ON 0, {[Firma]} ON 1, {[OBS]} ON 2 FROM BooksFNC"); }});
+        expectNumber(errorInvalidConnection, {[&] { rows->Open(statement, nullptr, -1, -1, -1); }});
         for (const char* text : {"", "SELECT {[OBS].[Level9].members} ON COLUMNS FROM BooksFNC"}) {
             EXPECT_NE(ErrorOf([&] { open(text); }), 0) << text;
         }
+        expectNumber(errorObjectClosed, whenClosed); // a failed statement leaves it closed
         open(statement);
-        for (const Case& c : whenOpen) {
-            EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
-        }
+        expectNumber(errorItemNotFound, {[&] { rows->FieldName(-1); }, [&] { rows->FieldName(2); },
+                                         [&] { rows->FieldValue(-1); }});
+        expectNumber(errorObjectOpen, {[&] { open(statement); }});
         EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
         EXPECT_EQ(rows->FieldValue(1).As<double>(), -299.7);
         rows->MoveNext();
         EXPECT_TRUE(rows->AtEnd());
-        for (const Case& c : atEnd) {
-            EXPECT_EQ(ErrorOf(c.use), c.number) << c.what;
-        }
+        expectNumber(errorNoCurrentRow, {[&] { rows->MoveNext(); }, [&] { rows->FieldValue(0); }});
         rows->MoveFirst();
         EXPECT_EQ(rows->FieldValue(0).As<std::string>(), "20");
         rows->Close();

@@ -134,10 +134,9 @@ private:
 };
 
 TEST(ConfigFolder, FollowsTheDesktopsRules) {
-    struct FolderCase {
+    const struct {
         const char *what, *configHome, *home, *settings;
-    };
-    const FolderCase cases[] = {
+    } cases[] = {
         {"the folder of configurations", "/c", "/h", "/c/qel/settings.ini"},
         {"a relative one does not count", "c", "/h", "/h/.config/qel/settings.ini"},
         {"an empty one neither", "", "/h", "/h/.config/qel/settings.ini"},

@@ -2,7 +2,7 @@
 
 #include "lang/LangCheck.h"
 #include "lang/StringTable.h"
-#include "platform/value/AutomationError.h"
+#include "tests/helpers/ErrorOf.h"
 #include "tests/helpers/TemporaryFolder.h"
 #include "tests/platform/tables/RecordsetXmlCases.h"
 #include "text/Utf8Path.h"
@@ -27,13 +27,9 @@ TEST(XmlTableReader, TellsWhatIsWrongWithAFile) {
     cases.push_back(
         {"another encoding", "<?xml version='1.0' encoding='windows-1255'?><xml/>", "windows-1255"});
     for (const auto& c : cases) {
-        try {
-            XmlTableReader().Read(PathToUtf8(folder.Write("Lang.rs", c.bytes)));
-            ADD_FAILURE() << c.what << ": no error";
-        } catch (const AutomationError& error) {
-            EXPECT_THAT(error.Description(), HasSubstr(c.result)) << c.what;
-            EXPECT_THAT(error.Description(), HasSubstr("Lang.rs")) << c.what;
-        }
+        const auto error =
+            test::FailureOf([&] { XmlTableReader().Read(PathToUtf8(folder.Write("Lang.rs", c.bytes))); });
+        EXPECT_THAT(error.Description(), AllOf(HasSubstr(c.result), HasSubstr("Lang.rs"))) << c.what;
     }
     EXPECT_THROW(XmlTableReader().Read("/nowhere/Lang.rs"), AutomationError);
 }
