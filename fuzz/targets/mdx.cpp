@@ -64,7 +64,7 @@ std::string Lengthened(std::string_view text) {
     }
 }
 
-void RunStatement(const qel::engine::Cube& cube, std::string_view statement) {
+void RunInput(const qel::engine::Cube& cube, std::string_view statement) {
     try {
         const qel::engine::Cellset cellset = qel::engine::RunStatement(cube, statement);
         for (std::size_t axis = 0; axis < cellset.AxisCount(); ++axis) {
@@ -82,6 +82,6 @@ void RunStatement(const qel::engine::Cube& cube, std::string_view statement) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static const std::shared_ptr<const qel::engine::Cube> cube = BuildSmallCube();
     const std::string statement = Lengthened({reinterpret_cast<const char*>(data), size});
-    qel::test::RunOnSmallStack([&] { RunStatement(*cube, statement); });
+    qel::test::RunOnSmallStack([&] { RunInput(*cube, statement); });
     return 0;
 }
