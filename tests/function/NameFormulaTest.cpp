@@ -1,4 +1,4 @@
-#include "cube/MemberName.h"
+#include "cube/NameQuery.h"
 #include "function/OrmQelFunction.h"
 #include "tests/helpers/doubles/RecordingProvider.h"
 
