@@ -193,7 +193,8 @@ TEST_F(SmallStack, TakesDeepStatements) {
                   "be evaluated")
             << nest.before;
     }
-    EXPECT_EQ(Answer(*cube_, OfNumber(Nested("Count(Filter([Firma].Members, 0 < ", "[Measures].[Amount]", "))", 48))),
+    EXPECT_EQ(Answer(*cube_,
+                     OfNumber(Nested("Count(Filter([Firma].Members, 0 < ", "[Measures].[Amount]", "))", 48))),
               "more than 10000000 cells are read for sets inside one another");
     const struct {
         const char *before, *inner, *after;
