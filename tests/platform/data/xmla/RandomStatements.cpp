@@ -121,7 +121,7 @@ const Rules grammar[] = {
       "-$v",
       "Abs(CoalesceEmpty($v, 1))",
       "CoalesceEmpty($v, $v)",
-      "IIf($c, $v, $v)",
+      "IIf($c, $v, $q)",
       "(Aggregate($r, $q) + 0)",
       "($v + $v - $v)",
       "NULL"}},
