@@ -23,9 +23,9 @@ public:
     }
     STDMETHODIMP GetTypeInfo(UINT index, LCID /*locale*/, ITypeInfo** info) override {
         if (index == 0) {
-            return Give(types_.Interface(), info);
+            return GiveType(types_.Interface(), info);
         }
-        return Give(nullptr, info) == S_OK ? DISP_E_BADINDEX : E_POINTER;
+        return GiveType(nullptr, info) == S_OK ? DISP_E_BADINDEX : E_POINTER;
     }
     STDMETHODIMP GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names, UINT count, LCID /*locale*/,
                                DISPID* ids) override {
@@ -40,7 +40,7 @@ public:
     STDMETHODIMP InterfaceSupportsErrorInfo(REFIID id) override {
         return id == types_.Class().interfaceId ? S_OK : S_FALSE;
     }
-    STDMETHODIMP GetClassInfo(ITypeInfo** info) override { return Give(types_.CoClass(), info); }
+    STDMETHODIMP GetClassInfo(ITypeInfo** info) override { return GiveType(types_.CoClass(), info); }
 
 protected:
     void* Find(REFIID id) override {
@@ -60,7 +60,7 @@ protected:
     const Locale& UserLocale() const { return locale_; }
 
 private:
-    static HRESULT Give(ITypeInfo* type, ITypeInfo** info) {
+    static HRESULT GiveType(ITypeInfo* type, ITypeInfo** info) {
         if (info == nullptr) {
             return E_POINTER;
         }
