@@ -88,10 +88,10 @@ def own_sources(builds):
     seen = set()
     for build in builds:
         for entry in json.loads((pathlib.Path(build) / "compile_commands.json").read_text()):
-            entry["command"] = plain(entry["command"])
             source = pathlib.Path(entry["file"])
             if source.is_relative_to(ROOT) and not source.is_relative_to(ROOT / "build") and source not in seen:
                 seen.add(source)
+                entry["command"] = plain(entry["command"])
                 yield build, entry
 
 
