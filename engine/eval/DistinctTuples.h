@@ -15,6 +15,7 @@ class DistinctTuples {
 public:
     explicit DistinctTuples(Dimensionality dimensionality)
         : tuples_{std::move(dimensionality), {}}, index_(0, Hash{&tuples_}, Equal{&tuples_}) {}
+    ~DistinctTuples() = default;
     DistinctTuples(const DistinctTuples&) = delete;
     DistinctTuples& operator=(const DistinctTuples&) = delete;
 

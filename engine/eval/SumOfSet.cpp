@@ -31,14 +31,12 @@ CellValue SumOfSet::ValueAt(Evaluator& evaluator) const {
 }
 
 CellValue SumOfSet::EvaluateTogether(Evaluator& evaluator) const {
-    std::unique_ptr<const CompoundSet> own;
+    std::unique_ptr<const CompoundSet> own; // of a set that depends on the cell
     if (!together_) {
-        own = std::make_unique<const CompoundSet>(evaluator.Space(), set_->Evaluate(evaluator));
-        if (set_->IsConstant()) {
-            together_ = std::move(own);
-        }
+        auto& place = set_->IsConstant() ? together_ : own;
+        place = std::make_unique<const CompoundSet>(evaluator.Space(), set_->Evaluate(evaluator));
     }
-    const CompoundSet& set = own ? *own : *together_;
+    const CompoundSet& set = together_ ? *together_ : *own;
     if (set.Count() == 0) {
         return CellValue::Empty();
     }
