@@ -15,8 +15,10 @@ endif()
 
 find_program(CCACHE ccache)
 if(CCACHE)
-    # ccache refuses precompiled headers unless it is told that their macros and times need no check of its own.
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env CCACHE_SLOPPINESS=pch_defines,time_macros "${CCACHE}")
+    # ccache refuses precompiled headers unless it is told that their macros and times need no check of its own, and
+    # keeps none that was configured in the same second.
+    set(sloppiness pch_defines,time_macros,include_file_mtime,include_file_ctime)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_SLOPPINESS=${sloppiness}" "${CCACHE}")
 endif()
 
 # What every target of the repository is compiled with: the warnings, the include root and fmt, which is everywhere. Linked privately, so that
