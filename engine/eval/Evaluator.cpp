@@ -15,10 +15,10 @@ namespace {
 constexpr int nestingLimit = 400;
 /// When each formula uses the next one twice, evaluations double with every step; forty such formulas would
 /// take years.
-constexpr int evaluationLimit = 10'000'000;
+constexpr int evaluationLimit = 1'000'000;
 /// Likewise when each set reads two cells of the next one. Positions within this many others are counted.
 constexpr int deepPosition = 6;
-constexpr int deepPositionLimit = 10'000'000;
+constexpr int deepPositionLimit = 1'000'000;
 
 } // namespace
 

@@ -49,7 +49,7 @@ std::shared_ptr<const qel::engine::Cube> BuildSmallCube() {
 /// What stands between two bytes 1 comes many times: small inputs make long statements.
 std::string Lengthened(std::string_view text) {
     constexpr char mark = 1;
-    constexpr std::size_t mostBytes = 100'000;
+    constexpr std::size_t mostBytes = 20'000;
     std::string longer;
     for (std::size_t piece = 0; true; ++piece) {
         const std::size_t end = std::min(text.find(mark), text.size());

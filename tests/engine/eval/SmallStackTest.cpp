@@ -195,7 +195,7 @@ TEST_F(SmallStack, TakesDeepStatements) {
     }
     EXPECT_EQ(Answer(*cube_,
                      OfNumber(Nested("Count(Filter([Firma].Members, 0 < ", "[Measures].[Amount]", "))", 48))),
-              "more than 10000000 cells are read for sets inside one another");
+              "more than 1000000 cells are read for sets inside one another");
     const struct {
         const char *before, *inner, *after;
         int steps;
