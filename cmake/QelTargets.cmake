@@ -17,8 +17,9 @@ find_program(CCACHE ccache)
 if(CCACHE)
     # ccache refuses precompiled headers unless it is told that their macros and times need no check of its own, and
     # keeps none that was configured in the same second.
+    # It tells objects apart by the language of the compiler's messages, so all are made in one.
     set(sloppiness pch_defines,time_macros,include_file_mtime,include_file_ctime)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_SLOPPINESS=${sloppiness}" "${CCACHE}")
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CMAKE_COMMAND}" -E env "CCACHE_SLOPPINESS=${sloppiness}" LANG=C.UTF-8 "${CCACHE}")
 endif()
 
 # What every target of the repository is compiled with: the warnings, the include root and fmt, which is everywhere. Linked privately, so that
@@ -41,8 +42,8 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     # Sizes in a cube file have 64 bits. A file that 32-bit memory could not hold whole is refused before they are used.
     target_compile_options(qel_options INTERFACE -Wno-conversion -Wno-sign-conversion -Wno-narrowing)
 endif()
-# The scans over fact columns rely on the vectoriser, which GCC 12 runs in full only at this level.
-string(REPLACE "-O2" "-O3" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
+# The engine alone gains from more.
+string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 
 if(QEL_SANITIZE OR QEL_THREAD_SANITIZE OR QEL_FUZZ)
     # Instrumented code compiles slowly; this is fast enough to run, and its stack traces have lines.
@@ -75,16 +76,22 @@ endif()
 set(QEL_PRECOMPILED_HEADERS <algorithm> <array> <cstdint> <filesystem> <functional> <map> <memory> <optional> <span>
     <string> <string_view> <utility> <vector> <fmt/format.h>)
 file(CONFIGURE OUTPUT "${CMAKE_BINARY_DIR}/precompiled.cpp" CONTENT "int main() {}\n")
-add_library(qel_precompiled STATIC "${CMAKE_BINARY_DIR}/precompiled.cpp")
-target_link_libraries(qel_precompiled PRIVATE qel_options)
-target_precompile_headers(qel_precompiled PRIVATE ${QEL_PRECOMPILED_HEADERS})
+
+# qel_precompiled_library(NAME): what the libraries of this folder and those below share, compiled with the folder's options.
+macro(qel_precompiled_library name)
+    add_library(${name} STATIC "${CMAKE_BINARY_DIR}/precompiled.cpp")
+    target_link_libraries(${name} PRIVATE qel_options)
+    target_precompile_headers(${name} PRIVATE ${QEL_PRECOMPILED_HEADERS})
+    set(QEL_PRECOMPILED_LIBRARY ${name})
+endmacro()
+qel_precompiled_library(qel_precompiled)
 
 # qel_library(NAME sources...): a folder's library.
 function(qel_library name)
     add_library(${name} STATIC ${ARGN})
     target_link_libraries(${name} PRIVATE qel_options)
     if(NOT QEL_PRECOMPILED_APART) # the folder has headers of its own, or other options
-        target_precompile_headers(${name} REUSE_FROM qel_precompiled)
+        target_precompile_headers(${name} REUSE_FROM ${QEL_PRECOMPILED_LIBRARY})
     endif()
 endfunction()
 
