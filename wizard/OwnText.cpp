@@ -2,6 +2,8 @@
 
 #include "support/ModError.h"
 
+#include <fmt/format.h>
+
 namespace qel {
 
 std::string OwnText(const WizardContext& context, std::int32_t number) {
@@ -24,6 +26,6 @@ std::string DroppedChoice(const WizardContext& context, std::int32_t label, cons
     return ModLangFrm::GetLangString(context.language, label) + ": " + key;
 }
 
-std::string VersionText() { return std::string(componentName) + " " + QEL_VERSION; }
+std::string VersionText() { return fmt::format("{} " QEL_VERSION, componentName); }
 
 } // namespace qel
