@@ -1,5 +1,6 @@
 #include "cli/CubeBuildCommand.h"
 
+#include "cli/FormulaReview.h"
 #include "cli/Interruption.h"
 #include "cli/ProgressBar.h"
 #include "qel/engine/BuildCube.h"
@@ -20,12 +21,30 @@ constexpr const char* footer =
 build has succeeded, and stays as it was otherwise. A line that cannot be used stops the build, unless
 --skip-bad-lines says where to put such lines. Lines are counted for every cube that reads them.
 
+Warnings tell what makes figures wrong without stopping the build, such as values that count under several parents.
+They are listed at the end; "accept" in a dimension of the definition says that one is meant.
+
 Example:
   qel cube build examples/ledger/ledger.json --output demo.cub --skip-bad-lines rejected.csv)";
 
 struct BuildArguments {
     std::string definition, output, skippedLines;
+    bool strict = false;
 };
+
+std::string Counted(std::size_t count, const char* what) {
+    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+void PrintWarnings(const std::vector<engine::BuildWarning>& warnings, std::ostream& messages) {
+    for (const auto& warning : warnings) {
+        fmt::print(messages, "warning ({}): {}\n", warning.kind, warning.text);
+    }
+    if (!warnings.empty()) {
+        fmt::print(messages, "qel cube build: {}; \"accept\" in a dimension says that one is meant\n",
+                   Counted(warnings.size(), "warning"));
+    }
+}
 
 void Build(const BuildArguments& arguments, CommandContext& context) {
     engine::BuildOptions options;
@@ -34,6 +53,8 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     if (!arguments.skippedLines.empty()) {
         options.skippedLines = PathFromUtf8(arguments.skippedLines);
     }
+    options.strict = arguments.strict;
+    options.review = [&](const auto& complete) { return ReviewForFormulas(complete, context.providers); };
     const auto start = std::chrono::steady_clock::now();
     engine::BuildTotals totals;
     {
@@ -57,6 +78,7 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
         fmt::print(context.messages, "qel cube build: {} lines could not be used; they are in {}\n",
                    totals.distinctLinesSkipped, arguments.skippedLines);
     }
+    PrintWarnings(totals.warnings, context.messages);
 }
 
 } // namespace
@@ -71,6 +93,7 @@ void AddCubeBuildCommand(CLI::App& cube, CommandContext& context) {
         ->check([](const std::string& file) { return file.empty() ? "names no file" : ""; }, "FILE");
     command->add_option("--skip-bad-lines", arguments->skippedLines,
                         "Write lines that cannot be used to this file and go on");
+    command->add_flag("--strict", arguments->strict, "Take warnings for errors: the cube file stays as it was");
     command->callback([arguments, &context] { Build(*arguments, context); });
 }
 

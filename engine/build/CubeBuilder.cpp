@@ -1,5 +1,6 @@
 #include "engine/build/CubeBuilder.h"
 
+#include "engine/build/BuildWarnings.h"
 #include "engine/build/FactSorter.h"
 #include "engine/build/PackedLayout.h"
 #include "qel/engine/EngineError.h"
@@ -53,6 +54,7 @@ void CubeBuilder::Run(BuildTotals& totals) {
     }
     NumberKeys();
     MakeModel();
+    FindWarnings(totals.warnings);
 }
 
 void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
@@ -150,6 +152,18 @@ void CubeBuilder::MakeModel() {
     }
     for (const auto& order : SortOrders()) {
         model_.projections.push_back(DescribeProjection(order, model_.keyColumns, facts_));
+    }
+}
+
+void CubeBuilder::FindWarnings(std::vector<BuildWarning>& warnings) const {
+    for (std::size_t i = 0; i < dimensions_.size(); ++i) {
+        const auto column = keyColumnOf_[i];
+        const DimensionWarnings check(cube_, dimensions_[i], column ? &keyColumns_[*column] : nullptr, warnings);
+        check.AddSharedNames();
+        if (column) {
+            check.AddSharedValues(facts_, *column);
+            check.AddDateOrder();
+        }
     }
 }
 

@@ -143,9 +143,20 @@ private:
         if (dimension.isMain && !dimension.column) {
             place.Fail("a main dimension needs a \"column\"");
         }
+        if (const auto accept = object.Optional("accept")) {
+            ReadAccepted(*accept, dimension);
+        }
         ReadMemberSource(object, dimension);
         object.Finish();
         return dimension;
+    }
+
+    static void ReadAccepted(const JsonPlace& place, DimensionDefinition& dimension) {
+        const std::vector<std::string> kinds = {severalParents, equalNames, dateOrder, dateMembers};
+        for (const JsonPlace& element :
+             place.value->is_string() ? std::vector<JsonPlace>{place} : place.Elements()) {
+            dimension.accepted.push_back(kinds[element.OneOf(kinds)]);
+        }
     }
 
     /// Reads where the members come from: a calendar, a list, or hierarchies of levels.

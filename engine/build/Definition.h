@@ -55,6 +55,12 @@ struct CalendarDefinition {
     std::vector<std::string> levels; ///< names, top to bottom, without the top level
 };
 
+/// The warnings that a dimension can accept as meant.
+inline constexpr const char* severalParents = "severalParents"; ///< values that count in several members
+inline constexpr const char* equalNames = "equalNames";         ///< names that several members have
+inline constexpr const char* dateOrder = "dateOrder";           ///< dates that fit another order, too
+inline constexpr const char* dateMembers = "dateMembers";       ///< months and years that name no date
+
 struct DimensionDefinition {
     std::string place;
     std::string name, caption;
@@ -65,6 +71,7 @@ struct DimensionDefinition {
     std::optional<CalendarDefinition> calendar;
     std::vector<std::string> members; ///< of a dimension with neither column nor table
     std::vector<HierarchyDefinition> hierarchies;
+    std::vector<std::string> accepted; ///< kinds of warnings
 };
 
 struct MeasureDefinition {

@@ -94,6 +94,30 @@ std::string KeyColumnBuilder::FaultOf(std::string_view field, DateFormat format)
     return "cannot be used";
 }
 
+std::optional<std::string> KeyColumnBuilder::DateOfEitherOrder() const {
+    for (const auto [format, other] : {std::pair(DateFormat::DayMonthYear, DateFormat::MonthDayYear),
+                                       std::pair(DateFormat::MonthDayYear, DateFormat::DayMonthYear)}) {
+        std::optional<std::string> example;
+        bool isProven = false, hasDays = false; // the first of every month is what a ledger of months has
+        for (std::uint32_t number = 0; number < days_.size() && !isProven; ++number) {
+            const std::string_view text = texts_.Text(number);
+            if (!days_[number] || text.front() != static_cast<char>('0' + static_cast<int>(format))) {
+                continue;
+            }
+            const auto asOther = ParseDate(text.substr(1), other);
+            isProven = !asOther;
+            hasDays = hasDays || std::chrono::year_month_day(*days_[number]).day() != std::chrono::day(1);
+            if (asOther && asOther != days_[number] && !example) {
+                example = std::string(text.substr(1));
+            }
+        }
+        if (example && hasDays && !isProven) {
+            return example;
+        }
+    }
+    return std::nullopt;
+}
+
 void KeyColumnBuilder::NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place) {
     const auto fail = [&](const std::string& fault) {
         throw EngineError(ErrorKind::InvalidData, fmt::format("{}, column {}: {}", place, name_, fault));

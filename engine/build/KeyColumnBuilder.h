@@ -37,6 +37,10 @@ public:
     /// Whether NumberOf accepts any text.
     bool TakesAnyText() const { return !IsCalendar() && tableNames_.empty(); }
 
+    /// A date as it stands in the facts, when every one fits its table's order of day and month and the other
+    /// order as well, with another day.
+    std::optional<std::string> DateOfEitherOrder() const;
+
     /// Assigns codes to dates. Raises EngineError (InvalidData) when the facts have no dates or their dates
     /// span too many years.
     void NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place);
@@ -46,6 +50,8 @@ public:
     std::vector<std::uint32_t> Ranks() const;
 
     const TextDictionary& Texts() const { return texts_; }
+    /// A value for messages.
+    std::string ShownText(std::uint32_t number) const { return std::string(texts_.Text(number)); }
     const Calendar& Periods() const { return *periods_; }
     const CalendarDefinition& CalendarRules() const { return *calendarDefinition_; }
     /// The code of every number.

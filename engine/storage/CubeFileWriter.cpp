@@ -204,7 +204,7 @@ void CubeFileWriter::FinishPage() {
     page_.clear();
 }
 
-std::uint64_t CubeFileWriter::Commit() {
+const std::filesystem::path& CubeFileWriter::Complete() {
     Pad();
     if (!page_.empty()) {
         FinishPage();
@@ -228,8 +228,16 @@ std::uint64_t CubeFileWriter::Commit() {
     header.tailChecksum = XXH3_64bits(tail.data(), tail.size());
     header.headerChecksum = XXH3_64bits(&header, format::headerChecksumOffset);
     file_.Overwrite(0, std::as_bytes(std::span(&header, 1)));
+    fileSize_ = header.fileSize;
+    return file_.TemporaryPath();
+}
+
+std::uint64_t CubeFileWriter::Commit() {
+    if (fileSize_ == 0) {
+        Complete();
+    }
     file_.Commit();
-    return header.fileSize;
+    return fileSize_;
 }
 
 } // namespace qel::engine
