@@ -1,5 +1,6 @@
 #include "cli/CubeBuildCommand.h"
 
+#include "cli/CubeTotals.h"
 #include "cli/FormulaReview.h"
 #include "cli/Interruption.h"
 #include "cli/ProgressBar.h"
@@ -70,6 +71,7 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     fmt::print(context.output, "{}: {} bytes in {:.1f} s\n", arguments.output, totals.bytesWritten, seconds);
     fmt::print(context.output, "lines read {}, kept {}, skipped {}\n", totals.linesRead, totals.linesKept,
                totals.linesSkipped);
+    PrintTotals(*engine::CubeFile::Open(options.output), context.output);
     if (totals.distinctLinesSkipped == 1) {
         fmt::print(context.messages, "qel cube build: 1 line could not be used; it is in {}\n",
                    arguments.skippedLines);

@@ -86,7 +86,13 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
 void CubeBuilder::ReadFactTables(BuildTotals& totals) {
     for (const std::size_t table : cube_.facts) {
         TableReader reader(definition_.tables[table], badLines_, progress_);
+        const std::uint64_t firstRow = facts_.rowCount;
         ReadFacts(reader, cube_.measures, keyColumns_, facts_);
+        SourceTotals& source = model_.sources.emplace_back();
+        source.file = PathToUtf8(definition_.tables[table].file.filename());
+        source.linesRead = reader.LinesRead();
+        source.linesSkipped = reader.LinesSkipped();
+        AddTotals(facts_, firstRow, source);
         totals.linesRead += reader.LinesRead();
         totals.linesSkipped += reader.LinesSkipped();
         totals.linesKept += reader.LinesRead() - reader.LinesSkipped();

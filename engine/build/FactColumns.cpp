@@ -162,6 +162,18 @@ void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measur
     FactReader(reader, measures, keyColumns, facts).Run();
 }
 
+void AddTotals(const FactColumns& facts, std::uint64_t first, SourceTotals& totals) {
+    totals.linesUsed = facts.rowCount - first;
+    for (const auto& values : facts.values) {
+        // A sum that overflows is refused when the whole measure is known.
+        std::uint64_t sum = values.empty() ? totals.linesUsed : 0;
+        for (std::size_t row = first; row < values.size(); ++row) {
+            sum += static_cast<std::uint64_t>(values[row]);
+        }
+        totals.sums.push_back(static_cast<std::int64_t>(sum));
+    }
+}
+
 void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts) {
     for (std::size_t i = 0; i < keyColumns.size(); ++i) {
         const auto& codes = keyColumns[i].Codes();

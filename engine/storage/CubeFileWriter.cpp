@@ -88,6 +88,21 @@ ByteWriter Describe(const CubeModel& cube) {
     return out;
 }
 
+ByteWriter DescribeSources(const CubeModel& cube) {
+    ByteWriter out;
+    out.Put(static_cast<std::uint32_t>(cube.sources.size()));
+    for (const SourceTotals& source : cube.sources) {
+        out.PutText(source.file);
+        out.Put(source.linesRead);
+        out.Put(source.linesUsed);
+        out.Put(source.linesSkipped);
+        for (const std::int64_t sum : source.sums) {
+            out.Put(sum);
+        }
+    }
+    return out;
+}
+
 /// Flags the members whose name a sibling also has. Siblings are consecutive.
 std::vector<std::uint8_t> SharedNameFlags(const HierarchyModel& hierarchy) {
     const auto count = static_cast<std::uint32_t>(hierarchy.parents.size());
@@ -128,6 +143,9 @@ std::uint32_t CubeFileWriter::AddCube(const CubeModel& cube) {
     }
     for (std::size_t i = 0; i < cube.projections.size(); ++i) {
         Section(Id(SectionKind::LeadRows, number, i), AsBytes(cube.projections[i].leadRows));
+    }
+    if (!cube.sources.empty()) {
+        Section(Id(SectionKind::FactSources, number), DescribeSources(cube).Bytes());
     }
     return number;
 }
