@@ -31,12 +31,12 @@ void CubeBuilder::AddKeyColumns() {
         }
         // A calendar numbers periods instead of texts, so it gets its own key column.
         const auto found = std::find_if(keyColumns_.begin(), keyColumns_.end(), [&](const auto& column) {
-            return column.Name() == *dimension.column &&
+            return column.Columns() == dimension.columns &&
                    column.IsCalendar() == dimension.calendar.has_value();
         });
         keyColumnOf_.back() = static_cast<std::uint32_t>(found - keyColumns_.begin());
         if (found == keyColumns_.end()) {
-            keyColumns_.emplace_back(*dimension.column, dimension.calendar);
+            keyColumns_.emplace_back(*dimension.column, dimension.columns, dimension.calendar);
         }
     }
 }

@@ -8,6 +8,7 @@
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -126,17 +127,7 @@ private:
         dimension.place = place.Where();
         dimension.name = object.Required("name").Text();
         dimension.caption = object.TextOr("caption", dimension.name);
-        if (const auto column = object.Optional("column")) {
-            dimension.column = column->Text();
-        }
-        if (const auto table = object.Optional("table")) {
-            dimension.tables = Tables(*table);
-            dimension.key = object.Required("key").Text();
-        } else if (const auto key = object.Optional("key")) {
-            key->Fail("a key column needs a \"table\"");
-        } else if (dimension.column) {
-            dimension.key = *dimension.column;
-        }
+        ReadKeys(object, dimension);
         if (const auto main = object.Optional("main")) {
             dimension.isMain = main->Boolean();
         }
@@ -149,6 +140,29 @@ private:
         ReadMemberSource(object, dimension);
         object.Finish();
         return dimension;
+    }
+
+    /// Reads the fact columns, and the columns of the tables that hold their values.
+    void ReadKeys(JsonObject& object, DimensionDefinition& dimension) const {
+        if (const auto column = object.Optional("column")) {
+            dimension.columns = column->Texts();
+            dimension.column = fmt::format("{}", fmt::join(dimension.columns, "+"));
+        }
+        dimension.keys = dimension.columns;
+        const auto table = object.Optional("table");
+        const auto key = table ? object.Required("key") : object.Optional("key");
+        if (!table && key) {
+            key->Fail("a key column needs a \"table\"");
+        }
+        if (!table) {
+            return;
+        }
+        dimension.tables = Tables(*table);
+        dimension.keys = key->Texts();
+        if (dimension.column && dimension.keys.size() != dimension.columns.size()) {
+            key->Fail(fmt::format("expected as many columns as \"column\" has, which is {}",
+                                  dimension.columns.size()));
+        }
     }
 
     static void ReadAccepted(const JsonPlace& place, DimensionDefinition& dimension) {
@@ -187,10 +201,24 @@ private:
             return;
         }
         if (!calendar) {
-            base.levels = {
-                {dimension.name, dimension.key, "", "", members ? MemberOrder::File : MemberOrder::Key}};
+            base.levels = OwnLevels(dimension);
         }
         dimension.hierarchies.push_back(base);
+    }
+
+    /// The levels of a dimension that names none: one per column.
+    static std::vector<LevelDefinition> OwnLevels(const DimensionDefinition& dimension) {
+        if (!dimension.members.empty()) {
+            return {{dimension.name, "", "", "", MemberOrder::File}};
+        }
+        if (dimension.keys.size() == 1) {
+            return {{dimension.name, dimension.keys.front(), "", "", MemberOrder::Key}};
+        }
+        std::vector<LevelDefinition> levels;
+        for (const std::string& key : dimension.keys) {
+            levels.push_back({key, key, "", "", MemberOrder::Key});
+        }
+        return levels;
     }
 
     /// Reads the keys "all" and "default": on a dimension they are the defaults for its hierarchies.
@@ -211,8 +239,8 @@ private:
 
     static void ReadCalendar(JsonObject& dimensionObject, const JsonPlace& place,
                              DimensionDefinition& dimension) {
-        if (!dimension.column || !dimension.tables.empty()) {
-            dimensionObject.Place().Fail("a calendar needs a \"column\", and no \"table\"");
+        if (dimension.columns.size() != 1 || !dimension.tables.empty()) {
+            dimensionObject.Place().Fail("a calendar needs one \"column\", and no \"table\"");
         }
         JsonObject object(place);
         CalendarDefinition calendar;
@@ -293,7 +321,7 @@ private:
             LevelDefinition level;
             level.name = object.Required("name").Text();
             names.Add(level.name, element);
-            level.key = object.TextOr("key", dimension.key);
+            level.key = object.TextOr("key", dimension.keys.empty() ? "" : dimension.keys.back());
             level.memberName = object.TextOr("memberName", "");
             level.caption = object.TextOr("caption", "");
             if (const auto order = object.Optional("order")) {
@@ -301,7 +329,8 @@ private:
             }
             object.Finish();
             const bool usesOthers =
-                level.key != dimension.key || !level.memberName.empty() || !level.caption.empty();
+                (!dimension.keys.empty() && std::count(dimension.keys.begin(), dimension.keys.end(), level.key) == 0) ||
+                !level.memberName.empty() || !level.caption.empty();
             if (dimension.tables.empty() && usesOthers) {
                 element.Fail("a dimension without a \"table\" has no other columns than its own");
             }

@@ -64,9 +64,10 @@ inline constexpr const char* dateMembers = "dateMembers";       ///< months and 
 struct DimensionDefinition {
     std::string place;
     std::string name, caption;
-    std::optional<std::string> column; ///< of the facts
+    std::optional<std::string> column; ///< of the facts; "a+b" for several
+    std::vector<std::string> columns;  ///< that make up `column`; a value is the texts of all of them
     std::vector<std::size_t> tables;   ///< indexes into Definition::tables; all have the same columns
-    std::string key;                   ///< column of the tables that holds the fact column's values
+    std::vector<std::string> keys;     ///< columns of the tables with the values of `columns`
     bool isMain = false;
     std::optional<CalendarDefinition> calendar;
     std::vector<std::string> members; ///< of a dimension with neither column nor table

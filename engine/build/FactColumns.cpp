@@ -23,7 +23,7 @@ public:
         : reader_(reader), measures_(measures), keyColumns_(keyColumns), facts_(facts),
           numbers_(keyColumns.size()), amounts_(measures.size()) {
         for (const KeyColumnBuilder& column : keyColumns) {
-            keyFields_.push_back(reader.Column(column.Name()));
+            keyFields_.push_back(reader.Columns(column.Columns()));
         }
         for (const MeasureDefinition& measure : measures) {
             valueFields_.push_back(measure.column ? reader.Column(*measure.column) : noColumn);
@@ -46,7 +46,7 @@ private:
             if (keyColumns_[i].TakesAnyText() != anyText) {
                 continue;
             }
-            const std::string_view field = reader_.Field(keyFields_[i]);
+            const std::string_view field = reader_.Key(keyFields_[i]);
             const auto number = keyColumns_[i].NumberOf(field, dates);
             if (!number) {
                 reader_.ReportBad(keyFields_[i], keyColumns_[i].FaultOf(field, dates));
@@ -66,7 +66,7 @@ private:
             const std::string_view field = reader_.Field(valueFields_[i]);
             const auto amount = ParseAmount(field, format, measures_[i].decimals);
             if (!amount.value) {
-                reader_.ReportBad(valueFields_[i], amount.isTooLarge
+                reader_.ReportBad({&valueFields_[i], 1}, amount.isTooLarge
                                                        ? TooLarge(field, measures_[i].decimals)
                                                        : AmountFault(field, measures_[i].decimals));
                 return false;
@@ -111,7 +111,8 @@ private:
     const std::vector<MeasureDefinition>& measures_;
     std::vector<KeyColumnBuilder>& keyColumns_;
     FactColumns& facts_;
-    std::vector<std::size_t> keyFields_, valueFields_;
+    std::vector<std::vector<std::size_t>> keyFields_;
+    std::vector<std::size_t> valueFields_;
     std::vector<std::uint32_t> numbers_;
     std::vector<std::int64_t> amounts_;
 };

@@ -1,8 +1,10 @@
 #include "engine/build/KeyColumnBuilder.h"
 
 #include "engine/build/FieldDate.h"
+#include "engine/build/TableReader.h"
 #include "engine/build/TextOrder.h"
 #include "qel/engine/EngineError.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 
@@ -14,6 +16,10 @@ namespace qel::engine {
 namespace {
 
 constexpr std::uint32_t noCode = 0xFFFFFFFFU;
+
+std::string Shown(std::string_view value) {
+    return ReplaceAll(value, std::string_view(&keyPartEnd, 1), " / ");
+}
 
 bool IsSet(const std::vector<bool>& flags, std::uint32_t number) {
     return number < flags.size() && flags[number];
@@ -88,14 +94,16 @@ std::string KeyColumnBuilder::FaultOf(std::string_view field, DateFormat format)
     const auto number = texts_.Find(field);
     for (std::size_t table = 0; table < tableNames_.size(); ++table) {
         if (!number || !IsSet(isKnown_[table], *number)) {
-            return fmt::format("\"{}\" is not in the {}", field, tableNames_[table]);
+            return fmt::format("\"{}\" is not in the {}", Shown(field), tableNames_[table]);
         }
     }
     return "cannot be used";
 }
 
+std::string KeyColumnBuilder::ShownText(std::uint32_t number) const { return Shown(texts_.Text(number)); }
+
 std::optional<std::string> KeyColumnBuilder::DateOfEitherOrder() const {
-    for (const auto [format, other] : {std::pair(DateFormat::DayMonthYear, DateFormat::MonthDayYear),
+    for (const auto& [format, other] : {std::pair(DateFormat::DayMonthYear, DateFormat::MonthDayYear),
                                        std::pair(DateFormat::MonthDayYear, DateFormat::DayMonthYear)}) {
         std::optional<std::string> example;
         bool isProven = false, hasDays = false; // the first of every month is what a ledger of months has

@@ -35,6 +35,28 @@ std::size_t TableReader::Column(const std::string& name) const {
     return static_cast<std::size_t>(found - header.begin());
 }
 
+std::vector<std::size_t> TableReader::Columns(const std::vector<std::string>& names) const {
+    std::vector<std::size_t> columns;
+    for (const std::string& name : names) {
+        columns.push_back(Column(name));
+    }
+    return columns;
+}
+
+std::string_view TableReader::Key(std::span<const std::size_t> columns) {
+    if (columns.size() == 1) {
+        return Field(columns.front());
+    }
+    key_.clear();
+    bool isEmpty = true;
+    for (const std::size_t column : columns) {
+        isEmpty = isEmpty && Field(column).empty();
+        key_.append(Field(column)).push_back(keyPartEnd);
+    }
+    key_.pop_back();
+    return isEmpty ? std::string_view() : key_;
+}
+
 bool TableReader::Next() {
     while (csv_.Next()) {
         ++linesRead_;
@@ -51,9 +73,13 @@ bool TableReader::Next() {
     return false;
 }
 
-void TableReader::ReportBad(std::size_t column, const std::string& fault) {
+void TableReader::ReportBad(std::span<const std::size_t> columns, const std::string& fault) {
     ++linesSkipped_;
-    badLines_.Report(csv_, csv_.Header()[column], fault);
+    std::string names;
+    for (const std::size_t column : columns) {
+        names += (names.empty() ? "" : "+") + csv_.Header()[column];
+    }
+    badLines_.Report(csv_, names, fault);
 }
 
 void TableReader::ShowProgress() {
