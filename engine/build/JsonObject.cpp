@@ -1,7 +1,7 @@
 #include "engine/build/JsonObject.h"
 
-#include "engine/build/Suggestion.h"
 #include "qel/engine/EngineError.h"
+#include "text/Suggestion.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>

@@ -1,8 +1,8 @@
 #include "engine/build/TableReader.h"
 
-#include "engine/build/Suggestion.h"
 #include "engine/build/TextFile.h"
 #include "qel/engine/EngineError.h"
+#include "text/Suggestion.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>
