@@ -1,4 +1,5 @@
 #include "cli/CubeBuildCommand.h"
+#include "cli/CubeCheckCommand.h"
 #include "cli/CubeExportCommand.h"
 #include "cli/CubeInfoCommand.h"
 #include "cli/CubeVerifyCommand.h"
@@ -68,6 +69,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddCubeInfoCommand(*cube, context);
     qel::AddCubeExportCommand(*cube, context);
     qel::AddCubeVerifyCommand(*cube, context);
+    qel::AddCubeCheckCommand(*cube, context);
     auto* server = app.add_subcommand("server", "Look at the cubes of servers");
     server->require_subcommand(1);
     server->fallthrough();
