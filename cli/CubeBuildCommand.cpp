@@ -30,7 +30,7 @@ Example:
 
 struct BuildArguments {
     std::string definition, output, skippedLines;
-    bool strict = false;
+    bool strict = false, force = false;
 };
 
 std::string Counted(std::size_t count, const char* what) {
@@ -55,6 +55,7 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
         options.skippedLines = PathFromUtf8(arguments.skippedLines);
     }
     options.strict = arguments.strict;
+    options.force = arguments.force;
     options.review = [&](const auto& complete) { return ReviewForFormulas(complete, context.providers); };
     const auto start = std::chrono::steady_clock::now();
     engine::BuildTotals totals;
@@ -96,6 +97,7 @@ void AddCubeBuildCommand(CLI::App& cube, CommandContext& context) {
     command->add_option("--skip-bad-lines", arguments->skippedLines,
                         "Write lines that cannot be used to this file and go on");
     command->add_flag("--strict", arguments->strict, "Take warnings for errors: the cube file stays as it was");
+    command->add_flag("--force", arguments->force, "Replace a cube file that is write-protected");
     command->callback([arguments, &context] { Build(*arguments, context); });
 }
 

@@ -27,6 +27,7 @@ public:
 
     const std::string& FileName() const { return fileName_; }
     const std::vector<std::string>& Header() const { return header_; }
+    char Delimiter() const { return delimiter_; }
     /// The header line as it stands in the file.
     const std::string& HeaderText() const { return headerText_; }
 

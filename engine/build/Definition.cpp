@@ -411,7 +411,8 @@ private:
 Definition ParseDefinition(std::string_view text, const std::string& fileName,
                            const std::filesystem::path& folder) {
     const nlohmann::json json = ParseJson(text, fileName);
-    JsonObject object({&json, "", &fileName});
+    JsonFile file{fileName, {}};
+    JsonObject object({&json, "", &file});
     CsvFormat defaults;
     if (const auto place = object.Optional("csv")) {
         JsonObject csv(*place);
@@ -428,6 +429,7 @@ Definition ParseDefinition(std::string_view text, const std::string& fileName,
         names.Add(definition.cubes.back().name, place);
     }
     object.Finish();
+    file.RefuseUnknownKeys();
     return definition;
 }
 

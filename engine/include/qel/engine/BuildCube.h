@@ -27,6 +27,8 @@ struct BuildOptions {
     /// Called with the name of the step and the share done, 0 to 1. May be empty. An exception that it throws
     /// stops the build and reaches the caller.
     std::function<void(const std::string& step, double share)> progress = {};
+    /// Replaces an output that is write-protected, too.
+    bool force = false;
     /// Warnings are errors: the output stays as it was.
     bool strict = false;
     /// Called with the complete file before it replaces the output. What it returns joins the build's own
