@@ -76,6 +76,7 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
             TableReader reader(definition_.tables[table], badLines_, progress_);
             dimensions_[i].ReadTables(reader, KeysOf(i), tableOfKeys);
             totals.dimensionLinesSkipped += reader.LinesSkipped();
+            NoteLastLine(reader, totals.warnings);
         }
     }
     for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
@@ -93,6 +94,7 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
         source.linesRead = reader.LinesRead();
         source.linesSkipped = reader.LinesSkipped();
         AddTotals(facts_, firstRow, source);
+        NoteLastLine(reader, totals.warnings);
         totals.linesRead += reader.LinesRead();
         totals.linesSkipped += reader.LinesSkipped();
         totals.linesKept += reader.LinesRead() - reader.LinesSkipped();
@@ -100,6 +102,19 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
             throw EngineError(ErrorKind::InvalidData,
                               fmt::format("cube {}: more than {} facts", cube_.name, format::mostFacts));
         }
+    }
+}
+
+void CubeBuilder::NoteLastLine(const TableReader& reader, std::vector<BuildWarning>& warnings) {
+    if (reader.Csv().LineHasEnd() || reader.Table().acceptsOpenLine) {
+        return;
+    }
+    const std::string text = fmt::format("{}, line {}: the last line has no line end; the file may be cut off",
+                                         reader.Csv().FileName(), reader.Csv().Line());
+    const bool isKnown = std::any_of(warnings.begin(), warnings.end(),
+                                     [&text](const auto& warning) { return warning.text == text; });
+    if (!isKnown) {
+        warnings.push_back({lastLine, "", "", text});
     }
 }
 

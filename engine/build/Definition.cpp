@@ -49,6 +49,9 @@ void ReadFormat(JsonObject& object, CsvFormat& format) {
     if (const auto place = object.Optional("dates")) {
         format.dates = static_cast<DateFormat>(place->OneOf({"iso", "dmy", "mdy", "ymd"}));
     }
+    if (const auto place = object.Optional("encoding")) {
+        format.encoding = EqualIgnoringCase(place->Text(), "auto") ? "" : place->Text();
+    }
     if (format.decimal == format.thousands) {
         object.Place().Fail("\"decimal\" and \"thousands\" are the same sign");
     }
@@ -62,6 +65,9 @@ TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const
     JsonObject object(place);
     table.file = folder / std::filesystem::path(object.Required("file").Text());
     ReadFormat(object, table.format);
+    if (const auto accept = object.Optional("accept")) {
+        table.acceptsOpenLine = accept->OneOf({lastLine}) == 0;
+    }
     if (const auto columns = object.Optional("columns")) {
         for (const auto& [column, inFile] : JsonObject(*columns).All()) {
             table.columns.emplace_back(column, inFile.Text());

@@ -20,6 +20,7 @@ struct CsvFormat {
     char decimal = '.';
     char thousands = 0; ///< 0: none
     DateFormat dates = DateFormat::Iso;
+    std::string encoding = {}; ///< empty: UTF-16 with a byte order mark, otherwise UTF-8
 };
 
 struct TableDefinition {
@@ -28,6 +29,7 @@ struct TableDefinition {
     CsvFormat format;
     /// Names used in the definition and the column names in the file; other columns keep theirs.
     std::vector<std::pair<std::string, std::string>> columns;
+    bool acceptsOpenLine = false; ///< the last line may have no line end
 };
 
 enum class MemberOrder : std::uint8_t { Key, Name, File };
@@ -55,10 +57,11 @@ struct CalendarDefinition {
     std::vector<std::string> levels; ///< names, top to bottom, without the top level
 };
 
-/// The warnings that a dimension can accept as meant.
+/// The warnings that a dimension or a table can accept as meant.
 inline constexpr const char* severalParents = "severalParents"; ///< values that count in several members
 inline constexpr const char* equalNames = "equalNames";         ///< names that several members have
 inline constexpr const char* dateOrder = "dateOrder";           ///< dates that fit another order, too
+inline constexpr const char* lastLine = "lastLine";             ///< of a table: its last line has no end
 inline constexpr const char* dateMembers = "dateMembers";       ///< months and years that name no date
 
 struct DimensionDefinition {

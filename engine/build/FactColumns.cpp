@@ -71,9 +71,24 @@ private:
                                                        : AmountFault(field, measures_[i].decimals));
                 return false;
             }
+            if (!amount.currency.empty() && !IsCurrencyOf(i, amount.currency)) {
+                reader_.ReportBad({&valueFields_[i], 1},
+                                  fmt::format("\"{}\" is in {}, and amounts before it are in {}", field,
+                                              amount.currency, currencies_[i]));
+                return false;
+            }
             amounts_[i] = *amount.value;
         }
         return true;
+    }
+
+    /// Amounts of several currencies have no sum.
+    bool IsCurrencyOf(std::size_t measure, std::string_view currency) {
+        currencies_.resize(measures_.size());
+        if (currencies_[measure].empty()) {
+            currencies_[measure] = currency;
+        }
+        return currencies_[measure] == currency;
     }
 
     static std::string TooLarge(std::string_view field, std::uint8_t decimals) {
@@ -91,8 +106,8 @@ private:
         if (decimals > 0) {
             example += format.decimal + std::string("567890123").substr(0, decimals);
         }
-        return fmt::format("expected an amount such as {}, with at most {} decimals, found \"{}\"", example,
-                           decimals, field);
+        return fmt::format("expected an amount such as {}, with at most {} decimals, found \"{}\"{}", example,
+                           decimals, field, AmountRemedy(field, format, decimals));
     }
 
     void AddRow() {
@@ -115,6 +130,7 @@ private:
     std::vector<std::size_t> valueFields_;
     std::vector<std::uint32_t> numbers_;
     std::vector<std::int64_t> amounts_;
+    std::vector<std::string_view> currencies_; ///< by measure, once a sign was seen
 };
 
 /// The narrowest signed width for values in the range.

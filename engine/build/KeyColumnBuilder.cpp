@@ -85,7 +85,7 @@ std::string KeyColumnBuilder::FaultOf(std::string_view field, DateFormat format)
     if (IsCalendar()) {
         const CalendarDefinition& rules = *calendarDefinition_;
         if (!ParseDate(field, format)) {
-            return fmt::format("expected {}, found \"{}\"", ExpectedDate(format), field);
+            return fmt::format("expected {}, found \"{}\"{}", ExpectedDate(format), field, DateRemedy(field));
         }
         return fmt::format("\"{}\" lies outside the calendar ({} to {})", field,
                            rules.from ? FormatDate(*rules.from) : "any date",

@@ -2,10 +2,10 @@
 
 #include "engine/build/BadLines.h"
 #include "engine/build/CsvReader.h"
+#include "engine/build/DecodedFile.h"
 #include "engine/build/Definition.h"
 
 #include <cstdint>
-#include <fstream>
 #include <functional>
 #include <span>
 #include <string>
@@ -52,7 +52,7 @@ private:
     std::string step_;
     std::string key_;
     std::uint64_t fileSize_;
-    std::ifstream file_;
+    DecodedFile file_;
     CsvReader csv_;
     std::uint64_t linesRead_ = 0, linesSkipped_ = 0;
 };
