@@ -42,7 +42,7 @@ void PrintWarnings(const std::vector<engine::BuildWarning>& warnings, std::ostre
         fmt::print(messages, "warning ({}): {}\n", warning.kind, warning.text);
     }
     if (!warnings.empty()) {
-        fmt::print(messages, "qel cube build: {}; \"accept\" in a dimension says that one is meant\n",
+        fmt::print(messages, "qel cube build: {}; \"accept\" in the definition says that one is meant\n",
                    Counted(warnings.size(), "warning"));
     }
 }
@@ -96,7 +96,8 @@ void AddCubeBuildCommand(CLI::App& cube, CommandContext& context) {
         ->check([](const std::string& file) { return file.empty() ? "names no file" : ""; }, "FILE");
     command->add_option("--skip-bad-lines", arguments->skippedLines,
                         "Write lines that cannot be used to this file and go on");
-    command->add_flag("--strict", arguments->strict, "Take warnings for errors: the cube file stays as it was");
+    command->add_flag("--strict", arguments->strict,
+                      "Take warnings for errors: the cube file stays as it was");
     command->add_flag("--force", arguments->force, "Replace a cube file that is write-protected");
     command->callback([arguments, &context] { Build(*arguments, context); });
 }

@@ -86,10 +86,9 @@ void CubeCheck::PrintFormula(const std::string& cubeName, const std::string& mea
     const Stopwatch second;
     call.From_Date = call.To_Date = thread.dates.CubeMaxDate;
     const Variant value = object.QelFuncDemo(call).value;
-    Line("formula",
-         fmt::format("OBS {} {}, {}: {} (the first in {}, the next in {})", name, number->Name(),
-                     FormatShortDate(thread.dates.CubeMaxDate, context_.locale), ValueText(value), firstTime,
-                     second.Text()));
+    Line("formula", fmt::format("OBS {} {}, {}: {} (the first in {}, the next in {})", name, number->Name(),
+                                FormatShortDate(thread.dates.CubeMaxDate, context_.locale), ValueText(value),
+                                firstTime, second.Text()));
     context_.failed = context_.failed || value.Is<std::string>();
 }
 

@@ -43,8 +43,8 @@ void PrintTotals(const engine::CubeFile& file, std::ostream& output) {
         const engine::Cube& cube = file.Cubes()[i];
         const auto sources = file.Sources(i);
         if (sources.empty()) {
-            throw std::runtime_error(fmt::format("{}: built before totals were kept; build it again",
-                                                 PathToUtf8(file.Path())));
+            throw std::runtime_error(
+                fmt::format("{}: built before totals were kept; build it again", PathToUtf8(file.Path())));
         }
         TextTable table{1, {{"  file", "lines read", "used", "skipped"}}};
         for (const auto& measure : cube.Measures()) {

@@ -62,8 +62,8 @@ class Evaluator {
 public:
     Evaluator(CommandContext& context, EvalOptions options)
         : context_(context), options_(options), batch_(context.providers),
-          object_({thread_, context.providers, context.locale}),
-          reasons_(context.providers, context.locale) {}
+          object_({thread_, context.providers, context.locale}), reasons_(context.providers, context.locale) {
+    }
 
     ReadFormula Read(std::string_view text, std::string label) const {
         ReadFormula read{std::move(label), std::nullopt, {}};

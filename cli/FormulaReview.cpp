@@ -38,13 +38,15 @@ void ReviewCube(const std::string& file, const std::string& cubeName, const Prov
         return;
     }
     if (ModSetCube::HasDaysForMonths(*date)) {
-        throw std::runtime_error(fmt::format("cube {}: formulas would read the days of [Date] as months, because it "
-                                             "has four levels; set \"quarters\": true in its calendar",
-                                             cubeName));
+        throw std::runtime_error(
+            fmt::format("cube {}: formulas would read the days of [Date] as months, because it "
+                        "has four levels; set \"quarters\": true in its calendar",
+                        cubeName));
     }
     for (const auto& fault : ModSetCube::FindDateFaults(*date)) {
-        warnings.push_back({dateMembers, cubeName, "Date",
-                            fmt::format("cube {}, [Date]: {}; formulas over the cube show 0", cubeName, fault)});
+        warnings.push_back(
+            {dateMembers, cubeName, "Date",
+             fmt::format("cube {}, [Date]: {}; formulas over the cube show 0", cubeName, fault)});
     }
 }
 
@@ -54,14 +56,15 @@ std::vector<engine::BuildWarning> ReviewForFormulas(const std::filesystem::path&
                                                     const Providers& providers) {
     std::vector<engine::BuildWarning> warnings;
     const std::string file = PathToUtf8(cubeFile);
-    for (const auto& cube : engine::CubeFile::Open(cubeFile)->Cubes()) {
+    const auto opened = engine::CubeFile::Open(cubeFile);
+    for (const auto& cube : opened->Cubes()) {
         if (!IsForFormulas(cube)) {
             continue;
         }
         if (file.find(';') != std::string::npos) {
-            warnings.push_back({"path", cube.Name(), "",
-                                fmt::format("cube {}: formulas cannot name a file with ';' in its path",
-                                            cube.Name())});
+            warnings.push_back(
+                {"path", cube.Name(), "",
+                 fmt::format("cube {}: formulas cannot name a file with ';' in its path", cube.Name())});
             continue;
         }
         ReviewCube(file, cube.Name(), providers, warnings);

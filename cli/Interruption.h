@@ -2,8 +2,8 @@
 
 namespace qel {
 
-/// While it lives, Ctrl+C, a request to end and a closed terminal do not end the program at once: Check raises, so that long
-/// work takes back what it has half done.
+/// While it lives, Ctrl+C, a request to end and a closed terminal do not end the program at once: Check
+/// raises, so that long work takes back what it has half done.
 class Interruption {
 public:
     Interruption();

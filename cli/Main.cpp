@@ -100,7 +100,8 @@ private:
     std::optional<qel::XmlaDataAccess> access_;
 };
 
-/// The words of the command line. An option that is given an empty value ("--firma=") takes no other word for it.
+/// The words of the command line. An option that is given an empty value ("--firma=") takes no other word for
+/// it.
 std::vector<std::string> WordsOf(int argc, char** argv) {
     std::vector<std::string> words;
     for (int i = 1; i < argc; ++i) {

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <span>
+#include <unordered_set>
 
 namespace qel {
 
@@ -17,9 +18,13 @@ namespace {
 constexpr std::size_t mostSuggestions = 3;
 
 std::vector<std::string> NamesOf(const Level& level) {
-    std::vector<std::string> names;
+    std::vector<std::string> names; // each once
+    std::unordered_set<std::string> seen;
     for (std::int32_t i = 0; i < level.MemberCount(); ++i) {
-        names.push_back(level.MemberAt(i)->Name());
+        std::string name = level.MemberAt(i)->Name();
+        if (seen.insert(name).second) {
+            names.push_back(std::move(name));
+        }
     }
     return names;
 }
@@ -31,8 +36,11 @@ std::string Suggested(const std::string& name, std::span<const std::string> know
         return fmt::format("; did you mean \"{}\"?", fmt::join(near, "\", \""));
     }
     const auto first = known.first(std::min(known.size(), mostSuggestions));
-    return known.empty() ? "" : fmt::format("; it has \"{}\"{}", fmt::join(first, "\", \""),
-                                            known.size() > first.size() ? fmt::format(" and {} more", known.size() - first.size()) : "");
+    return known.empty() ? ""
+                         : fmt::format("; it has \"{}\"{}", fmt::join(first, "\", \""),
+                                       known.size() > first.size()
+                                           ? fmt::format(" and {} more", known.size() - first.size())
+                                           : "");
 }
 
 /// Looks up what one query names, and keeps what is missing.
@@ -69,9 +77,10 @@ public:
         for (std::int32_t i = 0; i < hierarchy->LevelCount(); ++i) {
             const auto other = hierarchy->LevelAt(i);
             if (!other->MembersNamed(name).empty()) {
-                Add(memberArgument, fmt::format("{}.[{}] has no member \"{}\", but [{}] has one; set {} to \"{}\"",
-                                                hierarchy->UniqueName(), found->Name(), name, other->Name(),
-                                                levelArgument, other->Name()));
+                Add(memberArgument,
+                    fmt::format("{}.[{}] has no member \"{}\", but [{}] has one; set {} to \"{}\"",
+                                hierarchy->UniqueName(), found->Name(), name, other->Name(), levelArgument,
+                                other->Name()));
                 return;
             }
         }
@@ -88,9 +97,10 @@ public:
         }
         const auto names = hierarchy->LevelAt(1);
         if (names->MembersNamed(name).empty()) {
-            name.empty() ? Add("ObsName", "no key; write it in braces, {\"OBS\"}, or as a reference to a cell")
-                         : Miss("ObsName", fmt::format("{}.[{}]", hierarchy->UniqueName(), names->Name()), name,
-                                NamesOf(*names));
+            name.empty()
+                ? Add("ObsName", "no key; write it in braces, {\"OBS\"}, or as a reference to a cell")
+                : Miss("ObsName", fmt::format("{}.[{}]", hierarchy->UniqueName(), names->Name()), name,
+                       NamesOf(*names));
             return;
         }
         std::vector<std::string> numbers;
@@ -171,7 +181,8 @@ std::vector<std::string> FindMissingMembers(const CubeDef& cube, const ModSetCub
     using ModSetCube::ObsPart;
     std::vector<std::string> missing;
     MemberSearch search(cube, missing);
-    search.ObsNumber(Unescaped(query.obsName), query.obsNumber ? std::optional(Unescaped(*query.obsNumber)) : std::nullopt);
+    search.ObsNumber(Unescaped(query.obsName),
+                     query.obsNumber ? std::optional(Unescaped(*query.obsNumber)) : std::nullopt);
     if (query.obsPart == ObsPart::LevelMember) {
         search.InLevel("ObsLevel", query.obsLevel, "ObsMember", query.obsMember, "OBS");
     } else if (query.obsPart == ObsPart::CostCenter) {

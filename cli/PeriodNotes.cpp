@@ -94,12 +94,13 @@ std::vector<std::string> PeriodNotes(const DateTable& dates, const ValueCall& ca
     const auto lastPlace = static_cast<std::size_t>(last - dates.CubeDateNames.begin());
     const std::size_t firstPlace = lastPlace + 1 - static_cast<std::size_t>(span->count);
     std::vector<std::string> notes = {
-        span->count == 1 ? fmt::format("one, {}", span->last)
-                         : fmt::format("{}, from {} to {}", span->count, dates.CubeDateNames[firstPlace],
-                                       span->last)};
+        span->count == 1
+            ? fmt::format("one, {}", span->last)
+            : fmt::format("{}, from {} to {}", span->count, dates.CubeDateNames[firstPlace], span->last)};
     const AutomationDate first = dates.CubeDates[firstPlace];
     if (first < asked.from) {
-        notes.push_back("no period starts within the dates, so the period of To_Date counts, the whole of it");
+        notes.push_back(
+            "no period starts within the dates, so the period of To_Date counts, the whole of it");
     } else if (firstPlace > 0 && days.from < first) {
         notes.push_back(fmt::format("{} is left out, because it starts before From_Date",
                                     dates.CubeDateNames[firstPlace - 1]));
@@ -119,7 +120,8 @@ std::vector<std::string> ReasonsInDates(const DateTable& dates, const ValueCall&
         return {"To_Date is omitted"};
     }
     if (from > call.To_Date) {
-        return {fmt::format("From_Date, {}, is later than To_Date, {}", DayText(from), DayText(call.To_Date))};
+        return {
+            fmt::format("From_Date, {}, is later than To_Date, {}", DayText(from), DayText(call.To_Date))};
     }
     if (dates.CubeDates.empty()) {
         return {"the cube has no periods"};
@@ -137,12 +139,13 @@ std::vector<std::string> ReasonsInDates(const DateTable& dates, const ValueCall&
                             DayText(dates.CubeMaxDate))};
     }
     const std::string day = FormatShortDate(dates.CubeMaxDate, locale);
-    return {call.From_Date.IsZero()
-                ? fmt::format("without From_Date, a To_Date behind the first day of the cube's last period "
-                              "selects nothing; set To_Date or From_Date to \"{}\"",
-                              day)
-                : fmt::format("From_Date lies behind the first day of the cube's last period; set it to \"{}\"",
-                              day)};
+    return {
+        call.From_Date.IsZero()
+            ? fmt::format("without From_Date, a To_Date behind the first day of the cube's last period "
+                          "selects nothing; set To_Date or From_Date to \"{}\"",
+                          day)
+            : fmt::format("From_Date lies behind the first day of the cube's last period; set it to \"{}\"",
+                          day)};
 }
 
 std::vector<std::string> SwappedDates(const Formula& formula, const ValueCall& call, const Locale& locale) {
@@ -151,7 +154,8 @@ std::vector<std::string> SwappedDates(const Formula& formula, const ValueCall& c
                               std::tuple(valueArguments - 1, "To_Date", call.To_Date)};
     for (const auto& [place, name, date] : dates) {
         if (place >= formula.arguments.size() || !formula.arguments[place].value ||
-            !formula.arguments[place].value->Is<std::string>() || locale.dateOrder == DateOrder::YearMonthDay) {
+            !formula.arguments[place].value->Is<std::string>() ||
+            locale.dateOrder == DateOrder::YearMonthDay) {
             continue;
         }
         const auto& text = formula.arguments[place].value->As<std::string>();

@@ -68,7 +68,8 @@ ModSetCube::ValueQuery ZeroReasons::QueryOf(const FormulaCall& call) const {
 
 bool ZeroReasons::OpenCubeOf(const ValueCall& call) {
     return ModSetCube::EnsureCurrentCubeOpen(
-        thread_, providers_, opened_, {std::string(Trimmed(call.cubeFile)), std::string(Trimmed(call.CubeName))});
+        thread_, providers_, opened_,
+        {std::string(Trimmed(call.cubeFile)), std::string(Trimmed(call.CubeName))});
 }
 
 std::vector<std::string> ZeroReasons::Of(const FormulaCall& call) {
@@ -81,8 +82,7 @@ std::vector<std::string> ZeroReasons::Of(const FormulaCall& call) {
             return {};
         }
         auto reasons = ReasonsInDates(thread_.dates, *value, call.given, locale_);
-        const auto missing =
-            FindMissingMembers(*ModSetCube::OpenCatalog(thread_)->CubeAt(0), QueryOf(call));
+        const auto missing = FindMissingMembers(*ModSetCube::OpenCatalog(thread_)->CubeAt(0), QueryOf(call));
         reasons.insert(reasons.end(), missing.begin(), missing.end());
         return reasons;
     } catch (const AutomationError& error) {
@@ -99,11 +99,12 @@ std::vector<std::string> ZeroReasons::Ignored(const FormulaCall& call) const {
     const auto query = QueryOf(call);
     std::vector<std::string> ignored;
     if (query.obsPart == ModSetCube::ObsPart::Nothing && !ModSetCube::IsUnrestricted(query.obsMember)) {
-        ignored.push_back(fmt::format("ObsMember \"{}\" is ignored, because ObsLevel is \"All\"", query.obsMember));
+        ignored.push_back(
+            fmt::format("ObsMember \"{}\" is ignored, because ObsLevel is \"All\"", query.obsMember));
     }
     if (query.summaryLevel.empty() && !ModSetCube::IsUnrestricted(query.summaryMember)) {
-        ignored.push_back(
-            fmt::format("Seif_level \"{}\" is ignored, because Summary_Group is \"All\"", query.summaryMember));
+        ignored.push_back(fmt::format("Seif_level \"{}\" is ignored, because Summary_Group is \"All\"",
+                                      query.summaryMember));
     }
     return ignored;
 }

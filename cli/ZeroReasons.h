@@ -13,7 +13,8 @@ namespace qel {
 /// Tells why value formulas show 0. It has a connection of its own, so that formulas are left alone.
 class ZeroReasons {
 public:
-    ZeroReasons(Providers providers, const Locale& locale) : providers_(std::move(providers)), locale_(locale) {
+    ZeroReasons(Providers providers, const Locale& locale)
+        : providers_(std::move(providers)), locale_(locale) {
         providers_.observer = nullptr;
     }
 

@@ -137,6 +137,9 @@ ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::ui
         if (place != std::string_view::npos) {
             std::string plain(text);
             plain.erase(place, sign.size());
+            if (plain.find_first_of("0123456789") == std::string::npos) { // an empty text would be 0
+                return amount;
+            }
             ParsedAmount without = ParsePlain(WithPlainSigns(plain), format, decimals);
             without.currency = sign;
             return without;

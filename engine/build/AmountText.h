@@ -18,8 +18,8 @@ struct ParsedAmount {
 
 /// Parses an amount and scales it by 10^decimals, exactly. Accepts a leading or trailing sign, parentheses
 /// for a negative amount, the format's decimal and thousands signs (the latter only between groups of three
-/// digits), no-break and thin spaces, one sign of a currency ($, €, £, ₪); ignores directional marks. An empty text is 0. Invalid when there are
-/// more decimals than `decimals`, unless they are zeros.
+/// digits), no-break and thin spaces, one sign of a currency ($, €, £, ₪); ignores directional marks. An
+/// empty text is 0. Invalid when there are more decimals than `decimals`, unless they are zeros.
 ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::uint8_t decimals);
 
 /// "; set …" with the settings by which the text is an amount; empty when there are none.

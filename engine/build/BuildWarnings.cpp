@@ -94,10 +94,9 @@ std::string DimensionWarnings::AmountOf(const std::vector<std::uint32_t>& values
             sum += measure < cube_.measures.size() ? facts.values[measure][row] : 0;
         }
     }
-    return measure < cube_.measures.size()
-               ? fmt::format("{} {}", cube_.measures[measure].name,
-                             DecimalText(sum, cube_.measures[measure].decimals))
-               : fmt::format("{} lines", lines);
+    return measure < cube_.measures.size() ? fmt::format("{} {}", cube_.measures[measure].name,
+                                                         DecimalText(sum, cube_.measures[measure].decimals))
+                                           : fmt::format("{} lines", lines);
 }
 
 void DimensionWarnings::AddDateOrder() const {
@@ -119,9 +118,9 @@ void RefuseWarnings(const std::vector<BuildWarning>& warnings) {
     if (warnings.empty()) {
         return;
     }
-    std::string text = fmt::format("{} stopped the strict build; the cube file is as it was:",
-                                   warnings.size() == 1 ? "one warning"
-                                                        : fmt::format("{} warnings", warnings.size()));
+    std::string text =
+        fmt::format("{} stopped the strict build; the cube file is as it was:",
+                    warnings.size() == 1 ? "one warning" : fmt::format("{} warnings", warnings.size()));
     for (const BuildWarning& warning : warnings) {
         text += "\n  " + warning.text;
     }

@@ -9,8 +9,8 @@
 
 namespace qel::engine {
 
-/// Finds what in one dimension makes figures wrong without a fault, and adds it to the build's warnings unless
-/// the definition accepts it. To be used after the keys have their codes.
+/// Finds what in one dimension makes figures wrong without a fault, and adds it to the build's warnings
+/// unless the definition accepts it. To be used after the keys have their codes.
 class DimensionWarnings {
 public:
     /// `keys` is null for a dimension without a fact column.

@@ -18,9 +18,9 @@ namespace qel::engine {
 /// unclosed quote, with the line after the one where the record began.
 class CsvReader {
 public:
-    /// Reads the header line, and a line "sep=;" before it, which names the delimiter. `delimiter` 0 chooses that
-    /// one, otherwise the one that occurs most often in the header. Raises EngineError (InvalidData) for an
-    /// empty file or a malformed header.
+    /// Reads the header line, and a line "sep=;" before it, which names the delimiter. `delimiter` 0 chooses
+    /// that one, otherwise the one that occurs most often in the header. Raises EngineError (InvalidData) for
+    /// an empty file or a malformed header.
     CsvReader(std::istream& input, std::string fileName, char delimiter);
     ~CsvReader();
     CsvReader(const CsvReader&) = delete;

@@ -48,6 +48,9 @@ KeyColumnBuilder* CubeBuilder::KeysOf(std::size_t dimension) {
 void CubeBuilder::Run(BuildTotals& totals) {
     ReadDimensionTables(totals);
     ReadFactTables(totals);
+    if (progress_) {
+        progress_("Ordering the members of " + cube_.name, 0);
+    }
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         dimensions_[i].TakeValues(KeysOf(i));
         dimensions_[i].Finish();
@@ -109,8 +112,9 @@ void CubeBuilder::NoteLastLine(const TableReader& reader, std::vector<BuildWarni
     if (reader.Csv().LineHasEnd() || reader.Table().acceptsOpenLine) {
         return;
     }
-    const std::string text = fmt::format("{}, line {}: the last line has no line end; the file may be cut off",
-                                         reader.Csv().FileName(), reader.Csv().Line());
+    const std::string text =
+        fmt::format("{}, line {}: the last line has no line end; the file may be cut off",
+                    reader.Csv().FileName(), reader.Csv().Line());
     const bool isKnown = std::any_of(warnings.begin(), warnings.end(),
                                      [&text](const auto& warning) { return warning.text == text; });
     if (!isKnown) {
@@ -179,7 +183,8 @@ void CubeBuilder::MakeModel() {
 void CubeBuilder::FindWarnings(std::vector<BuildWarning>& warnings) const {
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         const auto column = keyColumnOf_[i];
-        const DimensionWarnings check(cube_, dimensions_[i], column ? &keyColumns_[*column] : nullptr, warnings);
+        const DimensionWarnings check(cube_, dimensions_[i], column ? &keyColumns_[*column] : nullptr,
+                                      warnings);
         check.AddSharedNames();
         if (column) {
             check.AddSharedValues(facts_, *column);

@@ -58,7 +58,8 @@ private:
         std::size_t inLeft = bytes_.size();
         char* out = text_.data();
         std::size_t outLeft = text_.size();
-        while (inLeft > 0 && ::iconv(conversion_, &in, &inLeft, &out, &outLeft) == static_cast<std::size_t>(-1)) {
+        while (inLeft > 0 &&
+               ::iconv(conversion_, &in, &inLeft, &out, &outLeft) == static_cast<std::size_t>(-1)) {
             if (errno == EINVAL && !isAtEnd) {
                 break; // the rest of the character is in the next chunk
             }
@@ -80,8 +81,9 @@ private:
 void RefuseWorkbook(std::string_view start, const std::string& fileName) {
     constexpr std::string_view zip = "PK\x03\x04", oldWorkbook = "\xD0\xCF\x11\xE0";
     if (start.starts_with(zip) || start.starts_with(oldWorkbook)) {
-        throw EngineError(ErrorKind::InvalidData,
-                          fmt::format("{}: is a workbook or an archive, not CSV; save the sheet as CSV", fileName));
+        throw EngineError(
+            ErrorKind::InvalidData,
+            fmt::format("{}: is a workbook or an archive, not CSV; save the sheet as CSV", fileName));
     }
 }
 
@@ -101,9 +103,11 @@ DecodedFile::DecodedFile(const std::filesystem::path& path, const std::string& e
         return;
     }
     const iconv_t conversion = ::iconv_open("UTF-8", from.c_str());
-    if (conversion == reinterpret_cast<iconv_t>(-1)) { // NOLINT(performance-no-int-to-ptr): iconv's own failure
-        throw EngineError(ErrorKind::InvalidData, fmt::format("{}: this machine cannot read the encoding \"{}\"",
-                                                              PathToUtf8(path), from));
+    if (conversion ==
+        reinterpret_cast<iconv_t>(-1)) { // NOLINT(performance-no-int-to-ptr): iconv's own failure
+        throw EngineError(
+            ErrorKind::InvalidData,
+            fmt::format("{}: this machine cannot read the encoding \"{}\"", PathToUtf8(path), from));
     }
     decoder_ = std::make_unique<Decoder>(file_, conversion);
     decoded_ = std::make_unique<std::istream>(decoder_.get());

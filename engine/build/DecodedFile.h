@@ -9,13 +9,13 @@
 
 namespace qel::engine {
 
-/// A text file in any encoding, read as UTF-8. What is no character of the encoding becomes a byte that is not
-/// UTF-8.
+/// A text file in any encoding, read as UTF-8. What is no character of the encoding becomes a byte that is
+/// not UTF-8.
 class DecodedFile {
 public:
     /// `encoding` is a name that iconv knows; an empty one means UTF-16 for a file with its byte order mark,
-    /// otherwise UTF-8. Raises EngineError: FileNotFound; InvalidData for a workbook, or an encoding that this
-    /// machine cannot read.
+    /// otherwise UTF-8. Raises EngineError: FileNotFound; InvalidData for a workbook, or an encoding that
+    /// this machine cannot read.
     DecodedFile(const std::filesystem::path& path, const std::string& encoding);
 
     std::istream& Stream() { return *stream_; }

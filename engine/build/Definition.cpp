@@ -335,7 +335,8 @@ private:
             }
             object.Finish();
             const bool usesOthers =
-                (!dimension.keys.empty() && std::count(dimension.keys.begin(), dimension.keys.end(), level.key) == 0) ||
+                (!dimension.keys.empty() &&
+                 std::count(dimension.keys.begin(), dimension.keys.end(), level.key) == 0) ||
                 !level.memberName.empty() || !level.caption.empty();
             if (dimension.tables.empty() && usesOthers) {
                 element.Fail("a dimension without a \"table\" has no other columns than its own");

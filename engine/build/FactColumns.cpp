@@ -67,8 +67,8 @@ private:
             const auto amount = ParseAmount(field, format, measures_[i].decimals);
             if (!amount.value) {
                 reader_.ReportBad({&valueFields_[i], 1}, amount.isTooLarge
-                                                       ? TooLarge(field, measures_[i].decimals)
-                                                       : AmountFault(field, measures_[i].decimals));
+                                                             ? TooLarge(field, measures_[i].decimals)
+                                                             : AmountFault(field, measures_[i].decimals));
                 return false;
             }
             if (!amount.currency.empty() && !IsCurrencyOf(i, amount.currency)) {

@@ -141,7 +141,8 @@ std::optional<std::chrono::sys_days> ParsePlain(std::string_view text, DateForma
 } // namespace
 
 std::optional<std::chrono::sys_days> ParseDate(std::string_view text, DateFormat format) {
-    if (const auto day = IsAscii(text) ? ParsePlain(text, format) : ParsePlain(WithPlainSigns(text), format)) {
+    if (const auto day =
+            IsAscii(text) ? ParsePlain(text, format) : ParsePlain(WithPlainSigns(text), format)) {
         return day;
     }
     const auto named = WithMonthNumber(WithPlainSigns(text));

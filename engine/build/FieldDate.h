@@ -12,8 +12,8 @@ namespace qel::engine {
 /// Parses a date: three numbers in the format's order, separated by "-", "/", "." or blanks, or eight digits
 /// with the year first. When a four-digit year comes first, the order is year, month, day in every format;
 /// Iso accepts nothing else. Two numbers are a month and its year and mean its first day. Two-digit years are
-/// 1930 to 2029. A month may have its English or Hebrew name, whose place shows the order. A time of day after
-/// the date is ignored. Nothing for any other text.
+/// 1930 to 2029. A month may have its English or Hebrew name, whose place shows the order. A time of day
+/// after the date is ignored. Nothing for any other text.
 std::optional<std::chrono::sys_days> ParseDate(std::string_view text, DateFormat format);
 
 /// "2024-03-31".

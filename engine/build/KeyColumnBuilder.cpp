@@ -104,7 +104,7 @@ std::string KeyColumnBuilder::ShownText(std::uint32_t number) const { return Sho
 
 std::optional<std::string> KeyColumnBuilder::DateOfEitherOrder() const {
     for (const auto& [format, other] : {std::pair(DateFormat::DayMonthYear, DateFormat::MonthDayYear),
-                                       std::pair(DateFormat::MonthDayYear, DateFormat::DayMonthYear)}) {
+                                        std::pair(DateFormat::MonthDayYear, DateFormat::DayMonthYear)}) {
         std::optional<std::string> example;
         bool isProven = false, hasDays = false; // the first of every month is what a ledger of months has
         for (std::uint32_t number = 0; number < days_.size() && !isProven; ++number) {

@@ -37,8 +37,8 @@ std::size_t MonthNamed(std::string_view word) {
     const std::string folded = FoldCase(word);
     const std::string_view hebrew = word.starts_with(in) ? word.substr(in.size()) : word;
     for (std::size_t i = 0; i < months.size(); ++i) {
-        const bool isEnglish = folded.size() >= letters && (months[i].english.starts_with(folded) ||
-                                                            (folded == "sept" && i == 8));
+        const bool isEnglish = folded.size() >= letters &&
+                               (months[i].english.starts_with(folded) || (folded == "sept" && i == 8));
         const bool isHebrew = hebrew.size() >= letters * hebrewBytes && months[i].hebrew.starts_with(hebrew);
         if (isEnglish || isHebrew) {
             return i + 1;
@@ -48,10 +48,10 @@ std::size_t MonthNamed(std::string_view word) {
 }
 
 /// Without a last word that has a colon.
-std::string WithoutTimeOfDay(std::string text) {
+std::string_view WithoutTimeOfDay(std::string_view text) {
     const auto colon = text.find(':');
-    const auto blank = colon == std::string::npos ? colon : text.rfind(' ', colon);
-    return blank == std::string::npos ? text : text.substr(0, blank);
+    const auto blank = colon == std::string_view::npos ? colon : text.rfind(' ', colon);
+    return text.substr(0, blank);
 }
 
 /// The numbers with one "/" between them.
@@ -71,15 +71,15 @@ std::string Joined(std::string_view text) {
 
 } // namespace
 
-std::optional<NamedMonth> WithMonthNumber(std::string text) {
-    text = WithoutTimeOfDay(std::move(text));
-    const auto begin = std::find_if(text.begin(), text.end(), IsLetter);
-    const auto end = std::find_if_not(begin, text.end(), IsLetter);
+std::optional<NamedMonth> WithMonthNumber(std::string_view text) {
+    const std::string_view date = WithoutTimeOfDay(text);
+    const auto* const begin = std::find_if(date.begin(), date.end(), IsLetter);
+    const auto* const end = std::find_if_not(begin, date.end(), IsLetter);
     const std::size_t month = MonthNamed({begin, end});
     if (month == 0) {
         return std::nullopt;
     }
-    const std::string before(text.begin(), begin), behind(end, text.end());
+    const std::string before(date.begin(), begin), behind(end, date.end());
     NamedMonth named;
     named.text = Joined(before + " " + std::to_string(month) + " " + behind);
     named.isFirst = before.find_first_of("0123456789") == std::string::npos;

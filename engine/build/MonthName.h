@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace qel::engine {
 
@@ -11,8 +12,8 @@ struct NamedMonth {
     bool isFirst = false; ///< the month stands before the day
 };
 
-/// Replaces the name of a month, in English or Hebrew, whole or in three letters, by its number. Commas, blanks
-/// around signs and a time of day are left out. Nothing for a text without such a name.
-std::optional<NamedMonth> WithMonthNumber(std::string text);
+/// Replaces the name of a month, in English or Hebrew, whole or in three letters, by its number. Commas,
+/// blanks around signs and a time of day are left out. Nothing for a text without such a name.
+std::optional<NamedMonth> WithMonthNumber(std::string_view text);
 
 } // namespace qel::engine

@@ -19,8 +19,8 @@ struct NodePair {
     std::uint32_t first = none, second = none;
 };
 
-/// The members of the highest level at which the paths to two nodes part; nothing when one lies on the other's
-/// path.
+/// The members of the highest level at which the paths to two nodes part; nothing when one lies on the
+/// other's path.
 std::optional<NodePair> WherePathsPart(std::span<const Node> nodes, std::uint32_t left, std::uint32_t right) {
     while (nodes[left].level > nodes[right].level) {
         left = nodes[left].parent;
@@ -72,12 +72,13 @@ std::string DescribeSharedName(const MemberTree& tree, const NodePair& pair) {
     if (first.name != second.name) {
         return fmt::format("\"{}\" and \"{}\"", tree.Text(first.name), tree.Text(second.name));
     }
-    if (first.parent != second.parent) {
-        return fmt::format("\"{}\" under {}", tree.Text(first.name),
-                           Quoted(tree, {first.parent, second.parent}));
-    }
-    return fmt::format("\"{}\" of the keys \"{}\" and \"{}\"", tree.Text(first.name), tree.Text(first.key),
-                       tree.Text(second.key));
+    return fmt::format("\"{}\" under {}", tree.Text(first.name), Quoted(tree, {first.parent, second.parent}));
+}
+
+/// Siblings of one name are told apart by their keys alone.
+bool IsSameByName(const MemberTree& tree, std::uint32_t left, std::uint32_t right) {
+    return tree.Nodes()[left].parent == tree.Nodes()[right].parent &&
+           tree.Nodes()[left].name == tree.Nodes()[right].name;
 }
 
 } // namespace
@@ -128,14 +129,20 @@ SharedNames FindSharedNames(const MemberTree& tree, std::uint32_t level) {
     std::sort(hashes.begin(), hashes.end());
     SharedNames shared;
     NodePair firstPair;
-    for (std::size_t i = 1; i < hashes.size(); ++i) {
-        const bool isNew = i == 1 || hashes[i - 2].first != hashes[i].first;
-        if (hashes[i].first != hashes[i - 1].first || !isNew) {
+    for (std::size_t first = 0, last = 0; first < hashes.size(); first = last) {
+        const std::uint32_t node = hashes[first].second;
+        std::uint32_t other = none;
+        for (last = first; last < hashes.size() && hashes[last].first == hashes[first].first; ++last) {
+            if (other == none && !IsSameByName(tree, node, hashes[last].second)) {
+                other = hashes[last].second;
+            }
+        }
+        if (other == none) {
             continue;
         }
         ++shared.count;
-        if (hashes[i - 1].second < firstPair.first) {
-            firstPair = {hashes[i - 1].second, hashes[i].second};
+        if (node < firstPair.first) {
+            firstPair = {node, other};
         }
     }
     if (shared.count > 0) {

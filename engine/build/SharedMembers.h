@@ -18,7 +18,7 @@ struct SharedValues {
 };
 SharedValues FindSharedValues(const MemberTree& tree);
 
-/// The names of one level that several of its members have (any letter case).
+/// The names of one level that members under several parents have, or that differ in letter case only.
 struct SharedNames {
     std::size_t count = 0;
     std::string first; ///< "\"Main\" under \"North\" and \"South\"", "\"acme\" and \"ACME\""

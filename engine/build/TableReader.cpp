@@ -26,8 +26,8 @@ std::size_t TableReader::Column(const std::string& name) const {
     const auto& header = csv_.Header();
     const auto found = std::find(header.begin(), header.end(), inFile);
     if (found == header.end()) {
-        const std::string remedy = header.size() == 1 ? "; if these are several, set \"delimiter\""
-                                                      : Suggestion(inFile, header);
+        const std::string remedy =
+            header.size() == 1 ? "; if these are several, set \"delimiter\"" : Suggestion(inFile, header);
         throw EngineError(ErrorKind::InvalidData,
                           fmt::format("{}: there is no column \"{}\"; the columns are \"{}\"{}",
                                       csv_.FileName(), inFile, fmt::join(header, "\", \""), remedy));

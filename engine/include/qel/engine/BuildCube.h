@@ -47,8 +47,8 @@ struct BuildTotals {
 };
 
 /// Builds a cube file. Raises EngineError: InvalidDefinition naming the key, InvalidData naming file, line,
-/// column and what was expected, FileNotFound, CannotWrite (also when an output file is also an input). A strict
-/// build raises InvalidData with all warnings.
+/// column and what was expected, FileNotFound, CannotWrite (also when an output file is also an input). A
+/// strict build raises InvalidData with all warnings.
 BuildTotals BuildCube(const BuildOptions& options);
 
 } // namespace qel::engine
