@@ -55,7 +55,8 @@ class Warnings(InFolder):
             ("equalNames", "unit,service,amount\nA,s,1\nB,s,2\n", {**self.OWN_TABLE, "column": ["unit", "service"],
                                                                   "key": ["unit", "service"]}, {},
              r'\[O\]\.\[H\]\.\[L2\]: one name belongs to several members, first "s" under "A" and "B"'),
-            ("equalNames", "unit,amount\nacme,1\nACME,2\n", {"name": "O", "column": "unit"}, {}, '"acme" and "ACME"|"ACME" and "acme"'),
+            ("equalNames", "unit,amount\nacme,1\nACME,2\n", {"name": "O", "column": "unit"}, {},
+             '"acme" and "ACME"|"ACME" and "acme"'),
             ("dateOrder", "date,amount\n03/04/2024,1\n01/12/2024,2\n", self.DATES, {"dates": "dmy"}, "03/04/2024"),
         ]
         for kind, ledger, dimension, csv, pattern in cases:
