@@ -1,5 +1,7 @@
 #include "cli/CubeBuildCommand.h"
 
+#include "cli/CubeTotals.h"
+#include "cli/FormulaReview.h"
 #include "cli/Interruption.h"
 #include "cli/ProgressBar.h"
 #include "qel/engine/BuildCube.h"
@@ -20,12 +22,30 @@ constexpr const char* footer =
 build has succeeded, and stays as it was otherwise. A line that cannot be used stops the build, unless
 --skip-bad-lines says where to put such lines. Lines are counted for every cube that reads them.
 
+Warnings tell what makes figures wrong without stopping the build, such as values that count under several parents.
+They are listed at the end; "accept" in a dimension of the definition says that one is meant.
+
 Example:
   qel cube build examples/ledger/ledger.json --output demo.cub --skip-bad-lines rejected.csv)";
 
 struct BuildArguments {
     std::string definition, output, skippedLines;
+    bool strict = false, force = false;
 };
+
+std::string Counted(std::size_t count, const char* what) {
+    return fmt::format("{} {}{}", count, what, count == 1 ? "" : "s");
+}
+
+void PrintWarnings(const std::vector<engine::BuildWarning>& warnings, std::ostream& messages) {
+    for (const auto& warning : warnings) {
+        fmt::print(messages, "warning ({}): {}\n", warning.kind, warning.text);
+    }
+    if (!warnings.empty()) {
+        fmt::print(messages, "qel cube build: {}; \"accept\" in the definition says that one is meant\n",
+                   Counted(warnings.size(), "warning"));
+    }
+}
 
 void Build(const BuildArguments& arguments, CommandContext& context) {
     engine::BuildOptions options;
@@ -34,6 +54,9 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     if (!arguments.skippedLines.empty()) {
         options.skippedLines = PathFromUtf8(arguments.skippedLines);
     }
+    options.strict = arguments.strict;
+    options.force = arguments.force;
+    options.review = [&](const auto& complete) { return ReviewForFormulas(complete, context.providers); };
     const auto start = std::chrono::steady_clock::now();
     engine::BuildTotals totals;
     {
@@ -49,6 +72,7 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     fmt::print(context.output, "{}: {} bytes in {:.1f} s\n", arguments.output, totals.bytesWritten, seconds);
     fmt::print(context.output, "lines read {}, kept {}, skipped {}\n", totals.linesRead, totals.linesKept,
                totals.linesSkipped);
+    PrintTotals(*engine::CubeFile::Open(options.output), context.output);
     if (totals.distinctLinesSkipped == 1) {
         fmt::print(context.messages, "qel cube build: 1 line could not be used; it is in {}\n",
                    arguments.skippedLines);
@@ -57,6 +81,7 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
         fmt::print(context.messages, "qel cube build: {} lines could not be used; they are in {}\n",
                    totals.distinctLinesSkipped, arguments.skippedLines);
     }
+    PrintWarnings(totals.warnings, context.messages);
 }
 
 } // namespace
@@ -71,6 +96,9 @@ void AddCubeBuildCommand(CLI::App& cube, CommandContext& context) {
         ->check([](const std::string& file) { return file.empty() ? "names no file" : ""; }, "FILE");
     command->add_option("--skip-bad-lines", arguments->skippedLines,
                         "Write lines that cannot be used to this file and go on");
+    command->add_flag("--strict", arguments->strict,
+                      "Take warnings for errors: the cube file stays as it was");
+    command->add_flag("--force", arguments->force, "Replace a cube file that is write-protected");
     command->callback([arguments, &context] { Build(*arguments, context); });
 }
 

@@ -1,5 +1,6 @@
 #include "cli/CubeInfoCommand.h"
 
+#include "cli/CubeTotals.h"
 #include "cli/LevelPath.h"
 #include "cli/TextTable.h"
 #include "platform/data/embedded/CubeSource.h"
@@ -19,6 +20,7 @@ constexpr const char* description = "Show the cubes, dimensions, levels and meas
 
 constexpr const char* footer = R"(Examples:
   qel cube info demo.cub
+  qel cube info demo.cub --totals
   qel cube info demo.cub --members '[OBS].[Level2]' --cube LedgerFNC
   qel cube info demo.cub --members SuperSum1 --cube LedgerHebrewFNC)";
 
@@ -81,6 +83,7 @@ void PrintMembers(const LevelPlace& place, std::ostream& output) {
 
 struct InfoArguments {
     std::string file, level, cube;
+    bool totals = false;
 };
 
 void PrintInfo(const InfoArguments& arguments, CommandContext& context) {
@@ -88,6 +91,10 @@ void PrintInfo(const InfoArguments& arguments, CommandContext& context) {
     const auto file = engine::CubeFile::Open(PathFromUtf8(arguments.file));
     if (!arguments.level.empty()) {
         PrintMembers(FindLevel(*file, arguments.level, arguments.cube), context.output);
+        return;
+    }
+    if (arguments.totals) {
+        PrintTotals(*file, context.output);
         return;
     }
     fmt::print(context.output, "{}: {} bytes, {} cube{}\n", arguments.file, file->Size(),
@@ -108,6 +115,10 @@ void AddCubeInfoCommand(CLI::App& cube, CommandContext& context) {
         "--members", arguments->level, "List the members of this level: name, caption, key, unique name");
     command->add_option("--cube", arguments->cube, "The cube of that level, when several have it")
         ->needs(members);
+    command
+        ->add_flag("--totals", arguments->totals,
+                   "Show what each cube took from each file: lines, and every measure's total")
+        ->excludes(members);
     command->callback([arguments, &context] { PrintInfo(*arguments, context); });
 }
 

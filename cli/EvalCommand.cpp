@@ -4,6 +4,7 @@
 #include "cli/InputLines.h"
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
+#include "cli/ZeroReasons.h"
 #include "cli/formula/FormulaError.h"
 #include "cli/formula/ParseFormula.h"
 #include "platform/data/ConnectionText.h"
@@ -11,6 +12,7 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <memory>
 #include <optional>
@@ -28,6 +30,7 @@ numbers, TRUE, FALSE, DATE(y,m,d), array constants {"a","b"}, or nothing between
 arguments (ObsName to ActivityList) stand in braces or are numbers: a plain text there is no key.
 A call that fails prints #VALUE!, its reason goes to standard error, and the exit status is 1. Where a cell would show
 0 instead of an error, so does this; one line on standard error then tells how many, and that qel explain tells why.
+--strict tells each such error, and exits with 1. --why prints beside each 0, after a tab, why it is 0.
 
 Examples:
   qel eval '=QelF1("demo.cub","LedgerFNC",{"OBS"},{"1"},{"All"},{"All"},{"All"},"All","All","4000","Amount",
@@ -48,13 +51,19 @@ const ValueCall* ServerCallOf(const ReadFormula& formula) {
     return value != nullptr && IsServerAddress(value->cubeFile) ? value : nullptr;
 }
 
+struct EvalOptions {
+    bool strict = false; ///< errors that a cell hides are failures
+    bool why = false;    ///< say why a 0 is 0
+};
+
 /// Evaluates one formula after the other with one object, as the cells of a sheet do. Those that ask servers
 /// are asked for together, in as few statements as their cells fit into.
 class Evaluator {
 public:
-    explicit Evaluator(CommandContext& context)
-        : context_(context), batch_(context.providers),
-          object_({thread_, context.providers, context.locale}) {}
+    Evaluator(CommandContext& context, EvalOptions options)
+        : context_(context), options_(options), batch_(context.providers),
+          object_({thread_, context.providers, context.locale}), reasons_(context.providers, context.locale) {
+    }
 
     ReadFormula Read(std::string_view text, std::string label) const {
         ReadFormula read{std::move(label), std::nullopt, {}};
@@ -73,7 +82,7 @@ public:
         const auto results = AskServers(formulas);
         for (std::size_t i = 0; i < formulas.size(); ++i) {
             if (i < results.size() && results[i]) {
-                Print(formulas[i].label, *results[i]);
+                Print(formulas[i], *results[i]);
             } else {
                 Evaluate(formulas[i]);
             }
@@ -127,7 +136,7 @@ private:
             return;
         }
         try {
-            Print(formula.label, RunFormula(ObjectFor(formula), *formula.call));
+            Print(formula, RunFormula(ObjectFor(formula), *formula.call));
         } catch (const AutomationError& error) {
             Fail(formula.label, Describe(error));
         }
@@ -140,15 +149,40 @@ private:
 
     void Print(std::string_view value) { context_.output << value << '\n'; }
 
-    void Print(const std::string& label, const FormulaResult& result) {
-        Print(ValueText(result.value));
-        if (!result.masked.empty() && hidden_++ == 0) {
-            firstHidden_ = label;
+    void Print(const ReadFormula& formula, const FormulaResult& result) {
+        const bool isNoName = result.failure && !std::holds_alternative<ValueCall>(formula.call->arguments);
+        const bool hidesError = !result.masked.empty() || (options_.strict && isNoName);
+        const bool explains = options_.why && ShowsZero(result, context_.locale);
+        const std::string reason = hidesError || explains ? Reason(formula, result) : std::string();
+        Print(ValueText(result.value) + (explains ? "\t" + reason : ""));
+        if (hidesError && options_.strict) {
+            Tell(formula.label, reason);
+        } else if (hidesError && hidden_++ == 0) {
+            firstHidden_ = formula.label;
         }
+    }
+
+    /// Why a formula shows 0 or "-".
+    std::string Reason(const ReadFormula& formula, const FormulaResult& result) {
+        if (!options_.strict && !options_.why) {
+            return {};
+        }
+        auto reasons = reasons_.Of(*formula.call);
+        if (reasons.empty() && result.failure) {
+            return Describe(*result.failure);
+        }
+        if (reasons.empty()) {
+            reasons = reasons_.Alternatives(*formula.call);
+        }
+        return fmt::format("{}", fmt::join(reasons, "; "));
     }
 
     void Fail(const std::string& label, std::string_view reason) {
         Print("#VALUE!");
+        Tell(label, reason);
+    }
+
+    void Tell(const std::string& label, std::string_view reason) {
         // What goes to a terminal comes in the order in which it happened.
         context_.output.flush();
         context_.messages << "qel eval: " << label << ": " << reason << '\n';
@@ -156,9 +190,11 @@ private:
     }
 
     CommandContext& context_;
+    EvalOptions options_;
     batch::CallBatch batch_;
     ModSetCube::ThreadState thread_;
     OrmQelFunction object_;
+    ZeroReasons reasons_;
     std::size_t hidden_ = 0; ///< errors that worksheets show as 0
     std::string firstHidden_;
 };
@@ -200,8 +236,11 @@ void AddEvalCommand(CLI::App& app, CommandContext& context) {
     command->add_option("FORMULA", *formulas,
                         "The text of a cell; without any, one is read from each line of "
                         "standard input (blank lines are skipped)");
-    command->callback([formulas, &context] {
-        Evaluator evaluator(context);
+    auto options = std::make_shared<EvalOptions>();
+    command->add_flag("--strict", options->strict, "Fail for errors that a cell shows as 0 or \"-\"");
+    command->add_flag("--why", options->why, "Print beside each 0 why it is 0");
+    command->callback([formulas, options, &context] {
+        Evaluator evaluator(context, *options);
         if (formulas->empty()) {
             EvaluateLines(evaluator, context);
         }

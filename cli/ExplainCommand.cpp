@@ -1,8 +1,10 @@
 #include "cli/ExplainCommand.h"
 
+#include "cli/PeriodNotes.h"
 #include "cli/Recording.h"
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
+#include "cli/ZeroReasons.h"
 #include "cli/formula/FormulaError.h"
 #include "cli/formula/ParseFormula.h"
 #include "platform/data/ConnectionText.h"
@@ -20,7 +22,9 @@ constexpr const char* description = "Show how a formula gets its value: keys, co
 
 constexpr const char* footer =
     R"(The statement stands exactly as it was sent between the lines "---- statement ----" and
-"---- end of statement ----". Errors that the formula shows as 0 (QelF1) or "-" (QelName) are told.
+"---- end of statement ----". Errors that the formula shows as 0 (QelF1) or "-" (QelName) are told. Of a 0 it is told
+why: dates that select no period, members that do not exist and the nearest ones that do, or the restriction without
+which there would be an amount.
 
 Example (cuts the statement out and runs it):
   qel explain "$formula" | sed '1,/^---- statement/d;/^---- end of statement/,$d' | qel mdx demo.cub LedgerFNC -)";
@@ -43,8 +47,9 @@ std::string ListText(const KeyList& list, const Locale& locale) {
 /// One formula's way, printed in sections.
 class Explanation {
 public:
-    Explanation(CommandContext& context, const FormulaCall& call)
-        : context_(context), call_(call), object_({thread_, Listening(context.providers), context.locale}) {}
+    Explanation(CommandContext& context, const Formula& formula, const FormulaCall& call)
+        : context_(context), formula_(formula), call_(call),
+          object_({thread_, Listening(context.providers), context.locale}) {}
 
     void Print() {
         PrintKeyLists();
@@ -53,8 +58,10 @@ public:
         const auto time = Clock::now() - start;
         const auto openTime = recording_.openTime;
         PrintSent();
+        PrintPeriods();
         Line("value", ValueText(result.value));
         PrintTrapped(result);
+        PrintReasons(result);
         PrintTimes(openTime, time);
     }
 
@@ -120,6 +127,43 @@ private:
         }
     }
 
+    /// Which periods the dates select, and how their texts are read.
+    void PrintPeriods() {
+        const auto* call = std::get_if<ValueCall>(&call_.arguments);
+        if (call == nullptr) {
+            return;
+        }
+        for (const auto& note : SwappedDates(formula_, *call, context_.locale)) {
+            Line("note", note);
+        }
+        if (!thread_.datesAreCurrent) {
+            return;
+        }
+        const char* label = "periods";
+        for (const auto& note : PeriodNotes(thread_.dates, *call, context_.locale)) {
+            Line(label, note);
+            label = "note";
+        }
+    }
+
+    /// Why a value formula shows 0, as far as that can be told.
+    void PrintReasons(const FormulaResult& result) {
+        ZeroReasons reasons(context_.providers, context_.locale);
+        for (const auto& note : reasons.Ignored(call_)) {
+            Line("note", note);
+        }
+        if (!ShowsZero(result, context_.locale)) {
+            return;
+        }
+        auto found = reasons.Of(call_);
+        if (found.empty() && !result.failure) {
+            found = reasons.Alternatives(call_);
+        }
+        for (const auto& reason : found) {
+            Line("why", reason);
+        }
+    }
+
     /// The failure that the function shows as 0 or "-", if there is one.
     void PrintTrapped(const FormulaResult& result) {
         std::string masked = result.masked;
@@ -148,6 +192,7 @@ private:
     }
 
     CommandContext& context_;
+    const Formula& formula_;
     const FormulaCall& call_;
     Recording recording_;
     ModSetCube::ThreadState thread_;
@@ -156,8 +201,9 @@ private:
 
 void Explain(CommandContext& context, const std::string& formula) {
     try {
-        const auto call = BindFormula(ParseFormula(formula), context.locale);
-        Explanation(context, call).Print();
+        const Formula parsed = ParseFormula(formula);
+        const auto call = BindFormula(parsed, context.locale);
+        Explanation(context, parsed, call).Print();
     } catch (const FormulaError& error) {
         context.messages << "qel explain: " << error.what() << '\n';
         context.failed = true;
@@ -176,8 +222,13 @@ void AddExplainCommand(CLI::App& app, CommandContext& context) {
     auto* command = app.add_subcommand("explain", description);
     command->footer(footer);
     auto formula = std::make_shared<std::string>();
-    command->add_option("FORMULA", *formula, "The text of a cell")->required();
-    command->callback([formula, &context] { Explain(context, *formula); });
+    auto dates = std::make_shared<bool>(false);
+    command->add_option("FORMULA", *formula, "The text of a cell");
+    command->add_flag("--dates", *dates, "Print the rules by which dates select periods, with examples");
+    command->require_option(1);
+    command->callback([formula, dates, &context] {
+        *dates ? fmt::print(context.output, "{}", dateRules) : Explain(context, *formula);
+    });
 }
 
 } // namespace qel

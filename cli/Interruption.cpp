@@ -15,11 +15,13 @@ void Request(int) { isRequested = 1; }
 } // namespace
 
 Interruption::Interruption()
-    : formerInterrupt_(std::signal(SIGINT, Request)), formerTerminate_(std::signal(SIGTERM, Request)) {}
+    : formerInterrupt_(std::signal(SIGINT, Request)), formerTerminate_(std::signal(SIGTERM, Request)),
+      formerHangup_(std::signal(SIGHUP, Request)) {}
 
 Interruption::~Interruption() {
     std::signal(SIGINT, formerInterrupt_);
     std::signal(SIGTERM, formerTerminate_);
+    std::signal(SIGHUP, formerHangup_);
 }
 
 void Interruption::Check(const char* message) const {

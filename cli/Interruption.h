@@ -2,8 +2,8 @@
 
 namespace qel {
 
-/// While it lives, Ctrl+C and a request to end do not end the program at once: Check raises, so that long
-/// work takes back what it has half done.
+/// While it lives, Ctrl+C, a request to end and a closed terminal do not end the program at once: Check
+/// raises, so that long work takes back what it has half done.
 class Interruption {
 public:
     Interruption();
@@ -16,7 +16,7 @@ public:
 
 private:
     using Handler = void (*)(int);
-    Handler formerInterrupt_, formerTerminate_;
+    Handler formerInterrupt_, formerTerminate_, formerHangup_;
 };
 
 } // namespace qel

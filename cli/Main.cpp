@@ -1,4 +1,5 @@
 #include "cli/CubeBuildCommand.h"
+#include "cli/CubeCheckCommand.h"
 #include "cli/CubeExportCommand.h"
 #include "cli/CubeInfoCommand.h"
 #include "cli/CubeVerifyCommand.h"
@@ -22,7 +23,9 @@
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <iostream>
+#include <optional>
 
 // Where the program is put together: its data providers, its streams and its commands.
 
@@ -68,6 +71,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddCubeInfoCommand(*cube, context);
     qel::AddCubeExportCommand(*cube, context);
     qel::AddCubeVerifyCommand(*cube, context);
+    qel::AddCubeCheckCommand(*cube, context);
     auto* server = app.add_subcommand("server", "Look at the cubes of servers");
     server->require_subcommand(1);
     server->fallthrough();
@@ -76,9 +80,46 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddLangCommand(app, context);
 }
 
+/// The servers of the settings file, which is read when the first one is asked for: what needs no server does
+/// without.
+class ConfiguredServers : public qel::DataAccess {
+public:
+    std::shared_ptr<qel::Connection> CreateConnection() override { return Access().CreateConnection(); }
+    std::unique_ptr<qel::Catalog> CreateCatalog() override { return Access().CreateCatalog(); }
+    std::unique_ptr<qel::Cellset> CreateCellset() override { return Access().CreateCellset(); }
+    std::unique_ptr<qel::Recordset> CreateRecordset() override { return Access().CreateRecordset(); }
+
+private:
+    qel::XmlaDataAccess& Access() {
+        if (!access_) {
+            access_.emplace(qel::ReadServerOptions(qel::ServerSettingsFile()));
+        }
+        return *access_;
+    }
+
+    std::optional<qel::XmlaDataAccess> access_;
+};
+
+/// The words of the command line. An option that is given an empty value ("--firma=") takes no other word for
+/// it.
+std::vector<std::string> WordsOf(int argc, char** argv) {
+    std::vector<std::string> words;
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        if (word.starts_with("--") && word.size() > 3 && word.find('=') == word.size() - 1) {
+            words.push_back(word.substr(0, word.size() - 1));
+            words.emplace_back();
+        } else {
+            words.push_back(word);
+        }
+    }
+    std::reverse(words.begin(), words.end()); // as the parser takes them
+    return words;
+}
+
 int Run(int argc, char** argv) {
     qel::EmbeddedDataAccess cubeFiles;
-    qel::XmlaDataAccess servers(qel::ReadServerOptions(qel::ServerSettingsFile()));
+    ConfiguredServers servers;
     qel::CommandContext context{.providers = qel::ChooseProvider(cubeFiles, &servers, nullptr),
                                 .locale = {},
                                 .input = std::cin,
@@ -91,7 +132,7 @@ int Run(int argc, char** argv) {
     AddDateOrder(app, context.locale);
     AddCommands(app, context);
     try {
-        app.parse(argc, argv);
+        app.parse(WordsOf(argc, argv));
     } catch (const CLI::RequiredError& error) {
         const auto unknown = app.remaining(true); // a command that is none is one that is missing
         if (unknown.empty()) {

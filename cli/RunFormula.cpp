@@ -1,5 +1,7 @@
 #include "cli/RunFormula.h"
 
+#include "platform/value/Conversion.h"
+
 namespace qel {
 
 FormulaResult RunFormula(OrmQelFunction& object, const FormulaCall& call) {
@@ -16,6 +18,10 @@ FormulaResult RunFormula(OrmQelFunction& object, const FormulaCall& call) {
         return object.RetQelName(std::get<NameCall>(call.arguments));
     }
     return {};
+}
+
+bool ShowsZero(const FormulaResult& result, const Locale& locale) {
+    return IsNumeric(result.value, locale) && ToDouble(result.value, locale) == 0;
 }
 
 KeyList KeysOf(WorksheetFunction function, const Variant& list, const Locale& locale) {

@@ -8,6 +8,9 @@ namespace qel {
 /// Raises AutomationError when the call fails, which a cell shows as #VALUE!.
 FormulaResult RunFormula(OrmQelFunction& object, const FormulaCall& call);
 
+/// Whether the result is a worksheet's 0, which may stand for an error.
+bool ShowsZero(const FormulaResult& result, const Locale& locale);
+
 /// One of the five lists as the function uses it. QelFuncDemo takes arrays as they are. Raises
 /// AutomationError.
 KeyList KeysOf(WorksheetFunction function, const Variant& list, const Locale& locale);

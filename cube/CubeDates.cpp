@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <optional>
 #include <system_error>
 
 namespace qel::ModSetCube {
@@ -75,6 +76,56 @@ public:
         return table;
     }
 
+    std::vector<std::string> Faults() const {
+        std::int32_t unread = 0;
+        std::string firstUnread, firstDisorder;
+        std::optional<AutomationDate> before;
+        for (std::int32_t i = 0; i < periods_->MemberCount(); ++i) {
+            const auto member = periods_->MemberAt(i);
+            try {
+                const AutomationDate date = DateOf(*member);
+                if (before && date <= *before && firstDisorder.empty()) {
+                    firstDisorder = member->UniqueName();
+                }
+                before = date;
+            } catch (const AutomationError&) {
+                firstUnread = unread++ == 0 ? member->UniqueName() : firstUnread;
+            }
+        }
+        std::vector<std::string> faults;
+        if (unread > 0) {
+            faults.push_back(std::to_string(unread) + " of the " + std::to_string(periods_->MemberCount()) +
+                             " members of [" + periods_->Name() + "] cannot be read as " +
+                             (hasDays_ ? "days" : "months") + ", first " + firstUnread +
+                             "; years, months and days are named by number");
+        }
+        if (!firstDisorder.empty()) {
+            faults.push_back(firstDisorder + " is not later than the member before it");
+        }
+        return faults;
+    }
+
+    /// Months are 1 to 12, and no parent has more than twelve.
+    bool HasDaysForMonths() const {
+        constexpr int mostMonths = 12;
+        std::string parent;
+        std::int32_t siblings = 0;
+        for (std::int32_t i = 0; !hasDays_ && i < periods_->MemberCount(); ++i) {
+            const auto member = periods_->MemberAt(i);
+            const auto above = member->Parent();
+            const std::string name = above ? above->UniqueName() : std::string();
+            siblings = name == parent ? siblings + 1 : 1;
+            parent = name;
+            int number = 0;
+            const std::string text = member->Name();
+            std::from_chars(text.data(), text.data() + text.size(), number);
+            if (siblings > mostMonths || number > mostMonths) {
+                return true;
+            }
+        }
+        return false;
+    }
+
 private:
     AutomationDate DateOf(const Member& member) const {
         const std::string year = AncestorName(member, finestLevel_ - yearLevel);
@@ -105,5 +156,9 @@ std::int32_t LoadCubeDates(ThreadState& thread) {
     thread.dates = Periods(*hierarchy).Load();
     return currentLayout;
 }
+
+bool HasDaysForMonths(const Hierarchy& date) { return Periods(date).HasDaysForMonths(); }
+
+std::vector<std::string> FindDateFaults(const Hierarchy& date) { return Periods(date).Faults(); }
 
 } // namespace qel::ModSetCube

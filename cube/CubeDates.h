@@ -3,6 +3,8 @@
 #include "cube/ThreadState.h"
 
 #include <cstdint>
+#include <string>
+#include <vector>
 
 namespace qel::ModSetCube {
 
@@ -13,5 +15,11 @@ inline constexpr std::int32_t outdatedLayout = 9999;
 /// outdatedLayout (the table stays as it was). Raises what the provider raises, and 13 or 5 for Date members
 /// that name no date.
 std::int32_t LoadCubeDates(ThreadState& thread);
+
+/// Whether the lowest level of the hierarchy, which is read as months, has days.
+bool HasDaysForMonths(const Hierarchy& date);
+
+/// What keeps a [Date] hierarchy from being read as ascending periods, each as a message; otherwise none.
+std::vector<std::string> FindDateFaults(const Hierarchy& date);
 
 } // namespace qel::ModSetCube

@@ -12,27 +12,28 @@ struct RequiredHierarchy {
     const char* hierarchy; ///< null for the dimension's first one, whatever its name
     std::vector<const char*> levels;
     std::int32_t fewestLevels = 0;
+    const char* without = ""; ///< what does not work when something of it is missing
 };
 
 const std::vector<RequiredHierarchy>& Layout() {
     static const std::vector<RequiredHierarchy> layout{
-        {"Date", nullptr, {}, 4},
-        {"ActX", "OBSx", {}, 3},
-        {"OBS", nullptr, {"Level1"}},
-        {"Cost_Centers", nullptr, {"Cost_Center"}},
-        {"Activities", "ActivityCodes", {"ActivityCode"}},
-        {"Activities", "ActivityNames", {"ActivityName"}},
-        {"Accounts", "AccountCodes", {"AccountCode"}},
-        {"Accounts", "AccountNames", {"AccountName"}},
-        {"SuperSumery", "SumeryCode", {"SuperSum1"}},
-        {"SuperSumery", "SumeryName", {"SuperSum1Name"}},
-        {"AccX", "AccX", {}},
-        {"Firma", nullptr, {}},
-        {"Plbs", nullptr, {}},
-        {"RH", nullptr, {}},
-        {"Opening_Balance", nullptr, {}},
-        {"MoneySet", nullptr, {}},
-        {"MoneyType", nullptr, {}},
+        {"Date", nullptr, {}, 4, "no formula works"},
+        {"ActX", "OBSx", {}, 3, "no formula works"},
+        {"OBS", nullptr, {"Level1"}, 0, "ObsLevel names no level"},
+        {"Cost_Centers", nullptr, {"Cost_Center"}, 0, "ObsLevel is never Cost_Centers"},
+        {"Activities", "ActivityCodes", {"ActivityCode"}, 0, "ActivityList is always All"},
+        {"Activities", "ActivityNames", {"ActivityName"}, 0, "activities cannot be listed"},
+        {"Accounts", "AccountCodes", {"AccountCode"}, 0, "Accounts is always All"},
+        {"Accounts", "AccountNames", {"AccountName"}, 0, "accounts cannot be listed"},
+        {"SuperSumery", "SumeryCode", {"SuperSum1"}, 0, "no formula works"},
+        {"SuperSumery", "SumeryName", {"SuperSum1Name"}, 0, "QelName shows no names"},
+        {"AccX", "AccX", {}, 0, "accounts and summary groups cannot be listed"},
+        {"Firma", nullptr, {}, 0, "Firma is always All; accounts and summary groups cannot be listed"},
+        {"Plbs", nullptr, {}, 0, "Plbs is always All"},
+        {"RH", nullptr, {}, 0, "RH is always All"},
+        {"Opening_Balance", nullptr, {}, 0, "Opening_Balance is always All"},
+        {"MoneySet", nullptr, {}, 0, "MoneySet is always All"},
+        {"MoneyType", nullptr, {}, 0, "OBS members, cost centres and activities cannot be listed"},
     };
     return layout;
 }
@@ -79,29 +80,27 @@ bool HasLevel(const Hierarchy& hierarchy, const char* name) {
 
 void CheckHierarchy(const CubeDef& cube, const RequiredHierarchy& required,
                     std::vector<std::string>& faults) {
+    const auto add = [&](const std::string& fault) { faults.push_back(fault + ": " + required.without); };
     const auto dimension = FindDimension(cube, required.dimension);
     if (!dimension) {
-        const std::string fault = "no dimension " + Path({required.dimension});
-        if (faults.empty() || faults.back() != fault) { // it is told once for all of its hierarchies
-            faults.push_back(fault);
-        }
+        // Told for each of its hierarchies: other things do not work without each.
+        add("no dimension " + Path({required.dimension}));
         return;
     }
     const auto hierarchy = FindHierarchy(*dimension, required.hierarchy);
     if (!hierarchy) {
-        faults.push_back("no hierarchy " +
-                         Path({required.dimension, required.hierarchy ? required.hierarchy : "(any)"}));
+        add("no hierarchy " + Path({required.dimension, required.hierarchy ? required.hierarchy : "(any)"}));
         return;
     }
     for (const char* level : required.levels) {
         if (!HasLevel(*hierarchy, level)) {
-            faults.push_back("no level " + Path({required.dimension, hierarchy->Name(), level}));
+            add("no level " + Path({required.dimension, hierarchy->Name(), level}));
         }
     }
     if (hierarchy->LevelCount() < required.fewestLevels) {
-        faults.push_back(Path({required.dimension, hierarchy->Name()}) + " has " +
-                         std::to_string(hierarchy->LevelCount()) + " levels instead of at least " +
-                         std::to_string(required.fewestLevels));
+        add(Path({required.dimension, hierarchy->Name()}) + " has " +
+            std::to_string(hierarchy->LevelCount()) + " levels instead of at least " +
+            std::to_string(required.fewestLevels));
     }
 }
 

@@ -29,6 +29,8 @@ public:
     /// Overwrites bytes that were appended before.
     void Overwrite(std::uint64_t offset, std::span<const std::byte> bytes);
     void Commit();
+    /// Where the bytes are before Commit.
+    const std::filesystem::path& TemporaryPath() const { return temporary_; }
 
 private:
     void RefuseWhatIsNoFile(const std::filesystem::path& named) const;

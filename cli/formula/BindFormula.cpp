@@ -155,6 +155,7 @@ FormulaCall BindFormula(const Formula& formula, const Locale& locale) {
     CheckCount(formula, entry);
     FormulaCall call;
     call.function = entry.function;
+    call.given = formula.arguments.size();
     if (entry.parameters.size() == nameParameters.size()) {
         call.arguments = NameCall{};
     }

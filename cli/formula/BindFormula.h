@@ -15,6 +15,7 @@ enum class WorksheetFunction : std::uint8_t { QeLF1, QeL1, QelFuncDemo, QelName,
 struct FormulaCall {
     WorksheetFunction function = WorksheetFunction::QeLF1;
     std::variant<ValueCall, NameCall> arguments;
+    std::size_t given = 0; ///< how many arguments the formula has
 };
 
 /// Finds the function and converts the arguments as automation does: numbers and booleans to texts, texts (in

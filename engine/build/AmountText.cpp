@@ -2,11 +2,17 @@
 
 #include "engine/build/PlainSigns.h"
 
+#include <fmt/format.h>
+
+#include <array>
 #include <limits>
+#include <utility>
 
 namespace qel::engine {
 
 namespace {
+
+constexpr std::array<std::string_view, 4> currencySigns = {"$", "\xE2\x82\xAC", "\xC2\xA3", "\xE2\x82\xAA"};
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
@@ -96,7 +102,7 @@ bool AddDecimals(std::string_view digits, std::size_t decimals, DigitSum& sum) {
 ParsedAmount ParsePlain(std::string_view text, const CsvFormat& format, std::uint8_t decimals) {
     TrimBlanks(text);
     if (text.empty()) {
-        return {0, false};
+        return {.value = 0};
     }
     bool isNegative = false;
     if (!TakeSign(text, isNegative)) {
@@ -113,16 +119,52 @@ ParsedAmount ParsePlain(std::string_view text, const CsvFormat& format, std::uin
         return {};
     }
     if (sum.IsTooLarge()) {
-        return {std::nullopt, true};
+        return {.value = std::nullopt, .isTooLarge = true};
     }
-    return {isNegative ? -sum.Value() : sum.Value(), false};
+    return {.value = isNegative ? -sum.Value() : sum.Value()};
 }
 
 } // namespace
 
 ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::uint8_t decimals) {
-    return IsAscii(text) ? ParsePlain(text, format, decimals)
-                         : ParsePlain(WithPlainSigns(text), format, decimals);
+    const ParsedAmount amount = IsAscii(text) ? ParsePlain(text, format, decimals)
+                                              : ParsePlain(WithPlainSigns(text), format, decimals);
+    if (amount.value || amount.isTooLarge) {
+        return amount;
+    }
+    for (const std::string_view sign : currencySigns) {
+        const auto place = text.find(sign);
+        if (place != std::string_view::npos) {
+            std::string plain(text);
+            plain.erase(place, sign.size());
+            if (plain.find_first_of("0123456789") == std::string::npos) { // an empty text would be 0
+                return amount;
+            }
+            ParsedAmount without = ParsePlain(WithPlainSigns(plain), format, decimals);
+            without.currency = sign;
+            return without;
+        }
+    }
+    return amount;
+}
+
+std::string AmountRemedy(std::string_view text, const CsvFormat& format, std::uint8_t decimals) {
+    constexpr std::uint8_t mostDecimals = 9;
+    for (std::uint8_t more = decimals; more <= mostDecimals; ++more) {
+        if (ParseAmount(text, format, more).value) {
+            return fmt::format("; set \"decimals\": {}", more);
+        }
+    }
+    for (const auto& [decimal, thousands] : {std::pair('.', ','), std::pair(',', '.'), std::pair(',', ' '),
+                                             std::pair('.', ' '), std::pair('.', '\'')}) {
+        CsvFormat other = format;
+        other.decimal = decimal;
+        other.thousands = thousands;
+        if (ParseAmount(text, other, decimals).value) {
+            return fmt::format("; set \"decimal\": \"{}\", \"thousands\": \"{}\"", decimal, thousands);
+        }
+    }
+    return {};
 }
 
 } // namespace qel::engine

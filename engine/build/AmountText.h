@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace qel::engine {
@@ -12,12 +13,16 @@ namespace qel::engine {
 struct ParsedAmount {
     std::optional<std::int64_t> value; ///< nothing for an invalid amount, or one beyond 63 bits
     bool isTooLarge = false;           ///< a valid amount beyond 63 bits
+    std::string_view currency = {};    ///< the sign of a currency that stands beside it
 };
 
 /// Parses an amount and scales it by 10^decimals, exactly. Accepts a leading or trailing sign, parentheses
 /// for a negative amount, the format's decimal and thousands signs (the latter only between groups of three
-/// digits), no-break and thin spaces; ignores directional marks. An empty text is 0. Invalid when there are
-/// more decimals than `decimals`, unless they are zeros.
+/// digits), no-break and thin spaces, one sign of a currency ($, €, £, ₪); ignores directional marks. An
+/// empty text is 0. Invalid when there are more decimals than `decimals`, unless they are zeros.
 ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::uint8_t decimals);
+
+/// "; set …" with the settings by which the text is an amount; empty when there are none.
+std::string AmountRemedy(std::string_view text, const CsvFormat& format, std::uint8_t decimals);
 
 } // namespace qel::engine

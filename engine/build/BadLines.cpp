@@ -1,6 +1,7 @@
 #include "engine/build/BadLines.h"
 
 #include "qel/engine/EngineError.h"
+#include "text/Text.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>
@@ -18,6 +19,9 @@ void WriteLine(std::ofstream& file, std::string_view line) {
         file << '\n';
     }
 }
+
+/// A field that may hold anything.
+std::string QuotedField(const std::string& text) { return "\"" + ReplaceAll(text, "\"", "\"\"") + "\""; }
 
 } // namespace
 
@@ -42,9 +46,13 @@ void BadLines::Report(const CsvReader& reader, const std::string& column, const 
         return;
     }
     if (lastFile_ != reader.FileName()) {
+        file_ << "skipped_line" << reader.Delimiter() << "skipped_reason" << reader.Delimiter();
         WriteLine(file_, reader.HeaderText());
     }
     lastFile_ = reader.FileName();
+    file_ << reader.Line() << reader.Delimiter()
+          << QuotedField(column.empty() ? fault : fmt::format("column {}: {}", column, fault))
+          << reader.Delimiter();
     WriteLine(file_, reader.Raw());
 }
 

@@ -12,8 +12,8 @@
 
 namespace qel::engine {
 
-/// Handles unusable lines: stops the build with the line's location and fault, or copies the line as it
-/// stands to the file of skipped lines, below its file's header line.
+/// Handles unusable lines: stops the build with the line's location and fault, or copies the line to the file
+/// of skipped lines, below its file's header line, with its number and fault in two columns before its own.
 class BadLines {
 public:
     /// The file is created when the first line is skipped.

@@ -2,6 +2,7 @@
 
 #include "engine/build/BadLines.h"
 #include "engine/build/BuildPaths.h"
+#include "engine/build/BuildWarnings.h"
 #include "engine/build/CubeBuilder.h"
 #include "engine/build/Definition.h"
 #include "engine/build/FactSorter.h"
@@ -36,6 +37,12 @@ BuildTotals BuildCube(const BuildOptions& options) {
         };
         WriteFacts(cubes[i]->Model(), cubes[i]->Facts(), i, writer, progress);
         cubes[i].reset();
+    }
+    if (options.review) {
+        AddReviewed(options.review(writer.Complete()), definition, totals.warnings);
+    }
+    if (options.strict) {
+        RefuseWarnings(totals.warnings);
     }
     totals.bytesWritten = writer.Commit();
     return totals;

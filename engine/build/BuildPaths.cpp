@@ -7,6 +7,7 @@
 
 #include <string>
 #include <system_error>
+#include <unistd.h>
 
 namespace qel::engine {
 
@@ -42,9 +43,28 @@ void RefuseInputs(const path& written, const std::string& purpose, const path& d
     }
 }
 
+/// The administrator may write any file, so that the mode is asked, too.
+void RefuseProtected(const path& written) {
+    std::error_code error;
+    const auto status = std::filesystem::status(written, error);
+    constexpr auto writable = std::filesystem::perms::owner_write | std::filesystem::perms::group_write |
+                              std::filesystem::perms::others_write;
+    if (!std::filesystem::exists(status)) {
+        return;
+    }
+    if ((status.permissions() & writable) == std::filesystem::perms::none ||
+        ::access(written.c_str(), W_OK) != 0) {
+        throw EngineError(ErrorKind::CannotWrite,
+                          fmt::format("{}: is write-protected, so it is not replaced", PathToUtf8(written)));
+    }
+}
+
 } // namespace
 
 void CheckWrittenPaths(const BuildOptions& options, const Definition& definition) {
+    if (!options.force) {
+        RefuseProtected(options.output);
+    }
     RefuseInputs(options.output, "the cube file", options.definition, definition);
     if (!options.skippedLines) {
         return;

@@ -5,8 +5,9 @@
 
 namespace qel::engine {
 
-/// Raises EngineError (CannotWrite) naming the file when an output file is also an input, or when the cube
-/// and the skipped lines go to the same file. Links and different spellings of a path are resolved.
+/// Raises EngineError (CannotWrite) naming the file when an output file is also an input, when the cube and
+/// the skipped lines go to the same file, or when the output is write-protected and not to be forced. Links
+/// and different spellings of a path are resolved.
 void CheckWrittenPaths(const BuildOptions& options, const Definition& definition);
 
 } // namespace qel::engine

@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <new>
-#include <unordered_set>
 
 namespace qel::engine {
 
@@ -83,6 +82,7 @@ void CsvReader::ReadHeader() {
     if (!SkipBlankLines()) {
         Fail("the file is empty, expected a line with the names of the columns");
     }
+    TakeDelimiterLine();
     if (delimiter_ == 0) {
         delimiter_ = DetectDelimiter(lines_.LineAt(0));
     }
@@ -93,12 +93,25 @@ void CsvReader::ReadHeader() {
         Fail(fmt::format("line {}: {}", line_, fault_));
     }
     headerText_ = Raw();
-    std::unordered_set<std::string_view> seen;
     for (std::size_t i = 0; i < fields_.size(); ++i) {
-        if (!Field(i).empty() && !seen.insert(Field(i)).second) {
-            Fail(fmt::format("line {}: two columns are named \"{}\"", line_, Field(i)));
-        }
         header_.emplace_back(Field(i));
+    }
+}
+
+void CsvReader::TakeDelimiterLine() {
+    const std::string_view line = lines_.LineAt(0);
+    constexpr std::string_view opening = "sep=";
+    const std::size_t end = line.find_first_of("\r\n");
+    if (end != opening.size() + 1 || !EqualIgnoringCase(line.substr(0, opening.size()), opening)) {
+        return;
+    }
+    if (delimiter_ == 0) {
+        delimiter_ = line[opening.size()];
+    }
+    lines_.Drop(line.size());
+    ++line_;
+    if (!SkipBlankLines()) {
+        Fail("the file has no line with the names of the columns");
     }
 }
 
@@ -151,6 +164,7 @@ bool CsvReader::ReadRecord() {
         const std::string_view line = lines_.LineAt(recordSize_);
         recordSize_ += line.size();
         ++recordLines_;
+        lineHasEnd_ = line.empty() ? lineHasEnd_ : line.back() == '\n' || line.back() == '\r';
         if (line.empty()) {
             if (csv_fini(parser_.get(), OnField, OnRecord, this) != 0) {
                 fault_ = notClosed;
@@ -176,7 +190,7 @@ std::string CsvReader::FormFault() const {
         return fault_;
     }
     if (!IsValidUtf8(Raw())) {
-        return "the text is not UTF-8";
+        return "the text is not in the file's encoding; set \"encoding\", such as \"windows-1255\"";
     }
     if (Raw().find('\0') != std::string_view::npos) {
         return "a character with code 0";

@@ -18,8 +18,9 @@ namespace qel::engine {
 /// unclosed quote, with the line after the one where the record began.
 class CsvReader {
 public:
-    /// Reads the header line. `delimiter` 0 chooses the delimiter that occurs most often in it. Raises
-    /// EngineError (InvalidData) for an empty file, a malformed header, or a name that occurs twice in it.
+    /// Reads the header line, and a line "sep=;" before it, which names the delimiter. `delimiter` 0 chooses
+    /// that one, otherwise the one that occurs most often in the header. Raises EngineError (InvalidData) for
+    /// an empty file or a malformed header.
     CsvReader(std::istream& input, std::string fileName, char delimiter);
     ~CsvReader();
     CsvReader(const CsvReader&) = delete;
@@ -27,6 +28,7 @@ public:
 
     const std::string& FileName() const { return fileName_; }
     const std::vector<std::string>& Header() const { return header_; }
+    char Delimiter() const { return delimiter_; }
     /// The header line as it stands in the file.
     const std::string& HeaderText() const { return headerText_; }
 
@@ -40,6 +42,8 @@ public:
     std::string_view Raw() const { return lines_.First(recordSize_); }
     /// The field, trimmed. When Fault() is empty there are as many fields as in the header.
     std::string_view Field(std::size_t column) const;
+    /// Whether the last line that was read has a line end.
+    bool LineHasEnd() const { return lineHasEnd_; }
     /// The offset of the current record in the file.
     std::uint64_t Position() const { return lines_.Position(); }
 
@@ -52,6 +56,8 @@ private:
     /// False at the end of the file.
     bool ReadRecord();
     bool SkipBlankLines();
+    /// Takes a line such as "sep=;".
+    void TakeDelimiterLine();
     void ResetParser();
     /// Why the record's bytes are malformed, or an empty text.
     std::string FormFault() const;
@@ -66,6 +72,7 @@ private:
     std::uint64_t line_ = 1;
     std::size_t recordSize_ = 0, recordLines_ = 0; ///< of the record at the start of the buffer
     bool recordIsComplete_ = false;
+    bool lineHasEnd_ = true;
     std::string text_;                                        ///< the record's fields, unquoted
     std::vector<std::pair<std::size_t, std::size_t>> fields_; ///< offset and length
     std::vector<std::string> header_;

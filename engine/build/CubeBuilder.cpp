@@ -1,5 +1,6 @@
 #include "engine/build/CubeBuilder.h"
 
+#include "engine/build/BuildWarnings.h"
 #include "engine/build/FactSorter.h"
 #include "engine/build/PackedLayout.h"
 #include "qel/engine/EngineError.h"
@@ -30,12 +31,12 @@ void CubeBuilder::AddKeyColumns() {
         }
         // A calendar numbers periods instead of texts, so it gets its own key column.
         const auto found = std::find_if(keyColumns_.begin(), keyColumns_.end(), [&](const auto& column) {
-            return column.Name() == *dimension.column &&
+            return column.Columns() == dimension.columns &&
                    column.IsCalendar() == dimension.calendar.has_value();
         });
         keyColumnOf_.back() = static_cast<std::uint32_t>(found - keyColumns_.begin());
         if (found == keyColumns_.end()) {
-            keyColumns_.emplace_back(*dimension.column, dimension.calendar);
+            keyColumns_.emplace_back(*dimension.column, dimension.columns, dimension.calendar);
         }
     }
 }
@@ -47,12 +48,16 @@ KeyColumnBuilder* CubeBuilder::KeysOf(std::size_t dimension) {
 void CubeBuilder::Run(BuildTotals& totals) {
     ReadDimensionTables(totals);
     ReadFactTables(totals);
+    if (progress_) {
+        progress_("Ordering the members of " + cube_.name, 0);
+    }
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         dimensions_[i].TakeValues(KeysOf(i));
         dimensions_[i].Finish();
     }
     NumberKeys();
     MakeModel();
+    FindWarnings(totals.warnings);
 }
 
 void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
@@ -74,6 +79,7 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
             TableReader reader(definition_.tables[table], badLines_, progress_);
             dimensions_[i].ReadTables(reader, KeysOf(i), tableOfKeys);
             totals.dimensionLinesSkipped += reader.LinesSkipped();
+            NoteLastLine(reader, totals.warnings);
         }
     }
     for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
@@ -84,7 +90,14 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
 void CubeBuilder::ReadFactTables(BuildTotals& totals) {
     for (const std::size_t table : cube_.facts) {
         TableReader reader(definition_.tables[table], badLines_, progress_);
+        const std::uint64_t firstRow = facts_.rowCount;
         ReadFacts(reader, cube_.measures, keyColumns_, facts_);
+        SourceTotals& source = model_.sources.emplace_back();
+        source.file = PathToUtf8(definition_.tables[table].file.filename());
+        source.linesRead = reader.LinesRead();
+        source.linesSkipped = reader.LinesSkipped();
+        AddTotals(facts_, firstRow, source);
+        NoteLastLine(reader, totals.warnings);
         totals.linesRead += reader.LinesRead();
         totals.linesSkipped += reader.LinesSkipped();
         totals.linesKept += reader.LinesRead() - reader.LinesSkipped();
@@ -92,6 +105,20 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
             throw EngineError(ErrorKind::InvalidData,
                               fmt::format("cube {}: more than {} facts", cube_.name, format::mostFacts));
         }
+    }
+}
+
+void CubeBuilder::NoteLastLine(const TableReader& reader, std::vector<BuildWarning>& warnings) {
+    if (reader.Csv().LineHasEnd() || reader.Table().acceptsOpenLine) {
+        return;
+    }
+    const std::string text =
+        fmt::format("{}, line {}: the last line has no line end; the file may be cut off",
+                    reader.Csv().FileName(), reader.Csv().Line());
+    const bool isKnown = std::any_of(warnings.begin(), warnings.end(),
+                                     [&text](const auto& warning) { return warning.text == text; });
+    if (!isKnown) {
+        warnings.push_back({lastLine, "", "", text});
     }
 }
 
@@ -150,6 +177,19 @@ void CubeBuilder::MakeModel() {
     }
     for (const auto& order : SortOrders()) {
         model_.projections.push_back(DescribeProjection(order, model_.keyColumns, facts_));
+    }
+}
+
+void CubeBuilder::FindWarnings(std::vector<BuildWarning>& warnings) const {
+    for (std::size_t i = 0; i < dimensions_.size(); ++i) {
+        const auto column = keyColumnOf_[i];
+        const DimensionWarnings check(cube_, dimensions_[i], column ? &keyColumns_[*column] : nullptr,
+                                      warnings);
+        check.AddSharedNames();
+        if (column) {
+            check.AddSharedValues(facts_, *column);
+            check.AddDateOrder();
+        }
     }
 }
 

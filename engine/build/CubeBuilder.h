@@ -20,7 +20,7 @@ public:
     CubeBuilder(const Definition& definition, const CubeDefinition& cube, BadLines& badLines,
                 const BuildProgress& progress);
 
-    /// Runs the build and adds the line counts to `totals`.
+    /// Runs the build and adds the line counts and warnings to `totals`.
     void Run(BuildTotals& totals);
 
     const CubeModel& Model() const { return model_; }
@@ -36,7 +36,10 @@ private:
     std::string FactPlace() const;
     /// The tree in whose order a text column's codes are numbered.
     const MemberTree& MainTree(std::size_t keyColumn) const;
+    /// Warns of a table that ends within a line, once however often it is read.
+    static void NoteLastLine(const TableReader& reader, std::vector<BuildWarning>& warnings);
     void MakeModel();
+    void FindWarnings(std::vector<BuildWarning>& warnings) const;
     std::vector<std::vector<std::uint16_t>> SortOrders() const;
 
     const Definition& definition_;

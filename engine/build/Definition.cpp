@@ -8,6 +8,7 @@
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <array>
@@ -48,6 +49,9 @@ void ReadFormat(JsonObject& object, CsvFormat& format) {
     if (const auto place = object.Optional("dates")) {
         format.dates = static_cast<DateFormat>(place->OneOf({"iso", "dmy", "mdy", "ymd"}));
     }
+    if (const auto place = object.Optional("encoding")) {
+        format.encoding = EqualIgnoringCase(place->Text(), "auto") ? "" : place->Text();
+    }
     if (format.decimal == format.thousands) {
         object.Place().Fail("\"decimal\" and \"thousands\" are the same sign");
     }
@@ -61,6 +65,9 @@ TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const
     JsonObject object(place);
     table.file = folder / std::filesystem::path(object.Required("file").Text());
     ReadFormat(object, table.format);
+    if (const auto accept = object.Optional("accept")) {
+        table.acceptsOpenLine = accept->OneOf({lastLine}) == 0;
+    }
     if (const auto columns = object.Optional("columns")) {
         for (const auto& [column, inFile] : JsonObject(*columns).All()) {
             table.columns.emplace_back(column, inFile.Text());
@@ -126,26 +133,50 @@ private:
         dimension.place = place.Where();
         dimension.name = object.Required("name").Text();
         dimension.caption = object.TextOr("caption", dimension.name);
-        if (const auto column = object.Optional("column")) {
-            dimension.column = column->Text();
-        }
-        if (const auto table = object.Optional("table")) {
-            dimension.tables = Tables(*table);
-            dimension.key = object.Required("key").Text();
-        } else if (const auto key = object.Optional("key")) {
-            key->Fail("a key column needs a \"table\"");
-        } else if (dimension.column) {
-            dimension.key = *dimension.column;
-        }
+        ReadKeys(object, dimension);
         if (const auto main = object.Optional("main")) {
             dimension.isMain = main->Boolean();
         }
         if (dimension.isMain && !dimension.column) {
             place.Fail("a main dimension needs a \"column\"");
         }
+        if (const auto accept = object.Optional("accept")) {
+            ReadAccepted(*accept, dimension);
+        }
         ReadMemberSource(object, dimension);
         object.Finish();
         return dimension;
+    }
+
+    /// Reads the fact columns, and the columns of the tables that hold their values.
+    void ReadKeys(JsonObject& object, DimensionDefinition& dimension) const {
+        if (const auto column = object.Optional("column")) {
+            dimension.columns = column->Texts();
+            dimension.column = fmt::format("{}", fmt::join(dimension.columns, "+"));
+        }
+        dimension.keys = dimension.columns;
+        const auto table = object.Optional("table");
+        const auto key = table ? object.Required("key") : object.Optional("key");
+        if (!table && key) {
+            key->Fail("a key column needs a \"table\"");
+        }
+        if (!table) {
+            return;
+        }
+        dimension.tables = Tables(*table);
+        dimension.keys = key->Texts();
+        if (dimension.column && dimension.keys.size() != dimension.columns.size()) {
+            key->Fail(fmt::format("expected as many columns as \"column\" has, which is {}",
+                                  dimension.columns.size()));
+        }
+    }
+
+    static void ReadAccepted(const JsonPlace& place, DimensionDefinition& dimension) {
+        const std::vector<std::string> kinds = {severalParents, equalNames, dateOrder, dateMembers};
+        for (const JsonPlace& element :
+             place.value->is_string() ? std::vector<JsonPlace>{place} : place.Elements()) {
+            dimension.accepted.push_back(kinds[element.OneOf(kinds)]);
+        }
     }
 
     /// Reads where the members come from: a calendar, a list, or hierarchies of levels.
@@ -176,10 +207,24 @@ private:
             return;
         }
         if (!calendar) {
-            base.levels = {
-                {dimension.name, dimension.key, "", "", members ? MemberOrder::File : MemberOrder::Key}};
+            base.levels = OwnLevels(dimension);
         }
         dimension.hierarchies.push_back(base);
+    }
+
+    /// The levels of a dimension that names none: one per column.
+    static std::vector<LevelDefinition> OwnLevels(const DimensionDefinition& dimension) {
+        if (!dimension.members.empty()) {
+            return {{dimension.name, "", "", "", MemberOrder::File}};
+        }
+        if (dimension.keys.size() == 1) {
+            return {{dimension.name, dimension.keys.front(), "", "", MemberOrder::Key}};
+        }
+        std::vector<LevelDefinition> levels;
+        for (const std::string& key : dimension.keys) {
+            levels.push_back({key, key, "", "", MemberOrder::Key});
+        }
+        return levels;
     }
 
     /// Reads the keys "all" and "default": on a dimension they are the defaults for its hierarchies.
@@ -200,8 +245,8 @@ private:
 
     static void ReadCalendar(JsonObject& dimensionObject, const JsonPlace& place,
                              DimensionDefinition& dimension) {
-        if (!dimension.column || !dimension.tables.empty()) {
-            dimensionObject.Place().Fail("a calendar needs a \"column\", and no \"table\"");
+        if (dimension.columns.size() != 1 || !dimension.tables.empty()) {
+            dimensionObject.Place().Fail("a calendar needs one \"column\", and no \"table\"");
         }
         JsonObject object(place);
         CalendarDefinition calendar;
@@ -282,7 +327,7 @@ private:
             LevelDefinition level;
             level.name = object.Required("name").Text();
             names.Add(level.name, element);
-            level.key = object.TextOr("key", dimension.key);
+            level.key = object.TextOr("key", dimension.keys.empty() ? "" : dimension.keys.back());
             level.memberName = object.TextOr("memberName", "");
             level.caption = object.TextOr("caption", "");
             if (const auto order = object.Optional("order")) {
@@ -290,7 +335,9 @@ private:
             }
             object.Finish();
             const bool usesOthers =
-                level.key != dimension.key || !level.memberName.empty() || !level.caption.empty();
+                (!dimension.keys.empty() &&
+                 std::count(dimension.keys.begin(), dimension.keys.end(), level.key) == 0) ||
+                !level.memberName.empty() || !level.caption.empty();
             if (dimension.tables.empty() && usesOthers) {
                 element.Fail("a dimension without a \"table\" has no other columns than its own");
             }
@@ -371,7 +418,8 @@ private:
 Definition ParseDefinition(std::string_view text, const std::string& fileName,
                            const std::filesystem::path& folder) {
     const nlohmann::json json = ParseJson(text, fileName);
-    JsonObject object({&json, "", &fileName});
+    JsonFile file{fileName, {}};
+    JsonObject object({&json, "", &file});
     CsvFormat defaults;
     if (const auto place = object.Optional("csv")) {
         JsonObject csv(*place);
@@ -388,6 +436,7 @@ Definition ParseDefinition(std::string_view text, const std::string& fileName,
         names.Add(definition.cubes.back().name, place);
     }
     object.Finish();
+    file.RefuseUnknownKeys();
     return definition;
 }
 

@@ -20,6 +20,7 @@ struct CsvFormat {
     char decimal = '.';
     char thousands = 0; ///< 0: none
     DateFormat dates = DateFormat::Iso;
+    std::string encoding = {}; ///< empty: UTF-16 with a byte order mark, otherwise UTF-8
 };
 
 struct TableDefinition {
@@ -28,6 +29,7 @@ struct TableDefinition {
     CsvFormat format;
     /// Names used in the definition and the column names in the file; other columns keep theirs.
     std::vector<std::pair<std::string, std::string>> columns;
+    bool acceptsOpenLine = false; ///< the last line may have no line end
 };
 
 enum class MemberOrder : std::uint8_t { Key, Name, File };
@@ -55,16 +57,25 @@ struct CalendarDefinition {
     std::vector<std::string> levels; ///< names, top to bottom, without the top level
 };
 
+/// The warnings that a dimension or a table can accept as meant.
+inline constexpr const char* severalParents = "severalParents"; ///< values that count in several members
+inline constexpr const char* equalNames = "equalNames";         ///< names that several members have
+inline constexpr const char* dateOrder = "dateOrder";           ///< dates that fit another order, too
+inline constexpr const char* lastLine = "lastLine";             ///< of a table: its last line has no end
+inline constexpr const char* dateMembers = "dateMembers";       ///< months and years that name no date
+
 struct DimensionDefinition {
     std::string place;
     std::string name, caption;
-    std::optional<std::string> column; ///< of the facts
+    std::optional<std::string> column; ///< of the facts; "a+b" for several
+    std::vector<std::string> columns;  ///< that make up `column`; a value is the texts of all of them
     std::vector<std::size_t> tables;   ///< indexes into Definition::tables; all have the same columns
-    std::string key;                   ///< column of the tables that holds the fact column's values
+    std::vector<std::string> keys;     ///< columns of the tables with the values of `columns`
     bool isMain = false;
     std::optional<CalendarDefinition> calendar;
     std::vector<std::string> members; ///< of a dimension with neither column nor table
     std::vector<HierarchyDefinition> hierarchies;
+    std::vector<std::string> accepted; ///< kinds of warnings
 };
 
 struct MeasureDefinition {

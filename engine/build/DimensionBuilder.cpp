@@ -22,6 +22,22 @@ std::string_view FieldOrEmpty(const TableReader& reader, std::size_t column) {
     return column == noColumn ? std::string_view() : reader.Field(column);
 }
 
+/// The fields of a line that holds nothing but a value of the dimension's fact columns.
+std::vector<MemberTree::LevelFields> FieldsOf(std::string_view value, const DimensionDefinition& dimension,
+                                              const HierarchyDefinition& hierarchy) {
+    std::vector<MemberTree::LevelFields> fields(hierarchy.levels.size());
+    for (const std::string& column : dimension.keys) {
+        const std::string_view part = value.substr(0, value.find(keyPartEnd));
+        for (std::size_t level = 0; level < fields.size(); ++level) {
+            if (hierarchy.levels[level].key == column) {
+                fields[level].key = part;
+            }
+        }
+        value.remove_prefix(std::min(value.size(), part.size() + 1));
+    }
+    return fields;
+}
+
 } // namespace
 
 DimensionBuilder::DimensionBuilder(const DimensionDefinition& definition) : definition_(definition) {
@@ -34,7 +50,7 @@ DimensionBuilder::DimensionBuilder(const DimensionDefinition& definition) : defi
 }
 
 void DimensionBuilder::ReadTables(TableReader& reader, KeyColumnBuilder* keys, std::size_t tableOfKeys) {
-    const std::size_t keyColumn = reader.Column(definition_.key);
+    const std::vector<std::size_t> keyColumns = reader.Columns(definition_.keys);
     std::vector<std::vector<LevelColumns>> columns;
     for (const HierarchyDefinition& hierarchy : definition_.hierarchies) {
         columns.emplace_back();
@@ -45,7 +61,7 @@ void DimensionBuilder::ReadTables(TableReader& reader, KeyColumnBuilder* keys, s
     }
     std::vector<MemberTree::LevelFields> fields;
     while (reader.Next()) {
-        const std::string_view key = reader.Field(keyColumn);
+        const std::string_view key = reader.Key(keyColumns);
         if (key.empty() && keys != nullptr) {
             // The table may be the fact table, where a line without this key is valid.
             continue;
@@ -75,8 +91,7 @@ void DimensionBuilder::TakeValues(const KeyColumnBuilder* keys) {
             tree.Add({&fields, 1}, std::nullopt);
         }
         for (std::uint32_t number = 0; keys != nullptr && number < keys->Texts().Count(); ++number) {
-            const MemberTree::LevelFields fields{keys->Texts().Text(number), "", ""};
-            tree.Add({&fields, 1}, number);
+            tree.Add(FieldsOf(keys->Texts().Text(number), definition_, tree.Definition()), number);
         }
     }
 }

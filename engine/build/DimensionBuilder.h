@@ -27,11 +27,13 @@ public:
     /// The hierarchy with the most levels.
     std::size_t DeepestTree() const;
     const MemberTree& Tree(std::size_t index) const { return trees_[index]; }
+    /// One per hierarchy; empty for a calendar.
+    const std::vector<MemberTree>& Trees() const { return trees_; }
     DimensionModel Model(const KeyColumnBuilder* keys, std::optional<std::uint32_t> keyColumn) const;
 
 private:
     const DimensionDefinition& definition_;
-    std::vector<MemberTree> trees_; ///< one per hierarchy; empty for a calendar
+    std::vector<MemberTree> trees_;
 };
 
 } // namespace qel::engine

@@ -23,7 +23,7 @@ public:
         : reader_(reader), measures_(measures), keyColumns_(keyColumns), facts_(facts),
           numbers_(keyColumns.size()), amounts_(measures.size()) {
         for (const KeyColumnBuilder& column : keyColumns) {
-            keyFields_.push_back(reader.Column(column.Name()));
+            keyFields_.push_back(reader.Columns(column.Columns()));
         }
         for (const MeasureDefinition& measure : measures) {
             valueFields_.push_back(measure.column ? reader.Column(*measure.column) : noColumn);
@@ -46,7 +46,7 @@ private:
             if (keyColumns_[i].TakesAnyText() != anyText) {
                 continue;
             }
-            const std::string_view field = reader_.Field(keyFields_[i]);
+            const std::string_view field = reader_.Key(keyFields_[i]);
             const auto number = keyColumns_[i].NumberOf(field, dates);
             if (!number) {
                 reader_.ReportBad(keyFields_[i], keyColumns_[i].FaultOf(field, dates));
@@ -66,14 +66,29 @@ private:
             const std::string_view field = reader_.Field(valueFields_[i]);
             const auto amount = ParseAmount(field, format, measures_[i].decimals);
             if (!amount.value) {
-                reader_.ReportBad(valueFields_[i], amount.isTooLarge
-                                                       ? TooLarge(field, measures_[i].decimals)
-                                                       : AmountFault(field, measures_[i].decimals));
+                reader_.ReportBad({&valueFields_[i], 1}, amount.isTooLarge
+                                                             ? TooLarge(field, measures_[i].decimals)
+                                                             : AmountFault(field, measures_[i].decimals));
+                return false;
+            }
+            if (!amount.currency.empty() && !IsCurrencyOf(i, amount.currency)) {
+                reader_.ReportBad({&valueFields_[i], 1},
+                                  fmt::format("\"{}\" is in {}, and amounts before it are in {}", field,
+                                              amount.currency, currencies_[i]));
                 return false;
             }
             amounts_[i] = *amount.value;
         }
         return true;
+    }
+
+    /// Amounts of several currencies have no sum.
+    bool IsCurrencyOf(std::size_t measure, std::string_view currency) {
+        currencies_.resize(measures_.size());
+        if (currencies_[measure].empty()) {
+            currencies_[measure] = currency;
+        }
+        return currencies_[measure] == currency;
     }
 
     static std::string TooLarge(std::string_view field, std::uint8_t decimals) {
@@ -91,8 +106,8 @@ private:
         if (decimals > 0) {
             example += format.decimal + std::string("567890123").substr(0, decimals);
         }
-        return fmt::format("expected an amount such as {}, with at most {} decimals, found \"{}\"", example,
-                           decimals, field);
+        return fmt::format("expected an amount such as {}, with at most {} decimals, found \"{}\"{}", example,
+                           decimals, field, AmountRemedy(field, format, decimals));
     }
 
     void AddRow() {
@@ -111,9 +126,11 @@ private:
     const std::vector<MeasureDefinition>& measures_;
     std::vector<KeyColumnBuilder>& keyColumns_;
     FactColumns& facts_;
-    std::vector<std::size_t> keyFields_, valueFields_;
+    std::vector<std::vector<std::size_t>> keyFields_;
+    std::vector<std::size_t> valueFields_;
     std::vector<std::uint32_t> numbers_;
     std::vector<std::int64_t> amounts_;
+    std::vector<std::string_view> currencies_; ///< by measure, once a sign was seen
 };
 
 /// The narrowest signed width for values in the range.
@@ -160,6 +177,18 @@ void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measur
     facts.keys.resize(keyColumns.size());
     facts.values.resize(measures.size());
     FactReader(reader, measures, keyColumns, facts).Run();
+}
+
+void AddTotals(const FactColumns& facts, std::uint64_t first, SourceTotals& totals) {
+    totals.linesUsed = facts.rowCount - first;
+    for (const auto& values : facts.values) {
+        // A sum that overflows is refused when the whole measure is known.
+        std::uint64_t sum = values.empty() ? totals.linesUsed : 0;
+        for (std::size_t row = first; row < values.size(); ++row) {
+            sum += static_cast<std::uint64_t>(values[row]);
+        }
+        totals.sums.push_back(static_cast<std::int64_t>(sum));
+    }
 }
 
 void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts) {

@@ -3,6 +3,7 @@
 #include "engine/build/KeyColumnBuilder.h"
 #include "engine/build/TableReader.h"
 #include "engine/storage/CubeModel.h"
+#include "qel/engine/SourceTotals.h"
 
 #include <cstdint>
 #include <vector>
@@ -20,6 +21,9 @@ struct FactColumns {
 /// Reads a fact table and adds its usable lines.
 void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measures,
                std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts);
+
+/// Adds to `totals` the lines used and the sums of the facts from row `first` on.
+void AddTotals(const FactColumns& facts, std::uint64_t first, SourceTotals& totals);
 
 /// Replaces value numbers by codes.
 void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts);

@@ -1,9 +1,11 @@
 #include "engine/build/FieldDate.h"
 
+#include "engine/build/MonthName.h"
 #include "engine/build/PlainSigns.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 
 namespace qel::engine {
@@ -100,6 +102,19 @@ std::optional<std::chrono::sys_days> EightDigits(int value) {
     return Day({value / yearPlace, 4}, {value / monthPlace % monthPlace, 2}, {value % monthPlace, 2});
 }
 
+/// A month's name shows the order by its place. Where years need four digits, they do here as well.
+DateFormat OrderOf(const NamedMonth& date, DateFormat format) {
+    std::size_t digits = 0, longest = 0;
+    for (const char c : date.text) {
+        digits = IsDigit(c) ? digits + 1 : 0;
+        longest = std::max(longest, digits);
+    }
+    if (format == DateFormat::Iso && longest < 4) {
+        return DateFormat::Iso;
+    }
+    return date.isFirst ? DateFormat::MonthDayYear : DateFormat::DayMonthYear;
+}
+
 std::optional<std::chrono::sys_days> ParsePlain(std::string_view text, DateFormat format) {
     const DateNumbers date = SplitNumbers(WithoutTime(text));
     const auto& [a, b, c] = date.numbers;
@@ -126,13 +141,30 @@ std::optional<std::chrono::sys_days> ParsePlain(std::string_view text, DateForma
 } // namespace
 
 std::optional<std::chrono::sys_days> ParseDate(std::string_view text, DateFormat format) {
-    return IsAscii(text) ? ParsePlain(text, format) : ParsePlain(WithPlainSigns(text), format);
+    if (const auto day =
+            IsAscii(text) ? ParsePlain(text, format) : ParsePlain(WithPlainSigns(text), format)) {
+        return day;
+    }
+    const auto named = WithMonthNumber(WithPlainSigns(text));
+    return named ? ParsePlain(named->text, OrderOf(*named, format)) : std::nullopt;
 }
 
 std::string FormatDate(std::chrono::sys_days day) {
     const std::chrono::year_month_day date(day);
     return fmt::format("{:04}-{:02}-{:02}", static_cast<int>(date.year()),
                        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
+}
+
+std::string DateRemedy(std::string_view text) {
+    std::string fitting;
+    for (const auto& [format, name] :
+         {std::pair(DateFormat::Iso, "iso"), std::pair(DateFormat::DayMonthYear, "dmy"),
+          std::pair(DateFormat::MonthDayYear, "mdy"), std::pair(DateFormat::YearMonthDay, "ymd")}) {
+        if (ParseDate(text, format)) {
+            fitting += fmt::format("{}\"{}\"", fitting.empty() ? "; set \"dates\": " : " or ", name);
+        }
+    }
+    return fitting;
 }
 
 std::string_view ExpectedDate(DateFormat format) {

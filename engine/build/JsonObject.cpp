@@ -1,7 +1,7 @@
 #include "engine/build/JsonObject.h"
 
-#include "engine/build/Suggestion.h"
 #include "qel/engine/EngineError.h"
+#include "text/Suggestion.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -12,7 +12,7 @@
 namespace qel::engine {
 
 std::string JsonPlace::Where() const {
-    return place.empty() ? *fileName : fmt::format("{}: {}", *fileName, place);
+    return place.empty() ? file->name : fmt::format("{}: {}", file->name, place);
 }
 
 void JsonPlace::Fail(const std::string& fault) const {
@@ -54,7 +54,7 @@ std::vector<JsonPlace> JsonPlace::Elements() const {
     }
     std::vector<JsonPlace> elements;
     for (std::size_t i = 0; i < value->size(); ++i) {
-        elements.push_back({&(*value)[i], fmt::format("{}[{}]", place, i), fileName});
+        elements.push_back({&(*value)[i], fmt::format("{}[{}]", place, i), file});
     }
     return elements;
 }
@@ -87,7 +87,7 @@ JsonObject::JsonObject(JsonPlace place) : place_(std::move(place)) {
 }
 
 JsonPlace JsonObject::Child(const std::string& key, const nlohmann::json& value) const {
-    return {&value, place_.place.empty() ? key : place_.place + "." + key, place_.fileName};
+    return {&value, place_.place.empty() ? key : place_.place + "." + key, place_.file};
 }
 
 JsonPlace JsonObject::Required(const std::string& key) {
@@ -135,12 +135,19 @@ std::vector<std::string> JsonObject::UnknownKeys() const {
 }
 
 void JsonObject::Finish() const {
-    const auto unknown = UnknownKeys();
-    if (unknown.empty()) {
-        return;
-    }
     const std::vector<std::string> known(known_.begin(), known_.end());
-    place_.Fail(fmt::format("unknown key \"{}\"{}", unknown.front(), Suggestion(unknown.front(), known)));
+    for (const std::string& key : UnknownKeys()) {
+        place_.file->unknownKeys.push_back(fmt::format("{}unknown key \"{}\"{}",
+                                                       place_.place.empty() ? "" : place_.place + ": ", key,
+                                                       Suggestion(key, known)));
+    }
+}
+
+void JsonFile::RefuseUnknownKeys() const {
+    if (!unknownKeys.empty()) {
+        throw EngineError(ErrorKind::InvalidDefinition,
+                          fmt::format("{}: {}", name, fmt::join(unknownKeys, "\n  ")));
+    }
 }
 
 nlohmann::json ParseJson(std::string_view text, const std::string& fileName) {

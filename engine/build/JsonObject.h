@@ -10,11 +10,20 @@
 
 namespace qel::engine {
 
+/// A file and what was found in it while it was read.
+struct JsonFile {
+    std::string name;
+    std::vector<std::string> unknownKeys; ///< each with its place and the nearest known key
+
+    /// Raises EngineError (InvalidDefinition) when there are unknown keys, naming all of them.
+    void RefuseUnknownKeys() const;
+};
+
 /// A JSON value with its location for messages, such as "cubes[0].dimensions[2].name".
 struct JsonPlace {
     const nlohmann::json* value = nullptr;
     std::string place;
-    const std::string* fileName = nullptr;
+    JsonFile* file = nullptr;
 
     /// "FILE: place"
     std::string Where() const;
@@ -33,7 +42,7 @@ struct JsonPlace {
     std::size_t OneOf(const std::vector<std::string>& words) const;
 };
 
-/// An object read key by key; Finish rejects keys that were never read.
+/// An object read key by key; Finish notes keys that were never read.
 class JsonObject {
 public:
     explicit JsonObject(JsonPlace place);
@@ -44,8 +53,7 @@ public:
     std::string TextOr(const std::string& key, const std::string& whenAbsent);
     /// All keys and values, sorted by key.
     std::vector<std::pair<std::string, JsonPlace>> All();
-    /// Raises EngineError (InvalidDefinition) for a key that was never read, suggesting the nearest known
-    /// key.
+    /// Adds the keys that were never read to the file's unknown ones.
     void Finish() const;
 
 private:

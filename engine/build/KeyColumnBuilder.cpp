@@ -1,8 +1,10 @@
 #include "engine/build/KeyColumnBuilder.h"
 
 #include "engine/build/FieldDate.h"
+#include "engine/build/TableReader.h"
 #include "engine/build/TextOrder.h"
 #include "qel/engine/EngineError.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 
@@ -14,6 +16,10 @@ namespace qel::engine {
 namespace {
 
 constexpr std::uint32_t noCode = 0xFFFFFFFFU;
+
+std::string Shown(std::string_view value) {
+    return ReplaceAll(value, std::string_view(&keyPartEnd, 1), " / ");
+}
 
 bool IsSet(const std::vector<bool>& flags, std::uint32_t number) {
     return number < flags.size() && flags[number];
@@ -79,7 +85,7 @@ std::string KeyColumnBuilder::FaultOf(std::string_view field, DateFormat format)
     if (IsCalendar()) {
         const CalendarDefinition& rules = *calendarDefinition_;
         if (!ParseDate(field, format)) {
-            return fmt::format("expected {}, found \"{}\"", ExpectedDate(format), field);
+            return fmt::format("expected {}, found \"{}\"{}", ExpectedDate(format), field, DateRemedy(field));
         }
         return fmt::format("\"{}\" lies outside the calendar ({} to {})", field,
                            rules.from ? FormatDate(*rules.from) : "any date",
@@ -88,10 +94,36 @@ std::string KeyColumnBuilder::FaultOf(std::string_view field, DateFormat format)
     const auto number = texts_.Find(field);
     for (std::size_t table = 0; table < tableNames_.size(); ++table) {
         if (!number || !IsSet(isKnown_[table], *number)) {
-            return fmt::format("\"{}\" is not in the {}", field, tableNames_[table]);
+            return fmt::format("\"{}\" is not in the {}", Shown(field), tableNames_[table]);
         }
     }
     return "cannot be used";
+}
+
+std::string KeyColumnBuilder::ShownText(std::uint32_t number) const { return Shown(texts_.Text(number)); }
+
+std::optional<std::string> KeyColumnBuilder::DateOfEitherOrder() const {
+    for (const auto& [format, other] : {std::pair(DateFormat::DayMonthYear, DateFormat::MonthDayYear),
+                                        std::pair(DateFormat::MonthDayYear, DateFormat::DayMonthYear)}) {
+        std::optional<std::string> example;
+        bool isProven = false, hasDays = false; // the first of every month is what a ledger of months has
+        for (std::uint32_t number = 0; number < days_.size() && !isProven; ++number) {
+            const std::string_view text = texts_.Text(number);
+            if (!days_[number] || text.front() != static_cast<char>('0' + static_cast<int>(format))) {
+                continue;
+            }
+            const auto asOther = ParseDate(text.substr(1), other);
+            isProven = !asOther;
+            hasDays = hasDays || std::chrono::year_month_day(*days_[number]).day() != std::chrono::day(1);
+            if (asOther && asOther != days_[number] && !example) {
+                example = std::string(text.substr(1));
+            }
+        }
+        if (example && hasDays && !isProven) {
+            return example;
+        }
+    }
+    return std::nullopt;
 }
 
 void KeyColumnBuilder::NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place) {

@@ -17,10 +17,13 @@ namespace qel::engine {
 /// all values are known. Several dimensions may use one column.
 class KeyColumnBuilder {
 public:
-    KeyColumnBuilder(std::string name, std::optional<CalendarDefinition> calendar)
-        : name_(std::move(name)), calendarDefinition_(std::move(calendar)) {}
+    /// `name` stands for all of the fact columns.
+    KeyColumnBuilder(std::string name, std::vector<std::string> columns,
+                     std::optional<CalendarDefinition> calendar)
+        : name_(std::move(name)), columns_(std::move(columns)), calendarDefinition_(std::move(calendar)) {}
 
     const std::string& Name() const { return name_; }
+    const std::vector<std::string>& Columns() const { return columns_; }
     bool IsCalendar() const { return calendarDefinition_.has_value(); }
 
     /// Adds a value from a line of dimension table number `table`, counted over the tables that use this
@@ -37,6 +40,10 @@ public:
     /// Whether NumberOf accepts any text.
     bool TakesAnyText() const { return !IsCalendar() && tableNames_.empty(); }
 
+    /// A date as it stands in the facts, when every one fits its table's order of day and month and the other
+    /// order as well, with another day.
+    std::optional<std::string> DateOfEitherOrder() const;
+
     /// Assigns codes to dates. Raises EngineError (InvalidData) when the facts have no dates or their dates
     /// span too many years.
     void NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place);
@@ -46,6 +53,8 @@ public:
     std::vector<std::uint32_t> Ranks() const;
 
     const TextDictionary& Texts() const { return texts_; }
+    /// A value for messages, the parts of several columns as "A / B".
+    std::string ShownText(std::uint32_t number) const;
     const Calendar& Periods() const { return *periods_; }
     const CalendarDefinition& CalendarRules() const { return *calendarDefinition_; }
     /// The code of every number.
@@ -57,6 +66,7 @@ private:
     bool IsKnownToAll(std::uint32_t number) const;
 
     std::string name_;
+    std::vector<std::string> columns_;
     std::optional<CalendarDefinition> calendarDefinition_;
     TextDictionary texts_; ///< for a calendar, the date format as a character followed by the text
     std::string datedText_;

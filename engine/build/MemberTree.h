@@ -18,6 +18,14 @@ namespace qel::engine {
 /// column below them.
 class MemberTree {
 public:
+    static constexpr std::uint32_t none = 0xFFFFFFFFU;
+
+    struct Node {
+        std::uint32_t parent = none;
+        std::uint32_t level = 0;
+        std::uint32_t key = 0, name = 0, caption = 0; ///< texts, see Text
+    };
+
     /// The fields of one level of a line. Name and caption may be empty.
     struct LevelFields {
         std::string_view key, name, caption;
@@ -41,15 +49,14 @@ public:
     HierarchyModel Model(std::optional<std::uint32_t> keyColumn, const std::vector<std::uint32_t>& codeOf,
                          std::uint32_t codes) const;
 
+    const HierarchyDefinition& Definition() const { return definition_; }
+    /// In member order after Finish.
+    std::span<const Node> Nodes() const { return nodes_; }
+    std::string_view Text(std::uint32_t text) const { return texts_.Text(text); }
+    /// Each node (none for the top member) with the values right below it.
+    std::span<const std::pair<std::uint32_t, std::uint32_t>> Values() const { return values_; }
+
 private:
-    static constexpr std::uint32_t none = 0xFFFFFFFFU;
-
-    struct Node {
-        std::uint32_t parent = none;
-        std::uint32_t level = 0;
-        std::uint32_t key = 0, name = 0, caption = 0; ///< indexes into texts_
-    };
-
     std::uint32_t FindOrAdd(std::uint32_t parent, std::uint32_t level, const LevelFields& fields);
     /// The nodes of a level in member order, given the ranks of their parents.
     std::vector<std::uint32_t> SortLevel(const std::vector<std::uint32_t>& level,
@@ -60,10 +67,9 @@ private:
 
     const HierarchyDefinition& definition_;
     TextDictionary texts_;
-    std::vector<Node> nodes_;                                   ///< in member order after Finish
+    std::vector<Node> nodes_;
     std::unordered_map<std::uint64_t, std::uint32_t> children_; ///< parent and key to node, before Finish
-    std::vector<std::pair<std::uint32_t, std::uint32_t>>
-        values_; ///< node (none for the top member) and value
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> values_;
 };
 
 } // namespace qel::engine

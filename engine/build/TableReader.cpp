@@ -1,8 +1,7 @@
 #include "engine/build/TableReader.h"
 
-#include "engine/build/Suggestion.h"
-#include "engine/build/TextFile.h"
 #include "qel/engine/EngineError.h"
+#include "text/Suggestion.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>
@@ -14,8 +13,8 @@ namespace qel::engine {
 
 TableReader::TableReader(const TableDefinition& table, BadLines& badLines, const BuildProgress& progress)
     : table_(table), badLines_(badLines), progress_(progress),
-      step_("Reading " + PathToUtf8(table.file.filename())), file_(OpenTextFile(table.file)),
-      csv_(file_, PathToUtf8(table.file), table.format.delimiter) {
+      step_("Reading " + PathToUtf8(table.file.filename())), file_(table.file, table.format.encoding),
+      csv_(file_.Stream(), PathToUtf8(table.file), table.format.delimiter) {
     std::error_code error;
     fileSize_ = std::max<std::uint64_t>(1, std::filesystem::file_size(table.file, error));
 }
@@ -27,12 +26,39 @@ std::size_t TableReader::Column(const std::string& name) const {
     const auto& header = csv_.Header();
     const auto found = std::find(header.begin(), header.end(), inFile);
     if (found == header.end()) {
+        const std::string remedy =
+            header.size() == 1 ? "; if these are several, set \"delimiter\"" : Suggestion(inFile, header);
         throw EngineError(ErrorKind::InvalidData,
                           fmt::format("{}: there is no column \"{}\"; the columns are \"{}\"{}",
-                                      csv_.FileName(), inFile, fmt::join(header, "\", \""),
-                                      Suggestion(inFile, header)));
+                                      csv_.FileName(), inFile, fmt::join(header, "\", \""), remedy));
+    }
+    if (std::count(header.begin(), header.end(), inFile) > 1) {
+        throw EngineError(ErrorKind::InvalidData,
+                          fmt::format("{}: two columns are named \"{}\"", csv_.FileName(), inFile));
     }
     return static_cast<std::size_t>(found - header.begin());
+}
+
+std::vector<std::size_t> TableReader::Columns(const std::vector<std::string>& names) const {
+    std::vector<std::size_t> columns;
+    for (const std::string& name : names) {
+        columns.push_back(Column(name));
+    }
+    return columns;
+}
+
+std::string_view TableReader::Key(std::span<const std::size_t> columns) {
+    if (columns.size() == 1) {
+        return Field(columns.front());
+    }
+    key_.clear();
+    bool isEmpty = true;
+    for (const std::size_t column : columns) {
+        isEmpty = isEmpty && Field(column).empty();
+        key_.append(Field(column)).push_back(keyPartEnd);
+    }
+    key_.pop_back();
+    return isEmpty ? std::string_view() : key_;
 }
 
 bool TableReader::Next() {
@@ -51,15 +77,20 @@ bool TableReader::Next() {
     return false;
 }
 
-void TableReader::ReportBad(std::size_t column, const std::string& fault) {
+void TableReader::ReportBad(std::span<const std::size_t> columns, const std::string& fault) {
     ++linesSkipped_;
-    badLines_.Report(csv_, csv_.Header()[column], fault);
+    std::string names;
+    for (const std::size_t column : columns) {
+        names += (names.empty() ? "" : "+") + csv_.Header()[column];
+    }
+    badLines_.Report(csv_, names, fault);
 }
 
 void TableReader::ShowProgress() {
     constexpr std::uint64_t linesPerReport = 8192;
     if (progress_ && linesRead_ % linesPerReport == 1) {
-        progress_(step_, static_cast<double>(csv_.Position()) / static_cast<double>(fileSize_));
+        const double share = static_cast<double>(csv_.Position()) / static_cast<double>(fileSize_);
+        progress_(step_, std::min(share, 1.0)); // UTF-8 may be longer than what the file holds
     }
 }
 

@@ -25,19 +25,6 @@ std::string SqlName(std::string_view name) { return Quoted(name, '"'); }
 
 std::string SqlText(std::string_view text) { return Quoted(text, '\''); }
 
-std::string SqlAmount(std::int64_t scaled, std::uint8_t decimals) {
-    const bool isNegative = scaled < 0;
-    const auto bits = static_cast<std::uint64_t>(scaled);
-    std::string digits = std::to_string(isNegative ? 0 - bits : bits);
-    if (decimals > 0) {
-        if (digits.size() <= decimals) {
-            digits.insert(0, decimals + 1 - digits.size(), '0');
-        }
-        digits.insert(digits.size() - decimals, 1, '.');
-    }
-    return isNegative ? "-" + digits : digits;
-}
-
 std::string CreateTable(std::string_view table, const std::vector<SqlColumn>& columns) {
     std::string list;
     for (const auto& column : columns) {

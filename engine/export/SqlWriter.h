@@ -16,8 +16,6 @@ using TextSink = std::function<void(std::string_view)>;
 std::string SqlName(std::string_view name);
 /// A text literal. NUL characters, which databases reject, are left out.
 std::string SqlText(std::string_view text);
-/// A scaled integer, written with a decimal point.
-std::string SqlAmount(std::int64_t scaled, std::uint8_t decimals);
 
 struct SqlColumn {
     std::string name;

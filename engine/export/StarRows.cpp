@@ -1,6 +1,7 @@
 #include "engine/export/StarRows.h"
 
 #include "qel/engine/EngineError.h"
+#include "text/DecimalText.h"
 
 #include <fmt/format.h>
 
@@ -132,7 +133,7 @@ private:
                 ErrorKind::DamagedFile,
                 fmt::format("The measure '{}' has an amount of more than 64 bits.", measure.name));
         }
-        return SqlAmount(amount, measure.decimals);
+        return DecimalText(amount, measure.decimals);
     }
 
     const FactTable& facts_;

@@ -29,6 +29,7 @@ struct CubeFile::Contents {
         const std::uint32_t count = image.CubeCount();
         for (std::uint32_t i = 0; i < count; ++i) {
             cubes.push_back(CubeLoader(image, i).Load());
+            sources.push_back(CubeLoader(image, i).LoadSources(cubes.back()));
         }
         image.Verifier().CheckUnchanged();
     }
@@ -39,6 +40,7 @@ struct CubeFile::Contents {
     std::span<const std::byte> bytes;
     FileImage image;
     std::vector<Cube> cubes;
+    std::vector<std::vector<SourceTotals>> sources; ///< by cube
 };
 
 CubeFile::CubeFile(std::unique_ptr<Contents> contents) : contents_(std::move(contents)) {}
@@ -71,6 +73,8 @@ const std::filesystem::path& CubeFile::Path() const { return contents_->path; }
 std::uint64_t CubeFile::Size() const { return contents_->bytes.size(); }
 
 const std::vector<Cube>& CubeFile::Cubes() const { return contents_->cubes; }
+
+std::span<const SourceTotals> CubeFile::Sources(std::size_t cube) const { return contents_->sources[cube]; }
 
 std::shared_ptr<const Cube> CubeFile::FindCube(std::string_view name) const {
     std::vector<std::string> names;

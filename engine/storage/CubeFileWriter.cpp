@@ -88,6 +88,21 @@ ByteWriter Describe(const CubeModel& cube) {
     return out;
 }
 
+ByteWriter DescribeSources(const CubeModel& cube) {
+    ByteWriter out;
+    out.Put(static_cast<std::uint32_t>(cube.sources.size()));
+    for (const SourceTotals& source : cube.sources) {
+        out.PutText(source.file);
+        out.Put(source.linesRead);
+        out.Put(source.linesUsed);
+        out.Put(source.linesSkipped);
+        for (const std::int64_t sum : source.sums) {
+            out.Put(sum);
+        }
+    }
+    return out;
+}
+
 /// Flags the members whose name a sibling also has. Siblings are consecutive.
 std::vector<std::uint8_t> SharedNameFlags(const HierarchyModel& hierarchy) {
     const auto count = static_cast<std::uint32_t>(hierarchy.parents.size());
@@ -128,6 +143,9 @@ std::uint32_t CubeFileWriter::AddCube(const CubeModel& cube) {
     }
     for (std::size_t i = 0; i < cube.projections.size(); ++i) {
         Section(Id(SectionKind::LeadRows, number, i), AsBytes(cube.projections[i].leadRows));
+    }
+    if (!cube.sources.empty()) {
+        Section(Id(SectionKind::FactSources, number), DescribeSources(cube).Bytes());
     }
     return number;
 }
@@ -204,7 +222,7 @@ void CubeFileWriter::FinishPage() {
     page_.clear();
 }
 
-std::uint64_t CubeFileWriter::Commit() {
+const std::filesystem::path& CubeFileWriter::Complete() {
     Pad();
     if (!page_.empty()) {
         FinishPage();
@@ -228,8 +246,16 @@ std::uint64_t CubeFileWriter::Commit() {
     header.tailChecksum = XXH3_64bits(tail.data(), tail.size());
     header.headerChecksum = XXH3_64bits(&header, format::headerChecksumOffset);
     file_.Overwrite(0, std::as_bytes(std::span(&header, 1)));
+    fileSize_ = header.fileSize;
+    return file_.TemporaryPath();
+}
+
+std::uint64_t CubeFileWriter::Commit() {
+    if (fileSize_ == 0) {
+        Complete();
+    }
     file_.Commit();
-    return header.fileSize;
+    return fileSize_;
 }
 
 } // namespace qel::engine

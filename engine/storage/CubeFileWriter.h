@@ -12,8 +12,8 @@
 
 namespace qel::engine {
 
-/// Writes a cube file: AddCube for every cube, then Begin, Append and End for each fact column, then Commit.
-/// Raises EngineError (CannotWrite). Without Commit the old file stays.
+/// Writes a cube file: AddCube for every cube, then Begin, Append and End for each fact column, then Complete
+/// and Commit. Raises EngineError (CannotWrite). Without Commit the old file stays.
 class CubeFileWriter {
 public:
     explicit CubeFileWriter(const std::filesystem::path& path);
@@ -28,7 +28,9 @@ public:
     void Append(std::span<const std::byte> bytes);
     void End();
 
-    /// Completes the file and moves it into place. Returns its size in bytes.
+    /// Completes the file under its temporary name, which it returns: readers can open it.
+    const std::filesystem::path& Complete();
+    /// Completes the file if need be and moves it into place. Returns its size in bytes.
     std::uint64_t Commit();
 
 private:
@@ -42,6 +44,7 @@ private:
 
     AtomicFile file_;
     std::uint32_t cubes_ = 0;
+    std::uint64_t fileSize_ = 0;  ///< of the complete file
     std::uint64_t flushed_ = 0;   ///< bytes already in the file
     std::vector<std::byte> page_; ///< the page being filled
     std::vector<std::uint64_t> checksums_;

@@ -58,6 +58,29 @@ Cube CubeLoader::Load() {
     return cube;
 }
 
+std::vector<SourceTotals> CubeLoader::LoadSources(const Cube& cube) {
+    if (!image_.HasSection(Id(SectionKind::FactSources))) {
+        return {};
+    }
+    ByteReader in(image_.Array<std::byte>(Id(SectionKind::FactSources)));
+    std::vector<SourceTotals> sources(in.GetCount(28 + 8 * cube.Measures().size()));
+    std::uint64_t facts = 0;
+    for (SourceTotals& source : sources) {
+        source.file = in.GetText();
+        source.linesRead = in.Get<std::uint64_t>();
+        source.linesUsed = in.Get<std::uint64_t>();
+        source.linesSkipped = in.Get<std::uint64_t>();
+        for (std::size_t i = 0; i < cube.Measures().size(); ++i) {
+            source.sums.push_back(in.Get<std::int64_t>());
+        }
+        facts += source.linesUsed;
+    }
+    if (in.Failed() || !in.AtEnd() || facts != cube.FactCount()) {
+        Fail("the totals of its fact files are not well-formed");
+    }
+    return sources;
+}
+
 void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
     facts.keyColumns_.resize(in.GetCount(12));
     std::vector<std::uint32_t> taken; // bits used so far, by packed column

@@ -4,6 +4,7 @@
 #include "engine/storage/FactTable.h"
 #include "engine/storage/FileImage.h"
 #include "qel/engine/Cube.h"
+#include "qel/engine/SourceTotals.h"
 
 #include <cstdint>
 #include <string>
@@ -19,6 +20,8 @@ public:
 
     /// Raises EngineError (DamagedFile).
     Cube Load();
+    /// What came from each fact file; empty when the file does not tell. Raises EngineError (DamagedFile).
+    std::vector<SourceTotals> LoadSources(const Cube& cube);
 
 private:
     void ReadFactColumns(ByteReader& in, FactTable& facts) const;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/storage/FactTable.h"
+#include "qel/engine/SourceTotals.h"
 
 #include <cstdint>
 #include <optional>
@@ -83,6 +84,7 @@ struct CubeModel {
     std::uint32_t defaultMeasure = 0;
     std::uint64_t rowCount = 0;
     std::vector<ProjectionModel> projections;
+    std::vector<SourceTotals> sources;
 };
 
 } // namespace qel::engine

@@ -70,7 +70,8 @@ enum class SectionKind : std::uint32_t {
     PrefixSums = 0x8000000AU, ///< second: measure
     PrefixCounts = 0x8000000BU,
     GroupStarts = 0x8000000CU,
-    GroupRanges = 0x8000000DU
+    GroupRanges = 0x8000000DU,
+    FactSources = 0x8000000EU ///< what came from each fact file
 };
 
 /// Readers skip unknown kinds from here on. An unknown kind below means a newer file format.

@@ -33,11 +33,12 @@ constexpr std::string_view cube = R"json(    {
         { "name": "Date", "column": "date", "calendar": { "periods": "{periods}", "quarters": true } },
         // Each number under an OBS name selects one or more business lines; number 1 is the whole group.
         { "name": "ActX", "column": "obs_number", "table": "obs_numbers", "key": "code",
+          "accept": [ "severalParents", "equalNames" ],
           "hierarchies": [
             { "name": "OBSx", "levels": [ { "name": "OBS name", "key": "obs_name" },
                                           { "name": "OBS number", "key": "obs_number", "caption": "{name}" } ] }
           ] },
-        { "name": "OBS", "column": "obs", "table": "obs", "key": "code",
+        { "name": "OBS", "column": "obs", "table": "obs", "key": "code", "accept": "equalNames",
           "hierarchies": [
             { "name": "OBS", "levels": [ {obs levels} ] }
           ] },

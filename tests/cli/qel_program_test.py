@@ -303,7 +303,7 @@ class Interrupted(unittest.TestCase):
     def test_a_build_takes_back_what_it_has_half_done(self):
         old = self.path / "long.cub"
         old.write_text("the old file")
-        for request in (signal.SIGINT, signal.SIGTERM):
+        for request in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
             build = subprocess.Popen([QEL, "cube", "build", self.path / "long.json", "--output", old],
                                      stderr=subprocess.PIPE)
             while build.poll() is None and not list(self.path.glob("*.tmp")):

@@ -305,19 +305,23 @@ TEST_F(BuildTest, BadLinesStopTheBuildOrAreSkipped) {
     } cases[] = {
         {"2024-01-31,1,x,\n",
          "column account: \"x\" is not in the table of dimension Account (accounts.csv)"},
-        {"31/01/2024,1,7,2\n", "column date: expected a date such as 2024-12-31, found \"31/01/2024\""},
+        {"31/01/2024,1,7,2\n",
+         R"(column date: expected a date such as 2024-12-31, found "31/01/2024"; set "dates": "dmy")"},
         {",1,7,2\n", "column date: expected a date such as 2024-12-31, found \"\""},
         {"2023-12-31,1,7,2\n",
          "column date: \"2023-12-31\" lies outside the calendar (2024-01-01 to any date)"},
         {"2024-01-31,1,7,1.005\n",
-         "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1.005\""},
+         "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1.005\"; "
+         "set \"decimals\": 3"},
         {"2024-01-31,1,7,\"1,005\"\n",
-         "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1,005\""},
+         "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1,005\"; "
+         "set \"decimal\": \".\", \"thousands\": \",\""},
         {"2024-01-31,1,7,99999999999999999999\n",
          "column amount: the amount 99999999999999999999 is too large; the most is 92233720368547758.07"},
         {"2024-01-31,new,7\n", "expected 4 fields, found 3"},
         {"2024-01-31,\"new,7,2\n", "a quote is not closed"},
-        {"2024-01-31,\xFF,7,2\n", "the text is not UTF-8"},
+        {"2024-01-31,\xFF,7,2\n",
+         R"(the text is not in the file's encoding; set "encoding", such as "windows-1255")"},
     };
     Table("accounts", "code\n7\n");
     const std::string header = "date,firm,account,amount\n";
@@ -335,7 +339,8 @@ TEST_F(BuildTest, BadLinesStopTheBuildOrAreSkipped) {
 
         options.skippedLines = folder_.Path("skipped.txt");
         const auto built = Build(options);
-        EXPECT_EQ(folder_.Read("skipped.txt"), header + test.line);
+        EXPECT_EQ(folder_.Read("skipped.txt"), "skipped_line,skipped_reason," + header + "5,\"" +
+                                                   ReplaceAll(test.fault, "\"", "\"\"") + "\"," + test.line);
         EXPECT_EQ(totals_.linesRead, 3U);
         EXPECT_EQ(totals_.linesKept, 2U);
         EXPECT_EQ(totals_.linesSkipped, 1U);
@@ -352,7 +357,10 @@ TEST_F(BuildTest, SkippedLinesOfATableThatIsReadTwiceAreWrittenOnce) {
         "hierarchies": [{"name": "N", "levels": [{"name": "L", "memberName": "name"}]}]}])");
     options.skippedLines = folder_.Path("skipped.txt");
     const auto cube = Build(options);
-    EXPECT_EQ(folder_.Read("skipped.txt"), "code,name,amount\n1\n2,Two,x\n");
+    EXPECT_EQ(
+        folder_.Read("skipped.txt"),
+        "skipped_line,skipped_reason,code,name,amount\n3,\"expected 3 fields, found 1\",1\n4,\"column "
+        "amount: expected an amount such as 1234.56, with at most 2 decimals, found \"\"x\"\"\",2,Two,x\n");
     EXPECT_EQ(totals_.dimensionLinesSkipped, 1U);
     EXPECT_EQ(DrawHierarchy(*cube, 0), "All 500\n One&1 500\n Two&2 0\n");
 }

@@ -106,7 +106,10 @@ TEST_F(BuildPaths, TheFileForSkippedLinesIsMadeForTheFirstOfThem) {
 
     folder_.Write("ledger.csv", ledger + "1,x\n");
     const BuildTotals totals = BuildCube(Options("out.cub", "kept.txt"));
-    EXPECT_EQ(folder_.Read("kept.txt"), "firm,amount\n1,x\n");
+    EXPECT_EQ(
+        folder_.Read("kept.txt"),
+        "skipped_line,skipped_reason,firm,amount\n3,\"column amount: expected an amount such as 1234.56, "
+        "with at most 2 decimals, found \"\"x\"\"\",1,x\n");
     EXPECT_EQ(totals.linesSkipped, 2U) << "by both cubes";
     EXPECT_EQ(totals.distinctLinesSkipped, 1U) << "each line once";
     EXPECT_EQ(Fault(Options("out.cub", "absent/bad.txt")),

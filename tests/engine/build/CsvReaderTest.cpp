@@ -61,7 +61,9 @@ TEST(CsvReader, ReadsRealWorldFiles) {
         {"columns without a name", "a,,\n1,2,3\n", "<a><><>\n2:1|2|3"},
         {"too few and too many fields", "a,b\n1\n1,2,3\n4,5\n",
          "<a><b>\n2!expected 2 fields, found 1\n3!expected 2 fields, found 3\n4:4|5"},
-        {"not UTF-8", "a,b\n\xE9t\xE9,2\n3,4\n", "<a><b>\n2!the text is not UTF-8\n3:3|4"},
+        {"not UTF-8", "a,b\n\xE9t\xE9,2\n3,4\n",
+         "<a><b>\n2!the text is not in the file's encoding; set \"encoding\", such as "
+         "\"windows-1255\"\n3:3|4"},
         {"code 0", std::string("a,b\n1\0,2\n3,4\n", 13), "<a><b>\n2!a character with code 0\n3:3|4"},
         {"a quote within a field", "a,b\n5\" pipe,2\n3,4\n",
          "<a><b>\n2!a quote stands within a field, and is not doubled\n3:3|4"},
@@ -79,7 +81,9 @@ TEST(CsvReader, ReadsRealWorldFiles) {
          "\xFF\xFE"
          "a",
          "t.csv: line 1: the file is UTF-16, expected UTF-8"},
-        {"a column twice", "a,b,a\n", "t.csv: line 1: two columns are named \"a\""},
+        {"a column twice", "a,b,a\n", "<a><b><a>"},
+        {"a line with the delimiter", "sep=;\n\na,x;b\n1;2\n", "<a,x><b>\n4:1|2"},
+        {"a delimiter's line alone", "sep=;\n", "t.csv: the file has no line with the names of the columns"},
         {"header with an open quote", "a,\"b\n1,2\n", "t.csv: line 1: a quote is not closed"},
     };
     for (const auto& test : cases) {

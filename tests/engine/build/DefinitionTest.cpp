@@ -130,6 +130,11 @@ TEST(Definition, NamesTheKeyThatIsWrong) {
          "\"key\": \"x\" } ] } ]",
          "cubes[0].dimensions[2].hierarchies[0].levels[0]: a dimension without a \"table\" has no other "
          "columns than its own"},
+        {"\"column\": \"firm\"", R"("column": ["firm", "unit"], "table": "accounts", "key": "code")",
+         "cubes[0].dimensions[2].key: expected as many columns as \"column\" has, which is 2"},
+        {"\"column\": \"firm\"", R"("column": "firm", "accept": ["equalNames", "all"])",
+         R"(cubes[0].dimensions[2].accept[1]: expected one of "severalParents", "equalNames", "dateOrder", )"
+         R"("dateMembers", found "all")"},
         {"\"all\": \"Total\"", "\"all\": true",
          "cubes[0].dimensions[1].all: expected the top member's name, or false for none"},
         {"[ \"Local\" ]", "[ \"Local\", \"LOCAL\" ]",

@@ -55,6 +55,8 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
          "5",
          plain, -500},
         {"\xE2\x80\x8E-5\xE2\x80\x8F", plain, -500}, // directional marks
+        {"-$5.00", plain, -500},
+        {"1,234.50 \xE2\x82\xAA", english, 123450},
         {"92233720368547758.07", plain, 9223372036854775807},
         {"-92233720368547758.07", plain, -9223372036854775807},
     };
@@ -67,7 +69,7 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
     } refused[] = {
         {plain,
          {"12.505", ".", "-", "--1", "-1-", "(-1)", "(1", "1)", "()", "1e5", "1.2.3", "1,234.50", "12 abc",
-          "\xD7\x90", "92233720368547758.08", "99999999999999999999"}},
+          "\xD7\x90", "$", "$5$", "92233720368547758.08", "99999999999999999999"}},
         {english, {"1,5", "1,2345", ",123", "1234,567", "1,23,456", "1,234,"}},
     };
     for (const auto& c : refused) {
@@ -108,6 +110,12 @@ TEST(DateText, ReadsTheDeclaredOrderAndIso) {
         {"03/2024", DayMonthYear, "2024-03-01"},
         {"12/31/2024", MonthDayYear, "2024-12-31"},
         {"24/12/31", YearMonthDay, "2024-12-31"},
+        {"31 Dec 2024 10:30", Iso, "2024-12-31"},
+        {"December 31, 2024", DayMonthYear, "2024-12-31"},
+        {"31-dec-24", MonthDayYear, "2024-12-31"},
+        {"Sept 2024", DayMonthYear, "2024-09-01"},
+        {"31 בדצמבר 2024", Iso, "2024-12-31"},
+        {"מרץ 2024", DayMonthYear, "2024-03-01"},
     };
     for (const auto& test : cases) {
         const auto day = ParseDate(test.text, test.format);
@@ -119,8 +127,8 @@ TEST(DateText, ReadsTheDeclaredOrderAndIso) {
     } refused[] = {
         {Iso,
          {"2024-03-31 noon", "2024-02-30", "2024-13-01", "2024-00-01", "31-12-24", "31/12/2024", "0099-01-01",
-          "", "2024", "2024-", "2024-03-31-", "2024--31", "+2024-03-31"}},
-        {DayMonthYear, {"29/02/2023", "12/31/2024", "31/12/024", "Q1 2024"}},
+          "", "2024", "2024-", "2024-03-31-", "2024--31", "31 Dec 24", "+2024-03-31"}},
+        {DayMonthYear, {"29/02/2023", "12/31/2024", "31/12/024", "Q1 2024", "1 Janus 2024", "31 Apr 2024"}},
         {MonthDayYear, {"31/12/2024"}},
     };
     for (const auto& c : refused) {

@@ -5,8 +5,16 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace qel::engine {
+
+/// Something in the data that makes figures wrong without stopping the build.
+struct BuildWarning {
+    std::string kind; ///< as "accept" in the definition calls it
+    std::string cube, dimension;
+    std::string text; ///< a whole message
+};
 
 struct BuildOptions {
     /// JSON, see docs/cube-definition.md; data files are relative to its folder.
@@ -19,6 +27,13 @@ struct BuildOptions {
     /// Called with the name of the step and the share done, 0 to 1. May be empty. An exception that it throws
     /// stops the build and reaches the caller.
     std::function<void(const std::string& step, double share)> progress = {};
+    /// Replaces an output that is write-protected, too.
+    bool force = false;
+    /// Warnings are errors: the output stays as it was.
+    bool strict = false;
+    /// Called with the complete file before it replaces the output. What it returns joins the build's own
+    /// warnings. An exception that it throws stops the build and reaches the caller. May be empty.
+    std::function<std::vector<BuildWarning>(const std::filesystem::path& complete)> review = {};
 };
 
 struct BuildTotals {
@@ -28,10 +43,12 @@ struct BuildTotals {
     /// Over all tables; a line that several cubes or dimensions read counts once.
     std::uint64_t distinctLinesSkipped = 0;
     std::uint64_t bytesWritten = 0;
+    std::vector<BuildWarning> warnings; ///< without those that the definition accepts
 };
 
 /// Builds a cube file. Raises EngineError: InvalidDefinition naming the key, InvalidData naming file, line,
-/// column and what was expected, FileNotFound, CannotWrite (also when an output file is also an input).
+/// column and what was expected, FileNotFound, CannotWrite (also when an output file is also an input). A
+/// strict build raises InvalidData with all warnings.
 BuildTotals BuildCube(const BuildOptions& options);
 
 } // namespace qel::engine

@@ -1,11 +1,13 @@
 #pragma once
 
 #include "qel/engine/Cube.h"
+#include "qel/engine/SourceTotals.h"
 
 #include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -36,6 +38,10 @@ public:
     /// The cube of that name (any letter case), sharing ownership of the file. Raises EngineError
     /// (UnknownCube) naming the file and its cubes.
     std::shared_ptr<const Cube> FindCube(std::string_view name) const;
+
+    /// What cube number `cube` took from its fact files when it was built; empty for a file that was built
+    /// before this was kept.
+    std::span<const SourceTotals> Sources(std::size_t cube) const;
 
     /// Reads the whole file and checks all page checksums, that every sort order holds the same facts, sorted
     /// and with valid codes, and that every aggregate agrees with its facts. `progress` (may be empty) is

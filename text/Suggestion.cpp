@@ -1,4 +1,4 @@
-#include "engine/build/Suggestion.h"
+#include "text/Suggestion.h"
 
 #include "text/CaseFold.h"
 
@@ -6,14 +6,22 @@
 
 #include <algorithm>
 #include <numeric>
-#include <vector>
+#include <utility>
 
-namespace qel::engine {
+namespace qel {
 
 namespace {
 
-/// The edit distance in bytes: insertions, deletions, replacements and transpositions.
+/// How far a word may be from what was meant.
+std::size_t LongestDistance(std::string_view word) { return std::max<std::size_t>(1, word.size() / 3); }
+
+/// The edit distance in bytes: insertions, deletions, replacements and transpositions. Long words, for which
+/// this takes long, are never near.
 std::size_t Distance(std::string_view left, std::string_view right) {
+    constexpr std::size_t longest = 100;
+    if (left.size() > longest || right.size() > longest) {
+        return std::max(left.size(), right.size());
+    }
     std::vector<std::size_t> before, last(right.size() + 1), row(right.size() + 1);
     std::iota(last.begin(), last.end(), std::size_t{0});
     for (std::size_t i = 1; i <= left.size(); ++i) {
@@ -36,13 +44,9 @@ std::size_t Distance(std::string_view left, std::string_view right) {
 } // namespace
 
 const std::string* NearestWord(std::string_view word, std::span<const std::string> known) {
-    constexpr std::size_t longest = 100; // limits the quadratic edit distance
-    if (word.size() > longest) {
-        return nullptr;
-    }
     const std::string folded = FoldCase(word);
     const std::string* nearest = nullptr;
-    std::size_t best = std::max<std::size_t>(1, word.size() / 3) + 1;
+    std::size_t best = LongestDistance(word) + 1;
     for (const std::string& candidate : known) {
         const std::size_t distance = Distance(folded, FoldCase(candidate));
         if (distance < best) {
@@ -53,9 +57,27 @@ const std::string* NearestWord(std::string_view word, std::span<const std::strin
     return nearest;
 }
 
+std::vector<std::string> NearestWords(std::string_view word, std::span<const std::string> known,
+                                      std::size_t most) {
+    const std::string folded = FoldCase(word);
+    std::vector<std::pair<std::size_t, std::size_t>> near; // distance and place
+    for (std::size_t i = 0; i < known.size(); ++i) {
+        const std::size_t distance = Distance(folded, FoldCase(known[i]));
+        if (distance <= LongestDistance(word)) {
+            near.emplace_back(distance, i);
+        }
+    }
+    std::sort(near.begin(), near.end());
+    std::vector<std::string> words;
+    for (std::size_t i = 0; i < std::min(near.size(), most); ++i) {
+        words.push_back(known[near[i].second]);
+    }
+    return words;
+}
+
 std::string Suggestion(std::string_view word, std::span<const std::string> known) {
     const std::string* nearest = NearestWord(word, known);
     return nearest == nullptr ? std::string() : fmt::format("; did you mean \"{}\"?", *nearest);
 }
 
-} // namespace qel::engine
+} // namespace qel

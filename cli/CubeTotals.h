@@ -1,0 +1,13 @@
+#pragma once
+
+#include "qel/engine/CubeFile.h"
+
+#include <ostream>
+
+namespace qel {
+
+/// Prints what each cube took from each of its fact files: lines, and every measure's total to its last
+/// decimal. Raises std::runtime_error for a file that does not tell.
+void PrintTotals(const engine::CubeFile& file, std::ostream& output);
+
+} // namespace qel

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <istream>
+#include <memory>
+#include <streambuf>
+#include <string>
+
+namespace qel::engine {
+
+/// A text file in any encoding, read as UTF-8. What is no character of the encoding becomes a byte that is
+/// not UTF-8.
+class DecodedFile {
+public:
+    /// `encoding` is a name that iconv knows; an empty one means UTF-16 for a file with its byte order mark,
+    /// otherwise UTF-8. Raises EngineError: FileNotFound; InvalidData for a workbook, or an encoding that
+    /// this machine cannot read.
+    DecodedFile(const std::filesystem::path& path, const std::string& encoding);
+
+    std::istream& Stream() { return *stream_; }
+
+private:
+    std::ifstream file_;
+    std::unique_ptr<std::streambuf> decoder_;
+    std::unique_ptr<std::istream> decoded_;
+    std::istream* stream_;
+};
+
+} // namespace qel::engine
