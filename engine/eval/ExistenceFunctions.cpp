@@ -16,13 +16,12 @@ namespace qel::engine {
 
 namespace {
 
-/// Pairs of tuples that are held against each other, and cells that are read, beyond this are refused.
+/// More pairs of tuples are not held against each other.
 constexpr std::size_t pairLimit = 100'000'000;
 
-void CheckPairs(std::size_t left, std::size_t right, std::string_view function) {
-    if (right > 0 && left > pairLimit / right) {
-        throw EngineError(ErrorKind::TooLarge,
-                          fmt::format("{} compares more than {} pairs of tuples", function, pairLimit));
+void CheckPairs(std::size_t left, std::size_t right, std::size_t limit, std::string_view work) {
+    if (right > 0 && left > limit / right) {
+        throw EngineError(ErrorKind::TooLarge, fmt::format("{} more than {}", work, limit));
     }
 }
 
@@ -94,7 +93,7 @@ Bound Exists(Call& call) {
             const ExistenceTest test(evaluator.Space(), left.dimensionality, right.dimensionality);
             const std::size_t compared =
                 test.IsAlwaysTrue() ? std::min<std::size_t>(1, right.Count()) : right.Count();
-            CheckPairs(left.Count(), compared, "Exists");
+            CheckPairs(left.Count(), compared, pairLimit, "the pairs of tuples that Exists compares are");
             for (std::size_t i = 0; i < left.Count(); ++i) {
                 bool exists = false;
                 for (std::size_t j = 0; j < compared && !exists; ++j) {
@@ -109,7 +108,8 @@ Bound Exists(Call& call) {
 
 /// Appends the tuples of `set` that have a cell with a value, under one of `others` when they are given.
 void AppendNonEmpty(Evaluator& evaluator, const TupleSet& set, const TupleSet* others, TupleSet& result) {
-    CheckPairs(set.Count(), others != nullptr ? others->Count() : 1, "NonEmpty");
+    CheckPairs(set.Count(), others != nullptr ? others->Count() : 1, setLimit,
+               "the cells that NonEmpty reads are");
     for (std::size_t i = 0; i < set.Count(); ++i) {
         const Evaluator::Position position(evaluator, set.dimensionality, set.At(i));
         bool hasValue = others == nullptr && !evaluator.Cell().isEmpty;

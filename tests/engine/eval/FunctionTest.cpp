@@ -230,6 +230,10 @@ TEST(Function, Sets) {
         {"{QTD([Date].[2024].[Q2].[5]), Ancestors([Date].[2024].[Q2].[5], 2)}",
          "[Date].[All].[2024].[Q2].[4] | [Date].[All].[2024].[Q2].[5] | [Date].[All].[2024]"},
         {"WTD([Date].[2024])", "[Date] has no level [Week]; PeriodsToDate takes any level"},
+        {"NonEmpty([Date].Members * [OBS].Members * [SuperSumery].Members * [Accounts].Members, "
+         "[ActX].Members * "
+         "[Cost_Centers].Members * [Activities].Members * [AccX].Members * [Firma].Members)",
+         "the cells that NonEmpty reads are more than 10000000"},
         {"VisualTotals({[OBS]})",
          "the function VisualTotals is not supported; write a calculated member with "
          "Aggregate over the members that are shown"},
