@@ -6,6 +6,7 @@
 #include <cctype>
 #include <chrono>
 #include <cmath>
+#include <cstdint>
 
 namespace qel::engine {
 
@@ -39,7 +40,7 @@ Moment MomentOf(double days) {
     return {year_month_day(day), weekday(day).c_encoding(), seconds / 3600, seconds / 60 % 60, seconds % 60};
 }
 
-std::string Padded(long number, std::size_t width) { return fmt::format("{:0{}}", number, width); }
+std::string Padded(std::int64_t number, std::size_t width) { return fmt::format("{:0{}}", number, width); }
 
 /// A part of a date by its letter, and how often the letter stands; empty when it is none.
 std::string DatePart(const Moment& moment, char letter, std::size_t count, bool afterHours, bool halfDays) {
