@@ -5,6 +5,8 @@
 
 #include <nlohmann/json.hpp>
 
+#include <cmath>
+
 namespace qel {
 
 namespace {
@@ -66,13 +68,48 @@ nlohmann::ordered_json AxisJson(const std::vector<Tuple>& positions) {
 }
 
 nlohmann::ordered_json CellJson(const Variant& value) {
-    if (value.Is<double>()) {
+    if (value.Is<double>() && std::isfinite(value.As<double>())) {
         return value.As<double>();
+    }
+    if (value.Is<double>()) { // JSON has no such numbers
+        return std::isnan(value.As<double>()) ? "NaN" : value.As<double>() < 0 ? "-Infinity" : "Infinity";
+    }
+    if (value.Is<bool>()) {
+        return value.As<bool>();
     }
     if (value.Is<Null>() || value.Is<Empty>()) {
         return nullptr;
     }
     return ValueText(value);
+}
+
+nlohmann::ordered_json RowJson(const std::vector<Variant>& row) {
+    auto cells = nlohmann::ordered_json::array();
+    for (const auto& cell : row) {
+        cells.push_back(CellJson(cell));
+    }
+    return cells;
+}
+
+/// The rows from `row` on, in an array for every position of the combined axes up to `axis`.
+nlohmann::ordered_json CombinedJson(const CellsetTable& grid, std::size_t axis, std::size_t& row) {
+    auto cells = nlohmann::ordered_json::array();
+    for (std::size_t i = 0; i < grid.combined[axis].size() && row < grid.cells.size(); ++i) {
+        cells.push_back(axis > 0 ? CombinedJson(grid, axis - 1, row) : RowJson(grid.cells[row++]));
+    }
+    return cells;
+}
+
+nlohmann::ordered_json CellsJson(const CellsetTable& grid) {
+    std::size_t row = 0;
+    if (!grid.combined.empty()) {
+        return CombinedJson(grid, grid.combined.size() - 1, row);
+    }
+    auto cells = nlohmann::ordered_json::array();
+    for (const auto& each : grid.cells) {
+        cells.push_back(RowJson(each));
+    }
+    return cells;
 }
 
 } // namespace
@@ -129,17 +166,13 @@ void PrintAsJson(const CellsetTable& grid, std::ostream& output) {
     if (grid.axisCount > 0) {
         document["axes"].push_back(AxisJson(grid.columns));
     }
-    if (grid.axisCount > 1) {
+    if (grid.axisCount > 1 && grid.combined.empty()) {
         document["axes"].push_back(AxisJson(grid.rows));
     }
-    document["cells"] = nlohmann::ordered_json::array();
-    for (const auto& row : grid.cells) {
-        auto cells = nlohmann::ordered_json::array();
-        for (const auto& cell : row) {
-            cells.push_back(CellJson(cell));
-        }
-        document["cells"].push_back(std::move(cells));
+    for (const auto& axis : grid.combined) {
+        document["axes"].push_back(AxisJson(axis));
     }
+    document["cells"] = CellsJson(grid);
     using Handler = nlohmann::ordered_json::error_handler_t;
     output << document.dump(2, ' ', false, Handler::replace) << '\n';
 }

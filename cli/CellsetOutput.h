@@ -14,7 +14,8 @@ void PrintAsTable(const CellsetTable& grid, std::ostream& output);
 void PrintAsCsv(const CellsetTable& grid, std::ostream& output);
 
 /// {"axes": [[{"members": [{name, caption, uniqueName, level, depth}]}]], "cells": [[number or null]]}, cells
-/// by row.
+/// by row; with further axes by the last one first. Texts are strings, conditions true or false; "Infinity",
+/// "-Infinity" and "NaN" are strings too.
 void PrintAsJson(const CellsetTable& grid, std::ostream& output);
 
 } // namespace qel

@@ -1,17 +1,10 @@
 #include "cli/CellsetTable.h"
 
-#include "platform/value/AutomationError.h"
-
-#include <fmt/format.h>
-
 namespace qel {
 
 namespace {
 
 std::vector<Tuple> ReadAxis(const Cellset& cellset, std::int32_t axis) {
-    if (axis >= cellset.AxisCount()) {
-        return {Tuple{}};
-    }
     std::vector<Tuple> positions(static_cast<std::size_t>(cellset.PositionCount(axis)));
     for (std::int32_t position = 0; position < cellset.PositionCount(axis); ++position) {
         for (std::int32_t i = 0; i < cellset.MemberCount(axis, position); ++i) {
@@ -21,11 +14,26 @@ std::vector<Tuple> ReadAxis(const Cellset& cellset, std::int32_t axis) {
     return positions;
 }
 
-std::vector<Variant> ReadRow(const Cellset& cellset, std::int32_t row, std::size_t columns) {
+/// The combinations of the rows and the axes behind them.
+std::vector<Tuple> CombinedRows(const std::vector<std::vector<Tuple>>& axes) {
+    std::vector<Tuple> rows{Tuple{}};
+    for (std::size_t axis = axes.size(); axis-- > 1;) {
+        std::vector<Tuple> longer;
+        longer.reserve(rows.size() * axes[axis].size());
+        for (const auto& row : rows) {
+            for (const auto& position : axes[axis]) {
+                auto& tuple = longer.emplace_back(row);
+                tuple.insert(tuple.end(), position.begin(), position.end());
+            }
+        }
+        rows = std::move(longer);
+    }
+    return rows;
+}
+
+std::vector<Variant> ReadRow(const Cellset& cellset, std::vector<std::int32_t>& place, std::size_t columns) {
     std::vector<Variant> cells;
     cells.reserve(columns);
-    std::vector<std::int32_t> place = {0, row};
-    place.resize(static_cast<std::size_t>(cellset.AxisCount()));
     for (std::size_t column = 0; column < columns; ++column) {
         if (!place.empty()) {
             place[0] = static_cast<std::int32_t>(column);
@@ -35,24 +43,35 @@ std::vector<Variant> ReadRow(const Cellset& cellset, std::int32_t row, std::size
     return cells;
 }
 
+/// Moves to the next row, the axis behind the columns varying fastest.
+void MoveToNextRow(const std::vector<std::vector<Tuple>>& axes, std::vector<std::int32_t>& place) {
+    for (std::size_t axis = 1; axis < axes.size(); ++axis) {
+        if (++place[axis] < static_cast<std::int32_t>(axes[axis].size())) {
+            return;
+        }
+        place[axis] = 0;
+    }
+}
+
 } // namespace
 
 CellsetTable ReadGrid(const Cellset& cellset) {
-    constexpr std::int32_t mostAxes = 2;
-    if (cellset.AxisCount() > mostAxes) {
-        throw AutomationError(
-            ErrorNumber::InvalidProcedureCall,
-            fmt::format("The statement has {} axes; columns and rows can be shown. Bring the "
-                        "others together with CrossJoin.",
-                        cellset.AxisCount()));
+    std::vector<std::vector<Tuple>> axes;
+    for (std::int32_t axis = 0; axis < cellset.AxisCount(); ++axis) {
+        axes.push_back(ReadAxis(cellset, axis));
     }
     CellsetTable grid;
-    grid.axisCount = static_cast<std::size_t>(cellset.AxisCount());
-    grid.columns = ReadAxis(cellset, 0);
-    grid.rows = ReadAxis(cellset, 1);
+    grid.axisCount = axes.size();
+    grid.columns = axes.empty() ? std::vector<Tuple>{Tuple{}} : axes.front();
+    grid.rows = CombinedRows(axes);
     grid.cells.reserve(grid.rows.size());
+    std::vector<std::int32_t> place(axes.size());
     for (std::size_t row = 0; row < grid.rows.size(); ++row) {
-        grid.cells.push_back(ReadRow(cellset, static_cast<std::int32_t>(row), grid.columns.size()));
+        grid.cells.push_back(ReadRow(cellset, place, grid.columns.size()));
+        MoveToNextRow(axes, place);
+    }
+    if (axes.size() > 2) {
+        grid.combined.assign(axes.begin() + 1, axes.end());
     }
     return grid;
 }

@@ -10,15 +10,16 @@ namespace qel {
 /// The members of one position of an axis.
 using Tuple = std::vector<CellsetMember>;
 
-/// A cellset of at most two axes, read whole. An axis that the statement has not is one position without
-/// members.
+/// A cellset, read whole. Columns or rows that the statement has not are one position without members. Rows
+/// are the combinations of all axes but the columns, the last axis varying slowest; its members come first.
 struct CellsetTable {
     std::size_t axisCount = 0;
     std::vector<Tuple> columns, rows;
     std::vector<std::vector<Variant>> cells; ///< by row, then column
+    /// The axes that rows combine: the statement's rows and those behind them. Empty for up to two axes.
+    std::vector<std::vector<Tuple>> combined = {};
 };
 
-/// Raises AutomationError for more than two axes.
 CellsetTable ReadGrid(const Cellset& cellset);
 
 /// What a person sees of a member: its caption, or its name when it has none.

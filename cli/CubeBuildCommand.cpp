@@ -50,7 +50,7 @@ void PrintWarnings(const std::vector<engine::BuildWarning>& warnings, std::ostre
 void Build(const BuildArguments& arguments, CommandContext& context) {
     engine::BuildOptions options;
     options.definition = PathFromUtf8(arguments.definition);
-    options.output = PathFromUtf8(arguments.output);
+    options.output = PathFromSetting(arguments.output);
     if (!arguments.skippedLines.empty()) {
         options.skippedLines = PathFromUtf8(arguments.skippedLines);
     }

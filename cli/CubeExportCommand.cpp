@@ -29,7 +29,7 @@ struct ExportArguments {
 
 void Export(const ExportArguments& arguments, CommandContext& context) {
     RequireCubeFile(arguments.file);
-    const auto file = engine::CubeFile::Open(PathFromUtf8(arguments.file));
+    const auto file = engine::CubeFile::Open(PathFromSetting(arguments.file));
     std::vector<std::filesystem::path> written;
     {
         ProgressBar bar(context.messages, context.terminalColumns);

@@ -88,7 +88,7 @@ struct InfoArguments {
 
 void PrintInfo(const InfoArguments& arguments, CommandContext& context) {
     RequireCubeFile(arguments.file);
-    const auto file = engine::CubeFile::Open(PathFromUtf8(arguments.file));
+    const auto file = engine::CubeFile::Open(PathFromSetting(arguments.file));
     if (!arguments.level.empty()) {
         PrintMembers(FindLevel(*file, arguments.level, arguments.cube), context.output);
         return;

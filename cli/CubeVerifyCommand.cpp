@@ -17,7 +17,7 @@ constexpr const char* description = "Check every checksum and invariant of a cub
 
 void Verify(const std::string& file, CommandContext& context) {
     RequireCubeFile(file);
-    const auto cubeFile = engine::CubeFile::Open(PathFromUtf8(file));
+    const auto cubeFile = engine::CubeFile::Open(PathFromSetting(file));
     {
         ProgressBar bar(context.messages, context.terminalColumns);
         cubeFile->Verify([&](double share) { bar.Show("checking", share); });

@@ -12,7 +12,9 @@ namespace {
 
 constexpr const char* description = "Run an MDX statement and print its cells";
 
-constexpr const char* footer = R"(Columns go across, rows go down; an empty cell is empty, not 0.
+constexpr const char* footer =
+    R"(Columns go across, rows go down; an empty cell is empty, not 0. Members of further axes stand before
+those of the rows.
 
 Examples:
   qel mdx demo.cub LedgerFNC 'SELECT {[Measures].[Amount]} ON COLUMNS, [Firma].Members ON ROWS FROM [LedgerFNC]'

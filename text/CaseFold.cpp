@@ -1,6 +1,7 @@
 #include "text/CaseFold.h"
 
 #include "text/CaseRanges.h"
+#include "text/UpperCase.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -104,6 +105,34 @@ std::size_t AppendFoldedCharacter(std::string_view text, std::size_t position, s
     return bytes;
 }
 
+/// The upper-case letter of the table, or the character itself. Two upper-case letters whose lower-case one
+/// has another upper case are left out.
+char32_t UpperCase(char32_t codePoint) {
+    constexpr char32_t dottedI = 0x0130, sharpS = 0x1E9E;
+    for (const CaseRange& range : caseRanges) {
+        const auto upper = static_cast<char32_t>(static_cast<std::int32_t>(codePoint) - range.delta);
+        if (upper >= range.first && upper <= range.last && (upper - range.first) % range.step == 0 &&
+            upper != dottedI && upper != sharpS) {
+            return upper;
+        }
+    }
+    return codePoint;
+}
+
+/// Appends the character `bytes` in upper case.
+void AppendUpper(char32_t codePoint, std::string_view bytes, std::string& text) {
+    if (bytes.size() == 1) {
+        text += bytes[0] >= 'a' && bytes[0] <= 'z' ? static_cast<char>(bytes[0] - ('a' - 'A')) : bytes[0];
+        return;
+    }
+    const char32_t upper = UpperCase(codePoint);
+    if (upper == codePoint) {
+        text += bytes;
+    } else {
+        AppendUtf8(upper, text);
+    }
+}
+
 } // namespace
 
 void AppendFolded(std::string_view text, std::string& folded) {
@@ -145,6 +174,21 @@ bool IsValidUtf8(std::string_view text) {
         i += bytes;
     }
     return true;
+}
+
+std::string UpperCase(std::string_view text) {
+    std::string upper;
+    upper.reserve(text.size());
+    for (std::size_t i = 0; i < text.size();) {
+        const Decoded character = DecodeAt(text, i);
+        if (character.bytes == 0) {
+            upper += text[i++];
+            continue;
+        }
+        AppendUpper(character.codePoint, text.substr(i, character.bytes), upper);
+        i += character.bytes;
+    }
+    return upper;
 }
 
 } // namespace qel

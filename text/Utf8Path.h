@@ -7,7 +7,7 @@
 namespace qel {
 
 std::filesystem::path PathFromUtf8(std::string_view text);
-/// A path from a setting's text, which has "\" or "/" between the parts on every platform.
+/// The path of a setting or of a cube file, which has "\" or "/" between the parts on every platform.
 std::filesystem::path PathFromSetting(std::string_view text);
 /// The path's UTF-8 text, in the platform's own form.
 std::string PathToUtf8(const std::filesystem::path& path);

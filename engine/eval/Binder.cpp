@@ -2,7 +2,9 @@
 
 #include "engine/eval/FunctionLookup.h"
 #include "engine/eval/SetOperations.h"
+#include "engine/mdx/Parser.h"
 #include "engine/mdx/ReservedWords.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 
@@ -14,6 +16,55 @@ using mdx::Node;
 using mdx::NodeId;
 using mdx::NodeKind;
 using mdx::noNode;
+
+namespace {
+
+/// A set by its name, for those that ask how far a function has come in it.
+class IteratedSet final : public SetExpression {
+public:
+    IteratedSet(SetPtr set, std::size_t name)
+        : SetExpression(set->IsConstant(), set->GetDimensionality()), set_(std::move(set)), name_(name) {}
+
+    void Append(Evaluator& evaluator, TupleSet& result) const override { set_->Append(evaluator, result); }
+    std::size_t IterationName() const override { return name_; }
+
+private:
+    SetPtr set_;
+    std::size_t name_;
+};
+
+} // namespace
+
+/// A text that is an expression. Its names are those of the cube; errors point at the text.
+struct Binder::BoundText {
+    BoundText(std::string expression, Binder& outer, NodeId node)
+        : text(std::move(expression)), statement(Parse(outer, node)),
+          binder(statement, outer.space_, outer.evaluator_) {
+        binder.outer_ = outer.outer_ != nullptr ? outer.outer_ : &outer;
+        statement.source = outer.statement_.source;
+        for (Node& each : statement.nodes) {
+            each.range = outer.At(node).range;
+        }
+    }
+
+    mdx::Statement Parse(const Binder& outer, NodeId node) {
+        try {
+            return mdx::ParseText(text, root);
+        } catch (const EngineError& error) {
+            outer.Fail(node, fmt::format("the text \"{}\" is no expression: {}", text, error.what()));
+        }
+    }
+
+    std::string text;
+    NodeId root = noNode;
+    mdx::Statement statement;
+    Binder binder;
+};
+
+Binder::Binder(const mdx::Statement& statement, MemberSpace& space, Evaluator& evaluator)
+    : statement_(statement), space_(space), evaluator_(evaluator), names_(space, statement) {}
+
+Binder::~Binder() = default;
 
 void Binder::BindDefinitions() {
     for (const mdx::Definition& definition : statement_.definitions) {
@@ -28,7 +79,7 @@ void Binder::BindDefinitions() {
     }
     for (const mdx::Definition& definition : statement_.definitions) {
         if (!definition.isSet) {
-            evaluator_.AddFormula({BindNumber(definition.formula), definition.solveOrder, definition.depth,
+            evaluator_.AddFormula({BindValue(definition.formula), definition.solveOrder, definition.depth,
                                    At(definition.name).range});
         }
     }
@@ -79,7 +130,7 @@ Bound Binder::Bind(NodeId id) {
         return MakeNumber(true, [number](Evaluator&) { return number; });
     }
     case NodeKind::Text:
-        return MakeText([text = std::string(node.text)](Evaluator&) { return text; });
+        return MakeText(true, [text = std::string(node.text)](Evaluator&) { return text; });
     case NodeKind::Set:
         return BindBraces(id);
     case NodeKind::Tuple:
@@ -94,6 +145,12 @@ Bound Binder::Bind(NodeId id) {
         return BindChain(id);
     case NodeKind::Comparison:
         return BindComparison(id);
+    case NodeKind::TextChain:
+        return BindTextChain(id);
+    case NodeKind::Case:
+        return BindCase(id);
+    case NodeKind::Alias:
+        return BindAlias(id);
     case NodeKind::Negation: {
         NumberPtr operand = BindNumber(node.firstChild);
         const bool isConstant = operand->IsConstant();
@@ -114,8 +171,13 @@ Bound Binder::BindPath(NodeId id, bool wantsLevel) {
     const Node& node = At(id);
     const Node& first = At(node.firstChild);
     if (node.childCount == 1) {
-        if (const std::optional<std::size_t> set = namedSets_.Find(first.text)) {
-            return BindNamedSet(*set);
+        Binder& root = outer_ != nullptr ? *outer_ : *this;
+        if (const std::optional<std::size_t> set = root.namedSets_.Find(first.text)) {
+            return root.BindNamedSet(*set);
+        }
+        if (const auto alias = aliases_.find(FoldCase(first.text));
+            !aliases_.empty() && alias != aliases_.end()) {
+            return alias->second;
         }
         if (first.isWord && mdx::IsWord(first.text, "null")) {
             return MakeNumber(true, [](Evaluator&) { return CellValue::Empty(); });
@@ -134,10 +196,39 @@ Bound Binder::BindPath(NodeId id, bool wantsLevel) {
 Bound Binder::BindNamedSet(std::size_t set) {
     neededSets_.push_back(set);
     const SetExpression& expression = namedSets_.Expression(set);
-    return MakeSet(expression.IsConstant(), expression.GetDimensionality(),
-                   [this, set](Evaluator& evaluator, TupleSet& result) {
-                       result.Append(namedSets_.Tuples(set, evaluator));
-                   });
+    return std::make_unique<IteratedSet>(MakeSet(expression.IsConstant(), expression.GetDimensionality(),
+                                                 [this, set](Evaluator& evaluator, TupleSet& result) {
+                                                     result.Append(namedSets_.Tuples(set, evaluator));
+                                                 }),
+                                         set);
+}
+
+Bound Binder::BindAlias(NodeId id) {
+    SetPtr set = BindSet(At(id).firstChild);
+    SetAlias alias{namedSetLimit + aliases_.size(), set->GetDimensionality()};
+    const auto [entry, isNew] = aliases_.emplace(FoldCase(At(id).text), std::move(alias));
+    if (!isNew || namedSets_.Find(At(id).text)) {
+        Fail(id, fmt::format("the set {} is defined twice", At(id).text));
+    }
+    return std::make_unique<IteratedSet>(std::move(set), entry->second.iteration);
+}
+
+std::optional<SetAlias> Binder::FindIteration(NodeId id) {
+    const Node& node = At(id);
+    if (node.kind != NodeKind::Path || node.childCount != 1) {
+        return std::nullopt;
+    }
+    const std::string_view name = At(node.firstChild).text;
+    if (const std::optional<std::size_t> set = namedSets_.Find(name)) {
+        return SetAlias{*set, namedSets_.Expression(*set).GetDimensionality()};
+    }
+    const auto alias = aliases_.find(FoldCase(name));
+    return alias == aliases_.end() ? std::nullopt : std::optional(alias->second);
+}
+
+Bound Binder::BindTextOf(NodeId node, std::string text) {
+    texts_.push_back(std::make_unique<BoundText>(std::move(text), *this, node));
+    return texts_.back()->binder.Bind(texts_.back()->root);
 }
 
 Bound Binder::BindBraces(NodeId id) {
@@ -227,7 +318,9 @@ Bound Binder::BindCall(NodeId id) {
     const Node& node = At(id);
     const Function* function = FindFunction(node.text);
     if (function == nullptr) {
-        Fail(id, fmt::format("there is no function {}", node.text));
+        const std::string_view instead = InsteadOf(node.text);
+        Fail(id, instead.empty() ? fmt::format("there is no function {}", node.text)
+                                 : fmt::format("the function {} is not supported; {}", node.text, instead));
     }
     if (node.childCount < function->fewestArguments || node.childCount > function->mostArguments) {
         Fail(id, function->fewestArguments == function->mostArguments

@@ -79,6 +79,21 @@ CellValue CellValue::Inexact(double number) {
     return value;
 }
 
+CellValue CellValue::Text(const std::string& text) {
+    CellValue value;
+    value.isEmpty = false;
+    value.text = &text;
+    return value;
+}
+
+CellValue CellValue::Condition(bool condition) {
+    CellValue value;
+    value.isEmpty = false;
+    value.isCondition = true;
+    value.number = condition ? 1 : 0;
+    return value;
+}
+
 CellValue Add(const CellValue& a, const CellValue& b) {
     if (a.isEmpty) {
         return b;

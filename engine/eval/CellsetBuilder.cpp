@@ -57,10 +57,11 @@ void CellsetBuilder::AddAxis(const TupleSet& tuples, std::vector<std::size_t> le
     }
 }
 
-Cellset CellsetBuilder::Finish(std::vector<CellValue> cells) {
+Cellset CellsetBuilder::Finish(std::vector<CellValue> cells, std::shared_ptr<const TextPool> texts) {
     Cellset cellset;
     cellset.axes_ = std::make_shared<const std::vector<Cellset::Axis>>(std::move(axes_));
     cellset.cells_ = std::move(cells);
+    cellset.texts_ = std::move(texts);
     return cellset;
 }
 

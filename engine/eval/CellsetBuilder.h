@@ -12,8 +12,8 @@ public:
 
     /// Adds the next axis, columns first, with a level count per place (Cellset::LevelCount).
     void AddAxis(const TupleSet& tuples, std::vector<std::size_t> levelCounts);
-    /// Takes the cells of all combinations, columns varying fastest.
-    Cellset Finish(std::vector<CellValue> cells);
+    /// Takes the cells of all combinations, columns varying fastest, and the texts among them.
+    Cellset Finish(std::vector<CellValue> cells, std::shared_ptr<const TextPool> texts);
 
 private:
     AxisMember Describe(MemberRef member) const;

@@ -1,4 +1,5 @@
 #include "engine/eval/Binder.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <fmt/format.h>
 
@@ -14,8 +15,9 @@ using mdx::NodeId;
 namespace {
 
 std::string_view KindOf(const Bound& bound) {
-    constexpr std::array<std::string_view, 8> kinds{"a hierarchy", "a level",  "a member", "a tuple",
-                                                    "a set",       "a number", "a text",   "a condition"};
+    constexpr std::array<std::string_view, 11> kinds{
+        "a hierarchy", "a level", "a member", "a tuple",          "a set", "a number", "a text",
+        "a condition", "a value", "a level",  "the name of a set"};
     return kinds[bound.index()];
 }
 
@@ -42,6 +44,18 @@ bool EvaluateTuple(const TupleExpression& tuple, Evaluator& evaluator, std::vect
         }
     }
     return true;
+}
+
+// Out of the way of evaluation, whose frames have to be small.
+
+[[noreturn, gnu::noinline]] void FailNoText(const Binder& binder, NodeId node, const CellValue& found) {
+    binder.Fail(node, found.isCondition
+                          ? "expected a text, found a condition"
+                          : "expected a text, found a number; Format writes a number as a text");
+}
+
+[[noreturn, gnu::noinline]] void FailNoCondition(const Binder& binder, NodeId node, const CellValue& found) {
+    binder.Fail(node, fmt::format("expected a condition, found the text \"{}\"", *found.text));
 }
 
 Dimensionality DimensionalityOf(const TupleExpression& tuple) {
@@ -71,17 +85,18 @@ SetPtr SetOfTuple(TupleExpression tuple) {
                    });
 }
 
-NumberPtr ValueOf(TupleExpression tuple) {
+NumberPtr ValueOf(TupleExpression tuple, std::optional<mdx::SourceRange> number) {
     Dimensionality dimensionality = DimensionalityOf(tuple);
-    return MakeNumber(
-        false, [dimensionality = std::move(dimensionality), tuple = std::move(tuple)](Evaluator& evaluator) {
-            std::vector<MemberId> ids;
-            if (!EvaluateTuple(tuple, evaluator, ids)) {
-                return CellValue::Empty();
-            }
-            const Evaluator::Position position(evaluator, dimensionality, ids);
-            return evaluator.Cell();
-        });
+    return MakeNumber(false, [number, dimensionality = std::move(dimensionality),
+                              tuple = std::move(tuple)](Evaluator& evaluator) {
+        std::vector<MemberId> ids;
+        if (!EvaluateTuple(tuple, evaluator, ids)) {
+            return CellValue::Empty();
+        }
+        const Evaluator::Position position(evaluator, dimensionality, ids);
+        const CellValue cell = evaluator.Cell();
+        return number ? evaluator.RequireNumber(cell, *number) : cell;
+    });
 }
 
 MemberPtr Binder::ToMember(Bound bound, NodeId node) {
@@ -108,8 +123,13 @@ SetPtr Binder::ToSet(Bound bound, NodeId node) {
         return SetOfTuple(std::move(*tuple));
     }
     const auto* level = std::get_if<LevelName>(&bound);
-    if (level != nullptr && level->member == noMember) {
+    if ((level != nullptr && level->member == noMember) || std::holds_alternative<LevelOfMember>(bound)) {
         Fail(node, "expected a set, found a level; its members are written with .Members");
+    }
+    if (std::holds_alternative<SetAlias>(bound)) {
+        Fail(node,
+             "the name that a set has after AS stands before .Current and .CurrentOrdinal; to use the set "
+             "again, define it with WITH SET");
     }
     if (bound.index() > 2) {
         Fail(node, fmt::format("expected a set, found {}", KindOf(bound)));
@@ -120,37 +140,108 @@ SetPtr Binder::ToSet(Bound bound, NodeId node) {
 }
 
 NumberPtr Binder::ToNumber(Bound bound, NodeId node) {
+    const mdx::SourceRange range = At(node).range;
     if (auto* number = std::get_if<NumberPtr>(&bound)) {
         return std::move(*number);
     }
+    if (auto* any = std::get_if<AnyValue>(&bound)) {
+        const bool isConstant = any->value->IsConstant();
+        return MakeNumber(isConstant, [range, value = std::move(any->value)](Evaluator& evaluator) {
+            return evaluator.RequireNumber(value->Evaluate(evaluator), range);
+        });
+    }
+    return ValueOf(ToTuple(std::move(bound), node, "a number"), range);
+}
+
+NumberPtr Binder::ToValue(Bound bound, NodeId node) {
+    if (auto* number = std::get_if<NumberPtr>(&bound)) {
+        return std::move(*number);
+    }
+    if (auto* any = std::get_if<AnyValue>(&bound)) {
+        return std::move(any->value);
+    }
+    if (auto* text = std::get_if<TextPtr>(&bound)) {
+        const bool isConstant = (*text)->IsConstant();
+        return MakeNumber(isConstant, [text = std::move(*text)](Evaluator& evaluator) {
+            return evaluator.ValueOfText(text->Evaluate(evaluator));
+        });
+    }
+    if (auto* condition = std::get_if<ConditionPtr>(&bound)) {
+        return MakeNumber(false, [condition = std::move(*condition)](Evaluator& evaluator) {
+            return CellValue::Condition(condition->Evaluate(evaluator));
+        });
+    }
+    return ValueOf(ToTuple(std::move(bound), node, "a value"), std::nullopt);
+}
+
+/// A member or a tuple, of which the value is meant.
+TupleExpression Binder::ToTuple(Bound bound, NodeId node, std::string_view expected) {
     if (auto* tuple = std::get_if<TupleExpression>(&bound)) {
-        return ValueOf(std::move(*tuple));
+        return std::move(*tuple);
     }
     if (bound.index() > 2) {
-        Fail(node, fmt::format("expected a number, found {}", KindOf(bound)));
+        Fail(node, fmt::format("expected {}, found {}", expected, KindOf(bound)));
     }
     TupleExpression tuple;
     tuple.push_back(ToMember(std::move(bound), node));
-    return ValueOf(std::move(tuple));
+    return tuple;
 }
 
-TextPtr Binder::BindText(NodeId node) {
-    Bound bound = Bind(node);
+TextPtr Binder::ToText(Bound bound, NodeId node) {
     if (auto* text = std::get_if<TextPtr>(&bound)) {
         return std::move(*text);
     }
-    Fail(node, fmt::format("expected a text, found {}", KindOf(bound)));
+    if (std::holds_alternative<NumberPtr>(bound)) {
+        if (!mdx::IsWord(Word(node), "null")) {
+            FailNoText(*this, node, CellValue::Exact(0, 0));
+        }
+    } else if (bound.index() > 3 && !std::holds_alternative<AnyValue>(bound)) {
+        Fail(node, fmt::format("expected a text, found {}", KindOf(bound)));
+    }
+    NumberPtr value = ToValue(std::move(bound), node);
+    const bool isConstant = value->IsConstant();
+    return MakeText(isConstant, [this, node, value = std::move(value)](Evaluator& evaluator) {
+        const CellValue found = value->Evaluate(evaluator);
+        if (!found.isEmpty && found.text == nullptr) {
+            FailNoText(*this, node, found);
+        }
+        return found.isEmpty ? std::string() : *found.text;
+    });
 }
 
-ConditionPtr Binder::BindCondition(NodeId node) {
-    Bound bound = Bind(node);
+ConditionPtr Binder::ToCondition(Bound bound, NodeId node) {
     if (auto* condition = std::get_if<ConditionPtr>(&bound)) {
         return std::move(*condition);
     }
-    NumberPtr number = ToNumber(std::move(bound), node); // any number but 0 is true
-    return MakeCondition([number = std::move(number)](Evaluator& evaluator) {
-        return Compare(number->Evaluate(evaluator), CellValue::Empty()) != 0;
+    if (std::holds_alternative<TextPtr>(bound)) {
+        Fail(node, "expected a condition, found a text");
+    }
+    NumberPtr value = ToValue(std::move(bound), node); // any number but 0 is true
+    return MakeCondition([this, node, value = std::move(value)](Evaluator& evaluator) {
+        const CellValue found = value->Evaluate(evaluator);
+        if (found.text != nullptr) {
+            FailNoCondition(*this, node, found);
+        }
+        return Compare(found, CellValue::Empty()) != 0;
     });
+}
+
+int CompareValues(const Evaluator& evaluator, const CellValue& a, const CellValue& b,
+                  mdx::SourceRange range) {
+    const bool areTexts = a.text != nullptr || b.text != nullptr;
+    const bool sameKind = a.isEmpty || b.isEmpty ||
+                          ((a.text != nullptr) == (b.text != nullptr) && a.isCondition == b.isCondition);
+    if (!sameKind) {
+        mdx::RaiseAt(ErrorKind::InvalidExpression, evaluator.Statement(), range,
+                     "values of different kinds cannot be compared: a number, a text or a condition with "
+                     "another");
+    }
+    if (!areTexts) {
+        return Compare(a, b);
+    }
+    const std::string_view left = a.text != nullptr ? std::string_view(*a.text) : std::string_view();
+    const std::string_view right = b.text != nullptr ? std::string_view(*b.text) : std::string_view();
+    return left.compare(right);
 }
 
 LevelRef Binder::BindLevel(NodeId node) {
@@ -160,6 +251,10 @@ LevelRef Binder::BindLevel(NodeId node) {
 LevelRef Binder::ToLevel(const Bound& bound, NodeId node) const {
     if (const auto* level = std::get_if<LevelName>(&bound)) {
         return level->level;
+    }
+    if (std::holds_alternative<LevelOfMember>(bound)) {
+        Fail(node, "expected a level, found that of a member that depends on cells; name the level, or write "
+                   "a number of levels where one may stand");
     }
     Fail(node, fmt::format("expected a level, found {}", KindOf(bound)));
 }

@@ -92,6 +92,16 @@ CellValue Evaluator::Cell() {
     return ReadFolded();
 }
 
+const CellValue& Evaluator::RequireNumber(const CellValue& value, mdx::SourceRange range) const {
+    if (!value.IsNumber()) {
+        mdx::RaiseAt(ErrorKind::InvalidExpression, statement_, range,
+                     value.isCondition
+                         ? "expected a number, found a condition"
+                         : fmt::format("expected a number, found the text \"{}\"", *value.text));
+    }
+    return value;
+}
+
 std::optional<CellValue> Evaluator::FoldedCell(const SumOfSet& sum) {
     if (!Fold(&sum)) {
         return std::nullopt;
@@ -328,6 +338,21 @@ Evaluator::CompoundPosition::CompoundPosition(Evaluator& evaluator, const Compou
 Evaluator::CompoundPosition::~CompoundPosition() {
     evaluator_.compounds_.pop_back();
     evaluator_.coordinates_ = std::move(saved_);
+}
+
+Evaluator::Iteration::Iteration(Evaluator& evaluator, std::size_t name, const TupleSet& tuples)
+    : evaluator_(evaluator), name_(name), tuples_(&tuples), before_(evaluator.IterationOf(name)) {}
+
+Evaluator::Iteration::~Iteration() { evaluator_.SetIteration(name_, before_); }
+
+void Evaluator::SetIteration(std::size_t name, IterationPlace place) {
+    if (name == noIteration) {
+        return;
+    }
+    if (name >= iterations_.size()) {
+        iterations_.resize(name + 1);
+    }
+    iterations_[name] = place;
 }
 
 Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::SourceRange range, int depth)

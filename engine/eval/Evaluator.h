@@ -3,6 +3,7 @@
 #include "engine/eval/CompoundSet.h"
 #include "engine/eval/FactAccessPlan.h"
 #include "engine/eval/SumOfSet.h"
+#include "engine/eval/TextPool.h"
 
 #include <deque>
 #include <functional>
@@ -21,6 +22,12 @@ struct CalculatedFormula {
     int solveOrder = 0;
     int depth = 0; ///< how many expressions stand inside one another in it
     mdx::SourceRange range;
+};
+
+/// A tuple of a set that a function goes through.
+struct IterationPlace {
+    const TupleSet* tuples = nullptr;
+    std::size_t tuple = 0;
 };
 
 /// The facts that a cell reads: at most one restriction per key column, and a measure.
@@ -55,6 +62,11 @@ public:
 
     /// The value of the cell at the current coordinates.
     CellValue Cell();
+    /// Returns the value; raises InvalidExpression at `range` when it is a text or a condition.
+    const CellValue& RequireNumber(const CellValue& value, mdx::SourceRange range) const;
+    /// The text as a value. Raises TooLarge when the statement's texts exceed their limit.
+    CellValue ValueOfText(std::string text) { return CellValue::Text(texts_->Keep(std::move(text))); }
+    std::shared_ptr<const TextPool> Texts() const { return texts_; }
     /// The value of the sum at the current coordinates, when it is a single read of facts.
     std::optional<CellValue> FoldedCell(const SumOfSet& sum);
     /// Visits every read of facts that the current cell sums, leaving out restrictions of the hierarchies in
@@ -87,6 +99,27 @@ public:
         Evaluator& evaluator_;
         std::vector<MemberId> saved_;
     };
+
+    /// Tells `set.Current` and `set.CurrentOrdinal` which tuple of a named set a function has come to.
+    class Iteration {
+    public:
+        /// `name` is the number of the set's name, or noIteration.
+        Iteration(Evaluator& evaluator, std::size_t name, const TupleSet& tuples);
+        ~Iteration();
+        Iteration(const Iteration&) = delete;
+        Iteration& operator=(const Iteration&) = delete;
+        void MoveTo(std::size_t tuple) { evaluator_.SetIteration(name_, {tuples_, tuple}); }
+
+    private:
+        Evaluator& evaluator_;
+        std::size_t name_;
+        const TupleSet* tuples_;
+        IterationPlace before_;
+    };
+    /// Where the innermost iteration over the set of this name is; no tuples outside of one.
+    IterationPlace IterationOf(std::size_t name) const {
+        return name < iterations_.size() ? iterations_[name] : IterationPlace{};
+    }
 
     /// Goes back to the slicer's coordinates for as long as it lives.
     class SlicerScope {
@@ -133,6 +166,7 @@ private:
         CodeRanges codes;
     };
 
+    void SetIteration(std::size_t name, IterationPlace place);
     const CalculatedFormula* TopFormula(std::span<const MemberId> coordinates) const;
     /// Replaces calculated members by what their formulas read, starting with `sum` unless it is null. False
     /// when a formula is not a foldable sum.
@@ -156,6 +190,8 @@ private:
     std::vector<Compound> compounds_;   ///< by number from firstCompound on
     std::vector<MemberId> saved_;       ///< coordinates replaced by Position objects
     std::vector<CalculatedFormula> formulas_;
+    std::vector<IterationPlace> iterations_; ///< by the number of a set's name
+    std::shared_ptr<TextPool> texts_ = std::make_shared<TextPool>();
     std::vector<MemberId> folding_; ///< coordinates during Fold
     std::vector<FoldedHierarchy> folded_;
     FactCell cell_;

@@ -76,6 +76,9 @@ private:
     HierarchyId hierarchy_;
 };
 
+/// The number of no name of a set.
+inline constexpr std::size_t noIteration = static_cast<std::size_t>(-1);
+
 class SetExpression : public Expression {
 public:
     SetExpression(bool isConstant, Dimensionality dimensionality)
@@ -84,6 +87,8 @@ public:
     const Dimensionality& GetDimensionality() const { return dimensionality_; }
     /// Appends the set's tuples to `result`, which has the same dimensionality.
     virtual void Append(Evaluator& evaluator, TupleSet& result) const = 0;
+    /// The number of the name that `set.Current` knows the set by, or noIteration.
+    virtual std::size_t IterationName() const { return noIteration; }
     TupleSet Evaluate(Evaluator& evaluator) const {
         TupleSet result{dimensionality_, {}};
         Append(evaluator, result);
@@ -133,8 +138,8 @@ NumberPtr MakeNumber(bool isConstant, Function function) {
     return std::make_unique<FunctionExpression<NumberExpression, Function>>(std::move(function), isConstant);
 }
 template <class Function>
-TextPtr MakeText(Function function) {
-    return std::make_unique<FunctionExpression<TextExpression, Function>>(std::move(function), false);
+TextPtr MakeText(bool isConstant, Function function) {
+    return std::make_unique<FunctionExpression<TextExpression, Function>>(std::move(function), isConstant);
 }
 template <class Function>
 ConditionPtr MakeCondition(Function function) {

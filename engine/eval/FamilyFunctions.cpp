@@ -9,129 +9,11 @@
 #include <optional>
 #include <variant>
 
-// Functions that navigate a hierarchy from a member: its relatives, and the periods before it.
+// Functions that navigate a hierarchy from a member to its relatives.
 
 namespace qel::engine {
 
 namespace {
-
-/// The first hierarchy of the time dimension; raises InvalidExpression when there is none.
-HierarchyId TimeHierarchy(const Call& call) {
-    for (const Dimension& dimension : call.binder.Space().GetCube().Dimensions()) {
-        if (dimension.isTime) {
-            return static_cast<HierarchyId>(dimension.hierarchies.front());
-        }
-    }
-    call.binder.Fail(call.node, "the cube has no time dimension, so a member must be given");
-}
-
-/// The argument's member, or the current period when the argument is missing.
-MemberPtr PeriodArgument(Call& call, std::size_t argument) {
-    if (call.Count() > argument) {
-        return call.Member(argument);
-    }
-    const HierarchyId time = TimeHierarchy(call);
-    return MakeMember(false, time, [time, range = call.binder.At(call.node).range](Evaluator& evaluator) {
-        return evaluator.Current(time, range);
-    });
-}
-
-/// The members between `first` and `last`, in either order, clipped to the level.
-MemberRange ClippedToLevel(const MemberSpace& space, MemberRef member, std::int64_t first,
-                           std::int64_t last) {
-    const MemberRange level = space.LevelMembers({member.hierarchy, space.LevelOf(member)});
-    const auto clip = [&](std::int64_t id) {
-        return static_cast<MemberId>(std::clamp<std::int64_t>(id, level.first, level.last));
-    };
-    return {clip(first), std::max(clip(first), clip(last))};
-}
-
-Bound LastPeriods(Call& call) {
-    NumberPtr count = call.Number(0);
-    MemberPtr member = PeriodArgument(call, 1);
-    const HierarchyId hierarchy = member->Hierarchy();
-    const bool isConstant = count->IsConstant() && member->IsConstant();
-    return MakeSet(
-        isConstant, {hierarchy},
-        [count = std::move(count), member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
-            const MemberRef last{member->Hierarchy(), member->Evaluate(evaluator)};
-            if (last.id == noMember || IsCalculated(last.id)) {
-                return;
-            }
-            const std::int64_t periods = WholeNumber(count->Evaluate(evaluator));
-            const std::int64_t id = last.id;
-            const std::int64_t first = periods > 0 ? id - periods + 1 : id;
-            const std::int64_t end = periods > 0 ? id + 1 : id - periods;
-            result.Append(ClippedToLevel(evaluator.Space(), last, first, end));
-        });
-}
-
-/// The members of the last one's level, from the first one under the same ancestor up to it.
-SetPtr ToDate(LevelRef level, MemberPtr member) {
-    const bool isConstant = member->IsConstant();
-    return MakeSet(
-        isConstant, {level.hierarchy},
-        [level, member = std::move(member)](Evaluator& evaluator, TupleSet& result) {
-            const MemberSpace& space = evaluator.Space();
-            const MemberRef last{level.hierarchy, member->Evaluate(evaluator)};
-            const MemberId ancestor = space.AncestorAt(last, level.level);
-            if (ancestor == noMember || IsCalculated(last.id)) {
-                return;
-            }
-            const MemberRange all = space.DescendantsAt({level.hierarchy, ancestor}, space.LevelOf(last));
-            result.Append(MemberRange{all.first, last.id + 1});
-        });
-}
-
-Bound PeriodsToDate(Call& call) {
-    const LevelRef level = call.binder.BindLevel(call.arguments[0]);
-    const mdx::SourceRange range = call.binder.At(call.node).range;
-    MemberPtr member = call.Count() > 1
-                           ? call.Member(1)
-                           : MakeMember(false, level.hierarchy, [level, range](Evaluator& evaluator) {
-                                 return evaluator.Current(level.hierarchy, range);
-                             });
-    if (member->Hierarchy() != level.hierarchy) {
-        call.binder.Fail(call.arguments[1], "the member and the level are of different hierarchies");
-    }
-    return ToDate(level, std::move(member));
-}
-
-/// Years are the level directly below All.
-Bound YearToDate(Call& call) {
-    MemberPtr member = PeriodArgument(call, 0);
-    const HierarchyId hierarchy = member->Hierarchy();
-    const MemberSpace& space = call.binder.Space();
-    const bool hasAll = !space.IsMeasures(hierarchy) && space.Stored(hierarchy).HasAll();
-    return ToDate({hierarchy, hasAll ? std::size_t{1} : std::size_t{0}}, std::move(member));
-}
-
-Bound ParallelPeriod(Call& call) {
-    const LevelRef level = call.binder.BindLevel(call.arguments[0]);
-    NumberPtr lag = call.Number(1);
-    MemberPtr member = call.Member(2);
-    if (member->Hierarchy() != level.hierarchy) {
-        call.binder.Fail(call.arguments[2], "the member and the level are of different hierarchies");
-    }
-    const bool isConstant = lag->IsConstant() && member->IsConstant();
-    return MakeMember(
-        isConstant, level.hierarchy,
-        [level, lag = std::move(lag), member = std::move(member)](Evaluator& evaluator) {
-            const MemberSpace& space = evaluator.Space();
-            const MemberRef here{level.hierarchy, member->Evaluate(evaluator)};
-            const MemberId ancestor = space.AncestorAt(here, level.level);
-            const MemberId other =
-                space.Shifted({level.hierarchy, ancestor}, -WholeNumber(lag->Evaluate(evaluator)));
-            if (other == noMember || IsCalculated(here.id)) {
-                return noMember;
-            }
-            const std::size_t depth = space.LevelOf(here);
-            const MemberId start = space.DescendantsAt({level.hierarchy, ancestor}, depth).first;
-            const MemberRange there = space.DescendantsAt({level.hierarchy, other}, depth);
-            const MemberId place = here.id - start;
-            return place < there.Count() ? there.first + place : noMember;
-        });
-}
 
 /// An argument that is a level, or a number of levels. It is bound once: calls inside one another would
 /// double the work at every step.
@@ -146,6 +28,9 @@ std::variant<LevelRef, NumberPtr> LevelOrDistance(Call& call, std::size_t argume
     if (auto* number = std::get_if<NumberPtr>(&bound)) {
         return std::move(*number);
     }
+    if (std::holds_alternative<AnyValue>(bound)) {
+        return call.binder.ToNumber(std::move(bound), node);
+    }
     return call.binder.ToLevel(bound, node);
 }
 
@@ -156,8 +41,7 @@ void CheckHierarchy(const Call& call, LevelRef level, HierarchyId hierarchy) {
     }
 }
 
-Bound Ancestor(Call& call) {
-    MemberPtr member = call.Member(0);
+MemberPtr AncestorOf(Call& call, MemberPtr member) {
     const HierarchyId hierarchy = member->Hierarchy();
     const bool isConstant = member->IsConstant();
     std::variant<LevelRef, NumberPtr> target = LevelOrDistance(call, 1);
@@ -179,6 +63,18 @@ Bound Ancestor(Call& call) {
     return MakeMember(isConstant, hierarchy, [level, member = std::move(member)](Evaluator& evaluator) {
         return evaluator.Space().AncestorAt({member->Hierarchy(), member->Evaluate(evaluator)}, level.level);
     });
+}
+
+Bound Ancestor(Call& call) {
+    MemberPtr member = call.Member(0);
+    return AncestorOf(call, std::move(member));
+}
+
+/// The set of that one ancestor.
+Bound Ancestors(Call& call) {
+    TupleExpression tuple;
+    tuple.push_back(AncestorOf(call, call.Member(0)));
+    return SetOfTuple(std::move(tuple));
 }
 
 Bound Ascendants(Call& call) {
@@ -274,11 +170,8 @@ Bound Descendants(Call& call) {
                    });
 }
 
-constexpr std::array<Function, 7> functions{{{"LastPeriods", 1, 2, LastPeriods},
-                                             {"PeriodsToDate", 1, 2, PeriodsToDate},
-                                             {"YTD", 0, 1, YearToDate},
-                                             {"ParallelPeriod", 3, 3, ParallelPeriod},
-                                             {"Ancestor", 2, 2, Ancestor},
+constexpr std::array<Function, 4> functions{{{"Ancestor", 2, 2, Ancestor},
+                                             {"Ancestors", 2, 2, Ancestors},
                                              {"Ascendants", 1, 1, Ascendants},
                                              {"Descendants", 1, 3, Descendants}}};
 

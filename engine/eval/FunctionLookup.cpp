@@ -12,7 +12,9 @@ namespace qel::engine {
 
 const Function* FindFunction(std::string_view name) {
     for (const std::span<const Function> table :
-         {NumberFunctions(), FamilyFunctions(), SetFunctions(), SortFunctions()}) {
+         {NumberFunctions(), ConditionalFunctions(), PeriodFunctions(), FamilyFunctions(), SetFunctions(),
+          SortFunctions(), ExistenceFunctions(), DrillFunctions(), StatisticFunctions(), RankFunctions(),
+          TextFunctions(), TextConversions(), MemberTests()}) {
         for (const Function& function : table) {
             if (mdx::IsWord(name, function.name)) {
                 return &function;
@@ -20,6 +22,23 @@ const Function* FindFunction(std::string_view name) {
         }
     }
     return nullptr;
+}
+
+NumberPtr Call::NumberOrCell(std::size_t argument) {
+    if (Has(argument)) {
+        return Number(argument);
+    }
+    return MakeNumber(false, [range = Range()](Evaluator& evaluator) {
+        return evaluator.RequireNumber(evaluator.Cell(), range);
+    });
+}
+
+std::string Call::ConstantText(std::size_t argument) {
+    const TextPtr text = Text(argument);
+    if (!text->IsConstant()) { // its cells have no formulas before all of them are bound
+        binder.Fail(arguments[argument], "expected a text that does not depend on cells");
+    }
+    return text->Evaluate(binder.GetEvaluator());
 }
 
 std::size_t Call::Flag(std::size_t argument, std::span<const std::string_view> words) const {

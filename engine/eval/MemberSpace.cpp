@@ -9,6 +9,14 @@ std::string MemberSpace::HierarchyUniqueName(HierarchyId hierarchy) const {
     return IsMeasures(hierarchy) ? "[Measures]" : Stored(hierarchy).UniqueName();
 }
 
+std::string MemberSpace::HierarchyName(HierarchyId hierarchy) const {
+    return IsMeasures(hierarchy) ? "Measures" : Stored(hierarchy).Name();
+}
+
+std::string MemberSpace::DimensionName(HierarchyId hierarchy) const {
+    return IsMeasures(hierarchy) ? "Measures" : cube_.Dimensions()[Stored(hierarchy).DimensionIndex()].name;
+}
+
 MemberId MemberSpace::DefaultMember(HierarchyId hierarchy) const {
     return IsMeasures(hierarchy) ? static_cast<MemberId>(cube_.DefaultMeasure())
                                  : Stored(hierarchy).DefaultMember();

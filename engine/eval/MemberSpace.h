@@ -59,6 +59,8 @@ public:
     const Hierarchy& Stored(HierarchyId hierarchy) const { return cube_.Hierarchies()[hierarchy]; }
 
     std::string HierarchyUniqueName(HierarchyId hierarchy) const;
+    std::string HierarchyName(HierarchyId hierarchy) const;
+    std::string DimensionName(HierarchyId hierarchy) const;
     MemberId DefaultMember(HierarchyId hierarchy) const;
     std::size_t LevelCount(HierarchyId hierarchy) const;
     std::string_view LevelName(LevelRef level) const;

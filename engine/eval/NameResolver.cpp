@@ -56,7 +56,7 @@ std::optional<Resolved> NameResolver::ResolveAll() {
     const std::optional<std::size_t> index =
         parts_[0]->isKey ? std::nullopt : cube.FindDimension(parts_[0]->text);
     if (!index) {
-        return std::nullopt;
+        return WithoutDimension();
     }
     const std::vector<std::size_t>& hierarchies = cube.Dimensions()[*index].hierarchies;
     furthest_ = 1;
@@ -77,6 +77,46 @@ std::optional<Resolved> NameResolver::ResolveAll() {
         }
     }
     return std::nullopt;
+}
+
+/// A path that starts with a hierarchy, a level, or a member that has no parent or only All: in the first
+/// dimension of the cube that has it.
+std::optional<Resolved> NameResolver::WithoutDimension() {
+    const Cube& cube = space_.GetCube();
+    for (const Dimension& dimension : cube.Dimensions()) {
+        for (const std::size_t number : dimension.hierarchies) {
+            const auto hierarchy = static_cast<HierarchyId>(number);
+            std::optional<Resolved> resolved;
+            if (IsNamed(0, cube.Hierarchies()[number].Name())) {
+                resolved = InHierarchy(hierarchy, 1);
+            } else if (!parts_[0]->isKey && StartsIn(hierarchy)) {
+                resolved = InHierarchy(hierarchy, 0);
+            }
+            if (resolved) {
+                return resolved;
+            }
+        }
+    }
+    if (!parts_[0]->isKey) { // a measure without [Measures]
+        if (const std::optional<std::size_t> measure = cube.FindMeasure(parts_[0]->text);
+            measure && parts_.size() == 1) {
+            return MemberRef{space_.Measures(), static_cast<MemberId>(*measure)};
+        }
+    }
+    furthest_ = 0;
+    return std::nullopt;
+}
+
+/// Whether the first part names a level, or a member on the top level or below All.
+bool NameResolver::StartsIn(HierarchyId hierarchy) const {
+    const Hierarchy& stored = space_.Stored(hierarchy);
+    const MemberRange top = space_.LevelMembers({hierarchy, 0});
+    const MemberRange start = stored.HasAll() && stored.Levels().size() > 1
+                                  ? MemberRange{top.first, space_.LevelMembers({hierarchy, 1}).last}
+                                  : top;
+    std::vector<MemberId> found;
+    Find(hierarchy, start, 0, found);
+    return !found.empty() || stored.FindLevel(parts_[0]->text).has_value();
 }
 
 std::optional<Resolved> NameResolver::InMeasures() {

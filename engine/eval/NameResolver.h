@@ -37,6 +37,8 @@ public:
 
 private:
     std::optional<Resolved> ResolveAll();
+    std::optional<Resolved> WithoutDimension();
+    bool StartsIn(HierarchyId hierarchy) const;
     std::optional<Resolved> InMeasures();
     std::optional<Resolved> InHierarchy(HierarchyId hierarchy, std::size_t part);
     MemberId MemberPath(HierarchyId hierarchy, MemberRange among, std::size_t part);

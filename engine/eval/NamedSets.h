@@ -10,6 +10,9 @@
 
 namespace qel::engine {
 
+/// No statement has as many named sets: aliases are numbered from here, see SetAlias.
+inline constexpr std::size_t namedSetLimit = 1U << 24U;
+
 /// A named set of WITH. `needs` are the sets before it that its formula names.
 struct NamedSet {
     std::string_view name;

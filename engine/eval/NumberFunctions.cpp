@@ -1,3 +1,4 @@
+#include "engine/eval/ForEachTuple.h"
 #include "engine/eval/FunctionLookup.h"
 
 #include <array>
@@ -11,7 +12,7 @@ namespace {
 Bound SumOver(Call& call, SumOfSet::Kind kind) {
     SetPtr set = call.Set(0);
     if (call.Count() == 1) {
-        return std::make_unique<SumOfSet>(kind, std::move(set), nullptr, std::nullopt);
+        return std::make_unique<SumOfSet>(kind, std::move(set), nullptr, std::nullopt, call.Range());
     }
     Bound value = call.binder.Bind(call.arguments[1]);
     std::optional<MemberRef> member;
@@ -20,7 +21,8 @@ Bound SumOver(Call& call, SumOfSet::Kind kind) {
         member = MemberRef{(*expression)->Hierarchy(), (*expression)->Evaluate(call.binder.GetEvaluator())};
     }
     return std::make_unique<SumOfSet>(kind, std::move(set),
-                                      call.binder.ToNumber(std::move(value), call.arguments[1]), member);
+                                      call.binder.ToNumber(std::move(value), call.arguments[1]), member,
+                                      call.Range());
 }
 
 Bound Sum(Call& call) { return SumOver(call, SumOfSet::Kind::Sum); }
@@ -28,24 +30,21 @@ Bound Aggregate(Call& call) { return SumOver(call, SumOfSet::Kind::Aggregate); }
 
 /// Calls take(value) with every non-empty value of the set's cells. Returns the number of tuples.
 template <class Take>
-std::size_t VisitValues(const SetExpression& set, const NumberExpression* value, Evaluator& evaluator,
+std::size_t VisitValues(const SetExpression& set, const NumberExpression& value, Evaluator& evaluator,
                         const Take& take) {
-    const TupleSet tuples = set.Evaluate(evaluator);
-    for (std::size_t i = 0; i < tuples.Count(); ++i) {
-        const Evaluator::Position position(evaluator, tuples.dimensionality, tuples.At(i));
-        const CellValue cell = value != nullptr ? value->Evaluate(evaluator) : evaluator.Cell();
+    return ForEachTuple(evaluator, set, [&](std::span<const MemberId>) {
+        const CellValue cell = value.Evaluate(evaluator);
         if (!cell.isEmpty) {
             take(cell);
         }
-    }
-    return tuples.Count();
+    });
 }
 
 Bound Average(Call& call) {
-    return MakeNumber(false, [set = call.Set(0), value = call.OptionalNumber(1)](Evaluator& evaluator) {
+    return MakeNumber(false, [set = call.Set(0), value = call.NumberOrCell(1)](Evaluator& evaluator) {
         CellValue sum;
         std::int64_t count = 0;
-        VisitValues(*set, value.get(), evaluator, [&](const CellValue& cell) {
+        VisitValues(*set, *value, evaluator, [&](const CellValue& cell) {
             sum = Add(sum, cell);
             ++count;
         });
@@ -55,9 +54,9 @@ Bound Average(Call& call) {
 
 /// Min with sign 1, Max with sign -1.
 Bound Extreme(Call& call, int sign) {
-    return MakeNumber(false, [sign, set = call.Set(0), value = call.OptionalNumber(1)](Evaluator& evaluator) {
+    return MakeNumber(false, [sign, set = call.Set(0), value = call.NumberOrCell(1)](Evaluator& evaluator) {
         CellValue extreme;
-        VisitValues(*set, value.get(), evaluator, [&](const CellValue& cell) {
+        VisitValues(*set, *value, evaluator, [&](const CellValue& cell) {
             if (extreme.isEmpty || sign * Compare(cell, extreme) < 0) {
                 extreme = cell;
             }
@@ -79,39 +78,27 @@ Bound Count(Call& call) {
             return CellValue::Exact(static_cast<std::int64_t>(set->Evaluate(evaluator).Count()), 0);
         }
         std::int64_t count = 0;
-        VisitValues(*set, nullptr, evaluator, [&](const CellValue&) { ++count; });
+        ForEachTuple(evaluator, *set,
+                     [&](std::span<const MemberId>) { count += evaluator.Cell().isEmpty ? 0 : 1; });
         return CellValue::Exact(count, 0);
     });
 }
 
-Bound IIf(Call& call) {
-    Bound whenTrue = call.binder.Bind(call.arguments[1]);
-    ConditionPtr condition = call.binder.BindCondition(call.arguments[0]);
-    if (std::holds_alternative<TextPtr>(whenTrue)) {
-        return MakeText([condition = std::move(condition), whenTrue = std::get<TextPtr>(std::move(whenTrue)),
-                         whenFalse = call.binder.BindText(call.arguments[2])](Evaluator& evaluator) {
-            return condition->Evaluate(evaluator) ? whenTrue->Evaluate(evaluator)
-                                                  : whenFalse->Evaluate(evaluator);
-        });
-    }
-    return MakeNumber(false, [condition = std::move(condition),
-                              number = call.binder.ToNumber(std::move(whenTrue), call.arguments[1]),
-                              other = call.Number(2)](Evaluator& evaluator) {
-        return condition->Evaluate(evaluator) ? number->Evaluate(evaluator) : other->Evaluate(evaluator);
-    });
-}
-
 Bound IsEmptyCell(Call& call) {
-    return MakeCondition(
-        [value = call.Number(0)](Evaluator& evaluator) { return value->Evaluate(evaluator).isEmpty; });
+    return MakeCondition([value = call.binder.BindValue(call.arguments[0])](Evaluator& evaluator) {
+        return value->Evaluate(evaluator).isEmpty;
+    });
 }
 
 Bound CoalesceEmpty(Call& call) {
     std::vector<NumberPtr> values;
-    for (std::size_t i = 0; i < call.Count(); ++i) {
-        values.push_back(call.Number(i));
+    bool areNumbers = true;
+    for (const mdx::NodeId argument : call.arguments) {
+        Bound value = call.binder.Bind(argument);
+        areNumbers = areNumbers && std::holds_alternative<NumberPtr>(value);
+        values.push_back(call.binder.ToValue(std::move(value), argument));
     }
-    return MakeNumber(false, [values = std::move(values)](Evaluator& evaluator) {
+    NumberPtr first = MakeNumber(false, [values = std::move(values)](Evaluator& evaluator) {
         CellValue result;
         for (const NumberPtr& value : values) {
             result = value->Evaluate(evaluator);
@@ -121,6 +108,7 @@ Bound CoalesceEmpty(Call& call) {
         }
         return result;
     });
+    return areNumbers ? Bound(std::move(first)) : Bound(AnyValue{std::move(first)});
 }
 
 Bound Absolute(Call& call) {
@@ -130,16 +118,15 @@ Bound Absolute(Call& call) {
     });
 }
 
-constexpr std::array<Function, 10> functions{{{"Sum", 1, 2, Sum},
-                                              {"Aggregate", 1, 2, Aggregate},
-                                              {"Avg", 1, 2, Average},
-                                              {"Min", 1, 2, Minimum},
-                                              {"Max", 1, 2, Maximum},
-                                              {"Count", 1, 2, Count},
-                                              {"IIf", 3, 3, IIf},
-                                              {"IsEmpty", 1, 1, IsEmptyCell},
-                                              {"CoalesceEmpty", 1, anyNumber, CoalesceEmpty},
-                                              {"Abs", 1, 1, Absolute}}};
+constexpr std::array<Function, 9> functions{{{"Sum", 1, 2, Sum},
+                                             {"Aggregate", 1, 2, Aggregate},
+                                             {"Avg", 1, 2, Average},
+                                             {"Min", 1, 2, Minimum},
+                                             {"Max", 1, 2, Maximum},
+                                             {"Count", 1, 2, Count},
+                                             {"IsEmpty", 1, 1, IsEmptyCell},
+                                             {"CoalesceEmpty", 1, anyNumber, CoalesceEmpty},
+                                             {"Abs", 1, 1, Absolute}}};
 
 } // namespace
 

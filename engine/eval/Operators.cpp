@@ -2,6 +2,8 @@
 #include "engine/eval/SetOperations.h"
 #include "engine/mdx/ReservedWords.h"
 
+#include <functional>
+
 // Operators: + - * / on numbers and sets, comparisons, AND, OR, XOR.
 
 namespace qel::engine {
@@ -76,6 +78,7 @@ Bound Binder::BindChain(NodeId id) {
         operands.push_back(Bind(child));
         hasSet = hasSet || IsSet(operands.back());
     }
+    RejectTexts(first, operands);
     if (hasSet) {
         std::vector<SetPart> parts;
         NodeId child = first;
@@ -104,6 +107,23 @@ Bound Binder::BindChain(NodeId id) {
         }
         return result;
     });
+}
+
+void Binder::RejectTexts(NodeId first, const std::vector<Bound>& operands) const {
+    NodeId child = first;
+    for (const Bound& operand : operands) {
+        if (std::holds_alternative<TextPtr>(operand)) {
+            Fail(child, "expected a number, found a text; texts are joined with ||");
+        }
+        child = At(child).next;
+    }
+}
+
+/// Whether the node is written `….Hierarchy` or `….Dimension`.
+bool Binder::IsHierarchyMethod(NodeId id) const {
+    const mdx::Node& node = At(id);
+    return node.kind == mdx::NodeKind::Method &&
+           (mdx::IsWord(node.text, "hierarchy") || mdx::IsWord(node.text, "dimension"));
 }
 
 Bound Binder::BindConditions(NodeId id) {
@@ -137,21 +157,91 @@ Bound Binder::BindComparison(NodeId id) {
         return BindIdentity(left, right);
     }
     Bound leftBound = Bind(left);
-    if (std::holds_alternative<TextPtr>(leftBound)) {
-        return MakeCondition([op, leftText = std::get<TextPtr>(std::move(leftBound)),
-                              rightText = BindText(right)](Evaluator& evaluator) {
+    Bound rightBound = Bind(right);
+    const auto isText = [](const Bound& bound) { return std::holds_alternative<TextPtr>(bound); };
+    const auto isNumber = [](const Bound& bound) { return std::holds_alternative<NumberPtr>(bound); };
+    if (isText(leftBound) || isText(rightBound)) {
+        return MakeCondition([op, leftText = ToText(std::move(leftBound), left),
+                              rightText = ToText(std::move(rightBound), right)](Evaluator& evaluator) {
             return Holds(op, leftText->Evaluate(evaluator).compare(rightText->Evaluate(evaluator)));
         });
     }
-    return MakeCondition([op, leftNumber = ToNumber(std::move(leftBound), left),
-                          rightNumber = BindNumber(right)](Evaluator& evaluator) {
-        return Holds(op, Compare(leftNumber->Evaluate(evaluator), rightNumber->Evaluate(evaluator)));
+    if (isNumber(leftBound) || isNumber(rightBound)) {
+        return MakeCondition([op, leftNumber = ToNumber(std::move(leftBound), left),
+                              rightNumber = ToNumber(std::move(rightBound), right)](Evaluator& evaluator) {
+            return Holds(op, Compare(leftNumber->Evaluate(evaluator), rightNumber->Evaluate(evaluator)));
+        });
+    }
+    return MakeCondition([op, range = At(id).range, leftValue = ToValue(std::move(leftBound), left),
+                          rightValue = ToValue(std::move(rightBound), right)](Evaluator& evaluator) {
+        return Holds(op, CompareValues(evaluator, leftValue->Evaluate(evaluator),
+                                       rightValue->Evaluate(evaluator), range));
     });
 }
 
-/// `member IS member` and `member IS NULL`.
+/// Texts joined by ||.
+Bound Binder::BindTextChain(NodeId id) {
+    std::vector<TextPtr> texts;
+    bool isConstant = true;
+    for (NodeId child = At(id).firstChild; child != noNode; child = At(child).next) {
+        texts.push_back(BindText(child));
+        isConstant = isConstant && texts.back()->IsConstant();
+    }
+    return MakeText(isConstant, [texts = std::move(texts)](Evaluator& evaluator) {
+        std::string joined;
+        for (const TextPtr& text : texts) {
+            joined += text->Evaluate(evaluator);
+            CheckTextLength(joined.size());
+        }
+        return joined;
+    });
+}
+
+namespace {
+
+/// The level that the bound names or is asked for, as a function of the evaluator; null when it is no level.
+std::function<std::optional<LevelRef>(Evaluator&)> LevelSource(Bound& bound) {
+    if (const auto* level = std::get_if<LevelName>(&bound)) {
+        return [level = level->level](Evaluator&) { return std::optional(level); };
+    }
+    if (auto* of = std::get_if<LevelOfMember>(&bound)) {
+        return [member = of->member](Evaluator& evaluator) -> std::optional<LevelRef> {
+            const MemberRef found{member->Hierarchy(), member->Evaluate(evaluator)};
+            return found.id == noMember
+                       ? std::nullopt
+                       : std::optional(LevelRef{found.hierarchy, evaluator.Space().LevelOf(found)});
+        };
+    }
+    return nullptr;
+}
+
+bool SameLevel(const std::optional<LevelRef>& a, const std::optional<LevelRef>& b) {
+    return a && b ? a->hierarchy == b->hierarchy && a->level == b->level : a.has_value() == b.has_value();
+}
+
+bool IsLevel(const Bound& bound) {
+    return std::holds_alternative<LevelName>(bound) || std::holds_alternative<LevelOfMember>(bound);
+}
+
+} // namespace
+
+/// `member IS member`, `member IS NULL`, `level IS level`, `hierarchy IS hierarchy`.
 Bound Binder::BindIdentity(NodeId left, NodeId right) {
-    MemberPtr member = BindMember(left);
+    Bound first = Bind(left);
+    if (IsLevel(first)) {
+        Bound second = Bind(right);
+        if (IsLevel(second)) {
+            return MakeCondition(
+                [one = LevelSource(first), other = LevelSource(second)](Evaluator& evaluator) {
+                    return SameLevel(one(evaluator), other(evaluator));
+                });
+        }
+    }
+    if (const auto* hierarchy = std::get_if<HierarchyName>(&first);
+        hierarchy != nullptr && IsHierarchyMethod(left)) {
+        return MakeCondition([is = hierarchy->hierarchy == BindHierarchy(right)](Evaluator&) { return is; });
+    }
+    MemberPtr member = ToMember(std::move(first), left);
     if (mdx::IsWord(Word(right), "null")) {
         return MakeCondition([member = std::move(member)](Evaluator& evaluator) {
             return member->Evaluate(evaluator) == noMember;

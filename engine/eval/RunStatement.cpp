@@ -80,7 +80,7 @@ Cellset StatementRun::Finish(std::vector<CellValue> cells) const {
     for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
         builder.AddAxis(axes_[axis], levelCounts_[axis]);
     }
-    return builder.Finish(std::move(cells));
+    return builder.Finish(std::move(cells), evaluator_.Texts());
 }
 
 std::shared_ptr<const StatementPlan> StatementRun::Plan() {

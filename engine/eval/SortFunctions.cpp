@@ -1,9 +1,12 @@
+#include "engine/eval/ForEachTuple.h"
 #include "engine/eval/FunctionLookup.h"
+#include "engine/mdx/ReservedWords.h"
 
 #include <algorithm>
 #include <array>
 #include <map>
 #include <numeric>
+#include <optional>
 #include <span>
 
 // Functions that filter or sort a set's tuples by a value.
@@ -14,6 +17,11 @@ namespace {
 
 using Order = std::vector<std::size_t>;
 
+bool IsFlag(std::string_view word, std::span<const std::string_view> flags) {
+    return std::any_of(flags.begin(), flags.end(),
+                       [word](std::string_view flag) { return mdx::IsWord(word, flag); });
+}
+
 Order FirstToLast(std::size_t count) {
     Order order(count);
     std::iota(order.begin(), order.end(), std::size_t{0});
@@ -21,14 +29,12 @@ Order FirstToLast(std::size_t count) {
 }
 
 /// The value of an expression at every tuple of a set.
-template <class Value, class ExpressionPtr>
-std::vector<Value> ValuesOf(const ExpressionPtr& expression, const TupleSet& set, Evaluator& evaluator) {
-    std::vector<Value> values;
-    values.reserve(set.Count());
-    for (std::size_t i = 0; i < set.Count(); ++i) {
-        const Evaluator::Position position(evaluator, set.dimensionality, set.At(i));
-        values.push_back(expression->Evaluate(evaluator));
-    }
+std::vector<CellValue> ValuesOf(const NumberExpression& value, const SetExpression& set,
+                                const TupleSet& tuples, Evaluator& evaluator) {
+    std::vector<CellValue> values;
+    values.reserve(tuples.Count());
+    ForEachTuple(evaluator, set, tuples,
+                 [&](std::span<const MemberId>) { values.push_back(value.Evaluate(evaluator)); });
     return values;
 }
 
@@ -38,13 +44,11 @@ Bound Filter(Call& call) {
     return MakeSet(false, std::move(dimensionality),
                    [set = std::move(set), condition = call.binder.BindCondition(call.arguments[1])](
                        Evaluator& evaluator, TupleSet& result) {
-                       const TupleSet whole = set->Evaluate(evaluator);
-                       for (std::size_t i = 0; i < whole.Count(); ++i) {
-                           const Evaluator::Position position(evaluator, whole.dimensionality, whole.At(i));
+                       ForEachTuple(evaluator, *set, [&](std::span<const MemberId> tuple) {
                            if (condition->Evaluate(evaluator)) {
-                               result.Append(whole.At(i));
+                               result.Append(tuple);
                            }
-                       }
+                       });
                    });
 }
 
@@ -58,7 +62,7 @@ Bound Extremes(Call& call, int sign) {
                        const TupleSet whole = set->Evaluate(evaluator);
                        Order order = FirstToLast(whole.Count());
                        if (value) {
-                           const auto values = ValuesOf<CellValue>(value, whole, evaluator);
+                           const auto values = ValuesOf(*value, *set, whole, evaluator);
                            std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
                                return sign * Compare(values[a], values[b]) < 0;
                            });
@@ -73,14 +77,33 @@ Bound Extremes(Call& call, int sign) {
 Bound TopCount(Call& call) { return Extremes(call, -1); }
 Bound BottomCount(Call& call) { return Extremes(call, 1); }
 
+/// What a set is sorted by: a value, and whether the smallest comes first. Later keys decide between tuples
+/// that are equal by the earlier ones.
+struct SortKey {
+    NumberPtr value;
+    int sign = 1;
+    mdx::SourceRange range;
+};
+using SortKeys = std::vector<SortKey>;
+
+/// Negative when the tuple with the values `a` comes before that with `b`.
+int CompareKeys(const Evaluator& evaluator, const SortKeys& keys, std::span<const CellValue> a,
+                std::span<const CellValue> b) {
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        if (const int order = CompareValues(evaluator, a[i], b[i], keys[i].range); order != 0) {
+            return keys[i].sign * order;
+        }
+    }
+    return 0;
+}
+
 /// Sorts tuples within families, by the first hierarchy, then by the next: compares the two ancestors that
 /// are siblings; a member comes before its descendants. A member's value is that of its cell under the
 /// tuple's members before it.
 class FamilySort {
 public:
-    FamilySort(Evaluator& evaluator, const NumberExpression& value, const Dimensionality& dimensionality,
-               int sign)
-        : evaluator_(evaluator), value_(value), dimensionality_(dimensionality), sign_(sign) {}
+    FamilySort(Evaluator& evaluator, const SortKeys& keys, const Dimensionality& dimensionality)
+        : evaluator_(evaluator), keys_(keys), dimensionality_(dimensionality) {}
 
     bool IsBefore(std::span<const MemberId> a, std::span<const MemberId> b) {
         const auto [differing, other] = std::mismatch(a.begin(), a.end(), b.begin());
@@ -110,11 +133,11 @@ private:
             parentOfA = space.Parent({hierarchy, a});
             parentOfB = space.Parent({hierarchy, b});
         }
-        const int order = sign_ * Compare(ValueOf(before, a), ValueOf(before, b));
+        const int order = CompareKeys(evaluator_, keys_, ValuesOf(before, a), ValuesOf(before, b));
         return order != 0 ? order < 0 : a < b;
     }
 
-    const CellValue& ValueOf(std::span<const MemberId> before, MemberId member) {
+    const std::vector<CellValue>& ValuesOf(std::span<const MemberId> before, MemberId member) {
         std::vector<MemberId> tuple(before.begin(), before.end());
         tuple.push_back(member);
         const auto known = values_.find(tuple);
@@ -122,74 +145,85 @@ private:
             return known->second;
         }
         const Evaluator::Position position(evaluator_, std::span(dimensionality_).first(tuple.size()), tuple);
-        return values_.emplace(tuple, value_.Evaluate(evaluator_)).first->second;
+        std::vector<CellValue> values;
+        for (const SortKey& key : keys_) {
+            values.push_back(key.value->Evaluate(evaluator_));
+        }
+        return values_.emplace(std::move(tuple), std::move(values)).first->second;
     }
 
     Evaluator& evaluator_;
-    const NumberExpression& value_;
+    const SortKeys& keys_;
     const Dimensionality& dimensionality_;
-    int sign_;
-    std::map<std::vector<MemberId>, CellValue> values_;
+    std::map<std::vector<MemberId>, std::vector<CellValue>> values_;
 };
 
-bool IsNumberLike(const Bound& bound) { return !std::holds_alternative<TextPtr>(bound); }
-
-Bound SortByText(SetPtr set, TextPtr text, int sign) {
-    Dimensionality dimensionality = set->GetDimensionality();
-    return MakeSet(
-        false, std::move(dimensionality),
-        [sign, set = std::move(set), text = std::move(text)](Evaluator& evaluator, TupleSet& result) {
-            const TupleSet whole = set->Evaluate(evaluator);
-            const auto texts = ValuesOf<std::string>(text, whole, evaluator);
-            Order order = FirstToLast(whole.Count());
-            std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-                return sign * texts[a].compare(texts[b]) < 0;
-            });
-            for (const std::size_t tuple : order) {
-                result.Append(whole.At(tuple));
-            }
-        });
+Order SortFlat(Evaluator& evaluator, const SetExpression& set, const TupleSet& whole, const SortKeys& keys) {
+    std::vector<CellValue> values; // tuple after tuple
+    values.reserve(whole.Count() * keys.size());
+    ForEachTuple(evaluator, set, whole, [&](std::span<const MemberId>) {
+        for (const SortKey& key : keys) {
+            values.push_back(key.value->Evaluate(evaluator));
+        }
+    });
+    const auto at = [&](std::size_t tuple) {
+        return std::span<const CellValue>(values).subspan(tuple * keys.size(), keys.size());
+    };
+    Order order = FirstToLast(whole.Count());
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return CompareKeys(evaluator, keys, at(a), at(b)) < 0;
+    });
+    return order;
 }
 
-Bound SortByNumber(SetPtr set, NumberPtr value, int sign, bool withinFamilies) {
+Order SortFamilies(Evaluator& evaluator, const TupleSet& whole, const SortKeys& keys) {
+    Order order = FirstToLast(whole.Count());
+    FamilySort families(evaluator, keys, whole.dimensionality);
+    std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
+        return families.IsBefore(whole.At(a), whole.At(b));
+    });
+    return order;
+}
+
+Bound SortBy(SetPtr set, SortKeys keys, bool withinFamilies) {
     Dimensionality dimensionality = set->GetDimensionality();
     return MakeSet(false, std::move(dimensionality),
-                   [sign, withinFamilies, set = std::move(set),
-                    value = std::move(value)](Evaluator& evaluator, TupleSet& result) {
+                   [withinFamilies, set = std::move(set), keys = std::move(keys)](Evaluator& evaluator,
+                                                                                  TupleSet& result) {
                        const TupleSet whole = set->Evaluate(evaluator);
-                       Order order = FirstToLast(whole.Count());
-                       if (withinFamilies) {
-                           FamilySort families(evaluator, *value, whole.dimensionality, sign);
-                           std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-                               return families.IsBefore(whole.At(a), whole.At(b));
-                           });
-                       } else {
-                           const auto values = ValuesOf<CellValue>(value, whole, evaluator);
-                           std::stable_sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-                               return sign * Compare(values[a], values[b]) < 0;
-                           });
-                       }
+                       const Order order = withinFamilies ? SortFamilies(evaluator, whole, keys)
+                                                          : SortFlat(evaluator, *set, whole, keys);
                        for (const std::size_t tuple : order) {
                            result.Append(whole.At(tuple));
                        }
                    });
 }
 
+/// Order(set, key, flag, key, flag, ...), where flags may be left out.
 Bound OrderSet(Call& call) {
     constexpr std::array<std::string_view, 4> flags{"asc", "desc", "basc", "bdesc"};
-    const std::size_t flag = call.Count() > 2 ? call.Flag(2, flags) : 0;
-    const int sign = flag % 2 == 0 ? 1 : -1;
     SetPtr set = call.Set(0);
-    Bound key = call.binder.Bind(call.arguments[1]);
-    if (!IsNumberLike(key)) {
-        return SortByText(std::move(set), std::get<TextPtr>(std::move(key)), sign);
+    SortKeys keys;
+    std::optional<bool> withinFamilies;
+    for (std::size_t i = 1; i < call.Count(); ++i) {
+        Bound key = call.binder.Bind(call.arguments[i]);
+        NumberPtr value = call.binder.ToValue(std::move(key), call.arguments[i]);
+        const mdx::SourceRange range = call.binder.At(call.arguments[i]).range;
+        const bool hasFlag = i + 1 < call.Count() && IsFlag(call.binder.Word(call.arguments[i + 1]), flags);
+        const std::size_t flag = hasFlag ? call.Flag(++i, flags) : 0;
+        const bool isFlat = flag >= 2;
+        if (withinFamilies.value_or(!isFlat) == isFlat) {
+            call.binder.Fail(call.arguments[i],
+                             "keys within families (ASC, DESC) and across them (BASC, BDESC) do not mix");
+        }
+        withinFamilies = !isFlat;
+        keys.push_back({std::move(value), flag % 2 == 0 ? 1 : -1, range});
     }
-    return SortByNumber(std::move(set), call.binder.ToNumber(std::move(key), call.arguments[1]), sign,
-                        flag < 2);
+    return SortBy(std::move(set), std::move(keys), *withinFamilies);
 }
 
 constexpr std::array<Function, 4> functions{{{"Filter", 2, 2, Filter},
-                                             {"Order", 2, 3, OrderSet},
+                                             {"Order", 2, anyNumber, OrderSet},
                                              {"TopCount", 2, 3, TopCount},
                                              {"BottomCount", 2, 3, BottomCount}}};
 

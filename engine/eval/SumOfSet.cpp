@@ -1,14 +1,15 @@
 #include "engine/eval/SumOfSet.h"
 
-#include "engine/eval/Evaluator.h"
+#include "engine/eval/ForEachTuple.h"
 
 #include <algorithm>
 
 namespace qel::engine {
 
-SumOfSet::SumOfSet(Kind kind, SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember)
+SumOfSet::SumOfSet(Kind kind, SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember,
+                   mdx::SourceRange range)
     : NumberExpression(false), kind_(kind), set_(std::move(set)), value_(std::move(value)),
-      valueMember_(valueMember) {}
+      valueMember_(valueMember), range_(range) {}
 
 CellValue SumOfSet::Evaluate(Evaluator& evaluator) const {
     if (const std::optional<CellValue> folded = evaluator.FoldedCell(*this)) {
@@ -17,17 +18,13 @@ CellValue SumOfSet::Evaluate(Evaluator& evaluator) const {
     if (kind_ == Kind::Aggregate) {
         return EvaluateTogether(evaluator);
     }
-    const TupleSet set = set_->Evaluate(evaluator);
     CellValue sum;
-    for (std::size_t i = 0; i < set.Count(); ++i) {
-        const Evaluator::Position position(evaluator, set.dimensionality, set.At(i));
-        sum = Add(sum, ValueAt(evaluator));
-    }
+    ForEachTuple(evaluator, *set_, [&](std::span<const MemberId>) { sum = Add(sum, ValueAt(evaluator)); });
     return sum;
 }
 
 CellValue SumOfSet::ValueAt(Evaluator& evaluator) const {
-    return value_ ? value_->Evaluate(evaluator) : evaluator.Cell();
+    return value_ ? value_->Evaluate(evaluator) : evaluator.RequireNumber(evaluator.Cell(), range_);
 }
 
 CellValue SumOfSet::EvaluateTogether(Evaluator& evaluator) const {

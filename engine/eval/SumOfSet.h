@@ -24,7 +24,8 @@ class SumOfSet final : public NumberExpression {
 public:
     enum class Kind { Sum, Aggregate };
     /// A null `value` stands for the cell itself.
-    SumOfSet(Kind kind, SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember);
+    SumOfSet(Kind kind, SetPtr set, NumberPtr value, std::optional<MemberRef> valueMember,
+             mdx::SourceRange range);
 
     CellValue Evaluate(Evaluator& evaluator) const override;
     const SumOfSet* AsSum() const override { return this; }
@@ -41,6 +42,7 @@ private:
     SetPtr set_;
     NumberPtr value_;
     std::optional<MemberRef> valueMember_; ///< set when the value is a single stored member
+    mdx::SourceRange range_;
     mutable bool foldTried_ = false;
     mutable std::optional<Folding> folding_;
     mutable std::unique_ptr<const CompoundSet> together_; ///< of a set that does not depend on the cell

@@ -17,16 +17,19 @@ using NodeId = std::uint32_t;
 inline constexpr NodeId noNode = 0xFFFFFFFFU;
 
 enum class NodeKind : std::uint8_t {
-    Path,       ///< a dotted name; children: Part
-    Part,       ///< text: the name; flags isKey, isWord
-    Number,     ///< text: the digits
-    Text,       ///< text: the text
-    Set,        ///< { ... }; children: the elements, without empty ones
-    Tuple,      ///< ( ... ) with one element or several
-    Call,       ///< text: the function; children: the arguments
-    Method,     ///< text: the name after the dot; children: the target, then the arguments
-    Range,      ///< first : last
-    Chain,      ///< children joined by left-associative operators of one precedence
+    Path,      ///< a dotted name; children: Part
+    Part,      ///< text: the name; flags isKey, isWord
+    Number,    ///< text: the digits
+    Text,      ///< text: the text
+    Set,       ///< { ... }; children: the elements, without empty ones
+    Tuple,     ///< ( ... ) with one element or several
+    Call,      ///< text: the function; children: the arguments
+    Method,    ///< text: the name after the dot; children: the target, then the arguments
+    Range,     ///< first : last
+    TextChain, ///< children joined by ||
+    Case,  ///< flags hasOperand, hasElse; children: the operand, pairs of WHEN and THEN, the value of ELSE
+    Alias, ///< set AS text
+    Chain, ///< children joined by left-associative operators of one precedence
     Comparison, ///< two children; op: the second child's joiner
     Negation,   ///< - x
     Not,        ///< NOT x
@@ -48,7 +51,8 @@ enum class Operator : std::uint8_t {
     LessOrEqual,
     Greater,
     GreaterOrEqual,
-    Is
+    Is,
+    Concatenate
 };
 
 /// A node of the syntax tree. Children are a linked list through `next`, so the whole tree is one vector.
@@ -57,6 +61,8 @@ struct Node {
     Operator joiner = Operator::None; ///< the operator before this node in a Chain or a Comparison
     bool isKey = false;               ///< Part: written &[key]
     bool isWord = false;              ///< Part: written without brackets
+    bool hasOperand = false;          ///< Case: CASE operand WHEN ...
+    bool hasElse = false;             ///< Case
     std::uint32_t childCount = 0;
     NodeId firstChild = noNode;
     NodeId next = noNode;

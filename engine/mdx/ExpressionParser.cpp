@@ -30,13 +30,21 @@ constexpr OperatorToken comparison[] = {
     {"", TokenKind::Less, Operator::Less},       {"", TokenKind::LessOrEqual, Operator::LessOrEqual},
     {"", TokenKind::Greater, Operator::Greater}, {"", TokenKind::GreaterOrEqual, Operator::GreaterOrEqual},
     {"is", TokenKind::Word, Operator::Is}};
+constexpr OperatorToken concatenation[] = {{"", TokenKind::DoubleBar, Operator::Concatenate}};
 constexpr OperatorToken addition[] = {{"", TokenKind::Plus, Operator::Add},
                                       {"", TokenKind::Minus, Operator::Subtract}};
 constexpr OperatorToken multiplication[] = {{"", TokenKind::Star, Operator::Multiply},
                                             {"", TokenKind::Slash, Operator::Divide}};
-constexpr std::array<std::span<const OperatorToken>, 5> precedences{disjunction, conjunction, comparison,
-                                                                    addition, multiplication};
+constexpr std::array<std::span<const OperatorToken>, 6> precedences{
+    disjunction, conjunction, comparison, concatenation, addition, multiplication};
 constexpr std::size_t comparisonPrecedence = 2;
+constexpr std::size_t concatenationPrecedence = 3;
+
+NodeKind KindOfChain(std::size_t precedence) {
+    return precedence == comparisonPrecedence      ? NodeKind::Comparison
+           : precedence == concatenationPrecedence ? NodeKind::TextChain
+                                                   : NodeKind::Chain;
+}
 
 std::string Found(const Token& token) {
     switch (token.kind) {
@@ -103,8 +111,7 @@ NodeId ExpressionParser::ParseOperators(std::size_t precedence, std::string_view
     NodeId chain = noNode;
     for (Operator op = TakeJoiner(precedence); op != Operator::None; op = TakeJoiner(precedence)) {
         if (chain == noNode) {
-            const bool compares = precedence == comparisonPrecedence;
-            chain = NewNode(compares ? NodeKind::Comparison : NodeKind::Chain, statement_.At(first).range);
+            chain = NewNode(KindOfChain(precedence), statement_.At(first).range);
             AddChild(chain, first);
         }
         const NodeId operand = ParseOperators(precedence + 1, "an operand");
@@ -182,6 +189,9 @@ NodeId ExpressionParser::ParsePrimary(std::string_view expected) {
     case TokenKind::Name:
         return ParsePath(expected);
     case TokenKind::Word:
+        if (IsAt("case") && !lexer_.IsBefore(TokenKind::Dot)) {
+            return ParseCase();
+        }
         if (IsReserved(token.text)) {
             Fail(expected);
         }
@@ -203,7 +213,7 @@ NodeId ExpressionParser::ParseSet() {
         if (Skip(TokenKind::Comma)) {
             continue;
         }
-        AddChild(set, ParseExpression("a member or a set"));
+        AddChild(set, ParseElement("a member or a set"));
         if (!IsAt(TokenKind::Comma) && !IsAt(TokenKind::RightBrace)) {
             Fail("',' or '}'");
         }
@@ -216,10 +226,52 @@ NodeId ExpressionParser::ParseTuple() {
     const NodeId tuple = NewNode(NodeKind::Tuple, current_.range);
     Advance();
     do {
-        AddChild(tuple, ParseExpression("a member"));
+        AddChild(tuple, ParseElement("a member"));
     } while (Skip(TokenKind::Comma));
     Expect(TokenKind::RightParenthesis, "',' or ')'");
     return tuple;
+}
+
+/// An expression inside brackets, which may be a set with a name: set AS name.
+NodeId ExpressionParser::ParseElement(std::string_view expected) {
+    const NodeId element = ParseExpression(expected);
+    if (!IsAt("as")) {
+        return element;
+    }
+    Advance();
+    if (!IsAt(TokenKind::Name) && (!IsAt(TokenKind::Word) || IsReserved(current_.text))) {
+        Fail("the name of the set");
+    }
+    const NodeId alias = NewNode(NodeKind::Alias, current_.range, DecodedText());
+    Advance();
+    AddChild(alias, element);
+    return alias;
+}
+
+NodeId ExpressionParser::ParseCase() {
+    const Nesting nesting(*this);
+    const NodeId node = NewNode(NodeKind::Case, current_.range);
+    Advance();
+    if (!IsAt("when")) {
+        statement_.nodes[node].hasOperand = true;
+        AddChild(node, ParseExpression("WHEN or a value"));
+    }
+    if (!IsAt("when")) {
+        Fail("WHEN");
+    }
+    while (Skip("when")) {
+        AddChild(node, ParseExpression("a condition or a value"));
+        Expect("then");
+        AddChild(node, ParseExpression("a value"));
+    }
+    if (Skip("else")) {
+        statement_.nodes[node].hasElse = true;
+        AddChild(node, ParseExpression("a value"));
+    }
+    if (!Skip("end")) {
+        Fail("WHEN, ELSE or END");
+    }
+    return node;
 }
 
 NodeId ExpressionParser::ParseCall(const Token& name) {
@@ -235,7 +287,7 @@ void ExpressionParser::ParseArguments(NodeId call) {
     }
     do {
         const bool missing = IsAt(TokenKind::Comma) || IsAt(TokenKind::RightParenthesis);
-        AddChild(call, missing ? NewNode(NodeKind::Missing, current_.range) : ParseExpression("an argument"));
+        AddChild(call, missing ? NewNode(NodeKind::Missing, current_.range) : ParseElement("an argument"));
     } while (Skip(TokenKind::Comma));
     Expect(TokenKind::RightParenthesis, "',' or ')'");
 }
@@ -246,7 +298,7 @@ NodeId ExpressionParser::ParsePath(std::string_view expected) {
         Fail(expected);
     }
     ParsePart(path);
-    while (IsAt(TokenKind::Dot) && !lexer_.IsBeforeMethod()) {
+    while (IsAt(TokenKind::Dot) && !lexer_.IsBeforeMethod(statement_.At(path).childCount == 1)) {
         Advance();
         ParsePart(path);
     }
@@ -273,7 +325,7 @@ NodeId ExpressionParser::ParseMethods(NodeId target) {
     while (IsAt(TokenKind::Dot)) {
         Descend();
         Advance();
-        if (!IsAt(TokenKind::Word) || !IsMethod(current_.text)) {
+        if (!IsAt(TokenKind::Word) || !(IsMethod(current_.text) || IsSetNameMethod(current_.text))) {
             Fail("a function of a member or a set, such as Parent, Children or Members");
         }
         const NodeId method = NewNode(NodeKind::Method, current_.range, current_.text);

@@ -49,6 +49,8 @@ private:
     NodeId ParseSign(std::string_view expected);
     NodeId ParsePostfix(std::string_view expected);
     NodeId ParsePrimary(std::string_view expected);
+    NodeId ParseElement(std::string_view expected);
+    NodeId ParseCase();
     NodeId ParseSet();
     NodeId ParseTuple();
     NodeId ParseCall(const Token& name);

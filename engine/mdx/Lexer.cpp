@@ -66,14 +66,15 @@ bool Lexer::IsBefore(TokenKind kind) const {
     return ahead.Next().kind == kind;
 }
 
-bool Lexer::IsBeforeMethod() const {
+bool Lexer::IsBeforeMethod(bool ofSetName) const {
     if (At(position_) == '[') {
         return false;
     }
     if (IsWordStart(At(position_)) || BlankLength(statement_.substr(position_, 3)) != 0) {
         Lexer ahead = *this;
         const Token token = ahead.Next();
-        return token.kind == TokenKind::Word && IsMethod(token.text);
+        return token.kind == TokenKind::Word &&
+               (IsMethod(token.text) || (ofSetName && IsSetNameMethod(token.text)));
     }
     return false;
 }
@@ -249,7 +250,8 @@ Token Lexer::ReadOperator() {
         std::string_view text;
         TokenKind kind;
     };
-    static constexpr std::array<Symbol, 13> symbols{{{"<>", TokenKind::NotEqual},
+    static constexpr std::array<Symbol, 14> symbols{{{"<>", TokenKind::NotEqual},
+                                                     {"||", TokenKind::DoubleBar},
                                                      {"<=", TokenKind::LessOrEqual},
                                                      {">=", TokenKind::GreaterOrEqual},
                                                      {":", TokenKind::Colon},

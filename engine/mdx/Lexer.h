@@ -32,7 +32,8 @@ enum class TokenKind : std::uint8_t {
     Greater,
     GreaterOrEqual,
     Equal,
-    NotEqual
+    NotEqual,
+    DoubleBar
 };
 
 struct Token {
@@ -54,7 +55,8 @@ public:
     /// Whether the next token is of this kind. Does not consume it.
     bool IsBefore(TokenKind kind) const;
     /// Whether the next token is a word that names a method after a dot: Members, Parent, ...
-    bool IsBeforeMethod() const;
+    /// With `ofSetName` also Current and CurrentOrdinal, which elsewhere are names.
+    bool IsBeforeMethod(bool ofSetName) const;
     /// Enters a formula when a quote comes next, until FormulaEnd. Returns whether it did.
     bool EnterFormula();
     /// The trimmed text up to a word, which is not consumed, or to the end of the statement.

@@ -241,4 +241,15 @@ Statement Parse(std::string_view text) {
     return statement;
 }
 
+Statement ParseText(std::string_view text, NodeId& root) {
+    Statement statement;
+    statement.source = text;
+    ExpressionParser expressions(statement);
+    root = expressions.ParseExpression("an expression");
+    if (!expressions.IsAt(TokenKind::End)) {
+        expressions.Fail("the end of the text");
+    }
+    return statement;
+}
+
 } // namespace qel::engine::mdx

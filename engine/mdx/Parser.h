@@ -8,4 +8,7 @@ namespace qel::engine::mdx {
 /// or TooLarge for nesting or length beyond the limits.
 Statement Parse(std::string_view statement);
 
+/// Parses a text that is one expression; `root` is its node.
+Statement ParseText(std::string_view text, NodeId& root);
+
 } // namespace qel::engine::mdx

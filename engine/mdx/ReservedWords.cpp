@@ -11,12 +11,14 @@ constexpr std::array<std::string_view, 17> reserved{"and",    "as",     "cell", 
                                                     "is",     "member", "non",   "not",       "on",    "or",
                                                     "select", "set",    "where", "with",      "xor"};
 
-constexpr std::array<std::string_view, 28> methods{
+constexpr std::array<std::string_view, 2> setNameMethods{"current", "currentordinal"};
+
+constexpr std::array<std::string_view, 29> methods{
     "allmembers",     "caption",     "children",     "count",      "currentmember", "defaultmember",
     "dimension",      "firstchild",  "firstsibling", "hierarchy",  "item",          "lag",
     "lastchild",      "lastsibling", "lead",         "level",      "levels",        "members",
     "member_caption", "member_key",  "name",         "nextmember", "ordinal",       "parent",
-    "prevmember",     "siblings",    "uniquename",   "value"};
+    "prevmember",     "properties",  "siblings",     "uniquename", "value"};
 
 char Lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
@@ -35,5 +37,7 @@ bool IsWord(std::string_view text, std::string_view word) {
 bool IsReserved(std::string_view text) { return Contains(reserved, text); }
 
 bool IsMethod(std::string_view text) { return Contains(methods, text); }
+
+bool IsSetNameMethod(std::string_view text) { return Contains(setNameMethods, text); }
 
 } // namespace qel::engine::mdx

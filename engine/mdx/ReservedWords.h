@@ -13,4 +13,7 @@ bool IsReserved(std::string_view text);
 /// Whether the word names a method after a dot: "Members", "Parent", "Lag", ...
 bool IsMethod(std::string_view text);
 
+/// Whether the word names a method of a set's name: "Current", "CurrentOrdinal".
+bool IsSetNameMethod(std::string_view text);
+
 } // namespace qel::engine::mdx

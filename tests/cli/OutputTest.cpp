@@ -147,7 +147,12 @@ TEST(CellsetOutput, JsonTellsEveryCellAndShape) {
          {2, {{Named("x")}}, {{Named("r")}, {Named("s")}}, {{-1500.3}, {9999999999999.99}}},
          "[1,2]",
          "[[-1500.3],[9999999999999.99]]"},
-        {"no number", {1, {{Named("x")}, {Named("y")}}, {{}}, {{Null{}, infinite}}}, "[2]", "[[null,null]]"},
+        {"no value", {1, {{Named("x")}}, {{}}, {{Null{}}}}, "[1]", "[[null]]"},
+        {"numbers that JSON lacks",
+         {1, {{Named("x")}, {Named("y")}, {Named("z")}}, {{}}, {{infinite, -infinite, std::nan("")}}},
+         "[3]",
+         R"([["Infinity","-Infinity","NaN"]])"},
+        {"a condition", {1, {{Named("x")}}, {{}}, {{true}}}, "[1]", "[[true]]"},
         {"a text", {1, {{Named("x")}}, {{}}, {{"a \"b\"\n"}}}, "[1]", R"([["a \"b\"\n"]])"},
     };
     for (const auto& c : cases) {

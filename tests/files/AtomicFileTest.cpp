@@ -2,10 +2,16 @@
 
 #include "tests/helpers/TemporaryFolder.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <stdexcept>
 #include <sys/stat.h>
+
+/// Takes the place of the system's: tells what was on its way to the disk, and can fail.
+static std::function<int(int)> onSync;
+extern "C" int fsync(int descriptor) { return onSync ? onSync(descriptor) : 0; }
 
 namespace qel {
 namespace {
@@ -65,6 +71,32 @@ TEST(AtomicFile, RemovesWhatEndedProgramsLeftAndNothingElse) {
     living.Commit();
     EXPECT_EQ(folder.Read("x.cub"), "of the first");
     EXPECT_EQ(folder.FileCount(), 4U + 1U);
+}
+
+TEST(AtomicFile, IsOnTheDiskBeforeItTakesItsName) {
+    const TemporaryFolder folder;
+    const auto path = folder.Write("x.cub", "old");
+    std::vector<std::string> synced;
+    int result = 0;
+    onSync = [&](int descriptor) {
+        struct stat status = {};
+        ::fstat(descriptor, &status);
+        synced.push_back(S_ISDIR(status.st_mode)
+                             ? "folder with " + folder.Read("x.cub")
+                             : fmt::format("{} bytes beside {}", status.st_size, folder.Read("x.cub")));
+        return result;
+    };
+    const auto write = [&](std::string_view text) {
+        AtomicFile file(path, Raise);
+        WriteText(file, text);
+        file.Commit();
+    };
+    write("new");
+    EXPECT_EQ(synced, (std::vector<std::string>{"3 bytes beside old", "folder with new"}));
+    result = -1;
+    EXPECT_THROW(write("newest"), std::runtime_error);
+    EXPECT_EQ(folder.Read("x.cub"), "new") << "what may not be on the disk replaces nothing";
+    onSync = nullptr;
 }
 
 } // namespace

@@ -64,7 +64,8 @@ TEST_F(NameFormulaTest, EveryFailureIsADash) {
     provider_.failingStatement = -2147217904;
     EXPECT_EQ(Name("SuperSum1", "41", "b.cub"), "-");
     EXPECT_EQ(thread_.CubeConnection->State(), stateOpen) << "a name that fails leaves the connection";
-    EXPECT_EQ(object_.get_g_cubeFile(), "b.cub") << "and the names of the cube";
+    EXPECT_EQ(object_.get_g_cubeFile() + "|" + object_.get_g_CubeName(), "b.cub|Finance")
+        << "and the names of the cube";
     EXPECT_EQ(object_.RetQelName({"b.cub", "Finance", "SuperSum1", "41"}).failure.value().Number(),
               -2147217904);
     provider_.failingStatement = 0;

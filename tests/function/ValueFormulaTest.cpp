@@ -179,7 +179,9 @@ TEST_F(ValueFormulaTest, ShowsNumbersAndTheOutdatedCubeAndMasksTheRest) {
             const bool isMasked = isForWorksheet && c.demo.Get() != c.shown.Get();
             EXPECT_EQ(result.masked, isMasked ? c.demo.As<std::string>() : "") << c.what;
             EXPECT_EQ(thread_.CubeConnection != nullptr, c.keepsConnection) << c.what;
-            EXPECT_EQ(object_->get_g_cubeFile(), c.namesCube ? "a.cub" : "") << c.what;
+            EXPECT_EQ(object_->get_g_cubeFile() + object_->get_g_CubeName(),
+                      c.namesCube ? "a.cubFinance" : "")
+                << c.what;
         }
     }
 }
@@ -255,7 +257,8 @@ TEST_F(ValueFormulaTest, CountsObsMembersIn16Bits) {
     EXPECT_EQ(object_->QelFuncDemo(formula).value.As<std::string>(), "#err 6");
     formula.ObsMember = Variant::List({"1", Null{}});
     EXPECT_EQ(object_->QelFuncDemo(formula).value.As<std::string>(), "#err 94") << "a key that is not used";
-    EXPECT_EQ(object_->get_g_cubeFile(), "a.cub") << "a failure keeps the cube before";
+    EXPECT_EQ(object_->get_g_cubeFile() + "|" + object_->get_g_CubeName(), "a.cub|Finance")
+        << "a failure keeps the cube before";
 }
 
 TEST_F(ValueFormulaTest, ReusesReopensAndRecoversTheConnection) {

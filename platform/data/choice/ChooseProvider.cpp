@@ -26,7 +26,7 @@ Providers ChooseProvider(DataAccess& cubeFiles, DataAccess* servers, DataAccess*
         if (servers != nullptr && IsServerAddress(source)) {
             return *servers;
         }
-        const bool isOthers = machine != nullptr && !engine::CubeFile::HasSignature(PathFromUtf8(source));
+        const bool isOthers = machine != nullptr && !engine::CubeFile::HasSignature(PathFromSetting(source));
         return isOthers ? *machine : cubeFiles;
     });
 }

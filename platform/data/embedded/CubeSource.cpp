@@ -28,7 +28,7 @@ void RequireCubeFile(const std::string& dataSource) {
                             fmt::format("'{}' is the address of a server, where a cube file is needed. {}",
                                         dataSource, whatCanBeOpened));
     }
-    const auto path = PathFromUtf8(dataSource);
+    const auto path = PathFromSetting(dataSource);
     if (engine::CubeFile::HasSignature(path)) {
         return;
     }

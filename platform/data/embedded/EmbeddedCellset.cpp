@@ -1,6 +1,7 @@
 #include "platform/data/embedded/EmbeddedCellset.h"
 
 #include "platform/data/HeldAnswer.h"
+#include "platform/data/embedded/CellVariant.h"
 #include "platform/data/embedded/EmbeddedConnection.h"
 #include "platform/data/embedded/ProviderErrors.h"
 #include "qel/engine/Cellset.h"
@@ -47,8 +48,7 @@ public:
         for (const auto position : positions) {
             place.push_back(CheckedIndex(position, answer.PositionCount(place.size())));
         }
-        const auto& cell = answer.Cell(place);
-        return cell.isEmpty ? Variant(Null{}) : Variant(cell.number);
+        return CellVariant(answer.Cell(place));
     }
 
 private:

@@ -1,5 +1,6 @@
 #include "platform/data/embedded/FlattenedRows.h"
 
+#include "platform/data/embedded/CellVariant.h"
 #include "platform/data/embedded/ProviderErrors.h"
 #include "qel/engine/BracketedName.h"
 
@@ -82,7 +83,7 @@ void AppendCells(const engine::Cellset& cellset, std::vector<std::size_t> place,
     for (std::size_t column = 0; column < cellset.PositionCount(columnsAxis); ++column) {
         place.front() = column;
         const auto& cell = cellset.Cell(place);
-        row.push_back(cell.isEmpty ? Variant(Null{}) : Variant(cell.number));
+        row.push_back(CellVariant(cell));
     }
 }
 

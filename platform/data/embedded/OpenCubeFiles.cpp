@@ -16,7 +16,7 @@ constexpr std::size_t filesKept = 8;
 } // namespace
 
 std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Open(const std::string& path) {
-    const auto identity = IdentifyFile(PathFromUtf8(path));
+    const auto identity = IdentifyFile(PathFromSetting(path));
     if (identity) {
         const std::lock_guard lock(mutex_);
         if (auto file = Find(path, *identity)) {
@@ -24,7 +24,7 @@ std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Open(const std::string& p
         }
     }
     RequireCubeFile(path);
-    auto file = TranslatingErrors([&] { return engine::CubeFile::Open(PathFromUtf8(path)); });
+    auto file = TranslatingErrors([&] { return engine::CubeFile::Open(PathFromSetting(path)); });
     // The identity is read before the file is opened. If the file is replaced in between, the next call sees
     // another identity and opens it again.
     if (identity) {

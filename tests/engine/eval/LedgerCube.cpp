@@ -89,9 +89,31 @@ std::shared_ptr<const Cube> BuildLedgerCube(const std::vector<LedgerLine>& lines
     return CubeFile::Open(options.output)->FindCube("Finance"); // the mapping outlives the folder
 }
 
+const Cube& CommonLedger() {
+    static const std::shared_ptr<const Cube> cube = BuildLedgerCube({
+        {"2024-01", "4000", "n1", "A", "100", "7", "1", 100000},
+        {"2024-02", "4000", "n1", "A", "100", "7", "1", 200050},
+        {"2024-03", "4000", "n2", "B", "200", "8", "1", 300000},
+        {"2024-03", "4000", "s2", "C", "300", "8", "2", 50},
+        {"2023-12", "4100", "s1", "A", "100", "7", "2", 7000},
+        {"2024-01", "5000", "n3", "A", "100", "7", "1", -40000},
+        {"2024-02", "5000", "s3", "B", "200", "7", "2", -30000},
+        {"2024-05", "5100", "n1", "A", "100", "8", "1", -12345},
+        {"2024-05", "5100", "n1", "A", "100", "8", "1", 12345},
+        {"2024-04", "5200", "s2", "C", "300", "7", "1", -1},
+    });
+    return *cube;
+}
+
 std::string ShowValue(const CellValue& value) {
     if (value.isEmpty) {
         return "-";
+    }
+    if (value.text != nullptr) {
+        return "'" + *value.text + "'";
+    }
+    if (value.isCondition) {
+        return value.number != 0 ? "true" : "false";
     }
     return fmt::format("{}{}", value.isExact ? "" : "~", value.number);
 }

@@ -61,6 +61,9 @@ inline constexpr const char* ledgerActivities[] = {"7", "8"};
 /// A cube "Finance" in the suite's layout with these facts, from January 2023 to December 2024.
 std::shared_ptr<const Cube> BuildLedgerCube(const std::vector<LedgerLine>& lines);
 
+/// The ledger that most tests of statements ask. Account 4200 has no lines, and the lines of 5100 sum to 0.
+const Cube& CommonLedger();
+
 /// The cellset as text: "columns: a | b", then one line per row (none without rows), empty cells as "-".
 /// Members show their unique names; tuples are joined by "+".
 std::string Show(const Cellset& cellset);

@@ -1,13 +1,18 @@
 #include "qel/engine/PlanCache.h"
 
+#include "qel/engine/CubeFile.h"
 #include "qel/engine/EngineError.h"
 #include "qel/engine/RunStatement.h"
+#include "tests/engine/FaultOf.h"
 #include "tests/engine/eval/LedgerCube.h"
+#include "tests/engine/storage/SmallCube.h"
+#include "tests/helpers/TemporaryFolder.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <fstream>
 #include <thread>
 
 namespace qel::engine {
@@ -126,6 +131,23 @@ TEST(PlanCache, ServesManyThreads) {
     second.join();
     third.join();
     EXPECT_EQ(wrong, 0);
+}
+
+/// Facts that were read before are the same, so only the file tells that it was changed.
+TEST(PlanCache, RefusesAFileThatWasChanged) {
+    for (const char* what : {"measures", "measures and members"}) {
+        const test::TemporaryFolder folder;
+        SmallCube().Write(folder.Path("a.cub"));
+        const auto cube = CubeFile::Open(folder.Path("a.cub"))->FindCube("Small");
+        const std::string rows = what == std::string("measures") ? "" : ", [Accounts].Members ON 1";
+        const std::string statement = "SELECT {[Measures].DefaultMember} ON 0" + rows + " FROM Small";
+        PlanCache plans;
+        plans.Run(*cube, statement);
+        plans.Run(*cube, statement);
+        EXPECT_EQ(plans.Count(), rows.empty() ? 1U : 0U);
+        std::ofstream(folder.Path("a.cub"), std::ios::binary | std::ios::app) << 'x';
+        EXPECT_EQ(FaultOf([&] { plans.Run(*cube, statement); }).kind, ErrorKind::DamagedFile) << what;
+    }
 }
 
 } // namespace

@@ -11,26 +11,9 @@
 namespace qel::engine {
 namespace {
 
-/// Account 4200 has no lines, and the lines of 5100 sum to 0.
-const Cube& Finance() {
-    static const std::shared_ptr<const Cube> cube = BuildLedgerCube({
-        {"2024-01", "4000", "n1", "A", "100", "7", "1", 100000},
-        {"2024-02", "4000", "n1", "A", "100", "7", "1", 200050},
-        {"2024-03", "4000", "n2", "B", "200", "8", "1", 300000},
-        {"2024-03", "4000", "s2", "C", "300", "8", "2", 50},
-        {"2023-12", "4100", "s1", "A", "100", "7", "2", 7000},
-        {"2024-01", "5000", "n3", "A", "100", "7", "1", -40000},
-        {"2024-02", "5000", "s3", "B", "200", "7", "2", -30000},
-        {"2024-05", "5100", "n1", "A", "100", "8", "1", -12345},
-        {"2024-05", "5100", "n1", "A", "100", "8", "1", 12345},
-        {"2024-04", "5200", "s2", "C", "300", "7", "1", -1},
-    });
-    return *cube;
-}
-
 std::string Answer(const std::string& statement) {
     try {
-        return Show(RunStatement(Finance(), statement));
+        return Show(RunStatement(CommonLedger(), statement));
     } catch (const EngineError& error) {
         return error.what();
     }
@@ -498,7 +481,7 @@ TEST(Statement, StopsFormulasThatDoubleTheWork) {
     }
     text += "MEMBER [Measures].A40 AS 1 SELECT {[Measures].A0} ON 0 FROM Finance";
     try {
-        RunStatement(Finance(), text);
+        RunStatement(CommonLedger(), text);
         FAIL() << "no error";
     } catch (const EngineError& error) {
         EXPECT_EQ(error.Kind(), ErrorKind::TooLarge) << error.what();
@@ -573,7 +556,7 @@ TEST(Statement, RejectsWhatCannotBeResolved) {
     };
     for (const auto& c : cases) {
         try {
-            RunStatement(Finance(), c.text);
+            RunStatement(CommonLedger(), c.text);
             ADD_FAILURE() << c.what << ": no error";
         } catch (const EngineError& error) {
             EXPECT_EQ(error.Kind(), c.kind) << c.what;
@@ -598,7 +581,7 @@ TEST(Statement, RefusesAnswersBeyondMemory) {
                       "[Activities].[ActivityCodes].Members * [AccX].Members * [MoneyType].Members "
                       "ON 1 FROM Finance")}) {
         try {
-            RunStatement(Finance(), text);
+            RunStatement(CommonLedger(), text);
             ADD_FAILURE() << "no error";
         } catch (const EngineError& error) {
             EXPECT_EQ(error.Kind(), ErrorKind::TooLarge) << error.what();

@@ -38,6 +38,13 @@ std::string Show(const Statement& statement, NodeId id) {
         return "range(" + children + ")";
     case NodeKind::Chain:
         return "chain(" + children + ")";
+    case NodeKind::TextChain:
+        return "join(" + children + ")";
+    case NodeKind::Case:
+        return std::string(node.hasOperand ? "case of(" : "case(") + children + ")" +
+               (node.hasElse ? " else" : "");
+    case NodeKind::Alias:
+        return "alias " + text + "(" + children + ")";
     case NodeKind::Comparison:
         return "compare(" + children + ")";
     case NodeKind::Negation:
@@ -103,6 +110,11 @@ const TreeCase treeCases[] = {
      "SELECT {[a]} DIMENSION PROPERTIES [a].[Key], MEMBER_TYPE ON 0 FROM [c] CELL PROPERTIES VALUE, "
      "FORMATTED_VALUE",
      "{[a]}; from c"},
+    {"choices, names of sets, joined texts; their words are names elsewhere",
+     "WITH MEMBER x AS CASE [a] WHEN 1 THEN 2 ELSE 3 END MEMBER y AS CASE WHEN 1 THEN \"a\" || \"b\" END "
+     "SELECT Filter({[when]} AS s, s.Current.CurrentOrdinal) ON 0, {[a].end, [a].Current} ON 1 FROM c",
+     "member [x] = case of([a] 1 2 3) else; member [y] = case(1 join(\"a\" \"b\")); "
+     "Filter(alias s({[when]}) .CurrentOrdinal(.Current([s]))); {[a] [end] .Current([a])}; from c"},
     {"texts in either quotes", "WITH MEMBER x AS IIf('a''b' = \"c\"\"d\", 1, 2) SELECT FROM c",
      "member [x] = IIf(compare(\"a'b\" \"c\"d\") 1 2); from c"},
     {"texts inside a quoted formula",

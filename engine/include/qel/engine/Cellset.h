@@ -10,17 +10,26 @@
 
 namespace qel::engine {
 
-/// The value of a cell. Sums are exact scaled integers; `number` is their nearest double.
+class TextPool; // of the engine's own use
+
+/// The value of a cell: a number, or a text or a condition that a formula gives. Sums are exact scaled
+/// integers; `number` is their nearest double.
 struct CellValue {
     bool isEmpty = true;
-    bool isExact = false; ///< the value is scaled / 10^decimals
-    std::int64_t scaled = 0;
+    bool isExact = false;     ///< the value is scaled / 10^decimals
+    bool isCondition = false; ///< `number` is 1 for true, 0 for false
     std::uint8_t decimals = 0;
-    double number = 0; ///< the nearest double
+    std::int64_t scaled = 0;
+    double number = 0;                 ///< the nearest double
+    const std::string* text = nullptr; ///< valid as long as a cellset with this cell
+
+    bool IsNumber() const { return text == nullptr && !isCondition; }
 
     static CellValue Empty() { return {}; }
     static CellValue Exact(std::int64_t scaled, std::uint8_t decimals);
     static CellValue Inexact(double number);
+    static CellValue Text(const std::string& text);
+    static CellValue Condition(bool condition);
 };
 
 /// A member on an axis of a cellset.
@@ -63,6 +72,7 @@ private:
 
     std::shared_ptr<const std::vector<Axis>> axes_; ///< shared by all results of one plan
     std::vector<CellValue> cells_;
+    std::shared_ptr<const TextPool> texts_; ///< of the cells that are texts
 };
 
 } // namespace qel::engine
