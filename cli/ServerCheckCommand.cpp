@@ -45,7 +45,9 @@ class ServerCheck {
 public:
     ServerCheck(std::string address, CommandContext& context)
         : address_(std::move(address)), parsed_(ParseServerAddress(address_)),
-          options_(ReadServerOptions(ServerSettingsFile())), context_(context) {}
+          options_(ReadServerOptions(context.servers)), context_(context) {
+        context.AllowNamed(address_);
+    }
 
     void Print() {
         ServerSession session(parsed_, options_, "");
