@@ -3,6 +3,7 @@
 #include "calc/CellArguments.h"
 #include "text/Text.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace qel::calc {
@@ -28,23 +29,30 @@ bool AsyncResults::Entry::IsCurrent() const {
     return !isOnItsWay && value.hasValue() && Clock::now() - came < current;
 }
 
-AsyncResults::AsyncResults(MakeServers makeServers, std::function<void()> wake)
-    : makeServers_(std::move(makeServers)), wake_(std::move(wake)) {}
+AsyncResults::AsyncResults(MakeServers makeServers, ServerPermission permission, std::function<void()> wake)
+    : makeServers_(std::move(makeServers)), permission_(std::move(permission)), wake_(std::move(wake)) {}
 
 AsyncResults::~AsyncResults() { Stop(); }
 
 AsyncResults::Any AsyncResults::Ask(ServerCall call) {
-    const std::scoped_lock lock(mutex_);
-    Entry& entry = EntryOf(call);
-    if (entry.IsCurrent()) {
-        return entry.value;
+    bool isQuestion = false;
+    com::sun::star::uno::Reference<com::sun::star::sheet::XVolatileResult> result;
+    {
+        const std::scoped_lock lock(mutex_);
+        Entry& entry = EntryOf(call);
+        if (entry.IsCurrent()) {
+            return entry.value;
+        }
+        if (!entry.isOnItsWay && !*isStopped_) {
+            entry.server = &ServerOf(std::string(Trimmed(call.cubeFile)));
+            isQuestion = Send(std::move(call));
+            entry.isOnItsWay = true;
+        }
+        result.set(entry.result.get());
     }
-    if (!entry.isOnItsWay && !*isStopped_) {
-        entry.thread = &ThreadOf(std::string(Trimmed(call.cubeFile)));
-        entry.isOnItsWay = true;
-        entry.thread->Ask(std::move(call));
+    if (isQuestion) {
+        wake_();
     }
-    const com::sun::star::uno::Reference<com::sun::star::sheet::XVolatileResult> result(entry.result.get());
     return Any(result);
 }
 
@@ -60,13 +68,31 @@ AsyncResults::Entry& AsyncResults::EntryOf(const ServerCall& call) {
     return entry;
 }
 
-ServerThread& AsyncResults::ThreadOf(const std::string& server) {
+bool AsyncResults::Send(ServerCall call) {
+    const std::string address(Trimmed(call.cubeFile));
+    Server& server = ServerOf(address);
+    server.isDecided = server.isDecided || !permission_.isUndecided(address);
+    if (server.isDecided) {
+        server.thread->Ask(std::move(call));
+        return false;
+    }
+    server.waiting.push_back(std::move(call));
+    return server.waiting.size() == 1;
+}
+
+AsyncResults::Server& AsyncResults::ServerOf(const std::string& address) {
+    Server& server = serverOf_[address];
+    if (server.thread == nullptr) {
+        server.thread = &NextThread();
+    }
+    return server;
+}
+
+ServerThread& AsyncResults::NextThread() {
     if (!servers_) {
         servers_ = makeServers_(isStopped_);
     }
-    const std::size_t number =
-        threadOfServer_.emplace(server, threadOfServer_.size() % mostThreads).first->second;
-    auto& thread = threads_.at(number);
+    auto& thread = threads_.at((serverOf_.size() - 1) % mostThreads);
     if (!thread) {
         thread = std::make_unique<ServerThread>(*servers_, [this](const std::string& key, CallResult result) {
             Receive(key, std::move(result));
@@ -119,6 +145,36 @@ void AsyncResults::Deliver() {
             return;
         }
     }
+    AskPerson();
+}
+
+void AsyncResults::AskPerson() {
+    if (std::exchange(isAsking_, true)) {
+        return; // results that come while the question is open
+    }
+    while (const auto address = NextUndecided()) {
+        permission_.decide(*address);
+        Release(*address);
+    }
+    isAsking_ = false;
+}
+
+std::optional<std::string> AsyncResults::NextUndecided() {
+    const std::scoped_lock lock(mutex_);
+    const auto found = std::find_if(serverOf_.begin(), serverOf_.end(),
+                                    [](const auto& entry) { return !entry.second.waiting.empty(); });
+    return *isStopped_ || found == serverOf_.end() ? std::nullopt : std::optional(found->first);
+}
+
+void AsyncResults::Release(const std::string& address) {
+    const std::scoped_lock lock(mutex_);
+    Server& server = serverOf_[address];
+    server.isDecided = true;
+    for (ServerCall& call : std::exchange(server.waiting, {})) {
+        if (!*isStopped_) {
+            server.thread->Ask(std::move(call)); // of a refused server it fails without a request
+        }
+    }
 }
 
 void AsyncResults::Forget(const std::string& key) {
@@ -128,7 +184,8 @@ void AsyncResults::Forget(const std::string& key) {
         return;
     }
     if (found->second.isOnItsWay) {
-        found->second.thread->Drop(key);
+        found->second.server->thread->Drop(key);
+        std::erase_if(found->second.server->waiting, [&](const ServerCall& call) { return call.key == key; });
     }
     entries_.erase(found);
 }
@@ -141,6 +198,9 @@ void AsyncResults::Stop() {
         const std::scoped_lock lock(mutex_);
         ending = std::exchange(threads_, {});
         left = std::exchange(entries_, {});
+        for (auto& [address, server] : serverOf_) {
+            server.waiting.clear();
+        }
         for (auto& thread : ending) {
             if (thread) {
                 thread->Stop();

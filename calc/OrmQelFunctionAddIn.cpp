@@ -57,7 +57,7 @@ Variant Evaluate(OrmQelFunction& function, const NameCall& call) { return functi
 AsyncResults& OrmQelFunctionAddIn::ServerResults() {
     const std::scoped_lock lock(mutex_);
     if (!serverResults_) {
-        serverResults_ = MakeServerResults(context_);
+        serverResults_ = MakeServerResults(context_, isHebrew_);
     }
     return *serverResults_;
 }
@@ -163,7 +163,10 @@ rtl::OUString OrmQelFunctionAddIn::getDisplayCategoryName(const Text& /*method*/
     return ToOffice(categoryName.In(IsHebrew()));
 }
 
-void OrmQelFunctionAddIn::setLocale(const Language& language) { language_ = language; }
+void OrmQelFunctionAddIn::setLocale(const Language& language) {
+    language_ = language;
+    *isHebrew_ = language.Language == "he" || language.Language == "iw";
+}
 
 OrmQelFunctionAddIn::Language OrmQelFunctionAddIn::getLocale() { return language_; }
 
@@ -189,8 +192,6 @@ uno::Sequence<rtl::OUString> OrmQelFunctionAddIn::getSupportedServiceNames() {
     return {names, 2};
 }
 
-bool OrmQelFunctionAddIn::IsHebrew() const {
-    return language_.Language == "he" || language_.Language == "iw";
-}
+bool OrmQelFunctionAddIn::IsHebrew() const { return *isHebrew_; }
 
 } // namespace qel::calc

@@ -81,6 +81,8 @@ private:
     std::mutex mutex_; ///< guards the one below
     std::shared_ptr<AsyncResults> serverResults_;
     Language language_; ///< of the office's menus
+    std::shared_ptr<std::atomic<bool>> isHebrew_ =
+        std::make_shared<std::atomic<bool>>(false); ///< that language
 };
 
 } // namespace qel::calc

@@ -1,5 +1,6 @@
 #include "calc/ServerResultsOfOffice.h"
 
+#include "calc/ServerQuestion.h"
 #include "platform/data/xmla/XmlaDataAccess.h"
 #include "platform/data/xmla/settings/ServerSettings.h"
 
@@ -49,24 +50,30 @@ private:
     WeakResults results_;
 };
 
-std::unique_ptr<DataAccess> ServersOfUser(const std::shared_ptr<const std::atomic<bool>>& isStopped) {
-    ServerOptions options = ReadServerOptions(ServerSettingsFile());
+std::unique_ptr<DataAccess> ServersOfUser(const std::shared_ptr<const KnownServers>& known,
+                                          const std::shared_ptr<const std::atomic<bool>>& isStopped) {
+    ServerOptions options = ReadServerOptions(known);
     options.isStopped = isStopped;
     return std::make_unique<XmlaDataAccess>(std::move(options));
 }
 
 } // namespace
 
-std::shared_ptr<AsyncResults> MakeServerResults(const uno::Reference<uno::XComponentContext>& context) {
+std::shared_ptr<AsyncResults> MakeServerResults(const uno::Reference<uno::XComponentContext>& context,
+                                                const std::shared_ptr<const std::atomic<bool>>& isHebrew) {
     const auto mainThread = awt::AsyncCallback::create(context);
     // Filled below: the callback needs the results, which need to wake it.
     const auto delivery = std::make_shared<uno::Reference<awt::XCallback>>();
-    auto results = std::make_shared<AsyncResults>(ServersOfUser, [mainThread, delivery] {
-        try {
-            mainThread->addCallback(*delivery, {});
-        } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office has ended
-        }
-    });
+    const auto known = std::make_shared<KnownServers>(ServerSettingsFile());
+    auto results = std::make_shared<AsyncResults>(
+        [known](const auto& isStopped) { return ServersOfUser(known, isStopped); },
+        AskingThePerson(context, known, isHebrew),
+        [mainThread, delivery] {
+            try {
+                mainThread->addCallback(*delivery, {});
+            } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office has ended
+            }
+        });
     *delivery = uno::Reference<awt::XCallback>(new Delivery(results));
     frame::Desktop::create(context)->addTerminateListener(new EndOfOffice(results));
     return results;

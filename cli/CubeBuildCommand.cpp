@@ -60,7 +60,7 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     const auto start = std::chrono::steady_clock::now();
     engine::BuildTotals totals;
     {
-        ProgressBar bar(context.messages, context.terminalColumns);
+        ProgressBar bar(context.terminal, context.terminalColumns);
         const Interruption interruption;
         options.progress = [&](const std::string& step, double share) {
             interruption.Check("interrupted; the cube file is as it was");

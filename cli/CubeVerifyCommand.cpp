@@ -19,7 +19,7 @@ void Verify(const std::string& file, CommandContext& context) {
     RequireCubeFile(file);
     const auto cubeFile = engine::CubeFile::Open(PathFromSetting(file));
     {
-        ProgressBar bar(context.messages, context.terminalColumns);
+        ProgressBar bar(context.terminal, context.terminalColumns);
         cubeFile->Verify([&](double share) { bar.Show("checking", share); });
     }
     fmt::print(context.output, "{}: OK\n", file);

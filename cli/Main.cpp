@@ -10,8 +10,10 @@
 #include "cli/MembersCommand.h"
 #include "cli/ServerCheckCommand.h"
 #include "cli/SettingsCommand.h"
+#include "cli/ShownStream.h"
 #include "cli/Terminal.h"
 #include "cli/Version.h"
+#include "platform/data/ConnectionText.h"
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/data/embedded/ProviderErrors.h"
@@ -57,6 +59,23 @@ void AddDateOrder(CLI::App& app, qel::Locale& locale) {
         ->option_text("dmy|mdy|ymd (default dmy)");
 }
 
+void AddAllowServer(CLI::App& app, qel::KnownServers& servers) {
+    const auto take = [&servers](const std::vector<std::string>& addresses) {
+        for (const auto& address : addresses) {
+            if (!qel::IsServerAddress(address)) {
+                throw CLI::ValidationError(
+                    fmt::format("--allow-server takes an address, http://… or https://…, not {}", address));
+            }
+            servers.Answer(qel::ParseServerAddress(address), true);
+        }
+    };
+    app.add_option_function<std::vector<std::string>>(
+           "--allow-server", take, "A server that formulas may ask, as those in servers.ini; may be repeated")
+        ->trigger_on_parse()
+        ->allow_extra_args(false)
+        ->option_text("ADDRESS");
+}
+
 void AddCommands(CLI::App& app, qel::CommandContext& context) {
     app.require_subcommand(1);
     app.fallthrough();
@@ -84,6 +103,8 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
 /// without.
 class ConfiguredServers : public qel::DataAccess {
 public:
+    explicit ConfiguredServers(std::shared_ptr<qel::KnownServers> known) : known_(std::move(known)) {}
+
     std::shared_ptr<qel::Connection> CreateConnection() override { return Access().CreateConnection(); }
     std::unique_ptr<qel::Catalog> CreateCatalog() override { return Access().CreateCatalog(); }
     std::unique_ptr<qel::Cellset> CreateCellset() override { return Access().CreateCellset(); }
@@ -92,11 +113,12 @@ public:
 private:
     qel::XmlaDataAccess& Access() {
         if (!access_) {
-            access_.emplace(qel::ReadServerOptions(qel::ServerSettingsFile()));
+            access_.emplace(qel::ReadServerOptions(known_));
         }
         return *access_;
     }
 
+    std::shared_ptr<qel::KnownServers> known_;
     std::optional<qel::XmlaDataAccess> access_;
 };
 
@@ -117,19 +139,27 @@ std::vector<std::string> WordsOf(int argc, char** argv) {
     return words;
 }
 
-int Run(int argc, char** argv) {
+int Run(int argc, char** argv, std::ostream& terminal) {
     qel::EmbeddedDataAccess cubeFiles;
-    ConfiguredServers servers;
+    const auto known = std::make_shared<qel::KnownServers>(qel::ServerSettingsFile());
+    ConfiguredServers servers(known);
     qel::CommandContext context{.providers = qel::ChooseProvider(cubeFiles, &servers, nullptr),
+                                .servers = known,
                                 .locale = {},
                                 .input = std::cin,
                                 .output = std::cout,
                                 .messages = std::cerr,
+                                .terminal = terminal,
                                 .terminalColumns = qel::StandardErrorColumns()};
     CLI::App app{description, "qel"};
     app.footer(footer);
     app.set_version_flag("--version", std::string("qel ") + qel::programVersion);
     AddDateOrder(app, context.locale);
+    AddAllowServer(app, *known);
+    app.add_flag_callback(
+           "--verify-reads", [&cubeFiles] { cubeFiles.ReadIntoMemory(); },
+           "Read cube files into memory, where no other program can change them, and check every page")
+        ->trigger_on_parse();
     AddCommands(app, context);
     try {
         app.parse(WordsOf(argc, argv));
@@ -157,8 +187,15 @@ int Fail(const std::string& reason) {
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     std::cin.tie(nullptr);
+    // Results that go to a file or a program stay as they are.
+    const qel::ShownStream messages(std::cerr);
+    std::optional<qel::ShownStream> results;
+    if (qel::StandardOutputIsTerminal()) {
+        results.emplace(std::cout);
+    }
     try {
-        const int status = Run(argc, argv);
+        std::ostream terminal(messages.Target());
+        const int status = Run(argc, argv, terminal);
         std::cout.flush();
         return std::cout ? status : Fail("standard output cannot be written");
     } catch (const qel::AutomationError& error) {

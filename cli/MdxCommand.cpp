@@ -26,6 +26,7 @@ struct MdxOptions {
 };
 
 void RunMdx(const MdxOptions& options, CommandContext& context) {
+    context.AllowNamed(options.cubeFile);
     const auto cube =
         context.providers.Connect(ModSetCube::ComposeConnectionText(options.cubeFile, options.cubeName));
     const auto cellset = cube.provider.CreateCellset();

@@ -245,6 +245,7 @@ private:
 void ListMembers(CommandContext& context, const MembersOptions& options) {
     const KindOfList& kind = FindKind(options.kind);
     RequireOptions(kind, options);
+    context.AllowNamed(options.cubeFile);
     if (options.kind == "obs" && !NamesObsLevel(options.level)) {
         fmt::print(context.messages, "qel: '{}' does not begin with \"level\", so cost centres are listed\n",
                    options.level);

@@ -1,5 +1,7 @@
 #include "cli/ProgressBar.h"
 
+#include "text/ShownText.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -43,9 +45,9 @@ void ProgressBar::Show(const std::string& step, double share) {
     share = std::clamp(share, 0.0, 1.0);
     const auto filled = static_cast<int>(share * barWidth);
     // A line that wraps could not be erased, and the last column wraps on some terminals.
-    auto line = FirstCharacters(
-        fmt::format("[{:#<{}}{:.<{}}] {:3.0f}%  {}", "", filled, "", barWidth - filled, share * 100, step),
-        columns_ - 1);
+    auto line = FirstCharacters(fmt::format("[{:#<{}}{:.<{}}] {:3.0f}%  {}", "", filled, "",
+                                            barWidth - filled, share * 100, OnOneShownLine(step)),
+                                columns_ - 1);
     if (line == shown_) {
         return;
     }

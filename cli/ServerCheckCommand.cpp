@@ -28,7 +28,9 @@ class ServerCheck {
 public:
     ServerCheck(std::string address, CommandContext& context)
         : address_(std::move(address)), parsed_(ParseServerAddress(address_)),
-          options_(ReadServerOptions(ServerSettingsFile())), check_(address_, context) {}
+          options_(ReadServerOptions(context.servers)), check_(address_, context) {
+        context.AllowNamed(address_);
+    }
 
     void Print() {
         ServerSession session(parsed_, options_, "");

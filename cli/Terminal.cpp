@@ -18,6 +18,11 @@ namespace {
 constexpr int usualColumns = 80;
 
 #ifdef _WIN32
+bool OutputIsTerminal() {
+    constexpr int standardOutput = 1;
+    return _isatty(standardOutput) != 0;
+}
+
 int TerminalColumns() {
     constexpr int standardError = 2;
     if (_isatty(standardError) == 0) {
@@ -30,6 +35,8 @@ int TerminalColumns() {
     return screen.srWindow.Right - screen.srWindow.Left + 1;
 }
 #else
+bool OutputIsTerminal() { return isatty(STDOUT_FILENO) != 0; }
+
 int TerminalColumns() {
     if (isatty(STDERR_FILENO) == 0) {
         return 0;
@@ -41,6 +48,8 @@ int TerminalColumns() {
 #endif
 
 } // namespace
+
+bool StandardOutputIsTerminal() { return OutputIsTerminal(); }
 
 int StandardErrorColumns() {
     const char* kind = std::getenv("TERM");

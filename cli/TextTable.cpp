@@ -34,7 +34,8 @@ bool TakesNoColumn(char32_t c) {
     const bool isHebrewPoint =
         c >= 0x0591 && c <= 0x05C7 && c != 0x05BE && c != 0x05C0 && c != 0x05C3 && c != 0x05C6;
     const bool isCombining = c >= 0x0300 && c <= 0x036F;
-    const bool isFormat = (c >= 0x200B && c <= 0x200F) || (c >= 0x202A && c <= 0x202E) || c == 0xFEFF;
+    const bool isFormat = (c >= 0x200B && c <= 0x200F) || (c >= 0x202A && c <= 0x202E) ||
+                          (c >= 0x2066 && c <= 0x2069) || c == 0xFEFF;
     return isHebrewPoint || isCombining || isFormat;
 }
 

@@ -16,6 +16,12 @@ bool IsOpen(const std::shared_ptr<Connection>& connection) {
     }
 }
 
+/// What was read of the open cube.
+void ForgetData(ThreadState& thread) {
+    thread.datesAreCurrent = false;
+    thread.obsMembers.Clear();
+}
+
 } // namespace
 
 std::string ComposeConnectionText(const std::string& cubeFile, const std::string& cubeName) {
@@ -24,8 +30,7 @@ std::string ComposeConnectionText(const std::string& cubeFile, const std::string
 }
 
 void OpenThreadConnection(ThreadState& thread, const Providers& providers, const OpenedCube& cube) {
-    thread.datesAreCurrent = false;
-    thread.obsMembers.Clear();
+    ForgetData(thread);
     const std::string text = ComposeConnectionText(cube.cubeFile, cube.cubeName);
     DataAccess& provider = providers.For(text);
     if (!thread.CubeConnection || thread.provider != &provider) {
@@ -41,6 +46,9 @@ void OpenOrReuse(ThreadState& thread, const Providers& providers, OpenedCube& op
     if (IsOpen(thread.CubeConnection)) {
         // Objects of a thread share the connection but not `opened`: it may be open on another object's cube.
         if (opened == wanted && thread.connected == wanted) {
+            if (thread.CubeConnection->Refresh()) {
+                ForgetData(thread);
+            }
             return;
         }
         thread.CubeConnection->Close();

@@ -16,7 +16,8 @@ void OpenThreadConnection(ThreadState& thread, const Providers& providers, const
 
 /// Leaves CubeConnection open. An open connection is reused when `opened` (the object's g_cubeFile and
 /// g_CubeName) names exactly this cube and no other object has opened another one since; otherwise it is
-/// closed, `opened` is rewritten and it is opened again. Raises what the provider raises.
+/// closed, `opened` is rewritten and it is opened again. When the data behind a reused connection is new, its
+/// dates are loaded afresh. Raises what the provider raises.
 void OpenOrReuse(ThreadState& thread, const Providers& providers, OpenedCube& opened,
                  const OpenedCube& wanted);
 

@@ -1,6 +1,7 @@
 #include "cube/NameQuery.h"
 
 #include "platform/value/Conversion.h"
+#include "text/ShownText.h"
 #include "text/Text.h"
 
 namespace qel::ModSetCube {
@@ -36,7 +37,7 @@ std::string GetMemberName(const ThreadState& thread, const Providers& providers,
     providers.Sending(statement);
     const auto cellset = thread.provider->CreateCellset();
     cellset->Open(statement, thread.CubeConnection);
-    std::string name = cellset->MemberAt(rows, 0, 0).caption.value_or("");
+    std::string name = OnOneShownLine(cellset->MemberAt(rows, 0, 0).caption.value_or(""));
     cellset->Close();
     return name;
 }

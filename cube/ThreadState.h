@@ -29,8 +29,9 @@ struct ThreadState {
     DataAccess* provider = nullptr;             ///< which made CubeConnection
     OpenedCube connected;                       ///< what CubeConnection was last opened on, by any object
     DateTable dates;                            ///< of the cube that the last version check saw
-    bool datesAreCurrent = false;               ///< `dates` were loaded since CubeConnection was last opened
-    ObsMemory obsMembers;                       ///< of the cube that CubeConnection is open on
+    bool datesAreCurrent =
+        false;            ///< `dates` were loaded since CubeConnection was last opened or got new data
+    ObsMemory obsMembers; ///< of the cube that CubeConnection is open on
 };
 
 } // namespace qel::ModSetCube

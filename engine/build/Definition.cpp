@@ -3,6 +3,7 @@
 #include "engine/build/FieldDate.h"
 #include "engine/build/JsonObject.h"
 #include "engine/build/TextFile.h"
+#include "engine/storage/Format.h"
 #include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
 #include "text/Utf8Path.h"
@@ -432,6 +433,9 @@ Definition ParseDefinition(std::string_view text, const std::string& fileName,
     }
     UniqueNames names("cube");
     for (const JsonPlace& place : object.Required("cubes").Elements()) {
+        if (definition.cubes.size() == format::mostCubes) {
+            place.Fail(fmt::format("a file has at most {} cubes", format::mostCubes));
+        }
         definition.cubes.push_back(CubeReader(definition.tables).Read(place));
         names.Add(definition.cubes.back().name, place);
     }

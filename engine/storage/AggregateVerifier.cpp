@@ -246,51 +246,67 @@ private:
         return static_cast<std::uint32_t>(next - buckets.begin()) - 1;
     }
 
-    /// Calls visit(projection, run, rows) until every fact under the key was visited.
+    /// Calls visit(projection, run, rows) until every fact under the key was visited. Reads the sort order
+    /// led by a column of the key that leaves the fewest rows; never more than all facts, however many ranges
+    /// the key has.
     template <class Visit>
     void VisitFacts(const AggregateKey& key, const Visit& visit) const {
-        static constexpr KeyRange unused{};
-        const auto rangesOf = [&](std::uint16_t column, const KeyRange& codes) {
-            return column == AggregateKey::noColumn ? CodeRanges(&unused, 1)
-                                                    : aggregates_.Groups().Ranges(codes);
-        };
-        for (const KeyRange first : rangesOf(key.firstColumn, key.first)) {
-            for (const KeyRange second : rangesOf(key.secondColumn, key.second)) {
-                VisitFactsUnder({key.firstColumn, key.secondColumn, first, second}, visit);
-            }
-        }
-    }
-    /// For two single ranges, reads the sort order led by the column that leaves fewer rows.
-    template <class Visit>
-    void VisitFactsUnder(const AggregateKey& key, const Visit& visit) const {
+        const CodeRanges first = RangesOf(key.firstColumn, key.first);
+        const CodeRanges second = RangesOf(key.secondColumn, key.second);
         const Projection* projection = &facts_.Projections().front();
-        RowRange run{0, facts_.RowCount()};
+        std::uint64_t fewest = facts_.RowCount();
+        CodeRanges leading; // none: all facts are read
         for (const Projection& other : facts_.Projections()) {
             const std::uint16_t lead = other.SortOrder().front();
             if (lead != key.firstColumn && lead != key.secondColumn) {
                 continue;
             }
-            const RowRange rows = other.RowsOfLeadingKey(lead == key.firstColumn ? key.first : key.second);
-            if (rows.Count() < run.Count()) {
-                run = rows;
+            const CodeRanges codes = lead == key.firstColumn ? first : second;
+            const std::uint64_t rows = RowsLedBy(other, codes);
+            if (rows < fewest) {
+                fewest = rows;
                 projection = &other;
+                leading = codes;
             }
         }
-        VisitChunks(run, [&](RowRange chunk) {
-            RowOffsets rows = AllOf(chunk);
-            Restrict(*projection, chunk, key.firstColumn, key.first, rows);
-            Restrict(*projection, chunk, key.secondColumn, key.second, rows);
-            visit(*projection, chunk, rows);
-        });
+        const auto visitRun = [&](RowRange run) {
+            VisitChunks(run, [&](RowRange chunk) {
+                RowOffsets rows = AllOf(chunk);
+                Restrict(*projection, chunk, key.firstColumn, first, rows);
+                Restrict(*projection, chunk, key.secondColumn, second, rows);
+                visit(*projection, chunk, rows);
+            });
+        };
+        if (leading.empty()) {
+            visitRun({0, facts_.RowCount()});
+        }
+        for (const KeyRange codes : leading) {
+            visitRun(projection->RowsOfLeadingKey(codes));
+        }
     }
-    void Restrict(const Projection& projection, RowRange run, std::uint16_t column, KeyRange codes,
+    /// None for no column.
+    CodeRanges RangesOf(std::uint16_t column, const KeyRange& codes) const {
+        return column == AggregateKey::noColumn ? CodeRanges() : aggregates_.Groups().Ranges(codes);
+    }
+    static std::uint64_t RowsLedBy(const Projection& projection, CodeRanges codes) {
+        std::uint64_t rows = 0;
+        for (const KeyRange range : codes) {
+            rows += projection.RowsOfLeadingKey(range).Count();
+        }
+        return rows;
+    }
+    void Restrict(const Projection& projection, RowRange run, std::uint16_t column, CodeRanges codes,
                   RowOffsets& rows) const {
         if (column == AggregateKey::noColumn) {
             return;
         }
         const std::vector<std::uint32_t> all = ReadCodes(facts_, projection, column, run);
-        std::erase_if(rows,
-                      [&](std::size_t row) { return all[row] < codes.first || all[row] >= codes.last; });
+        std::erase_if(rows, [&](std::size_t row) {
+            const auto next = std::upper_bound(
+                codes.begin(), codes.end(), all[row],
+                [](std::uint32_t code, const KeyRange& range) { return code < range.first; });
+            return next == codes.begin() || all[row] >= std::prev(next)->last;
+        });
     }
 
     /// Splits a run into chunks: it may be long, and in a tampered file longer than memory.

@@ -9,10 +9,10 @@
 #include "engine/storage/MemberVerifier.h"
 #include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
+#include "text/NameList.h"
 #include "text/Utf8Path.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <fstream>
@@ -27,6 +27,9 @@ struct CubeFile::Contents {
           bytes(held.empty() ? file.Bytes() : std::span<const std::byte>(held)),
           image(PathToUtf8(path), bytes, held.empty() ? &file : nullptr) {
         const std::uint32_t count = image.CubeCount();
+        if (count > format::mostCubes) {
+            image.Fail(fmt::format("it has {} cubes; {} are the limit", count, format::mostCubes));
+        }
         for (std::uint32_t i = 0; i < count; ++i) {
             cubes.push_back(CubeLoader(image, i).Load());
             sources.push_back(CubeLoader(image, i).LoadSources(cubes.back()));
@@ -85,7 +88,7 @@ std::shared_ptr<const Cube> CubeFile::FindCube(std::string_view name) const {
         names.push_back(cube.Name());
     }
     throw EngineError(ErrorKind::UnknownCube, fmt::format("{}: there is no cube \"{}\"; the file holds {}",
-                                                          PathToUtf8(Path()), name, fmt::join(names, ", ")));
+                                                          PathToUtf8(Path()), name, NameList(names)));
 }
 
 void CubeFile::Verify(const std::function<void(double)>& progress) const {
@@ -100,8 +103,9 @@ void CubeFile::Verify(const std::function<void(double)>& progress) const {
         }
     };
     PageVerifier& pages = contents_->image.Verifier();
+    std::uint32_t number = 0;
     for (const Cube& cube : Cubes()) {
-        std::string fault = FindMemberFault(cube);
+        std::string fault = FindMemberFault(cube, contents_->image, number++);
         if (fault.empty()) {
             fault = FindFactFault(cube, report);
         }

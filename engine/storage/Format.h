@@ -20,6 +20,7 @@ inline constexpr std::uint32_t version = 3;
 inline constexpr std::uint64_t pageSize = 65536;
 inline constexpr std::uint64_t sectionAlignment = 64;
 inline constexpr std::uint64_t mostFacts = 0xFFFFFFFFU; ///< in one cube
+inline constexpr std::uint32_t mostCubes = 10'000;
 
 struct Header {
     std::array<char, 8> signature;

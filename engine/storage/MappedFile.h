@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <span>
 
@@ -18,9 +19,10 @@ public:
     explicit MappedFile(const std::filesystem::path& path);
 
     std::span<const std::byte> Bytes() const { return mapping_ ? bytes_ : std::span<const std::byte>(); }
-    /// False when the file was modified or truncated in place since it was mapped; bytes read before this
-    /// call may then be wrong.
-    bool IsUnchanged() const;
+    /// False when the file was modified or truncated in place since it was mapped, or perhaps was; bytes read
+    /// before this call may then be wrong. When another file has taken its place, which looks like a change
+    /// too, `hasContent` decides: whether the bytes that were read are still there.
+    bool IsUnchanged(const std::function<bool()>& hasContent) const;
 
 private:
     struct Mapping;

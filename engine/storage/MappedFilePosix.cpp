@@ -5,7 +5,9 @@
 
 #include <fmt/format.h>
 
+#include <atomic>
 #include <cerrno>
+#include <cstdint>
 #include <fcntl.h>
 #include <optional>
 #include <sys/mman.h>
@@ -53,6 +55,11 @@ struct stat StatusOf(const Descriptor& file, const std::filesystem::path& path) 
     return status;
 }
 
+std::int64_t Nanoseconds(const timespec& time) {
+    constexpr std::int64_t perSecond = 1'000'000'000;
+    return time.tv_sec * perSecond + time.tv_nsec;
+}
+
 } // namespace
 
 struct MappedFile::Mapping {
@@ -63,6 +70,8 @@ struct MappedFile::Mapping {
             Fail(path, errno);
         }
         status = StatusOf(file, path);
+        links = status.st_nlink;
+        changed = Nanoseconds(status.st_ctim);
         const auto size = static_cast<std::size_t>(status.st_size);
         if (size == 0) {
             return;
@@ -83,17 +92,35 @@ struct MappedFile::Mapping {
     Mapping(const Mapping&) = delete;
     Mapping& operator=(const Mapping&) = delete;
 
-    bool IsUnchanged() const {
+    bool IsUnchanged(const std::function<bool()>& hasContent) const {
         if (watch && watch->HasLostBytes()) {
             return false;
         }
         struct stat now = {};
         return ::fstat(file.Number(), &now) == 0 && now.st_size == status.st_size &&
-               now.st_mtim.tv_sec == status.st_mtim.tv_sec && now.st_mtim.tv_nsec == status.st_mtim.tv_nsec;
+               Nanoseconds(now.st_mtim) == Nanoseconds(status.st_mtim) && HasKeptContent(now, hasContent);
+    }
+
+    /// A program can restore the time of modification, but not the time of change. That one also changes when
+    /// the file loses its name because another one takes its place.
+    bool HasKeptContent(const struct stat& now, const std::function<bool()>& hasContent) const {
+        const auto linksBefore = links.load(); // before the time: they are stored in the other order
+        const std::int64_t change = Nanoseconds(now.st_ctim);
+        if (change == changed.load()) {
+            return true;
+        }
+        if (now.st_nlink >= linksBefore || !hasContent()) {
+            return false;
+        }
+        changed = change;
+        links = now.st_nlink;
+        return true;
     }
 
     Descriptor file;
     struct stat status = {}; ///< when it was mapped
+    mutable std::atomic<nlink_t> links = 0;
+    mutable std::atomic<std::int64_t> changed = 0;
     std::span<const std::byte> bytes;
     std::optional<MappingWatch> watch;
 };
@@ -101,6 +128,8 @@ struct MappedFile::Mapping {
 MappedFile::MappedFile(const std::filesystem::path& path)
     : mapping_(std::make_shared<Mapping>(path)), bytes_(mapping_->bytes) {}
 
-bool MappedFile::IsUnchanged() const { return mapping_ == nullptr || mapping_->IsUnchanged(); }
+bool MappedFile::IsUnchanged(const std::function<bool()>& hasContent) const {
+    return mapping_ == nullptr || mapping_->IsUnchanged(hasContent);
+}
 
 } // namespace qel::engine

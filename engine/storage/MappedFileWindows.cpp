@@ -78,6 +78,6 @@ MappedFile::MappedFile(const std::filesystem::path& path)
     : mapping_(std::make_shared<Mapping>(path)), bytes_(mapping_->bytes) {}
 
 /// Windows refuses to truncate a mapped file, which is how programs overwrite files.
-bool MappedFile::IsUnchanged() const { return true; }
+bool MappedFile::IsUnchanged(const std::function<bool()>& /*hasContent*/) const { return true; }
 
 } // namespace qel::engine

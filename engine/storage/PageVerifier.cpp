@@ -46,12 +46,22 @@ void PageVerifier::CheckPage(std::uint64_t page) {
 }
 
 void PageVerifier::CheckUnchanged() const {
-    if (mapping_ != nullptr && !mapping_->IsUnchanged()) {
+    if (mapping_ != nullptr && !mapping_->IsUnchanged([this] { return AreCheckedPagesIntact(); })) {
         throw EngineError(ErrorKind::DamagedFile,
                           fmt::format("{}: the file was changed or cut short while it was open; it has to be "
                                       "opened again (a new file belongs in its place, not into it)",
                                       fileName_));
     }
+}
+
+bool PageVerifier::AreCheckedPagesIntact() const {
+    for (std::size_t page = 0; page < checksums_.size(); ++page) {
+        if (isChecked_[page].load(std::memory_order_acquire) != 0 &&
+            PageChecksum(file_, page) != checksums_[page]) {
+            return false;
+        }
+    }
+    return true;
 }
 
 void PageVerifier::Fail(const std::string& fault) const {

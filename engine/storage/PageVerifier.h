@@ -31,6 +31,7 @@ public:
 
 private:
     void CheckPage(std::uint64_t page);
+    bool AreCheckedPagesIntact() const;
 
     std::string fileName_;
     std::span<const std::byte> file_;

@@ -8,10 +8,22 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
+#include <cstdint>
+#include <system_error>
 
 namespace qel {
 
 namespace {
+
+/// Leaves a text that is no number to the provider that wants it.
+void ReadPeriod(std::string_view text, std::chrono::milliseconds& period) {
+    std::uint32_t number = 0;
+    const auto [end, failed] = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (failed == std::errc() && end == text.data() + text.size()) {
+        period = std::chrono::milliseconds(number);
+    }
+}
 
 void ReadProperty(std::string_view part, ConnectionText& connection) {
     const auto equals = part.find('=');
@@ -34,6 +46,8 @@ void ReadProperty(std::string_view part, ConnectionText& connection) {
         connection.dataSource = value;
     } else if (EqualIgnoringCase(name, "Initial Catalog")) {
         connection.initialCatalog = value;
+    } else if (EqualIgnoringCase(name, "Auto Synch Period")) {
+        ReadPeriod(value, connection.synchPeriod);
     }
 }
 

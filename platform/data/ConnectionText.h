@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,6 +14,7 @@ struct ConnectionText {
     std::string dataSource; ///< a path or an address, blanks at both ends removed
     /// The cube's name, which may be empty; none when the text leaves the choice to the provider.
     std::optional<std::string> initialCatalog;
+    std::chrono::milliseconds synchPeriod{10'000}; ///< Auto Synch Period: how old the data may get
 };
 
 /// Reads "Name=value;Name=value;…". Names in any letter case; a value is everything up to the next ';',

@@ -35,6 +35,9 @@ public:
     virtual std::string Provider() const;
     /// The catalog that the connection text names, or the one that the provider chose.
     virtual std::string DefaultDatabase() const;
+    /// Takes the data of a source that was replaced since the connection was opened or last refreshed. Cheap
+    /// enough for every formula. True when what was read before is of older data. Raises what Open raises.
+    virtual bool Refresh() { return false; }
     /// An open recordset that describes the data source; of schemaCatalogs, a row a catalog with the field
     /// "CATALOG_NAME". Raises 3251 for a rowset that the provider does not have.
     virtual std::unique_ptr<Recordset> OpenSchema(int schema);

@@ -8,6 +8,7 @@
 #include <bit>
 #include <com/sun/star/sheet/XResultListener.hpp>
 #include <condition_variable>
+#include <set>
 
 namespace qel::calc {
 namespace {
@@ -92,11 +93,24 @@ public:
             stopped = isStopped;
             return std::make_unique<NoServers>();
         },
+        ServerPermission{
+            .isUndecided = [this](const std::string& server) { return undecided.contains(server); },
+            .decide =
+                [this](const std::string& server) {
+                    questions.push_back(server);
+                    if (onQuestion) {
+                        onQuestion();
+                    }
+                    undecided.erase(server);
+                }},
         [this] {
             const std::scoped_lock lock(mutex_);
             isWoken_ = true;
             woken_.notify_all();
         });
+    std::set<std::string> undecided;    ///< servers that the person has to be asked about
+    std::vector<std::string> questions; ///< that the person was asked
+    std::function<void()> onQuestion;   ///< what happens while a question is open
     std::shared_ptr<const std::atomic<bool>> stopped;
     uno::Reference<sheet::XVolatileResult> listening; ///< the last one
 
@@ -210,6 +224,29 @@ TEST(AsyncResults, OfOneServerDoNotWaitForAnother) {
     EXPECT_TRUE(slow->told.empty());
     answer.Set();
     office.Until(*slow, 1);
+}
+
+TEST(AsyncResults, WaitForThePersonsDecisionAboutTheirServer) {
+    Office office;
+    office.undecided = {"http://new/xmla"};
+    std::atomic<int> sent = 0;
+    const auto evaluate = [&] { return Variant(static_cast<double>(++sent)); };
+    const auto waiting = NewCells(), dropped = NewCells(), late = NewCells(), known = NewCells();
+    office.Ask("dropped", evaluate, dropped, "http://new/xmla");
+    office.listening->removeResultListener(dropped.get());
+    office.Ask("waiting", evaluate, waiting, " http://new/xmla ");
+    office.Ask(
+        "known", [] { return Variant(7.0); }, known, "http://known/xmla");
+    office.onQuestion = [&] {
+        EXPECT_EQ(sent, 0) << "nothing is sent before the answer";
+        office.Ask("late", evaluate, late, "http://new/xmla");
+        office.Until(*known, 1); // the office goes on while the question is open
+    };
+    office.Until(*waiting, 1);
+    office.Until(*late, 1);
+    EXPECT_EQ(office.questions, std::vector<std::string>{"http://new/xmla"}) << "once per server";
+    EXPECT_EQ(sent, 2);
+    EXPECT_TRUE(dropped->told.empty());
 }
 
 TEST(AsyncResults, EndWithTheOfficeInTheMiddleOfARequest) {

@@ -11,15 +11,24 @@ import time
 import unittest
 
 from calc_bench import PACKAGE, SOURCE, WORK, CalcTest, Error, calc_session, in_calc, name_formula, run_qel, shown, value_formula
-from person import eventually, screen
+from person import Person, eventually, screen
 
 sys.path.insert(0, str(SOURCE / "tests" / "platform" / "data" / "xmla"))
 from server_proxy import Proxy  # noqa: E402: its folder is known only now
 
 CUBE, SERVER = pathlib.Path(os.environ["QEL_CUBE"]), os.environ["QEL_SERVER"]
 os.environ["XDG_CONFIG_HOME"] = str(WORK / "config")  # no settings of the user's own
+SETTINGS = WORK / "config" / "qel" / "servers.ini"
 WAITS = Error(32767)  # #N/A
 FORMULAS = 2000
+
+
+def known(proxy):
+    """The same proxy, once the person's settings allow to ask it."""
+    SETTINGS.parent.mkdir(parents=True, exist_ok=True)
+    with open(SETTINGS, "a", encoding="utf-8") as settings:
+        settings.write(f"[{proxy.address.removesuffix('/xmla')}]\n")
+    return proxy
 
 
 def months(year):
@@ -54,11 +63,11 @@ class ServedSheet(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         profile = calc_session.fresh_profile(WORK / "profile", PACKAGE)
-        display = cls.enterClassContext(screen())
-        cls.office = cls.enterClassContext(calc_session.Office(profile, WORK, display))
+        cls.display = cls.enterClassContext(screen())
+        cls.office = cls.enterClassContext(calc_session.Office(profile, WORK, cls.display))
 
     def setUp(self):
-        self.proxy = Proxy(SERVER)
+        self.proxy = known(Proxy(SERVER))
         self.addCleanup(self.proxy.close)
         self.document = self.office.new_document()
         self.addCleanup(lambda: self.document.close(True))
@@ -183,7 +192,7 @@ class ServedSheet(unittest.TestCase):
         whole = self.proxy.requests
         failures = {}
         for part, times in ((0.3, None), (0.9, None), (0.3, 1), (0.7, 1)):
-            proxy = Proxy(SERVER)  # another address: nothing is known of it
+            proxy = known(Proxy(SERVER))  # another address: nothing was asked there
             self.addCleanup(proxy.close)
             proxy.drop_after, proxy.drops_left = int(whole * part), times
             formulas = ledger_formulas(proxy.address)[:600]
@@ -209,15 +218,42 @@ class ServedSheet(unittest.TestCase):
 
     def test_no_server_there_shows_failed_calls(self):
         with socket.create_server(("127.0.0.1", 0)) as nobody:
-            address = f"http://127.0.0.1:{nobody.getsockname()[1]}/xmla"
+            self.proxy.address = address = f"http://127.0.0.1:{nobody.getsockname()[1]}/xmla"
+        known(self.proxy)
         formulas = [value_formula(address, "LedgerFNC"), name_formula('"SuperSum1"', '"4"', address, "LedgerFNC")]
         self.fill(formulas)
         self.assertEqual(self.settled(formulas), [0, "-"])
 
+    def test_nothing_is_sent_before_the_person_allows_it(self):
+        person = Person(self.office, self.display)
+        expected = self.of_the_cube_file([value_formula(self.proxy.address, "LedgerFNC")])[0]
+        for reply, value, entry in (("Once", expected, None), ("Always", expected, "always"), ("Never", 0, "never")):
+            with self.subTest(reply):
+                proxy = Proxy(SERVER)
+                self.addCleanup(proxy.close)
+                origin = proxy.address.removesuffix("/xmla")
+                addresses = (proxy.address, proxy.address, origin + "/Xmla")
+                formulas = [value_formula(address, "LedgerFNC") for address in addresses]
+                self.fill(formulas[:2])
+                question = person.sees("OrmFuncQel4")
+                label = "A formula wants to ask this server. The request contains values of cells."
+                self.assertEqual(question.after(label).text, origin)
+                self.assertEqual(self.values(2), [WAITS] * 2)
+                self.sheet.getCellByPosition(3, 0).setFormula("=6*7")
+                self.assertEqual(self.sheet.getCellByPosition(3, 0).getValue(), 42, "the office goes on")
+                self.fill(formulas)
+                self.assertEqual(proxy.requests, 0)
+                question.button(reply).press()
+                self.assertEqual(self.settled(formulas[:2]), [value] * 2)
+                self.assertEqual(proxy.requests > 0, value != 0)
+                self.settled(formulas)  # another path of that server is no other question
+                settings = SETTINGS.read_text(encoding="utf-8")
+                self.assertEqual(f"[{origin}]\nAccess={entry}\n" in settings, entry is not None, settings)
+
 
 class EndingOffice(CalcTest):
     def test_it_ends_while_cells_wait(self):
-        proxy = Proxy(SERVER)
+        proxy = known(Proxy(SERVER))
         self.addCleanup(proxy.close)
         proxy.is_open.clear()
         formulas = ledger_formulas(proxy.address)[:50]

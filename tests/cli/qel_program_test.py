@@ -148,6 +148,96 @@ class Eval(WithBooks):
             self.assertIn("standard input cannot be read", done.stderr, command)
 
 
+class ChangedCube(WithBooks):
+    """A program that reads formulas while their cube changes."""
+    JANUARY = dict(account="4000", dates='"01/01/2024","31/01/2024"')
+    NEXT_YEAR = dict(account="4000", dates='"01/01/2025","31/01/2025"')
+
+    def asked_twice(self, change):
+        """The two formulas' values before and after `change(cube, new cube, folder)`, and what was told of errors."""
+        folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="qel-test-")))
+        copy_books(folder / "books", "2025-01-05,4000,A1,100,S,10,-5.00\n2024-01-06,4000,A1,100,S,10,-1.00\n")
+        file, new = folder / "a.cub", folder / "new.cub"
+        shutil.copy(self.cube, file)
+        self.assertEqual(run("cube", "build", folder / "books" / "books.json", "--output", new)[0], 0)
+        formulas = [value_formula(file, **changes) for changes in (self.JANUARY, self.NEXT_YEAR)]
+        with subprocess.Popen([QEL, "eval"], stdin=subprocess.PIPE, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              text=True) as program:
+            def values():
+                program.stdin.write("\n".join(formulas) + "\n")
+                program.stdin.flush()
+                return [program.stdout.readline().strip() for _ in formulas]
+            before = values()
+            change(file, new, folder)
+            time.sleep(0.2)  # a person's pause before the next recalculation
+            after = values()
+            shutil.copy(self.cube, file)
+            time.sleep(0.2)
+            self.assertEqual(values(), before, "the old content again")
+            program.stdin.close()
+            self.assertEqual(program.wait(timeout=60), 0)
+            return before, after, program.stderr.read()
+
+    def test_the_next_recalculation_shows_the_new_data(self):
+        old, new, none = ["-1000.3", "0"], ["-1001.3", "-5"], ["0", "0"]
+        cases = [
+            ("replaced", lambda file, fresh, folder: fresh.rename(file), new),
+            ("rewritten in place", lambda file, fresh, folder: file.write_bytes(fresh.read_bytes()), new),
+            ("touched", lambda file, fresh, folder: os.utime(file), old),
+            ("another mode", lambda file, fresh, folder: file.chmod(0o640), old),
+            ("another name beside it", lambda file, fresh, folder: os.link(file, folder / "other.cub"), old),
+            ("cut short", lambda file, fresh, folder: os.truncate(file, 5000), none),
+            ("replaced by half a file", lambda file, fresh, folder: (os.truncate(fresh, 5000), fresh.rename(file)), none),
+            ("moved away", lambda file, fresh, folder: file.rename(folder / "other.cub"), none),
+        ]
+        for what, change, expected in cases:
+            with self.subTest(what):
+                before, after, errors = self.asked_twice(change)
+                self.assertEqual((before, after), (old, expected))
+                self.assertEqual("shown instead of an error, first at line 3" in errors, expected == none, errors)
+
+    def test_reads_can_be_verified(self):
+        self.assertEqual(run("eval", "--verify-reads", self.formula()), (0, "-929.95\n", ""))
+
+
+class HostileTexts(WithBooks):
+    """Names that would move a terminal's cursor, colour it, or turn its text around."""
+    NAME = "red\x1b[31m\x9b1m\u202egnp\u2066\x07\u200e\u05d0\u200f"
+    SHOWN = "red [31m 1mgnp \u200e\u05d0\u200f"
+
+    def on_terminal(self, *command):
+        main, terminal = pty.openpty()
+        program = subprocess.Popen([QEL, *map(str, command)], stdout=terminal, stderr=terminal)
+        os.close(terminal)
+        shown = b""
+        with contextlib.suppress(OSError):  # the terminal's end
+            while part := os.read(main, 65536):
+                shown += part
+        os.close(main)
+        self.assertEqual(program.wait(timeout=60), 0, command)
+        return shown.decode().replace("\r\n", "\n")
+
+    def test_reach_no_terminal(self):
+        folder = self.path / "hostile"
+        copy_books(folder, "")
+        for file in ("accounts.csv", "books.json"):
+            text = (folder / file).read_text(encoding="utf-8")
+            text = text.replace("Sales", self.NAME).replace('"Lines"', json.dumps(self.NAME))
+            (folder / file).write_text(text, encoding="utf-8")
+        cube = folder / "b.cub"
+        self.assertEqual(run("cube", "build", folder / "books.json", "--output", cube)[0], 0)
+        table = ("mdx", cube, "BooksFNC", "SELECT {[Measures].[Amount]} ON 0, "
+                                          "{[Accounts].[AccountNames].[AccountName].Members} ON 1 FROM BooksFNC")
+        for command in (table, (*table, "--csv"), ("cube", "info", cube),
+                        ("cube", "info", cube, "--members", "AccountName", "--cube", "BooksFNC")):
+            shown = self.on_terminal(*command)
+            self.assertIn(self.SHOWN, shown, command)
+            self.assertNotRegex(shown, "[\x00-\x08\x0b-\x1f\x7f-\x9f\u202a-\u202e\u2066-\u2069]", command)
+        self.assertIn(self.NAME, run(*table, "--csv")[1], "data for programs stays as it is")
+        errors = run("mdx", cube, "BooksFNC", f"SELECT {{[Accounts].[{self.NAME}?]}} ON 0 FROM BooksFNC")[2]
+        self.assertIn(self.SHOWN, errors, "a message, wherever it goes")
+
+
 class Explain(WithBooks):
     def test_shows_keys_texts_and_value(self):
         status, output, errors = run("explain", self.formula(
@@ -283,6 +373,20 @@ class Cube(WithBooks):
 
     def test_verify(self):
         self.assertEqual(run("cube", "verify", self.cube), (0, f"{self.cube}: OK\n", ""))
+
+    def test_verify_takes_no_quadratic_time_for_members_of_one_name(self):
+        lines = range(40_000)
+        (self.path / "facts.csv").write_text("code,amount\n" + "".join(f"{i},1\n" for i in lines))
+        (self.path / "codes.csv").write_text("code,group,name\n" + "".join(f"{i},g{i},main\n" for i in lines))
+        (self.path / "names.json").write_text(json.dumps({
+            "tables": {"facts": {"file": "facts.csv"}, "codes": {"file": "codes.csv"}},
+            "cubes": [{"name": "N", "facts": "facts", "measures": [{"name": "M", "column": "amount"}], "dimensions": [
+                {"name": "D", "column": "code", "table": "codes", "key": "code", "hierarchies": [{"name": "H", "levels": [
+                    {"name": "G", "key": "group"}, {"name": "C", "key": "code", "memberName": "name"}]}]}]}]}))
+        started = time.monotonic()
+        self.assertEqual(run("cube", "build", self.path / "names.json", "--output", self.path / "n.cub")[0], 0)
+        self.assertEqual(run("cube", "verify", self.path / "n.cub")[0], 0)
+        self.assertLess(time.monotonic() - started, 30)  # it took minutes
 
     def test_skipped_lines_are_written_aside_and_told(self):
         folder = self.path / "skip"

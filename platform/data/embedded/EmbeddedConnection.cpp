@@ -1,13 +1,16 @@
 #include "platform/data/embedded/EmbeddedConnection.h"
 
-#include "platform/data/ConnectionText.h"
 #include "platform/data/ObjectErrors.h"
 #include "platform/data/embedded/EmbeddedRecordset.h"
 #include "platform/data/embedded/OpenCubeFiles.h"
 #include "platform/data/embedded/ProviderErrors.h"
 #include "text/CaseFold.h"
+#include "text/NameList.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
+
+#include <utility>
 
 namespace qel {
 
@@ -31,13 +34,13 @@ std::shared_ptr<const engine::Cube> OnlyCube(const engine::CubeFile& file, const
     if (cubes.size() == 1) {
         return file.FindCube(cubes.front().Name());
     }
-    std::string names;
+    std::vector<std::string> names;
     for (const auto& cube : cubes) {
-        names += fmt::format("{}'{}'", names.empty() ? "" : ", ", cube.Name());
+        names.push_back(cube.Name());
     }
-    throw ProviderError(
-        engine::ErrorKind::UnknownCube,
-        fmt::format("No cube is named, and the cube file '{}' holds {}: {}.", path, cubes.size(), names));
+    throw ProviderError(engine::ErrorKind::UnknownCube,
+                        fmt::format("No cube is named, and the cube file '{}' holds {}: {}.", path,
+                                    cubes.size(), NameList(names, "'")));
 }
 
 std::shared_ptr<const engine::CubeFile> OpenFile(OpenCubeFiles& files, const ConnectionText& text) {
@@ -75,12 +78,39 @@ void EmbeddedConnection::Open(const std::string& connectionString, const std::st
     if (cube_) {
         throw ObjectOpenError(embeddedProvider);
     }
-    const auto text = ParseConnectionText(connectionString);
-    auto file = OpenFile(*files_, text);
-    cube_ = ChooseCube(*file, text);
+    text_ = ParseConnectionText(connectionString);
+    Take(OpenFile(*files_, text_));
+    connectionString_ = connectionString;
+    lookedAt_ = usedAt_ = Clock::now();
+    hasNewData_ = false;
+}
+
+void EmbeddedConnection::Take(std::shared_ptr<const engine::CubeFile> file) {
+    cube_ = ChooseCube(*file, text_);
     plans_ = files_->PlansOf(file);
     file_ = std::move(file);
-    connectionString_ = connectionString;
+}
+
+bool EmbeddedConnection::Refresh() {
+    constexpr auto rest = std::chrono::milliseconds(100);
+    const auto now = Clock::now();
+    const bool isDue = now - usedAt_ > rest || now - lookedAt_ >= text_.synchPeriod;
+    usedAt_ = now;
+    if (isDue && cube_ && IdentifyFile(PathFromUtf8(text_.dataSource))) {
+        lookedAt_ = now;
+        TakeNewFile();
+    }
+    return std::exchange(hasNewData_, false);
+}
+
+bool EmbeddedConnection::TakeNewFile() {
+    auto file = OpenFile(*files_, text_);
+    if (file == file_) {
+        return false;
+    }
+    Take(std::move(file));
+    hasNewData_ = true;
+    return true;
 }
 
 void EmbeddedConnection::Close() {
@@ -109,12 +139,21 @@ EmbeddedConnection::CubeOf(const std::shared_ptr<Connection>& connection) {
 
 engine::Cellset EmbeddedConnection::Run(const std::shared_ptr<Connection>& connection,
                                         const std::string& statement) {
-    const EmbeddedConnection& local = OpenOne(connection);
-    return TranslatingErrors([&] { return local.plans_->Run(*local.cube_, statement); });
+    EmbeddedConnection& local = OpenOne(connection);
+    return TranslatingErrors([&] {
+        try {
+            return local.plans_->Run(*local.cube_, statement);
+        } catch (const engine::EngineError& error) {
+            if (error.Kind() != engine::ErrorKind::DamagedFile || !local.TakeNewFile()) {
+                throw;
+            }
+        }
+        return local.plans_->Run(*local.cube_, statement);
+    });
 }
 
-const EmbeddedConnection& EmbeddedConnection::OpenOne(const std::shared_ptr<Connection>& connection) {
-    const auto* local = dynamic_cast<const EmbeddedConnection*>(connection.get());
+EmbeddedConnection& EmbeddedConnection::OpenOne(const std::shared_ptr<Connection>& connection) {
+    auto* local = dynamic_cast<EmbeddedConnection*>(connection.get());
     if (!local || !local->cube_) {
         throw InvalidConnectionError(embeddedProvider);
     }

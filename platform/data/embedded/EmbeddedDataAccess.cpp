@@ -10,6 +10,8 @@ namespace qel {
 
 EmbeddedDataAccess::EmbeddedDataAccess() : files_(std::make_shared<OpenCubeFiles>()) {}
 
+void EmbeddedDataAccess::ReadIntoMemory() { files_->ReadIntoMemory(); }
+
 std::shared_ptr<Connection> EmbeddedDataAccess::CreateConnection() {
     return std::make_shared<EmbeddedConnection>(files_);
 }

@@ -14,6 +14,9 @@ class EmbeddedDataAccess : public DataAccess {
 public:
     EmbeddedDataAccess();
 
+    /// Files that are opened from now on are read into memory: no other program can change what is read.
+    void ReadIntoMemory();
+
     std::shared_ptr<Connection> CreateConnection() override;
     std::unique_ptr<Catalog> CreateCatalog() override;
     std::unique_ptr<Cellset> CreateCellset() override;

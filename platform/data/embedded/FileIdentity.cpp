@@ -18,7 +18,7 @@ std::optional<FileIdentity> IdentifyFile(const std::filesystem::path& path) {
     if (failed) {
         return std::nullopt;
     }
-    return FileIdentity{0, 0, size, modified.time_since_epoch().count()};
+    return FileIdentity{0, 0, size, modified.time_since_epoch().count(), 0};
 }
 
 #else
@@ -29,8 +29,11 @@ std::optional<FileIdentity> IdentifyFile(const std::filesystem::path& path) {
         return std::nullopt;
     }
     constexpr std::int64_t nanosecondsPerSecond = 1'000'000'000;
+    const auto nanoseconds = [](const timespec& time) {
+        return time.tv_sec * nanosecondsPerSecond + time.tv_nsec;
+    };
     return FileIdentity{status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
-                        status.st_mtim.tv_sec * nanosecondsPerSecond + status.st_mtim.tv_nsec};
+                        nanoseconds(status.st_mtim), nanoseconds(status.st_ctim)};
 }
 
 #endif

@@ -11,6 +11,7 @@ struct FileIdentity {
     std::uint64_t device = 0, file = 0; ///< 0 where the platform has no file numbers
     std::uint64_t size = 0;
     std::int64_t modified = 0; ///< in the platform's finest unit
+    std::int64_t changed = 0;  ///< the same; unlike the other, no program sets it. 0 where there is none
 
     bool operator==(const FileIdentity&) const = default;
 };

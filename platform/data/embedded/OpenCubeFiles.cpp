@@ -5,6 +5,8 @@
 #include "text/Utf8Path.h"
 
 #include <algorithm>
+#include <fstream>
+#include <system_error>
 
 namespace qel {
 
@@ -12,6 +14,19 @@ namespace {
 
 /// Enough for a workbook that compares the cubes of a few years. Each open file keeps its metadata in memory.
 constexpr std::size_t filesKept = 8;
+
+/// A file that is cut short or grows meanwhile is recognised by its checksums.
+std::vector<std::byte> BytesOf(const std::filesystem::path& path) {
+    std::error_code failed;
+    const auto size = std::filesystem::file_size(path, failed);
+    std::vector<std::byte> bytes(failed ? 0 : static_cast<std::size_t>(size));
+    std::ifstream file(path, std::ios::binary);
+    if (failed ||
+        !file.read(reinterpret_cast<char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()))) {
+        throw engine::EngineError(engine::ErrorKind::FileNotFound, PathToUtf8(path) + ": cannot be read");
+    }
+    return bytes;
+}
 
 } // namespace
 
@@ -24,7 +39,7 @@ std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Open(const std::string& p
         }
     }
     RequireCubeFile(path);
-    auto file = TranslatingErrors([&] { return engine::CubeFile::Open(PathFromSetting(path)); });
+    auto file = TranslatingErrors([&] { return OpenNew(path); });
     // The identity is read before the file is opened. If the file is replaced in between, the next call sees
     // another identity and opens it again.
     if (identity) {
@@ -32,6 +47,11 @@ std::shared_ptr<const engine::CubeFile> OpenCubeFiles::Open(const std::string& p
         Keep({path, *identity, file, std::make_shared<engine::PlanCache>()});
     }
     return file;
+}
+
+std::shared_ptr<const engine::CubeFile> OpenCubeFiles::OpenNew(const std::string& path) const {
+    const auto file = PathFromSetting(path);
+    return isIntoMemory_ ? engine::CubeFile::FromMemory(file, BytesOf(file)) : engine::CubeFile::Open(file);
 }
 
 std::shared_ptr<engine::PlanCache>

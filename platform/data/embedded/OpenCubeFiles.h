@@ -4,6 +4,7 @@
 #include "qel/engine/CubeFile.h"
 #include "qel/engine/PlanCache.h"
 
+#include <atomic>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -15,6 +16,10 @@ namespace qel {
 /// disk is opened again; holders of the old one keep it. Thread-safe.
 class OpenCubeFiles {
 public:
+    /// From now on files are read into memory when they are opened, so that no other program can change what
+    /// is read. Otherwise they are mapped.
+    void ReadIntoMemory() { isIntoMemory_ = true; }
+
     /// The open file of a path. A relative path is resolved against the current folder. Raises
     /// AutomationError.
     std::shared_ptr<const engine::CubeFile> Open(const std::string& path);
@@ -32,6 +37,9 @@ private:
     std::shared_ptr<const engine::CubeFile> Find(const std::string& path, const FileIdentity& identity);
     void Keep(Entry entry);
 
+    std::shared_ptr<const engine::CubeFile> OpenNew(const std::string& path) const;
+
+    std::atomic<bool> isIntoMemory_ = false;
     std::mutex mutex_;
     std::vector<Entry> entries_; ///< the last used first
 };

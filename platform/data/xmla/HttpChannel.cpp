@@ -1,7 +1,6 @@
 #include "platform/data/xmla/HttpChannel.h"
 
 #include "platform/data/xmla/ServerErrors.h"
-#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 
@@ -35,21 +34,22 @@ int EndWhenStopped(void* isStopped, curl_off_t /*expected*/, curl_off_t /*receiv
 
 bool IsRedirection(long status) { return status == 301 || status == 302 || status == 307 || status == 308; }
 
-/// Scheme, host and port, in lower case and with the scheme's own port spelled out.
-std::string OriginOf(const std::string& url) {
-    const std::unique_ptr<CURLU, decltype(&curl_url_cleanup)> parsed(curl_url(), &curl_url_cleanup);
-    std::string origin;
-    if (!parsed || curl_url_set(parsed.get(), CURLUPART_URL, url.c_str(), 0) != CURLUE_OK) {
-        return origin;
+void RequireAllowed(const ServerAddress& address, ServerAccess access) {
+    if (access == ServerAccess::Refused) {
+        throw ServerError(
+            errorServerNotAllowed,
+            fmt::format("Nothing was sent to {}: you refused it. Access=always in its section of "
+                        "servers.ini allows it.",
+                        address.origin));
     }
-    for (const CURLUPart part : {CURLUPART_SCHEME, CURLUPART_HOST, CURLUPART_PORT}) {
-        char* text = nullptr;
-        if (curl_url_get(parsed.get(), part, &text, CURLU_DEFAULT_PORT) == CURLUE_OK) {
-            origin += FoldCase(text) + "|";
-        }
-        curl_free(text);
+    if (access == ServerAccess::Unknown) {
+        throw ServerError(
+            errorServerNotAllowed,
+            fmt::format("Nothing was sent to {0}: it is not a known server. Allow it with "
+                        "--allow-server {0}, or for good with Access=always in a section [{0}] of "
+                        "servers.ini.",
+                        address.origin));
     }
-    return origin;
 }
 
 } // namespace
@@ -96,10 +96,20 @@ struct HttpChannel::Transfer {
 HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& options)
     : address_(address), limits_(options.limits), credentials_(address.credentials),
       isStopped_(options.isStopped), handle_(std::make_unique<Handle>()) {
-    StartLibraryOnce();
-    if (credentials_.user.empty() && options.credentials) {
-        credentials_ = options.credentials(address.host);
+    const ServerRights rights = options.rights ? options.rights(address) : ServerRights();
+    RequireAllowed(address, rights.access);
+    if (credentials_.user.empty()) {
+        credentials_ = rights.credentials;
     }
+    const bool isPasswordSafe = address.isEncrypted || address.isLoopback || rights.sendsPasswordsUnencrypted;
+    if (!credentials_.user.empty() && !isPasswordSafe) {
+        throw ServerError(
+            errorServerAccess,
+            fmt::format("Nothing was sent to {0}: the password would travel unencrypted. Use https, "
+                        "or write PasswordWithoutTls=yes into the section [{0}] of servers.ini.",
+                        address.origin));
+    }
+    StartLibraryOnce();
     handle_->easy.reset(curl_easy_init());
     CURL* easy = handle_->easy.get();
     if (!easy) {
@@ -117,8 +127,12 @@ HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& opti
         curl_easy_setopt(easy, CURLOPT_XFERINFOFUNCTION, &EndWhenStopped);
         curl_easy_setopt(easy, CURLOPT_XFERINFODATA, isStopped_.get());
     }
+    if (address.isLoopback) {
+        curl_easy_setopt(easy, CURLOPT_NOPROXY, "*"); // a proxy would take the password off this machine
+    }
     if (credentials_.user.empty()) {
-        curl_easy_setopt(easy, CURLOPT_NETRC, static_cast<long>(CURL_NETRC_OPTIONAL));
+        curl_easy_setopt(easy, CURLOPT_NETRC,
+                         static_cast<long>(isPasswordSafe ? CURL_NETRC_OPTIONAL : CURL_NETRC_IGNORED));
     } else {
         curl_easy_setopt(easy, CURLOPT_USERNAME, credentials_.user.c_str());
         curl_easy_setopt(easy, CURLOPT_PASSWORD, credentials_.password.c_str());
@@ -187,7 +201,7 @@ std::string HttpChannel::Redirection() const {
         throw ServerError(errorServerAnswer, fmt::format("{} redirects to nowhere.", address_.url));
     }
     const ServerAddress target = ParseServerAddress(location);
-    if (OriginOf(target.url) != OriginOf(address_.url)) {
+    if (target.origin != address_.origin) {
         throw ServerError(
             errorServerAnswer,
             fmt::format("{} redirects to {}, which is not followed: {}. Use that address if it is the "

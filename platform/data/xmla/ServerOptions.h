@@ -5,6 +5,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -20,13 +21,28 @@ struct ServerLimits {
     std::size_t depth = 64;
 };
 
+/// Whether anything may be sent to a server.
+enum class ServerAccess : std::uint8_t {
+    Unknown, ///< the user was never asked
+    Allowed,
+    Refused
+};
+
+/// What the user has decided about a server.
+struct ServerRights {
+    ServerAccess access = ServerAccess::Unknown;
+    /// Used when the address has none; when both are empty, the user's netrc file is read.
+    Credentials credentials = {};
+    bool sendsPasswordsUnencrypted = false; ///< otherwise only over TLS or to this machine itself
+};
+
 struct ServerOptions {
-    ServerLimits limits;
-    /// The stored credentials of a host, or empty ones. Used when the address has none; when both are empty,
-    /// the user's netrc file is read.
-    std::function<Credentials(const std::string& host)> credentials;
+    ServerLimits limits = {};
+    /// Asked before a connection is made. Nothing is sent to a server that is not allowed; without this, none
+    /// is.
+    std::function<ServerRights(const ServerAddress& address)> rights = {};
     /// Optional. Once true, pending requests fail as if the connection were lost.
-    std::shared_ptr<const std::atomic<bool>> isStopped;
+    std::shared_ptr<const std::atomic<bool>> isStopped = {};
 };
 
 } // namespace qel

@@ -5,6 +5,7 @@
 #include "platform/data/xmla/SoapAnswer.h"
 #include "platform/data/xmla/StatementForServer.h"
 #include "text/CaseFold.h"
+#include "text/NameList.h"
 
 #include <fmt/format.h>
 
@@ -73,7 +74,7 @@ Item* FindByUniqueName(std::vector<Item>& items, const std::string& uniqueName) 
 }
 
 std::string Listed(const std::vector<std::string>& names) {
-    return names.empty() ? "none" : fmt::format("'{}'", fmt::join(names, "', '"));
+    return names.empty() ? "none" : ShownMessage(NameList(names, "'"));
 }
 
 } // namespace

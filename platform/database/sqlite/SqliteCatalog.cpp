@@ -84,10 +84,8 @@ void SqliteCatalog::Create(const std::string& connectionString) {
         file_.emplace(path);
         // Writes the header, so that the file is recognised before it has a table.
         file_->Run(fmt::format("PRAGMA application_id = {}", applicationId));
-    } catch (const AutomationError&) { // a leftover file would prevent the next creation
-        file_.reset();
-        std::error_code ignored;
-        fs::remove(path, ignored);
+    } catch (const AutomationError&) {
+        TakeBack(path);
         throw;
     }
 }
@@ -100,7 +98,21 @@ void SqliteCatalog::AppendTable(const TableDefinition& table) {
     for (const auto& column : table.columns) {
         columns += (columns.empty() ? "" : ", ") + ColumnText(column);
     }
-    file_->Run("CREATE TABLE " + QuotedName(table.name) + " (" + columns + ")");
+    try {
+        file_->Run("CREATE TABLE " + QuotedName(table.name) + " (" + columns + ")");
+    } catch (const AutomationError&) {
+        if (!file_->IsLocked()) { // a full disk, for example
+            const fs::path path = file_->Path();
+            TakeBack(path);
+        }
+        throw;
+    }
+}
+
+void SqliteCatalog::TakeBack(const fs::path& path) {
+    file_.reset();
+    std::error_code ignored;
+    fs::remove(path, ignored);
 }
 
 } // namespace qel

@@ -14,6 +14,9 @@ public:
     void AppendTable(const TableDefinition& table) override;
 
 private:
+    /// Removes the file, which lacks a table: left there, it would prevent the next creation.
+    void TakeBack(const std::filesystem::path& path);
+
     std::optional<SqliteFile> file_;
 };
 

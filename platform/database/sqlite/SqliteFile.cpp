@@ -68,6 +68,8 @@ bool SqliteFile::Step(sqlite3_stmt* statement) {
     return result == SQLITE_ROW;
 }
 
+bool SqliteFile::IsLocked() const { return sqlite3_errcode(database_.get()) == SQLITE_BUSY; }
+
 void SqliteFile::Fail(int result, std::string_view what) const {
     const char* reason = database_ ? sqlite3_errmsg(database_.get()) : sqlite3_errstr(result);
     throw DatabaseError(unspecifiedError, path_, fmt::format("{} ({})", what, reason));

@@ -43,6 +43,8 @@ public:
     SqliteStatement Prepare(const std::string& statement);
     /// True when there is a row, false at the end.
     bool Step(sqlite3_stmt* statement);
+    /// Whether the last failure was another program's lock.
+    bool IsLocked() const;
 
 private:
     [[noreturn]] void Fail(int result, std::string_view what) const;

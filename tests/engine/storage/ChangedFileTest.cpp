@@ -15,6 +15,7 @@
 #include <string>
 #include <sys/mman.h>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -87,6 +88,17 @@ TEST(ChangedFile, CrashesNoReaderAndIsAnError) {
         {"cut within a page of memory, which only becomes zeros",
          [](const auto& path, auto size) { resize_file(path, size - 1); }},
         {"made longer", [](const auto& path, auto size) { resize_file(path, size + 1); }},
+        {"a value written through a mapping, and the time of modification restored",
+         [](const auto& path, auto size) {
+             const int file = ::open(path.c_str(), O_RDWR | O_CLOEXEC);
+             struct stat before = {};
+             ::fstat(file, &before);
+             auto* const bytes =
+                 static_cast<char*>(::mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
+             bytes[size / 2] += 1;
+             const timespec times[] = {before.st_atim, before.st_mtim};
+             ::futimens(file, times);
+         }},
         {"another cube copied into it",
          [&](const auto& path, auto) { std::ofstream(path, std::ios::binary) << other; }},
     };

@@ -102,6 +102,24 @@ TEST(SharedFile, EveryCubeIsFoundWithItsOwnFacts) {
     EXPECT_THAT(text, EndsWith("three.cub: there is no cube \"Four\"; the file holds One, Two, Three"));
 }
 
+TEST(SharedFile, HasNoMoreCubesThanMemoryAllows) {
+    const TemporaryFolder folder;
+    const auto faultOf = [&](int count) {
+        CubeFileWriter writer(folder.Path("many.cub"));
+        for (int i = 0; i < count; ++i) {
+            SmallCube cube;
+            cube.model.name = "C" + std::to_string(i);
+            cube.AddTo(writer);
+        }
+        writer.Commit();
+        return FaultOf([&] { CubeFile::Open(folder.Path("many.cub"))->FindCube("none"); });
+    };
+    EXPECT_THAT(faultOf(25).text, EndsWith("C18, C19 and 5 more"));
+    const auto [kind, text] = faultOf(10'001);
+    EXPECT_EQ(kind, ErrorKind::DamagedFile);
+    EXPECT_THAT(text, EndsWith("it has 10001 cubes; 10000 are the limit"));
+}
+
 TEST(SharedFile, VerifyReadsEveryCubeAndNamesTheDamagedOne) {
     const struct {
         const char* what;
@@ -113,6 +131,8 @@ TEST(SharedFile, VerifyReadsEveryCubeAndNamesTheDamagedOne) {
          "cube Two: sort orders 1 and 2 hold different facts"},
         {"members at fault", [](SmallCube& cube) { cube.Accounts().names.bytes[0] = '\xFF'; },
          "cube Two, [Accounts].[Tree], member 0: a text is not UTF-8"},
+        {"a level's name", [](SmallCube& cube) { cube.Accounts().levels[1].name = "Gr\xFCppe"; },
+         "cube Two: a name is not UTF-8"},
     };
     const TemporaryFolder folder;
     for (const auto& test : cases) {

@@ -1,6 +1,5 @@
 #include "platform/data/xmla/settings/ServerSettings.h"
 
-#include "platform/settings/files/ConfigFolder.h"
 #include "platform/settings/files/IniFile.h"
 #include "platform/value/AutomationError.h"
 
@@ -33,41 +32,12 @@ std::optional<std::uint32_t> LimitIn(const IniFile& settings, const std::filesys
     return number;
 }
 
-void RequirePrivate(const std::filesystem::path& path) {
-    using std::filesystem::perms;
-    const perms others = perms::group_all | perms::others_all;
-    if ((std::filesystem::status(path).permissions() & others) != perms::none) {
-        throw AutomationError(
-            ErrorNumber::InvalidProcedureCall,
-            fmt::format("{0} holds a password and may be read by others; run: chmod 600 {0}", path.string()));
-    }
-}
-
-Credentials CredentialsFor(const std::filesystem::path& path, const std::string& host) {
-    const IniFile settings(path);
-    const auto user = settings.Get(host, "User");
-    if (!user) {
-        return {};
-    }
-    const auto password = settings.Get(host, "Password");
-    if (password) {
-        RequirePrivate(path);
-    }
-    return {*user, password.value_or("")};
-}
-
 } // namespace
 
-std::optional<std::filesystem::path> ServerSettingsFile() {
-    try {
-        return ConfigFolder() / "servers.ini";
-    } catch (const AutomationError&) {
-        return std::nullopt;
-    }
-}
-
-ServerOptions ReadServerOptions(const std::optional<std::filesystem::path>& file) {
+ServerOptions ReadServerOptions(const std::shared_ptr<const KnownServers>& known) {
     ServerOptions options;
+    options.rights = [known](const ServerAddress& address) { return known->RightsOf(address); };
+    const auto& file = known->File();
     if (!file) {
         return options;
     }
@@ -81,7 +51,6 @@ ServerOptions ReadServerOptions(const std::optional<std::filesystem::path>& file
     if (const auto megabytes = LimitIn(settings, *file, "AnswerMegabytes")) {
         options.limits.answerBytes = std::size_t{*megabytes} << 20U;
     }
-    options.credentials = [path = *file](const std::string& host) { return CredentialsFor(path, host); };
     return options;
 }
 

@@ -1,19 +1,14 @@
 #pragma once
 
-#include "platform/data/xmla/ServerOptions.h"
+#include "platform/data/xmla/settings/KnownServers.h"
 
-#include <filesystem>
-#include <optional>
+#include <memory>
 
 namespace qel {
 
-/// "servers.ini" in the user's configuration folder; nullopt when that folder is unknown.
-std::optional<std::filesystem::path> ServerSettingsFile();
-
-/// The limits of the file's section [Limits], and the credentials of the sections named after hosts. A
-/// missing file sets nothing. Limits are read at once; a value that is not a positive whole number raises
-/// AutomationError. Credentials are read on use; a password in a file that others can read raises
-/// AutomationError.
-ServerOptions ReadServerOptions(const std::optional<std::filesystem::path>& file);
+/// The limits of the section [Limits] of the known servers' file, and the rights of those servers. A missing
+/// file sets no limits. They are read at once; one that is not a positive whole number raises
+/// AutomationError. Rights are read on use.
+ServerOptions ReadServerOptions(const std::shared_ptr<const KnownServers>& known);
 
 } // namespace qel

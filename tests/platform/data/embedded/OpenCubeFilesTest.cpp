@@ -46,6 +46,18 @@ TEST(OpenCubeFiles, AFileCutShortOrRemovedIsAnError) {
     EXPECT_THROW(files.Open(path), AutomationError);
 }
 
+TEST(OpenCubeFiles, AFileInMemoryCannotBeChangedByOthers) {
+    const TemporaryFolder folder;
+    const auto path = BuildBooks(folder.Path("a.cub"));
+    OpenCubeFiles files;
+    files.ReadIntoMemory();
+    const auto open = files.Open(path);
+    EXPECT_EQ(files.Open(path).get(), open.get());
+    folder.Write("a.cub", std::string(std::filesystem::file_size(path), '\0'));
+    EXPECT_NO_THROW(open->Verify({}));
+    EXPECT_THROW(files.Open(path), AutomationError);
+}
+
 TEST(OpenCubeFiles, KeepsOnlyTheLastFilesOpen) {
     const TemporaryFolder folder;
     OpenCubeFiles files;

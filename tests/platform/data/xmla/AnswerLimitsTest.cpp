@@ -73,7 +73,8 @@ TEST(ShownMessage, IsShortAndHarmless) {
                   "c",
                   "a [31m  b  c"},
                  {"x\xE2\x80\xAEgpj\xE2\x81\xA6.exe", "xgpj.exe"},
-                 {"cut \xE2\x80", "cut \xE2\x80"},
+                 {"cut \xE2\x80", "cut \uFFFD"},
+                 {"direction marks of Hebrew \u200Eא\u200F", "direction marks of Hebrew \u200Eא\u200F"},
                  {std::string(999, 'x') + "é", std::string(999, 'x') + "…"},
                  {std::string(5'000, 'x'), std::string(1'000, 'x') + "…"}};
     for (const auto& c : cases) {

@@ -12,7 +12,8 @@ namespace qel::test {
 /// The example ledger as a cube file, and on a server filled from it.
 struct ServedLedger {
     EmbeddedDataAccess embedded;
-    XmlaDataAccess servers;
+    XmlaDataAccess servers{
+        {.rights = [](const ServerAddress&) { return ServerRights{.access = ServerAccess::Allowed}; }}};
     std::string cubeFile = Environment("QEL_CUBE"), server = Environment("QEL_SERVER");
 
 private:

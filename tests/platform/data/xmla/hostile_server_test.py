@@ -298,11 +298,20 @@ class HostileServer(unittest.TestCase):
     def address(self, path, credentials="", scheme="http", port=None):
         return f"{scheme}://{credentials}127.0.0.1:{port or self.server.server_port}/{path}"
 
-    def mdx(self, address, catalog="Books & more"):
+    def origin(self, scheme="http"):
+        return f"{scheme}://127.0.0.1:{self.server.server_port}"
+
+    def qel(self, *arguments, text=""):
         environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
-        done = subprocess.run([QEL, "mdx", address, catalog, "SELECT {[A]} ON COLUMNS FROM x"], capture_output=True,
-                              env=environment, timeout=120)
+        done = subprocess.run([QEL, *arguments], input=text.encode(), capture_output=True, env=environment, timeout=600)
         return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+    def mdx(self, address, catalog="Books & more"):
+        return self.qel("mdx", address, catalog, "SELECT {[A]} ON COLUMNS FROM x")
+
+    def value_formula(self, path, account="4000", month=1, function="QelF1"):
+        return (f'={function}("{self.address(path)}","Other",{{"OBS"}},{{"1"}},{{"All"}},{{"All"}},{{"All"}},"All","All",'
+                f'"{account}","Amount","All","All","All","All","All","01/0{month}/2024","28/0{month}/2024")')
 
     def test_a_server_that_answers(self):
         for path, shown in (("good", "4.25"), ("moved", "4.25")):
@@ -325,29 +334,23 @@ class HostileServer(unittest.TestCase):
         self.assertLess(largest, 150 * 1024, "kilobytes of memory")
 
     def test_a_sheet_over_a_silent_server_does_not_wait_for_every_cell(self):
-        cell_text = (f'=QelFuncDemo("{self.address("silent")}","Other",{{"OBS"}},{{"1"}},{{"All"}},{{"All"}},{{"All"}},"All",'
-                     '"All","%d","Amount","All","All","All","All","All","01/01/2024","31/01/2024")\n')
         self.server.silent_discovers = True
-        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
-        done = subprocess.run([QEL, "eval"], input="".join(cell_text % i for i in range(300)).encode(),
-                              capture_output=True, env=environment, timeout=600)
-        values = done.stdout.decode().split("\n")[:-1]
+        cells = [self.value_formula("silent", account, function="QelFuncDemo") for account in range(300)]
+        _, output, _ = self.qel("eval", "--allow-server", self.origin(), text="\n".join(cells))
+        values = output.split("\n")[:-1]
         self.assertEqual(values, ["#err -2147217791"] * 300)
         self.assertLess(len(self.server.seen), 20, "every cell asked the silent server")
 
     def test_a_grid_that_is_not_what_was_asked_for_changes_no_value(self):
         asked = [("4000", 1), ("9999", 1), ("5000", 1), ("6000", 1), ("4000", 2), ("9999", 2), ("5000", 2), ("6000", 2)]
-        formulas = [f'=QelF1("{self.address("grids")}","Other",{{"OBS"}},{{"1"}},{{"All"}},{{"All"}},{{"All"}},"All",'
-                    f'"All","{account}","Amount","All","All","All","All","All","01/0{month}/2024","28/0{month}/2024")'
-                    for account, month in asked]
+        formulas = [self.value_formula("grids", account, month) for account, month in asked]
         right = [f"{int(account) + month / 4:g}" if account in KNOWN else "0" for account, month in asked]
-        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
         for what, lie in LIES.items():
             with self.subTest(what):
                 self.server.lie = lie
                 self.server.seen.clear()
-                done = subprocess.run([QEL, "eval", *formulas], capture_output=True, env=environment, timeout=300)
-                self.assertEqual((done.stdout.decode().split(), done.returncode), (right, 0), done.stderr.decode())
+                status, output, errors = self.qel("eval", "--allow-server", self.origin(), *formulas)
+                self.assertEqual((output.split(), status), (right, 0), errors)
                 statements = [body for _, _, body in self.server.seen if "Execute" in body]
                 self.assertEqual(len(statements) == 1, what == "the truth", "a grid that is right is enough")
 
@@ -382,14 +385,16 @@ class HostileServer(unittest.TestCase):
     def test_credentials(self):
         secret = "pa%ss w\u00f6rd"
         sent = "Basic " + base64.b64encode(f"ann:{secret}".encode()).decode()
-        host = "127.0.0.1"
+        host, stored = "127.0.0.1", f"User=ann\nPassword={secret}\n"
         cases = [
             ("none", "", "", "", None),
             ("in the address", "ann:pa%25ss%20w%C3%B6rd@", "", "", sent),
-            ("in the settings", "", f"[{host}]\nUser=ann\nPassword={secret}\n", "", sent),
-            ("of another host", "", f"[olap.example]\nUser=ann\nPassword={secret}\n", "", None),
+            ("in the settings", "", f"[{self.origin()}]\n{stored}", "", sent),
+            ("of another host", "", f"[olap.example]\n{stored}", "", None),
+            ("of another port, and of the host's own for TLS", "", f"[http://{host}]\n{stored}[{host}]\n{stored}", "", None),
+            ("of another scheme", "", f"[{self.origin('https')}]\n{stored}", "", None),
             ("in the netrc file", "", "", f'machine {host} login ann password "{secret}"\n', sent),
-            ("the address before the others", "ann:pa%25ss%20w%C3%B6rd@", f"[{host}]\nUser=bob\nPassword=x\n",
+            ("the address before the others", "ann:pa%25ss%20w%C3%B6rd@", f"[{self.origin()}]\nUser=bob\nPassword=x\n",
              f"machine {host} login cid password y\n", sent),
         ]
         for what, credentials, settings, netrc, expected in cases:
@@ -405,12 +410,51 @@ class HostileServer(unittest.TestCase):
                 self.assertEqual({authorization for _, authorization, _ in self.server.seen}, {expected})
 
     def test_a_password_that_others_may_read_is_not_used(self):
-        self.settings.write_text(self.limits + "[127.0.0.1]\nUser=ann\nPassword=s3cret\n")
+        self.settings.write_text(self.limits + f"[{self.origin()}]\nUser=ann\nPassword=s3cret\n")
         self.settings.chmod(0o644)
         status, _, errors = self.mdx(self.address("good"))
         self.assertEqual(status, 1)
         self.assertIn("chmod 600", errors)
         self.assertEqual(self.server.seen, [])
+
+    def test_nothing_is_sent_to_a_server_that_the_user_does_not_know(self):
+        formula, origin = self.value_formula("grids"), self.origin()
+        allow = ("--allow-server", self.address("any"))
+        other = self.origin().replace(f":{self.server.server_port}", ":1")
+        cases = [
+            ("unknown", "", (), "it is not a known server"),
+            ("another port is known", f"[{other}]\nAccess=always\n", (), "it is not a known server"),
+            ("another port is allowed", "", ("--allow-server", other), "it is not a known server"),
+            ("refused for good", f"[{origin}]\nAccess=never\nUser=ann\n", (), "you refused it"),
+            ("a word that is none", f"[{origin}]\nAccess=sometimes\n", (), "it can be 'never' or 'always'"),
+            ("known", f"[{origin}]\n", (), None),
+            ("allowed for good", f"[{origin.upper()}]\naccess=ALWAYS\n", (), None),
+            ("allowed for this call", "", allow, None),
+            ("allowed for this call, though refused for good", f"[{origin}]\nAccess=never\n", allow, None),
+        ]
+        for what, settings, options, reason in cases:
+            with self.subTest(what):
+                self.settings.write_text(self.limits + settings)
+                self.server.seen.clear()
+                status, output, errors = self.qel("eval", *options, formula, formula)
+                self.assertEqual((status, output), (0, "0\n0\n" if reason else "4000.25\n4000.25\n"), errors)
+                self.assertEqual("2 zeros are shown instead of an error" in errors, reason is not None)
+                explained = self.qel("explain", *options, formula)[1]
+                self.assertIn(reason or "value:           4000.25", explained)
+                self.assertEqual(bool(self.server.seen), reason is None, "sent")
+
+    def test_passwords_travel_unencrypted_only_where_the_settings_say_so(self):
+        origin = "http://no-such-host.invalid:8080"
+        for what, credentials, settings, words in (
+                ("in the address", "ann:s3cret@", "", "the password would travel unencrypted"),
+                ("in the settings", "", f"[{origin}]\nUser=ann\nPassword=s3cret\n", "the password would travel unencrypted"),
+                ("none", "", "", "cannot be reached"),
+                ("as the settings say", "", f"[{origin}]\nUser=ann\nPassword=s3cret\nPasswordWithoutTls=yes\n",
+                 "cannot be reached")):
+            self.settings.write_text(self.limits + settings)
+            self.settings.chmod(0o600)
+            _, _, errors = self.mdx(origin.replace("//", "//" + credentials) + "/xmla")
+            self.assertIn(words, errors, what)
 
     def test_redirections_do_not_carry_credentials_elsewhere(self):
         self.mdx(self.address("elsewhere", credentials="ann:s3cret@"))

@@ -166,11 +166,13 @@ TableRow Selection(const Variant& text, const Variant& from, const Variant& to) 
 
 #ifndef _WIN32 // which has no limit to stand for a full disk
 TEST_F(SqliteDatabaseTest, LeavesNoHalfDatabaseOnAFullDisk) {
-    {
-        const test::FileSizeLimit full(100);
-        EXPECT_THAT(Create(), HasSubstr("cannot be written"));
+    for (const rlim_t room : {100U, 4'096U, 8'192U}) { // for less than the header, for it, and for one table
+        {
+            const test::FileSizeLimit full(room);
+            EXPECT_THAT(Create(), HasSubstr("cannot be written")) << room;
+        }
+        EXPECT_EQ(IdentifyDatabaseFile(File()), DatabaseFileKind::Missing) << room;
     }
-    EXPECT_EQ(IdentifyDatabaseFile(File()), DatabaseFileKind::Missing);
     EXPECT_EQ(Create(), "") << "with room again";
 }
 #endif
