@@ -23,7 +23,12 @@ std::string ComponentFolder() {
 
 SuiteOfUser::SuiteOfUser(const office::Context& context)
     : windows_(context), messages_(windows_), toolkit_(windows_), registry_(SettingsFile()),
-      environment_{registry_, profiles_, database_, messages_, ComponentFolder()},
+      environment_{.registry = registry_,
+                   .profiles = profiles_,
+                   .database = database_,
+                   .messages = messages_,
+                   .componentFolder = ComponentFolder(),
+                   .settingsFolder = PathToUtf8(ConfigFolder())},
       language_{environment_, tables_}, services_{toolkit_, language_} {}
 
 } // namespace qel::calc

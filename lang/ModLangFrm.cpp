@@ -3,13 +3,45 @@
 #include "store/ModPublics.h"
 #include "support/ModError.h"
 #include "support/SettingPaths.h"
+#include "text/CaseFold.h"
+#include "text/Utf8Path.h"
+
+#include <filesystem>
+#include <vector>
 
 namespace qel::ModLangFrm {
 
 namespace {
 
-std::string LangTablePath(const StoreEnvironment& store) {
-    return store.componentFolder + store.separator + langTableFile;
+/// The language table in a folder, in any letter case; empty when there is none.
+std::string LangTableIn(const std::string& folder, char separator) {
+    const std::string start = folder + separator;
+    if (FileExists(start + langTableFile)) {
+        return start + langTableFile;
+    }
+    std::error_code failure; // of a folder that is not there
+    for (const auto& file : std::filesystem::directory_iterator(PathFromSetting(folder), failure)) {
+        const std::string name = PathToUtf8(file.path().filename());
+        if (EqualIgnoringCase(name, langTableFile) && FileExists(start + name)) {
+            return start + name;
+        }
+    }
+    return {};
+}
+
+/// Empty when there is none.
+std::string FindLangTable(const StoreEnvironment& store) {
+    std::vector<std::string> folders = {store.componentFolder};
+    if (!store.settingsFolder.empty()) {
+        folders.insert(folders.end(), {store.suiteFolder, store.settingsFolder});
+    }
+    std::string path;
+    for (const std::string& folder : folders) {
+        if (path.empty() && !folder.empty()) {
+            path = LangTableIn(folder, store.separator);
+        }
+    }
+    return path;
 }
 
 } // namespace
@@ -25,7 +57,7 @@ std::int16_t LanguageFromIni(StoreEnvironment& store) {
 
 void InitLanguage(LanguageState& state) {
     state.iLang = LanguageFromIni(state.store);
-    state.resourceOnly = !FileExists(LangTablePath(state.store));
+    state.resourceOnly = FindLangTable(state.store).empty();
     if (!state.resourceOnly) {
         LoadLangTable(state);
     }
@@ -34,7 +66,7 @@ void InitLanguage(LanguageState& state) {
 bool LoadLangTable(LanguageState& state) {
     try {
         state.table.reset();
-        LangTable table(LangRowsOf(state.tables.Read(LangTablePath(state.store))));
+        LangTable table(LangRowsOf(state.tables.Read(FindLangTable(state.store))));
         table.Filter(state.iLang);
         state.table = std::move(table);
         return true;
@@ -49,6 +81,11 @@ std::string GetLangString(const LanguageState& state, std::int32_t id) {
         return ResourceString(id, state.iLang);
     }
     return state.table->Find(id).value_or(std::to_string(id));
+}
+
+std::string GetOwnString(const LanguageState& state, std::int32_t id) {
+    const auto text = state.table && !state.resourceOnly ? state.table->Find(id) : std::nullopt;
+    return text ? *text : ResourceString(id, state.iLang);
 }
 
 } // namespace qel::ModLangFrm

@@ -25,6 +25,7 @@ struct StoreEnvironment {
     MessageDisplay& messages;
     std::string componentFolder; ///< of the component's file; without a trailing separator
     char separator = pathSeparator;
+    std::string settingsFolder = {}; ///< of the door's settings, when they are files
 
     std::string suiteFolder = {};       ///< set by the last reading of Qel.ini
     std::vector<OpenKey> openKeys = {}; ///< only ever added to

@@ -76,9 +76,10 @@ void AccountSelector::OnChange(std::string_view control) {
 }
 
 void AccountSelector::FillMembers() {
+    members_.Clear(); // a listing that fails leaves nothing of the level before
     const std::string level = Level();
     if (level == allMembers) {
-        return members_.Clear();
+        return;
     }
     members_.Fill(ListChoices(context_, cube_->name.cubeFile,
                               {cube_->name.cubeName, SummaryGroupsListing{.summaryLevel = level}}));
@@ -110,10 +111,10 @@ void AccountSelector::Restore(const Selection& selection, std::vector<std::strin
         if (selection.summaryLevel != allMembers && !members_.Choose(selection.summaryMember)) {
             drop(groupLabel, selection.summaryMember);
         }
-    } else {
+    } else if (!selection.summaryLevel.empty()) {
         drop(typeLabel, selection.summaryLevel);
     }
-    if (selection.account != allMembers) {
+    if (!selection.account.empty() && selection.account != allMembers) {
         const bool isThere = accounts_.Choose(selection.account);
         dialog_.SetChecked(CheckAcc, isThere);
         if (!isThere) {

@@ -62,7 +62,7 @@ std::optional<std::int32_t> ActivitySelector::Missing() const {
 }
 
 void ActivitySelector::Restore(const Selection& selection, std::vector<std::string>& dropped) {
-    if (selection.activity != allMembers) {
+    if (!selection.activity.empty() && selection.activity != allMembers) {
         const bool isThere = activities_.Choose(selection.activity);
         dialog_.SetChecked(ChekAct, isThere);
         if (!isThere) {

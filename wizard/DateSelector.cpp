@@ -12,6 +12,7 @@ namespace {
 
 using namespace FunctionForm;
 
+constexpr std::int32_t fromLabel = 1475;
 constexpr const char* dateErrorText = "Error with the date in the Cube\r\nContinue with another cube";
 
 } // namespace
@@ -94,10 +95,19 @@ void DateSelector::Read(Selection& selection) const {
     selection.to = DateIn(TxtDateTo).value_or(selection.to);
 }
 
-void DateSelector::Restore(const Selection& selection) {
-    if (!selection.from.IsZero() && !selection.to.IsZero()) {
-        Show(selection.from, selection.to);
+void DateSelector::Restore(const Selection& selection, std::vector<std::string>& dropped) {
+    const std::string from = dialog_.Text(TxtDateFrom), to = dialog_.Text(TxtDateTo);
+    if (selection.from.IsZero() || selection.to.IsZero() || from.empty()) {
+        return; // no choice, or a cube whose dates cannot be read
     }
+    Show(selection.from, selection.to);
+    if (!Fault()) {
+        return;
+    }
+    dropped.push_back(
+        DroppedChoice(context_, fromLabel, dialog_.Text(TxtDateFrom) + " - " + dialog_.Text(TxtDateTo)));
+    dialog_.SetText(TxtDateFrom, from);
+    dialog_.SetText(TxtDateTo, to);
 }
 
 } // namespace qel

@@ -24,7 +24,9 @@ public:
 
     /// Copies the dates into the selection, except invalid ones.
     void Read(Selection& selection) const;
-    void Restore(const Selection& selection);
+    /// Restores a choice; the offered dates stay, and the choice is added to `dropped`, when the cube has no
+    /// data between them.
+    void Restore(const Selection& selection, std::vector<std::string>& dropped);
 
 private:
     /// Nullopt for a text that is not a date.

@@ -8,7 +8,7 @@ using namespace NameForm;
 using enum ControlKind;
 
 constexpr ControlDesign controls[] = {
-    {.name = txtCubeFile, .kind = TextBox, .place = {8, 8, 206, 12}},
+    {.name = txtCubeFile, .kind = TextBox, .place = {8, 8, 206, 12}, .spokenText = 1528},
     {.name = CmdCubeFile, .kind = Button, .place = {218, 7, 74, 14}, .tag = 1473, .mnemonic = "Sב"},
     {.name = CmdDial, .kind = FileDialog},
     {.name = "LabelCubeName", .kind = Label, .place = {8, 28, 76, 8}, .tag = 1474, .mnemonic = "Cק"},

@@ -42,6 +42,8 @@ void ObsSelector::Fill(std::shared_ptr<const LoadedCube> cube) {
 
 void ObsSelector::Clear() {
     cube_.reset();
+    kept_.clear();
+    keptLevel_.clear();
     for (ChoiceBox* box : {&names_, &numbers_, &kinds_, &levels_, &members_, &chosen_}) {
         box->Clear();
     }
@@ -69,14 +71,22 @@ void ObsSelector::OnChange(std::string_view control) {
         FillNumbers();
     } else if (numbers_.Is(control)) {
         FillLevels();
-    } else if (kinds_.Is(control) || levels_.Is(control)) {
-        ShowChosen({});
+    } else if (kinds_.Is(control)) {
         FillMembers();
+    } else if (levels_.Is(control)) {
+        keptLevel_ = levels_.Key().value_or("");
+        FillMembers();
+    } else if (members_.Is(control)) {
+        kept_[Level()].shown = members_.Key().value_or("");
+        TellWhichCounts();
     }
     Enable(isEnabled_);
 }
 
 void ObsSelector::FillNumbers() {
+    numbers_.Clear(); // a listing that fails leaves nothing of the name before
+    levels_.Clear();
+    ClearMembers();
     std::vector<MemberChoice> choices;
     const auto hierarchy = cube_->FirstHierarchy("ActX");
     if (hierarchy && hierarchy->LevelCount() > numberLevel) {
@@ -95,7 +105,8 @@ void ObsSelector::FillNumbers() {
 }
 
 void ObsSelector::FillLevels() {
-    const auto before = levels_.Key();
+    levels_.Clear();
+    ClearMembers();
     std::vector<MemberChoice> choices;
     const auto hierarchy = cube_->FirstHierarchy("OBS");
     if (hierarchy && numbers_.Key()) {
@@ -114,9 +125,7 @@ void ObsSelector::FillLevels() {
         }
     }
     levels_.Fill(std::move(choices));
-    if (before) {
-        levels_.Choose(*before);
-    }
+    levels_.Choose(keptLevel_);
     FillMembers();
 }
 
@@ -127,11 +136,11 @@ std::string ObsSelector::Level() const {
 }
 
 void ObsSelector::FillMembers() {
+    ClearMembers();
     const std::string level = Level();
     if (level.empty() || level == allMembers) {
-        return members_.Clear();
+        return;
     }
-    const auto before = members_.Key();
     members_.Fill(ListChoices(
         context_, cube_->name.cubeFile,
         {cube_->name.cubeName,
@@ -139,9 +148,14 @@ void ObsSelector::FillMembers() {
                                 .obsLevel = InBrackets(level),
                                 .obsSubMember =
                                     numbers_.Key() ? std::optional(InBrackets(Number())) : std::nullopt}}));
-    if (before) {
-        members_.Choose(*before);
-    }
+    const LevelChoice& kept = kept_[level];
+    members_.Choose(kept.shown);
+    ShowChosen(kept.listed);
+}
+
+void ObsSelector::ClearMembers() {
+    members_.Clear();
+    ShowChosen({});
 }
 
 void ObsSelector::AddMember() {
@@ -157,7 +171,7 @@ void ObsSelector::AddMember() {
         return Warn(context_, OwnText(context_, OwnTextNumber::TooManyObsMembers));
     }
     chosen.push_back(*member);
-    ShowChosen(std::move(chosen));
+    KeepChosen(std::move(chosen));
 }
 
 void ObsSelector::RemoveMember() {
@@ -167,26 +181,49 @@ void ObsSelector::RemoveMember() {
     }
     auto chosen = chosen_.Choices();
     std::erase(chosen, *member);
-    ShowChosen(std::move(chosen));
+    KeepChosen(std::move(chosen));
 }
 
-void ObsSelector::ShowChosen(std::vector<MemberChoice> chosen) {
-    const std::string last = chosen.empty() ? std::string() : chosen.back().key;
-    chosen_.Fill(std::move(chosen));
+void ObsSelector::KeepChosen(std::vector<MemberChoice> chosen) {
+    LevelChoice& kept = kept_[Level()];
+    kept.listed = std::move(chosen);
+    ShowChosen(kept.listed);
+}
+
+void ObsSelector::ShowChosen(const std::vector<MemberChoice>& chosen) {
+    const auto& members = members_.Choices();
+    std::vector<MemberChoice> shown;
+    std::copy_if(chosen.begin(), chosen.end(), std::back_inserter(shown), [&](const MemberChoice& choice) {
+        return std::find(members.begin(), members.end(), choice) != members.end();
+    });
+    const std::string last = shown.empty() ? std::string() : shown.back().key;
+    chosen_.Fill(std::move(shown));
     chosen_.Choose(last);
     TellWhichCounts();
 }
 
 void ObsSelector::TellWhichCounts() {
-    const bool areSeveral = chosen_.Choices().size() > 1;
-    dialog_.SetText(LabelFirst, areSeveral ? OwnText(context_, OwnTextNumber::FirstMemberCounts) : "");
+    const auto& chosen = chosen_.Choices();
+    std::string text;
+    if (chosen.size() > 1) {
+        text = OwnText(context_, OwnTextNumber::FirstMemberCounts);
+    } else if (chosen.size() == 1 && members_.Key() != chosen.front().key) {
+        text = OwnText(context_, OwnTextNumber::ListCounts);
+    }
+    dialog_.SetText(LabelFirst, text);
+}
+
+std::optional<std::int32_t> ObsSelector::Missing() const {
+    const std::string level = Level();
+    const bool isComplete =
+        level == allMembers || (!level.empty() && (!chosen_.Choices().empty() || members_.Key()));
+    return isComplete ? std::nullopt : std::optional(OwnTextNumber::NoObsMember);
 }
 
 void ObsSelector::Read(Selection& selection) const {
     selection.obsName = Name();
     selection.obsNumber = Number();
     selection.obsLevel = Level();
-    selection.obsMembers.clear();
     if (selection.obsLevel == allMembers) {
         return;
     }
@@ -194,29 +231,24 @@ void ObsSelector::Read(Selection& selection) const {
         selection.obsMembers.push_back(member.key);
     }
     // A single member need not be added: the one shown in the combo box counts.
-    if (selection.obsMembers.empty() && members_.Key()) {
+    selection.isObsMemberShown = selection.obsMembers.empty() && members_.Key();
+    if (selection.isObsMemberShown) {
         selection.obsMembers.push_back(*members_.Key());
     }
 }
 
 void ObsSelector::Restore(const Selection& selection, std::vector<std::string>& dropped) {
-    const auto drop = [&](std::int32_t label, const std::string& key) {
-        dropped.push_back(DroppedChoice(context_, label, key));
-    };
-    if (!names_.Choose(selection.obsName)) {
-        drop(obsLabel, selection.obsName);
+    if (selection.obsLevel.empty()) {
+        return;
     }
-    FillNumbers();
-    if (!numbers_.Choose(selection.obsNumber)) {
-        drop(obsLabel, selection.obsNumber);
-    }
-    FillLevels();
+    RestoreScope(selection, dropped);
     const bool isObsLevel = selection.obsLevel != allMembers && selection.obsLevel != costCentersLevel;
     kinds_.Choose(isObsLevel ? obsLevels : selection.obsLevel);
     if (isObsLevel && !levels_.Choose(selection.obsLevel)) {
-        drop(levelLabel, selection.obsLevel);
+        dropped.push_back(DroppedChoice(context_, levelLabel, selection.obsLevel));
         kinds_.Choose(allMembers);
     }
+    keptLevel_ = levels_.Key().value_or("");
     FillMembers();
     if (Level() == selection.obsLevel) {
         RestoreMembers(selection, dropped);
@@ -224,16 +256,31 @@ void ObsSelector::Restore(const Selection& selection, std::vector<std::string>& 
     Enable(isEnabled_);
 }
 
+void ObsSelector::RestoreScope(const Selection& selection, std::vector<std::string>& dropped) {
+    const auto choose = [&](ChoiceBox& box, const std::string& key) {
+        if (!key.empty() && !box.Choose(key)) {
+            dropped.push_back(DroppedChoice(context_, obsLabel, key));
+        }
+    };
+    choose(names_, selection.obsName);
+    FillNumbers();
+    choose(numbers_, selection.obsNumber);
+    FillLevels();
+}
+
 void ObsSelector::RestoreMembers(const Selection& selection, std::vector<std::string>& dropped) {
-    std::vector<MemberChoice> chosen;
+    LevelChoice& kept = kept_[selection.obsLevel];
     for (const std::string& key : selection.obsMembers) {
-        if (members_.Choose(key)) {
-            chosen.push_back(*members_.Chosen());
-        } else {
+        if (!members_.Choose(key)) {
             dropped.push_back(DroppedChoice(context_, dataLabel, key));
+        } else {
+            kept.shown = key;
+            if (!selection.isObsMemberShown) {
+                kept.listed.push_back(*members_.Chosen());
+            }
         }
     }
-    ShowChosen(std::move(chosen));
+    ShowChosen(kept.listed);
 }
 
 } // namespace qel

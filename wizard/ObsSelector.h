@@ -3,6 +3,8 @@
 #include "wizard/LoadedCube.h"
 #include "wizard/Selection.h"
 
+#include <map>
+
 namespace qel {
 
 /// The choice of the OBS: its name, its number, a level, and members of that level.
@@ -23,6 +25,8 @@ public:
     /// Adds the shown member to the list of chosen members.
     void AddMember();
     void RemoveMember();
+    /// The number of the text that says what is missing; nullopt when the choice is complete.
+    std::optional<std::int32_t> Missing() const;
 
     /// The chosen name and number; empty when nothing is chosen.
     std::string Name() const { return names_.Key().value_or(""); }
@@ -35,18 +39,32 @@ private:
     void FillNumbers();
     void FillLevels();
     void FillMembers();
-    void ShowChosen(std::vector<MemberChoice> chosen);
-    /// A formula carries several members, but its value is the first one's.
+    void ClearMembers();
+    /// Lists those of the members that the lists' level and number have.
+    void ShowChosen(const std::vector<MemberChoice>& chosen);
+    /// The person changed the list of chosen members.
+    void KeepChosen(std::vector<MemberChoice> chosen);
+    /// A formula carries several members, but its value is the first one's; a list counts before the member
+    /// shown to choose from.
     void TellWhichCounts();
     bool UsesObsLevels() const;
     /// "All", "Cost_Centers", or the name of a level of [OBS]; empty when there is none.
     std::string Level() const;
+    void RestoreScope(const Selection& selection, std::vector<std::string>& dropped);
     void RestoreMembers(const Selection& selection, std::vector<std::string>& dropped);
+
+    /// What the person chose at a level. It comes back with the level and with numbers that have it.
+    struct LevelChoice {
+        std::vector<MemberChoice> listed;
+        std::string shown;
+    };
 
     const WizardContext& context_;
     Dialog& dialog_;
     ChoiceBox names_, numbers_, kinds_, levels_, members_, chosen_;
     std::shared_ptr<const LoadedCube> cube_;
+    std::map<std::string, LevelChoice> kept_; ///< by level
+    std::string keptLevel_;                   ///< of [OBS], as the person chose it last
     bool isEnabled_ = false;
 };
 

@@ -74,7 +74,7 @@ void OtherDimensions::Read(Selection& selection) const {
 void OtherDimensions::Restore(const Selection& selection, std::vector<std::string>& dropped) {
     for (std::size_t i = 0; i < boxes_.size(); ++i) {
         const std::string& key = selection.*dimensions[i].member;
-        if (!boxes_[i].Choose(key)) {
+        if (!key.empty() && !boxes_[i].Choose(key)) {
             dropped.push_back(DroppedChoice(context_, dimensions[i].label, key));
         }
     }
@@ -91,7 +91,7 @@ void MeasureSelector::Fill(const LoadedCube& cube) {
 }
 
 void MeasureSelector::Restore(const Selection& selection, std::vector<std::string>& dropped) {
-    if (!box_.Choose(selection.measure)) {
+    if (!selection.measure.empty() && !box_.Choose(selection.measure)) {
         dropped.push_back(DroppedChoice(context_, measureLabel, selection.measure));
     }
 }

@@ -7,7 +7,7 @@
 namespace qel {
 
 std::string OwnText(const WizardContext& context, std::int32_t number) {
-    return ResourceString(number, context.language.iLang);
+    return ModLangFrm::GetOwnString(context.language, number);
 }
 
 void Warn(const WizardContext& context, const std::string& text) {
@@ -18,6 +18,9 @@ void ShowOwnTexts(const WizardContext& context, const FormDesign& design, Dialog
     for (const ControlDesign& control : design.controls) {
         if (control.ownText != 0) {
             dialog.SetText(control.name, OwnText(context, control.ownText));
+        }
+        if (control.spokenText != 0) {
+            dialog.SetSpokenName(control.name, OwnText(context, control.spokenText));
         }
     }
 }

@@ -6,7 +6,7 @@
 
 namespace qel {
 
-/// Numbers of the dialogs' own texts among the component's strings; the suite's table lacks them.
+/// Numbers of the dialogs' own texts among the component's strings; the suite's table may lack them.
 namespace OwnTextNumber {
 inline constexpr std::int32_t Everything = 1508;
 inline constexpr std::int32_t CostCenters = 1509;
@@ -21,6 +21,9 @@ inline constexpr std::int32_t NoAccount = 1517;
 inline constexpr std::int32_t NoActivity = 1518;
 inline constexpr std::int32_t NoMember = 1519;
 inline constexpr std::int32_t FirstMemberCounts = 1520;
+inline constexpr std::int32_t ListCounts = 1521;
+inline constexpr std::int32_t LackingChoices = 1522;
+inline constexpr std::int32_t RemoveQuery = 1527;
 } // namespace OwnTextNumber
 
 /// The text in the dialogs' language.
@@ -29,7 +32,7 @@ std::string OwnText(const WizardContext& context, std::int32_t number);
 /// A warning with the component's name as its title.
 void Warn(const WizardContext& context, const std::string& text);
 
-/// Sets the captions of the design's controls that have own texts.
+/// Sets the captions and spoken names of the design's controls that are own texts.
 void ShowOwnTexts(const WizardContext& context, const FormDesign& design, Dialog& dialog);
 
 /// "Firma: 12", for the message about dropped choices: a label's text and a key.

@@ -9,7 +9,7 @@ namespace qel {
 
 namespace {
 
-constexpr char memberSeparator = '\t'; // never part of a member's name
+constexpr char memberSeparator = '\t'; // never part of a member's name; also ends a list of one
 
 Variant OneKey(const std::string& key) { return Variant::List({key.empty() ? Variant() : Variant(key)}); }
 
@@ -49,12 +49,13 @@ Variant ObsMembersInFormula(const Variant& list) {
     return Variant::List(std::move(keys));
 }
 
-std::string JoinMembers(const std::vector<std::string>& members) {
+std::string JoinMembers(const Selection& selection) {
+    const auto& members = selection.obsMembers;
     std::string text;
     for (const std::string& member : members) {
         text += (text.empty() ? "" : std::string(1, memberSeparator)) + member;
     }
-    return text;
+    return members.size() == 1 && !selection.isObsMemberShown ? text + memberSeparator : text;
 }
 
 std::vector<std::string> SplitMembers(const std::string& text) {
@@ -65,6 +66,14 @@ std::vector<std::string> SplitMembers(const std::string& text) {
         start = end + 1;
     }
     return members;
+}
+
+/// Clears the fields unless one of them differs from the offered ones.
+template <class... Fields>
+void KeepIfChanged(Selection& selection, const Selection& offered, Fields... fields) {
+    if (((selection.*fields == offered.*fields) && ...)) {
+        ((selection.*fields = {}), ...);
+    }
 }
 
 Variant TextOrNull(const std::string& text) { return text.empty() ? Variant(Null{}) : Variant(text); }
@@ -113,13 +122,27 @@ FormulaArgs ArgumentsOf(const ValueCall& call, const Locale& locale) {
             FormatShortDate(call.To_Date, locale)};
 }
 
+Selection ChangedChoices(const Selection& chosen, const Selection& offered) {
+    Selection changed = chosen;
+    KeepIfChanged(changed, offered, &Selection::obsName, &Selection::obsNumber, &Selection::obsLevel,
+                  &Selection::obsMembers, &Selection::isObsMemberShown);
+    KeepIfChanged(changed, offered, &Selection::summaryLevel, &Selection::summaryMember);
+    for (const auto field :
+         {&Selection::activity, &Selection::account, &Selection::measure, &Selection::moneySet,
+          &Selection::plbs, &Selection::rh, &Selection::firma, &Selection::openingBalance}) {
+        KeepIfChanged(changed, offered, field);
+    }
+    KeepIfChanged(changed, offered, &Selection::from, &Selection::to);
+    return changed;
+}
+
 TableRow RowOf(const Selection& selection) {
     TableRow row;
     for (const std::string& text :
          {selection.cubeFile, selection.cubeName, selection.obsName, selection.obsNumber, selection.obsLevel,
-          JoinMembers(selection.obsMembers), selection.activity, selection.summaryLevel,
-          selection.summaryMember, selection.account, selection.measure, selection.moneySet, selection.plbs,
-          selection.rh, selection.firma, selection.openingBalance}) {
+          JoinMembers(selection), selection.activity, selection.summaryLevel, selection.summaryMember,
+          selection.account, selection.measure, selection.moneySet, selection.plbs, selection.rh,
+          selection.firma, selection.openingBalance}) {
         row.push_back(TextOrNull(text));
     }
     row.emplace_back(selection.from);
@@ -143,7 +166,9 @@ Selection SelectionOf(const TableRow& row, const Locale& locale) {
     selection.obsName = text(FormulaArg::ObsName);
     selection.obsNumber = text(FormulaArg::ObsNum);
     selection.obsLevel = text(FormulaArg::ObsLevel, allMembers);
-    selection.obsMembers = SplitMembers(text(FormulaArg::ObsMember));
+    const std::string obsMembers = text(FormulaArg::ObsMember);
+    selection.obsMembers = SplitMembers(obsMembers);
+    selection.isObsMemberShown = !obsMembers.empty() && obsMembers.find(memberSeparator) == std::string::npos;
     selection.activity = text(FormulaArg::ActivityList, allMembers);
     selection.summaryLevel = text(FormulaArg::SummaryGroup, allMembers);
     selection.summaryMember = text(FormulaArg::SeifLevel, allMembers);

@@ -23,9 +23,14 @@ struct Selection {
     std::string moneySet = allMembers, plbs = allMembers, rh = allMembers, firma = allMembers,
                 openingBalance = allMembers;
     AutomationDate from, to;
+    bool isObsMemberShown = false; ///< the one OBS member is shown to choose from, not added to the list
 
     bool operator==(const Selection&) const = default;
 };
+
+/// The choices that differ from the offered ones. The others are empty, which no restoring takes for a
+/// choice.
+Selection ChangedChoices(const Selection& chosen, const Selection& offered);
 
 /// The OBS level of cost centres.
 inline constexpr const char* costCentersLevel = "Cost_Centers";

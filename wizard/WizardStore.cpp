@@ -11,14 +11,8 @@ bool HasWizardDatabase(const WizardContext& context) {
     return FileExists(ModAPI::QelFuncMdbPath(context.Store()) + ModAPI::localDbFile);
 }
 
-void PrepareWizardDatabase(const WizardContext& context) {
-    // Creating it again would report that it exists.
-    if (!HasWizardDatabase(context)) {
-        CreateLocalDb(context.Store());
-    }
-}
-
 std::unique_ptr<DatabaseConnection> OpenWizardDatabase(const WizardContext& context) {
+    CreateLocalDb(context.Store());
     return OpenLocalDb(context.Store());
 }
 

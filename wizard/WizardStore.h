@@ -10,9 +10,8 @@ namespace qel {
 
 /// True when the local database's file exists.
 [[nodiscard]] bool HasWizardDatabase(const WizardContext& context);
-/// Creates a missing local database. A failure is reported.
-void PrepareWizardDatabase(const WizardContext& context);
-/// Opens the local database. Raises what the engine raises.
+/// Prepares the local database, whose failure is reported even when the file only exists, and opens it.
+/// Raises what the engine raises.
 [[nodiscard]] std::unique_ptr<DatabaseConnection> OpenWizardDatabase(const WizardContext& context);
 
 /// The cube file that the function wizard saved last, or empty.

@@ -43,8 +43,11 @@ void frmFuncQelWiz::OnChange(std::string_view control) {
 
 void frmFuncQelWiz::OnLeave(std::string_view control) {
     Trapped(HandlerName(control, "LostFocus"), [&] {
-        if (control == txtCubeFile && CubeFile() != takenFile_ && FileExists(CubeFile())) {
-            TakeCubeFile(CubeFile());
+        const std::string cubeFile(Trimmed(CubeFile()));
+        if (control == txtCubeFile && cubeFile == takenFile_) {
+            Form().SetText(txtCubeFile, takenFile_); // without blanks around it
+        } else if (control == txtCubeFile && FileExists(cubeFile)) {
+            TakeCubeFile(cubeFile);
         } else if (cube_) {
             dates_.OnLeave(control);
         }
@@ -60,6 +63,9 @@ void frmFuncQelWiz::Form_Load() {
 
 void frmFuncQelWiz::Command1_Click() {
     ForgetResult();
+    if (!IsFileTaken()) {
+        return;
+    }
     if (const auto fault = Fault()) {
         return Warn(Context(), *fault);
     }
@@ -104,6 +110,6 @@ void frmFuncQelWiz::EnableButtons(bool isEnabled) {
     Form().SetEnabled(TxtCalc, isEnabled);
 }
 
-std::string frmFuncQelWiz::CubeFile() const { return std::string(Trimmed(Form().Text(txtCubeFile))); }
+std::string frmFuncQelWiz::CubeFile() const { return Form().Text(txtCubeFile); }
 
 } // namespace qel

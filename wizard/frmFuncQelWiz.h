@@ -50,12 +50,17 @@ private:
     bool FillDimensions(const std::shared_ptr<const LoadedCube>& cube);
     void BindLists();
     void ClearLists();
+    /// Reads the last selection. Nullopt when none was saved.
+    std::optional<Selection> LastSelection() const;
     void RestoreLastSelection();
-    void Restore(const Selection& selection);
+    /// `message` is the number of the text before the choices that the cube lacks.
+    void Restore(const Selection& selection, std::int32_t message);
 
     // frmFuncQelWizHandBack.cpp: from the choices to the arguments.
 
     void CheckAndHandBack(bool detail);
+    /// Whether the lists are those of the path in its box. If not, says why, or loads the file.
+    bool IsFileTaken();
     void GoToSheet(bool detail);
     Selection Read() const;
     /// What is missing for a formula; nullopt when the choice is complete.
@@ -74,6 +79,8 @@ private:
     OtherDimensions others_;
     std::shared_ptr<Connection> connection_; ///< the dialog's own, on the cube file
     std::shared_ptr<const LoadedCube> cube_; ///< null until all lists are filled from it
+    Selection offered_;                      ///< what the lists show before anything is chosen
+    Selection wanted_;                       ///< what was chosen in the last cube whose lists were filled
     std::string takenFile_;                  ///< the path that was tried last
     ModSetCube::OpenedCube opened_;          ///< by the calculation, on the thread's connection
 };

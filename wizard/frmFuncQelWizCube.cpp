@@ -27,7 +27,7 @@ void frmFuncQelWiz::LoadCube() {
         if (isRemembered) {
             Context().Messages().Show(MessageBoxStyle::Exclamation, "", cubeFile + " File Not Found");
         }
-        PrepareWizardDatabase(Context());
+        LastSelection();
     });
 }
 
@@ -46,6 +46,7 @@ void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
     }
     cube_ = cube;
     BindLists();
+    offered_ = Read();
     // The dialog works without its database.
     Trapped("LoadCube", [this] { RestoreLastSelection(); });
     EnableButtons(true);
@@ -61,8 +62,13 @@ void frmFuncQelWiz::CmdCubeFile_Click() {
 void frmFuncQelWiz::TakeCubeFile(const std::string& cubeFile) {
     Form().SetText(txtCubeFile, cubeFile);
     takenFile_ = cubeFile;
-    ClearLists(); // a file that cannot be opened leaves nothing of the one before
-    connection_ = OpenCubeFile(Context().providers, cubeFile);
+    try {
+        connection_ = OpenCubeFile(Context().providers, cubeFile);
+    } catch (...) {
+        ClearLists(); // a file that cannot be opened leaves nothing of the one before
+        throw;
+    }
+    ClearLists();
     if (!SetCube(Context(), cubes_, connection_.get())) {
         return RejectCubeFile();
     }
@@ -76,6 +82,7 @@ void frmFuncQelWiz::TakeCubeFile(const std::string& cubeFile) {
     }
     cube_ = cube;
     BindLists();
+    offered_ = Read();
     EnableButtons(true);
 }
 
@@ -86,6 +93,9 @@ void frmFuncQelWiz::RejectCubeFile() {
 }
 
 void frmFuncQelWiz::TakeOtherCube() {
+    if (cube_) {
+        wanted_ = ChangedChoices(Read(), offered_);
+    }
     cube_.reset();
     EnableButtons(false);
     dates_.Fill(ChosenCube());
@@ -95,6 +105,8 @@ void frmFuncQelWiz::TakeOtherCube() {
     }
     cube_ = cube;
     BindLists();
+    offered_ = Read();
+    Restore(wanted_, OwnTextNumber::LackingChoices);
     EnableButtons(true);
 }
 
@@ -120,6 +132,7 @@ void frmFuncQelWiz::BindLists() {
 
 void frmFuncQelWiz::ClearLists() {
     cube_.reset();
+    wanted_ = {};
     EnableButtons(false);
     ForgetResult();
     cubes_.Clear();
@@ -131,26 +144,32 @@ void frmFuncQelWiz::ClearLists() {
     dates_.Clear();
 }
 
-void frmFuncQelWiz::RestoreLastSelection() {
+std::optional<Selection> frmFuncQelWiz::LastSelection() const {
     if (!HasWizardDatabase(Context())) {
-        return CreateLocalDb(Context().Store());
+        CreateLocalDb(Context().Store());
+        return std::nullopt;
     }
     const auto rows = OpenWizardDatabase(Context())->ReadRows(DataTblTable().name);
-    if (rows.empty()) {
+    return rows.empty() ? std::nullopt : std::optional(SelectionOf(rows.back(), Context().locale));
+}
+
+void frmFuncQelWiz::RestoreLastSelection() {
+    const auto selection = LastSelection();
+    // The choices of another file may exist in this one and mean something else.
+    if (!selection || selection->cubeFile != CubeFile()) {
         return;
     }
-    const Selection selection = SelectionOf(rows.back(), Context().locale);
-    if (selection.cubeName != ChosenCube().cubeName && cubes_.Choose(selection.cubeName)) {
+    if (selection->cubeName != ChosenCube().cubeName && cubes_.Choose(selection->cubeName)) {
         TakeOtherCube();
     }
     if (cube_) {
-        Restore(selection);
+        Restore(*selection, OwnTextNumber::DroppedChoices);
     }
 }
 
-void frmFuncQelWiz::Restore(const Selection& selection) {
+void frmFuncQelWiz::Restore(const Selection& selection, std::int32_t message) {
     std::vector<std::string> dropped;
-    dates_.Restore(selection);
+    dates_.Restore(selection, dropped);
     measures_.Restore(selection, dropped);
     obs_.Restore(selection, dropped);
     others_.Restore(selection, dropped);
@@ -160,7 +179,7 @@ void frmFuncQelWiz::Restore(const Selection& selection) {
     if (dropped.empty()) {
         return;
     }
-    std::string text = OwnText(Context(), OwnTextNumber::DroppedChoices);
+    std::string text = OwnText(Context(), message);
     for (const std::string& choice : dropped) {
         text += "\r\n" + choice;
     }

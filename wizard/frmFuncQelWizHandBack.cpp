@@ -10,19 +10,28 @@ namespace qel {
 using namespace FunctionForm;
 
 void frmFuncQelWiz::CheckAndHandBack(bool detail) {
+    if (IsFileTaken()) {
+        GoToSheet(detail);
+    }
+}
+
+bool frmFuncQelWiz::IsFileTaken() {
     const std::string cubeFile = CubeFile();
     if (const auto fault = CubeFileFault(cubeFile)) {
-        return WarnNumbered(*fault);
+        WarnNumbered(*fault);
+        return false;
     }
-    // Enter may press the button while a path is being typed: load the file first, so that the person sees
+    // A key may press the button while a path is being typed: load the file first, so that the person sees
     // its content.
     if (cubeFile != takenFile_) {
-        return TakeCubeFile(cubeFile);
+        TakeCubeFile(cubeFile);
+        return false;
     }
     if (!cube_) {
-        return WarnNumbered(noCubeFileText);
+        WarnNumbered(noCubeFileText);
+        return false;
     }
-    GoToSheet(detail);
+    return true;
 }
 
 void frmFuncQelWiz::GoToSheet(bool detail) {
@@ -35,7 +44,6 @@ void frmFuncQelWiz::GoToSheet(bool detail) {
     // The formula does not depend on saving the selection.
     Trapped("GoToSheet", [&] {
         RememberCubeFile(Context(), selection.cubeFile);
-        PrepareWizardDatabase(Context());
         OpenWizardDatabase(Context())->ReplaceRows(DataTblTable().name, {RowOf(selection)});
     });
     Form().Hide();
@@ -58,13 +66,12 @@ std::optional<std::string> frmFuncQelWiz::Fault() const {
     if (auto fault = dates_.Fault()) {
         return fault;
     }
-    std::optional<std::int32_t> missing = accounts_.Missing();
+    std::optional<std::int32_t> missing = obs_.Missing();
+    if (!missing) {
+        missing = accounts_.Missing();
+    }
     if (!missing) {
         missing = activities_.Missing();
-    }
-    const Selection selection = Read();
-    if (selection.obsLevel != allMembers && selection.obsMembers.empty()) {
-        missing = OwnTextNumber::NoObsMember;
     }
     return missing ? std::optional(OwnText(Context(), *missing)) : std::nullopt;
 }

@@ -4,6 +4,7 @@
 #include "cube/MemberListing.h"
 #include "cube/NameQuery.h"
 #include "platform/value/Conversion.h"
+#include "support/ModError.h"
 #include "support/SettingPaths.h"
 #include "text/Text.h"
 #include "wizard/CubeFileChoice.h"
@@ -58,7 +59,7 @@ void frmNameWizz::OnLoad() {
         EnableButtons(false);
         Trapped("OpenDb", [this] { OpenDb(); });
         if (!queries_.All().empty()) {
-            TakeQuery(queries_.All().back());
+            TakeQuery(queries_.All().front());
         } else if (const std::string cubeFile = RememberedCubeFile(Context()); FileExists(cubeFile)) {
             LoadCubeFile(cubeFile);
         }
@@ -94,12 +95,18 @@ void frmNameWizz::OnChange(std::string_view control) {
         } else if (cube_ && (obs_.Is(control) || firmas_.Is(control) || dimTypes_.Is(control))) {
             SetMember();
         }
+        if (control != ListQuery) {
+            MarkQuery();
+        }
     });
 }
 
 void frmNameWizz::OnLeave(std::string_view control) {
-    if (control == txtCubeFile && CubeFile() != takenFile_ && FileExists(CubeFile())) {
-        LoadCubeFile(CubeFile());
+    const std::string cubeFile(Trimmed(CubeFile()));
+    if (control == txtCubeFile && cubeFile == takenFile_) {
+        Form().SetText(txtCubeFile, takenFile_); // without blanks around it
+    } else if (control == txtCubeFile && FileExists(cubeFile)) {
+        LoadCubeFile(cubeFile);
     }
 }
 
@@ -111,11 +118,13 @@ void frmNameWizz::OpenDb() {
 void frmNameWizz::ShowQueries() {
     std::vector<std::string> texts;
     for (const NamedQuery& query : queries_.All()) {
-        texts.push_back(query.dimType + " " + query.dataMember + " - " + query.cubeName + ", " +
-                        query.cubeFile);
+        texts.push_back(DescriptionOf(query));
     }
     Form().SetItems(ListQuery, texts);
+    MarkQuery();
 }
+
+void frmNameWizz::MarkQuery() { Form().Select(ListQuery, queries_.Find(Read())); }
 
 bool frmNameWizz::LoadCubeFile(const std::string& cubeFile, const std::string& cubeName) {
     return Trapped(
@@ -208,6 +217,7 @@ void frmNameWizz::TakeQuery(const NamedQuery& query) {
                                    " " + query.dataMember);
     }
     ShowName();
+    MarkQuery();
 }
 
 void frmNameWizz::ShowName() {
@@ -229,19 +239,27 @@ void frmNameWizz::RemoveQuery() {
     if (!index) {
         return;
     }
+    const std::string question = OwnText(Context(), OwnTextNumber::RemoveQuery) + "\r\n\r\n" +
+                                 DescriptionOf(queries_.All().at(*index));
+    if (Context().Messages().Show(MessageBoxStyle::YesNoWithStop, componentName, question) !=
+        MessageBoxAnswer::Yes) {
+        return;
+    }
     queries_.Remove(*index);
     ShowQueries();
 }
 
 NamedQuery frmNameWizz::Read() const {
     const auto level = Form().Selected(ComDim);
+    const MemberRow member = members_.Chosen().value_or(MemberRow{});
     return {.cubeFile = CubeFile(),
             .cubeName = cubes_.Key().value_or(""),
             .dimType = dimTypes_.Key().value_or(""),
             .levelNum = level ? std::to_string(*level + 1) : std::string(),
-            .dataMember = members_.Chosen().value_or(MemberRow{}).code,
+            .dataMember = member.code,
             .firma = firmas_.Key().value_or(""),
-            .obs = obs_.Key().value_or("")};
+            .obs = obs_.Key().value_or(""),
+            .name = member.name};
 }
 
 void frmNameWizz::CheckAndHandBack() {
@@ -287,6 +305,6 @@ void frmNameWizz::EnableButtons(bool isEnabled) {
     Form().SetEnabled(TxtName, isEnabled);
 }
 
-std::string frmNameWizz::CubeFile() const { return std::string(Trimmed(Form().Text(txtCubeFile))); }
+std::string frmNameWizz::CubeFile() const { return Form().Text(txtCubeFile); }
 
 } // namespace qel

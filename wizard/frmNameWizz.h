@@ -23,6 +23,8 @@ private:
 
     void OpenDb();
     void ShowQueries();
+    /// Marks the saved query that the dialog shows, if there is one.
+    void MarkQuery();
     /// Fills the list of cubes from a file, and the other lists from its first or the named cube. A failure
     /// is reported and returns false.
     bool LoadCubeFile(const std::string& cubeFile, const std::string& cubeName = {});

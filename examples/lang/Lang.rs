@@ -64,6 +64,15 @@
 	<z:row lId='0' sId='1518' sText="Choose an activity, or clear the box of the activity list."/>
 	<z:row lId='0' sId='1519' sText="Choose a summary group."/>
 	<z:row lId='0' sId='1520' sText="The value is that of the first member."/>
+	<z:row lId='0' sId='1521' sText="The list is used."/>
+	<z:row lId='0' sId='1522' sText="This cube does not have these choices:"/>
+	<z:row lId='0' sId='1523' sText="OBS Number"/>
+	<z:row lId='0' sId='1524' sText="Which level"/>
+	<z:row lId='0' sId='1525' sText="Picked OBS"/>
+	<z:row lId='0' sId='1526' sText="Activity"/>
+	<z:row lId='0' sId='1527' sText="Remove this saved query?"/>
+	<z:row lId='0' sId='1528' sText="Cube file"/>
+	<z:row lId='0' sId='1529' sText="Value"/>
 	<z:row lId='1' sId='20' sText="Tahoma"/>
 	<z:row lId='1' sId='21' sText="9"/>
 	<z:row lId='1' sId='1364' sText="שם לא תקין לקובץ קוביה"/>
@@ -111,5 +120,14 @@
 	<z:row lId='1' sId='1518' sText="יש לבחור פעילות או לבטל את הסימון של רשימת הפעילויות."/>
 	<z:row lId='1' sId='1519' sText="יש לבחור סעיף מרמה."/>
 	<z:row lId='1' sId='1520' sText="הערך הוא של האיבר הראשון."/>
+	<z:row lId='1' sId='1521' sText="הרשימה קובעת."/>
+	<z:row lId='1' sId='1522' sText="הבחירות האלה אינן בקוביה הזאת:"/>
+	<z:row lId='1' sId='1523' sText="מספר OBS"/>
+	<z:row lId='1' sId='1524' sText="איזו רמה"/>
+	<z:row lId='1' sId='1525' sText="פריטים שנבחרו"/>
+	<z:row lId='1' sId='1526' sText="פעילות"/>
+	<z:row lId='1' sId='1527' sText="להסיר את השאילתה השמורה הזאת?"/>
+	<z:row lId='1' sId='1528' sText="קובץ קוביה"/>
+	<z:row lId='1' sId='1529' sText="ערך"/>
 </rs:data>
 </xml>

@@ -1,5 +1,7 @@
 #include "platform/dialog/DesignedControl.h"
 
+#include "platform/dialog/AccessKey.h"
+
 namespace qel {
 
 std::string DesignedControl::GetText(TextProperty property) const {
@@ -30,6 +32,13 @@ void DesignedControl::SetAligment(std::int32_t aligment) {
 bool DesignedControl::HasCaption() const {
     return design_.kind == ControlKind::Label || design_.kind == ControlKind::Button ||
            design_.kind == ControlKind::CheckBox;
+}
+
+std::string DesignedControl::MarkedCaption(std::string_view mark) const {
+    std::string marked = WithAccessKey(caption_, design_.mnemonic, mark);
+    const bool hasKey = marked != WithAccessKey(caption_, "", mark);
+    const std::string spare = design_.spareKey;
+    return hasKey || spare.empty() ? marked : marked + " (" + std::string(mark) + spare + ")";
 }
 
 std::string RowText(const ListSource& rows, std::size_t row) {

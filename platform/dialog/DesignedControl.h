@@ -23,6 +23,8 @@ public:
 protected:
     bool HasCaption() const;
     const std::string& Caption() const { return caption_; }
+    /// The caption with `mark` before its access key, or before the spare one that it ends in.
+    std::string MarkedCaption(std::string_view mark) const;
     bool IsRightToLeft() const { return isRightToLeft_; }
     /// Called only for a control that has a caption.
     virtual void ShowCaption() = 0;

@@ -28,6 +28,10 @@ public:
         Find(control, {Label, TextBox, Button, CheckBox}).SetContent(text);
     }
 
+    void SetSpokenName(std::string_view control, const std::string& name) override {
+        Find(control, shown).SetText(TextProperty::ToolTipText, name);
+    }
+
     bool IsChecked(std::string_view control) const override {
         return Find(control, {ControlKind::CheckBox}).IsChecked();
     }

@@ -45,8 +45,11 @@ struct ControlDesign {
     const char* caption = ""; ///< shown until the form is translated
     /// Letters, one per language: the first one that the shown caption holds is its access key.
     const char* mnemonic = "";
-    std::int32_t ownText = 0; ///< without a tag: number of the caption in the component's own strings
-    bool isReadOnly = false;  ///< of a text box: cannot be edited, only copied
+    /// Shown in parentheses after a caption that holds none of the letters.
+    const char* spareKey = "";
+    std::int32_t ownText = 0;    ///< without a tag: number of the caption in the component's own strings
+    std::int32_t spokenText = 0; ///< of a control without a label: number of its name for screen readers
+    bool isReadOnly = false;     ///< of a text box: cannot be edited, only copied
 };
 
 struct FormDesign {
@@ -121,6 +124,8 @@ public:
     virtual std::string Text(std::string_view control) const = 0;
     /// The text of a text box; the caption of a label, button or check box.
     virtual void SetText(std::string_view control, const std::string& text) = 0;
+    /// What a screen reader calls a control that no label stands before.
+    virtual void SetSpokenName(std::string_view control, const std::string& name) = 0;
 
     /// Check boxes.
     virtual bool IsChecked(std::string_view control) const = 0;

@@ -21,8 +21,8 @@ OwnedVariant ToArgument(const DispatchObject& object) {
     return argument;
 }
 
-DispatchObject::DispatchObject(ComPointer<IDispatch> object, std::string name)
-    : object_(std::move(object)), name_(std::move(name)) {
+DispatchObject::DispatchObject(ComPointer<IDispatch> object, std::string name, LCID locale)
+    : object_(std::move(object)), name_(std::move(name)), locale_(locale) {
     if (!object_) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
     }
@@ -63,7 +63,7 @@ DispatchObject DispatchObject::Child(const wchar_t* member, CallArguments argume
     if (V_VT(&value) != VT_DISPATCH) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
     }
-    return {ComPointer<IDispatch>(V_DISPATCH(&value)), Described(member)};
+    return {ComPointer<IDispatch>(V_DISPATCH(&value)), Described(member), locale_};
 }
 
 void DispatchObject::Call(const wchar_t* member, CallArguments arguments) const {
@@ -81,7 +81,7 @@ OwnedVariant DispatchObject::Invoke(const wchar_t* member, WORD kind, CallArgume
     ::SetErrorInfo(0, nullptr);
     DISPID id = DISPID_UNKNOWN;
     auto* name = const_cast<LPOLESTR>(member);
-    Check(object_->GetIDsOfNames(IID_NULL, &name, 1, LOCALE_USER_DEFAULT, &id), Described(member).c_str());
+    Check(object_->GetIDsOfNames(IID_NULL, &name, 1, locale_, &id), Described(member).c_str());
     return Invoke(id, Described(member), kind, std::move(arguments));
 }
 
@@ -98,7 +98,7 @@ OwnedVariant DispatchObject::Invoke(DISPID id, const std::string& what, WORD kin
                              static_cast<UINT>(reversed.size()), isPut ? 1U : 0U};
     OwnedVariant result;
     EXCEPINFO details = {};
-    const HRESULT status = object_->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, kind, &parameters,
+    const HRESULT status = object_->Invoke(id, IID_NULL, locale_, kind, &parameters,
                                            isPut ? nullptr : result.Receive(), &details, nullptr);
     if (status == DISP_E_EXCEPTION) {
         throw FailureOf(details, what);

@@ -25,12 +25,17 @@ CallArguments ArgumentList(const Values&... values) {
     return arguments;
 }
 
+/// The locale in which macros call the objects of their spreadsheet: English (United States), whatever the
+/// user's is. Formulas and formats are texts in that language, and other locales may need files that are not
+/// installed.
+inline constexpr LCID macroLocale = 1033;
+
 /// An object whose members are looked up by name on use, as in a macro. A failed call raises AutomationError
 /// with the object's number, description and source, or with the reason why it could not be made.
 class DispatchObject {
 public:
-    /// Raises 91 for a null object. `name` is its name in messages.
-    DispatchObject(ComPointer<IDispatch> object, std::string name);
+    /// Raises 91 for a null object. `name` is its name in messages; its children are called in its locale.
+    DispatchObject(ComPointer<IDispatch> object, std::string name, LCID locale = LOCALE_USER_DEFAULT);
     /// A new object of a registered class. Raises 429 when the class is not registered.
     static DispatchObject Create(const wchar_t* progId);
 
@@ -53,6 +58,7 @@ private:
 
     ComPointer<IDispatch> object_;
     std::string name_;
+    LCID locale_;
 };
 
 OwnedVariant ToArgument(const DispatchObject& object);

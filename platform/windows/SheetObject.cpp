@@ -21,7 +21,7 @@ private:
 /// A range of cells, accessed through its object model.
 class SheetRange : public Range {
 public:
-    explicit SheetRange(IDispatch* range) : range_(ComPointer<IDispatch>(range), "Range") {}
+    explicit SheetRange(IDispatch* range) : range_(ComPointer<IDispatch>(range), "Range", macroLocale) {}
 
     void ForEachCell(const std::function<void(const Variant& value)>& visit) const override {
         const ComPointer<IEnumVARIANT> cells = NewEnumeration();
@@ -55,7 +55,7 @@ private:
         if (V_VT(&cell) != VT_DISPATCH) {
             return FromAutomation(cell);
         }
-        const DispatchObject object(ComPointer<IDispatch>(V_DISPATCH(&cell)), "Range");
+        const DispatchObject object(ComPointer<IDispatch>(V_DISPATCH(&cell)), "Range", macroLocale);
         return FromAutomation(object.Property(L"Value").Get());
     }
 

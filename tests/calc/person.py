@@ -3,13 +3,15 @@
 The windows are reached through the office's accessibility interface, as a screen reader reaches them.
 """
 import contextlib
+import os
 import subprocess
 import threading
 import time
 
 import calc_session
 from com.sun.star.accessibility.AccessibleRole import (COMBO_BOX, LIST, PUSH_BUTTON, TEXT)
-from com.sun.star.accessibility.AccessibleStateType import CHECKED, ENABLED
+from com.sun.star.lang import DisposedException
+from com.sun.star.accessibility.AccessibleStateType import CHECKED, ENABLED, SHOWING
 
 PATIENCE = 120
 
@@ -26,14 +28,22 @@ def eventually(what, test):
 
 
 @contextlib.contextmanager
-def screen():
-    """An X server without a monitor; gives its name."""
+def screen(manager=None):
+    """An X server without a monitor, with a window manager's program if one is named; gives its name."""
     server = subprocess.Popen(["Xvfb", "-displayfd", "1", "-screen", "0", "1400x1000x24", "-nolisten", "tcp"],
                               stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True,
                               preexec_fn=calc_session.die_with_parent)
+    windows = None
     try:
-        yield ":" + server.stdout.readline().strip()
+        display = ":" + server.stdout.readline().strip()
+        if manager:
+            windows = subprocess.Popen([manager], env={**os.environ, "DISPLAY": display}, stdout=subprocess.DEVNULL,
+                                       stderr=subprocess.DEVNULL, preexec_fn=calc_session.die_with_parent)
+        yield display
     finally:
+        if windows:
+            windows.terminate()
+            windows.wait()
         server.terminate()
         server.stdout.close()
         server.wait()
@@ -123,6 +133,26 @@ class Window:
         raise AssertionError(f"{self.title} has no {name!r}; there are {self.texts()}")
 
 
+class Hands:
+    """Keys and clicks as a keyboard and a mouse send them, to the window that has the focus."""
+
+    def __init__(self, display):
+        self.environment = {**os.environ, "DISPLAY": display}
+
+    def do(self, *words):
+        subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True, timeout=PATIENCE)
+
+    def type(self, text):
+        self.do("type", "--delay", 40, text)
+
+    def key(self, *names):
+        self.do("key", "--delay", 40, *names)
+
+    def click(self, control):
+        place, size = control.context.getLocationOnScreen(), control.context.getSize()
+        self.do("mousemove", place.X + size.Width // 2, place.Y + size.Height // 2, "sleep", 0.2, "click", 1)
+
+
 class Person:
     def __init__(self, office, display):
         self.toolkit = office.service("com.sun.star.awt.Toolkit")
@@ -130,7 +160,10 @@ class Person:
 
     def windows(self):
         for i in range(self.toolkit.getTopWindowCount()):
-            yield self.toolkit.getTopWindow(i).getAccessibleContext()
+            window = self.toolkit.getTopWindow(i)
+            context = window and window.getAccessibleContext()
+            if context: # it is not being closed
+                yield context
 
     def all_windows(self):
         return [Window(context) for context in self.windows()]
@@ -143,6 +176,24 @@ class Person:
                     return Window(context)
             return None
         return eventually(f"a window {title!r}", find)
+
+    def answers(self, title, part):
+        """Presses OK in a box that says so."""
+        box = self.sees(title)
+        text = " ".join(box.texts())
+        if part not in text:
+            raise AssertionError(f"{title} says {text!r}, not {part!r}")
+        box.button("OK").press()
+        eventually("the box's end", lambda: not self.shown(title))
+
+    def shown(self, title):
+        """The windows of that title that are on the screen: those that were closed may live on for a while."""
+        found = []
+        for context in self.windows():
+            with contextlib.suppress(DisposedException): # it is closed just now
+                if context.getAccessibleName() == title and Control(context).has(SHOWING):
+                    found.append(Window(context))
+        return found
 
     def photograph(self, path):
         subprocess.run(["import", "-display", self.display, "-window", "root", path], check=True)

@@ -10,6 +10,7 @@ from com.sun.star.accessibility.AccessibleRole import LABEL, TEXT
 
 os.environ["XDG_CONFIG_HOME"] = str(WORK / "config")
 TOOLBAR = "private:resource/toolbar/addon_OrmFunctionQel4.ToolBar"
+DATABASE_REPORT = "QelFunction17.mdb' already exists"
 MACRO = """
 Function ShowWizard
     ShowWizard = CreateUnoService("OrmFunctionQel4.Wizards").ShowFormGetVal(ThisComponent.CurrentSelection)
@@ -26,19 +27,23 @@ class Wizards(unittest.TestCase):
         run_qel("settings", "set", "MDBPath", WORK / "suite")
         run_qel("cube", "build", SOURCE / "examples" / "ledger" / "ledger.json", "--output", cls.cube)
         profile = calc_session.fresh_profile(WORK / "profile", PACKAGE)
-        for library in (WORK / "profile").rglob("OrmFuncQel4.so"):  # the suite's texts stand beside it
-            shutil.copy(SOURCE / "examples" / "lang" / "Lang.rs", library.parent)
+        shutil.copy(SOURCE / "examples" / "lang" / "Lang.rs", WORK / "suite" / "lang.rs")
         display = cls.enterClassContext(screen())
         cls.office = cls.enterClassContext(calc_session.Office(profile, WORK, display))
         cls.person = Person(cls.office, display)
 
     def setUp(self):
+        self.forget_database()
         self.document = self.office.new_document()
         self.document.CurrentController.Frame.activate()  # as a window manager does with a new window
         self.addCleanup(self.document.close, True)
         self.cell = self.document.Sheets.getByIndex(0).getCellRangeByName("C5")
         self.document.CurrentController.select(self.cell)
         self.wizards = self.office.service("OrmFunctionQel4.Wizards")
+
+    def forget_database(self):
+        """One that exists is reported when the dialog opens."""
+        (WORK / "suite" / "QelFunction17.mdb").unlink(missing_ok=True)
 
     def open_cube(self, dialog):
         """OK takes a path that was typed, before anything else."""
@@ -49,6 +54,7 @@ class Wizards(unittest.TestCase):
 
     def assert_cell(self, call, function, *parts):
         """The cell's formula has the arguments that the call gives, and the value that qel gives it."""
+        self.person.answers("OrmFuncQel4", DATABASE_REPORT)
         arguments = call.wait()
         for part in parts:
             self.assertIn(part, arguments)
@@ -81,7 +87,8 @@ class Wizards(unittest.TestCase):
         dialog.after("Account type").choose("SuperSum1")
         eventually("the list of groups", lambda: dialog.after("Summary Group").items)
         dialog.after("Summary Group").choose("Revenue")
-        dialog.button("Single cell function").press()
+        dialog.button("Single cell function (J)").press()
+        self.person.answers("OrmFuncQel4", DATABASE_REPORT)
         arguments = call.wait().translate(str.maketrans("", "", '"{}')).split(",")
         sheet = self.document.Sheets.getByIndex(0)
         rows = [[shown(sheet.getCellByPosition(column, row)) for column in (2, 3)] for row in range(4, 23)]
@@ -91,6 +98,9 @@ class Wizards(unittest.TestCase):
                           "From Date", "To Date", ""])
         self.assertEqual([value.strip() for _, value in rows[:16]], [argument.strip() for argument in arguments[:16]])
         self.assertEqual([value for _, value in rows[7:9]], ["SuperSum1", "4"])
+        dates = [sheet.getCellByPosition(3, row) for row in (20, 21)]
+        self.assertEqual([cell.String for cell in dates], ["01/01/23", "12/01/25"], "dates, not their numbers")
+        self.assertEqual([cell.Value for cell in dates], [44927, 45992])
         self.assertEqual(sheet.getCellByPosition(2, 3).Formula + sheet.getCellByPosition(4, 4).Formula, "")
 
     def test_the_name_wizard_writes_its_formula(self):
@@ -126,6 +136,7 @@ class Wizards(unittest.TestCase):
         self.assertEqual(title, "Qel")
         dispatcher = self.office.service("com.sun.star.frame.DispatchHelper")
         for command, caption in (("ShowFormGetVal", "Function QEL"), ("ShowFormQelName", "Name QEL")):
+            self.forget_database()
             call = Call(dispatcher.executeDispatch, frame, f"service:OrmFunctionQel4.Wizards?{command}", "_self", 0, ())
             dialog = self.person.sees(caption)
             dialog.button("Cancel").press()
@@ -146,6 +157,7 @@ class Wizards(unittest.TestCase):
         eventually("the list of groups", lambda: dialog.after("Summary Group").items)
         dialog.after("Summary Group").choose("Revenue")
         dialog.button("OK").press()
+        self.person.answers("OrmFuncQel4", DATABASE_REPORT)
         arguments = call.wait()[0]
         self.assertIn('"SuperSum1"', arguments)
         self.assertTrue(self.cell.Formula.startswith("=ORMFUNCTIONQEL4.ORMQELFUNCTION.QELF1("), self.cell.Formula)
@@ -163,6 +175,10 @@ class Wizards(unittest.TestCase):
         label = dialog.named("שם קוביה", LABEL).context.getLocationOnScreen()
         box = dialog.after("שם קוביה").context.getLocationOnScreen()
         self.assertGreater(label.X, box.X, "a label stands on the right of its box")
+        dialog.first(TEXT).type(str(self.cube))
+        dialog.button("אישור").press()
+        firms = eventually("the list of firms", lambda: dialog.after("פירמה").items)
+        self.assertEqual([firms[0][0], firms[1][0]], ["\u202b", "\u202a"], "each reads in the direction of its letters")
         dialog.button(cancel).press()
         self.assertEqual(call.wait(), " ")
 

@@ -59,6 +59,26 @@ TEST(InitLanguage, WithATableTextsComeFromItsLanguage) {
     EXPECT_EQ(GetLangString(bench.state, 1481), "יתרת פתיחה") << "the table is gone";
 }
 
+TEST(InitLanguage, FindsATableInAnyLetterCaseAndBesideSettingsFiles) {
+    for (const char* place : {"component/lang.RS", "suite/Lang.rs", "settings/LANG.rs"}) {
+        for (const bool hasSettingsFolder : {true, false}) {
+            LangBench bench;
+            auto& store = bench.bench.store;
+            store.separator = '/';
+            bench.bench.SuiteKey()["MDBPath"] = {.data = PathToUtf8(bench.folder.Path("suite"))};
+            store.settingsFolder = hasSettingsFolder ? PathToUtf8(bench.folder.Path("settings")) : "";
+            std::filesystem::create_directory(bench.folder.Path(place).parent_path());
+            bench.folder.Write(place, "x");
+            bench.tables.table = test::TableOf({{0, 1473, "Pick"}, {0, 1508, "Every"}});
+            ModLangFrm::InitLanguage(bench.state);
+            const bool isFound = hasSettingsFolder || std::string(place).starts_with("component");
+            EXPECT_EQ(GetLangString(bench.state, 1473), isFound ? "Pick" : "Select Cube") << place;
+            EXPECT_EQ(ModLangFrm::GetOwnString(bench.state, 1508), isFound ? "Every" : "All") << place;
+            EXPECT_EQ(ModLangFrm::GetOwnString(bench.state, 1509), "Cost centres") << "not in the table";
+        }
+    }
+}
+
 struct BadTableCase {
     const char* what;
     std::optional<PersistedTable> table;

@@ -1,5 +1,6 @@
 #include "tests/server/RangeDouble.h"
 
+#include "platform/windows/DispatchObject.h"
 #include "tests/helpers/automation/DispatchDouble.h"
 
 #include <memory>
@@ -17,8 +18,10 @@ OwnedVariant Copy(const SharedValue& value) {
 }
 
 ComPointer<IDispatch> MakeCell(const SharedValue& value) {
-    return MakeObject(
-        [&](DispatchDouble& cell) { cell.Define(L"Value", [value](const Inputs&) { return Copy(value); }); });
+    return MakeObject([&](DispatchDouble& cell) {
+        cell.RequireLocale(windows::macroLocale);
+        cell.Define(L"Value", [value](const Inputs&) { return Copy(value); });
+    });
 }
 
 class Cells : public windows::ComObject<IEnumVARIANT> {
@@ -75,6 +78,7 @@ ComPointer<IDispatch> MakeRange(std::vector<OwnedVariant> values) {
         shared.push_back(std::make_shared<OwnedVariant>(std::move(value)));
     }
     auto range = ComPointer<RangeObject>::Adopt(std::make_unique<RangeObject>().release());
+    range->RequireLocale(windows::macroLocale);
     range->DefineNumber(DISPID_NEWENUM, [shared](const auto&) {
         OwnedVariant enumeration;
         V_VT(&enumeration.Get()) = VT_UNKNOWN;

@@ -110,8 +110,7 @@ TEST(FunctionWizard, RejectsAFileWithoutListedCubesAndFallsBackToTheRememberedOn
         EXPECT_TRUE(dialog.IsEnabled(ChcMeasure)) << "the dialog stayed usable";
         dialog.chosenFile = UnlistedFile();
         dialog.Press(CmdCubeFile);
-        EXPECT_EQ(std::exchange(bench.messages.shown, {}),
-                  (std::vector<ShownMessage>{{48, "", "Not valid cube"}}));
+        EXPECT_EQ(bench.TakeShown(), (std::vector<ShownMessage>{{48, "", "Not valid cube"}}));
         EXPECT_EQ(dialog.Text(txtCubeFile), LedgerFile());
         EXPECT_TRUE(dialog.IsEnabled(ChcMeasure));
     });
@@ -146,7 +145,8 @@ TEST(FunctionWizard, ChecksTheCubeFileBeforeItHandsBack) {
     std::filesystem::create_directory(bench.folder.Path("folder.cub"));
     const std::pair<std::string, const char*> cases[] = {
         {"", none},
-        {"  ", none},
+        {"  ", invalid}, // the text as it stands
+        {LedgerFile() + " ", invalid},
         {bench.folder.Write("a.txt", "").string(), invalid},
         {bench.folder.Write("capitals.CUB", "").string(), invalid},
         {bench.folder.Path("none.cub").string(), invalid},
@@ -159,8 +159,7 @@ TEST(FunctionWizard, ChecksTheCubeFileBeforeItHandsBack) {
                 dialog.Press(button);
                 EXPECT_FALSE(dialog.IsHidden()) << cubeFile;
             });
-            EXPECT_EQ(std::exchange(bench.messages.shown, {}),
-                      (std::vector<ShownMessage>{{48, "OrmFuncQel4", message}}))
+            EXPECT_EQ(bench.TakeShown(), (std::vector<ShownMessage>{{48, "OrmFuncQel4", message}}))
                 << cubeFile;
         }
     }
@@ -178,6 +177,80 @@ TEST(FunctionWizard, TakesAPathThatWasTyped) {
         EXPECT_FALSE(dialog.IsHidden()) << "Enter while typing shows first what is in the file";
         EXPECT_EQ(dialog.Text(cboDatabaseList), "Oddfnc");
     });
+}
+
+TEST(FunctionWizard, CalculatesNothingFromAPathThatIsNotTaken) {
+    TestBench bench(LedgerFile());
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        static_cast<Dialog&>(dialog).SetText(txtCubeFile, OddFile());
+        dialog.Press(Command1);
+        EXPECT_EQ(dialog.Text(TxtCalc), "") << "the lists were of the other file";
+        EXPECT_EQ(dialog.Text(cboDatabaseList), "Oddfnc");
+        dialog.Press(Command1);
+        EXPECT_EQ(dialog.Text(TxtCalc), "1911.6");
+    });
+}
+
+TEST(FunctionWizard, OpensAFileBeforeItClearsTheLists) {
+    struct Watched : EmbeddedDataAccess {
+        std::function<void()> onConnection;
+        std::shared_ptr<Connection> CreateConnection() override {
+            if (onConnection) {
+                std::exchange(onConnection, {})();
+            }
+            return EmbeddedDataAccess::CreateConnection();
+        }
+    } dataAccess;
+    TestBench bench(LedgerFile());
+    OrmQelFunction object({bench.thread, dataAccess, bench.locale, &bench.services});
+    std::size_t firms = 0;
+    bench.toolkit.chosenFile = OddFile();
+    bench.toolkit.person = [&](DialogDouble& dialog) {
+        dataAccess.onConnection = [&] { firms = dialog.Items(ComFirma).size(); };
+        dialog.Press(CmdCubeFile);
+        EXPECT_EQ(dialog.Text(cboDatabaseList), "Oddfnc");
+    };
+    object.ShowFormGetVal(bench.sheet.Cell(bench.sheet.activeCell));
+    EXPECT_EQ(firms, 4U) << "those of the file before";
+}
+
+TEST(FunctionWizard, KeepsTheChoicesThatAnotherCubeHasAndNamesTheOthers) {
+    TestBench bench(LedgerFile());
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        dialog.Choose(ComFirma, "20 - ");
+        dialog.Choose(ComMoneySet, "USD");
+        dialog.Choose(ComLevel, "OBS levels");
+        dialog.Choose(ComOBSData, "South");
+        dialog.Type(TxtDateFrom, "01/02/2024");
+        dialog.Choose(cboDatabaseList, "LedgerHebrewFNC");
+        EXPECT_THAT(bench.TakeMessages(),
+                    ElementsAre("This cube does not have these choices:\r\nOBS Data: South & Negev"));
+        EXPECT_EQ(dialog.Text(ComFirma).substr(0, 2), "20");
+        EXPECT_EQ(dialog.Text(ComMoneySet).substr(0, 3), "USD");
+        EXPECT_EQ(dialog.Text(TxtDateFrom) + " " + dialog.Text(TxtDateTo), "01/02/2024 01/12/2025");
+        dialog.Choose(ComLevel, "All");
+        dialog.Choose(cboDatabaseList, "LedgerFNC");
+        EXPECT_EQ(dialog.Text(ComFirma).substr(0, 2), "20");
+        EXPECT_EQ(dialog.Text(TxtDateTo), "01/12/2025");
+    });
+    EXPECT_THAT(bench.TakeMessages(), IsEmpty()) << "what was only offered is not missed";
+}
+
+TEST(FunctionWizard, PreparesItsDatabaseWheneverItOpensIt) {
+    TestBench bench; // a database that is there is reported each time, with or without a cube
+    bench.ShowFormGetVal([](DialogDouble&) {});
+    bench.TakeMessages();
+    EXPECT_EQ(bench.databaseReports, 0) << "it was created";
+    bench.ShowFormGetVal([](DialogDouble&) {});
+    bench.TakeMessages();
+    EXPECT_EQ(bench.databaseReports, 1) << "without a cube";
+    bench.Remember(LedgerFile());
+    bench.ShowFormGetVal([](DialogDouble& dialog) { dialog.Press(CmdOK); });
+    bench.TakeMessages();
+    EXPECT_EQ(bench.databaseReports, 3) << "to restore, and to save";
+    bench.ShowFormQelName([](DialogDouble&) {});
+    bench.TakeMessages();
+    EXPECT_EQ(bench.databaseReports, 4) << "the queries";
 }
 
 TEST(FunctionWizard, WritesNothingWhenItIsCanceledOrClosed) {

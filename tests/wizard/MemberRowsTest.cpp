@@ -1,7 +1,7 @@
 #include "wizard/MemberRows.h"
 
 #include "lang/StringTable.h"
-#include "platform/dialog/AccessKey.h"
+#include "platform/dialog/DesignedControl.h"
 #include "tests/helpers/doubles/DialogDouble.h"
 #include "wizard/FunctionFormDesign.h"
 #include "wizard/NameFormDesign.h"
@@ -110,18 +110,45 @@ TEST(FormDesign, PlacesItsControlsApartAndGivesThemTheirOwnKeys) {
     }
 }
 
-/// Every access key is a letter of its control's English or Hebrew caption.
-TEST(FormDesign, TakesAccessKeysFromTheCaptions) {
+/// The character after the mark.
+std::string KeyIn(const std::string& marked) {
+    const auto mark = marked.find('~');
+    return mark == std::string::npos ? "" : LettersOf(marked.substr(mark + 1)).front();
+}
+
+/// A control of a caption, without a window.
+struct Captioned : DesignedControl {
+    Captioned(const ControlDesign& design, std::string_view text) : DesignedControl(design, false) {
+        SetText(TextProperty::Caption, std::string(text));
+    }
+    void ShowCaption() override {}
+    void AlignToFarSide(bool /*isFar*/) override {}
+    std::string Key() const { return KeyIn(MarkedCaption("~")); }
+};
+
+/// In each language, every control that takes the focus has a key of its own, in its caption or in its
+/// label's. OK and Cancel have Enter and Esc; a path, a value and saved queries' member boxes come first or
+/// last.
+TEST(FormDesign, GivesEveryControlAnAccessKey) {
     for (const FormDesign* design : {&FunctionFormDesign(), &NameFormDesign()}) {
-        for (const ControlDesign& control : design->controls) {
-            const std::int32_t number = control.tag != 0 ? control.tag : control.ownText;
-            if (number == 0) {
-                continue;
-            }
-            const std::string captions =
-                ResourceString(number, Language::English) + ResourceString(number, Language::Hebrew);
-            for (const std::string& key : LettersOf(control.mnemonic)) {
-                EXPECT_NE(WithAccessKey(captions, key, "~"), captions) << control.name << ": " << key;
+        for (const std::int16_t language : {Language::English, Language::Hebrew}) {
+            std::set<std::string> keys;
+            std::string labelKey;
+            for (const ControlDesign& control : design->controls) {
+                const std::int32_t number = control.tag != 0 ? control.tag : control.ownText;
+                const std::string key =
+                    number == 0 ? "" : Captioned(control, ResourceString(number, language)).Key();
+                EXPECT_TRUE(key.empty() || keys.insert(key).second)
+                    << control.name << ": " << key << " is taken";
+                const bool takesFocus =
+                    control.kind == ControlKind::ComboBox || control.kind == ControlKind::ListBox ||
+                    control.kind == ControlKind::BoundList || control.kind == ControlKind::CheckBox;
+                const bool isCommand = control.kind == ControlKind::Button &&
+                                       control.name != std::string("CmdOK") &&
+                                       control.name != std::string("CmdCancel");
+                EXPECT_FALSE((takesFocus || isCommand) && key.empty() && labelKey.empty())
+                    << control.name << " has no key in language " << language;
+                labelKey = control.kind == ControlKind::Label ? key : "";
             }
         }
     }

@@ -76,6 +76,25 @@ void Pick(DialogDouble& dialog, const char* dimType, const char* code) {
     dialog.Press(CmdOK);
 }
 
+TEST(NameWizard, ForgetsTheOldestOfManyQueries) {
+    TestBench bench(LedgerFile());
+    std::vector<TableRow> rows;
+    for (int i = 0; i < 60; ++i) {
+        rows.push_back(
+            RowOf({LedgerFile(), "LedgerFNC", "SuperSum2", "2", "41", "All", "x" + std::to_string(i)}));
+    }
+    bench.PutRows("QelName", rows);
+    bench.ShowFormQelName([&](DialogDouble& dialog) {
+        dialog.Choose(ComDim, "SuperSum2");
+        dialog.Find(cmbmember, "41");
+        dialog.Press(CmdOK);
+    });
+    const auto kept = bench.Rows("QelName");
+    ASSERT_EQ(kept.size(), 50U);
+    EXPECT_EQ(NamedQueryOf(kept.front(), Locale()).obs, "x11");
+    EXPECT_EQ(NamedQueryOf(kept.back(), Locale()).name, "Sale of goods");
+}
+
 std::vector<std::string> MembersOf(const std::vector<TableRow>& rows) {
     std::vector<std::string> members;
     members.reserve(rows.size());
@@ -87,6 +106,8 @@ std::vector<std::string> MembersOf(const std::vector<TableRow>& rows) {
 
 TEST(NameWizard, KeepsItsQueries) {
     TestBench bench(LedgerFile());
+    const std::filesystem::path file(LedgerFile());
+    const std::string fileAndFolder = file.filename().string() + " (" + file.parent_path().string() + ")";
     bench.ShowFormQelName([](DialogDouble& dialog) { Pick(dialog, "SuperSum2", "41"); });
     bench.ShowFormQelName([](DialogDouble& dialog) {
         dialog.Choose(ComFirma, "20 - ");
@@ -105,9 +126,20 @@ TEST(NameWizard, KeepsItsQueries) {
     });
     EXPECT_THAT(MembersOf(bench.Rows("QelName")), ElementsAre("SuperSum1 5", "SuperSum2 41"))
         << "a query used again is the last one";
-    bench.ShowFormQelName([](DialogDouble& dialog) {
+    bench.ShowFormQelName([&](DialogDouble& dialog) {
+        EXPECT_EQ(dialog.Items(ListQuery).front(),
+                  "Sale of goods - SuperSum2 41 - LedgerFNC, " + fileAndFolder)
+            << "the newest first, with its name";
+        EXPECT_EQ(dialog.Selected(ListQuery), 0U) << "the one in use";
+        dialog.Choose(ComDim, "SuperSum3");
+        EXPECT_FALSE(dialog.Selected(ListQuery)) << "no longer";
         dialog.Choose(ListQuery, "SuperSum1 5");
         dialog.Press(CmdRemove);
+        EXPECT_EQ(dialog.Items(ListQuery).size(), 2U) << "No was answered";
+        bench.messages.answers = {MessageBoxAnswer::Yes};
+        dialog.Press(CmdRemove);
+        EXPECT_THAT(bench.TakeMessages(),
+                    ElementsAre(HasSubstr("Remove this saved query?"), HasSubstr("SuperSum1 5")));
         EXPECT_EQ(dialog.Items(ListQuery).size(), 1U);
         dialog.Press(CmdRemove);
         EXPECT_EQ(dialog.Items(ListQuery).size(), 1U) << "nothing is chosen now";

@@ -142,16 +142,53 @@ TEST(SavedSelection, LosesWhatTheCubeNoLongerHasWithOneMessage) {
                 HasSubstr(R"({"Level1"},{"North"},{"All"},"SuperSum2", "11", "All", "Quantity", "USD")"));
 }
 
-TEST(SavedSelection, OfAnotherCubeIsDroppedWhole) {
+TEST(SavedSelection, OfAnotherFileIsNotRestored) {
     TestBench bench(OddFile());
     bench.PutRows("DataTbl", {RowOf(LedgerSelection())});
     bench.ShowFormGetVal([&](DialogDouble& dialog) {
-        const auto messages = bench.TakeMessages();
-        ASSERT_EQ(messages.size(), 1U);
-        EXPECT_THAT(messages.front(), HasSubstr("\r\nMeasure: Quantity\r\n"));
-        dialog.Press(Command1);
+        EXPECT_THAT(bench.TakeMessages(), IsEmpty());
         EXPECT_EQ(dialog.Text(cboDatabaseList), "Oddfnc");
-        EXPECT_EQ(dialog.Text(ComLevel), "OBS levels") << "a level that both have";
+        EXPECT_EQ(dialog.Text(ComLevel) + " " + dialog.Text(ComFirma), "All All")
+            << "although both files have them";
+        dialog.Press(Command1);
+        EXPECT_EQ(dialog.Text(TxtCalc), "1911.6");
+    });
+}
+
+TEST(SavedSelection, ShowsAMemberThatWasShownAndListsOneThatWasListed) {
+    for (const bool isListed : {false, true}) {
+        TestBench bench(LedgerFile());
+        bench.ShowFormGetVal([&](DialogDouble& dialog) {
+            dialog.Choose(ComLevel, "Cost centres");
+            dialog.Choose(ComOBSData, "1120");
+            if (isListed) {
+                dialog.Press(ComAddOBS);
+            }
+            dialog.Press(CmdOK);
+        });
+        const std::string text = bench.ShowFormGetVal([&](DialogDouble& dialog) {
+            EXPECT_EQ(dialog.Items(ListObs).size(), isListed ? 1U : 0U);
+            EXPECT_EQ(dialog.Text(ComOBSData).substr(0, 4), "1120");
+            dialog.Choose(ComOBSData, "1110");
+            EXPECT_EQ(dialog.Text(LabelFirst), isListed ? "The list is used." : "");
+            dialog.Press(CmdOK);
+        });
+        EXPECT_THAT(text,
+                    HasSubstr(isListed ? R"({"Cost_Centers"},{"1120"},)" : R"({"Cost_Centers"},{"1110"},)"));
+    }
+}
+
+TEST(SavedSelection, LosesDatesThatTheCubeHasNoMore) {
+    TestBench bench(LedgerFile());
+    Selection old = LedgerSelection();
+    old.from = DateFromDay({1999, 1, 1});
+    old.to = DateFromDay({1999, 12, 31});
+    bench.PutRows("DataTbl", {RowOf(old)});
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        EXPECT_THAT(bench.TakeMessages(),
+                    ElementsAre("The cube no longer has these saved choices:\r\nFrom Date: "
+                                "01/01/1999 - 31/12/1999"));
+        EXPECT_EQ(dialog.Text(TxtDateFrom), "01/01/2023");
     });
 }
 

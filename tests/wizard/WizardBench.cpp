@@ -96,13 +96,19 @@ std::string WizardBench::Evaluate(const std::string& formula) {
     return ValueText(RunFormula(function, BindFormula(ParseFormula(formula), locale)).value);
 }
 
+std::vector<ShownMessage> WizardBench::TakeShown() {
+    const auto isDatabaseReport = [](const ShownMessage& message) {
+        return message.text.find("QelFunction17.mdb' already exists") != std::string::npos;
+    };
+    databaseReports += static_cast<int>(std::erase_if(messages.shown, isDatabaseReport));
+    return std::exchange(messages.shown, {});
+}
+
 std::vector<std::string> WizardBench::TakeMessages() {
     std::vector<std::string> texts;
-    texts.reserve(messages.shown.size());
-    for (const ShownMessage& message : messages.shown) {
+    for (const ShownMessage& message : TakeShown()) {
         texts.push_back(message.text);
     }
-    messages.shown.clear();
     return texts;
 }
 

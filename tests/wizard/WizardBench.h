@@ -42,8 +42,12 @@ public:
 
     /// The text of a cell with that formula, calculated by another object on another connection.
     std::string Evaluate(const std::string& formula);
-    /// The texts of the boxes shown since the last call.
+    /// The boxes shown since the last call, and their texts. Reports that the local database exists already,
+    /// of which every opening of it shows one, are left out and counted.
+    std::vector<ShownMessage> TakeShown();
     std::vector<std::string> TakeMessages();
+
+    int databaseReports = 0;
 
     test::TemporaryFolder folder;
     RecordedMessages messages;

@@ -1,6 +1,6 @@
 #include "platform/dialog/calc/OfficeControl.h"
 
-#include "platform/dialog/AccessKey.h"
+#include "platform/dialog/ReadingOrder.h"
 #include "platform/office/OfficeText.h"
 #include "platform/value/AutomationError.h"
 
@@ -95,10 +95,27 @@ void OfficeControl::MakeAsDesigned(const FormDesign& form) {
         Set("Dropdown", uno::Any(true));
         Set("Autocomplete", uno::Any(false)); // it would complete the typed text with the first of all rows
         Set("LineCount", uno::Any(visibleItems));
-        search_ = std::make_unique<SearchBox>(model_);
+        search_ = std::make_unique<SearchBox>(model_, IsRightToLeft());
         break;
     default:
         break;
+    }
+    AlignToReading();
+}
+
+void OfficeControl::AlignToReading() {
+    const bool isList = Design().kind == ControlKind::ComboBox || Design().kind == ControlKind::BoundList ||
+                        Design().kind == ControlKind::ListBox;
+    if (isList && IsRightToLeft() && model_->getPropertySetInfo()->hasPropertyByName("Align")) {
+        Set("Align", uno::Any(alignRight));
+    }
+}
+
+void OfficeControl::SetText(TextProperty property, const std::string& text) {
+    if (property == TextProperty::ToolTipText && model_.is()) {
+        Set("HelpText", uno::Any(ToOffice(text))); // its name, too, when no label stands before it
+    } else {
+        DesignedControl::SetText(property, text);
     }
 }
 
@@ -116,7 +133,7 @@ std::string OfficeControl::Content() const {
     }
     rtl::OUString text;
     model_->getPropertyValue("Text") >>= text;
-    return FromOffice(text);
+    return WithoutDirection(FromOffice(text));
 }
 
 void OfficeControl::SetContent(const std::string& text) {
@@ -147,7 +164,7 @@ void OfficeControl::SetItems(const std::vector<std::string>& items) {
     items_ = items;
     uno::Sequence<rtl::OUString> texts(static_cast<sal_Int32>(items.size()));
     for (std::size_t i = 0; i < items.size(); ++i) {
-        texts.getArray()[i] = ToOffice(items[i]);
+        texts.getArray()[i] = ToOffice(IsRightToLeft() ? InOwnDirection(items[i]) : items[i]);
     }
     Set("StringItemList", uno::Any(texts));
     Set("SelectedItems", uno::Any(uno::Sequence<sal_Int16>()));
@@ -180,9 +197,7 @@ void OfficeControl::Select(std::optional<std::size_t> index) {
     Set("SelectedItems", uno::Any(selected));
 }
 
-void OfficeControl::ShowCaption() {
-    Set("Label", uno::Any(ToOffice(WithAccessKey(Caption(), Design().mnemonic, "~"))));
-}
+void OfficeControl::ShowCaption() { Set("Label", uno::Any(ToOffice(MarkedCaption("~")))); }
 
 void OfficeControl::AlignToFarSide(bool isFar) { Set("Align", uno::Any(isFar ? alignRight : alignLeft)); }
 

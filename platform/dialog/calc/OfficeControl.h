@@ -20,6 +20,7 @@ public:
     /// Null unless the control is a bound list.
     SearchBox* Search() const { return search_.get(); }
 
+    void SetText(TextProperty property, const std::string& text) override;
     std::string Content() const;
     void SetContent(const std::string& text);
     bool IsChecked() const;
@@ -38,6 +39,7 @@ private:
     void Set(const char* property, const com::sun::star::uno::Any& value);
     void PutInPlace(const FormDesign& form, std::size_t index);
     void MakeAsDesigned(const FormDesign& form);
+    void AlignToReading();
 
     com::sun::star::uno::Reference<com::sun::star::beans::XPropertySet> model_;
     std::vector<std::string> items_;

@@ -1,10 +1,13 @@
 #include "platform/dialog/calc/OfficeDialog.h"
 
+#include "platform/dialog/calc/KeyFilter.h"
 #include "platform/office/OfficeFailure.h"
 #include "platform/value/AutomationError.h"
 #include "text/Utf8Path.h"
 
 #include <algorithm>
+#include <com/sun/star/awt/Key.hpp>
+#include <com/sun/star/awt/PosSize.hpp>
 #include <com/sun/star/awt/Toolkit.hpp>
 #include <com/sun/star/awt/XWindow.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
@@ -28,6 +31,18 @@ uno::Reference<uno::XInterface> New(const Context& context, const char* service)
                                                                    context);
 }
 
+/// Counts a handler while it runs.
+class Running {
+public:
+    explicit Running(int& count) : count_(count) { ++count_; }
+    ~Running() { --count_; }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+private:
+    int& count_;
+};
+
 rtl::OUString UrlOf(const std::string& path) {
     rtl::OUString url;
     osl::FileBase::getFileURLFromSystemPath(ToOffice(path), url);
@@ -38,13 +53,17 @@ rtl::OUString UrlOf(const std::string& path) {
 
 OfficeDialog::OfficeDialog(OfficeWindows& windows, const FormDesign& design, bool isRightToLeft,
                            DialogEvents& events)
-    : DesignedDialog(design, isRightToLeft, events), windows_(windows) {
+    : DesignedDialog(design, isRightToLeft, events), windows_(windows), later_(new LaterCall([this] {
+          TellLeft();
+          ShowAllRows();
+      })) {
     const OwnChange own(*this);
     MakeModel();
     MakeWindow();
 }
 
 OfficeDialog::~OfficeDialog() {
+    later_->Silence();
     for (const auto& listener : listeners_) {
         listener->Silence();
     }
@@ -100,13 +119,17 @@ void OfficeDialog::ShowModal() {
     Translating([&] {
         isHidden_ = false;
         focused_ = nullptr;
-        Events().OnLoad();
+        left_.clear();
+        Tell([&] { Events().OnLoad(); });
         if (isHidden_) {
             return;
         }
+        Centre();
         windows_.Shown(window_->getPeer());
         isShown_ = true;
         const uno::Reference<awt::XDialog> dialog(window_, uno::UNO_QUERY_THROW);
+        const FilteredKeys keys({awt::Toolkit::create(windows_.Office()), uno::UNO_QUERY_THROW},
+                                [this](sal_Int16 key) { return OnKey(key); });
         try {
             dialog->execute();
         } catch (...) {
@@ -136,13 +159,27 @@ void OfficeDialog::SetEnabled(std::string_view control, bool isEnabled) {
 }
 
 void OfficeDialog::SetFocus(std::string_view control) {
-    const auto& found = Find(control, focusable);
-    const uno::Reference<awt::XControlContainer> container(window_, uno::UNO_QUERY_THROW);
-    const uno::Reference<awt::XWindow> window(
-        container->getControl(rtl::OUString::createFromAscii(found.Design().name)), uno::UNO_QUERY);
-    if (window.is()) {
+    ++focusMoves_;
+    if (const auto window = WindowOf(Find(control, focusable)); window.is()) {
         window->setFocus();
     }
+}
+
+uno::Reference<awt::XWindow> OfficeDialog::WindowOf(const OfficeControl& control) const {
+    const uno::Reference<awt::XControlContainer> container(window_, uno::UNO_QUERY_THROW);
+    return {container->getControl(rtl::OUString::createFromAscii(control.Design().name)), uno::UNO_QUERY};
+}
+
+void OfficeDialog::Centre() {
+    const uno::Reference<awt::XWindow> parent(windows_.Active(), uno::UNO_QUERY);
+    const uno::Reference<awt::XWindow> own(window_, uno::UNO_QUERY);
+    if (!parent.is() || !own.is()) {
+        return;
+    }
+    // A window's place is told relative to its parent's.
+    const awt::Rectangle around = parent->getPosSize(), size = own->getPosSize();
+    own->setPosSize(std::max<sal_Int32>((around.Width - size.Width) / 2, 0),
+                    std::max<sal_Int32>((around.Height - size.Height) / 2, 0), 0, 0, awt::PosSize::POS);
 }
 
 std::string OfficeDialog::AskForFile(std::string_view control, const FileQuestion& question) {
@@ -176,14 +213,22 @@ void OfficeDialog::SetCaption(const std::string& caption) {
     model_->setPropertyValue("Title", uno::Any(ToOffice(caption)));
 }
 
+void OfficeDialog::Tell(const std::function<void()>& handler) {
+    const Running running(handlers_);
+    handler();
+}
+
 void OfficeDialog::OnPressed(const OfficeControl& control) {
-    if (IsOwnChange()) {
+    if (IsOwnChange() || handlers_ > 0) { // the press came before a box that a handler shows
         return;
     }
     if (control.Design().name != std::string_view(Design().cancelButton)) {
+        if (!TellLeft()) {
+            return; // the field is wrong, and a box said so
+        }
         CommitSearches(); // keys press a button without moving the focus out of the edited field
     }
-    Events().OnClick(control.Design().name);
+    Tell([&] { Events().OnClick(control.Design().name); });
 }
 
 void OfficeDialog::OnItem(OfficeControl& control) {
@@ -191,11 +236,11 @@ void OfficeDialog::OnItem(OfficeControl& control) {
         return;
     }
     if (control.Design().kind == ControlKind::CheckBox) {
-        Events().OnClick(control.Design().name);
+        Tell([&] { Events().OnClick(control.Design().name); });
     } else if (control.Search() != nullptr) {
         OnText(control);
     } else {
-        Events().OnChange(control.Design().name);
+        Tell([&] { Events().OnChange(control.Design().name); });
     }
 }
 
@@ -209,7 +254,7 @@ void OfficeDialog::OnText(OfficeControl& control) {
         isTold = control.Search()->OnText();
     }
     if (isTold) {
-        Events().OnChange(control.Design().name);
+        Tell([&] { Events().OnChange(control.Design().name); });
     }
 }
 
@@ -223,25 +268,71 @@ void OfficeDialog::OnFocus(OfficeControl& control) {
         control.Design().name == std::string_view(Design().cancelButton)) {
         return;
     }
-    CommitSearches();
-    if (IsFieldKind(left->Design().kind)) {
-        Events().OnLeave(left->Design().name);
+    left_.push_back(left);
+    TellLater(); // a box of a handler would swallow the click that moves the focus
+}
+
+bool OfficeDialog::OnKey(sal_Int16 key) {
+    SearchBox* const search = focused_ != nullptr ? focused_->Search() : nullptr;
+    if (search == nullptr || handlers_ > 0 || !search->IsTyped()) {
+        return false;
+    }
+    if (key == awt::Key::RETURN) {
+        CommitSearches();
+        TellLater();
+        return true;
+    }
+    if (key == awt::Key::ESCAPE) {
+        const OwnChange own(*this);
+        search->TakeBack();
+        TellLater();
+        return true;
+    }
+    return false;
+}
+
+void OfficeDialog::TellLater() { later_->Post(windows_.Office()); }
+
+bool OfficeDialog::TellLeft() {
+    const int focusMoves = focusMoves_;
+    // Handlers may show boxes, during which more is told, so a field is removed before it is told of.
+    while (!left_.empty() && handlers_ == 0 && !isHidden_) {
+        OfficeControl* const left = left_.front();
+        left_.erase(left_.begin());
+        Commit(*left);
+        if (IsFieldKind(left->Design().kind) && left != focused_) {
+            Tell([&] { Events().OnLeave(left->Design().name); });
+        }
+    }
+    return focusMoves_ == focusMoves;
+}
+
+void OfficeDialog::ShowAllRows() {
+    const OwnChange own(*this);
+    for (const auto& control : OwnControls()) {
+        if (control->Search() != nullptr) {
+            control->Search()->ShowAll();
+        }
     }
 }
 
 void OfficeDialog::CommitSearches() {
     for (const auto& control : OwnControls()) {
-        if (control->Search() == nullptr) {
-            continue;
-        }
-        bool isOther = false;
-        {
-            const OwnChange own(*this);
-            isOther = control->Search()->Commit();
-        }
-        if (isOther) {
-            Events().OnChange(control->Design().name);
-        }
+        Commit(*control);
+    }
+}
+
+void OfficeDialog::Commit(OfficeControl& control) {
+    if (control.Search() == nullptr) {
+        return;
+    }
+    bool isOther = false;
+    {
+        const OwnChange own(*this);
+        isOther = control.Search()->Commit();
+    }
+    if (isOther) {
+        Tell([&] { Events().OnChange(control.Design().name); });
     }
 }
 

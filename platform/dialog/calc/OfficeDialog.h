@@ -2,11 +2,13 @@
 
 #include "platform/dialog/DesignedDialog.h"
 #include "platform/dialog/calc/ControlListener.h"
+#include "platform/dialog/calc/LaterCall.h"
 #include "platform/dialog/calc/OfficeControl.h"
 #include "platform/dialog/calc/OfficeWindows.h"
 
 #include <com/sun/star/awt/XControlContainer.hpp>
 #include <com/sun/star/awt/XDialog2.hpp>
+#include <com/sun/star/awt/XWindow.hpp>
 #include <rtl/ref.hxx>
 
 namespace qel::office {
@@ -39,13 +41,27 @@ private:
     void OnItem(OfficeControl& control);
     void OnText(OfficeControl& control);
     void OnFocus(OfficeControl& control);
+    /// True for a key that a searchable list takes from the dialog's buttons.
+    bool OnKey(sal_Int16 key);
+    void Commit(OfficeControl& control);
     void CommitSearches();
+    void ShowAllRows();
+    void TellLater();
+    /// Tells of the fields that were left. False when a handler moved the focus back to one.
+    bool TellLeft();
+    void Tell(const std::function<void()>& handler);
+    void Centre();
+    com::sun::star::uno::Reference<com::sun::star::awt::XWindow> WindowOf(const OfficeControl& control) const;
 
     OfficeWindows& windows_;
     com::sun::star::uno::Reference<com::sun::star::beans::XPropertySet> model_;
     com::sun::star::uno::Reference<com::sun::star::awt::XControl> window_;
     std::vector<rtl::Reference<ControlListener>> listeners_;
+    rtl::Reference<LaterCall> later_;
     OfficeControl* focused_ = nullptr; ///< the control that had the focus last
+    std::vector<OfficeControl*> left_; ///< fields whose leaving is not told yet
+    int handlers_ = 0;                 ///< that run, and may show boxes
+    int focusMoves_ = 0;               ///< by the program
     bool isShown_ = false;
     bool isHidden_ = false; ///< the program ended it
 };

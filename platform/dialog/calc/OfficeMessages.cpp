@@ -1,5 +1,6 @@
 #include "platform/dialog/calc/OfficeMessages.h"
 
+#include "platform/dialog/ReadingOrder.h"
 #include "platform/office/OfficeText.h"
 #include "text/Text.h"
 
@@ -37,10 +38,12 @@ MessageBoxAnswer OfficeMessages::Show(std::int32_t style, const std::string& tit
         const bool isQuestion = (style & yesNo) != 0;
         const uno::Reference<awt::XMessageBoxFactory> factory(awt::Toolkit::create(windows_.Office()),
                                                               uno::UNO_QUERY_THROW);
+        // The stop icon is that of errors.
         const auto box = factory->createMessageBox(
-            windows_.Active(), isQuestion ? awt::MessageBoxType_QUERYBOX : awt::MessageBoxType_WARNINGBOX,
-            isQuestion ? awt::MessageBoxButtons::BUTTONS_YES_NO : awt::MessageBoxButtons::BUTTONS_OK,
-            ToOffice(title), ToOffice(ReplaceAll(text, "\r\n", "\n")));
+            windows_.Active(), isQuestion ? awt::MessageBoxType_ERRORBOX : awt::MessageBoxType_WARNINGBOX,
+            isQuestion ? awt::MessageBoxButtons::BUTTONS_YES_NO | awt::MessageBoxButtons::DEFAULT_BUTTON_YES
+                       : awt::MessageBoxButtons::BUTTONS_OK,
+            ToOffice(title), ToOffice(LinesInOwnDirection(ReplaceAll(text, "\r\n", "\n"))));
         return AnswerOf(box->execute());
     } catch (const uno::Exception&) {
         return MessageBoxAnswer::Ok;

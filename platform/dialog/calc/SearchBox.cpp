@@ -1,6 +1,7 @@
 #include "platform/dialog/calc/SearchBox.h"
 
 #include "platform/dialog/DesignedControl.h"
+#include "platform/dialog/ReadingOrder.h"
 #include "platform/office/OfficeText.h"
 #include "platform/value/AutomationError.h"
 
@@ -69,10 +70,26 @@ bool SearchBox::Commit() {
     return row != before;
 }
 
+void SearchBox::TakeBack() {
+    if (isTyped_) {
+        Choose(before_);
+    }
+}
+
+void SearchBox::ShowAll() {
+    if (rows_ && isFilled_ && !isTyped_ && matches_.size() != rows_->RowCount()) {
+        Show(rows_->Matching(""));
+    }
+}
+
 std::string SearchBox::TypedText() const {
     rtl::OUString text;
     model_->getPropertyValue("Text") >>= text;
-    return FromOffice(text);
+    return WithoutDirection(FromOffice(text));
+}
+
+rtl::OUString SearchBox::Shown(const std::string& text) const {
+    return ToOffice(isRightToLeft_ ? InOwnDirection(text) : text);
 }
 
 void SearchBox::Show(const std::vector<std::uint32_t>& matches) {
@@ -81,7 +98,7 @@ void SearchBox::Show(const std::vector<std::uint32_t>& matches) {
     uno::Sequence<rtl::OUString> items(static_cast<sal_Int32>(matches.size()));
     for (std::size_t i = 0; i < matches.size(); ++i) {
         shown_.push_back(RowText(*rows_, matches[i]));
-        items.getArray()[i] = ToOffice(shown_.back());
+        items.getArray()[i] = Shown(shown_.back());
     }
     model_->setPropertyValue("StringItemList", uno::Any(items));
 }
@@ -90,7 +107,7 @@ void SearchBox::Choose(std::optional<std::size_t> row) {
     chosen_ = row;
     isTyped_ = false;
     const std::string text = row ? RowText(*rows_, *row) : std::string();
-    model_->setPropertyValue("Text", uno::Any(ToOffice(text)));
+    model_->setPropertyValue("Text", uno::Any(Shown(text)));
 }
 
 } // namespace qel::office

@@ -1,6 +1,5 @@
 #include "platform/dialog/win32/DialogControl.h"
 
-#include "platform/dialog/AccessKey.h"
 #include "platform/dialog/win32/CarriedPointer.h"
 #include "platform/dialog/win32/ReadingDirection.h"
 #include "platform/windows/WideText.h"
@@ -177,8 +176,7 @@ void DialogControl::Select(std::optional<std::size_t> index) const {
 }
 
 void DialogControl::ShowCaption() {
-    const std::string shown = WithAccessKey(Caption(), Design().mnemonic, "&");
-    ::SetWindowTextW(window_, AsRead(ToWide(shown), IsRightToLeft()).c_str());
+    ::SetWindowTextW(window_, AsRead(ToWide(MarkedCaption("&")), IsRightToLeft()).c_str());
 }
 
 void DialogControl::AlignToFarSide(bool isFar) {

@@ -64,7 +64,8 @@ std::shared_ptr<SheetApplication> AutomationRange::Application() const {
 } // namespace
 
 std::shared_ptr<SheetRange> SheetRangeOf(IDispatch* cell) {
-    return std::make_shared<AutomationRange>(DispatchObject(ComPointer<IDispatch>(cell), "Range"));
+    return std::make_shared<AutomationRange>(
+        DispatchObject(ComPointer<IDispatch>(cell), "Range", macroLocale));
 }
 
 } // namespace qel::windows

@@ -147,11 +147,32 @@ private:
         const std::string text = ToText(value, {});
         if (text.starts_with('=')) {
             SetTokens(cell, text.substr(1));
-        } else if (IsTextCell(cell)) {
+        } else if (FormatOf(cell) == "@") {
             As<com::sun::star::text::XTextRange>(cell)->setString(ToOffice(text));
         } else {
-            cell->setFormula(ToOffice(text));
+            Type(cell, text);
         }
+    }
+
+    /// Enters a text in the document's language. The sheet gives a date a date's format, unless the cell has
+    /// a format of its own.
+    void Type(const uno::Reference<table::XCell>& cell, const std::string& text) const {
+        const auto properties = As<XPropertySet>(cell);
+        if (FormatOf(cell) == "General") {
+            const auto types =
+                As<util::XNumberFormatTypes>(As<util::XNumberFormatsSupplier>(document_)->getNumberFormats());
+            properties->setPropertyValue("NumberFormat", uno::Any(types->getStandardIndex(Language())));
+        }
+        properties->setPropertyValue("FormulaLocal", uno::Any(ToOffice(text)));
+    }
+
+    /// The document's language; none for English (United States), which documents have unless it is changed:
+    /// the office's language counts then.
+    com::sun::star::lang::Locale Language() const {
+        com::sun::star::lang::Locale language;
+        As<XPropertySet>(document_)->getPropertyValue("CharLocale") >>= language;
+        const bool isChosen = language.Language != "en" || language.Country != "US";
+        return isChosen ? language : com::sun::star::lang::Locale();
     }
 
     void SetTokens(const uno::Reference<table::XCell>& cell, const std::string& formula) const {
@@ -165,13 +186,13 @@ private:
         As<sheet::XFormulaTokens>(cell)->setTokens(parser->parseFormula(ToOffice(formula), place));
     }
 
-    bool IsTextCell(const uno::Reference<table::XCell>& cell) const {
+    rtl::OUString FormatOf(const uno::Reference<table::XCell>& cell) const {
         sal_Int32 key = 0;
         As<XPropertySet>(cell)->getPropertyValue("NumberFormat") >>= key;
         const auto formats = As<util::XNumberFormatsSupplier>(document_)->getNumberFormats();
         rtl::OUString format;
         formats->getByKey(key)->getPropertyValue("FormatString") >>= format;
-        return format == "@";
+        return format;
     }
 
     SheetDocument document_;

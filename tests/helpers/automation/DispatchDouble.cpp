@@ -21,6 +21,13 @@ HRESULT Fail(EXCEPINFO& details, HRESULT code, const std::string& description, c
     return DISP_E_EXCEPTION;
 }
 
+DispatchDouble::Handler WithoutResult(std::function<void(const Inputs& inputs)> work) {
+    return [work = std::move(work)](const Inputs& inputs) {
+        work(inputs);
+        return OwnedVariant();
+    };
+}
+
 std::wstring Folded(std::wstring name) {
     std::transform(name.begin(), name.end(), name.begin(), [](wchar_t c) { return std::towlower(c); });
     return name;
@@ -36,29 +43,33 @@ std::int32_t NumberAt(const Inputs& inputs, std::size_t index) {
     return windows::FromAutomation(*inputs.at(index)).As<std::int32_t>();
 }
 
-void DispatchDouble::Define(const std::wstring& name, Handler handler) {
+void DispatchDouble::Define(const std::wstring& name, Handler handler, WORD kinds) {
     const auto id = static_cast<DISPID>(ids_.size()) + 100;
     ids_[Folded(name)] = id;
-    handlers_[id] = std::move(handler);
+    handlers_[id] = {std::move(handler), kinds};
 }
 
 void DispatchDouble::Value(const std::wstring& name, const Variant& value) {
-    Define(name, [value](const Inputs&) { return windows::ToAutomation(value); });
+    Define(
+        name, [value](const Inputs&) { return windows::ToAutomation(value); }, DISPATCH_PROPERTYGET);
 }
 
 void DispatchDouble::Property(const std::wstring& name, std::function<Variant()> value) {
-    Define(name, [value](const Inputs&) { return windows::ToAutomation(value()); });
+    Define(
+        name, [value](const Inputs&) { return windows::ToAutomation(value()); }, DISPATCH_PROPERTYGET);
 }
 
 void DispatchDouble::Method(const std::wstring& name, std::function<void(const Inputs& inputs)> work) {
-    Define(name, [work](const Inputs& inputs) {
-        work(inputs);
-        return OwnedVariant();
-    });
+    Define(name, WithoutResult(std::move(work)), DISPATCH_METHOD);
+}
+
+void DispatchDouble::Put(const std::wstring& name, std::function<void(const Inputs& inputs)> work) {
+    Define(name, WithoutResult(std::move(work)), DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF);
 }
 
 void DispatchDouble::Child(const std::wstring& name, Maker make) {
-    Define(name, [make](const Inputs&) { return ObjectValue(make()); });
+    Define(
+        name, [make](const Inputs&) { return ObjectValue(make()); }, DISPATCH_PROPERTYGET);
 }
 
 void* DispatchDouble::Find(REFIID id) {
@@ -82,11 +93,14 @@ STDMETHODIMP DispatchDouble::GetIDsOfNames(REFIID /*reserved*/, LPOLESTR* names,
     return found != ids_.end() ? S_OK : DISP_E_UNKNOWNNAME;
 }
 
-STDMETHODIMP DispatchDouble::Invoke(DISPID id, REFIID /*reserved*/, LCID /*locale*/, WORD /*flags*/,
+STDMETHODIMP DispatchDouble::Invoke(DISPID id, REFIID /*reserved*/, LCID locale, WORD flags,
                                     DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* details,
                                     UINT* /*wrongArgument*/) {
-    const auto handler = handlers_.find(id);
-    if (handler == handlers_.end()) {
+    if (locale != locale_) {
+        return TYPE_E_INVDATAREAD; // "Old format or invalid type library"
+    }
+    const auto member = handlers_.find(id);
+    if (member == handlers_.end() || (flags & member->second.kinds) == 0) {
         return DISP_E_MEMBERNOTFOUND;
     }
     Inputs ordered;
@@ -94,7 +108,7 @@ STDMETHODIMP DispatchDouble::Invoke(DISPID id, REFIID /*reserved*/, LCID /*local
         ordered.push_back(&windows::Dereferenced(arguments->rgvarg[i - 1]));
     }
     try {
-        OwnedVariant value = handler->second(ordered);
+        OwnedVariant value = member->second.handler(ordered);
         if (result != nullptr) {
             *result = value.Release();
         }

@@ -29,13 +29,21 @@ public:
     using Handler = std::function<OwnedVariant(const Inputs& inputs)>;
     using Maker = std::function<ComPointer<IDispatch>()>;
 
-    void Define(const std::wstring& name, Handler handler);
-    void DefineNumber(DISPID id, Handler handler) { handlers_[id] = std::move(handler); }
+    /// Refuses calls in other locales, as an English spreadsheet does under other regional settings.
+    void RequireLocale(LCID locale) { locale_ = locale; }
+    /// `kinds` are those of which a call must have one.
+    void Define(const std::wstring& name, Handler handler,
+                WORD kinds = DISPATCH_PROPERTYGET | DISPATCH_METHOD);
+    void DefineNumber(DISPID id, Handler handler) {
+        handlers_[id] = {std::move(handler), DISPATCH_PROPERTYGET};
+    }
     void Value(const std::wstring& name, const Variant& value);
     /// Computed on every reading.
     void Property(const std::wstring& name, std::function<Variant()> value);
     /// Without a result.
     void Method(const std::wstring& name, std::function<void(const Inputs& inputs)> work);
+    /// Set, not read.
+    void Put(const std::wstring& name, std::function<void(const Inputs& inputs)> work);
     void Child(const std::wstring& name, Maker make);
 
     STDMETHODIMP GetTypeInfoCount(UINT* count) override;
@@ -49,7 +57,12 @@ private:
     void* Find(REFIID id) override;
 
     std::map<std::wstring, DISPID> ids_;
-    std::map<DISPID, Handler> handlers_;
+    struct Member {
+        Handler handler;
+        WORD kinds;
+    };
+    std::map<DISPID, Member> handlers_;
+    LCID locale_ = LOCALE_USER_DEFAULT;
 };
 
 OwnedVariant ObjectValue(ComPointer<IDispatch> object);

@@ -1,6 +1,7 @@
 #include "tests/helpers/automation/SheetObject.h"
 
 #include "platform/value/AutomationError.h"
+#include "platform/windows/DispatchObject.h"
 #include "platform/windows/VariantConversion.h"
 
 #include <fmt/format.h>
@@ -55,6 +56,7 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
         const auto self = shared_from_this();
         const std::string name = first == last ? NameOf(first) : NameOf(first) + ":" + NameOf(last);
         return MakeObject([&](DispatchDouble& range) {
+            range.RequireLocale(windows::macroLocale);
             range.Child(L"Application", [self] { return ComPointer<IDispatch>(self->application.Get()); });
             range.Value(L"Row", first.row);
             range.Value(L"Column", first.column);
@@ -66,11 +68,11 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
                 const auto found = self->values.find(first);
                 return found != self->values.end() ? Variant(found->second) : Variant(Empty{});
             });
-            range.Method(L"NumberFormat", [self, name](const Inputs& inputs) {
+            range.Put(L"NumberFormat", [self, name](const Inputs& inputs) {
                 self->RequireOpen();
                 self->log.push_back(name + " format " + TextAt(inputs, 0));
             });
-            range.Method(L"Formula", [self, first, name](const Inputs& inputs) {
+            range.Put(L"Formula", [self, first, name](const Inputs& inputs) {
                 self->RequireOpen();
                 const Variant formula = windows::FromAutomation(*inputs.at(0));
                 if (formula.IsArray()) {
@@ -85,18 +87,16 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
 
     /// The first cell of a range passed as an argument.
     CellPlace FirstOf(const VARIANT* range) {
-        Arguments none;
-        const auto number = [&](const wchar_t* member) {
-            const CallResult result = Invoke(V_DISPATCH(range), member, none);
-            return V_I4(&result.value.Get());
-        };
-        return {static_cast<std::int32_t>(number(L"Row")), static_cast<std::int32_t>(number(L"Column"))};
+        const windows::DispatchObject object(ComPointer<IDispatch>(V_DISPATCH(range)), "Range",
+                                             windows::macroLocale);
+        return {object.Number(L"Row"), object.Number(L"Column")};
     }
 };
 
 SheetObject::SheetObject() : state_(std::make_shared<State>()) {
     State* const state = state_.get(); // owns the application, so its handlers must not own the state
     DispatchDouble& application = *state->application.Get();
+    application.RequireLocale(windows::macroLocale);
     application.Child(L"ActiveCell", [state] { return state->MakeRange(state->active, state->active); });
     application.Property(L"Log",
                          [state] { return Variant(fmt::format("{}", fmt::join(state->log, "\r\n"))); });

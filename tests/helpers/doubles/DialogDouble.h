@@ -57,6 +57,9 @@ public:
     void SetFocus(std::string_view control) override { focus_ = At(control).Name(); }
     std::string Text(std::string_view control) const override;
     void SetText(std::string_view control, const std::string& text) override;
+    void SetSpokenName(std::string_view control, const std::string& name) override {
+        At(control).spokenName = name;
+    }
     bool IsChecked(std::string_view control) const override { return At(control).isChecked; }
     void SetChecked(std::string_view control, bool isChecked) override { At(control).isChecked = isChecked; }
     void SetItems(std::string_view control, const std::vector<std::string>& items) override;
@@ -89,7 +92,7 @@ private:
         std::vector<FormItem*> Items() const override { return {}; }
 
         const ControlDesign* design;
-        std::string text;
+        std::string text, spokenName;
         std::vector<std::string> items;
         std::shared_ptr<const ListSource> rows;
         std::optional<std::size_t> selected;

@@ -30,6 +30,7 @@ log.Close
 """
 
 OK = "1"
+EXISTS = ("answer", OK) # the report that the local database exists already, whenever a wizard opens it
 FUNCTION, NAME = ("function", "ShowFormGetVal"), ("name", "ShowFormQelName")
 
 
@@ -136,8 +137,8 @@ def choose_cube(bench, cube):
 
 
 def nothing_is_written_when_cancelled(bench):
-    for end in (("click", "CmdCancel"), ("close",), ("key", "txtCubeFile", "esc")):
-        _, sheet = bench.call(FUNCTION, end, ("gone",))
+    for i, end in enumerate((("click", "CmdCancel"), ("close",), ("key", "txtCubeFile", "esc"))):
+        _, sheet = bench.call(FUNCTION, *([EXISTS] if i else []), end, ("gone",))
         require(f"the sheet after {end}", sheet, ["", "result  "])
 
 
@@ -166,37 +167,54 @@ def the_formula_gives_the_value_shown(bench):
              ("type", "ListAccount", "4111"), ("key", "ListAccount", "enter"),
              ("type", "TxtDate(0)", "1/1/2024"), ("type", "TxtDate(1)", "12/12/2024"),
              ("click", "Command1"), ("click", "Command1"), *bench.picture("function-wizard"),
-             ("read", "ListAccount"), ("read", "TxtCalc"), ("click", "CmdOK"), ("gone",)]
+             ("read", "ListAccount"), ("read", "TxtCalc"), ("click", "CmdOK"), EXISTS, ("gone",)]
     seen, sheet = bench.call(FUNCTION, *steps)
     formula, result = written(sheet)
     shown = seen[1].split("\t")[1]
-    print(f"    {formula} shows {seen[-1]}")
+    print(f"    {formula} shows {shown}")
+    require("the report", seen[2].split("|")[2].split("\\")[-1], "QelFunction17.mdb' already exists.")
     require("the formula", formula, f"=OrmFunctionQel4.OrmQelFunction.QelF1({result})")
     value = bench.value_of(formula)
     require_number(value, shown)
 
     # The next time the dialog shows the same choices, and the other button writes them as a table.
-    seen, sheet = bench.call(FUNCTION, ("expect", "txtCubeFile", bench.path()), ("expect", "ListObs", "Centre"),
+    seen, sheet = bench.call(FUNCTION, EXISTS, ("expect", "txtCubeFile", bench.path()), ("expect", "ListObs", "Centre"),
                              ("expect", "TxtDate(1)", "12/12/2024"), ("click", "Command1"), ("expect", "TxtCalc", shown),
-                             ("click", "Command2"), ("gone",))
+                             ("click", "Command2"), EXISTS, ("gone",))
     require("the result", sheet[-1], f"result {result}")
     require("what is formatted", sheet[0].split(" ", 1)[1], "format @")
     if "R3C2 = Cube" not in sheet or f"R3C3 = {bench.path()}" not in sheet:
         raise Failure(f"the table lacks its first row: {sheet}")
 
 
+def a_member_that_was_only_shown_gives_way_to_the_next_one(bench):
+    bench.call(FUNCTION, *choose_cube(bench, "LedgerFNC"), ("choose", "ComLevel", "Cost centres"),
+               ("choose", "ComOBSData", "1110"), ("click", "CmdOK"), EXISTS, ("gone",))
+    seen, sheet = bench.call(FUNCTION, EXISTS, ("choose", "ComOBSData", "1120"), ("click", "Command1"),
+                             ("read", "TxtCalc"), ("click", "CmdOK"), EXISTS, ("gone",))
+    formula, _ = written(sheet)
+    if '{"1120"}' not in formula:
+        raise Failure(f"the dialog showed 1120: {formula}")
+    require_number(bench.value_of(formula), seen[1].split("\t")[1])
+    bench.call(FUNCTION, EXISTS, ("choose", "ComLevel", "OBS levels"), ("choose", "ComOBSData", "South"),
+               ("click", "ComAddOBS"), ("expect", "ListObs", "South & Negev"), ("choose", "ComLevel", "All"),
+               ("expect", "ListObs", ""), ("choose", "ComLevel", "OBS levels"), ("expect", "ListObs", "South & Negev"),
+               ("click", "CmdCancel"), ("gone",))
+
+
 def a_remembered_file_that_is_gone_is_told(bench):
-    bench.call(FUNCTION, *choose_cube(bench, "LedgerFNC"), ("click", "CmdOK"), ("gone",))
+    bench.call(FUNCTION, *choose_cube(bench, "LedgerFNC"), ("click", "CmdOK"), EXISTS, ("gone",))
     bench.cube.unlink()
-    seen, sheet = bench.call(FUNCTION, ("answer", OK), ("expect", "txtCubeFile", ""), ("click", "CmdCancel"), ("gone",))
-    require("the box", seen, [f"box\t{bench.path()} File Not Found"])
+    seen, sheet = bench.call(FUNCTION, ("answer", OK), EXISTS, ("expect", "txtCubeFile", ""), ("click", "CmdCancel"),
+                             ("gone",))
+    require("the box", seen[:1], [f"box\t{bench.path()} File Not Found"])
     require("the sheet", sheet, ["", "result  "])
 
 
 def a_name_is_written(bench):
     steps = [*choose_cube(bench, "LedgerFNC"), ("choose", "ComDim", "SuperSum2"),
              ("type", "cmbmember", "Sale of g"), ("key", "cmbmember", "enter"), *bench.picture("name-wizard"),
-             ("expect", "TxtName", "Sale of goods"), ("read", "TxtName"), ("click", "CmdOK"), ("gone",)]
+             ("expect", "TxtName", "Sale of goods"), ("read", "TxtName"), ("click", "CmdOK"), EXISTS, ("gone",)]
     seen, sheet = bench.call(NAME, *steps)
     formula, _ = written(sheet)
     require("the name", bench.value_of(formula), seen[0].split("\t")[1])
@@ -208,17 +226,18 @@ def hebrew_is_mirrored_and_gives_the_same_values(bench):
              ("type", "TxtDate(0)", "1/1/2024"), ("type", "TxtDate(1)", "12/12/2024"),
              ("click", "Command1"), ("click", "Command1"),
              *bench.picture("function-wizard-hebrew"),
-             ("read", "TxtCalc"), ("click", "CmdOK"), ("gone",)]
+             ("read", "TxtCalc"), ("click", "CmdOK"), EXISTS, ("gone",)]
     seen, sheet = bench.call(FUNCTION, *steps)
     formula, _ = written(sheet)
-    print(f"    {formula} shows {seen[-1]}")
+    print(f"    {formula} shows {seen[0]}")
     require_number(bench.value_of(formula), seen[0].split("\t")[1])
-    steps = [*choose_cube(bench, "LedgerHebrewFNC"), ("choose", "ComDim", "SuperSum2"), ("type", "cmbmember", "41"),
+    steps = [EXISTS, *choose_cube(bench, "LedgerHebrewFNC"), ("choose", "ComDim", "SuperSum2"),
+             ("type", "cmbmember", "41"),
              ("key", "cmbmember", "enter"), *bench.picture("name-wizard-hebrew"),
-             ("expect", "TxtName", "מכירת סחורות"), ("read", "TxtName"), ("click", "CmdOK"), ("gone",)]
+             ("expect", "TxtName", "מכירת סחורות"), ("read", "TxtName"), ("click", "CmdOK"), EXISTS, ("gone",)]
     seen, sheet = bench.call(NAME, *steps)
     formula, _ = written(sheet)
-    require("the name", bench.value_of(formula), seen[0].split("\t")[1])
+    require("the name", bench.value_of(formula), seen[1].split("\t")[1])
 
 
 def print_times_of_wide_lists(bench):
@@ -236,7 +255,7 @@ def print_times_of_wide_lists(bench):
 
 
 CASES = [nothing_is_written_when_cancelled, wrong_files_are_told, the_formula_gives_the_value_shown,
-         a_remembered_file_that_is_gone_is_told, a_name_is_written, hebrew_is_mirrored_and_gives_the_same_values]
+         a_member_that_was_only_shown_gives_way_to_the_next_one, a_remembered_file_that_is_gone_is_told, a_name_is_written, hebrew_is_mirrored_and_gives_the_same_values]
 
 
 def main():

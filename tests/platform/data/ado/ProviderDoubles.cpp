@@ -49,7 +49,7 @@ std::shared_ptr<Connection> ConnectionAt(const Inputs& inputs, std::size_t index
 ComPointer<IDispatch> MakeCatalog(const LogPointer& log) {
     return MakeObject([&](DispatchDouble& object) {
         const std::shared_ptr<Catalog> catalog = Engine().CreateCatalog();
-        object.Method(L"ActiveConnection", [catalog, log](const Inputs& inputs) {
+        object.Put(L"ActiveConnection", [catalog, log](const Inputs& inputs) {
             if (V_VT(inputs.at(0)) == VT_DISPATCH) {
                 log->catalogs.emplace_back("a connection");
                 catalog->SetActiveConnection(ConnectionAt(inputs, 0));

@@ -74,7 +74,7 @@ std::map<IDispatch*, std::shared_ptr<TableState>>& TableObjects() {
 ComPointer<IDispatch> MakeColumn(const std::shared_ptr<TableState>& table, const std::string& name) {
     return MakeObject([&](DispatchDouble& column) {
         table->Named(name);
-        column.Method(L"Attributes", [table, name](const Inputs& values) {
+        column.Put(L"Attributes", [table, name](const Inputs& values) {
             table->Named(name).attributes = NumberAt(values, 0);
         });
     });
@@ -91,7 +91,7 @@ ComPointer<IDispatch> MakeTable(const SharedLog& log) {
                 return ObjectValue(MakeColumn(state, TextAt(inputs, 0)));
             });
         });
-        table.Method(L"Name", [state](const Inputs& inputs) { state->name = TextAt(inputs, 0); });
+        table.Put(L"Name", [state](const Inputs& inputs) { state->name = TextAt(inputs, 0); });
         table.Child(L"Columns", [columns] { return columns; });
         TableObjects()[&table] = state;
     });
@@ -150,21 +150,22 @@ struct Cursor {
 ComPointer<IDispatch> MakeField(const SharedLog& log, const std::shared_ptr<Cursor>& cursor,
                                 std::size_t column) {
     return MakeObject([&](DispatchDouble& field) {
-        field.Define(L"Value", [log, cursor, column](const Inputs& inputs) {
+        const auto value = [log, cursor, column](const Inputs& inputs) {
             if (inputs.empty()) {
                 return windows::ToAutomation(log->tables[cursor->table].at(cursor->row).at(column));
             }
-            Variant value = windows::FromAutomation(*inputs[0]);
-            if (value.Is<std::string>() && value.As<std::string>().empty()) {
+            Variant added = windows::FromAutomation(*inputs[0]);
+            if (added.Is<std::string>() && added.As<std::string>().empty()) {
                 throw ScriptedFailure{E_FAIL, "Field cannot be a zero-length string.", "double"};
             }
-            if (value.Is<std::string>() && windows::ToWide(value.As<std::string>()).size() > defaultLength) {
+            if (added.Is<std::string>() && windows::ToWide(added.As<std::string>()).size() > defaultLength) {
                 throw ScriptedFailure{fieldTooSmall, "The field is too small to accept the amount of data.",
                                       "double"};
             }
-            cursor->added.value().at(column) = value;
+            cursor->added.value().at(column) = added;
             return OwnedVariant();
-        });
+        };
+        field.Define(L"Value", value, DISPATCH_PROPERTYGET | DISPATCH_PROPERTYPUT);
     });
 }
 

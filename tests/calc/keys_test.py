@@ -1,0 +1,94 @@
+"""The wizards in Calc with real keys and clicks, on a screen with a window manager."""
+import os
+import shutil
+import time
+import unittest
+
+from calc_bench import PACKAGE, SOURCE, WORK, calc_session, run_qel
+from person import Call, Hands, Person, eventually, screen
+
+os.environ["XDG_CONFIG_HOME"] = str(WORK / "config")
+ACCOUNTS, ACTIVITIES = "Account Level (Q)", "Activity (Z)"
+
+
+class Keys(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        shutil.rmtree(WORK / "suite", ignore_errors=True)
+        (WORK / "suite").mkdir()
+        run_qel("settings", "set", "MDBPath", WORK / "suite")
+        run_qel("settings", "set", "QelUILanguage", "0")
+        run_qel("cube", "build", SOURCE / "examples" / "ledger" / "ledger.json", "--output", WORK / "ledger.cub")
+        run_qel("settings", "set", "FileCube", WORK / "ledger.cub")
+        profile = calc_session.fresh_profile(WORK / "profile", PACKAGE)
+        display = cls.enterClassContext(screen("openbox"))
+        cls.office = cls.enterClassContext(calc_session.Office(profile, WORK, display))
+        cls.person, cls.hands = Person(cls.office, display), Hands(display)
+
+    def setUp(self):
+        (WORK / "suite" / "QelFunction17.mdb").unlink(missing_ok=True) # it would be reported when the dialog opens
+        self.document = self.office.new_document()
+        self.addCleanup(self.document.close, True)
+        self.call = Call(self.office.service("OrmFunctionQel4.Wizards").ShowFormGetVal, None)
+        self.dialog = eventually("the dialog", lambda: self.person.shown("Function QEL"))[0]
+        eventually("the remembered cube", lambda: self.dialog.after("Cube Name").items)
+
+    def cancel(self):
+        self.dialog.button("Cancel").press()
+        self.assertEqual(self.call.wait(), " ")
+
+    def search_accounts(self, typed):
+        self.hands.key("alt+u")
+        accounts = self.dialog.after(ACCOUNTS)
+        eventually("a list of accounts", lambda: accounts.is_enabled)
+        self.hands.key("alt+q")
+        self.hands.type(typed)
+        eventually("what was typed", lambda: typed in accounts.text)
+        return accounts
+
+    def test_enter_takes_the_first_account_and_leaves_the_dialog_open(self):
+        accounts = self.search_accounts("furn")
+        self.person.photograph(WORK / "typed.png")
+        self.hands.key("Return")
+        eventually("an account", lambda: " - " in accounts.text)
+        self.assertFalse(self.person.shown("OrmFuncQel4"))
+        self.assertEqual(self.document.Sheets.getByIndex(0).getCellByPosition(0, 0).Formula, "")
+        shown = accounts.text
+        self.hands.key("Return")
+        self.person.answers("OrmFuncQel4", "QelFunction17.mdb' already exists")
+        self.assertIn(f'"{shown.split(" - ")[0]}"', self.call.wait())
+
+    def test_escape_takes_back_what_was_typed_before_it_cancels(self):
+        accounts = self.search_accounts("furn")
+        self.hands.key("Escape")
+        eventually("the empty list", lambda: accounts.text == "")
+        self.assertTrue(self.call.thread.is_alive())
+        self.hands.key("Escape")
+        self.assertEqual(self.call.wait(), " ")
+
+    def test_a_wrong_date_is_told_once(self):
+        self.hands.click(self.dialog.after("To Date"))
+        self.hands.key("ctrl+a")
+        self.hands.type("2/31/2024")
+        self.hands.click(self.dialog.button("OK"))
+        self.person.answers("OrmFuncQel4", "This is not a date: 2/31/2024")
+        time.sleep(1)
+        self.assertFalse(self.person.shown("OrmFuncQel4"))
+        self.cancel()
+
+    def test_it_opens_on_its_document_and_names_its_controls(self):
+        around = self.document.CurrentController.Frame.ContainerWindow.AccessibleContext
+        place, size = around.getLocationOnScreen(), around.getSize()
+        own, own_size = self.dialog.context.getLocationOnScreen(), self.dialog.context.getSize()
+        self.assertLess(abs(place.X + size.Width // 2 - own.X - own_size.Width // 2), 40)
+        self.assertLess(abs(place.Y + size.Height // 2 - own.Y - own_size.Height // 2), 40)
+        named = self.dialog.texts()
+        for name in (ACCOUNTS, ACTIVITIES, "Picked OBS", "Which level", "OBS Number (X)", "From Date"):
+            self.assertEqual(named.count(name), 2, f"{name}: the label and its control")
+        for name in ("Cube file", "Value"):
+            self.assertIn(name, named)
+        self.cancel()
+
+
+if __name__ == "__main__":
+    unittest.main()
