@@ -112,20 +112,23 @@ TEST_F(CallRules, OnlyReferencesReceiveChangedTexts) {
 
 TEST_F(CallRules, KeysWithNoBreakSpacesComeBackWithQuotes) {
     LedgerCall call;
-    OwnedVariant keys = Texts({"x\xC2\xA0y", "plain"}, 1);
+    OwnedVariant keys = Texts({"x\xC2\xA0y", "p\xC2\xA0q"}, 1), activities = Texts({"a\xC2\xA0z"}, 1);
     Arguments arguments = ArgumentsOf(call);
     arguments[obsMemberAt] = ReferenceTo(keys);
+    arguments[activityAt] = ReferenceTo(activities);
     ASSERT_EQ(Invoke(object_.Get(), L"QelFuncDemo", arguments).status, S_OK);
-    LONG index = 1;
-    OwnedVariant key;
-    ASSERT_EQ(::SafeArrayGetElement(V_ARRAY(&keys.Get()), &index, key.Receive()), S_OK);
-    EXPECT_EQ(TextIn(key), "x\"y");
+    const auto keyAt = [](OwnedVariant& list, LONG index) {
+        OwnedVariant key;
+        EXPECT_EQ(::SafeArrayGetElement(V_ARRAY(&list.Get()), &index, key.Receive()), S_OK);
+        return TextIn(key);
+    };
+    EXPECT_EQ(keyAt(keys, 1), "x\"y");
+    EXPECT_EQ(keyAt(keys, 2), "p\"q") << "every key";
+    EXPECT_EQ(keyAt(activities, 1), "a\xC2\xA0z") << "of OBS members alone";
 
     arguments[obsMemberAt] = Texts({"x\xC2\xA0y"}); // by value: the caller's own array stays as it is
     ASSERT_EQ(Invoke(object_.Get(), L"QelFuncDemo", arguments).status, S_OK);
-    index = 0;
-    ASSERT_EQ(::SafeArrayGetElement(V_ARRAY(&arguments[obsMemberAt].Get()), &index, key.Receive()), S_OK);
-    EXPECT_EQ(TextIn(key), "x\xC2\xA0y");
+    EXPECT_EQ(keyAt(arguments[obsMemberAt], 0), "x\xC2\xA0y");
 }
 
 TEST_F(CallRules, PropertiesKeepTexts) {
@@ -153,7 +156,9 @@ TEST_F(CallRules, AFileOfAnotherKindGivesThePlatformsError) {
         const std::string text = TextIn(Invoke(object_.Get(), L"QelFuncDemo", arguments).value);
         EXPECT_EQ(text.substr(0, 5), "#err ");
         EXPECT_NE(std::atoi(text.c_str() + 5), 0);
-        EXPECT_EQ(ValueThroughCom(object_.Get(), arguments), 0);
+        const CallResult masked = Invoke(object_.Get(), L"QeLF1", arguments);
+        EXPECT_EQ(V_VT(&masked.value.Get()), VT_I2) << "a zero of 16 bits, not of a cell";
+        EXPECT_EQ(V_I2(&masked.value.Get()), 0);
     }
     Arguments good = ArgumentsOf({});
     EXPECT_EQ(ValueThroughCom(object_.Get(), good), ValueInProcess({}))

@@ -22,6 +22,7 @@ enum LedgerArgument {
     obsNameAt = 2,
     obsNumberAt = 3,
     obsMemberAt = 5,
+    activityAt = 6,
     measureAt = 10,
     moneySetAt = 11,
     rhAt = 13,

@@ -93,16 +93,20 @@ TEST_F(Table, ValueMembersAreInSlots1And15And16) {
 }
 
 TEST_F(Table, PropertiesAreInSlots3To11) {
-    struct TextProperty {
+    Arguments none;
+    const struct {
         unsigned get, put;
-    };
-    for (const TextProperty property : {TextProperty{3, 4}, TextProperty{5, 6}}) {
-        const windows::Bstr text(std::wstring_view(L"\x5D0 slot"));
+        const wchar_t *name, *text;
+    } properties[] = {{3, 4, L"g_cubeFile", L"\x5D0 file"}, {5, 6, L"g_CubeName", L"\x5D0 cube"}};
+    for (const auto& property : properties) {
+        const windows::Bstr text{std::wstring_view(property.text)};
         windows::Bstr read;
         EXPECT_EQ(CallSlot(object_.Get(), property.put, {ByValue(text.Get())}), S_OK);
         EXPECT_EQ(CallSlot(object_.Get(), property.get, {PlaceOf(VT_BSTR, read.Receive())}), S_OK);
         EXPECT_EQ(windows::TextOfBstr(read.Get()), windows::TextOfBstr(text.Get()))
             << "slot " << property.get;
+        EXPECT_EQ(TextIn(Invoke(object_.Get(), property.name, none).value), windows::TextOfBstr(text.Get()))
+            << "slot " << property.put;
     }
     const windows::Bstr result(std::wstring_view(L"kept"));
     EXPECT_EQ(CallSlot(object_.Get(), 7, {ByValue(result.Get())}), S_OK);
@@ -114,6 +118,8 @@ TEST_F(Table, PropertiesAreInSlots3To11) {
     EXPECT_EQ(CallSlot(object_.Get(), 10, {PlaceOf(VT_I2, &language)}), S_OK);
     EXPECT_EQ(detail, -3);
     EXPECT_EQ(language, 1);
+    EXPECT_EQ(V_I2(&Invoke(object_.Get(), L"iShowDetail", none).value.Get()), -3);
+    EXPECT_EQ(V_I2(&Invoke(object_.Get(), L"iLang", none).value.Get()), 1);
 }
 
 TEST_F(Table, NamesAreInSlots13And14) {
