@@ -17,14 +17,32 @@ struct Rules {
 };
 
 // $h the hierarchy, $l a level, $b a stored member, $i the top one, $r two stored members of a level as a
-// range, $n a small number, $q a stored measure. $2 before a letter is the scope's second hierarchy, $@ any
-// hierarchy.
+// range, $n a small number, $q a stored measure, $A a new name of a set, $a the latest one. $2 before a
+// letter is the scope's second hierarchy, $@ any hierarchy, $# the dates.
 const Rules grammar[] = {
     {'m',
      1,
-     {"$b", "$m.Parent", "$m.FirstChild", "$m.LastChild", "$m.PrevMember", "$m.NextMember", "$m.FirstSibling",
-      "$m.LastSibling", "$m.Lag($n)", "$m.Lead($n)", "Ancestor($m, $n)", "Ancestor($b, $l)", "$s.Item($n)",
-      "ParallelPeriod($l, $n, $m)", "$h.DefaultMember", "($b, $@q).Item(0)"}},
+     {"$b",
+      "$m.Parent",
+      "$m.FirstChild",
+      "$m.LastChild",
+      "$m.PrevMember",
+      "$m.NextMember",
+      "$m.FirstSibling",
+      "$m.LastSibling",
+      "$m.Lag($n)",
+      "$m.Lead($n)",
+      "Ancestor($m, $n)",
+      "Ancestor($b, $l)",
+      "$s.Item($n)",
+      "ParallelPeriod($l, $n, $m)",
+      "$h.DefaultMember",
+      "($b, $@q).Item(0)",
+      "Cousin($e, $b)",
+      "OpeningPeriod($l, $e)",
+      "ClosingPeriod($l, $e)",
+      "Ancestors($e, $n).Item(0)",
+      "Ancestors($b, $l).Item(0)"}},
     {'e',
      2, // one that exists, of which the server can find the family
      {"$b", "$h.DefaultMember", "$e.FirstSibling", "$e.LastSibling", "$e.Lag(0)", "Ancestor($e, 0)",
@@ -75,7 +93,28 @@ const Rules grammar[] = {
       "Descendants($i, , LEAVES)",
       "Ascendants($e)",
       "LastPeriods($n, $m)",
-      "PeriodsToDate($l, $m)"}},
+      "PeriodsToDate($l, $m)",
+      "Generate($s, {$h.CurrentMember, $m})",
+      "Generate(Head($s, 9), $h.CurrentMember.Children)",
+      "Generate(Head($s, 9), {$h.CurrentMember.FirstSibling}, ALL)",
+      "Exists($s, $s)",
+      "DrilldownLevel($s)",
+      "DrilldownLevel($s, $l)",
+      "DrilldownMember($l.Members, $s)",
+      "DrilldownMember({$b}, $s, RECURSIVE)",
+      "ToggleDrillState($s, $s)",
+      "TopPercent($s, $n, $j)",
+      "BottomPercent($s, $n0, $j)",
+      "TopSum($s, $n0, $j)",
+      "BottomSum($s, $n0, $j)",
+      "Order($s, $h.CurrentMember.Level.Ordinal, BDESC, $k, BASC)",
+      "Order($s, Len($h.CurrentMember.Name), ASC, $u, ASC)",
+      "AddCalculatedMembers($l.Members)",
+      "StripCalculatedMembers($s)",
+      "Filter($s AS $A, $a.CurrentOrdinal < $n)",
+      "Filter($s AS $A, $a.Current.Name = $t)",
+      "IIf($c, $s, {$b})",
+      "$e.Level.Members"}},
     {'p',
      3,
      {"CrossJoin($s, $2s)",
@@ -99,7 +138,12 @@ const Rules grammar[] = {
       "TopCount($p, $n, $k)",
       "BottomCount($p, $n, $k)",
       "{$p.Item($n)}",
-      "{($m, $2m)}"}},
+      "{($m, $2m)}",
+      "Generate(Head($s, 9), CrossJoin({$h.CurrentMember}, $2s))",
+      "NonEmptyCrossJoin($l.Members, $2l.Members)",
+      "DrilldownMember(CrossJoin($l.Members, {$2b}), $s)",
+      "TopPercent($p, $n0, $j)",
+      "Order($p, $2h.CurrentMember.Level.Ordinal, BDESC, $k, BASC)"}},
     {'v',
      3,
      {"$q",
@@ -124,7 +168,59 @@ const Rules grammar[] = {
       "IIf($c, $v, $q)",
       "(Aggregate($r, $q) + 0)",
       "($v + $v - $v)",
-      "NULL"}},
+      "NULL",
+      "CASE WHEN $c THEN ($v + 0) WHEN $c THEN ($q + 0) ELSE ($v + 0) END",
+      "CASE $n WHEN $n THEN ($v + 0) WHEN 2 THEN 1 END",
+      "CASE $t WHEN $t THEN 1 ELSE ($v + 0) END",
+      "Median($@s, $v)",
+      "Median($@s, $q)",
+      "Len($t)",
+      "InStr($t, $t)",
+      "$@z",
+      "$#d",
+      "$@b.Level.Ordinal",
+      "$@l.Ordinal",
+      "($q, [2024].[Q1])",
+      "($q, StrToMember(\"[Date].[All].[2024]\"))",
+      "Count(StrToSet(\"{[Firma].[All].[1], [Firma].[All]}\"))"}},
+    {'j', // a key above 0
+     2,
+     {"(CoalesceEmpty([Measures].[Lines], 0) + 1)", "(CoalesceEmpty(([Measures].[Lines], $@b), 0) + 1)"}},
+    {'z', // numbers about one hierarchy
+     2,
+     {"Rank($b, $l.Members)", "Count(Exists($l.Members, {$b}))", "Rank($m, $s)", "Rank($e, $s, $k)",
+      "Rank($e, Hierarchize($s))", "Stdev({$b, $l.Members}, CoalesceEmpty($q, 0))",
+      "StddevP({$b, $l.Members}, CoalesceEmpty($q, 0))",
+      "Var({$b, $l.Members}, CoalesceEmpty([Measures].[Lines], 0))",
+      "VarianceP({$b, $l.Members}, CoalesceEmpty([Measures].[Lines], 0))",
+      "Sum($s AS $A, $a.CurrentOrdinal)"}},
+    {'d', // numbers about dates
+     2,
+     {"Sum({$b}, Sum(PeriodsToDate($l), $q))", "Sum({$b}, ($q, ParallelPeriod($l)))",
+      "Sum({$b}, ($q, ParallelPeriod($l, $n)))"}},
+    {'t', // texts
+     4,
+     {"\"abc\"",
+      "\"1\"",
+      "$@b.Name",
+      "$@b.Caption",
+      "Left($t, $n)",
+      "Right($t, $n)",
+      "Mid($t, 2, $n)",
+      "Mid($t, 2)",
+      "UCase($t)",
+      "LCase($t)",
+      "($t || $t)",
+      "IIf($c, $t, $t)",
+      "$@l.Name",
+      "$@b.Level.Name",
+      "$@b.Properties(\"MEMBER_CAPTION\")",
+      "Format(CoalesceEmpty($q, 0), \"#,##0.00\")",
+      "Format(CoalesceEmpty($q, 0), \"0.0;(0.0)\")",
+      "Format($n / 16, \"Percent\")",
+      "Format($n * 1000, \"Standard\")",
+      "Generate($@s, \"x\", \",\")",
+      "CASE WHEN $c THEN $t ELSE \"none\" END"}},
     {'c',
      2,
      {"CoalesceEmpty($q, 0) > $x", "CoalesceEmpty($q, 0) <= $x", "IsEmpty($q)", "IsEmpty($v)",
@@ -133,7 +229,9 @@ const Rules grammar[] = {
      3, // conditions on the scope's member
      {"$h.CurrentMember IS $b", "$h.CurrentMember.Name = \"1\"", "$h.CurrentMember.Caption > \"K\"", "NOT $w",
       "($w OR $c)", "$h.CurrentMember.Parent IS $b", "$h.CurrentMember.Children.Count > $n",
-      "IsEmpty(($q, $h.CurrentMember.PrevMember))"}},
+      "IsEmpty(($q, $h.CurrentMember.PrevMember))", "$h.CurrentMember.Level IS $l",
+      "$h.CurrentMember.Level.Ordinal > $n", "$t = $h.CurrentMember.Name", "$t < $t",
+      "Rank($h.CurrentMember, $s) > $n"}},
     {'k',
      3,
      {"CoalesceEmpty([Measures].[Lines], 0)", "CoalesceEmpty(([Measures].[Lines], $@b), 0)",
@@ -224,7 +322,8 @@ std::string RandomStatements::Definitions() {
     }
     for (std::size_t i = text.empty() ? 0 : Below(2); i < 2; ++i) {
         const std::string name = fmt::format("[Measures].[Told {}]", i);
-        text += fmt::format(" MEMBER {} AS {}, SOLVE_ORDER = {}", name, Fill("$v", {}, mostDepth), i + 2);
+        const char* kind = OneIn(4) ? "$t" : "$v";
+        text += fmt::format(" MEMBER {} AS {}, SOLVE_ORDER = {}", name, Fill(kind, {}, mostDepth), i + 2);
         measures_.push_back(name);
     }
     return text;
@@ -257,6 +356,9 @@ std::string RandomStatements::Fill(const std::string& rule, Scope scope, int dep
         if (rule[i + 1] == '2') {
             inner = {scope.second, scope.second};
             ++i;
+        } else if (rule[i + 1] == '#') {
+            inner = {0, 0};
+            ++i;
         } else if (rule[i + 1] == '@') {
             const std::size_t any = AnyHierarchy();
             inner = {any, any};
@@ -276,6 +378,10 @@ std::string RandomStatements::Symbol(char symbol, Scope scope, int depth) {
         return hierarchy.name + "." + hierarchy.levels[Below(hierarchy.levels.size())];
     case 'n':
         return std::to_string(Below(5));
+    case 'A':
+        return fmt::format("set{}", ++lastAlias_);
+    case 'a':
+        return fmt::format("set{}", lastAlias_);
     case 'b':
         return usesCalculated_ && !calculated_[scope.first].empty() && OneIn(3) ? calculated_[scope.first]
                                                                                 : StoredMember(scope.first);

@@ -56,6 +56,7 @@ private:
     std::vector<std::string> named_;      ///< by hierarchy: a named set, or empty
     std::vector<std::string> calculated_; ///< by hierarchy: a calculated member, or empty
     bool usesCalculated_ = false;
+    std::size_t lastAlias_ = 0; ///< the number of the latest name of a set
 };
 
 } // namespace qel::test

@@ -90,9 +90,10 @@ std::vector<Variant> Cells(const Cellset& cellset) {
 }
 
 std::string Shown(const Variant& value) {
-    return value.Is<Null>()     ? "-"
-           : value.Is<double>() ? fmt::format("{}", value.As<double>())
-                                : value.TypeName();
+    return value.Is<Null>()          ? "-"
+           : value.Is<double>()      ? fmt::format("{}", value.As<double>())
+           : value.Is<std::string>() ? "'" + value.As<std::string>() + "'"
+                                     : value.TypeName();
 }
 
 double NumberOf(const Variant& value) {
@@ -111,6 +112,9 @@ double NumberOf(const Variant& value) {
 bool SameValue(const Variant& a, const Variant& b) {
     if (a.Is<Null>() || b.Is<Null>()) {
         return a.Is<Null>() && b.Is<Null>();
+    }
+    if (a.Is<std::string>() && b.Is<std::string>()) {
+        return a.As<std::string>() == b.As<std::string>();
     }
     const double left = NumberOf(a), right = NumberOf(b);
     return left == right || std::abs(left - right) < 0.0005 + 1e-9 * std::abs(left);
@@ -168,7 +172,8 @@ std::vector<StatedHierarchy> HierarchiesOf(Asker& local, Asker& served, const st
 /// Whether the server failed in its own program, instead of refusing the statement.
 bool IsFaultOf(const std::string& error) {
     const auto has = [&error](const char* text) { return error.find(text) != std::string::npos; };
-    return has("Cannot invoke") || has("/ by zero") || has("java.lang.") || has("Internal error");
+    return has("Cannot invoke") || has("/ by zero") || has("java.lang.") || has("ResultStyles") ||
+           has("Internal error");
 }
 
 TEST(StatementAgreement, RandomStatementsEqualTheEmbeddedEngine) {
