@@ -189,14 +189,15 @@ def the_formula_gives_the_value_shown(bench):
 
 def a_member_that_was_only_shown_gives_way_to_the_next_one(bench):
     bench.call(FUNCTION, *choose_cube(bench, "LedgerFNC"), ("choose", "ComLevel", "Cost centres"),
-               ("choose", "ComOBSData", "1110"), ("click", "CmdOK"), EXISTS, ("gone",))
-    seen, sheet = bench.call(FUNCTION, EXISTS, ("choose", "ComOBSData", "1120"), ("click", "Command1"),
-                             ("read", "TxtCalc"), ("click", "CmdOK"), EXISTS, ("gone",))
+               ("choose", "ComOBSData", "1110 - Haifa, sales floor"), ("click", "CmdOK"), EXISTS, ("gone",))
+    seen, sheet = bench.call(FUNCTION, EXISTS, ("choose", "ComOBSData", "1120 - Karmi'el"),
+                             ("type", "TxtDate(1)", "12/12/2024"), ("click", "Command1"), ("read", "TxtCalc"),
+                             ("click", "CmdOK"), EXISTS, ("gone",))
     formula, _ = written(sheet)
     if '{"1120"}' not in formula:
         raise Failure(f"the dialog showed 1120: {formula}")
     require_number(bench.value_of(formula), seen[1].split("\t")[1])
-    bench.call(FUNCTION, EXISTS, ("choose", "ComLevel", "OBS levels"), ("choose", "ComOBSData", "South"),
+    bench.call(FUNCTION, EXISTS, ("choose", "ComLevel", "OBS levels"), ("choose", "ComOBSData", "South & Negev"),
                ("click", "ComAddOBS"), ("expect", "ListObs", "South & Negev"), ("choose", "ComLevel", "All"),
                ("expect", "ListObs", ""), ("choose", "ComLevel", "OBS levels"), ("expect", "ListObs", "South & Negev"),
                ("click", "CmdCancel"), ("gone",))
