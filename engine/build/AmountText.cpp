@@ -132,7 +132,8 @@ ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::ui
     if (amount.value || amount.isTooLarge) {
         return amount;
     }
-    for (const std::string_view sign : currencySigns) {
+    for (std::uint8_t currency = 1; currency <= currencySigns.size(); ++currency) {
+        const std::string_view sign = CurrencySign(currency);
         const auto place = text.find(sign);
         if (place != std::string_view::npos) {
             std::string plain(text);
@@ -141,12 +142,14 @@ ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::ui
                 return amount;
             }
             ParsedAmount without = ParsePlain(WithPlainSigns(plain), format, decimals);
-            without.currency = sign;
+            without.currency = currency;
             return without;
         }
     }
     return amount;
 }
+
+std::string_view CurrencySign(std::uint8_t currency) { return currencySigns[currency - 1U]; }
 
 std::string AmountRemedy(std::string_view text, const CsvFormat& format, std::uint8_t decimals) {
     constexpr std::uint8_t mostDecimals = 9;

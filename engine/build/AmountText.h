@@ -13,7 +13,7 @@ namespace qel::engine {
 struct ParsedAmount {
     std::optional<std::int64_t> value; ///< nothing for an invalid amount, or one beyond 63 bits
     bool isTooLarge = false;           ///< a valid amount beyond 63 bits
-    std::string_view currency = {};    ///< the sign of a currency that stands beside it
+    std::uint8_t currency = 0;         ///< of the sign of a currency beside it, see CurrencySign
 };
 
 /// Parses an amount and scales it by 10^decimals, exactly. Accepts a leading or trailing sign, parentheses
@@ -21,6 +21,9 @@ struct ParsedAmount {
 /// digits), no-break and thin spaces, one sign of a currency ($, €, £, ₪); ignores directional marks. An
 /// empty text is 0. Invalid when there are more decimals than `decimals`, unless they are zeros.
 ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::uint8_t decimals);
+
+/// "$" for 1 and so on.
+std::string_view CurrencySign(std::uint8_t currency);
 
 /// "; set …" with the settings by which the text is an amount; empty when there are none.
 std::string AmountRemedy(std::string_view text, const CsvFormat& format, std::uint8_t decimals);

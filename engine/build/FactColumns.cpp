@@ -71,10 +71,10 @@ private:
                                                              : AmountFault(field, measures_[i].decimals));
                 return false;
             }
-            if (!amount.currency.empty() && !IsCurrencyOf(i, amount.currency)) {
+            if (amount.currency != 0 && !IsCurrencyOf(i, amount.currency)) {
                 reader_.ReportBad({&valueFields_[i], 1},
                                   fmt::format("\"{}\" is in {}, and amounts before it are in {}", field,
-                                              amount.currency, currencies_[i]));
+                                              CurrencySign(amount.currency), CurrencySign(currencies_[i])));
                 return false;
             }
             amounts_[i] = *amount.value;
@@ -83,9 +83,9 @@ private:
     }
 
     /// Amounts of several currencies have no sum.
-    bool IsCurrencyOf(std::size_t measure, std::string_view currency) {
+    bool IsCurrencyOf(std::size_t measure, std::uint8_t currency) {
         currencies_.resize(measures_.size());
-        if (currencies_[measure].empty()) {
+        if (currencies_[measure] == 0) {
             currencies_[measure] = currency;
         }
         return currencies_[measure] == currency;
@@ -130,7 +130,7 @@ private:
     std::vector<std::size_t> valueFields_;
     std::vector<std::uint32_t> numbers_;
     std::vector<std::int64_t> amounts_;
-    std::vector<std::string_view> currencies_; ///< by measure, once a sign was seen
+    std::vector<std::uint8_t> currencies_; ///< by measure, 0 until a sign was seen
 };
 
 /// The narrowest signed width for values in the range.

@@ -47,10 +47,7 @@ std::vector<std::size_t> TableReader::Columns(const std::vector<std::string>& na
     return columns;
 }
 
-std::string_view TableReader::Key(std::span<const std::size_t> columns) {
-    if (columns.size() == 1) {
-        return Field(columns.front());
-    }
+std::string_view TableReader::JoinedKey(std::span<const std::size_t> columns) {
     key_.clear();
     bool isEmpty = true;
     for (const std::size_t column : columns) {

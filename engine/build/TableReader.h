@@ -36,7 +36,9 @@ public:
     std::string_view Field(std::size_t column) const { return csv_.Field(column); }
     /// The value of several columns: their fields with keyPartEnd between them; empty when all are. Valid
     /// until the next call.
-    std::string_view Key(std::span<const std::size_t> columns);
+    std::string_view Key(std::span<const std::size_t> columns) {
+        return columns.size() == 1 ? Field(columns.front()) : JoinedKey(columns);
+    }
     /// Reports the current line as unusable.
     void ReportBad(std::span<const std::size_t> columns, const std::string& fault);
 
@@ -44,6 +46,7 @@ public:
     std::uint64_t LinesSkipped() const { return linesSkipped_; }
 
 private:
+    std::string_view JoinedKey(std::span<const std::size_t> columns);
     void ShowProgress();
 
     const TableDefinition& table_;
