@@ -226,14 +226,15 @@ class ServedSheet(unittest.TestCase):
 
     def test_nothing_is_sent_before_the_person_allows_it(self):
         person = Person(self.office, self.display)
-        expected = self.of_the_cube_file([value_formula(self.proxy.address, "LedgerFNC")])[0]
+        wages = {"cube": "LedgerFNC", "account": '"6111"'}
+        expected = self.of_the_cube_file([value_formula(self.proxy.address, **wages)])[0]
         for reply, value, entry in (("Once", expected, None), ("Always", expected, "always"), ("Never", 0, "never")):
             with self.subTest(reply):
                 proxy = Proxy(SERVER)
                 self.addCleanup(proxy.close)
                 origin = proxy.address.removesuffix("/xmla")
                 addresses = (proxy.address, proxy.address, origin + "/Xmla")
-                formulas = [value_formula(address, "LedgerFNC") for address in addresses]
+                formulas = [value_formula(address, **wages) for address in addresses]
                 self.fill(formulas[:2])
                 question = person.sees("OrmFuncQel4")
                 label = "A formula wants to ask this server. The request contains values of cells."
@@ -245,7 +246,7 @@ class ServedSheet(unittest.TestCase):
                 self.assertEqual(proxy.requests, 0)
                 question.button(reply).press()
                 self.assertEqual(self.settled(formulas[:2]), [value] * 2)
-                self.assertEqual(proxy.requests > 0, value != 0)
+                self.assertEqual(proxy.requests > 0, reply != "Never")
                 self.settled(formulas)  # another path of that server is no other question
                 settings = SETTINGS.read_text(encoding="utf-8")
                 self.assertEqual(f"[{origin}]\nAccess={entry}\n" in settings, entry is not None, settings)
