@@ -57,6 +57,7 @@ void MoveToNextRow(const std::vector<std::vector<Tuple>>& axes, std::vector<std:
 
 CellsetTable ReadGrid(const Cellset& cellset) {
     std::vector<std::vector<Tuple>> axes;
+    axes.reserve(static_cast<std::size_t>(cellset.AxisCount()));
     for (std::int32_t axis = 0; axis < cellset.AxisCount(); ++axis) {
         axes.push_back(ReadAxis(cellset, axis));
     }

@@ -102,7 +102,7 @@ constexpr ControlDesign controls[] = {
 
     {.name = "Line3", .kind = Line, .place = {8, 255, 414, 1}},
     {.name = Command1, .kind = Button, .place = {8, 262, 66, 14}, .tag = 1490, .mnemonic = "Cש"},
-    {.name = TxtCalc, .kind = TextBox, .place = {78, 263, 344, 12}, .spokenText = 1529, .isReadOnly = true},
+    {.name = TxtCalc, .kind = TextBox, .place = {78, 263, 344, 12}, .isReadOnly = true, .spokenText = 1529},
     {.name = LabelVersion, .kind = Label, .place = {8, 289, 190, 8}},
     {.name = CmdOK, .kind = Button, .place = {206, 286, 60, 14}, .tag = 1491},
     {.name = Command2,

@@ -41,6 +41,7 @@ struct ControlDesign {
     const char* name; ///< unique on the form; control arrays have an index: "TxtDate(0)"
     ControlKind kind;
     Place place = {};
+    bool isReadOnly = false;  ///< of a text box: cannot be edited, only copied
     std::int32_t tag = 0;     ///< number of the caption in the suite's table of texts, or 0
     const char* caption = ""; ///< shown until the form is translated
     /// Letters, one per language: the first one that the shown caption holds is its access key.
@@ -49,7 +50,6 @@ struct ControlDesign {
     const char* spareKey = "";
     std::int32_t ownText = 0;    ///< without a tag: number of the caption in the component's own strings
     std::int32_t spokenText = 0; ///< of a control without a label: number of its name for screen readers
-    bool isReadOnly = false;     ///< of a text box: cannot be edited, only copied
 };
 
 struct FormDesign {

@@ -37,7 +37,7 @@ Variant ScalarOf(const VARIANT& argument) {
     if (object == nullptr) {
         return windows::FromAutomation(argument);
     }
-    const DispatchObject cell(windows::ComPointer<IDispatch>(object), "The object");
+    const DispatchObject cell(windows::ComPointer<IDispatch>(object), "The object", windows::macroLocale);
     return windows::FromAutomation(cell.SpecialProperty(DISPID_VALUE).Get());
 }
 
