@@ -10,7 +10,7 @@ import unittest
 SCRIPTS = pathlib.Path(sys.argv.pop(1)).absolute()
 MACHINE = {
     "dpkg-query": "echo installed",
-    "apt-get": "echo Debian http://mirror.example/ bookworm main",
+    "apt-get": "echo Debian file:/packages bookworm main",
     "apt-config": "true",
     "unshare": 'while [ "${1#-}" != "$1" ]; do shift; done; exec "$@"',
     "mount": "exit 1",
@@ -50,10 +50,10 @@ class Scripts(unittest.TestCase):
                 self.assertIn(told, text)
 
     def test_a_clean_room_that_cannot_be_made_leaves_nothing(self):
-        self.play("mmdebstrap", 'mkdir "${TMPDIR}"/clean-room.*/room/usr; echo no such mirror; exit 1')
+        self.play("mmdebstrap", 'mkdir "${TMPDIR}"/clean-room.*/room/usr; echo no packages there; exit 1')
         status, text = self.run_script("clean-room", "true")
         self.assertEqual(status, 2, text)
-        self.assertIn("no such mirror", text)
+        self.assertIn("no packages there", text)
         self.assertEqual(list(self.rooms.iterdir()), [])
 
     def test_an_interrupted_clean_room_leaves_nothing(self):
