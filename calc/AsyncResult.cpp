@@ -11,7 +11,7 @@ namespace uno = com::sun::star::uno;
 
 namespace {
 
-/// Calc reads an error's number in the last bits of a number that is none.
+/// Calc stores an error's number in the low bits of a NaN.
 constexpr std::uint64_t notANumber = 0x7FF8'0000'0000'0000;
 constexpr std::uint64_t errorNoValue = 519;
 

@@ -26,7 +26,7 @@ struct ServerPermission {
 
 /// The results of formulas over servers, which come while the cells wait. A formula that is asked again while
 /// it is on its way is not sent twice, and a cell that is calculated because its value came gets that value.
-/// Formulas over a server that nobody has decided about wait until the person has answered.
+/// Formulas over an unknown server wait until the user has answered.
 /// Safe for any number of threads; owned by shared pointers.
 class AsyncResults : public std::enable_shared_from_this<AsyncResults> {
 public:

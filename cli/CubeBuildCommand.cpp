@@ -22,8 +22,8 @@ constexpr const char* footer =
 build has succeeded, and stays as it was otherwise. A line that cannot be used stops the build, unless
 --skip-bad-lines says where to put such lines. Lines are counted for every cube that reads them.
 
-Warnings tell what makes figures wrong without stopping the build, such as values that count under several parents.
-They are listed at the end; "accept" in a dimension of the definition says that one is meant.
+Warnings report input that is valid but may give wrong figures, such as a value under several parents. They are listed
+at the end of the build. To confirm an intended one, name it in "accept" in the definition.
 
 Example:
   qel cube build examples/ledger/ledger.json --output demo.cub --skip-bad-lines rejected.csv)";
@@ -42,7 +42,7 @@ void PrintWarnings(const std::vector<engine::BuildWarning>& warnings, std::ostre
         fmt::print(messages, "warning ({}): {}\n", warning.kind, warning.text);
     }
     if (!warnings.empty()) {
-        fmt::print(messages, "qel cube build: {}; \"accept\" in the definition says that one is meant\n",
+        fmt::print(messages, "qel cube build: {}; \"accept\" in the definition confirms an intended one\n",
                    Counted(warnings.size(), "warning"));
     }
 }

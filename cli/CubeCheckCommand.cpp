@@ -15,8 +15,8 @@ constexpr const char* description = "Tell whether formulas can read the cubes of
 
 constexpr const char* footer =
     R"(Checks that each cube, or the one that is named, has every dimension, hierarchy and level that the formulas name
-and that its dates are read as periods, then evaluates one formula. What is missing is told with what then does not
-work, and the exit status is 1.
+and that its dates are read as periods, then evaluates one formula. It lists what is missing and which arguments
+fail without it; the exit status is then 1.
 
 Example:
   qel cube check demo.cub LedgerFNC)";

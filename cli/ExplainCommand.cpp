@@ -22,9 +22,9 @@ constexpr const char* description = "Show how a formula gets its value: keys, co
 
 constexpr const char* footer =
     R"(The statement stands exactly as it was sent between the lines "---- statement ----" and
-"---- end of statement ----". Errors that the formula shows as 0 (QelF1) or "-" (QelName) are told. Of a 0 it is told
-why: dates that select no period, members that do not exist and the nearest ones that do, or the restriction without
-which there would be an amount.
+"---- end of statement ----". Errors that the formula shows as 0 (QelF1) or "-" (QelName) are printed. For a
+0 it prints the reason: dates that select no period, unknown members with the nearest existing ones, or the restriction
+that leaves no amount.
 
 Example (cuts the statement out and runs it):
   qel explain "$formula" | sed '1,/^---- statement/d;/^---- end of statement/,$d' | qel mdx demo.cub LedgerFNC -)";
@@ -146,7 +146,7 @@ private:
         }
     }
 
-    /// Why a value formula shows 0, as far as that can be told.
+    /// Prints the known reasons why a value formula shows 0.
     void PrintReasons(const FormulaResult& result) {
         ZeroReasons reasons(context_.providers, context_.locale);
         for (const auto& note : reasons.Ignored(call_)) {

@@ -164,7 +164,7 @@ int Run(int argc, char** argv, std::ostream& terminal) {
     try {
         app.parse(WordsOf(argc, argv));
     } catch (const CLI::RequiredError& error) {
-        const auto unknown = app.remaining(true); // a command that is none is one that is missing
+        const auto unknown = app.remaining(true); // an unknown command counts as a missing one
         if (unknown.empty()) {
             return app.exit(error, std::cout, std::cerr), wrongUsage;
         }

@@ -22,8 +22,8 @@ std::string DayText(AutomationDate date);
 std::vector<std::string> PeriodNotes(const ModSetCube::DateTable& dates, const ValueCall& call,
                                      const Locale& locale);
 
-/// Why the dates select nothing, and dates that do; otherwise none. `given` is how many arguments the formula
-/// has.
+/// Why the dates select no period, and which dates select one. Empty when they select one. `given` is how
+/// many arguments the formula has.
 std::vector<std::string> ReasonsInDates(const ModSetCube::DateTable& dates, const ValueCall& call,
                                         std::size_t given, const Locale& locale);
 

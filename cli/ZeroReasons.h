@@ -18,7 +18,7 @@ public:
         providers_.observer = nullptr;
     }
 
-    /// The reasons, the likeliest first; none when the dates and all members exist. Raises nothing.
+    /// The reasons, most likely first. Empty when the dates and all members exist. Does not throw.
     std::vector<std::string> Of(const FormulaCall& call);
 
     /// Arguments that are given and have no effect.

@@ -19,7 +19,7 @@ std::int32_t LoadCubeDates(ThreadState& thread);
 /// Whether the lowest level of the hierarchy, which is read as months, has days.
 bool HasDaysForMonths(const Hierarchy& date);
 
-/// What keeps a [Date] hierarchy from being read as ascending periods, each as a message; otherwise none.
+/// Messages for everything that prevents reading a [Date] hierarchy as ascending periods; empty if valid.
 std::vector<std::string> FindDateFaults(const Hierarchy& date);
 
 } // namespace qel::ModSetCube

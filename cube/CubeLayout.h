@@ -7,8 +7,8 @@
 
 namespace qel::ModSetCube {
 
-/// What the statements need and the cube does not have, each by name and with what then does not work ("no
-/// level [Accounts].[AccountCodes].[AccountCode]: Accounts is always All"); empty for a cube of the whole
+/// What the statements need and the cube lacks, each with the arguments that fail without it ("no level
+/// [Accounts].[AccountCodes].[AccountCode]: Accounts is always All"); empty for a cube of the whole
 /// layout. Raises what the provider raises.
 std::vector<std::string> FindLayoutFaults(const CubeDef& cube);
 

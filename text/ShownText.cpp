@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view notUtf8 = "\xEF\xBF\xBD";
 
-/// Of the character that begins with this byte; 0 for a byte that begins none.
+/// The length of the character with this first byte; 0 for a byte that is no first byte.
 std::size_t LengthFrom(unsigned char byte) {
     if (byte < 0x80) {
         return 1;

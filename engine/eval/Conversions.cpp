@@ -174,7 +174,7 @@ NumberPtr Binder::ToValue(Bound bound, NodeId node) {
     return ValueOf(ToTuple(std::move(bound), node, "a value"), std::nullopt);
 }
 
-/// A member or a tuple, of which the value is meant.
+/// A member or a tuple, used for its value.
 TupleExpression Binder::ToTuple(Bound bound, NodeId node, std::string_view expected) {
     if (auto* tuple = std::get_if<TupleExpression>(&bound)) {
         return std::move(*tuple);

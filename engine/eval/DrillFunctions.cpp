@@ -7,14 +7,14 @@
 #include <optional>
 #include <unordered_set>
 
-// Functions that open and close members of a set: put a member's children behind it, or take its descendants
-// away.
+// Functions that expand and collapse members of a set: insert a member's children after it, or remove its
+// descendants away.
 
 namespace qel::engine {
 
 namespace {
 
-/// The tuples of a set, of which one hierarchy's members are opened and closed.
+/// The tuples of a set in which the members of one hierarchy are expanded and collapsed.
 class DrilledSet {
 public:
     DrilledSet(const MemberSpace& space, TupleSet tuples, std::size_t place)

@@ -25,7 +25,7 @@ void CheckPairs(std::size_t left, std::size_t right, std::size_t limit, std::str
     }
 }
 
-/// Two places, in the tuples of two sets, of which the members restrict each other.
+/// A position in each of two sets' tuples; the members at the two positions restrict each other.
 struct PlacePair {
     std::size_t left, right;
     bool isSameHierarchy;

@@ -284,7 +284,7 @@ private:
             visitRun(projection->RowsOfLeadingKey(codes));
         }
     }
-    /// None for no column.
+    /// Empty without a column.
     CodeRanges RangesOf(std::uint16_t column, const KeyRange& codes) const {
         return column == AggregateKey::noColumn ? CodeRanges() : aggregates_.Groups().Ranges(codes);
     }

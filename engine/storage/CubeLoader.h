@@ -20,7 +20,7 @@ public:
 
     /// Raises EngineError (DamagedFile).
     Cube Load();
-    /// What came from each fact file; empty when the file does not tell. Raises EngineError (DamagedFile).
+    /// What came from each fact file; empty when the file has no totals. Raises EngineError (DamagedFile).
     std::vector<SourceTotals> LoadSources(const Cube& cube);
 
 private:

@@ -127,7 +127,7 @@ class ServedSheet(unittest.TestCase):
         other.setFormula("=6*7")
         self.assertEqual(other.getValue(), 42)
         answered = time.monotonic() - started
-        # A date that is none fails without a server.
+        # An invalid date fails without a server.
         self.assertEqual(self.values(FORMULAS), [right if isinstance(right, Error) else WAITS for right in expected])
         self.assertEqual(shown(total), WAITS, "no total over cells that wait")
         self.assertLessEqual(self.proxy.requests, 3)

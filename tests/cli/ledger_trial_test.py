@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""What a person meets who makes a cube of a ledger and asks it: warnings, totals, reasons. Through the qel program."""
+"""From a ledger to its figures with the qel program: warnings, totals, reasons for zeros."""
 import decimal
 import json
 import os
@@ -72,7 +72,7 @@ class Warnings(InFolder):
             status, _, errors = self.build("--strict", dimensions=[{**dimension, "accept": [kind]}], csv=csv)
             self.assertEqual((status, errors), (0, ""), kind)
 
-    def test_what_is_no_fault_is_not_told(self):
+    def test_valid_input_gives_no_warning(self):
         for ledger, dimension, csv in (
                 ("unit,service,amount\nA,s,1\nA,t,2\nB,u,4\n", self.OWN_TABLE, {}),
                 ("date,amount\n03/04/2024,1\n13/04/2024,2\n", self.DATES, {"dates": "dmy"}),

@@ -9,7 +9,7 @@
 #include <stdexcept>
 #include <sys/stat.h>
 
-/// Takes the place of the system's: tells what was on its way to the disk, and can fail.
+/// Replaces the system's fsync: records what is synced, and can fail.
 static std::function<int(int)> onSync;
 extern "C" int fsync(int descriptor) { return onSync ? onSync(descriptor) : 0; }
 

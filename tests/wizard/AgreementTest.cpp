@@ -7,7 +7,7 @@
 #include <random>
 
 // What the dialog shows is what Calculate computes, what the formula says, and what the cell shows: for
-// random sequences of a person's acts.
+// random sequences of user actions.
 
 namespace qel::test {
 namespace {
@@ -15,7 +15,7 @@ namespace {
 using namespace FunctionForm;
 using Keys = std::vector<std::string>;
 
-/// What a person reads off the dialog: an entry for each argument, as the controls show it.
+/// The dialog's content as a user reads it: one entry per argument.
 std::vector<Keys> ReadOff(const DialogDouble& dialog) {
     const auto row = [&](const char* box, const char* list) {
         return dialog.IsChecked(box) ? dialog.Rows(list).Text(dialog.Selected(list).value(), 0) : "All";
@@ -155,7 +155,7 @@ private:
         } else {
             Type(dialog, txtCubeFile, Any(2) == 0 ? LedgerFile() : " " + OddFile());
         }
-        bench_.TakeMessages(); // what is refused or missing is told
+        bench_.TakeMessages(); // about refused and missing choices
     }
 
     void Note(const std::string& act) { acts_ += ", " + act; }

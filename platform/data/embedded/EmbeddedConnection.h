@@ -58,7 +58,7 @@ private:
     std::shared_ptr<engine::PlanCache> plans_; ///< of the file
     Clock::time_point lookedAt_;               ///< when the file was last looked at
     Clock::time_point usedAt_;
-    bool hasNewData_ = false; ///< not yet told by Refresh
+    bool hasNewData_ = false; ///< not yet reported by Refresh
 };
 
 } // namespace qel

@@ -176,7 +176,7 @@ void OfficeDialog::Centre() {
     if (!parent.is() || !own.is()) {
         return;
     }
-    // A window's place is told relative to its parent's.
+    // A window's position is relative to its parent's.
     const awt::Rectangle around = parent->getPosSize(), size = own->getPosSize();
     own->setPosSize(std::max<sal_Int32>((around.Width - size.Width) / 2, 0),
                     std::max<sal_Int32>((around.Height - size.Height) / 2, 0), 0, 0, awt::PosSize::POS);

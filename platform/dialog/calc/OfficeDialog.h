@@ -59,7 +59,7 @@ private:
     std::vector<rtl::Reference<ControlListener>> listeners_;
     rtl::Reference<LaterCall> later_;
     OfficeControl* focused_ = nullptr; ///< the control that had the focus last
-    std::vector<OfficeControl*> left_; ///< fields whose leaving is not told yet
+    std::vector<OfficeControl*> left_; ///< fields that lost the focus and whose handler has not run yet
     int handlers_ = 0;                 ///< that run, and may show boxes
     int focusMoves_ = 0;               ///< by the program
     bool isShown_ = false;

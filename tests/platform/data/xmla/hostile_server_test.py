@@ -426,7 +426,7 @@ class HostileServer(unittest.TestCase):
             ("another port is known", f"[{other}]\nAccess=always\n", (), "it is not a known server"),
             ("another port is allowed", "", ("--allow-server", other), "it is not a known server"),
             ("refused for good", f"[{origin}]\nAccess=never\nUser=ann\n", (), "you refused it"),
-            ("a word that is none", f"[{origin}]\nAccess=sometimes\n", (), "it can be 'never' or 'always'"),
+            ("an unknown word", f"[{origin}]\nAccess=sometimes\n", (), "it can be 'never' or 'always'"),
             ("known", f"[{origin}]\n", (), None),
             ("allowed for good", f"[{origin.upper()}]\naccess=ALWAYS\n", (), None),
             ("allowed for this call", "", allow, None),
