@@ -30,7 +30,7 @@ class Keys(unittest.TestCase):
         self.document = self.office.new_document()
         self.addCleanup(self.document.close, True)
         self.call = Call(self.office.service("OrmFunctionQel4.Wizards").ShowFormGetVal, None)
-        self.dialog = eventually("the dialog", lambda: self.person.shown("Function QEL"))[0]
+        self.dialog = self.person.sees("Function QEL")
         eventually("the remembered cube", lambda: self.dialog.after("Cube Name").items)
 
     def cancel(self):
@@ -51,7 +51,7 @@ class Keys(unittest.TestCase):
         self.person.photograph(WORK / "typed.png")
         self.hands.key("Return")
         eventually("an account", lambda: " - " in accounts.text)
-        self.assertFalse(self.person.shown("OrmFuncQel4"))
+        self.assertFalse(self.person.windows("OrmFuncQel4"))
         self.assertEqual(self.document.Sheets.getByIndex(0).getCellByPosition(0, 0).Formula, "")
         shown = accounts.text
         self.hands.key("Return")
@@ -73,7 +73,7 @@ class Keys(unittest.TestCase):
         self.hands.click(self.dialog.button("OK"))
         self.person.answers("OrmFuncQel4", "This is not a date: 2/31/2024")
         time.sleep(1)
-        self.assertFalse(self.person.shown("OrmFuncQel4"))
+        self.assertFalse(self.person.windows("OrmFuncQel4"))
         self.cancel()
 
     def test_it_opens_on_its_document_and_names_its_controls(self):

@@ -10,7 +10,7 @@ import time
 
 import calc_session
 from com.sun.star.accessibility.AccessibleRole import (COMBO_BOX, LIST, PUSH_BUTTON, TEXT)
-from com.sun.star.lang import DisposedException
+from com.sun.star.lang import DisposedException, IndexOutOfBoundsException
 from com.sun.star.accessibility.AccessibleStateType import CHECKED, ENABLED, SHOWING
 
 PATIENCE = 120
@@ -158,24 +158,23 @@ class Person:
         self.toolkit = office.service("com.sun.star.awt.Toolkit")
         self.display = display
 
-    def windows(self):
+    def windows(self, title=None):
+        """Those that are on the screen: one that was closed may live on for a while, and end while it is read."""
+        found = []
         for i in range(self.toolkit.getTopWindowCount()):
-            window = self.toolkit.getTopWindow(i)
-            context = window and window.getAccessibleContext()
-            if context: # it is not being closed
-                yield context
-
-    def all_windows(self):
-        return [Window(context) for context in self.windows()]
+            with contextlib.suppress(DisposedException, IndexOutOfBoundsException):
+                window = self.toolkit.getTopWindow(i)
+                context = window and window.getAccessibleContext()
+                if context and title in (None, context.getAccessibleName()) and Control(context).has(SHOWING):
+                    found.append(Window(context))
+        return found
 
     def sees(self, title):
         """The window of that title, when it is there."""
-        def find():
-            for context in self.windows():
-                if context.getAccessibleName() == title:
-                    return Window(context)
-            return None
-        return eventually(f"a window {title!r}", find)
+        try:
+            return eventually(f"a window {title!r}", lambda: self.windows(title))[0]
+        except AssertionError as failure:
+            raise AssertionError(f"{failure}; there are {[(w.title, w.texts()) for w in self.windows()]}") from None
 
     def answers(self, title, part):
         """Presses OK in a box that says so."""
@@ -184,16 +183,7 @@ class Person:
         if part not in text:
             raise AssertionError(f"{title} says {text!r}, not {part!r}")
         box.button("OK").press()
-        eventually("the box's end", lambda: not self.shown(title))
-
-    def shown(self, title):
-        """The windows of that title that are on the screen: those that were closed may live on for a while."""
-        found = []
-        for context in self.windows():
-            with contextlib.suppress(DisposedException): # it is closed just now
-                if context.getAccessibleName() == title and Control(context).has(SHOWING):
-                    found.append(Window(context))
-        return found
+        eventually("the box's end", lambda: not self.windows(title))
 
     def photograph(self, path):
         subprocess.run(["import", "-display", self.display, "-window", "root", path], check=True)

@@ -45,12 +45,12 @@ class Wizards(unittest.TestCase):
         """One that exists is reported when the dialog opens."""
         (WORK / "suite" / "QelFunction17.mdb").unlink(missing_ok=True)
 
-    def open_cube(self, dialog):
-        """OK takes a path that was typed, before anything else."""
+    def open_cube(self, dialog, cubes="Cube Name", ok="OK"):
+        """OK takes a path that was typed, before anything else; a remembered one is open already."""
         dialog.first(TEXT).type(str(self.cube))
-        if not dialog.after("Cube Name").items:
-            dialog.button("OK").press()
-        eventually("the list of cubes", lambda: dialog.after("Cube Name").items)
+        if not dialog.after(cubes).items:
+            dialog.button(ok).press()
+        eventually("the list of cubes", lambda: dialog.after(cubes).items)
 
     def assert_cell(self, call, function, *parts):
         """The cell's formula has the arguments that the call gives, and the value that qel gives it."""
@@ -141,7 +141,7 @@ class Wizards(unittest.TestCase):
             dialog = self.person.sees(caption)
             dialog.button("Cancel").press()
             call.wait()
-            eventually("the dialog's end", lambda: caption not in [window.title for window in self.person.all_windows()])
+            eventually("the dialog's end", lambda caption=caption: not self.person.windows(caption))
 
     def test_a_basic_macro_writes_the_formula(self):
         run_qel("settings", "set", "QelUILanguage", "0")
@@ -168,15 +168,14 @@ class Wizards(unittest.TestCase):
         cancel = "ביטול"
 
         def hebrew():
-            windows = [w for w in self.person.all_windows() if cancel in w.texts()]
+            windows = [w for w in self.person.windows() if cancel in w.texts()]
             return windows[0] if windows else None
         dialog = eventually("a Hebrew dialog", hebrew)
         self.person.photograph(WORK / "function-wizard-hebrew.png")
         label = dialog.named("שם קוביה", LABEL).context.getLocationOnScreen()
         box = dialog.after("שם קוביה").context.getLocationOnScreen()
         self.assertGreater(label.X, box.X, "a label stands on the right of its box")
-        dialog.first(TEXT).type(str(self.cube))
-        dialog.button("אישור").press()
+        self.open_cube(dialog, "שם קוביה", "אישור")
         firms = eventually("the list of firms", lambda: dialog.after("פירמה").items)
         self.assertEqual([firms[0][0], firms[1][0]], ["\u202b", "\u202a"], "each reads in the direction of its letters")
         dialog.button(cancel).press()
