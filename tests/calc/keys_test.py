@@ -1,6 +1,7 @@
 """The wizards in Calc with real keys and clicks, on a screen with a window manager."""
 import os
 import shutil
+import sys
 import time
 import unittest
 
@@ -29,8 +30,10 @@ class Keys(unittest.TestCase):
         (WORK / "suite" / "QelFunction17.mdb").unlink(missing_ok=True) # it would be reported when the dialog opens
         self.document = self.office.new_document()
         self.addCleanup(self.document.close, True)
+        eventually("the new document in front", self.document.CurrentController.Frame.isActive)
         self.call = Call(self.office.service("OrmFunctionQel4.Wizards").ShowFormGetVal, None)
         self.dialog = self.person.sees("Function QEL")
+        self.hands.frame("Function QEL")
         eventually("the remembered cube", lambda: self.dialog.after("Cube Name").items)
 
     def cancel(self):
@@ -79,9 +82,9 @@ class Keys(unittest.TestCase):
     def test_it_opens_on_its_document_and_names_its_controls(self):
         around = self.document.CurrentController.Frame.ContainerWindow.AccessibleContext
         place, size = around.getLocationOnScreen(), around.getSize()
-        own, own_size = self.dialog.context.getLocationOnScreen(), self.dialog.context.getSize()
-        self.assertLess(abs(place.X + size.Width // 2 - own.X - own_size.Width // 2), 40)
-        self.assertLess(abs(place.Y + size.Height // 2 - own.Y - own_size.Height // 2), 40)
+        left, top, width, height = self.hands.frame("Function QEL")
+        self.assertLess(abs(place.X + size.Width // 2 - left - width // 2), 40)
+        self.assertLess(abs(place.Y + size.Height // 2 - top - height // 2), 40)
         named = self.dialog.texts()
         for name in (ACCOUNTS, ACTIVITIES, "Picked OBS", "Which level", "OBS Number (X)", "From Date"):
             self.assertEqual(named.count(name), 2, f"{name}: the label and its control")
@@ -90,5 +93,14 @@ class Keys(unittest.TestCase):
         self.cancel()
 
 
+def main():
+    """A busy X server now and then loses a click or swaps two keys: what fails is tried again, once, in a new office."""
+    passed = unittest.main(exit=False, failfast=True).result.wasSuccessful()
+    if passed or "QEL_KEYS_AGAIN" in os.environ:
+        sys.exit(not passed)
+    print("once more", file=sys.stderr, flush=True)
+    os.execve(sys.executable, [sys.executable, "-B", *sys.orig_argv[2:]], {**os.environ, "QEL_KEYS_AGAIN": "1"})
+
+
 if __name__ == "__main__":
-    unittest.main()
+    main()

@@ -37,8 +37,12 @@ def screen(manager=None):
     try:
         display = ":" + server.stdout.readline().strip()
         if manager:
-            windows = subprocess.Popen([manager], env={**os.environ, "DISPLAY": display}, stdout=subprocess.DEVNULL,
+            environment = {**os.environ, "DISPLAY": display}
+            windows = subprocess.Popen([manager], env=environment, stdout=subprocess.DEVNULL,
                                        stderr=subprocess.DEVNULL, preexec_fn=calc_session.die_with_parent)
+            # It manages desktops only once it manages windows: what is opened before may never get the keys.
+            eventually(manager, lambda: not subprocess.run(["xdotool", "get_num_desktops"], env=environment, check=False,
+                                                           capture_output=True).returncode)
         yield display
     finally:
         if windows:
@@ -140,7 +144,15 @@ class Hands:
         self.environment = {**os.environ, "DISPLAY": display}
 
     def do(self, *words):
-        subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True, timeout=PATIENCE)
+        return subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True, timeout=PATIENCE,
+                              stdout=subprocess.PIPE, text=True).stdout
+
+    def frame(self, title):
+        """Left, top, width and height of the window of that title, once it has the focus."""
+        eventually(f"the focus on {title}", lambda: self.do("getwindowfocus", "getwindowname").strip() == title)
+        lines = self.do("getwindowfocus", "getwindowgeometry", "--shell").splitlines()
+        geometry = dict(line.split("=") for line in lines)
+        return [int(geometry[name]) for name in ("X", "Y", "WIDTH", "HEIGHT")]
 
     def type(self, text):
         self.do("type", "--delay", 40, text)
