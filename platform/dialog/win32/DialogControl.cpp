@@ -86,7 +86,24 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
     if (isUnmirrored) {
         SetBits(window_, GWL_EXSTYLE, WS_EX_LAYOUTRTL, false);
     }
+    if (isRightToLeft) {
+        MoveScrollBar();
+    }
     SetText(TextProperty::Caption, design.caption);
+}
+
+void DialogControl::MoveScrollBar() const {
+    HWND list = Design().kind == ControlKind::ListBox ? window_ : nullptr;
+    if (Design().kind == ControlKind::ComboBox) {
+        COMBOBOXINFO parts = {};
+        parts.cbSize = sizeof(parts);
+        ::GetComboBoxInfo(window_, &parts);
+        list = parts.hwndList;
+    }
+    if (list != nullptr) {
+        SetBits(list, GWL_EXSTYLE, WS_EX_LAYOUTRTL, false);
+        SetBits(list, GWL_EXSTYLE, WS_EX_LEFTSCROLLBAR, true);
+    }
 }
 
 void DialogControl::UseFont(const FontMetrics& font) {

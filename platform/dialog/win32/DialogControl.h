@@ -44,6 +44,9 @@ private:
     void AlignToFarSide(bool isFar) override;
     windows::Items ItemsOfBox() const;
     void FitFieldOfBox(const RECT& place) const;
+    /// Puts a mirrored list's scroll bar on its left. The list itself is not mirrored, for the reason of
+    /// MatchPopup's.
+    void MoveScrollBar() const;
     void SetRowHeight(int height) const;
     void FitDropDown(const std::vector<std::string>& items) const;
 

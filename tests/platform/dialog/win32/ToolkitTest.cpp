@@ -466,6 +466,13 @@ TEST(Win32Dialog, ReadsEachItemOfAMirroredFormInItsOwnDirection) {
             expectOrder(person.Control("CboKind"), L"735", word);
             expectOrder(field, isHebrew ? L"10001" : L"10000", isHebrew ? L"מכירות" : L"Sales");
             person.Expect("CboKind", isHebrew ? "735 - מזרח" : "735 - south");
+            COMBOBOXINFO parts = {};
+            parts.cbSize = sizeof(parts);
+            ::GetComboBoxInfo(person.Control("CboKind"), &parts);
+            for (const HWND list : {parts.hwndList, person.Control("LstTaken")}) {
+                constexpr LONG sides = WS_EX_LAYOUTRTL | WS_EX_LEFTSCROLLBAR;
+                EXPECT_EQ(::GetWindowLongW(list, GWL_EXSTYLE) & sides, WS_EX_LEFTSCROLLBAR);
+            }
             person.Click("CmdCancel");
         });
     }
