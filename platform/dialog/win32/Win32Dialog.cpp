@@ -100,7 +100,9 @@ void Win32Dialog::SetEnabled(std::string_view control, bool isEnabled) {
 void Win32Dialog::SetFocus(std::string_view control) {
     firstFocus_ = Find(control, focusable).Window();
     if (frame_.IsShown()) {
+        isMovingFocus_ = true;
         ::SendMessageW(frame_.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(firstFocus_), TRUE);
+        isMovingFocus_ = false;
     }
 }
 
@@ -243,6 +245,10 @@ void Win32Dialog::ShowHelp() const {
 
 void Win32Dialog::Wait(Waiting::Kind kind, DialogControl& control) {
     if (!frame_.IsRunning()) { // the system sets the first focus, not the user
+        return;
+    }
+    // Two fields that are refused would otherwise lead to each other for ever.
+    if (kind == Waiting::Kind::Leave && isMovingFocus_) {
         return;
     }
     waiting_.push_back({kind, &control});

@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <numeric>
 
 namespace qel::test {
@@ -323,6 +324,23 @@ TEST(Win32Dialog, PressesNoButtonWhenLeavingTheFieldIsRefused) {
         });
         EXPECT_EQ(bench.log.told, c.told) << c.what;
     }
+}
+
+TEST(Win32Dialog, TellsNothingOfAFieldThatTheProgramLeaves) {
+    Bench bench;
+    std::atomic<int> left = 0;
+    bench.log.onLeave = [&](std::string_view field) {
+        if (++left < 3) { // or they would go on for ever
+            bench.dialog->SetFocus(field);
+        }
+    };
+    bench.Show([&](const Person& person) {
+        person.Key("TxtCity", VK_TAB);
+        Person::WaitUntil("the field is left", [&] { return left > 0; });
+        person.Key("TxtCity", VK_END);
+        person.Click("CmdCancel");
+    });
+    EXPECT_THAT(bench.log.told, ElementsAre("load", "leave TxtCity", "click CmdCancel"));
 }
 
 TEST(Win32Dialog, TellsThatAFieldIsLeftWhenAPressEndsBesideTheButton) {
