@@ -207,7 +207,7 @@ private:
             Find(person, ChekAct, ComActMember);
         } else if (act < 30) {
             static constexpr const char* dates[] = {"1/1/2024", "30.6.24", "31/12/2024", "1/1/1999", "soon"};
-            TypeDate(person, Any(2) == 0, dates[Any(std::size(dates))]);
+            TypeDate(person, Any(2) == 0 ? TxtDateFrom : TxtDateTo, dates[Any(std::size(dates))]);
         } else {
             ChooseFile(person, Any(2) == 0 ? QEL_LEDGER_CUBE : QEL_ODD_CUBE);
         }
@@ -222,13 +222,12 @@ private:
         person.ChooseFile(ReplaceAll(file, "/", "\\"));
     }
 
-    /// A date that is refused keeps the focus until it is right.
-    void TypeDate(const Person& person, bool isFirst, const char* date) {
-        const char* const control = isFirst ? TxtDateFrom : TxtDateTo;
+    /// Dates that are refused get the focus back, once.
+    void TypeDate(const Person& person, const char* control, const char* date) {
         TypeAndLeave(person, control, date);
         machine_.queue.WaitUntilDone();
-        if (!machine_.TakeMessages().empty()) {
-            TypeAndLeave(person, control, isFirst ? "1/1/1990" : "12/12/2030");
+        if (person.IsEnabled(TxtDateTo)) { // where the range is checked
+            person.Key(TxtDateTo, VK_TAB);
         }
     }
 
@@ -297,7 +296,7 @@ std::string Call(Machine& machine, Visit& visit) {
         }
         hasLeft = true;
     });
-    const std::string text = machine.object.ShowFormGetVal(machine.sheet.Cell(machine.sheet.activeCell));
+    std::string text = machine.object.ShowFormGetVal(machine.sheet.Cell(machine.sheet.activeCell));
     while (!hasLeft) { // the person still looks at the closed dialog
         MSG message = {};
         while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {

@@ -60,8 +60,11 @@ Picture Picture::OfText(HWND window, const std::wstring& text) {
 }
 
 int Picture::DarkInRow(int y) const {
-    const auto begin = dark_.begin() + y * width_;
-    return static_cast<int>(std::count(begin, begin + width_, true));
+    int dark = 0;
+    for (int x = 0; x < width_; ++x) {
+        dark += IsDark(x, y) ? 1 : 0;
+    }
+    return dark;
 }
 
 Picture Picture::Trimmed() const {

@@ -16,7 +16,10 @@ public:
     static Picture OfText(HWND window, const std::wstring& text);
 
     int Width() const { return width_; }
-    bool IsDark(int x, int y) const { return dark_[static_cast<std::size_t>(y * width_ + x)]; }
+    bool IsDark(int x, int y) const {
+        return dark_[static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+                     static_cast<std::size_t>(x)];
+    }
     /// How many pixels of the row are dark.
     int DarkInRow(int y) const;
     /// The left edge of the first place from `top` to `bottom` where the part is found.

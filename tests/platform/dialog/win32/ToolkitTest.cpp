@@ -15,7 +15,6 @@ namespace qel::test {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsSupersetOf;
 using Texts = std::vector<std::string>;
 
 constexpr ControlDesign controls[] = {
