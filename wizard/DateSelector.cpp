@@ -76,16 +76,20 @@ std::optional<std::string> DateSelector::Fault() const {
     return std::nullopt;
 }
 
-void DateSelector::OnLeave(std::string_view control) const {
+void DateSelector::OnLeave(std::string_view control) {
     if (control != TxtDateFrom && control != TxtDateTo) {
         return;
     }
     // The other date may not be typed yet, so a range is checked when its end date is left.
     const auto fault = DateIn(control) ? (control == TxtDateTo ? Fault() : std::nullopt)
                                        : std::optional(NoDateText(control));
-    if (!fault) {
+    const std::string dates = dialog_.Text(TxtDateFrom) + " - " + dialog_.Text(TxtDateTo);
+    // The same dates are refused once: the way to the other date, which may be the wrong one, leads out of
+    // this.
+    if (!fault || dates == refused_) {
         return;
     }
+    refused_ = dates;
     Warn(context_, *fault);
     dialog_.SetFocus(control);
 }

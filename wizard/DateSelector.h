@@ -20,7 +20,7 @@ public:
     /// valid.
     std::optional<std::string> Fault() const;
     /// Shows a message when the text that was left is not a date, or ends an invalid range.
-    void OnLeave(std::string_view control) const;
+    void OnLeave(std::string_view control);
 
     /// Copies the dates into the selection, except invalid ones.
     void Read(Selection& selection) const;
@@ -37,6 +37,7 @@ private:
     const WizardContext& context_;
     Dialog& dialog_;
     ModSetCube::OpenedCube opened_;
+    std::string refused_; ///< the dates that were refused last
 };
 
 } // namespace qel

@@ -56,6 +56,11 @@ std::string InOwnDirection(std::string_view text) {
     return text.empty() ? std::string() : Embedded(text, BeginsRightToLeft(text));
 }
 
+std::string LineInOwnDirection(std::string_view text) {
+    const std::string marked = InOwnDirection(text);
+    return marked.substr(0, marked.size() - std::min(end.size(), marked.size()));
+}
+
 std::string LinesInOwnDirection(std::string_view text) {
     if (!BeginsRightToLeft(text)) {
         return std::string(text);

@@ -12,6 +12,10 @@ namespace qel {
 /// Otherwise signs at its ends, and numbers within, move to the wrong side.
 [[nodiscard]] std::string InOwnDirection(std::string_view text);
 
+/// The same of a line that is drawn alone: its end closes the direction. Systems that leave room for a
+/// closing mark would move the line.
+[[nodiscard]] std::string LineInOwnDirection(std::string_view text);
+
 /// The same of a text's lines, each in the direction in which the text begins. A text that begins from left
 /// to right is left alone.
 [[nodiscard]] std::string LinesInOwnDirection(std::string_view text);

@@ -1,7 +1,6 @@
-#include "cli/formula/ParseFormula.h"
+#include "tests/wizard/Agreement.h"
+
 #include "tests/wizard/TestBench.h"
-#include "text/Text.h"
-#include "wizard/FormulaArgs.h"
 #include "wizard/FunctionFormDesign.h"
 
 #include <random>
@@ -13,77 +12,15 @@ namespace qel::test {
 namespace {
 
 using namespace FunctionForm;
-using Keys = std::vector<std::string>;
-
-/// The dialog's content as a user reads it: one entry per argument.
-std::vector<Keys> ReadOff(const DialogDouble& dialog) {
-    const auto row = [&](const char* box, const char* list) {
-        return dialog.IsChecked(box) ? dialog.Rows(list).Text(dialog.Selected(list).value(), 0) : "All";
+FormReader ReaderOf(const DialogDouble& dialog) {
+    const auto text = [&](const char* control) {
+        const auto row = dialog.Selected(control);
+        const bool isSearched =
+            std::string_view(control) == ListAccount || std::string_view(control) == ComActMember;
+        return isSearched ? dialog.Rows(control).Text(row.value(), 0) : dialog.Text(control);
     };
-    const std::string kind = dialog.Text(ComLevel), group = dialog.Text(ComAccX);
-    Keys members = dialog.Items(ListObs);
-    if (members.empty()) {
-        members = {kind == "All" ? "" : dialog.Text(ComOBSData)};
-    }
-    return {{dialog.Text(txtCubeFile)},
-            {dialog.Text(cboDatabaseList)},
-            {dialog.Text(ComOBSNum)},
-            {dialog.Text(ComObsX)},
-            {kind == "OBS levels" ? dialog.Text(ComLevelObs) : kind},
-            members,
-            {row(ChekAct, ComActMember)},
-            {group},
-            {group == "All" ? "All" : dialog.Text(ComMember)},
-            {row(CheckAcc, ListAccount)},
-            {dialog.Text(ChcMeasure)},
-            {dialog.Text(ComMoneySet)},
-            {dialog.Text(ComPlbs)},
-            {dialog.Text(ComRh)},
-            {dialog.Text(ComFirma)},
-            {dialog.Text(ComOB)},
-            {dialog.Text(TxtDateFrom)},
-            {dialog.Text(TxtDateTo)}};
-}
-
-Keys KeysIn(const Variant& argument) {
-    if (!argument.IsArray()) {
-        return {argument.As<std::string>()};
-    }
-    Keys keys;
-    for (const Variant& key : argument.As<std::shared_ptr<const VariantArray>>()->elements) {
-        keys.push_back(key.As<std::string>());
-    }
-    return keys;
-}
-
-bool IsSameDay(const std::string& a, const std::string& b) {
-    return ParseDate(a, Locale()) == ParseDate(b, Locale());
-}
-
-/// "41" is shown as "41 - Sales"; a level has a name of its own.
-bool Shows(const std::string& shown, const std::string& key) {
-    return shown == key || shown.starts_with(key + " - ") ||
-           (shown == "Cost centres" && key == "Cost_Centers");
-}
-
-void ExpectArguments(const std::string& formula, const std::vector<Keys>& shown) {
-    const auto arguments = ParseFormula(formula).arguments;
-    ASSERT_EQ(arguments.size(), shown.size()) << formula;
-    for (std::size_t i = 0; i < shown.size(); ++i) {
-        Keys keys = KeysIn(arguments[i].value.value());
-        if (keys.size() == shown[i].size() + 1 && keys.back().empty()) {
-            keys.pop_back(); // only keeps the quotes of the key before it
-        }
-        ASSERT_EQ(keys.size(), shown[i].size()) << "argument " << i << " of " << formula;
-        for (std::size_t j = 0; j < keys.size(); ++j) {
-            const std::string key = ReplaceAll(
-                i == FormulaArg::ObsMember ? ReplaceAll(keys[j], "\xC2\xA0", "\"") : keys[j], "]]", "]");
-            const bool isDate = i >= FormulaArg::FromDate;
-            EXPECT_TRUE(isDate ? IsSameDay(shown[i][j], key) : Shows(shown[i][j], key))
-                << "argument " << i << " is " << key << ", the dialog shows " << shown[i][j] << ": "
-                << formula;
-        }
-    }
+    return {text, [&](const char* control) { return dialog.IsChecked(control); },
+            [&](const char* control) { return dialog.Items(control); }};
 }
 
 class Sequence {
@@ -109,7 +46,7 @@ public:
             value = dialog.Text(TxtCalc);
             const Keys refused = bench_.TakeMessages();
             if (refused.empty()) {
-                shown = ReadOff(dialog);
+                shown = ReadOff(ReaderOf(dialog));
                 dialog.Press(Any(8) == 0 ? CmdCancel : CmdOK);
             } else {
                 dialog.Press(CmdOK);

@@ -1,7 +1,8 @@
 #include "platform/dialog/win32/DialogControl.h"
 
+#include "platform/dialog/ReadingOrder.h"
 #include "platform/dialog/win32/CarriedPointer.h"
-#include "platform/dialog/win32/ReadingDirection.h"
+#include "platform/dialog/win32/DrawnText.h"
 #include "platform/windows/WideText.h"
 
 #include <algorithm>
@@ -11,6 +12,7 @@ namespace qel::windows {
 namespace {
 
 constexpr int visibleItems = 12;
+constexpr int textHeight = 8; // in dialog units
 
 /// The window class and styles of a kind of control.
 struct WindowKind {
@@ -43,6 +45,13 @@ WindowKind KindOf(const ControlDesign& design, bool isDefaultButton) {
     return {nullptr, 0, 0};
 }
 
+/// The style of boxes whose items the dialog draws, so that each item reads in its own direction.
+DWORD DrawnStyle(ControlKind kind) {
+    return kind == ControlKind::ComboBox  ? CBS_OWNERDRAWFIXED | CBS_HASSTRINGS
+           : kind == ControlKind::ListBox ? LBS_OWNERDRAWFIXED | LBS_HASSTRINGS
+                                          : 0;
+}
+
 void SetBits(HWND window, int which, DWORD bits, bool areSet) {
     const auto before = static_cast<DWORD>(::GetWindowLongPtrW(window, which));
     ::SetWindowLongPtrW(window, which, static_cast<LONG_PTR>(areSet ? before | bits : before & ~bits));
@@ -66,7 +75,8 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
     // Paths, dates and numbers read from left to right in any language, so a mirrored dialog's text boxes are
     // not mirrored.
     const bool isUnmirrored = isRightToLeft && design.kind == ControlKind::TextBox;
-    const DWORD style = kind.style | WS_CHILD | WS_VISIBLE | (isUnmirrored ? ES_RIGHT : 0U);
+    const DWORD style = kind.style | WS_CHILD | WS_VISIBLE | (isUnmirrored ? ES_RIGHT : 0U) |
+                        (isRightToLeft ? DrawnStyle(design.kind) : 0U);
     window_ = ::CreateWindowExW(kind.extendedStyle, kind.className, L"", style, 0, 0, 0, 0, dialog,
                                 CarriedPointer<std::remove_pointer_t<HMENU>>(static_cast<UINT_PTR>(id)),
                                 nullptr, nullptr);
@@ -76,7 +86,24 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
     if (isUnmirrored) {
         SetBits(window_, GWL_EXSTYLE, WS_EX_LAYOUTRTL, false);
     }
+    if (isRightToLeft) {
+        MoveScrollBar();
+    }
     SetText(TextProperty::Caption, design.caption);
+}
+
+void DialogControl::MoveScrollBar() const {
+    HWND list = Design().kind == ControlKind::ListBox ? window_ : nullptr;
+    if (Design().kind == ControlKind::ComboBox) {
+        COMBOBOXINFO parts = {};
+        parts.cbSize = sizeof(parts);
+        ::GetComboBoxInfo(window_, &parts);
+        list = parts.hwndList;
+    }
+    if (list != nullptr) {
+        SetBits(list, GWL_EXSTYLE, WS_EX_LAYOUTRTL, false);
+        SetBits(list, GWL_EXSTYLE, WS_EX_LEFTSCROLLBAR, true);
+    }
 }
 
 void DialogControl::UseFont(const FontMetrics& font) {
@@ -91,11 +118,21 @@ void DialogControl::UseFont(const FontMetrics& font) {
     }
     ::SetWindowPos(window_, nullptr, place.left, place.top, place.right - place.left,
                    place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    SetRowHeight(font.PixelsOf({0, 0, 0, textHeight}).bottom);
     if (Design().kind == ControlKind::ComboBox || Design().kind == ControlKind::BoundList) {
         FitFieldOfBox(place);
     }
     if (search_) {
         search_->UseFont(font);
+    }
+}
+
+void DialogControl::SetRowHeight(int height) const {
+    // Boxes whose items are drawn keep the row height of the font that they were created with.
+    if (IsRightToLeft() && Design().kind == ControlKind::ComboBox) {
+        ::SendMessageW(window_, CB_SETITEMHEIGHT, 0, height);
+    } else if (IsRightToLeft() && Design().kind == ControlKind::ListBox) {
+        ::SendMessageW(window_, LB_SETITEMHEIGHT, 0, height);
     }
 }
 
@@ -135,15 +172,32 @@ void DialogControl::SetContent(const std::string& text) {
         SetText(TextProperty::Caption, text);
         return;
     }
-    const std::wstring shown = ToWide(text);
-    ReadFrom(shown);
-    ::SetWindowTextW(window_, shown.c_str());
+    ReadFrom(text);
+    ::SetWindowTextW(window_, ToWide(text).c_str());
 }
 
-void DialogControl::ReadFrom(const std::wstring& text) const {
+void DialogControl::ReadFrom(const std::string& text) const {
     if (IsRightToLeft()) {
         SetBits(window_, GWL_EXSTYLE, WS_EX_RTLREADING, BeginsRightToLeft(text));
     }
+}
+
+void DialogControl::Draw(const DRAWITEMSTRUCT& item) const {
+    const int state = ::SaveDC(item.hDC);
+    // The clipping of a mirrored combo box may be that of one that is not mirrored.
+    ::SelectClipRgn(item.hDC, nullptr);
+    ::IntersectClipRect(item.hDC, item.rcItem.left, item.rcItem.top, item.rcItem.right, item.rcItem.bottom);
+    FillRow(item.hDC, item.rcItem, (item.itemState & ODS_SELECTED) != 0,
+            (item.itemState & ODS_DISABLED) != 0);
+    RECT place = item.rcItem;
+    ::InflateRect(&place, -::GetSystemMetrics(SM_CXEDGE), 0);
+    if (item.itemID != static_cast<UINT>(-1)) {
+        DrawLine(item.hDC, place, ItemsOfBox().Text(item.itemID), IsRightToLeft());
+    }
+    if ((item.itemState & ODS_FOCUS) != 0 && (item.itemState & ODS_NOFOCUSRECT) == 0) {
+        ::DrawFocusRect(item.hDC, &item.rcItem);
+    }
+    ::RestoreDC(item.hDC, state);
 }
 
 bool DialogControl::IsChecked() const { return ::SendMessageW(window_, BM_GETCHECK, 0, 0) == BST_CHECKED; }
@@ -176,7 +230,8 @@ void DialogControl::Select(std::optional<std::size_t> index) const {
 }
 
 void DialogControl::ShowCaption() {
-    ::SetWindowTextW(window_, AsRead(ToWide(MarkedCaption("&")), IsRightToLeft()).c_str());
+    const std::string caption = MarkedCaption("&");
+    ::SetWindowTextW(window_, ToWide(IsRightToLeft() ? LineInOwnDirection(caption) : caption).c_str());
 }
 
 void DialogControl::AlignToFarSide(bool isFar) {

@@ -32,16 +32,22 @@ public:
     /// Combo boxes, list boxes and bound lists.
     std::optional<std::size_t> Selected() const;
     void Select(std::optional<std::size_t> index) const;
+    /// Draws an item of a mirrored combo or list box.
+    void Draw(const DRAWITEMSTRUCT& item) const;
     /// Null unless the control is a bound list.
     SearchList* Search() const { return search_.get(); }
 
 private:
     /// Sets the reading direction of a text box from its text.
-    void ReadFrom(const std::wstring& text) const;
+    void ReadFrom(const std::string& text) const;
     void ShowCaption() override;
     void AlignToFarSide(bool isFar) override;
     windows::Items ItemsOfBox() const;
     void FitFieldOfBox(const RECT& place) const;
+    /// Puts a mirrored list's scroll bar on its left. The list itself is not mirrored, for the reason of
+    /// MatchPopup's.
+    void MoveScrollBar() const;
+    void SetRowHeight(int height) const;
     void FitDropDown(const std::vector<std::string>& items) const;
 
     WORD id_;

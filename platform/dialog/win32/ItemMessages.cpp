@@ -27,14 +27,15 @@ void Items::Select(std::optional<std::size_t> index) const {
     Send(messages_.select, index ? *index : static_cast<WPARAM>(-1));
 }
 
+std::wstring Items::Text(std::size_t index) const {
+    std::wstring text(static_cast<std::size_t>(Send(messages_.textLength, index)), L'\0');
+    Send(messages_.text, index, reinterpret_cast<LPARAM>(text.data()));
+    return text;
+}
+
 std::string Items::SelectedText() const {
     const auto index = Selected();
-    if (!index) {
-        return {};
-    }
-    std::wstring text(static_cast<std::size_t>(Send(messages_.textLength, *index)), L'\0');
-    Send(messages_.text, *index, reinterpret_cast<LPARAM>(text.data()));
-    return ToUtf8(text);
+    return index ? ToUtf8(Text(*index)) : std::string();
 }
 
 std::wstring WindowText(HWND window) {

@@ -28,6 +28,7 @@ public:
     std::optional<std::size_t> Selected() const;
     /// Raises 9 for an index out of range.
     void Select(std::optional<std::size_t> index) const;
+    std::wstring Text(std::size_t index) const;
     /// The chosen item's text, or empty.
     std::string SelectedText() const;
 

@@ -1,6 +1,7 @@
 #include "platform/dialog/win32/MatchPopup.h"
 
 #include "platform/dialog/win32/CarriedPointer.h"
+#include "platform/dialog/win32/DrawnText.h"
 #include "platform/windows/WideText.h"
 
 #include <algorithm>
@@ -28,8 +29,8 @@ MatchPopup::MatchPopup(HWND dialog, HWND field, bool isRightToLeft, std::functio
     : field_(field), isRightToLeft_(isRightToLeft), onPicked_(std::move(onPicked)) {
     constexpr DWORD style = WS_POPUP | WS_BORDER | LVS_REPORT | LVS_NOCOLUMNHEADER | LVS_OWNERDATA |
                             LVS_SINGLESEL | LVS_SHOWSELALWAYS;
-    const DWORD direction = isRightToLeft ? WS_EX_LAYOUTRTL : 0;
-    window_ = ::CreateWindowExW(WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | direction, WC_LISTVIEWW, L"", style, 0,
+    const DWORD scrollBar = isRightToLeft ? WS_EX_LEFTSCROLLBAR : 0;
+    window_ = ::CreateWindowExW(WS_EX_TOOLWINDOW | WS_EX_NOACTIVATE | scrollBar, WC_LISTVIEWW, L"", style, 0,
                                 0, 0, 0, dialog, nullptr, nullptr, nullptr);
     ::SendMessageW(window_, LVM_SETEXTENDEDLISTVIEWSTYLE, 0, LVS_EX_FULLROWSELECT | LVS_EX_DOUBLEBUFFER);
     ::SetWindowSubclass(window_, &MatchPopup::Procedure, 1, reinterpret_cast<DWORD_PTR>(this));
@@ -104,14 +105,11 @@ bool MatchPopup::Answer(const NMHDR& question, LRESULT& result) const {
     if (question.code != NM_CUSTOMDRAW) {
         return false;
     }
-    auto& drawing = reinterpret_cast<NMLVCUSTOMDRAW&>(const_cast<NMHDR&>(question));
-    result = drawing.nmcd.dwDrawStage == CDDS_PREPAINT ? CDRF_NOTIFYITEMDRAW : CDRF_DODEFAULT;
-    if (drawing.nmcd.dwDrawStage == CDDS_ITEMPREPAINT && Highlighted() == drawing.nmcd.dwItemSpec) {
-        // The list never has the focus, so the system would draw the highlighted row in grey.
-        drawing.clrText = ::GetSysColor(COLOR_HIGHLIGHTTEXT);
-        drawing.clrTextBk = ::GetSysColor(COLOR_HIGHLIGHT);
-        drawing.nmcd.uItemState &= ~static_cast<UINT>(CDIS_SELECTED);
-        result = CDRF_NEWFONT;
+    const auto& drawing = reinterpret_cast<const NMLVCUSTOMDRAW&>(question).nmcd;
+    result = drawing.dwDrawStage == CDDS_PREPAINT ? CDRF_NOTIFYITEMDRAW : CDRF_DODEFAULT;
+    if (drawing.dwDrawStage == CDDS_ITEMPREPAINT) {
+        Draw(drawing.hdc, drawing.dwItemSpec);
+        result = CDRF_SKIPDEFAULT;
     }
     return true;
 }
@@ -120,12 +118,32 @@ void MatchPopup::FillIn(LVITEMW& item) const {
     if ((item.mask & LVIF_TEXT) == 0 || item.cchTextMax <= 0) {
         return;
     }
-    std::wstring text;
-    if (const auto place = static_cast<std::size_t>(item.iItem); source_ && place < rows_.size()) {
-        text = ToWide(source_->Text(rows_[place], static_cast<std::size_t>(item.iSubItem)));
-    }
+    const std::wstring text =
+        TextAt(static_cast<std::size_t>(item.iItem), static_cast<std::size_t>(item.iSubItem));
     const std::size_t length = text.copy(item.pszText, static_cast<std::size_t>(item.cchTextMax) - 1);
     item.pszText[length] = L'\0';
+}
+
+std::wstring MatchPopup::TextAt(std::size_t place, std::size_t column) const {
+    return source_ && place < rows_.size() ? ToWide(source_->Text(rows_[place], column)) : std::wstring();
+}
+
+void MatchPopup::Draw(HDC screen, std::size_t place) const {
+    RECT row = {LVIR_BOUNDS, 0, 0, 0};
+    ::SendMessageW(window_, LVM_GETITEMRECT, place, reinterpret_cast<LPARAM>(&row));
+    // The list never has the focus, so the system would draw the highlighted row in grey.
+    FillRow(screen, row, Highlighted() == place);
+    const HGDIOBJ before = ::SelectObject(screen, font_->Font());
+    const int margin = 2 * ::GetSystemMetrics(SM_CXEDGE);
+    for (std::size_t column = 0; column < source_->ColumnCount(); ++column) {
+        const auto width = static_cast<LONG>(::SendMessageW(window_, LVM_GETCOLUMNWIDTH, column, 0));
+        RECT cell = {isRightToLeft_ ? row.right - width : row.left, row.top,
+                     isRightToLeft_ ? row.right : row.left + width, row.bottom};
+        (isRightToLeft_ ? row.right : row.left) += isRightToLeft_ ? -width : width;
+        ::InflateRect(&cell, -margin, 0);
+        DrawLine(screen, cell, TextAt(place, column), isRightToLeft_);
+    }
+    ::SelectObject(screen, before);
 }
 
 int MatchPopup::WidthOfColumn(std::size_t column) const {
@@ -138,21 +156,37 @@ int MatchPopup::WidthOfColumn(std::size_t column) const {
     return width;
 }
 
-void MatchPopup::LayOut() const {
+int MatchPopup::MakeColumns(int mostWidth) const {
     while (::SendMessageW(window_, LVM_DELETECOLUMN, 0, 0) != 0) {
     }
-    const RECT workArea = WorkAreaOf(field_);
-    RECT field = {};
-    ::GetWindowRect(field_, &field);
     const int padding = 2 * ::GetSystemMetrics(SM_CXEDGE) + font_->WidthOf(L"M");
     int total = 0;
     for (std::size_t column = 0; column < source_->ColumnCount(); ++column) {
         LVCOLUMNW definition = {};
         definition.mask = LVCF_WIDTH;
-        definition.cx = std::min(WidthOfColumn(column) + padding, WidthOf(workArea) / 3);
+        definition.cx = std::min(WidthOfColumn(column) + padding, mostWidth);
         total += definition.cx;
         ::SendMessageW(window_, LVM_INSERTCOLUMNW, column, reinterpret_cast<LPARAM>(&definition));
     }
+    return total;
+}
+
+void MatchPopup::FillWidth() const {
+    RECT inside = {};
+    ::GetClientRect(window_, &inside);
+    LONG width = WidthOf(inside);
+    const std::size_t last = source_->ColumnCount() - 1;
+    for (std::size_t column = 0; column < last; ++column) {
+        width -= static_cast<LONG>(::SendMessageW(window_, LVM_GETCOLUMNWIDTH, column, 0));
+    }
+    ::SendMessageW(window_, LVM_SETCOLUMNWIDTH, last, MAKELPARAM(std::max<LONG>(width, 0), 0));
+}
+
+void MatchPopup::LayOut() const {
+    const RECT workArea = WorkAreaOf(field_);
+    RECT field = {};
+    ::GetWindowRect(field_, &field);
+    const int total = MakeColumns(WidthOf(workArea) / 3);
     const int borders = 2 * ::GetSystemMetrics(SM_CXBORDER);
     const bool scrolls = rows_.size() > static_cast<std::size_t>(mostVisibleRows);
     const int width =
@@ -169,6 +203,7 @@ void MatchPopup::LayOut() const {
         std::clamp<int>(left, workArea.left, std::max<int>(workArea.right - width, workArea.left));
     ::SetWindowPos(window_, HWND_TOP, inside, top, width, std::min(height, HeightOf(workArea)),
                    SWP_NOACTIVATE);
+    FillWidth();
 }
 
 std::optional<std::size_t> MatchPopup::PlaceAt(LPARAM point) const {

@@ -12,7 +12,8 @@
 namespace qel::windows {
 
 /// The list that opens below a SearchList. It never takes the focus from the text field, and reads only
-/// visible rows from its source.
+/// visible rows from its source. It is not mirrored but draws its rows from right to left: a mirrored list's
+/// letters and scroll bar depend on the system's version.
 class MatchPopup {
 public:
     /// `onPicked` is called when a row is clicked.
@@ -44,8 +45,12 @@ private:
     std::optional<std::size_t> PlaceAt(LPARAM point) const;
     void Highlight(std::optional<std::size_t> place) const;
     void FillIn(LVITEMW& item) const;
+    std::wstring TextAt(std::size_t place, std::size_t column) const;
+    void Draw(HDC screen, std::size_t place) const;
     int WidthOfColumn(std::size_t column) const;
+    int MakeColumns(int mostWidth) const;
     void LayOut() const;
+    void FillWidth() const;
 
     HWND field_;
     HWND window_;

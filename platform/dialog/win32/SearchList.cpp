@@ -2,6 +2,7 @@
 
 #include "platform/dialog/DesignedControl.h"
 #include "platform/dialog/win32/CarriedPointer.h"
+#include "platform/dialog/win32/DrawnText.h"
 #include "platform/dialog/win32/ItemMessages.h"
 #include "platform/dialog/win32/WaitCursor.h"
 #include "platform/value/AutomationError.h"
@@ -20,13 +21,20 @@ HWND TextFieldOf(HWND combo) {
     return parts.hwndItem;
 }
 
+/// What can change a field's text, selection or focus: the system then draws without WM_PAINT.
+bool ChangesLook(UINT message) {
+    return message == WM_SETTEXT || message == EM_SETSEL || message == WM_SETFOCUS ||
+           message == WM_KILLFOCUS || message == WM_KEYDOWN || message == WM_CHAR || message == WM_ENABLE ||
+           (message >= WM_LBUTTONDOWN && message <= WM_LBUTTONDBLCLK);
+}
+
 bool IsAltDown(LPARAM value) { return (HIWORD(value) & KF_ALTDOWN) != 0; }
 
 } // namespace
 
 SearchList::SearchList(HWND dialog, HWND combo, bool isRightToLeft, std::function<void()> onChosen)
-    : combo_(combo), field_(TextFieldOf(combo)), onChosen_(std::move(onChosen)),
-      popup_(dialog, combo, isRightToLeft, [this] { PickHighlighted(); }) {
+    : combo_(combo), field_(TextFieldOf(combo)), isRightToLeft_(isRightToLeft),
+      onChosen_(std::move(onChosen)), popup_(dialog, combo, isRightToLeft, [this] { PickHighlighted(); }) {
     ::SetWindowSubclass(combo_, &SearchList::ComboProcedure, 1, reinterpret_cast<DWORD_PTR>(this));
     ::SetWindowSubclass(field_, &SearchList::FieldProcedure, 1, reinterpret_cast<DWORD_PTR>(this));
 }
@@ -168,6 +176,17 @@ std::optional<LRESULT> SearchList::OnComboMessage(UINT message, WPARAM word) {
 
 std::optional<LRESULT> SearchList::OnFieldMessage(UINT message, WPARAM word, LPARAM value) {
     switch (message) {
+    case WM_PAINT: // the field's own drawing takes one direction for every text
+    case WM_PRINTCLIENT:
+        if (!isRightToLeft_ || !ShowsChoice()) {
+            return std::nullopt;
+        }
+        if (message == WM_PAINT) {
+            PaintChoice();
+        } else {
+            DrawChoice(CarriedPointer<HDC__>(word));
+        }
+        return 0;
     case WM_GETDLGCODE:
         // While the list is open, it handles Enter and Esc itself.
         if (popup_.IsOpen() && (word == VK_RETURN || word == VK_ESCAPE)) {
@@ -197,6 +216,34 @@ std::optional<LRESULT> SearchList::OnFieldMessage(UINT message, WPARAM word, LPA
     default:
         return std::nullopt;
     }
+}
+
+bool SearchList::ShowsChoice() const {
+    if (isTyped_ || !chosen_) {
+        return false;
+    }
+    DWORD from = 0;
+    DWORD to = 0;
+    ::SendMessageW(field_, EM_GETSEL, reinterpret_cast<WPARAM>(&from), reinterpret_cast<LPARAM>(&to));
+    const bool isWhole = from == 0 && to == static_cast<DWORD>(::GetWindowTextLengthW(field_));
+    return ::GetFocus() != field_ || isWhole;
+}
+
+void SearchList::PaintChoice() const {
+    PAINTSTRUCT painting = {};
+    DrawChoice(::BeginPaint(field_, &painting));
+    ::EndPaint(field_, &painting);
+}
+
+void SearchList::DrawChoice(HDC screen) const {
+    const HGDIOBJ before =
+        ::SelectObject(screen, CarriedPointer<void>(::SendMessageW(field_, WM_GETFONT, 0, 0)));
+    RECT place = {};
+    ::GetClientRect(field_, &place);
+    FillRow(screen, place, ::GetFocus() == field_, ::IsWindowEnabled(field_) == FALSE);
+    ::InflateRect(&place, -::GetSystemMetrics(SM_CXEDGE), 0);
+    DrawLine(screen, place, WindowText(field_), true);
+    ::SelectObject(screen, before);
 }
 
 bool SearchList::OnKey(WPARAM key) {
@@ -253,7 +300,11 @@ LRESULT CALLBACK SearchList::FieldProcedure(HWND window, UINT message, WPARAM wo
     } catch (...) {
         return 0; // a source that raises shows no rows
     }
-    return ::DefSubclassProc(window, message, word, value);
+    const LRESULT result = ::DefSubclassProc(window, message, word, value);
+    if (ChangesLook(message)) {
+        ::InvalidateRect(window, nullptr, TRUE);
+    }
+    return result;
 }
 
 } // namespace qel::windows

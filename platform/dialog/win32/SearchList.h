@@ -47,7 +47,13 @@ private:
     void TakeBack();
     void Choose(std::optional<std::size_t> row);
 
+    /// The field shows a choice that is not being edited.
+    bool ShowsChoice() const;
+    void PaintChoice() const;
+    void DrawChoice(HDC screen) const;
+
     HWND combo_, field_;
+    bool isRightToLeft_;
     std::function<void()> onChosen_;
     MatchPopup popup_;
     std::shared_ptr<const ListSource> rows_;

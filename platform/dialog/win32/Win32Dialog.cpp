@@ -1,9 +1,9 @@
 #include "platform/dialog/win32/Win32Dialog.h"
 
+#include "platform/dialog/ReadingOrder.h"
 #include "platform/dialog/win32/CarriedPointer.h"
 #include "platform/dialog/win32/ControlIds.h"
 #include "platform/dialog/win32/OpenFileQuestion.h"
-#include "platform/dialog/win32/ReadingDirection.h"
 #include "platform/dialog/win32/VisualStyles.h"
 #include "platform/dialog/win32/WaitCursor.h"
 #include "platform/value/AutomationError.h"
@@ -100,7 +100,9 @@ void Win32Dialog::SetEnabled(std::string_view control, bool isEnabled) {
 void Win32Dialog::SetFocus(std::string_view control) {
     firstFocus_ = Find(control, focusable).Window();
     if (frame_.IsShown()) {
+        isMovingFocus_ = true;
         ::SendMessageW(frame_.Window(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(firstFocus_), TRUE);
+        isMovingFocus_ = false;
     }
 }
 
@@ -110,7 +112,8 @@ std::string Win32Dialog::AskForFile(std::string_view control, const FileQuestion
 }
 
 void Win32Dialog::SetCaption(const std::string& caption) {
-    ::SetWindowTextW(frame_.Window(), AsRead(ToWide(caption), IsRightToLeft()).c_str());
+    ::SetWindowTextW(frame_.Window(),
+                     ToWide(IsRightToLeft() ? LineInOwnDirection(caption) : caption).c_str());
 }
 
 void Win32Dialog::SetFont(const DialogFont& font) {
@@ -136,6 +139,11 @@ std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM 
         }
         return std::nullopt;
     }
+    case WM_DRAWITEM:
+        if (const DialogControl* const control = WithId(static_cast<int>(word)); control != nullptr) {
+            control->Draw(*CarriedPointer<const DRAWITEMSTRUCT>(value));
+        }
+        return TRUE;
     case tellWaiting:
     case WM_TIMER:
         TellWaitingWhenReleased();
@@ -237,6 +245,10 @@ void Win32Dialog::ShowHelp() const {
 
 void Win32Dialog::Wait(Waiting::Kind kind, DialogControl& control) {
     if (!frame_.IsRunning()) { // the system sets the first focus, not the user
+        return;
+    }
+    // Two fields that are refused would otherwise lead to each other for ever.
+    if (kind == Waiting::Kind::Leave && isMovingFocus_) {
         return;
     }
     waiting_.push_back({kind, &control});

@@ -57,6 +57,7 @@ private:
     DialogFrame frame_;
     std::vector<Waiting> waiting_;
     HWND firstFocus_ = nullptr;
+    bool isMovingFocus_ = false; ///< the program is
 };
 
 } // namespace qel::windows

@@ -36,6 +36,7 @@ TEST(ReadingOrder, IsThatOfTheFirstLetter) {
     };
     for (const auto& [text, marked] : texts) {
         EXPECT_EQ(InOwnDirection(text), marked);
+        EXPECT_EQ(LineInOwnDirection(text) + (text.empty() ? "" : end), marked);
         EXPECT_EQ(WithoutDirection(marked), text);
     }
     EXPECT_EQ(LinesInOwnDirection("להמשיך ?\n\nC:\\a.cub"),

@@ -84,8 +84,6 @@ std::string Act(const Person& person, const Words& step) {
         person.UseCloseBox();
     } else if (what == "gone") {
         person.ExpectGone();
-    } else if (what == "hold") {
-        HoldStill(step.at(1));
     } else if (what == "clock") {
         return ReadClock(step.at(1));
     } else {
@@ -105,6 +103,8 @@ int Run(const std::string& form, const std::string& stepsFile, const std::string
             std::string sight;
             if (step.at(0) == "answer") { // a box may appear before the dialog
                 sight = "box\t" + OnOneLine(Person::Answer(std::stoi(step.at(1))));
+            } else if (step.at(0) == "hold") {
+                HoldStill(step.at(1));
             } else {
                 if (!person) {
                     person.emplace(form == "name" ? NameFormDesign() : FunctionFormDesign());

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "platform/dialog/ReadingOrder.h"
 #include "platform/windows/WideText.h"
+#include "text/Text.h"
 
 #include <algorithm>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -12,6 +15,12 @@ inline std::string TextOfWindow(HWND window) {
     std::wstring text(2000, L'\0');
     text.resize(static_cast<std::size_t>(::GetWindowTextW(window, text.data(), 2000)));
     return windows::ToUtf8(text);
+}
+
+/// A box's text without the signs of its direction.
+inline std::string PlainText(const std::string& shown) {
+    const std::string lines = WithoutDirection(shown);
+    return lines == shown ? shown : ReplaceAll(lines.substr(0, lines.size() - 1), " \n", "\r\n");
 }
 
 /// What a message box showed.
@@ -37,6 +46,7 @@ public:
     BoxReader& operator=(const BoxReader&) = delete;
 
     SeenBox seen;
+    std::function<void(HWND)> onText; ///< gets the window of the text
 
 private:
     static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
@@ -74,7 +84,10 @@ private:
         } else if ((::GetWindowLongW(part, GWL_STYLE) & SS_TYPEMASK) == SS_ICON) {
             seen.hasIcon = seen.hasIcon || isVisible;
         } else if (!TextOfWindow(part).empty() && isVisible) {
-            seen.text = TextOfWindow(part);
+            seen.text = PlainText(TextOfWindow(part));
+            if (onText) {
+                onText(part);
+            }
         }
     }
 

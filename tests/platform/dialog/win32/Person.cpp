@@ -1,5 +1,6 @@
 #include "tests/platform/dialog/win32/Person.h"
 
+#include "platform/dialog/ReadingOrder.h"
 #include "platform/dialog/win32/CarriedPointer.h"
 #include "platform/dialog/win32/ControlIds.h"
 #include "platform/dialog/win32/ItemMessages.h"
@@ -76,6 +77,13 @@ HWND FindMessageBox() {
         return HasClass(window, L"#32770") && ::IsWindowVisible(window) != FALSE &&
                ::GetDlgItem(window, messageBoxText) != nullptr;
     });
+}
+
+/// A message box's text without the signs of its direction.
+std::string BoxText(HWND box) {
+    const std::string shown = ToUtf8(TextOf(::GetDlgItem(box, messageBoxText)));
+    const std::string plain = WithoutDirection(shown);
+    return plain == shown ? shown : plain.substr(0, plain.size() - 1);
 }
 
 void PressKey(HWND window, WORD key) {
@@ -254,7 +262,7 @@ HWND Person::WaitForPopup() const {
 
 std::string Person::TextOfBox() {
     const HWND box = FindMessageBox();
-    return box != nullptr ? ToUtf8(TextOf(::GetDlgItem(box, messageBoxText))) : std::string();
+    return box != nullptr ? BoxText(box) : std::string();
 }
 
 std::string Person::Answer(int button) {
@@ -263,7 +271,7 @@ std::string Person::Answer(int button) {
         box = FindMessageBox();
         return box != nullptr;
     });
-    std::string text = ToUtf8(TextOf(::GetDlgItem(box, messageBoxText)));
+    std::string text = BoxText(box);
     ::PostMessageW(box, WM_COMMAND, static_cast<WPARAM>(button), 0);
     WaitUntil("the box closes", [&] { return ::IsWindow(box) == FALSE; });
     return text;

@@ -3,6 +3,7 @@
 #include "platform/dialog/win32/AlwaysOnTop.h"
 #include "support/ModError.h"
 #include "tests/platform/dialog/win32/BoxReader.h"
+#include "tests/platform/dialog/win32/Picture.h"
 
 #include <gtest/gtest.h>
 
@@ -56,6 +57,22 @@ TEST(SystemMessages, AnswersWithTheButtonThatWasPressed) {
         EXPECT_EQ(box.seen.text, "למחוק?");
         EXPECT_EQ(box.seen.buttons, c.buttons);
     }
+}
+
+TEST(SystemMessages, AHebrewSentenceEndsOnTheLeftAndKeepsItsFirstLetter) {
+    windows::SystemMessages messages;
+    BoxReader box(IDOK);
+    std::optional<int> sign;
+    std::optional<int> word;
+    box.onText = [&](HWND text) {
+        const Picture picture = Picture::OfWindow(text);
+        sign = picture.Find(Picture::OfText(text, L"?"));
+        word = picture.Find(Picture::OfText(text, L"יש"));
+    };
+    messages.Show(MessageBoxStyle::Exclamation, "", "יש למחוק?\r\nA.cub");
+    EXPECT_EQ(box.seen.text, "יש למחוק?\r\nA.cub");
+    EXPECT_TRUE(sign && word);
+    EXPECT_LT(sign, word);
 }
 
 TEST(SystemMessages, ABoxBelongsToTheActiveWindow) {

@@ -2,18 +2,19 @@
 #include "platform/value/AutomationError.h"
 #include "platform/windows/WideText.h"
 #include "tests/helpers/ErrorOf.h"
+#include "tests/platform/dialog/win32/Picture.h"
 #include "tests/platform/dialog/win32/ShownDialog.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <atomic>
 #include <numeric>
 
 namespace qel::test {
 namespace {
 
 using ::testing::ElementsAre;
-using ::testing::IsSupersetOf;
 using Texts = std::vector<std::string>;
 
 constexpr ControlDesign controls[] = {
@@ -324,6 +325,23 @@ TEST(Win32Dialog, PressesNoButtonWhenLeavingTheFieldIsRefused) {
     }
 }
 
+TEST(Win32Dialog, TellsNothingOfAFieldThatTheProgramLeaves) {
+    Bench bench;
+    std::atomic<int> left = 0;
+    bench.log.onLeave = [&](std::string_view field) {
+        if (++left < 3) { // or they would go on for ever
+            bench.dialog->SetFocus(field);
+        }
+    };
+    bench.Show([&](const Person& person) {
+        person.Key("TxtCity", VK_TAB);
+        Person::WaitUntil("the field is left", [&] { return left > 0; });
+        person.Key("TxtCity", VK_END);
+        person.Click("CmdCancel");
+    });
+    EXPECT_THAT(bench.log.told, ElementsAre("load", "leave TxtCity", "click CmdCancel"));
+}
+
 TEST(Win32Dialog, TellsThatAFieldIsLeftWhenAPressEndsBesideTheButton) {
     Bench bench;
     bench.Show([](const Person& person) {
@@ -391,6 +409,87 @@ TEST(Win32Dialog, MirrorsARightToLeftFormAndGrowsWithItsFont) {
                 EXPECT_GT(field.right - field.left, width * 3 / 2);
             }
             width = field.right - field.left;
+            person.Click("CmdCancel");
+        });
+    }
+}
+
+HWND OpenListOf(const Person& person) {
+    HWND list = nullptr;
+    Person::WaitUntil("the open list", [&] {
+        list = ::FindWindowW(WC_LISTVIEWW, nullptr);
+        return list != nullptr && ::IsWindowVisible(list) != FALSE &&
+               ::GetWindow(list, GW_OWNER) == person.Dialog();
+    });
+    return list;
+}
+
+TEST(Win32Dialog, DrawsAnOpenListWithItsScrollBarAndItsRowsFromEdgeToEdge) {
+    for (const bool isRightToLeft : {false, true}) {
+        SCOPED_TRACE(isRightToLeft);
+        Bench bench(isRightToLeft);
+        bench.dialog->Select("BndAccount", 0);
+        bench.Show([&](const Person& person) {
+            person.Click("BndAccount");
+            const HWND list = OpenListOf(person);
+            RECT whole = {};
+            RECT inside = {};
+            ::GetWindowRect(list, &whole);
+            ::GetClientRect(list, &inside);
+            POINT corner = {};
+            ::ClientToScreen(list, &corner);
+            ::OffsetRect(&inside, corner.x, corner.y);
+            SCROLLBARINFO bar = {};
+            bar.cbSize = sizeof(bar);
+            EXPECT_TRUE(::GetScrollBarInfo(list, static_cast<LONG>(OBJID_VSCROLL), &bar));
+            const RECT& at = bar.rcScrollBar;
+            EXPECT_GT(at.right, at.left);
+            const LONG border = ::GetSystemMetrics(SM_CXBORDER);
+            EXPECT_EQ((isRightToLeft ? inside : at).right, whole.right - border);
+            EXPECT_EQ((isRightToLeft ? at : inside).left, whole.left + border);
+            EXPECT_EQ(isRightToLeft ? at.right : at.left, isRightToLeft ? inside.left : inside.right);
+
+            RECT row = {LVIR_BOUNDS, 0, 0, 0};
+            ::SendMessageW(list, LVM_GETITEMRECT, 1, reinterpret_cast<LPARAM>(&row));
+            const Picture picture = Picture::OfWindow(list);
+            EXPECT_EQ(picture.DarkInRow(0), picture.Width()) << "the marked row, above its letters";
+            const auto code = picture.Find(Picture::OfText(list, L"10001"), row.top, row.bottom);
+            const auto name = picture.Find(Picture::OfText(list, L"מכירות"), row.top, row.bottom);
+            EXPECT_TRUE(code && name) << "letters that are not mirrored";
+            EXPECT_EQ(code > name, isRightToLeft);
+            person.Key("BndAccount", VK_ESCAPE);
+            person.Click("CmdCancel");
+        });
+    }
+}
+
+TEST(Win32Dialog, ReadsEachItemOfAMirroredFormInItsOwnDirection) {
+    Bench bench(true);
+    bench.dialog->SetItems("CboKind", {"735 - south", "735 - מזרח"});
+    bench.dialog->SetItems("LstTaken", {"735 - south", "735 - מזרח"});
+    for (const bool isHebrew : {false, true}) {
+        const std::wstring word = isHebrew ? L"מזרח" : L"south";
+        bench.dialog->Select("CboKind", isHebrew ? 1 : 0);
+        bench.dialog->Select("BndAccount", isHebrew ? 1 : 0);
+        bench.Show([&](const Person& person) {
+            const auto expectOrder = [&](HWND window, const std::wstring& first, const std::wstring& second) {
+                const Picture picture = Picture::OfWindow(window);
+                const auto code = picture.Find(Picture::OfText(window, first));
+                const auto name = picture.Find(Picture::OfText(window, second));
+                ASSERT_TRUE(code && name);
+                EXPECT_EQ(code > name, isHebrew);
+            };
+            const HWND field = ::FindWindowExW(person.Control("BndAccount"), nullptr, L"Edit", nullptr);
+            expectOrder(person.Control("CboKind"), L"735", word);
+            expectOrder(field, isHebrew ? L"10001" : L"10000", isHebrew ? L"מכירות" : L"Sales");
+            person.Expect("CboKind", isHebrew ? "735 - מזרח" : "735 - south");
+            COMBOBOXINFO parts = {};
+            parts.cbSize = sizeof(parts);
+            ::GetComboBoxInfo(person.Control("CboKind"), &parts);
+            for (const HWND list : {parts.hwndList, person.Control("LstTaken")}) {
+                constexpr LONG sides = WS_EX_LAYOUTRTL | WS_EX_LEFTSCROLLBAR;
+                EXPECT_EQ(::GetWindowLongW(list, GWL_EXSTYLE) & sides, WS_EX_LEFTSCROLLBAR);
+            }
             person.Click("CmdCancel");
         });
     }
