@@ -10,6 +10,7 @@
 #include "cli/MembersCommand.h"
 #include "cli/ServerCheckCommand.h"
 #include "cli/SettingsCommand.h"
+#include "cli/ShellFilesCommand.h"
 #include "cli/ShownStream.h"
 #include "cli/Terminal.h"
 #include "cli/Version.h"
@@ -97,6 +98,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddServerCheckCommand(*server, context);
     qel::AddSettingsCommand(app, context);
     qel::AddLangCommand(app, context);
+    qel::AddShellFilesCommand(app, qel::programVersion);
 }
 
 /// The servers of the settings file, which is read when the first one is asked for: what needs no server does
