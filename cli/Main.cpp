@@ -1,5 +1,6 @@
 #include "cli/CubeBuildCommand.h"
 #include "cli/CubeCheckCommand.h"
+#include "cli/CubeDraftCommand.h"
 #include "cli/CubeExportCommand.h"
 #include "cli/CubeInfoCommand.h"
 #include "cli/CubeVerifyCommand.h"
@@ -87,6 +88,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     auto* cube = app.add_subcommand("cube", "Make, describe and check cube files");
     cube->require_subcommand(1);
     cube->fallthrough();
+    qel::AddCubeDraftCommand(*cube, context);
     qel::AddCubeBuildCommand(*cube, context);
     qel::AddCubeInfoCommand(*cube, context);
     qel::AddCubeExportCommand(*cube, context);

@@ -73,7 +73,8 @@ struct DimensionDefinition {
     std::vector<std::string> keys;     ///< columns of the tables with the values of `columns`
     bool isMain = false;
     std::optional<CalendarDefinition> calendar;
-    std::vector<std::string> members; ///< of a dimension with neither column nor table
+    /// Of a dimension with neither column nor table, each with its name on every level.
+    std::vector<std::vector<std::string>> members;
     std::vector<HierarchyDefinition> hierarchies;
     std::vector<std::string> accepted; ///< kinds of warnings
 };
