@@ -84,15 +84,16 @@ std::string WalkCases(const std::vector<NamedCommand>& commands) {
     for (const auto& command : commands) {
         const auto words = WordsAfterProgram(command);
         for (const auto* each : SubcommandsOf(*command.app)) {
-            const auto longer = words + (words.empty() ? "" : " ") + each->get_name();
-            cases += fmt::format("        {}) command={} ;;\n", InQuotes(words + ':' + each->get_name()),
-                                 InQuotes(longer));
+            const auto longer =
+                words.empty() ? each->get_name() : fmt::format("{} {}", words, each->get_name());
+            cases += fmt::format("        {}) command={} ;;\n",
+                                 InQuotes(fmt::format("{}:{}", words, each->get_name())), InQuotes(longer));
         }
         std::vector<std::string> patterns;
         for (const auto* option : OptionsIn(command, commands.front())) {
             for (const auto& spelling : SpellingsOf(*option)) {
                 if (TakesValue(*option)) {
-                    patterns.push_back(InQuotes(words + ':' + spelling));
+                    patterns.push_back(InQuotes(fmt::format("{}:{}", words, spelling)));
                 }
             }
         }
@@ -135,7 +136,8 @@ std::string EntryCases(const std::vector<NamedCommand>& commands, const Write& w
                 values.push_back({choice, ""});
             }
             for (const auto& spelling : values.empty() ? std::vector<std::string>{} : SpellingsOf(*option)) {
-                cases += fmt::format("    {}) {} ;;\n", InQuotes(words + ':' + spelling), write(values));
+                cases += fmt::format("    {}) {} ;;\n", InQuotes(fmt::format("{}:{}", words, spelling)),
+                                     write(values));
             }
         }
     }
@@ -147,6 +149,7 @@ std::string EntryCases(const std::vector<NamedCommand>& commands, const Write& w
 std::string BashCompletion(const std::vector<NamedCommand>& commands) {
     const auto write = [](const std::vector<Entry>& entries) {
         std::vector<std::string> texts;
+        texts.reserve(entries.size());
         for (const auto& entry : entries) {
             texts.push_back(entry.text);
         }

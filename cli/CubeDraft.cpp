@@ -53,6 +53,9 @@ public:
         if (source.lacksValues) {
             Comment("The table has not every value of the ledger. Add them, or build with --skip-bad-lines.");
         }
+        if (source.hasManyNames) {
+            Comment("A code that has several names shows the first of them.");
+        }
         text_ += fmt::format("        {{ \"name\": {}", Quoted(name));
         if (source.columns.empty()) {
             text_ += fmt::format(", \"members\": [ {} ]", members);
@@ -197,6 +200,10 @@ private:
         const auto amount = *ledger.roles.Of(ColumnRole::Amount);
         std::vector<std::string> measures = {
             measure("Amount", sources_.ColumnName(ColumnRole::Amount, amount), amount)};
+        if (!sources_.FurtherAmounts().empty()) {
+            measures.back().insert(0, "        // Debit and credit in columns of their own stay two "
+                                      "measures; a sheet subtracts them.\n");
+        }
         for (const auto column : sources_.FurtherAmounts()) {
             const auto& name = ledger.profile.columns[column].name;
             measures.push_back(measure(name, name, column));
@@ -365,12 +372,13 @@ std::string DraftFormula(const DraftSources& sources, const std::string& cubeFil
         number = FirstOf(sources, numbers->source, numbers->number);
     }
     // Over all accounts a balanced ledger gives 0.
-    const auto account = sources.FirstLedger().roles.Of(ColumnRole::Account);
+    const auto column = sources.FirstLedger().roles.Of(ColumnRole::Account);
+    const auto account = column ? sources.FirstLedger().profile.columns[*column].first : "";
+    const bool isPlain = !account.empty() && account.find('"') == std::string::npos;
     return fmt::format(
         "=QelF1(\"{}\",\"{}\",{{\"{}\"}},{{\"{}\"}},{{\"All\"}},{{\"All\"}},{{\"All\"}},\"All\",\"\","
         "\"{}\",\"Amount\",\"All\",\"All\",\"All\",\"All\",\"All\",\"{}\",\"{}\")",
-        cubeFile, cubeName, name, number,
-        account ? sources.FirstLedger().profile.columns[*account].first : "All", FormulaDate(least, true),
+        cubeFile, cubeName, name, number, isPlain ? account : "All", FormulaDate(least, true),
         FormulaDate(greatest, false));
 }
 

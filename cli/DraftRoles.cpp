@@ -204,7 +204,7 @@ private:
             return static_cast<int>(std::min<std::size_t>(column.distinct, withNames - 1)) +
                    (FindNames(file_, index) ? withNames : 0);
         });
-        found_.accountIsGuess = true;
+        found_.accountIsGuess = found_.Of(ColumnRole::Account).has_value();
     }
 
     const engine::SourceProfile& file_;

@@ -1,5 +1,10 @@
 #include "cli/DraftSources.h"
 
+#include "text/Utf8Path.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <algorithm>
 #include <stdexcept>
 
@@ -44,6 +49,30 @@ std::string NamesOfKey(const engine::SourceProfile& table, std::size_t key,
     return finest;
 }
 
+/// Of each file, on a line of its own: its columns, and which of them are dates and amounts.
+std::string WhatIsThere(const std::vector<DraftTable>& tables) {
+    std::string text;
+    for (const auto& table : tables) {
+        std::vector<std::string> names, dates, numbers;
+        for (const auto& column : table.profile.columns) {
+            const auto name = fmt::format("\"{}\"", column.name);
+            names.push_back(name); // NOLINT(performance-inefficient-vector-operation): a few columns
+            if (column.isDate) {
+                dates.push_back(name);
+            } else if (column.isAmount) {
+                numbers.push_back(name);
+            }
+        }
+        const auto listed = [](const auto& columns) {
+            return columns.empty() ? "none" : fmt::format("{}", fmt::join(columns, ", "));
+        };
+        text += fmt::format("\n  {}: {} lines; columns (by its first line) {}; of dates: {}; of numbers: {}",
+                            PathToUtf8(table.profile.file), table.profile.lines, listed(names), listed(dates),
+                            listed(numbers));
+    }
+    return text;
+}
+
 bool SharesSubject(const std::vector<std::string>& left, const std::vector<std::string>& right) {
     return !left.empty() && left == right;
 }
@@ -74,9 +103,8 @@ DraftSources::DraftSources(std::vector<DraftTable> tables) : tables_(std::move(t
         }
     }
     if (ledgers_.empty()) {
-        throw std::runtime_error(
-            "no file has both a column of dates and one of amounts in all its lines, as a ledger "
-            "has; write the definition by hand (docs/cube-definition.md)");
+        throw std::runtime_error("no file has a column of dates and one of amounts, as a ledger has" +
+                                 WhatIsThere(tables_));
     }
 }
 
@@ -143,6 +171,9 @@ DraftAttribute DraftSources::AttributeOf(ColumnRole role) const {
     if (NamesAreInAll(role)) {
         attribute.key.names =
             ledgers_.size() > 1 ? name + "_name" : NameOr(ledger.profile, FindNames(ledger.profile, column));
+    }
+    if (const auto names = FindNames(ledger.profile, column); names && !attribute.key.names.empty()) {
+        attribute.hasManyNames = !ledger.profile.Determines(column, *names);
     }
     if (role == ColumnRole::Account && ledgers_.size() == 1) {
         attribute.groups = GroupsOf(ledger, column);
@@ -282,7 +313,7 @@ std::vector<std::string> DraftSources::Unused() const {
     }
     std::vector<std::string> unused;
     for (std::size_t i = 0; i < isUsed.size(); ++i) {
-        if (!isUsed[i]) {
+        if (!isUsed[i] && !ledger.profile.columns[i].name.empty()) {
             unused.push_back(ledger.profile.columns[i].name);
         }
     }

@@ -24,6 +24,7 @@ struct DraftAttribute {
     std::vector<CodesAndNames> groups; ///< of the keys, from the coarsest, each key in one of them
     std::vector<CodesAndNames> others; ///< the table's further columns
     bool lacksValues = false;          ///< the table has not every value of the ledger
+    bool hasManyNames = false;         ///< a key has several names
 };
 
 /// The files of a draft: one ledger, in one file or more, and tables that belong to it.

@@ -101,7 +101,7 @@ public:
     }
 };
 
-std::string OneLine(std::string text) { return text.substr(0, text.find('\n')); }
+std::string OneLine(const std::string& text) { return text.substr(0, text.find('\n')); }
 
 } // namespace
 

@@ -135,6 +135,18 @@ class Drafts(unittest.TestCase):
         self.assertEqual(self.run_qel("cube", "draft", "ledger.csv", "-o", "d.json")[0], 0)
         self.assertIn('// 1 value of "amount" cannot be used: build with --skip-bad-lines', (self.path / "d.json").read_text())
 
+    def test_guesses_are_told(self):
+        cases = [("date,amount\n2024-01-01,5\n", []),
+                 ("date,code,amount\n" + "2024-01-01,a,5\n2024-01-01,b,1\n" * 3, ["this one is a guess"]),
+                 ("date,account,account name,amount\n2024-01-01,1,a,5\n2024-01-01,1,b,5\n", ["several names"]),
+                 ("date,account,debit,credit\n2024-01-01,1,5.00,\n2024-01-01,1,,2.50\n", ["a sheet subtracts them"]),
+                 ("date,account,amount\n05/01/2024,1,5\n", ["look whether"])]
+        told = ["this one is a guess", "several names", "a sheet subtracts them", "look whether"]
+        for text, expected in cases:
+            self.draft(self.write("ledger.csv", text), options=["--force"])
+            draft = (self.path / "draft.json").read_text(encoding="utf-8")
+            self.assertEqual([words for words in told if words in draft], expected, text)
+
     def test_refusals_write_nothing(self):
         self.write("ledger.csv", "date,account,amount\n2024-01-31,1,1.5\n")
         self.write("accounts.csv", "code,name\n1,Sales\n")
@@ -142,7 +154,8 @@ class Drafts(unittest.TestCase):
         self.write("old.json", "mine")
         cases = [(("ledger.csv", "-o", "old.json"), 1, "old.json exists already; --force replaces it"),
                  (("ledger.csv", "-o", "ledger.csv", "--force"), 1, "ledger.csv is one of the files to read"),
-                 (("accounts.csv", "-o", "d.json"), 1, "dates and one of amounts"),
+                 (("accounts.csv", "-o", "d.json"), 1, "accounts.csv: 1 lines; columns (by its first line) \"code\", \"name\"; of dates: none; of "
+                                                        "numbers: \"code\""),
                  (("none.csv", "-o", "d.json"), 1, "none.csv"), (("book.csv", "-o", "d.json"), 1, "save the sheet as CSV"),
                  (("ledger.csv", "-o", "none/d.json"), 1, "none/d.json"), (("ledger.csv",), 2, "--output")]
         before = {file.name: file.read_bytes() for file in self.path.iterdir()}
