@@ -85,6 +85,7 @@ void SortFromCoarse(const engine::SourceProfile& file, std::vector<std::size_t>&
         });
     };
     std::vector<std::pair<std::ptrdiff_t, std::size_t>> ranked;
+    ranked.reserve(columns.size());
     for (const auto column : columns) {
         ranked.emplace_back(-determining(column), column);
     }
@@ -246,7 +247,8 @@ DraftAttribute DraftSources::InTable(const std::string& column, std::size_t ledg
         const auto isGroup = [&](const auto& group) { return group.codes == columns[i].name; };
         if (i != joined.key && columns[i].distinct > 0 && !columns[i].isRepeated &&
             !IsNameHeader(columns[i].name) &&
-            std::none_of(attribute.groups.begin(), attribute.groups.end(), isGroup)) {
+            std::none_of(attribute.groups.begin(), attribute.groups.end(), isGroup) &&
+            table.profile.Determines(joined.key, i)) {
             attribute.others.push_back({columns[i].name, ""});
         }
     }
@@ -274,6 +276,7 @@ std::vector<CodesAndNames> DraftSources::GroupsOf(const DraftTable& table, std::
     }
     SortFromCoarse(table.profile, groups);
     std::vector<CodesAndNames> named;
+    named.reserve(groups.size());
     for (const auto group : groups) {
         named.push_back({columns[group].name, NameOr(table.profile, FindNames(table.profile, group))});
     }

@@ -22,7 +22,7 @@ struct DraftAttribute {
     std::vector<std::string> tables;   ///< with the members; none when the column's values are the members
     CodesAndNames key;                 ///< of the tables, or of the ledger
     std::vector<CodesAndNames> groups; ///< of the keys, from the coarsest, each key in one of them
-    std::vector<CodesAndNames> others; ///< the table's further columns
+    std::vector<CodesAndNames> others; ///< the table's further columns with one value per key
     bool lacksValues = false;          ///< the table has not every value of the ledger
     bool hasManyNames = false;         ///< a key has several names
 };

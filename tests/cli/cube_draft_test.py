@@ -110,6 +110,13 @@ class Drafts(unittest.TestCase):
                          {("4000",): decimal.Decimal("4.75"), ("5000",): 2, ("6000",): -4})
         self.assertEqual(self.value, "4.75\n")
 
+    def test_a_table_whose_codes_have_several_parents_counts_nothing_twice(self):
+        self.write("ledger.csv", "date,account,amount\n2024-01-05,1,1.50\n2024-01-06,2,2\n2024-01-06,3,4\n")
+        self.write("accounts.csv", "code,name,unit,group\n1,Pay,A,x\n1,Pay,B,x\n2,Fee,A,x\n3,Rent,A,y\n")
+        super_summary = self.dimensions(self.draft("ledger.csv", "accounts.csv"))["SuperSumery"]
+        self.assertEqual([level["key"] for level in super_summary["hierarchies"][0]["levels"]], ["group"])
+        self.assertEqual(self.amounts("[AccX].[AccX].[AccX].Members"), {("x",): decimal.Decimal("3.5"), ("y",): 4})
+
     def test_how_files_are_written(self):
         cases = [
             ("plain", "date,account,amount\n2024-01-31,1,1.5\n", "utf-8", (",", ".", "", "iso", "auto")),
