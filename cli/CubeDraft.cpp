@@ -184,29 +184,37 @@ private:
         return text;
     }
 
+    /// The most decimals that the ledger's files have in a role's column.
+    int DecimalsOf(ColumnRole role) const {
+        int most = 0;
+        for (const auto ledger : sources_.Ledgers()) {
+            const auto& table = sources_.Tables()[ledger];
+            if (const auto column = table.roles.Of(role)) {
+                most = std::max<int>(most, table.profile.columns[*column].decimals);
+            }
+        }
+        return most;
+    }
+
     std::string Measures() const {
         const auto& ledger = sources_.FirstLedger();
-        const auto measure = [&](const std::string& name, const std::string& column, std::size_t index) {
-            int decimals = 0;
-            for (const auto each : sources_.Ledgers()) {
-                const auto& profile = sources_.Tables()[each].profile;
-                const auto own =
-                    name == "Amount" ? *sources_.Tables()[each].roles.Of(ColumnRole::Amount) : index;
-                decimals = std::max<int>(decimals, profile.columns[own].decimals);
-            }
+        const auto measure = [](const std::string& name, const std::string& columns, int decimals) {
             return fmt::format("        {{ \"name\": {}, \"column\": {}, \"decimals\": {} }}", Quoted(name),
-                               Quoted(column), decimals);
+                               columns, decimals);
         };
-        const auto amount = *ledger.roles.Of(ColumnRole::Amount);
-        std::vector<std::string> measures = {
-            measure("Amount", sources_.ColumnName(ColumnRole::Amount, amount), amount)};
-        if (!sources_.FurtherAmounts().empty()) {
-            measures.back().insert(0, "        // Debit and credit in columns of their own stay two "
-                                      "measures; a sheet subtracts them.\n");
+        const auto nameOf = [&](ColumnRole role) {
+            return Quoted(sources_.ColumnName(role, *ledger.roles.Of(role)));
+        };
+        auto amount = nameOf(ColumnRole::Amount);
+        auto decimals = DecimalsOf(ColumnRole::Amount);
+        if (sources_.HasRole(ColumnRole::Credit)) {
+            amount += fmt::format(", \"minus\": {}", nameOf(ColumnRole::Credit));
+            decimals = std::max(decimals, DecimalsOf(ColumnRole::Credit));
         }
-        for (const auto column : sources_.FurtherAmounts()) {
-            const auto& name = ledger.profile.columns[column].name;
-            measures.push_back(measure(name, name, column));
+        std::vector<std::string> measures = {measure("Amount", amount, decimals)};
+        for (const auto further : sources_.FurtherAmounts()) {
+            const auto& column = ledger.profile.columns[further];
+            measures.push_back(measure(column.name, Quoted(column.name), column.decimals));
         }
         measures.emplace_back("        { \"name\": \"Lines\", \"aggregate\": \"count\" }");
         return fmt::format("{}", fmt::join(measures, ",\n"));
@@ -277,6 +285,9 @@ void DefinitionWriter::AddOrganisation() {
         levels.levels.push_back({fmt::format("Level{}", levels.levels.size() + 1), group.codes, group.names});
     }
     levels.levels.push_back({fmt::format("Level{}", levels.levels.size() + 1), obs.key.codes, obs.key.names});
+    if (!sources_.HasRole(ColumnRole::Obs) && !obs.columns.empty()) {
+        dimensions_.Comment("The ledger's cost centres and their groups.");
+    }
     if (obs.columns.size() > 1) {
         dimensions_.Comment("A value of the last column means something under its parents only.");
     }

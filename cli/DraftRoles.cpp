@@ -79,6 +79,8 @@ const std::vector<RoleWords>& KnownWords() {
 }
 
 const Words amountWords = {"amount", "value", "net", "sum", "total", "סכום", "ערך"};
+const Words debitWords = {"debit", "dr", "חובה"};
+const Words creditWords = {"credit", "cr", "זכות"};
 const Words nameWords = {"name", "description", "desc", "title", "text", "שם", "תיאור", "תאור"};
 const Words codeWords = {"code", "no", "number", "num", "id", "key", "קוד", "מספר", "מס"};
 
@@ -98,6 +100,10 @@ bool Contains(const Words& words, const std::string& word) {
 bool ContainsAll(const Words& words, const Words& parts) {
     return std::all_of(parts.begin(), parts.end(),
                        [&](const auto& part) { return Contains(words, Singular(part)); });
+}
+
+bool ContainsAny(const Words& words, const Words& some) {
+    return std::any_of(some.begin(), some.end(), [&](const auto& word) { return Contains(words, word); });
 }
 
 /// In lower case, plurals as singulars. Letters beyond ASCII are part of words.
@@ -136,6 +142,13 @@ public:
     FoundRoles Find() {
         TakeBest(ColumnRole::Date, [](const auto& column) { return column.isDate ? 1 : 0; });
         TakeBest(ColumnRole::Amount, AmountScore);
+        const auto amount = found_.Of(ColumnRole::Amount);
+        if (amount && ContainsAny(WordsOf(file_.columns[*amount].name), debitWords)) {
+            TakeBest(ColumnRole::Credit, [](const auto& column) {
+                const bool isCredit = column.isAmount && ContainsAny(WordsOf(column.name), creditWords);
+                return isCredit && !column.isRepeated ? 1 : 0;
+            });
+        }
         for (const auto& known : KnownWords()) {
             TakeNamed(known);
         }
@@ -153,9 +166,9 @@ private:
             return 0;
         }
         const auto words = WordsOf(column.name);
-        const bool isNamed = std::any_of(amountWords.begin(), amountWords.end(),
-                                         [&](const auto& word) { return Contains(words, word); });
-        return isNamed ? 2 : column.decimals > 0 ? 1 : 0;
+        const bool isNamed = ContainsAny(words, amountWords);
+        const bool isDebit = ContainsAny(words, debitWords);
+        return isNamed ? 3 : isDebit ? 2 : column.decimals > 0 ? 1 : 0;
     }
 
     bool IsFree(std::size_t column) const {

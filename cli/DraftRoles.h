@@ -9,7 +9,7 @@
 
 namespace qel {
 
-/// What a column of a ledger is for. Those from Account on stand on codes.
+/// What a column of a ledger is for. Those from Account to MoneySet stand on codes.
 enum class ColumnRole : std::uint8_t {
     Date,
     Amount,
@@ -22,7 +22,8 @@ enum class ColumnRole : std::uint8_t {
     Plbs,
     Rh,
     OpeningBalance,
-    MoneySet
+    MoneySet,
+    Credit ///< to be subtracted from the amount, which is the debit
 };
 
 /// The columns of one file by their role, as numbers of columns.

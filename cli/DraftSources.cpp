@@ -15,8 +15,8 @@ namespace {
 /// The names of columns where files have different ones.
 const char* CommonName(ColumnRole role) {
     constexpr const char* names[] = {
-        "date", "amount",     "account", "cost_centre", "activity",        "firm",
-        "obs",  "obs_number", "plbs",    "rh",          "opening_balance", "money_set"};
+        "date",       "amount", "account", "cost_centre",     "activity",  "firm",  "obs",
+        "obs_number", "plbs",   "rh",      "opening_balance", "money_set", "credit"};
     return names[static_cast<std::size_t>(role)];
 }
 
@@ -188,6 +188,10 @@ DraftAttribute DraftSources::AttributeOf(ColumnRole role) const {
 DraftAttribute DraftSources::ObsAttribute() const {
     const auto& ledger = FirstLedger();
     auto columns = ledger.roles.AllOf(ColumnRole::Obs);
+    if (columns.empty()) {
+        const auto centres = AttributeOf(ColumnRole::CostCentre);
+        return centres.groups.empty() ? DraftAttribute() : centres;
+    }
     if (columns.size() <= 1 || ledgers_.size() > 1) {
         return AttributeOf(ColumnRole::Obs);
     }
@@ -289,7 +293,7 @@ std::vector<std::size_t> DraftSources::FurtherAmounts() const {
     for (std::size_t i = 0; ledgers_.size() == 1 && i < ledger.profile.columns.size(); ++i) {
         const auto& column = ledger.profile.columns[i];
         if (column.isAmount && column.decimals > 0 && !column.isRepeated &&
-            ledger.roles.Of(ColumnRole::Amount) != i) {
+            ledger.roles.Of(ColumnRole::Amount) != i && ledger.roles.Of(ColumnRole::Credit) != i) {
             further.push_back(i);
         }
     }

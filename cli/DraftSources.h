@@ -46,7 +46,8 @@ public:
     bool HasRole(ColumnRole role) const;
 
     DraftAttribute AttributeOf(ColumnRole role) const;
-    /// The columns of the ledger that say to which part of the organisation a line belongs.
+    /// The columns of the ledger that say to which part of the organisation a line belongs; without any, its
+    /// cost centres, if they have groups.
     DraftAttribute ObsAttribute() const;
     /// The first ledger's further columns with amounts.
     std::vector<std::size_t> FurtherAmounts() const;

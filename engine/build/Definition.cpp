@@ -390,11 +390,16 @@ private:
         const auto column = object.Optional("column");
         const auto decimals = object.Optional("decimals");
         constexpr int mostDecimals = 9;
+        const auto minus = object.Optional("minus");
         if (isCount && (column || decimals)) {
             place.Fail("a count has no \"column\" and no \"decimals\"");
         }
+        if (isCount && minus) {
+            minus->Fail("a count subtracts nothing");
+        }
         if (!isCount) {
             measure.column = object.Required("column").Text();
+            measure.minus = minus ? std::optional(minus->Text()) : std::nullopt;
         }
         measure.decimals = isCount    ? 0
                            : decimals ? static_cast<std::uint8_t>(decimals->Integer(0, mostDecimals))

@@ -82,6 +82,7 @@ struct DimensionDefinition {
 struct MeasureDefinition {
     std::string name, caption;
     std::optional<std::string> column; ///< none for a count
+    std::optional<std::string> minus;  ///< a column to subtract, such as the credit beside the debit
     std::uint8_t decimals = 2;
 };
 

@@ -88,6 +88,7 @@ void DimensionBuilder::TakeValues(const KeyColumnBuilder* keys) {
     for (MemberTree& tree : trees_) {
         for (const std::vector<std::string>& path : definition_.members) {
             std::vector<MemberTree::LevelFields> fields;
+            fields.reserve(path.size());
             for (const std::string& name : path) {
                 fields.push_back({name, "", ""});
             }

@@ -148,6 +148,8 @@ TEST(Definition, NamesTheKeyThatIsWrong) {
          R"([ "a" ], "hierarchies": [ { "name": "H", "levels": [ { "name": "L", "key": "x" } ] } ])",
          "cubes[0].dimensions[3].hierarchies[0].levels[0]: a dimension without a \"table\" has no other "
          "columns than its own"},
+        {"\"aggregate\": \"count\"", R"("aggregate": "count", "minus": "credit")",
+         "cubes[0].measures[1].minus: a count subtracts nothing"},
         {"\"decimals\": 3", "\"decimals\": 10",
          "cubes[0].measures[0].decimals: expected a whole number from 0 to 9"},
         {"\"decimals\": 3", "\"decimals\": 1.5",
