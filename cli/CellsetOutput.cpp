@@ -15,10 +15,10 @@ std::size_t TupleSize(const std::vector<Tuple>& positions) {
     return positions.empty() ? 0 : positions.front().size();
 }
 
-std::string JoinedCaptions(const Tuple& tuple) {
+std::string JoinedTexts(const Tuple& tuple, MemberText names) {
     std::string text;
     for (const auto& member : tuple) {
-        text += (text.empty() ? "" : " / ") + CaptionOf(member);
+        text += (text.empty() ? "" : " / ") + TextOf(member, names);
     }
     return text;
 }
@@ -56,11 +56,15 @@ nlohmann::ordered_json AxisJson(const std::vector<Tuple>& positions) {
     for (const auto& tuple : positions) {
         auto members = nlohmann::ordered_json::array();
         for (const auto& member : tuple) {
-            members.push_back({{"name", member.name},
-                               {"caption", CaptionOf(member)},
-                               {"uniqueName", member.uniqueName},
-                               {"level", member.levelName},
-                               {"depth", member.levelDepth}});
+            nlohmann::ordered_json entry({{"name", member.name},
+                                          {"caption", member.caption.value_or(member.name)},
+                                          {"uniqueName", member.uniqueName},
+                                          {"level", member.levelName},
+                                          {"depth", member.levelDepth}});
+            if (!member.key.empty()) {
+                entry["key"] = member.key;
+            }
+            members.push_back(std::move(entry));
         }
         axis.push_back({{"members", std::move(members)}});
     }
@@ -112,9 +116,22 @@ nlohmann::ordered_json CellsJson(const CellsetTable& grid) {
     return cells;
 }
 
+/// The row's members, then its cells.
+std::vector<std::string> RowTexts(const CellsetTable& grid, std::size_t row, MemberText names) {
+    std::vector<std::string> texts;
+    for (const auto& member : grid.rows[row]) {
+        texts.push_back(TextOf(member, names));
+    }
+    for (std::size_t column = 0; column < grid.cells[row].size(); ++column) {
+        const bool isExact = !grid.exact.empty() && grid.exact[row][column];
+        texts.push_back(isExact ? *grid.exact[row][column] : ValueText(grid.cells[row][column]));
+    }
+    return texts;
+}
+
 } // namespace
 
-void PrintAsTable(const CellsetTable& grid, std::ostream& output) {
+void PrintAsTable(const CellsetTable& grid, std::ostream& output, MemberText names) {
     TextTable table;
     table.leftColumns = TupleSize(grid.rows);
     const auto rowHeadings = RowHeadings(grid);
@@ -123,40 +140,26 @@ void PrintAsTable(const CellsetTable& grid, std::ostream& output) {
         const bool isLast = i + 1 == headingLines;
         auto line = isLast ? rowHeadings : std::vector<std::string>(rowHeadings.size());
         for (const auto& tuple : grid.columns) {
-            line.push_back(CaptionOf(tuple[i]));
+            line.push_back(TextOf(tuple[i], names));
         }
         table.lines.push_back(std::move(line));
     }
     for (std::size_t row = 0; row < grid.rows.size(); ++row) {
-        std::vector<std::string> line;
-        for (const auto& member : grid.rows[row]) {
-            line.push_back(CaptionOf(member));
-        }
-        for (const auto& cell : grid.cells[row]) {
-            line.push_back(ValueText(cell));
-        }
-        table.lines.push_back(std::move(line));
+        table.lines.push_back(RowTexts(grid, row, names));
     }
     PrintTable(table, output);
 }
 
-void PrintAsCsv(const CellsetTable& grid, std::ostream& output) {
+void PrintAsCsv(const CellsetTable& grid, std::ostream& output, MemberText names) {
     auto headings = RowHeadings(grid);
     for (const auto& tuple : grid.columns) {
-        headings.push_back(JoinedCaptions(tuple));
+        headings.push_back(JoinedTexts(tuple, names));
     }
     if (grid.axisCount > 0) {
         PrintCsvLine(headings, output);
     }
     for (std::size_t row = 0; row < grid.rows.size(); ++row) {
-        std::vector<std::string> line;
-        for (const auto& member : grid.rows[row]) {
-            line.push_back(CaptionOf(member));
-        }
-        for (const auto& cell : grid.cells[row]) {
-            line.push_back(ValueText(cell));
-        }
-        PrintCsvLine(line, output);
+        PrintCsvLine(RowTexts(grid, row, names), output);
     }
 }
 

@@ -1,5 +1,7 @@
 #include "cli/CellsetTable.h"
 
+#include <regex>
+
 namespace qel {
 
 namespace {
@@ -31,16 +33,16 @@ std::vector<Tuple> CombinedRows(const std::vector<std::vector<Tuple>>& axes) {
     return rows;
 }
 
-std::vector<Variant> ReadRow(const Cellset& cellset, std::vector<std::int32_t>& place, std::size_t columns) {
-    std::vector<Variant> cells;
-    cells.reserve(columns);
-    for (std::size_t column = 0; column < columns; ++column) {
+void ReadRow(const Cellset& cellset, std::vector<std::int32_t>& place, CellsetTable& grid) {
+    auto& cells = grid.cells.emplace_back();
+    auto& exact = grid.exact.emplace_back();
+    for (std::size_t column = 0; column < grid.columns.size(); ++column) {
         if (!place.empty()) {
             place[0] = static_cast<std::int32_t>(column);
         }
         cells.push_back(cellset.Value(place));
+        exact.push_back(cellset.ExactText(place));
     }
-    return cells;
 }
 
 /// Moves to the next row, the axis behind the columns varying fastest.
@@ -51,6 +53,28 @@ void MoveToNextRow(const std::vector<std::vector<Tuple>>& axes, std::vector<std:
         }
         place[axis] = 0;
     }
+}
+
+/// The key of a calendar's quarter, month or day: 2024-Q1, 2024-03, 2024-03-31.
+bool IsPartOfYear(const std::string& key) {
+    static const std::regex pattern(R"(\d{4}-(Q[1-4]|\d\d(-\d\d)?))");
+    return std::regex_match(key, pattern);
+}
+
+std::string KeyOf(const CellsetMember& member) {
+    if (!member.key.empty()) {
+        return member.key;
+    }
+    const auto start = member.uniqueName.rfind(".&[");
+    if (start == std::string::npos || !member.uniqueName.ends_with(']')) {
+        return member.name;
+    }
+    std::string key = member.uniqueName.substr(start + 3);
+    key.pop_back();
+    for (std::size_t at = 0; (at = key.find("]]", at)) != std::string::npos; ++at) {
+        key.erase(at, 1);
+    }
+    return key;
 }
 
 } // namespace
@@ -68,7 +92,7 @@ CellsetTable ReadGrid(const Cellset& cellset) {
     grid.cells.reserve(grid.rows.size());
     std::vector<std::int32_t> place(axes.size());
     for (std::size_t row = 0; row < grid.rows.size(); ++row) {
-        grid.cells.push_back(ReadRow(cellset, place, grid.columns.size()));
+        ReadRow(cellset, place, grid);
         MoveToNextRow(axes, place);
     }
     if (axes.size() > 2) {
@@ -77,8 +101,19 @@ CellsetTable ReadGrid(const Cellset& cellset) {
     return grid;
 }
 
-const std::string& CaptionOf(const CellsetMember& member) {
-    return member.caption ? *member.caption : member.name;
+std::string TextOf(const CellsetMember& member, MemberText text) {
+    switch (text) {
+    case MemberText::Name:
+        return member.name;
+    case MemberText::UniqueName:
+        return member.uniqueName;
+    case MemberText::Key:
+        return KeyOf(member);
+    case MemberText::Caption:
+        break;
+    }
+    const auto& caption = member.caption ? *member.caption : member.name;
+    return caption == member.name && IsPartOfYear(member.key) ? member.key : caption;
 }
 
 } // namespace qel

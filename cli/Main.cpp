@@ -1,5 +1,6 @@
 #include "cli/CubeBuildCommand.h"
 #include "cli/CubeCheckCommand.h"
+#include "cli/CubeDraftCommand.h"
 #include "cli/CubeExportCommand.h"
 #include "cli/CubeInfoCommand.h"
 #include "cli/CubeVerifyCommand.h"
@@ -10,6 +11,7 @@
 #include "cli/MembersCommand.h"
 #include "cli/ServerCheckCommand.h"
 #include "cli/SettingsCommand.h"
+#include "cli/ShellFilesCommand.h"
 #include "cli/ShownStream.h"
 #include "cli/Terminal.h"
 #include "cli/Version.h"
@@ -86,6 +88,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     auto* cube = app.add_subcommand("cube", "Make, describe and check cube files");
     cube->require_subcommand(1);
     cube->fallthrough();
+    qel::AddCubeDraftCommand(*cube, context);
     qel::AddCubeBuildCommand(*cube, context);
     qel::AddCubeInfoCommand(*cube, context);
     qel::AddCubeExportCommand(*cube, context);
@@ -97,6 +100,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddServerCheckCommand(*server, context);
     qel::AddSettingsCommand(app, context);
     qel::AddLangCommand(app, context);
+    qel::AddShellFilesCommand(app, qel::programVersion);
 }
 
 /// The servers of the settings file, which is read when the first one is asked for: what needs no server does

@@ -14,7 +14,7 @@ constexpr const char* description = "Run an MDX statement and print its cells";
 
 constexpr const char* footer =
     R"(Columns go across, rows go down; an empty cell is empty, not 0. Members of further axes stand before
-those of the rows.
+those of the rows. Amounts of cube files have all decimals of their measure, months their year.
 
 Examples:
   qel mdx demo.cub LedgerFNC 'SELECT {[Measures].[Amount]} ON COLUMNS, [Firma].Members ON ROWS FROM [LedgerFNC]'
@@ -23,6 +23,7 @@ Examples:
 struct MdxOptions {
     std::string cubeFile, cubeName, statement;
     bool csv = false, json = false;
+    MemberText names = MemberText::Caption;
 };
 
 void RunMdx(const MdxOptions& options, CommandContext& context) {
@@ -33,11 +34,11 @@ void RunMdx(const MdxOptions& options, CommandContext& context) {
     cellset->Open(options.statement == "-" ? ReadAll(context.input) : options.statement, cube.connection);
     const auto grid = ReadGrid(*cellset);
     if (options.csv) {
-        PrintAsCsv(grid, context.output);
+        PrintAsCsv(grid, context.output, options.names);
     } else if (options.json) {
         PrintAsJson(grid, context.output);
     } else {
-        PrintAsTable(grid, context.output);
+        PrintAsTable(grid, context.output, options.names);
     }
 }
 
@@ -52,7 +53,16 @@ void AddMdxCommand(CLI::App& app, CommandContext& context) {
     command->add_option("STATEMENT", options->statement, "The MDX statement; '-' reads standard input")
         ->required();
     auto* csv = command->add_flag("--csv", options->csv, "Print comma-separated values (RFC 4180)");
-    command->add_flag("--json", options->json, "Print JSON: axes with members, cells by row")->excludes(csv);
+    auto* json = command->add_flag("--json", options->json, "Print JSON: axes with members, cells by row");
+    json->excludes(csv);
+    static const std::map<std::string, MemberText> texts = {{"caption", MemberText::Caption},
+                                                            {"name", MemberText::Name},
+                                                            {"unique", MemberText::UniqueName},
+                                                            {"key", MemberText::Key}};
+    command->add_option("--names", options->names, "What stands for a member; JSON has all of them")
+        ->transform(CLI::CheckedTransformer(texts, CLI::ignore_case).description(""))
+        ->option_text("caption|name|unique|key")
+        ->excludes(json);
     command->callback([options, &context] { RunMdx(*options, context); });
 }
 

@@ -97,6 +97,15 @@ constexpr KindOfList kinds[] = {
     {obsLevels, nullptr, false, false, true, false, 1487},
 };
 
+/// "accounts|account-codes|…"
+std::string KindNames() {
+    std::string names;
+    for (const auto& kind : kinds) {
+        names += (names.empty() ? "" : "|") + std::string(kind.name);
+    }
+    return names;
+}
+
 const KindOfList& FindKind(const std::string& name) {
     for (const auto& kind : kinds) {
         if (name == kind.name) {
@@ -261,7 +270,9 @@ void AddMembersCommand(CLI::App& app, CommandContext& context) {
     auto options = std::make_shared<MembersOptions>();
     command->add_option("CUBEFILE", options->cubeFile, "The cube file")->required();
     command->add_option("CUBENAME", options->cubeName, "The cube in it")->required();
-    command->add_option("--kind", options->kind, "What to list, see below")->required();
+    command->add_option("--kind", options->kind, "What to list, see below")
+        ->required()
+        ->option_text(KindNames() + " REQUIRED");
     command->add_option("--firma", options->firma, "A member of [Firma]; All or nothing for every firm");
     command->add_option("--obs", options->obs, "A member under [ActX].[OBSx].[All]");
     command->add_option("--level", options->level, "A level of [OBS] or [SuperSumery]");

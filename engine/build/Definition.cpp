@@ -197,8 +197,8 @@ private:
         if (members) {
             ReadMembers(object, *members, dimension);
         }
-        if ((calendar || members) && hierarchies) {
-            hierarchies->Fail("a calendar or a list of members has no other hierarchies");
+        if (calendar && hierarchies) {
+            hierarchies->Fail("a calendar has no other hierarchies");
         }
         if (!calendar && !members && !dimension.column && dimension.tables.empty()) {
             object.Place().Fail("needs a \"column\" of the facts, a \"table\" or \"members\"");
@@ -216,7 +216,12 @@ private:
     /// The levels of a dimension that names none: one per column.
     static std::vector<LevelDefinition> OwnLevels(const DimensionDefinition& dimension) {
         if (!dimension.members.empty()) {
-            return {{dimension.name, "", "", "", MemberOrder::File}};
+            std::vector<LevelDefinition> levels(dimension.members.front().size(),
+                                                {"", "", "", "", MemberOrder::File});
+            for (std::size_t i = 0; i < levels.size(); ++i) {
+                levels[i].name = levels.size() == 1 ? dimension.name : fmt::format("Level{}", i + 1);
+            }
+            return levels;
         }
         if (dimension.keys.size() == 1) {
             return {{dimension.name, dimension.keys.front(), "", "", MemberOrder::Key}};
@@ -298,8 +303,12 @@ private:
         }
         UniqueNames names("member");
         for (const JsonPlace& element : place.Elements()) {
-            dimension.members.push_back(element.Text());
-            names.Add(dimension.members.back(), element);
+            dimension.members.push_back(element.Texts());
+            names.Add(fmt::format("{}", fmt::join(dimension.members.back(), "\", \"")), element);
+            if (dimension.members.back().size() != dimension.members.front().size()) {
+                element.Fail(fmt::format("expected {} names, as the first member has, found {}",
+                                         dimension.members.front().size(), dimension.members.back().size()));
+            }
         }
     }
 
@@ -314,7 +323,12 @@ private:
             names.Add(hierarchy.name, element);
             hierarchy.caption = object.TextOr("caption", hierarchy.name);
             ReadTop(object, hierarchy);
-            ReadLevels(object.Required("levels"), hierarchy, dimension);
+            const JsonPlace levels = object.Required("levels");
+            ReadLevels(levels, hierarchy, dimension);
+            const std::size_t depth = dimension.members.empty() ? 0 : dimension.members.front().size();
+            if (depth != 0 && hierarchy.levels.size() != depth) {
+                levels.Fail(fmt::format("expected {}, one for each name of a member", depth));
+            }
             object.Finish();
             dimension.hierarchies.push_back(std::move(hierarchy));
         }
@@ -327,6 +341,7 @@ private:
             JsonObject object(element);
             LevelDefinition level;
             level.name = object.Required("name").Text();
+            level.order = dimension.members.empty() ? MemberOrder::Key : MemberOrder::File;
             names.Add(level.name, element);
             level.key = object.TextOr("key", dimension.keys.empty() ? "" : dimension.keys.back());
             level.memberName = object.TextOr("memberName", "");
@@ -336,7 +351,7 @@ private:
             }
             object.Finish();
             const bool usesOthers =
-                (!dimension.keys.empty() &&
+                (!level.key.empty() &&
                  std::count(dimension.keys.begin(), dimension.keys.end(), level.key) == 0) ||
                 !level.memberName.empty() || !level.caption.empty();
             if (dimension.tables.empty() && usesOthers) {
@@ -375,11 +390,16 @@ private:
         const auto column = object.Optional("column");
         const auto decimals = object.Optional("decimals");
         constexpr int mostDecimals = 9;
+        const auto minus = object.Optional("minus");
         if (isCount && (column || decimals)) {
             place.Fail("a count has no \"column\" and no \"decimals\"");
         }
+        if (isCount && minus) {
+            minus->Fail("a count subtracts nothing");
+        }
         if (!isCount) {
             measure.column = object.Required("column").Text();
+            measure.minus = minus ? std::optional(minus->Text()) : std::nullopt;
         }
         measure.decimals = isCount    ? 0
                            : decimals ? static_cast<std::uint8_t>(decimals->Integer(0, mostDecimals))

@@ -73,7 +73,8 @@ struct DimensionDefinition {
     std::vector<std::string> keys;     ///< columns of the tables with the values of `columns`
     bool isMain = false;
     std::optional<CalendarDefinition> calendar;
-    std::vector<std::string> members; ///< of a dimension with neither column nor table
+    /// Of a dimension with neither column nor table, each with its name on every level.
+    std::vector<std::vector<std::string>> members;
     std::vector<HierarchyDefinition> hierarchies;
     std::vector<std::string> accepted; ///< kinds of warnings
 };
@@ -81,6 +82,7 @@ struct DimensionDefinition {
 struct MeasureDefinition {
     std::string name, caption;
     std::optional<std::string> column; ///< none for a count
+    std::optional<std::string> minus;  ///< a column to subtract, such as the credit beside the debit
     std::uint8_t decimals = 2;
 };
 

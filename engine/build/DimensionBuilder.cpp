@@ -86,9 +86,13 @@ void DimensionBuilder::TakeValues(const KeyColumnBuilder* keys) {
         return;
     }
     for (MemberTree& tree : trees_) {
-        for (const std::string& member : definition_.members) {
-            const MemberTree::LevelFields fields{member, "", ""};
-            tree.Add({&fields, 1}, std::nullopt);
+        for (const std::vector<std::string>& path : definition_.members) {
+            std::vector<MemberTree::LevelFields> fields;
+            fields.reserve(path.size());
+            for (const std::string& name : path) {
+                fields.push_back({name, "", ""});
+            }
+            tree.Add(fields, std::nullopt);
         }
         for (std::uint32_t number = 0; keys != nullptr && number < keys->Texts().Count(); ++number) {
             tree.Add(FieldsOf(keys->Texts().Text(number), definition_, tree.Definition()), number);

@@ -27,6 +27,7 @@ public:
         }
         for (const MeasureDefinition& measure : measures) {
             valueFields_.push_back(measure.column ? reader.Column(*measure.column) : noColumn);
+            minusFields_.push_back(measure.minus ? reader.Column(*measure.minus) : noColumn);
         }
     }
 
@@ -58,26 +59,49 @@ private:
     }
 
     bool TakeAmounts() {
-        const CsvFormat& format = reader_.Table().format;
         for (std::size_t i = 0; i < measures_.size(); ++i) {
-            if (valueFields_[i] == noColumn) {
-                continue;
-            }
-            const std::string_view field = reader_.Field(valueFields_[i]);
-            const auto amount = ParseAmount(field, format, measures_[i].decimals);
-            if (!amount.value) {
-                reader_.ReportBad({&valueFields_[i], 1}, amount.isTooLarge
-                                                             ? TooLarge(field, measures_[i].decimals)
-                                                             : AmountFault(field, measures_[i].decimals));
+            if (valueFields_[i] != noColumn &&
+                !(TakeAmount(i, valueFields_[i], amounts_[i]) && Subtract(i))) {
                 return false;
             }
-            if (amount.currency != 0 && !IsCurrencyOf(i, amount.currency)) {
-                reader_.ReportBad({&valueFields_[i], 1},
-                                  fmt::format("\"{}\" is in {}, and amounts before it are in {}", field,
-                                              CurrencySign(amount.currency), CurrencySign(currencies_[i])));
-                return false;
-            }
-            amounts_[i] = *amount.value;
+        }
+        return true;
+    }
+
+    bool TakeAmount(std::size_t measure, std::size_t column, std::int64_t& value) {
+        const std::string_view field = reader_.Field(column);
+        const std::uint8_t decimals = measures_[measure].decimals;
+        const auto amount = ParseAmount(field, reader_.Table().format, decimals);
+        if (!amount.value) {
+            reader_.ReportBad({&column, 1},
+                              amount.isTooLarge ? TooLarge(field, decimals) : AmountFault(field, decimals));
+            return false;
+        }
+        if (amount.currency != 0 && !IsCurrencyOf(measure, amount.currency)) {
+            reader_.ReportBad({&column, 1},
+                              fmt::format("\"{}\" is in {}, and amounts before it are in {}", field,
+                                          CurrencySign(amount.currency), CurrencySign(currencies_[measure])));
+            return false;
+        }
+        value = *amount.value;
+        return true;
+    }
+
+    /// Subtracts the column that the measure subtracts, if it has one.
+    bool Subtract(std::size_t measure) {
+        const std::size_t column = minusFields_[measure];
+        std::int64_t other = 0;
+        if (column == noColumn) {
+            return true;
+        }
+        if (!TakeAmount(measure, column, other)) {
+            return false;
+        }
+        std::int64_t& value = amounts_[measure];
+        if (__builtin_sub_overflow(value, other, &value) ||
+            value == std::numeric_limits<std::int64_t>::min()) {
+            reader_.ReportBad({&column, 1}, TooLarge(reader_.Field(column), measures_[measure].decimals));
+            return false;
         }
         return true;
     }
@@ -127,7 +151,7 @@ private:
     std::vector<KeyColumnBuilder>& keyColumns_;
     FactColumns& facts_;
     std::vector<std::vector<std::size_t>> keyFields_;
-    std::vector<std::size_t> valueFields_;
+    std::vector<std::size_t> valueFields_, minusFields_; ///< by measure
     std::vector<std::uint32_t> numbers_;
     std::vector<std::int64_t> amounts_;
     std::vector<std::uint8_t> currencies_; ///< by measure, 0 until a sign was seen

@@ -60,6 +60,8 @@ std::unique_ptr<Recordset> DataAccess::CreateRecordset() {
                           "recordsets.");
 }
 
+std::optional<std::string> Cellset::ExactText(const std::vector<std::int32_t>&) const { return std::nullopt; }
+
 std::vector<std::unique_ptr<Member>> Level::MembersNamed(const std::string& name) const {
     std::vector<std::unique_ptr<Member>> named;
     const std::int32_t count = MemberCount();

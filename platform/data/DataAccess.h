@@ -113,6 +113,7 @@ struct CellsetMember {
     std::string name, uniqueName, levelName;
     std::optional<std::string> caption; ///< none for Null
     std::int32_t levelDepth = 0;
+    std::string key = {}; ///< empty when the provider does not tell it
 };
 
 /// ADOMD's Cellset: Open, read, Close.
@@ -128,6 +129,8 @@ public:
     /// The cell at one position of every axis, columns first; Null when it is empty. Raises 9 outside the
     /// axes.
     virtual Variant Value(const std::vector<std::int32_t>& positions) const = 0;
+    /// The same number with all decimals of its measure; none when the provider has only the nearest double.
+    virtual std::optional<std::string> ExactText(const std::vector<std::int32_t>& positions) const;
 };
 
 /// ADO's Recordset over a statement whose rows are flattened: a column for every level of the rows'

@@ -90,6 +90,17 @@ CellsetTable SmallGrid() {
     return grid;
 }
 
+TEST(CellsetOutput, KeysOfServersAreTakenFromUniqueNames) {
+    CellsetMember member = Named("Sales");
+    EXPECT_EQ(TextOf(member, MemberText::Key), "Sales");
+    member.uniqueName = "[A].[N].&[40]]00]";
+    EXPECT_EQ(TextOf(member, MemberText::Key), "40]00");
+    member.key = "2024-01"; // a code that looks like a month has a caption of its own
+    EXPECT_EQ(TextOf(member), "2024-01");
+    member.caption = "January sales";
+    EXPECT_EQ(TextOf(member), "January sales");
+}
+
 TEST(CellsetOutput, TableHasAHeadingLineForEveryColumnMember) {
     std::ostringstream output;
     PrintAsTable(SmallGrid(), output);

@@ -308,15 +308,31 @@ class Mdx(WithBooks):
 
     def test_table(self):
         self.assertEqual(run("mdx", self.cube, "BooksFNC", self.STATEMENT), (0, (
-            "AccountName       Amount  Lines\n"
-            "Sales               -500      1\n"
-            'Wages, "regular"     200      1\n'
-            "Rent                 0.3      1\n"), ""))
+            "AccountName        Amount  Lines\n"
+            "Sales             -500.00      1\n"
+            'Wages, "regular"   200.00      1\n'
+            "Rent                 0.30      1\n"), ""))
 
     def test_csv_from_standard_input(self):
         status, output, _ = run("mdx", self.cube, "BooksFNC", "-", "--csv", stdin="\ufeff" + self.STATEMENT)
-        self.assertEqual((status, output), (0, 'AccountName,Amount,Lines\nSales,-500,1\n"Wages, ""regular""",200,1\n'
-                                               "Rent,0.3,1\n"))
+        self.assertEqual((status, output), (0, 'AccountName,Amount,Lines\nSales,-500.00,1\n"Wages, ""regular""",200.00,1\n'
+                                               "Rent,0.30,1\n"))
+
+    def test_names_and_decimals(self):
+        statement = ("WITH MEMBER [Measures].[Share] AS '[Measures].[Amount] / 3' "
+                     "SELECT {[Measures].[Amount],[Measures].[Share]} ON 0, CrossJoin({[Date].[2024].[Q1].[1]}, "
+                     "{[Accounts].[AccountCodes].[4000]}) ON 1 FROM BooksFNC")
+        amounts = "-1000.30,-333.433333333333\n"
+        date, account = "[Date].[All].[2024].[Q1].[1]", "[Accounts].[AccountCodes].[All].[4000]"
+        for names, headings, row in [("caption", "Amount,Share", "2024-01,Sales,"), ("name", "Amount,Share", "1,4000,"),
+                                     ("KEY", "Amount,Share", "2024-01,4000,"),
+                                     ("unique", "[Measures].[Amount],[Measures].[Share]", f"{date},{account},")]:
+            self.assertEqual(run("mdx", self.cube, "BooksFNC", statement, "--csv", "--names", names)[1],
+                             f"Month,AccountCode,{headings}\n{row}{amounts}", names)
+        member = json.loads(run("mdx", self.cube, "BooksFNC", statement, "--json")[1])["axes"][1][0]["members"][0]
+        self.assertEqual(member, {"name": "1", "caption": "1", "uniqueName": date, "level": "Month", "depth": 3,
+                                  "key": "2024-01"})
+        self.assertEqual(run("mdx", self.cube, "BooksFNC", statement, "--names", "codes")[0], 2)
 
     def test_json_has_null_for_an_empty_cell(self):
         statement = self.STATEMENT.replace("[Firma].[20]", "[Firma].[10]")
@@ -333,7 +349,7 @@ class Mdx(WithBooks):
                      "{[Accounts].[AccountNames].[Sales],[Accounts].[AccountNames].[Rent]} ON 2 FROM BooksFNC")
         self.assertEqual(run("mdx", self.cube, "BooksFNC", statement, "--csv")[1], (
             "AccountName,MeasuresLevel,10,20\n"
-            "Sales,Amount,-1000.3,-500\nSales,Lines,2,1\nRent,Amount,70,0.3\nRent,Lines,1,1\n"))
+            "Sales,Amount,-1000.30,-500.00\nSales,Lines,2,1\nRent,Amount,70.00,0.30\nRent,Lines,1,1\n"))
         document = json.loads(run("mdx", self.cube, "BooksFNC", statement, "--json")[1])
         self.assertEqual([len(axis) for axis in document["axes"]], [2, 2, 2])
         self.assertEqual(document["cells"], [[[-1000.3, -500], [2, 1]], [[70, 0.3], [1, 1]]])

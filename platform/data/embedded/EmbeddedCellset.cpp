@@ -5,6 +5,7 @@
 #include "platform/data/embedded/EmbeddedConnection.h"
 #include "platform/data/embedded/ProviderErrors.h"
 #include "qel/engine/Cellset.h"
+#include "text/DecimalText.h"
 
 namespace qel {
 
@@ -14,9 +15,13 @@ class EmbeddedCellset : public Cellset {
 public:
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection) override {
         answer_.Open([&] { return EmbeddedConnection::Run(connection, source); });
+        cube_ = EmbeddedConnection::CubeOf(connection);
     }
 
-    void Close() override { answer_.Close(); }
+    void Close() override {
+        answer_.Close();
+        cube_.reset();
+    }
 
     std::int32_t AxisCount() const override { return static_cast<std::int32_t>(answer_.Get().AxisCount()); }
 
@@ -34,11 +39,28 @@ public:
         const auto place = CheckedIndex(index, static_cast<std::size_t>(MemberCount(axis, position)));
         const auto& member =
             answer_.Get().MemberAt(static_cast<std::size_t>(axis), static_cast<std::size_t>(position), place);
-        return {member.name, member.uniqueName, member.levelName, member.caption,
-                static_cast<std::int32_t>(member.levelDepth)};
+        return {member.name,
+                member.uniqueName,
+                member.levelName,
+                member.caption,
+                static_cast<std::int32_t>(member.levelDepth),
+                KeyOf(member)};
     }
 
     Variant Value(const std::vector<std::int32_t>& positions) const override {
+        return CellVariant(CellAt(positions));
+    }
+
+    std::optional<std::string> ExactText(const std::vector<std::int32_t>& positions) const override {
+        const auto& cell = CellAt(positions);
+        if (cell.isEmpty || !cell.isExact) {
+            return std::nullopt;
+        }
+        return DecimalText(cell.scaled, cell.decimals);
+    }
+
+private:
+    const engine::CellValue& CellAt(const std::vector<std::int32_t>& positions) const {
         const auto& answer = answer_.Get();
         if (positions.size() != answer.AxisCount()) {
             throw PlatformError(ErrorNumber::SubscriptOutOfRange);
@@ -48,10 +70,18 @@ public:
         for (const auto position : positions) {
             place.push_back(CheckedIndex(position, answer.PositionCount(place.size())));
         }
-        return CellVariant(answer.Cell(place));
+        return answer.Cell(place);
     }
 
-private:
+    /// Measures and calculated members have no key.
+    std::string KeyOf(const engine::AxisMember& member) const {
+        if (member.member == engine::noMember) {
+            return {};
+        }
+        return std::string(cube_->Hierarchies()[member.hierarchy].MemberKey(member.member));
+    }
+
+    std::shared_ptr<const engine::Cube> cube_;
     HeldAnswer<engine::Cellset> answer_{embeddedProvider};
 };
 

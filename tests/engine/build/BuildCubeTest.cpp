@@ -299,6 +299,27 @@ TEST_F(BuildTest, AmountsOfEveryWidthAreExact) {
               "63 bits at 2 decimals");
 }
 
+TEST_F(BuildTest, AMeasureSubtractsAColumn) {
+    const char* measure = R"({"name": "Balance", "column": "debit", "minus": "credit"})";
+    const char* dimensions = R"("dimensions": [{"name": "Firm", "column": "firm"}])";
+    Table("ledger", "firm,debit,credit\n1,7.25,\n1,,2.20\n2,-92233720368547740,8.07\n");
+    const auto cube = Build(Define(dimensions, "", measure));
+    EXPECT_EQ(SumOf(*cube, 0, 0, {}), 505 - 9223372036854774807);
+    const struct {
+        const char *line, *fault;
+    } cases[] = {
+        {"1,1,x\n",
+         "column credit: expected an amount such as 1234.56, with at most 2 decimals, found \"x\""},
+        {"1,-92233720368547750,8.08\n",
+         "column credit: the amount 8.08 is too large; the most is 92233720368547758.07"},
+        {"1,€1,$1\n", "column credit: \"$1\" is in $, and amounts before it are in €"},
+    };
+    for (const auto& test : cases) {
+        Table("ledger", std::string("firm,debit,credit\n") + test.line);
+        EXPECT_EQ(Fault(Define(dimensions, "", measure)), std::string("ledger.csv, line 2, ") + test.fault);
+    }
+}
+
 TEST_F(BuildTest, BadLinesStopTheBuildOrAreSkipped) {
     const struct {
         const char *line, *fault;

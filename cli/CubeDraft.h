@@ -1,0 +1,14 @@
+#pragma once
+
+#include "cli/DraftSources.h"
+
+namespace qel {
+
+/// The definition of a cube for formulas over the files, with comments. Files are named as seen from
+/// `folder`.
+std::string DraftDefinition(const DraftSources& sources, const std::filesystem::path& folder);
+
+/// A formula that the cube of the draft answers: the amount of one account over all dates.
+std::string DraftFormula(const DraftSources& sources, const std::string& cubeFile);
+
+} // namespace qel
