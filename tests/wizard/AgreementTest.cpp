@@ -1,4 +1,4 @@
-#include "cli/formula/ParseFormula.h"
+#include "function/formula/ParseFormula.h"
 #include "tests/wizard/TestBench.h"
 #include "text/Text.h"
 #include "wizard/FormulaArgs.h"
