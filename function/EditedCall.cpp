@@ -42,12 +42,11 @@ Variant KeysOf(const Variant& value, const Locale& locale) {
 }
 
 std::string TrimmedText(const Variant& value, const Locale& locale) {
-    return std::string(Trimmed(ToText(ElementsOf(value).front(), locale)));
+    return std::string(Trimmed(ToText(value, locale)));
 }
 
 AutomationDate DateOf(const Variant& value, const Locale& locale) {
-    const Variant first = ElementsOf(value).front();
-    return first.Is<Empty>() ? AutomationDate() : ToDate(first, locale);
+    return value.Is<Empty>() ? AutomationDate() : ToDate(value, locale);
 }
 
 ValueQuery QueryOf(const ValueCall& call, const Locale& locale) {

@@ -110,11 +110,11 @@ const EditCase edits[] = {
      },
      {{16, R"("31/12/2024")"}, {17, R"("31/01/2025")"}}},
     {"what the function cannot read",
-     {{9, "NoSuchName"}, {17, R"("soon")"}},
+     {{9, "NoSuchName"}, {14, R"({"10"})"}, {17, R"("soon")"}},
      [](Selection& s) {
          s.from = s.to = DateFromDay({2024, 1, 1});
      },
-     {{9, R"("All")"}, {17, R"("01/01/2024")"}}},
+     {{9, R"("All")"}, {14, R"("All")"}, {17, R"("01/01/2024")"}}},
     {"a key that is none in brackets", {{14, R"("a]b")"}}, [](Selection&) {}, {{14, R"("a]]b")"}}},
 };
 

@@ -71,8 +71,8 @@ public:
     ~PassingChange() {
         try {
             undo_->unlock();
+            model_->unlockControllers(); // which tells the document that it was changed
             modifiable_->setModified(wasModified_);
-            model_->unlockControllers();
         } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the document was closed
         }
     }
@@ -86,8 +86,8 @@ private:
     bool wasModified_;
 };
 
-/// While one lives, a cell has another formula. It is an array formula, so that a range gives its first cell
-/// wherever the cell stands.
+/// While one lives, a cell has another formula. It is an array formula, so that a range is not taken for the
+/// cell beside the formula.
 class OtherFormula {
 public:
     OtherFormula(const RangeReference& range, const rtl::OUString& formula)
@@ -201,8 +201,12 @@ public:
     Variant Evaluate(const std::string& expression) const override {
         return Translating([&] {
             const PassingChange passing(document_);
-            const OtherFormula other(range_, ToOffice("=" + expression));
-            return Result();
+            const Variant rows = ValueOf("ROWS(" + expression + ")");
+            const Variant columns = ValueOf("COLUMNS(" + expression + ")");
+            const bool isRange =
+                rows.Is<double>() && columns.Is<double>() && rows.As<double>() * columns.As<double>() > 1;
+            return isRange ? CellsOf(expression, rows.As<double>(), columns.As<double>())
+                           : ValueOf(expression);
         });
     }
 
@@ -220,6 +224,24 @@ private:
         if (spreadsheet->isProtected() && protection.IsLocked) {
             throw AutomationError(applicationDefinedError, "The cell is protected.", "LibreOffice");
         }
+    }
+
+    Variant CellsOf(const std::string& range, double rows, double columns) const {
+        constexpr std::size_t mostCells = 6; // no argument uses more
+        std::vector<Variant> cells;
+        for (int row = 1; row <= rows && cells.size() < mostCells; ++row) {
+            for (int column = 1; column <= columns && cells.size() < mostCells; ++column) {
+                const std::string cell =
+                    "INDEX(" + range + ";" + std::to_string(row) + ";" + std::to_string(column) + ")";
+                cells.push_back(ValueOf("IF(ISBLANK(" + cell + ");\"\";" + cell + ")"));
+            }
+        }
+        return Variant::List(std::move(cells));
+    }
+
+    Variant ValueOf(const std::string& expression) const {
+        const OtherFormula other(range_, ToOffice("=" + expression));
+        return Result();
     }
 
     Variant Result() const {
