@@ -82,6 +82,11 @@ class Control:
         return [entries.getAccessibleChild(i).getAccessibleContext().getAccessibleName()
                 for i in range(entries.getAccessibleChildCount())]
 
+    @property
+    def is_open(self):
+        """Whether a combo box shows its list."""
+        return Control(self.child(LIST)).has(SHOWING)
+
     def type(self, text):
         part = self.child(TEXT) if self.context.getAccessibleRole() == COMBO_BOX else self.context
         self.context.grabFocus()
@@ -148,9 +153,10 @@ class Hands:
     def key(self, *names):
         self.do("key", "--delay", 40, *names)
 
-    def click(self, control):
+    def click(self, control, below=0):
+        """In the middle of a control, or that many times its height below."""
         place, size = control.context.getLocationOnScreen(), control.context.getSize()
-        self.do("mousemove", place.X + size.Width // 2, place.Y + size.Height // 2, "sleep", 0.2, "click", 1)
+        self.do("mousemove", place.X + size.Width // 2, place.Y + size.Height // 2 + int(below * size.Height), "sleep", 0.2, "click", 1)
 
 
 class Person:
