@@ -175,8 +175,9 @@ class Wizards(unittest.TestCase):
         label = dialog.named("שם קוביה", LABEL).context.getLocationOnScreen()
         box = dialog.after("שם קוביה").context.getLocationOnScreen()
         self.assertGreater(label.X, box.X, "a label stands on the right of its box")
-        dialog.first(TEXT).type(str(self.cube))
-        dialog.button("אישור").press()
+        if not dialog.after("שם קוביה").items: # it is not remembered
+            dialog.first(TEXT).type(str(self.cube))
+            dialog.button("אישור").press()
         firms = eventually("the list of firms", lambda: dialog.after("פירמה").items)
         self.assertEqual([firms[0][0], firms[1][0]], ["\u202b", "\u202a"], "each reads in the direction of its letters")
         dialog.button(cancel).press()

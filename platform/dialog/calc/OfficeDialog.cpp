@@ -151,6 +151,12 @@ void OfficeDialog::ShowModal() {
 
 void OfficeDialog::Hide() {
     isHidden_ = true;
+    for (const auto& control : OwnControls()) {
+        if (control->Search() != nullptr) {
+            const OwnChange own(*this);
+            control->Search()->Close(); // an open list must not outlive its dialog
+        }
+    }
     const uno::Reference<awt::XDialog> dialog(window_, uno::UNO_QUERY);
     if (isShown_ && dialog.is()) {
         dialog->endExecute();

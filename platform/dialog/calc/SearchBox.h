@@ -44,8 +44,10 @@ public:
     /// fills it with all rows after a choice.
     void Settle(bool hasFocus);
 
-private:
+    /// Closes the list, if it is open.
     void Close();
+
+private:
     bool IsOpen() const { return list_ && list_->IsOpen(); }
     std::string TypedText() const;
     void Show(const std::vector<std::uint32_t>& matches);
