@@ -105,6 +105,7 @@ class Keys(unittest.TestCase):
         eventually("the closed list", lambda: not accounts.is_open)
         time.sleep(1)
         self.assertEqual((accounts.is_open, accounts.text), (False, "text"))
+        self.hands.do("mousemove", 5, 5)  # as a hand does before the next click
         self.hands.click(self.dialog.button("OK"))
         self.person.answers("OrmFuncQel4", "QelFunction17.mdb' already exists")
         self.assertIn(f'"{first}"', self.call.wait())

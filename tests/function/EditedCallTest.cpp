@@ -191,6 +191,7 @@ TEST(WrittenCalls, AreFoundInAnyFormula) {
     for (const CallCase& c : callCases) {
         const auto calls = FindCalls(c.formula);
         std::vector<Arguments> arguments;
+        arguments.reserve(calls.size());
         for (const WrittenCall& call : calls) {
             arguments.push_back(call.arguments);
         }

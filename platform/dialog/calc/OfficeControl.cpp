@@ -138,7 +138,7 @@ std::string OfficeControl::Content() const {
 
 void OfficeControl::SetContent(const std::string& text) {
     if (HasCaption()) {
-        SetText(TextProperty::Caption, text);
+        DesignedControl::SetText(TextProperty::Caption, text);
     } else if (Design().kind == ControlKind::TextBox) {
         Set("Text", uno::Any(ToOffice(text)));
     }

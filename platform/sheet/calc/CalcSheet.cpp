@@ -3,6 +3,8 @@
 #include "platform/office/OfficeFailure.h"
 #include "platform/value/Conversion.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
@@ -231,9 +233,8 @@ private:
         std::vector<Variant> cells;
         for (int row = 1; row <= rows && cells.size() < mostCells; ++row) {
             for (int column = 1; column <= columns && cells.size() < mostCells; ++column) {
-                const std::string cell =
-                    "INDEX(" + range + ";" + std::to_string(row) + ";" + std::to_string(column) + ")";
-                cells.push_back(ValueOf("IF(ISBLANK(" + cell + ");\"\";" + cell + ")"));
+                const std::string cell = fmt::format("INDEX({};{};{})", range, row, column);
+                cells.push_back(ValueOf(fmt::format(R"(IF(ISBLANK({0});"";{0}))", cell)));
             }
         }
         return Variant::List(std::move(cells));
