@@ -1,5 +1,6 @@
 #include "calc/WizardsService.h"
 
+#include "calc/CallingDocument.h"
 #include "calc/ThreadFunction.h"
 #include "platform/office/OfficeText.h"
 
@@ -27,19 +28,36 @@ rtl::OUString WizardsService::ShowFormQelName(const Any& activeCell) {
 }
 
 rtl::OUString WizardsService::Show(Form form, const Any& activeCell) {
-    try {
-        const auto document = DocumentInFront();
+    rtl::OUString text;
+    const auto document = DocumentInFront();
+    With(document, [&](OrmQelFunction& object) {
         auto cell = office::CellFrom(activeCell, document);
         if (!cell && document.is()) {
             cell = office::ActiveCellOf(document);
         }
+        text = ToOffice((object.*form)(cell));
+    });
+    return text;
+}
+
+void WizardsService::EditFormula() {
+    const auto document = DocumentInFront();
+    With(document, [&](OrmQelFunction& object) {
+        const DocumentReference properties(document, uno::UNO_QUERY);
+        object.EditFormula(*office::ActiveFormulaCellOf(document),
+                           [&](const std::string& cubeFile) { return CubePathFrom(properties, cubeFile); });
+    });
+}
+
+void WizardsService::With(const office::SheetDocument& document, const Use& use) {
+    try {
         if (!suite_) {
             suite_ = std::make_unique<SuiteOfUser>(context_);
         }
         const Locale locale = locales_.Of(DocumentReference(document, uno::UNO_QUERY));
         // A macro's object is one of its own; the thread's connection is every object's.
         OrmQelFunction object({FunctionOfThread().state, Cubes(), locale, &suite_->Services()});
-        return ToOffice((object.*form)(cell));
+        use(object);
     } catch (const uno::Exception&) {
         throw;
     } catch (const std::exception& error) {
@@ -57,6 +75,8 @@ void WizardsService::trigger(const rtl::OUString& method) {
         ShowFormGetVal({});
     } else if (method == "ShowFormQelName") {
         ShowFormQelName({});
+    } else if (method == "EditFormula") {
+        EditFormula();
     }
 }
 

@@ -9,6 +9,7 @@
 #include <com/sun/star/lang/XServiceInfo.hpp>
 #include <com/sun/star/task/XJobExecutor.hpp>
 #include <cppuhelper/implbase3.hxx>
+#include <functional>
 #include <memory>
 
 namespace qel::calc {
@@ -36,6 +37,12 @@ public:
     com::sun::star::uno::Sequence<rtl::OUString> SAL_CALL getSupportedServiceNames() override;
 
 private:
+    /// The wizard that wrote the formula of the active cell.
+    void EditFormula();
+    /// The object of a call, with the user's suite and the document's locale.
+    using Use = std::function<void(OrmQelFunction& object)>;
+    void With(const office::SheetDocument& document, const Use& use);
+
     using Form = std::string (OrmQelFunction::*)(const std::shared_ptr<SheetRange>& xlActiveCell);
 
     rtl::OUString Show(Form form, const Any& activeCell);

@@ -5,8 +5,8 @@
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
 #include "cli/ZeroReasons.h"
-#include "cli/formula/FormulaError.h"
-#include "cli/formula/ParseFormula.h"
+#include "function/formula/FormulaError.h"
+#include "function/formula/ParseFormula.h"
 #include "platform/data/ConnectionText.h"
 #include "platform/value/Conversion.h"
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "cli/formula/Formula.h"
 #include "cube/ThreadState.h"
 #include "cube/ValueCall.h"
+#include "function/formula/Formula.h"
 
 #include <string>
 #include <vector>

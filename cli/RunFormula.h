@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/formula/BindFormula.h"
 #include "function/OrmQelFunction.h"
+#include "function/formula/BindFormula.h"
 
 namespace qel {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "cli/formula/BindFormula.h"
 #include "cube/ThreadState.h"
 #include "cube/ValueQuery.h"
+#include "function/formula/BindFormula.h"
 #include "platform/data/Providers.h"
 
 #include <string>

@@ -20,35 +20,36 @@ void ReplaceQuotes(Variant& argument, const VariantArray& array, const Locale& l
     argument = std::make_shared<const VariantArray>(std::move(replaced));
 }
 
-std::string ArrayText(Variant& argument, const Locale& locale) {
+std::string ArrayText(Variant& argument, const Locale& locale, std::string_view separator) {
     const auto array = argument.As<std::shared_ptr<const VariantArray>>();
     if (array->elements.empty()) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
     }
     if (array->elements.size() == 1) {
         if (array->elements.front().Is<Empty>()) {
-            return Quoted("") + std::string(textSeparator);
+            return Quoted("");
         }
         ReplaceQuotes(argument, *array, locale);
     }
     std::string text;
     for (const Variant& element : argument.As<std::shared_ptr<const VariantArray>>()->elements) {
-        text += text.empty() ? "{" : textSeparator;
+        text += text.empty() ? "{" : separator;
         text += Quoted(ToText(element, locale));
     }
-    return text + "},";
+    return text + "}";
 }
 
 } // namespace
 
+std::string ComposeArgument(Variant& argument, const Locale& locale, std::string_view separator) {
+    return argument.IsArray() ? ArrayText(argument, locale, separator) : Quoted(ToText(argument, locale));
+}
+
 std::string ComposeArgumentText(FormulaArgs& arguments, const Locale& locale) {
     std::string text;
     for (Variant& argument : arguments) {
-        if (argument.IsArray()) {
-            text += ArrayText(argument, locale);
-        } else {
-            text += Quoted(ToText(argument, locale)) + std::string(textSeparator);
-        }
+        text += ComposeArgument(argument, locale, textSeparator);
+        text += text.ends_with('}') ? "," : textSeparator;
     }
     text.resize(text.size() - textSeparator.size());
     return text;

@@ -8,6 +8,7 @@
 #include "wizard/WizardContext.h"
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string>
 
@@ -72,6 +73,13 @@ public:
     std::string ShowFormGetVal(const std::shared_ptr<SheetRange>& xlActiveCell);
     /// The same for the name wizard and a name formula.
     std::string ShowFormQelName(const std::shared_ptr<SheetRange>& xlActiveCell);
+
+    using FullPath = std::function<std::string(const std::string& cubeFile)>;
+    /// Shows the wizard that wrote the formula of a cell, with the formula's arguments, and writes the
+    /// formula again. `fullPath` completes a path as the sheet's formulas mean it. Says so when the formula
+    /// has no call of the class, or several. Failures are reported. Raises E_NOTIMPL where no dialogs can be
+    /// shown.
+    void EditFormula(FormulaCell& cell, const FullPath& fullPath);
 
 private:
     WizardContext RequireWizards() const;

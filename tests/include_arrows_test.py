@@ -9,7 +9,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 PORTS = ("text platform/value platform/data platform/settings platform/database platform/tables platform/dialog"
          " platform/sheet")
-PRODUCT = "text platform/* engine/include support store lang cube wizard function batch"
+PRODUCT = "text platform/* engine/include support store lang cube wizard function function/formula batch"
 # Folders, and what they may include besides themselves; ".." is the folder above. The first row that fits counts.
 MAY_INCLUDE = {
     "text": "",
@@ -30,18 +30,18 @@ MAY_INCLUDE = {
     "lang": f"{PORTS} support store",
     "cube": f"{PORTS} support",
     "wizard": f"{PORTS} support store lang cube",
-    "function": f"{PORTS} support store lang cube wizard",
+    "function/formula": "text platform/value cube",
+    "function": f"{PORTS} support store lang cube wizard function/formula",
     "batch": f"{PORTS} support store lang cube wizard function",
-    "cli/formula": "text platform/value cube",  # the doors
-    "cli": f"{PRODUCT} cli/formula",
+    "cli": PRODUCT,  # the doors
     "calc": PRODUCT,
     "server/dispatch": "text platform/value platform/windows",
     "server": f"{PRODUCT} server/dispatch",
     "examples/*": f"{PRODUCT} examples/*",  # beside the product, which includes none of these
     "tests/engine/*": "text files engine/* tests/*",
-    "tests/*": f"{PRODUCT} files cli cli/* calc server server/* examples/* tests/*",
+    "tests/*": f"{PRODUCT} files cli calc server server/* examples/* tests/*",
     "bench": f"{PRODUCT} engine/* cli examples/* tests/*",
-    "fuzz/*": f"{PRODUCT} engine/* cli/* tests/helpers",
+    "fuzz/*": f"{PRODUCT} engine/* tests/helpers",
 }
 arrows, wrong = set(), []
 tops = [top for top in ROOT.iterdir() if top.is_dir() and top.name != "build" and not top.name.startswith(".")]

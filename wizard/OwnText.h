@@ -8,6 +8,7 @@ namespace qel {
 
 /// Numbers of the dialogs' own texts among the component's strings; the suite's table may lack them.
 namespace OwnTextNumber {
+inline constexpr std::int32_t NoFormulaToEdit = 1499;
 inline constexpr std::int32_t Everything = 1508;
 inline constexpr std::int32_t CostCenters = 1509;
 inline constexpr std::int32_t ObsLevels = 1510;

@@ -13,23 +13,14 @@ namespace {
 
 constexpr const char* helpFileName = "PralixHeb.chm";
 
-void FindSuiteFolder(StoreEnvironment& store) {
-    store.suiteFolder = ModAPI::GetRegSetting(store, ModAPI::mdbPathValue);
-    if (store.suiteFolder.empty()) {
-        store.suiteFolder = store.componentFolder;
-    }
-}
-
 std::unique_ptr<Dialog> NewDialog(const WizardContext& context, const FormDesign& design,
                                   DialogEvents& events) {
-    StoreEnvironment& store = context.Store();
-    FindSuiteFolder(store);
+    FindLanguage(context);
     const auto& language = context.language;
-    ModLangFrm::InitLanguage(context.language);
     // The dialog is mirrored only with the suite's table, not with the component's own strings.
     const bool isRightToLeft = context.IsHebrew() && !language.resourceOnly && language.table.has_value();
     auto dialog = context.toolkit.NewDialog(design, isRightToLeft, events);
-    const std::string helpFile = store.componentFolder + "/" + helpFileName;
+    const std::string helpFile = context.Store().componentFolder + "/" + helpFileName;
     if (FileExists(helpFile)) {
         dialog->SetHelpFile(helpFile);
     }
@@ -39,6 +30,15 @@ std::unique_ptr<Dialog> NewDialog(const WizardContext& context, const FormDesign
 }
 
 } // namespace
+
+void FindLanguage(const WizardContext& context) {
+    StoreEnvironment& store = context.Store();
+    store.suiteFolder = ModAPI::GetRegSetting(store, ModAPI::mdbPathValue);
+    if (store.suiteFolder.empty()) {
+        store.suiteFolder = store.componentFolder;
+    }
+    ModLangFrm::InitLanguage(context.language);
+}
 
 WizardForm::WizardForm(const WizardContext& context, const FormDesign& design)
     : context_(context), design_(design), dialog_(NewDialog(context_, design, *this)) {}

@@ -6,6 +6,9 @@
 
 namespace qel {
 
+/// Reads where the suite is and in which language it speaks.
+void FindLanguage(const WizardContext& context);
+
 /// Base of both wizards: a dialog in the suite's language that is shown once and read after it is hidden.
 class WizardForm : protected DialogEvents {
 public:

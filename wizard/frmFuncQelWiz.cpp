@@ -10,8 +10,8 @@ namespace qel {
 
 using namespace FunctionForm;
 
-frmFuncQelWiz::frmFuncQelWiz(const WizardContext& context)
-    : WizardForm(context, FunctionFormDesign()), cubes_(Form(), cboDatabaseList),
+frmFuncQelWiz::frmFuncQelWiz(const WizardContext& context, std::optional<Selection> start)
+    : WizardForm(context, FunctionFormDesign()), start_(std::move(start)), cubes_(Form(), cboDatabaseList),
       measures_(Context(), Form()), obs_(Context(), Form()), accounts_(Context(), Form()),
       activities_(Context(), Form()), dates_(Context(), Form()), others_(Context(), Form()) {}
 

@@ -14,11 +14,13 @@ namespace qel {
 /// creates and shows it, and reads the public members afterwards.
 class frmFuncQelWiz : public WizardForm {
 public:
-    explicit frmFuncQelWiz(const WizardContext& context);
+    /// Starts with the given choices; without any, with the remembered cube and the last selection.
+    explicit frmFuncQelWiz(const WizardContext& context, std::optional<Selection> start = std::nullopt);
 
     Variant QelResult = Null{}; ///< the calculated value of the current choice, or Null
     bool bDetail = false;       ///< write a table of the arguments instead of a formula
     qel::FormulaArgs FormulaArgs;
+    ValueCall Call; ///< the same arguments, as the value function takes them
 
 private:
     void OnLoad() override;
@@ -35,9 +37,9 @@ private:
 
     // frmFuncQelWizCube.cpp: the cube file, its cubes, and the lists that are filled from them.
 
-    /// Loads the remembered cube and the last selection.
+    /// Loads the cube to start with, and its selection.
     void LoadCube();
-    void LoadRemembered(const std::string& cubeFile);
+    void LoadFirst(const std::string& cubeFile);
     /// Loads another cube file. Raises what the provider raises.
     void TakeCubeFile(const std::string& cubeFile);
     /// Abandons a file and falls back to the remembered one.
@@ -53,8 +55,10 @@ private:
     /// Reads the last selection. Nullopt when none was saved.
     std::optional<Selection> LastSelection() const;
     void RestoreLastSelection();
-    /// `message` is the number of the text before the choices that the cube lacks.
-    void Restore(const Selection& selection, std::int32_t message);
+    void RestoreStart();
+    /// `message` is the number of the text before the choices that the cube lacks, and `dropped` some of
+    /// them.
+    void Restore(const Selection& selection, std::int32_t message, std::vector<std::string> dropped = {});
 
     // frmFuncQelWizHandBack.cpp: from the choices to the arguments.
 
@@ -70,6 +74,7 @@ private:
     std::string CubeFile() const;
     ModSetCube::OpenedCube ChosenCube() const { return {CubeFile(), cubes_.Key().value_or("")}; }
 
+    std::optional<Selection> start_;
     ChoiceBox cubes_;
     MeasureSelector measures_;
     ObsSelector obs_;

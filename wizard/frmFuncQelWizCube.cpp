@@ -19,19 +19,19 @@ constexpr std::size_t shortestPath = 2;
 
 void frmFuncQelWiz::LoadCube() {
     Trapped("LoadCube", [this] {
-        const std::string cubeFile = RememberedCubeFile(Context());
-        const bool isRemembered = LengthInUtf16(cubeFile) >= shortestPath;
-        if (isRemembered && FileExists(cubeFile)) {
-            return LoadRemembered(cubeFile);
+        const std::string cubeFile = start_ ? start_->cubeFile : RememberedCubeFile(Context());
+        const bool isNamed = LengthInUtf16(cubeFile) >= shortestPath;
+        if (isNamed && FileExists(cubeFile)) {
+            return LoadFirst(cubeFile);
         }
-        if (isRemembered) {
+        if (isNamed) {
             Context().Messages().Show(MessageBoxStyle::Exclamation, "", cubeFile + " File Not Found");
         }
         LastSelection();
     });
 }
 
-void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
+void frmFuncQelWiz::LoadFirst(const std::string& cubeFile) {
     Form().SetText(txtCubeFile, cubeFile);
     takenFile_ = cubeFile;
     connection_ = OpenCubeFile(Context().providers, cubeFile);
@@ -48,7 +48,7 @@ void frmFuncQelWiz::LoadRemembered(const std::string& cubeFile) {
     BindLists();
     offered_ = Read();
     // The dialog works without its database.
-    Trapped("LoadCube", [this] { RestoreLastSelection(); });
+    Trapped("LoadCube", [this] { start_ ? RestoreStart() : RestoreLastSelection(); });
     EnableButtons(true);
 }
 
@@ -167,8 +167,21 @@ void frmFuncQelWiz::RestoreLastSelection() {
     }
 }
 
-void frmFuncQelWiz::Restore(const Selection& selection, std::int32_t message) {
+void frmFuncQelWiz::RestoreStart() {
+    constexpr std::int32_t cubeNameLabel = 1474;
     std::vector<std::string> dropped;
+    if (!cubes_.Choose(start_->cubeName)) {
+        dropped.push_back(DroppedChoice(Context(), cubeNameLabel, start_->cubeName));
+    } else if (cube_->name.cubeName != start_->cubeName) {
+        TakeOtherCube();
+    }
+    if (cube_) {
+        Restore(*start_, OwnTextNumber::LackingChoices, std::move(dropped));
+    }
+}
+
+void frmFuncQelWiz::Restore(const Selection& selection, std::int32_t message,
+                            std::vector<std::string> dropped) {
     dates_.Restore(selection, dropped);
     measures_.Restore(selection, dropped);
     obs_.Restore(selection, dropped);

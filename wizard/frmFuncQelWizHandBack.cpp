@@ -39,7 +39,8 @@ void frmFuncQelWiz::GoToSheet(bool detail) {
         return Warn(Context(), *fault);
     }
     const Selection selection = Read();
-    FormulaArgs = ArgumentsOf(CallOf(selection), Context().locale);
+    Call = CallOf(selection);
+    FormulaArgs = ArgumentsOf(Call, Context().locale);
     bDetail = detail;
     // The formula does not depend on saving the selection.
     Trapped("GoToSheet", [&] {

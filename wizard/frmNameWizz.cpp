@@ -12,6 +12,7 @@
 #include "wizard/OwnText.h"
 #include "wizard/WizardStore.h"
 
+#include <algorithm>
 #include <set>
 
 namespace qel {
@@ -49,17 +50,19 @@ std::vector<MemberChoice> DimensionTypes(const LoadedCube& cube) {
 
 } // namespace
 
-frmNameWizz::frmNameWizz(const WizardContext& context)
-    : WizardForm(context, NameFormDesign()), cubes_(Form(), cboDatabaseList), obs_(Form(), ComOBSNum),
-      firmas_(Form(), ComFirma), dimTypes_(Form(), ComDim), members_(Form(), cmbmember), queries_(Context()) {
-}
+frmNameWizz::frmNameWizz(const WizardContext& context, std::optional<NamedQuery> start)
+    : WizardForm(context, NameFormDesign()), start_(std::move(start)), cubes_(Form(), cboDatabaseList),
+      obs_(Form(), ComOBSNum), firmas_(Form(), ComFirma), dimTypes_(Form(), ComDim),
+      members_(Form(), cmbmember), queries_(Context()) {}
 
 void frmNameWizz::OnLoad() {
     Trapped("Form_Load", [this] {
         EnableButtons(false);
         Trapped("OpenDb", [this] { OpenDb(); });
-        if (!queries_.All().empty()) {
-            TakeQuery(queries_.All().front());
+        if (start_) {
+            TakeQuery(*start_, OwnTextNumber::LackingChoices);
+        } else if (!queries_.All().empty()) {
+            TakeQuery(queries_.All().front(), OwnTextNumber::DroppedChoices);
         } else if (const std::string cubeFile = RememberedCubeFile(Context()); FileExists(cubeFile)) {
             LoadCubeFile(cubeFile);
         }
@@ -91,7 +94,7 @@ void frmNameWizz::OnChange(std::string_view control) {
         } else if (control == cmbmember) {
             ShowName();
         } else if (control == ListQuery && Form().Selected(ListQuery)) {
-            TakeQuery(queries_.All().at(*Form().Selected(ListQuery)));
+            TakeQuery(queries_.All().at(*Form().Selected(ListQuery)), OwnTextNumber::DroppedChoices);
         } else if (cube_ && (obs_.Is(control) || firmas_.Is(control) || dimTypes_.Is(control))) {
             SetMember();
         }
@@ -200,7 +203,7 @@ std::vector<MemberRow> frmNameWizz::ListMembers() const {
     return rows;
 }
 
-void frmNameWizz::TakeQuery(const NamedQuery& query) {
+void frmNameWizz::TakeQuery(const NamedQuery& query, std::int32_t message) {
     if (!FileExists(query.cubeFile)) {
         Context().Messages().Show(MessageBoxStyle::Exclamation, "", query.cubeFile + " File Not Found");
         return;
@@ -212,12 +215,26 @@ void frmNameWizz::TakeQuery(const NamedQuery& query) {
     firmas_.Choose(query.firma);
     const bool hasType = dimTypes_.Choose(query.dimType);
     SetMember();
-    if (!hasType || ChosenCube().cubeName != query.cubeName || !members_.Choose(query.dataMember)) {
-        return Warn(Context(), OwnText(Context(), OwnTextNumber::DroppedChoices) + "\r\n" + query.dimType +
-                                   " " + query.dataMember);
+    if (!hasType || ChosenCube().cubeName != query.cubeName || !ChooseMember(query)) {
+        return Warn(Context(), OwnText(Context(), message) + "\r\n" + query.dimType + " " + query.dataMember);
     }
     ShowName();
     MarkQuery();
+}
+
+bool frmNameWizz::ChooseMember(const NamedQuery& query) {
+    if (members_.Choose(query.dataMember)) {
+        return true;
+    }
+    if (!query.obs.empty()) {
+        return false;
+    }
+    const auto choices = obs_.Choices();
+    return std::any_of(choices.begin(), choices.end(), [&](const MemberChoice& choice) {
+        obs_.Choose(choice.key);
+        SetMember();
+        return members_.Choose(query.dataMember);
+    });
 }
 
 void frmNameWizz::ShowName() {

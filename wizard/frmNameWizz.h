@@ -10,7 +10,8 @@ namespace qel {
 /// The formula writer creates and shows it, and reads the public members afterwards.
 class frmNameWizz : public WizardForm {
 public:
-    explicit frmNameWizz(const WizardContext& context);
+    /// Starts with the given choice; without one, with the query that was used last.
+    explicit frmNameWizz(const WizardContext& context, std::optional<NamedQuery> start = std::nullopt);
 
     /// Cube file, cube name, dimension type and member, as they stand in a formula.
     std::vector<std::string> Arguments;
@@ -32,7 +33,10 @@ private:
     /// Binds the list of members, which is read on first use.
     void SetMember();
     std::vector<MemberRow> ListMembers() const;
-    void TakeQuery(const NamedQuery& query);
+    /// `message` is the number of the text before what the cube lacks.
+    void TakeQuery(const NamedQuery& query, std::int32_t message);
+    /// Chooses the member, of the OBS that the list is for, or of the first that has it.
+    bool ChooseMember(const NamedQuery& query);
     void ShowName();
     void RemoveQuery();
     void CheckAndHandBack();
@@ -42,6 +46,7 @@ private:
     std::string CubeFile() const;
     ModSetCube::OpenedCube ChosenCube() const { return {CubeFile(), cubes_.Key().value_or("")}; }
 
+    std::optional<NamedQuery> start_;
     ChoiceBox cubes_, obs_, firmas_, dimTypes_;
     MemberList members_;
     NamedQueries queries_;

@@ -43,6 +43,7 @@
 	<z:row lId='0' sId='1492' sText="Cancel"/>
 	<z:row lId='0' sId='1493' sText="Account Level"/>
 	<z:row lId='0' sId='1494' sText="Single cell function"/>
+	<z:row lId='0' sId='1499' sText="Choose a cell whose formula calls QelF1 or QelName once."/>
 	<z:row lId='0' sId='1500' sText="Function QEL"/>
 	<z:row lId='0' sId='1501' sText="Select OBS"/>
 	<z:row lId='0' sId='1502' sText="Remove OBS"/>
@@ -99,6 +100,7 @@
 	<z:row lId='1' sId='1492' sText="ביטול"/>
 	<z:row lId='1' sId='1493' sText="סעיפים"/>
 	<z:row lId='1' sId='1494' sText="פונקציה לתא בודד"/>
+	<z:row lId='1' sId='1499' sText="יש לבחור תא שהנוסחה שלו קוראת פעם אחת ל-QelF1 או ל-QelName."/>
 	<z:row lId='1' sId='1500' sText="פונקציית QEL"/>
 	<z:row lId='1' sId='1501' sText="הוספת OBS"/>
 	<z:row lId='1' sId='1502' sText="הסרת OBS"/>

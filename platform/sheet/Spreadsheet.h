@@ -30,6 +30,19 @@ public:
     virtual void SetFormula(const Variant& formula) = 0;
 };
 
+/// A cell whose formula is edited.
+class FormulaCell : public SheetRange {
+public:
+    /// As the spreadsheet stores it, beginning with "="; empty for a cell without a formula of its own.
+    /// Raises for a cell that must not be changed.
+    virtual std::string Formula() const = 0;
+    /// The value of an expression of the cell's formula; an ErrorValue for an error. Leaves the cell as it
+    /// is.
+    virtual Variant Evaluate(const std::string& expression) const = 0;
+    /// Takes a formula in the words of Formula().
+    virtual void ReplaceFormula(const std::string& formula) = 0;
+};
+
 class SheetApplication {
 public:
     virtual ~SheetApplication() = default;

@@ -30,6 +30,7 @@ class Keys(unittest.TestCase):
         (WORK / "suite" / "QelFunction17.mdb").unlink(missing_ok=True) # it would be reported when the dialog opens
         self.document = self.office.new_document()
         self.addCleanup(self.document.close, True)
+        self.addCleanup(self.person.leave)
         eventually("the new document in front", self.document.CurrentController.Frame.isActive)
         self.call = Call(self.office.service("OrmFunctionQel4.Wizards").ShowFormGetVal, None)
         self.dialog = self.person.sees("Function QEL")
@@ -68,6 +69,49 @@ class Keys(unittest.TestCase):
         self.assertTrue(self.call.thread.is_alive())
         self.hands.key("Escape")
         self.assertEqual(self.call.wait(), " ")
+
+    def test_typing_opens_the_matches_and_the_arrow_offers_all_rows_again(self):
+        accounts = self.search_accounts("t")
+        eventually("the open list", lambda: accounts.is_open)
+        many = len(accounts.items)
+        self.hands.type("ext")
+        eventually("fewer rows", lambda: len(accounts.items) < many and accounts.is_open)
+        matches = accounts.items
+        self.assertTrue(all("ext" in item for item in matches), matches)
+        self.person.photograph(WORK / "matches.png")
+        self.hands.key("Down", "Down")
+        eventually("the second match", lambda: accounts.text == matches[1])
+        self.assertTrue(accounts.is_open)
+        self.hands.key("Escape")
+        eventually("what was there", lambda: accounts.text == "" and not accounts.is_open)
+        self.hands.type("text")
+        eventually("the open list", lambda: accounts.is_open)
+        self.hands.key("Down", "Return")
+        eventually("the first match", lambda: accounts.text == matches[0] and not accounts.is_open)
+        self.hands.key("alt+Down")
+        eventually("all rows", lambda: accounts.is_open and len(accounts.items) > many)
+        self.hands.key("Escape")
+        eventually("the closed list", lambda: not accounts.is_open)
+        self.assertEqual(accounts.text, matches[0])
+        self.hands.key("ctrl+a")
+        self.hands.type("text")
+        eventually("the open list", lambda: accounts.is_open)
+        self.hands.click(accounts, below=2.1)
+        eventually("a row that was clicked", lambda: accounts.text in matches[1:] and len(accounts.items) > many)
+        self.cancel()
+
+    def test_a_click_beside_the_list_closes_it_and_a_click_on_ok_takes_the_first_match(self):
+        accounts = self.search_accounts("text")
+        eventually("the open list", lambda: accounts.is_open)
+        first = accounts.items[0].split(" - ")[0]
+        self.hands.click(self.dialog.button("OK"))
+        eventually("the closed list", lambda: not accounts.is_open)
+        time.sleep(1)
+        self.assertEqual((accounts.is_open, accounts.text), (False, "text"))
+        self.hands.do("mousemove", 5, 5)  # as a hand does before the next click
+        self.hands.click(self.dialog.button("OK"))
+        self.person.answers("OrmFuncQel4", "QelFunction17.mdb' already exists")
+        self.assertIn(f'"{first}"', self.call.wait())
 
     def test_a_wrong_date_is_told_once(self):
         self.hands.click(self.dialog.after("To Date"))

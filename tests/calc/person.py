@@ -86,6 +86,11 @@ class Control:
         return [entries.getAccessibleChild(i).getAccessibleContext().getAccessibleName()
                 for i in range(entries.getAccessibleChildCount())]
 
+    @property
+    def is_open(self):
+        """Whether a combo box shows its list."""
+        return Control(self.child(LIST)).has(SHOWING)
+
     def type(self, text):
         part = self.child(TEXT) if self.context.getAccessibleRole() == COMBO_BOX else self.context
         self.context.grabFocus()
@@ -160,9 +165,10 @@ class Hands:
     def key(self, *names):
         self.do("key", "--delay", 40, *names)
 
-    def click(self, control):
+    def click(self, control, below=0):
+        """In the middle of a control, or that many times its height below."""
         place, size = control.context.getLocationOnScreen(), control.context.getSize()
-        self.do("mousemove", place.X + size.Width // 2, place.Y + size.Height // 2, "sleep", 0.2, "click", 1)
+        self.do("mousemove", place.X + size.Width // 2, place.Y + size.Height // 2 + int(below * size.Height), "sleep", 0.2, "click", 1)
 
 
 class Person:
@@ -196,6 +202,12 @@ class Person:
             raise AssertionError(f"{title} says {text!r}, not {part!r}")
         box.button("OK").press()
         eventually("the box's end", lambda: not self.windows(title))
+
+    def leave(self):
+        """Closes what a test that failed left open."""
+        for title in ("OrmFuncQel4", "Function QEL", "Name QEL"):
+            for window in self.windows(title):
+                window.button("OK" if title == "OrmFuncQel4" else "Cancel").press()
 
     def photograph(self, path):
         subprocess.run(["import", "-display", self.display, "-window", "root", path], check=True)

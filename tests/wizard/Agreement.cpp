@@ -1,6 +1,6 @@
 #include "tests/wizard/Agreement.h"
 
-#include "cli/formula/ParseFormula.h"
+#include "function/formula/ParseFormula.h"
 #include "platform/value/Conversion.h"
 #include "text/Text.h"
 #include "wizard/FormulaArgs.h"

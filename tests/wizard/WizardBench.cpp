@@ -2,7 +2,7 @@
 
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
-#include "cli/formula/ParseFormula.h"
+#include "function/formula/ParseFormula.h"
 #include "qel/engine/BuildCube.h"
 #include "store/LocalDb.h"
 #include "store/ModAPI.h"

@@ -15,7 +15,7 @@ namespace uno = com::sun::star::uno;
 namespace {
 
 constexpr sal_Int16 alignLeft = 0, alignRight = 2;
-constexpr sal_Int16 visibleItems = 12;
+constexpr sal_Int16 visibleItems = SearchBox::visibleRows;
 
 /// Null for a control that is not on the form.
 const char* ModelOf(ControlKind kind) {
@@ -138,7 +138,7 @@ std::string OfficeControl::Content() const {
 
 void OfficeControl::SetContent(const std::string& text) {
     if (HasCaption()) {
-        SetText(TextProperty::Caption, text);
+        DesignedControl::SetText(TextProperty::Caption, text);
     } else if (Design().kind == ControlKind::TextBox) {
         Set("Text", uno::Any(ToOffice(text)));
     }

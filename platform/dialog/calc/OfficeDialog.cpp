@@ -55,7 +55,7 @@ OfficeDialog::OfficeDialog(OfficeWindows& windows, const FormDesign& design, boo
                            DialogEvents& events)
     : DesignedDialog(design, isRightToLeft, events), windows_(windows), later_(new LaterCall([this] {
           TellLeft();
-          ShowAllRows();
+          SettleSearches();
       })) {
     const OwnChange own(*this);
     MakeModel();
@@ -104,7 +104,11 @@ void OfficeDialog::MakeWindow() {
         }
         const rtl::Reference<ControlListener> listener(new ControlListener(CallbacksOf(*control)));
         listeners_.push_back(listener);
-        listener->ListenTo(container->getControl(rtl::OUString::createFromAscii(control->Design().name)));
+        const auto window = container->getControl(rtl::OUString::createFromAscii(control->Design().name));
+        listener->ListenTo(window);
+        if (control->Search() != nullptr) {
+            control->Search()->Attach(window);
+        }
     }
 }
 
@@ -147,6 +151,12 @@ void OfficeDialog::ShowModal() {
 
 void OfficeDialog::Hide() {
     isHidden_ = true;
+    for (const auto& control : OwnControls()) {
+        if (control->Search() != nullptr) {
+            const OwnChange own(*this);
+            control->Search()->Close(); // an open list must not outlive its dialog
+        }
+    }
     const uno::Reference<awt::XDialog> dialog(window_, uno::UNO_QUERY);
     if (isShown_ && dialog.is()) {
         dialog->endExecute();
@@ -252,6 +262,7 @@ void OfficeDialog::OnText(OfficeControl& control) {
     if (!isTold) {
         const OwnChange own(*this);
         isTold = control.Search()->OnText();
+        TellLater();
     }
     if (isTold) {
         Tell([&] { Events().OnChange(control.Design().name); });
@@ -274,21 +285,20 @@ void OfficeDialog::OnFocus(OfficeControl& control) {
 
 bool OfficeDialog::OnKey(sal_Int16 key) {
     SearchBox* const search = focused_ != nullptr ? focused_->Search() : nullptr;
-    if (search == nullptr || handlers_ > 0 || !search->IsTyped()) {
+    const bool isTaken = key == awt::Key::RETURN || key == awt::Key::ESCAPE;
+    if (search == nullptr || handlers_ > 0 || !isTaken || !search->IsInUse()) {
         return false;
     }
-    if (key == awt::Key::RETURN) {
-        CommitSearches();
-        TellLater();
-        return true;
-    }
-    if (key == awt::Key::ESCAPE) {
+    bool isOther = false;
+    {
         const OwnChange own(*this);
-        search->TakeBack();
-        TellLater();
-        return true;
+        isOther = key == awt::Key::RETURN ? search->Commit() : search->TakeBack();
     }
-    return false;
+    if (isOther) {
+        Tell([&] { Events().OnChange(focused_->Design().name); });
+    }
+    TellLater();
+    return true;
 }
 
 void OfficeDialog::TellLater() { later_->Post(windows_.Office()); }
@@ -307,11 +317,11 @@ bool OfficeDialog::TellLeft() {
     return focusMoves_ == focusMoves;
 }
 
-void OfficeDialog::ShowAllRows() {
+void OfficeDialog::SettleSearches() {
     const OwnChange own(*this);
     for (const auto& control : OwnControls()) {
-        if (control->Search() != nullptr) {
-            control->Search()->ShowAll();
+        if (control->Search() != nullptr && handlers_ == 0 && !isHidden_) {
+            control->Search()->Settle(control.get() == focused_);
         }
     }
 }

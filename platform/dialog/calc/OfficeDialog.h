@@ -45,7 +45,7 @@ private:
     bool OnKey(sal_Int16 key);
     void Commit(OfficeControl& control);
     void CommitSearches();
-    void ShowAllRows();
+    void SettleSearches();
     void TellLater();
     /// Tells of the fields that were left. False when a handler moved the focus back to one.
     bool TellLeft();

@@ -40,9 +40,6 @@ bool SearchBox::OnText() {
     if (!rows_) {
         return false;
     }
-    if (!isTyped_) {
-        before_ = chosen_;
-    }
     const std::string typed = TypedText();
     // A text equal to a listed one was picked with the mouse or the arrow keys, or typed completely.
     if (const auto found = std::find(shown_.begin(), shown_.end(), typed); found != shown_.end()) {
@@ -52,33 +49,56 @@ bool SearchBox::OnText() {
         isTyped_ = false;
         return isOther;
     }
+    opens_ = opens_ || !isTyped_ || typed != typed_; // a list that the user closed stays closed
     isTyped_ = true;
+    typed_ = typed;
     Show(rows_->Matching(typed));
     return false;
 }
 
 bool SearchBox::Commit() {
+    Close();
     if (!isTyped_) {
         return false;
     }
-    const auto before = before_;
     std::optional<std::size_t> row;
     if (!TypedText().empty() && !matches_.empty()) {
         row = matches_.front();
     }
+    const bool isOther = row != chosen_;
     Choose(row);
-    return row != before;
+    return isOther;
 }
 
-void SearchBox::TakeBack() {
-    if (isTyped_) {
-        Choose(before_);
+bool SearchBox::TakeBack() {
+    Close();
+    const bool isOther = settled_ != chosen_;
+    Choose(settled_);
+    return isOther;
+}
+
+void SearchBox::Close() {
+    if (list_) {
+        list_->Close();
     }
 }
 
-void SearchBox::ShowAll() {
-    if (rows_ && isFilled_ && !isTyped_ && matches_.size() != rows_->RowCount()) {
-        Show(rows_->Matching(""));
+void SearchBox::Settle(bool hasFocus) {
+    if (!rows_ || !isFilled_) {
+        return;
+    }
+    if (isTyped_) {
+        if (!hasFocus || matches_.empty()) {
+            Close();
+        } else if (opens_ && list_) {
+            list_->Open(std::min(matches_.size(), visibleRows));
+        }
+        opens_ = false;
+    } else if (!IsOpen()) {
+        settled_ = chosen_;
+        if (matches_.size() != rows_->RowCount()) {
+            Show(rows_->Matching(""));
+        }
     }
 }
 
@@ -104,7 +124,7 @@ void SearchBox::Show(const std::vector<std::uint32_t>& matches) {
 }
 
 void SearchBox::Choose(std::optional<std::size_t> row) {
-    chosen_ = row;
+    chosen_ = settled_ = row;
     isTyped_ = false;
     const std::string text = row ? RowText(*rows_, *row) : std::string();
     model_->setPropertyValue("Text", uno::Any(Shown(text)));

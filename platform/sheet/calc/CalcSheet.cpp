@@ -3,12 +3,16 @@
 #include "platform/office/OfficeFailure.h"
 #include "platform/value/Conversion.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <com/sun/star/beans/XPropertySet.hpp>
+#include <com/sun/star/document/XUndoManagerSupplier.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/AddressConvention.hpp>
 #include <com/sun/star/sheet/FormulaResult.hpp>
+#include <com/sun/star/sheet/XArrayFormulaRange.hpp>
 #include <com/sun/star/sheet/XCellAddressable.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XFormulaParser.hpp>
@@ -18,8 +22,11 @@
 #include <com/sun/star/sheet/XSpreadsheetView.hpp>
 #include <com/sun/star/table/CellContentType.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
+#include <com/sun/star/util/CellProtection.hpp>
+#include <com/sun/star/util/XModifiable.hpp>
 #include <com/sun/star/util/XNumberFormatTypes.hpp>
 #include <com/sun/star/util/XNumberFormatsSupplier.hpp>
+#include <com/sun/star/util/XProtectable.hpp>
 
 namespace qel::office {
 
@@ -52,6 +59,60 @@ RangeReference RangeOf(const RangeReference& spreadsheet, sal_Int32 left, sal_In
     return As<sheet::XSheetCellRange>(spreadsheet->getCellRangeByPosition(left, top, right, bottom));
 }
 
+/// While one lives, changes of the document leave no trace: they cannot be undone, are not shown, and do not
+/// count as changes.
+class PassingChange {
+public:
+    explicit PassingChange(const SheetDocument& document)
+        : model_(document, uno::UNO_QUERY_THROW), modifiable_(document, uno::UNO_QUERY_THROW),
+          undo_(As<com::sun::star::document::XUndoManagerSupplier>(document)->getUndoManager()),
+          wasModified_(modifiable_->isModified()) {
+        model_->lockControllers();
+        undo_->lock();
+    }
+    ~PassingChange() {
+        try {
+            undo_->unlock();
+            model_->unlockControllers(); // which tells the document that it was changed
+            modifiable_->setModified(wasModified_);
+        } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the document was closed
+        }
+    }
+    PassingChange(const PassingChange&) = delete;
+    PassingChange& operator=(const PassingChange&) = delete;
+
+private:
+    uno::Reference<com::sun::star::frame::XModel> model_;
+    uno::Reference<util::XModifiable> modifiable_;
+    uno::Reference<com::sun::star::document::XUndoManager> undo_;
+    bool wasModified_;
+};
+
+/// While one lives, a cell has another formula. It is an array formula, so that a range is not taken for the
+/// cell beside the formula.
+class OtherFormula {
+public:
+    OtherFormula(const RangeReference& range, const rtl::OUString& formula)
+        : cell_(range->getCellByPosition(0, 0)), own_(cell_->getFormula()),
+          array_(As<sheet::XArrayFormulaRange>(range)) {
+        array_->setArrayFormula(formula);
+    }
+    ~OtherFormula() {
+        try {
+            array_->setArrayFormula({});
+            cell_->setFormula(own_);
+        } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the document was closed
+        }
+    }
+    OtherFormula(const OtherFormula&) = delete;
+    OtherFormula& operator=(const OtherFormula&) = delete;
+
+private:
+    uno::Reference<table::XCell> cell_;
+    rtl::OUString own_;
+    uno::Reference<sheet::XArrayFormulaRange> array_;
+};
+
 class CalcRange;
 
 /// The document in the role of the object model's application.
@@ -67,7 +128,7 @@ private:
     SheetDocument document_;
 };
 
-class CalcRange : public SheetRange {
+class CalcRange : public FormulaCell {
 public:
     CalcRange(const SheetDocument& document, const RangeReference& range)
         : document_(document), range_(range) {}
@@ -129,7 +190,73 @@ public:
         });
     }
 
+    std::string Formula() const override {
+        return Translating([&] {
+            RequireUnprotected();
+            const auto formula = FromOffice(Cell()->getFormula());
+            const bool isOwn =
+                Cell()->getType() == table::CellContentType_FORMULA && formula.starts_with('=');
+            return isOwn ? formula : std::string(); // a part of an array formula begins with "{"
+        });
+    }
+
+    Variant Evaluate(const std::string& expression) const override {
+        return Translating([&] {
+            const PassingChange passing(document_);
+            const Variant rows = ValueOf("ROWS(" + expression + ")");
+            const Variant columns = ValueOf("COLUMNS(" + expression + ")");
+            const bool isRange =
+                rows.Is<double>() && columns.Is<double>() && rows.As<double>() * columns.As<double>() > 1;
+            return isRange ? CellsOf(expression, rows.As<double>(), columns.As<double>())
+                           : ValueOf(expression);
+        });
+    }
+
+    void ReplaceFormula(const std::string& formula) override {
+        Translating([&] { Cell()->setFormula(ToOffice(formula)); });
+    }
+
 private:
+    uno::Reference<table::XCell> Cell() const { return range_->getCellByPosition(0, 0); }
+
+    void RequireUnprotected() const {
+        const uno::Reference<util::XProtectable> spreadsheet(range_->getSpreadsheet(), uno::UNO_QUERY_THROW);
+        util::CellProtection protection;
+        As<XPropertySet>(range_)->getPropertyValue("CellProtection") >>= protection;
+        if (spreadsheet->isProtected() && protection.IsLocked) {
+            throw AutomationError(applicationDefinedError, "The cell is protected.", "LibreOffice");
+        }
+    }
+
+    Variant CellsOf(const std::string& range, double rows, double columns) const {
+        constexpr std::size_t mostCells = 6; // no argument uses more
+        std::vector<Variant> cells;
+        for (int row = 1; row <= rows && cells.size() < mostCells; ++row) {
+            for (int column = 1; column <= columns && cells.size() < mostCells; ++column) {
+                const std::string cell = fmt::format("INDEX({};{};{})", range, row, column);
+                cells.push_back(ValueOf(fmt::format(R"(IF(ISBLANK({0});"";{0}))", cell)));
+            }
+        }
+        return Variant::List(std::move(cells));
+    }
+
+    Variant ValueOf(const std::string& expression) const {
+        const OtherFormula other(range_, ToOffice("=" + expression));
+        return Result();
+    }
+
+    Variant Result() const {
+        if (Cell()->getError() != 0) {
+            return ErrorValue{Cell()->getError()};
+        }
+        sal_Int32 type = 0;
+        As<XPropertySet>(Cell())->getPropertyValue("FormulaResultType2") >>= type;
+        if (type == sheet::FormulaResult::STRING) {
+            return FromOffice(As<com::sun::star::text::XTextRange>(Cell())->getString());
+        }
+        return Cell()->getValue();
+    }
+
     void SetBlock(const VariantArray& block) const {
         if (block.bounds.size() != 2) {
             throw PlatformError(ErrorNumber::TypeMismatch);
@@ -219,7 +346,7 @@ RangeReference FirstRange(const uno::Reference<uno::XInterface>& object) {
     return {object, uno::UNO_QUERY};
 }
 
-std::shared_ptr<SheetRange> FirstCell(const SheetDocument& document, const RangeReference& range) {
+std::shared_ptr<CalcRange> FirstCell(const SheetDocument& document, const RangeReference& range) {
     const auto at = AddressOf(range);
     const RangeReference whole(range->getSpreadsheet(), uno::UNO_QUERY);
     return std::make_shared<CalcRange>(
@@ -249,6 +376,10 @@ std::shared_ptr<SheetRange> CalcApplication::Range(const SheetRange& first, cons
 } // namespace
 
 std::shared_ptr<SheetRange> ActiveCellOf(const SheetDocument& document) {
+    return ActiveFormulaCellOf(document);
+}
+
+std::shared_ptr<FormulaCell> ActiveFormulaCellOf(const SheetDocument& document) {
     return Translating([&] {
         const auto selection = As<com::sun::star::frame::XModel>(document)->getCurrentSelection();
         if (const RangeReference range = FirstRange(selection); range.is()) {

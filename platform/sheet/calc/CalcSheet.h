@@ -12,6 +12,9 @@ using SheetDocument = com::sun::star::uno::Reference<com::sun::star::sheet::XSpr
 /// The first cell of the selection in the document's window. Raises 91 when the document shows no sheet.
 std::shared_ptr<SheetRange> ActiveCellOf(const SheetDocument& document);
 
+/// The same cell, to edit its formula.
+std::shared_ptr<FormulaCell> ActiveFormulaCellOf(const SheetDocument& document);
+
 /// The cell, or the first cell of the range, that a macro passed; null for any other object. Its document is
 /// the one whose window shows it.
 std::shared_ptr<SheetRange> CellFrom(const com::sun::star::uno::Any& object, const SheetDocument& document);

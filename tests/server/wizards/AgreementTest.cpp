@@ -2,8 +2,8 @@
 
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
-#include "cli/formula/ParseFormula.h"
 #include "function/OrmQelFunction.h"
+#include "function/formula/ParseFormula.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/dialog/win32/CarriedPointer.h"
 #include "platform/dialog/win32/Win32DialogToolkit.h"

@@ -1,6 +1,6 @@
-#include "cli/formula/BindFormula.h"
+#include "function/formula/BindFormula.h"
 
-#include "cli/formula/FormulaError.h"
+#include "function/formula/FormulaError.h"
 #include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
 #include "text/CaseFold.h"

@@ -1,8 +1,8 @@
-#include "cli/formula/ParseFormula.h"
+#include "function/formula/ParseFormula.h"
 
-#include "cli/formula/DateFunction.h"
-#include "cli/formula/FormulaError.h"
-#include "cli/formula/Tokens.h"
+#include "function/formula/DateFunction.h"
+#include "function/formula/FormulaError.h"
+#include "function/formula/Tokens.h"
 #include "platform/value/AutomationError.h"
 #include "text/CaseFold.h"
 

@@ -1,7 +1,7 @@
-#include "cli/formula/BindFormula.h"
+#include "function/formula/BindFormula.h"
 
-#include "cli/formula/FormulaError.h"
-#include "cli/formula/ParseFormula.h"
+#include "function/formula/FormulaError.h"
+#include "function/formula/ParseFormula.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "cli/formula/DateFunction.h"
+#include "function/formula/DateFunction.h"
 
 #include "platform/value/AutomationError.h"
 

@@ -1,4 +1,4 @@
-#include "cli/formula/FormulaError.h"
+#include "function/formula/FormulaError.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
-#include "cli/formula/Tokens.h"
+#include "function/formula/Tokens.h"
 
-#include "cli/formula/FormulaError.h"
+#include "function/formula/FormulaError.h"
 
 #include <fmt/format.h>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "cli/formula/Formula.h"
+#include "function/formula/Formula.h"
 
 #include <string_view>
 

@@ -1,6 +1,6 @@
-#include "cli/formula/ParseFormula.h"
+#include "function/formula/ParseFormula.h"
 
-#include "cli/formula/FormulaError.h"
+#include "function/formula/FormulaError.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "cli/formula/Formula.h"
 #include "cube/ValueCall.h"
+#include "function/formula/Formula.h"
 
 #include <cstdint>
 #include <variant>
