@@ -534,7 +534,7 @@ class WrongInput(WithBooks):
             self.assertIn(part, errors, command)
 
     def test_help_and_version(self):
-        for command in ((), ("eval",), ("explain",), ("mdx",), ("cube",), ("cube", "build"), ("cube", "info"),
+        for command in ((), ("eval",), ("explain",), ("mdx",), ("cube",), ("cube", "draft"), ("cube", "build"), ("cube", "info"),
                         ("cube", "verify")):
             status, output, errors = run(*command, "--help")
             self.assertEqual((status, errors), (0, ""), command)

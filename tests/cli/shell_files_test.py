@@ -89,13 +89,18 @@ class Installed(unittest.TestCase):
             os.environ.update(TERM="dumb", PATH=f"{self.qel.parent}:{os.environ['PATH']}", ZDOTDIR="/nonexistent")
             os.execvp("zsh", ["zsh", "-f", "-i"])
         functions = self.prefix / "share" / "zsh" / "site-functions"
-        os.write(terminal, f"fpath=({functions} $fpath); autoload -U compinit; compinit -u -D; PS1='> '\n".encode())
-        time.sleep(0.5)
+        shown, end = "", time.monotonic() + 60
+
+        def read_until(text):
+            nonlocal shown
+            while text not in shown and time.monotonic() < end:
+                if select.select([terminal], [], [], 0.2)[0]:
+                    shown += os.read(terminal, 65536).decode(errors="replace")
+        setup = f"fpath=({functions} $fpath); autoload -U compinit; compinit -u -D; PS1=$'\\x3e\\x3e ready '"
+        os.write(terminal, setup.encode() + b"\n")
+        read_until(">> ready ")
         os.write(terminal, keys.encode())
-        shown, end = "", time.monotonic() + 20
-        while until not in shown and time.monotonic() < end:
-            if select.select([terminal], [], [], 0.2)[0]:
-                shown += os.read(terminal, 65536).decode(errors="replace")
+        read_until(until)
         os.close(terminal)
         os.waitpid(child, 0)
         return shown
