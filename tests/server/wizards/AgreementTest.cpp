@@ -143,6 +143,7 @@ public:
         for (std::size_t left = Any(8); left > 0; --left) {
             ActOnce(person);
             machine_.queue.WaitUntilDone();
+            LeaveDates(person);
         }
         machine_.TakeMessages(); // about refused and missing choices
         if (!person.IsEnabled(Command1)) {
@@ -207,7 +208,7 @@ private:
             Find(person, ChekAct, ComActMember);
         } else if (act < 30) {
             static constexpr const char* dates[] = {"1/1/2024", "30.6.24", "31/12/2024", "1/1/1999", "soon"};
-            TypeDate(person, Any(2) == 0 ? TxtDateFrom : TxtDateTo, dates[Any(std::size(dates))]);
+            TypeAndLeave(person, Any(2) == 0 ? TxtDateFrom : TxtDateTo, dates[Any(std::size(dates))]);
         } else {
             ChooseFile(person, Any(2) == 0 ? QEL_LEDGER_CUBE : QEL_ODD_CUBE);
         }
@@ -223,11 +224,17 @@ private:
     }
 
     /// Dates that are refused get the focus back, once.
-    void TypeDate(const Person& person, const char* control, const char* date) {
-        TypeAndLeave(person, control, date);
-        machine_.queue.WaitUntilDone();
-        if (person.IsEnabled(TxtDateTo)) { // where the range is checked
-            person.Key(TxtDateTo, VK_TAB);
+    void LeaveDates(const Person& person) {
+        for (int tries = 0; tries < 4; ++tries) {
+            GUITHREADINFO state = {};
+            state.cbSize = sizeof(state);
+            ::GetGUIThreadInfo(::GetWindowThreadProcessId(person.Dialog(), nullptr), &state);
+            for (const char* const field : {TxtDateFrom, TxtDateTo}) {
+                if (state.hwndFocus == person.Control(field)) {
+                    ::PostMessageW(state.hwndFocus, WM_KEYDOWN, VK_TAB, 1);
+                }
+            }
+            machine_.queue.WaitUntilDone();
         }
     }
 
