@@ -33,7 +33,7 @@ MAY_INCLUDE = {
     "function/formula": "text platform/value cube",
     "function": f"{PORTS} support store lang cube wizard function/formula",
     "batch": f"{PORTS} support store lang cube wizard function",
-    "cli": PRODUCT,  # the doors
+    "cli": f"{PRODUCT} files",  # the doors
     "calc": PRODUCT,
     "server/dispatch": "text platform/value platform/windows",
     "server": f"{PRODUCT} server/dispatch",
