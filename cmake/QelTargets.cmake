@@ -38,10 +38,16 @@ endif()
 if(WIN32)
     target_compile_options(qel_options INTERFACE -Wno-stringop-overread) # likewise
 endif()
+if(CMAKE_UNITY_BUILD)
+    # Sources that are compiled together count as headers to GCC, which warns of what they keep to themselves.
+    target_compile_options(qel_options INTERFACE -Wno-subobject-linkage)
+endif()
 if(CMAKE_SIZEOF_VOID_P EQUAL 4)
     # Sizes in a cube file have 64 bits. A file that 32-bit memory could not hold whole is refused before they are used.
     target_compile_options(qel_options INTERFACE -Wno-conversion -Wno-sign-conversion -Wno-narrowing)
 endif()
+# For a debugger, but with tests that do not take minutes.
+string(REPLACE "-g" "-Og -g" CMAKE_CXX_FLAGS_DEBUG "${CMAKE_CXX_FLAGS_DEBUG}")
 # The engine alone gains from more.
 string(REPLACE "-O3" "-O2" CMAKE_CXX_FLAGS_RELEASE "${CMAKE_CXX_FLAGS_RELEASE}")
 
@@ -114,10 +120,10 @@ endfunction()
 #   windows  runs under Wine
 add_custom_target(thread_tests) # the programs of the tests with threads
 
-# qel_test(NAME sources... [LABELS labels...]): a GoogleTest program whose cases ctest lists one by one. Without LABELS
-# they are quick; in the Windows builds all are windows.
+# qel_test(NAME sources... [LABELS labels...] [SLOW names...]): a GoogleTest program whose cases ctest lists one by one.
+# Without LABELS they are quick, but for those whose names begin as SLOW says; in the Windows builds all are windows.
 function(qel_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 test "" "" LABELS)
+    cmake_parse_arguments(PARSE_ARGV 1 test "" "" "LABELS;SLOW")
     qel_program(${name} ${test_UNPARSED_ARGUMENTS})
     target_link_libraries(${name} PRIVATE GTest::gmock GTest::gtest_main)
     target_precompile_headers(${name} REUSE_FROM qel_test_precompiled)
@@ -135,8 +141,16 @@ function(qel_test name)
     endif()
     # gtest_discover_tests would take the second label for a property.
     set(labels_file "${CMAKE_CURRENT_BINARY_DIR}/${name}_labels.cmake")
-    file(CONFIGURE OUTPUT "${labels_file}" @ONLY
-        CONTENT "set_tests_properties(\${@name@_TESTS} PROPERTIES LABELS \"@test_LABELS@\")\n")
+    string(REPLACE quick slow slow_labels "${test_LABELS}")
+    string(REPLACE ";" "|" slow_names "${test_SLOW}")
+    file(CONFIGURE OUTPUT "${labels_file}" @ONLY CONTENT [[
+set_tests_properties(${@name@_TESTS} PROPERTIES LABELS "@test_LABELS@")
+set(slow ${@name@_TESTS})
+list(FILTER slow INCLUDE REGEX "^(@slow_names@)")
+if(NOT "@slow_names@" STREQUAL "" AND slow)
+    set_tests_properties(${slow} PROPERTIES LABELS "@slow_labels@")
+endif()
+]])
     set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES "${labels_file}")
 endfunction()
 

@@ -3,7 +3,8 @@
 
 A source is checked again when it, a header of the repository that it includes, its compile command, the rules or
 clang-tidy change, so a run without changes takes a second. What is remembered stands in the user's cache folder and
-serves every clone. A source of several build folders is checked in the first of them.
+serves every clone. A source of several build folders is checked in the first of them. Sources that a build folder
+compiles together are checked together: reading what they include takes most of the time.
 """
 import argparse
 import concurrent.futures
@@ -13,6 +14,7 @@ import json
 import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -21,29 +23,23 @@ import time
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 
-def included_files(build):
-    """Maps each object file to the repository's files that its compilation read."""
-    listing = subprocess.run(["ninja", "-C", build, "-t", "deps"], capture_output=True, text=True, check=True).stdout
-    files, current = {}, None
-    for line in listing.splitlines():
-        if line and not line.startswith(" "):
-            current = files.setdefault(line.split(":")[0], [])
-        elif line.strip():
-            path = (pathlib.Path(build) / line.strip()).resolve()
-            if path.is_relative_to(ROOT) and not path.name.startswith("cmake_pch"):
-                current.append(path)
+@functools.cache
+def quoted_includes(file):
+    folders = (ROOT, ROOT / "engine" / "include", file.parent)
+    names = re.findall(r'^#include "([^"]+)"', file.read_text(), re.MULTILINE)
+    found = (next((folder / name for folder in folders if (folder / name).exists()), None) for name in names)
+    return [path.resolve() for path in found if path]
+
+
+def included(source):
+    """The repository's files that a source reads, itself among them."""
+    files, new = set(), [pathlib.Path(source)]
+    while new:
+        file = new.pop()
+        if file not in files:
+            files.add(file)
+            new += quoted_includes(file)
     return files
-
-
-def object_of(command):
-    words = command.split()
-    return words[words.index("-o") + 1]
-
-
-def included(entry, includes):
-    """The repository's files that an entry's source reads."""
-    build, command = entry
-    return includes[build].get(object_of(command["command"]), [pathlib.Path(command["file"])])
 
 
 def rules():
@@ -77,30 +73,55 @@ def plain(command):
     return re.sub(r"-Winvalid-pch -include \S+ ", "", command[compiler:])
 
 
-def check(folder, source, arguments):
-    extra = [f"--extra-arg={argument}" for argument in ["-Wno-unknown-warning-option", *arguments]]
-    done = subprocess.run(["clang-tidy", "-p", folder, "--quiet", *extra, source], capture_output=True, text=True)
+@functools.cache
+def rules_for(folder):
+    return subprocess.run(["clang-tidy", "--dump-config", folder / "any.cpp"], capture_output=True, text=True,
+                          check=True).stdout
+
+
+def check(scratch, entries):
+    """Checks sources that share a compile command, and gives clang-tidy's result and findings."""
+    first = entries[0]
+    together = scratch / f"{abs(hash(first['file']))}.cpp"
+    together.write_text("".join(f'#include "{entry["file"]}"\n' for entry in entries))
+    command = shlex.split(first["command"].replace(first["file"], str(together)))
+    # What sources have to do with each other when they stand in one file is no finding.
+    checks = "--checks=-bugprone-suspicious-include,-bugprone-forward-declaration-namespace"
+    done = subprocess.run(["clang-tidy", "--quiet", checks,
+                           f"--config={rules_for(pathlib.Path(first['file']).parent)}", together, "--", *command[1:],
+                           *cross_arguments(command[0]), "-Wno-unknown-warning-option"],
+                          cwd=first["directory"], capture_output=True, text=True)
     return done.returncode, done.stdout
 
 
+def apart(entry):
+    """An entry for each source of one that compiles several together."""
+    file = pathlib.Path(entry["file"])
+    if file.parent.name != "Unity":
+        return [entry]
+    sources = re.findall(r'^#include "([^"]+)"', file.read_text(), re.MULTILINE)
+    return [{**entry, "file": source, "command": entry["command"].replace(str(file), source), "unit": str(file)}
+            for source in sources]
+
+
 def own_sources(builds):
-    """The compile commands of the repository's sources, each with its build folder."""
+    """The compile commands of the repository's sources."""
     seen = set()
     for build in builds:
-        for entry in json.loads((pathlib.Path(build) / "compile_commands.json").read_text()):
-            source = pathlib.Path(entry["file"])
-            if source.is_relative_to(ROOT) and not source.is_relative_to(ROOT / "build") and source not in seen:
-                seen.add(source)
-                entry["command"] = plain(entry["command"])
-                yield build, entry
+        for listed in json.loads((pathlib.Path(build) / "compile_commands.json").read_text()):
+            for entry in apart(listed):
+                source = pathlib.Path(entry["file"])
+                if source.is_relative_to(ROOT) and not source.is_relative_to(ROOT / "build") and source not in seen:
+                    seen.add(source)
+                    yield {**entry, "command": plain(entry["command"])}
 
 
-def touched(entries, includes, files):
+def touched(entries, files):
     """The entries of these sources; for a header, one that reads it, if possible the source of its name."""
     chosen = []
     for file in files:
-        readers = [entry for entry in entries if file in included(entry, includes)]
-        readers.sort(key=lambda entry: (entry[1]["file"] != str(file), pathlib.Path(entry[1]["file"]).stem != file.stem))
+        readers = [entry for entry in entries if file in included(entry["file"])]
+        readers.sort(key=lambda entry: (entry["file"] != str(file), pathlib.Path(entry["file"]).stem != file.stem))
         chosen += [entry for entry in readers[:1] if entry not in chosen]
     return chosen
 
@@ -116,41 +137,40 @@ def main():
     end = time.monotonic() + 60 * options.minutes
     builds = [os.path.abspath(build) for build in options.builds]
 
-    includes = {build: included_files(build) for build in builds}
     cache = pathlib.Path(os.environ.get("XDG_CACHE_HOME") or pathlib.Path.home() / ".cache")
     stamps = cache / "orm-func-qel4" / "tidy-clean"
     stamps.mkdir(parents=True, exist_ok=True)
     base = rules()
     entries = list(own_sources(builds))
     if options.only:
-        entries = touched(entries, includes, [file.resolve() for file in options.only])
-    waiting = []
-    for build, entry in entries:
-        mark = stamps / fingerprint(base, entry["command"], included((build, entry), includes))
+        entries = touched(entries, [file.resolve() for file in options.only])
+    waiting = {}
+    for entry in entries:
+        mark = stamps / fingerprint(base, entry["command"], included(entry["file"]))
         if not mark.exists():
-            waiting.append((entry, mark))
+            waiting.setdefault(entry.get("unit", entry["file"]), []).append((entry, mark))
 
-    def check_in_time(entry):
-        arguments = cross_arguments(entry["command"].split()[0])
-        return check(commands, entry["file"], arguments) if time.monotonic() < end else (None, "")
+    def check_in_time(scratch, unit):
+        return check(scratch, [entry for entry, _ in unit]) if time.monotonic() < end else (None, "")
 
-    waiting.sort(key=lambda each: pathlib.Path(each[0]["file"]).is_relative_to(ROOT / "tests"))  # the product first
-    failures, left = 0, 0
-    with tempfile.TemporaryDirectory() as commands, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        (pathlib.Path(commands) / "compile_commands.json").write_text(json.dumps([entry for entry, _ in waiting]))
-        results = {pool.submit(check_in_time, entry): (entry["file"], mark) for entry, mark in waiting}
+    units = sorted(waiting.values(), key=lambda unit: pathlib.Path(unit[0][0]["file"]).is_relative_to(ROOT / "tests"))
+    checked, failures, left = 0, 0, 0
+    with tempfile.TemporaryDirectory() as scratch, concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        results = {pool.submit(check_in_time, pathlib.Path(scratch), unit): unit for unit in units}
         for result in concurrent.futures.as_completed(results):
-            source, mark = results[result]
+            unit = results[result]
             status, text = result.result()
-            if status == 0:
-                mark.touch()
-                continue
             if status is None:
-                left += 1
+                left += len(unit)
+                continue
+            checked += len(unit)
+            if status == 0:
+                for _, mark in unit:
+                    mark.touch()
                 continue
             failures += 1
-            print(text.strip() or f"clang-tidy failed on {source}")
-    print(f"clang-tidy: {len(waiting) - left} sources checked, {failures} with findings")
+            print(text.strip() or f"clang-tidy failed on {', '.join(entry['file'] for entry, _ in unit)}")
+    print(f"clang-tidy: {checked} sources checked, {failures} groups with findings")
     if left:
         print(f"{left} sources are left for the next run: the {options.minutes:g} minutes are over")
     return 1 if failures else 0
