@@ -15,9 +15,9 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Make a cube file from ledger files in CSV";
+constexpr const char* cubeBuildDescription = "Make a cube file from CSV files or the tables of a database";
 
-constexpr const char* footer =
+constexpr const char* cubeBuildFooter =
     R"(DEFINITION is a JSON file; docs/cube-definition.md describes it. The cube file is replaced in one step when the
 build has succeeded, and stays as it was otherwise. A line that cannot be used stops the build, unless
 --skip-bad-lines says where to put such lines. Lines are counted for every cube that reads them.
@@ -87,8 +87,8 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
 } // namespace
 
 void AddCubeBuildCommand(CLI::App& cube, CommandContext& context) {
-    auto* command = cube.add_subcommand("build", description);
-    command->footer(footer);
+    auto* command = cube.add_subcommand("build", cubeBuildDescription);
+    command->footer(cubeBuildFooter);
     auto arguments = std::make_shared<BuildArguments>();
     command->add_option("DEFINITION", arguments->definition, "The cube definition (JSON)")->required();
     command->add_option("-o,--output", arguments->output, "The cube file to write")

@@ -14,9 +14,9 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Write a first definition for ledger files in CSV";
+constexpr const char* cubeDraftDescription = "Write a first definition for ledger files in CSV";
 
-constexpr const char* footer =
+constexpr const char* cubeDraftFooter =
     R"(Reads every file and finds how it is written (encoding, delimiter, decimal sign, order of dates), which columns hold
 dates, amounts and codes, and how they relate. A file with dates and amounts is a part of the ledger; the others are
 tables of its codes, such as accounts. The definition has every dimension that formulas name, and comments where
@@ -105,8 +105,8 @@ void Draft(const DraftArguments& arguments, CommandContext& context) {
 } // namespace
 
 void AddCubeDraftCommand(CLI::App& cube, CommandContext& context) {
-    auto* command = cube.add_subcommand("draft", description);
-    command->footer(footer);
+    auto* command = cube.add_subcommand("draft", cubeDraftDescription);
+    command->footer(cubeDraftFooter);
     auto arguments = std::make_shared<DraftArguments>();
     command->add_option("FILES", arguments->files, "The ledger and the tables that belong to it (CSV)")
         ->required();

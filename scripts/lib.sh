@@ -12,7 +12,7 @@ say() { printf '\n== %s\n' "$*"; }
 
 # What the repository needs, by purpose.
 build_packages="g++ cmake ninja-build ccache libfmt-dev nlohmann-json3-dev libcli11-dev libcsv-dev libxxhash-dev
-    libsqlite3-dev libsimpleini-dev libpugixml-dev libexpat1-dev libcurl4-openssl-dev python3"
+    libsqlite3-dev unixodbc-dev libsimpleini-dev libpugixml-dev libexpat1-dev libcurl4-openssl-dev python3"
 test_packages="libgtest-dev libgmock-dev man-db zsh"
 office_packages="libreoffice-calc libreoffice-dev python3-uno python3-openpyxl fonts-liberation poppler-utils"
 office_test_packages="xvfb imagemagick openbox xdotool"
@@ -21,7 +21,7 @@ windows_packages="g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools libwin
 wine_packages="wine wine64 xvfb imagemagick fonts-dejavu-core fonts-dejavu-extra fonts-wine" # a screen for the dialogs
 command -v npm >/dev/null || windows_packages+=" npm" # SQLite's source for the Windows build comes through it
 server_packages="openjdk-17-jre-headless libmondrian-java libjetty9-java libservlet-api-java liblog4j1.2-java
-    libcommons-io-java libcommons-collections3-java libhsqldb-java"
+    libcommons-io-java libcommons-collections3-java libhsqldb-java postgresql odbc-postgresql libsqliteodbc"
 fuzz_packages="clang libclang-rt-14-dev"
 
 as_root() {

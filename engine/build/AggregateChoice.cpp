@@ -2,6 +2,7 @@
 
 #include "engine/build/AggregateLayout.h"
 #include "engine/build/MemberSets.h"
+#include "engine/storage/Format.h"
 
 #include <algorithm>
 #include <map>
@@ -71,6 +72,8 @@ private:
                     const std::vector<KeyRange>& secondSets, std::span<const std::uint32_t> rows);
     std::vector<ChosenAggregate> TakeBest();
     std::uint64_t Bytes(std::uint64_t rows) const;
+    /// The most that finding its facts takes where it is checked.
+    std::uint64_t SearchSteps(const ChosenAggregate& aggregate) const;
     /// The row numbers sorted by the column's codes.
     std::vector<std::uint32_t> Sorted(std::uint16_t column) const;
 
@@ -183,16 +186,34 @@ std::vector<ChosenAggregate> AggregateChooser::TakeBest() {
     std::stable_sort(candidates_.begin(), candidates_.end(),
                      [](const Candidate& left, const Candidate& right) { return left.cost > right.cost; });
     auto budget = static_cast<std::uint64_t>(budgetPerFact * static_cast<double>(facts_.rowCount));
+    std::uint64_t rowsLeft = format::mostAggregatedFacts * facts_.rowCount;
+    std::uint64_t stepsLeft = format::mostSearchSteps / 2 * facts_.rowCount;
     std::vector<ChosenAggregate> chosen;
     for (const Candidate& candidate : candidates_) {
         const std::uint64_t bytes = Bytes(candidate.aggregate.rows);
-        if (bytes > budget) {
+        const std::uint64_t steps = SearchSteps(candidate.aggregate);
+        if (bytes > budget || candidate.aggregate.rows > rowsLeft || steps > stepsLeft) {
             continue;
         }
+        stepsLeft -= steps;
         budget -= bytes;
+        rowsLeft -= candidate.aggregate.rows;
         chosen.push_back(candidate.aggregate);
     }
     return chosen;
+}
+
+std::uint64_t AggregateChooser::SearchSteps(const ChosenAggregate& aggregate) const {
+    if (!aggregate.lead || !aggregate.second) {
+        return 0;
+    }
+    std::uint64_t codes = 0;
+    const CodeRanges ranges = groups_.Ranges(aggregate.leadCodes);
+    for (const KeyRange range : ranges) {
+        codes += range.last - range.first;
+    }
+    return std::min(codes * groups_.Ranges(aggregate.secondCodes).size(),
+                    RowsUnder(leads_.at(*aggregate.lead).counts, ranges));
 }
 
 std::uint64_t AggregateChooser::Bytes(std::uint64_t rows) const {

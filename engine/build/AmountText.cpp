@@ -132,7 +132,8 @@ ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::ui
     if (amount.value || amount.isTooLarge) {
         return amount;
     }
-    for (std::uint8_t currency = 1; currency <= currencySigns.size(); ++currency) {
+    for (std::size_t i = 0; i < currencySigns.size(); ++i) {
+        const auto currency = static_cast<std::uint8_t>(i + 1);
         const std::string_view sign = CurrencySign(currency);
         const auto place = text.find(sign);
         if (place != std::string_view::npos) {

@@ -33,24 +33,25 @@ void BadLines::CreateFile() {
     }
 }
 
-void BadLines::Report(const CsvReader& reader, const std::string& column, const std::string& fault) {
+void BadLines::Report(const RecordReader& reader, const std::string& column, const std::string& fault) {
     if (!path_) {
         const std::string place = column.empty() ? "" : ", column " + column;
         throw EngineError(ErrorKind::InvalidData,
-                          fmt::format("{}, line {}{}: {}", reader.FileName(), reader.Line(), place, fault));
+                          fmt::format("{}, {} {}{}: {}", reader.Name(), reader.RecordName(), reader.Number(),
+                                      place, fault));
     }
     if (written_.empty()) {
         CreateFile();
     }
-    if (!written_.emplace(reader.FileName(), reader.Line()).second) {
+    if (!written_.emplace(reader.Name(), reader.Number()).second) {
         return;
     }
-    if (lastFile_ != reader.FileName()) {
+    if (lastFile_ != reader.Name()) {
         file_ << "skipped_line" << reader.Delimiter() << "skipped_reason" << reader.Delimiter();
         WriteLine(file_, reader.HeaderText());
     }
-    lastFile_ = reader.FileName();
-    file_ << reader.Line() << reader.Delimiter()
+    lastFile_ = reader.Name();
+    file_ << reader.Number() << reader.Delimiter()
           << QuotedField(column.empty() ? fault : fmt::format("column {}: {}", column, fault))
           << reader.Delimiter();
     WriteLine(file_, reader.Raw());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/build/CsvReader.h"
+#include "engine/build/RecordReader.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -19,10 +19,10 @@ public:
     /// The file is created when the first line is skipped.
     explicit BadLines(std::optional<std::filesystem::path> skippedLines) : path_(std::move(skippedLines)) {}
 
-    /// Raises EngineError (InvalidData) "FILE, line N, column NAME: fault" (without the column when `column`
+    /// Raises EngineError (InvalidData) "TABLE, line N, column NAME: fault" (without the column when `column`
     /// is empty), or copies the current line to the file of skipped lines. Raises CannotWrite when that file
     /// cannot be created.
-    void Report(const CsvReader& reader, const std::string& column, const std::string& fault);
+    void Report(const RecordReader& reader, const std::string& column, const std::string& fault);
     /// Completes the file. Raises EngineError (CannotWrite) when not all of it could be written.
     void Finish();
     /// The number of lines copied.

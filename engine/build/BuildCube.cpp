@@ -7,11 +7,32 @@
 #include "engine/build/Definition.h"
 #include "engine/build/FactSorter.h"
 #include "engine/storage/CubeFileWriter.h"
+#include "qel/engine/CheckCalculations.h"
+#include "qel/engine/CubeFile.h"
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
 namespace qel::engine {
+
+namespace {
+
+/// Only the complete file has every name that a formula may use.
+void CheckCalculations(const Definition& definition, CubeFileWriter& writer) {
+    if (std::all_of(definition.cubes.begin(), definition.cubes.end(),
+                    [](const CubeDefinition& cube) { return cube.calculations.Empty(); })) {
+        return;
+    }
+    const auto file = CubeFile::Open(writer.Complete());
+    for (std::size_t i = 0; i < definition.cubes.size(); ++i) {
+        if (const auto fault = FindCalculationFault(file->Cubes()[i])) {
+            RefuseCalculation(definition.cubes[i], *fault);
+        }
+    }
+}
+
+} // namespace
 
 BuildTotals BuildCube(const BuildOptions& options) {
     const Definition definition = ReadDefinition(options.definition);
@@ -38,6 +59,7 @@ BuildTotals BuildCube(const BuildOptions& options) {
         WriteFacts(cubes[i]->Model(), cubes[i]->Facts(), i, writer, progress);
         cubes[i].reset();
     }
+    CheckCalculations(definition, writer);
     if (options.review) {
         AddReviewed(options.review(writer.Complete()), definition, totals.warnings);
     }

@@ -39,6 +39,9 @@ void RefuseInputs(const path& written, const std::string& purpose, const path& d
                   const Definition& definition) {
     RefuseSame(written, purpose, definitionFile, "the cube definition");
     for (const TableDefinition& table : definition.tables) {
+        if (table.odbc) {
+            continue;
+        }
         RefuseSame(written, purpose, table.file, fmt::format("the file of the table \"{}\"", table.name));
     }
 }

@@ -41,7 +41,8 @@ year_month_day Calendar::DayOf(std::uint32_t period) const {
             std::chrono::day(1)};
 }
 
-void Calendar::AddLevel(Unit unit, std::uint32_t firstParent, HierarchyModel& model) const {
+void Calendar::AddLevel(Unit unit, std::uint32_t firstParent, const std::vector<std::string>& monthNames,
+                        HierarchyModel& model) const {
     std::uint32_t parent = firstParent; // the member of the level above
     for (std::uint32_t period = 0, last = 0; period < periodCount_; period = last) {
         const year_month_day day = DayOf(period);
@@ -76,7 +77,8 @@ void Calendar::AddLevel(Unit unit, std::uint32_t firstParent, HierarchyModel& mo
             ++parent;
         }
         model.names.Add(name);
-        model.captions.Add(name);
+        const bool hasCaption = unit == Unit::Month && !monthNames.empty();
+        model.captions.Add(hasCaption ? fmt::format("{} {}", monthNames[month - 1], year) : name);
         model.keys.Add(key);
         model.parents.push_back(parent);
         AddRanges({{period, last}}, model);
@@ -106,7 +108,7 @@ HierarchyModel Calendar::Model(const HierarchyDefinition& definition, const Cale
     for (std::size_t i = 0; i < units.size(); ++i) {
         const auto firstOfLevel = static_cast<std::uint32_t>(model.parents.size());
         model.levels.push_back({calendar.levels[i], false, 0});
-        AddLevel(units[i], firstParent, model);
+        AddLevel(units[i], firstParent, calendar.monthNames, model);
         firstParent = firstOfLevel;
     }
     FillFirstChildren(model);

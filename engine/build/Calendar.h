@@ -18,15 +18,16 @@ public:
     std::uint32_t PeriodOf(std::chrono::sys_days day) const;
 
     /// The hierarchy of years, quarters, months and days. Members are named 2024, Q1, 3 and 31 and have the
-    /// keys 2024, 2024-Q1, 2024-03 and 2024-03-31. Raises EngineError (InvalidDefinition) when the default
-    /// member does not exist.
+    /// keys 2024, 2024-Q1, 2024-03 and 2024-03-31; with names of months, 3 has the caption "March 2024".
+    /// Raises EngineError (InvalidDefinition) when the default member does not exist.
     HierarchyModel Model(const HierarchyDefinition& definition, const CalendarDefinition& calendar,
                          std::uint32_t keyColumn) const;
 
 private:
     enum class Unit : std::uint8_t { Year, Quarter, Month, Day };
 
-    void AddLevel(Unit unit, std::uint32_t firstParent, HierarchyModel& model) const;
+    void AddLevel(Unit unit, std::uint32_t firstParent, const std::vector<std::string>& monthNames,
+                  HierarchyModel& model) const;
     /// The first day of a period.
     std::chrono::year_month_day DayOf(std::uint32_t period) const;
 

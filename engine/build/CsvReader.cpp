@@ -2,6 +2,7 @@
 
 #include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 
@@ -15,39 +16,50 @@ namespace {
 /// A longer record is assumed to have an unclosed quote.
 constexpr std::size_t longestRecord = 1 << 20;
 constexpr std::string_view notClosed = "a quote is not closed";
-constexpr std::string_view noBreakBlank = "\xC2\xA0";
 
-std::string_view Trimmed(std::string_view text) {
-    const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
-    for (;;) {
-        if (text.empty()) {
-            return text;
+/// The length of the quoted text at the start, with its quotes; 0 when it does not end.
+std::size_t QuotedLength(std::string_view text) {
+    for (std::size_t i = 1; i < text.size(); ++i) {
+        if (text[i] == '"' && text.substr(i, 2) != "\"\"") {
+            return i + 1;
         }
-        if (isBlank(text.front())) {
-            text.remove_prefix(1);
-        } else if (isBlank(text.back())) {
-            text.remove_suffix(1);
-        } else if (text.substr(0, 2) == noBreakBlank) {
-            text.remove_prefix(2);
-        } else if (text.size() >= 2 && text.substr(text.size() - 2) == noBreakBlank) {
-            text.remove_suffix(2);
-        } else {
-            return text;
-        }
+        i += text[i] == '"' ? std::size_t{1} : 0;
     }
+    return 0;
+}
+
+/// The fields of a line as it stands, where a quote has a meaning at the start of a field alone, as in the
+/// spreadsheets that people export from. None when a quoted field does not end where the field does.
+std::vector<std::string_view> FieldsOf(std::string_view line, char delimiter) {
+    std::vector<std::string_view> fields;
+    line = line.substr(0, line.find_last_not_of("\r\n") + 1);
+    const auto skipBlanks = [&] {
+        const auto first = line.find_first_not_of(delimiter == '\t' ? " " : " \t");
+        line.remove_prefix(std::min(first, line.size()));
+    };
+    for (bool hasMore = true; hasMore;) {
+        skipBlanks();
+        const bool isQuoted = line.starts_with('"');
+        const std::size_t length =
+            isQuoted ? QuotedLength(line) : std::min(line.find(delimiter), line.size());
+        fields.push_back(line.substr(0, length));
+        line.remove_prefix(length);
+        skipBlanks();
+        if ((isQuoted && length == 0) || (!line.empty() && line.front() != delimiter)) {
+            return {};
+        }
+        hasMore = !line.empty();
+        line.remove_prefix(hasMore ? 1 : 0);
+    }
+    return fields;
 }
 
 /// The delimiter that occurs most often outside quotes; a comma when there is none.
 char DetectDelimiter(std::string_view line) {
     char best = ',';
-    std::size_t most = 0;
+    std::size_t most = 1;
     for (const char candidate : {',', ';', '\t', '|'}) {
-        bool isQuoted = false;
-        std::size_t count = 0;
-        for (const char c : line) {
-            isQuoted = isQuoted != (c == '"');
-            count += !isQuoted && c == candidate ? 1 : 0;
-        }
+        const std::size_t count = FieldsOf(line, candidate).size();
         if (count > most) {
             most = count;
             best = candidate;
@@ -63,8 +75,8 @@ void CsvReader::ParserDeleter::operator()(csv_parser* parser) const {
     std::default_delete<csv_parser>()(parser);
 }
 
-CsvReader::CsvReader(std::istream& input, std::string fileName, char delimiter)
-    : lines_(input), fileName_(std::move(fileName)), delimiter_(delimiter) {
+CsvReader::CsvReader(std::istream& input, const std::string& fileName, char delimiter, std::uint64_t size)
+    : RecordReader(fileName), lines_(input), delimiter_(delimiter), size_(size) {
     ReadHeader();
 }
 
@@ -92,8 +104,8 @@ void CsvReader::ReadHeader() {
     if (!fault_.empty()) {
         Fail(fmt::format("line {}: {}", line_, fault_));
     }
-    headerText_ = Raw();
-    for (std::size_t i = 0; i < fields_.size(); ++i) {
+    headerText_ = RawText();
+    for (std::size_t i = 0; i < FieldCount(); ++i) {
         header_.emplace_back(Field(i));
     }
 }
@@ -120,14 +132,16 @@ bool CsvReader::Next() {
         return false;
     }
     fault_ = FormFault();
-    if (fault_.empty() && fields_.size() != header_.size()) {
-        fault_ = fmt::format("expected {} fields, found {}", header_.size(), fields_.size());
+    if (fault_.empty() && FieldCount() != header_.size()) {
+        fault_ = fmt::format("expected {} fields, found {}", header_.size(), FieldCount());
     }
     return true;
 }
 
-std::string_view CsvReader::Field(std::size_t column) const {
-    return Trimmed(std::string_view(text_).substr(fields_[column].first, fields_[column].second));
+double CsvReader::Share() const {
+    // Decoded text may be longer than what the file holds.
+    return size_ == 0 ? 0
+                      : std::min(static_cast<double>(lines_.Position()) / static_cast<double>(size_), 1.0);
 }
 
 bool CsvReader::SkipBlankLines() {
@@ -153,8 +167,7 @@ bool CsvReader::ReadRecord() {
     recordSize_ = 0;
     recordLines_ = 0;
     recordIsComplete_ = false;
-    text_.clear();
-    fields_.clear();
+    ClearFields();
     fault_.clear();
     if (!SkipBlankLines()) {
         return false;
@@ -180,19 +193,32 @@ bool CsvReader::ReadRecord() {
     if (!fault_.empty()) {
         ResetParser();
         recordSize_ = firstLine;
+        if (recordLines_ == 1 && TakeQuotesWithinFields()) {
+            fault_.clear();
+        }
         recordLines_ = 1;
     }
     return true;
+}
+
+bool CsvReader::TakeQuotesWithinFields() {
+    const auto fields = FieldsOf(lines_.LineAt(0), delimiter_);
+    ClearFields();
+    for (const std::string_view field : fields) {
+        const bool isQuoted = field.starts_with('"');
+        AddField(isQuoted ? ReplaceAll(field.substr(1, field.size() - 2), "\"\"", "\"") : field);
+    }
+    return !fields.empty();
 }
 
 std::string CsvReader::FormFault() const {
     if (!fault_.empty()) {
         return fault_;
     }
-    if (!IsValidUtf8(Raw())) {
+    if (!IsValidUtf8(RawText())) {
         return "the text is not in the file's encoding; set \"encoding\", such as \"windows-1255\"";
     }
-    if (Raw().find('\0') != std::string_view::npos) {
+    if (RawText().find('\0') != std::string_view::npos) {
         return "a character with code 0";
     }
     return {};
@@ -208,15 +234,12 @@ void CsvReader::ResetParser() {
 }
 
 void CsvReader::Fail(const std::string& fault) const {
-    throw EngineError(ErrorKind::InvalidData, fmt::format("{}: {}", fileName_, fault));
+    throw EngineError(ErrorKind::InvalidData, fmt::format("{}: {}", Name(), fault));
 }
 
 void CsvReader::OnField(void* text, std::size_t length, void* self) {
-    auto& reader = *static_cast<CsvReader*>(self);
-    reader.fields_.emplace_back(reader.text_.size(), length);
-    if (length != 0) {
-        reader.text_.append(static_cast<const char*>(text), length);
-    }
+    static_cast<CsvReader*>(self)->AddField(
+        length == 0 ? std::string_view() : std::string_view(static_cast<const char*>(text), length));
 }
 
 void CsvReader::OnRecord(int, void* self) { static_cast<CsvReader*>(self)->recordIsComplete_ = true; }

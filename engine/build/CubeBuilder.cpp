@@ -71,9 +71,8 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
         if (keyColumnOf_[i]) {
             auto& names = tableNames[*keyColumnOf_[i]];
             tableOfKeys = names.size();
-            names.push_back(
-                fmt::format("table of dimension {} ({})", dimension.name,
-                            PathToUtf8(definition_.tables[dimension.tables.front()].file.filename())));
+            names.push_back(fmt::format("table of dimension {} ({})", dimension.name,
+                                        definition_.tables[dimension.tables.front()].ShortName()));
         }
         for (const std::size_t table : dimension.tables) {
             TableReader reader(definition_.tables[table], badLines_, progress_);
@@ -93,7 +92,7 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
         const std::uint64_t firstRow = facts_.rowCount;
         ReadFacts(reader, cube_.measures, keyColumns_, facts_);
         SourceTotals& source = model_.sources.emplace_back();
-        source.file = PathToUtf8(definition_.tables[table].file.filename());
+        source.file = definition_.tables[table].ShortName();
         source.linesRead = reader.LinesRead();
         source.linesSkipped = reader.LinesSkipped();
         AddTotals(facts_, firstRow, source);
@@ -109,12 +108,12 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
 }
 
 void CubeBuilder::NoteLastLine(const TableReader& reader, std::vector<BuildWarning>& warnings) {
-    if (reader.Csv().LineHasEnd() || reader.Table().acceptsOpenLine) {
+    if (reader.Records().IsComplete() || reader.Table().acceptsOpenLine) {
         return;
     }
     const std::string text =
         fmt::format("{}, line {}: the last line has no line end; the file may be cut off",
-                    reader.Csv().FileName(), reader.Csv().Line());
+                    reader.Records().Name(), reader.Records().Number());
     const bool isKnown = std::any_of(warnings.begin(), warnings.end(),
                                      [&text](const auto& warning) { return warning.text == text; });
     if (!isKnown) {
@@ -137,7 +136,7 @@ void CubeBuilder::NumberKeys() {
 std::string CubeBuilder::FactPlace() const {
     std::vector<std::string> files;
     for (const std::size_t table : cube_.facts) {
-        files.push_back(PathToUtf8(definition_.tables[table].file.filename()));
+        files.push_back(definition_.tables[table].ShortName());
     }
     return fmt::format("cube {}, facts of {}", cube_.name, fmt::join(files, ", "));
 }
@@ -167,6 +166,7 @@ void CubeBuilder::MakeModel() {
     model_.caption = cube_.caption;
     model_.defaultMeasure = static_cast<std::uint32_t>(cube_.defaultMeasure);
     model_.rowCount = facts_.rowCount;
+    model_.calculations = cube_.calculations;
     for (const KeyColumnBuilder& column : keyColumns_) {
         model_.keyColumns.push_back({column.Name(), column.CodeCount()});
     }

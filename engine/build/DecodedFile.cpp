@@ -78,6 +78,12 @@ private:
     std::string text_;
 };
 
+std::uint64_t SizeOf(const std::filesystem::path& path) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    return error ? 0 : size;
+}
+
 void RefuseWorkbook(std::string_view start, const std::string& fileName) {
     constexpr std::string_view zip = "PK\x03\x04", oldWorkbook = "\xD0\xCF\x11\xE0";
     if (start.starts_with(zip) || start.starts_with(oldWorkbook)) {
@@ -90,7 +96,7 @@ void RefuseWorkbook(std::string_view start, const std::string& fileName) {
 } // namespace
 
 DecodedFile::DecodedFile(const std::filesystem::path& path, const std::string& encoding)
-    : file_(OpenTextFile(path)), stream_(&file_) {
+    : file_(OpenTextFile(path)), size_(SizeOf(path)), stream_(&file_) {
     std::array<char, 4> start = {};
     file_.read(start.data(), start.size());
     const std::string_view read(start.data(), static_cast<std::size_t>(file_.gcount()));

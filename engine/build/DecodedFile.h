@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <istream>
@@ -19,9 +20,12 @@ public:
     DecodedFile(const std::filesystem::path& path, const std::string& encoding);
 
     std::istream& Stream() { return *stream_; }
+    /// In bytes, as it stands on disk; 0 when it is unknown.
+    std::uint64_t Size() const { return size_; }
 
 private:
     std::ifstream file_;
+    std::uint64_t size_;
     std::unique_ptr<std::streambuf> decoder_;
     std::unique_ptr<std::istream> decoded_;
     std::istream* stream_;

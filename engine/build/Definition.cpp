@@ -2,6 +2,7 @@
 
 #include "engine/build/FieldDate.h"
 #include "engine/build/JsonObject.h"
+#include "engine/build/OdbcConnectionText.h"
 #include "engine/build/TextFile.h"
 #include "engine/storage/Format.h"
 #include "qel/engine/EngineError.h"
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <unordered_set>
 
 namespace qel::engine {
@@ -35,12 +37,20 @@ private:
     std::unordered_set<std::string> names_;
 };
 
-void ReadFormat(JsonObject& object, CsvFormat& format) {
+/// Reads how a file is written.
+void ReadFileFormat(JsonObject& object, CsvFormat& format) {
     constexpr std::string_view delimiters = ",;\t|";
     if (const auto place = object.Optional("delimiter")) {
         const std::size_t choice = place->OneOf({",", ";", "\t", "|", "auto"});
         format.delimiter = choice < delimiters.size() ? delimiters[choice] : '\0';
     }
+    if (const auto place = object.Optional("encoding")) {
+        format.encoding = EqualIgnoringCase(place->Text(), "auto") ? "" : place->Text();
+    }
+}
+
+/// Reads how amounts and dates are written.
+void ReadValueFormat(JsonObject& object, CsvFormat& format) {
     if (const auto place = object.Optional("decimal")) {
         format.decimal = place->OneOf({".", ","}) == 0 ? '.' : ',';
     }
@@ -50,11 +60,19 @@ void ReadFormat(JsonObject& object, CsvFormat& format) {
     if (const auto place = object.Optional("dates")) {
         format.dates = static_cast<DateFormat>(place->OneOf({"iso", "dmy", "mdy", "ymd"}));
     }
-    if (const auto place = object.Optional("encoding")) {
-        format.encoding = EqualIgnoringCase(place->Text(), "auto") ? "" : place->Text();
-    }
     if (format.decimal == format.thousands) {
         object.Place().Fail("\"decimal\" and \"thousands\" are the same sign");
+    }
+}
+
+void ReadDatabase(JsonObject& object, const JsonPlace& odbc, TableDefinition& table) {
+    table.odbc = OdbcSource{odbc.Where(), odbc.Text(), object.Required("query").Text()};
+    if (HoldsPassword(table.odbc->connection)) {
+        odbc.Fail("holds a password; keep it in the data source, or in an environment variable: "
+                  "\"PWD=${LEDGER_PASSWORD}\"");
+    }
+    if (const auto file = object.Optional("file")) {
+        file->Fail("a table is a \"file\" or a query by \"odbc\", not both");
     }
 }
 
@@ -62,13 +80,18 @@ TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const
                           const std::filesystem::path& folder) {
     TableDefinition table;
     table.name = name;
-    table.format = defaults;
     JsonObject object(place);
-    table.file = folder / std::filesystem::path(object.Required("file").Text());
-    ReadFormat(object, table.format);
-    if (const auto accept = object.Optional("accept")) {
-        table.acceptsOpenLine = accept->OneOf({lastLine}) == 0;
+    if (const auto odbc = object.Optional("odbc")) {
+        ReadDatabase(object, *odbc, table);
+    } else {
+        table.format = defaults;
+        table.file = folder / std::filesystem::path(object.Required("file").Text());
+        ReadFileFormat(object, table.format);
+        if (const auto accept = object.Optional("accept")) {
+            table.acceptsOpenLine = accept->OneOf({lastLine}) == 0;
+        }
     }
+    ReadValueFormat(object, table.format);
     if (const auto columns = object.Optional("columns")) {
         for (const auto& [column, inFile] : JsonObject(*columns).All()) {
             table.columns.emplace_back(column, inFile.Text());
@@ -78,6 +101,9 @@ TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const
     return table;
 }
 
+constexpr const char* ownLevels =
+    "a table has one column for each level; a column with every member's parent makes none";
+
 /// Reads one cube; its parts refer to the definition's tables.
 class CubeReader {
 public:
@@ -86,12 +112,14 @@ public:
     CubeDefinition Read(const JsonPlace& place) const {
         JsonObject object(place);
         CubeDefinition cube;
+        cube.place = place.Where();
         cube.name = object.Required("name").Text();
         cube.caption = object.TextOr("caption", cube.name);
         cube.facts = Tables(object.Required("facts"));
         ReadDimensions(object.Required("dimensions"), cube);
         ReadMeasures(object, cube);
         ReadSortOrders(object, cube);
+        ReadCalculations(object, cube);
         object.Finish();
         return cube;
     }
@@ -118,7 +146,10 @@ private:
             DimensionDefinition dimension = ReadDimension(element);
             names.Add(dimension.name, element);
             if (dimension.calendar && !calendars.insert(*dimension.column).second) {
-                element.Fail(fmt::format("the column \"{}\" has a calendar already", *dimension.column));
+                element.Fail(
+                    fmt::format("the column \"{0}\" has a calendar already; give it a second name in "
+                                "the table: \"columns\": {{ \"{0}\": \"{0}\", \"{0}2\": \"{0}\" }}",
+                                *dimension.column));
             }
             cube.dimensions.push_back(std::move(dimension));
         }
@@ -145,6 +176,7 @@ private:
             ReadAccepted(*accept, dimension);
         }
         ReadMemberSource(object, dimension);
+        object.HintFor("parent", ownLevels);
         object.Finish();
         return dimension;
     }
@@ -281,6 +313,13 @@ private:
             }
             calendar.levels = names;
         }
+        if (const auto names = object.Optional("monthNames")) {
+            calendar.monthNames = names->Texts();
+            if (calendar.monthNames.size() != 12) {
+                names->Fail(
+                    fmt::format("expected 12 names, from January on, found {}", calendar.monthNames.size()));
+            }
+        }
         object.Finish();
         dimension.calendar = calendar;
     }
@@ -346,6 +385,9 @@ private:
             level.key = object.TextOr("key", dimension.keys.empty() ? "" : dimension.keys.back());
             level.memberName = object.TextOr("memberName", "");
             level.caption = object.TextOr("caption", "");
+            object.HintFor("parent", ownLevels);
+            object.HintFor("properties", "a member has a key, a name and a caption; another column can be a "
+                                         "level of a hierarchy of its own");
             if (const auto order = object.Optional("order")) {
                 level.order = static_cast<MemberOrder>(order->OneOf({"key", "name", "file"}));
             }
@@ -386,6 +428,11 @@ private:
         measure.name = object.Required("name").Text();
         measure.caption = object.TextOr("caption", measure.name);
         const auto aggregate = object.Optional("aggregate");
+        if (aggregate && *aggregate->value == "distinctCount") {
+            aggregate->Fail("a measure cannot count distinct values; write a calculated member such as "
+                            "Count(NonEmpty([Accounts].[AccountCodes].[AccountCode].Members, "
+                            "[Measures].[Lines])), where Lines is a count");
+        }
         const bool isCount = aggregate && aggregate->OneOf({"sum", "count"}) == 1;
         const auto column = object.Optional("column");
         const auto decimals = object.Optional("decimals");
@@ -404,6 +451,7 @@ private:
         measure.decimals = isCount    ? 0
                            : decimals ? static_cast<std::uint8_t>(decimals->Integer(0, mostDecimals))
                                       : 2;
+        object.HintFor("format", "a measure shows its \"decimals\"; a calculated member can have a format");
         object.Finish();
         return measure;
     }
@@ -431,10 +479,68 @@ private:
         }
     }
 
+    static void ReadCalculations(JsonObject& object, CubeDefinition& cube) {
+        Calculations& calculations = cube.calculations;
+        for (const JsonPlace& element : Definitions(object, "calculatedMembers")) {
+            JsonObject member(element);
+            CalculatedMember& read = calculations.members.emplace_back();
+            read.name = ShortText(member.Required("name"));
+            read.formula = ShortText(member.Required("formula"));
+            if (const auto format = member.Optional("format")) {
+                read.format = ShortText(*format);
+                if (const std::string fault = FindFormatFault(read.format); !fault.empty()) {
+                    format->Fail(fault);
+                }
+            }
+            if (const auto order = member.Optional("solveOrder")) {
+                using Limits = std::numeric_limits<std::int32_t>;
+                read.solveOrder = order->Integer(Limits::min(), Limits::max());
+            }
+            member.Finish();
+        }
+        for (const JsonPlace& element : Definitions(object, "namedSets")) {
+            JsonObject set(element);
+            calculations.sets.push_back(
+                {ShortText(set.Required("name")), ShortText(set.Required("formula"))});
+            set.Finish();
+        }
+        if (const auto fault = FindSyntaxFault(calculations)) {
+            RefuseCalculation(cube, *fault);
+        }
+    }
+
+    static std::vector<JsonPlace> Definitions(JsonObject& object, const std::string& key) {
+        const auto place = object.Optional(key);
+        std::vector<JsonPlace> elements = place ? place->Elements() : std::vector<JsonPlace>();
+        if (elements.size() > Calculations::most) {
+            place->Fail(fmt::format("a cube has at most {} of them", Calculations::most));
+        }
+        return elements;
+    }
+
+    static std::string ShortText(const JsonPlace& place) {
+        std::string text = place.Text();
+        if (text.size() > Calculations::longestText) {
+            place.Fail(fmt::format("the text has {} bytes; {} is the limit", text.size(),
+                                   Calculations::longestText));
+        }
+        return text;
+    }
+
     const std::vector<TableDefinition>& tables_;
 };
 
 } // namespace
+
+std::string TableDefinition::ShortName() const {
+    return odbc ? fmt::format("table \"{}\"", name) : PathToUtf8(file.filename());
+}
+
+void RefuseCalculation(const CubeDefinition& cube, const CalculationFault& fault) {
+    throw EngineError(ErrorKind::InvalidDefinition,
+                      fmt::format("{}.{}[{}]: {}", cube.place,
+                                  fault.isSet ? "namedSets" : "calculatedMembers", fault.index, fault.text));
+}
 
 Definition ParseDefinition(std::string_view text, const std::string& fileName,
                            const std::filesystem::path& folder) {
@@ -444,7 +550,8 @@ Definition ParseDefinition(std::string_view text, const std::string& fileName,
     CsvFormat defaults;
     if (const auto place = object.Optional("csv")) {
         JsonObject csv(*place);
-        ReadFormat(csv, defaults);
+        ReadFileFormat(csv, defaults);
+        ReadValueFormat(csv, defaults);
         csv.Finish();
     }
     Definition definition;

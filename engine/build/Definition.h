@@ -1,5 +1,8 @@
 #pragma once
 
+#include "qel/engine/Calculations.h"
+#include "qel/engine/CheckCalculations.h"
+
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -23,13 +26,24 @@ struct CsvFormat {
     std::string encoding = {}; ///< empty: UTF-16 with a byte order mark, otherwise UTF-8
 };
 
+/// A database reached through ODBC.
+struct OdbcSource {
+    std::string place;      ///< "ledger.json: tables.ledger.odbc", for messages
+    std::string connection; ///< may name environment variables: "DSN=books;PWD=${BOOKS_PASSWORD}"
+    std::string query;
+};
+
 struct TableDefinition {
     std::string name;
-    std::filesystem::path file; ///< absolute, or relative to the working directory
+    std::filesystem::path file;     ///< absolute, or relative to the working directory; none with `odbc`
+    std::optional<OdbcSource> odbc; ///< in place of a file
     CsvFormat format;
     /// Names used in the definition and the column names in the file; other columns keep theirs.
     std::vector<std::pair<std::string, std::string>> columns;
     bool acceptsOpenLine = false; ///< the last line may have no line end
+
+    /// The file's name without its folder, or `table "ledger"`.
+    std::string ShortName() const;
 };
 
 enum class MemberOrder : std::uint8_t { Key, Name, File };
@@ -54,7 +68,8 @@ struct CalendarDefinition {
     bool byDays = false;
     bool hasQuarters = true;
     std::optional<std::chrono::sys_days> from, to;
-    std::vector<std::string> levels; ///< names, top to bottom, without the top level
+    std::vector<std::string> levels;     ///< names, top to bottom, without the top level
+    std::vector<std::string> monthNames; ///< from January on; empty: months have no captions
 };
 
 /// The warnings that a dimension or a table can accept as meant.
@@ -87,11 +102,13 @@ struct MeasureDefinition {
 };
 
 struct CubeDefinition {
+    std::string place;
     std::string name, caption;
     std::vector<std::size_t> facts; ///< indexes into Definition::tables
     std::vector<DimensionDefinition> dimensions;
     std::vector<MeasureDefinition> measures;
     std::size_t defaultMeasure = 0;
+    Calculations calculations;
     std::vector<std::vector<std::string>> sortOrders; ///< fact columns; empty: chosen by the build
 };
 
@@ -99,6 +116,9 @@ struct Definition {
     std::vector<TableDefinition> tables;
     std::vector<CubeDefinition> cubes;
 };
+
+/// Raises EngineError (InvalidDefinition) that names the key of the calculation.
+[[noreturn]] void RefuseCalculation(const CubeDefinition& cube, const CalculationFault& fault);
 
 /// Parses a definition. `fileName` is used in messages; relative paths start at `folder`. Raises EngineError
 /// (InvalidDefinition) naming the file and the key.

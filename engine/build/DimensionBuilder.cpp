@@ -7,8 +7,6 @@ namespace qel::engine {
 
 namespace {
 
-constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
-
 /// The table's columns of one level.
 struct LevelColumns {
     std::size_t key = noColumn, name = noColumn, caption = noColumn;

@@ -13,8 +13,6 @@ namespace qel::engine {
 
 namespace {
 
-constexpr std::size_t noColumn = static_cast<std::size_t>(-1);
-
 /// Reads the lines of one fact table.
 class FactReader {
 public:

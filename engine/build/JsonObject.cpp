@@ -137,9 +137,10 @@ std::vector<std::string> JsonObject::UnknownKeys() const {
 void JsonObject::Finish() const {
     const std::vector<std::string> known(known_.begin(), known_.end());
     for (const std::string& key : UnknownKeys()) {
-        place_.file->unknownKeys.push_back(fmt::format("{}unknown key \"{}\"{}",
-                                                       place_.place.empty() ? "" : place_.place + ": ", key,
-                                                       Suggestion(key, known)));
+        const auto hint = hints_.find(key);
+        place_.file->unknownKeys.push_back(
+            fmt::format("{}unknown key \"{}\"{}", place_.place.empty() ? "" : place_.place + ": ", key,
+                        hint == hints_.end() ? Suggestion(key, known) : "; " + hint->second));
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -13,7 +14,7 @@ namespace qel::engine {
 /// A file and what was found in it while it was read.
 struct JsonFile {
     std::string name;
-    std::vector<std::string> unknownKeys; ///< each with its place and the nearest known key
+    std::vector<std::string> unknownKeys; ///< each with its place and a hint
 
     /// Raises EngineError (InvalidDefinition) when there are unknown keys, naming all of them.
     void RefuseUnknownKeys() const;
@@ -53,6 +54,8 @@ public:
     std::string TextOr(const std::string& key, const std::string& whenAbsent);
     /// All keys and values, sorted by key.
     std::vector<std::pair<std::string, JsonPlace>> All();
+    /// Gives an unknown key of this name a hint instead of the nearest known key.
+    void HintFor(const std::string& key, const std::string& hint) { hints_[key] = hint; }
     /// Adds the keys that were never read to the file's unknown ones.
     void Finish() const;
 
@@ -63,6 +66,7 @@ private:
 
     JsonPlace place_;
     std::set<std::string> known_;
+    std::map<std::string, std::string> hints_; ///< by unknown key
 };
 
 /// Parses JSON with comments. Raises EngineError (InvalidDefinition) with line and column, also for a

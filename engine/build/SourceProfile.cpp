@@ -141,10 +141,9 @@ class SourceProfiler {
 public:
     SourceProfiler(const std::filesystem::path& file, const std::function<void(double)>& progress)
         : progress_(progress), encoding_(DetectEncoding(file)),
-          input_(file, encoding_ == "auto" ? "" : encoding_), csv_(input_.Stream(), PathToUtf8(file), 0) {
+          input_(file, encoding_ == "auto" ? "" : encoding_),
+          csv_(input_.Stream(), PathToUtf8(file), 0, input_.Size()) {
         profile_.file = file;
-        std::error_code error;
-        size_ = std::max<std::uint64_t>(1, std::filesystem::file_size(file, error));
     }
 
     SourceProfile Read() {
@@ -173,7 +172,7 @@ private:
     void TakeLine() {
         constexpr std::uint64_t linesBetween = 4096;
         if (++profile_.lines % linesBetween == 0 && progress_) {
-            progress_(std::min(1.0, static_cast<double>(csv_.Position()) / static_cast<double>(size_)));
+            progress_(csv_.Share());
         }
         if (!csv_.Fault().empty()) {
             return;
@@ -285,7 +284,6 @@ private:
     std::string encoding_;
     DecodedFile input_;
     CsvReader csv_;
-    std::uint64_t size_ = 1;
     SourceProfile profile_;
     std::vector<ColumnFits> fits_;
     std::shared_ptr<SourceProfile::Values> values_ = std::make_shared<SourceProfile::Values>();

@@ -26,10 +26,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         CsvReader reader(input, "fuzz.csv", format.delimiter);
         std::uint64_t line = reader.Header().empty() ? 0 : 1;
         while (reader.Next()) {
-            if (reader.Line() <= line || reader.Raw().empty()) {
+            if (reader.Number() <= line || reader.Raw().empty()) {
                 std::abort(); // the reader must advance
             }
-            line = reader.Line();
+            line = reader.Number();
             for (std::size_t i = 0; reader.Fault().empty() && i < reader.Header().size(); ++i) {
                 ParseAmount(reader.Field(i), format, 2);
                 const auto day = ParseDate(reader.Field(i), format.dates);

@@ -26,7 +26,7 @@ CalendarDay NextMonth(const CalendarDay& day) {
 }
 
 /// "2024-02-99", which sorts after every day of the month and before the next month.
-std::string MonthEnd(const CalendarDay& day) { return fmt::format("{:04}-{:02}-99", day.year, day.month); }
+std::string AfterMonth(const CalendarDay& day) { return fmt::format("{:04}-{:02}-99", day.year, day.month); }
 
 /// A condition on the ledger's lines with its parameter values.
 struct Conditions {
@@ -98,7 +98,7 @@ std::optional<DaySpan> CoveredDays(const Selection& selection, const CalendarDay
     }
     const CalendarDay firstBegun = from.day == 1 ? from : NextMonth(from);
     const CalendarDay lastMonth{to.year, to.month, 1};
-    return DaySpan{Iso(std::min(firstBegun, lastMonth, Before)), MonthEnd(lastMonth)};
+    return DaySpan{Iso(std::min(firstBegun, lastMonth, Before)), AfterMonth(lastMonth)};
 }
 
 PlainSums::PlainSums(SqlDatabase& database)

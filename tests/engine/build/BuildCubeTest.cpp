@@ -454,6 +454,43 @@ TEST_F(BuildTest, SeveralTablesAndCubesWithTheirOwnForms) {
                                                "Writing C"}));
 }
 
+TEST_F(BuildTest, CalculationsMustFitTheCube) {
+    Table("ledger", "date,firm,amount\n2024-01-01,1,1\n");
+    const struct {
+        const char *key, *calculations, *fault;
+    } cases[] = {
+        {"calculatedMembers", R"~({"name": "[Measures].[Net]", "formula": "1"},
+                                 {"name": "[Measures].[Tax]", "formula": "0.2 * [Measures].[Nett]"})~",
+         "calculatedMembers[1]: the cube's definition of [Measures].[Tax], line 1, column 18: [Measures] has "
+         "no member [Nett], near \"… [Measures].[Nett]\""},
+        {"calculatedMembers",
+         R"~({"name": "Net", "formula": "1"}, {"name": "[Measures].[NET]", "formula": "2"})~",
+         "calculatedMembers[1]: the cube's definition of [Measures].[NET], line 1, column 1: the calculated "
+         "member NET is defined twice, near \"[Measures].[NET]\""},
+        {"calculatedMembers", R"~({"name": "[Firm].[1]", "formula": "1"})~",
+         "calculatedMembers[0]: the cube's definition of [Firm].[1]: the cube has a dimension, a level or a "
+         "member of this name"},
+        {"calculatedMembers", R"~({"name": "A", "formula": "[Measures].[B]"},
+             {"name": "B", "formula": "Sum(s, 1)"}, {"name": "C", "formula": "[Measures].[A] + 1"}], "namedSets": [
+             {"name": "s", "formula": "Filter([Firm].Members, (StrToMember(\"[Measures].[C]\"), [Firm].[1]) > 0)"})~",
+         "calculatedMembers[0]: the cube's definition of A needs itself: A needs B needs s needs C needs A"},
+        {"namedSets", R"~({"name": "s", "formula": "{[Firm].[1]}"}, {"name": "[S]", "formula": "{}"})~",
+         "namedSets[1]: the cube's definition of [S], line 1, column 1: the set is defined twice, near "
+         "\"[S]\""},
+        {"namedSets", R"~({"name": "s", "formula": "Head(t)"}, {"name": "t", "formula": "{[Firm].[1]}"})~",
+         "namedSets[0]: the cube's definition of s, line 1, column 6: the set t is not defined before this "
+         "one, "
+         "near \"Head(t)\""},
+        {"namedSets", R"~({"name": "firm", "formula": "{}"})~",
+         "namedSets[0]: the cube's definition of firm: the cube has a dimension, a level or a member of this "
+         "name"},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(Fault(Define(fmt::format(R"({}, "{}": [{}])", datedFirms, test.key, test.calculations))),
+                  std::string("cube.json: cubes[0].") + test.fault);
+    }
+}
+
 TEST_F(BuildTest, AFailedBuildLeavesTheOldCube) {
     Table("ledger", "date,firm,amount\n2024-01-01,1,1\n");
     Build(Define(datedFirms));

@@ -10,20 +10,20 @@
 namespace qel::engine {
 namespace {
 
-const std::string definition =
+const std::string firmDefinition =
     R"({"tables": {"ledger": {"file": "ledger.csv"}, "firms": {"file": "firms.csv"}},
   "cubes": [{"name": "A", "facts": "ledger", "measures": [{"name": "Amount", "column": "amount"}],
              "dimensions": [{"name": "Firm", "column": "firm", "table": "firms", "key": "code"}]},
             {"name": "B", "facts": "ledger", "measures": [{"name": "Amount", "column": "amount"}],
              "dimensions": [{"name": "Firm", "column": "firm"}]}]})";
-const std::string ledger = "firm,amount\n1,5.00\n";
+const std::string firmLedger = "firm,amount\n1,5.00\n";
 const std::string firms = "code\n1\n";
 
 class BuildPaths : public testing::Test {
 protected:
     BuildPaths() {
-        folder_.Write("cube.json", definition);
-        folder_.Write("ledger.csv", ledger);
+        folder_.Write("cube.json", firmDefinition);
+        folder_.Write("ledger.csv", firmLedger);
         folder_.Write("firms.csv", firms);
         folder_.Write("old.cub", "an older cube");
         std::filesystem::create_directory(folder_.Path("sub"));
@@ -71,8 +71,8 @@ TEST_F(BuildPaths, WhatIsReadIsNeverWritten) {
     for (const auto& test : cases) {
         EXPECT_EQ(Fault(Options(test.output, test.skipped)),
                   folder_.Path(test.named).string() + ": cannot be written " + test.fault);
-        EXPECT_EQ(folder_.Read("cube.json"), definition);
-        EXPECT_EQ(folder_.Read("ledger.csv"), ledger);
+        EXPECT_EQ(folder_.Read("cube.json"), firmDefinition);
+        EXPECT_EQ(folder_.Read("ledger.csv"), firmLedger);
         EXPECT_EQ(folder_.Read("firms.csv"), firms);
         EXPECT_EQ(folder_.Read("old.cub"), "an older cube");
         EXPECT_EQ(folder_.FileCount(), files);
@@ -104,7 +104,7 @@ TEST_F(BuildPaths, TheFileForSkippedLinesIsMadeForTheFirstOfThem) {
     EXPECT_EQ(BuildCube(Options("out.cub", "new.txt")).distinctLinesSkipped, 0U);
     EXPECT_FALSE(std::filesystem::exists(folder_.Path("new.txt")));
 
-    folder_.Write("ledger.csv", ledger + "1,x\n");
+    folder_.Write("ledger.csv", firmLedger + "1,x\n");
     const BuildTotals totals = BuildCube(Options("out.cub", "kept.txt"));
     EXPECT_EQ(
         folder_.Read("kept.txt"),

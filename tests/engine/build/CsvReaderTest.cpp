@@ -20,7 +20,7 @@ std::string ReadAll(const std::string& text) {
             result += "<" + column + ">";
         }
         while (reader.Next()) {
-            result += "\n" + std::to_string(reader.Line());
+            result += "\n" + std::to_string(reader.Number());
             if (!reader.Fault().empty()) {
                 result += "!" + reader.Fault();
                 continue;
@@ -65,8 +65,10 @@ TEST(CsvReader, ReadsRealWorldFiles) {
          "<a><b>\n2!the text is not in the file's encoding; set \"encoding\", such as "
          "\"windows-1255\"\n3:3|4"},
         {"code 0", std::string("a,b\n1\0,2\n3,4\n", 13), "<a><b>\n2!a character with code 0\n3:3|4"},
-        {"a quote within a field", "a,b\n5\" pipe,2\n3,4\n",
-         "<a><b>\n2!a quote stands within a field, and is not doubled\n3:3|4"},
+        {"quotes within fields", "a,b\n5\" pipe,2\n \"x, \"\"y\"\"\" ,3\"\n3,4\n",
+         "<a><b>\n2:5\" pipe|2\n3:x, \"y\"|3\"\n4:3|4"},
+        {"quotes within the words of a header", "סכום בש\"ח;מע\"מ;שם\nצ'ק;\"א;ב\";ד\"ר\n",
+         "<סכום בש\"ח><מע\"מ><שם>\n2:צ'ק|א;ב|ד\"ר"},
         {"a text behind a quote", "a,b\n\"x\"y,2\n3,4\n",
          "<a><b>\n2!a quote stands within a field, and is not doubled\n3:3|4"},
         {"an open quote: reading goes on with the next line", "a,b\n1,2\n\"3,4\n5,6\n7,8\n",
@@ -104,7 +106,7 @@ TEST(CsvReader, ReadsOnAcrossChunks) {
     for (; reader.Next(); ++record) {
         ASSERT_EQ(reader.Fault(), "");
         ASSERT_EQ(reader.Field(0), std::to_string(record));
-        ASSERT_EQ(reader.Line(), static_cast<std::uint64_t>(record) * 2 + 2);
+        ASSERT_EQ(reader.Number(), static_cast<std::uint64_t>(record) * 2 + 2);
         ASSERT_EQ(reader.Field(1).size(), static_cast<std::size_t>(record) % 97 + 2);
     }
     EXPECT_EQ(record, records);

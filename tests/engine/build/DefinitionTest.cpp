@@ -116,7 +116,27 @@ TEST(Definition, NamesTheKeyThatIsWrong) {
         {"\"quarters\": false", "\"quarters\": 0",
          "cubes[0].dimensions[0].calendar.quarters: expected true or false, found number"},
         {"\"column\": \"firm\"", "\"column\": \"date\", \"calendar\": { \"periods\": \"months\" }",
-         "cubes[0].dimensions[2]: the column \"date\" has a calendar already"},
+         "cubes[0].dimensions[2]: the column \"date\" has a calendar already; give it a second name in the "
+         "table: "
+         "\"columns\": { \"date\": \"date\", \"date2\": \"date\" }"},
+        {"\"quarters\": false", "\"monthNames\": [ \"Jan\", \"Feb\" ]",
+         "cubes[0].dimensions[0].calendar.monthNames: expected 12 names, from January on, found 2"},
+        {"\"order\": \"file\"", "\"properties\": [ \"city\" ], \"parent\": \"group\"",
+         "cubes[0].dimensions[1].hierarchies[1].levels[1]: unknown key \"parent\"; a table has one column "
+         "for each "
+         "level; a column with every member's parent makes none\n  "
+         "cubes[0].dimensions[1].hierarchies[1].levels[1]: "
+         "unknown key \"properties\"; a member has a key, a name and a caption; another column can be a "
+         "level of a "
+         "hierarchy of its own"},
+        {"\"decimals\": 3", "\"format\": \"0\"",
+         "cubes[0].measures[0]: unknown key \"format\"; a measure shows its \"decimals\"; a calculated "
+         "member can have "
+         "a format"},
+        {"\"sortOrders\"",
+         R"("calculatedMembers": [ { "name": "x", "formula": "1", "format": "0;0;@" } ], "sortOrders")",
+         "cubes[0].calculatedMembers[0].format: the sign @ of a format is for texts; write it in quotes to "
+         "show it"},
         {"\"column\": \"firm\"", "\"main\": true, \"members\": [ \"x\" ]",
          "cubes[0].dimensions[2]: a main dimension needs a \"column\""},
         {"\"column\": \"firm\"", "\"caption\": \"x\"",
@@ -150,6 +170,11 @@ TEST(Definition, NamesTheKeyThatIsWrong) {
          "columns than its own"},
         {"\"aggregate\": \"count\"", R"("aggregate": "count", "minus": "credit")",
          "cubes[0].measures[1].minus: a count subtracts nothing"},
+        {"\"aggregate\": \"count\"", R"("aggregate": "distinctCount", "column": "account")",
+         "cubes[0].measures[1].aggregate: a measure cannot count distinct values; write a calculated member "
+         "such as Count(NonEmpty([Accounts].[AccountCodes].[AccountCode].Members, [Measures].[Lines])), "
+         "where "
+         "Lines is a count"},
         {"\"decimals\": 3", "\"decimals\": 10",
          "cubes[0].measures[0].decimals: expected a whole number from 0 to 9"},
         {"\"decimals\": 3", "\"decimals\": 1.5",
@@ -158,6 +183,16 @@ TEST(Definition, NamesTheKeyThatIsWrong) {
         {"\"aggregate\": \"count\"", "\"aggregate\": \"count\", \"column\": \"x\"",
          "cubes[0].measures[1]: a count has no \"column\" and no \"decimals\""},
         {"\"lines\"", "\"Balance\"", "cubes[0].defaultMeasure: there is no measure \"Balance\""},
+        {"\"sortOrders\"",
+         R"("calculatedMembers": [ { "name": "[Measures].[Net]", "formula": "1 +" } ], "sortOrders")",
+         "cubes[0].calculatedMembers[0]: the cube's definition of [Measures].[Net], line 1, column 4: "
+         "expected an operand, found the end of the statement, near \"1 +\""},
+        {"\"sortOrders\"", R"("namedSets": [ { "name": "Main ones", "formula": "{}" } ], "sortOrders")",
+         "cubes[0].namedSets[0]: the cube's definition of Main ones, line 1, column 6: expected the end of "
+         "the name, which takes brackets unless it is one word, found 'ones', near \"Main ones\""},
+        {"\"sortOrders\"",
+         R"("namedSets": [ { "name": "s", "formula": "{}", "format": "0" } ], "sortOrders")",
+         "cubes[0].namedSets[0]: unknown key \"format\""},
         {"\"account\", \"date\" ]", "\"acount\" ]",
          "cubes[0].sortOrders[0][0]: no dimension has the column \"acount\""},
         {"\"account\", \"date\" ]", "\"firm\", \"firm\" ]",

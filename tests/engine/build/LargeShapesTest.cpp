@@ -22,7 +22,7 @@ using test::TemporaryFolder;
 constexpr std::uint32_t accountCount = 1'000'000; // one line each
 constexpr std::uint32_t groupCount = 7;
 
-constexpr std::string_view definition = R"({
+constexpr std::string_view largeDefinition = R"({
   "tables": { "ledger": { "file": "ledger.csv" }, "accounts": { "file": "accounts.csv" } },
   "cubes": [ { "name": "Large", "facts": "ledger",
     "dimensions": [
@@ -77,7 +77,7 @@ TEST(LargeShapes, MillionAccountsThirtyYearsOfDaysAndOneFirm) {
     const TemporaryFolder folder;
     const LargeLedger ledger(folder);
     BuildOptions options;
-    options.definition = folder.Write("large.json", definition);
+    options.definition = folder.Write("large.json", largeDefinition);
     options.output = folder.Path("large.cub");
     BuildCube(options);
     const auto cube = CubeFile::Open(options.output)->FindCube("Large");
