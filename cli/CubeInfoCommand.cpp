@@ -12,13 +12,15 @@
 #include <fmt/ostream.h>
 #include <fmt/ranges.h>
 
+#include <algorithm>
+
 namespace qel {
 
 namespace {
 
-constexpr const char* description = "Show the cubes, dimensions, levels and measures of a cube file";
+constexpr const char* cubeInfoDescription = "Show the cubes, dimensions, levels and measures of a cube file";
 
-constexpr const char* footer = R"(Examples:
+constexpr const char* cubeInfoFooter = R"(Examples:
   qel cube info demo.cub
   qel cube info demo.cub --totals
   qel cube info demo.cub --members '[OBS].[Level2]' --cube LedgerFNC
@@ -26,6 +28,13 @@ constexpr const char* footer = R"(Examples:
 
 const char* NameOf(engine::AggregateFunction function) {
     return function == engine::AggregateFunction::Sum ? "sum" : "count";
+}
+
+/// The formula without the line breaks that it may have.
+std::string OneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    return text;
 }
 
 void PrintLevels(const engine::Cube& cube, std::ostream& output) {
@@ -53,6 +62,25 @@ void PrintMeasures(const engine::Cube& cube, std::ostream& output) {
     PrintTable(table, output);
 }
 
+void PrintCalculations(const engine::Calculations& calculations, std::ostream& output) {
+    if (!calculations.members.empty()) {
+        TextTable table{4, {{"  calculated member", "formula", "format", "solve order"}}};
+        table.leftColumns = 3;
+        for (const auto& member : calculations.members) {
+            table.lines.push_back({"  " + member.name, OneLine(member.formula), member.format,
+                                   fmt::format("{}", member.solveOrder)});
+        }
+        PrintTable(table, output);
+    }
+    if (!calculations.sets.empty()) {
+        TextTable table{2, {{"  named set", "formula"}}};
+        for (const auto& set : calculations.sets) {
+            table.lines.push_back({"  " + set.name, OneLine(set.formula)});
+        }
+        PrintTable(table, output);
+    }
+}
+
 void PrintSortOrders(const engine::Cube& cube, std::ostream& output) {
     for (const auto& columns : cube.SortOrders()) {
         fmt::print(output, "  sorted by {}\n", fmt::join(columns, ", "));
@@ -66,6 +94,7 @@ void PrintCube(const engine::Cube& cube, std::ostream& output) {
                cube.Measures().size());
     PrintLevels(cube, output);
     PrintMeasures(cube, output);
+    PrintCalculations(cube.GetCalculations(), output);
     PrintSortOrders(cube, output);
 }
 
@@ -107,8 +136,8 @@ void PrintInfo(const InfoArguments& arguments, CommandContext& context) {
 } // namespace
 
 void AddCubeInfoCommand(CLI::App& cube, CommandContext& context) {
-    auto* command = cube.add_subcommand("info", description);
-    command->footer(footer);
+    auto* command = cube.add_subcommand("info", cubeInfoDescription);
+    command->footer(cubeInfoFooter);
     auto arguments = std::make_shared<InfoArguments>();
     command->add_option("FILE", arguments->file, "The cube file")->required();
     auto* const members = command->add_option(

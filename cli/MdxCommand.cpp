@@ -10,11 +10,12 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Run an MDX statement and print its cells";
+constexpr const char* mdxDescription = "Run an MDX statement and print its cells";
 
-constexpr const char* footer =
+constexpr const char* mdxFooter =
     R"(Columns go across, rows go down; an empty cell is empty, not 0. Members of further axes stand before
 those of the rows. Amounts of cube files have all decimals of their measure, months their year.
+FORMAT_STRING changes nothing; a member with the formula Format([Measures].[Amount], "#,##0.00") is a text.
 
 Examples:
   qel mdx demo.cub LedgerFNC 'SELECT {[Measures].[Amount]} ON COLUMNS, [Firma].Members ON ROWS FROM [LedgerFNC]'
@@ -45,8 +46,8 @@ void RunMdx(const MdxOptions& options, CommandContext& context) {
 } // namespace
 
 void AddMdxCommand(CLI::App& app, CommandContext& context) {
-    auto* command = app.add_subcommand("mdx", description);
-    command->footer(footer);
+    auto* command = app.add_subcommand("mdx", mdxDescription);
+    command->footer(mdxFooter);
     auto options = std::make_shared<MdxOptions>();
     command->add_option("CUBEFILE", options->cubeFile, "The cube file")->required();
     command->add_option("CUBENAME", options->cubeName, "The cube in it")->required();

@@ -17,30 +17,12 @@ using mdx::NodeId;
 using mdx::NodeKind;
 using mdx::noNode;
 
-namespace {
-
-/// A set by its name, for those that ask how far a function has come in it.
-class IteratedSet final : public SetExpression {
-public:
-    IteratedSet(SetPtr set, std::size_t name)
-        : SetExpression(set->IsConstant(), set->GetDimensionality()), set_(std::move(set)), name_(name) {}
-
-    void Append(Evaluator& evaluator, TupleSet& result) const override { set_->Append(evaluator, result); }
-    std::size_t IterationName() const override { return name_; }
-
-private:
-    SetPtr set_;
-    std::size_t name_;
-};
-
-} // namespace
-
 /// A text that is an expression. Its names are those of the cube; errors point at the text.
 struct Binder::BoundText {
     BoundText(std::string expression, Binder& outer, NodeId node)
         : text(std::move(expression)), statement(Parse(outer, node)),
-          binder(statement, outer.space_, outer.evaluator_) {
-        binder.outer_ = outer.outer_ != nullptr ? outer.outer_ : &outer;
+          binder(statement, outer.space_, outer.evaluator_, outer.calculations_, outer.scope_) {
+        binder.outer_ = &outer.Root();
         statement.source = outer.statement_.source;
         for (Node& each : statement.nodes) {
             each.range = outer.At(node).range;
@@ -49,24 +31,29 @@ struct Binder::BoundText {
 
     mdx::Statement Parse(const Binder& outer, NodeId node) {
         try {
-            return mdx::ParseText(text, root);
+            return mdx::ParseText(std::string_view(text), parsed);
         } catch (const EngineError& error) {
             outer.Fail(node, fmt::format("the text \"{}\" is no expression: {}", text, error.what()));
         }
     }
 
     std::string text;
-    NodeId root = noNode;
+    mdx::Definition parsed;
     mdx::Statement statement;
     Binder binder;
 };
 
-Binder::Binder(const mdx::Statement& statement, MemberSpace& space, Evaluator& evaluator)
-    : statement_(statement), space_(space), evaluator_(evaluator), names_(space, statement) {}
+Binder::Binder(const mdx::Statement& statement, MemberSpace& space, Evaluator& evaluator,
+               CubeCalculations* calculations, Scope scope)
+    : statement_(statement), space_(space), evaluator_(evaluator), calculations_(calculations), scope_(scope),
+      names_(space, statement, scope) {}
 
 Binder::~Binder() = default;
 
 void Binder::BindDefinitions() {
+    if (calculations_ != nullptr) {
+        calculations_->Declare();
+    }
     for (const mdx::Definition& definition : statement_.definitions) {
         if (!definition.isSet) {
             AddCalculated(definition);
@@ -77,10 +64,13 @@ void Binder::BindDefinitions() {
             BindNamedSet(definition);
         }
     }
+    if (calculations_ != nullptr) {
+        calculations_->AddFormulas();
+    }
     for (const mdx::Definition& definition : statement_.definitions) {
         if (!definition.isSet) {
             evaluator_.AddFormula({BindValue(definition.formula), definition.solveOrder, definition.depth,
-                                   At(definition.name).range});
+                                   At(definition.name).range, statement_.source});
         }
     }
 }
@@ -95,19 +85,24 @@ void Binder::AddCalculated(const mdx::Definition& definition) {
         Fail(definition.name, fmt::format("no level lies below {}, so the member {} cannot stand there",
                                           space_.UniqueName(parent), name));
     }
-    if (!space_.AddCalculated(parent, name)) {
+    if (!space_.AddCalculated(parent, name, scope_)) {
         Fail(definition.name, fmt::format("the calculated member {} is defined twice", name));
     }
 }
 
-void Binder::BindNamedSet(const mdx::Definition& definition) {
+std::string_view Binder::SetName(const mdx::Definition& definition) const {
     if (At(definition.name).childCount != 1) {
         Fail(definition.name, "the name of a set has one part");
     }
+    return LastPart(definition.name);
+}
+
+void Binder::BindNamedSet(const mdx::Definition& definition) {
+    const std::string_view name = SetName(definition);
     neededSets_.clear();
     SetPtr set = BindSet(definition.formula);
-    const std::string_view name = LastPart(definition.name);
-    if (!namedSets_.Add({name, std::move(set), At(definition.name).range, definition.depth, neededSets_})) {
+    if (!namedSets_.Add({name, std::move(set), statement_.source, At(definition.name).range, definition.depth,
+                         neededSets_, evaluator_.NewIteration()})) {
         Fail(definition.name, fmt::format("the set {} is defined twice", name));
     }
 }
@@ -171,13 +166,8 @@ Bound Binder::BindPath(NodeId id, bool wantsLevel) {
     const Node& node = At(id);
     const Node& first = At(node.firstChild);
     if (node.childCount == 1) {
-        Binder& root = outer_ != nullptr ? *outer_ : *this;
-        if (const std::optional<std::size_t> set = root.namedSets_.Find(first.text)) {
-            return root.BindNamedSet(*set);
-        }
-        if (const auto alias = aliases_.find(FoldCase(first.text));
-            !aliases_.empty() && alias != aliases_.end()) {
-            return alias->second;
+        if (std::optional<Bound> set = BindSetName(id)) {
+            return std::move(*set);
         }
         if (first.isWord && mdx::IsWord(first.text, "null")) {
             return MakeNumber(true, [](Evaluator&) { return CellValue::Empty(); });
@@ -185,6 +175,9 @@ Bound Binder::BindPath(NodeId id, bool wantsLevel) {
     }
     const Resolved resolved = names_.Resolve(node, wantsLevel);
     if (const auto* member = std::get_if<MemberRef>(&resolved)) {
+        if (scope_ == Scope::Cube && IsCalculated(member->id)) {
+            Root().neededMembers_.push_back(member->id);
+        }
         return ConstantMember(*member);
     }
     if (const auto* level = std::get_if<LevelName>(&resolved)) {
@@ -193,19 +186,40 @@ Bound Binder::BindPath(NodeId id, bool wantsLevel) {
     return std::get<HierarchyName>(resolved);
 }
 
-Bound Binder::BindNamedSet(std::size_t set) {
-    neededSets_.push_back(set);
-    const SetExpression& expression = namedSets_.Expression(set);
-    return std::make_unique<IteratedSet>(MakeSet(expression.IsConstant(), expression.GetDimensionality(),
-                                                 [this, set](Evaluator& evaluator, TupleSet& result) {
-                                                     result.Append(namedSets_.Tuples(set, evaluator));
-                                                 }),
-                                         set);
+std::optional<Bound> Binder::BindSetName(NodeId id) {
+    const std::string_view name = At(At(id).firstChild).text;
+    Binder& root = Root();
+    if (const std::optional<std::size_t> set = root.namedSets_.Find(name)) {
+        root.neededSets_.push_back(*set);
+        return root.namedSets_.Reference(*set);
+    }
+    if (!aliases_.empty()) {
+        if (const auto alias = aliases_.find(FoldCase(name)); alias != aliases_.end()) {
+            return alias->second;
+        }
+    }
+    if (const std::optional<std::size_t> set = FindStoredSet(id)) {
+        root.neededStoredSets_.push_back(*set);
+        return calculations_->Reference(*set);
+    }
+    return std::nullopt;
+}
+
+std::optional<std::size_t> Binder::FindStoredSet(NodeId id) {
+    if (calculations_ == nullptr) {
+        return std::nullopt;
+    }
+    const std::string_view name = At(At(id).firstChild).text;
+    const std::optional<std::size_t> set = calculations_->FindSet(name);
+    if (set && !calculations_->MayName(*set)) {
+        Fail(id, fmt::format("the set {} is not defined before this one", name));
+    }
+    return set;
 }
 
 Bound Binder::BindAlias(NodeId id) {
     SetPtr set = BindSet(At(id).firstChild);
-    SetAlias alias{namedSetLimit + aliases_.size(), set->GetDimensionality()};
+    SetAlias alias{evaluator_.NewIteration(), set->GetDimensionality()};
     const auto [entry, isNew] = aliases_.emplace(FoldCase(At(id).text), std::move(alias));
     if (!isNew || namedSets_.Find(At(id).text)) {
         Fail(id, fmt::format("the set {} is defined twice", At(id).text));
@@ -219,16 +233,22 @@ std::optional<SetAlias> Binder::FindIteration(NodeId id) {
         return std::nullopt;
     }
     const std::string_view name = At(node.firstChild).text;
+    const auto aliasOf = [](const NamedSet& set) {
+        return SetAlias{set.iteration, set.set->GetDimensionality()};
+    };
     if (const std::optional<std::size_t> set = namedSets_.Find(name)) {
-        return SetAlias{*set, namedSets_.Expression(*set).GetDimensionality()};
+        return aliasOf(namedSets_.At(*set));
     }
-    const auto alias = aliases_.find(FoldCase(name));
-    return alias == aliases_.end() ? std::nullopt : std::optional(alias->second);
+    if (const auto alias = aliases_.find(FoldCase(name)); alias != aliases_.end()) {
+        return alias->second;
+    }
+    const std::optional<std::size_t> set = FindStoredSet(id);
+    return set ? std::optional(aliasOf(calculations_->Set(*set))) : std::nullopt;
 }
 
 Bound Binder::BindTextOf(NodeId node, std::string text) {
     texts_.push_back(std::make_unique<BoundText>(std::move(text), *this, node));
-    return texts_.back()->binder.Bind(texts_.back()->root);
+    return texts_.back()->binder.Bind(texts_.back()->parsed.formula);
 }
 
 Bound Binder::BindBraces(NodeId id) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/eval/CubeCalculations.h"
 #include "engine/eval/Evaluator.h"
 #include "engine/eval/NameResolver.h"
 #include "engine/eval/NamedSets.h"
@@ -39,13 +40,20 @@ using Bound = std::variant<HierarchyName, LevelName, MemberPtr, TupleExpression,
 /// cell). Errors are EngineErrors that point at the node.
 class Binder {
 public:
-    Binder(const mdx::Statement& statement, MemberSpace& space, Evaluator& evaluator);
+    /// `calculations` are the cube's, or null; `scope` says which calculated members and sets names can mean.
+    Binder(const mdx::Statement& statement, MemberSpace& space, Evaluator& evaluator,
+           CubeCalculations* calculations, Scope scope = Scope::Statement);
     ~Binder();
     Binder(const Binder&) = delete;
     Binder& operator=(const Binder&) = delete;
 
-    /// Declares the calculated members and named sets of WITH, then binds their formulas.
+    /// Declares the calculated members and named sets of the cube and of WITH, then binds the formulas of
+    /// WITH.
     void BindDefinitions();
+    /// Adds the definition's member to the space, in this binder's scope.
+    void AddCalculated(const mdx::Definition& definition);
+    /// The name of the definition's set.
+    std::string_view SetName(const mdx::Definition& definition) const;
 
     Bound Bind(mdx::NodeId node);
     /// The meaning of a text, as if it stood in the statement in place of the node.
@@ -75,6 +83,9 @@ public:
     /// The name that `set.Current` knows a named set or an alias by, if the node is one.
     std::optional<SetAlias> FindIteration(mdx::NodeId node);
     const MemberSpace& Space() const { return space_; }
+    /// The cube's calculated members that were named so far in its own scope, and its sets.
+    const std::vector<MemberId>& NeededMembers() const { return neededMembers_; }
+    const std::vector<std::size_t>& NeededStoredSets() const { return neededStoredSets_; }
     Evaluator& GetEvaluator() { return evaluator_; }
     [[noreturn]] void Fail(mdx::NodeId node, std::string_view message) const;
     /// Raises InvalidExpression unless the set has this dimensionality. An empty dimensionality matches any.
@@ -97,8 +108,11 @@ private:
     Bound BindCase(mdx::NodeId node);
     Bound BindTextChain(mdx::NodeId node);
     Bound BindAlias(mdx::NodeId node);
-    Bound BindNamedSet(std::size_t set);
-    void AddCalculated(const mdx::Definition& definition);
+    /// The set that the only part of a path names, or nothing.
+    std::optional<Bound> BindSetName(mdx::NodeId node);
+    /// The cube's set of that name. Raises InvalidExpression when it cannot be named here.
+    std::optional<std::size_t> FindStoredSet(mdx::NodeId node);
+    Binder& Root() { return outer_ != nullptr ? *outer_ : *this; }
     void BindNamedSet(const mdx::Definition& definition);
     std::string_view LastPart(mdx::NodeId path) const;
 
@@ -108,8 +122,12 @@ private:
     const mdx::Statement& statement_;
     MemberSpace& space_;
     Evaluator& evaluator_;
+    CubeCalculations* calculations_;
+    Scope scope_;
     NameResolver names_;
     NamedSets namedSets_;
+    std::vector<MemberId> neededMembers_;
+    std::vector<std::size_t> neededStoredSets_;
     std::vector<std::size_t> neededSets_;               ///< the named sets in the formula that is being bound
     std::unordered_map<std::string, SetAlias> aliases_; ///< by folded name
     std::vector<std::unique_ptr<BoundText>> texts_;     ///< that StrToSet and others read

@@ -136,7 +136,7 @@ Choice FirstEqual(Binder& binder, NodeId operandNode, const std::vector<NodeId>&
     };
 }
 
-constexpr std::array<Function, 1> functions{{{"IIf", 3, 3, IIf}}};
+constexpr std::array<Function, 1> conditionalFunctions{{{"IIf", 3, 3, IIf}}};
 
 } // namespace
 
@@ -162,6 +162,6 @@ Bound Binder::BindCase(NodeId id) {
                                            : FirstCondition(*this, whens, otherwise));
 }
 
-std::span<const Function> ConditionalFunctions() { return functions; }
+std::span<const Function> ConditionalFunctions() { return conditionalFunctions; }
 
 } // namespace qel::engine

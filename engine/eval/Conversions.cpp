@@ -232,7 +232,7 @@ int CompareValues(const Evaluator& evaluator, const CellValue& a, const CellValu
     const bool sameKind = a.isEmpty || b.isEmpty ||
                           ((a.text != nullptr) == (b.text != nullptr) && a.isCondition == b.isCondition);
     if (!sameKind) {
-        mdx::RaiseAt(ErrorKind::InvalidExpression, evaluator.Statement(), range,
+        mdx::RaiseAt(ErrorKind::InvalidExpression, evaluator.Source(), range,
                      "values of different kinds cannot be compared: a number, a text or a condition with "
                      "another");
     }

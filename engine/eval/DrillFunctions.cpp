@@ -200,14 +200,14 @@ Bound DrilldownMember(Call& call) { return ByMembers(call, Drill::Down); }
 Bound DrillupMember(Call& call) { return ByMembers(call, Drill::Up); }
 Bound ToggleDrillState(Call& call) { return ByMembers(call, Drill::Toggle); }
 
-constexpr std::array<Function, 5> functions{{{"DrilldownLevel", 1, 3, DrilldownLevel},
-                                             {"DrillupLevel", 1, 2, DrillupLevel},
-                                             {"DrilldownMember", 2, 3, DrilldownMember},
-                                             {"DrillupMember", 2, 2, DrillupMember},
-                                             {"ToggleDrillState", 2, 3, ToggleDrillState}}};
+constexpr std::array<Function, 5> drillFunctions{{{"DrilldownLevel", 1, 3, DrilldownLevel},
+                                                  {"DrillupLevel", 1, 2, DrillupLevel},
+                                                  {"DrilldownMember", 2, 3, DrilldownMember},
+                                                  {"DrillupMember", 2, 2, DrillupMember},
+                                                  {"ToggleDrillState", 2, 3, ToggleDrillState}}};
 
 } // namespace
 
-std::span<const Function> DrillFunctions() { return functions; }
+std::span<const Function> DrillFunctions() { return drillFunctions; }
 
 } // namespace qel::engine

@@ -65,7 +65,7 @@ MemberId Evaluator::Current(HierarchyId hierarchy, mdx::SourceRange range) const
     const MemberId member = coordinates_[hierarchy];
     if (IsCompound(member)) {
         mdx::RaiseAt(
-            ErrorKind::InvalidExpression, statement_, range,
+            ErrorKind::InvalidExpression, Source(), range,
             fmt::format("{} has no current member here: the slicer or an Aggregate leaves several of "
                         "its members, or none",
                         space_.HierarchyUniqueName(hierarchy)));
@@ -84,7 +84,7 @@ void Evaluator::SetSlicer(const CompoundSet& slicer) {
 
 CellValue Evaluator::Cell() {
     if (const CalculatedFormula* top = TopFormula(coordinates_)) {
-        const Nesting nesting(*this, top->range, top->depth);
+        const Nesting nesting(*this, top->source, top->range, top->depth);
         return top->formula->Evaluate(*this);
     }
     folded_.clear();
@@ -94,7 +94,7 @@ CellValue Evaluator::Cell() {
 
 const CellValue& Evaluator::RequireNumber(const CellValue& value, mdx::SourceRange range) const {
     if (!value.IsNumber()) {
-        mdx::RaiseAt(ErrorKind::InvalidExpression, statement_, range,
+        mdx::RaiseAt(ErrorKind::InvalidExpression, Source(), range,
                      value.isCondition
                          ? "expected a number, found a condition"
                          : fmt::format("expected a number, found the text \"{}\"", *value.text));
@@ -130,7 +130,7 @@ bool Evaluator::ReadsFacts(std::span<const HierarchyId> open,
     return true;
 }
 
-const CalculatedFormula* Evaluator::TopFormula(std::span<const MemberId> coordinates) const {
+const CalculatedFormula* Evaluator::TopFormula(std::span<const MemberId> coordinates) {
     const CalculatedFormula* top = nullptr;
     if (formulas_.empty()) {
         return top;
@@ -144,6 +144,9 @@ const CalculatedFormula* Evaluator::TopFormula(std::span<const MemberId> coordin
             (formula.solveOrder == top->solveOrder && &formula > top)) {
             top = &formula;
         }
+    }
+    if (top != nullptr && top->formula == nullptr) {
+        bindFormula_(static_cast<std::size_t>(top - formulas_.data()));
     }
     return top;
 }
@@ -355,25 +358,42 @@ void Evaluator::SetIteration(std::size_t name, IterationPlace place) {
     iterations_[name] = place;
 }
 
-Evaluator::Nesting::Nesting(Evaluator& evaluator, mdx::SourceRange range, int depth)
-    : evaluator_(evaluator), steps_(1 + depth) {
+Evaluator::Nesting::Nesting(Evaluator& evaluator, const mdx::Source& source, mdx::SourceRange range,
+                            int depth)
+    : evaluator_(evaluator), outer_(evaluator.innermost_), source_(source), range_(range), steps_(1 + depth) {
     if (evaluator.depth_ + steps_ > nestingLimit) {
+        const Nesting& repeated = Repeated();
         mdx::RaiseAt(
-            ErrorKind::InvalidExpression, evaluator.statement_, range,
+            ErrorKind::InvalidExpression, repeated.source_, repeated.range_,
             fmt::format(
                 "the calculated member needs itself, or more than {} expressions inside one another, to be "
                 "evaluated",
                 nestingLimit));
     }
-    if (evaluator.depth_ == 0) {
+    if (outer_ == nullptr) {
         evaluator.evaluations_ = 0;
     }
     if (++evaluator.evaluations_ > evaluationLimit) {
         mdx::RaiseAt(
-            ErrorKind::TooLarge, evaluator.statement_, range,
+            ErrorKind::TooLarge, source, range,
             fmt::format("one cell needs more than {} evaluations of calculated members", evaluationLimit));
     }
     evaluator.depth_ += steps_;
+    evaluator.innermost_ = this;
+}
+
+const Evaluator::Nesting& Evaluator::Nesting::Repeated() const {
+    const auto isSame = [](const Nesting& a, const Nesting& b) {
+        return a.source_.text.data() == b.source_.text.data() && a.range_.begin == b.range_.begin;
+    };
+    for (const Nesting* inner = this; inner != nullptr; inner = inner->outer_) {
+        for (const Nesting* outer = inner->outer_; outer != nullptr; outer = outer->outer_) {
+            if (isSame(*inner, *outer)) {
+                return *inner;
+            }
+        }
+    }
+    return *this;
 }
 
 } // namespace qel::engine

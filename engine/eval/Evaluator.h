@@ -18,10 +18,11 @@ namespace qel::engine {
 /// A calculated member's formula. When several meet in one cell, the one with the highest solve order
 /// applies, and among equal ones the one defined last.
 struct CalculatedFormula {
-    NumberPtr formula;
+    NumberPtr formula; ///< null: of the cube, and not bound yet
     int solveOrder = 0;
-    int depth = 0; ///< how many expressions stand inside one another in it
-    mdx::SourceRange range;
+    int depth = 0;                           ///< how many expressions stand inside one another in it
+    mdx::SourceRange range = {};             ///< in the source
+    mdx::Source source = std::string_view(); ///< that its parts are places in
 };
 
 /// A tuple of a set that a function goes through.
@@ -51,7 +52,8 @@ public:
     Evaluator(const MemberSpace& space, std::string_view statement);
 
     const MemberSpace& Space() const { return space_; }
-    std::string_view Statement() const { return statement_; }
+    /// The text being evaluated: the statement, or the cube's definition of a calculation.
+    const mdx::Source& Source() const { return innermost_ != nullptr ? innermost_->Source() : statement_; }
     /// Raises InvalidExpression, at `range`, where a slicer or Aggregate leaves no single member.
     MemberId Current(HierarchyId hierarchy, mdx::SourceRange range) const;
     void SetCurrent(HierarchyId hierarchy, MemberId member) { coordinates_[hierarchy] = member; }
@@ -59,6 +61,9 @@ public:
     void SetSlicer(const CompoundSet& slicer);
     /// To be called in the order of the calculated members' numbers.
     void AddFormula(CalculatedFormula formula) { formulas_.push_back(std::move(formula)); }
+    CalculatedFormula& Formula(std::size_t number) { return formulas_[number]; }
+    /// `bind` makes the formula of this number, which was added without one.
+    void BindFormulasBy(std::function<void(std::size_t number)> bind) { bindFormula_ = std::move(bind); }
 
     /// The value of the cell at the current coordinates.
     CellValue Cell();
@@ -116,6 +121,8 @@ public:
         const TupleSet* tuples_;
         IterationPlace before_;
     };
+    /// A number for the name of a set.
+    std::size_t NewIteration() { return iterationCount_++; }
     /// Where the innermost iteration over the set of this name is; no tuples outside of one.
     IterationPlace IterationOf(std::size_t name) const {
         return name < iterations_.size() ? iterations_[name] : IterationPlace{};
@@ -136,16 +143,28 @@ public:
     };
 
     /// Counts the expressions inside one another of formulas that need others, and all formulas of one cell;
-    /// raises InvalidExpression when there is no end, and TooLarge when there is one too far away.
+    /// raises InvalidExpression when there is no end, and TooLarge when there is one too far away. Errors
+    /// are places in the formula's source as long as it lives.
     class Nesting {
     public:
-        Nesting(Evaluator& evaluator, mdx::SourceRange range, int depth);
-        ~Nesting() { evaluator_.depth_ -= steps_; }
+        Nesting(Evaluator& evaluator, const mdx::Source& source, mdx::SourceRange range, int depth);
+        ~Nesting() {
+            evaluator_.depth_ -= steps_;
+            evaluator_.innermost_ = outer_;
+        }
         Nesting(const Nesting&) = delete;
         Nesting& operator=(const Nesting&) = delete;
 
+        const mdx::Source& Source() const { return source_; }
+
     private:
+        /// The innermost formula that is also evaluated further out, or this one.
+        const Nesting& Repeated() const;
+
         Evaluator& evaluator_;
+        const Nesting* outer_;
+        mdx::Source source_;
+        mdx::SourceRange range_;
         int steps_;
     };
 
@@ -167,7 +186,7 @@ private:
     };
 
     void SetIteration(std::size_t name, IterationPlace place);
-    const CalculatedFormula* TopFormula(std::span<const MemberId> coordinates) const;
+    const CalculatedFormula* TopFormula(std::span<const MemberId> coordinates);
     /// Replaces calculated members by what their formulas read, starting with `sum` unless it is null. False
     /// when a formula is not a foldable sum.
     bool Fold(const SumOfSet* sum);
@@ -184,13 +203,16 @@ private:
     MemberId AddCompound(const CompoundSet& set);
 
     const MemberSpace& space_;
-    std::string_view statement_;
+    mdx::Source statement_;
+    const Nesting* innermost_ = nullptr;
     std::vector<MemberId> coordinates_; ///< by hierarchy
     std::vector<MemberId> slicer_;      ///< the coordinates that the slicer leaves
     std::vector<Compound> compounds_;   ///< by number from firstCompound on
     std::vector<MemberId> saved_;       ///< coordinates replaced by Position objects
     std::vector<CalculatedFormula> formulas_;
+    std::function<void(std::size_t number)> bindFormula_;
     std::vector<IterationPlace> iterations_; ///< by the number of a set's name
+    std::size_t iterationCount_ = 0;
     std::shared_ptr<TextPool> texts_ = std::make_shared<TextPool>();
     std::vector<MemberId> folding_; ///< coordinates during Fold
     std::vector<FoldedHierarchy> folded_;

@@ -230,13 +230,13 @@ Bound Generate(Call& call) {
     return GenerateSets(call, std::move(set), call.binder.ToSet(std::move(each), call.arguments[1]));
 }
 
-constexpr std::array<Function, 4> functions{{{"Exists", 2, 2, Exists},
-                                             {"NonEmpty", 1, 2, NonEmpty},
-                                             {"NonEmptyCrossJoin", 1, anyNumber, NonEmptyCrossJoin},
-                                             {"Generate", 2, 3, Generate}}};
+constexpr std::array<Function, 4> existenceFunctions{{{"Exists", 2, 2, Exists},
+                                                      {"NonEmpty", 1, 2, NonEmpty},
+                                                      {"NonEmptyCrossJoin", 1, anyNumber, NonEmptyCrossJoin},
+                                                      {"Generate", 2, 3, Generate}}};
 
 } // namespace
 
-std::span<const Function> ExistenceFunctions() { return functions; }
+std::span<const Function> ExistenceFunctions() { return existenceFunctions; }
 
 } // namespace qel::engine

@@ -170,13 +170,13 @@ Bound Descendants(Call& call) {
                    });
 }
 
-constexpr std::array<Function, 4> functions{{{"Ancestor", 2, 2, Ancestor},
-                                             {"Ancestors", 2, 2, Ancestors},
-                                             {"Ascendants", 1, 1, Ascendants},
-                                             {"Descendants", 1, 3, Descendants}}};
+constexpr std::array<Function, 4> familyFunctions{{{"Ancestor", 2, 2, Ancestor},
+                                                   {"Ancestors", 2, 2, Ancestors},
+                                                   {"Ascendants", 1, 1, Ascendants},
+                                                   {"Descendants", 1, 3, Descendants}}};
 
 } // namespace
 
-std::span<const Function> FamilyFunctions() { return functions; }
+std::span<const Function> FamilyFunctions() { return familyFunctions; }
 
 } // namespace qel::engine

@@ -132,23 +132,35 @@ std::optional<std::size_t> MemberSpace::KeyColumn(HierarchyId hierarchy) const {
     return IsMeasures(hierarchy) ? std::nullopt : Stored(hierarchy).KeyColumn();
 }
 
-bool MemberSpace::AddCalculated(MemberRef parent, std::string_view name) {
-    const MemberId id = firstCalculated + static_cast<MemberId>(calculated_.size());
-    if (!calculatedBelow_[{parent.hierarchy, parent.id}].emplace(FoldCase(name), id).second) {
+bool MemberSpace::AddCalculated(MemberRef parent, std::string_view name, Scope scope) {
+    SameName& same = calculatedBelow_[{parent.hierarchy, parent.id}][FoldCase(name)];
+    MemberId& own = scope == Scope::Cube ? same.ofCube : same.ofStatement;
+    if (own != noMember) {
         return false;
+    }
+    own = firstCalculated + static_cast<MemberId>(calculated_.size());
+    if (scope == Scope::Statement && same.ofCube != noMember) {
+        calculated_[same.ofCube - firstCalculated].isHidden = true;
     }
     const std::size_t level = parent.id == noMember ? 0 : LevelOf(parent) + 1;
     calculated_.push_back({parent.hierarchy, parent.id, level, std::string(name)});
     return true;
 }
 
-std::optional<MemberId> MemberSpace::FindCalculated(MemberRef parent, std::string_view name) const {
+std::optional<MemberId> MemberSpace::FindCalculated(MemberRef parent, std::string_view name,
+                                                    Scope scope) const {
     const auto siblings = calculatedBelow_.find({parent.hierarchy, parent.id});
     if (siblings == calculatedBelow_.end()) {
         return std::nullopt;
     }
     const auto found = siblings->second.find(FoldCase(name));
-    return found == siblings->second.end() ? std::nullopt : std::optional(found->second);
+    if (found == siblings->second.end()) {
+        return std::nullopt;
+    }
+    const SameName& same = found->second;
+    const bool isOwn = scope == Scope::Statement && same.ofStatement != noMember;
+    const MemberId member = isOwn ? same.ofStatement : same.ofCube;
+    return member == noMember ? std::nullopt : std::optional(member);
 }
 
 } // namespace qel::engine

@@ -43,11 +43,16 @@ struct CalculatedName {
     MemberId parent = noMember; ///< a stored member, or none on the top level
     std::size_t level = 0;
     std::string name;
+    bool isHidden = false; ///< the cube's; the statement has one of the same name
 };
 
+/// Who defines a calculated member or a set, and whose definitions a formula sees: the cube's see only each
+/// other, the statement's see both and its own first.
+enum class Scope : std::uint8_t { Statement, Cube };
+
 /// Everything that a statement can name: the cube's hierarchies, its measures as one more hierarchy with a
-/// single level, and the statement's calculated members, which are below the parent that their name gives, or
-/// on the top level.
+/// single level, and the calculated members of the cube and of the statement, which are below the parent that
+/// their name gives, or on the top level.
 class MemberSpace {
 public:
     explicit MemberSpace(const Cube& cube) : cube_(cube) {}
@@ -92,19 +97,23 @@ public:
     std::optional<std::size_t> KeyColumn(HierarchyId hierarchy) const;
     CodeRanges Codes(MemberRef member) const { return Stored(member.hierarchy).Ranges(member.id); }
 
-    /// A `parent` without a member stands for the top level. False when the name is taken there (any letter
-    /// case).
-    bool AddCalculated(MemberRef parent, std::string_view name);
-    /// The calculated child of `parent` with that name (any letter case), or nothing.
-    std::optional<MemberId> FindCalculated(MemberRef parent, std::string_view name) const;
+    /// A `parent` without a member stands for the top level. False when the name is taken there in the scope
+    /// (any letter case).
+    bool AddCalculated(MemberRef parent, std::string_view name, Scope scope);
+    /// The calculated child of `parent` with that name (any letter case) that the scope sees, or nothing.
+    std::optional<MemberId> FindCalculated(MemberRef parent, std::string_view name, Scope scope) const;
     const std::vector<CalculatedName>& Calculated() const { return calculated_; }
 
 private:
+    struct SameName {
+        MemberId ofCube = noMember, ofStatement = noMember;
+    };
+
     const CalculatedName& CalculatedAt(MemberId id) const { return calculated_[id - firstCalculated]; }
 
     const Cube& cube_;
     std::vector<CalculatedName> calculated_;
-    std::map<std::pair<HierarchyId, MemberId>, std::unordered_map<std::string, MemberId>>
+    std::map<std::pair<HierarchyId, MemberId>, std::unordered_map<std::string, SameName>>
         calculatedBelow_; ///< by hierarchy and parent, then by folded name
 };
 

@@ -47,11 +47,11 @@ Bound IsSibling(Call& call) {
     });
 }
 
-constexpr std::array<Function, 3> functions{
+constexpr std::array<Function, 3> memberTests{
     {{"IsLeaf", 1, 1, IsLeaf}, {"IsAncestor", 2, 3, IsAncestor}, {"IsSibling", 2, 3, IsSibling}}};
 
 } // namespace
 
-std::span<const Function> MemberTests() { return functions; }
+std::span<const Function> MemberTests() { return memberTests; }
 
 } // namespace qel::engine

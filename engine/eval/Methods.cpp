@@ -86,7 +86,7 @@ bool AppendCalculated(const MemberSpace& space, HierarchyId hierarchy, std::opti
     for (std::size_t i = 0; i < space.Calculated().size(); ++i) {
         const CalculatedName& name = space.Calculated()[i];
         const MemberId id = firstCalculated + static_cast<MemberId>(i);
-        if (name.hierarchy == hierarchy && name.level == level.value_or(name.level)) {
+        if (!name.isHidden && name.hierarchy == hierarchy && name.level == level.value_or(name.level)) {
             result.Append({&id, 1});
             found = true;
         }
@@ -130,7 +130,7 @@ public:
     IterationPlace Place(const Evaluator& evaluator) const {
         const IterationPlace place = evaluator.IterationOf(alias_.iteration);
         if (place.tuples == nullptr) {
-            mdx::RaiseAt(ErrorKind::InvalidExpression, evaluator.Statement(), range_,
+            mdx::RaiseAt(ErrorKind::InvalidExpression, evaluator.Source(), range_,
                          "no function goes through the set here");
         }
         return place;

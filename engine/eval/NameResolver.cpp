@@ -136,7 +136,7 @@ std::optional<Resolved> NameResolver::InMeasures() {
         }
     }
     furthest_ = part;
-    if (const auto calculated = space_.FindCalculated({measures, noMember}, parts_[part]->text)) {
+    if (const auto calculated = space_.FindCalculated({measures, noMember}, parts_[part]->text, scope_)) {
         return part + 1 == parts_.size() ? std::optional<Resolved>(MemberRef{measures, *calculated})
                                          : std::nullopt;
     }
@@ -205,7 +205,7 @@ MemberId NameResolver::Descend(HierarchyId hierarchy, MemberId member, std::size
 
 MemberId NameResolver::CalculatedBelow(MemberRef parent, std::size_t part) const {
     const bool canBe = part + 1 == parts_.size() && !parts_[part]->isKey;
-    return canBe ? space_.FindCalculated(parent, parts_[part]->text).value_or(noMember) : noMember;
+    return canBe ? space_.FindCalculated(parent, parts_[part]->text, scope_).value_or(noMember) : noMember;
 }
 
 void NameResolver::Find(HierarchyId hierarchy, MemberRange among, std::size_t part,

@@ -25,8 +25,9 @@ using Resolved = std::variant<HierarchyName, LevelName, MemberRef>;
 /// member. These are tried in this order, and the first interpretation that resolves every part wins.
 class NameResolver {
 public:
-    NameResolver(const MemberSpace& space, const mdx::Statement& statement)
-        : space_(space), statement_(statement) {}
+    /// `scope` says which calculated members the names can mean.
+    NameResolver(const MemberSpace& space, const mdx::Statement& statement, Scope scope)
+        : space_(space), statement_(statement), scope_(scope) {}
 
     /// Raises EngineError at the first part that cannot be resolved: UnknownMember where a member is
     /// expected, otherwise UnknownName. With `wantsLevel` only a hierarchy or a level is accepted.
@@ -53,6 +54,7 @@ private:
 
     const MemberSpace& space_;
     const mdx::Statement& statement_;
+    Scope scope_;
     std::vector<const mdx::Node*> parts_;
     std::size_t furthest_ = 0; ///< the first part that no interpretation resolves
 };

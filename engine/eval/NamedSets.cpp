@@ -25,6 +25,15 @@ std::optional<std::size_t> NamedSets::Find(std::string_view name) const {
     return found == numbers_.end() ? std::nullopt : std::optional(found->second);
 }
 
+SetPtr NamedSets::Reference(std::size_t set) {
+    const SetExpression& expression = *sets_[set].set;
+    return std::make_unique<IteratedSet>(MakeSet(expression.IsConstant(), expression.GetDimensionality(),
+                                                 [this, set](Evaluator& evaluator, TupleSet& result) {
+                                                     result.Append(Tuples(set, evaluator));
+                                                 }),
+                                         sets_[set].iteration);
+}
+
 const TupleSet& NamedSets::Tuples(std::size_t set, Evaluator& evaluator) {
     if (!results_[set].tuples) {
         for (const std::size_t missing : MissingFor(set)) {
@@ -37,10 +46,10 @@ const TupleSet& NamedSets::Tuples(std::size_t set, Evaluator& evaluator) {
 void NamedSets::Evaluate(std::size_t set, Evaluator& evaluator) {
     Result& result = results_[set];
     if (result.isRunning) {
-        mdx::RaiseAt(ErrorKind::InvalidExpression, evaluator.Statement(), sets_[set].range,
+        mdx::RaiseAt(ErrorKind::InvalidExpression, sets_[set].source, sets_[set].range,
                      fmt::format("the set {} needs itself to be evaluated", sets_[set].name));
     }
-    const Evaluator::Nesting nesting(evaluator, sets_[set].range, sets_[set].depth);
+    const Evaluator::Nesting nesting(evaluator, sets_[set].source, sets_[set].range, sets_[set].depth);
     const Evaluator::SlicerScope scope(evaluator);
     result.isRunning = true;
     result.tuples = sets_[set].set->Evaluate(evaluator);

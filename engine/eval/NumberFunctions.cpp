@@ -118,18 +118,18 @@ Bound Absolute(Call& call) {
     });
 }
 
-constexpr std::array<Function, 9> functions{{{"Sum", 1, 2, Sum},
-                                             {"Aggregate", 1, 2, Aggregate},
-                                             {"Avg", 1, 2, Average},
-                                             {"Min", 1, 2, Minimum},
-                                             {"Max", 1, 2, Maximum},
-                                             {"Count", 1, 2, Count},
-                                             {"IsEmpty", 1, 1, IsEmptyCell},
-                                             {"CoalesceEmpty", 1, anyNumber, CoalesceEmpty},
-                                             {"Abs", 1, 1, Absolute}}};
+constexpr std::array<Function, 9> numberFunctions{{{"Sum", 1, 2, Sum},
+                                                   {"Aggregate", 1, 2, Aggregate},
+                                                   {"Avg", 1, 2, Average},
+                                                   {"Min", 1, 2, Minimum},
+                                                   {"Max", 1, 2, Maximum},
+                                                   {"Count", 1, 2, Count},
+                                                   {"IsEmpty", 1, 1, IsEmptyCell},
+                                                   {"CoalesceEmpty", 1, anyNumber, CoalesceEmpty},
+                                                   {"Abs", 1, 1, Absolute}}};
 
 } // namespace
 
-std::span<const Function> NumberFunctions() { return functions; }
+std::span<const Function> NumberFunctions() { return numberFunctions; }
 
 } // namespace qel::engine

@@ -212,19 +212,19 @@ Bound EdgePeriod(Call& call, bool isLast) {
 Bound OpeningPeriod(Call& call) { return EdgePeriod(call, false); }
 Bound ClosingPeriod(Call& call) { return EdgePeriod(call, true); }
 
-constexpr std::array<Function, 10> functions{{{"LastPeriods", 1, 2, LastPeriods},
-                                              {"PeriodsToDate", 0, 2, PeriodsToDate},
-                                              {"YTD", 0, 1, YearToDate},
-                                              {"QTD", 0, 1, QuarterToDate},
-                                              {"MTD", 0, 1, MonthToDate},
-                                              {"WTD", 0, 1, WeekToDate},
-                                              {"ParallelPeriod", 0, 3, ParallelPeriod},
-                                              {"Cousin", 2, 2, Cousin},
-                                              {"OpeningPeriod", 0, 2, OpeningPeriod},
-                                              {"ClosingPeriod", 0, 2, ClosingPeriod}}};
+constexpr std::array<Function, 10> periodFunctions{{{"LastPeriods", 1, 2, LastPeriods},
+                                                    {"PeriodsToDate", 0, 2, PeriodsToDate},
+                                                    {"YTD", 0, 1, YearToDate},
+                                                    {"QTD", 0, 1, QuarterToDate},
+                                                    {"MTD", 0, 1, MonthToDate},
+                                                    {"WTD", 0, 1, WeekToDate},
+                                                    {"ParallelPeriod", 0, 3, ParallelPeriod},
+                                                    {"Cousin", 2, 2, Cousin},
+                                                    {"OpeningPeriod", 0, 2, OpeningPeriod},
+                                                    {"ClosingPeriod", 0, 2, ClosingPeriod}}};
 
 } // namespace
 
-std::span<const Function> PeriodFunctions() { return functions; }
+std::span<const Function> PeriodFunctions() { return periodFunctions; }
 
 } // namespace qel::engine

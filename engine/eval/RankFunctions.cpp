@@ -125,14 +125,14 @@ Bound BottomPercent(Call& call) { return Part(call, 1, true); }
 Bound TopSum(Call& call) { return Part(call, -1, false); }
 Bound BottomSum(Call& call) { return Part(call, 1, false); }
 
-constexpr std::array<Function, 5> functions{{{"Rank", 2, 3, Rank},
-                                             {"TopPercent", 3, 3, TopPercent},
-                                             {"BottomPercent", 3, 3, BottomPercent},
-                                             {"TopSum", 3, 3, TopSum},
-                                             {"BottomSum", 3, 3, BottomSum}}};
+constexpr std::array<Function, 5> rankFunctions{{{"Rank", 2, 3, Rank},
+                                                 {"TopPercent", 3, 3, TopPercent},
+                                                 {"BottomPercent", 3, 3, BottomPercent},
+                                                 {"TopSum", 3, 3, TopSum},
+                                                 {"BottomSum", 3, 3, BottomSum}}};
 
 } // namespace
 
-std::span<const Function> RankFunctions() { return functions; }
+std::span<const Function> RankFunctions() { return rankFunctions; }
 
 } // namespace qel::engine

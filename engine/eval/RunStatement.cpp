@@ -11,6 +11,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 namespace qel::engine {
@@ -22,7 +23,10 @@ class StatementRun {
 public:
     StatementRun(const Cube& cube, std::string_view text)
         : statement_(mdx::Parse(text)), space_(cube), evaluator_(space_, text),
-          binder_(statement_, space_, evaluator_) {}
+          calculations_(cube.GetCalculations().Empty()
+                            ? nullptr
+                            : std::make_unique<CubeCalculations>(space_, evaluator_)),
+          binder_(statement_, space_, evaluator_, calculations_.get()) {}
 
     /// Resolves names and evaluates the axes. To be called first.
     void Resolve();
@@ -48,6 +52,7 @@ private:
     mdx::Statement statement_;
     MemberSpace space_;
     Evaluator evaluator_;
+    std::unique_ptr<CubeCalculations> calculations_; ///< null: the cube has none
     Binder binder_;
     std::vector<HierarchyId> used_;
     std::optional<CompoundSet> slicer_;

@@ -115,7 +115,8 @@ void AppendCalculatedSiblings(const MemberSpace& space, TupleSet& set) {
     for (std::size_t i = 0; i < space.Calculated().size(); ++i) {
         const CalculatedName& name = space.Calculated()[i];
         const MemberId id = firstCalculated + static_cast<MemberId>(i);
-        if (name.hierarchy == hierarchy && parents.count(name.parent) > 0 && known.count(id) == 0) {
+        if (!name.isHidden && name.hierarchy == hierarchy && parents.count(name.parent) > 0 &&
+            known.count(id) == 0) {
             set.Append({&id, 1});
         }
     }
@@ -191,22 +192,22 @@ Bound Extract(Call& call) {
 
 Bound Unorder(Call& call) { return call.Set(0); }
 
-constexpr std::array<Function, 13> functions{{{"CrossJoin", 2, anyNumber, CrossJoin},
-                                              {"Union", 2, anyNumber, Union},
-                                              {"Intersect", 2, 3, Intersect},
-                                              {"Except", 2, 3, Except},
-                                              {"Distinct", 1, 1, Distinct},
-                                              {"Head", 1, 2, Head},
-                                              {"Tail", 1, 2, Tail},
-                                              {"Subset", 2, 3, Subset},
-                                              {"Hierarchize", 1, 2, HierarchizeSet},
-                                              {"AddCalculatedMembers", 1, 1, AddCalculatedMembers},
-                                              {"StripCalculatedMembers", 1, 1, StripCalculatedMembers},
-                                              {"Extract", 2, anyNumber, Extract},
-                                              {"Unorder", 1, 1, Unorder}}};
+constexpr std::array<Function, 13> setFunctions{{{"CrossJoin", 2, anyNumber, CrossJoin},
+                                                 {"Union", 2, anyNumber, Union},
+                                                 {"Intersect", 2, 3, Intersect},
+                                                 {"Except", 2, 3, Except},
+                                                 {"Distinct", 1, 1, Distinct},
+                                                 {"Head", 1, 2, Head},
+                                                 {"Tail", 1, 2, Tail},
+                                                 {"Subset", 2, 3, Subset},
+                                                 {"Hierarchize", 1, 2, HierarchizeSet},
+                                                 {"AddCalculatedMembers", 1, 1, AddCalculatedMembers},
+                                                 {"StripCalculatedMembers", 1, 1, StripCalculatedMembers},
+                                                 {"Extract", 2, anyNumber, Extract},
+                                                 {"Unorder", 1, 1, Unorder}}};
 
 } // namespace
 
-std::span<const Function> SetFunctions() { return functions; }
+std::span<const Function> SetFunctions() { return setFunctions; }
 
 } // namespace qel::engine

@@ -222,13 +222,13 @@ Bound OrderSet(Call& call) {
     return SortBy(std::move(set), std::move(keys), *withinFamilies);
 }
 
-constexpr std::array<Function, 4> functions{{{"Filter", 2, 2, Filter},
-                                             {"Order", 2, anyNumber, OrderSet},
-                                             {"TopCount", 2, 3, TopCount},
-                                             {"BottomCount", 2, 3, BottomCount}}};
+constexpr std::array<Function, 4> sortFunctions{{{"Filter", 2, 2, Filter},
+                                                 {"Order", 2, anyNumber, OrderSet},
+                                                 {"TopCount", 2, 3, TopCount},
+                                                 {"BottomCount", 2, 3, BottomCount}}};
 
 } // namespace
 
-std::span<const Function> SortFunctions() { return functions; }
+std::span<const Function> SortFunctions() { return sortFunctions; }
 
 } // namespace qel::engine

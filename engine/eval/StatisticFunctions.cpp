@@ -71,18 +71,18 @@ Bound PopulationVariance(Call& call) { return Variance(call, true, false); }
 Bound SampleDeviation(Call& call) { return Variance(call, false, true); }
 Bound PopulationDeviation(Call& call) { return Variance(call, true, true); }
 
-constexpr std::array<Function, 9> functions{{{"Median", 1, 2, Median},
-                                             {"Var", 1, 2, SampleVariance},
-                                             {"Variance", 1, 2, SampleVariance},
-                                             {"VarP", 1, 2, PopulationVariance},
-                                             {"VarianceP", 1, 2, PopulationVariance},
-                                             {"Stdev", 1, 2, SampleDeviation},
-                                             {"Stddev", 1, 2, SampleDeviation},
-                                             {"StdevP", 1, 2, PopulationDeviation},
-                                             {"StddevP", 1, 2, PopulationDeviation}}};
+constexpr std::array<Function, 9> statisticFunctions{{{"Median", 1, 2, Median},
+                                                      {"Var", 1, 2, SampleVariance},
+                                                      {"Variance", 1, 2, SampleVariance},
+                                                      {"VarP", 1, 2, PopulationVariance},
+                                                      {"VarianceP", 1, 2, PopulationVariance},
+                                                      {"Stdev", 1, 2, SampleDeviation},
+                                                      {"Stddev", 1, 2, SampleDeviation},
+                                                      {"StdevP", 1, 2, PopulationDeviation},
+                                                      {"StddevP", 1, 2, PopulationDeviation}}};
 
 } // namespace
 
-std::span<const Function> StatisticFunctions() { return functions; }
+std::span<const Function> StatisticFunctions() { return statisticFunctions; }
 
 } // namespace qel::engine

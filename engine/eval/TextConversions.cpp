@@ -62,15 +62,15 @@ Bound StrToTuple(Call& call) { return call.binder.ToTuple(Meaning(call), call.ar
 
 Bound StrToSet(Call& call) { return call.binder.ToSet(Meaning(call), call.arguments[0]); }
 
-constexpr std::array<Function, 6> functions{{{"MemberToStr", 1, 1, MemberToStr},
-                                             {"TupleToStr", 1, 1, TupleToStr},
-                                             {"SetToStr", 1, 1, SetToStr},
-                                             {"StrToMember", 1, 2, StrToMember},
-                                             {"StrToTuple", 1, 2, StrToTuple},
-                                             {"StrToSet", 1, 2, StrToSet}}};
+constexpr std::array<Function, 6> textConversions{{{"MemberToStr", 1, 1, MemberToStr},
+                                                   {"TupleToStr", 1, 1, TupleToStr},
+                                                   {"SetToStr", 1, 1, SetToStr},
+                                                   {"StrToMember", 1, 2, StrToMember},
+                                                   {"StrToTuple", 1, 2, StrToTuple},
+                                                   {"StrToSet", 1, 2, StrToSet}}};
 
 } // namespace
 
-std::span<const Function> TextConversions() { return functions; }
+std::span<const Function> TextConversions() { return textConversions; }
 
 } // namespace qel::engine

@@ -177,20 +177,20 @@ Bound Format(Call& call) {
     });
 }
 
-constexpr std::array<Function, 11> functions{{{"Left", 2, 2, Left},
-                                              {"Right", 2, 2, Right},
-                                              {"Mid", 2, 3, Mid},
-                                              {"Len", 1, 1, Length},
-                                              {"InStr", 2, 3, InText},
-                                              {"UCase", 1, 1, UpperCaseOf},
-                                              {"LCase", 1, 1, LowerCaseOf},
-                                              {"Trim", 1, 1, TrimBoth},
-                                              {"LTrim", 1, 1, TrimLeft},
-                                              {"RTrim", 1, 1, TrimRight},
-                                              {"Format", 2, 2, Format}}};
+constexpr std::array<Function, 11> textFunctions{{{"Left", 2, 2, Left},
+                                                  {"Right", 2, 2, Right},
+                                                  {"Mid", 2, 3, Mid},
+                                                  {"Len", 1, 1, Length},
+                                                  {"InStr", 2, 3, InText},
+                                                  {"UCase", 1, 1, UpperCaseOf},
+                                                  {"LCase", 1, 1, LowerCaseOf},
+                                                  {"Trim", 1, 1, TrimBoth},
+                                                  {"LTrim", 1, 1, TrimLeft},
+                                                  {"RTrim", 1, 1, TrimRight},
+                                                  {"Format", 2, 2, Format}}};
 
 } // namespace
 
-std::span<const Function> TextFunctions() { return functions; }
+std::span<const Function> TextFunctions() { return textFunctions; }
 
 } // namespace qel::engine

@@ -21,7 +21,7 @@ void CheckTextLength(std::size_t bytes) {
 const std::string& TextPool::Keep(std::string text) {
     CheckTextLength(text.size());
     const auto [kept, isNew] = texts_.insert(std::move(text));
-    bytes_ += isNew ? kept->size() + sizeof *kept : 0;
+    bytes_ += isNew ? kept->size() + sizeof(std::string) : 0;
     if (bytes_ > poolLimit) {
         throw EngineError(ErrorKind::TooLarge,
                           fmt::format("the texts of the statement have more than {} bytes", poolLimit));

@@ -1,5 +1,7 @@
 #include "engine/export/MondrianSchema.h"
 
+#include "qel/engine/BracketedName.h"
+#include "qel/engine/CheckCalculations.h"
 #include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
@@ -133,6 +135,49 @@ std::string MeasureElement(const StarSchema& star, std::size_t index) {
                        decimals);
 }
 
+std::string CalculatedMemberElement(const Cube& cube, const CalculatedMember& member,
+                                    const CalculationPlace& place) {
+    std::string attributes = " dimension=\"Measures\"";
+    if (place.hierarchy) {
+        const Hierarchy& hierarchy = cube.Hierarchies()[*place.hierarchy];
+        const std::string& dimension = cube.Dimensions()[hierarchy.DimensionIndex()].name;
+        attributes = hierarchy.Name() == dimension
+                         ? fmt::format(" dimension=\"{}\"", Escaped(dimension))
+                         : fmt::format(" hierarchy=\"{}\"",
+                                       Escaped(BracketedName(dimension + "." + hierarchy.Name())));
+        if (place.parent != noMember) {
+            attributes += fmt::format(" parent=\"{}\"", Escaped(hierarchy.MemberUniqueName(place.parent)));
+        }
+    }
+    if (!member.format.empty()) {
+        attributes += fmt::format(" formatString=\"{}\"", Escaped(member.format));
+    }
+    std::string text = fmt::format("    <CalculatedMember name=\"{}\"{}>\n      <Formula>{}</Formula>\n",
+                                   Escaped(place.name), attributes, Escaped(member.formula));
+    if (member.solveOrder != 0) {
+        text += fmt::format("      <CalculatedMemberProperty name=\"SOLVE_ORDER\" value=\"{}\"/>\n",
+                            member.solveOrder);
+    }
+    return text + "    </CalculatedMember>\n";
+}
+
+std::string CalculationElements(const Cube& cube) {
+    const Calculations& calculations = cube.GetCalculations();
+    if (calculations.Empty()) {
+        return {};
+    }
+    std::string text;
+    const CalculationPlaces places = FindCalculationPlaces(cube);
+    for (std::size_t i = 0; i < places.members.size(); ++i) {
+        text += CalculatedMemberElement(cube, calculations.members[i], places.members[i]);
+    }
+    for (std::size_t i = 0; i < places.setNames.size(); ++i) {
+        text += fmt::format("    <NamedSet name=\"{}\">\n      <Formula>{}</Formula>\n    </NamedSet>\n",
+                            Escaped(places.setNames[i]), Escaped(calculations.sets[i].formula));
+    }
+    return text;
+}
+
 } // namespace
 
 std::string ComposeMondrianSchema(const StarSchema& star) {
@@ -154,7 +199,7 @@ std::string ComposeMondrianSchema(const StarSchema& star) {
     for (std::size_t i = 0; i < measures.size(); ++i) {
         text += MeasureElement(star, i);
     }
-    return text + "  </Cube>\n</Schema>\n";
+    return text + CalculationElements(cube) + "  </Cube>\n</Schema>\n";
 }
 
 } // namespace qel::engine

@@ -84,10 +84,10 @@ struct AxisClause {
     NodeId set = noNode;
 };
 
-/// The syntax tree of a statement. Texts are views into the statement, which must outlive the tree, or into
-/// `decoded`.
+/// The syntax tree of a statement, or of a text that is one expression. Texts are views into the source,
+/// which must outlive the tree, or into `decoded`.
 struct Statement {
-    std::string_view source;
+    Source source = std::string_view();
     std::vector<Node> nodes;
     std::deque<std::string> decoded; ///< names and texts with escaped brackets or quotes
     std::vector<Definition> definitions;

@@ -1,6 +1,7 @@
 #include "engine/mdx/Lexer.h"
 
 #include "engine/mdx/ReservedWords.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 
@@ -10,7 +11,6 @@ namespace qel::engine::mdx {
 
 namespace {
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 bool IsWordStart(char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_' ||
            static_cast<unsigned char>(c) >= 0x80U;
@@ -138,7 +138,7 @@ bool Lexer::SkipComment() {
     }
     const std::size_t end = statement_.find("*/", position_ + 2);
     if (end == std::string_view::npos) {
-        RaiseAt(ErrorKind::SyntaxError, statement_, PlaceOf(position_, position_ + 2),
+        RaiseAt(ErrorKind::SyntaxError, source_, PlaceOf(position_, position_ + 2),
                 "the comment that starts here has no closing \"*/\"");
     }
     position_ = end + 2;
@@ -162,7 +162,7 @@ Token Lexer::ReadName() {
             ++end;
         }
     }
-    RaiseAt(ErrorKind::SyntaxError, statement_, PlaceOf(begin, end),
+    RaiseAt(ErrorKind::SyntaxError, source_, PlaceOf(begin, end),
             "the name that starts here has no closing \"]\"");
 }
 
@@ -193,7 +193,7 @@ Token Lexer::ReadText() {
         }
         end = run;
     }
-    RaiseAt(ErrorKind::SyntaxError, statement_, PlaceOf(begin, statement_.size()),
+    RaiseAt(ErrorKind::SyntaxError, source_, PlaceOf(begin, statement_.size()),
             fmt::format("the text that starts here has no closing {}", quote));
 }
 
@@ -271,7 +271,7 @@ Token Lexer::ReadOperator() {
     }
     const char c = statement_[position_];
     const bool printable = c > ' ' && c < '\x7F';
-    RaiseAt(ErrorKind::SyntaxError, statement_, PlaceOf(position_, position_ + 1),
+    RaiseAt(ErrorKind::SyntaxError, source_, PlaceOf(position_, position_ + 1),
             printable ? fmt::format("unexpected character '{}'", c)
                       : fmt::format("unexpected character number {}", static_cast<int>(c)));
 }

@@ -49,7 +49,7 @@ struct Token {
 /// positions refer to the statement and nothing is copied. Raises EngineError (SyntaxError).
 class Lexer {
 public:
-    explicit Lexer(std::string_view statement) : statement_(statement) {}
+    explicit Lexer(const Source& source) : source_(source), statement_(source.text) {}
 
     Token Next();
     /// Whether the next token is of this kind. Does not consume it.
@@ -77,7 +77,8 @@ private:
     Token Take(TokenKind kind, std::size_t length);
     char At(std::size_t offset) const { return offset < statement_.size() ? statement_[offset] : '\0'; }
 
-    std::string_view statement_;
+    Source source_;
+    std::string_view statement_; ///< the source's text
     std::size_t position_ = 0;
     bool inFormula_ = false;
 };

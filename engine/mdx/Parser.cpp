@@ -241,13 +241,25 @@ Statement Parse(std::string_view text) {
     return statement;
 }
 
-Statement ParseText(std::string_view text, NodeId& root) {
+Statement ParseText(const Source& text, Definition& parsed) {
     Statement statement;
     statement.source = text;
     ExpressionParser expressions(statement);
-    root = expressions.ParseExpression("an expression");
+    parsed.formula = expressions.ParseExpression("an expression");
+    parsed.depth = expressions.TakeDepth();
     if (!expressions.IsAt(TokenKind::End)) {
         expressions.Fail("the end of the text");
+    }
+    return statement;
+}
+
+Statement ParseName(const Source& text, Definition& parsed) {
+    Statement statement;
+    statement.source = text;
+    ExpressionParser expressions(statement);
+    parsed.name = expressions.ParsePath("a name such as [Measures].[Profit]");
+    if (!expressions.IsAt(TokenKind::End)) {
+        expressions.Fail("the end of the name, which takes brackets unless it is one word");
     }
     return statement;
 }

@@ -37,12 +37,15 @@ std::string Excerpt(std::string_view statement, std::size_t at) {
 
 } // namespace
 
-void RaiseAt(ErrorKind kind, std::string_view statement, SourceRange range, std::string_view message) {
+void RaiseAt(ErrorKind kind, const Source& source, SourceRange range, std::string_view message) {
+    const std::string_view statement = source.text;
+    const std::string owner =
+        source.owner.empty() ? "" : fmt::format("the cube's definition of {}, ", source.owner);
     const std::size_t at = std::min<std::size_t>(range.begin, statement.size());
     const std::string_view before = statement.substr(0, at);
     const auto line = std::count(before.begin(), before.end(), '\n') + 1;
     const std::size_t lineStart = before.rfind('\n') == std::string_view::npos ? 0 : before.rfind('\n') + 1;
-    throw EngineError(kind, fmt::format("line {}, column {}: {}, near \"{}\"", line,
+    throw EngineError(kind, fmt::format("{}line {}, column {}: {}, near \"{}\"", owner, line,
                                         CountCharacters(before.substr(lineStart)) + 1, message,
                                         Excerpt(statement, at)));
 }

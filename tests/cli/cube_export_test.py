@@ -27,7 +27,12 @@ SHARED = {
                 {"name": "Day", "column": "day", "calendar": {"periods": "days", "quarters": True}},
                 {"name": "Currency", "members": ["Own", "Foreign"]}],
             "measures": [{"name": "Amount", "column": "amount", "decimals": 2}, {"name": "Lines", "aggregate": "count"},
-                         {"name": "Nothing", "column": "nothing", "decimals": 0}]}]}),
+                         {"name": "Nothing", "column": "nothing", "decimals": 0}],
+            "calculatedMembers": [
+                {"name": "[Per line]", "formula": "[Measures].[Amount] / [Measures].[Lines]", "format": "0.0",
+                 "solveOrder": 3},
+                {"name": "[Unit].[Flat].[All].[1 & 2]", "formula": "Sum([Two])"}],
+            "namedSets": [{"name": "[Two]", "formula": "{[Unit].[Flat].[1], [Unit].[Flat].[2]}"}]}]}),
     "facts.csv": "unit,day,amount,nothing\na,2024-01-30,1.25,\nb,2024-01-31,-0.05,0\nc,2024-02-01,100,\nd,2024-02-02,7,\n"
                  "a,2024-02-02,0.5,\n,2024-02-01,1000,\n",
     "units.csv": "code,group,team,label\na,North,1,It's one\na,South,2,\"Two, \"\"too\"\"\"\na,North,3,\u05e9\u05dc\u05d5\u05e9\nb,North,1,It's one\n"
@@ -126,6 +131,15 @@ class Export(unittest.TestCase):
             (self.path / name).write_text(text, encoding="utf-8")
         self.export(self.path / "shared.json")
         self.assertGreater(self.check_every_member(), 60)
+        cube = ElementTree.parse(next((self.path / "sql").glob("*.xml"))).getroot().find("Cube")
+        written = [(element.attrib, element.findtext("Formula"),
+                    [found.get("value") for found in element.findall("CalculatedMemberProperty")])
+                   for element in cube if element.tag in ("CalculatedMember", "NamedSet")]
+        self.assertEqual(written, [
+            ({"name": "Per line", "dimension": "Measures", "formatString": "0.0"},
+             "[Measures].[Amount] / [Measures].[Lines]", ["3"]),
+            ({"name": "1 & 2", "hierarchy": "[Unit.Flat]", "parent": "[Unit].[Flat].[All]"}, "Sum([Two])", []),
+            ({"name": "Two"}, "{[Unit].[Flat].[1], [Unit].[Flat].[2]}", [])])
 
     def test_names_of_every_kind(self):
         self.export(TESTS / "helpers" / "books" / "books.json")

@@ -40,7 +40,7 @@ constexpr std::string_view definition = R"({
       { "name": "Firma", "column": "firm" },
       { "name": "MoneyType", "members": [ "Local", "Other" ] } ],
     "measures": [ { "name": "Amount", "column": "amount", "decimals": 2 }, { "name": "Lines", "aggregate": "count" } ],
-    "defaultMeasure": "Amount" } ] })";
+    "defaultMeasure": "Amount")";
 
 std::string Quoted(std::string_view text) {
     std::string quoted = "\"";
@@ -71,7 +71,7 @@ void WriteTables(const TemporaryFolder& folder) {
 
 } // namespace
 
-std::shared_ptr<const Cube> BuildLedgerCube(const std::vector<LedgerLine>& lines) {
+std::shared_ptr<const Cube> BuildLedgerCube(const std::vector<LedgerLine>& lines, const std::string& keys) {
     const TemporaryFolder folder;
     WriteTables(folder);
     std::string ledger = "date;account;obs;number;centre;activity;firm;amount\n";
@@ -83,14 +83,14 @@ std::shared_ptr<const Cube> BuildLedgerCube(const std::vector<LedgerLine>& lines
     }
     folder.Write("ledger.csv", ledger);
     BuildOptions options;
-    options.definition = folder.Write("cube.json", definition);
+    options.definition = folder.Write("cube.json", std::string(definition) + keys + "}]}");
     options.output = folder.Path("finance.cub");
     BuildCube(options);
     return CubeFile::Open(options.output)->FindCube("Finance"); // the mapping outlives the folder
 }
 
-const Cube& CommonLedger() {
-    static const std::shared_ptr<const Cube> cube = BuildLedgerCube({
+std::shared_ptr<const Cube> BuildCommonLedger(const std::string& keys) {
+    const std::vector<LedgerLine> lines = {
         {"2024-01", "4000", "n1", "A", "100", "7", "1", 100000},
         {"2024-02", "4000", "n1", "A", "100", "7", "1", 200050},
         {"2024-03", "4000", "n2", "B", "200", "8", "1", 300000},
@@ -101,7 +101,12 @@ const Cube& CommonLedger() {
         {"2024-05", "5100", "n1", "A", "100", "8", "1", -12345},
         {"2024-05", "5100", "n1", "A", "100", "8", "1", 12345},
         {"2024-04", "5200", "s2", "C", "300", "7", "1", -1},
-    });
+    };
+    return BuildLedgerCube(lines, keys);
+}
+
+const Cube& CommonLedger() {
+    static const std::shared_ptr<const Cube> cube = BuildCommonLedger("");
     return *cube;
 }
 

@@ -58,11 +58,15 @@ inline constexpr const char* ledgerFirms[] = {"1", "2"};
 inline constexpr const char* ledgerCostCentres[] = {"100", "200", "300"};
 inline constexpr const char* ledgerActivities[] = {"7", "8"};
 
-/// A cube "Finance" in the suite's layout with these facts, from January 2023 to December 2024.
-std::shared_ptr<const Cube> BuildLedgerCube(const std::vector<LedgerLine>& lines);
+/// A cube "Finance" in the suite's layout with these facts, from January 2023 to December 2024. `keys` are
+/// more keys of its definition, each behind a comma.
+std::shared_ptr<const Cube> BuildLedgerCube(const std::vector<LedgerLine>& lines,
+                                            const std::string& keys = "");
 
 /// The ledger that most tests of statements ask. Account 4200 has no lines, and the lines of 5100 sum to 0.
 const Cube& CommonLedger();
+/// Its lines in a cube with more keys in its definition.
+std::shared_ptr<const Cube> BuildCommonLedger(const std::string& keys);
 
 /// The cellset as text: "columns: a | b", then one line per row (none without rows), empty cells as "-".
 /// Members show their unique names; tuples are joined by "+".

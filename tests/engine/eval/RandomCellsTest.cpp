@@ -47,8 +47,8 @@ bool HasNumber(const LedgerLine& line, std::string_view name, std::string_view n
     return false;
 }
 
-constexpr const char* months[] = {"2023-01", "2023-02", "2023-05", "2023-12",
-                                  "2024-01", "2024-03", "2024-11"};
+constexpr const char* monthKeys[] = {"2023-01", "2023-02", "2023-05", "2023-12",
+                                     "2024-01", "2024-03", "2024-11"};
 
 /// One list per hierarchy. The first choice of each restricts nothing.
 std::vector<Choices> AllChoices() {
@@ -89,7 +89,7 @@ std::vector<Choices> AllChoices() {
         hierarchies[4].push_back({fmt::format("[ActX].[OBSx].[All].[{}].[{}]", n.name, n.number),
                                   [&n](const LedgerLine& l) { return HasNumber(l, n.name, n.number); }});
     }
-    for (const char* month : months) {
+    for (const char* month : monthKeys) {
         const std::string year(month, 4);
         const int number = std::stoi(month + 5);
         const int quarter = (number + 2) / 3;
@@ -127,7 +127,7 @@ protected:
     std::vector<LedgerLine> RandomLines(std::size_t count) {
         std::vector<LedgerLine> lines;
         for (std::size_t i = 0; i < count; ++i) {
-            lines.push_back({Pick(months), ledgerAccounts[Below(std::size(ledgerAccounts))].code,
+            lines.push_back({Pick(monthKeys), ledgerAccounts[Below(std::size(ledgerAccounts))].code,
                              ledgerObs[Below(std::size(ledgerObs))].code, ledgerObsNumbers[1 + Below(3)].code,
                              Pick(ledgerCostCentres), Pick(ledgerActivities), Pick(ledgerFirms),
                              static_cast<std::int64_t>(Below(2'000'001)) - 1'000'000});

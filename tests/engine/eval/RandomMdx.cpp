@@ -242,6 +242,7 @@ Set RandomMdx::Ordered(const Set& set) {
                     return false;
                 });
                 std::vector<Tuple> sorted;
+                sorted.reserve(ways.size());
                 for (const auto& [way, tuple] : ways) {
                     sorted.push_back(tuple);
                 }

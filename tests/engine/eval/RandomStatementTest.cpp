@@ -290,7 +290,7 @@ std::string EngineAnswer(const Cellset& cellset) {
 /// The answer, which a second run must repeat, or `noCurrentMember`.
 std::string EngineAnswer(PlanCache& plans, const engine::Cube& cube, const std::string& statement) {
     try {
-        const std::string answer = EngineAnswer(plans.Run(cube, statement));
+        std::string answer = EngineAnswer(plans.Run(cube, statement));
         EXPECT_EQ(EngineAnswer(plans.Run(cube, statement)), answer) << "again: " << statement;
         return answer;
     } catch (const EngineError& error) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "qel/engine/Calculations.h"
+
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -121,6 +123,8 @@ public:
     std::span<const Measure> Measures() const { return measures_; }
     /// The measure that a cell reads when the statement names none.
     std::size_t DefaultMeasure() const { return defaultMeasure_; }
+    /// The calculated members and named sets that the cube's definition gave it.
+    const Calculations& GetCalculations() const { return calculations_; }
     std::uint64_t FactCount() const;
     /// The sort orders in which the facts are stored, at least one: the names of the ledger's columns, most
     /// significant first.
@@ -144,6 +148,7 @@ private:
     std::vector<Hierarchy> hierarchies_;
     std::vector<Measure> measures_;
     std::size_t defaultMeasure_ = 0;
+    Calculations calculations_;
     std::shared_ptr<const FactTable> facts_;
     const PageVerifier* pages_ = nullptr; ///< owned by the file
 };
