@@ -1,14 +1,18 @@
 #include "engine/storage/AggregateVerifier.h"
 
 #include "engine/storage/CodeColumn.h"
+#include "engine/storage/Format.h"
+#include "engine/storage/StoredTotals.h"
 
 #include <fmt/format.h>
 #include <xxhash.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <numeric>
-#include <unordered_map>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qel::engine {
@@ -50,47 +54,6 @@ bool AreWellFormed(const CodeGroups& groups) {
 /// Row numbers relative to the first row of a run.
 using RowOffsets = std::vector<std::size_t>;
 
-/// Facts summed by packed key and time bucket. Sums wrap around on overflow.
-class FactTotals {
-public:
-    explicit FactTotals(std::size_t measures) : sums_(measures) {}
-
-    /// The index of a packed key and bucket, added with zeros when new.
-    std::size_t IndexOf(std::uint32_t key, std::uint32_t bucket) {
-        const auto [found, isNew] = indexes_.try_emplace(std::uint64_t{key} << 32U | bucket, rows_.size());
-        if (isNew) {
-            rows_.push_back(0);
-            for (std::vector<std::uint64_t>& sums : sums_) {
-                sums.push_back(0);
-            }
-        }
-        return found->second;
-    }
-    void AddRows(std::size_t place, std::uint64_t rows) { rows_[place] += rows; }
-    void AddValue(std::size_t place, std::size_t measure, std::uint64_t value) {
-        sums_[measure][place] += value;
-    }
-
-    std::uint64_t RowCount() const { return std::accumulate(rows_.begin(), rows_.end(), std::uint64_t{0}); }
-    bool Equals(const FactTotals& other, bool withRows) const {
-        return indexes_.size() == other.indexes_.size() &&
-               std::all_of(indexes_.begin(), indexes_.end(), [&](const auto& entry) {
-                   const auto found = other.indexes_.find(entry.first);
-                   return found != other.indexes_.end() &&
-                          (!withRows || rows_[entry.second] == other.rows_[found->second]) &&
-                          std::equal(sums_.begin(), sums_.end(), other.sums_.begin(),
-                                     [&](const auto& own, const auto& others) {
-                                         return own[entry.second] == others[found->second];
-                                     });
-               });
-    }
-
-private:
-    std::unordered_map<std::uint64_t, std::size_t> indexes_;
-    std::vector<std::uint64_t> rows_;
-    std::vector<std::vector<std::uint64_t>> sums_; ///< by measure
-};
-
 /// A fingerprint of facts that does not depend on their order.
 struct FactContents {
     std::uint64_t rows = 0, hashes = 0; ///< sum of the hashes of all rows
@@ -100,12 +63,12 @@ struct FactContents {
 
 class AggregateCheck {
 public:
-    explicit AggregateCheck(const FactTable& facts) : facts_(facts), aggregates_(*facts.Aggregates()) {}
+    explicit AggregateCheck(const FactTable& facts)
+        : facts_(facts), aggregates_(*facts.Aggregates()),
+          rowsLeft_(facts.RowCount() * format::mostAggregatedFacts),
+          stepsLeft_((facts.RowCount() + 1) * format::mostSearchSteps) {}
 
-    std::string FaultOf(const Aggregate& stored) const {
-        if (aggregates_.Find(stored.key) != &stored) {
-            return "its key does not find it";
-        }
+    std::string FaultOf(const Aggregate& stored) {
         const Aggregate aggregate = stored; // a copy: the mapped bytes may change after the checks
         if (!IsOfColumns(aggregate.key)) {
             return "its key has codes that do not exist";
@@ -114,54 +77,60 @@ public:
                                       (aggregate.keyCount == 0 || aggregates_.PackedKeyColumns().empty()))) {
             return "it has a coarser aggregate where there can be none";
         }
-        return aggregate.keyCount == 0 ? FaultOfRows(aggregate) : FaultOfPrefixSums(aggregate);
+        const std::string fault =
+            aggregate.keyCount == 0 ? FaultOfRows(aggregate) : FaultOfPrefixSums(aggregate);
+        const bool isTooMuch = stepsLeft_ == 0 || (fault.empty() && aggregate.rows > rowsLeft_);
+        rowsLeft_ -= std::min(rowsLeft_, aggregate.rows);
+        return isTooMuch ? tooMany : fault;
     }
 
 private:
     static constexpr const char* disorder = "its facts are not in order";
     static constexpr const char* difference = "it differs from the facts";
-    static constexpr std::uint32_t wholeKey = 0xFFFFFFFFU;
+    static constexpr const char* tooMany = "there are too many aggregates for the facts";
 
-    std::string FaultOfRows(const Aggregate& aggregate) const {
+    std::string FaultOfRows(const Aggregate& aggregate) {
         FactContents own, expected;
         if (!AddRows(aggregate, own)) {
             return disorder;
         }
         VisitFacts(aggregate.key, [&](const Projection& projection, RowRange run, const RowOffsets& rows) {
             AddContents(projection, run, rows, expected);
+            return expected.rows <= own.rows;
         });
         return own == expected ? "" : difference;
     }
 
-    std::string FaultOfPrefixSums(const Aggregate& aggregate) const {
-        std::string fault = FaultOfPrefixSums(aggregate, aggregate.start, aggregate.keyCount, wholeKey);
-        if (!fault.empty() || aggregate.coarserKeyCount == 0) {
+    std::string FaultOfPrefixSums(const Aggregate& aggregate) {
+        const bool hasRows = aggregates_.HasCounts();
+        StoredTotals own(facts_.Measures().size()), coarser(facts_.Measures().size());
+        std::string fault = AddPrefixSums(aggregate, aggregate.start, aggregate.keyCount, own);
+        if (fault.empty() && aggregate.coarserKeyCount != 0) {
+            fault = AddPrefixSums(aggregate, aggregate.start + aggregate.keyCount, aggregate.coarserKeyCount,
+                                  coarser);
+            const bool isEqual = coarser.TakeAll(own, ~aggregates_.PackedKeyColumns().back().Mask()) &&
+                                 coarser.IsUsedUp(hasRows);
+            fault = fault.empty() && !isEqual ? difference : fault;
+        }
+        if (!fault.empty()) {
             return fault;
         }
-        return FaultOfPrefixSums(aggregate, aggregate.start + aggregate.keyCount, aggregate.coarserKeyCount,
-                                 ~aggregates_.PackedKeyColumns().back().Mask());
-    }
-    /// `kept` masks the bits of the packed key that are compared.
-    std::string FaultOfPrefixSums(const Aggregate& aggregate, std::uint64_t start, std::uint32_t count,
-                                  std::uint32_t kept) const {
-        FactTotals own(facts_.Measures().size()), expected(facts_.Measures().size());
-        if (!AddPrefixSums(aggregates_.PrefixIndexOf(start, count), count, own)) {
-            return disorder;
-        }
-        VisitFacts(aggregate.key, [&](const Projection& projection, RowRange run, const RowOffsets& rows) {
-            AddTotals(projection, run, rows, kept, expected);
-        });
-        return own.Equals(expected, aggregates_.HasCounts()) && aggregate.rows == expected.RowCount()
-                   ? ""
-                   : difference;
+        std::uint64_t taken = 0;
+        const bool areStored = VisitFacts(
+            aggregate.key, [&](const Projection& projection, RowRange run, const RowOffsets& rows) {
+                taken += rows.size();
+                return taken <= aggregate.rows && TakeFacts(projection, run, rows, own);
+            });
+        return areStored && taken == aggregate.rows && own.IsUsedUp(hasRows) ? "" : difference;
     }
 
-    bool IsOfColumns(const AggregateKey& key) const {
+    bool IsOfColumns(const AggregateKey& key) {
         const auto exists = [&](std::uint16_t column, const KeyRange& codes) {
             if (column == AggregateKey::noColumn) {
                 return true;
             }
             const CodeRanges ranges = aggregates_.Groups().Ranges(codes);
+            CountSteps(ranges.size());
             std::uint32_t end = 0; // of the previous range
             for (const KeyRange range : ranges) {
                 if (range.first < end || range.first >= range.last) {
@@ -177,12 +146,18 @@ private:
 
     std::vector<std::uint32_t> CodesAt(const Projection& projection, std::size_t column, RowRange run,
                                        const RowOffsets& rows) const {
-        const std::vector<std::uint32_t> all = ReadCodes(facts_, projection, column, run);
-        std::vector<std::uint32_t> codes;
-        codes.reserve(rows.size());
-        for (const std::size_t row : rows) {
-            codes.push_back(all[row]);
+        if (rows.size() == run.Count()) {
+            return ReadCodes(facts_, projection, column, run);
         }
+        const KeyColumn& key = facts_.KeyColumns()[column];
+        std::vector<std::uint32_t> codes(rows.size());
+        if (!projection.HasPackedColumn(key.packedColumn)) { // the row numbers imply it
+            std::transform(rows.begin(), rows.end(), codes.begin(),
+                           [&](std::size_t row) { return projection.LeadingKeyOf(run.first + row); });
+            return codes;
+        }
+        const CodeColumn stored(projection.PackedColumn(key.packedColumn, run), key);
+        std::transform(rows.begin(), rows.end(), codes.begin(), [&](std::size_t row) { return stored[row]; });
         return codes;
     }
     std::vector<std::uint32_t> PackedKeysAt(const Projection& projection, RowRange run,
@@ -227,17 +202,22 @@ private:
         contents.rows += rows.size();
         contents.hashes = std::accumulate(hashes.begin(), hashes.end(), contents.hashes);
     }
-    void AddTotals(const Projection& projection, RowRange run, const RowOffsets& rows, std::uint32_t kept,
-                   FactTotals& totals) const {
+    /// False when a fact's packed key or bucket is not stored.
+    bool TakeFacts(const Projection& projection, RowRange run, const RowOffsets& rows,
+                   StoredTotals& totals) const {
         const auto keys = PackedKeysAt(projection, run, rows), times = TimesAt(projection, run, rows);
         std::vector<std::size_t> indexes(rows.size());
         for (std::size_t i = 0; i < rows.size(); ++i) {
-            indexes[i] = totals.IndexOf(keys[i] & kept, BucketOf(times[i]));
-            totals.AddRows(indexes[i], 1);
+            const auto index = totals.Take(keys[i], BucketOf(times[i]), 1);
+            if (!index) {
+                return false;
+            }
+            indexes[i] = *index;
         }
         VisitValues(projection, run, rows, [&](std::size_t measure, std::size_t row, std::uint64_t value) {
-            totals.AddValue(indexes[row], measure, value);
+            totals.TakeValue(indexes[row], measure, value);
         });
+        return true;
     }
     static std::uint64_t Mixed(std::uint64_t value) { return XXH3_64bits(&value, sizeof value); }
     std::uint32_t BucketOf(std::uint32_t time) const {
@@ -246,43 +226,62 @@ private:
         return static_cast<std::uint32_t>(next - buckets.begin()) - 1;
     }
 
-    /// Calls visit(projection, run, rows) until every fact under the key was visited. Reads the sort order
-    /// led by a column of the key that leaves the fewest rows; never more than all facts, however many ranges
-    /// the key has.
+    /// A key column and the codes that it may have there.
+    struct Restriction {
+        std::uint16_t column = AggregateKey::noColumn;
+        CodeRanges codes;
+    };
+    /// How the facts under a key are found.
+    struct Access {
+        const Projection* projection = nullptr;
+        CodeRanges leading;                ///< empty: all rows are read
+        std::array<Restriction, 2> others; ///< besides the leading codes
+        bool isSearched = false;           ///< the sort order continues with the other column
+    };
+
+    /// Calls visit(projection, run, rows) until every fact under the key was visited, or a call returns
+    /// false. Returns whether none did. Reads the sort order led by a column of the key that leaves the
+    /// fewest rows, and searches in it for the codes of the other column where they are sorted; never reads
+    /// more than all facts, however many ranges the key has.
     template <class Visit>
-    void VisitFacts(const AggregateKey& key, const Visit& visit) const {
-        const CodeRanges first = RangesOf(key.firstColumn, key.first);
-        const CodeRanges second = RangesOf(key.secondColumn, key.second);
-        const Projection* projection = &facts_.Projections().front();
-        std::uint64_t fewest = facts_.RowCount();
-        CodeRanges leading; // none: all facts are read
-        for (const Projection& other : facts_.Projections()) {
-            const std::uint16_t lead = other.SortOrder().front();
-            if (lead != key.firstColumn && lead != key.secondColumn) {
-                continue;
-            }
-            const CodeRanges codes = lead == key.firstColumn ? first : second;
-            const std::uint64_t rows = RowsLedBy(other, codes);
-            if (rows < fewest) {
-                fewest = rows;
-                projection = &other;
-                leading = codes;
-            }
-        }
+    bool VisitFacts(const AggregateKey& key, const Visit& visit) {
+        const Access access = AccessOf(key);
+        const Projection& projection = *access.projection;
         const auto visitRun = [&](RowRange run) {
-            VisitChunks(run, [&](RowRange chunk) {
-                RowOffsets rows = AllOf(chunk);
-                Restrict(*projection, chunk, key.firstColumn, first, rows);
-                Restrict(*projection, chunk, key.secondColumn, second, rows);
-                visit(*projection, chunk, rows);
+            return VisitChunks(run, [&](RowRange chunk) {
+                const RowOffsets rows = access.isSearched ? Found(projection, chunk, access.others.front())
+                                                          : Read(projection, chunk, access.others);
+                return stepsLeft_ != 0 && (rows.empty() || visit(projection, chunk, rows));
             });
         };
-        if (leading.empty()) {
-            visitRun({0, facts_.RowCount()});
+        if (access.leading.empty()) {
+            return visitRun({0, facts_.RowCount()});
         }
-        for (const KeyRange codes : leading) {
-            visitRun(projection->RowsOfLeadingKey(codes));
+        return std::all_of(access.leading.begin(), access.leading.end(),
+                           [&](KeyRange codes) { return visitRun(projection.RowsOfLeadingKey(codes)); });
+    }
+    Access AccessOf(const AggregateKey& key) {
+        const Restriction first{key.firstColumn, RangesOf(key.firstColumn, key.first)};
+        const Restriction second{key.secondColumn, RangesOf(key.secondColumn, key.second)};
+        Access best{&facts_.Projections().front(), {}, {first, second}, false};
+        std::uint64_t fewest = facts_.RowCount();
+        for (const Projection& projection : facts_.Projections()) {
+            const auto order = projection.SortOrder();
+            if (order.front() != first.column && order.front() != second.column) {
+                continue;
+            }
+            const bool leadsFirst = order.front() == first.column;
+            const Restriction& leading = leadsFirst ? first : second;
+            const Restriction& other = leadsFirst ? second : first;
+            const bool isSearched = order.size() > 1 && order[1] == other.column;
+            CountSteps(leading.codes.size());
+            const std::uint64_t rows = RowsLedBy(projection, leading.codes);
+            if (std::pair(!isSearched, rows) < std::pair(!best.isSearched, fewest)) {
+                fewest = rows;
+                best = {&projection, leading.codes, {other, {}}, isSearched};
+            }
         }
+        return best;
     }
     /// Empty without a column.
     CodeRanges RangesOf(std::uint16_t column, const KeyRange& codes) const {
@@ -295,27 +294,73 @@ private:
         }
         return rows;
     }
-    void Restrict(const Projection& projection, RowRange run, std::uint16_t column, CodeRanges codes,
-                  RowOffsets& rows) const {
-        if (column == AggregateKey::noColumn) {
-            return;
-        }
-        const std::vector<std::uint32_t> all = ReadCodes(facts_, projection, column, run);
-        std::erase_if(rows, [&](std::size_t row) {
-            const auto next = std::upper_bound(
-                codes.begin(), codes.end(), all[row],
-                [](std::uint32_t code, const KeyRange& range) { return code < range.first; });
-            return next == codes.begin() || all[row] >= std::prev(next)->last;
-        });
+    static bool Contains(CodeRanges codes, std::uint32_t code) {
+        const auto next = std::upper_bound(
+            codes.begin(), codes.end(), code,
+            [](std::uint32_t wanted, const KeyRange& range) { return wanted < range.first; });
+        return next != codes.begin() && code < std::prev(next)->last;
     }
 
-    /// Splits a run into chunks: it may be long, and in a tampered file longer than memory.
+    /// The rows of a chunk with the codes of the column that follows the leading one in the sort order.
+    RowOffsets Found(const Projection& projection, RowRange chunk, const Restriction& wanted) {
+        const KeyColumn& column = facts_.KeyColumns()[wanted.column];
+        const CodeColumn codes(projection.PackedColumn(column.packedColumn, chunk), column);
+        RowOffsets found;
+        for (std::uint64_t row = chunk.first; row < chunk.last;) {
+            const std::uint32_t lead = projection.LeadingKeyOf(row);
+            const std::uint64_t end =
+                std::min(projection.RowsOfLeadingKey({lead, lead + 1}).last, chunk.last);
+            AddFound(codes, {row - chunk.first, end - chunk.first}, wanted.codes, found);
+            row = end;
+        }
+        return found;
+    }
+    /// Searches rows that are sorted by the column, for each range or for each row.
+    void AddFound(const CodeColumn& column, RowRange rows, CodeRanges wanted, RowOffsets& found) {
+        CountSteps(std::min<std::uint64_t>(wanted.size(), rows.Count()));
+        if (wanted.size() > rows.Count()) {
+            for (std::size_t row = rows.first; row < rows.last; ++row) {
+                if (Contains(wanted, column[row])) {
+                    found.push_back(row);
+                }
+            }
+            return;
+        }
+        for (const KeyRange range : wanted) {
+            std::size_t row = column.LowerBound(rows.first, rows.last, range.first);
+            rows.first = column.LowerBound(row, rows.last, range.last);
+            for (; row < rows.first; ++row) {
+                found.push_back(row);
+            }
+        }
+    }
+    /// The rows of a chunk under the restrictions.
+    RowOffsets Read(const Projection& projection, RowRange chunk,
+                    const std::array<Restriction, 2>& restrictions) {
+        CountSteps(chunk.Count());
+        RowOffsets rows = AllOf(chunk);
+        for (const Restriction& wanted : restrictions) {
+            if (wanted.column == AggregateKey::noColumn) {
+                continue;
+            }
+            const std::vector<std::uint32_t> codes = ReadCodes(facts_, projection, wanted.column, chunk);
+            std::erase_if(rows, [&](std::size_t row) { return !Contains(wanted.codes, codes[row]); });
+        }
+        return rows;
+    }
+    void CountSteps(std::uint64_t steps) { stepsLeft_ -= std::min(stepsLeft_, steps); }
+
+    /// Splits a run into chunks until a visit returns false; returns whether none did. A run may be long, and
+    /// in a tampered file longer than memory.
     template <class Visit>
-    static void VisitChunks(RowRange run, const Visit& visit) {
+    static bool VisitChunks(RowRange run, const Visit& visit) {
         constexpr std::uint64_t chunkRows = 1U << 14U;
         for (; run.first < run.last; run.first += chunkRows) {
-            visit(RowRange{run.first, std::min(run.last, run.first + chunkRows)});
+            if (!visit(RowRange{run.first, std::min(run.last, run.first + chunkRows)})) {
+                return false;
+            }
         }
+        return true;
     }
     static RowOffsets AllOf(RowRange run) {
         RowOffsets rows(run.Count());
@@ -330,34 +375,42 @@ private:
             return false;
         }
         const auto parts = aggregates_.PackedKeyColumns();
-        bool isSorted = true;
         std::uint32_t last = 0;
-        VisitChunks(run, [&](RowRange chunk) {
+        return VisitChunks(run, [&](RowRange chunk) {
             AddContents(projection, chunk, AllOf(chunk), contents);
             if (parts.empty()) {
-                return;
+                return true;
             }
             const auto codes = ReadCodes(facts_, projection, parts.back().column, chunk);
-            isSorted = isSorted && last <= codes.front() && std::is_sorted(codes.begin(), codes.end());
+            const bool isSorted = last <= codes.front() && std::is_sorted(codes.begin(), codes.end());
             last = codes.back();
+            return isSorted;
         });
-        return isSorted;
     }
 
-    bool AddPrefixSums(const AggregateTable::PrefixIndex& index, std::uint32_t count,
-                       FactTotals& totals) const {
+    std::string AddPrefixSums(const Aggregate& aggregate, std::uint64_t start, std::uint32_t count,
+                              StoredTotals& totals) const {
+        const AggregateTable::PrefixIndex index = aggregates_.PrefixIndexOf(start, count);
+        const std::uint64_t expected = index.starts[count] - index.starts[0]; // anything in a forged file
+        totals.Reserve(std::min({expected, aggregate.rows, facts_.RowCount()}));
+        std::uint64_t all = 0;
         for (std::uint32_t i = 0; i < count; ++i) {
             const std::uint32_t entries = index.starts[i + 1] - index.starts[i];
             if ((i > 0 && index.keys[i] <= index.keys[i - 1]) || entries == 0 ||
                 entries != static_cast<std::uint32_t>(std::popcount(index.bucketMasks[i])) ||
                 !AddKey(index.keys[i], index.bucketMasks[i], index.starts[i], totals)) {
-                return false;
+                return disorder;
+            }
+            all += entries;
+            if (all > aggregate.rows) {
+                return difference; // each has at least one fact
             }
         }
-        return true;
+        return "";
     }
 
-    bool AddKey(std::uint32_t key, std::uint64_t bucketMask, std::uint32_t first, FactTotals& totals) const {
+    bool AddKey(std::uint32_t key, std::uint64_t bucketMask, std::uint32_t first,
+                StoredTotals& totals) const {
         const auto blockMask = static_cast<std::uint32_t>((std::uint64_t{1} << aggregates_.BlockBits()) - 1);
         const std::uint64_t base = std::uint64_t{key & blockMask} * AggregateTable::blockBuckets;
         const std::uint32_t entries = static_cast<std::uint32_t>(std::popcount(bucketMask));
@@ -366,7 +419,7 @@ private:
             if (bucket + 1 >= aggregates_.TimeBuckets().size()) {
                 return false;
             }
-            const std::size_t place = totals.IndexOf(key & ~blockMask, static_cast<std::uint32_t>(bucket));
+            const std::size_t place = totals.Add(key & ~blockMask, static_cast<std::uint32_t>(bucket));
             if (aggregates_.HasCounts()) {
                 const std::uint32_t* const counts = aggregates_.Counts(first, entries);
                 totals.AddRows(place, counts[entry] - (entry == 0 ? 0 : counts[entry - 1]));
@@ -387,6 +440,7 @@ private:
 
     const FactTable& facts_;
     const AggregateTable& aggregates_;
+    std::uint64_t rowsLeft_, stepsLeft_; ///< how much work is left before there is too much
 };
 
 } // namespace
@@ -399,11 +453,19 @@ std::string FindAggregateFault(const Cube& cube) {
     if (!AreWellFormed(aggregates.Groups())) {
         return fmt::format("cube {}: the groups of codes are not in order", cube.Name());
     }
-    const AggregateCheck check(cube.Facts());
+    AggregateCheck check(cube.Facts());
+    const auto faultAt = [&](std::uint64_t index, std::string_view fault) {
+        return fmt::format("cube {}, aggregate {}: {}", cube.Name(), index + 1, fault);
+    };
+    for (std::uint64_t i = 0; i < aggregates.Count(); ++i) {
+        if (aggregates.Find(aggregates.At(i).key) != &aggregates.At(i)) {
+            return faultAt(i, "its key does not find it");
+        }
+    }
     for (std::uint64_t i = 0; i < aggregates.Count(); ++i) {
         const std::string fault = check.FaultOf(aggregates.At(i));
         if (!fault.empty()) {
-            return fmt::format("cube {}, aggregate {}: {}", cube.Name(), i + 1, fault);
+            return faultAt(i, fault);
         }
     }
     return {};

@@ -103,6 +103,23 @@ ByteWriter DescribeSources(const CubeModel& cube) {
     return out;
 }
 
+ByteWriter DescribeCalculations(const Calculations& calculations) {
+    ByteWriter out;
+    out.Put(static_cast<std::uint32_t>(calculations.members.size()));
+    for (const CalculatedMember& member : calculations.members) {
+        out.PutText(member.name);
+        out.PutText(member.formula);
+        out.PutText(member.format);
+        out.Put(member.solveOrder);
+    }
+    out.Put(static_cast<std::uint32_t>(calculations.sets.size()));
+    for (const StoredSet& set : calculations.sets) {
+        out.PutText(set.name);
+        out.PutText(set.formula);
+    }
+    return out;
+}
+
 /// Flags the members whose name a sibling also has. Siblings are consecutive.
 std::vector<std::uint8_t> SharedNameFlags(const HierarchyModel& hierarchy) {
     const auto count = static_cast<std::uint32_t>(hierarchy.parents.size());
@@ -146,6 +163,9 @@ std::uint32_t CubeFileWriter::AddCube(const CubeModel& cube) {
     }
     if (!cube.sources.empty()) {
         Section(Id(SectionKind::FactSources, number), DescribeSources(cube).Bytes());
+    }
+    if (!cube.calculations.Empty()) {
+        Section(Id(SectionKind::Calculations, number), DescribeCalculations(cube.calculations).Bytes());
     }
     return number;
 }
@@ -223,6 +243,9 @@ void CubeFileWriter::FinishPage() {
 }
 
 const std::filesystem::path& CubeFileWriter::Complete() {
+    if (fileSize_ != 0) {
+        return file_.TemporaryPath();
+    }
     Pad();
     if (!page_.empty()) {
         FinishPage();
@@ -251,9 +274,7 @@ const std::filesystem::path& CubeFileWriter::Complete() {
 }
 
 std::uint64_t CubeFileWriter::Commit() {
-    if (fileSize_ == 0) {
-        Complete();
-    }
+    Complete();
     file_.Commit();
     return fileSize_;
 }

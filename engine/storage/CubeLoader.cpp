@@ -3,12 +3,14 @@
 #include "engine/storage/AggregateLoader.h"
 #include "engine/storage/MemberColumns.h"
 #include "qel/engine/BracketedName.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <bit>
 #include <utility>
+#include <vector>
 
 namespace qel::engine {
 
@@ -48,9 +50,14 @@ Cube CubeLoader::Load() {
     for (const Hierarchy& hierarchy : cube.hierarchies_) {
         CheckRanges(hierarchy, hierarchy.keyColumn_ ? facts.keyColumns_[*hierarchy.keyColumn_].codes : 0);
     }
-    for (std::size_t i = 0; i < facts.projections_.size(); ++i) {
-        LoadProjection(facts, i, facts.projections_[i]);
+    std::vector<std::uint32_t> keysIn(facts.PackedColumnCount());
+    for (const KeyColumn& column : facts.keyColumns_) {
+        ++keysIn[column.packedColumn];
     }
+    for (std::size_t i = 0; i < facts.projections_.size(); ++i) {
+        LoadProjection(facts, i, keysIn, facts.projections_[i]);
+    }
+    cube.calculations_ = LoadCalculations();
     cube.pages_ = &image_.Verifier();
     facts.aggregates_ = AggregateLoader(image_, cubeNumber_).Load(facts);
     cube.measures_.assign(facts.measures_.begin(), facts.measures_.end());
@@ -79,6 +86,45 @@ std::vector<SourceTotals> CubeLoader::LoadSources(const Cube& cube) {
         Fail("the totals of its fact files are not well-formed");
     }
     return sources;
+}
+
+Calculations CubeLoader::LoadCalculations() const {
+    Calculations calculations;
+    if (!image_.HasSection(Id(SectionKind::Calculations))) {
+        return calculations;
+    }
+    const auto fail = [this] { Fail("its calculated members are not well-formed"); };
+    ByteReader in(image_.Array<std::byte>(Id(SectionKind::Calculations)));
+    const auto count = [&](std::size_t smallest) {
+        const std::uint32_t found = in.GetCount(smallest);
+        if (found > Calculations::most) {
+            fail();
+        }
+        return found;
+    };
+    const auto text = [&] {
+        std::string found = in.GetText();
+        if (found.size() > Calculations::longestText || !IsValidUtf8(found)) {
+            fail();
+        }
+        return found;
+    };
+    calculations.members.resize(count(16));
+    for (CalculatedMember& member : calculations.members) {
+        member.name = text();
+        member.formula = text();
+        member.format = text();
+        member.solveOrder = in.Get<std::int32_t>();
+    }
+    calculations.sets.resize(count(8));
+    for (StoredSet& set : calculations.sets) {
+        set.name = text();
+        set.formula = text();
+    }
+    if (in.Failed() || !in.AtEnd()) {
+        fail();
+    }
+    return calculations;
 }
 
 void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {
@@ -182,6 +228,7 @@ Hierarchy CubeLoader::ReadHierarchy(ByteReader& in, const FactTable& facts,
     Hierarchy hierarchy;
     hierarchy.name_ = in.GetText();
     hierarchy.caption_ = in.GetText();
+    image_.TakeImplied(dimensionName.size());
     hierarchy.uniqueName_ = BracketedName(dimensionName);
     if (hierarchy.name_ != dimensionName) {
         hierarchy.uniqueName_.append(".").append(BracketedName(hierarchy.name_));
@@ -320,7 +367,8 @@ void CubeLoader::CheckRanges(const Hierarchy& hierarchy, std::uint32_t codes) co
     }
 }
 
-void CubeLoader::LoadProjection(const FactTable& facts, std::size_t index, Projection& projection) const {
+void CubeLoader::LoadProjection(const FactTable& facts, std::size_t index,
+                                std::span<const std::uint32_t> keysIn, Projection& projection) const {
     projection.rowCount_ = facts.rowCount_;
     projection.leadRows_ = image_.Array<std::uint64_t>(Id(SectionKind::LeadRows, index));
     const auto lead = projection.leadRows_;
@@ -335,9 +383,11 @@ void CubeLoader::LoadProjection(const FactTable& facts, std::size_t index, Proje
         }
         return section;
     };
+    const std::size_t leadColumn = facts.keyColumns_[projection.sortOrder_.front()].packedColumn;
     projection.packedWidths_ = facts.packedWidths_;
     for (std::size_t packedColumn = 0; packedColumn < facts.PackedColumnCount(); ++packedColumn) {
-        const bool isStored = !HoldsLeadAlone(facts.keyColumns_, packedColumn, projection.sortOrder_.front());
+        // HoldsLeadAlone, without a search of all key columns for every order.
+        const bool isStored = keysIn[packedColumn] > 1 || packedColumn != leadColumn;
         projection.hasPackedColumn_.push_back(isStored);
         projection.packedColumns_.push_back(
             isStored ? column(SectionKind::PackedColumns, packedColumn, facts.packedWidths_[packedColumn])
@@ -346,6 +396,7 @@ void CubeLoader::LoadProjection(const FactTable& facts, std::size_t index, Proje
     for (std::size_t i = 0; i < facts.measures_.size(); ++i) {
         const std::uint8_t width = facts.measures_[i].width;
         projection.valueWidths_.push_back(width);
+        image_.TakeImplied(width == 0 ? sizeof(MappedSection) : 0);
         projection.values_.push_back(width == 0 ? MappedSection()
                                                 : column(SectionKind::FactValues, i, width));
     }

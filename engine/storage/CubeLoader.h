@@ -7,6 +7,7 @@
 #include "qel/engine/SourceTotals.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 namespace qel::engine {
@@ -35,7 +36,10 @@ private:
     void CheckRanges(const Hierarchy& hierarchy, std::uint32_t codes) const;
     void CheckTexts(std::span<const std::uint32_t> offsets, std::string_view texts, std::size_t count) const;
     void CheckSlots(std::span<const std::uint32_t> slots, std::size_t count) const;
-    void LoadProjection(const FactTable& facts, std::size_t index, Projection& projection) const;
+    Calculations LoadCalculations() const;
+    /// `keysIn`: the number of key columns in each packed column.
+    void LoadProjection(const FactTable& facts, std::size_t index, std::span<const std::uint32_t> keysIn,
+                        Projection& projection) const;
     format::SectionId Id(format::SectionKind kind, std::size_t first = 0, std::size_t second = 0) const;
     [[noreturn]] void Fail(const std::string& fault) const;
 

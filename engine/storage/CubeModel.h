@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/storage/FactTable.h"
+#include "qel/engine/Calculations.h"
 #include "qel/engine/SourceTotals.h"
 
 #include <cstdint>
@@ -85,6 +86,7 @@ struct CubeModel {
     std::uint64_t rowCount = 0;
     std::vector<ProjectionModel> projections;
     std::vector<SourceTotals> sources;
+    Calculations calculations;
 };
 
 } // namespace qel::engine

@@ -151,6 +151,13 @@ const std::byte* FileImage::Copy(const MappedSection& section) {
     return copies_.back().get();
 }
 
+void FileImage::TakeImplied(std::uint64_t bytes) {
+    impliedBytes_ += bytes;
+    if (impliedBytes_ > format::mostImpliedBytes) {
+        Fail("its names or its orders of facts take too much memory");
+    }
+}
+
 void FileImage::Fail(const std::string& fault) const {
     throw EngineError(ErrorKind::DamagedFile, fmt::format("{}: damaged cube file: {}", fileName_, fault));
 }

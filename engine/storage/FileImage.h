@@ -40,6 +40,9 @@ public:
         }
         return {reinterpret_cast<const T*>(Copy(section)), section.Size() / sizeof(T)};
     }
+    /// Counts memory that is taken for what the file does not store. Raises EngineError (DamagedFile) beyond
+    /// format::mostImpliedBytes: products of counts would let a small file take all memory.
+    void TakeImplied(std::uint64_t bytes);
     [[noreturn]] void Fail(const std::string& fault) const;
 
 private:
@@ -55,6 +58,7 @@ private:
     std::vector<std::uint64_t> tail_; ///< from the checksum table to the end of the file
     std::span<const format::DirectoryEntry> directory_;
     std::vector<std::unique_ptr<std::byte[]>> copies_;
+    std::uint64_t impliedBytes_ = 0;
     std::unique_ptr<PageVerifier> verifier_; ///< sections hold its address
 };
 

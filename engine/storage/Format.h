@@ -20,7 +20,14 @@ inline constexpr std::uint32_t version = 3;
 inline constexpr std::uint64_t pageSize = 65536;
 inline constexpr std::uint64_t sectionAlignment = 64;
 inline constexpr std::uint64_t mostFacts = 0xFFFFFFFFU; ///< in one cube
+/// In all aggregates of a cube, per fact of the cube; bounds the time that checking them takes.
+inline constexpr std::uint64_t mostAggregatedFacts = 1000;
+/// In searches for the facts of all aggregates of a cube, per fact; a build uses at most half of them.
+inline constexpr std::uint64_t mostSearchSteps = 10'000;
 inline constexpr std::uint32_t mostCubes = 10'000;
+/// Memory that opening may take for what the file does not store: names made of others, and columns that
+/// other columns imply. Ten thousand ordinary cubes take a tenth of it.
+inline constexpr std::uint64_t mostImpliedBytes = std::uint64_t{64} << 20U;
 
 struct Header {
     std::array<char, 8> signature;
@@ -72,7 +79,8 @@ enum class SectionKind : std::uint32_t {
     PrefixCounts = 0x8000000BU,
     GroupStarts = 0x8000000CU,
     GroupRanges = 0x8000000DU,
-    FactSources = 0x8000000EU ///< what came from each fact file
+    FactSources = 0x8000000EU,  ///< what came from each fact file
+    Calculations = 0x8000000FU, ///< calculated members and named sets
 };
 
 /// Readers skip unknown kinds from here on. An unknown kind below means a newer file format.

@@ -2,8 +2,11 @@
 #include "engine/eval/FactScan.h"
 #include "engine/storage/Format.h"
 #include "engine/storage/PageVerifier.h"
+#include "qel/engine/BracketedName.h"
+#include "qel/engine/CheckCalculations.h"
 #include "qel/engine/CubeFile.h"
 #include "qel/engine/EngineError.h"
+#include "qel/engine/RunStatement.h"
 
 #include <xxhash.h>
 
@@ -129,6 +132,20 @@ std::size_t ReadAggregates(const FactTable& facts) {
     return sum;
 }
 
+/// Reads the cube's calculated measures and names its first set.
+std::size_t AskCalculations(const Cube& cube) {
+    const Calculations& calculations = cube.GetCalculations();
+    if (calculations.Empty()) {
+        return 0;
+    }
+    const std::size_t faults = FindCalculationFault(cube) ? 1 : 0;
+    const std::string set = calculations.sets.empty() ? "{}" : calculations.sets.front().name;
+    const std::string cubeName = BracketedName(cube.Name());
+    const Cellset cells =
+        RunStatement(cube, "SELECT [Measures].AllMembers ON 0, " + set + " ON 1 FROM " + cubeName);
+    return faults + cells.PositionCount(0);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -144,6 +161,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             }
             sum = sum + AskFacts(cube);
             sum = sum + ReadAggregates(cube.Facts());
+            sum = sum + AskCalculations(cube);
         }
         file->Verify({});
     } catch (const EngineError&) {

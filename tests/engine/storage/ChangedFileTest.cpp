@@ -28,18 +28,18 @@ namespace {
 using test::TemporaryFolder;
 using testing::HasSubstr;
 
-constexpr std::uint64_t rows = 200'000;
+constexpr std::uint64_t manyRows = 200'000;
 
 /// Facts over several pages, all with the same value.
 SmallCube EqualFacts(std::int8_t value) {
-    return {rows, [value](std::size_t) { return value; }};
+    return {manyRows, [value](std::size_t) { return value; }};
 }
 
 std::int64_t SumValues(const Cube& cube) {
     const auto* const values =
-        reinterpret_cast<const std::int8_t*>(cube.Facts().Projections()[0].Values(0, {0, rows}));
+        reinterpret_cast<const std::int8_t*>(cube.Facts().Projections()[0].Values(0, {0, manyRows}));
     std::int64_t sum = 0;
-    for (std::uint64_t row = 0; row < rows; ++row) {
+    for (std::uint64_t row = 0; row < manyRows; ++row) {
         sum += values[row];
     }
     return sum;
@@ -107,7 +107,7 @@ TEST(ChangedFile, CrashesNoReaderAndIsAnError) {
         EqualFacts(1).Write(path);
         const auto readBefore = CubeFile::Open(path)->FindCube("Small");
         const auto unread = CubeFile::Open(path)->FindCube("Small");
-        ASSERT_EQ(CheckedSum(*readBefore), rows) << test.what;
+        ASSERT_EQ(CheckedSum(*readBefore), manyRows) << test.what;
         WaitFor(InAnotherProcess([&] { test.change(path, std::filesystem::file_size(path)); }));
         for (const auto& cube : {readBefore, unread}) {
             std::string fault;
@@ -119,7 +119,7 @@ TEST(ChangedFile, CrashesNoReaderAndIsAnError) {
         }
         EqualFacts(3).Write(path);
         EXPECT_EQ(CheckedSum(*readBefore), std::nullopt) << test.what << ": it is whole again";
-        EXPECT_EQ(CheckedSum(*CubeFile::Open(path)->FindCube("Small")), 3 * rows) << test.what;
+        EXPECT_EQ(CheckedSum(*CubeFile::Open(path)->FindCube("Small")), 3 * manyRows) << test.what;
     }
 }
 
@@ -149,7 +149,7 @@ TEST(ChangedFile, GivesItsSumOrAnErrorWhileItIsWritten) {
                 const auto cube = CubeFile::Open(path)->FindCube("Small");
                 for (int again = 0; again < 20; ++again) {
                     if (const auto sum = CheckedSum(*cube)) {
-                        ASSERT_EQ(*sum, static_cast<std::int64_t>(rows));
+                        ASSERT_EQ(*sum, static_cast<std::int64_t>(manyRows));
                         ++sums;
                     }
                 }
@@ -163,7 +163,7 @@ TEST(ChangedFile, GivesItsSumOrAnErrorWhileItIsWritten) {
         return waitpid(writer, &status, WNOHANG) == writer;
     });
     EXPECT_GT(sums, 0U);
-    EXPECT_EQ(CheckedSum(*CubeFile::Open(path)->FindCube("Small")), rows);
+    EXPECT_EQ(CheckedSum(*CubeFile::Open(path)->FindCube("Small")), manyRows);
 }
 
 /// Reads bytes of this test's own mapping that its file no longer has.

@@ -53,6 +53,10 @@ TEST(CubeFile, GivesBackWhatWasWritten) {
     cube->Hierarchies()[1].FindByName("\xD7\x90", found);
     EXPECT_THAT(found, ElementsAre(3, 0));
     EXPECT_EQ(cube->FindMeasure("lines"), 1U);
+    const CalculatedMember& twice = cube->GetCalculations().members.at(0);
+    EXPECT_EQ(twice.formula + twice.format, "2 * [Measures].[Amount]0.00");
+    EXPECT_EQ(twice.solveOrder, -1);
+    EXPECT_EQ(cube->GetCalculations().sets.at(0).formula, "[Firm].Members");
     EXPECT_EQ(cube->FindDimension("firm"), 1U);
     const RowRange rows = cube->Facts().Projections()[0].RowsOfLeadingKey({1, 2});
     const auto* const values = cube->Facts().Projections()[0].Values(0, rows);
@@ -146,6 +150,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
                    disorder2 = "aggregate 2: its facts are not in order",
                    noCodes = "aggregate 2: its key has codes that do not exist",
                    packedKey = "the aggregates' packed key", buckets = "the aggregates' time buckets",
+                   calculations = "calculated members are not well-formed",
                    section = "section of the aggregates", groups = "the groups of codes are not in order",
                    malformed = "the groups of codes are not well-formed",
                    measure = "measure Amount is not well-formed",
@@ -234,6 +239,21 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          },
          "keys of"},
         {"range places descend", [](auto& c) { Set(c.Accounts().rangeOffsets, 0, 2, 1, 3, 4); }, "keys of"},
+        {"a calculated member with a long formula",
+         [](auto& c) {
+             c.model.calculations.members = {{"[Measures].x", std::string(50'001, '1'), "", 0}};
+         },
+         calculations},
+        {"a formula that is not UTF-8",
+         [](auto& c) {
+             c.model.calculations.sets = {{"s", "\xFF"}};
+         },
+         calculations},
+        {"too many sets",
+         [](auto& c) {
+             c.model.calculations.sets.resize(1001, {"s", "{}"});
+         },
+         calculations},
         {"a column too short", [](auto& c) { c.keys[1][0].pop_back(); }, length},
         {"a column missing", [](auto& c) { c.keys[0].pop_back(); }, "section 49 of cube 0 is missing"},
         // The files below can be opened, because opening reads no facts, but do not pass verification.
@@ -311,7 +331,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
          differs1},
         {"rows that nothing stores, more than the cube has",
          [](auto& c) {
-             c.model.measures = {{"Lines", "Lines", AggregateFunction::Count, 0, 0, 1}};
+             c.model.measures = {{{"Lines", "Lines", AggregateFunction::Count, 0}, 0, 1}};
              c.aggregates = AggregateModel();
              c.aggregates.timeBuckets = {0, 1};
              c.aggregates.records = {{{}, 0, 0, std::uint64_t{1} << 40U}};

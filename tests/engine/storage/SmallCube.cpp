@@ -51,9 +51,11 @@ SmallCube::SmallCube() {
     model.dimensions = {{"Accounts", "Accounts", false, {MakeAccounts()}},
                         {"Firm", "Firm", false, {MakeFirms()}}};
     model.keyColumns = {{"account", 2, 1, 0, 0}, {"firm", 2, 1, 1, 0}};
-    model.measures = {{"Amount", "Amount", AggregateFunction::Sum, 2, 1, 1},
-                      {"Lines", "Lines", AggregateFunction::Count, 0, 0, 1}};
+    model.measures = {{{"Amount", "Amount", AggregateFunction::Sum, 2}, 1, 1},
+                      {{"Lines", "Lines", AggregateFunction::Count, 0}, 0, 1}};
     model.rowCount = 3;
+    model.calculations = {{{"[Measures].[Twice]", "2 * [Measures].[Amount]", "0.00", -1}},
+                          {{"s", "[Firm].Members"}}};
     model.projections = {{{0, 1}, {0, 1, 3}}, {{1}, {0, 2, 3}}};
     keys = {{{0, 1, 1}, {0, 0, 1}}, {{1, 0, 1}, {0, 0, 1}}};
     values = {{5, -7, 9}, {-7, 5, 9}};
