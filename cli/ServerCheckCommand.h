@@ -8,7 +8,7 @@ class App;
 
 namespace qel {
 
-/// `qel server check`: tells what a server has, and whether formulas can read a cube of it.
+/// `qel server check`: shows what a server offers, and whether formulas can read one of its cubes.
 void AddServerCheckCommand(CLI::App& server, CommandContext& context);
 
 } // namespace qel

@@ -108,10 +108,10 @@ FormulaResult OrmQelFunction::Run(PreparedCall prepared) {
         return std::move(prepared.result);
     }
     auto answer = ReadCell(context_.thread, context_.providers, *prepared.query);
-    return Complete(std::move(prepared), std::move(answer));
+    return Complete(prepared, std::move(answer));
 }
 
-FormulaResult OrmQelFunction::Complete(PreparedCall prepared, ModSetCube::CellAnswer answer) const {
+FormulaResult OrmQelFunction::Complete(const PreparedCall& prepared, ModSetCube::CellAnswer answer) const {
     auto cell = ModSetCube::ValueOf(std::move(answer));
     FormulaResult result{.value = std::move(cell.value),
                          .reached = prepared.result.reached,

@@ -60,7 +60,7 @@ public:
     /// their result of the cell's answer. Raise as the functions.
     PreparedCall PrepareQelFuncDemo(const ValueCall& call);
     PreparedCall PrepareQeLF1(const ValueCall& call);
-    FormulaResult Complete(PreparedCall prepared, ModSetCube::CellAnswer answer) const;
+    FormulaResult Complete(const PreparedCall& prepared, ModSetCube::CellAnswer answer) const;
 
     /// The name of a summary group; "-" on any failure. The same as RetQelName.
     FormulaResult QelName(const NameCall& call) { return RetQelName(call); }

@@ -4,6 +4,7 @@
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/windows/WindowsApi.h"
+#include "server/ServerPermission.h"
 
 #include <map>
 #include <mutex>
@@ -12,7 +13,7 @@ namespace qel::server {
 
 Providers ProvidersOfMachine() {
     static EmbeddedDataAccess cubeFiles;
-    static windows::AdoDataAccess machine;
+    static windows::AdoDataAccess machine(RequireAllowedServer);
     return ChooseProvider(cubeFiles, nullptr, &machine);
 }
 

@@ -61,7 +61,7 @@ struct FunctionEntry {
     std::size_t required;
 };
 
-const std::array<FunctionEntry, 5> functions = {
+const std::array<FunctionEntry, 5> entries = {
     {{"QelF1", WorksheetFunction::QeLF1, std::span(valueParameters).first(worksheetValueArguments),
       requiredValueArguments},
      {"QeL1", WorksheetFunction::QeL1, std::span(valueParameters).first(worksheetValueArguments),
@@ -71,14 +71,14 @@ const std::array<FunctionEntry, 5> functions = {
      {"QelFuncDemo", WorksheetFunction::QelFuncDemo, valueParameters, requiredValueArguments}}};
 
 const FunctionEntry& FindFunction(const Formula& formula) {
-    const auto found = std::find_if(functions.begin(), functions.end(), [&](const FunctionEntry& entry) {
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const FunctionEntry& entry) {
         return EqualIgnoringCase(entry.name, formula.function);
     });
-    if (found != functions.end()) {
+    if (found != entries.end()) {
         return *found;
     }
     std::string names;
-    for (const auto& entry : functions) {
+    for (const auto& entry : entries) {
         names += fmt::format("{}{}", names.empty() ? "" : ", ", entry.name);
     }
     throw FormulaError(formula.position,

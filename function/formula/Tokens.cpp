@@ -1,6 +1,7 @@
 #include "function/formula/Tokens.h"
 
 #include "function/formula/FormulaError.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 
@@ -33,8 +34,6 @@ constexpr std::array<WrongQuote, 9> wrongQuotes = {{{"\u201C", false},
                                                     {"\u2019", true},
                                                     {"'", true},
                                                     {"`", true}}};
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool IsNameStart(char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_'; }
 

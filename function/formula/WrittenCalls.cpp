@@ -12,7 +12,7 @@ namespace qel {
 namespace {
 
 constexpr std::string_view className = "OrmFunctionQel4.OrmQelFunction.";
-constexpr std::array<std::string_view, 4> functions = {"QelF1", "QeL1", "QelName", "RetQelName"};
+constexpr std::array<std::string_view, 4> editable = {"QelF1", "QeL1", "QelName", "RetQelName"};
 constexpr std::string_view blanks = " \t\r\n";
 
 bool IsNamePart(char c) {
@@ -82,7 +82,7 @@ std::vector<WrittenCall> FindCalls(std::string_view formula) {
             continue;
         }
         const std::string_view function = word.substr(className.size());
-        const bool isOurs = std::any_of(functions.begin(), functions.end(), [&](std::string_view own) {
+        const bool isOurs = std::any_of(editable.begin(), editable.end(), [&](std::string_view own) {
             return EqualIgnoringCase(own, function);
         });
         const auto open = formula.find_first_not_of(blanks, next);

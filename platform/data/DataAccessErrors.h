@@ -20,5 +20,7 @@ inline constexpr std::int32_t errorNoStatement = static_cast<std::int32_t>(0x800
 inline constexpr std::int32_t errorNotSupported = static_cast<std::int32_t>(0x80040E6F);
 /// No cube or catalog of the name that the connection text has.
 inline constexpr std::int32_t errorUnknownCube = static_cast<std::int32_t>(0x80040E64);
+/// The user has not allowed to send anything to the server.
+inline constexpr std::int32_t errorServerNotAllowed = static_cast<std::int32_t>(0x80040E85);
 
 } // namespace qel

@@ -115,7 +115,7 @@ const EditCase edits[] = {
          s.from = s.to = DateFromDay({2024, 1, 1});
      },
      {{9, R"("All")"}, {14, R"("All")"}, {17, R"("01/01/2024")"}}},
-    {"a key that is none in brackets", {{14, R"("a]b")"}}, [](Selection&) {}, {{14, R"("a]]b")"}}},
+    {"an unescaped bracket in a key", {{14, R"("a]b")"}}, [](Selection&) {}, {{14, R"("a]]b")"}}},
 };
 
 TEST(EditedCall, KeepsWhatWasNotChosenAsItIsWritten) {

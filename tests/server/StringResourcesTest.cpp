@@ -13,7 +13,7 @@ struct FreeModule {
 };
 
 /// A text of the module's string table, which has blocks of sixteen texts, each preceded by its length.
-std::string TextIn(HMODULE module, std::int32_t number, WORD language) {
+std::string ResourceText(HMODULE module, std::int32_t number, WORD language) {
     const auto block = MAKEINTRESOURCEW(static_cast<WORD>(number / 16 + 1));
     HRSRC const place = ::FindResourceExW(module, RT_STRING, block, language);
     if (place == nullptr) {
@@ -32,10 +32,11 @@ TEST(StringResources, AreTheComponentsOwnStringsInBothLanguages) {
     ASSERT_NE(module, nullptr);
     ASSERT_FALSE(StringTable().empty());
     for (const StringTableEntry& entry : StringTable()) {
-        EXPECT_EQ(TextIn(module.get(), entry.number, MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US)),
+        EXPECT_EQ(ResourceText(module.get(), entry.number, MAKELANGID(LANG_ENGLISH, SUBLANG_ENGLISH_US)),
                   entry.english)
             << entry.number;
-        EXPECT_EQ(TextIn(module.get(), entry.number, MAKELANGID(LANG_HEBREW, SUBLANG_DEFAULT)), entry.hebrew)
+        EXPECT_EQ(ResourceText(module.get(), entry.number, MAKELANGID(LANG_HEBREW, SUBLANG_DEFAULT)),
+                  entry.hebrew)
             << entry.number;
     }
 }

@@ -3,15 +3,25 @@
 #include "platform/data/DataAccess.h"
 #include "platform/windows/DispatchObject.h"
 
+#include <functional>
+#include <utility>
+
 namespace qel::windows {
+
+/// Raises AutomationError for a connection text that must not be opened.
+using OpeningCheck = std::function<void(const std::string& connectionText)>;
 
 /// ADODB.Connection.
 class AdoConnection : public Connection {
 public:
-    AdoConnection() : connection_(DispatchObject::Create(L"ADODB.Connection")) {}
+    explicit AdoConnection(OpeningCheck check = {})
+        : check_(std::move(check)), connection_(DispatchObject::Create(L"ADODB.Connection")) {}
 
     void Open(const std::string& connectionString, const std::string& user, const std::string& password,
               int options) override {
+        if (check_) {
+            check_(connectionString);
+        }
         connection_.Call(L"Open", ArgumentList(connectionString, user, password, std::int32_t{options}));
     }
     void Close() override { connection_.Call(L"Close"); }
@@ -25,6 +35,7 @@ public:
     static const DispatchObject& ObjectOf(const std::shared_ptr<Connection>& connection);
 
 private:
+    OpeningCheck check_;
     DispatchObject connection_;
 };
 

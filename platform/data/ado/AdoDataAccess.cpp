@@ -2,12 +2,13 @@
 
 #include "platform/data/ado/AdoCatalog.h"
 #include "platform/data/ado/AdoCellset.h"
-#include "platform/data/ado/AdoConnection.h"
 #include "platform/data/ado/AdoRecordset.h"
 
 namespace qel::windows {
 
-std::shared_ptr<Connection> AdoDataAccess::CreateConnection() { return std::make_shared<AdoConnection>(); }
+std::shared_ptr<Connection> AdoDataAccess::CreateConnection() {
+    return std::make_shared<AdoConnection>(check_);
+}
 
 std::unique_ptr<Catalog> AdoDataAccess::CreateCatalog() { return std::make_unique<AdoCatalog>(); }
 

@@ -34,10 +34,8 @@ std::shared_ptr<const engine::Cube> OnlyCube(const engine::CubeFile& file, const
     if (cubes.size() == 1) {
         return file.FindCube(cubes.front().Name());
     }
-    std::vector<std::string> names;
-    for (const auto& cube : cubes) {
-        names.push_back(cube.Name());
-    }
+    std::vector<std::string> names(cubes.size());
+    std::transform(cubes.begin(), cubes.end(), names.begin(), [](const auto& cube) { return cube.Name(); });
     throw ProviderError(engine::ErrorKind::UnknownCube,
                         fmt::format("No cube is named, and the cube file '{}' holds {}: {}.", path,
                                     cubes.size(), NameList(names, "'")));

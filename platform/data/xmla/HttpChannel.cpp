@@ -1,5 +1,6 @@
 #include "platform/data/xmla/HttpChannel.h"
 
+#include "platform/data/DataAccessErrors.h"
 #include "platform/data/xmla/ServerErrors.h"
 
 #include <fmt/format.h>
@@ -33,6 +34,10 @@ int EndWhenStopped(void* isStopped, curl_off_t /*expected*/, curl_off_t /*receiv
 }
 
 bool IsRedirection(long status) { return status == 301 || status == 302 || status == 307 || status == 308; }
+
+AutomationError Cancelled(const std::string& url) {
+    return ServerError(errorServerUnreachable, fmt::format("The request to {} was cancelled.", url));
+}
 
 void RequireAllowed(const ServerAddress& address, ServerAccess access) {
     if (access == ServerAccess::Refused) {
@@ -163,7 +168,7 @@ HttpHead HttpChannel::Post(const std::string& body, const std::string& action, c
 HttpHead HttpChannel::PostOnce(const std::string& url, const std::string& body, const std::string& action,
                                const AnswerSink& take) {
     if (isStopped_ && *isStopped_) {
-        throw ServerError(errorServerUnreachable, fmt::format("The request to {} was cancelled.", url));
+        throw Cancelled(url);
     }
     CURL* easy = handle_->easy.get();
     std::unique_ptr<curl_slist, FreeList> headers;
@@ -218,6 +223,8 @@ void HttpChannel::Fail(int code, const std::string& url) const {
     const std::string_view own = handle_->message.data();
     const std::string reason(own.empty() ? general : own);
     switch (code) {
+    case CURLE_ABORTED_BY_CALLBACK:
+        throw Cancelled(url);
     case CURLE_OPERATION_TIMEDOUT:
         throw ServerError(errorServerTimeout, fmt::format("{} did not answer in time: {}.", url, reason));
     case CURLE_PEER_FAILED_VERIFICATION:

@@ -68,7 +68,6 @@ ServerAddress ParseServerAddress(const std::string& address) {
     const std::string scheme = FoldCase(Part(url.get(), CURLUPART_SCHEME));
     const std::string port = Part(url.get(), CURLUPART_PORT, CURLU_NO_DEFAULT_PORT);
     parsed.origin = OriginOf(scheme, parsed.host, port);
-    parsed.hasDefaultPort = port.empty();
     parsed.isEncrypted = scheme == "https";
     parsed.isLoopback = parsed.host == "localhost" || parsed.host == "[::1]" || IsIpv4Loopback(parsed.host);
     parsed.credentials = {Part(url.get(), CURLUPART_USER, CURLU_URLDECODE),

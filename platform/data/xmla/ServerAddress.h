@@ -17,9 +17,8 @@ struct ServerAddress {
     /// Scheme, host and, unless it is the scheme's own, port: "http://olap.example:8080". An IPv6 address
     /// stands in parentheses, so that the text can name a section of a settings file.
     std::string origin;
-    bool isEncrypted = false;    ///< https
-    bool hasDefaultPort = false; ///< the scheme's own
-    bool isLoopback = false;     ///< this machine itself
+    bool isEncrypted = false; ///< https
+    bool isLoopback = false;  ///< this machine itself
     Credentials credentials;
 };
 

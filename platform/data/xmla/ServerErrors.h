@@ -20,8 +20,6 @@ inline constexpr std::int32_t errorServerAccess = static_cast<std::int32_t>(0x80
 inline constexpr std::int32_t errorServerAnswer = static_cast<std::int32_t>(0x80040E83);
 /// A SOAP fault: the server refused the request with a message.
 inline constexpr std::int32_t errorServerFault = static_cast<std::int32_t>(0x80040E84);
-/// The user has not allowed to send anything to the server.
-inline constexpr std::int32_t errorServerNotAllowed = static_cast<std::int32_t>(0x80040E85);
 
 /// The source of the errors of server cubes.
 inline constexpr const char* serverProvider = "OrmFuncQel4 server cubes";

@@ -17,6 +17,7 @@ namespace qel {
 namespace {
 
 constexpr long statusOk = 200;
+constexpr const char* catalogRestriction = "CATALOG_NAME";
 
 /// Mondrian sometimes loses a server instance to garbage collection; a second request succeeds.
 constexpr std::string_view forgottenInstance = "No server instance";
@@ -71,6 +72,18 @@ Item* FindByUniqueName(std::vector<Item>& items, const std::string& uniqueName) 
     const auto found = std::find_if(items.begin(), items.end(),
                                     [&](const Item& item) { return item.uniqueName == uniqueName; });
     return found == items.end() ? nullptr : &*found;
+}
+
+/// The parts of a cube are matched with each other: a description of a million would never be read.
+void RequireOrdinaryNumber(const RowsetAnswer& parts) {
+    constexpr std::size_t mostParts = 10'000;
+    if (parts.RowCount() > mostParts) {
+        throw ServerError(
+            errorServerAnswer,
+            fmt::format("The server describes a cube of {} dimensions, hierarchies or levels; {} are the "
+                        "limit.",
+                        parts.RowCount(), mostParts));
+    }
 }
 
 std::string Listed(const std::vector<std::string>& names) {
@@ -141,7 +154,7 @@ std::vector<std::string> ServerSession::Catalogs() {
     const auto rows = Discover("DBSCHEMA_CATALOGS", {});
     std::vector<std::string> names;
     for (std::size_t row = 0; row < rows.RowCount(); ++row) {
-        names.push_back(rows.Text(row, "CATALOG_NAME"));
+        names.push_back(rows.Text(row, catalogRestriction));
     }
     return names;
 }
@@ -163,8 +176,8 @@ void ServerSession::RequireCatalog() {
     catalog_ = *found;
 }
 
-std::vector<std::string> ServerSession::CubeNames() {
-    const auto rows = Discover("MDSCHEMA_CUBES", {{"CATALOG_NAME", catalog_}});
+std::vector<std::string> ServerSession::CubesOf(const std::string& catalog) {
+    const auto rows = Discover("MDSCHEMA_CUBES", {{catalogRestriction, catalog}});
     std::vector<std::string> names;
     for (std::size_t row = 0; row < rows.RowCount(); ++row) {
         // Analysis Services also lists every dimension as a cube.
@@ -174,12 +187,12 @@ std::vector<std::string> ServerSession::CubeNames() {
         }
     }
     std::stable_partition(names.begin(), names.end(),
-                          [this](const auto& name) { return EqualIgnoringCase(name, catalog_); });
+                          [&catalog](const auto& name) { return EqualIgnoringCase(name, catalog); });
     return names;
 }
 
 XmlaPairs ServerSession::CubeRestrictions() const {
-    return {{"CATALOG_NAME", catalog_}, {"CUBE_NAME", cube_->name}};
+    return {{catalogRestriction, catalog_}, {"CUBE_NAME", cube_->name}};
 }
 
 const ServerCube& ServerSession::Cube() {
@@ -204,6 +217,7 @@ void ServerSession::LoadCube() {
     cube_.emplace();
     cube_->name = cube_->caption = names.front();
     const auto dimensions = Discover("MDSCHEMA_DIMENSIONS", CubeRestrictions());
+    RequireOrdinaryNumber(dimensions);
     for (const std::size_t row : RowsBy(dimensions, "DIMENSION_ORDINAL")) {
         const std::string name = dimensions.Text(row, "DIMENSION_NAME");
         cube_->dimensions.push_back({name,
@@ -212,6 +226,7 @@ void ServerSession::LoadCube() {
                                      {}});
     }
     const auto hierarchies = Discover("MDSCHEMA_HIERARCHIES", CubeRestrictions());
+    RequireOrdinaryNumber(hierarchies);
     for (const std::size_t row : RowsBy(hierarchies, "HIERARCHY_ORDINAL")) {
         auto* dimension = FindByUniqueName(cube_->dimensions, hierarchies.Text(row, "DIMENSION_UNIQUE_NAME"));
         if (!dimension) {
@@ -227,6 +242,7 @@ void ServerSession::LoadCube() {
                                           {}});
     }
     const auto levels = Discover("MDSCHEMA_LEVELS", CubeRestrictions());
+    RequireOrdinaryNumber(levels);
     for (const std::size_t row : RowsBy(levels, "LEVEL_NUMBER")) {
         auto* dimension = FindByUniqueName(cube_->dimensions, levels.Text(row, "DIMENSION_UNIQUE_NAME"));
         auto* hierarchy =
@@ -264,8 +280,9 @@ const ServerMembers& ServerSession::MembersOf(const ServerLevel& level) {
 
 RowsetAnswer ServerSession::Discover(const std::string& requestType, const XmlaPairs& restrictions) {
     XmlaPairs properties{{"Content", "Data"}, {"Format", "Tabular"}};
-    if (!catalog_.empty() && !restrictions.empty()) {
-        properties.emplace_back("Catalog", catalog_);
+    if (!restrictions.empty() && restrictions.front().first == catalogRestriction &&
+        !restrictions.front().second.empty()) {
+        properties.emplace_back("Catalog", restrictions.front().second);
     }
     return Ask<RowsetAnswer>(ComposeDiscover(requestType, restrictions, properties), discoverAction);
 }

@@ -44,12 +44,15 @@ public:
     /// it only checks that the server answers.
     void RequireCatalog();
     /// The names of the catalog's cubes; the one named like the catalog comes first.
-    std::vector<std::string> CubeNames();
+    std::vector<std::string> CubeNames() { return CubesOf(catalog_); }
+    /// The same of any catalog of the server.
+    std::vector<std::string> CubesOf(const std::string& catalog);
     /// The first cube. Raises AutomationError when the catalog has none.
     const ServerCube& Cube();
     /// The members of a level, read on first use.
     const ServerMembers& MembersOf(const ServerLevel& level);
 
+    /// A restriction to a catalog comes first, and also selects the catalog of the request.
     RowsetAnswer Discover(const std::string& requestType, const XmlaPairs& restrictions);
     /// The statement is adapted first, see StatementForServer.h.
     CellsetAnswer Execute(const std::string& statement);

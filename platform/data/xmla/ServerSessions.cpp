@@ -19,7 +19,8 @@ std::shared_ptr<ServerSession> ServerSessions::FindInUse(const std::string& conn
 void ServerSessions::Remember(const std::string& connectionString, const AutomationError& error,
                               std::chrono::steady_clock::duration taken) {
     constexpr auto slow = std::chrono::seconds(1);
-    if (taken < slow) {
+    const bool isCancelled = options_.isStopped && *options_.isStopped; // which tells nothing of the server
+    if (taken < slow || isCancelled) {
         return;
     }
     const std::scoped_lock lock(mutex_);

@@ -1,5 +1,6 @@
 #include "platform/data/xmla/settings/KnownServers.h"
 
+#include "platform/data/ServerSections.h"
 #include "platform/settings/files/ConfigFolder.h"
 #include "platform/settings/files/IniFile.h"
 #include "platform/value/AutomationError.h"
@@ -9,7 +10,6 @@
 #include <fmt/format.h>
 
 #include <system_error>
-#include <vector>
 
 namespace qel {
 
@@ -17,20 +17,8 @@ namespace {
 
 constexpr std::int32_t pathFileAccessError = 75;
 
-/// The names that the server's section may have; the one that is written first.
-std::vector<std::string> SectionsOf(const ServerAddress& address) {
-    std::vector<std::string> sections = {address.origin};
-    if (address.hasDefaultPort) {
-        sections.push_back(address.origin + (address.isEncrypted ? ":443" : ":80"));
-    }
-    if (address.hasDefaultPort && address.isEncrypted && !EqualIgnoringCase(address.host, "Limits")) {
-        sections.push_back(address.host);
-    }
-    return sections;
-}
-
 std::optional<std::string> SectionIn(const IniFile& settings, const ServerAddress& address) {
-    for (auto& section : SectionsOf(address)) {
+    for (auto& section : ServerSections(address.origin)) {
         if (settings.HasSection(section)) {
             return section;
         }

@@ -23,7 +23,7 @@ using ModSetCube::MemberListing;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
-const char* const ledger = "double:ledger";
+const char* const ledger = "double.cub";
 
 std::string TextFor(const std::string& file, const std::string& catalog = "LedgerFNC") {
     return fmt::format("Provider=MSOLAP;Data Source={};Initial Catalog={};Client Cache Size=25;Auto Synch "
@@ -92,7 +92,7 @@ TEST_F(AdoObjects, AConnectionTellsWhatItReaches) {
     const auto connection = machine_.CreateConnection();
     EXPECT_EQ(connection->State(), stateClosed);
     const std::string withoutCatalog =
-        "Provider=MSOLAP;Data Source=double:ledger;Client Cache Size=25;Auto Synch "
+        "Provider=MSOLAP;Data Source=double.cub;Client Cache Size=25;Auto Synch "
         "Period=10000";
     connection->Open(withoutCatalog, "", "", optionsUnspecified);
     EXPECT_THAT(doubles_.Log().opened, ElementsAre(withoutCatalog + "|||-1"));

@@ -13,11 +13,11 @@ using testing::ElementsAre;
 using testing::StartsWith;
 
 const char* const connectionText =
-    "Provider=MSOLAP;Data Source=double:ledger;Initial Catalog=LedgerFNC;Client Cache "
+    "Provider=MSOLAP;Data Source=double.cub;Initial Catalog=LedgerFNC;Client Cache "
     "Size=25;Auto Synch Period=10000";
 
 LedgerCall ThroughProvider(LedgerCall call) {
-    call.cubeFile = "double:ledger";
+    call.cubeFile = "double.cub";
     return call;
 }
 
@@ -62,9 +62,9 @@ TEST_F(AdoProvider, GivesTheSameNames) {
         }
         return TextIn(Invoke(object_.Get(), L"QelName", arguments).value);
     };
-    EXPECT_EQ(nameThrough("double:ledger", "1"), "Fixed assets");
+    EXPECT_EQ(nameThrough("double.cub", "1"), "Fixed assets");
     EXPECT_EQ(nameThrough(QEL_TEST_CUBE, "1"), "Fixed assets");
-    EXPECT_EQ(nameThrough("double:ledger", "99"), "-") << "a code that the cube lacks";
+    EXPECT_EQ(nameThrough("double.cub", "99"), "-") << "a code that the cube lacks";
     EXPECT_EQ(doubles_.Log().connectionsClosed, 1) << "another cube file takes the connection";
 }
 

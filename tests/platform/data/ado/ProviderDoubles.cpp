@@ -21,9 +21,9 @@ DataAccess& Engine() {
     return engine;
 }
 
-/// The connection text with "double:ledger" replaced by the example's cube.
+/// The connection text with "double.cub" replaced by the example's cube.
 std::string EngineText(std::string text) {
-    const std::string alias = "double:ledger";
+    const std::string alias = "double.cub";
     if (const auto at = text.find(alias); at != std::string::npos) {
         text.replace(at, alias.size(), QEL_TEST_CUBE);
     }
@@ -32,7 +32,7 @@ std::string EngineText(std::string text) {
 
 void FailIf(const std::optional<ScriptedFailure>& failure) {
     if (failure) {
-        throw *failure;
+        throw ScriptedFailure(*failure);
     }
 }
 

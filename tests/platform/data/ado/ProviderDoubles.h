@@ -20,7 +20,7 @@ struct ProviderLog {
 };
 
 /// Registers ADODB.Connection, ADODB.Recordset, ADOMD.Catalog and ADOMD.Cellset over the embedded engine for
-/// this process. The data source "double:ledger" is the example's cube.
+/// this process. The data source "double.cub" is the example's cube.
 class ProviderDoubles {
 public:
     ProviderDoubles();

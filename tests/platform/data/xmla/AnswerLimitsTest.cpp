@@ -2,6 +2,7 @@
 #include "platform/data/xmla/RowsetAnswer.h"
 #include "platform/data/xmla/ServerErrors.h"
 
+#include <fmt/format.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -35,19 +36,19 @@ std::string FaultOf(const std::string& document) {
 TEST(AnswerLimits, ShortAnswersDoNotBecomeLarge) {
     std::string wideRow = "<row>";
     for (int i = 0; i < 2'000; ++i) {
-        wideRow += "<f" + std::to_string(i) + "/>";
+        wideRow.append("<f").append(std::to_string(i)).append("/>");
     }
     wideRow += "</row>";
     const std::string lastField = "<row><f1999/></row>";
     EXPECT_EQ(FaultOf<RowsetAnswer>("<r>" + wideRow + "<row/></r>"), "");
     for (const auto& rows : {Repeated(5'000, "<row/>"), Repeated(5'000, lastField)}) {
-        EXPECT_THAT(FaultOf<RowsetAnswer>("<r>" + wideRow + rows + "</r>"),
+        EXPECT_THAT(FaultOf<RowsetAnswer>(fmt::format("<r>{}{}</r>", wideRow, rows)),
                     testing::HasSubstr("AnswerMegabytes"));
     }
 
     std::string cells;
     for (int i = 0; i < 40'000; ++i) {
-        cells += "<Cell CellOrdinal=\"" + std::to_string(i) + "\"/>";
+        cells.append("<Cell CellOrdinal=\"").append(std::to_string(i)).append("\"/>");
     }
     const auto axes = [](const std::string& tuples) {
         return "<r><Axes><Axis name=\"Axis0\">" + tuples + "</Axis></Axes></r>";

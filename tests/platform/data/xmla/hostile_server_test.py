@@ -14,6 +14,7 @@ import tempfile
 import threading
 import time
 import unittest
+import unittest.mock
 import zlib
 
 QEL = ""
@@ -182,7 +183,7 @@ LIES = {
 
 
 class Handler(http.server.BaseHTTPRequestHandler):
-    protocol_version = "HTTP/1.1"
+    protocol_version, disable_nagle_algorithm = "HTTP/1.1", True  # which delays answers on open connections
 
     def log_message(self, *_):
         pass
@@ -271,8 +272,12 @@ class Server(http.server.ThreadingHTTPServer):
 
     def __init__(self):
         super().__init__(("127.0.0.1", 0), Handler)
-        self.seen, self.ending, self.silent_discovers = [], threading.Event(), False
+        self.seen, self.ending, self.silent_discovers, self.connections = [], threading.Event(), False, 0
         threading.Thread(target=self.serve_forever, daemon=True).start()
+
+    def process_request(self, *request):
+        self.connections += 1
+        super().process_request(*request)
 
     def handle_error(self, *_):
         pass  # clients that hang up are what is tested
@@ -353,6 +358,24 @@ class HostileServer(unittest.TestCase):
                 self.assertEqual((output.split(), status), (right, 0), errors)
                 statements = [body for _, _, body in self.server.seen if "Execute" in body]
                 self.assertEqual(len(statements) == 1, what == "the truth", "a grid that is right is enough")
+
+    def test_a_cube_of_too_many_parts_is_refused(self):
+        for part, parts in (("DIMENSION", "DIMENSIONS"), ("HIERARCHY", "HIERARCHIES"), ("LEVEL", "LEVELS")):
+            many = {f"MDSCHEMA_{parts}": rows(*[{f"{part}_NAME": "x"}] * 10_001)}
+            with self.subTest(part), unittest.mock.patch.dict(CUBE, many):
+                explained = self.qel("explain", "--allow-server", self.origin(), self.value_formula("good"))[1]
+                self.assertIn("a cube of 10001 dimensions, hierarchies or levels", explained)
+
+    def test_a_check_of_many_catalogs_asks_for_the_cubes_of_the_first(self):
+        many = {"DBSCHEMA_CATALOGS": rows(*({"CATALOG_NAME": f"Books{i}"} for i in range(250)))}
+        with unittest.mock.patch.dict(CUBE, many):
+            status, output, errors = self.qel("server", "check", self.address("good"))
+        self.assertEqual((status, errors), (0, ""))
+        self.assertEqual(re.findall(r"^catalog: +(.*)$", output, re.M), [f"Books{i}: Other" for i in range(100)])
+        self.assertIn("250 in all, the first 100 listed", output)
+        self.assertLess(len(self.server.seen), 110)
+        self.assertEqual(self.server.connections, 1)
+        self.assertIn("<Catalog>Books7</Catalog>", "".join(body for _, _, body in self.server.seen))
 
     def test_unknown_catalogs_are_reported_with_the_known_ones(self):
         status, _, errors = self.mdx(self.address("good"), catalog="Boks")

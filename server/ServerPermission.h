@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+namespace qel::server {
+
+/// Raises AutomationError unless the user allows what the machine's provider would connect to: a file, or a
+/// server that servers.ini or the user allows. The user is asked once per server and process, and only in the
+/// foreground. Nothing has been sent when it raises.
+void RequireAllowedServer(const std::string& connectionText);
+
+} // namespace qel::server
