@@ -84,13 +84,14 @@ private:
     Reply reply_ = Reply::None;
 };
 
-void Decide(const office::Context& context, KnownServers& servers, const ServerAddress& address,
-            bool isHebrew) {
+} // namespace
+
+void AskAboutServer(office::OfficeWindows& windows, KnownServers& servers, const ServerAddress& address,
+                    bool isHebrew) {
     if (servers.RightsOf(address).access != ServerAccess::Unknown) {
         return; // another address of the same server
     }
     servers.Answer(address, false); // whatever happens to the question
-    office::OfficeWindows windows(context);
     const auto reply = ServerQuestion(windows, address.origin, isHebrew).Ask();
     if (reply == ServerQuestion::Reply::Once) {
         servers.Answer(address, true);
@@ -103,8 +104,6 @@ void Decide(const office::Context& context, KnownServers& servers, const ServerA
     }
 }
 
-} // namespace
-
 ServerPermission AskingThePerson(const office::Context& context, const std::shared_ptr<KnownServers>& servers,
                                  const std::shared_ptr<const std::atomic<bool>>& isHebrew) {
     return {.isUndecided =
@@ -114,7 +113,8 @@ ServerPermission AskingThePerson(const office::Context& context, const std::shar
             .decide =
                 [context, servers, isHebrew](const std::string& server) {
                     try {
-                        Decide(context, *servers, ParseServerAddress(server), *isHebrew);
+                        office::OfficeWindows windows(context);
+                        AskAboutServer(windows, *servers, ParseServerAddress(server), *isHebrew);
                     } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): it stays refused
                     } catch (const com::sun::star::uno::Exception&) { // NOLINT(bugprone-empty-catch)
                     }

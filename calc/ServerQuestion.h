@@ -11,4 +11,9 @@ namespace qel::calc {
 ServerPermission AskingThePerson(const office::Context& context, const std::shared_ptr<KnownServers>& servers,
                                  const std::shared_ptr<const std::atomic<bool>>& isHebrew);
 
+/// The same question for one server, unless it is decided. Raises AutomationError for faulty settings, and
+/// when the office cannot show the question.
+void AskAboutServer(office::OfficeWindows& windows, KnownServers& servers, const ServerAddress& address,
+                    bool isHebrew);
+
 } // namespace qel::calc

@@ -1,8 +1,7 @@
 #include "calc/ServerResultsOfOffice.h"
 
 #include "calc/ServerQuestion.h"
-#include "platform/data/xmla/XmlaDataAccess.h"
-#include "platform/data/xmla/settings/ServerSettings.h"
+#include "calc/ServersOfUser.h"
 
 #include <com/sun/star/awt/AsyncCallback.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
@@ -50,13 +49,6 @@ private:
     WeakResults results_;
 };
 
-std::unique_ptr<DataAccess> ServersOfUser(const std::shared_ptr<const KnownServers>& known,
-                                          const std::shared_ptr<const std::atomic<bool>>& isStopped) {
-    ServerOptions options = ReadServerOptions(known);
-    options.isStopped = isStopped;
-    return std::make_unique<XmlaDataAccess>(std::move(options));
-}
-
 } // namespace
 
 std::shared_ptr<AsyncResults> MakeServerResults(const uno::Reference<uno::XComponentContext>& context,
@@ -64,11 +56,8 @@ std::shared_ptr<AsyncResults> MakeServerResults(const uno::Reference<uno::XCompo
     const auto mainThread = awt::AsyncCallback::create(context);
     // Filled below: the callback needs the results, which need to wake it.
     const auto delivery = std::make_shared<uno::Reference<awt::XCallback>>();
-    const auto known = std::make_shared<KnownServers>(ServerSettingsFile());
     auto results = std::make_shared<AsyncResults>(
-        [known](const auto& isStopped) { return ServersOfUser(known, isStopped); },
-        AskingThePerson(context, known, isHebrew),
-        [mainThread, delivery] {
+        &ServersOfUser, AskingThePerson(context, KnownServersOfUser(), isHebrew), [mainThread, delivery] {
             try {
                 mainThread->addCallback(*delivery, {});
             } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office has ended

@@ -29,6 +29,7 @@ SuiteOfUser::SuiteOfUser(const office::Context& context)
                    .messages = messages_,
                    .componentFolder = ComponentFolder(),
                    .settingsFolder = PathToUtf8(ConfigFolder())},
-      language_{environment_, tables_}, services_{toolkit_, language_} {}
+      language_{environment_, tables_}, servers_(windows_, language_),
+      services_{toolkit_, language_, &servers_} {}
 
 } // namespace qel::calc

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "calc/ServersOfWizards.h"
 #include "lang/ModLangFrm.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/dialog/calc/OfficeDialogToolkit.h"
@@ -23,6 +24,8 @@ public:
     SuiteOfUser& operator=(const SuiteOfUser&) = delete;
 
     WizardServices& Services() { return services_; }
+    /// The provider of servers' addresses for the dialogs.
+    DataAccess& Servers() { return servers_.Access(); }
 
 private:
     office::OfficeWindows windows_;
@@ -34,6 +37,7 @@ private:
     XmlTableReader tables_;
     StoreEnvironment environment_; ///< the component's folder is the installed package's
     ModLangFrm::LanguageState language_;
+    ServersOfWizards servers_;
     WizardServices services_;
 };
 

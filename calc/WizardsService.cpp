@@ -2,6 +2,7 @@
 
 #include "calc/CallingDocument.h"
 #include "calc/ThreadFunction.h"
+#include "platform/data/choice/ChooseProvider.h"
 #include "platform/office/OfficeText.h"
 
 #include <com/sun/star/frame/Desktop.hpp>
@@ -56,7 +57,8 @@ void WizardsService::With(const office::SheetDocument& document, const Use& use)
         }
         const Locale locale = locales_.Of(DocumentReference(document, uno::UNO_QUERY));
         // A macro's object is one of its own; the thread's connection is every object's.
-        OrmQelFunction object({FunctionOfThread().state, Cubes(), locale, &suite_->Services()});
+        OrmQelFunction object({FunctionOfThread().state, ChooseProvider(Cubes(), &suite_->Servers(), nullptr),
+                               locale, &suite_->Services()});
         use(object);
     } catch (const uno::Exception&) {
         throw;

@@ -1,5 +1,6 @@
 #include "wizard/CubeFileChoice.h"
 
+#include "platform/data/ConnectionText.h"
 #include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
 #include "support/ModError.h"
@@ -22,9 +23,20 @@ bool IsListed(std::string_view catalog) {
 
 } // namespace
 
-std::optional<std::int32_t> CubeFileFault(const std::string& cubeFile) {
+bool IsServer(const WizardContext& context, const std::string& cubeFile) {
+    return context.servers != nullptr && IsServerAddress(cubeFile);
+}
+
+bool CanOpen(const WizardContext& context, const std::string& cubeFile) {
+    return IsServer(context, cubeFile) || FileExists(cubeFile);
+}
+
+std::optional<std::int32_t> CubeFileFault(const WizardContext& context, const std::string& cubeFile) {
     if (cubeFile.empty()) {
         return noCubeFileText;
+    }
+    if (IsServer(context, cubeFile)) {
+        return std::nullopt;
     }
     if (!cubeFile.ends_with(cubeFileEnding) || !FileExists(cubeFile)) {
         return invalidFileText;
@@ -33,10 +45,11 @@ std::optional<std::int32_t> CubeFileFault(const std::string& cubeFile) {
 }
 
 std::string AskForCubeFile(Dialog& dialog, const char* control, const std::string& cubeFileNow) {
-    return dialog.AskForFile(control,
-                             {.title = std::string(componentName) + " - Open a file",
-                              .filter = "Cub files(*.cub)|*.cub",
-                              .startFolder = PathToUtf8(PathFromSetting(cubeFileNow).parent_path())});
+    const auto folder =
+        IsServerAddress(cubeFileNow) ? std::filesystem::path() : PathFromSetting(cubeFileNow).parent_path();
+    return dialog.AskForFile(control, {.title = std::string(componentName) + " - Open a file",
+                                       .filter = "Cub files(*.cub)|*.cub",
+                                       .startFolder = PathToUtf8(folder)});
 }
 
 std::shared_ptr<Connection> OpenCubeFile(const Providers& providers, const std::string& cubeFile) {

@@ -61,6 +61,7 @@ std::string InFormula(const std::string& text) { return ReplaceAll(text, "\"", "
 std::vector<MemberRow> ListRows(const WizardContext& context, const std::string& cubeFile,
                                 const ModSetCube::MemberListing& listing) {
     constexpr std::int32_t rowsAxis = 1;
+    const ServerAction action(context.servers); // a list that is opened asks by itself
     const auto cellset = ModSetCube::ListMembersCellset(context.providers, cubeFile, listing);
     std::vector<MemberRow> rows;
     const std::int32_t positions = cellset->PositionCount(rowsAxis);

@@ -1,5 +1,6 @@
 #include "wizard/NamedQueries.h"
 
+#include "platform/data/ConnectionText.h"
 #include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
 #include "store/LocalDb.h"
@@ -7,6 +8,8 @@
 #include "wizard/WizardStore.h"
 
 #include <algorithm>
+#include <string_view>
+#include <utility>
 
 namespace qel {
 
@@ -20,6 +23,56 @@ constexpr std::string NamedQuery::*columns[] = {
 constexpr char nameSeparator = '\t'; // never part of a member's key
 constexpr std::size_t mostQueries = 50;
 
+/// Where a cube is: a file's name and folder, or a server's address alone.
+struct CubePlace {
+    std::string file, folder;
+};
+
+CubePlace PlaceOf(const std::string& cubeFile) {
+    if (IsServerAddress(cubeFile)) {
+        return {WithoutPasswords(cubeFile), {}};
+    }
+    const auto path = PathFromSetting(cubeFile);
+    return {PathToUtf8(path.filename()), PathToUtf8(path.parent_path())};
+}
+
+std::string Describe(const NamedQuery& query, const CubePlace& place) {
+    return (query.name.empty() ? "" : query.name + " - ") + query.dimType + " " + query.dataMember + " - " +
+           query.cubeName + ", " + place.file + (place.folder.empty() ? "" : " (" + place.folder + ")");
+}
+
+/// The UTF-8 bytes of each character.
+std::vector<std::string_view> Characters(std::string_view text) {
+    std::vector<std::string_view> characters;
+    while (!text.empty()) {
+        std::size_t end = 1;
+        while (end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0U) == 0x80U) {
+            ++end;
+        }
+        characters.push_back(text.substr(0, end));
+        text.remove_prefix(end);
+    }
+    return characters;
+}
+
+/// At most so many characters. The end, which tells paths apart, keeps twice as many as the beginning.
+std::string WithoutMiddle(const std::string& text, std::size_t most) {
+    const auto characters = Characters(text);
+    if (characters.size() <= most) {
+        return text;
+    }
+    const std::size_t left = (most - 1) / 3, right = most - 1 - left;
+    std::string shown;
+    for (std::size_t i = 0; i < characters.size(); ++i) {
+        if (i < left || i >= characters.size() - right) {
+            shown += characters[i];
+        } else if (i == left) {
+            shown += "…";
+        }
+    }
+    return shown;
+}
+
 } // namespace
 
 bool NamedQuery::operator==(const NamedQuery& other) const {
@@ -27,11 +80,21 @@ bool NamedQuery::operator==(const NamedQuery& other) const {
                        [&](const auto column) { return this->*column == other.*column; });
 }
 
-std::string DescriptionOf(const NamedQuery& query) {
-    const auto path = PathFromSetting(query.cubeFile);
-    const std::string folder = PathToUtf8(path.parent_path());
-    return (query.name.empty() ? "" : query.name + " - ") + query.dimType + " " + query.dataMember + " - " +
-           query.cubeName + ", " + PathToUtf8(path.filename()) + (folder.empty() ? "" : " (" + folder + ")");
+std::string DescriptionOf(const NamedQuery& query) { return Describe(query, PlaceOf(query.cubeFile)); }
+
+std::string ShortDescriptionOf(const NamedQuery& query) {
+    constexpr std::size_t row = 70, longestName = 20, longestFile = 30, longestAddress = 45,
+                          shortestFolder = 10;
+    NamedQuery shown = query;
+    shown.name = WithoutMiddle(query.name, longestName);
+    CubePlace place = PlaceOf(query.cubeFile);
+    place.file = WithoutMiddle(place.file, IsServerAddress(query.cubeFile) ? longestAddress : longestFile);
+    const std::string folder = std::exchange(place.folder, {});
+    if (!folder.empty()) {
+        const std::size_t taken = Characters(Describe(shown, place)).size() + std::size(" ()") - 1;
+        place.folder = WithoutMiddle(folder, taken + shortestFolder < row ? row - taken : shortestFolder);
+    }
+    return Describe(shown, place);
 }
 
 TableRow RowOf(const NamedQuery& query) {

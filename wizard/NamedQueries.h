@@ -25,6 +25,9 @@ struct NamedQuery {
 /// "Sale of goods - SuperSum2 41 - LedgerFNC, ledger.cub (/cubes)".
 std::string DescriptionOf(const NamedQuery& query);
 
+/// The same in one row of the list of queries: the middle of a long name, file name or folder is left out.
+std::string ShortDescriptionOf(const NamedQuery& query);
+
 /// A query as a row of the table QelName, and back. The column of the member has its name after its key.
 /// Raises 9 for a row of too few columns.
 TableRow RowOf(const NamedQuery& query);

@@ -4,6 +4,7 @@
 #include "lang/ModLangFrm.h"
 #include "platform/data/Providers.h"
 #include "platform/dialog/DialogToolkit.h"
+#include "wizard/WizardServers.h"
 
 namespace qel {
 
@@ -11,6 +12,7 @@ namespace qel {
 struct WizardServices {
     DialogToolkit& toolkit;
     ModLangFrm::LanguageState& language; ///< with the store's settings, local database and message boxes
+    WizardServers* servers = nullptr;    ///< null where the wizards take cube files only
 };
 
 /// What a dialog works with.
@@ -20,6 +22,7 @@ struct WizardContext {
     const Locale& locale;
     DialogToolkit& toolkit;
     ModLangFrm::LanguageState& language;
+    WizardServers* servers = nullptr;
 
     StoreEnvironment& Store() const { return language.store; }
     MessageDisplay& Messages() const { return language.store.messages; }

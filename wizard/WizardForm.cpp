@@ -51,6 +51,7 @@ void WizardForm::Cancel() {
 bool WizardForm::Trapped(const std::string& function, const std::function<void()>& operation,
                          const char* module) noexcept {
     try {
+        const ServerAction action(context_.servers);
         operation();
         return true;
     } catch (...) {

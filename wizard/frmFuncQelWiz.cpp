@@ -1,8 +1,8 @@
 #include "wizard/frmFuncQelWiz.h"
 
-#include "support/SettingPaths.h"
 #include "text/Text.h"
 #include "wizard/Calculation.h"
+#include "wizard/CubeFileChoice.h"
 #include "wizard/FunctionFormDesign.h"
 #include "wizard/OwnText.h"
 
@@ -42,16 +42,21 @@ void frmFuncQelWiz::OnChange(std::string_view control) {
 }
 
 void frmFuncQelWiz::OnLeave(std::string_view control) {
+    bool isTried = false;
     Trapped(HandlerName(control, "LostFocus"), [&] {
         const std::string cubeFile(Trimmed(CubeFile()));
         if (control == txtCubeFile && cubeFile == takenFile_) {
             Form().SetText(txtCubeFile, takenFile_); // without blanks around it
-        } else if (control == txtCubeFile && FileExists(cubeFile)) {
+        } else if (control == txtCubeFile && CanOpen(Context(), cubeFile)) {
+            isTried = true;
             TakeCubeFile(cubeFile);
         } else if (cube_) {
             dates_.OnLeave(control);
         }
     });
+    if (isTried && CanTryAgain()) {
+        Form().SetFocus(txtCubeFile); // a press that left the field would try again at once
+    }
 }
 
 void frmFuncQelWiz::Form_Load() {
@@ -109,6 +114,8 @@ void frmFuncQelWiz::EnableButtons(bool isEnabled) {
     Form().SetEnabled(Command1, isEnabled);
     Form().SetEnabled(TxtCalc, isEnabled);
 }
+
+bool frmFuncQelWiz::CanTryAgain() const { return !cube_ && IsServer(Context(), CubeFile()); }
 
 std::string frmFuncQelWiz::CubeFile() const { return Form().Text(txtCubeFile); }
 

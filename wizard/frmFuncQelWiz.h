@@ -72,6 +72,8 @@ private:
     void ForgetResult();
 
     std::string CubeFile() const;
+    /// A server that gave no cube is asked again, unlike a file.
+    bool CanTryAgain() const;
     ModSetCube::OpenedCube ChosenCube() const { return {CubeFile(), cubes_.Key().value_or("")}; }
 
     std::optional<Selection> start_;

@@ -1,5 +1,4 @@
 #include "store/LocalDb.h"
-#include "support/SettingPaths.h"
 #include "text/Text.h"
 #include "wizard/CubeFileChoice.h"
 #include "wizard/FunctionFormDesign.h"
@@ -21,7 +20,7 @@ void frmFuncQelWiz::LoadCube() {
     Trapped("LoadCube", [this] {
         const std::string cubeFile = start_ ? start_->cubeFile : RememberedCubeFile(Context());
         const bool isNamed = LengthInUtf16(cubeFile) >= shortestPath;
-        if (isNamed && FileExists(cubeFile)) {
+        if (isNamed && CanOpen(Context(), cubeFile)) {
             return LoadFirst(cubeFile);
         }
         if (isNamed) {

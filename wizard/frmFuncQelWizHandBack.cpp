@@ -17,13 +17,13 @@ void frmFuncQelWiz::CheckAndHandBack(bool detail) {
 
 bool frmFuncQelWiz::IsFileTaken() {
     const std::string cubeFile = CubeFile();
-    if (const auto fault = CubeFileFault(cubeFile)) {
+    if (const auto fault = CubeFileFault(Context(), cubeFile)) {
         WarnNumbered(*fault);
         return false;
     }
     // A key may press the button while a path is being typed: load the file first, so that the person sees
     // its content.
-    if (cubeFile != takenFile_) {
+    if (cubeFile != takenFile_ || CanTryAgain()) {
         TakeCubeFile(cubeFile);
         return false;
     }

@@ -5,7 +5,6 @@
 #include "cube/NameQuery.h"
 #include "platform/value/Conversion.h"
 #include "support/ModError.h"
-#include "support/SettingPaths.h"
 #include "text/Text.h"
 #include "wizard/CubeFileChoice.h"
 #include "wizard/NameFormDesign.h"
@@ -63,7 +62,7 @@ void frmNameWizz::OnLoad() {
             TakeQuery(*start_, OwnTextNumber::LackingChoices);
         } else if (!queries_.All().empty()) {
             TakeQuery(queries_.All().front(), OwnTextNumber::DroppedChoices);
-        } else if (const std::string cubeFile = RememberedCubeFile(Context()); FileExists(cubeFile)) {
+        } else if (const std::string cubeFile = RememberedCubeFile(Context()); CanOpen(Context(), cubeFile)) {
             LoadCubeFile(cubeFile);
         }
         Form().SetText(LabelVersion, VersionText());
@@ -108,8 +107,11 @@ void frmNameWizz::OnLeave(std::string_view control) {
     const std::string cubeFile(Trimmed(CubeFile()));
     if (control == txtCubeFile && cubeFile == takenFile_) {
         Form().SetText(txtCubeFile, takenFile_); // without blanks around it
-    } else if (control == txtCubeFile && FileExists(cubeFile)) {
+    } else if (control == txtCubeFile && CanOpen(Context(), cubeFile)) {
         LoadCubeFile(cubeFile);
+        if (CanTryAgain()) {
+            Form().SetFocus(txtCubeFile); // a press that left the field would try again at once
+        }
     }
 }
 
@@ -121,7 +123,7 @@ void frmNameWizz::OpenDb() {
 void frmNameWizz::ShowQueries() {
     std::vector<std::string> texts;
     for (const NamedQuery& query : queries_.All()) {
-        texts.push_back(DescriptionOf(query));
+        texts.push_back(ShortDescriptionOf(query));
     }
     Form().SetItems(ListQuery, texts);
     MarkQuery();
@@ -204,7 +206,7 @@ std::vector<MemberRow> frmNameWizz::ListMembers() const {
 }
 
 void frmNameWizz::TakeQuery(const NamedQuery& query, std::int32_t message) {
-    if (!FileExists(query.cubeFile)) {
+    if (!CanOpen(Context(), query.cubeFile)) {
         Context().Messages().Show(MessageBoxStyle::Exclamation, "", query.cubeFile + " File Not Found");
         return;
     }
@@ -281,10 +283,10 @@ NamedQuery frmNameWizz::Read() const {
 
 void frmNameWizz::CheckAndHandBack() {
     const std::string cubeFile = CubeFile();
-    if (const auto fault = CubeFileFault(cubeFile)) {
+    if (const auto fault = CubeFileFault(Context(), cubeFile)) {
         return WarnNumbered(*fault);
     }
-    if (cubeFile != takenFile_) {
+    if (cubeFile != takenFile_ || CanTryAgain()) {
         LoadCubeFile(cubeFile);
         return;
     }
@@ -321,6 +323,8 @@ void frmNameWizz::EnableButtons(bool isEnabled) {
     members_.Enable(isEnabled);
     Form().SetEnabled(TxtName, isEnabled);
 }
+
+bool frmNameWizz::CanTryAgain() const { return !cube_ && IsServer(Context(), CubeFile()); }
 
 std::string frmNameWizz::CubeFile() const { return Form().Text(txtCubeFile); }
 

@@ -44,6 +44,8 @@ private:
     void ClearLists();
     void EnableButtons(bool isEnabled);
     std::string CubeFile() const;
+    /// A server that gave no cube is asked again, unlike a file.
+    bool CanTryAgain() const;
     ModSetCube::OpenedCube ChosenCube() const { return {CubeFile(), cubes_.Key().value_or("")}; }
 
     std::optional<NamedQuery> start_;

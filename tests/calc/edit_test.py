@@ -1,12 +1,9 @@
 """Edit formula in Calc: the wizard starts with the cell's arguments, and OK writes the formula again."""
-import os
-import shutil
 import unittest
 
-from calc_bench import CLASS, PACKAGE, SOURCE, WORK, calc_session, run_qel, shown
-from person import Call, Hands, Person, eventually, screen
+from calc_bench import CLASS, WORK, calc_session, run_qel, shown
+from keyboard_bench import KeyboardTest, eventually
 
-os.environ["XDG_CONFIG_HOME"] = str(WORK / "config")
 ACCOUNTS = "Account Level (Q)"
 # As Calc stores it. The cube's path starts at the document.
 ARGUMENTS = ['"ledger.cub"', "B1", '{"OBS"}', '{"1"}', '{"All"}', '{"All"}', '{"All"}', '"SuperSum1"', 'B2&""', '"All"', "Measures",
@@ -17,24 +14,9 @@ def formula(arguments, function="QELF1"):
     return f"={CLASS.upper()}{function}({';'.join(arguments)})"
 
 
-class Edit(unittest.TestCase):
-    @classmethod
-    def setUpClass(cls):
-        shutil.rmtree(WORK / "suite", ignore_errors=True)
-        (WORK / "suite").mkdir()
-        run_qel("settings", "set", "MDBPath", WORK / "suite")
-        run_qel("settings", "set", "QelUILanguage", "0")
-        run_qel("cube", "build", SOURCE / "examples" / "ledger" / "ledger.json", "--output", WORK / "ledger.cub")
-        profile = calc_session.fresh_profile(WORK / "profile", PACKAGE)
-        display = cls.enterClassContext(screen("openbox"))
-        cls.office = cls.enterClassContext(calc_session.Office(profile, WORK, display))
-        cls.person, cls.hands = Person(cls.office, display), Hands(display)
-
+class Edit(KeyboardTest):
     def setUp(self):
-        (WORK / "suite" / "QelFunction17.mdb").unlink(missing_ok=True)  # it would be reported
-        self.document = self.office.new_document()
-        self.addCleanup(self.document.close, True)
-        self.addCleanup(self.person.leave)
+        super().setUp()
         self.document.storeAsURL(calc_session.url_of(WORK / "edited.ods"), calc_session.properties(Overwrite=True))
         self.sheet = self.document.Sheets.getByIndex(0)
         self.cell = self.sheet.getCellRangeByName("C5")

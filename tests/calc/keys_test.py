@@ -1,38 +1,22 @@
 """The wizards in Calc with real keys and clicks, on a screen with a window manager."""
-import os
-import shutil
-import sys
 import time
 import unittest
 
-from calc_bench import PACKAGE, SOURCE, WORK, calc_session, run_qel
-from person import Call, Hands, Person, eventually, screen
+from calc_bench import WORK, run_qel
+from keyboard_bench import KeyboardTest, eventually
 
-os.environ["XDG_CONFIG_HOME"] = str(WORK / "config")
 ACCOUNTS, ACTIVITIES = "Account Level (Q)", "Activity (Z)"
 
 
-class Keys(unittest.TestCase):
+class Keys(KeyboardTest):
     @classmethod
     def setUpClass(cls):
-        shutil.rmtree(WORK / "suite", ignore_errors=True)
-        (WORK / "suite").mkdir()
-        run_qel("settings", "set", "MDBPath", WORK / "suite")
-        run_qel("settings", "set", "QelUILanguage", "0")
-        run_qel("cube", "build", SOURCE / "examples" / "ledger" / "ledger.json", "--output", WORK / "ledger.cub")
+        super().setUpClass()
         run_qel("settings", "set", "FileCube", WORK / "ledger.cub")
-        profile = calc_session.fresh_profile(WORK / "profile", PACKAGE)
-        display = cls.enterClassContext(screen("openbox"))
-        cls.office = cls.enterClassContext(calc_session.Office(profile, WORK, display))
-        cls.person, cls.hands = Person(cls.office, display), Hands(display)
 
     def setUp(self):
-        (WORK / "suite" / "QelFunction17.mdb").unlink(missing_ok=True) # it would be reported when the dialog opens
-        self.document = self.office.new_document()
-        self.addCleanup(self.document.close, True)
-        self.addCleanup(self.person.leave)
-        eventually("the new document in front", self.document.CurrentController.Frame.isActive)
-        self.call = Call(self.office.service("OrmFunctionQel4.Wizards").ShowFormGetVal, None)
+        super().setUp()
+        self.call = self.person.calls(self.office.service("OrmFunctionQel4.Wizards").ShowFormGetVal, None)
         self.dialog = self.person.sees("Function QEL")
         self.hands.frame("Function QEL")
         eventually("the remembered cube", lambda: self.dialog.after("Cube Name").items)
@@ -66,7 +50,7 @@ class Keys(unittest.TestCase):
         accounts = self.search_accounts("furn")
         self.hands.key("Escape")
         eventually("the empty list", lambda: accounts.text == "")
-        self.assertTrue(self.call.thread.is_alive())
+        self.assertFalse(self.call.ended.is_set())
         self.hands.key("Escape")
         self.assertEqual(self.call.wait(), " ")
 
@@ -137,14 +121,5 @@ class Keys(unittest.TestCase):
         self.cancel()
 
 
-def main():
-    """A busy X server now and then loses a click or swaps two keys: what fails is tried again, once, in a new office."""
-    passed = unittest.main(exit=False, failfast=True).result.wasSuccessful()
-    if passed or "QEL_KEYS_AGAIN" in os.environ:
-        sys.exit(not passed)
-    print("once more", file=sys.stderr, flush=True)
-    os.execve(sys.executable, [sys.executable, "-B", *sys.orig_argv[2:]], {**os.environ, "QEL_KEYS_AGAIN": "1"})
-
-
 if __name__ == "__main__":
-    main()
+    unittest.main()

@@ -9,9 +9,11 @@ import threading
 import time
 
 import calc_session
+import unohelper
 from com.sun.star.accessibility.AccessibleRole import (COMBO_BOX, LIST, PUSH_BUTTON, TEXT)
 from com.sun.star.lang import DisposedException, IndexOutOfBoundsException
 from com.sun.star.accessibility.AccessibleStateType import CHECKED, ENABLED, SHOWING
+from com.sun.star.awt import XCallback
 
 PATIENCE = 120
 
@@ -174,7 +176,12 @@ class Hands:
 class Person:
     def __init__(self, office, display):
         self.toolkit = office.service("com.sun.star.awt.Toolkit")
+        self.main_thread = office.service("com.sun.star.awt.AsyncCallback")
         self.display = display
+
+    def calls(self, function, *arguments):
+        """A macro's call, which goes on while the person acts."""
+        return Call(self.main_thread, function, arguments)
 
     def windows(self, title=None):
         """Those that are on the screen: one that was closed may live on for a while, and end while it is read."""
@@ -213,23 +220,28 @@ class Person:
         subprocess.run(["import", "-display", self.display, "-window", "root", path], check=True)
 
 
-class Call:
-    """A macro's call, which goes on while the person acts."""
+class Call(unohelper.Base, XCallback):
+    """Runs in the office's main thread, as menus and macros do.
 
-    def __init__(self, function, *arguments):
+    A dialog in a thread of its own would take its keys and clicks from the X server at the same time as the main
+    thread, which loses clicks and swaps keys.
+    """
+
+    def __init__(self, main_thread, function, arguments):
+        self.function, self.arguments = function, arguments
         self.result = self.failure = None
+        self.ended = threading.Event()
+        main_thread.addCallback(self, None)
 
-        def run():
-            try:
-                self.result = function(*arguments)
-            except Exception as failure:  # told by wait
-                self.failure = failure
-        self.thread = threading.Thread(target=run, daemon=True)
-        self.thread.start()
+    def notify(self, _):
+        try:
+            self.result = self.function(*self.arguments)
+        except Exception as failure:  # told by wait
+            self.failure = failure
+        self.ended.set()
 
     def wait(self):
-        self.thread.join(PATIENCE)
-        if self.thread.is_alive():
+        if not self.ended.wait(PATIENCE):
             raise AssertionError("the call did not return")
         if self.failure:
             raise self.failure

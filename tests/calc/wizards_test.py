@@ -4,7 +4,7 @@ import shutil
 import unittest
 
 from calc_bench import CLASS, PACKAGE, SOURCE, WORK, calc_session, run_qel, shown
-from person import Call, Person, eventually, screen
+from person import Person, eventually, screen
 
 from com.sun.star.accessibility.AccessibleRole import LABEL, TEXT
 
@@ -66,7 +66,7 @@ class Wizards(unittest.TestCase):
 
     def test_the_function_wizard_writes_its_formula_at_the_active_cell(self):
         run_qel("settings", "set", "QelUILanguage", "0")
-        call = Call(self.wizards.ShowFormGetVal, self.cell)
+        call = self.person.calls(self.wizards.ShowFormGetVal, self.cell)
         dialog = self.person.sees("Function QEL")
         self.open_cube(dialog)
         self.assertEqual(dialog.after("Cube Name").items, ["LedgerFNC", "LedgerHebrewFNC"])
@@ -81,7 +81,7 @@ class Wizards(unittest.TestCase):
 
     def test_the_table_of_the_arguments_is_written_from_the_active_cell_on(self):
         run_qel("settings", "set", "QelUILanguage", "0")
-        call = Call(self.wizards.ShowFormGetVal, self.cell)
+        call = self.person.calls(self.wizards.ShowFormGetVal, self.cell)
         dialog = self.person.sees("Function QEL")
         self.open_cube(dialog)
         dialog.after("Account type").choose("SuperSum1")
@@ -105,7 +105,7 @@ class Wizards(unittest.TestCase):
 
     def test_the_name_wizard_writes_its_formula(self):
         run_qel("settings", "set", "QelUILanguage", "0")
-        call = Call(self.wizards.ShowFormQelName, None)
+        call = self.person.calls(self.wizards.ShowFormQelName, None)
         dialog = self.person.sees("Name QEL")
         self.open_cube(dialog)
         dialog.after("Dimension type").choose("SuperSum1")
@@ -117,7 +117,7 @@ class Wizards(unittest.TestCase):
     def test_a_faulty_file_is_told_and_cancel_changes_nothing(self):
         run_qel("settings", "set", "QelUILanguage", "0")
         (WORK / "damaged.cub").write_bytes(b"no cube")
-        call = Call(self.wizards.ShowFormGetVal, None)
+        call = self.person.calls(self.wizards.ShowFormGetVal, None)
         dialog = self.person.sees("Function QEL")
         dialog.first(TEXT).type(str(WORK / "damaged.cub"))
         dialog.button("OK").press()
@@ -137,7 +137,7 @@ class Wizards(unittest.TestCase):
         dispatcher = self.office.service("com.sun.star.frame.DispatchHelper")
         for command, caption in (("ShowFormGetVal", "Function QEL"), ("ShowFormQelName", "Name QEL")):
             self.forget_database()
-            call = Call(dispatcher.executeDispatch, frame, f"service:OrmFunctionQel4.Wizards?{command}", "_self", 0, ())
+            call = self.person.calls(dispatcher.executeDispatch, frame, f"service:OrmFunctionQel4.Wizards?{command}", "_self", 0, ())
             dialog = self.person.sees(caption)
             dialog.button("Cancel").press()
             call.wait()
@@ -150,7 +150,7 @@ class Wizards(unittest.TestCase):
             basic.createLibrary("QelTest").insertByName("Macros", MACRO)
         script = self.office.service("com.sun.star.script.provider.MasterScriptProviderFactory").createScriptProvider(
             "").getScript("vnd.sun.star.script:QelTest.Macros.ShowWizard?language=Basic&location=application")
-        call = Call(script.invoke, (), (), ())
+        call = self.person.calls(script.invoke, (), (), ())
         dialog = self.person.sees("Function QEL")
         self.open_cube(dialog)
         dialog.after("Account type").choose("SuperSum1")
@@ -164,7 +164,7 @@ class Wizards(unittest.TestCase):
 
     def test_in_hebrew_the_dialog_is_mirrored(self):
         run_qel("settings", "set", "QelUILanguage", "1")
-        call = Call(self.wizards.ShowFormGetVal, None)
+        call = self.person.calls(self.wizards.ShowFormGetVal, None)
         cancel = "ביטול"
 
         def hebrew():

@@ -152,15 +152,14 @@ TEST(FunctionWizard, ChecksTheCubeFileBeforeItHandsBack) {
         {bench.folder.Path("none.cub").string(), invalid},
         {bench.folder.Path("folder.cub").string(), invalid},
     };
-    for (const auto& [cubeFile, message] : cases) {
+    for (const auto& [path, message] : cases) {
         for (const char* button : {CmdOK, Command2}) {
-            bench.ShowFormGetVal([&](DialogDouble& dialog) {
+            bench.ShowFormGetVal([&, &cubeFile = path](DialogDouble& dialog) {
                 static_cast<Dialog&>(dialog).SetText(txtCubeFile, cubeFile);
                 dialog.Press(button);
                 EXPECT_FALSE(dialog.IsHidden()) << cubeFile;
             });
-            EXPECT_EQ(bench.TakeShown(), (std::vector<ShownMessage>{{48, "OrmFuncQel4", message}}))
-                << cubeFile;
+            EXPECT_EQ(bench.TakeShown(), (std::vector<ShownMessage>{{48, "OrmFuncQel4", message}})) << path;
         }
     }
 }

@@ -1,4 +1,5 @@
 #include "platform/value/Conversion.h"
+#include "tests/helpers/Day.h"
 #include "tests/helpers/ErrorOf.h"
 #include "tests/wizard/TestBench.h"
 #include "wizard/FunctionFormDesign.h"
@@ -33,8 +34,8 @@ Selection LedgerSelection() {
             "R",
             "10",
             "0",
-            DateFromDay({2023, 2, 1}),
-            DateFromDay({2024, 6, 30})};
+            test::Day(2023, 2, 1),
+            test::Day(2024, 6, 30)};
 }
 
 TEST(Selection, IsARowWithAColumnForEveryArgument) {
@@ -181,8 +182,8 @@ TEST(SavedSelection, ShowsAMemberThatWasShownAndListsOneThatWasListed) {
 TEST(SavedSelection, LosesDatesThatTheCubeHasNoMore) {
     TestBench bench(LedgerFile());
     Selection old = LedgerSelection();
-    old.from = DateFromDay({1999, 1, 1});
-    old.to = DateFromDay({1999, 12, 31});
+    old.from = test::Day(1999, 1, 1);
+    old.to = test::Day(1999, 12, 31);
     bench.PutRows("DataTbl", {RowOf(old)});
     bench.ShowFormGetVal([&](DialogDouble& dialog) {
         EXPECT_THAT(bench.TakeMessages(),

@@ -55,6 +55,9 @@ OfficeDialog::OfficeDialog(OfficeWindows& windows, const FormDesign& design, boo
                            DialogEvents& events)
     : DesignedDialog(design, isRightToLeft, events), windows_(windows), later_(new LaterCall([this] {
           TellLeft();
+          TellChanged();
+          told_ = nullptr;
+          PrepareFocused();
           SettleSearches();
       })) {
     const OwnChange own(*this);
@@ -124,6 +127,8 @@ void OfficeDialog::ShowModal() {
         isHidden_ = false;
         focused_ = nullptr;
         left_.clear();
+        changed_.clear();
+        told_ = nullptr;
         Tell([&] { Events().OnLoad(); });
         if (isHidden_) {
             return;
@@ -224,8 +229,12 @@ void OfficeDialog::SetCaption(const std::string& caption) {
 }
 
 void OfficeDialog::Tell(const std::function<void()>& handler) {
-    const Running running(handlers_);
-    handler();
+    told_ = nullptr;
+    {
+        const Running running(handlers_);
+        handler();
+    }
+    TellLater(); // of what happened meanwhile
 }
 
 void OfficeDialog::OnPressed(const OfficeControl& control) {
@@ -236,6 +245,7 @@ void OfficeDialog::OnPressed(const OfficeControl& control) {
         if (!TellLeft()) {
             return; // the field is wrong, and a box said so
         }
+        TellChanged();
         CommitSearches(); // keys press a button without moving the focus out of the edited field
     }
     Tell([&] { Events().OnClick(control.Design().name); });
@@ -245,12 +255,16 @@ void OfficeDialog::OnItem(OfficeControl& control) {
     if (IsOwnChange()) {
         return;
     }
-    if (control.Design().kind == ControlKind::CheckBox) {
+    if (handlers_ > 0) { // a screen reader chooses and types behind a box, too
+        changed_.push_back(&control);
+    } else if (control.Design().kind == ControlKind::CheckBox) {
         Tell([&] { Events().OnClick(control.Design().name); });
     } else if (control.Search() != nullptr) {
         OnText(control);
-    } else {
+    } else if (told_ != &control || toldChoice_ != control.Selected()) {
         Tell([&] { Events().OnChange(control.Design().name); });
+        told_ = &control;
+        toldChoice_ = control.Selected();
     }
 }
 
@@ -258,8 +272,13 @@ void OfficeDialog::OnText(OfficeControl& control) {
     if (IsOwnChange()) {
         return;
     }
+    if (handlers_ > 0) {
+        changed_.push_back(&control);
+        return;
+    }
     bool isTold = control.Search() == nullptr;
     if (!isTold) {
+        ReadRows(*control.Search());
         const OwnChange own(*this);
         isTold = control.Search()->OnText();
         TellLater();
@@ -271,10 +290,7 @@ void OfficeDialog::OnText(OfficeControl& control) {
 
 void OfficeDialog::OnFocus(OfficeControl& control) {
     OfficeControl* const left = std::exchange(focused_, &control);
-    if (control.Search() != nullptr) {
-        const OwnChange own(*this);
-        control.Search()->Prepare();
-    }
+    PrepareFocused();
     if (left == nullptr || left == &control ||
         control.Design().name == std::string_view(Design().cancelButton)) {
         return;
@@ -315,6 +331,29 @@ bool OfficeDialog::TellLeft() {
         }
     }
     return focusMoves_ == focusMoves;
+}
+
+void OfficeDialog::TellChanged() {
+    while (!changed_.empty() && handlers_ == 0 && !isHidden_) {
+        OfficeControl* const changed = changed_.front();
+        changed_.erase(changed_.begin());
+        changed->Design().kind == ControlKind::TextBox ? OnText(*changed) : OnItem(*changed);
+    }
+}
+
+void OfficeDialog::PrepareFocused() {
+    SearchBox* const search = focused_ != nullptr ? focused_->Search() : nullptr;
+    if (search != nullptr && handlers_ == 0 && !isHidden_ && focused_->IsEnabled()) {
+        ReadRows(*search);
+        const OwnChange own(*this);
+        search->Prepare();
+    }
+}
+
+void OfficeDialog::ReadRows(const SearchBox& search) {
+    if (!search.AreRowsRead()) {
+        Tell([&] { search.ReadRows(); });
+    }
 }
 
 void OfficeDialog::SettleSearches() {

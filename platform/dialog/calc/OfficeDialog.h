@@ -9,6 +9,7 @@
 #include <com/sun/star/awt/XControlContainer.hpp>
 #include <com/sun/star/awt/XDialog2.hpp>
 #include <com/sun/star/awt/XWindow.hpp>
+#include <optional>
 #include <rtl/ref.hxx>
 
 namespace qel::office {
@@ -45,10 +46,15 @@ private:
     bool OnKey(sal_Int16 key);
     void Commit(OfficeControl& control);
     void CommitSearches();
+    /// Fills the searchable list that has the focus. While a handler runs, later.
+    void PrepareFocused();
+    /// Reading may show boxes, as a handler may.
+    void ReadRows(const SearchBox& search);
     void SettleSearches();
     void TellLater();
     /// Tells of the fields that were left. False when a handler moved the focus back to one.
     bool TellLeft();
+    void TellChanged();
     void Tell(const std::function<void()>& handler);
     void Centre();
     com::sun::star::uno::Reference<com::sun::star::awt::XWindow> WindowOf(const OfficeControl& control) const;
@@ -58,10 +64,14 @@ private:
     com::sun::star::uno::Reference<com::sun::star::awt::XControl> window_;
     std::vector<rtl::Reference<ControlListener>> listeners_;
     rtl::Reference<LaterCall> later_;
-    OfficeControl* focused_ = nullptr; ///< the control that had the focus last
-    std::vector<OfficeControl*> left_; ///< fields that lost the focus and whose handler has not run yet
-    int handlers_ = 0;                 ///< that run, and may show boxes
-    int focusMoves_ = 0;               ///< by the program
+    OfficeControl* focused_ = nullptr;    ///< the control that had the focus last
+    std::vector<OfficeControl*> left_;    ///< fields that lost the focus and whose handler has not run yet
+    std::vector<OfficeControl*> changed_; ///< by choices whose handler has not run yet
+    /// A choice that was told right before: the office says twice what a screen reader chooses.
+    const OfficeControl* told_ = nullptr;
+    std::optional<std::size_t> toldChoice_;
+    int handlers_ = 0;   ///< that run, and may show boxes
+    int focusMoves_ = 0; ///< by the program
     bool isShown_ = false;
     bool isHidden_ = false; ///< the program ended it
 };

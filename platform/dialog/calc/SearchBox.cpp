@@ -28,8 +28,14 @@ void SearchBox::Select(std::optional<std::size_t> row) {
     Choose(row);
 }
 
+void SearchBox::ReadRows() const {
+    if (const auto rows = rows_) {
+        static_cast<void>(rows->RowCount());
+    }
+}
+
 void SearchBox::Prepare() {
-    if (isFilled_ || !rows_) {
+    if (AreRowsRead()) {
         return;
     }
     isFilled_ = true;

@@ -29,6 +29,8 @@ public:
     /// The window, once there is one.
     void Attach(const DropDown::Control& control) { list_.emplace(control); }
 
+    [[nodiscard]] bool AreRowsRead() const { return isFilled_ || !rows_; }
+    void ReadRows() const;
     /// Fills the list before its first use.
     void Prepare();
     /// The user edited the text or picked one. True when another row is chosen.
