@@ -58,7 +58,7 @@ Results CallBatch::Evaluate(std::span<const BatchedCall> calls) {
             const std::size_t place = asked.places[i];
             if (const auto& answer = answers[asked.queryOf[i]]) {
                 cells->locale = *calls[place].locale;
-                results[place] = cells->function.Complete(std::move(asked.prepared[i]), *answer);
+                results[place] = cells->function.Complete(asked.prepared[i], *answer);
             }
         }
     }

@@ -11,9 +11,9 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Tell whether formulas can read the cubes of a file";
+constexpr const char* cubeCheckDescription = "Check whether formulas can read the cubes of a file";
 
-constexpr const char* footer =
+constexpr const char* cubeCheckFooter =
     R"(Checks that each cube, or the one that is named, has every dimension, hierarchy and level that the formulas name
 and that its dates are read as periods, then evaluates one formula. It lists what is missing and which arguments
 fail without it; the exit status is then 1.
@@ -41,8 +41,8 @@ void Check(const std::string& file, const std::string& cubeName, CommandContext&
 } // namespace
 
 void AddCubeCheckCommand(CLI::App& cube, CommandContext& context) {
-    auto* command = cube.add_subcommand("check", description);
-    command->footer(footer);
+    auto* command = cube.add_subcommand("check", cubeCheckDescription);
+    command->footer(cubeCheckFooter);
     struct Arguments {
         std::string file, cube;
     };

@@ -14,9 +14,10 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Write a cube file's schema, tables and rows, to fill a server with";
+constexpr const char* cubeExportDescription =
+    "Write a cube file's schema, tables and rows, to fill a server with";
 
-constexpr const char* footer =
+constexpr const char* cubeExportFooter =
     R"(Writes into DIR a Mondrian schema for each cube (CUBE.xml), tables.sql and rows.sql; docs/servers.md says
 how a server is set up with them.
 
@@ -47,8 +48,8 @@ void Export(const ExportArguments& arguments, CommandContext& context) {
 } // namespace
 
 void AddCubeExportCommand(CLI::App& cube, CommandContext& context) {
-    auto* command = cube.add_subcommand("export", description);
-    command->footer(footer);
+    auto* command = cube.add_subcommand("export", cubeExportDescription);
+    command->footer(cubeExportFooter);
     auto arguments = std::make_shared<ExportArguments>();
     command->add_option("FILE", arguments->file, "The cube file")->required();
     command->add_option("--schema", arguments->schema, "The kind of server that the schema is for")

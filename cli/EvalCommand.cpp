@@ -21,9 +21,9 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Print the value of each formula on a line of its own";
+constexpr const char* evalDescription = "Print the value of each formula on a line of its own";
 
-constexpr const char* footer =
+constexpr const char* evalFooter =
     R"(A formula is the text of a cell. Functions: QelF1, QeL1, QelName, RetQelName, QelFuncDemo; the class's name
 before them (OrmFunctionQel4.OrmQelFunction.) may be left out. Arguments: "text" (a quote inside is doubled),
 numbers, TRUE, FALSE, DATE(y,m,d), array constants {"a","b"}, or nothing between two commas. Keys of the five list
@@ -230,8 +230,8 @@ void EvaluateLines(Evaluator& evaluator, CommandContext& context) {
 } // namespace
 
 void AddEvalCommand(CLI::App& app, CommandContext& context) {
-    auto* command = app.add_subcommand("eval", description);
-    command->footer(footer);
+    auto* command = app.add_subcommand("eval", evalDescription);
+    command->footer(evalFooter);
     auto formulas = std::make_shared<std::vector<std::string>>();
     command->add_option("FORMULA", *formulas,
                         "The text of a cell; without any, one is read from each line of "

@@ -18,9 +18,10 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Show how a formula gets its value: keys, connection, statement, times";
+constexpr const char* explainDescription =
+    "Show how a formula gets its value: keys, connection, statement, times";
 
-constexpr const char* footer =
+constexpr const char* explainFooter =
     R"(The statement stands exactly as it was sent between the lines "---- statement ----" and
 "---- end of statement ----". Errors that the formula shows as 0 (QelF1) or "-" (QelName) are printed. For a
 0 it prints the reason: dates that select no period, unknown members with the nearest existing ones, or the restriction
@@ -82,12 +83,9 @@ private:
             return;
         }
         constexpr const char* names[] = {"ObsName", "ObsNum", "ObsLevel", "ObsMember", "Activity"};
-        std::vector<KeyList> lists;
+        std::size_t number = 0;
         for (const auto list : valueCallLists) {
-            lists.push_back(KeysOf(call_.function, value->*list, context_.locale));
-        }
-        for (std::size_t i = 0; i < lists.size(); ++i) {
-            PrintKeyList(names[i], lists[i]);
+            PrintKeyList(names[number++], KeysOf(call_.function, value->*list, context_.locale));
         }
     }
 
@@ -219,8 +217,8 @@ void Explain(CommandContext& context, const std::string& formula) {
 } // namespace
 
 void AddExplainCommand(CLI::App& app, CommandContext& context) {
-    auto* command = app.add_subcommand("explain", description);
-    command->footer(footer);
+    auto* command = app.add_subcommand("explain", explainDescription);
+    command->footer(explainFooter);
     auto formula = std::make_shared<std::string>();
     auto dates = std::make_shared<bool>(false);
     command->add_option("FORMULA", *formula, "The text of a cell");

@@ -13,7 +13,7 @@ namespace qel {
 
 namespace {
 
-constexpr const char* footer =
+constexpr const char* langFooter =
     R"(Of every language in the table, and of English (0) and Hebrew (1) in any case, prints how many rows it has and
 which numbers are missing, have no text, occur twice or are unknown to this component. Unknown numbers are no fault:
 the suite's other programs have texts of their own. Exit status 1 when English or Hebrew has any other finding.
@@ -61,7 +61,7 @@ void AddLangCommand(CLI::App& app, CommandContext& context) {
     lang->require_subcommand(1);
     lang->fallthrough();
     auto* check = lang->add_subcommand("check", "List what a language table Lang.rs lacks");
-    check->footer(footer);
+    check->footer(langFooter);
     auto file = std::make_shared<std::string>();
     check->add_option("FILE", *file, "The language table, in XML form")->required();
     check->callback([file, &context] { Check(context, *file); });

@@ -28,6 +28,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <csignal>
 #include <iostream>
 #include <optional>
 
@@ -191,6 +192,7 @@ int Fail(const std::string& reason) {
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     std::cin.tie(nullptr);
+    std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit of a file's size fails instead
     // Results that go to a file or a program stay as they are.
     const qel::ShownStream messages(std::cerr);
     std::optional<qel::ShownStream> results;

@@ -133,9 +133,9 @@ private:
     }
 
     static std::vector<std::string> LevelNames(const Hierarchy& hierarchy) {
-        std::vector<std::string> names;
+        std::vector<std::string> names(static_cast<std::size_t>(hierarchy.LevelCount()));
         for (std::int32_t i = 0; i < hierarchy.LevelCount(); ++i) {
-            names.push_back(hierarchy.LevelAt(i)->Name());
+            names[static_cast<std::size_t>(i)] = hierarchy.LevelAt(i)->Name();
         }
         return names;
     }

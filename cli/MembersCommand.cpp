@@ -16,10 +16,10 @@ namespace {
 
 using namespace ModSetCube;
 
-constexpr const char* description =
+constexpr const char* membersDescription =
     "List accounts, OBS members, cost centres, activities or summary groups of a cube";
 
-constexpr const char* footer =
+constexpr const char* membersFooter =
     R"(KIND, and the options that it needs:
   accounts        --obs; --firma         codes and names
   account-codes   --obs; --firma         codes alone; with --recordset
@@ -265,8 +265,8 @@ void ListMembers(CommandContext& context, const MembersOptions& options) {
 } // namespace
 
 void AddMembersCommand(CLI::App& app, CommandContext& context) {
-    auto* command = app.add_subcommand("members", description);
-    command->footer(footer);
+    auto* command = app.add_subcommand("members", membersDescription);
+    command->footer(membersFooter);
     auto options = std::make_shared<MembersOptions>();
     command->add_option("CUBEFILE", options->cubeFile, "The cube file")->required();
     command->add_option("CUBENAME", options->cubeName, "The cube in it")->required();

@@ -21,9 +21,9 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Show the suite's settings: value, and where each stands";
+constexpr const char* settingsDescription = "Show the suite's settings: value, and where each stands";
 
-constexpr const char* footer =
+constexpr const char* settingsFooter =
     R"(Settings that the suite keeps in the registry stand in settings.ini of the configuration folder
 ($XDG_CONFIG_HOME/qel or ~/.config/qel); the rest in Qel.ini and Cub.ini of the folder MDBPath.
 
@@ -207,8 +207,8 @@ void MakeDatabase(CommandContext& context) {
 } // namespace
 
 void AddSettingsCommand(CLI::App& app, CommandContext& context) {
-    auto* command = app.add_subcommand("settings", description);
-    command->footer(footer);
+    auto* command = app.add_subcommand("settings", settingsDescription);
+    command->footer(settingsFooter);
     command->fallthrough();
     command->require_subcommand(0, 1);
     command->callback([command, &context] {

@@ -13,7 +13,7 @@ namespace qel {
 
 namespace {
 
-constexpr const char* description = "Write man pages and the completions of shells";
+constexpr const char* shellFilesDescription = "Write man pages and the completions of shells";
 
 void Write(const std::filesystem::path& file, const std::string& text) {
     std::filesystem::create_directories(file.parent_path());
@@ -42,7 +42,7 @@ void WriteShellFiles(const CLI::App& program, const std::string& version,
 } // namespace
 
 void AddShellFilesCommand(CLI::App& app, const std::string& version) {
-    auto* command = app.add_subcommand("shell-files", description);
+    auto* command = app.add_subcommand("shell-files", shellFilesDescription);
     command->group("");
     auto folder = std::make_shared<std::string>();
     command->add_option("FOLDER", *folder, "The folder to write into")->required();

@@ -5,6 +5,8 @@
 
 namespace qel {
 
+/// An ASCII digit.
+constexpr bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 /// Without the blanks (character 32 only) at both ends; tabs and no-break spaces stay.
 std::string_view Trimmed(std::string_view text);
 /// Trims in place; an argument passed by reference comes back trimmed.

@@ -20,8 +20,6 @@ namespace {
 constexpr int secondsADay = 24 * 60 * 60;
 constexpr int lastYearOf2000s = 29; // two-digit years up to this one are in the 2000s
 
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
 /// A number in a text, with its count of digits: "05" and "5" differ from "2005".
 struct Number {
     int value = 0;

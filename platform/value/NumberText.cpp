@@ -1,5 +1,7 @@
 #include "platform/value/NumberText.h"
 
+#include "text/Text.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -11,8 +13,6 @@
 namespace qel {
 
 namespace {
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
 
 bool IsWhite(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 

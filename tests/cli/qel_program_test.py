@@ -6,6 +6,7 @@ import json
 import os
 import pathlib
 import pty
+import resource
 import shutil
 import signal
 import struct
@@ -146,6 +147,62 @@ class Eval(WithBooks):
                 os.close(folder)
             self.assertEqual((done.returncode, done.stdout), (1, ""), command)
             self.assertIn("standard input cannot be read", done.stderr, command)
+
+
+class Definitions(WithBooks):
+    """What the definition of a cube can say besides the columns of its tables."""
+
+    def build(self, *replacements):
+        folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="qel-test-")))
+        copy_books(folder / "books", "")
+        definition = folder / "books" / "books.json"
+        text = definition.read_text(encoding="utf-8")
+        for part, replacement in replacements:
+            self.assertIn(part, text)
+            text = text.replace(part, replacement, 1)
+        definition.write_text(text, encoding="utf-8")
+        return folder / "c.cub", run("cube", "build", definition, "--output", folder / "c.cub")
+
+    def test_calculations_are_listed_and_asked_as_stored_members(self):
+        cube, (status, _, errors) = self.build(('"BooksFNC",', """"BooksFNC",
+            "calculatedMembers": [{"name": "[Measures].[Turned]", "formula": "-[Measures].[Amount]",
+                                   "format": "#,##0.00", "solveOrder": 2}],
+            "namedSets": [{"name": "Firms", "formula": "[Firma].Children"}],"""))
+        self.assertEqual((status, errors), (0, ""))
+        lines = [line.split() for line in run("cube", "info", cube)[1].splitlines()]
+        self.assertIn(["[Measures].[Turned]", "-[Measures].[Amount]", "#,##0.00", "2"], lines)
+        self.assertIn(["Firms", "[Firma].Children"], lines)
+        self.assertEqual(run("cube", "verify", cube)[0], 0)
+        self.assertEqual(run("eval", value_formula(cube, measure="Turned", account="4000"))[1], "1500.3\n")
+        self.assertEqual(run("mdx", cube, "BooksFNC", "--csv",
+                             "SELECT {[Measures].[Turned]} ON 0, Firms ON 1 FROM BooksFNC")[1],
+                         "Firma,Turned\n10,630.25\n20,299.70\n")
+
+    def test_calculations_that_do_not_fit_are_refused(self):
+        cube, (status, _, errors) = self.build(('"BooksFNC",', '''"BooksFNC",
+            "calculatedMembers": [{"name": "[Measures].[Net]", "formula": "[Measures].[Amont]"}],'''))
+        self.assertEqual(status, 1)
+        self.assertIn("books.json: cubes[0].calculatedMembers[0]: the cube's definition of [Measures].[Net], line 1, "
+                      "column 12: [Measures] has no member [Amont]", errors)
+        self.assertFalse(cube.exists())
+
+    def test_months_have_names_in_a_second_calendar_too(self):
+        months = ["January", "February", "\u05de\u05e8\u05e5", "April", "May", "June", "July", "August", "September",
+                  "October", "November", "December"]
+        calendar = '"calendar": { "periods": "months", "quarters": true'
+        named = f'{calendar}, "monthNames": {json.dumps(months)} }} }}'
+        cube, (status, _, errors) = self.build(
+            ('{ "file": "ledger.csv" }', '{ "file": "ledger.csv", "columns": { "date": "date", "due": "date" } }'),
+            (f'{{ "name": "Date", "column": "date", {calendar} }} }}',
+             f'{{ "name": "Date", "column": "date", {named}, {{ "name": "Due", "column": "due", {named}'))
+        self.assertEqual((status, errors), (0, ""))
+        self.assertEqual(run("mdx", cube, "BooksFNC", "--csv",
+                             "SELECT {[Measures].[Amount]} ON 0, CrossJoin([Date].[Month].Members, {[Due].[2024].[Q1]}) "
+                             "ON 1 FROM BooksFNC")[1],
+                         "Month,Quarter,Amount\nJanuary 2024,2024-Q1,-1000.30\nFebruary 2024,2024-Q1,-199.95\n"
+                         "\u05de\u05e8\u05e5 2024,2024-Q1,200.30\nApril 2024,2024-Q1,\n")
+        self.assertEqual(run("eval", value_formula(cube, dates='"01/01/2024","29/02/2024"'))[1],
+                         run("eval", self.formula(dates='"01/01/2024","29/02/2024"'))[1])
 
 
 class ChangedCube(WithBooks):
@@ -334,6 +391,19 @@ class Mdx(WithBooks):
                                   "key": "2024-01"})
         self.assertEqual(run("mdx", self.cube, "BooksFNC", statement, "--names", "codes")[0], 2)
 
+    def test_the_name_of_a_set_takes_little_memory(self):
+        def kilobytes(firms):
+            statement = f"WITH MEMBER [Measures].[n] AS Count({firms}) SELECT {{[Measures].[n]}} ON 0 FROM BooksFNC"
+            with subprocess.Popen([QEL, "mdx", self.cube, "BooksFNC", statement], stdout=subprocess.PIPE) as program:
+                self.assertEqual(program.stdout.read().split(), [b"n", b"2"])
+                _, status, used = os.wait4(program.pid, 0)
+                program.returncode = os.waitstatus_to_exitcode(status)
+            self.assertEqual(program.returncode, 0)
+            return used.ru_maxrss
+
+        firms = "Filter([Firma].Children AS s, s.CurrentOrdinal < 2)"
+        self.assertLess(kilobytes(firms), kilobytes("[Firma].Children") + 50_000)
+
     def test_json_has_null_for_an_empty_cell(self):
         statement = self.STATEMENT.replace("[Firma].[20]", "[Firma].[10]")
         status, output, _ = run("mdx", self.cube, "BooksFNC", statement, "--json")
@@ -443,6 +513,15 @@ class Interrupted(unittest.TestCase):
             self.assertEqual((build.returncode, errors.decode()), (1, "qel: interrupted; the cube file is as it was\n"))
             self.assertEqual(sorted(file.name for file in self.path.iterdir()), ["long.csv", "long.cub", "long.json"])
         self.assertEqual(old.read_text(), "the old file")
+
+    def test_a_limit_of_file_sizes_is_told(self):
+        built = subprocess.run([QEL, "cube", "build", self.path / "long.json", "--output", self.path / "x.cub"],
+                               capture_output=True, text=True, timeout=120,
+                               preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (4096, 4096)))
+        self.assertEqual(built.returncode, 1)
+        self.assertIn("x.cub", built.stderr)
+        self.assertIn("File too large", built.stderr)
+        self.assertEqual(sorted(file.name for file in self.path.iterdir()), ["long.csv", "long.json"])
 
     def test_the_bar_fits_the_terminal(self):
         for columns, kind, widest in ((20, "xterm", 19), (200, "xterm", 60), (80, "dumb", 0)):

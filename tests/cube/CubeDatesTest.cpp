@@ -1,5 +1,6 @@
 #include "cube/CubeDates.h"
 
+#include "tests/helpers/Day.h"
 #include "tests/helpers/ErrorOf.h"
 #include "tests/helpers/doubles/RecordingProvider.h"
 
@@ -10,12 +11,11 @@
 namespace qel::ModSetCube {
 namespace {
 
+using test::Day;
 using test::LedgerProvider;
 using test::MonthlyDates;
 using test::RecordingProvider;
 using test::ScriptedDimension;
-
-AutomationDate Day(int year, int month, int day) { return DateFromDay({year, month, day}); }
 
 /// All, Year, Quarter, Month, Day: 31 December 2019 and 1 and 2 January 2020, quarters named oddly.
 ScriptedDimension DailyDates() {

@@ -4,6 +4,7 @@
 #include "cube/CubeDates.h"
 #include "cube/NameQuery.h"
 #include "cube/ObsMembers.h"
+#include "tests/helpers/Day.h"
 #include "tests/helpers/doubles/RecordingProvider.h"
 
 #include <gmock/gmock.h>
@@ -24,7 +25,7 @@ struct Call : ValueCall {
     Call() : ValueCall{.CubeName = "Finance", .Summary_Group = "All", .Measure = "Amount"} {}
 
     ValueKeys keys{"1", "12", "All", "", "All"};
-    DayRange days{DateFromDay({2020, 1, 1}), DateFromDay({2020, 3, 31})};
+    DayRange days{test::Day(2020, 1, 1), test::Day(2020, 3, 31)};
 };
 
 class CubeValueTest : public ::testing::Test {

@@ -1,5 +1,6 @@
 #include "cube/PeriodSelection.h"
 
+#include "tests/helpers/Day.h"
 #include "tests/helpers/ErrorOf.h"
 
 #include <gtest/gtest.h>
@@ -7,10 +8,10 @@
 namespace qel::ModSetCube {
 namespace {
 
+using test::Day;
+
 /// Marks an omitted day.
 constexpr CalendarDay none{1899, 12, 30};
-
-AutomationDate Day(int year, int month, int day) { return DateFromDay({year, month, day}); }
 
 DateTable TableOf(std::vector<AutomationDate> dates, std::vector<std::string> names) {
     return {dates, std::move(names), dates.front(), dates.back()};

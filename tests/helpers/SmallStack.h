@@ -7,7 +7,7 @@
 
 namespace qel::test {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__) || !defined(NDEBUG)
 #define QEL_STACK_IS_WIDENED
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -15,7 +15,7 @@ namespace qel::test {
 #endif
 #endif
 
-#ifdef QEL_STACK_IS_WIDENED // a sanitizer's frames are up to ten times as large
+#ifdef QEL_STACK_IS_WIDENED // frames of a sanitizer or a debugger are up to ten times as large
 inline constexpr std::size_t smallStackBytes = std::size_t{4} << 20U;
 #else
 inline constexpr std::size_t smallStackBytes = std::size_t{256} << 10U;

@@ -26,6 +26,7 @@ public:
 template <class Item>
 std::vector<Item*> PointersTo(auto& items) {
     std::vector<Item*> pointers;
+    pointers.reserve(std::size(items));
     for (auto& item : items) {
         pointers.push_back(&item);
     }

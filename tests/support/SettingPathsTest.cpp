@@ -96,7 +96,7 @@ TEST_F(FilesTest, MakesAFolderOfOneLevelOrTellsWhyNot) {
                                                           {"/a.tmp", 75},
                                                           {"/a.tmp/new", 76}};
     for (const auto& [name, number] : cases) {
-        const auto error = test::FailureOf([&] { MakeFolder(PathOf(name)); });
+        const auto error = test::FailureOf([&, path = PathOf(name)] { MakeFolder(path); });
         EXPECT_EQ(error.Number(), number) << name;
         EXPECT_EQ(error.Description().find(PathOf(name)) == std::string::npos, number == 0)
             << error.Description();

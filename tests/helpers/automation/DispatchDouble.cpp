@@ -56,7 +56,8 @@ void DispatchDouble::Value(const std::wstring& name, const Variant& value) {
 
 void DispatchDouble::Property(const std::wstring& name, std::function<Variant()> value) {
     Define(
-        name, [value](const Inputs&) { return windows::ToAutomation(value()); }, DISPATCH_PROPERTYGET);
+        name, [value = std::move(value)](const Inputs&) { return windows::ToAutomation(value()); },
+        DISPATCH_PROPERTYGET);
 }
 
 void DispatchDouble::Method(const std::wstring& name, std::function<void(const Inputs& inputs)> work) {
@@ -69,7 +70,7 @@ void DispatchDouble::Put(const std::wstring& name, std::function<void(const Inpu
 
 void DispatchDouble::Child(const std::wstring& name, Maker make) {
     Define(
-        name, [make](const Inputs&) { return ObjectValue(make()); }, DISPATCH_PROPERTYGET);
+        name, [make = std::move(make)](const Inputs&) { return ObjectValue(make()); }, DISPATCH_PROPERTYGET);
 }
 
 void* DispatchDouble::Find(REFIID id) {

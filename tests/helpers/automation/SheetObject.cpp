@@ -46,7 +46,9 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
         for (std::int32_t row = 0; row < rows; ++row) {
             for (std::int32_t column = 0; column < columns; ++column) {
                 const CellPlace place{first.row + row, first.column + column};
-                values[place] = TextIn(table.elements[static_cast<std::size_t>(column * rows + row)]);
+                values[place] =
+                    TextIn(table.elements[static_cast<std::size_t>(column) * static_cast<std::size_t>(rows) +
+                                          static_cast<std::size_t>(row)]);
                 log.push_back(NameOf(place) + " = " + values[place]);
             }
         }

@@ -83,7 +83,7 @@ ComPointer<IDispatch> MakeColumn(const std::shared_ptr<TableState>& table, const
 ComPointer<IDispatch> MakeTable(const SharedLog& log) {
     return MakeCounted(log, [](DispatchDouble& table) {
         const auto state = std::make_shared<TableState>();
-        const auto columns = MakeObject([&](DispatchDouble& object) {
+        auto columns = MakeObject([&](DispatchDouble& object) {
             object.Method(L"Append", [state](const Inputs& inputs) {
                 state->columns.push_back({TextAt(inputs, 0), NumberAt(inputs, 1), NumberAt(inputs, 2), 0});
             });
@@ -99,7 +99,7 @@ ComPointer<IDispatch> MakeTable(const SharedLog& log) {
 
 ComPointer<IDispatch> MakeCatalog(const SharedLog& log) {
     return MakeCounted(log, [&](DispatchDouble& catalog) {
-        const auto tables = MakeObject([&](DispatchDouble& object) {
+        auto tables = MakeObject([&](DispatchDouble& object) {
             object.Method(L"Append", [log](const Inputs& inputs) {
                 const auto state = TableObjects().at(V_DISPATCH(inputs.at(0)));
                 Note(log, state->Description());

@@ -47,6 +47,8 @@ public:
 
     SeenBox seen;
     std::function<void(HWND)> onText; ///< gets the window of the text
+    /// Optional: the button for a box, when there are several boxes.
+    std::function<int(const SeenBox& box)> choose;
 
 private:
     static void CALLBACK Look(HWND, UINT, UINT_PTR, DWORD) {
@@ -60,7 +62,8 @@ private:
             return TRUE;
         }
         current_->Read(window);
-        ::PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(current_->button_), 0);
+        const int button = current_->choose ? current_->choose(current_->seen) : current_->button_;
+        ::PostMessageW(window, WM_COMMAND, static_cast<WPARAM>(button), 0);
         return FALSE;
     }
     static BOOL CALLBACK LookAtPart(HWND part, LPARAM) {

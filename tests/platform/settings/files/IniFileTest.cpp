@@ -94,18 +94,19 @@ TEST(IniFile, LosesNoEntryWhenManyWriteAtOnce) {
     const TemporaryFolder folder;
     const auto own = folder.Write("elsewhere.txt", "of somebody else");
     std::filesystem::create_symlink(own, folder.Path("s.ini.new"));
-    constexpr int writers = 6, writes = 10;
+    constexpr std::size_t writers = 6, writes = 10;
     {
         std::vector<std::jthread> threads;
-        for (int writer = 0; writer < writers; ++writer) {
+        threads.reserve(writers);
+        for (std::size_t writer = 0; writer < writers; ++writer) {
             threads.emplace_back([writer, path = folder.Path("s.ini")] {
-                for (int i = 0; i < writes; ++i) {
+                for (std::size_t i = 0; i < writes; ++i) {
                     IniFile(path).Set("Qel", fmt::format("w{}_{}", writer, i), "1");
                 }
             });
         }
     }
-    EXPECT_EQ(IniFile(folder.Path("s.ini")).Entries("Qel").size(), std::size_t{writers * writes});
+    EXPECT_EQ(IniFile(folder.Path("s.ini")).Entries("Qel").size(), writers * writes);
     EXPECT_EQ(folder.Read("elsewhere.txt"), "of somebody else") << "no link is followed";
 }
 

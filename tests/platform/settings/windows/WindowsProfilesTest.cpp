@@ -64,7 +64,7 @@ TEST_F(WindowsProfilesTest, ReadsTheLanguageAsTheSuiteWroteIt) {
         {"the first of two", "[Qel]\r\nQelUILanguage=1\r\nQelUILanguage=2\r\n", "1"},
         {"another section's", "[Other]\r\nQelUILanguage=1\r\n", ""},
         {"UTF-16", Utf16("[Qel]\r\nQelUILanguage=עברית\r\n"), "עברית"},
-        {"junk", std::string("\0\x01[[[Qel\r\n=1\r\n]", 17), ""},
+        {"junk", std::string("\0\x01[[[Qel\r\n=1\r\n]", 15), ""},
         {"nothing", "", ""},
         {"longer than the buffer", "[Qel]\r\nQelUILanguage=" + std::string(300, 'x') + "\r\n",
          std::string(254, 'x')},

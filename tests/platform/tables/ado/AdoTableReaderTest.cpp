@@ -32,7 +32,7 @@ ComPointer<IDispatch> MakeRecordset(const std::shared_ptr<SavedTable>& saved) {
                                                NumberAt(inputs, 2), NumberAt(inputs, 3),
                                                NumberAt(inputs, 4)));
             if (saved->openFailure) {
-                throw *saved->openFailure;
+                throw ScriptedFailure(*saved->openFailure);
             }
         });
         recordset.Method(L"Close", [saved](const Inputs&) { saved->calls.emplace_back("close"); });
