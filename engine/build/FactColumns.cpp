@@ -48,7 +48,7 @@ private:
             const std::string_view field = reader_.Key(keyFields_[i]);
             const auto number = keyColumns_[i].NumberOf(field, dates);
             if (!number) {
-                reader_.ReportBad(keyFields_[i], keyColumns_[i].FaultOf(field, dates));
+                reader_.ReportBad(keyFields_[i], keyColumns_[i].FaultOf(field, reader_.Table()));
                 return false;
             }
             numbers_[i] = *number;
@@ -129,7 +129,7 @@ private:
             example += format.decimal + std::string("567890123").substr(0, decimals);
         }
         return fmt::format("expected an amount such as {}, with at most {} decimals, found \"{}\"{}", example,
-                           decimals, field, AmountRemedy(field, format, decimals));
+                           decimals, field, AmountRemedy(field, reader_.Table(), decimals));
     }
 
     void AddRow() {

@@ -257,6 +257,7 @@ class Files(InFolder):
             ("firm:amount\na:1\n", {}, 'set "delimiter"'),
             ('firm,amount\na,"1,234.5"\n', {}, 'set "decimal": ".", "thousands": ","'),
             ("firm,amount\na,1.005\n", {}, 'set "decimals": 3'),
+            ('firm,amount\na,5 ab.\n', {}, 'take "ab" away: beside an amount only a currency may stand'),
             ("firm,amount\na,$5\na,€5\n", {}, '"€5" is in €, and amounts before it are in $'),
             ("firm,firm,amount\na,b,1\n", {}, 'two columns are named "firm"'),
         ]
