@@ -81,15 +81,25 @@ TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const
     TableDefinition table;
     table.name = name;
     JsonObject object(place);
+/// Reads one kind of warnings, or an array of kinds.
+std::vector<std::string> ReadAccepted(const JsonPlace& place, const std::vector<std::string>& kinds) {
+    std::vector<std::string> accepted;
+    for (const JsonPlace& element :
+         place.value->is_string() ? std::vector<JsonPlace>{place} : place.Elements()) {
+        accepted.push_back(kinds[element.OneOf(kinds)]);
+    }
+    return accepted;
+}
+
     if (const auto odbc = object.Optional("odbc")) {
         ReadDatabase(object, *odbc, table);
     } else {
         table.format = defaults;
         table.file = folder / std::filesystem::path(object.Required("file").Text());
         ReadFileFormat(object, table.format);
-        if (const auto accept = object.Optional("accept")) {
-            table.acceptsOpenLine = accept->OneOf({lastLine}) == 0;
-        }
+    }
+    if (const auto accept = object.Optional("accept")) {
+        table.accepted = ReadAccepted(*accept, {lastLine, noRows, hebrewEncoding});
     }
     ReadValueFormat(object, table.format);
     if (const auto columns = object.Optional("columns")) {
@@ -173,7 +183,7 @@ private:
             place.Fail("a main dimension needs a \"column\"");
         }
         if (const auto accept = object.Optional("accept")) {
-            ReadAccepted(*accept, dimension);
+            dimension.accepted = ReadAccepted(*accept, {severalParents, equalNames, dateOrder, dateMembers});
         }
         ReadMemberSource(object, dimension);
         object.HintFor("parent", ownLevels);
@@ -201,14 +211,6 @@ private:
         if (dimension.column && dimension.keys.size() != dimension.columns.size()) {
             key->Fail(fmt::format("expected as many columns as \"column\" has, which is {}",
                                   dimension.columns.size()));
-        }
-    }
-
-    static void ReadAccepted(const JsonPlace& place, DimensionDefinition& dimension) {
-        const std::vector<std::string> kinds = {severalParents, equalNames, dateOrder, dateMembers};
-        for (const JsonPlace& element :
-             place.value->is_string() ? std::vector<JsonPlace>{place} : place.Elements()) {
-            dimension.accepted.push_back(kinds[element.OneOf(kinds)]);
         }
     }
 

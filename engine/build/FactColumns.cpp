@@ -70,6 +70,10 @@ private:
         const std::string_view field = reader_.Field(column);
         const std::uint8_t decimals = measures_[measure].decimals;
         const auto amount = ParseAmount(field, reader_.Table().format, decimals);
+        if (reader_.Records().IsFloating(column) && MayLackDigits(field, amount)) {
+            reader_.ReportBad({&column, 1}, FloatingFault(field, column, decimals));
+            return false;
+        }
         if (!amount.value) {
             reader_.ReportBad({&column, 1},
                               amount.isTooLarge ? TooLarge(field, decimals) : AmountFault(field, decimals));
@@ -83,6 +87,22 @@ private:
         }
         value = *amount.value;
         return true;
+    }
+
+    /// Whether a floating-point number may have had more digits than those that were read.
+    static bool MayLackDigits(std::string_view field, const ParsedAmount& amount) {
+        constexpr std::int64_t sixteenDigits = 1'000'000'000'000'000;
+        return amount.value ? *amount.value >= sixteenDigits || *amount.value <= -sixteenDigits
+                            : amount.isTooLarge || field.find_first_of("eE") != std::string_view::npos;
+    }
+
+    std::string FloatingFault(std::string_view field, std::size_t column, std::uint8_t decimals) const {
+        return fmt::format(
+            "the number {} comes from a floating-point column, of which only 15 digits are read: too "
+            "few for {} decimals; make it exact in the query, in SQLite with printf('%.{}f', {}), "
+            "elsewhere with CAST({} AS DECIMAL(19, {})), or keep whole numbers of the smallest unit",
+            field, decimals, decimals, reader_.Records().Header()[column], reader_.Records().Header()[column],
+            decimals);
     }
 
     /// Subtracts the column that the measure subtracts, if it has one.

@@ -390,7 +390,8 @@ TEST_F(BuildTest, SaysWhatIsMissing) {
     Table("ledger", "date,firm,amount\n");
     Table("empty", "");
     std::filesystem::create_directory(folder_.Path("folder.csv"));
-    EXPECT_EQ(Fault(Define(datedFirms)), "cube C, facts of ledger.csv, column date: there are no dates; set "
+    EXPECT_EQ(Fault(Define(datedFirms)), "cube C, facts of ledger.csv (it has no lines below its header), "
+                                         "column date: there are no dates; set "
                                          "the calendar's \"from\" and \"to\"");
     const std::pair<const char*, const char*> cases[] = {
         {R"("column": "frm")",
