@@ -88,6 +88,18 @@ std::string ForShell(const std::string& text) {
     return '\'' + CLI::detail::find_and_replace(text, "'", "'\\''") + '\'';
 }
 
+/// Tells them; true when there are any.
+bool TellUnusableLines(const DraftSources& sources, std::ostream& messages) {
+    bool isAny = false;
+    for (const auto& table : sources.Tables()) {
+        for (const auto& fault : UnusableLines(table)) {
+            fmt::print(messages, "qel cube draft: {}: {}\n", PathToUtf8(table.profile.file), fault);
+            isAny = true;
+        }
+    }
+    return isAny;
+}
+
 void Draft(const DraftArguments& arguments, CommandContext& context) {
     RefuseOutput(arguments);
     const DraftSources sources(ReadTables(arguments.files, context));
@@ -96,8 +108,12 @@ void Draft(const DraftArguments& arguments, CommandContext& context) {
     auto cube = output;
     const auto cubeFile = PathToUtf8(cube.replace_extension(".cub"));
     fmt::print(context.output, "{}: look it through, then\n", arguments.output);
-    fmt::print(context.output, "  qel cube build {} --output {}\n", ForShell(arguments.output),
-               ForShell(cubeFile));
+    auto skipped = output;
+    skipped.replace_filename(output.stem()) += "-skipped.csv";
+    fmt::print(
+        context.output, "  qel cube build {} --output {}{}\n", ForShell(arguments.output), ForShell(cubeFile),
+        TellUnusableLines(sources, context.messages) ? " --skip-bad-lines " + ForShell(PathToUtf8(skipped))
+                                                     : "");
     fmt::print(context.output, "  qel cube check {}\n", ForShell(cubeFile));
     fmt::print(context.output, "  qel eval {}\n", ForShell(DraftFormula(sources, cubeFile)));
 }

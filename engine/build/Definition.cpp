@@ -37,6 +37,8 @@ private:
     std::unordered_set<std::string> names_;
 };
 
+constexpr int mostSkippedLines = 1000;
+
 /// Reads how a file is written.
 void ReadFileFormat(JsonObject& object, CsvFormat& format) {
     constexpr std::string_view delimiters = ",;\t|";
@@ -46,6 +48,9 @@ void ReadFileFormat(JsonObject& object, CsvFormat& format) {
     }
     if (const auto place = object.Optional("encoding")) {
         format.encoding = EqualIgnoringCase(place->Text(), "auto") ? "" : place->Text();
+    }
+    if (const auto place = object.Optional("skipLines")) {
+        format.skipLines = static_cast<std::uint64_t>(place->Integer(0, mostSkippedLines));
     }
 }
 
@@ -76,11 +81,6 @@ void ReadDatabase(JsonObject& object, const JsonPlace& odbc, TableDefinition& ta
     }
 }
 
-TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const CsvFormat& defaults,
-                          const std::filesystem::path& folder) {
-    TableDefinition table;
-    table.name = name;
-    JsonObject object(place);
 /// Reads one kind of warnings, or an array of kinds.
 std::vector<std::string> ReadAccepted(const JsonPlace& place, const std::vector<std::string>& kinds) {
     std::vector<std::string> accepted;
@@ -91,6 +91,11 @@ std::vector<std::string> ReadAccepted(const JsonPlace& place, const std::vector<
     return accepted;
 }
 
+TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const CsvFormat& defaults,
+                          const std::filesystem::path& folder) {
+    TableDefinition table;
+    table.name = name;
+    JsonObject object(place);
     if (const auto odbc = object.Optional("odbc")) {
         ReadDatabase(object, *odbc, table);
     } else {
