@@ -150,9 +150,9 @@ private:
         std::error_code error;
         auto path = std::filesystem::proximate(std::filesystem::absolute(file.file), folder_, error);
         auto text = fmt::format(
-            "{}    // {} lines{}{}\n    {}: {{ \"file\": {}, \"delimiter\": {}, \"decimal\": {}, "
+            "{}    // {}{}{}\n    {}: {{ \"file\": {}, \"delimiter\": {}, \"decimal\": {}, "
             "\"thousands\": {}, \"dates\": {}, \"encoding\": {}",
-            Unusable(table), file.lines,
+            Unusable(table), file.lines == 1 ? "1 line" : fmt::format("{} lines", file.lines),
             file.skipLines == 0 ? "" : fmt::format("; the header stands in line {}", file.skipLines + 1),
             file.fitsOtherDates ? "; the dates fit \"mdy\" as well, so look whether \"dmy\" is right" : "",
             Quoted(table.name), Quoted(PathToUtf8(error ? file.file : path)), Quoted(file.delimiter),
@@ -210,6 +210,10 @@ private:
             decimals = std::max(decimals, DecimalsOf(ColumnRole::Credit));
         }
         std::vector<std::string> measures = {measure("Amount", amount, decimals)};
+        if (sources_.HasRole(ColumnRole::Credit)) { // as a ledger's own totals are
+            measures.push_back(measure("Debit", nameOf(ColumnRole::Amount), decimals));
+            measures.push_back(measure("Credit", nameOf(ColumnRole::Credit), decimals));
+        }
         for (const auto further : sources_.FurtherAmounts()) {
             const auto& column = ledger.profile.columns[further];
             measures.push_back(measure(column.name, Quoted(column.name), column.decimals));

@@ -18,15 +18,24 @@ namespace {
 constexpr std::size_t longestRecord = 1 << 20;
 constexpr std::string_view notClosed = "a quote is not closed";
 
-/// The delimiter that occurs most often outside quotes; a comma when there is none.
-char DetectDelimiter(std::string_view line) {
+/// The delimiter that occurs most often outside quotes; a comma when there is none. A quoted name may go on
+/// in the next lines.
+char DetectDelimiter(LineBuffer& lines) {
+    constexpr int mostLines = 10;
     char best = ',';
-    std::size_t most = 1;
-    for (const char candidate : {',', ';', '\t', '|'}) {
-        const std::size_t count = CsvFieldsOf(line, candidate).size();
-        if (count > most) {
-            most = count;
-            best = candidate;
+    std::size_t most = 1, size = 0;
+    for (int line = 0; line < mostLines && most == 1; ++line) {
+        size += lines.LineAt(size).size();
+        const std::string_view header = lines.First(size);
+        for (const char candidate : {',', ';', '\t', '|'}) {
+            const std::size_t count = CsvFieldsOf(header, candidate).size();
+            if (count > most) {
+                most = count;
+                best = candidate;
+            }
+        }
+        if (std::count(header.begin(), header.end(), '"') % 2 == 0) {
+            break;
         }
     }
     return best;
@@ -68,7 +77,7 @@ void CsvReader::ReadHeader(std::uint64_t skipLines) {
     }
     TakeDelimiterLine();
     if (delimiter_ == 0) {
-        delimiter_ = DetectDelimiter(lines_.LineAt(0));
+        delimiter_ = DetectDelimiter(lines_);
     }
     ResetParser();
     ReadRecord();

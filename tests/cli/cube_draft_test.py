@@ -126,9 +126,10 @@ class Drafts(unittest.TestCase):
         self.assertEqual(self.amounts("[OBS].[Level1].Members"), {("North",): -5, ("South",): decimal.Decimal("7.75")})
         self.assertEqual(self.value, "-5\n")
         for credit, debit, value in (("", "7,25", "7.25\n"), ("7,25", "", "-7.25\n")):
-            self.write("ledger.csv", f"תאריך;חשבון;סכום זכות;סכום חובה\n01.02.2024;4000;{credit};{debit}\n")
-            measure = self.draft("ledger.csv", options=["--force"])["cubes"][0]["measures"][0]
-            self.assertEqual((measure["column"], measure["minus"], self.value), ("סכום חובה", "סכום זכות", value))
+            self.write("ledger.csv", f'תאריך;חשבון;סכום זכות;"סכום\nחובה";יתרה\n01.02.2024;4000;{credit};{debit};7,25\n')
+            measures = self.draft("ledger.csv", options=["--force"])["cubes"][0]["measures"]
+            self.assertEqual([measure["name"] for measure in measures], ["Amount", "Debit", "Credit", "Lines"])
+            self.assertEqual((measures[0]["column"], measures[0]["minus"], self.value), ("סכום\nחובה", "סכום זכות", value))
 
     def test_how_files_are_written(self):
         cases = [
