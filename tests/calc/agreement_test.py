@@ -7,10 +7,9 @@ import os
 import random
 import re
 import shutil
-import unittest
 
 from calc_bench import CLASS, WORK, run_qel, shown
-from keyboard_bench import KeyboardTest, eventually
+from keyboard_bench import KeyboardTest, eventually, main
 from person import Control
 
 from com.sun.star.accessibility.AccessibleRole import COMBO_BOX, LIST, TEXT
@@ -212,4 +211,4 @@ class Agreement(KeyboardTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    main()

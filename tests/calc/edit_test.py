@@ -1,8 +1,7 @@
 """Edit formula in Calc: the wizard starts with the cell's arguments, and OK writes the formula again."""
-import unittest
 
 from calc_bench import CLASS, WORK, calc_session, run_qel, shown
-from keyboard_bench import KeyboardTest, eventually
+from keyboard_bench import KeyboardTest, eventually, main
 
 ACCOUNTS = "Account Level (Q)"
 # As Calc stores it. The cube's path starts at the document.
@@ -125,4 +124,4 @@ class Edit(KeyboardTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    main()
