@@ -215,6 +215,7 @@ class ServedWizards(KeyboardTest):
         for reply in ("Once", "Always"):  # each in a new dialog, whose lists are empty until its own server has answered
             dialog.button("Cancel").press()
             self.assertEqual(call.wait(), " ")
+            (WORK / "suite" / "QelFunction17.mdb").unlink(missing_ok=True)  # as before each test
             other = Proxy(SERVER)
             self.addCleanup(other.close)
             call, dialog = self.call("ShowFormGetVal", self.cell)
