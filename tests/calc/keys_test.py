@@ -2,7 +2,8 @@
 import time
 
 from calc_bench import WORK, run_qel
-from keyboard_bench import KeyboardTest, eventually, main
+from keyboard_bench import KeyboardTest, eventually
+from person import run_tests
 
 ACCOUNTS, ACTIVITIES = "Account Level (Q)", "Activity (Z)"
 
@@ -121,4 +122,4 @@ class Keys(KeyboardTest):
 
 
 if __name__ == "__main__":
-    main()
+    run_tests()

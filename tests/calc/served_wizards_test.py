@@ -7,7 +7,8 @@ import subprocess
 import time
 
 from calc_bench import CLASS, WORK, run_qel, shown
-from keyboard_bench import KeyboardTest, eventually, main
+from keyboard_bench import KeyboardTest, eventually
+from person import run_tests
 from servers_test import CUBE, SERVER, SETTINGS, Proxy, known
 
 from com.sun.star.accessibility.AccessibleRole import TEXT
@@ -228,4 +229,4 @@ class ServedWizards(KeyboardTest):
 
 
 if __name__ == "__main__":
-    main()
+    run_tests()
