@@ -139,7 +139,6 @@ const Rules grammar[] = {
       "{$p.Item($n)}",
       "{($m, $2m)}",
       "Generate(Head($s, 9), CrossJoin({$h.CurrentMember}, $2s))",
-      "NonEmptyCrossJoin($l.Members, $2l.Members)",
       "DrilldownMember(CrossJoin($l.Members, {$2b}), $s)",
       "TopPercent(Distinct($p), $n0, $j)",
       "Order($p, $2h.CurrentMember.Level.Ordinal, BDESC, $k, BASC)"}},
@@ -262,6 +261,9 @@ std::string DimensionOf(const std::string& hierarchy) { return hierarchy.substr(
 
 std::string RandomStatements::Next() {
     used_.clear();
+    if (OneIn(40)) {
+        return NonEmptyPairs();
+    }
     measures_.clear();
     named_.assign(hierarchies_.size(), "");
     calculated_.assign(hierarchies_.size(), "");
@@ -278,14 +280,19 @@ std::string RandomStatements::Next() {
         axes += ", " + std::string(OneIn(2) ? "NON EMPTY " : "") + Axis() + " ON ROWS";
     }
     usesCalculated_ = false;
-    // The server leaves the slicer out of this function's context.
-    const bool ignoresSlicer = (definitions + axes).find("NonEmptyCrossJoin") != std::string::npos;
-    std::string where = ignoresSlicer || OneIn(3) ? "" : Slicer();
+    std::string where = OneIn(3) ? "" : Slicer();
     if (!measuresAcross && OneIn(2)) {
         where += (where.empty() ? "" : " * ") + std::string("{") + Fill("$q", {}, 0) + "}";
     }
     return definitions + "SELECT " + axes + " FROM [" + cube_ + "]" +
            (where.empty() ? "" : " WHERE " + where);
+}
+
+std::string RandomStatements::NonEmptyPairs() {
+    const std::size_t first = UnusedHierarchy();
+    const Scope scope{first, UnusedHierarchy()};
+    return "SELECT {[Measures].[Lines]} ON COLUMNS, " +
+           Fill("NonEmptyCrossJoin($l.Members, $2l.Members)", scope, 0) + " ON ROWS FROM [" + cube_ + "]";
 }
 
 std::size_t RandomStatements::UnusedHierarchy() {
