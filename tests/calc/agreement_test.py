@@ -7,11 +7,10 @@ import os
 import random
 import re
 import shutil
-import unittest
 
 from calc_bench import CLASS, WORK, run_qel, shown
 from keyboard_bench import KeyboardTest, eventually
-from person import Control
+from person import Control, run_tests
 
 from com.sun.star.accessibility.AccessibleRole import COMBO_BOX, LIST, TEXT
 from com.sun.star.accessibility.AccessibleStateType import FOCUSED
@@ -212,4 +211,4 @@ class Agreement(KeyboardTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_tests()

@@ -1,9 +1,9 @@
 """The wizards in Calc with real keys and clicks, on a screen with a window manager."""
 import time
-import unittest
 
 from calc_bench import WORK, run_qel
 from keyboard_bench import KeyboardTest, eventually
+from person import run_tests
 
 ACCOUNTS, ACTIVITIES = "Account Level (Q)", "Activity (Z)"
 
@@ -122,4 +122,4 @@ class Keys(KeyboardTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_tests()
