@@ -20,7 +20,8 @@ constexpr const char* cubeDraftFooter =
     R"(Reads every file and finds how it is written (encoding, delimiter, decimal sign, order of dates), which columns hold
 dates, amounts and codes, and how they relate. A file with dates and amounts is a part of the ledger; the others are
 tables of its codes, such as accounts. The definition has every dimension that formulas name, and comments where
-something was guessed. Look it through, then build it with 'qel cube build'.
+something was guessed. Look it through, then build it with 'qel cube build'. Lines above the header, such as a title, are
+skipped. Lines that the build cannot use, such as a total, are listed with the number of the first one and the reason.
 
 Columns are recognised by their headers, in English or Hebrew: account, cost centre, activity, project, firm, company,
 region, branch, unit, currency and the like. Rename a header, or edit the definition, where that fails.

@@ -70,7 +70,7 @@ private:
         const std::string_view field = reader_.Field(column);
         const std::uint8_t decimals = measures_[measure].decimals;
         const auto amount = ParseAmount(field, reader_.Table().format, decimals);
-        if (reader_.Records().IsFloating(column) && MayLackDigits(field, amount)) {
+        if (MayLackDigits(field, amount) && reader_.Records().IsFloating(column)) {
             reader_.ReportBad({&column, 1}, FloatingFault(field, column, decimals));
             return false;
         }
@@ -80,9 +80,11 @@ private:
             return false;
         }
         if (amount.currency != 0 && !IsCurrencyOf(measure, amount.currency)) {
-            reader_.ReportBad({&column, 1},
-                              fmt::format("\"{}\" is in {}, and amounts before it are in {}", field,
-                                          CurrencySign(amount.currency), CurrencySign(currencies_[measure])));
+            reader_.ReportBad(
+                {&column, 1},
+                fmt::format("\"{}\" is in {}, and amounts before it are in {}; they have no sum: build a "
+                            "cube of each currency",
+                            field, CurrencySign(amount.currency), CurrencySign(facts_.currencies[measure])));
             return false;
         }
         value = *amount.value;
@@ -126,11 +128,11 @@ private:
 
     /// Amounts of several currencies have no sum.
     bool IsCurrencyOf(std::size_t measure, std::uint8_t currency) {
-        currencies_.resize(measures_.size());
-        if (currencies_[measure] == 0) {
-            currencies_[measure] = currency;
+        facts_.currencies.resize(measures_.size());
+        if (facts_.currencies[measure] == 0) {
+            facts_.currencies[measure] = currency;
         }
-        return currencies_[measure] == currency;
+        return facts_.currencies[measure] == currency;
     }
 
     static std::string TooLarge(std::string_view field, std::uint8_t decimals) {
@@ -172,7 +174,6 @@ private:
     std::vector<std::size_t> valueFields_, minusFields_; ///< by measure
     std::vector<std::uint32_t> numbers_;
     std::vector<std::int64_t> amounts_;
-    std::vector<std::uint8_t> currencies_; ///< by measure, 0 until a sign was seen
 };
 
 /// The narrowest signed width for values in the range.

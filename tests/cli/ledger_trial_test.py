@@ -266,6 +266,10 @@ class Files(InFolder):
             status, _, errors = self.build(dimensions=self.FIRM, csv=csv)
             self.assertEqual(status, 1, remedy)
             self.assertIn(remedy, errors)
+        self.write("ledger.csv", "firm,amount\na,$5\n")
+        self.write("more.csv", "firm,amount\na,5 NIS\n")
+        self.assertIn('more.csv, line 2, column amount: "5 NIS" is in ₪, and amounts before it are in $',
+                      self.build(dimensions=self.FIRM, facts=["ledger", "more"], more={})[2])
         self.write("ledger.csv", "date,amount\n31/12/2024,1\n")
         dates = [{"name": "Date", "column": "date", "calendar": {"periods": "months"}}]
         self.assertIn('set "dates": "dmy" in the table "ledger"', self.build(dimensions=dates)[2])

@@ -312,7 +312,8 @@ TEST_F(BuildTest, AMeasureSubtractsAColumn) {
          "column credit: expected an amount such as 1234.56, with at most 2 decimals, found \"x\""},
         {"1,-92233720368547750,8.08\n",
          "column credit: the amount 8.08 is too large; the most is 92233720368547758.07"},
-        {"1,€1,$1\n", "column credit: \"$1\" is in $, and amounts before it are in €"},
+        {"1,€1,$1\n", "column credit: \"$1\" is in $, and amounts before it are in €; they have no sum: "
+                      "build a cube of each currency"},
     };
     for (const auto& test : cases) {
         Table("ledger", std::string("firm,debit,credit\n") + test.line);
