@@ -9,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -16,10 +17,12 @@ namespace qel::engine {
 
 namespace {
 
-/// Runs `check` on every member, then on every set. Returns the first that it raises an error for.
+enum class Order : std::uint8_t { MembersFirst, SetsFirst };
+
+/// Runs `check` on every member and every set. Returns the first that it raises an error for.
 template <class Check>
-std::optional<CalculationFault> FirstFault(const Calculations& calculations, const Check& check) {
-    for (const bool isSet : {false, true}) {
+std::optional<CalculationFault> FirstFault(const Calculations& calculations, Order order, const Check& check) {
+    for (const bool isSet : {order == Order::SetsFirst, order == Order::MembersFirst}) {
         const std::size_t count = isSet ? calculations.sets.size() : calculations.members.size();
         for (std::size_t i = 0; i < count; ++i) {
             try {
@@ -136,7 +139,7 @@ bool IsTaken(const std::string& name, MemberSpace& space, Evaluator& evaluator) 
 } // namespace
 
 std::optional<CalculationFault> FindSyntaxFault(const Calculations& calculations) {
-    return FirstFault(calculations, [&](bool isSet, std::size_t i) {
+    return FirstFault(calculations, Order::MembersFirst, [&](bool isSet, std::size_t i) {
         const std::string& name = NameOf(calculations, isSet, i);
         mdx::Definition parsed;
         mdx::ParseName({name, name}, parsed);
@@ -154,7 +157,7 @@ std::optional<CalculationFault> FindCalculationFault(const Cube& cube) {
     MemberSpace space(cube);
     Evaluator evaluator(space, {});
     CubeCalculations bound(space, evaluator);
-    fault = FirstFault(calculations, [&](bool isSet, std::size_t i) {
+    fault = FirstFault(calculations, Order::MembersFirst, [&](bool isSet, std::size_t i) {
         const std::string& name = NameOf(calculations, isSet, i);
         const bool isTaken = IsTaken(name, space, evaluator);
         isSet ? bound.DeclareSet(i) : bound.DeclareMember(i); // raises what is more to the point
@@ -169,7 +172,8 @@ std::optional<CalculationFault> FindCalculationFault(const Cube& cube) {
         return fault;
     }
     bound.AddFormulas();
-    fault = FirstFault(calculations, [&](bool isSet, std::size_t i) {
+    // A member's formula binds the sets that it names: a faulty set is told as its own.
+    fault = FirstFault(calculations, Order::SetsFirst, [&](bool isSet, std::size_t i) {
         isSet ? static_cast<void>(bound.Set(i)) : bound.BindMember(i);
     });
     return fault ? fault : FindCircle(calculations, bound);

@@ -158,7 +158,7 @@ Bound Descendants(Call& call) {
                    [reach, level, member = std::move(member),
                     distance = std::move(distance)](Evaluator& evaluator, TupleSet& result) {
                        const MemberRef top{member->Hierarchy(), member->Evaluate(evaluator)};
-                       if (top.id == noMember || IsCalculated(top.id)) {
+                       if (top.id == noMember) {
                            return;
                        }
                        const auto own = static_cast<std::int64_t>(evaluator.Space().LevelOf(top));

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <vector>
 
 // Functions of periods: before a member, up to it, and beside it in another period.
 
@@ -136,16 +137,26 @@ Bound QuarterToDate(Call& call) { return ToDateOf(call, "Quarter"); }
 Bound MonthToDate(Call& call) { return ToDateOf(call, "Month"); }
 Bound WeekToDate(Call& call) { return ToDateOf(call, "Week"); }
 
-/// The member below `other` at the place that `here` has below `ancestor`.
+/// The member below `other` at the place that `here` has below `ancestor`, level by level: the 29th of the
+/// third month, whatever the length of the months before it.
 MemberId AtSamePlace(const MemberSpace& space, MemberRef here, MemberId ancestor, MemberId other) {
     if (ancestor == noMember || other == noMember || IsCalculated(here.id) || IsCalculated(other)) {
         return noMember;
     }
-    const std::size_t depth = space.LevelOf(here);
-    const MemberId start = space.DescendantsAt({here.hierarchy, ancestor}, depth).first;
-    const MemberRange there = space.DescendantsAt({here.hierarchy, other}, depth);
-    const MemberId place = here.id - start;
-    return place < there.Count() ? there.first + place : noMember;
+    std::vector<MemberId> places; // from the deepest level up
+    while (here.id != ancestor) {
+        const MemberId parent = space.Parent(here);
+        places.push_back(here.id - space.Children({here.hierarchy, parent}).first);
+        here.id = parent;
+    }
+    for (; !places.empty(); places.pop_back()) {
+        const MemberRange children = space.Children({here.hierarchy, other});
+        if (places.back() >= children.Count()) {
+            return noMember;
+        }
+        other = children.first + places.back();
+    }
+    return other;
 }
 
 Bound ParallelPeriod(Call& call) {

@@ -63,15 +63,34 @@ std::string Relation(const std::vector<StarTable>& tables, std::size_t first, co
         rightIsJoin ? fmt::format(" rightAlias=\"{}\"", tables[first + 1].name) : "", table, deeper);
 }
 
+/// The kind of a calendar's level, which the keys of its members tell: 2024, 2024-Q1, 2024-03, 2024-03-31.
+std::string_view TimeLevelType(const Hierarchy& hierarchy, const Level& level) {
+    const std::string_view key =
+        level.members.first < level.members.last ? hierarchy.MemberKey(level.members.first) : "";
+    switch (key.size()) {
+    case 4:
+        return "TimeYears";
+    case 7:
+        return key[5] == 'Q' ? "TimeQuarters" : "TimeMonths";
+    case 10:
+        return "TimeDays";
+    default:
+        return "TimeUndefined";
+    }
+}
+
 std::string LevelElement(const Hierarchy& hierarchy, const StarTable& table, std::size_t level,
-                         bool namesTable) {
+                         bool namesTable, bool isTime) {
     const Level& stored = hierarchy.Levels()[level];
     const std::string tableAttribute = namesTable ? fmt::format(" table=\"{}\"", table.name) : "";
     const std::string captions =
         HasCaptions(hierarchy, stored) ? fmt::format(" captionColumn=\"{}\"", CaptionColumn(level)) : "";
+    const std::string levelType =
+        isTime ? fmt::format(" levelType=\"{}\"", TimeLevelType(hierarchy, stored)) : "";
     return fmt::format("        <Level name=\"{}\"{} column=\"{}\" nameColumn=\"{}\"{} type=\"Integer\" "
-                       "uniqueMembers=\"true\"/>\n",
-                       Escaped(stored.name), tableAttribute, IdColumn(level), NameColumn(level), captions);
+                       "uniqueMembers=\"true\"{}/>\n",
+                       Escaped(stored.name), tableAttribute, IdColumn(level), NameColumn(level), captions,
+                       levelType);
 }
 
 std::string AllAttributes(const Hierarchy& hierarchy) {
@@ -82,12 +101,11 @@ std::string AllAttributes(const Hierarchy& hierarchy) {
                        Escaped(hierarchy.Levels().front().name), Escaped(hierarchy.MemberName(0)));
 }
 
-std::string HierarchyElement(const StarSchema& star, const Hierarchy& hierarchy,
-                             std::string_view dimensionName) {
+std::string HierarchyElement(const StarSchema& star, const Hierarchy& hierarchy, const Dimension& dimension) {
     const auto& tables = star.hierarchies[hierarchy.Index()];
     const bool isJoined = tables.size() > 1;
     std::string attributes;
-    if (hierarchy.Name() != dimensionName) {
+    if (hierarchy.Name() != dimension.name) {
         attributes += fmt::format(" name=\"{}\"", Escaped(hierarchy.Name()));
     }
     attributes += CaptionAttribute(hierarchy.Name(), hierarchy.Caption()) + AllAttributes(hierarchy);
@@ -102,7 +120,7 @@ std::string HierarchyElement(const StarSchema& star, const Hierarchy& hierarchy,
     std::string text = fmt::format("      <Hierarchy{}>\n{}", attributes, Relation(tables, 0, "        "));
     for (const auto& table : tables) {
         for (const std::size_t level : table.levels) {
-            text += LevelElement(hierarchy, table, level, isJoined);
+            text += LevelElement(hierarchy, table, level, isJoined, dimension.isTime);
         }
     }
     return text + "      </Hierarchy>\n";
@@ -189,10 +207,11 @@ std::string ComposeMondrianSchema(const StarSchema& star) {
                     Escaped(cube.Name()), CaptionAttribute(cube.Name(), cube.Caption()),
                     Escaped(measures[cube.DefaultMeasure()].name), star.factTable);
     for (const auto& dimension : cube.Dimensions()) {
-        text += fmt::format("    <Dimension name=\"{}\"{} foreignKey=\"{}\">\n", Escaped(dimension.name),
-                            CaptionAttribute(dimension.name, dimension.caption), ForeignKey(star, dimension));
+        text += fmt::format("    <Dimension name=\"{}\"{}{} foreignKey=\"{}\">\n", Escaped(dimension.name),
+                            CaptionAttribute(dimension.name, dimension.caption),
+                            dimension.isTime ? " type=\"TimeDimension\"" : "", ForeignKey(star, dimension));
         for (const std::size_t index : dimension.hierarchies) {
-            text += HierarchyElement(star, cube.Hierarchies()[index], dimension.name);
+            text += HierarchyElement(star, cube.Hierarchies()[index], dimension);
         }
         text += "    </Dimension>\n";
     }

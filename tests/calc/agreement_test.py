@@ -9,8 +9,8 @@ import re
 import shutil
 
 from calc_bench import CLASS, WORK, run_qel, shown
-from keyboard_bench import KeyboardTest, eventually, main
-from person import Control
+from keyboard_bench import KeyboardTest, eventually
+from person import Control, run_tests
 
 from com.sun.star.accessibility.AccessibleRole import COMBO_BOX, LIST, TEXT
 from com.sun.star.accessibility.AccessibleStateType import FOCUSED
@@ -211,4 +211,4 @@ class Agreement(KeyboardTest):
 
 
 if __name__ == "__main__":
-    main()
+    run_tests()

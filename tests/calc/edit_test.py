@@ -1,7 +1,8 @@
 """Edit formula in Calc: the wizard starts with the cell's arguments, and OK writes the formula again."""
 
 from calc_bench import CLASS, WORK, calc_session, run_qel, shown
-from keyboard_bench import KeyboardTest, eventually, main
+from keyboard_bench import KeyboardTest, eventually
+from person import run_tests
 
 ACCOUNTS = "Account Level (Q)"
 # As Calc stores it. The cube's path starts at the document.
@@ -124,4 +125,4 @@ class Edit(KeyboardTest):
 
 
 if __name__ == "__main__":
-    main()
+    run_tests()

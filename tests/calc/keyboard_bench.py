@@ -1,7 +1,6 @@
 """What the tests share that use a keyboard and a mouse: an office on a screen with a window manager, and a ledger's cube."""
 import os
 import shutil
-import sys
 import unittest
 
 from calc_bench import PACKAGE, SOURCE, WORK, calc_session, run_qel
@@ -29,16 +28,3 @@ class KeyboardTest(unittest.TestCase):
         self.addCleanup(self.document.close, True)
         self.addCleanup(self.person.leave)
         eventually("the new document in front", self.document.CurrentController.Frame.isActive)
-
-
-def main():
-    """Runs the script's tests. On a busy screen a key or a click can be lost, so what failed is tried once more, in a new
-    office: a fault that is always there fails twice."""
-    program = unittest.main(exit=False)
-    result = program.result
-    bad = [getattr(test, "test_case", test) for test, _ in result.failures + result.errors]
-    if bad and all(isinstance(test, unittest.TestCase) for test in bad):
-        again = {test.id(): type(test)(test._testMethodName) for test in bad}
-        print("Tried once more:", *again, flush=True)
-        result = program.testRunner().run(unittest.TestSuite(again.values()))
-    sys.exit(not result.wasSuccessful())

@@ -3,7 +3,8 @@ import shutil
 import time
 
 from calc_bench import WORK, run_qel
-from keyboard_bench import KeyboardTest, eventually, main
+from keyboard_bench import KeyboardTest, eventually
+from person import run_tests
 
 from com.sun.star.accessibility.AccessibleRole import TEXT
 
@@ -143,4 +144,4 @@ class Keys(KeyboardTest):
 
 
 if __name__ == "__main__":
-    main()
+    run_tests()

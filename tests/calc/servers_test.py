@@ -2,6 +2,7 @@
 
 QEL_SERVER is the server's address, QEL_CUBE the file that it was filled from.
 """
+import contextlib
 import csv
 import os
 import pathlib
@@ -11,7 +12,7 @@ import time
 import unittest
 
 from calc_bench import PACKAGE, SOURCE, WORK, CalcTest, Error, calc_session, in_calc, name_formula, run_qel, shown, value_formula
-from person import Person, eventually, screen
+from person import Person, eventually, run_tests, screen
 
 sys.path.insert(0, str(SOURCE / "tests" / "platform" / "data" / "xmla"))
 from server_proxy import Proxy  # noqa: E402: its folder is known only now
@@ -62,6 +63,7 @@ class ServedSheet(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
+        SETTINGS.unlink(missing_ok=True)  # a port of an earlier run may be a server's of this one
         profile = calc_session.fresh_profile(WORK / "profile", PACKAGE)
         cls.display = cls.enterClassContext(screen())
         cls.office = cls.enterClassContext(calc_session.Office(profile, WORK, cls.display))
@@ -87,6 +89,16 @@ class ServedSheet(unittest.TestCase):
             found = self.values(len(formulas), column)
             return None if WAITS in found else found
         return eventually("a value in every cell", values)
+
+    @contextlib.contextmanager
+    def telling(self, proxy):
+        """Adds what the cells and the settings say to a failure."""
+        try:
+            yield
+        except AssertionError as failure:
+            known_servers = SETTINGS.read_text(encoding="utf-8")
+            raise AssertionError(f"{failure}; cells {self.values(2)}, {proxy.requests} requests to {proxy.address}, "
+                                 f"settings {known_servers!r}") from None
 
     def wait_for_request(self, more_than=0):
         eventually("a request", lambda: self.proxy.requests > more_than)
@@ -236,7 +248,8 @@ class ServedSheet(unittest.TestCase):
                 addresses = (proxy.address, proxy.address, origin + "/Xmla")
                 formulas = [value_formula(address, **wages) for address in addresses]
                 self.fill(formulas[:2])
-                question = person.sees("OrmFuncQel4")
+                with self.telling(proxy):
+                    question = person.sees("OrmFuncQel4")
                 label = "A formula wants to ask this server. The request contains values of cells."
                 self.assertEqual(question.after(label).text, origin)
                 self.assertEqual(self.values(2), [WAITS] * 2)
@@ -266,4 +279,4 @@ class EndingOffice(CalcTest):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_tests()

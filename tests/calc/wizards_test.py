@@ -4,7 +4,7 @@ import shutil
 import unittest
 
 from calc_bench import CLASS, PACKAGE, SOURCE, WORK, calc_session, run_qel, shown
-from person import Person, eventually, screen
+from person import Person, eventually, run_tests, screen
 
 from com.sun.star.accessibility.AccessibleRole import LABEL, TEXT
 
@@ -191,4 +191,4 @@ class Wizards(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    unittest.main()
+    run_tests()

@@ -132,6 +132,9 @@ class Export(unittest.TestCase):
         self.export(self.path / "shared.json")
         self.assertGreater(self.check_every_member(), 60)
         cube = ElementTree.parse(next((self.path / "sql").glob("*.xml"))).getroot().find("Cube")
+        day = cube.find("Dimension[@name='Day']")
+        self.assertEqual([day.get("type"), *(level.get("levelType") for level in day.iter("Level"))],
+                         ["TimeDimension", "TimeYears", "TimeQuarters", "TimeMonths", "TimeDays"])
         written = [(element.attrib, element.findtext("Formula"),
                     [found.get("value") for found in element.findall("CalculatedMemberProperty")])
                    for element in cube if element.tag in ("CalculatedMember", "NamedSet")]

@@ -204,6 +204,14 @@ class Definitions(WithBooks):
         self.assertEqual(run("eval", value_formula(cube, dates='"01/01/2024","29/02/2024"'))[1],
                          run("eval", self.formula(dates='"01/01/2024","29/02/2024"'))[1])
 
+    def test_parallel_periods_keep_the_day_of_the_month(self):
+        cube, (status, _, errors) = self.build(('"periods": "months"', '"periods": "days", "from": "2024-01-01", "to": "2025-12-31"'))
+        self.assertEqual((status, errors), (0, ""))
+        self.assertEqual(run("mdx", cube, "BooksFNC", "--csv", "--names", "key",
+                             "SELECT {[Measures].[Amount]} ON 0, {ParallelPeriod([Date].[Quarter], 1, [Date].[2025].[Q1].[3].[29]), "
+                             "ParallelPeriod([Date].[Year], 1, [Date].[2025].[Q1].[3].[1]), ParallelPeriod([Date].[Month], 1, "
+                             "[Date].[2025].[Q1].[3].[31])} ON 1 FROM BooksFNC")[1], "Day,Amount\n2024-12-29,\n2024-03-01,\n")
+
 
 class ChangedCube(WithBooks):
     """A program that reads formulas while their cube changes."""

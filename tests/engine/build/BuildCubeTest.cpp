@@ -477,7 +477,8 @@ TEST_F(BuildTest, CalculationsMustFitTheCube) {
         {"namedSets", R"~({"name": "s", "formula": "{[Firm].[1]}"}, {"name": "[S]", "formula": "{}"})~",
          "namedSets[1]: the cube's definition of [S], line 1, column 1: the set is defined twice, near "
          "\"[S]\""},
-        {"namedSets", R"~({"name": "s", "formula": "Head(t)"}, {"name": "t", "formula": "{[Firm].[1]}"})~",
+        {"namedSets", R"~({"name": "s", "formula": "Head(t)"}, {"name": "t", "formula": "{[Firm].[1]}"}],
+             "calculatedMembers": [{"name": "A", "formula": "Count(s)"})~",
          "namedSets[0]: the cube's definition of s, line 1, column 6: the set t is not defined before this "
          "one, "
          "near \"Head(t)\""},

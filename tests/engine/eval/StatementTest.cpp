@@ -407,8 +407,8 @@ TEST(Statement, BuildsSets) {
         {"and has no members to date, or beside it",
          "{[Date].[2024].[Q1].[Half], PeriodsToDate([Date].[Year], [Date].[2024].[Q1].[Half]), "
          "ParallelPeriod([Date].[Year], 1, [Date].[2024].[Q1].[Half]), Ancestor([Date].[2024].[Q1].[Half], "
-         "[Date].[Year])}",
-         "[Date].[All].[2024].[Q1].[Half] | [Date].[All].[2024]"},
+         "[Date].[Year]), Descendants([Date].[2024].[Q1].[Half], 1, SELF_AND_BEFORE)}",
+         "[Date].[All].[2024].[Q1].[Half] | [Date].[All].[2024] | [Date].[All].[2024].[Q1].[Half]"},
         {"order within families over tuples: hierarchy by hierarchy, each under the members before it",
          "Order({[OBS].[South].[Other], [OBS].[North], [OBS].[South]} * [Firma].Children, "
          "[Measures].[Amount], DESC)",

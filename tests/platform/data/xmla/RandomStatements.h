@@ -44,6 +44,8 @@ private:
     std::string Symbol(char symbol, Scope scope, int depth);
     std::string StoredMember(std::size_t hierarchy);
     std::string Span(std::size_t hierarchy);
+    /// With one measure and no slicer: the server takes others into the function's context.
+    std::string NonEmptyPairs();
     std::string Definitions();
     std::string Axis();
     std::string Slicer();

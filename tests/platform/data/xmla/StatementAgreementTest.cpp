@@ -173,7 +173,7 @@ std::vector<StatedHierarchy> HierarchiesOf(Asker& local, Asker& served, const st
 bool IsFaultOf(const std::string& error) {
     const auto has = [&error](const char* text) { return error.find(text) != std::string::npos; };
     return has("Cannot invoke") || has("/ by zero") || has("java.lang.") || has("ResultStyles") ||
-           has("Internal error");
+           has("Internal error") || has("cannot be cast");
 }
 
 TEST(StatementAgreement, RandomStatementsEqualTheEmbeddedEngine) {
