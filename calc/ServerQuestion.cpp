@@ -77,7 +77,7 @@ private:
         dialog_->Hide();
     }
     void OnChange(std::string_view /*control*/) override {}
-    void OnLeave(std::string_view /*control*/) override {}
+    bool OnLeave(std::string_view /*control*/) override { return true; }
     void OnQueryUnload() override {}
 
     std::unique_ptr<Dialog> dialog_;

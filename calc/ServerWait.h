@@ -22,7 +22,7 @@ private:
     void OnLoad() override {}
     void OnClick(std::string_view /*control*/) override { End(); }
     void OnChange(std::string_view /*control*/) override {}
-    void OnLeave(std::string_view /*control*/) override {}
+    bool OnLeave(std::string_view /*control*/) override { return true; }
     void OnQueryUnload() override {}
 
     std::unique_ptr<Dialog> dialog_;

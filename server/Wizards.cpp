@@ -5,9 +5,22 @@
 
 namespace qel::server {
 
+namespace {
+
+/// The machine's provider, which RequireAllowedServer guards: its requests end by themselves, and each fails
+/// on its own.
+class ServersOfMachine : public WizardServers {
+public:
+    void BeginAction() override {}
+    void EndAction() override {}
+};
+
+} // namespace
+
 WizardServices& Wizards() {
     static windows::Win32DialogToolkit toolkit;
-    static WizardServices services{toolkit, SuiteLanguage()};
+    static ServersOfMachine servers;
+    static WizardServices services{toolkit, SuiteLanguage(), &servers};
     return services;
 }
 

@@ -41,9 +41,10 @@ void frmFuncQelWiz::OnChange(std::string_view control) {
     Trapped(ChangeHandlerName(control), [&] { TakeChoice(control); });
 }
 
-void frmFuncQelWiz::OnLeave(std::string_view control) {
+bool frmFuncQelWiz::OnLeave(std::string_view control) {
     bool isTried = false;
-    Trapped(HandlerName(control, "LostFocus"), [&] {
+    const std::string handler = HandlerName(control, "LostFocus");
+    Trapped(handler, [&] {
         const std::string cubeFile(Trimmed(CubeFile()));
         if (control == txtCubeFile && cubeFile == takenFile_) {
             Form().SetText(txtCubeFile, takenFile_); // without blanks around it
@@ -54,9 +55,12 @@ void frmFuncQelWiz::OnLeave(std::string_view control) {
             dates_.OnLeave(control);
         }
     });
-    if (isTried && CanTryAgain()) {
-        Form().SetFocus(txtCubeFile); // a press that left the field would try again at once
-    }
+    Trapped(handler, [&] {
+        if (isTried && CanTryAgain()) {
+            Form().SetFocus(txtCubeFile); // a press that left the field would try again at once
+        }
+    });
+    return !isTried || !cube_;
 }
 
 void frmFuncQelWiz::Form_Load() {

@@ -103,16 +103,24 @@ void frmNameWizz::OnChange(std::string_view control) {
     });
 }
 
-void frmNameWizz::OnLeave(std::string_view control) {
-    const std::string cubeFile(Trimmed(CubeFile()));
-    if (control == txtCubeFile && cubeFile == takenFile_) {
-        Form().SetText(txtCubeFile, takenFile_); // without blanks around it
-    } else if (control == txtCubeFile && CanOpen(Context(), cubeFile)) {
-        LoadCubeFile(cubeFile);
-        if (CanTryAgain()) {
-            Form().SetFocus(txtCubeFile); // a press that left the field would try again at once
-        }
+bool frmNameWizz::OnLeave(std::string_view control) {
+    bool isTried = false;
+    if (control != txtCubeFile) {
+        return true;
     }
+    Trapped(HandlerName(control, "LostFocus"), [&] {
+        const std::string cubeFile(Trimmed(CubeFile()));
+        if (cubeFile == takenFile_) {
+            Form().SetText(txtCubeFile, takenFile_); // without blanks around it
+        } else if (CanOpen(Context(), cubeFile)) {
+            isTried = true;
+            LoadCubeFile(cubeFile);
+            if (CanTryAgain()) {
+                Form().SetFocus(txtCubeFile); // a press that left the field would try again at once
+            }
+        }
+    });
+    return !isTried || !cube_;
 }
 
 void frmNameWizz::OpenDb() {

@@ -20,7 +20,7 @@ private:
     void OnLoad() override;
     void OnClick(std::string_view control) override;
     void OnChange(std::string_view control) override;
-    void OnLeave(std::string_view control) override;
+    bool OnLeave(std::string_view control) override;
 
     void OpenDb();
     void ShowQueries();

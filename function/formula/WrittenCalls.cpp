@@ -47,7 +47,10 @@ std::optional<WrittenCall> ReadArguments(std::string_view formula, WrittenCall c
     std::size_t start = call.begin;
     bool hasSeparator = false;
     const auto add = [&](std::size_t end) {
-        call.arguments.emplace_back(WithoutBlanks(formula.substr(start, end - start)));
+        const std::string_view argument = WithoutBlanks(formula.substr(start, end - start));
+        call.arguments.emplace_back(argument);
+        call.starts.push_back(argument.empty() ? end
+                                               : static_cast<std::size_t>(argument.data() - formula.data()));
     };
     for (std::size_t at = call.begin; at < formula.size(); at = SkipWord(formula, at)) {
         const char c = formula[at];
@@ -99,11 +102,17 @@ std::vector<WrittenCall> FindCalls(std::string_view formula) {
 std::string WithArguments(std::string_view formula, const WrittenCall& call,
                           const std::vector<std::string>& arguments) {
     std::string text(formula.substr(0, call.begin));
-    for (const std::string& argument : arguments) {
-        text += &argument == &arguments.front() ? "" : std::string(1, call.separator);
-        text += argument;
+    std::size_t copied = call.begin;
+    for (std::size_t i = 0; i < arguments.size(); ++i) {
+        if (i < call.arguments.size()) {
+            text += formula.substr(copied, call.starts[i] - copied);
+            copied = call.starts[i] + call.arguments[i].size();
+        } else if (i > 0) {
+            text += call.separator;
+        }
+        text += arguments[i];
     }
-    return text.append(formula.substr(call.end));
+    return text.append(formula.substr(arguments.size() < call.arguments.size() ? call.end : copied));
 }
 
 } // namespace qel

@@ -12,6 +12,7 @@ struct WrittenCall {
     std::string function;                    ///< without the class's name, in the letter case of the formula
     std::size_t begin = 0, end = 0;          ///< what stands between the parentheses
     std::vector<std::string> arguments = {}; ///< without blanks around them; empty ones are omitted
+    std::vector<std::size_t> starts = {};    ///< where each argument begins
     char separator = ';';                    ///< of the arguments: ';' or ','
 };
 
@@ -19,7 +20,7 @@ struct WrittenCall {
 /// may stand in an argument of another one. A call without its closing parenthesis is left out.
 std::vector<WrittenCall> FindCalls(std::string_view formula);
 
-/// The formula with other arguments in the place of the call's.
+/// The formula with other arguments in the place of the call's; blanks around them stay.
 std::string WithArguments(std::string_view formula, const WrittenCall& call,
                           const std::vector<std::string>& arguments);
 

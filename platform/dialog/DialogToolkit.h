@@ -88,8 +88,9 @@ public:
     /// Another item or row was chosen, or the text of a text box was edited.
     virtual void OnChange(std::string_view control) = 0;
     /// A text box, combo box or bound list lost the focus to another control of the dialog, except the cancel
-    /// button.
-    virtual void OnLeave(std::string_view control) = 0;
+    /// button. False when the dialog shows something new: a press of a button that left the control was not
+    /// meant for it, and does not count.
+    [[nodiscard]] virtual bool OnLeave(std::string_view control) = 0;
     /// The close box was used, or the dialog is closed from outside. It is hidden afterwards.
     virtual void OnQueryUnload() = 0;
 };

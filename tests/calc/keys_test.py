@@ -1,9 +1,12 @@
 """The wizards in Calc with real keys and clicks, on a screen with a window manager."""
+import shutil
 import time
 
 from calc_bench import WORK, run_qel
 from keyboard_bench import KeyboardTest, eventually
 from person import run_tests
+
+from com.sun.star.accessibility.AccessibleRole import TEXT
 
 ACCOUNTS, ACTIVITIES = "Account Level (Q)", "Activity (Z)"
 
@@ -96,6 +99,25 @@ class Keys(KeyboardTest):
         self.hands.click(self.dialog.button("OK"))
         self.person.answers("OrmFuncQel4", "QelFunction17.mdb' already exists")
         self.assertIn(f'"{first}"', self.call.wait())
+
+    def test_a_click_that_leaves_a_new_path_only_shows_what_the_file_has(self):
+        path, value, ok = self.dialog.first(TEXT), self.dialog.after("Calculate"), self.dialog.button("OK")
+        for name, click in (("short", ("click", 1)), ("long", ("mousedown", 1, "sleep", 1, "mouseup", 1))):
+            other = WORK / f"{name}.cub"
+            shutil.copy(WORK / "ledger.cub", other)
+            self.dialog.button("Calculate").press()
+            eventually("the value", lambda: value.text)
+            self.hands.click(path)
+            self.hands.key("ctrl+a")
+            self.hands.type(str(other))
+            place, size = ok.context.getLocationOnScreen(), ok.context.getSize()
+            self.hands.do("mousemove", place.X + size.Width // 2, place.Y + size.Height // 2, "sleep", 0.2, *click)
+            eventually("the lists of the new file", lambda: not value.text and self.dialog.button("Calculate").is_enabled)
+            time.sleep(1)
+            self.assertFalse(self.call.ended.is_set() or self.person.windows("OrmFuncQel4"), f"a {name} click")
+        self.hands.do("click", 1)
+        self.person.answers("OrmFuncQel4", "QelFunction17.mdb' already exists")
+        self.assertIn(f'"{other}"', self.call.wait())
 
     def test_a_wrong_date_is_told_once(self):
         self.hands.click(self.dialog.after("To Date"))

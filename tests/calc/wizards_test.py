@@ -178,6 +178,14 @@ class Wizards(unittest.TestCase):
         self.open_cube(dialog, "שם קוביה", "אישור")
         firms = eventually("the list of firms", lambda: dialog.after("פירמה").items)
         self.assertEqual([firms[0][0], firms[1][0]], ["\u202b", "\u202a"], "each reads in the direction of its letters")
+        dialog.after("עד תאריך").type("2/31/2024")
+        dialog.button("חישוב").press()
+        box = self.person.sees("OrmFuncQel4")
+        self.person.photograph(WORK / "message-hebrew.png")
+        message = box.first(LABEL).context
+        places = [message.getCharacterBounds(message.getText().index(part)).X for part in ("זה", "תאריך", "2/31")]
+        self.assertEqual(places, sorted(places, reverse=True), "its line reads from right to left")
+        box.button("אישור").press()
         dialog.button(cancel).press()
         self.assertEqual(call.wait(), " ")
 

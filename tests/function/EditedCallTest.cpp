@@ -168,11 +168,11 @@ struct CallCase {
 const CallCase callCases[] = {
     {"=ORMFUNCTIONQEL4.ORMQELFUNCTION.QELF1( \"a;b\" ;{1;\")\"};IF(B1;2;3);;\"\"\"\")",
      {{"\"a;b\"", "{1;\")\"}", "IF(B1;2;3)", "", "\"\"\"\""}},
-     "=ORMFUNCTIONQEL4.ORMQELFUNCTION.QELF1(1;2)"},
-    {"=IF(A1;OrmFunctionQel4.OrmQelFunction.QelName(\"a.cub\",B1)&\"OrmFunctionQel4.OrmQelFunction.QelF1(1)"
+     "=ORMFUNCTIONQEL4.ORMQELFUNCTION.QELF1( 1 ;2)"},
+    {"=IF(A1;OrmFunctionQel4.OrmQelFunction.QelName(\"a.cub\", B1 )&\"OrmFunctionQel4.OrmQelFunction.QelF1(1)"
      "\",0)",
      {{"\"a.cub\"", "B1"}},
-     "=IF(A1;OrmFunctionQel4.OrmQelFunction.QelName(1,2)&\"OrmFunctionQel4.OrmQelFunction.QelF1(1)\",0)"},
+     "=IF(A1;OrmFunctionQel4.OrmQelFunction.QelName(1, 2 )&\"OrmFunctionQel4.OrmQelFunction.QelF1(1)\",0)"},
     {"=-ORMFUNCTIONQEL4.ORMQELFUNCTION.QEL1('it''s; (all)'.B1;שם)/1000",
      {{"'it''s; (all)'.B1", "שם"}},
      "=-ORMFUNCTIONQEL4.ORMQELFUNCTION.QEL1(1;2)/1000"},

@@ -52,7 +52,7 @@ TEST(MemberRows, AreReadOnceAndOnlyWhenTheyAreNeeded) {
         void OnLoad() override {}
         void OnClick(std::string_view) override {}
         void OnChange(std::string_view) override {}
-        void OnLeave(std::string_view) override {}
+        bool OnLeave(std::string_view) override { return true; }
         void OnQueryUnload() override {}
     } events;
     const auto dialog = toolkit.NewDialog(FunctionFormDesign(), false, events);

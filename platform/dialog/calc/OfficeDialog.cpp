@@ -7,9 +7,7 @@
 
 #include <algorithm>
 #include <com/sun/star/awt/Key.hpp>
-#include <com/sun/star/awt/PosSize.hpp>
 #include <com/sun/star/awt/Toolkit.hpp>
-#include <com/sun/star/awt/XWindow.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
 #include <com/sun/star/lang/XMultiComponentFactory.hpp>
 #include <com/sun/star/text/WritingMode2.hpp>
@@ -54,7 +52,7 @@ rtl::OUString UrlOf(const std::string& path) {
 OfficeDialog::OfficeDialog(OfficeWindows& windows, const FormDesign& design, bool isRightToLeft,
                            DialogEvents& events)
     : DesignedDialog(design, isRightToLeft, events), windows_(windows), later_(new LaterCall([this] {
-          TellLeft();
+          TellLeftByClick();
           TellChanged();
           told_ = nullptr;
           PrepareFocused();
@@ -126,6 +124,7 @@ void OfficeDialog::ShowModal() {
     Translating([&] {
         isHidden_ = false;
         focused_ = nullptr;
+        clicked_ = spoilt_ = nullptr;
         left_.clear();
         changed_.clear();
         told_ = nullptr;
@@ -133,7 +132,7 @@ void OfficeDialog::ShowModal() {
         if (isHidden_) {
             return;
         }
-        Centre();
+        windows_.Centre({window_, uno::UNO_QUERY});
         windows_.Shown(window_->getPeer());
         isShown_ = true;
         const uno::Reference<awt::XDialog> dialog(window_, uno::UNO_QUERY_THROW);
@@ -185,18 +184,6 @@ uno::Reference<awt::XWindow> OfficeDialog::WindowOf(const OfficeControl& control
     return {container->getControl(rtl::OUString::createFromAscii(control.Design().name)), uno::UNO_QUERY};
 }
 
-void OfficeDialog::Centre() {
-    const uno::Reference<awt::XWindow> parent(windows_.Active(), uno::UNO_QUERY);
-    const uno::Reference<awt::XWindow> own(window_, uno::UNO_QUERY);
-    if (!parent.is() || !own.is()) {
-        return;
-    }
-    // A window's position is relative to its parent's.
-    const awt::Rectangle around = parent->getPosSize(), size = own->getPosSize();
-    own->setPosSize(std::max<sal_Int32>((around.Width - size.Width) / 2, 0),
-                    std::max<sal_Int32>((around.Height - size.Height) / 2, 0), 0, 0, awt::PosSize::POS);
-}
-
 std::string OfficeDialog::AskForFile(std::string_view control, const FileQuestion& question) {
     Find(control, {ControlKind::FileDialog});
     return Translating([&]() -> std::string {
@@ -242,8 +229,8 @@ void OfficeDialog::OnPressed(const OfficeControl& control) {
         return;
     }
     if (control.Design().name != std::string_view(Design().cancelButton)) {
-        if (!TellLeft()) {
-            return; // the field is wrong, and a box said so
+        if (std::exchange(spoilt_, nullptr) == &control || !TellLeft()) {
+            return; // the field is wrong, and a box said so; or the dialog shows something new
         }
         TellChanged();
         CommitSearches(); // keys press a button without moving the focus out of the edited field
@@ -290,6 +277,8 @@ void OfficeDialog::OnText(OfficeControl& control) {
 
 void OfficeDialog::OnFocus(OfficeControl& control) {
     OfficeControl* const left = std::exchange(focused_, &control);
+    clicked_ = std::exchange(isTab_, false) ? nullptr : &control;
+    spoilt_ = nullptr;
     PrepareFocused();
     if (left == nullptr || left == &control ||
         control.Design().name == std::string_view(Design().cancelButton)) {
@@ -300,6 +289,8 @@ void OfficeDialog::OnFocus(OfficeControl& control) {
 }
 
 bool OfficeDialog::OnKey(sal_Int16 key) {
+    isTab_ = key == awt::Key::TAB;
+    spoilt_ = nullptr;
     SearchBox* const search = focused_ != nullptr ? focused_->Search() : nullptr;
     const bool isTaken = key == awt::Key::RETURN || key == awt::Key::ESCAPE;
     if (search == nullptr || handlers_ > 0 || !isTaken || !search->IsInUse()) {
@@ -319,18 +310,26 @@ bool OfficeDialog::OnKey(sal_Int16 key) {
 
 void OfficeDialog::TellLater() { later_->Post(windows_.Office()); }
 
+void OfficeDialog::TellLeftByClick() {
+    if (!left_.empty()) {
+        spoilt_ = clicked_; // unless a box takes the focus, and with it the button's release
+        spoilt_ = TellLeft() ? nullptr : spoilt_;
+    }
+}
+
 bool OfficeDialog::TellLeft() {
     const int focusMoves = focusMoves_;
+    bool pressCounts = true;
     // Handlers may show boxes, during which more is told, so a field is removed before it is told of.
     while (!left_.empty() && handlers_ == 0 && !isHidden_) {
         OfficeControl* const left = left_.front();
         left_.erase(left_.begin());
         Commit(*left);
         if (IsFieldKind(left->Design().kind) && left != focused_) {
-            Tell([&] { Events().OnLeave(left->Design().name); });
+            Tell([&] { pressCounts = Events().OnLeave(left->Design().name) && pressCounts; });
         }
     }
-    return focusMoves_ == focusMoves;
+    return pressCounts && focusMoves_ == focusMoves;
 }
 
 void OfficeDialog::TellChanged() {

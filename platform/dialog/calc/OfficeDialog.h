@@ -52,11 +52,13 @@ private:
     void ReadRows(const SearchBox& search);
     void SettleSearches();
     void TellLater();
-    /// Tells of the fields that were left. False when a handler moved the focus back to one.
+    /// Tells of the fields that were left. False when a handler moved the focus back to one, or shows
+    /// something new.
     bool TellLeft();
+    /// The same while a mouse button may be down on the control that took the focus.
+    void TellLeftByClick();
     void TellChanged();
     void Tell(const std::function<void()>& handler);
-    void Centre();
     com::sun::star::uno::Reference<com::sun::star::awt::XWindow> WindowOf(const OfficeControl& control) const;
 
     OfficeWindows& windows_;
@@ -64,9 +66,12 @@ private:
     com::sun::star::uno::Reference<com::sun::star::awt::XControl> window_;
     std::vector<rtl::Reference<ControlListener>> listeners_;
     rtl::Reference<LaterCall> later_;
-    OfficeControl* focused_ = nullptr;    ///< the control that had the focus last
-    std::vector<OfficeControl*> left_;    ///< fields that lost the focus and whose handler has not run yet
-    std::vector<OfficeControl*> changed_; ///< by choices whose handler has not run yet
+    OfficeControl* focused_ = nullptr; ///< the control that had the focus last
+    /// The one that took it, unless it came with Tab: the mouse may be down on it.
+    const OfficeControl* clicked_ = nullptr;
+    const OfficeControl* spoilt_ = nullptr; ///< whose press began before a handler showed something new
+    std::vector<OfficeControl*> left_;      ///< fields that lost the focus and whose handler has not run yet
+    std::vector<OfficeControl*> changed_;   ///< by choices whose handler has not run yet
     /// A choice that was told right before: the office says twice what a screen reader chooses.
     const OfficeControl* told_ = nullptr;
     std::optional<std::size_t> toldChoice_;
@@ -74,6 +79,7 @@ private:
     int focusMoves_ = 0; ///< by the program
     bool isShown_ = false;
     bool isHidden_ = false; ///< the program ended it
+    bool isTab_ = false;    ///< the last key
 };
 
 } // namespace qel::office

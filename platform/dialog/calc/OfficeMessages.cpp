@@ -1,6 +1,7 @@
 #include "platform/dialog/calc/OfficeMessages.h"
 
 #include "platform/dialog/ReadingOrder.h"
+#include "platform/dialog/calc/RightToLeftBox.h"
 #include "platform/office/OfficeText.h"
 #include "text/Text.h"
 
@@ -36,6 +37,12 @@ MessageBoxAnswer AnswerOf(sal_Int16 result) {
 MessageBoxAnswer OfficeMessages::Show(std::int32_t style, const std::string& title, const std::string& text) {
     try {
         const bool isQuestion = (style & yesNo) != 0;
+        const std::string lines = ReplaceAll(text, "\r\n", "\n");
+        if (BeginsRightToLeft(lines)) {
+            const auto agreed = isQuestion ? MessageBoxAnswer::Yes : MessageBoxAnswer::Ok;
+            const auto refused = isQuestion ? MessageBoxAnswer::No : MessageBoxAnswer::Ok;
+            return ShowRightToLeft(windows_, isQuestion, title, lines) ? agreed : refused;
+        }
         const uno::Reference<awt::XMessageBoxFactory> factory(awt::Toolkit::create(windows_.Office()),
                                                               uno::UNO_QUERY_THROW);
         // The stop icon is that of errors.
@@ -43,7 +50,7 @@ MessageBoxAnswer OfficeMessages::Show(std::int32_t style, const std::string& tit
             windows_.Active(), isQuestion ? awt::MessageBoxType_ERRORBOX : awt::MessageBoxType_WARNINGBOX,
             isQuestion ? awt::MessageBoxButtons::BUTTONS_YES_NO | awt::MessageBoxButtons::DEFAULT_BUTTON_YES
                        : awt::MessageBoxButtons::BUTTONS_OK,
-            ToOffice(title), ToOffice(LinesInOwnDirection(ReplaceAll(text, "\r\n", "\n"))));
+            ToOffice(title), ToOffice(lines));
         return AnswerOf(box->execute());
     } catch (const uno::Exception&) {
         return MessageBoxAnswer::Ok;

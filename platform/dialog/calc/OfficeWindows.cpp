@@ -1,9 +1,12 @@
 #include "platform/dialog/calc/OfficeWindows.h"
 
+#include <algorithm>
+#include <com/sun/star/awt/PosSize.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
 
 namespace qel::office {
 
+namespace awt = com::sun::star::awt;
 namespace uno = com::sun::star::uno;
 
 WindowPeer OfficeWindows::Active() const {
@@ -12,6 +15,17 @@ WindowPeer OfficeWindows::Active() const {
     }
     const auto frame = com::sun::star::frame::Desktop::create(context_)->getActiveFrame();
     return frame.is() ? WindowPeer(frame->getContainerWindow(), uno::UNO_QUERY) : WindowPeer();
+}
+
+void OfficeWindows::Centre(const uno::Reference<awt::XWindow>& own) const {
+    const uno::Reference<awt::XWindow> parent(Active(), uno::UNO_QUERY);
+    if (!parent.is() || !own.is()) {
+        return;
+    }
+    // A window's position is relative to its parent's.
+    const awt::Rectangle around = parent->getPosSize(), size = own->getPosSize();
+    own->setPosSize(std::max<sal_Int32>((around.Width - size.Width) / 2, 0),
+                    std::max<sal_Int32>((around.Height - size.Height) / 2, 0), 0, 0, awt::PosSize::POS);
 }
 
 } // namespace qel::office

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <com/sun/star/awt/XWindow.hpp>
 #include <com/sun/star/awt/XWindowPeer.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
 #include <vector>
@@ -17,6 +18,8 @@ public:
     const Context& Office() const { return context_; }
     /// The open dialog, or else the active document's window, or null.
     WindowPeer Active() const;
+    /// Moves a new window to the middle of Active.
+    void Centre(const com::sun::star::uno::Reference<com::sun::star::awt::XWindow>& own) const;
     void Shown(const WindowPeer& dialog) { dialogs_.push_back(dialog); }
     void LastHidden() { dialogs_.pop_back(); }
 

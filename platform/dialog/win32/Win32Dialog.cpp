@@ -285,8 +285,8 @@ bool Win32Dialog::TellWaiting() {
         if (next.kind == Waiting::Kind::Change) {
             Events().OnChange(next.control->Design().name);
         } else if (HasLeft(*next.control)) {
-            Events().OnLeave(next.control->Design().name);
-            areLeft = areLeft && !HasFocus(*next.control);
+            const bool pressCounts = Events().OnLeave(next.control->Design().name);
+            areLeft = areLeft && pressCounts && !HasFocus(*next.control);
         }
     }
     return areLeft;

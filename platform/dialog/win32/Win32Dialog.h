@@ -47,7 +47,7 @@ private:
     void Wait(Waiting::Kind kind, DialogControl& control);
     void TellWaitingWhenReleased();
     bool IsButtonHeld() const;
-    /// False when a handler moved the focus back to the field that was left.
+    /// False when a handler moved the focus back to the field that was left, or shows something new.
     bool TellWaiting();
     bool HasLeft(const DialogControl& control) const;
 

@@ -62,7 +62,7 @@ void DialogDouble::Choose(std::string_view control, std::string_view part) {
 void DialogDouble::Type(std::string_view control, const std::string& text) {
     Usable(control, {ControlKind::TextBox}).text = text;
     events_.OnChange(control);
-    events_.OnLeave(control);
+    static_cast<void>(events_.OnLeave(control));
 }
 
 std::size_t DialogDouble::Find(std::string_view control, std::string_view typed) {
@@ -70,7 +70,7 @@ std::size_t DialogDouble::Find(std::string_view control, std::string_view typed)
     const auto rows = list.rows ? list.rows->Matching(typed) : std::vector<std::uint32_t>();
     list.selected = rows.empty() ? std::nullopt : std::optional<std::size_t>(rows.front());
     events_.OnChange(control);
-    events_.OnLeave(control);
+    static_cast<void>(events_.OnLeave(control));
     return rows.size();
 }
 

@@ -150,7 +150,8 @@ def wrong_files_are_told(bench):
         ("click", "CmdOK"), ("answer", OK),
         ("type", "txtCubeFile", bench.path("Ledger.txt")), ("click", "Command2"), ("answer", OK), ("answer", OK),
         ("type", "txtCubeFile", bench.path("poem.cub")), ("key", "txtCubeFile", "tab"), ("answer", OK),
-        ("click", "CmdCancel"), ("gone",))
+        ("type", "txtCubeFile", bench.path()), ("click", "CmdOK"), # which the file's lists had not been shown for
+        ("expect", "cboDatabaseList", "LedgerFNC"), ("click", "CmdCancel"), ("gone",))
     require("the box of no file", seen[0], "box\tChoose a Cube Name and a Cube File")
     require("the box of a wrong name", seen[2], "box\tUnvalid Name for File Cube")
     for box in (seen[1], seen[3]): # the machine's provider on a file that is not a cube

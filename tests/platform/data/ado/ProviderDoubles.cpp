@@ -4,6 +4,7 @@
 #include "platform/value/AutomationError.h"
 #include "tests/helpers/automation/RecordsetDouble.h"
 #include "tests/platform/data/ado/MetadataDoubles.h"
+#include "text/Text.h"
 
 #include <fmt/format.h>
 
@@ -21,13 +22,9 @@ DataAccess& Engine() {
     return engine;
 }
 
-/// The connection text with "double.cub" replaced by the example's cube.
-std::string EngineText(std::string text) {
-    const std::string alias = "double.cub";
-    if (const auto at = text.find(alias); at != std::string::npos) {
-        text.replace(at, alias.size(), QEL_TEST_CUBE);
-    }
-    return text;
+/// The connection text with a double's data source replaced by the example's cube.
+std::string EngineText(const std::string& text) {
+    return ReplaceAll(ReplaceAll(text, "double.cub", QEL_TEST_CUBE), doubleServer, QEL_TEST_CUBE);
 }
 
 void FailIf(const std::optional<ScriptedFailure>& failure) {

@@ -8,6 +8,8 @@
 
 namespace qel::test {
 
+inline constexpr const char* doubleServer = "http://double.example/xmla";
+
 /// Records the calls to the doubles, and scripts their failures.
 struct ProviderLog {
     std::vector<std::string> opened;     ///< "text|user|password|options" of each connection
@@ -20,7 +22,7 @@ struct ProviderLog {
 };
 
 /// Registers ADODB.Connection, ADODB.Recordset, ADOMD.Catalog and ADOMD.Cellset over the embedded engine for
-/// this process. The data source "double.cub" is the example's cube.
+/// this process. The data sources "double.cub" and doubleServer are the example's cube.
 class ProviderDoubles {
 public:
     ProviderDoubles();

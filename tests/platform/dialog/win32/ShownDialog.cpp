@@ -41,11 +41,12 @@ void EventLog::OnClick(std::string_view control) {
 
 void EventLog::OnChange(std::string_view control) { told.push_back("change " + std::string(control)); }
 
-void EventLog::OnLeave(std::string_view control) {
+bool EventLog::OnLeave(std::string_view control) {
     told.push_back("leave " + std::string(control));
     if (onLeave) {
         onLeave(control);
     }
+    return pressCounts;
 }
 
 void ShowTo(Dialog& dialog, const FormDesign& design, const std::function<void(const Person&)>& person) {

@@ -15,12 +15,13 @@ public:
     std::vector<std::string> told;
     std::function<void()> onLoad;
     std::function<void(std::string_view)> onClick, onLeave;
+    bool pressCounts = true; ///< what OnLeave returns
     Dialog* dialog = nullptr;
 
     void OnLoad() override;
     void OnClick(std::string_view control) override;
     void OnChange(std::string_view control) override;
-    void OnLeave(std::string_view control) override;
+    bool OnLeave(std::string_view control) override;
     void OnQueryUnload() override { told.emplace_back("unload"); }
 };
 

@@ -292,6 +292,7 @@ TEST(Win32Dialog, PressesNoButtonWhenLeavingTheFieldIsRefused) {
         void (*refuse)(Dialog& dialog);
         std::vector<const char*> pressed;
         Texts told;
+        bool pressCounts = true;
     } cases[] = {
         {"leads back to the field",
          leadBack,
@@ -305,10 +306,16 @@ TEST(Win32Dialog, PressesNoButtonWhenLeavingTheFieldIsRefused) {
          {"CmdAdd", "CmdOK"},
          {"load", "leave TxtCity", "click CmdAdd", "click CmdOK"}},
         {"disables the button", disable, {"CmdAdd", "CmdOK"}, {"load", "leave TxtCity", "click CmdOK"}},
+        {"shows something new",
+         [](Dialog&) {},
+         {"CmdAdd", "CmdOK"},
+         {"load", "leave TxtCity", "click CmdOK"},
+         false},
         {"cancelling is possible anyway", leadBack, {"CmdCancel"}, {"load", "click CmdCancel"}},
     };
     for (const auto& c : cases) {
         Bench bench;
+        bench.log.pressCounts = c.pressCounts;
         int left = 0;
         bench.log.onLeave = [&](std::string_view) {
             if (left++ == 0) {

@@ -1,0 +1,106 @@
+// The function wizard over the machine's provider: a person types the address of a server into the dialog.
+
+#include "tests/helpers/TemporaryFolder.h"
+#include "tests/helpers/automation/SheetObject.h"
+#include "tests/platform/data/ado/ProviderDoubles.h"
+#include "tests/platform/dialog/win32/Person.h"
+#include "tests/platform/settings/windows/SuiteKey.h"
+#include "tests/server/LedgerCall.h"
+#include "text/Utf8Path.h"
+#include "wizard/FunctionFormDesign.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <thread>
+
+namespace qel::test {
+namespace {
+
+using namespace FunctionForm;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class ServedWizard : public testing::Test {
+protected:
+    ServedWizard() { key_.SetText(L"MDBPath", PathToUtf8(folder_.Path("suite"))); }
+
+    /// What the call returned while the person acted. Of a disappointed person's dialog nobody can say how it
+    /// would end, so the program ends.
+    template <class Acts>
+    std::string Call(const Acts& acts) {
+        std::jthread person([&] {
+            try {
+                acts();
+            } catch (const std::exception& error) {
+                std::cout << error.what() << "; a box says: " << Person::TextOfBox() << std::endl;
+                std::_Exit(1);
+            }
+        });
+        Arguments arguments;
+        arguments.push_back(ObjectValue(sheet_.Cell(3, 2)));
+        return TextIn(Invoke(object_.Get(), L"ShowFormGetVal", arguments).value);
+    }
+    /// The text of the next box, which is answered.
+    static std::string Box(int button = IDOK) { return Person::Answer(button); }
+    static void TypePath(const Person& person, const char* path) {
+        person.Type(txtCubeFile, path);
+        person.Key(txtCubeFile, VK_TAB);
+    }
+
+    const Apartment apartment_;
+    const TemporaryFolder folder_;
+    const SuiteKey key_;
+    const SheetObject sheet_;
+    ProviderDoubles doubles_;
+    ComPointer<IDispatch> object_ = CreateByName(L"OrmFunctionQel4.OrmQelFunction");
+};
+
+TEST_F(ServedWizard, AsksThenFillsCalculatesWritesAndRemembers) {
+    const std::string text = Call([&] {
+        const Person person(FunctionFormDesign());
+        TypePath(person, "http://refused.example/xmla/");
+        EXPECT_THAT(Box(IDNO), HasSubstr("http://refused.example"));
+        Box(IDNO); // to be remembered
+        EXPECT_THAT(Box(), HasSubstr("Nothing was sent to http://refused.example: you refused it"));
+        EXPECT_TRUE(doubles_.Log().opened.empty());
+
+        TypePath(person, doubleServer);
+        EXPECT_THAT(Box(IDYES), HasSubstr("http://double.example"));
+        Box(IDNO);
+        person.Choose(cboDatabaseList, "LedgerFNC");
+        person.Choose(ComAccX, "SuperSum1");
+        person.Choose(ComMember, "1 - Fixed assets");
+        person.Click(CheckAcc);
+        person.Type(ListAccount, "1");
+        person.Key(ListAccount, VK_RETURN);
+        person.Click(CheckAcc);
+        person.Click(Command1);
+        EXPECT_NE(person.ReadWhenShown(TxtCalc), "0");
+        person.Click(CmdOK);
+        EXPECT_THAT(Box(), HasSubstr("already exists"));
+        person.ExpectGone();
+    });
+    EXPECT_THAT(text, StartsWith('"' + std::string(doubleServer) + "\", \"LedgerFNC\", "));
+    EXPECT_EQ(sheet_.Formula(3, 2), "=OrmFunctionQel4.OrmQelFunction.QelF1(" + text + ")");
+
+    doubles_.Log().openFailure =
+        ScriptedFailure{static_cast<HRESULT>(0x80004005), "The server does not respond.", "double"};
+    EXPECT_EQ(Call([&] {
+                  const std::string box = Box(); // before the dialog
+                  EXPECT_THAT(box, HasSubstr("The server does not respond."));
+                  EXPECT_THAT(box, HasSubstr("LoadCube"));
+                  const Person person(FunctionFormDesign());
+                  person.Expect(txtCubeFile, doubleServer);
+                  doubles_.Log().openFailure.reset();
+                  person.Click(CmdOK); // asks again
+                  person.Expect(cboDatabaseList, "LedgerFNC");
+                  person.Click(CmdCancel);
+                  person.ExpectGone();
+              }),
+              " ");
+}
+
+} // namespace
+} // namespace qel::test
