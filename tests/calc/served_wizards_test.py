@@ -214,6 +214,7 @@ class ServedWizards(KeyboardTest):
         self.addCleanup(other.close)
         document = self.office.new_document()
         self.addCleanup(document.close, True)
+        eventually("the other document in front", document.CurrentController.Frame.isActive)
         for method, title in (("ShowFormQelName", "Name QEL"), ("ShowFormGetVal", "Function QEL")):
             (WORK / "suite" / "QelFunction17.mdb").unlink()  # it would be reported
             call = self.person.calls(getattr(self.wizards, method), document.Sheets.getByIndex(0).getCellByPosition(0, 0))
