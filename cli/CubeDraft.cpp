@@ -150,13 +150,14 @@ private:
         std::error_code error;
         auto path = std::filesystem::proximate(std::filesystem::absolute(file.file), folder_, error);
         auto text = fmt::format(
-            "    // {} lines{}\n{}    {}: {{ \"file\": {}, \"delimiter\": {}, \"decimal\": {}, "
+            "{}    // {}{}{}\n    {}: {{ \"file\": {}, \"delimiter\": {}, \"decimal\": {}, "
             "\"thousands\": {}, \"dates\": {}, \"encoding\": {}",
-            file.lines,
+            Unusable(table), file.lines == 1 ? "1 line" : fmt::format("{} lines", file.lines),
+            file.skipLines == 0 ? "" : fmt::format("; the header stands in line {}", file.skipLines + 1),
             file.fitsOtherDates ? "; the dates fit \"mdy\" as well, so look whether \"dmy\" is right" : "",
-            BadValues(table), Quoted(table.name), Quoted(PathToUtf8(error ? file.file : path)),
-            Quoted(file.delimiter), Quoted(file.decimal), Quoted(file.thousands), Quoted(file.dates),
-            Quoted(file.encoding));
+            Quoted(table.name), Quoted(PathToUtf8(error ? file.file : path)), Quoted(file.delimiter),
+            Quoted(file.decimal), Quoted(file.thousands), Quoted(file.dates), Quoted(file.encoding));
+        text += file.skipLines == 0 ? "" : fmt::format(", \"skipLines\": {}", file.skipLines);
         std::vector<std::string> renamed;
         for (const auto& [name, inFile] :
              sources_.IsLedger(table) ? sources_.Renamed(table) : decltype(sources_.Renamed(table)){}) {
@@ -168,18 +169,15 @@ private:
         return text + " }";
     }
 
-    /// What of the ledger's dates and amounts the build will not take.
-    static std::string BadValues(const DraftTable& table) {
+    static std::string Unusable(const DraftTable& table) {
         std::string text;
-        for (const auto role : {ColumnRole::Date, ColumnRole::Amount}) {
-            const auto column = table.roles.Of(role);
-            const auto& each = table.profile.columns[column.value_or(0)];
-            if (column && each.badValues > 0) {
-                text += fmt::format(
-                    "    // {} of {} cannot be used: build with --skip-bad-lines, or mend the file\n",
-                    each.badValues == 1 ? "1 value" : fmt::format("{} values", each.badValues),
-                    Quoted(each.name));
-            }
+        for (const auto& fault : UnusableLines(table)) {
+            text += fmt::format("    // {}: build with --skip-bad-lines, or mend the file\n", fault);
+        }
+        if (table.profile.totals.count > 0 && text.empty()) {
+            text = fmt::format(
+                "    // line {} looks like a total: delete it from the file, or it becomes a member\n",
+                table.profile.totals.first);
         }
         return text;
     }
@@ -212,6 +210,10 @@ private:
             decimals = std::max(decimals, DecimalsOf(ColumnRole::Credit));
         }
         std::vector<std::string> measures = {measure("Amount", amount, decimals)};
+        if (sources_.HasRole(ColumnRole::Credit)) { // as a ledger's own totals are
+            measures.push_back(measure("Debit", nameOf(ColumnRole::Amount), decimals));
+            measures.push_back(measure("Credit", nameOf(ColumnRole::Credit), decimals));
+        }
         for (const auto further : sources_.FurtherAmounts()) {
             const auto& column = ledger.profile.columns[further];
             measures.push_back(measure(column.name, Quoted(column.name), column.decimals));
@@ -365,6 +367,37 @@ std::string FirstOf(const DraftSources& sources, const DraftAttribute& source, c
 }
 
 } // namespace
+
+std::vector<std::string> UnusableLines(const DraftTable& table) {
+    std::vector<std::string> faults;
+    const auto add = [&](const engine::SourceLines& lines, const std::string& one, const std::string& several,
+                         const std::string& what) {
+        if (lines.count > 0) {
+            faults.push_back(fmt::format("{} cannot be used, {} {}{}",
+                                         lines.count == 1 ? one : fmt::format("{} {}", lines.count, several),
+                                         lines.count == 1 ? "line" : "first line", lines.first, what));
+        }
+    };
+    const auto& file = table.profile;
+    const bool isLedger = table.roles.Of(ColumnRole::Date) && table.roles.Of(ColumnRole::Amount);
+    if (isLedger) {
+        add(file.totals, "1 line that looks like a total", "lines that look like totals", "");
+    }
+    add(file.malformed, "1 line", "lines", fmt::format(" ({})", file.malformed.what));
+    for (const auto role : {ColumnRole::Date, ColumnRole::Amount, ColumnRole::Credit}) {
+        if (const auto index = isLedger ? table.roles.Of(role) : std::nullopt) {
+            const auto& column = file.columns[*index];
+            add(column.badValues, "1 value of " + Quoted(column.name), "values of " + Quoted(column.name),
+                fmt::format(" ({})", Quoted(column.badValues.what)));
+        }
+    }
+    if (isLedger) {
+        const auto& column = file.columns[*table.roles.Of(ColumnRole::Date)];
+        add(column.emptyValues, "1 line without " + Quoted(column.name),
+            "lines without " + Quoted(column.name), "");
+    }
+    return faults;
+}
 
 std::string DraftDefinition(const DraftSources& sources, const std::filesystem::path& folder) {
     return DefinitionWriter(sources, folder).Text();

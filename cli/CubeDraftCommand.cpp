@@ -20,7 +20,8 @@ constexpr const char* cubeDraftFooter =
     R"(Reads every file and finds how it is written (encoding, delimiter, decimal sign, order of dates), which columns hold
 dates, amounts and codes, and how they relate. A file with dates and amounts is a part of the ledger; the others are
 tables of its codes, such as accounts. The definition has every dimension that formulas name, and comments where
-something was guessed. Look it through, then build it with 'qel cube build'.
+something was guessed. Look it through, then build it with 'qel cube build'. Lines above the header, such as a title, are
+skipped. Lines that the build cannot use, such as a total, are listed with the number of the first one and the reason.
 
 Columns are recognised by their headers, in English or Hebrew: account, cost centre, activity, project, firm, company,
 region, branch, unit, currency and the like. Rename a header, or edit the definition, where that fails.
@@ -88,6 +89,18 @@ std::string ForShell(const std::string& text) {
     return '\'' + CLI::detail::find_and_replace(text, "'", "'\\''") + '\'';
 }
 
+/// Tells them; true when there are any.
+bool TellUnusableLines(const DraftSources& sources, std::ostream& messages) {
+    bool isAny = false;
+    for (const auto& table : sources.Tables()) {
+        for (const auto& fault : UnusableLines(table)) {
+            fmt::print(messages, "qel cube draft: {}: {}\n", PathToUtf8(table.profile.file), fault);
+            isAny = true;
+        }
+    }
+    return isAny;
+}
+
 void Draft(const DraftArguments& arguments, CommandContext& context) {
     RefuseOutput(arguments);
     const DraftSources sources(ReadTables(arguments.files, context));
@@ -96,8 +109,12 @@ void Draft(const DraftArguments& arguments, CommandContext& context) {
     auto cube = output;
     const auto cubeFile = PathToUtf8(cube.replace_extension(".cub"));
     fmt::print(context.output, "{}: look it through, then\n", arguments.output);
-    fmt::print(context.output, "  qel cube build {} --output {}\n", ForShell(arguments.output),
-               ForShell(cubeFile));
+    auto skipped = output;
+    skipped.replace_filename(output.stem()) += "-skipped.csv";
+    fmt::print(
+        context.output, "  qel cube build {} --output {}{}\n", ForShell(arguments.output), ForShell(cubeFile),
+        TellUnusableLines(sources, context.messages) ? " --skip-bad-lines " + ForShell(PathToUtf8(skipped))
+                                                     : "");
     fmt::print(context.output, "  qel cube check {}\n", ForShell(cubeFile));
     fmt::print(context.output, "  qel eval {}\n", ForShell(DraftFormula(sources, cubeFile)));
 }

@@ -69,7 +69,11 @@ const std::vector<RoleWords>& KnownWords() {
           {"service"},
           {"segment"},
           {"unit"},
+          {"department"},
+          {"dept"},
           {"אגף"},
+          {"מחלקה"},
+          {"מדור"},
           {"אזור"},
           {"סניף"},
           {"יחידה"},
@@ -141,13 +145,11 @@ public:
 
     FoundRoles Find() {
         TakeBest(ColumnRole::Date, [](const auto& column) { return column.isDate ? 1 : 0; });
-        TakeBest(ColumnRole::Amount, AmountScore);
+        TakeBest(ColumnRole::Amount, [this](const auto& column) { return AmountScore(column); });
         const auto amount = found_.Of(ColumnRole::Amount);
         if (amount && ContainsAny(WordsOf(file_.columns[*amount].name), debitWords)) {
-            TakeBest(ColumnRole::Credit, [](const auto& column) {
-                const bool isCredit = column.isAmount && ContainsAny(WordsOf(column.name), creditWords);
-                return isCredit && !column.isRepeated ? 1 : 0;
-            });
+            TakeBest(ColumnRole::Credit,
+                     [](const auto& column) { return IsSide(column, creditWords) ? 1 : 0; });
         }
         for (const auto& known : KnownWords()) {
             TakeNamed(known);
@@ -161,13 +163,30 @@ public:
     }
 
 private:
-    static int AmountScore(const engine::SourceColumn& column) {
-        if (!column.isAmount || column.isRepeated) {
+    /// A column of debits or credits. In a ledger of one side the other column is empty.
+    static bool IsSide(const engine::SourceColumn& column, const Words& side) {
+        return (column.isAmount || column.isEmpty) && !column.isRepeated &&
+               ContainsAny(WordsOf(column.name), side);
+    }
+
+    bool HasSide(const Words& side) const {
+        return std::any_of(file_.columns.begin(), file_.columns.end(),
+                           [&](const auto& column) { return IsSide(column, side); });
+    }
+
+    bool HasAmountsOf(const Words& side) const {
+        return std::any_of(file_.columns.begin(), file_.columns.end(),
+                           [&](const auto& column) { return column.isAmount && IsSide(column, side); });
+    }
+
+    int AmountScore(const engine::SourceColumn& column) const {
+        const auto words = WordsOf(column.name);
+        const bool isDebit = IsSide(column, debitWords) && (column.isAmount || HasAmountsOf(creditWords));
+        const bool isCredit = ContainsAny(words, creditWords) && HasSide(debitWords);
+        if (!(column.isAmount || isDebit) || column.isRepeated || isCredit) {
             return 0;
         }
-        const auto words = WordsOf(column.name);
         const bool isNamed = ContainsAny(words, amountWords);
-        const bool isDebit = ContainsAny(words, debitWords);
         return isNamed ? 3 : isDebit ? 2 : column.decimals > 0 ? 1 : 0;
     }
 

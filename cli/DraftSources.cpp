@@ -27,6 +27,13 @@ std::string NameOr(const engine::SourceProfile& file, std::optional<std::size_t>
 /// "obs_name" and "obs_number", which are no levels of an organisation.
 bool IsOfObsNumbers(const std::string& header) { return SubjectOf(header) == SubjectOf("obs"); }
 
+/// Running balances have no sum.
+bool IsBalance(const std::string& header) {
+    const auto words = SubjectOf(header);
+    return std::any_of(words.begin(), words.end(),
+                       [](const auto& word) { return word == "balance" || word == "יתרה"; });
+}
+
 /// The names of a table's lines: those of the key by its header, otherwise the finest names that belong to
 /// none of the groups.
 std::string NamesOfKey(const engine::SourceProfile& table, std::size_t key,
@@ -69,6 +76,10 @@ std::string WhatIsThere(const std::vector<DraftTable>& tables) {
         text += fmt::format("\n  {}: {} lines; columns (by its first line) {}; of dates: {}; of numbers: {}",
                             PathToUtf8(table.profile.file), table.profile.lines, listed(names), listed(dates),
                             listed(numbers));
+        if (const auto& malformed = table.profile.malformed; malformed.count > 0) {
+            text += fmt::format("; malformed lines: {}, first line {} ({})", malformed.count, malformed.first,
+                                malformed.what);
+        }
     }
     return text;
 }
@@ -292,7 +303,7 @@ std::vector<std::size_t> DraftSources::FurtherAmounts() const {
     std::vector<std::size_t> further;
     for (std::size_t i = 0; ledgers_.size() == 1 && i < ledger.profile.columns.size(); ++i) {
         const auto& column = ledger.profile.columns[i];
-        if (column.isAmount && column.decimals > 0 && !column.isRepeated &&
+        if (column.isAmount && column.decimals > 0 && !column.isRepeated && !IsBalance(column.name) &&
             ledger.roles.Of(ColumnRole::Amount) != i && ledger.roles.Of(ColumnRole::Credit) != i) {
             further.push_back(i);
         }

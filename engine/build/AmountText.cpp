@@ -4,6 +4,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <limits>
 #include <utility>
@@ -12,9 +13,21 @@ namespace qel::engine {
 
 namespace {
 
-constexpr std::array<std::string_view, 4> currencySigns = {"$", "\xE2\x82\xAC", "\xC2\xA3", "\xE2\x82\xAA"};
+/// The ways to write a currency, the one for messages first.
+constexpr std::array<std::array<std::string_view, 7>, 4> currencies = {{
+    {"$", "USD"},
+    {"€", "EUR"},
+    {"£", "GBP"},
+    {"₪", "ILS", "NIS", "ש\"ח", "ש״ח", "ש''ח", "שח"},
+}};
 
 bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool HasDigit(std::string_view text) { return std::any_of(text.begin(), text.end(), IsDigit); }
+
+bool IsWordLetter(char c) {
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (static_cast<unsigned char>(c) & 0x80U) != 0;
+}
 
 void TrimBlanks(std::string_view& text) {
     while (!text.empty() && text.front() == ' ') {
@@ -124,6 +137,41 @@ ParsedAmount ParsePlain(std::string_view text, const CsvFormat& format, std::uin
     return {.value = isNegative ? -sum.Value() : sum.Value()};
 }
 
+struct Priced {
+    std::string rest; ///< the text without the currency
+    std::uint8_t currency = 0;
+};
+
+/// Takes a currency away that stands before or behind all digits, as a word of its own.
+std::optional<Priced> FindCurrency(std::string_view text) {
+    std::string upper(text);
+    std::transform(upper.begin(), upper.end(), upper.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    for (std::size_t i = 0; i < currencies.size(); ++i) {
+        for (const std::string_view sign : currencies[i]) {
+            const auto place = sign.empty() ? std::string::npos : upper.find(sign);
+            if (place == std::string::npos) {
+                continue;
+            }
+            const std::string_view before = text.substr(0, place), behind = text.substr(place + sign.size());
+            if (HasDigit(before) != HasDigit(behind)) { // "1$50" is not 150, and "$" not 0
+                return Priced{fmt::format("{} {}", before, behind), static_cast<std::uint8_t>(i + 1)};
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+/// The first word that is no currency: letters, with what stands between them.
+std::string_view ForeignWord(std::string_view text) {
+    const auto* const begin = std::find_if(text.begin(), text.end(), IsWordLetter);
+    const auto* end = begin;
+    for (const auto* at = begin; at != text.end() && !IsDigit(*at); ++at) {
+        end = IsWordLetter(*at) ? at + 1 : end;
+    }
+    return {begin, end};
+}
+
 } // namespace
 
 ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::uint8_t decimals) {
@@ -132,31 +180,23 @@ ParsedAmount ParseAmount(std::string_view text, const CsvFormat& format, std::ui
     if (amount.value || amount.isTooLarge) {
         return amount;
     }
-    for (std::size_t i = 0; i < currencySigns.size(); ++i) {
-        const auto currency = static_cast<std::uint8_t>(i + 1);
-        const std::string_view sign = CurrencySign(currency);
-        const auto place = text.find(sign);
-        if (place != std::string_view::npos) {
-            std::string plain(text);
-            plain.erase(place, sign.size());
-            if (plain.find_first_of("0123456789") == std::string::npos) { // an empty text would be 0
-                return amount;
-            }
-            ParsedAmount without = ParsePlain(WithPlainSigns(plain), format, decimals);
-            without.currency = currency;
-            return without;
-        }
+    const std::string plain = WithPlainSigns(text);
+    if (const auto priced = FindCurrency(plain)) {
+        ParsedAmount without = ParsePlain(priced->rest, format, decimals);
+        without.currency = priced->currency;
+        return without;
     }
     return amount;
 }
 
-std::string_view CurrencySign(std::uint8_t currency) { return currencySigns[currency - 1U]; }
+std::string_view CurrencySign(std::uint8_t currency) { return currencies[currency - 1U].front(); }
 
-std::string AmountRemedy(std::string_view text, const CsvFormat& format, std::uint8_t decimals) {
+std::string AmountRemedy(std::string_view text, const TableDefinition& table, std::uint8_t decimals) {
+    const CsvFormat& format = table.format;
     constexpr std::uint8_t mostDecimals = 9;
     for (std::uint8_t more = decimals; more <= mostDecimals; ++more) {
         if (ParseAmount(text, format, more).value) {
-            return fmt::format("; set \"decimals\": {}", more);
+            return fmt::format("; set \"decimals\": {} in the measure", more);
         }
     }
     for (const auto& [decimal, thousands] : {std::pair('.', ','), std::pair(',', '.'), std::pair(',', ' '),
@@ -165,8 +205,16 @@ std::string AmountRemedy(std::string_view text, const CsvFormat& format, std::ui
         other.decimal = decimal;
         other.thousands = thousands;
         if (ParseAmount(text, other, decimals).value) {
-            return fmt::format("; set \"decimal\": \"{}\", \"thousands\": \"{}\"", decimal, thousands);
+            return fmt::format("; set \"decimal\": \"{}\", \"thousands\": \"{}\" in the table \"{}\"",
+                               decimal, thousands, table.name);
         }
+    }
+    const std::string plain = WithPlainSigns(text);
+    const std::string_view word = ForeignWord(plain);
+    if (HasDigit(text) && !word.empty()) {
+        return fmt::format("; take \"{}\" away: beside an amount only a currency may stand ($, €, £, ₪, USD, "
+                           "EUR, GBP, ILS, NIS, ש\"ח)",
+                           word);
     }
     return {};
 }

@@ -1,6 +1,7 @@
 #include "engine/build/BuildWarnings.h"
 
 #include "engine/build/SharedMembers.h"
+#include "engine/build/SourceEncoding.h"
 #include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
 #include "text/DecimalText.h"
@@ -8,6 +9,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 
 namespace qel::engine {
 
@@ -27,6 +29,15 @@ bool IsAccepted(const BuildWarning& warning, const Definition& definition) {
         }
     }
     return false;
+}
+
+/// A file that is read in a western encoding and has words of Hebrew.
+bool LooksLikeHebrew(const TableDefinition& table) {
+    constexpr const char* western[] = {"windows-1252", "cp1252",      "ISO-8859-1", "ISO8859-1",
+                                       "latin1",       "ISO-8859-15", "ISO8859-15"};
+    return std::any_of(std::begin(western), std::end(western),
+                       [&](const char* name) { return EqualIgnoringCase(name, table.format.encoding); }) &&
+           DetectEncoding(table.file) == "windows-1255";
 }
 
 } // namespace
@@ -50,10 +61,15 @@ void DimensionWarnings::AddSharedNames() const {
             Add(equalNames,
                 fmt::format("level [{}].[{}].[{}]", dimension_.Definition().name, hierarchy.name,
                             hierarchy.levels[level].name),
-                fmt::format("{}, first {}; a formula that names one adds them up or takes the first",
-                            names.count == 1 ? "one name belongs to several members"
-                                             : fmt::format("{} names belong to several members", names.count),
-                            names.first));
+                fmt::format(
+                    "{} {}. A formula with such a name shows the sum of these members (ObsMember) or the "
+                    "first one only (any other argument). To tell them apart, give them names of their own "
+                    "(\"memberName\"); if the sum or the first is meant, set \"accept\": \"equalNames\" in "
+                    "the dimension",
+                    names.count == 1
+                        ? "several members have one name:"
+                        : fmt::format("{} names belong to several members each, such as", names.count),
+                    names.first));
         }
     }
 }
@@ -105,6 +121,39 @@ void DimensionWarnings::AddDateOrder() const {
         Add(dateOrder, fmt::format("dimension {}, column {}", dimension_.Definition().name, keys_->Name()),
             fmt::format("every date fits \"dmy\" and \"mdy\", such as \"{}\"; see that \"dates\" is right",
                         *date));
+    }
+}
+
+std::string NoRowsText(const TableDefinition& table) {
+    return table.odbc ? "its query answers no rows" : "it has no lines below its header";
+}
+
+void AddTableWarnings(const TableReader& reader, std::vector<BuildWarning>& warnings) {
+    const TableDefinition& table = reader.Table();
+    const auto add = [&](const char* kind, const std::string& text) {
+        const bool isKnown = std::any_of(warnings.begin(), warnings.end(),
+                                         [&text](const auto& warning) { return warning.text == text; });
+        if (!isKnown) {
+            warnings.push_back({kind, "", "", text});
+        }
+    };
+    const auto mayHave = [&](const char* kind) {
+        return std::find(table.accepted.begin(), table.accepted.end(), kind) == table.accepted.end();
+    };
+    const RecordReader& records = reader.Records();
+    if (!records.IsComplete() && mayHave(lastLine)) {
+        add(lastLine, fmt::format("{}, line {}: the last line has no line end; the file may be cut off",
+                                  records.Name(), records.Number()));
+    }
+    if (reader.LinesRead() == 0 && mayHave(noRows)) {
+        add(noRows, fmt::format("{}: {}", records.Name(), NoRowsText(table)));
+    }
+    if (!table.odbc && LooksLikeHebrew(table) && mayHave(hebrewEncoding)) {
+        add(hebrewEncoding,
+            fmt::format(
+                "{}: its letters look like Hebrew, not like {}, in which it shows \"àáâ\" for \"אבג\"; set "
+                "\"encoding\": \"windows-1255\" in the table \"{}\"",
+                records.Name(), table.format.encoding, table.name));
     }
 }
 

@@ -37,6 +37,13 @@ private:
     std::vector<BuildWarning>& warnings_;
 };
 
+/// Why a table gives no facts.
+std::string NoRowsText(const TableDefinition& table);
+
+/// Adds what is odd about a table that was read to its end, once however often it is read: a last line
+/// without its end, no rows, words of Hebrew in a western encoding.
+void AddTableWarnings(const TableReader& reader, std::vector<BuildWarning>& warnings);
+
 /// Adds the warnings that their dimension does not accept.
 void AddReviewed(std::vector<BuildWarning> found, const Definition& definition,
                  std::vector<BuildWarning>& warnings);

@@ -1,5 +1,6 @@
 #include "engine/build/CsvReader.h"
 
+#include "engine/build/CsvFields.h"
 #include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
 #include "text/Text.h"
@@ -17,52 +18,24 @@ namespace {
 constexpr std::size_t longestRecord = 1 << 20;
 constexpr std::string_view notClosed = "a quote is not closed";
 
-/// The length of the quoted text at the start, with its quotes; 0 when it does not end.
-std::size_t QuotedLength(std::string_view text) {
-    for (std::size_t i = 1; i < text.size(); ++i) {
-        if (text[i] == '"' && text.substr(i, 2) != "\"\"") {
-            return i + 1;
-        }
-        i += text[i] == '"' ? std::size_t{1} : 0;
-    }
-    return 0;
-}
-
-/// The fields of a line as it stands, where a quote has a meaning at the start of a field alone, as in the
-/// spreadsheets that people export from. None when a quoted field does not end where the field does.
-std::vector<std::string_view> FieldsOf(std::string_view line, char delimiter) {
-    std::vector<std::string_view> fields;
-    line = line.substr(0, line.find_last_not_of("\r\n") + 1);
-    const auto skipBlanks = [&] {
-        const auto first = line.find_first_not_of(delimiter == '\t' ? " " : " \t");
-        line.remove_prefix(std::min(first, line.size()));
-    };
-    for (bool hasMore = true; hasMore;) {
-        skipBlanks();
-        const bool isQuoted = line.starts_with('"');
-        const std::size_t length =
-            isQuoted ? QuotedLength(line) : std::min(line.find(delimiter), line.size());
-        fields.push_back(line.substr(0, length));
-        line.remove_prefix(length);
-        skipBlanks();
-        if ((isQuoted && length == 0) || (!line.empty() && line.front() != delimiter)) {
-            return {};
-        }
-        hasMore = !line.empty();
-        line.remove_prefix(hasMore ? 1 : 0);
-    }
-    return fields;
-}
-
-/// The delimiter that occurs most often outside quotes; a comma when there is none.
-char DetectDelimiter(std::string_view line) {
+/// The delimiter that occurs most often outside quotes; a comma when there is none. A quoted name may go on
+/// in the next lines.
+char DetectDelimiter(LineBuffer& lines) {
+    constexpr int mostLines = 10;
     char best = ',';
-    std::size_t most = 1;
-    for (const char candidate : {',', ';', '\t', '|'}) {
-        const std::size_t count = FieldsOf(line, candidate).size();
-        if (count > most) {
-            most = count;
-            best = candidate;
+    std::size_t most = 1, size = 0;
+    for (int line = 0; line < mostLines && most == 1; ++line) {
+        size += lines.LineAt(size).size();
+        const std::string_view header = lines.First(size);
+        for (const char candidate : {',', ';', '\t', '|'}) {
+            const std::size_t count = CsvFieldsOf(header, candidate).size();
+            if (count > most) {
+                most = count;
+                best = candidate;
+            }
+        }
+        if (std::count(header.begin(), header.end(), '"') % 2 == 0) {
+            break;
         }
     }
     return best;
@@ -75,14 +48,15 @@ void CsvReader::ParserDeleter::operator()(csv_parser* parser) const {
     std::default_delete<csv_parser>()(parser);
 }
 
-CsvReader::CsvReader(std::istream& input, const std::string& fileName, char delimiter, std::uint64_t size)
+CsvReader::CsvReader(std::istream& input, const std::string& fileName, char delimiter, std::uint64_t size,
+                     std::uint64_t skipLines)
     : RecordReader(fileName), lines_(input), delimiter_(delimiter), size_(size) {
-    ReadHeader();
+    ReadHeader(skipLines);
 }
 
 CsvReader::~CsvReader() = default;
 
-void CsvReader::ReadHeader() {
+void CsvReader::ReadHeader(std::uint64_t skipLines) {
     constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
     const std::string_view start = lines_.LineAt(0);
     if (start.substr(0, 2) == "\xFF\xFE" || start.substr(0, 2) == "\xFE\xFF") {
@@ -91,12 +65,19 @@ void CsvReader::ReadHeader() {
     if (start.substr(0, utf8Mark.size()) == utf8Mark) {
         lines_.Drop(utf8Mark.size());
     }
+    for (; line_ <= skipLines; ++line_) {
+        const std::size_t size = lines_.LineAt(0).size();
+        if (size == 0) {
+            Fail(fmt::format("\"skipLines\" is {}, but the file has {} lines", skipLines, line_ - 1));
+        }
+        lines_.Drop(size);
+    }
     if (!SkipBlankLines()) {
         Fail("the file is empty, expected a line with the names of the columns");
     }
     TakeDelimiterLine();
     if (delimiter_ == 0) {
-        delimiter_ = DetectDelimiter(lines_.LineAt(0));
+        delimiter_ = DetectDelimiter(lines_);
     }
     ResetParser();
     ReadRecord();
@@ -202,7 +183,7 @@ bool CsvReader::ReadRecord() {
 }
 
 bool CsvReader::TakeQuotesWithinFields() {
-    const auto fields = FieldsOf(lines_.LineAt(0), delimiter_);
+    const auto fields = CsvFieldsOf(lines_.LineAt(0), delimiter_);
     ClearFields();
     for (const std::string_view field : fields) {
         const bool isQuoted = field.starts_with('"');

@@ -19,8 +19,10 @@ class CsvReader final : public RecordReader {
 public:
     /// Reads the header line, and a line "sep=;" before it, which names the delimiter. `delimiter` 0 chooses
     /// that one, otherwise the one that occurs most often in the header. Raises EngineError (InvalidData) for
-    /// an empty file or a malformed header. `size` is the file's, in bytes.
-    CsvReader(std::istream& input, const std::string& fileName, char delimiter, std::uint64_t size = 0);
+    /// an empty file or a malformed header. `size` is the file's, in bytes; `skipLines` lines stand above the
+    /// header.
+    CsvReader(std::istream& input, const std::string& fileName, char delimiter, std::uint64_t size = 0,
+              std::uint64_t skipLines = 0);
     ~CsvReader() override;
     CsvReader(const CsvReader&) = delete;
     CsvReader& operator=(const CsvReader&) = delete;
@@ -40,7 +42,7 @@ private:
         void operator()(csv_parser* parser) const;
     };
 
-    void ReadHeader();
+    void ReadHeader(std::uint64_t skipLines);
     /// False at the end of the file.
     bool ReadRecord();
     bool SkipBlankLines();

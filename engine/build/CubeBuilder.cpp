@@ -78,7 +78,7 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
             TableReader reader(definition_.tables[table], badLines_, progress_);
             dimensions_[i].ReadTables(reader, KeysOf(i), tableOfKeys);
             totals.dimensionLinesSkipped += reader.LinesSkipped();
-            NoteLastLine(reader, totals.warnings);
+            AddTableWarnings(reader, totals.warnings);
         }
     }
     for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
@@ -96,7 +96,7 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
         source.linesRead = reader.LinesRead();
         source.linesSkipped = reader.LinesSkipped();
         AddTotals(facts_, firstRow, source);
-        NoteLastLine(reader, totals.warnings);
+        AddTableWarnings(reader, totals.warnings);
         totals.linesRead += reader.LinesRead();
         totals.linesSkipped += reader.LinesSkipped();
         totals.linesKept += reader.LinesRead() - reader.LinesSkipped();
@@ -104,20 +104,6 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
             throw EngineError(ErrorKind::InvalidData,
                               fmt::format("cube {}: more than {} facts", cube_.name, format::mostFacts));
         }
-    }
-}
-
-void CubeBuilder::NoteLastLine(const TableReader& reader, std::vector<BuildWarning>& warnings) {
-    if (reader.Records().IsComplete() || reader.Table().acceptsOpenLine) {
-        return;
-    }
-    const std::string text =
-        fmt::format("{}, line {}: the last line has no line end; the file may be cut off",
-                    reader.Records().Name(), reader.Records().Number());
-    const bool isKnown = std::any_of(warnings.begin(), warnings.end(),
-                                     [&text](const auto& warning) { return warning.text == text; });
-    if (!isKnown) {
-        warnings.push_back({lastLine, "", "", text});
     }
 }
 
@@ -137,6 +123,11 @@ std::string CubeBuilder::FactPlace() const {
     std::vector<std::string> files;
     for (const std::size_t table : cube_.facts) {
         files.push_back(definition_.tables[table].ShortName());
+    }
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (model_.sources[i].linesRead == 0) {
+            files[i] += fmt::format(" ({})", NoRowsText(definition_.tables[cube_.facts[i]]));
+        }
     }
     return fmt::format("cube {}, facts of {}", cube_.name, fmt::join(files, ", "));
 }

@@ -36,8 +36,6 @@ private:
     std::string FactPlace() const;
     /// The tree in whose order a text column's codes are numbered.
     const MemberTree& MainTree(std::size_t keyColumn) const;
-    /// Warns of a table that ends within a line, once however often it is read.
-    static void NoteLastLine(const TableReader& reader, std::vector<BuildWarning>& warnings);
     void MakeModel();
     void FindWarnings(std::vector<BuildWarning>& warnings) const;
     std::vector<std::vector<std::uint16_t>> SortOrders() const;

@@ -37,6 +37,8 @@ private:
     std::unordered_set<std::string> names_;
 };
 
+constexpr int mostSkippedLines = 1000;
+
 /// Reads how a file is written.
 void ReadFileFormat(JsonObject& object, CsvFormat& format) {
     constexpr std::string_view delimiters = ",;\t|";
@@ -46,6 +48,9 @@ void ReadFileFormat(JsonObject& object, CsvFormat& format) {
     }
     if (const auto place = object.Optional("encoding")) {
         format.encoding = EqualIgnoringCase(place->Text(), "auto") ? "" : place->Text();
+    }
+    if (const auto place = object.Optional("skipLines")) {
+        format.skipLines = static_cast<std::uint64_t>(place->Integer(0, mostSkippedLines));
     }
 }
 
@@ -76,6 +81,16 @@ void ReadDatabase(JsonObject& object, const JsonPlace& odbc, TableDefinition& ta
     }
 }
 
+/// Reads one kind of warnings, or an array of kinds.
+std::vector<std::string> ReadAccepted(const JsonPlace& place, const std::vector<std::string>& kinds) {
+    std::vector<std::string> accepted;
+    for (const JsonPlace& element :
+         place.value->is_string() ? std::vector<JsonPlace>{place} : place.Elements()) {
+        accepted.push_back(kinds[element.OneOf(kinds)]);
+    }
+    return accepted;
+}
+
 TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const CsvFormat& defaults,
                           const std::filesystem::path& folder) {
     TableDefinition table;
@@ -87,9 +102,9 @@ TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const
         table.format = defaults;
         table.file = folder / std::filesystem::path(object.Required("file").Text());
         ReadFileFormat(object, table.format);
-        if (const auto accept = object.Optional("accept")) {
-            table.acceptsOpenLine = accept->OneOf({lastLine}) == 0;
-        }
+    }
+    if (const auto accept = object.Optional("accept")) {
+        table.accepted = ReadAccepted(*accept, {lastLine, noRows, hebrewEncoding});
     }
     ReadValueFormat(object, table.format);
     if (const auto columns = object.Optional("columns")) {
@@ -173,7 +188,7 @@ private:
             place.Fail("a main dimension needs a \"column\"");
         }
         if (const auto accept = object.Optional("accept")) {
-            ReadAccepted(*accept, dimension);
+            dimension.accepted = ReadAccepted(*accept, {severalParents, equalNames, dateOrder, dateMembers});
         }
         ReadMemberSource(object, dimension);
         object.HintFor("parent", ownLevels);
@@ -201,14 +216,6 @@ private:
         if (dimension.column && dimension.keys.size() != dimension.columns.size()) {
             key->Fail(fmt::format("expected as many columns as \"column\" has, which is {}",
                                   dimension.columns.size()));
-        }
-    }
-
-    static void ReadAccepted(const JsonPlace& place, DimensionDefinition& dimension) {
-        const std::vector<std::string> kinds = {severalParents, equalNames, dateOrder, dateMembers};
-        for (const JsonPlace& element :
-             place.value->is_string() ? std::vector<JsonPlace>{place} : place.Elements()) {
-            dimension.accepted.push_back(kinds[element.OneOf(kinds)]);
         }
     }
 

@@ -23,7 +23,8 @@ struct CsvFormat {
     char decimal = '.';
     char thousands = 0; ///< 0: none
     DateFormat dates = DateFormat::Iso;
-    std::string encoding = {}; ///< empty: UTF-16 with a byte order mark, otherwise UTF-8
+    std::string encoding = {};   ///< empty: UTF-16 with a byte order mark, otherwise UTF-8
+    std::uint64_t skipLines = 0; ///< above the header
 };
 
 /// A database reached through ODBC.
@@ -40,7 +41,7 @@ struct TableDefinition {
     CsvFormat format;
     /// Names used in the definition and the column names in the file; other columns keep theirs.
     std::vector<std::pair<std::string, std::string>> columns;
-    bool acceptsOpenLine = false; ///< the last line may have no line end
+    std::vector<std::string> accepted; ///< kinds of warnings
 
     /// The file's name without its folder, or `table "ledger"`.
     std::string ShortName() const;
@@ -77,6 +78,8 @@ inline constexpr const char* severalParents = "severalParents"; ///< values that
 inline constexpr const char* equalNames = "equalNames";         ///< names that several members have
 inline constexpr const char* dateOrder = "dateOrder";           ///< dates that fit another order, too
 inline constexpr const char* lastLine = "lastLine";             ///< of a table: its last line has no end
+inline constexpr const char* noRows = "noRows";                 ///< of a table: it has none
+inline constexpr const char* hebrewEncoding = "encoding";       ///< of a table: its letters look like Hebrew
 inline constexpr const char* dateMembers = "dateMembers";       ///< months and years that name no date
 
 struct DimensionDefinition {

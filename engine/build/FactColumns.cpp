@@ -48,7 +48,7 @@ private:
             const std::string_view field = reader_.Key(keyFields_[i]);
             const auto number = keyColumns_[i].NumberOf(field, dates);
             if (!number) {
-                reader_.ReportBad(keyFields_[i], keyColumns_[i].FaultOf(field, dates));
+                reader_.ReportBad(keyFields_[i], keyColumns_[i].FaultOf(field, reader_.Table()));
                 return false;
             }
             numbers_[i] = *number;
@@ -70,19 +70,41 @@ private:
         const std::string_view field = reader_.Field(column);
         const std::uint8_t decimals = measures_[measure].decimals;
         const auto amount = ParseAmount(field, reader_.Table().format, decimals);
+        if (MayLackDigits(field, amount) && reader_.Records().IsFloating(column)) {
+            reader_.ReportBad({&column, 1}, FloatingFault(field, column, decimals));
+            return false;
+        }
         if (!amount.value) {
             reader_.ReportBad({&column, 1},
                               amount.isTooLarge ? TooLarge(field, decimals) : AmountFault(field, decimals));
             return false;
         }
         if (amount.currency != 0 && !IsCurrencyOf(measure, amount.currency)) {
-            reader_.ReportBad({&column, 1},
-                              fmt::format("\"{}\" is in {}, and amounts before it are in {}", field,
-                                          CurrencySign(amount.currency), CurrencySign(currencies_[measure])));
+            reader_.ReportBad(
+                {&column, 1},
+                fmt::format("\"{}\" is in {}, and amounts before it are in {}; they have no sum: build a "
+                            "cube of each currency",
+                            field, CurrencySign(amount.currency), CurrencySign(facts_.currencies[measure])));
             return false;
         }
         value = *amount.value;
         return true;
+    }
+
+    /// Whether a floating-point number may have had more digits than those that were read.
+    static bool MayLackDigits(std::string_view field, const ParsedAmount& amount) {
+        constexpr std::int64_t sixteenDigits = 1'000'000'000'000'000;
+        return amount.value ? *amount.value >= sixteenDigits || *amount.value <= -sixteenDigits
+                            : amount.isTooLarge || field.find_first_of("eE") != std::string_view::npos;
+    }
+
+    std::string FloatingFault(std::string_view field, std::size_t column, std::uint8_t decimals) const {
+        return fmt::format(
+            "the number {} comes from a floating-point column, of which only 15 digits are read: too "
+            "few for {} decimals; make it exact in the query, in SQLite with printf('%.{}f', {}), "
+            "elsewhere with CAST({} AS DECIMAL(19, {})), or keep whole numbers of the smallest unit",
+            field, decimals, decimals, reader_.Records().Header()[column], reader_.Records().Header()[column],
+            decimals);
     }
 
     /// Subtracts the column that the measure subtracts, if it has one.
@@ -106,11 +128,11 @@ private:
 
     /// Amounts of several currencies have no sum.
     bool IsCurrencyOf(std::size_t measure, std::uint8_t currency) {
-        currencies_.resize(measures_.size());
-        if (currencies_[measure] == 0) {
-            currencies_[measure] = currency;
+        facts_.currencies.resize(measures_.size());
+        if (facts_.currencies[measure] == 0) {
+            facts_.currencies[measure] = currency;
         }
-        return currencies_[measure] == currency;
+        return facts_.currencies[measure] == currency;
     }
 
     static std::string TooLarge(std::string_view field, std::uint8_t decimals) {
@@ -129,7 +151,7 @@ private:
             example += format.decimal + std::string("567890123").substr(0, decimals);
         }
         return fmt::format("expected an amount such as {}, with at most {} decimals, found \"{}\"{}", example,
-                           decimals, field, AmountRemedy(field, format, decimals));
+                           decimals, field, AmountRemedy(field, reader_.Table(), decimals));
     }
 
     void AddRow() {
@@ -152,7 +174,6 @@ private:
     std::vector<std::size_t> valueFields_, minusFields_; ///< by measure
     std::vector<std::uint32_t> numbers_;
     std::vector<std::int64_t> amounts_;
-    std::vector<std::uint8_t> currencies_; ///< by measure, 0 until a sign was seen
 };
 
 /// The narrowest signed width for values in the range.

@@ -16,6 +16,7 @@ struct FactColumns {
         keys; ///< by key column: value numbers while reading, codes afterwards
     std::vector<std::vector<std::int64_t>> values; ///< by measure, scaled; empty for a count
     std::uint64_t rowCount = 0;
+    std::vector<std::uint8_t> currencies; ///< by measure, of the amounts read; 0 until one has a currency
 };
 
 /// Reads a fact table and adds its usable lines.

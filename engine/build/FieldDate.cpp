@@ -155,7 +155,7 @@ std::string FormatDate(std::chrono::sys_days day) {
                        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
 }
 
-std::string DateRemedy(std::string_view text) {
+std::string DateRemedy(std::string_view text, std::string_view table) {
     std::string fitting;
     for (const auto& [format, name] :
          {std::pair(DateFormat::Iso, "iso"), std::pair(DateFormat::DayMonthYear, "dmy"),
@@ -164,7 +164,7 @@ std::string DateRemedy(std::string_view text) {
             fitting += fmt::format("{}\"{}\"", fitting.empty() ? "; set \"dates\": " : " or ", name);
         }
     }
-    return fitting;
+    return fitting.empty() ? fitting : fmt::format("{} in the table \"{}\"", fitting, table);
 }
 
 std::string_view ExpectedDate(DateFormat format) {

@@ -19,8 +19,8 @@ std::optional<std::chrono::sys_days> ParseDate(std::string_view text, DateFormat
 /// "2024-03-31".
 std::string FormatDate(std::chrono::sys_days day);
 
-/// "; set \"dates\": \"dmy\"" with each format that fits the text; empty when none does.
-std::string DateRemedy(std::string_view text);
+/// "; set \"dates\": \"dmy\" in the table …" with each format that fits the text; empty when none does.
+std::string DateRemedy(std::string_view text, std::string_view table);
 
 /// "a date such as 31/12/2024", for messages.
 std::string_view ExpectedDate(DateFormat format);

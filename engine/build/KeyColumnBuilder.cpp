@@ -81,20 +81,21 @@ std::optional<std::uint32_t> KeyColumnBuilder::NumberOfDate(std::string_view fie
     return days_[number] ? std::optional(number) : std::nullopt;
 }
 
-std::string KeyColumnBuilder::FaultOf(std::string_view field, DateFormat format) const {
+std::string KeyColumnBuilder::FaultOf(std::string_view field, const TableDefinition& table) const {
     if (IsCalendar()) {
         const CalendarDefinition& rules = *calendarDefinition_;
-        if (!ParseDate(field, format)) {
-            return fmt::format("expected {}, found \"{}\"{}", ExpectedDate(format), field, DateRemedy(field));
+        if (!ParseDate(field, table.format.dates)) {
+            return fmt::format("expected {}, found \"{}\"{}", ExpectedDate(table.format.dates), field,
+                               DateRemedy(field, table.name));
         }
         return fmt::format("\"{}\" lies outside the calendar ({} to {})", field,
                            rules.from ? FormatDate(*rules.from) : "any date",
                            rules.to ? FormatDate(*rules.to) : "any date");
     }
     const auto number = texts_.Find(field);
-    for (std::size_t table = 0; table < tableNames_.size(); ++table) {
-        if (!number || !IsSet(isKnown_[table], *number)) {
-            return fmt::format("\"{}\" is not in the {}", Shown(field), tableNames_[table]);
+    for (std::size_t i = 0; i < tableNames_.size(); ++i) {
+        if (!number || !IsSet(isKnown_[i], *number)) {
+            return fmt::format("\"{}\" is not in the {}", Shown(field), tableNames_[i]);
         }
     }
     return "cannot be used";

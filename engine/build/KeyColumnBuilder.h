@@ -36,7 +36,7 @@ public:
     /// The number of the field's value, or nothing when the field cannot be used (FaultOf says why). Adds new
     /// texts only when no dimension table restricts the values, and then always.
     std::optional<std::uint32_t> NumberOf(std::string_view field, DateFormat format);
-    std::string FaultOf(std::string_view field, DateFormat format) const;
+    std::string FaultOf(std::string_view field, const TableDefinition& table) const;
     /// Whether NumberOf accepts any text.
     bool TakesAnyText() const { return !IsCalendar() && tableNames_.empty(); }
 

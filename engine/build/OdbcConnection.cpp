@@ -17,6 +17,9 @@ namespace qel::engine {
 namespace {
 
 constexpr std::uintptr_t secondsToConnect = 30;
+constexpr const char* namesOfDrivers =
+    "; look at the names in \"odbc\": \"odbcinst -q -d\" lists the drivers, "
+    "\"odbcinst -q -s\" the data sources (on Windows, \"odbcad32\" both)";
 
 bool IsFailure(SQLRETURN result) { return !SQL_SUCCEEDED(result) && result != SQL_NO_DATA; }
 
@@ -141,8 +144,11 @@ void OdbcConnection::Fail(SQLSMALLINT type, SQLHANDLE handle, const std::string&
     for (const std::string& password : text_.passwords) {
         message = ReplaceAll(message, password, "***");
     }
+    const bool isUnknownDriver =
+        type == SQL_HANDLE_DBC && message.find("Driver Manager]") != std::string::npos;
     throw EngineError(ErrorKind::InvalidData,
-                      fmt::format("{}: {}: {}", tableName_, what, OnOneShownLine(message)));
+                      fmt::format("{}: {}: {}{}", tableName_, what, OnOneShownLine(message),
+                                  isUnknownDriver ? namesOfDrivers : ""));
 }
 
 } // namespace qel::engine

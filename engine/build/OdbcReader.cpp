@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 namespace qel::engine {
 
@@ -71,11 +72,29 @@ void OdbcReader::BindColumns() {
         Column& column = columns_[i];
         column.texts.resize(capacity * rows);
         column.lengths.resize(rows);
+        column.isFloating = HasFloatingNumbers(static_cast<SQLUSMALLINT>(i + 1));
         connection_.Check(::SQLBindCol(statement, static_cast<SQLUSMALLINT>(i + 1), SQL_C_CHAR,
                                        column.texts.data(), static_cast<SQLLEN>(capacity),
                                        column.lengths.data()),
                           fmt::format("column \"{}\" cannot be read", header_[i]));
     }
+}
+
+bool OdbcReader::HasFloatingNumbers(SQLUSMALLINT column) const {
+    SQLLEN type = 0;
+    std::array<SQLTCHAR, 64> name = {};
+    SQLSMALLINT bytes = 0;
+    SQLHSTMT statement = connection_.Statement();
+    ::SQLColAttribute(statement, column, SQL_DESC_CONCISE_TYPE, nullptr, 0, nullptr, &type);
+    ::SQLColAttribute(statement, column, SQL_DESC_TYPE_NAME, name.data(),
+                      static_cast<SQLSMALLINT>(sizeof(name)), &bytes, nullptr);
+    std::string typeName;
+    std::transform(name.begin(), std::find(name.begin(), name.end(), 0), std::back_inserter(typeName),
+                   [](auto c) { return static_cast<char>(c); });
+    // SQLite's driver calls a column of decimals one of texts; its values are floating-point ones.
+    const bool isDecimalText =
+        (type == SQL_CHAR || type == SQL_VARCHAR) && FoldCase(typeName).starts_with("dec");
+    return type == SQL_REAL || type == SQL_FLOAT || type == SQL_DOUBLE || isDecimalText;
 }
 
 bool OdbcReader::FetchBlock() {

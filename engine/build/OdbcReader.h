@@ -26,16 +26,19 @@ public:
     std::string HeaderText() const override;
     char Delimiter() const override { return ','; }
     bool IsComplete() const override { return true; }
+    bool IsFloating(std::size_t column) const override { return columns_[column].isFloating; }
 
 private:
     /// A column's texts of all rows of a block.
     struct Column {
         std::vector<char> texts;
         std::vector<SQLLEN> lengths; ///< in bytes, or SQL_NULL_DATA
+        bool isFloating = false;
     };
 
     void DescribeColumns();
     void BindColumns();
+    bool HasFloatingNumbers(SQLUSMALLINT column) const;
     bool FetchBlock();
     void TakeRow(std::size_t row);
     /// Puts a text of the block into value_; false when it is unusable, and fault_ says why.

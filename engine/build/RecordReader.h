@@ -30,6 +30,7 @@ public:
     virtual std::uint64_t Number() const = 0;
     /// The field, trimmed. When Fault() is empty there are as many fields as in the header.
     std::string_view Field(std::size_t column) const;
+    std::size_t FieldCount() const { return fields_.size(); }
     /// The share of the records that has been read; 0 while it is unknown.
     virtual double Share() const = 0;
 
@@ -39,13 +40,14 @@ public:
     virtual char Delimiter() const = 0;
     /// Whether the last record that was read is whole for certain: a line has its end.
     virtual bool IsComplete() const = 0;
+    /// Whether the column's numbers are floating-point ones, of which the reader gets 15 digits.
+    virtual bool IsFloating(std::size_t /*column*/) const { return false; }
 
 protected:
     explicit RecordReader(std::string name) : name_(std::move(name)) {}
 
     void ClearFields();
     void AddField(std::string_view text);
-    std::size_t FieldCount() const { return fields_.size(); }
 
     std::vector<std::string> header_;
     std::string fault_;

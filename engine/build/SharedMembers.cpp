@@ -70,7 +70,8 @@ std::string DescribeSharedName(const MemberTree& tree, const NodePair& pair) {
     const Node& first = tree.Nodes()[pair.first];
     const Node& second = tree.Nodes()[pair.second];
     if (first.name != second.name) {
-        return fmt::format("\"{}\" and \"{}\"", tree.Text(first.name), tree.Text(second.name));
+        return fmt::format("\"{}\" and \"{}\", which are the same to formulas", tree.Text(first.name),
+                           tree.Text(second.name));
     }
     return fmt::format("\"{}\" under {}", tree.Text(first.name), Quoted(tree, {first.parent, second.parent}));
 }

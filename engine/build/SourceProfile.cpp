@@ -4,9 +4,11 @@
 #include "engine/build/CsvReader.h"
 #include "engine/build/DecodedFile.h"
 #include "engine/build/FieldDate.h"
+#include "engine/build/HeaderLine.h"
 #include "engine/build/PlainSigns.h"
 #include "engine/build/SourceEncoding.h"
 #include "engine/build/TextDictionary.h"
+#include "engine/build/TotalLine.h"
 #include "text/Utf8Path.h"
 
 #include <algorithm>
@@ -56,15 +58,17 @@ struct ColumnFits {
     NumberFits numbers;
     DateFits dates;
     bool isWhole = true, isUsed = false;
+    SourceLines empty;
     std::array<std::uint8_t, std::size(numberSigns)> decimals = {};
     std::array<bool, std::size(numberSigns)> hasFewerThanThree = {}; ///< decimals, where there are any
     std::array<std::optional<std::chrono::sys_days>, std::size(dateWords)> first, last;
-    std::array<std::uint64_t, std::size(numberSigns)> badNumbers = {};
-    std::array<std::uint64_t, std::size(dateWords)> badDates = {};
+    std::array<SourceLines, std::size(numberSigns)> badNumbers = {};
+    std::array<SourceLines, std::size(dateWords)> badDates = {};
     std::string text; ///< the first value
 
-    void Take(std::string_view value) {
+    void Take(std::string_view value, std::uint64_t line) {
         if (value.empty()) {
+            empty.Add(line, "");
             return;
         }
         if (!isUsed) {
@@ -76,12 +80,12 @@ struct ColumnFits {
             isWhole && std::all_of(value.begin(), value.end(), [](char c) { return c >= '0' && c <= '9'; });
         for (std::size_t i = 0; i < numbers.size(); ++i) {
             if (MayFit(badNumbers[i])) {
-                TakeNumber(value, i);
+                TakeNumber(value, line, i);
             }
         }
         for (std::size_t i = 0; i < dates.size(); ++i) {
             if (MayFit(badDates[i])) {
-                TakeDate(value, i);
+                TakeDate(value, line, i);
             }
         }
     }
@@ -90,7 +94,7 @@ struct ColumnFits {
     void Finish() {
         for (std::size_t i = 0; i < numbers.size(); ++i) {
             // Whole numbers among other texts are codes.
-            numbers[i] = Fits(badNumbers[i]) && (badNumbers[i] == 0 || decimals[i] > 0);
+            numbers[i] = Fits(badNumbers[i]) && (badNumbers[i].count == 0 || decimals[i] > 0);
         }
         for (std::size_t i = 0; i < dates.size(); ++i) {
             dates[i] = Fits(badDates[i]);
@@ -99,15 +103,15 @@ struct ColumnFits {
 
 private:
     /// A footer or a few typing mistakes do not make another column.
-    bool Fits(std::uint64_t bad) const { return bad * 100 <= count_; }
-    bool MayFit(std::uint64_t bad) const {
+    bool Fits(const SourceLines& bad) const { return bad.count * 100 <= count_; }
+    bool MayFit(const SourceLines& bad) const {
         constexpr std::uint64_t fewValues = 100;
-        return bad * 100 <= std::max(count_, fewValues * fewValues);
+        return bad.count * 100 <= std::max(count_, fewValues * fewValues);
     }
 
-    void TakeNumber(std::string_view value, std::size_t signs) {
+    void TakeNumber(std::string_view value, std::uint64_t line, std::size_t signs) {
         if (!ParseAmount(value, FormatOf(signs), mostDecimals).value) {
-            ++badNumbers[signs];
+            badNumbers[signs].Add(line, value);
             return;
         }
         const auto found = DecimalsOf(value, numberSigns[signs].decimal);
@@ -115,10 +119,10 @@ private:
         hasFewerThanThree[signs] = hasFewerThanThree[signs] || (found > 0 && found != 3);
     }
 
-    void TakeDate(std::string_view value, std::size_t format) {
+    void TakeDate(std::string_view value, std::uint64_t line, std::size_t format) {
         const auto day = ParseDate(value, static_cast<DateFormat>(format));
         if (!day) {
-            ++badDates[format];
+            badDates[format].Add(line, value);
         } else {
             first[format] = std::min(first[format].value_or(*day), *day);
             last[format] = std::max(last[format].value_or(*day), *day);
@@ -141,9 +145,10 @@ class SourceProfiler {
 public:
     SourceProfiler(const std::filesystem::path& file, const std::function<void(double)>& progress)
         : progress_(progress), encoding_(DetectEncoding(file)),
-          input_(file, encoding_ == "auto" ? "" : encoding_),
-          csv_(input_.Stream(), PathToUtf8(file), 0, input_.Size()) {
+          input_(file, encoding_ == "auto" ? "" : encoding_), skipLines_(FindSkipLines(file)),
+          csv_(input_.Stream(), PathToUtf8(file), 0, input_.Size(), skipLines_) {
         profile_.file = file;
+        profile_.skipLines = skipLines_;
     }
 
     SourceProfile Read() {
@@ -169,16 +174,26 @@ public:
     }
 
 private:
+    std::uint64_t FindSkipLines(const std::filesystem::path& file) const {
+        DecodedFile input(file, encoding_ == "auto" ? "" : encoding_);
+        return LinesAboveHeader(input.Stream());
+    }
+
     void TakeLine() {
         constexpr std::uint64_t linesBetween = 4096;
         if (++profile_.lines % linesBetween == 0 && progress_) {
             progress_(csv_.Share());
         }
+        if (IsProbableTotal(csv_)) {
+            profile_.totals.Add(csv_.Number(), "");
+            return;
+        }
         if (!csv_.Fault().empty()) {
+            profile_.malformed.Add(csv_.Number(), csv_.Fault());
             return;
         }
         for (std::size_t i = 0; i < fits_.size(); ++i) {
-            fits_[i].Take(csv_.Field(i));
+            fits_[i].Take(csv_.Field(i), csv_.Number());
             if (profile_.lines <= SourceProfile::relatedLines) {
                 values_->codes[i].push_back(values_->texts[i].Add(csv_.Field(i)));
             }
@@ -198,7 +213,7 @@ private:
             });
             std::int64_t bad = 0;
             for (const auto& column : fits_) {
-                bad += fit(column) ? static_cast<std::int64_t>(column.badNumbers[signs]) : 0;
+                bad += fit(column) ? static_cast<std::int64_t>(column.badNumbers[signs].count) : 0;
             }
             const std::tuple found{std::count_if(fits_.begin(), fits_.end(), fit), isDecimal, -bad};
             if (found > most) {
@@ -241,7 +256,7 @@ private:
             for (const auto& column : fits_) {
                 if (IsDate(column) && column.dates[format]) {
                     ++found.first;
-                    found.second -= static_cast<std::int64_t>(column.badDates[format]);
+                    found.second -= static_cast<std::int64_t>(column.badDates[format].count);
                 }
             }
             if (found > most) {
@@ -252,7 +267,7 @@ private:
         profile_.dates = dateWords[best];
         profile_.fitsOtherDates =
             best == dayMonth && std::any_of(fits_.begin(), fits_.end(), [](const auto& column) {
-                return IsDate(column) && column.dates[dayMonth] && column.badDates[monthDay] == 0;
+                return IsDate(column) && column.dates[dayMonth] && column.badDates[monthDay].count == 0;
             });
         return best;
     }
@@ -266,13 +281,15 @@ private:
         column.isDate = IsDate(fits) && fits.dates[dates];
         column.isAmount = fits.isUsed && fits.numbers[signs] && !column.isDate;
         column.isWhole = fits.isUsed && fits.isWhole;
+        column.isEmpty = !fits.isUsed;
+        column.emptyValues = fits.empty;
         column.decimals = column.isAmount ? fits.decimals[signs] : std::uint8_t{0};
         column.distinct = texts.Count() - (texts.Find("") ? 1 : 0);
         column.isUnique = column.distinct > 0 && column.distinct == values_->codes[index].size();
         column.first = fits.text;
         column.badValues = column.isDate     ? fits.badDates[dates]
                            : column.isAmount ? fits.badNumbers[signs]
-                                             : 0;
+                                             : SourceLines();
         if (column.isDate) {
             column.least = FormatDate(*fits.first[dates]);
             column.greatest = FormatDate(*fits.last[dates]);
@@ -283,6 +300,7 @@ private:
     const std::function<void(double)>& progress_;
     std::string encoding_;
     DecodedFile input_;
+    std::uint64_t skipLines_;
     CsvReader csv_;
     SourceProfile profile_;
     std::vector<ColumnFits> fits_;

@@ -1,7 +1,9 @@
 #include "engine/build/TableReader.h"
 
 #include "engine/build/CsvReader.h"
+#include "engine/build/HeaderLine.h"
 #include "engine/build/OdbcReader.h"
+#include "engine/build/TotalLine.h"
 #include "qel/engine/EngineError.h"
 #include "text/Suggestion.h"
 #include "text/Utf8Path.h"
@@ -22,7 +24,7 @@ TableReader::TableReader(const TableDefinition& table, BadLines& badLines, const
     }
     file_.emplace(table.file, table.format.encoding);
     records_ = std::make_unique<CsvReader>(file_->Stream(), PathToUtf8(table.file), table.format.delimiter,
-                                           file_->Size());
+                                           file_->Size(), table.format.skipLines);
 }
 
 std::size_t TableReader::Column(const std::string& name) const {
@@ -32,18 +34,28 @@ std::size_t TableReader::Column(const std::string& name) const {
     const auto& header = records_->Header();
     const auto found = std::find(header.begin(), header.end(), inFile);
     if (found == header.end()) {
-        const std::string remedy = header.size() == 1 && !table_.odbc
-                                       ? "; if these are several, set \"delimiter\""
-                                       : Suggestion(inFile, header);
         throw EngineError(ErrorKind::InvalidData,
                           fmt::format("{}: there is no column \"{}\"; the columns are \"{}\"{}",
-                                      records_->Name(), inFile, fmt::join(header, "\", \""), remedy));
+                                      records_->Name(), inFile, fmt::join(header, "\", \""),
+                                      ColumnRemedy(inFile)));
     }
     if (std::count(header.begin(), header.end(), inFile) > 1) {
         throw EngineError(ErrorKind::InvalidData,
                           fmt::format("{}: two columns are named \"{}\"", records_->Name(), inFile));
     }
     return static_cast<std::size_t>(found - header.begin());
+}
+
+std::string TableReader::ColumnRemedy(const std::string& missing) const {
+    if (table_.odbc) {
+        return Suggestion(missing, records_->Header());
+    }
+    if (const std::uint64_t above = LinesAboveHeader(table_); above != table_.format.skipLines) {
+        return fmt::format("; these seem to stand in line {}: set \"skipLines\": {} in the table \"{}\"",
+                           above + 1, above, table_.name);
+    }
+    return records_->Header().size() == 1 ? "; if these are several, set \"delimiter\""
+                                          : Suggestion(missing, records_->Header());
 }
 
 std::vector<std::size_t> TableReader::Columns(const std::vector<std::string>& names) const {
@@ -74,7 +86,7 @@ bool TableReader::Next() {
             return true;
         }
         ++linesSkipped_;
-        badLines_.Report(*records_, "", records_->Fault());
+        badLines_.Report(*records_, "", records_->Fault() + TotalRemedy());
     }
     Report(1);
     return false;
@@ -86,7 +98,14 @@ void TableReader::ReportBad(std::span<const std::size_t> columns, const std::str
     for (const std::size_t column : columns) {
         names += (names.empty() ? "" : "+") + records_->Header()[column];
     }
-    badLines_.Report(*records_, names, fault);
+    badLines_.Report(*records_, names, fault + TotalRemedy());
+}
+
+std::string TableReader::TotalRemedy() const {
+    return IsProbableTotal(*records_)
+               ? "; the line looks like a total, which no cube needs: delete it, or build with "
+                 "--skip-bad-lines"
+               : "";
 }
 
 void TableReader::Report(double share) const {

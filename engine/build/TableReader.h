@@ -52,6 +52,9 @@ public:
 
 private:
     std::string_view JoinedKey(std::span<const std::size_t> columns);
+    /// "; what helps" for a column that the table lacks, and for a line that looks like a total.
+    std::string ColumnRemedy(const std::string& missing) const;
+    std::string TotalRemedy() const;
     void ShowProgress() const;
     void Report(double share) const;
 

@@ -125,6 +125,11 @@ class Drafts(unittest.TestCase):
                          {"name": "Amount", "column": "debit", "minus": "credit", "decimals": 2})
         self.assertEqual(self.amounts("[OBS].[Level1].Members"), {("North",): -5, ("South",): decimal.Decimal("7.75")})
         self.assertEqual(self.value, "-5\n")
+        for credit, debit, value in (("", "7,25", "7.25\n"), ("7,25", "", "-7.25\n")):
+            self.write("ledger.csv", f'תאריך;חשבון;סכום זכות;"סכום\nחובה";יתרה\n01.02.2024;4000;{credit};{debit};7,25\n')
+            measures = self.draft("ledger.csv", options=["--force"])["cubes"][0]["measures"]
+            self.assertEqual([measure["name"] for measure in measures], ["Amount", "Debit", "Credit", "Lines"])
+            self.assertEqual((measures[0]["column"], measures[0]["minus"], self.value), ("סכום\nחובה", "סכום זכות", value))
 
     def test_how_files_are_written(self):
         cases = [
@@ -147,9 +152,34 @@ class Drafts(unittest.TestCase):
                 self.assertEqual(tuple(table[key] for key in ("delimiter", "decimal", "thousands", "dates", "encoding")), expected)
 
     def test_a_few_values_that_are_none_are_told(self):
-        self.write("ledger.csv", "date,account,amount\n" + "2024-01-31,1,1.5\n" * 300 + ",,TOTAL\n")
-        self.assertEqual(self.run_qel("cube", "draft", "ledger.csv", "-o", "d.json")[0], 0)
-        self.assertIn('// 1 value of "amount" cannot be used: build with --skip-bad-lines', (self.path / "d.json").read_text())
+        self.write("ledger.csv", "date,account,amount\n" + "2024-01-31,1,1.5\n" * 300 + "2024-01-31,1,TBD\n,1,2\nx\ny\n")
+        status, output, errors = self.run_qel("cube", "draft", "ledger.csv", "-o", "d.json")
+        faults = ['2 lines cannot be used, first line 304 (expected 3 fields, found 1)',
+                  '1 value of "amount" cannot be used, line 302 ("TBD")', '1 line without "date" cannot be used, line 303']
+        self.assertEqual((status, errors), (0, "".join(f"qel cube draft: ledger.csv: {fault}\n" for fault in faults)))
+        self.assertIn("".join(f"    // {fault}: build with --skip-bad-lines, or mend the file\n" for fault in faults),
+                      (self.path / "d.json").read_text())
+        self.assertEqual(self.run_qel(*shlex.split(output.splitlines()[1])[1:])[2],
+                         "qel cube build: 4 lines could not be used; they are in d-skipped.csv\n")
+
+    def test_a_title_and_a_total_are_no_lines_of_a_ledger(self):
+        text = ('דוח תנועות;;;;\r\n;;;;\r\nתאריך;חשבון;שם חשבון;חובה;זכות\r\n01.02.2024;10;בנק בע"מ;1.234,50 ש"ח;\r\n'
+                '29.02.2024;20;"מס ""א""";;₪ 0,50\r\nסה"כ;;;1.234,50;0,50\r\n')
+        self.write("t.csv", text, "windows-1255")
+        status, output, errors = self.run_qel("cube", "draft", "t.csv", "-o", "draft.json")
+        self.assertEqual((status, errors), (0, "qel cube draft: t.csv: 1 line that looks like a total cannot be used, line 6\n"))
+        for command in output.splitlines()[1:]:
+            status, value, _ = self.run_qel(*shlex.split(command)[1:])
+            self.assertEqual(status, 0)
+        self.assertEqual(value, "1234.5\n")
+        self.assertEqual(self.amounts("[AccX].[AccX].[AccX].Members"), {("10",): decimal.Decimal("1234.5"), ("20",): decimal.Decimal("-0.5")})
+        draft = (self.path / "draft.json").read_text(encoding="utf-8")
+        (self.path / "draft.json").write_text(draft.replace(', "skipLines": 2', ""), encoding="utf-8")
+        build = ("cube", "build", "draft.json", "-o", "draft.cub")
+        self.assertIn('these seem to stand in line 3: set "skipLines": 2 in the table "t"', self.run_qel(*build)[2])
+        (self.path / "draft.json").write_text(draft, encoding="utf-8")
+        self.assertIn('t.csv, line 6, column תאריך: expected a date such as 31/12/2024, found "סה"כ"; the line looks like a total',
+                      self.run_qel(*build)[2])
 
     def test_guesses_are_told(self):
         cases = [("date,amount\n2024-01-01,5\n", []),

@@ -147,6 +147,8 @@ class Databases(unittest.TestCase):
     def test_what_cannot_be_read_is_told(self):
         self.query_sqlite(f"""CREATE TABLE lines (account text, day text, amount);
             INSERT INTO lines VALUES ('a', '2024-01-31', '1.10'), ('b', '31/02/2024', '2'), ('c', '2024-01-01', '1,5');
+            CREATE TABLE large (account text, day text, amount decimal(18, 2));
+            INSERT INTO large VALUES ('a', '2024-01-31', 9999999999999.99), ('a', '2024-01-31', -12345678901234.56);
             CREATE TABLE long AS SELECT '{"x" * 9000}' AS account, '2024-01-31' AS day, 1 AS amount""")
         server = self.server.connection
         cases = [
@@ -156,7 +158,13 @@ class Databases(unittest.TestCase):
             (self.sqlite, "SELECT * FROM long", 'table "lines", row 1: column account: a text of more than 8192 bytes'),
             (self.sqlite, "SELECT * FROM missing", "no such table: missing"),
             (self.sqlite, "CREATE TABLE made (a text)", "the query gives no rows; it must be a SELECT"),
-            ("Driver=Nowhere", "SELECT 1", 'table "lines": cannot connect: '),
+            ("Driver=Nowhere", "SELECT 1", '"odbcinst -q -d" lists the drivers, "odbcinst -q -s" the data sources'),
+            ("DSN=nowhere", "SELECT 1", '"odbcinst -q -s"'),
+            (self.sqlite, "SELECT * FROM lines WHERE account = '-'", 'table "lines" (its query answers no rows), column day: '),
+            (self.sqlite, "SELECT 'a' AS account, '2024-01-31' AS day, 1e13 AS amount", "make it exact in the query, in SQLite with "
+             "printf('%.2f', amount)"),
+            (self.sqlite, "SELECT * FROM large", 'table "lines", row 2, column amount: the number -12345678901234.6 comes from '),
+            (server, "SELECT 'a' AS account, '2024-01-31' AS day, 1e18::float8 AS amount", "CAST(amount AS DECIMAL(19, 2))"),
             (server, "SELECT 1/0 AS account", "division by zero"),
             (server.replace("PASSWORD", "WORD"), "SELECT 1", "books.json: tables.lines.odbc: the environment variable LEDGER_WORD"),
             (server.replace("${LEDGER_PASSWORD}", "{open;sesame}"), "SELECT 1", "tables.lines.odbc: holds a password"),

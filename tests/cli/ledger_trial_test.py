@@ -54,7 +54,7 @@ class Warnings(InFolder):
              r"Amount 3\.50 counts in each"),
             ("equalNames", "unit,service,amount\nA,s,1\nB,s,2\n", {**self.OWN_TABLE, "column": ["unit", "service"],
                                                                   "key": ["unit", "service"]}, {},
-             r'\[O\]\.\[H\]\.\[L2\]: one name belongs to several members, first "s" under "A" and "B"'),
+             r'\[L2\]: several members have one name: "s" under "A" and "B"\. A formula .*"accept": "equalNames" in the dimension'),
             ("equalNames", "unit,amount\nacme,1\nACME,2\n", {"name": "O", "column": "unit"}, {},
              '"acme" and "ACME"|"ACME" and "acme"'),
             ("dateOrder", "date,amount\n03/04/2024,1\n01/12/2024,2\n", self.DATES, {"dates": "dmy"}, "03/04/2024"),
@@ -257,6 +257,7 @@ class Files(InFolder):
             ("firm:amount\na:1\n", {}, 'set "delimiter"'),
             ('firm,amount\na,"1,234.5"\n', {}, 'set "decimal": ".", "thousands": ","'),
             ("firm,amount\na,1.005\n", {}, 'set "decimals": 3'),
+            ('firm,amount\na,5 ab.\n', {}, 'take "ab" away: beside an amount only a currency may stand'),
             ("firm,amount\na,$5\na,€5\n", {}, '"€5" is in €, and amounts before it are in $'),
             ("firm,firm,amount\na,b,1\n", {}, 'two columns are named "firm"'),
         ]
@@ -265,12 +266,23 @@ class Files(InFolder):
             status, _, errors = self.build(dimensions=self.FIRM, csv=csv)
             self.assertEqual(status, 1, remedy)
             self.assertIn(remedy, errors)
+        self.write("ledger.csv", "firm,amount\na,$5\n")
+        self.write("more.csv", "firm,amount\na,5 NIS\n")
+        self.assertIn('more.csv, line 2, column amount: "5 NIS" is in ₪, and amounts before it are in $',
+                      self.build(dimensions=self.FIRM, facts=["ledger", "more"], more={})[2])
         self.write("ledger.csv", "date,amount\n31/12/2024,1\n")
         dates = [{"name": "Date", "column": "date", "calendar": {"periods": "months"}}]
-        self.assertIn('set "dates": "dmy"', self.build(dimensions=dates)[2])
+        self.assertIn('set "dates": "dmy" in the table "ledger"', self.build(dimensions=dates)[2])
+        self.write("ledger.csv", "date,amount\n")
+        self.assertIn("facts of ledger.csv (it has no lines below its header), column date: there are no dates",
+                      self.build(dimensions=dates)[2])
         self.write("ledger.csv", "firm,amount\na,1")
         self.assertIn("warning (lastLine): ", self.build(dimensions=self.FIRM)[2])
         self.assertEqual(self.build(dimensions=self.FIRM, ledger={"accept": "lastLine"})[2], "")
+        self.write("ledger.csv", "firm,amount\nבית,1\n".encode("cp1255"))
+        self.assertIn('warning (encoding): ', self.build(dimensions=self.FIRM, ledger={"encoding": "windows-1252"})[2])
+        for keys in ({"encoding": "windows-1252", "accept": ["encoding", "noRows"]}, {"encoding": "windows-1255"}):
+            self.assertEqual(self.build(dimensions=self.FIRM, ledger=keys)[2], "", keys)
 
     def test_a_protected_cube_stays(self):
         self.write("ledger.csv", "firm,amount\na,1\n")

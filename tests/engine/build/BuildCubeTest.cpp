@@ -312,7 +312,8 @@ TEST_F(BuildTest, AMeasureSubtractsAColumn) {
          "column credit: expected an amount such as 1234.56, with at most 2 decimals, found \"x\""},
         {"1,-92233720368547750,8.08\n",
          "column credit: the amount 8.08 is too large; the most is 92233720368547758.07"},
-        {"1,€1,$1\n", "column credit: \"$1\" is in $, and amounts before it are in €"},
+        {"1,€1,$1\n", "column credit: \"$1\" is in $, and amounts before it are in €; they have no sum: "
+                      "build a cube of each currency"},
     };
     for (const auto& test : cases) {
         Table("ledger", std::string("firm,debit,credit\n") + test.line);
@@ -327,16 +328,16 @@ TEST_F(BuildTest, BadLinesStopTheBuildOrAreSkipped) {
         {"2024-01-31,1,x,\n",
          "column account: \"x\" is not in the table of dimension Account (accounts.csv)"},
         {"31/01/2024,1,7,2\n",
-         R"(column date: expected a date such as 2024-12-31, found "31/01/2024"; set "dates": "dmy")"},
+         R"(column date: expected a date such as 2024-12-31, found "31/01/2024"; set "dates": "dmy" in the table "ledger")"},
         {",1,7,2\n", "column date: expected a date such as 2024-12-31, found \"\""},
         {"2023-12-31,1,7,2\n",
          "column date: \"2023-12-31\" lies outside the calendar (2024-01-01 to any date)"},
         {"2024-01-31,1,7,1.005\n",
          "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1.005\"; "
-         "set \"decimals\": 3"},
+         "set \"decimals\": 3 in the measure"},
         {"2024-01-31,1,7,\"1,005\"\n",
          "column amount: expected an amount such as 1234.56, with at most 2 decimals, found \"1,005\"; "
-         "set \"decimal\": \".\", \"thousands\": \",\""},
+         "set \"decimal\": \".\", \"thousands\": \",\" in the table \"ledger\""},
         {"2024-01-31,1,7,99999999999999999999\n",
          "column amount: the amount 99999999999999999999 is too large; the most is 92233720368547758.07"},
         {"2024-01-31,new,7\n", "expected 4 fields, found 3"},
@@ -390,7 +391,8 @@ TEST_F(BuildTest, SaysWhatIsMissing) {
     Table("ledger", "date,firm,amount\n");
     Table("empty", "");
     std::filesystem::create_directory(folder_.Path("folder.csv"));
-    EXPECT_EQ(Fault(Define(datedFirms)), "cube C, facts of ledger.csv, column date: there are no dates; set "
+    EXPECT_EQ(Fault(Define(datedFirms)), "cube C, facts of ledger.csv (it has no lines below its header), "
+                                         "column date: there are no dates; set "
                                          "the calendar's \"from\" and \"to\"");
     const std::pair<const char*, const char*> cases[] = {
         {R"("column": "frm")",

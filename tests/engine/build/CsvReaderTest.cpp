@@ -1,5 +1,6 @@
 #include "engine/build/CsvReader.h"
 
+#include "engine/build/HeaderLine.h"
 #include "qel/engine/EngineError.h"
 
 #include <gtest/gtest.h>
@@ -11,11 +12,11 @@ namespace qel::engine {
 namespace {
 
 /// Header and records, one per line: "line:field|field", or "line!fault" for a malformed record.
-std::string ReadAll(const std::string& text) {
+std::string ReadAll(const std::string& text, std::uint64_t skipLines = 0) {
     std::istringstream input(text);
     std::string result;
     try {
-        CsvReader reader(input, "t.csv", 0);
+        CsvReader reader(input, "t.csv", 0, 0, skipLines);
         for (const std::string& column : reader.Header()) {
             result += "<" + column + ">";
         }
@@ -91,6 +92,27 @@ TEST(CsvReader, ReadsRealWorldFiles) {
     for (const auto& test : cases) {
         EXPECT_EQ(ReadAll(test.text), test.expected) << test.what;
     }
+}
+
+TEST(CsvReader, LinesAboveTheHeaderAreFoundAndSkipped) {
+    const struct {
+        const char* text;
+        std::uint64_t lines;
+        const char* read; ///< with as many lines skipped
+    } cases[] = {
+        {"a;b;c\n1;2;3\n", 0, "<a><b><c>\n2:1|2|3"},
+        {"\xEF\xBB\xBFLedger, 2024\n\n\"x\";;\na;b;\n1,5;2;3\n", 3, "<a><b><>\n5:1,5|2|3"},
+        {"Ledger 2024,,,\nfrom 01/01/2024,,,\na,b,c,d\n1,2,3,4\n", 2, "<a><b><c><d>\n4:1|2|3|4"},
+        {"\nsep=;\n\na;b\n1;2\n", 0, "<a><b>\n5:1|2"},
+        {"a,,\n1,2,3\n", 0, "<a><><>\n2:1|2|3"},
+        {"a\n1\n", 0, "<a>\n2:1"},
+    };
+    for (const auto& test : cases) {
+        std::istringstream input(test.text);
+        EXPECT_EQ(LinesAboveHeader(input), test.lines) << test.text;
+        EXPECT_EQ(ReadAll(test.text, test.lines), test.read);
+    }
+    EXPECT_EQ(ReadAll("a\n1\n", 3), "t.csv: \"skipLines\" is 3, but the file has 2 lines");
 }
 
 /// Records, quoted line ends and CR LF pairs that cross the boundaries of read chunks.

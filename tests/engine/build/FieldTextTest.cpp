@@ -1,7 +1,7 @@
 #include "engine/build/AmountText.h"
 #include "engine/build/FieldDate.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace qel::engine {
 namespace {
@@ -56,7 +56,12 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
          plain, -500},
         {"\xE2\x80\x8E-5\xE2\x80\x8F", plain, -500}, // directional marks
         {"-$5.00", plain, -500},
-        {"1,234.50 \xE2\x82\xAA", english, 123450},
+        {"1,234.50 ₪", english, 123450},
+        {"₪ 1,234", english, 123400},
+        {"1,234.50 ILS", english, 123450},
+        {"(nis 1,234.50)", english, -123450},
+        {"1.234,00- ש\"ח", german, -123400},
+        {"\xE2\x80\x8F-1.234,00\xC2\xA0ש״ח", german, -123400},
         {"92233720368547758.07", plain, 9223372036854775807},
         {"-92233720368547758.07", plain, -9223372036854775807},
     };
@@ -68,8 +73,28 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
         std::vector<const char*> texts;
     } refused[] = {
         {plain,
-         {"12.505", ".", "-", "--1", "-1-", "(-1)", "(1", "1)", "()", "1e5", "1.2.3", "1,234.50", "12 abc",
-          "\xD7\x90", "$", "$5$", "92233720368547758.08", "99999999999999999999"}},
+         {"12.505",
+          ".",
+          "-",
+          "--1",
+          "-1-",
+          "(-1)",
+          "(1",
+          "1)",
+          "()",
+          "1e5",
+          "1.2.3",
+          "1,234.50",
+          "12 abc",
+          "\xD7\x90",
+          "$",
+          "$5$",
+          "5$50",
+          "5 ILSX",
+          "ILS",
+          "5 $ ₪",
+          "92233720368547758.08",
+          "99999999999999999999"}},
         {english, {"1,5", "1,2345", ",123", "1234,567", "1,23,456", "1,234,"}},
     };
     for (const auto& c : refused) {
@@ -77,6 +102,8 @@ TEST(AmountText, ReadsAmountsExactlyOrNotAtAll) {
             EXPECT_EQ(ParseAmount(text, c.format, 2).value, std::nullopt) << "\"" << text << "\"";
         }
     }
+    EXPECT_EQ(ParseAmount("5 NIS", plain, 2).currency, ParseAmount("ש''ח 5", plain, 2).currency);
+    EXPECT_THAT(AmountRemedy("1.5 שקל חדש.", {}, 2), testing::StartsWith("; take \"שקל חדש\" away"));
     EXPECT_EQ(ParseAmount("7", plain, 0).value, 7);
     EXPECT_EQ(ParseAmount("0.123456789", plain, 9).value, 123456789);
     EXPECT_TRUE(ParseAmount("92233720368547758.08", plain, 2).isTooLarge);

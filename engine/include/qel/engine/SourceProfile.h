@@ -6,21 +6,37 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qel::engine {
 
+/// Lines that have something in common, and the first of them.
+struct SourceLines {
+    std::uint64_t count = 0, first = 0;
+    std::string what; ///< of the first: its fault, or its value
+
+    void Add(std::uint64_t line, std::string_view text) {
+        if (count++ == 0) {
+            first = line;
+            what = text;
+        }
+    }
+};
+
 /// One column of a CSV file, as its values look.
 struct SourceColumn {
     std::string name;
-    bool isRepeated = false;     ///< another column has the name
-    bool isDate = false;         ///< its values are dates of the file's format, but for one in a hundred
-    bool isAmount = false;       ///< … numbers of the file's format
-    std::uint64_t badValues = 0; ///< that are no dates among dates, no numbers among numbers
-    bool isWhole = false;        ///< … of digits alone, as codes are
-    bool isUnique = false;       ///< no value occurs twice, none is empty
-    std::uint8_t decimals = 0;   ///< the most that an amount has
-    std::size_t distinct = 0;    ///< values, the empty one aside
+    bool isRepeated = false;   ///< another column has the name
+    bool isDate = false;       ///< its values are dates of the file's format, but for one in a hundred
+    bool isAmount = false;     ///< … numbers of the file's format
+    SourceLines badValues;     ///< that are no dates among dates, no numbers among numbers
+    SourceLines emptyValues;   ///< in lines that are not malformed
+    bool isEmpty = false;      ///< no line has a value
+    bool isWhole = false;      ///< … of digits alone, as codes are
+    bool isUnique = false;     ///< no value occurs twice, none is empty
+    std::uint8_t decimals = 0; ///< the most that an amount has
+    std::size_t distinct = 0;  ///< values, the empty one aside
     std::string first, least, greatest; ///< a value; of dates, the first and the last as 2024-03-31
 };
 
@@ -36,6 +52,9 @@ public:
     std::string decimal, thousands, dates;
     bool fitsOtherDates = false; ///< day and month can be told apart in none of the dates
     std::uint64_t lines = 0;
+    std::uint64_t skipLines = 0; ///< above the header
+    SourceLines malformed;
+    SourceLines totals; ///< lines that look like totals, which columns leave out
     std::vector<SourceColumn> columns;
 
     /// True when each value of `column` occurs with one value of `other` only, and `other` is never empty.

@@ -173,7 +173,7 @@ const Rules grammar[] = {
       "Median($@s, $v)",
       "Median($@s, $q)",
       "Len($t)",
-      "InStr($t, $t)",
+      "InStr(($t || \"-\"), $t)",
       "$@z",
       "$#d",
       "$@b.Level.Ordinal",
