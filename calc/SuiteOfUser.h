@@ -24,7 +24,6 @@ public:
     SuiteOfUser& operator=(const SuiteOfUser&) = delete;
 
     WizardServices& Services() { return services_; }
-    office::OfficeWindows& Windows() { return windows_; }
     /// The provider of servers' addresses for the dialogs.
     DataAccess& Servers() { return servers_.Access(); }
 

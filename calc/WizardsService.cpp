@@ -6,7 +6,6 @@
 #include "platform/office/OfficeText.h"
 
 #include <com/sun/star/frame/Desktop.hpp>
-#include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/uno/RuntimeException.hpp>
 #include <cppuhelper/supportsservice.hxx>
 
@@ -18,25 +17,6 @@ using office::ToOffice;
 namespace {
 
 constexpr const char* serviceName = "OrmFunctionQel4.Wizards";
-
-/// While one lives, what is opened belongs to the document's window, and not to the dialog of another
-/// document that waits for a server.
-class DialogsOf {
-public:
-    DialogsOf(office::OfficeWindows& windows, const office::SheetDocument& document) : windows_(windows) {
-        const uno::Reference<com::sun::star::frame::XModel> model(document, uno::UNO_QUERY);
-        const auto controller = model.is() ? model->getCurrentController() : nullptr;
-        const auto frame = controller.is() ? controller->getFrame() : nullptr;
-        windows_.Shown(frame.is() ? office::WindowPeer(frame->getContainerWindow(), uno::UNO_QUERY)
-                                  : windows_.Active());
-    }
-    ~DialogsOf() { windows_.LastHidden(); }
-    DialogsOf(const DialogsOf&) = delete;
-    DialogsOf& operator=(const DialogsOf&) = delete;
-
-private:
-    office::OfficeWindows& windows_;
-};
 
 } // namespace
 
@@ -75,7 +55,6 @@ void WizardsService::With(const office::SheetDocument& document, const Use& use)
         if (!suite_) {
             suite_ = std::make_unique<SuiteOfUser>(context_);
         }
-        const DialogsOf dialogs(suite_->Windows(), document);
         const Locale locale = locales_.Of(DocumentReference(document, uno::UNO_QUERY));
         // A macro's object is one of its own; the thread's connection is every object's.
         OrmQelFunction object({FunctionOfThread().state, ChooseProvider(Cubes(), &suite_->Servers(), nullptr),

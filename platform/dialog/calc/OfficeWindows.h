@@ -16,11 +16,10 @@ public:
     explicit OfficeWindows(const Context& context) : context_(context) {}
 
     const Context& Office() const { return context_; }
-    /// What was shown last, or else the active document's window, or null.
+    /// The open dialog, or else the active document's window, or null.
     WindowPeer Active() const;
     /// Moves a new window to the middle of Active.
     void Centre(const com::sun::star::uno::Reference<com::sun::star::awt::XWindow>& own) const;
-    /// A dialog, or the document's window that dialogs will belong to.
     void Shown(const WindowPeer& dialog) { dialogs_.push_back(dialog); }
     void LastHidden() { dialogs_.pop_back(); }
 
