@@ -24,7 +24,9 @@ void DateSelector::Fill(const ModSetCube::OpenedCube& cube) {
             throw AutomationError(ErrorNumber::InvalidProcedureCall, "Outdated Cube Version");
         }
         opened_ = cube;
-        Show(context_.thread.dates.CubeMinDate, context_.thread.dates.CubeMaxDate);
+        first_ = context_.thread.dates.CubeMinDate;
+        last_ = context_.thread.dates.CubeMaxDate;
+        Show(first_, last_);
     } catch (...) {
         ModError::ReportError(context_.Messages(), ModError::CurrentError(), dateErrorText, "SetDate",
                               "frmFuncQelWiz");
@@ -66,12 +68,10 @@ std::optional<std::string> DateSelector::Fault() const {
     if (*from > *to) {
         return OwnText(context_, OwnTextNumber::ReversedDates);
     }
-    const auto& dates = context_.thread.dates;
     // The last period begins on the cube's last date.
-    if (*to < dates.CubeMinDate || *from >= AddMonths(dates.CubeMaxDate, 1)) {
+    if (*to < first_ || *from >= AddMonths(last_, 1)) {
         return OwnText(context_, OwnTextNumber::DatesOutsideCube) + " " +
-               FormatShortDate(dates.CubeMinDate, context_.locale) + " - " +
-               FormatShortDate(dates.CubeMaxDate, context_.locale);
+               FormatShortDate(first_, context_.locale) + " - " + FormatShortDate(last_, context_.locale);
     }
     return std::nullopt;
 }

@@ -37,6 +37,8 @@ private:
     const WizardContext& context_;
     Dialog& dialog_;
     ModSetCube::OpenedCube opened_;
+    /// The cube's. Those of the thread may be another cube's as soon as a cell is calculated.
+    AutomationDate first_, last_;
     std::string refused_; ///< the dates that were refused last
 };
 

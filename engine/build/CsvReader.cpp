@@ -50,7 +50,7 @@ void CsvReader::ParserDeleter::operator()(csv_parser* parser) const {
 
 CsvReader::CsvReader(std::istream& input, const std::string& fileName, char delimiter, std::uint64_t size,
                      std::uint64_t skipLines)
-    : RecordReader(fileName), lines_(input), delimiter_(delimiter), size_(size) {
+    : RecordReader(fileName), lines_(input, fileName), delimiter_(delimiter), size_(size) {
     ReadHeader(skipLines);
 }
 
@@ -84,6 +84,10 @@ void CsvReader::ReadHeader(std::uint64_t skipLines) {
     fault_ = FormFault();
     if (!fault_.empty()) {
         Fail(fmt::format("line {}: {}", line_, fault_));
+    }
+    if (RawText().size() > longestRecord) {
+        Fail(fmt::format("line {}: the names of the columns take more than 1 MiB; this is no CSV file",
+                         line_));
     }
     headerText_ = RawText();
     for (std::size_t i = 0; i < FieldCount(); ++i) {

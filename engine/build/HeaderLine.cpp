@@ -5,6 +5,7 @@
 #include "engine/build/LineBuffer.h"
 #include "text/CaseFold.h"
 #include "text/Text.h"
+#include "text/Utf8Path.h"
 
 #include <algorithm>
 #include <map>
@@ -13,13 +14,13 @@ namespace qel::engine {
 
 namespace {
 
-constexpr std::size_t linesToSee = 50;
+constexpr std::size_t linesToSee = 50, bytesToSee = 1 << 20;
 
-std::vector<std::string> FirstLines(std::istream& text) {
+std::vector<std::string> FirstLines(std::istream& text, const std::string& name) {
     constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
-    LineBuffer buffer(text);
+    LineBuffer buffer(text, name);
     std::vector<std::string> lines;
-    while (lines.size() < linesToSee) {
+    while (lines.size() < linesToSee && buffer.Position() < bytesToSee) {
         std::string_view line = buffer.LineAt(0);
         const std::size_t size = line.size();
         if (size == 0) {
@@ -79,8 +80,8 @@ bool IsReadOver(std::string_view line) {
 
 } // namespace
 
-std::uint64_t LinesAboveHeader(std::istream& text) {
-    const auto lines = FirstLines(text);
+std::uint64_t LinesAboveHeader(std::istream& text, const std::string& name) {
+    const auto lines = FirstLines(text, name);
     const TableShape shape = CommonShape(lines);
     for (std::size_t i = 0; i < lines.size() && shape.fields > 1; ++i) {
         const auto fields = CsvFieldsOf(lines[i], shape.delimiter);
@@ -94,7 +95,7 @@ std::uint64_t LinesAboveHeader(std::istream& text) {
 
 std::uint64_t LinesAboveHeader(const TableDefinition& table) {
     DecodedFile file(table.file, table.format.encoding);
-    return LinesAboveHeader(file.Stream());
+    return LinesAboveHeader(file.Stream(), PathToUtf8(table.file));
 }
 
 } // namespace qel::engine

@@ -1,8 +1,18 @@
 #include "engine/build/LineBuffer.h"
 
+#include "qel/engine/EngineError.h"
+
+#include <fmt/format.h>
+
 #include <algorithm>
 
 namespace qel::engine {
+
+namespace {
+
+constexpr std::size_t longestLine = std::size_t{16} << 20U;
+
+} // namespace
 
 std::string_view LineBuffer::LineAt(std::size_t offset) {
     for (std::size_t searched = offset;;) {
@@ -17,6 +27,10 @@ std::string_view LineBuffer::LineAt(std::size_t offset) {
         }
         if (isAtEnd_) {
             return window.substr(offset);
+        }
+        if (window.size() - offset > longestLine) {
+            throw EngineError(ErrorKind::InvalidData,
+                              fmt::format("{}: a line has more than 16 MiB; this is no CSV file", name_));
         }
         searched = place;
         ReadMore();

@@ -5,6 +5,7 @@
 #include <istream>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace qel::engine {
 
@@ -12,10 +13,12 @@ namespace qel::engine {
 /// sequence and may go back to the start of its record.
 class LineBuffer {
 public:
-    explicit LineBuffer(std::istream& input) : input_(input) {}
+    /// `name` is the file's, for messages.
+    LineBuffer(std::istream& input, std::string name) : input_(input), name_(std::move(name)) {}
 
     /// The line that starts `offset` bytes after the window's start, including its line end; empty at the end
-    /// of the file. Valid until the next call.
+    /// of the file. Valid until the next call. Raises EngineError (InvalidData) for a line of over 16 MiB, so
+    /// that a file without lines does not fill the memory.
     std::string_view LineAt(std::size_t offset);
     /// The first bytes of the window. LineAt must have reached them.
     std::string_view First(std::size_t size) const { return std::string_view(buffer_).substr(start_, size); }
@@ -28,6 +31,7 @@ private:
     void ReadMore();
 
     std::istream& input_;
+    std::string name_;
     std::string buffer_;
     std::size_t start_ = 0;
     std::uint64_t discarded_ = 0; ///< bytes of the file before the buffer

@@ -176,7 +176,7 @@ public:
 private:
     std::uint64_t FindSkipLines(const std::filesystem::path& file) const {
         DecodedFile input(file, encoding_ == "auto" ? "" : encoding_);
-        return LinesAboveHeader(input.Stream());
+        return LinesAboveHeader(input.Stream(), PathToUtf8(file));
     }
 
     void TakeLine() {

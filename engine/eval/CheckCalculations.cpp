@@ -21,7 +21,8 @@ enum class Order : std::uint8_t { MembersFirst, SetsFirst };
 
 /// Runs `check` on every member and every set. Returns the first that it raises an error for.
 template <class Check>
-std::optional<CalculationFault> FirstFault(const Calculations& calculations, Order order, const Check& check) {
+std::optional<CalculationFault> FirstFault(const Calculations& calculations, Order order,
+                                           const Check& check) {
     for (const bool isSet : {order == Order::SetsFirst, order == Order::MembersFirst}) {
         const std::size_t count = isSet ? calculations.sets.size() : calculations.members.size();
         for (std::size_t i = 0; i < count; ++i) {

@@ -204,34 +204,6 @@ class ServedWizards(KeyboardTest):
         dialog.button("Cancel").press()
         self.assertEqual(call.wait(), " ")
 
-    def test_another_documents_wizard_asks_nothing_while_one_waits(self):
-        known(self.proxy)
-        waiting, first = self.call("ShowFormGetVal", self.cell)
-        self.proxy.is_open.clear()
-        self.takes(first, self.proxy.address)
-        self.box(WAITING)
-        other = known(Proxy(SERVER))
-        self.addCleanup(other.close)
-        document = self.office.new_document()
-        self.addCleanup(document.close, True)
-        for method, title in (("ShowFormQelName", "Name QEL"), ("ShowFormGetVal", "Function QEL")):
-            (WORK / "suite" / "QelFunction17.mdb").unlink()  # it would be reported
-            call = self.person.calls(getattr(self.wizards, method), document.Sheets.getByIndex(0).getCellByPosition(0, 0))
-            second = eventually(title, lambda title=title: next(
-                (window for window in self.person.windows(title) if not window.first(TEXT).text), None))
-            self.takes(second, other.address)
-            self.box(f"Another wizard waits for {self.proxy.address.removesuffix('/xmla')}.").button("OK").press()
-            eventually("the box's end", lambda: len(self.person.windows(BOX)) == 1)
-            self.assertEqual((other.requests, second.after("Cube Name").items), (0, []))
-            second.button("Cancel").press()
-            self.assertEqual(call.wait(), " ")
-        self.cancels()
-        self.proxy.is_open.set()
-        self.takes(first, other.address)
-        self.assertIn("LedgerFNC", self.lists_cubes(first))
-        first.button("Cancel").press()
-        self.assertEqual(waiting.wait(), " ")
-
     def test_nothing_is_sent_to_a_server_that_is_not_allowed(self):
         call, dialog = self.call("ShowFormGetVal", self.cell)
         self.takes(dialog, self.proxy.address)

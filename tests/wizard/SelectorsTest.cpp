@@ -222,6 +222,15 @@ TEST(DateSelector, TellsOfImpossibleDatesAtOnceAndHandsNoneBack) {
     }
 }
 
+TEST(DateSelector, KnowsTheDatesOfItsCubeWhileCellsOfOthersAreCalculated) {
+    TestBench bench(LedgerFile());
+    bench.ShowFormGetVal([&](DialogDouble& dialog) {
+        bench.thread.dates = {}; // as a cell leaves them whose cube ends earlier
+        dialog.Type(TxtDateTo, "01/12/2024");
+        EXPECT_THAT(bench.TakeMessages(), IsEmpty());
+    });
+}
+
 TEST(DateSelector, TakesShortDatesInAnyFormOfTheLocale) {
     TestBench bench(LedgerFile());
     const std::string text = bench.ShowFormGetVal([](DialogDouble& dialog) {

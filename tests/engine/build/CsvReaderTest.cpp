@@ -2,6 +2,7 @@
 
 #include "engine/build/HeaderLine.h"
 #include "qel/engine/EngineError.h"
+#include "tests/engine/FaultOf.h"
 
 #include <gtest/gtest.h>
 
@@ -109,10 +110,22 @@ TEST(CsvReader, LinesAboveTheHeaderAreFoundAndSkipped) {
     };
     for (const auto& test : cases) {
         std::istringstream input(test.text);
-        EXPECT_EQ(LinesAboveHeader(input), test.lines) << test.text;
+        EXPECT_EQ(LinesAboveHeader(input, "t.csv"), test.lines) << test.text;
         EXPECT_EQ(ReadAll(test.text, test.lines), test.read);
     }
     EXPECT_EQ(ReadAll("a\n1\n", 3), "t.csv: \"skipLines\" is 3, but the file has 2 lines");
+}
+
+TEST(CsvReader, AFileWithoutLinesIsRefused) {
+    EXPECT_EQ(ReadAll(std::string(2 << 20, 'a')),
+              "t.csv: line 1: the names of the columns take more than 1 MiB; this is no CSV file");
+    const std::string endless(17 << 20, 'a');
+    for (const std::string& text : {endless, "a\n" + endless}) {
+        EXPECT_EQ(ReadAll(text), "t.csv: a line has more than 16 MiB; this is no CSV file");
+    }
+    std::istringstream input(endless);
+    EXPECT_EQ(FaultOf([&] { LinesAboveHeader(input, "t.csv"); }).text,
+              "t.csv: a line has more than 16 MiB; this is no CSV file");
 }
 
 /// Records, quoted line ends and CR LF pairs that cross the boundaries of read chunks.
