@@ -2,7 +2,7 @@
 #include "text/CaseFold.h"
 #include "text/Utf8Path.h"
 
-#include <functional>
+#include <algorithm>
 #include <string>
 #include <system_error>
 #include <windows.h>
@@ -13,9 +13,12 @@ namespace {
 
 /// A folder cannot be locked here. The programs of one user agree on a name instead.
 std::wstring MutexName(const std::filesystem::path& file) {
+    constexpr std::size_t longest = 200; // a system's limit; programs that share a name wait, no more
     std::error_code failed;
     const auto folder = std::filesystem::absolute(file, failed).parent_path();
-    return L"Local\\qel-folder-" + std::to_wstring(std::hash<std::string>()(FoldCase(PathToUtf8(folder))));
+    std::wstring name = PathFromUtf8(FoldCase(PathToUtf8(folder))).wstring();
+    std::replace(name.begin(), name.end(), L'\\', L'/');
+    return L"Local\\qel-folder-" + name.substr(name.size() - std::min(name.size(), longest));
 }
 
 HANDLE HandleOfLock(std::intptr_t lock) {

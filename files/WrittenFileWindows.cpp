@@ -181,7 +181,7 @@ int SyncAndMove(int& descriptor, const fs::path& from, const fs::path& target) {
     if (::FlushFileBuffers(HandleOf(descriptor)) == FALSE) {
         return LastErrno();
     }
-    ::_close(descriptor); // before it could be renamed
+    ::_close(descriptor); // whoever may rename an open file keeps the reader of a new cube out
     descriptor = -1;
     const int error = Move(from, target);
     if (error != 0) {

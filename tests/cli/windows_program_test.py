@@ -65,7 +65,9 @@ class Windows(unittest.TestCase):
                 ("cube", "verify", "none.cub"), ("cube", "build", "none.json", "-o", "x.cub"), ("cube", "verify", "."),
                 ("cube", "build", BOOKS / "books.json", "-o", "none/x.cub"), ("settings", "set", "QelUILanguage", "he")):
             self.same(*command, stdin=select.encode())
-        self.same("cube", "export", "books.cub", "--schema", "mondrian", "--sql", "sql")
+        for name, program in (("native", NATIVE), ("windows", WINDOWS)):
+            self.assertEqual(run(program, "cube", "export", "books.cub", "--schema", "mondrian", "--sql", "sql",
+                                 cwd=self.path / name)[::2], (0, b""), name)
         exported = [{file.relative_to(self.path / name): file.read_bytes() for file in (self.path / name / "sql").rglob("*.*")}
                     for name in ("native", "windows")]
         self.assertGreater(len(exported[0]), 3)
