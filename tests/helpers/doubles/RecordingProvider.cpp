@@ -233,7 +233,8 @@ class RecordedRecordset : public InMemoryRecordset {
 public:
     explicit RecordedRecordset(RecordingProvider& provider)
         : InMemoryRecordset("RecordingProvider",
-                            [&provider](const std::string&, const std::shared_ptr<Connection>& connection) {
+                            [&provider](const std::string&, const std::shared_ptr<Connection>& connection,
+                                        const Progress&) {
                                 RequireOpen(connection);
                                 FailIf(provider.failingStatement);
                                 return Rowset{std::vector<std::string>(provider.recordFields, "field"),
