@@ -94,7 +94,8 @@ private:
         }
         nlohmann::ordered_json document = RowsJson(lines_.rows);
         document["complete"] = lines_.isComplete;
-        document["sum"] = lines_.amount ? nlohmann::ordered_json(Sum()) : nlohmann::ordered_json();
+        const bool isKnown = lines_.amount || lines_.rows.rows.empty();
+        document["sum"] = isKnown ? nlohmann::ordered_json(Sum()) : nlohmann::ordered_json();
         document["value"] = value_;
         PrintJson(document, context_.output);
     }

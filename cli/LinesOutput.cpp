@@ -27,7 +27,7 @@ int DecimalsOf(const Rowset& rows, std::size_t field) {
             most = std::max(most, point == std::string::npos ? 0 : static_cast<int>(text.size() - point - 1));
         }
     }
-    return most;
+    return most == 1 ? 2 : most; // money has two decimals
 }
 
 /// The number as NumberText has it, with zeros up to that many decimals.
@@ -69,7 +69,9 @@ void PrintRowsAsTable(const Rowset& rows, std::ostream& output) {
 }
 
 void PrintRowsAsCsv(const Rowset& rows, std::ostream& output) {
-    PrintCsvLine(rows.fields, output);
+    if (!rows.fields.empty()) {
+        PrintCsvLine(rows.fields, output);
+    }
     for (const auto& row : rows.rows) {
         std::vector<std::string> texts(row.size());
         std::transform(row.begin(), row.end(), texts.begin(), TextOf);

@@ -1,6 +1,7 @@
 #include "engine/eval/LineColumns.h"
 
 #include "engine/storage/CodeColumn.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
 
@@ -48,9 +49,9 @@ const Hierarchy* HierarchyOf(const Cube& cube, std::size_t keyColumn) {
     return finest;
 }
 
-class DefaultColumns {
+class KnownColumns {
 public:
-    explicit DefaultColumns(const Cube& cube) : cube_(cube) {}
+    explicit KnownColumns(const Cube& cube) : cube_(cube) {}
 
     std::vector<LineColumn> Make() {
         const std::optional<std::size_t> date = DateColumn(cube_);
@@ -62,15 +63,41 @@ public:
                 AddKeyColumn(column);
             }
         }
+        AddDetails();
         for (std::size_t measure = 0; measure < cube_.Measures().size(); ++measure) {
             if (cube_.Measures()[measure].function == AggregateFunction::Sum) {
                 Add({cube_.Measures()[measure].name, LineColumn::Kind::Measure, {}, measure});
             }
         }
+        if (cube_.KeepsDetails()) {
+            Add({"file", LineColumn::Kind::File, {}, 0, false});
+            Add({"line", LineColumn::Kind::Line, {}, 0, false});
+        }
         return std::move(columns_);
     }
 
 private:
+    /// A detail that is a key or an amount besides is shown once. The date says more than its period.
+    void AddDetails() {
+        const std::vector<Detail> details = cube_.Details();
+        const std::optional<std::size_t> date = DateColumn(cube_);
+        for (std::size_t i = 0; i < details.size(); ++i) {
+            const std::string& caption = details[i].caption;
+            const bool isDate = date && cube_.Facts().KeyColumns()[*date].name == details[i].name;
+            const bool isShown = isDate || (!IsTaken(caption) && !cube_.FindMeasure(details[i].name));
+            Add({IsTaken(caption) || cube_.FindMeasure(caption) ? caption + " in ledger" : caption,
+                 LineColumn::Kind::Detail,
+                 {},
+                 i,
+                 isShown});
+        }
+    }
+
+    bool IsTaken(const std::string& name) const {
+        return std::any_of(columns_.begin(), columns_.end(),
+                           [&](const LineColumn& other) { return EqualIgnoringCase(other.name, name); });
+    }
+
     void AddKeyColumn(std::size_t keyColumn) {
         const Hierarchy* hierarchy = HierarchyOf(cube_, keyColumn);
         if (hierarchy == nullptr) {
@@ -115,8 +142,7 @@ private:
 
     void Add(LineColumn column) {
         const std::string base = column.name;
-        const auto isTaken = [&](const LineColumn& other) { return other.name == column.name; };
-        for (int copy = 2; std::any_of(columns_.begin(), columns_.end(), isTaken); ++copy) {
+        for (int copy = 2; IsTaken(column.name); ++copy) {
             column.name = fmt::format("{} {}", base, copy);
         }
         columns_.push_back(std::move(column));
@@ -186,14 +212,36 @@ std::map<std::uint32_t, std::string> TextsOfCodes(const Hierarchy& hierarchy, co
     return texts;
 }
 
+std::vector<LineValue> ReadDetails(const FactTable& facts, const LineColumn& column,
+                                   std::span<const LinePlace> places) {
+    std::vector<LineValue> values;
+    values.reserve(places.size());
+    for (const LinePlace& place : places) {
+        const std::uint32_t fact = FactOf(facts, place);
+        const DetailTable& details = *facts.Details();
+        if (column.kind == LineColumn::Kind::Detail) {
+            values.emplace_back(std::string(details.Text(column.number, fact)));
+            continue;
+        }
+        const SourceLine line = details.LineOf(fact);
+        values.emplace_back(column.kind == LineColumn::Kind::File ? details.Files()[line.file]
+                                                                  : std::to_string(line.line));
+    }
+    return values;
+}
+
 } // namespace
 
-std::vector<LineColumn> DefaultLineColumns(const Cube& cube) { return DefaultColumns(cube).Make(); }
+std::vector<LineColumn> KnownLineColumns(const Cube& cube) { return KnownColumns(cube).Make(); }
 
 std::vector<LineValue> ReadLineColumn(const Cube& cube, const LineColumn& column,
                                       std::span<const LinePlace> places) {
     if (column.kind == LineColumn::Kind::Measure) {
-        return ReadAmounts(cube.Facts(), column.measure, places);
+        return ReadAmounts(cube.Facts(), column.number, places);
+    }
+    using Kind = LineColumn::Kind;
+    if (column.kind == Kind::Detail || column.kind == Kind::File || column.kind == Kind::Line) {
+        return ReadDetails(cube.Facts(), column, places);
     }
     std::vector<LineValue> values(places.size());
     const Hierarchy& hierarchy = cube.Hierarchies()[column.level.hierarchy];

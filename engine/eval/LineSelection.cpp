@@ -137,23 +137,32 @@ private:
         }
     }
 
-    std::vector<LinePlace> Ordered(std::uint64_t first, std::uint64_t most) const {
-        const std::size_t width = facts_.KeyColumns().size();
+    /// The columns that order the facts. The number in the details stands for all but the date.
+    std::vector<std::size_t> SortColumns() const {
         std::vector<std::size_t> columns;
         if (dateColumn_) {
             columns.push_back(*dateColumn_);
         }
-        for (std::size_t column = 0; column < width; ++column) {
-            if (column != dateColumn_) {
+        for (std::size_t column = 0; column < facts_.KeyColumns().size(); ++column) {
+            if (facts_.Details() == nullptr && column != dateColumn_) {
                 columns.push_back(column);
             }
         }
+        return columns;
+    }
+
+    std::vector<LinePlace> Ordered(std::uint64_t first, std::uint64_t most) const {
+        const std::vector<std::size_t> columns = SortColumns();
+        const std::size_t width = columns.size() + (facts_.Details() != nullptr ? 1 : 0);
         std::vector<std::uint32_t> codes;
         codes.reserve(places_.size() * width);
         std::vector<std::size_t> order;
         for (const LinePlace& place : places_) {
             for (const std::size_t column : columns) {
                 codes.push_back(CodeOf(facts_, place, column));
+            }
+            if (facts_.Details() != nullptr) {
+                codes.push_back(FactOf(facts_, place));
             }
             order.push_back(order.size());
         }
@@ -217,6 +226,11 @@ std::optional<std::size_t> DateColumn(const Cube& cube) {
         }
     }
     return std::nullopt;
+}
+
+std::uint32_t FactOf(const FactTable& facts, const LinePlace& place) {
+    const auto order = static_cast<std::size_t>(place.projection - facts.Projections().data());
+    return facts.Details()->FactOf(order, place.row);
 }
 
 std::uint32_t CodeOf(const FactTable& facts, const LinePlace& place, std::size_t keyColumn) {

@@ -35,13 +35,17 @@ struct SelectedLines {
     std::uint64_t total = 0; ///< of all of them
 };
 
-/// The facts of the parts from number `first` (from 0) on, at most `most`: by date, then by their other keys,
-/// then as they were read. Facts of two parts come twice. Raises EngineError (DamagedFile).
+/// The facts of the parts from number `first` (from 0) on, at most `most`: by date, then as the ledger is
+/// where details are kept, otherwise by their other keys. Facts of two parts come twice. Raises EngineError
+/// (DamagedFile).
 SelectedLines SelectLines(const Cube& cube, const std::vector<FactPart>& parts, std::uint64_t first,
                           std::uint64_t most, const std::function<void(double)>& progress);
 
 /// The key column of the cube's first dimension of time, or nothing.
 std::optional<std::size_t> DateColumn(const Cube& cube);
+
+/// The number of the fact in the details, which are there.
+std::uint32_t FactOf(const FactTable& facts, const LinePlace& place);
 
 /// The code of one fact in a key column. Raises EngineError (DamagedFile).
 std::uint32_t CodeOf(const FactTable& facts, const LinePlace& place, std::size_t keyColumn);

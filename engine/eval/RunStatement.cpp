@@ -138,13 +138,15 @@ DrilledCell StatementRun::Drill() {
         throw EngineError(ErrorKind::InvalidExpression,
                           "the cell has no lines of its own: a formula computes it from other cells");
     }
-    const std::vector<LineColumn> known = DefaultLineColumns(space_.GetCube());
+    const std::vector<LineColumn> known = KnownLineColumns(space_.GetCube());
     const mdx::DrillthroughClause& clause = *statement_.drillthrough;
     for (const mdx::NodeId node : clause.columns) {
         cell.columns.push_back(ReturnedColumn(node, known));
     }
-    if (clause.columns.empty()) {
-        cell.columns = known;
+    for (const LineColumn& column : known) {
+        if (clause.columns.empty() && column.isShown) {
+            cell.columns.push_back(column);
+        }
     }
     cell.firstRow = clause.firstRow - 1;
     cell.mostRows = clause.mostRows.value_or(std::numeric_limits<std::uint64_t>::max());

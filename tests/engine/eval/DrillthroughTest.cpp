@@ -14,7 +14,7 @@ const char* const sums[] = {
     "SELECT {@} ON 0 FROM Finance",
     "SELECT FROM Finance WHERE ([Accounts].[AccountCodes].[All].[4000], [Date].[2024], @)",
     "SELECT FROM Finance WHERE ([ActX].[OBSx].[All].[1].[12], [SuperSumery].[SumeryCode].[1], @)",
-    "WITH MEMBER [Date].DateSel AS 'SUM(LastPeriods(5, [Date].[All].[2024].[Q1].[2]), @)' "
+    "WITH MEMBER [Date].DateSel AS 'SUM(LastPeriods(5, [Date].[All].[2024].[Q2].[5]), @)' "
     "MEMBER [OBS].Sel AS 'SUM({[OBS].[North].[Other], [OBS].[South].[Other]})' "
     "SELECT {[Date].DateSel} ON 0, {[Firma].[1]} ON 1 FROM Finance WHERE [OBS].Sel",
     // A fact of [11] belongs to [12] as well: Sum counts it twice, Aggregate and a slicer once.
@@ -87,7 +87,8 @@ struct FaultyDrillthrough {
 const FaultyDrillthrough faulty[] = {
     {"DRILLTHROUGH MAXROWS x SELECT FROM Finance", "expected a whole number of rows"},
     {"DRILLTHROUGH SELECT [Firma].Members ON 0 FROM Finance", "this axis has 3 positions"},
-    {"DRILLTHROUGH WITH MEMBER [Measures].Q AS '[Measures].[Amount] / 2' SELECT {Q} ON 0 FROM Finance",
+    {"DRILLTHROUGH WITH MEMBER [Measures].Q AS '[Measures].[Amount] / 2' SELECT {[Measures].Q} ON 0 FROM "
+     "Finance",
      "a formula computes it"},
     {"DRILLTHROUGH SELECT FROM Finance WHERE {[Measures].[Amount], [Measures].[Lines]}", "several measures"},
     {"DRILLTHROUGH SELECT FROM Finance RETURN nothing", "the lines have no such column; they have date,"},
