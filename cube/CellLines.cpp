@@ -10,6 +10,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 
 namespace qel::ModSetCube {
 
@@ -134,7 +135,9 @@ public:
         for (const std::string& statement : statements) {
             Rowset rows = Read(statement);
             const bool isFirst = all.fields.empty();
-            all.fields = isFirst ? std::move(rows.fields) : std::move(all.fields);
+            if (isFirst) {
+                all.fields = std::move(rows.fields);
+            }
             all.total = rows.total && (isFirst || all.total)
                             ? std::optional(all.total.value_or(0) + *rows.total)
                             : std::nullopt;

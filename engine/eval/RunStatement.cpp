@@ -192,10 +192,9 @@ LineColumn StatementRun::ReturnedColumn(mdx::NodeId node, const std::vector<Line
         if (error.Kind() != ErrorKind::UnknownName) {
             throw;
         }
-        std::vector<std::string> names;
-        for (const LineColumn& column : known) {
-            names.push_back(column.name);
-        }
+        std::vector<std::string> names(known.size());
+        std::transform(known.begin(), known.end(), names.begin(),
+                       [](const LineColumn& column) { return column.name; });
         binder_.Fail(node, fmt::format("the lines have no such column; they have {}", NameList(names)));
     }
 }

@@ -142,7 +142,7 @@ public:
     /// Told the share done while rows are read, where the provider knows it. An exception that it throws ends
     /// Open and reaches the caller.
     using Progress = std::function<void(double share)>;
-    virtual void ReportTo(Progress /*progress*/) {}
+    virtual void ReportTo(const Progress& /*progress*/) {}
     virtual void Open(const std::string& source, const std::shared_ptr<Connection>& connection,
                       int cursorType, int lockType, int options) = 0;
     virtual void Close() = 0;

@@ -21,7 +21,7 @@ public:
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
               int lockType, int options) override;
-    void ReportTo(Progress progress) override { progress_ = std::move(progress); }
+    void ReportTo(const Progress& progress) override { progress_ = progress; }
     void Close() override { rows_.Close(); }
     std::int32_t FieldCount() const override;
     std::string FieldName(std::int32_t index) const override;

@@ -155,7 +155,7 @@ class Lines(unittest.TestCase):
              "2024-01  100        -0.20\n2024-02  200      -500.00\n\n3 lines, sum -1500.3\n", ""),
             ("details", [kept, "--columns", "Booked,line,Amount", "--csv"], 0, "Booked,line,Amount\n2024-01-05,2,-1000.1\n"
              "2024-01-20,3,-0.2\n2024-02-10,4,-500\n", "3 lines, sum -1500.3"),
-            ("a limit", [kept, "--limit", "1", "--columns", "file"], 0, "file         Amount\nledger.csv  -1000.1\n\n"
+            ("a limit", [kept, "--limit", "1", "--columns", "file"], 0, "file          Amount\nledger.csv  -1000.10\n\n"
              "the first 1 of 3 lines; the value of all is -1500.3 (--limit 0 shows all)\n", ""),
             ("no column", [plain, "--columns", "Booked"], 1, "", "the lines have no such column; they have date"),
             ("no lines", [formula.format(cubes["plain"], "5000", "Lines").replace("2024", "2020"), "--csv"], 0, "",

@@ -1,5 +1,6 @@
 #include "cube/CellLines.h"
 
+#include "platform/value/AutomationError.h"
 #include "tests/helpers/doubles/RecordingProvider.h"
 
 #include <gtest/gtest.h>
