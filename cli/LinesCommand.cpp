@@ -5,6 +5,7 @@
 #include "cli/ValueText.h"
 #include "cube/CellLines.h"
 #include "function/OrmQelFunction.h"
+#include "function/formula/BindFormula.h"
 #include "function/formula/FormulaError.h"
 #include "function/formula/ParseFormula.h"
 #include "platform/value/AutomationError.h"
