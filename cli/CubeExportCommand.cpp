@@ -41,7 +41,7 @@ void Export(const ExportArguments& arguments, CommandContext& context) {
         });
     }
     for (const auto& path : written) {
-        fmt::print(context.output, "{}: {} bytes\n", path.string(), std::filesystem::file_size(path));
+        fmt::print(context.output, "{}: {} bytes\n", PathToUtf8(path), std::filesystem::file_size(path));
     }
 }
 

@@ -14,9 +14,11 @@ public:
     /// Raises std::runtime_error with `message` once the program was asked to end.
     void Check(const char* message) const;
 
+#ifndef _WIN32
 private:
     using Handler = void (*)(int);
     Handler formerInterrupt_, formerTerminate_, formerHangup_;
+#endif
 };
 
 } // namespace qel

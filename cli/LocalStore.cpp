@@ -1,23 +1,8 @@
 #include "cli/LocalStore.h"
 
-#include "platform/settings/files/ConfigFolder.h"
 #include "text/Text.h"
-#include "text/Utf8Path.h"
-
-#include <system_error>
 
 namespace qel {
-
-namespace {
-
-/// The folder of the running program; the current one where the system does not tell.
-std::string ProgramFolder() {
-    std::error_code failed;
-    const auto program = std::filesystem::read_symlink("/proc/self/exe", failed);
-    return PathToUtf8(failed ? std::filesystem::current_path() : program.parent_path());
-}
-
-} // namespace
 
 MessageBoxAnswer StreamMessages::Show(std::int32_t /*style*/, const std::string& title,
                                       const std::string& text) {
@@ -30,7 +15,8 @@ MessageBoxAnswer StreamMessages::Show(std::int32_t /*style*/, const std::string&
 }
 
 LocalStore::LocalStore(std::ostream& messageStream)
-    : settingsFile(SettingsFile()), messages(messageStream), registry(settingsFile),
-      environment{registry, profiles, database, messages, ProgramFolder()} {}
+    : messages(messageStream), system(StoreOfSystem()),
+      environment{system->Values(), system->Profiles(), system->Database(), messages,
+                  system->ProgramFolder()} {}
 
 } // namespace qel

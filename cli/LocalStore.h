@@ -1,13 +1,11 @@
 #pragma once
 
+#include "cli/SystemStore.h"
 #include "lang/ModLangFrm.h"
-#include "platform/database/sqlite/SqliteDatabase.h"
-#include "platform/settings/files/FileProfiles.h"
-#include "platform/settings/files/FileRegistry.h"
 #include "platform/tables/xml/XmlTableReader.h"
 #include "store/StoreEnvironment.h"
 
-#include <filesystem>
+#include <memory>
 #include <ostream>
 
 namespace qel {
@@ -25,21 +23,14 @@ private:
     bool hasShown_ = false;
 };
 
-/// The suite's settings and texts as this program has them: settings in files of the user's configuration
-/// folder, the local database in SQLite.
+/// The suite's settings and texts as this program has them.
 class LocalStore {
 public:
-    /// Raises AutomationError when the configuration folder is not known.
+    /// Raises AutomationError when the place of the settings is not known.
     explicit LocalStore(std::ostream& messageStream);
-    ~LocalStore() = default;
-    LocalStore(const LocalStore&) = delete;
-    LocalStore& operator=(const LocalStore&) = delete;
 
-    const std::filesystem::path settingsFile;
     StreamMessages messages;
-    FileRegistry registry;
-    FileProfiles profiles;
-    SqliteDatabase database;
+    const std::unique_ptr<SystemStore> system;
     XmlTableReader tables;
     StoreEnvironment environment; ///< the component's folder is the program's own
 };

@@ -10,6 +10,7 @@
 #include "cli/LinesCommand.h"
 #include "cli/MdxCommand.h"
 #include "cli/MembersCommand.h"
+#include "cli/ProgramStart.h"
 #include "cli/ServerCheckCommand.h"
 #include "cli/SettingsCommand.h"
 #include "cli/ShellFilesCommand.h"
@@ -29,7 +30,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <csignal>
 #include <iostream>
 #include <optional>
 
@@ -46,6 +46,17 @@ constexpr const char* footer =
     R"(Results go to standard output, messages to standard error. Exit status: 0 done, 1 what was asked for failed,
 2 wrong usage. 'qel COMMAND --help' shows a command's options and examples.)";
 
+const char* NameOf(qel::DateOrder order) {
+    switch (order) {
+    case qel::DateOrder::MonthDayYear:
+        return "mdy";
+    case qel::DateOrder::YearMonthDay:
+        return "ymd";
+    default:
+        return "dmy";
+    }
+}
+
 void AddDateOrder(CLI::App& app, qel::Locale& locale) {
     const auto take = [&locale](const std::string& order) {
         if (qel::EqualIgnoringCase(order, "dmy")) {
@@ -60,7 +71,7 @@ void AddDateOrder(CLI::App& app, qel::Locale& locale) {
     };
     app.add_option_function<std::string>("--date-order", take, "Order of day, month and year in date texts")
         ->trigger_on_parse()
-        ->option_text("dmy|mdy|ymd (default dmy)");
+        ->option_text(fmt::format("dmy|mdy|ymd (default {})", NameOf(locale.dateOrder)));
 }
 
 void AddAllowServer(CLI::App& app, qel::KnownServers& servers) {
@@ -131,10 +142,9 @@ private:
 
 /// The words of the command line. An option that is given an empty value ("--firma=") takes no other word for
 /// it.
-std::vector<std::string> WordsOf(int argc, char** argv) {
+std::vector<std::string> WordsOf(const std::vector<std::string>& arguments) {
     std::vector<std::string> words;
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
+    for (const std::string& word : arguments) {
         if (word.starts_with("--") && word.size() > 3 && word.find('=') == word.size() - 1) {
             words.push_back(word.substr(0, word.size() - 1));
             words.emplace_back();
@@ -146,13 +156,13 @@ std::vector<std::string> WordsOf(int argc, char** argv) {
     return words;
 }
 
-int Run(int argc, char** argv, std::ostream& terminal) {
+int Run(const std::vector<std::string>& arguments, std::ostream& terminal) {
     qel::EmbeddedDataAccess cubeFiles;
     const auto known = std::make_shared<qel::KnownServers>(qel::ServerSettingsFile());
     ConfiguredServers servers(known);
     qel::CommandContext context{.providers = qel::ChooseProvider(cubeFiles, &servers, nullptr),
                                 .servers = known,
-                                .locale = {},
+                                .locale = qel::LocaleOfUser(),
                                 .input = std::cin,
                                 .output = std::cout,
                                 .messages = std::cerr,
@@ -160,6 +170,7 @@ int Run(int argc, char** argv, std::ostream& terminal) {
                                 .terminalColumns = qel::StandardErrorColumns()};
     CLI::App app{description, "qel"};
     app.footer(footer);
+    app.allow_windows_style_options(false); // "/x" is a path everywhere
     app.set_version_flag("--version", std::string("qel ") + qel::programVersion);
     AddDateOrder(app, context.locale);
     AddAllowServer(app, *known);
@@ -169,7 +180,7 @@ int Run(int argc, char** argv, std::ostream& terminal) {
         ->trigger_on_parse();
     AddCommands(app, context);
     try {
-        app.parse(WordsOf(argc, argv));
+        app.parse(WordsOf(arguments));
     } catch (const CLI::RequiredError& error) {
         const auto unknown = app.remaining(true); // an unknown command counts as a missing one
         if (unknown.empty()) {
@@ -194,7 +205,7 @@ int Fail(const std::string& reason) {
 int main(int argc, char** argv) {
     std::ios::sync_with_stdio(false);
     std::cin.tie(nullptr);
-    std::signal(SIGXFSZ, SIG_IGN); // a write beyond the limit of a file's size fails instead
+    const qel::ProgramStart start;
     // Results that go to a file or a program stay as they are.
     const qel::ShownStream messages(std::cerr);
     std::optional<qel::ShownStream> results;
@@ -203,7 +214,7 @@ int main(int argc, char** argv) {
     }
     try {
         std::ostream terminal(messages.Target());
-        const int status = Run(argc, argv, terminal);
+        const int status = Run(qel::ProgramArguments(argc, argv), terminal);
         std::cout.flush();
         return std::cout ? status : Fail("standard output cannot be written");
     } catch (const qel::AutomationError& error) {

@@ -2,7 +2,6 @@
 
 #include "cli/LocalStore.h"
 #include "platform/database/DatabaseFile.h"
-#include "platform/settings/files/IniFile.h"
 #include "platform/value/AutomationError.h"
 #include "store/LocalDb.h"
 #include "store/ModAPI.h"
@@ -23,11 +22,8 @@ namespace {
 
 constexpr const char* settingsDescription = "Show the suite's settings: value, and where each stands";
 
-constexpr const char* settingsFooter =
-    R"(Settings that the suite keeps in the registry stand in settings.ini of the configuration folder
-($XDG_CONFIG_HOME/qel or ~/.config/qel); the rest in Qel.ini and Cub.ini of the folder MDBPath.
-
-Examples:
+constexpr const char* settingsExamples =
+    R"(Examples:
   qel settings
   qel settings set MDBPath /srv/pralix
   qel settings set QelUILanguage 1)";
@@ -65,8 +61,7 @@ public:
 
     void Print() {
         auto& environment = store_.environment;
-        const std::string key =
-            fmt::format("[HKEY_CURRENT_USER\\{}] of {}", ModAPI::suiteKey, PathToUtf8(store_.settingsFile));
+        const std::string key = store_.system->PlaceOfKey();
         Line("MDBPath", ModAPI::GetRegSetting(environment, ModAPI::mdbPathValue), key);
         Line("TempPath", ModAPI::GetRegSetting(environment, ModAPI::tempPathValue), key);
         const auto language =
@@ -82,9 +77,8 @@ public:
         Line("language table", component + ModLangFrm::langTableFile,
              Presence(component + ModLangFrm::langTableFile));
         Line("help file", component + helpFile, Presence(component + helpFile));
-        for (const auto& file : {store_.settingsFile, PathFromSetting(QelIni()),
-                                 PathFromSetting(folder + ModPublics::cubIniFile)}) {
-            Warn(file);
+        for (const auto& file : {std::string(), QelIni(), folder + ModPublics::cubIniFile}) {
+            Warn(PathFromSetting(file));
         }
     }
 
@@ -96,15 +90,15 @@ private:
 
     /// A setting in a file that cannot be understood looks as if it were not set.
     void Warn(const std::filesystem::path& file) {
-        if (const auto fault = IniFile(file).FaultOfContent()) {
+        if (const auto fault = store_.system->FaultOfContent(file)) {
             fmt::print(context_.messages, "qel: {}\n", fault->Description());
         }
     }
 
     /// As ReadCubIniSection, which would make the folder.
     std::string LastCubeFile(const std::string& folder) {
-        return store_.profiles.ReadString(ModPublics::cubeFileSection, ModPublics::cubeFileKey, maxCubeFile,
-                                          folder + ModPublics::cubIniFile);
+        return store_.environment.profiles.ReadString(ModPublics::cubeFileSection, ModPublics::cubeFileKey,
+                                                      maxCubeFile, folder + ModPublics::cubIniFile);
     }
 
     void Line(std::string_view name, const std::string& value, const std::string& place) {
@@ -128,18 +122,6 @@ std::filesystem::path FolderOf(const std::string& value) {
     return path.has_filename() ? path : path.parent_path(); // the component appends a separator itself
 }
 
-/// One of the suite's registry values.
-void SetRegistryValue(LocalStore& store, const char* name, const std::filesystem::path& path) {
-    const auto folder = store.settingsFile.parent_path();
-    std::error_code failed;
-    std::filesystem::create_directories(folder, failed);
-    if (failed) {
-        throw std::runtime_error(
-            fmt::format("the folder {} cannot be made: {}", PathToUtf8(folder), failed.message()));
-    }
-    store.registry.SetValue(RootKey::CurrentUser, ModAPI::suiteKey, name, PathToUtf8(path));
-}
-
 void RequireMdbPath(LocalStore& store, std::string_view file) {
     if (ModAPI::GetRegSetting(store.environment, ModAPI::mdbPathValue).empty()) {
         throw AutomationError(
@@ -152,7 +134,7 @@ void RequireMdbPath(LocalStore& store, std::string_view file) {
 
 void RequireWritten(const LocalStore& store, std::int32_t result) {
     if (result == 0) {
-        throw store.profiles.LastError().value_or(
+        throw store.system->ProfileFault().value_or(
             AutomationError(ErrorNumber::InvalidProcedureCall, "The setting could not be written."));
     }
 }
@@ -163,8 +145,8 @@ void SetLanguage(LocalStore& store, const std::string& value) {
     }
     RequireMdbPath(store, ModPublics::qelIniFile);
     const auto file = ModAPI::QelFuncMdbPath(store.environment) + ModPublics::qelIniFile;
-    RequireWritten(
-        store, store.profiles.WriteString(ModPublics::languageSection, ModPublics::languageKey, value, file));
+    RequireWritten(store, store.environment.profiles.WriteString(ModPublics::languageSection,
+                                                                 ModPublics::languageKey, value, file));
 }
 
 void SetLastCube(LocalStore& store, const std::string& value) {
@@ -181,9 +163,9 @@ void Set(CommandContext& context, const std::string& name, const std::string& va
         if (!DirExists(PathToUtf8(folder))) {
             MakeFolder(PathToUtf8(folder));
         }
-        SetRegistryValue(store, ModAPI::mdbPathValue, folder);
+        store.system->SetValue(ModAPI::mdbPathValue, PathToUtf8(folder));
     } else if (EqualIgnoringCase(name, ModAPI::tempPathValue)) {
-        SetRegistryValue(store, ModAPI::tempPathValue, FolderOf(value));
+        store.system->SetValue(ModAPI::tempPathValue, PathToUtf8(FolderOf(value)));
     } else if (EqualIgnoringCase(name, ModPublics::languageKey)) {
         SetLanguage(store, value);
     } else if (EqualIgnoringCase(name, ModPublics::cubeFileSection)) {
@@ -208,7 +190,7 @@ void MakeDatabase(CommandContext& context) {
 
 void AddSettingsCommand(CLI::App& app, CommandContext& context) {
     auto* command = app.add_subcommand("settings", settingsDescription);
-    command->footer(settingsFooter);
+    command->footer(fmt::format("{}\n\n{}", placesOfSettings, settingsExamples));
     command->fallthrough();
     command->require_subcommand(0, 1);
     command->callback([command, &context] {

@@ -4,8 +4,7 @@
 #include <string_view>
 
 #ifdef _WIN32
-#include <io.h>
-#include <windows.h>
+#include "cli/ConsoleStreams.h"
 #else
 #include <sys/ioctl.h>
 #include <unistd.h>
@@ -18,18 +17,15 @@ namespace {
 constexpr int usualColumns = 80;
 
 #ifdef _WIN32
-bool OutputIsTerminal() {
-    constexpr int standardOutput = 1;
-    return _isatty(standardOutput) != 0;
-}
+bool OutputIsTerminal() { return IsConsole(::GetStdHandle(STD_OUTPUT_HANDLE)); }
 
 int TerminalColumns() {
-    constexpr int standardError = 2;
-    if (_isatty(standardError) == 0) {
+    const HANDLE console = ::GetStdHandle(STD_ERROR_HANDLE);
+    if (!IsConsole(console)) {
         return 0;
     }
     CONSOLE_SCREEN_BUFFER_INFO screen{};
-    if (GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &screen) == 0) {
+    if (::GetConsoleScreenBufferInfo(console, &screen) == FALSE) {
         return usualColumns;
     }
     return screen.srWindow.Right - screen.srWindow.Left + 1;

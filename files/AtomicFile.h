@@ -10,7 +10,8 @@ namespace qel {
 
 /// A file that appears under its name only when complete: it is written under a temporary name in the same
 /// folder, synced and renamed. Before Commit the old file is untouched; without Commit the temporary file is
-/// removed. The new file has the mode and, where the system permits, the owner of the file that it replaces.
+/// removed. The new file has the mode or access rights and, where the system permits, the owner of the file
+/// that it replaces.
 /// A symbolic link stays, and its target is replaced; a folder, device or pipe is never replaced. Temporary
 /// files that an ended program left under the same name are removed.
 class AtomicFile {
@@ -34,13 +35,13 @@ public:
 
 private:
     void RefuseWhatIsNoFile(const std::filesystem::path& named) const;
-    void CreateTemporary(unsigned mode);
-    void TakeOver(unsigned mode, unsigned owner, unsigned group) const;
-    [[noreturn]] void Fail(int error) const;
+    void CreateTemporary(bool isPrivate);
+    /// Raises unless the error number is 0.
+    void Require(int error) const;
 
     std::filesystem::path path_, temporary_;
     Failure failure_;
-    int descriptor_ = -1; ///< locked while the file is written: by this, others know that somebody writes it
+    int descriptor_ = -1;
 };
 
 } // namespace qel

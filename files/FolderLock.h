@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 
 namespace qel {
@@ -17,7 +18,7 @@ public:
     bool IsFree() const { return isFree_; }
 
 private:
-    int descriptor_;
+    std::intptr_t lock_; ///< the system's number for it
     bool isFree_ = true;
 };
 

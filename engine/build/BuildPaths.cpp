@@ -7,7 +7,11 @@
 
 #include <string>
 #include <system_error>
+#ifdef _WIN32
+#include <io.h>
+#else
 #include <unistd.h>
+#endif
 
 namespace qel::engine {
 
@@ -46,6 +50,15 @@ void RefuseInputs(const path& written, const std::string& purpose, const path& d
     }
 }
 
+bool MayWrite(const path& file) {
+#ifdef _WIN32
+    constexpr int forWriting = 2;
+    return ::_waccess(file.c_str(), forWriting) == 0;
+#else
+    return ::access(file.c_str(), W_OK) == 0;
+#endif
+}
+
 /// The administrator may write any file, so that the mode is asked, too.
 void RefuseProtected(const path& written) {
     std::error_code error;
@@ -55,8 +68,7 @@ void RefuseProtected(const path& written) {
     if (!std::filesystem::exists(status)) {
         return;
     }
-    if ((status.permissions() & writable) == std::filesystem::perms::none ||
-        ::access(written.c_str(), W_OK) != 0) {
+    if ((status.permissions() & writable) == std::filesystem::perms::none || !MayWrite(written)) {
         throw EngineError(ErrorKind::CannotWrite,
                           fmt::format("{}: is write-protected, so it is not replaced", PathToUtf8(written)));
     }

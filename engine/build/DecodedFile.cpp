@@ -1,5 +1,6 @@
 #include "engine/build/DecodedFile.h"
 
+#include "engine/build/TextConversion.h"
 #include "engine/build/TextFile.h"
 #include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
@@ -8,9 +9,8 @@
 #include <fmt/format.h>
 
 #include <array>
-#include <cerrno>
-#include <iconv.h>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace qel::engine {
@@ -20,8 +20,9 @@ namespace {
 /// Decodes a stream chunk by chunk.
 class Decoder : public std::streambuf {
 public:
-    Decoder(std::istream& source, iconv_t conversion) : source_(source), conversion_(conversion) {}
-    ~Decoder() override { ::iconv_close(conversion_); }
+    Decoder(std::istream& source, std::unique_ptr<TextConversion> conversion)
+        : source_(source), conversion_(std::move(conversion)) {}
+    ~Decoder() override = default;
     Decoder(const Decoder&) = delete;
     Decoder& operator=(const Decoder&) = delete;
 
@@ -29,7 +30,7 @@ protected:
     int_type underflow() override {
         for (bool isRead = true; isRead;) {
             isRead = ReadMore();
-            Convert(!isRead);
+            text_ = conversion_->Take(bytes_, !isRead);
             if (!text_.empty()) {
                 setg(text_.data(), text_.data(), text_.data() + text_.size());
                 return traits_type::to_int_type(text_.front());
@@ -40,7 +41,6 @@ protected:
 
 private:
     static constexpr std::size_t chunkSize = 1 << 16;
-    static constexpr char notUtf8 = '\xFF';
 
     /// Appends the next bytes; false at the end of the file.
     bool ReadMore() {
@@ -51,29 +51,8 @@ private:
         return bytes_.size() > left;
     }
 
-    /// Converts what is complete, at the end of the file everything.
-    void Convert(bool isAtEnd) {
-        text_.resize(bytes_.size() * 4 + 4); // the most that UTF-8 needs
-        char* in = bytes_.data();
-        std::size_t inLeft = bytes_.size();
-        char* out = text_.data();
-        std::size_t outLeft = text_.size();
-        while (inLeft > 0 &&
-               ::iconv(conversion_, &in, &inLeft, &out, &outLeft) == static_cast<std::size_t>(-1)) {
-            if (errno == EINVAL && !isAtEnd) {
-                break; // the rest of the character is in the next chunk
-            }
-            ++in;
-            --inLeft;
-            *out++ = notUtf8;
-            --outLeft;
-        }
-        text_.resize(text_.size() - outLeft);
-        bytes_.erase(bytes_.begin(), bytes_.end() - static_cast<std::ptrdiff_t>(inLeft));
-    }
-
     std::istream& source_;
-    iconv_t conversion_;
+    std::unique_ptr<TextConversion> conversion_;
     std::vector<char> bytes_; ///< read and not converted
     std::string text_;
 };
@@ -108,14 +87,13 @@ DecodedFile::DecodedFile(const std::filesystem::path& path, const std::string& e
     if (EqualIgnoringCase(from, "UTF-8")) {
         return;
     }
-    const iconv_t conversion = ::iconv_open("UTF-8", from.c_str());
-    if (conversion ==
-        reinterpret_cast<iconv_t>(-1)) { // NOLINT(performance-no-int-to-ptr): iconv's own failure
+    auto conversion = ConversionFrom(from);
+    if (conversion == nullptr) {
         throw EngineError(
             ErrorKind::InvalidData,
             fmt::format("{}: this machine cannot read the encoding \"{}\"", PathToUtf8(path), from));
     }
-    decoder_ = std::make_unique<Decoder>(file_, conversion);
+    decoder_ = std::make_unique<Decoder>(file_, std::move(conversion));
     decoded_ = std::make_unique<std::istream>(decoder_.get());
     stream_ = decoded_.get();
 }

@@ -14,9 +14,9 @@ namespace qel::engine {
 /// not UTF-8.
 class DecodedFile {
 public:
-    /// `encoding` is a name that iconv knows; an empty one means UTF-16 for a file with its byte order mark,
-    /// otherwise UTF-8. Raises EngineError: FileNotFound; InvalidData for a workbook, or an encoding that
-    /// this machine cannot read.
+    /// `encoding` is a name that the system knows; an empty one means UTF-16 for a file with its byte order
+    /// mark, otherwise UTF-8. Raises EngineError: FileNotFound; InvalidData for a workbook, or an encoding
+    /// that this machine cannot read.
     DecodedFile(const std::filesystem::path& path, const std::string& encoding);
 
     std::istream& Stream() { return *stream_; }

@@ -100,7 +100,7 @@ TableDefinition ReadTable(const std::string& name, const JsonPlace& place, const
         ReadDatabase(object, *odbc, table);
     } else {
         table.format = defaults;
-        table.file = folder / std::filesystem::path(object.Required("file").Text());
+        table.file = folder / PathFromUtf8(object.Required("file").Text());
         ReadFileFormat(object, table.format);
     }
     if (const auto accept = object.Optional("accept")) {

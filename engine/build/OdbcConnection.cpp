@@ -23,12 +23,9 @@ constexpr const char* namesOfDrivers =
 
 bool IsFailure(SQLRETURN result) { return !SQL_SUCCEEDED(result) && result != SQL_NO_DATA; }
 
-/// ODBC takes texts that it does not change as if it did.
-SQLCHAR* AsOdbc(std::string& text) { return reinterpret_cast<SQLCHAR*>(text.data()); }
-
 std::string FirstMessage(SQLSMALLINT type, SQLHANDLE handle) {
-    std::array<SQLCHAR, 6> state = {};
-    std::array<SQLCHAR, 8192> text = {};
+    std::array<SQLTCHAR, 6> state = {};
+    std::array<SQLTCHAR, 8192> text = {};
     SQLINTEGER code = 0;
     SQLSMALLINT length = 0;
     if (!SQL_SUCCEEDED(::SQLGetDiagRec(type, handle, 1, state.data(), &code, text.data(),
@@ -37,20 +34,10 @@ std::string FirstMessage(SQLSMALLINT type, SQLHANDLE handle) {
     }
     const auto end =
         std::min<std::size_t>(static_cast<std::size_t>(std::max<SQLSMALLINT>(length, 0)), text.size() - 1);
-    return {text.begin(), text.begin() + end};
+    return FromOdbc({text.data(), end});
 }
 
 } // namespace
-
-Utf8Locale::Utf8Locale()
-    : locale_(::newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr)), former_(::uselocale(locale_)) {}
-
-Utf8Locale::~Utf8Locale() {
-    ::uselocale(former_);
-    if (locale_ != nullptr) {
-        ::freelocale(locale_);
-    }
-}
 
 void OdbcHandle::Allocate(SQLSMALLINT type, SQLHANDLE parent) {
     if (!SQL_SUCCEEDED(::SQLAllocHandle(type, parent, &handle_))) {
@@ -85,9 +72,10 @@ OdbcConnection::~OdbcConnection() {
 }
 
 void OdbcConnection::Connect() {
+    OdbcString text = ToOdbc(text_.text);
     const auto connect = [&] {
-        return ::SQLDriverConnect(connection_.Get(), nullptr, AsOdbc(text_.text), SQL_NTS, nullptr, 0,
-                                  nullptr, SQL_DRIVER_NOPROMPT);
+        return ::SQLDriverConnect(connection_.Get(), nullptr, text.data(), SQL_NTS, nullptr, 0, nullptr,
+                                  SQL_DRIVER_NOPROMPT);
     };
     if (IsFailure(Await(connect, [] {}))) {
         Fail(SQL_HANDLE_DBC, connection_.Get(), "cannot connect");
@@ -98,9 +86,9 @@ void OdbcConnection::Connect() {
 }
 
 void OdbcConnection::Execute(const std::string& query) {
-    std::string text = query;
+    OdbcString text = ToOdbc(query);
     const auto execute = [&] {
-        return ::SQLExecDirect(Statement(), AsOdbc(text), static_cast<SQLINTEGER>(text.size()));
+        return ::SQLExecDirect(Statement(), text.data(), static_cast<SQLINTEGER>(text.size()));
     };
     Check(Await(execute, [this] { ::SQLCancel(Statement()); }), "the query fails");
 }

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "engine/build/OdbcConnectionText.h"
+#include "engine/build/OdbcText.h"
 
 #include <cstdint>
 #include <functional>
-#include <locale.h> // NOLINT(modernize-deprecated-headers): POSIX
-#include <sql.h>
-#include <sqlext.h>
 #include <string>
 #include <vector>
 
@@ -19,18 +17,6 @@ using WaitTick = std::function<void()>;
 inline SQLPOINTER AsPointer(std::uintptr_t number) {
     return reinterpret_cast<SQLPOINTER>(number); // NOLINT(performance-no-int-to-ptr)
 }
-
-/// While it lives, this thread's texts are UTF-8 to ODBC, which asks the locale.
-class Utf8Locale {
-public:
-    Utf8Locale();
-    ~Utf8Locale();
-    Utf8Locale(const Utf8Locale&) = delete;
-    Utf8Locale& operator=(const Utf8Locale&) = delete;
-
-private:
-    locale_t locale_, former_;
-};
 
 /// Owns a handle of ODBC.
 class OdbcHandle {

@@ -2,11 +2,12 @@
 
 #include "qel/engine/EngineError.h"
 #include "text/CaseFold.h"
+#include "text/Environment.h"
 #include "text/Text.h"
 
 #include <fmt/format.h>
 
-#include <cstdlib>
+#include <algorithm>
 
 namespace qel::engine {
 
@@ -68,12 +69,12 @@ std::string AsValue(const std::string& value, std::string_view before) {
 }
 
 std::string VariableValue(const std::string& name, const OdbcSource& source) {
-    const char* value = std::getenv(name.c_str());
-    if (value == nullptr) {
+    auto value = EnvironmentVariable(name);
+    if (!value) {
         throw EngineError(ErrorKind::InvalidDefinition,
                           fmt::format("{}: the environment variable {} is not set", source.place, name));
     }
-    return value;
+    return *std::move(value);
 }
 
 } // namespace

@@ -15,9 +15,9 @@ namespace qel::engine {
 namespace {
 
 // What drivers tell of the size of a column's texts is often wrong.
-constexpr std::size_t longestText = 8192; ///< bytes
-constexpr std::size_t capacity = longestText + 1;
-constexpr std::size_t mostBytes = 4U << 20U; ///< of a block of rows
+constexpr std::size_t longestText = 8192;         ///< bytes
+constexpr std::size_t capacity = longestText + 1; ///< in ODBC's characters
+constexpr std::size_t mostBytes = 4U << 20U;      ///< of a block of rows
 
 std::string CsvLine(const std::vector<std::string>& fields) {
     std::string line;
@@ -48,19 +48,19 @@ void OdbcReader::DescribeColumns() {
                           fmt::format("{}: the query gives no rows; it must be a SELECT", Name()));
     }
     for (SQLSMALLINT column = 1; column <= count; ++column) {
-        std::array<SQLCHAR, 256> name = {};
+        std::array<SQLTCHAR, 256> name = {};
         SQLSMALLINT length = 0;
         connection_.Check(::SQLDescribeCol(connection_.Statement(), static_cast<SQLUSMALLINT>(column),
                                            name.data(), static_cast<SQLSMALLINT>(name.size()), &length,
                                            nullptr, nullptr, nullptr, nullptr),
                           fmt::format("column {} has no name", column));
-        header_.emplace_back(name.begin(), std::find(name.begin(), name.end(), '\0'));
+        header_.push_back(FromOdbc(name.data()));
     }
 }
 
 void OdbcReader::BindColumns() {
     columns_.resize(header_.size());
-    std::size_t rows = std::max<std::size_t>(mostBytes / (columns_.size() * capacity), 1);
+    std::size_t rows = std::max<std::size_t>(mostBytes / (columns_.size() * capacity * sizeof(SQLTCHAR)), 1);
     SQLHSTMT statement = connection_.Statement();
     if (!SQL_SUCCEEDED(::SQLSetStmtAttr(statement, SQL_ATTR_ROW_ARRAY_SIZE, AsPointer(rows), 0))) {
         rows = 1; // the driver reads them one by one
@@ -73,8 +73,8 @@ void OdbcReader::BindColumns() {
         column.texts.resize(capacity * rows);
         column.lengths.resize(rows);
         column.isFloating = HasFloatingNumbers(static_cast<SQLUSMALLINT>(i + 1));
-        connection_.Check(::SQLBindCol(statement, static_cast<SQLUSMALLINT>(i + 1), SQL_C_CHAR,
-                                       column.texts.data(), static_cast<SQLLEN>(capacity),
+        connection_.Check(::SQLBindCol(statement, static_cast<SQLUSMALLINT>(i + 1), SQL_C_TCHAR,
+                                       column.texts.data(), static_cast<SQLLEN>(capacity * sizeof(SQLTCHAR)),
                                        column.lengths.data()),
                           fmt::format("column \"{}\" cannot be read", header_[i]));
     }
@@ -141,11 +141,15 @@ bool OdbcReader::TakeText(std::size_t column, std::size_t row) {
     if (bytes == SQL_NULL_DATA) {
         return true;
     }
-    if (bytes < 0 || bytes > static_cast<SQLLEN>(longestText)) {
+    const bool isWhole = bytes >= 0 && bytes <= static_cast<SQLLEN>(longestText * sizeof(SQLTCHAR));
+    if (isWhole) {
+        value_ = FromOdbc(
+            {from.texts.data() + row * capacity, static_cast<std::size_t>(bytes) / sizeof(SQLTCHAR)});
+    }
+    if (!isWhole || value_.size() > longestText) {
         fault_ = fmt::format("column {}: a text of more than {} bytes", header_[column], longestText);
         return false;
     }
-    value_.assign(from.texts.data() + row * capacity, static_cast<std::size_t>(bytes));
     if (!IsValidUtf8(value_)) {
         fault_ = fmt::format("column {}: the driver gives a text that is not UTF-8", header_[column]);
     } else if (value_.find('\0') != std::string::npos) {

@@ -31,7 +31,7 @@ public:
 private:
     /// A column's texts of all rows of a block.
     struct Column {
-        std::vector<char> texts;
+        std::vector<SQLTCHAR> texts;
         std::vector<SQLLEN> lengths; ///< in bytes, or SQL_NULL_DATA
         bool isFloating = false;
     };

@@ -5,6 +5,7 @@
 #include "engine/storage/WriteFailure.h"
 #include "files/AtomicFile.h"
 #include "qel/engine/EngineError.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 
@@ -32,7 +33,7 @@ void MakeFolder(const std::filesystem::path& folder) {
     std::filesystem::create_directories(folder, failed);
     if (failed) {
         throw EngineError(ErrorKind::CannotWrite, fmt::format("The folder '{}' cannot be made: {}.",
-                                                              folder.string(), failed.message()));
+                                                              PathToUtf8(folder), failed.message()));
     }
 }
 

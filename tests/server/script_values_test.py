@@ -4,6 +4,7 @@
 import argparse
 import csv
 import datetime
+import functools
 import pathlib
 import random
 import subprocess
@@ -14,6 +15,7 @@ LEDGER = ROOT / "examples" / "ledger"
 COUNT = 200
 
 
+@functools.cache
 def codes(table):
     with open(LEDGER / f"{table}.csv", encoding="utf-8", newline="") as rows:
         return list(csv.DictReader(rows))

@@ -1,6 +1,7 @@
 #include "platform/data/xmla/HttpChannel.h"
 
 #include "platform/data/DataAccessErrors.h"
+#include "platform/data/xmla/ChannelRights.h"
 #include "platform/data/xmla/ServerErrors.h"
 
 #include <fmt/format.h>
@@ -37,24 +38,6 @@ bool IsRedirection(long status) { return status == 301 || status == 302 || statu
 
 AutomationError Cancelled(const std::string& url) {
     return ServerError(errorServerUnreachable, fmt::format("The request to {} was cancelled.", url));
-}
-
-void RequireAllowed(const ServerAddress& address, ServerAccess access) {
-    if (access == ServerAccess::Refused) {
-        throw ServerError(
-            errorServerNotAllowed,
-            fmt::format("Nothing was sent to {}: you refused it. Access=always in its section of "
-                        "servers.ini allows it.",
-                        address.origin));
-    }
-    if (access == ServerAccess::Unknown) {
-        throw ServerError(
-            errorServerNotAllowed,
-            fmt::format("Nothing was sent to {0}: it is not a known server. Allow it with "
-                        "--allow-server {0}, or for good with Access=always in a section [{0}] of "
-                        "servers.ini.",
-                        address.origin));
-    }
 }
 
 } // namespace
@@ -99,21 +82,10 @@ struct HttpChannel::Transfer {
 };
 
 HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& options)
-    : address_(address), limits_(options.limits), credentials_(address.credentials),
-      isStopped_(options.isStopped), handle_(std::make_unique<Handle>()) {
-    const ServerRights rights = options.rights ? options.rights(address) : ServerRights();
-    RequireAllowed(address, rights.access);
-    if (credentials_.user.empty()) {
-        credentials_ = rights.credentials;
-    }
-    const bool isPasswordSafe = address.isEncrypted || address.isLoopback || rights.sendsPasswordsUnencrypted;
-    if (!credentials_.user.empty() && !isPasswordSafe) {
-        throw ServerError(
-            errorServerAccess,
-            fmt::format("Nothing was sent to {0}: the password would travel unencrypted. Use https, "
-                        "or write PasswordWithoutTls=yes into the section [{0}] of servers.ini.",
-                        address.origin));
-    }
+    : address_(address), limits_(options.limits), isStopped_(options.isStopped),
+      handle_(std::make_unique<Handle>()) {
+    const ChannelRights rights = RequireMaySend(address, options);
+    credentials_ = rights.credentials;
     StartLibraryOnce();
     handle_->easy.reset(curl_easy_init());
     CURL* easy = handle_->easy.get();
@@ -137,7 +109,7 @@ HttpChannel::HttpChannel(const ServerAddress& address, const ServerOptions& opti
     }
     if (credentials_.user.empty()) {
         curl_easy_setopt(easy, CURLOPT_NETRC,
-                         static_cast<long>(isPasswordSafe ? CURL_NETRC_OPTIONAL : CURL_NETRC_IGNORED));
+                         static_cast<long>(rights.isPasswordSafe ? CURL_NETRC_OPTIONAL : CURL_NETRC_IGNORED));
     } else {
         curl_easy_setopt(easy, CURLOPT_USERNAME, credentials_.user.c_str());
         curl_easy_setopt(easy, CURLOPT_PASSWORD, credentials_.password.c_str());

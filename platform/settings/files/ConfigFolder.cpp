@@ -1,8 +1,8 @@
 #include "platform/settings/files/ConfigFolder.h"
 
 #include "platform/value/AutomationError.h"
-
-#include <cstdlib>
+#include "text/Environment.h"
+#include "text/Utf8Path.h"
 
 namespace qel {
 
@@ -10,16 +10,27 @@ namespace {
 
 constexpr std::int32_t pathNotFound = 76;
 
+constexpr const char* product = "qel";
+
 std::filesystem::path FromVariable(const char* name) {
-    const char* value =
-        std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing here changes the environment
-    return value ? std::filesystem::path(value) : std::filesystem::path();
+    return PathFromUtf8(EnvironmentVariable(name).value_or(""));
 }
 
 } // namespace
 
+#ifdef _WIN32
+
 std::filesystem::path ConfigFolder() {
-    constexpr const char* product = "qel";
+    const auto folder = FromVariable("APPDATA");
+    if (folder.is_absolute()) {
+        return folder / product;
+    }
+    throw AutomationError(pathNotFound, "The settings' folder is not known: set APPDATA.");
+}
+
+#else
+
+std::filesystem::path ConfigFolder() {
     const auto configured = FromVariable("XDG_CONFIG_HOME");
     if (configured.is_absolute()) {
         return configured / product;
@@ -30,6 +41,8 @@ std::filesystem::path ConfigFolder() {
     }
     throw AutomationError(pathNotFound, "The settings' folder is not known: set HOME or XDG_CONFIG_HOME.");
 }
+
+#endif
 
 std::filesystem::path SettingsFile() { return ConfigFolder() / "settings.ini"; }
 

@@ -4,6 +4,7 @@
 #include "files/FolderLock.h"
 #include "platform/settings/files/IniLines.h"
 #include "platform/value/AutomationError.h"
+#include "text/Text.h"
 #include "text/Utf8Path.h"
 
 #include <SimpleIni.h>
@@ -73,7 +74,7 @@ std::string WithSection(const std::string& text, const std::string& section) {
 std::string TextOf(const Ini& ini) {
     std::string text;
     ini.Save(text, false);
-    return text;
+    return ReplaceAll(text, "\r\n", "\n"); // as the library ends lines on Windows
 }
 
 /// The text with one entry set.

@@ -38,6 +38,13 @@ bool IsFirstWord(const IniFile& settings, const std::filesystem::path& path, con
     return EqualIgnoringCase(value, first);
 }
 
+#ifdef _WIN32
+
+/// The user's folder of settings is private there.
+void RequirePrivate(const std::filesystem::path& /*path*/) {}
+
+#else
+
 void RequirePrivate(const std::filesystem::path& path) {
     using std::filesystem::perms;
     const perms others = perms::group_all | perms::others_all;
@@ -48,6 +55,8 @@ void RequirePrivate(const std::filesystem::path& path) {
                         PathToUtf8(path)));
     }
 }
+
+#endif
 
 Credentials CredentialsIn(const IniFile& settings, const std::filesystem::path& path,
                           const std::string& section) {

@@ -2,6 +2,7 @@
 
 #include "platform/settings/files/IniFile.h"
 #include "platform/value/AutomationError.h"
+#include "text/Utf8Path.h"
 
 #include <fmt/format.h>
 
@@ -27,7 +28,7 @@ std::optional<std::uint32_t> LimitIn(const IniFile& settings, const std::filesys
     if (failed != std::errc() || end != text->data() + text->size() || number == 0 || number > most) {
         throw AutomationError(ErrorNumber::InvalidProcedureCall,
                               fmt::format("{}: {} in [{}] is '{}', which is not a whole number from 1 to {}.",
-                                          path.string(), key, limitsSection, *text, most));
+                                          PathToUtf8(path), key, limitsSection, *text, most));
     }
     return number;
 }

@@ -10,11 +10,12 @@
 namespace qel {
 
 FolderLock::FolderLock(const std::filesystem::path& file)
-    : descriptor_(::open(file.has_parent_path() ? file.parent_path().c_str() : ".",
-                         O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
+    : lock_(::open(file.has_parent_path() ? file.parent_path().c_str() : ".",
+                   O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
     using namespace std::chrono_literals;
     const auto end = std::chrono::steady_clock::now() + 10s;
-    while (descriptor_ >= 0 && ::flock(descriptor_, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+    const auto descriptor = static_cast<int>(lock_);
+    while (descriptor >= 0 && ::flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
         if (std::chrono::steady_clock::now() > end) {
             isFree_ = false;
             return;
@@ -24,8 +25,8 @@ FolderLock::FolderLock(const std::filesystem::path& file)
 }
 
 FolderLock::~FolderLock() {
-    if (descriptor_ >= 0) {
-        ::close(descriptor_);
+    if (lock_ >= 0) {
+        ::close(static_cast<int>(lock_));
     }
 }
 
