@@ -50,7 +50,7 @@ class Windows(unittest.TestCase):
         cls.environment = {**os.environ, "QEL_WINEPREFIX": str(cls.folder / "prefix"), "HOME": str(home)}
         cls.drive = cls.folder / "prefix" / "drive_c"
         cls.addClassCleanup(cls.wine, "--stop")
-        cls.version = re.search(r"OrmFuncQel4-(.*)-windows.zip", " ".join(os.listdir(OPTIONS.dist)))[1]
+        cls.version = next(OPTIONS.dist.glob("OrmFuncQel4-*-windows.zip")).name.split("-")[1]
         cls.earlier = make_setup("1.0.0", cls.folder / "earlier.exe")
         cls.setup = OPTIONS.dist / f"OrmFuncQel4-{cls.version}-setup.exe"
         if OPTIONS.stub:
