@@ -125,8 +125,10 @@ class Windows(unittest.TestCase):
         before = self.left()
         self.run_setup(self.earlier, "/AllUsers")
         self.assertEqual(self.installed("HKLM")["DisplayVersion"], "1.0.0")
-        self.run_setup(self.setup)  # where the earlier one is
+        self.run_setup(self.setup, "/PATH")  # where the earlier one is
+        self.run_setup(self.setup)  # again, with the same choice
         entry = self.installed("HKLM")
+        self.assertEqual(self.system("cmd", "/c", "qel --version"), (0, f"qel {self.version}\n"))
         self.assertEqual(entry["DisplayVersion"], self.version)
         self.assert_values(entry["InstallLocation"] + r"\example\ledger.cub")
         self.uninstall("HKLM")
