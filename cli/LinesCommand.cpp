@@ -1,5 +1,6 @@
 #include "cli/LinesCommand.h"
 
+#include "cli/FailureText.h"
 #include "cli/LinesOutput.h"
 #include "cli/OutputFields.h"
 #include "cli/ValueText.h"
@@ -13,7 +14,6 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <fmt/ostream.h>
 #include <nlohmann/json.hpp>
 
 #include <cmath>
@@ -95,11 +95,13 @@ private:
         }
         nlohmann::ordered_json document = RowsJson(lines_.rows);
         document["complete"] = lines_.isComplete;
-        const bool isKnown = lines_.amount || lines_.rows.rows.empty();
-        document["sum"] = isKnown ? nlohmann::ordered_json(Sum()) : nlohmann::ordered_json();
+        document["sum"] = HasSum() ? nlohmann::ordered_json(Sum()) : nlohmann::ordered_json();
         document["value"] = value_;
         PrintJson(document, context_.output);
     }
+
+    /// A server may answer without the column of the amounts.
+    bool HasSum() const { return lines_.amount || lines_.rows.rows.empty(); }
 
     double Sum() const { return lines_.amount ? ModSetCube::SumOfField(lines_.rows, *lines_.amount) : 0; }
 
@@ -107,8 +109,9 @@ private:
         const std::size_t shown = lines_.rows.rows.size();
         const std::string value = NumberText(value_);
         if (lines_.isComplete) {
-            return fmt::format("{} line{}, sum {}", shown, shown == 1 ? "" : "s",
-                               lines_.amount ? NumberText(Sum()) : value);
+            return fmt::format("{} line{}, {}", shown, shown == 1 ? "" : "s",
+                               HasSum() ? "sum " + NumberText(Sum())
+                                        : "without their amounts; the formula's value is " + value);
         }
         return fmt::format("the first {} of {} lines; the value of all is {} (--limit 0 shows all)", shown,
                            lines_.rows.total ? fmt::format("{}", *lines_.rows.total) : "more", value);
@@ -116,7 +119,7 @@ private:
 
     void CheckSum() {
         constexpr double halfCent = 0.005;
-        if (lines_.isComplete && lines_.amount && std::abs(Sum() - value_) >= halfCent) {
+        if (lines_.isComplete && HasSum() && std::abs(Sum() - value_) >= halfCent) {
             Fail(fmt::format("the lines add up to {}, and the formula's value is {}", NumberText(Sum()),
                              NumberText(value_)));
         }
@@ -124,10 +127,8 @@ private:
 
     void FailWith(const FormulaResult& result) {
         const std::string shown = result.masked.empty() ? ValueText(result.value) : result.masked;
-        Fail(result.failure
-                 ? fmt::format("the formula has no value: {} (error {}, {})", result.failure->Description(),
-                               result.failure->Number(), result.failure->Source())
-                 : fmt::format("the formula has no value: {}", shown));
+        Fail(result.failure ? fmt::format("the formula has no value: {}", FailureText(*result.failure))
+                            : fmt::format("the formula has no value: {}", shown));
     }
 
     void Fail(const std::string& reason) {
@@ -151,8 +152,7 @@ void ShowLines(CommandContext& context, const LinesOptions& options) {
         context.messages << "qel lines: " << error.what() << '\n';
         context.failed = true;
     } catch (const AutomationError& error) {
-        fmt::print(context.messages, "qel lines: {} (error {}, {})\n", error.Description(), error.Number(),
-                   error.Source());
+        context.messages << "qel lines: " << FailureText(error) << '\n';
         context.failed = true;
     }
 }

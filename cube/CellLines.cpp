@@ -67,12 +67,17 @@ std::optional<std::size_t> FieldOfMeasure(const Rowset& rows, const std::string&
     return std::nullopt;
 }
 
-/// Adds decimals of up to nine places exactly: whole parts and billionths by themselves.
+/// Adds decimals of up to nine places exactly: whole parts and billionths by themselves. What is too large
+/// for that is added as doubles are.
 class DecimalSum {
 public:
     void Add(double number) {
-        std::array<char, 400> digits;
         const double magnitude = std::abs(number);
+        if (!(magnitude < mostWholes)) {
+            beyond_ += number;
+            return;
+        }
+        std::array<char, 64> digits;
         const auto end =
             std::to_chars(digits.data(), digits.data() + digits.size(), magnitude, std::chars_format::fixed)
                 .ptr;
@@ -84,6 +89,10 @@ public:
         const std::int64_t sign = number < 0 ? -1 : 1;
         wholes_ += sign * NumberOf(text.substr(0, point));
         billionths_ += sign * NumberOf(fraction);
+        if (static_cast<double>(std::abs(wholes_)) >= mostWholes) {
+            beyond_ += static_cast<double>(wholes_);
+            wholes_ = 0;
+        }
     }
 
     double Total() const {
@@ -98,11 +107,12 @@ public:
         const std::string text = std::to_string(std::abs(wholes)) + '.' + fraction;
         double total = 0;
         std::from_chars(text.data(), text.data() + text.size(), total);
-        return wholes < 0 || rest < 0 ? -total : total;
+        return beyond_ + (wholes < 0 || rest < 0 ? -total : total);
     }
 
 private:
     static constexpr std::int64_t billion = 1'000'000'000;
+    static constexpr double mostWholes = 4e18; // the sum of two such numbers is still an integer of 64 bits
 
     static std::int64_t NumberOf(std::string_view digits) {
         std::int64_t number = 0;
@@ -111,6 +121,7 @@ private:
     }
 
     std::int64_t wholes_ = 0, billionths_ = 0;
+    double beyond_ = 0;
 };
 
 class LinesReader {

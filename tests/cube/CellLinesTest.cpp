@@ -76,6 +76,8 @@ TEST(SumOfField, AddsDecimalsWithoutRounding) {
     EXPECT_EQ(SumOfField(rows, 0), -12345678900970.0);
     rows.rows = {{0.3}, {-0.5}, {Null{}}, {"none"}};
     EXPECT_EQ(SumOfField(rows, 0), -0.2);
+    rows.rows = {{3e18}, {3e18}, {3e18}, {3e18}, {5e20}, {-2.5}};
+    EXPECT_EQ(SumOfField(rows, 0), 5.12e20);
 }
 
 } // namespace
