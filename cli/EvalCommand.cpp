@@ -1,15 +1,15 @@
 #include "cli/EvalCommand.h"
 
 #include "batch/CallBatch.h"
-#include "cli/FailureText.h"
 #include "cli/InputLines.h"
-#include "cli/RunFormula.h"
-#include "cli/ValueText.h"
-#include "cli/ZeroReasons.h"
 #include "function/formula/FormulaError.h"
 #include "function/formula/ParseFormula.h"
 #include "platform/data/ConnectionText.h"
 #include "platform/value/AutomationError.h"
+#include "platform/value/FailureText.h"
+#include "platform/value/ValueText.h"
+#include "reason/RunFormula.h"
+#include "reason/ZeroReasons.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -164,14 +164,7 @@ private:
         if (!options_.strict && !options_.why) {
             return {};
         }
-        auto reasons = reasons_.Of(*formula.call);
-        if (reasons.empty() && result.failure) {
-            return FailureText(*result.failure);
-        }
-        if (reasons.empty()) {
-            reasons = reasons_.Alternatives(*formula.call);
-        }
-        return fmt::format("{}", fmt::join(reasons, "; "));
+        return fmt::format("{}", fmt::join(ReasonTexts(reasons_.Why(*formula.call, result)), "; "));
     }
 
     void Fail(const std::string& label, std::string_view reason) {
