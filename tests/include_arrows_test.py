@@ -34,7 +34,8 @@ MAY_INCLUDE = {
     "function": f"{PORTS} support store lang cube wizard function/formula",
     "reason": f"{PORTS} support store lang cube wizard function function/formula",
     "batch": f"{PORTS} support store lang cube wizard function",
-    "cli": f"{PRODUCT} files",  # the doors
+    "workbook": "text platform/value function/formula",
+    "cli": f"{PRODUCT} files workbook",  # the doors
     "calc": PRODUCT,
     "server/dispatch": "text platform/value platform/windows",
     "server": f"{PRODUCT} server/dispatch",
