@@ -104,7 +104,8 @@ class Windows(unittest.TestCase):
                 ("cube", "info", "books.cub"), ("cube", "info", "books.cub", "--totals"), ("cube", "verify", "ledger.cub"),
                 ("members", "ledger.cub", "LedgerFNC", "--kind", "cost-centers"),
                 ("lang", "check", ROOT / "examples" / "lang" / "Lang.rs"), ("cube", "build", "--help"), ("mdx", "--help"),
-                ("explain", "--dates"), ("--version",), ("/x",), ("eval", "=F("), ("mdx", "ledger.cub", "Nope", "SELECT"),
+                ("explain", "--dates"), ("check-workbook", ROOT / "examples" / "ledger" / "report.ods", "--json"), ("--version",),
+                ("/x",), ("eval", "=F("), ("mdx", "ledger.cub", "Nope", "SELECT"),
                 ("cube", "verify", "none.cub"), ("cube", "build", "none.json", "-o", "x.cub"), ("cube", "verify", "."),
                 ("cube", "build", BOOKS / "books.json", "-o", "none/x.cub"), ("settings", "set", "QelUILanguage", "he")):
             self.same(*command, stdin=select.encode())
