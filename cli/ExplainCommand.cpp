@@ -112,7 +112,8 @@ private:
 
     void PrintOutsideDates() {
         const auto* call = std::get_if<ValueCall>(&call_.arguments);
-        if (!call || thread_.dates.CubeDates.empty() || !thread_.datesAreCurrent) {
+        if (!call || thread_.dates.CubeDates.empty() || !thread_.dates.earlier.empty() ||
+            !thread_.datesAreCurrent) {
             return;
         }
         const auto& dates = thread_.dates;

@@ -83,7 +83,7 @@ std::string DayText(AutomationDate date) {
 std::vector<std::string> PeriodNotes(const DateTable& dates, const ValueCall& call, const Locale& locale) {
     DayRange days = ModSetCube::DaysOf(StartOf(call), call.To_Date, locale);
     const DayRange asked = days;
-    if (dates.CubeDates.empty() || ModSetCube::ClampToCube(dates, days)) {
+    if (dates.CubeDates.empty() || !dates.earlier.empty() || ModSetCube::ClampToCube(dates, days)) {
         return {};
     }
     const auto span = ModSetCube::FindPeriods(dates, days);
@@ -125,6 +125,9 @@ std::vector<std::string> ReasonsInDates(const DateTable& dates, const ValueCall&
     }
     if (dates.CubeDates.empty()) {
         return {"the cube has no periods"};
+    }
+    if (!dates.earlier.empty()) {
+        return {}; // the failure says so
     }
     DayRange days = ModSetCube::DaysOf(from, call.To_Date, locale);
     if (!ModSetCube::ClampToCube(dates, days)) {

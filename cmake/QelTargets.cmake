@@ -118,6 +118,7 @@ endfunction()
 #   office   starts LibreOffice
 #   server   starts servers
 #   windows  runs under Wine
+add_custom_target(quick_tests)  # the programs of the quick tests
 add_custom_target(thread_tests) # the programs of the tests with threads
 
 # qel_test(NAME sources... [LABELS labels...] [SLOW names...]): a GoogleTest program whose cases ctest lists one by one.
@@ -135,6 +136,9 @@ function(qel_test name)
     gtest_discover_tests(${name} DISCOVERY_MODE PRE_TEST PROPERTIES TIMEOUT 900)
     if(NOT test_LABELS)
         set(test_LABELS quick)
+    endif()
+    if(quick IN_LIST test_LABELS)
+        add_dependencies(quick_tests ${name})
     endif()
     if(threads IN_LIST test_LABELS)
         add_dependencies(thread_tests ${name})

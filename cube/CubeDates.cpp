@@ -68,7 +68,11 @@ public:
         table.CubeDateNames.reserve(static_cast<std::size_t>(count));
         for (std::int32_t i = 0; i < count; ++i) {
             const auto member = periods_->MemberAt(i);
-            table.CubeDates.push_back(DateOf(*member));
+            const AutomationDate date = DateOf(*member);
+            if (table.earlier.empty() && i > 0 && date < table.CubeDates.back()) {
+                table.earlier = member->UniqueName();
+            }
+            table.CubeDates.push_back(date);
             table.CubeDateNames.push_back(member->UniqueName());
         }
         table.CubeMinDate = DateAtEnd(0, 0);

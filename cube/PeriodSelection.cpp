@@ -24,6 +24,15 @@ AutomationDate StartOfPeriods(const DateTable& table, AutomationDate from) {
     return period == table.CubeDates.end() || from.IsZero() ? from : *period;
 }
 
+/// Periods are found by halving the table: in one that does not ascend, others would be.
+void RequireOrder(const DateTable& table) {
+    if (!table.earlier.empty()) {
+        throw AutomationError(ErrorNumber::InvalidProcedureCall,
+                              "The members of [Date] are not in the order of their dates: " + table.earlier +
+                                  " is earlier than the member before it.");
+    }
+}
+
 /// Counts from the period of `from` up to the one of `to`, which both start periods of the table.
 PeriodSpan CountPeriods(const DateTable& table, AutomationDate from, AutomationDate to) {
     const auto& dates = table.CubeDates;
@@ -44,6 +53,7 @@ std::optional<Variant> ClampToCube(const DateTable& table, DayRange& days) {
     if (from > to) {
         return startsAfterItsEnd;
     }
+    RequireOrder(table);
     to = WithoutTime(to);
     if (from < table.CubeMinDate) {
         if (to < table.CubeMinDate) {

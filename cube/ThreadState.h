@@ -14,6 +14,7 @@ struct DateTable {
     std::vector<AutomationDate> CubeDates;  ///< ascending; the first day of each period
     std::vector<std::string> CubeDateNames; ///< their unique names
     AutomationDate CubeMinDate, CubeMaxDate;
+    std::string earlier{}; ///< the first member whose date is before the one before it; empty if none is
 };
 
 /// A cube in its file, as a call named it.

@@ -213,4 +213,4 @@ class Drafts(unittest.TestCase):
 
 if __name__ == "__main__":
     QEL = sys.argv[1]
-    unittest.main(argv=sys.argv[:1])
+    unittest.main(argv=sys.argv[:1] + sys.argv[2:])

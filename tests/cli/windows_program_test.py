@@ -2,7 +2,9 @@
 """qel.exe under Wine beside the native qel: the same bytes in files and pipes, over paths as only Windows has them."""
 import os
 import pathlib
+import pty
 import random
+import select
 import subprocess
 import sys
 import tempfile
@@ -20,6 +22,47 @@ BOOKS = ROOT / "tests" / "helpers" / "books"
 def run(program, *arguments, stdin=b"", cwd=None):
     done = subprocess.run([program, *map(str, arguments)], input=stdin, capture_output=True, cwd=cwd, timeout=300)
     return done.returncode, done.stdout, done.stderr
+
+
+def in_console(folder, *arguments, write=lambda: b""):
+    """The status, and what a console has shown; `write` gives keys to press."""
+    child, console = pty.fork()
+    if child == 0:
+        os.chdir(folder)
+        os.execv(ROOT / "scripts" / "wine", ["wine", os.environ["QEL_WINDOWS_PROGRAM"], *arguments])
+    shown = b""
+    while True:
+        if select.select([console], [], [], 0.05)[0]:
+            try:
+                shown += os.read(console, 4096)
+            except OSError:  # closed
+                break
+        os.write(console, write())
+    os.close(console)
+    return os.waitstatus_to_exitcode(os.waitpid(child, 0)[1]), shown.decode()
+
+
+class Console(unittest.TestCase):
+    def setUp(self):
+        self.path = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="qel-test-")))
+
+    def test_letters(self):
+        status, shown = in_console(self.path, "cube", "verify", "ספר.cub")
+        self.assertEqual((status, "'ספר.cub' does not exist" in shown), (1, True), shown)
+
+    def test_control_c_ends_a_build_and_leaves_the_old_file(self):
+        (self.path / "long.csv").write_text("code,amount\n" + "7,1\n" * 4_000_000)
+        (self.path / "long.json").write_text('''{"tables": {"t": {"file": "long.csv"}}, "cubes": [{"name": "LongFNC",
+            "facts": ["t"], "dimensions": [{"name": "D", "column": "code"}],
+            "measures": [{"name": "M", "column": "amount"}]}]}''')
+        (self.path / "long.cub").write_text("the old file")
+        keys = iter([b"\x03"])
+        press = lambda: next(keys, b"") if any(self.path.glob("*.tmp")) else b""
+        status, shown = in_console(self.path, "cube", "build", "long.json", "-o", "long.cub", write=press)
+        self.assertEqual((status, "interrupted; the cube file is as it was" in shown), (1, True), shown)
+        self.assertEqual(sorted(file.name for file in self.path.iterdir()), ["long.csv", "long.cub", "long.json"])
+        self.assertEqual((self.path / "long.cub").read_text(), "the old file")
+        self.assertIn("Reading long.csv", shown)
 
 
 class Windows(unittest.TestCase):

@@ -62,6 +62,15 @@ std::vector<std::size_t> RowsBy(const RowsetAnswer& rows, const char* field) {
     return order;
 }
 
+/// What a row of a server's description cannot do without.
+std::string NameIn(const RowsetAnswer& rows, std::size_t row, const char* field) {
+    std::string name = rows.Text(row, field);
+    if (name.empty()) {
+        throw ServerError(errorServerAnswer, fmt::format("The server's answer has a row without {}.", field));
+    }
+    return name;
+}
+
 std::string CaptionOf(const RowsetAnswer& rows, std::size_t row, const char* field, const std::string& name) {
     const std::string caption = rows.Text(row, field);
     return caption.empty() ? name : caption;
@@ -219,16 +228,17 @@ void ServerSession::LoadCube() {
     const auto dimensions = Discover("MDSCHEMA_DIMENSIONS", CubeRestrictions());
     RequireOrdinaryNumber(dimensions);
     for (const std::size_t row : RowsBy(dimensions, "DIMENSION_ORDINAL")) {
-        const std::string name = dimensions.Text(row, "DIMENSION_NAME");
+        const std::string name = NameIn(dimensions, row, "DIMENSION_NAME");
         cube_->dimensions.push_back({name,
                                      CaptionOf(dimensions, row, "DIMENSION_CAPTION", name),
-                                     dimensions.Text(row, "DIMENSION_UNIQUE_NAME"),
+                                     NameIn(dimensions, row, "DIMENSION_UNIQUE_NAME"),
                                      {}});
     }
     const auto hierarchies = Discover("MDSCHEMA_HIERARCHIES", CubeRestrictions());
     RequireOrdinaryNumber(hierarchies);
     for (const std::size_t row : RowsBy(hierarchies, "HIERARCHY_ORDINAL")) {
-        auto* dimension = FindByUniqueName(cube_->dimensions, hierarchies.Text(row, "DIMENSION_UNIQUE_NAME"));
+        auto* dimension =
+            FindByUniqueName(cube_->dimensions, NameIn(hierarchies, row, "DIMENSION_UNIQUE_NAME"));
         if (!dimension) {
             continue;
         }
@@ -238,22 +248,22 @@ void ServerSession::LoadCube() {
         }
         dimension->hierarchies.push_back({name,
                                           CaptionOf(hierarchies, row, "HIERARCHY_CAPTION", name),
-                                          hierarchies.Text(row, "HIERARCHY_UNIQUE_NAME"),
+                                          NameIn(hierarchies, row, "HIERARCHY_UNIQUE_NAME"),
                                           {}});
     }
     const auto levels = Discover("MDSCHEMA_LEVELS", CubeRestrictions());
     RequireOrdinaryNumber(levels);
     for (const std::size_t row : RowsBy(levels, "LEVEL_NUMBER")) {
-        auto* dimension = FindByUniqueName(cube_->dimensions, levels.Text(row, "DIMENSION_UNIQUE_NAME"));
+        auto* dimension = FindByUniqueName(cube_->dimensions, NameIn(levels, row, "DIMENSION_UNIQUE_NAME"));
         auto* hierarchy =
-            dimension ? FindByUniqueName(dimension->hierarchies, levels.Text(row, "HIERARCHY_UNIQUE_NAME"))
+            dimension ? FindByUniqueName(dimension->hierarchies, NameIn(levels, row, "HIERARCHY_UNIQUE_NAME"))
                       : nullptr;
         if (!hierarchy) {
             continue;
         }
-        const std::string name = levels.Text(row, "LEVEL_NAME");
+        const std::string name = NameIn(levels, row, "LEVEL_NAME");
         hierarchy->levels.push_back(
-            {name, CaptionOf(levels, row, "LEVEL_CAPTION", name), levels.Text(row, "LEVEL_UNIQUE_NAME")});
+            {name, CaptionOf(levels, row, "LEVEL_CAPTION", name), NameIn(levels, row, "LEVEL_UNIQUE_NAME")});
     }
 }
 
@@ -270,9 +280,12 @@ const ServerMembers& ServerSession::MembersOf(const ServerLevel& level) {
     for (const std::size_t row : RowsBy(rows, "MEMBER_ORDINAL")) {
         const std::string name = rows.Text(row, "MEMBER_NAME");
         loaded.byName[FoldCase(name)].push_back(loaded.members.size());
-        loaded.byUniqueName.emplace(rows.Text(row, "MEMBER_UNIQUE_NAME"), loaded.members.size());
-        loaded.members.push_back({name, CaptionOf(rows, row, "MEMBER_CAPTION", name),
-                                  rows.Text(row, "MEMBER_UNIQUE_NAME"),
+        const std::string uniqueName = NameIn(rows, row, "MEMBER_UNIQUE_NAME");
+        if (!loaded.byUniqueName.emplace(uniqueName, loaded.members.size()).second) {
+            throw ServerError(errorServerAnswer,
+                              fmt::format("The server lists {} twice.", ShownMessage(uniqueName)));
+        }
+        loaded.members.push_back({name, CaptionOf(rows, row, "MEMBER_CAPTION", name), uniqueName,
                                   rows.Text(row, "PARENT_UNIQUE_NAME")});
     }
     return members_.emplace(level.uniqueName, std::move(loaded)).first->second;

@@ -41,12 +41,17 @@ public:
         if (level_ == 0 || member_.parent.empty()) {
             return nullptr;
         }
-        const auto& above = session_->MembersOf(hierarchy_.levels[level_ - 1]);
-        const auto found = above.byUniqueName.find(member_.parent);
-        if (found == above.byUniqueName.end()) {
-            return nullptr;
+        for (std::size_t level = level_; level-- > 0;) { // a ragged hierarchy's parent is higher up
+            const auto& above = session_->MembersOf(hierarchy_.levels[level]);
+            const auto found = above.byUniqueName.find(member_.parent);
+            if (found != above.byUniqueName.end()) {
+                return std::make_unique<XmlaMember>(session_, hierarchy_, level,
+                                                    above.members[found->second]);
+            }
         }
-        return std::make_unique<XmlaMember>(session_, hierarchy_, level_ - 1, above.members[found->second]);
+        throw ServerError(errorServerAnswer,
+                          fmt::format("The server names {} as the parent of {}, but does not list it.",
+                                      ShownMessage(member_.parent), ShownMessage(member_.uniqueName)));
     }
 
 private:

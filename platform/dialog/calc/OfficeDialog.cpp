@@ -9,7 +9,6 @@
 #include <com/sun/star/awt/Key.hpp>
 #include <com/sun/star/awt/Toolkit.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
-#include <com/sun/star/lang/XMultiComponentFactory.hpp>
 #include <com/sun/star/text/WritingMode2.hpp>
 #include <com/sun/star/ui/dialogs/ExecutableDialogResults.hpp>
 #include <com/sun/star/ui/dialogs/FilePicker.hpp>
@@ -23,11 +22,6 @@ namespace dialogs = com::sun::star::ui::dialogs;
 namespace uno = com::sun::star::uno;
 
 namespace {
-
-uno::Reference<uno::XInterface> New(const Context& context, const char* service) {
-    return context->getServiceManager()->createInstanceWithContext(rtl::OUString::createFromAscii(service),
-                                                                   context);
-}
 
 /// Counts a handler while it runs.
 class Running {
@@ -78,7 +72,7 @@ OfficeDialog::~OfficeDialog() {
 }
 
 void OfficeDialog::MakeModel() {
-    model_.set(New(windows_.Office(), "com.sun.star.awt.UnoControlDialogModel"), uno::UNO_QUERY_THROW);
+    model_.set(windows_.New("com.sun.star.awt.UnoControlDialogModel"), uno::UNO_QUERY_THROW);
     model_->setPropertyValue("Width", uno::Any(sal_Int32{Design().width}));
     model_->setPropertyValue("Height", uno::Any(sal_Int32{Design().height}));
     model_->setPropertyValue("Moveable", uno::Any(true));
@@ -91,7 +85,7 @@ void OfficeDialog::MakeModel() {
 }
 
 void OfficeDialog::MakeWindow() {
-    window_.set(New(windows_.Office(), "com.sun.star.awt.UnoControlDialog"), uno::UNO_QUERY_THROW);
+    window_.set(windows_.New("com.sun.star.awt.UnoControlDialog"), uno::UNO_QUERY_THROW);
     window_->setModel(uno::Reference<awt::XControlModel>(model_, uno::UNO_QUERY_THROW));
     const uno::Reference<awt::XWindow> hidden(window_, uno::UNO_QUERY_THROW);
     hidden->setVisible(false);

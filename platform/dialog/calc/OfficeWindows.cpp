@@ -3,11 +3,17 @@
 #include <algorithm>
 #include <com/sun/star/awt/PosSize.hpp>
 #include <com/sun/star/frame/Desktop.hpp>
+#include <com/sun/star/lang/XMultiComponentFactory.hpp>
 
 namespace qel::office {
 
 namespace awt = com::sun::star::awt;
 namespace uno = com::sun::star::uno;
+
+uno::Reference<uno::XInterface> OfficeWindows::New(const char* service) const {
+    return context_->getServiceManager()->createInstanceWithContext(rtl::OUString::createFromAscii(service),
+                                                                    context_);
+}
 
 WindowPeer OfficeWindows::Active() const {
     if (!dialogs_.empty()) {

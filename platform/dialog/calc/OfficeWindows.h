@@ -16,6 +16,8 @@ public:
     explicit OfficeWindows(const Context& context) : context_(context) {}
 
     const Context& Office() const { return context_; }
+    /// A new object of a service of the office, such as "com.sun.star.awt.UnoControlDialog".
+    com::sun::star::uno::Reference<com::sun::star::uno::XInterface> New(const char* service) const;
     /// The open dialog, or else the active document's window, or null.
     WindowPeer Active() const;
     /// Moves a new window to the middle of Active.

@@ -13,7 +13,6 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/container/XNameContainer.hpp>
 #include <com/sun/star/lang/XComponent.hpp>
-#include <com/sun/star/lang/XMultiComponentFactory.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/text/WritingMode2.hpp>
 #include <utility>
@@ -62,11 +61,6 @@ TextSize SizeOf(const std::vector<std::string>& lines) {
     return size;
 }
 
-uno::Reference<uno::XInterface> NewOf(const Context& office, const char* service) {
-    return office->getServiceManager()->createInstanceWithContext(rtl::OUString::createFromAscii(service),
-                                                                  office);
-}
-
 void SetAll(const PropertySet& model, const Place& place, const Properties& properties) {
     model->setPropertyValue("PositionX", uno::Any(sal_Int32{place.left}));
     model->setPropertyValue("PositionY", uno::Any(sal_Int32{place.top}));
@@ -98,7 +92,7 @@ void AddButton(const PropertySet& dialog, const char* caption, int left, int top
 }
 
 /// From right to left: the icon, the text; below them the buttons.
-PropertySet ModelOfBox(const Context& office, bool isQuestion, const std::string& title,
+PropertySet ModelOfBox(const OfficeWindows& windows, bool isQuestion, const std::string& title,
                        const std::string& text) {
     const std::vector<std::string> lines = LinesOf(text);
     const TextSize size = SizeOf(lines);
@@ -108,7 +102,7 @@ PropertySet ModelOfBox(const Context& office, bool isQuestion, const std::string
     }
     const int width = edge + size.width + edge + iconSize + edge;
     const int buttons = edge + std::max(size.height, iconSize) + edge;
-    const PropertySet dialog(NewOf(office, "com.sun.star.awt.UnoControlDialogModel"), uno::UNO_QUERY_THROW);
+    const PropertySet dialog(windows.New("com.sun.star.awt.UnoControlDialogModel"), uno::UNO_QUERY_THROW);
     SetAll(
         dialog,
         {0, 0, static_cast<std::int16_t>(width), static_cast<std::int16_t>(buttons + buttonHeight + edge)},
@@ -157,10 +151,10 @@ private:
 
 bool ShowRightToLeft(const OfficeWindows& windows, bool isQuestion, const std::string& title,
                      const std::string& text) {
-    const uno::Reference<awt::XControl> control(NewOf(windows.Office(), "com.sun.star.awt.UnoControlDialog"),
+    const uno::Reference<awt::XControl> control(windows.New("com.sun.star.awt.UnoControlDialog"),
                                                 uno::UNO_QUERY_THROW);
     const Disposed disposed(control);
-    control->setModel({ModelOfBox(windows.Office(), isQuestion, title, text), uno::UNO_QUERY_THROW});
+    control->setModel({ModelOfBox(windows, isQuestion, title, text), uno::UNO_QUERY_THROW});
     const uno::Reference<awt::XWindow> window(control, uno::UNO_QUERY_THROW);
     window->setVisible(false);
     const uno::Reference<awt::XToolkit> toolkit(awt::Toolkit::create(windows.Office()), uno::UNO_QUERY_THROW);

@@ -134,6 +134,7 @@ CUBE = {
     "MDSCHEMA_DIMENSIONS": rows(ACTX[0], DATE[0]),
     "MDSCHEMA_HIERARCHIES": rows(ACTX[1], DATE[1]),
     "MDSCHEMA_LEVELS": rows(*ACTX[2], *DATE[2]),
+    "[Date].[All]": rows({"MEMBER_NAME": "All", "MEMBER_UNIQUE_NAME": "[Date].[All]"}),
     "[Date].[Year]": rows({"MEMBER_NAME": "2024", "MEMBER_UNIQUE_NAME": "[Date].[2024]"}),
     "[Date].[Month]": rows(*({"MEMBER_NAME": month, "MEMBER_UNIQUE_NAME": MONTH % month, "MEMBER_ORDINAL": month,
                               "PARENT_UNIQUE_NAME": "[Date].[2024]"} for month in (1, 2, 3))),
@@ -367,6 +368,21 @@ class HostileServer(unittest.TestCase):
             with self.subTest(part), unittest.mock.patch.dict(CUBE, many):
                 explained = self.qel("explain", "--allow-server", self.origin(), self.value_formula("good"))[1]
                 self.assertIn("a cube of 10001 dimensions, hierarchies or levels", explained)
+
+    def test_a_description_that_lacks_a_name_or_is_in_disorder_is_refused(self):
+        year, months = "[Date].[Year]", "[Date].[Month]"
+        cases = [("MDSCHEMA_DIMENSIONS", "<DIMENSION_NAME>Date</DIMENSION_NAME>", "", "a row without DIMENSION_NAME"),
+                 ("MDSCHEMA_HIERARCHIES", "[ActX]", "", "a row without DIMENSION_UNIQUE_NAME"),
+                 ("MDSCHEMA_LEVELS", "[Date].[Month]", "", "a row without LEVEL_UNIQUE_NAME"),
+                 (year, "[Date].[2024]", "", "a row without MEMBER_UNIQUE_NAME"),
+                 (year, "[Date].[2024]", "[Date].[2023]", "names [Date].[2024] as the parent of [Date].[2024].[1]"),
+                 (months, MONTH % 3, MONTH % 2, "lists [Date].[2024].[2] twice"),
+                 (months, "ORDINAL>3<", "ORDINAL>0<", "[Date].[2024].[1] is earlier than the member before it")]
+        for answer, text, other, words in cases:
+            damaged = {answer: CUBE[answer].replace(text, other)}
+            with self.subTest(words, answer=answer), unittest.mock.patch.dict(CUBE, damaged):
+                explained = self.qel("explain", "--allow-server", self.origin(), self.value_formula("good"))[1]
+                self.assertIn(words, explained)
 
     def test_a_check_of_many_catalogs_asks_for_the_cubes_of_the_first(self):
         many = {"DBSCHEMA_CATALOGS": rows(*({"CATALOG_NAME": f"Books{i}"} for i in range(250)))}
