@@ -1,11 +1,10 @@
 #include "cli/CellsetOutput.h"
 
+#include "cli/OutputFields.h"
 #include "cli/TextTable.h"
 #include "cli/ValueText.h"
 
 #include <nlohmann/json.hpp>
-
-#include <cmath>
 
 namespace qel {
 
@@ -33,24 +32,6 @@ std::vector<std::string> RowHeadings(const CellsetTable& grid) {
     return headings;
 }
 
-std::string CsvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) {
-        return text;
-    }
-    std::string quoted = "\"";
-    for (const char c : text) {
-        quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
-    }
-    return quoted + '"';
-}
-
-void PrintCsvLine(const std::vector<std::string>& fields, std::ostream& output) {
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        output << (i == 0 ? "" : ",") << CsvField(fields[i]);
-    }
-    output << '\n';
-}
-
 nlohmann::ordered_json AxisJson(const std::vector<Tuple>& positions) {
     auto axis = nlohmann::ordered_json::array();
     for (const auto& tuple : positions) {
@@ -71,26 +52,10 @@ nlohmann::ordered_json AxisJson(const std::vector<Tuple>& positions) {
     return axis;
 }
 
-nlohmann::ordered_json CellJson(const Variant& value) {
-    if (value.Is<double>() && std::isfinite(value.As<double>())) {
-        return value.As<double>();
-    }
-    if (value.Is<double>()) { // JSON has no such numbers
-        return std::isnan(value.As<double>()) ? "NaN" : value.As<double>() < 0 ? "-Infinity" : "Infinity";
-    }
-    if (value.Is<bool>()) {
-        return value.As<bool>();
-    }
-    if (value.Is<Null>() || value.Is<Empty>()) {
-        return nullptr;
-    }
-    return ValueText(value);
-}
-
 nlohmann::ordered_json RowJson(const std::vector<Variant>& row) {
     auto cells = nlohmann::ordered_json::array();
     for (const auto& cell : row) {
-        cells.push_back(CellJson(cell));
+        cells.push_back(ValueJson(cell));
     }
     return cells;
 }
@@ -176,8 +141,7 @@ void PrintAsJson(const CellsetTable& grid, std::ostream& output) {
         document["axes"].push_back(AxisJson(axis));
     }
     document["cells"] = CellsJson(grid);
-    using Handler = nlohmann::ordered_json::error_handler_t;
-    output << document.dump(2, ' ', false, Handler::replace) << '\n';
+    PrintJson(document, output);
 }
 
 } // namespace qel

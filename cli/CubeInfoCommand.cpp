@@ -87,6 +87,18 @@ void PrintSortOrders(const engine::Cube& cube, std::ostream& output) {
     }
 }
 
+void PrintDetails(const engine::Cube& cube, std::ostream& output) {
+    std::vector<std::string> names;
+    for (const engine::Detail& detail : cube.Details()) {
+        names.push_back(detail.caption == detail.name
+                            ? detail.name
+                            : fmt::format("{} \"{}\"", detail.name, detail.caption));
+    }
+    if (cube.KeepsDetails()) {
+        fmt::print(output, "  details of each line: {}\n", fmt::join(names, ", "));
+    }
+}
+
 void PrintCube(const engine::Cube& cube, std::ostream& output) {
     fmt::print(output, "\ncube {}{}\n", cube.Name(),
                cube.Caption() == cube.Name() ? "" : fmt::format(" \"{}\"", cube.Caption()));
@@ -95,6 +107,7 @@ void PrintCube(const engine::Cube& cube, std::ostream& output) {
     PrintLevels(cube, output);
     PrintMeasures(cube, output);
     PrintCalculations(cube.GetCalculations(), output);
+    PrintDetails(cube, output);
     PrintSortOrders(cube, output);
 }
 

@@ -1,6 +1,7 @@
 #include "cli/EvalCommand.h"
 
 #include "batch/CallBatch.h"
+#include "cli/FailureText.h"
 #include "cli/InputLines.h"
 #include "cli/RunFormula.h"
 #include "cli/ValueText.h"
@@ -72,7 +73,7 @@ public:
         } catch (const FormulaError& error) {
             read.fault = error.what();
         } catch (const AutomationError& error) {
-            read.fault = Describe(error);
+            read.fault = FailureText(error);
         }
         return read;
     }
@@ -104,10 +105,6 @@ public:
 private:
     using Results = std::vector<std::optional<FormulaResult>>;
 
-    static std::string Describe(const AutomationError& error) {
-        return fmt::format("{} (error {}, {})", error.Description(), error.Number(), error.Source());
-    }
-
     /// One result per formula, none for those that are evaluated by themselves; or none at all.
     Results AskServers(const std::vector<ReadFormula>& formulas) {
         std::vector<batch::BatchedCall> calls;
@@ -138,7 +135,7 @@ private:
         try {
             Print(formula, RunFormula(ObjectFor(formula), *formula.call));
         } catch (const AutomationError& error) {
-            Fail(formula.label, Describe(error));
+            Fail(formula.label, FailureText(error));
         }
     }
 
@@ -169,7 +166,7 @@ private:
         }
         auto reasons = reasons_.Of(*formula.call);
         if (reasons.empty() && result.failure) {
-            return Describe(*result.failure);
+            return FailureText(*result.failure);
         }
         if (reasons.empty()) {
             reasons = reasons_.Alternatives(*formula.call);

@@ -1,5 +1,6 @@
 #include "cli/ExplainCommand.h"
 
+#include "cli/FailureText.h"
 #include "cli/PeriodNotes.h"
 #include "cli/Recording.h"
 #include "cli/RunFormula.h"
@@ -173,8 +174,7 @@ private:
             Line("masked error", masked);
         }
         if (result.failure) {
-            Line("reason", fmt::format("{} (error {}, {})", result.failure->Description(),
-                                       result.failure->Number(), result.failure->Source()));
+            Line("reason", FailureText(*result.failure));
         }
     }
 
@@ -209,8 +209,7 @@ void Explain(CommandContext& context, const std::string& formula) {
     } catch (const AutomationError& error) {
         fmt::print(context.output, "{:<17}#VALUE!\n", "value:");
         context.output.flush();
-        fmt::print(context.messages, "qel explain: {} (error {}, {})\n", error.Description(), error.Number(),
-                   error.Source());
+        context.messages << "qel explain: " << FailureText(error) << '\n';
         context.failed = true;
     }
 }

@@ -7,6 +7,7 @@
 #include "cli/EvalCommand.h"
 #include "cli/ExplainCommand.h"
 #include "cli/LangCommand.h"
+#include "cli/LinesCommand.h"
 #include "cli/MdxCommand.h"
 #include "cli/MembersCommand.h"
 #include "cli/ProgramStart.h"
@@ -95,6 +96,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     app.fallthrough();
     qel::AddEvalCommand(app, context);
     qel::AddExplainCommand(app, context);
+    qel::AddLinesCommand(app, context);
     qel::AddMdxCommand(app, context);
     qel::AddMembersCommand(app, context);
     auto* cube = app.add_subcommand("cube", "Make, describe and check cube files");

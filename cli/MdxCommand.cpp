@@ -2,9 +2,14 @@
 
 #include "cli/CellsetOutput.h"
 #include "cli/InputLines.h"
+#include "cli/LinesOutput.h"
+#include "cli/OutputFields.h"
+#include "cube/CellLines.h"
 #include "cube/CubeConnection.h"
+#include "qel/engine/Drillthrough.h"
 
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 namespace qel {
 
@@ -16,6 +21,7 @@ constexpr const char* mdxFooter =
     R"(Columns go across, rows go down; an empty cell is empty, not 0. Members of further axes stand before
 those of the rows. Amounts of cube files have all decimals of their measure, months their year.
 FORMAT_STRING changes nothing; a member with the formula Format([Measures].[Amount], "#,##0.00") is a text.
+DRILLTHROUGH before a statement of one cell prints the lines behind it.
 
 Examples:
   qel mdx demo.cub LedgerFNC 'SELECT {[Measures].[Amount]} ON COLUMNS, [Firma].Members ON ROWS FROM [LedgerFNC]'
@@ -27,12 +33,30 @@ struct MdxOptions {
     MemberText names = MemberText::Caption;
 };
 
+void PrintRows(const MdxOptions& options, const Rowset& rows, std::ostream& output) {
+    if (options.csv) {
+        PrintRowsAsCsv(rows, output);
+    } else if (options.json) {
+        PrintJson(RowsJson(rows), output);
+    } else {
+        PrintRowsAsTable(rows, output);
+    }
+}
+
 void RunMdx(const MdxOptions& options, CommandContext& context) {
     context.AllowNamed(options.cubeFile);
     const auto cube =
         context.providers.Connect(ModSetCube::ComposeConnectionText(options.cubeFile, options.cubeName));
+    const std::string statement = options.statement == "-" ? ReadAll(context.input) : options.statement;
+    if (engine::IsDrillthrough(statement)) {
+        const auto recordset = cube.provider.CreateRecordset();
+        recordset->Open(statement, cube.connection, optionsUnspecified, optionsUnspecified,
+                        optionsUnspecified);
+        PrintRows(options, ModSetCube::ReadRows(*recordset), context.output);
+        return;
+    }
     const auto cellset = cube.provider.CreateCellset();
-    cellset->Open(options.statement == "-" ? ReadAll(context.input) : options.statement, cube.connection);
+    cellset->Open(statement, cube.connection);
     const auto grid = ReadGrid(*cellset);
     if (options.csv) {
         PrintAsCsv(grid, context.output, options.names);

@@ -29,3 +29,4 @@ include(LibrariesForWindows)
 
 # Text in the system's wide form, and no headers or macros that nobody asked for.
 add_compile_definitions(UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0601)
+add_link_options(-Wl,--no-insert-timestamp) # the same sources give the same bytes

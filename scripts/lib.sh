@@ -20,6 +20,7 @@ style_packages="clang clang-format-16 clang-tidy git"
 windows_packages="g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools libwine-dev dpkg-dev python3"
 wine_packages="wine wine64 xvfb imagemagick fonts-dejavu-core fonts-dejavu-extra fonts-wine" # a screen for the dialogs
 command -v npm >/dev/null || windows_packages+=" npm" # SQLite's source for the Windows build comes through it
+package_packages="dpkg-dev nsis python3-markdown git"
 server_packages="openjdk-17-jre-headless libmondrian-java libjetty9-java libservlet-api-java liblog4j1.2-java
     libcommons-io-java libcommons-collections3-java libhsqldb-java postgresql odbc-postgresql libsqliteodbc"
 fuzz_packages="clang libclang-rt-14-dev"

@@ -39,7 +39,7 @@ void ShowOwnTexts(const WizardContext& context, const FormDesign& design, Dialog
 /// "Firma: 12", for the message about dropped choices: a label's text and a key.
 std::string DroppedChoice(const WizardContext& context, std::int32_t label, const std::string& key);
 
-/// "OrmFuncQel4 17.0.0".
+/// "OrmFuncQel4 17.1.0".
 std::string VersionText();
 
 } // namespace qel

@@ -10,13 +10,23 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <limits>
 #include <string>
 
 namespace qel::engine {
 
+namespace {
+
+std::uint8_t CodeWidth(std::uint32_t codes) {
+    const std::uint8_t bytes = BytesFor(codes);
+    return bytes == 3 ? std::uint8_t{4} : bytes;
+}
+
+} // namespace
+
 CubeBuilder::CubeBuilder(const Definition& definition, const CubeDefinition& cube, BadLines& badLines,
                          const BuildProgress& progress)
-    : definition_(definition), cube_(cube), badLines_(badLines), progress_(progress) {
+    : definition_(definition), cube_(cube), badLines_(badLines), progress_(progress), details_(cube.details) {
     for (const DimensionDefinition& dimension : cube.dimensions) {
         dimensions_.emplace_back(dimension);
     }
@@ -90,7 +100,7 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
     for (const std::size_t table : cube_.facts) {
         TableReader reader(definition_.tables[table], badLines_, progress_);
         const std::uint64_t firstRow = facts_.rowCount;
-        ReadFacts(reader, cube_.measures, keyColumns_, facts_);
+        ReadFacts(reader, cube_.measures, DetailsIn(reader, model_.sources.size()), keyColumns_, facts_);
         SourceTotals& source = model_.sources.emplace_back();
         source.file = definition_.tables[table].ShortName();
         source.linesRead = reader.LinesRead();
@@ -105,6 +115,34 @@ void CubeBuilder::ReadFactTables(BuildTotals& totals) {
                               fmt::format("cube {}: more than {} facts", cube_.name, format::mostFacts));
         }
     }
+}
+
+DetailsOfTable CubeBuilder::DetailsIn(const TableReader& reader, std::size_t file) {
+    if (file == 0 && cube_.keepsAllDetails) {
+        for (const std::string& name : reader.ColumnNames()) {
+            details_.push_back({name, name});
+        }
+    }
+    DetailsOfTable details{static_cast<std::uint32_t>(file), !details_.empty(), {}};
+    for (const DetailDefinition& detail : details_) {
+        details.columns.push_back(reader.Column(detail.column));
+    }
+    return details;
+}
+
+void CubeBuilder::DescribeDetails() {
+    model_.keepsDetails = !details_.empty();
+    for (std::size_t i = 0; i < details_.size(); ++i) {
+        const TextDictionary& texts = facts_.details[i].texts;
+        DetailModel& model = model_.details.columns.emplace_back();
+        model.name = details_[i].column;
+        model.caption = details_[i].caption;
+        model.texts = texts.Count();
+        const bool areAllDifferent = texts.Count() == facts_.rowCount; // and numbered like the rows
+        model.codeWidth = areAllDifferent ? std::uint8_t{0} : CodeWidth(texts.Count());
+        model.offsetWidth = texts.Bytes() > std::numeric_limits<std::uint32_t>::max() ? 8 : 4;
+    }
+    model_.details.runs = std::move(facts_.lines);
 }
 
 void CubeBuilder::NumberKeys() {
@@ -166,6 +204,7 @@ void CubeBuilder::MakeModel() {
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         model_.dimensions.push_back(dimensions_[i].Model(KeysOf(i), keyColumnOf_[i]));
     }
+    DescribeDetails();
     for (const auto& order : SortOrders()) {
         model_.projections.push_back(DescribeProjection(order, model_.keyColumns, facts_));
     }

@@ -31,6 +31,9 @@ private:
     void AddKeyColumns();
     void ReadDimensionTables(BuildTotals& totals);
     void ReadFactTables(BuildTotals& totals);
+    /// The columns of a fact table that are kept. The first table decides which are "all".
+    DetailsOfTable DetailsIn(const TableReader& reader, std::size_t file);
+    void DescribeDetails();
     void NumberKeys();
     /// The cube and its fact files, for messages.
     std::string FactPlace() const;
@@ -47,6 +50,7 @@ private:
     std::vector<KeyColumnBuilder> keyColumns_;
     std::vector<std::optional<std::uint32_t>> keyColumnOf_; ///< by dimension
     std::vector<DimensionBuilder> dimensions_;
+    std::vector<DetailDefinition> details_; ///< that are kept
     FactColumns facts_;
     CubeModel model_;
 };

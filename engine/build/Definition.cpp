@@ -133,6 +133,7 @@ public:
         cube.facts = Tables(object.Required("facts"));
         ReadDimensions(object.Required("dimensions"), cube);
         ReadMeasures(object, cube);
+        ReadDetails(object, cube);
         ReadSortOrders(object, cube);
         ReadCalculations(object, cube);
         object.Finish();
@@ -461,6 +462,33 @@ private:
         object.HintFor("format", "a measure shows its \"decimals\"; a calculated member can have a format");
         object.Finish();
         return measure;
+    }
+
+    static void ReadDetails(JsonObject& object, CubeDefinition& cube) {
+        const auto place = object.Optional("details");
+        if (!place) {
+            return;
+        }
+        if (place->value->is_string()) {
+            cube.keepsAllDetails = place->Text() == "all";
+            if (!cube.keepsAllDetails) {
+                place->Fail("expected \"all\", or an array of columns");
+            }
+            return;
+        }
+        UniqueNames names("detail");
+        for (const JsonPlace& element : place->Elements()) {
+            DetailDefinition& detail = cube.details.emplace_back();
+            if (element.value->is_string()) {
+                detail.column = detail.caption = element.Text();
+            } else {
+                JsonObject described(element);
+                detail.column = described.Required("column").Text();
+                detail.caption = described.TextOr("caption", detail.column);
+                described.Finish();
+            }
+            names.Add(detail.caption, element);
+        }
     }
 
     static void ReadSortOrders(JsonObject& object, CubeDefinition& cube) {

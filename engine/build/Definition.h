@@ -104,6 +104,11 @@ struct MeasureDefinition {
     std::uint8_t decimals = 2;
 };
 
+/// A column of the fact tables whose texts are kept.
+struct DetailDefinition {
+    std::string column, caption;
+};
+
 struct CubeDefinition {
     std::string place;
     std::string name, caption;
@@ -112,6 +117,8 @@ struct CubeDefinition {
     std::vector<MeasureDefinition> measures;
     std::size_t defaultMeasure = 0;
     Calculations calculations;
+    std::vector<DetailDefinition> details;
+    bool keepsAllDetails = false;                     ///< every column, in place of `details`
     std::vector<std::vector<std::string>> sortOrders; ///< fact columns; empty: chosen by the build
 };
 

@@ -17,8 +17,8 @@ namespace {
 class FactReader {
 public:
     FactReader(TableReader& reader, const std::vector<MeasureDefinition>& measures,
-               std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts)
-        : reader_(reader), measures_(measures), keyColumns_(keyColumns), facts_(facts),
+               const DetailsOfTable& details, std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts)
+        : reader_(reader), measures_(measures), details_(details), keyColumns_(keyColumns), facts_(facts),
           numbers_(keyColumns.size()), amounts_(measures.size()) {
         for (const KeyColumnBuilder& column : keyColumns) {
             keyFields_.push_back(reader.Columns(column.Columns()));
@@ -163,11 +163,29 @@ private:
                 facts_.values[i].push_back(amounts_[i]);
             }
         }
+        if (details_.areKept) {
+            AddDetails();
+        }
         ++facts_.rowCount;
+    }
+
+    void AddDetails() {
+        for (std::size_t i = 0; i < details_.columns.size(); ++i) {
+            DetailTexts& detail = facts_.details[i];
+            detail.numbers.push_back(detail.texts.Add(reader_.Field(details_.columns[i])));
+        }
+        const auto row = static_cast<std::uint32_t>(facts_.rowCount);
+        const std::uint64_t line = reader_.Records().Number();
+        const bool goesOn = !facts_.lines.empty() && facts_.lines.back().file == details_.file &&
+                            facts_.lines.back().line + (row - facts_.lines.back().first) == line;
+        if (!goesOn) {
+            facts_.lines.push_back({row, details_.file, line});
+        }
     }
 
     TableReader& reader_;
     const std::vector<MeasureDefinition>& measures_;
+    const DetailsOfTable& details_;
     std::vector<KeyColumnBuilder>& keyColumns_;
     FactColumns& facts_;
     std::vector<std::vector<std::size_t>> keyFields_;
@@ -216,10 +234,11 @@ bool IsSummable(const std::vector<std::int64_t>& values) {
 } // namespace
 
 void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measures,
-               std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts) {
+               const DetailsOfTable& details, std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts) {
+    facts.details.resize(details.columns.size());
     facts.keys.resize(keyColumns.size());
     facts.values.resize(measures.size());
-    FactReader(reader, measures, keyColumns, facts).Run();
+    FactReader(reader, measures, details, keyColumns, facts).Run();
 }
 
 void AddTotals(const FactColumns& facts, std::uint64_t first, SourceTotals& totals) {

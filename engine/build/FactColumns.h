@@ -2,6 +2,7 @@
 
 #include "engine/build/KeyColumnBuilder.h"
 #include "engine/build/TableReader.h"
+#include "engine/build/TextDictionary.h"
 #include "engine/storage/CubeModel.h"
 #include "qel/engine/SourceTotals.h"
 
@@ -10,6 +11,12 @@
 
 namespace qel::engine {
 
+/// A detail of the facts.
+struct DetailTexts {
+    TextDictionary texts;
+    std::vector<std::uint32_t> numbers; ///< by row
+};
+
 /// The facts of a cube in memory, column by column.
 struct FactColumns {
     std::vector<std::vector<std::uint32_t>>
@@ -17,11 +24,20 @@ struct FactColumns {
     std::vector<std::vector<std::int64_t>> values; ///< by measure, scaled; empty for a count
     std::uint64_t rowCount = 0;
     std::vector<std::uint8_t> currencies; ///< by measure, of the amounts read; 0 until one has a currency
+    std::vector<DetailTexts> details;
+    std::vector<DetailRun> lines; ///< where the rows stand in the files, when details are kept
+};
+
+/// The details that are kept of the lines of one fact table.
+struct DetailsOfTable {
+    std::uint32_t file = 0; ///< number of the table among the cube's
+    bool areKept = false;
+    std::vector<std::size_t> columns; ///< of the table
 };
 
 /// Reads a fact table and adds its usable lines.
 void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measures,
-               std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts);
+               const DetailsOfTable& details, std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts);
 
 /// Adds to `totals` the lines used and the sums of the facts from row `first` on.
 void AddTotals(const FactColumns& facts, std::uint64_t first, SourceTotals& totals);

@@ -128,6 +128,54 @@ void WriteProjection(const CubeModel& model, const FactColumns& facts, std::uint
     }
 }
 
+/// Writes which line of the ledger each row is, in as few bytes as every number fits.
+void WriteDetailFacts(const CubeModel& model, std::uint32_t cube, std::size_t projection, const Rows& rows,
+                      CubeFileWriter& writer) {
+    const std::uint8_t width = BytesFor(model.rowCount);
+    writer.Begin({static_cast<std::uint32_t>(format::SectionKind::DetailFacts), cube,
+                  static_cast<std::uint32_t>(projection), 0});
+    for (const std::uint32_t& row : rows) {
+        writer.Append(std::as_bytes(std::span(&row, 1)).first(width));
+    }
+    writer.End();
+}
+
+void WriteDetailTexts(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
+                      CubeFileWriter& writer) {
+    using format::SectionKind;
+    Rows inOrder(facts.rowCount);
+    std::iota(inOrder.begin(), inOrder.end(), 0U);
+    for (std::uint32_t i = 0; i < model.details.columns.size(); ++i) {
+        const DetailModel& column = model.details.columns[i];
+        const TextDictionary& texts = facts.details[i].texts;
+        const auto number = [&](std::uint32_t row) { return facts.details[i].numbers[row]; };
+        const auto section = [&](SectionKind kind, const auto& append) {
+            writer.Begin({static_cast<std::uint32_t>(kind), cube, 0, i});
+            append();
+            writer.End();
+        };
+        if (column.codeWidth != 0) {
+            section(SectionKind::DetailCodes, [&] {
+                column.codeWidth == 1   ? AppendAs<std::uint8_t>(inOrder, number, writer)
+                : column.codeWidth == 2 ? AppendAs<std::uint16_t>(inOrder, number, writer)
+                                        : AppendAs<std::uint32_t>(inOrder, number, writer);
+            });
+        }
+        section(SectionKind::DetailOffsets, [&] {
+            std::uint64_t offset = 0;
+            for (std::uint32_t text = 0; text <= column.texts; ++text) {
+                writer.Append(std::as_bytes(std::span(&offset, 1)).first(column.offsetWidth));
+                offset += text < column.texts ? texts.Text(text).size() : 0;
+            }
+        });
+        section(SectionKind::DetailTexts, [&] {
+            for (std::uint32_t text = 0; text < column.texts; ++text) {
+                writer.Append(std::as_bytes(std::span(texts.Text(text))));
+            }
+        });
+    }
+}
+
 /// Writes the facts of row aggregates: only the packed columns of the packed key and of time.
 void WriteAggregateRows(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
                         const BuiltAggregates& aggregates, CubeFileWriter& writer) {
@@ -213,8 +261,12 @@ void WriteFacts(const CubeModel& model, const FactColumns& facts, std::uint32_t 
             next = std::async(std::launch::async, sort, i + 1);
         }
         WriteProjection(model, facts, cube, i, rows, writer);
+        if (model.keepsDetails) {
+            WriteDetailFacts(model, cube, i, rows, writer);
+        }
         progress(static_cast<double>(i + 1) / static_cast<double>(model.projections.size() + 1));
     }
+    WriteDetailTexts(model, facts, cube, writer);
     const BuiltAggregates aggregates = BuildAggregates(model, facts);
     if (!aggregates.model.records.empty()) {
         WriteAggregates(aggregates.model, model, cube, writer);

@@ -25,7 +25,7 @@ std::string FromOdbc(OdbcView text);
 class Utf8Locale {
 public:
     Utf8Locale();
-    ~Utf8Locale();
+    ~Utf8Locale(); // NOLINT(performance-trivially-destructible): on Windows alone
     Utf8Locale(const Utf8Locale&) = delete;
     Utf8Locale& operator=(const Utf8Locale&) = delete;
 

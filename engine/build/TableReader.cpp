@@ -46,6 +46,20 @@ std::size_t TableReader::Column(const std::string& name) const {
     return static_cast<std::size_t>(found - header.begin());
 }
 
+std::vector<std::string> TableReader::ColumnNames() const {
+    std::vector<std::string> names;
+    const auto& header = records_->Header();
+    for (const std::string& inFile : header) {
+        if (inFile.empty() || std::count(header.begin(), header.end(), inFile) > 1) {
+            continue;
+        }
+        const auto renamed = std::find_if(table_.columns.begin(), table_.columns.end(),
+                                          [&](const auto& column) { return column.second == inFile; });
+        names.push_back(renamed == table_.columns.end() ? inFile : renamed->first);
+    }
+    return names;
+}
+
 std::string TableReader::ColumnRemedy(const std::string& missing) const {
     if (table_.odbc) {
         return Suggestion(missing, records_->Header());

@@ -35,6 +35,8 @@ public:
     /// The index of the column that the definition calls `name`. Raises EngineError (InvalidData) naming the
     /// table and its columns.
     std::size_t Column(const std::string& name) const;
+    /// All columns, as the definition calls them; without those that have no name, or one that is not unique.
+    std::vector<std::string> ColumnNames() const;
     std::vector<std::size_t> Columns(const std::vector<std::string>& names) const;
     /// Reads the next well-formed record and reports malformed ones. False at the end.
     bool Next();

@@ -19,6 +19,8 @@ public:
     std::string_view Text(std::uint32_t number) const {
         return std::string_view(bytes_).substr(offsets_[number], offsets_[number + 1] - offsets_[number]);
     }
+    /// The length of all texts together.
+    std::uint64_t Bytes() const { return offsets_.back(); }
     std::uint32_t Count() const { return static_cast<std::uint32_t>(offsets_.size() - 1); }
 
 private:

@@ -130,6 +130,19 @@ bool Evaluator::ReadsFacts(std::span<const HierarchyId> open,
     return true;
 }
 
+bool Evaluator::AddsFacts(const std::function<void(const FactCell&)>& visit) {
+    if (ReadsFacts({}, visit)) {
+        return true;
+    }
+    const CalculatedFormula* top = TopFormula(coordinates_);
+    const SumOfSet* sum = top != nullptr ? top->formula->AsSum() : nullptr;
+    if (sum == nullptr) {
+        return false;
+    }
+    const Nesting nesting(*this, top->source, top->range, top->depth);
+    return sum->AddsFacts(*this, visit);
+}
+
 const CalculatedFormula* Evaluator::TopFormula(std::span<const MemberId> coordinates) {
     const CalculatedFormula* top = nullptr;
     if (formulas_.empty()) {

@@ -78,6 +78,10 @@ public:
     /// `open`. False when the cell is not a sum of reads, or when a formula sets one of those hierarchies.
     bool ReadsFacts(std::span<const HierarchyId> open, const std::function<void(const FactCell&)>& visit);
 
+    /// Visits every read of facts that the current cell adds up, also where sums over sets stand inside one
+    /// another: facts that the cell counts twice are visited twice. False when a formula does more than add.
+    bool AddsFacts(const std::function<void(const FactCell&)>& visit);
+
     /// Sets a tuple's coordinates for its own lifetime.
     class Position {
     public:

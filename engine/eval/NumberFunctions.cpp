@@ -26,7 +26,7 @@ Bound SumOver(Call& call, SumOfSet::Kind kind) {
 }
 
 Bound Sum(Call& call) { return SumOver(call, SumOfSet::Kind::Sum); }
-Bound Aggregate(Call& call) { return SumOver(call, SumOfSet::Kind::Aggregate); }
+Bound AggregateOf(Call& call) { return SumOver(call, SumOfSet::Kind::Aggregate); }
 
 /// Calls take(value) with every non-empty value of the set's cells. Returns the number of tuples.
 template <class Take>
@@ -119,7 +119,7 @@ Bound Absolute(Call& call) {
 }
 
 constexpr std::array<Function, 9> numberFunctions{{{"Sum", 1, 2, Sum},
-                                                   {"Aggregate", 1, 2, Aggregate},
+                                                   {"Aggregate", 1, 2, AggregateOf},
                                                    {"Avg", 1, 2, Average},
                                                    {"Min", 1, 2, Minimum},
                                                    {"Max", 1, 2, Maximum},

@@ -2,15 +2,18 @@
 
 #include "engine/eval/Binder.h"
 #include "engine/eval/CellsetBuilder.h"
+#include "engine/eval/DrilledCell.h"
 #include "engine/eval/NonEmpty.h"
 #include "engine/eval/StatementPlan.h"
 #include "engine/mdx/Parser.h"
 #include "qel/engine/BracketedName.h"
 #include "text/CaseFold.h"
+#include "text/NameList.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <memory>
 #include <optional>
 
@@ -33,8 +36,15 @@ public:
     Cellset Answer();
     /// Null when the result has several cells, or its cell is not a single read of facts.
     std::shared_ptr<const StatementPlan> Plan();
+    /// The facts behind the only cell.
+    DrilledCell Drill();
 
 private:
+    void CheckIsSelect() const;
+    /// Takes the coordinates of the statement's only cell.
+    void MoveToCell();
+    LineColumn ReturnedColumn(mdx::NodeId node, const std::vector<LineColumn>& known);
+    LineColumn ReturnedLevel(mdx::NodeId node, LineColumn::Kind kind);
     void CheckCube() const;
     Cellset Finish(std::vector<CellValue> cells) const;
     void EvaluateSlicer();
@@ -68,6 +78,7 @@ void StatementRun::Resolve() {
 }
 
 Cellset StatementRun::Answer() {
+    CheckIsSelect();
     bool cellsDecide = false;
     for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
         cellsDecide |= statement_.axes[axis].nonEmpty && !RemoveEmpty(axis);
@@ -89,6 +100,7 @@ Cellset StatementRun::Finish(std::vector<CellValue> cells) const {
 }
 
 std::shared_ptr<const StatementPlan> StatementRun::Plan() {
+    CheckIsSelect();
     for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
         if (axes_[axis].Count() != 1 || statement_.axes[axis].nonEmpty) {
             return nullptr;
@@ -105,6 +117,118 @@ std::shared_ptr<const StatementPlan> StatementRun::Plan() {
         plan = std::make_shared<const StatementPlan>(space_.GetCube(), Finish({}), cell);
     });
     return plan;
+}
+
+DrilledCell StatementRun::Drill() {
+    if (!statement_.drillthrough) {
+        throw EngineError(ErrorKind::InvalidExpression, "the statement begins with no DRILLTHROUGH");
+    }
+    MoveToCell();
+    DrilledCell cell;
+    std::optional<MemberId> measure;
+    const auto take = [&](const FactCell& read) {
+        if (measure.value_or(read.measure) != read.measure) {
+            throw EngineError(ErrorKind::InvalidExpression,
+                              "the cell adds up several measures; ask for the lines of each");
+        }
+        measure = read.measure;
+        cell.parts.emplace_back(read.restrictions);
+    };
+    if (!SlicerIsEmpty() && !evaluator_.AddsFacts(take)) {
+        throw EngineError(ErrorKind::InvalidExpression,
+                          "the cell has no lines of its own: a formula computes it from other cells");
+    }
+    const std::vector<LineColumn> known = KnownLineColumns(space_.GetCube());
+    const mdx::DrillthroughClause& clause = *statement_.drillthrough;
+    for (const mdx::NodeId node : clause.columns) {
+        cell.columns.push_back(ReturnedColumn(node, known));
+    }
+    for (const LineColumn& column : known) {
+        if (clause.columns.empty() && column.isShown) {
+            cell.columns.push_back(column);
+        }
+    }
+    cell.firstRow = clause.firstRow - 1;
+    cell.mostRows = clause.mostRows.value_or(std::numeric_limits<std::uint64_t>::max());
+    return cell;
+}
+
+void StatementRun::MoveToCell() {
+    for (std::size_t axis = 0; axis < axes_.size(); ++axis) {
+        if (axes_[axis].Count() != 1) {
+            binder_.Fail(statement_.axes[axis].set,
+                         fmt::format("DRILLTHROUGH takes one cell, and this axis has {} positions",
+                                     axes_[axis].Count()));
+        }
+        for (std::size_t i = 0; i < axes_[axis].dimensionality.size(); ++i) {
+            evaluator_.SetCurrent(axes_[axis].dimensionality[i], axes_[axis].ids[i]);
+        }
+    }
+}
+
+LineColumn StatementRun::ReturnedColumn(mdx::NodeId node, const std::vector<LineColumn>& known) {
+    const mdx::Node& expression = statement_.At(node);
+    if (expression.kind == mdx::NodeKind::Path && expression.childCount == 1) {
+        const std::string_view name = statement_.At(expression.firstChild).text;
+        const auto found = std::find_if(known.begin(), known.end(), [&](const LineColumn& column) {
+            return EqualIgnoringCase(column.name, name);
+        });
+        if (found != known.end()) {
+            return *found;
+        }
+    }
+    if (expression.kind == mdx::NodeKind::Call && expression.childCount == 1) {
+        using Kind = LineColumn::Kind;
+        for (const auto& [name, kind] : {std::pair("key", Kind::Key), std::pair("name", Kind::Name),
+                                         std::pair("caption", Kind::Caption)}) {
+            if (EqualIgnoringCase(expression.text, name)) {
+                return ReturnedLevel(expression.firstChild, kind);
+            }
+        }
+    }
+    try {
+        return ReturnedLevel(node, LineColumn::Kind::Caption);
+    } catch (const EngineError& error) {
+        if (error.Kind() != ErrorKind::UnknownName) {
+            throw;
+        }
+        std::vector<std::string> names(known.size());
+        std::transform(known.begin(), known.end(), names.begin(),
+                       [](const LineColumn& column) { return column.name; });
+        binder_.Fail(node, fmt::format("the lines have no such column; they have {}", NameList(names)));
+    }
+}
+
+/// A level, or the lowest one of a hierarchy; or a measure.
+LineColumn StatementRun::ReturnedLevel(mdx::NodeId node, LineColumn::Kind kind) {
+    const Bound bound = binder_.Bind(node);
+    using Kind = LineColumn::Kind;
+    const auto columnOf = [&](LevelRef level) {
+        const char* const suffix = kind == Kind::Key ? " key" : kind == Kind::Name ? " name" : "";
+        return LineColumn{std::string(space_.LevelName(level)) + suffix, kind, level};
+    };
+    if (const auto* level = std::get_if<LevelName>(&bound);
+        level && !space_.IsMeasures(level->level.hierarchy)) {
+        return columnOf(level->level);
+    }
+    if (const auto* hierarchy = std::get_if<HierarchyName>(&bound);
+        hierarchy && !space_.IsMeasures(hierarchy->hierarchy)) {
+        return columnOf({hierarchy->hierarchy, space_.LevelCount(hierarchy->hierarchy) - 1});
+    }
+    if (const auto* member = std::get_if<MemberPtr>(&bound); member && (*member)->IsConstant()) {
+        const MemberId measure = (*member)->Evaluate(evaluator_);
+        if (space_.IsMeasures((*member)->Hierarchy()) && measure < space_.GetCube().Measures().size()) {
+            return {space_.GetCube().Measures()[measure].name, LineColumn::Kind::Measure, {}, measure};
+        }
+    }
+    binder_.Fail(node, "expected a column of the lines, a level or a measure");
+}
+
+void StatementRun::CheckIsSelect() const {
+    if (statement_.drillthrough) {
+        throw EngineError(ErrorKind::InvalidExpression,
+                          "DRILLTHROUGH gives rows, no cells; open a recordset with it");
+    }
 }
 
 void StatementRun::CheckCube() const {
@@ -251,6 +375,12 @@ Cellset RunStatement(const Cube& cube, std::string_view statement) {
     StatementRun run(cube, statement);
     run.Resolve();
     return run.Answer();
+}
+
+DrilledCell FindDrilledCell(const Cube& cube, std::string_view statement) {
+    StatementRun run(cube, statement);
+    run.Resolve();
+    return run.Drill();
 }
 
 PlannedAnswer RunAndPlan(const Cube& cube, std::string_view statement) {

@@ -41,6 +41,30 @@ CellValue SumOfSet::EvaluateTogether(Evaluator& evaluator) const {
     return ValueAt(evaluator);
 }
 
+bool SumOfSet::AddsFacts(Evaluator& evaluator, const std::function<void(const FactCell&)>& visit) const {
+    const TupleSet tuples = set_->Evaluate(evaluator);
+    if (kind_ == Kind::Aggregate) {
+        const CompoundSet set(evaluator.Space(), tuples);
+        const Evaluator::CompoundPosition position(evaluator, set);
+        return tuples.Count() == 0 || ValueAddsFacts(evaluator, visit);
+    }
+    bool adds = true;
+    ForEachTuple(evaluator, *set_, tuples,
+                 [&](std::span<const MemberId>) { adds = adds && ValueAddsFacts(evaluator, visit); });
+    return adds;
+}
+
+bool SumOfSet::ValueAddsFacts(Evaluator& evaluator, const std::function<void(const FactCell&)>& visit) const {
+    if (value_ && !valueMember_) {
+        return false;
+    }
+    if (!value_) {
+        return evaluator.AddsFacts(visit);
+    }
+    const Evaluator::Position position(evaluator, {&valueMember_->hierarchy, 1}, {&valueMember_->id, 1});
+    return valueMember_->id != noMember && evaluator.AddsFacts(visit);
+}
+
 const Folding* SumOfSet::Folded(Evaluator& evaluator) const {
     if (!foldTried_) {
         foldTried_ = true;

@@ -3,11 +3,14 @@
 #include "engine/eval/CompoundSet.h"
 #include "engine/eval/Expression.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
 
 namespace qel::engine {
+
+struct FactCell;
 
 /// A sum over members of one hierarchy that is a single read of facts: the members share no facts, so their
 /// codes together form one restriction.
@@ -33,7 +36,11 @@ public:
     /// has calculated members or, for Sum, overlapping ones, or when the value is more than a measure.
     const Folding* Folded(Evaluator& evaluator) const;
 
+    /// Visits the reads of facts that the sum adds up at the current coordinates, see Evaluator::AddsFacts.
+    bool AddsFacts(Evaluator& evaluator, const std::function<void(const FactCell&)>& visit) const;
+
 private:
+    bool ValueAddsFacts(Evaluator& evaluator, const std::function<void(const FactCell&)>& visit) const;
     std::optional<Folding> Fold(Evaluator& evaluator) const;
     CellValue ValueAt(Evaluator& evaluator) const;
     CellValue EvaluateTogether(Evaluator& evaluator) const;

@@ -84,6 +84,13 @@ struct AxisClause {
     NodeId set = noNode;
 };
 
+/// DRILLTHROUGH before the statement: the facts behind its cell are wanted.
+struct DrillthroughClause {
+    std::optional<std::uint64_t> mostRows; ///< MAXROWS
+    std::uint64_t firstRow = 1;            ///< FIRSTROWSET, counted from 1
+    std::vector<NodeId> columns;           ///< RETURN
+};
+
 /// The syntax tree of a statement, or of a text that is one expression. Texts are views into the source,
 /// which must outlive the tree, or into `decoded`.
 struct Statement {
@@ -95,6 +102,7 @@ struct Statement {
     std::string_view cubeName;
     SourceRange cubeRange;
     NodeId slicer = noNode;
+    std::optional<DrillthroughClause> drillthrough;
 
     const Node& At(NodeId id) const { return nodes[id]; }
 };

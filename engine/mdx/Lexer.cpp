@@ -89,7 +89,7 @@ bool Lexer::EnterFormula() {
     return true;
 }
 
-Token Lexer::RawUpTo(std::string_view word) {
+Token Lexer::RawUpTo(std::string_view word, std::string_view other) {
     SkipBlanks();
     const std::size_t begin = position_;
     std::size_t end = begin;
@@ -97,7 +97,8 @@ Token Lexer::RawUpTo(std::string_view word) {
         const std::size_t start = position_;
         if (!IsWordStart(At(position_))) {
             ++position_;
-        } else if (IsWord(ReadWord().text, word)) {
+        } else if (const std::string_view found = ReadWord().text;
+                   IsWord(found, word) || IsWord(found, other)) {
             position_ = start;
             break;
         }

@@ -59,8 +59,8 @@ public:
     bool IsBeforeMethod(bool ofSetName) const;
     /// Enters a formula when a quote comes next, until FormulaEnd. Returns whether it did.
     bool EnterFormula();
-    /// The trimmed text up to a word, which is not consumed, or to the end of the statement.
-    Token RawUpTo(std::string_view word);
+    /// The trimmed text up to one of two words, which is not consumed, or to the end of the statement.
+    Token RawUpTo(std::string_view word, std::string_view other);
     /// Unescapes a Name or Text token. Returns whether that changed the text, which is then in `decoded`.
     bool Decode(const Token& token, std::string& decoded) const;
     std::string_view Statement() const { return statement_; }

@@ -23,6 +23,9 @@ public:
     void Parse();
 
 private:
+    void ParseDrillthrough();
+    std::uint64_t ParseRowNumber();
+    void ParseReturn();
     void ParseDefinitions();
     void ParseMember();
     void ParseNamedSet();
@@ -42,6 +45,9 @@ private:
 };
 
 void StatementParser::Parse() {
+    if (expressions_.Skip("drillthrough")) {
+        ParseDrillthrough();
+    }
     if (expressions_.Skip("with")) {
         ParseDefinitions();
     }
@@ -55,9 +61,40 @@ void StatementParser::Parse() {
     if (expressions_.Skip("cell")) {
         SkipPropertyList();
     }
+    if (statement_.drillthrough && expressions_.Skip("return")) {
+        ParseReturn();
+    }
     if (!expressions_.IsAt(TokenKind::End)) {
         expressions_.Fail("the end of the statement");
     }
+}
+
+void StatementParser::ParseDrillthrough() {
+    DrillthroughClause& clause = statement_.drillthrough.emplace();
+    if (expressions_.Skip("maxrows")) {
+        clause.mostRows = ParseRowNumber();
+    }
+    if (expressions_.Skip("firstrowset")) {
+        clause.firstRow = std::max<std::uint64_t>(1, ParseRowNumber());
+    }
+}
+
+std::uint64_t StatementParser::ParseRowNumber() {
+    const std::string_view digits = expressions_.Current().text;
+    std::uint64_t number = 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    if (!expressions_.IsAt(TokenKind::Number) || error != std::errc() ||
+        end != digits.data() + digits.size()) {
+        expressions_.Fail("a whole number of rows");
+    }
+    expressions_.Advance();
+    return number;
+}
+
+void StatementParser::ParseReturn() {
+    do {
+        statement_.drillthrough->columns.push_back(expressions_.ParseExpression("a column"));
+    } while (expressions_.Skip(TokenKind::Comma));
 }
 
 void StatementParser::ParseDefinitions() {
@@ -203,7 +240,7 @@ void StatementParser::ParseCube() {
         return;
     }
     // Generated statements insert the cube's name unquoted, whatever characters it has.
-    const Token name = expressions_.Source().RawUpTo("where");
+    const Token name = expressions_.Source().RawUpTo("where", statement_.drillthrough ? "return" : "where");
     expressions_.Advance();
     if (name.text.empty()) {
         expressions_.Fail("the name of a cube");

@@ -33,6 +33,16 @@ std::vector<std::vector<std::string>> Cube::SortOrders() const {
     return orders;
 }
 
+bool Cube::KeepsDetails() const { return facts_->Details() != nullptr; }
+
+std::vector<Detail> Cube::Details() const {
+    std::vector<Detail> details;
+    if (KeepsDetails()) {
+        details.assign(facts_->Details()->Columns().begin(), facts_->Details()->Columns().end());
+    }
+    return details;
+}
+
 void Cube::CheckUnchanged() const { pages_->CheckUnchanged(); }
 
 std::optional<std::size_t> Cube::FindDimension(std::string_view name) const {

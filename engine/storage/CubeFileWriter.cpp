@@ -142,6 +142,24 @@ std::vector<std::uint8_t> SharedNameFlags(const HierarchyModel& hierarchy) {
     return flags;
 }
 
+ByteWriter DescribeDetails(const CubeModel& cube) {
+    ByteWriter out;
+    out.Put(static_cast<std::uint32_t>(cube.sources.size()));
+    for (const SourceTotals& source : cube.sources) {
+        out.PutText(source.file);
+    }
+    out.Put(BytesFor(cube.rowCount));
+    out.Put(static_cast<std::uint32_t>(cube.details.columns.size()));
+    for (const DetailModel& column : cube.details.columns) {
+        out.PutText(column.name);
+        out.PutText(column.caption);
+        out.Put(column.texts);
+        out.Put(column.codeWidth);
+        out.Put(column.offsetWidth);
+    }
+    return out;
+}
+
 } // namespace
 
 CubeFileWriter::CubeFileWriter(const std::filesystem::path& path) : file_(path, RaiseCannotWrite) {
@@ -166,6 +184,10 @@ std::uint32_t CubeFileWriter::AddCube(const CubeModel& cube) {
     }
     if (!cube.calculations.Empty()) {
         Section(Id(SectionKind::Calculations, number), DescribeCalculations(cube.calculations).Bytes());
+    }
+    if (cube.keepsDetails) {
+        Section(Id(SectionKind::DetailDescription, number), DescribeDetails(cube).Bytes());
+        Section(Id(SectionKind::DetailRuns, number), AsBytes(cube.details.runs));
     }
     return number;
 }

@@ -60,6 +60,7 @@ Cube CubeLoader::Load() {
     cube.calculations_ = LoadCalculations();
     cube.pages_ = &image_.Verifier();
     facts.aggregates_ = AggregateLoader(image_, cubeNumber_).Load(facts);
+    facts.details_ = LoadDetails(facts);
     cube.measures_.assign(facts.measures_.begin(), facts.measures_.end());
     cube.facts_ = std::make_shared<const FactTable>(std::move(facts));
     return cube;
@@ -125,6 +126,58 @@ Calculations CubeLoader::LoadCalculations() const {
         fail();
     }
     return calculations;
+}
+
+std::optional<DetailTable> CubeLoader::LoadDetails(const FactTable& facts) const {
+    if (!image_.HasSection(Id(SectionKind::DetailDescription))) {
+        return std::nullopt;
+    }
+    DetailTable table;
+    table.factCount_ = facts.rowCount_;
+    ByteReader in(image_.Array<std::byte>(Id(SectionKind::DetailDescription)));
+    table.files_.resize(in.GetCount(4));
+    for (std::string& file : table.files_) {
+        file = in.GetText();
+    }
+    table.factWidth_ = in.Get<std::uint8_t>();
+    const std::uint32_t columns = in.GetCount(14);
+    for (std::uint32_t number = 0; number < columns; ++number) {
+        table.columns_.push_back(LoadDetail(in, number, facts.rowCount_));
+    }
+    table.runs_ = image_.Section(Id(SectionKind::DetailRuns));
+    for (std::size_t order = 0; order < facts.projections_.size(); ++order) {
+        table.facts_.push_back(image_.Section(Id(SectionKind::DetailFacts, order)));
+        if (table.facts_.back().Size() != facts.rowCount_ * table.factWidth_) {
+            Fail("the facts of the details have the wrong length");
+        }
+    }
+    if (in.Failed() || !in.AtEnd() || table.factWidth_ < 1 || table.factWidth_ > 4 ||
+        table.runs_.Size() % sizeof(DetailRun) != 0) {
+        Fail("its details are not well-formed");
+    }
+    return table;
+}
+
+DetailColumn CubeLoader::LoadDetail(ByteReader& in, std::size_t number, std::uint64_t facts) const {
+    DetailColumn column;
+    column.name = in.GetText();
+    column.caption = in.GetText();
+    column.texts = in.Get<std::uint32_t>();
+    column.codeWidth = in.Get<std::uint8_t>();
+    column.offsetWidth = in.Get<std::uint8_t>();
+    column.offsets = image_.Section(Id(SectionKind::DetailOffsets, 0, number));
+    column.bytes = image_.Section(Id(SectionKind::DetailTexts, 0, number));
+    if (column.codeWidth != 0) {
+        column.codes = image_.Section(Id(SectionKind::DetailCodes, 0, number));
+    }
+    const bool hasCodes = IsWidth(column.codeWidth, 4) && column.codes.Size() == facts * column.codeWidth;
+    if (!IsValidUtf8(column.name) || !IsValidUtf8(column.caption) ||
+        !(column.codeWidth == 0 ? column.texts == facts : hasCodes) ||
+        (column.offsetWidth != 4 && column.offsetWidth != 8) ||
+        column.offsets.Size() != (std::uint64_t{column.texts} + 1) * column.offsetWidth) {
+        Fail(fmt::format("the detail {} is not well-formed", number + 1));
+    }
+    return column;
 }
 
 void CubeLoader::ReadFactColumns(ByteReader& in, FactTable& facts) const {

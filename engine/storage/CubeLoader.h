@@ -37,6 +37,8 @@ private:
     void CheckTexts(std::span<const std::uint32_t> offsets, std::string_view texts, std::size_t count) const;
     void CheckSlots(std::span<const std::uint32_t> slots, std::size_t count) const;
     Calculations LoadCalculations() const;
+    std::optional<DetailTable> LoadDetails(const FactTable& facts) const;
+    DetailColumn LoadDetail(ByteReader& in, std::size_t number, std::uint64_t facts) const;
     /// `keysIn`: the number of key columns in each packed column.
     void LoadProjection(const FactTable& facts, std::size_t index, std::span<const std::uint32_t> keysIn,
                         Projection& projection) const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/storage/DetailTable.h"
 #include "engine/storage/FactTable.h"
 #include "qel/engine/Calculations.h"
 #include "qel/engine/SourceTotals.h"
@@ -77,6 +78,19 @@ struct AggregateModel {
     CodeGroups Groups() const { return {groupStarts, groupRanges}; }
 };
 
+/// A column of texts of the ledger, as the description of the details has it.
+struct DetailModel {
+    std::string name, caption;
+    std::uint32_t texts = 0;
+    std::uint8_t codeWidth = 0, offsetWidth = 4; ///< see DetailColumn
+};
+
+/// What is kept of the ledger's lines besides keys and amounts; the texts follow with the facts.
+struct DetailsModel {
+    std::vector<DetailModel> columns;
+    std::vector<DetailRun> runs;
+};
+
 struct CubeModel {
     std::string name, caption;
     std::vector<DimensionModel> dimensions;
@@ -87,6 +101,8 @@ struct CubeModel {
     std::vector<ProjectionModel> projections;
     std::vector<SourceTotals> sources;
     Calculations calculations;
+    bool keepsDetails = false;
+    DetailsModel details;
 };
 
 } // namespace qel::engine

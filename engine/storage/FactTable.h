@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/storage/AggregateTable.h"
+#include "engine/storage/DetailTable.h"
 #include "engine/storage/Projection.h"
 #include "qel/engine/Cube.h"
 
@@ -48,6 +49,8 @@ public:
     std::uint64_t RowCount() const { return rowCount_; }
     /// Precomputed aggregates; null when the file has none.
     const AggregateTable* Aggregates() const { return aggregates_ ? &*aggregates_ : nullptr; }
+    /// What is kept of the ledger's lines; null when the file has nothing.
+    const DetailTable* Details() const { return details_ ? &*details_ : nullptr; }
 
 private:
     friend class CubeLoader;
@@ -57,6 +60,7 @@ private:
     std::vector<MeasureColumn> measures_;
     std::vector<Projection> projections_;
     std::optional<AggregateTable> aggregates_;
+    std::optional<DetailTable> details_;
     std::uint64_t rowCount_ = 0;
 };
 

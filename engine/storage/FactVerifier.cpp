@@ -70,6 +70,8 @@ public:
         return IsInOrder(rows) ? "" : "the facts are not in their order";
     }
 
+    /// A fingerprint of each fact of the last block.
+    const std::vector<std::uint64_t>& Fingerprints() const { return hashes_; }
     /// A fingerprint of the facts that does not depend on their order.
     std::uint64_t Contents() const { return contents_; }
 
@@ -153,18 +155,53 @@ private:
     std::uint64_t contents_ = 0;
 };
 
+/// Checks that every sort order has each fact of the details once, and the same one.
+class DetailCheck {
+public:
+    explicit DetailCheck(const FactTable& facts)
+        : details_(facts.Details()), prints_(details_ != nullptr ? facts.RowCount() : 0) {}
+
+    void BeginOrder() { isSeen_.assign(prints_.size(), false); }
+
+    /// Whether the rows of a block, with these fingerprints, are facts that this order has not had yet.
+    bool Takes(std::size_t order, std::uint64_t firstRow, const std::vector<std::uint64_t>& prints) {
+        for (std::size_t i = 0; i < prints.size() && details_ != nullptr; ++i) {
+            const std::uint32_t fact = details_->FactOf(order, firstRow + i);
+            if (isSeen_[fact] || (order > 0 && prints_[fact] != prints[i])) {
+                return false;
+            }
+            isSeen_[fact] = true;
+            prints_[fact] = prints[i];
+        }
+        return true;
+    }
+
+    std::string FindFault() const { return details_ != nullptr ? details_->FindFault() : ""; }
+
+private:
+    const DetailTable* details_;
+    std::vector<std::uint64_t> prints_; ///< by fact
+    std::vector<bool> isSeen_;
+};
+
 } // namespace
 
 std::string FindFactFault(const Cube& cube, const std::function<void(std::uint64_t)>& progress) {
     const FactTable& facts = cube.Facts();
     std::uint64_t contents = 0, rowsRead = 0;
+    DetailCheck details(facts);
     for (std::size_t i = 0; i < facts.Projections().size(); ++i) {
         ProjectionCheck check(facts, facts.Projections()[i]);
+        details.BeginOrder();
         for (std::uint64_t row = 0; row < facts.RowCount(); row += blockRows) {
             const RowRange rows{row, std::min(row + blockRows, facts.RowCount())};
             const std::string fault = check.Block(rows);
             if (!fault.empty()) {
                 return fmt::format("cube {}, sort order {}: {}", cube.Name(), i + 1, fault);
+            }
+            if (!details.Takes(i, row, check.Fingerprints())) {
+                return fmt::format("cube {}, sort order {}: the details belong to other facts", cube.Name(),
+                                   i + 1);
             }
             rowsRead += rows.Count();
             if (progress) {
@@ -176,7 +213,8 @@ std::string FindFactFault(const Cube& cube, const std::function<void(std::uint64
         }
         contents = check.Contents();
     }
-    return {};
+    const std::string fault = details.FindFault();
+    return fault.empty() ? fault : fmt::format("cube {}: {}", cube.Name(), fault);
 }
 
 } // namespace qel::engine

@@ -81,6 +81,13 @@ enum class SectionKind : std::uint32_t {
     GroupRanges = 0x8000000DU,
     FactSources = 0x8000000EU,  ///< what came from each fact file
     Calculations = 0x8000000FU, ///< calculated members and named sets
+    // Details are optional: only lines show them.
+    DetailDescription = 0x80000010U,
+    DetailRuns = 0x80000011U,
+    DetailFacts = 0x80000012U,   ///< first: sort order
+    DetailCodes = 0x80000013U,   ///< second: detail
+    DetailOffsets = 0x80000014U, ///< second: detail
+    DetailTexts = 0x80000015U,   ///< second: detail
 };
 
 /// Readers skip unknown kinds from here on. An unknown kind below means a newer file format.

@@ -1,6 +1,7 @@
 #include "qel/engine/BuildCube.h"
 #include "qel/engine/Cellset.h"
 #include "qel/engine/CubeFile.h"
+#include "qel/engine/Drillthrough.h"
 #include "qel/engine/EngineError.h"
 #include "qel/engine/RunStatement.h"
 #include "tests/helpers/SmallStack.h"
@@ -66,6 +67,10 @@ std::string Lengthened(std::string_view text) {
 
 void RunInput(const qel::engine::Cube& cube, std::string_view statement) {
     try {
+        if (qel::engine::IsDrillthrough(statement)) {
+            static_cast<void>(qel::engine::RunDrillthrough(cube, statement));
+            return;
+        }
         const qel::engine::Cellset cellset = qel::engine::RunStatement(cube, statement);
         for (std::size_t axis = 0; axis < cellset.AxisCount(); ++axis) {
             for (std::size_t i = 0; i < cellset.PositionCount(axis) && cellset.TupleSize(axis) > 0; ++i) {

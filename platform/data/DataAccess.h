@@ -3,6 +3,7 @@
 #include "platform/value/Variant.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -138,6 +139,10 @@ public:
 class Recordset {
 public:
     virtual ~Recordset() = default;
+    /// Told the share done while rows are read, where the provider knows it. An exception that it throws ends
+    /// Open and reaches the caller.
+    using Progress = std::function<void(double share)>;
+    virtual void ReportTo(const Progress& /*progress*/) {}
     virtual void Open(const std::string& source, const std::shared_ptr<Connection>& connection,
                       int cursorType, int lockType, int options) = 0;
     virtual void Close() = 0;
@@ -153,6 +158,9 @@ public:
     /// Raises 3021 when there are no rows.
     virtual void MoveFirst() = 0;
     virtual void MoveNext() = 0;
+    /// How many rows a DRILLTHROUGH has without MAXROWS and FIRSTROWSET; none when the provider does not
+    /// tell.
+    virtual std::optional<std::uint64_t> TotalRows() const { return std::nullopt; }
 };
 
 /// One provider: makes its objects. Providers says which one opens a connection text.

@@ -6,7 +6,7 @@ namespace qel {
 
 void InMemoryRecordset::Open(const std::string& source, const std::shared_ptr<Connection>& connection,
                              int /*cursorType*/, int /*lockType*/, int /*options*/) {
-    rows_.Open([&] { return run_(source, connection); });
+    rows_.Open([&] { return run_(source, connection, progress_); });
     row_ = 0;
 }
 

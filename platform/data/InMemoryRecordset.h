@@ -12,7 +12,8 @@ namespace qel {
 /// difference.
 class InMemoryRecordset : public Recordset {
 public:
-    using Run = std::function<Rowset(const std::string& statement, const std::shared_ptr<Connection>&)>;
+    using Run = std::function<Rowset(const std::string& statement, const std::shared_ptr<Connection>&,
+                                     const Progress& progress)>;
 
     /// Open at once when there are rows. `provider` is the source of its errors.
     InMemoryRecordset(const std::string& provider, Run run, std::optional<Rowset> rows = std::nullopt)
@@ -20,6 +21,7 @@ public:
 
     void Open(const std::string& source, const std::shared_ptr<Connection>& connection, int cursorType,
               int lockType, int options) override;
+    void ReportTo(const Progress& progress) override { progress_ = progress; }
     void Close() override { rows_.Close(); }
     std::int32_t FieldCount() const override;
     std::string FieldName(std::int32_t index) const override;
@@ -27,6 +29,7 @@ public:
     bool AtEnd() const override;
     void MoveFirst() override;
     void MoveNext() override;
+    std::optional<std::uint64_t> TotalRows() const override { return rows_.Get().total; }
 
 private:
     std::size_t CheckedField(std::int32_t index) const;
@@ -34,6 +37,7 @@ private:
 
     std::string provider_;
     Run run_;
+    Progress progress_;
     HeldAnswer<Rowset> rows_;
     std::size_t row_ = 0;
 };

@@ -242,6 +242,7 @@ public:
     bool AtEnd() const override { return rows_->AtEnd(); }
     void MoveFirst() override { rows_->MoveFirst(); }
     void MoveNext() override { rows_->MoveNext(); }
+    std::optional<std::uint64_t> TotalRows() const override { return rows_->TotalRows(); }
 
 private:
     WaitingPointer waiting_;

@@ -32,9 +32,8 @@ void RequireAllowed(const ServerAddress& address, ServerAccess access) {
 ChannelRights RequireMaySend(const ServerAddress& address, const ServerOptions& options) {
     const ServerRights rights = options.rights ? options.rights(address) : ServerRights();
     RequireAllowed(address, rights.access);
-    const ChannelRights channel = {
-        address.credentials.user.empty() ? rights.credentials : address.credentials,
-        address.isEncrypted || address.isLoopback || rights.sendsPasswordsUnencrypted};
+    ChannelRights channel = {address.credentials.user.empty() ? rights.credentials : address.credentials,
+                             address.isEncrypted || address.isLoopback || rights.sendsPasswordsUnencrypted};
     if (!channel.credentials.user.empty() && !channel.isPasswordSafe) {
         throw ServerError(
             errorServerAccess,

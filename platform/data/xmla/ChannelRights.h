@@ -6,7 +6,7 @@ namespace qel {
 
 struct ChannelRights {
     Credentials credentials;     ///< of the address or, without any, of the user's settings
-    bool isPasswordSafe = false; ///< nobody else sees it on its way, or the user does not mind
+    bool isPasswordSafe = false; ///< the connection is encrypted or local, or the user allows plain text
 };
 
 /// What a channel may send to the server. Raises AutomationError when that is nothing: for a server that the

@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <system_error>
 
@@ -13,6 +15,14 @@ namespace {
 
 bool IsTextType(std::string_view type) {
     return type.empty() || type.ends_with("string") || type.ends_with("dateTime") || type.ends_with("uuid");
+}
+
+bool IsNumberType(std::string_view type) {
+    constexpr std::array numbers = {"double",      "float",         "decimal",      "integer",
+                                    "int",         "long",          "short",        "byte",
+                                    "unsignedInt", "unsignedShort", "unsignedLong", "unsignedByte"};
+    const std::string_view name = type.substr(type.find(':') + 1);
+    return std::find(numbers.begin(), numbers.end(), name) != numbers.end();
 }
 
 } // namespace
@@ -45,6 +55,7 @@ void RowsetAnswer::StartElement(std::string_view name, const XmlAttributes& attr
         inRowType_ = attributes.Of("name") == "row";
     } else if (inRowType_ && name == "element") {
         const std::size_t field = FieldOfElement(attributes.Of("name"));
+        declaredTypes_[field] = attributes.Of("type");
         if (!attributes.Of("field").empty()) {
             fields_[field] = attributes.Of("field");
         }
@@ -76,6 +87,15 @@ void RowsetAnswer::Widen(std::vector<Variant>& row, std::size_t fields) {
     row.resize(fields, Null{});
 }
 
+void RowsetAnswer::ReadNumbers(std::vector<Variant>& row) const {
+    for (std::size_t field = 0; field < row.size(); ++field) {
+        if (IsNumberType(declaredTypes_[field]) && row[field].Is<std::string>()) {
+            const std::string text = row[field].As<std::string>();
+            row[field] = text.empty() ? Variant(Null{}) : TypedValue(declaredTypes_[field], text);
+        }
+    }
+}
+
 std::size_t RowsetAnswer::FieldOfElement(std::string_view element) {
     constexpr std::size_t mostFields = 10'000;
     const auto [found, isNew] = fieldsByElement_.try_emplace(std::string(element), fields_.size());
@@ -84,6 +104,7 @@ std::size_t RowsetAnswer::FieldOfElement(std::string_view element) {
     }
     if (isNew) {
         fields_.emplace_back(element);
+        declaredTypes_.emplace_back();
     }
     return found->second;
 }
@@ -104,6 +125,7 @@ std::string RowsetAnswer::Text(std::size_t row, const std::string& field) const 
 Rowset RowsetAnswer::TakeRowset() {
     for (auto& row : rows_) {
         Widen(row, fields_.size());
+        ReadNumbers(row);
     }
     return {.fields = std::move(fields_), .rows = std::move(rows_)};
 }

@@ -30,15 +30,18 @@ public:
     Variant Value(std::size_t row, std::size_t field) const;
     /// The text of a row's field, empty when there is none.
     std::string Text(std::size_t row, const std::string& field) const;
-    /// Fields that a row lacks are Null. Leaves the answer empty.
+    /// Fields that a row lacks are Null; texts of fields that the schema declares as numbers are Doubles.
+    /// Raises AutomationError for a malformed number. Leaves the answer empty.
     [[nodiscard]] Rowset TakeRowset();
 
 private:
     void Widen(std::vector<Variant>& row, std::size_t fields);
+    void ReadNumbers(std::vector<Variant>& row) const;
     std::size_t FieldOfElement(std::string_view element);
 
     AnswerBudget budget_;
     std::vector<std::string> fields_;
+    std::vector<std::string> declaredTypes_; ///< by the answer's schema, for each field; may be empty
     std::unordered_map<std::string, std::size_t> fieldsByElement_;
     std::vector<std::vector<Variant>> rows_;
     bool inRow_ = false;

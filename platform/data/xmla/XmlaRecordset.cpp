@@ -8,7 +8,8 @@ namespace qel {
 
 namespace {
 
-Rowset Run(const std::string& statement, const std::shared_ptr<Connection>& connection) {
+Rowset Run(const std::string& statement, const std::shared_ptr<Connection>& connection,
+           const Recordset::Progress& /*progress*/) {
     return XmlaConnection::SessionOf(connection)->ExecuteTabular(statement).TakeRowset();
 }
 

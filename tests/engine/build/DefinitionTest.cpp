@@ -187,6 +187,10 @@ TEST(Definition, NamesTheKeyThatIsWrong) {
          R"("calculatedMembers": [ { "name": "[Measures].[Net]", "formula": "1 +" } ], "sortOrders")",
          "cubes[0].calculatedMembers[0]: the cube's definition of [Measures].[Net], line 1, column 4: "
          "expected an operand, found the end of the statement, near \"1 +\""},
+        {"\"sortOrders\"", R"("details": "some", "sortOrders")",
+         "cubes[0].details: expected \"all\", or an array of columns"},
+        {"\"sortOrders\"", R"("details": [ "a", { "column": "b", "caption": "A" } ], "sortOrders")",
+         "cubes[0].details[1]: there is another detail named \"A\""},
         {"\"sortOrders\"", R"("namedSets": [ { "name": "Main ones", "formula": "{}" } ], "sortOrders")",
          "cubes[0].namedSets[0]: the cube's definition of Main ones, line 1, column 6: expected the end of "
          "the name, which takes brackets unless it is one word, found 'ones', near \"Main ones\""},

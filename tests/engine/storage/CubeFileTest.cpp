@@ -90,7 +90,9 @@ TEST(CubeFile, NamesWhatCannotBeOpened) {
 
 TEST(CubeFile, EveryDamagedByteAndEveryTruncationIsFound) {
     const TemporaryFolder folder;
-    SmallCube().Write(folder.Path("a.cub"));
+    SmallCube cube;
+    cube.KeepDetails();
+    cube.Write(folder.Path("a.cub"));
     const std::string good = folder.Read("a.cub");
     for (std::size_t place = 0; place < good.size(); ++place) {
         std::string bad = good;
@@ -383,6 +385,48 @@ TEST(CubeFile, InconsistentContentsAreFound) {
     const TemporaryFolder folder;
     for (const auto& test : cases) {
         SmallCube cube;
+        test.spoil(cube);
+        cube.Write(folder.Path("bad.cub"));
+        EXPECT_THAT(OpenFault(folder.Path("bad.cub")), HasSubstr(test.fault)) << test.what;
+    }
+}
+
+TEST(CubeFile, InconsistentDetailsAreFound) {
+    constexpr auto other = "the details belong to other facts",
+                   lines = "the lines of the details are not in order",
+                   malformed = "the detail 1 is not well-formed";
+    const struct {
+        const char* what;
+        std::function<void(SmallCube&)> spoil;
+        const char* fault;
+    } cases[] = {
+        {"a fact twice", [](auto& c) { Set(c.detailFacts[0], 1, 1, 2); }, other},
+        {"other facts",
+         [](auto& c) {
+             c.detailFacts[1] = {0, 1, 2};
+         },
+         other},
+        {"a fact that does not exist", [](auto& c) { Set(c.detailFacts[1], 1, 0, 3); },
+         "fact that does not exist"},
+        {"too few facts", [](auto& c) { c.detailFacts[1].pop_back(); },
+         "facts of the details have the wrong length"},
+        {"a text that does not exist", [](auto& c) { Set(c.detailCodes, 0, 2, 0); },
+         "a detail that does not exist"},
+        {"texts out of order", [](auto& c) { Set(c.detailOffsets, 0, 6, 5); }, "not in order"},
+        {"a text beyond the end", [](auto& c) { Set(c.detailOffsets, 0, 5, 10); }, "outside a section"},
+        {"no UTF-8", [](auto& c) { c.detailTexts[0] = '\xFF'; }, "a text that is no UTF-8"},
+        {"too few texts", [](auto& c) { c.model.details.columns[0].texts = 3; }, malformed},
+        {"codes of no width", [](auto& c) { c.model.details.columns[0].codeWidth = 0; }, malformed},
+        {"a file that does not exist", [](auto& c) { c.model.details.runs[1].file = 1; }, lines},
+        {"a late first line", [](auto& c) { c.model.details.runs[0].first = 1; }, lines},
+        {"equal lines", [](auto& c) { c.model.details.runs[1].first = 0; }, lines},
+    };
+    const TemporaryFolder folder;
+    for (const auto& test : cases) {
+        SmallCube cube;
+        cube.KeepDetails();
+        cube.Write(folder.Path("good.cub"));
+        EXPECT_EQ(OpenFault(folder.Path("good.cub")), "no fault");
         test.spoil(cube);
         cube.Write(folder.Path("bad.cub"));
         EXPECT_THAT(OpenFault(folder.Path("bad.cub")), HasSubstr(test.fault)) << test.what;

@@ -100,6 +100,16 @@ void SmallCube::SumByAccounts() {
     aggregateValues.clear();
 }
 
+void SmallCube::KeepDetails() {
+    model.keepsDetails = true;
+    model.sources = {{"lines.csv", 3, 3, 0, {7, 3}}};
+    model.details = {{{"text", "Text", 2, 1, 4}}, {{0, 0, 2}, {2, 0, 5}}};
+    detailFacts = {{0, 1, 2}, {1, 0, 2}};
+    detailCodes = {0, 1, 0};
+    detailOffsets = {0, 5, 9};
+    detailTexts = "breadmilk";
+}
+
 void SmallCube::AddTo(CubeFileWriter& writer) const {
     const std::uint32_t cube = writer.AddCube(model);
     for (std::size_t order = 0; order < std::min(keys.size(), model.projections.size()); ++order) {
@@ -115,6 +125,19 @@ void SmallCube::AddTo(CubeFileWriter& writer) const {
         writer.BeginValues(cube, order, 0);
         writer.Append(std::as_bytes(std::span(values[order])));
         writer.End();
+    }
+    const auto section = [&](format::SectionKind kind, std::size_t first, const auto& content) {
+        writer.Begin({static_cast<std::uint32_t>(kind), cube, static_cast<std::uint32_t>(first), 0});
+        writer.Append(std::as_bytes(std::span(content)));
+        writer.End();
+    };
+    for (std::size_t order = 0; order < detailFacts.size(); ++order) {
+        section(format::SectionKind::DetailFacts, order, detailFacts[order]);
+    }
+    if (model.keepsDetails) {
+        section(format::SectionKind::DetailCodes, 0, detailCodes);
+        section(format::SectionKind::DetailOffsets, 0, detailOffsets);
+        section(format::SectionKind::DetailTexts, 0, detailTexts);
     }
     if (!hasAggregates) {
         return;

@@ -22,12 +22,18 @@ struct SmallCube {
     std::vector<std::uint8_t> aggregateFirms;
     std::vector<std::int8_t> aggregateValues;
     bool hasAggregates = true;
+    std::vector<std::vector<std::uint8_t>> detailFacts; ///< by sort order; none without details
+    std::vector<std::uint8_t> detailCodes;
+    std::vector<std::uint32_t> detailOffsets;
+    std::string detailTexts;
 
     SmallCube();
     /// Facts over several pages, without aggregates; those of row r have the value `valueOf(r)`.
     SmallCube(std::size_t rows, const std::function<std::int8_t(std::size_t row)>& valueOf);
     /// Makes the accounts the time column, with two buckets, and keeps only the prefix-sum aggregate.
     void SumByAccounts();
+    /// Keeps a text of each line: "bread", "milk", "bread".
+    void KeepDetails();
     HierarchyModel& Accounts() { return model.dimensions[0].hierarchies[0]; }
     /// Adds this cube and its facts to a file of several cubes.
     void AddTo(CubeFileWriter& writer) const;

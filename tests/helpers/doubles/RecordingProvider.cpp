@@ -233,11 +233,18 @@ class RecordedRecordset : public InMemoryRecordset {
 public:
     explicit RecordedRecordset(RecordingProvider& provider)
         : InMemoryRecordset("RecordingProvider",
-                            [&provider](const std::string&, const std::shared_ptr<Connection>& connection) {
+                            [&provider](const std::string& statement,
+                                        const std::shared_ptr<Connection>& connection, const Progress&) {
                                 RequireOpen(connection);
                                 FailIf(provider.failingStatement);
-                                return Rowset{std::vector<std::string>(provider.recordFields, "field"),
-                                              provider.recordRows};
+                                const std::string& refused = provider.refusedWord;
+                                FailIf(!refused.empty() && statement.find(refused) != std::string::npos ? 5
+                                                                                                        : 0);
+                                std::vector<std::string> fields(provider.recordFields, "field");
+                                if (!fields.empty()) {
+                                    fields.back() = provider.lastField;
+                                }
+                                return Rowset{std::move(fields), provider.recordRows};
                             }),
           provider_(provider) {}
 

@@ -36,6 +36,8 @@ public:
     std::vector<CellsetMember> rowMembers;        ///< the members of a cellset's rows axis, one per position
     std::vector<std::vector<Variant>> recordRows; ///< of every recordset
     std::size_t recordFields = 0;
+    std::string lastField = "field"; ///< the others are called "field"
+    std::string refusedWord;         ///< recordsets are refused for statements with it
     // The number of the error that an operation raises; 0 for none.
     std::int32_t failingOpen = 0, failingCatalog = 0, failingStatement = 0;
     std::vector<std::string> log;

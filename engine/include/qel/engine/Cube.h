@@ -112,6 +112,12 @@ struct Measure {
     std::uint8_t decimals = 0; ///< of its sums: amounts times 10^decimals are integers
 };
 
+/// A column of the ledger whose texts the cube keeps for each fact.
+struct Detail {
+    std::string name;    ///< the column
+    std::string caption; ///< what lines call it
+};
+
 /// One cube of a file: metadata, read and checked when the file was opened, and the mapped facts.
 /// Thread-safe. Valid as long as the file is open; CubeFile::FindCube returns shared ownership.
 class Cube {
@@ -125,6 +131,9 @@ public:
     std::size_t DefaultMeasure() const { return defaultMeasure_; }
     /// The calculated members and named sets that the cube's definition gave it.
     const Calculations& GetCalculations() const { return calculations_; }
+    /// Whether the ledger's order of the facts, their lines and the texts of these columns are kept.
+    bool KeepsDetails() const;
+    std::vector<Detail> Details() const;
     std::uint64_t FactCount() const;
     /// The sort orders in which the facts are stored, at least one: the names of the ledger's columns, most
     /// significant first.

@@ -206,6 +206,8 @@ class Handler(http.server.BaseHTTPRequestHandler):
             if " ON ROWS FROM " in body:
                 self.server.lie(grid)
             self.answer(200, grid.answer())
+        elif "DRILLTHROUGH" in body:
+            self.answer(200, self.server.lines)
         elif name in EXECUTES:
             self.answer(*EXECUTES[name])
         else:
@@ -328,6 +330,23 @@ class HostileServer(unittest.TestCase):
             self.assertIn(shown, output, path)
         status, output, errors = self.mdx(self.address("empty-cell"), catalog="books & MORE")
         self.assertEqual((status, errors), (0, ""))
+
+    def test_the_lines_of_a_server(self):
+        schema = ('<xsd:schema xmlns:xsd="http://www.w3.org/2001/XMLSchema"><xsd:complexType name="row"><xsd:sequence>'
+                  '<xsd:element name="Account" sql:field="[Accounts].[Account]" type="xsd:string"/>'
+                  '<xsd:element name="Amount" sql:field="[Measures].[Amount]" type="%s"/></xsd:sequence></xsd:complexType>'
+                  "</xsd:schema>").replace("sql:field", 'xmlns:sql="urn:sql" sql:field')
+        lines = rows({"Account": "4000", "Amount": "4.5"}, {"Account": "4000", "Amount": "-0.25"})
+        wrong = rows({"Account": "4000", "Amount": "4,25"})
+        cases = [("xsd:double", lines, 0, "2 lines, sum 4.25"), ("xsd:double", wrong, 1, "'4,25' as a number"),
+                 ("xsd:double", rows({"Account": "4000", "Amount": "4"}), 1, "the lines add up to 4, and"),
+                 (None, rows({"Account": "4000"}), 0, "1 line, without their amounts; the formula's value is 4.25")]
+        for kind, answer, ended, words in cases:
+            self.server.lines = answer.replace("<root>", "<root>" + schema % kind) if kind else answer
+            status, output, errors = self.qel("lines", "--allow-server", self.origin(), self.value_formula("good"))
+            with self.subTest(words):
+                self.assertIn(words, output + errors)
+                self.assertEqual(status, ended)
 
     def test_every_failure_is_reported_in_time(self):
         for what, path, words in FAILURES:
