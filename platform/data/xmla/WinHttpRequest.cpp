@@ -71,6 +71,9 @@ void CALLBACK WinHttpRequest::TakeNote(HINTERNET /*handle*/, DWORD_PTR context, 
     case WINHTTP_CALLBACK_STATUS_REQUEST_ERROR:
         exchange.error = static_cast<const WINHTTP_ASYNC_RESULT*>(information)->dwError;
         break;
+    case WINHTTP_CALLBACK_STATUS_DATA_AVAILABLE:
+        exchange.bytes = *static_cast<const DWORD*>(information);
+        break;
     case WINHTTP_CALLBACK_STATUS_READ_COMPLETE:
         exchange.bytes = length;
         break;
@@ -97,10 +100,16 @@ DWORD WinHttpRequest::ReceiveHead(const Patience& patience) {
 }
 
 DWORD WinHttpRequest::Read(std::string_view& piece, const Patience& patience) {
+    piece = {};
+    // Wine fills the memory that it is given before it reports, however slowly the bytes come. So no more is
+    // asked for than is there.
+    DWORD error = Await(::WinHttpQueryDataAvailable(handle_.get(), nullptr), patience);
+    if (error != 0 || exchange_->bytes == 0) {
+        return error;
+    }
     auto& memory = exchange_->piece;
-    const DWORD error =
-        Await(::WinHttpReadData(handle_.get(), memory.data(), static_cast<DWORD>(memory.size()), nullptr),
-              patience);
+    const DWORD wanted = std::min(exchange_->bytes, static_cast<DWORD>(memory.size()));
+    error = Await(::WinHttpReadData(handle_.get(), memory.data(), wanted, nullptr), patience);
     piece = {memory.data(), error == 0 ? exchange_->bytes : 0};
     return error;
 }
