@@ -50,7 +50,7 @@ WinHttpRequest::WinHttpRequest(const InternetHandle& connection, const std::wstr
     if (::WinHttpSetStatusCallback(handle_.get(), &TakeNote, reports, 0) != WINHTTP_INVALID_STATUS_CALLBACK &&
         ::WinHttpSetOption(handle_.get(), WINHTTP_OPTION_CONTEXT_VALUE, &context_, sizeof context_) !=
             FALSE) {
-        shared.release(); // TakeNote deletes it
+        static_cast<void>(shared.release()); // the handle's; TakeNote takes it back
     } else {
         handle_.reset();
     }
@@ -65,9 +65,10 @@ void CALLBACK WinHttpRequest::TakeNote(HINTERNET /*handle*/, DWORD_PTR context, 
     }
     Exchange& exchange = **shared;
     switch (status) {
-    case WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING: // the last report
-        delete shared;
+    case WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING: { // the last report
+        const std::unique_ptr<std::shared_ptr<Exchange>> last(shared);
         return;
+    }
     case WINHTTP_CALLBACK_STATUS_REQUEST_ERROR:
         exchange.error = static_cast<const WINHTTP_ASYNC_RESULT*>(information)->dwError;
         break;

@@ -51,7 +51,7 @@ protected:
             return isSecond ? remember_ : allow_;
         };
     }
-    ~ServerQuestion() override { std::filesystem::remove_all(SettingsFolder()); }
+    void TearDown() override { std::filesystem::remove_all(SettingsFolder()); }
 
     std::string Calculate(const std::string& address) {
         LedgerCall call;
