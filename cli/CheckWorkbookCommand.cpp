@@ -32,7 +32,8 @@ constexpr const char* checkFooter =
   no cube file    the formula's cube file is missing
   #VALUE!         the formula fails, and its cell shows so
   not checked     an argument is computed in a way that is not known here, or the file does not have its value
-Cells and names that arguments refer to have the values that the file keeps. A relative path of a cube file starts at
+Every call counts, one in a branch of IF that is not taken, too. Cells and names that arguments refer to have the values
+that the file keeps. A relative path of a cube file starts at
 the folder of the workbook; if there is no such file, at the current folder. The exit status is 1 if anything is found,
 or a file cannot be read. What is not checked alone is no failure; --strict takes it for one.
 

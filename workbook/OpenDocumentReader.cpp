@@ -124,6 +124,10 @@ void ReadNames(Workbook& workbook, const pugi::xml_node& parent, const std::stri
 } // namespace
 
 Workbook ReadOpenDocument(ZipFile& file) {
+    const std::string manifest = "META-INF/manifest.xml";
+    if (file.Has(manifest) && file.Read(manifest).find(":encryption-data") != std::string::npos) {
+        throw WorkbookError("it needs a password; save it without one");
+    }
     pugi::xml_document document;
     LoadPart(file, "content.xml", document);
     const auto content = document.document_element().child("office:body").child("office:spreadsheet");

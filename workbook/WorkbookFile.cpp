@@ -14,6 +14,7 @@ namespace qel {
 namespace {
 
 constexpr std::size_t mostCellsOfSheet = 5'000'000;
+constexpr std::ptrdiff_t mostTags = 16'000'000; // in memory an element takes more than its text
 
 int NumberIn(std::string_view text, std::size_t place, std::size_t size) {
     int number = -1;
@@ -45,6 +46,9 @@ Workbook ReadWorkbook(const std::filesystem::path& path) {
 
 void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& document) {
     const std::string bytes = file.Read(name);
+    if (std::count(bytes.begin(), bytes.end(), '<') > mostTags) {
+        throw WorkbookError(fmt::format("its part {} has more than {} tags", name, mostTags));
+    }
     const auto result =
         document.load_buffer(bytes.data(), bytes.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
     if (!result) {

@@ -12,7 +12,7 @@ namespace qel {
 namespace {
 
 /// Of all parts together: a few million cells.
-constexpr std::uint64_t mostUnpacked = std::uint64_t{1} << 30U;
+constexpr std::uint64_t mostUnpacked = std::uint64_t{1} << 28U;
 constexpr std::size_t endSize = 22, entrySize = 46, headerSize = 30;
 constexpr std::uint32_t stored = 0, deflated = 8;
 

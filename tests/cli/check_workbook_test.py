@@ -136,8 +136,12 @@ class CheckWorkbook(Workbooks):
                 content[choose.randrange(len(content))] = choose.randrange(256)
             file.write_bytes(content)
             self.assertIn(run("check-workbook", file)[0], (0, 1), "no crash")
+        with zipfile.ZipFile(file, "w") as archive:
+            archive.writestr("META-INF/manifest.xml", "<manifest:encryption-data/>")
+            archive.writestr("content.xml", bytes(range(256)))
+        self.assertIn("needs a password", run("check-workbook", file)[2])
         record = whole.rindex(b"xl/sharedStrings.xml") - 46  # of the archive's directory
-        for size, words in ((1 << 30) + 1, "more than 1024 MiB"), (1 << 29, "damaged"):
+        for size, words in ((1 << 28) + 1, "more than 256 MiB"), (1 << 27, "damaged"):
             file.write_bytes(whole[:record + 24] + size.to_bytes(4, "little") + whole[record + 28:])
             self.assertIn(words, run("check-workbook", file)[2])
 
