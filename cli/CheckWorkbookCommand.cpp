@@ -218,8 +218,8 @@ void CheckWorkbooks(CommandContext& context, const CheckOptions& options) {
         unchecked += formula.finding == notChecked ? 1U : 0U;
     }
     const std::size_t found = check.Listed().size() - unchecked;
-    context.messages << fmt::format("qel check-workbook: {} formulas, {} found, {} not checked\n",
-                                    check.Formulas(), found, unchecked);
+    context.messages << fmt::format("qel check-workbook: {} formula{}, {} found, {} not checked\n",
+                                    check.Formulas(), check.Formulas() == 1 ? "" : "s", found, unchecked);
     context.failed = context.failed || found > 0 || (options.strict && unchecked > 0);
 }
 
