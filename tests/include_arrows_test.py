@@ -9,7 +9,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 PORTS = ("text platform/value platform/data platform/settings platform/database platform/tables platform/dialog"
          " platform/sheet")
-PRODUCT = "text platform/* engine/include support store lang cube wizard function function/formula batch"
+PRODUCT = "text platform/* engine/include support store lang cube wizard function function/formula lines batch"
 # Folders, and what they may include besides themselves; ".." is the folder above. The first row that fits counts.
 MAY_INCLUDE = {
     "text": "",
@@ -32,6 +32,7 @@ MAY_INCLUDE = {
     "wizard": f"{PORTS} support store lang cube",
     "function/formula": "text platform/value cube",
     "function": f"{PORTS} support store lang cube wizard function/formula",
+    "lines": f"{PORTS} support store lang cube wizard function function/formula",
     "batch": f"{PORTS} support store lang cube wizard function",
     "cli": f"{PRODUCT} files",  # the doors
     "calc": PRODUCT,

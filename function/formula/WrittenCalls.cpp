@@ -75,6 +75,10 @@ std::optional<WrittenCall> ReadArguments(std::string_view formula, WrittenCall c
 
 } // namespace
 
+bool IsNameCall(const WrittenCall& call) {
+    return EqualIgnoringCase(call.function, "QelName") || EqualIgnoringCase(call.function, "RetQelName");
+}
+
 std::vector<WrittenCall> FindCalls(std::string_view formula) {
     std::vector<WrittenCall> calls;
     for (std::size_t at = 0, next = 0; at < formula.size(); at = next) {
