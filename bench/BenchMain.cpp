@@ -105,6 +105,20 @@ void PrintListings(const BenchOptions& options, const BenchData& data, LedgerCub
     report.Number("slowest list ms", slowest);
 }
 
+/// Times the lines behind the first formulas: of the median cell and of the slowest.
+void PrintLines(const BenchOptions& options, const BenchData& data, const Workload& all, Report& report) {
+    constexpr std::size_t mostCells = 2'000;
+    std::vector<Selection> some(all.Formulas().begin(),
+                                all.Formulas().begin() +
+                                    static_cast<std::ptrdiff_t>(std::min(mostCells, all.Formulas().size())));
+    const auto lines = Workload(data, std::move(some), options.seed).FirstLines(options.rounds);
+    const double median = lines.Quantile(0.5) / 1e3, slowest = lines.Quantile(1) / 1e3;
+    report.Number("lines median ms", median);
+    report.Number("lines slowest ms", slowest);
+    fmt::print("  first 100 lines of a cell: {:.2f} ms in the median, {:.1f} ms of the slowest\n", median,
+               slowest);
+}
+
 /// Times the formulas of one cube. Returns the number of values that differ from a peer's.
 std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePeer& sqlite,
                     DuckDbPeer* duckDb, LedgerCube cube, Report& report) {
@@ -130,6 +144,7 @@ std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePe
     }
 
     PrintListings(options, data, cube, report);
+    PrintLines(options, data, all, report);
     if (!sqlite.HasFacts()) {
         return 0;
     }

@@ -1,5 +1,7 @@
 #include "bench/Workload.h"
 
+#include "cube/CellLines.h"
+#include "cube/CubeConnection.h"
 #include "engine/eval/StatementPlan.h"
 #include "examples/ledger/reference/FormulaCell.h"
 #include "qel/engine/CubeFile.h"
@@ -82,6 +84,27 @@ Timings Workload::EngineAlone(int rounds) const {
     for (int round = 0; round < rounds; ++round) {
         for (std::size_t i = 0; i < plans.size(); ++i) {
             timings.Measure(i, [&] { return plans[i]->Run(); });
+        }
+    }
+    return timings;
+}
+
+Timings Workload::FirstLines(int rounds) const {
+    EmbeddedDataAccess embedded;
+    const Providers providers(embedded);
+    const bool byMonths = formulas_.front().cube == ledger::LedgerCube::Months;
+    const auto own = providers.Connect(ModSetCube::ComposeConnectionText(
+        data_.cubeFile.string(), byMonths ? "LedgerFNC" : "LedgerHebrewFNC"));
+    const auto statements = Statements();
+    Timings timings(statements.size());
+    for (int round = 0; round < rounds; ++round) {
+        for (std::size_t i = 0; i < statements.size(); ++i) {
+            timings.Measure(i, [&] {
+                const auto lines = own.provider.CreateRecordset();
+                lines->Open("DRILLTHROUGH MAXROWS 100 " + statements[i], own.connection, optionsUnspecified,
+                            optionsUnspecified, optionsUnspecified);
+                return ModSetCube::ReadRows(*lines).rows.size();
+            });
         }
     }
     return timings;

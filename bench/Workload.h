@@ -22,6 +22,8 @@ public:
     Timings Recalculation(int rounds) const;
     /// The statements' plans alone, which every formula was turned into before: from the plan to the cell.
     Timings EngineAlone(int rounds) const;
+    /// The first 100 lines behind every formula, read as a spreadsheet reads them.
+    Timings FirstLines(int rounds) const;
     /// Formulas a second of so many threads, each with a connection of its own, in the best of the rounds.
     double FormulasPerSecond(std::size_t threads, int rounds) const;
     /// What every formula shows.

@@ -27,6 +27,7 @@ for cube in ("months", "days"):
         (f"{cube}: sheet of 834 × 12, recalculated, ms", cube, "sheet known ms", "{:.0f}"),
         (f"{cube}: sheet of 834 × 12, new, ms", cube, "sheet new ms", "{:.0f}"),
         (f"{cube}: slowest list of members, ms", cube, "slowest list ms", "{:.1f}"),
+        (f"{cube}: first 100 lines of a cell, median, slowest, ms", cube, ("lines median ms", "lines slowest ms"), "{:.2f}"),
         (f"{cube}: formulas per second (elapsed), 1 and 2 threads", cube, ("threads 1 per second", "threads 2 per second"), "{:,.0f}"),
         (f"{cube}: SQLite, cells per second", cube, "SQLite per second", "{:,.0f}"),
         (f"{cube}: times faster than SQLite, formula, engine", cube, ("SQLite ratio formula", "SQLite ratio engine"), "{:,.0f}"),

@@ -1,10 +1,10 @@
 #include "cli/CubeCheck.h"
 
-#include "cli/ValueText.h"
 #include "cube/CubeConnection.h"
 #include "cube/CubeDates.h"
 #include "cube/CubeLayout.h"
 #include "function/OrmQelFunction.h"
+#include "platform/value/ValueText.h"
 
 #include <fmt/format.h>
 #include <fmt/ostream.h>

@@ -1,15 +1,18 @@
 #include "cli/EvalCommand.h"
 
 #include "batch/CallBatch.h"
-#include "cli/FailureText.h"
 #include "cli/InputLines.h"
-#include "cli/RunFormula.h"
-#include "cli/ValueText.h"
-#include "cli/ZeroReasons.h"
+#include "cube/CellLines.h"
 #include "function/formula/FormulaError.h"
 #include "function/formula/ParseFormula.h"
 #include "platform/data/ConnectionText.h"
+#include "platform/data/embedded/CubeSource.h"
 #include "platform/value/AutomationError.h"
+#include "platform/value/Conversion.h"
+#include "platform/value/FailureText.h"
+#include "platform/value/ValueText.h"
+#include "reason/RunFormula.h"
+#include "reason/ValueReason.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -32,12 +35,15 @@ arguments (ObsName to ActivityList) stand in braces or are numbers: a plain text
 A call that fails prints #VALUE!, its reason goes to standard error, and the exit status is 1. Where a cell would show
 0 instead of an error, so does this; one line on standard error then tells how many, and that qel explain tells why.
 --strict tells each such error, and exits with 1. --why prints beside each 0, after a tab, why it is 0.
+--against prints behind each value, after tabs, that of the same formula over another cube file, and how much the first
+is more than the second.
 
 Examples:
   qel eval '=QelF1("demo.cub","LedgerFNC",{"OBS"},{"1"},{"All"},{"All"},{"All"},"All","All","4000","Amount",
             "All","All","All","All","All","01/01/2024","31/03/2024")'
   qel eval '=QelName("demo.cub","LedgerFNC","SuperSum1","42")'
-  qel eval < formulas.txt)";
+  qel eval < formulas.txt
+  qel eval --against march.cub < formulas.txt)";
 
 /// A formula as it was read: bound, or with the reason why it cannot be.
 struct ReadFormula {
@@ -55,6 +61,7 @@ const ValueCall* ServerCallOf(const ReadFormula& formula) {
 struct EvalOptions {
     bool strict = false; ///< errors that a cell hides are failures
     bool why = false;    ///< say why a 0 is 0
+    std::string against; ///< another cube file, whose values are shown as well
 };
 
 /// Evaluates one formula after the other with one object, as the cells of a sheet do. Those that ask servers
@@ -62,9 +69,10 @@ struct EvalOptions {
 class Evaluator {
 public:
     Evaluator(CommandContext& context, EvalOptions options)
-        : context_(context), options_(options), batch_(context.providers),
-          object_({thread_, context.providers, context.locale}), reasons_(context.providers, context.locale) {
-    }
+        : context_(context), options_(std::move(options)), batch_(context.providers),
+          object_({thread_, context.providers, context.locale}),
+          other_({otherThread_, context.providers, context.locale}),
+          reasons_(context.providers, context.locale) {}
 
     ReadFormula Read(std::string_view text, std::string label) const {
         ReadFormula read{std::move(label), std::nullopt, {}};
@@ -151,11 +159,37 @@ private:
         const bool hidesError = !result.masked.empty() || (options_.strict && isNoName);
         const bool explains = options_.why && ShowsZero(result, context_.locale);
         const std::string reason = hidesError || explains ? Reason(formula, result) : std::string();
-        Print(ValueText(result.value) + (explains ? "\t" + reason : ""));
-        if (hidesError && options_.strict) {
-            Tell(formula.label, reason);
-        } else if (hidesError && hidden_++ == 0) {
-            firstHidden_ = formula.label;
+        const std::string compared = options_.against.empty() ? "" : '\t' + Compared(formula, result.value);
+        Print(ValueText(result.value) + compared + (explains ? "\t" + reason : ""));
+        if (hidesError) {
+            NoteHidden(formula.label, reason);
+        }
+    }
+
+    /// The value over the other cube file, and the difference after a tab: none between texts.
+    std::string Compared(const ReadFormula& formula, const Variant& value) {
+        const FormulaResult other = RunFormula(other_, OverOtherFile(*formula.call, options_.against));
+        if (!other.masked.empty()) {
+            NoteHidden(fmt::format("{} over {}", formula.label, options_.against),
+                       other.failure ? FailureText(*other.failure) : other.masked);
+        }
+        const bool areNumbers = IsNumeric(value, context_.locale) && IsNumeric(other.value, context_.locale);
+        return ValueText(other.value) + '\t' +
+               (areNumbers ? NumberText(Difference(ToDouble(value, context_.locale),
+                                                   ToDouble(other.value, context_.locale)))
+                           : "");
+    }
+
+    /// As decimals, so that cents stay cents.
+    static double Difference(double value, double other) {
+        return ModSetCube::SumOfField({{""}, {{value}, {-other}}}, 0);
+    }
+
+    void NoteHidden(const std::string& label, const std::string& reason) {
+        if (options_.strict) {
+            Tell(label, reason);
+        } else if (hidden_++ == 0) {
+            firstHidden_ = label;
         }
     }
 
@@ -164,14 +198,7 @@ private:
         if (!options_.strict && !options_.why) {
             return {};
         }
-        auto reasons = reasons_.Of(*formula.call);
-        if (reasons.empty() && result.failure) {
-            return FailureText(*result.failure);
-        }
-        if (reasons.empty()) {
-            reasons = reasons_.Alternatives(*formula.call);
-        }
-        return fmt::format("{}", fmt::join(reasons, "; "));
+        return fmt::format("{}", fmt::join(ReasonTexts(reasons_.Why(*formula.call, result)), "; "));
     }
 
     void Fail(const std::string& label, std::string_view reason) {
@@ -191,6 +218,8 @@ private:
     batch::CallBatch batch_;
     ModSetCube::ThreadState thread_;
     OrmQelFunction object_;
+    ModSetCube::ThreadState otherThread_;
+    OrmQelFunction other_; ///< over the other cube file
     ZeroReasons reasons_;
     std::size_t hidden_ = 0; ///< errors that worksheets show as 0
     std::string firstHidden_;
@@ -236,7 +265,13 @@ void AddEvalCommand(CLI::App& app, CommandContext& context) {
     auto options = std::make_shared<EvalOptions>();
     command->add_flag("--strict", options->strict, "Fail for errors that a cell shows as 0 or \"-\"");
     command->add_flag("--why", options->why, "Print beside each 0 why it is 0");
+    command->add_option("--against", options->against, "Print the values over this cube file, too")
+        ->option_text("OTHER.cub");
     command->callback([formulas, options, &context] {
+        context.AllowNamed(options->against);
+        if (!options->against.empty() && !IsServerAddress(options->against)) {
+            RequireCubeFile(options->against);
+        }
         Evaluator evaluator(context, *options);
         if (formulas->empty()) {
             EvaluateLines(evaluator, context);

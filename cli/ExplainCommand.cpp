@@ -1,15 +1,9 @@
 #include "cli/ExplainCommand.h"
 
-#include "cli/FailureText.h"
-#include "cli/PeriodNotes.h"
-#include "cli/Recording.h"
-#include "cli/RunFormula.h"
-#include "cli/ValueText.h"
-#include "cli/ZeroReasons.h"
 #include "function/formula/FormulaError.h"
 #include "function/formula/ParseFormula.h"
-#include "platform/data/ConnectionText.h"
-#include "platform/value/Conversion.h"
+#include "platform/value/FailureText.h"
+#include "reason/ValueReason.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -20,7 +14,7 @@ namespace qel {
 namespace {
 
 constexpr const char* explainDescription =
-    "Show how a formula gets its value: keys, connection, statement, times";
+    "Show how a formula gets its value: members, statement, periods, hidden error, times";
 
 constexpr const char* explainFooter =
     R"(The statement stands exactly as it was sent between the lines "---- statement ----" and
@@ -37,11 +31,11 @@ double Microseconds(std::chrono::nanoseconds time) {
     return std::chrono::duration<double, std::micro>(time).count();
 }
 
-std::string ListText(const KeyList& list, const Locale& locale) {
+std::string ListText(const ArgumentReason& argument) {
     std::string text;
-    for (const auto& key : list) {
-        const auto shown = key.Is<Empty>() ? "(empty)" : fmt::format("\"{}\"", ToText(key, locale));
-        text += fmt::format("{}{}", text.empty() ? "" : ", ", shown);
+    for (const auto& key : argument.given) {
+        const std::string shown = key ? fmt::format("\"{}\"", *key) : "(empty)";
+        text += (text.empty() ? "" : ", ") + shown;
     }
     return text;
 }
@@ -50,122 +44,107 @@ std::string ListText(const KeyList& list, const Locale& locale) {
 class Explanation {
 public:
     Explanation(CommandContext& context, const Formula& formula, const FormulaCall& call)
-        : context_(context), formula_(formula), call_(call),
-          object_({thread_, Listening(context.providers), context.locale}) {}
+        : context_(context), formula_(formula), call_(call), reasons_(context.providers, context.locale) {}
 
     void Print() {
+        reason_ = reasons_.Of(call_);
         PrintKeyLists();
-        const auto start = Clock::now();
-        const FormulaResult result = RunFormula(object_, call_);
-        const auto time = Clock::now() - start;
-        const auto openTime = recording_.openTime;
+        PrintMembers();
         PrintSent();
         PrintPeriods();
-        Line("value", ValueText(result.value));
-        PrintTrapped(result);
-        PrintReasons(result);
-        PrintTimes(openTime, time);
+        Line("value", reason_.value);
+        if (reason_.lineCount) {
+            Line("lines", std::to_string(*reason_.lineCount));
+        }
+        PrintTrapped();
+        PrintReasons();
+        PrintTimes();
     }
 
 private:
-    Providers Listening(Providers providers) {
-        providers.observer = &recording_;
-        return providers;
-    }
-
     void Line(std::string_view label, std::string_view text) {
         fmt::print(context_.output, "{:<17}{}\n", fmt::format("{}:", label), text);
     }
 
-    /// Every list is made before one is printed: a call that fails prints none.
-    void PrintKeyLists() {
-        const auto* value = std::get_if<ValueCall>(&call_.arguments);
-        if (value == nullptr) {
-            return;
-        }
-        constexpr const char* names[] = {"ObsName", "ObsNum", "ObsLevel", "ObsMember", "Activity"};
-        std::size_t number = 0;
-        for (const auto list : valueCallLists) {
-            PrintKeyList(names[number++], KeysOf(call_.function, value->*list, context_.locale));
+    void Lines(std::string_view label, const std::vector<Reason>& reasons) {
+        for (const Reason& reason : reasons) {
+            Line(label, ReasonText(reason));
         }
     }
 
-    void PrintKeyList(std::string_view name, const KeyList& list) {
-        Line(fmt::format("{} keys", name), ListText(list, context_.locale));
-        if (list.size() > 1) {
-            Line("note", fmt::format("only the first key of {} is used", name));
+    void PrintKeyLists() {
+        if (!std::holds_alternative<ValueCall>(call_.arguments)) {
+            return;
+        }
+        constexpr std::ptrdiff_t firstList = 2;
+        constexpr const char* names[] = {"ObsName", "ObsNum", "ObsLevel", "ObsMember", "Activity"};
+        auto list = reason_.arguments.begin() + firstList;
+        for (const char* name : names) {
+            Line(fmt::format("{} keys", name), ListText(*list));
+            if (list->given.size() > 1) {
+                Line("note", ReasonText({ReasonCode::FirstKeyOnly, {name}}));
+            }
+            ++list;
+        }
+    }
+
+    /// The members that the value is restricted to.
+    void PrintMembers() {
+        for (const ArgumentReason& argument : reason_.arguments) {
+            std::string text;
+            for (const auto& member : argument.members) {
+                text += fmt::format("{}{}{}", text.empty() ? "" : "; ", member.uniqueName,
+                                    member.caption == argument.key ? "" : ", " + member.caption);
+            }
+            if (!text.empty()) {
+                Line(argument.name, text);
+            }
         }
     }
 
     void PrintSent() {
-        for (const auto& text : recording_.connectionTexts) {
-            Line("connection", WithoutPasswords(text));
+        for (const auto& text : reason_.connections) {
+            Line("connection", text);
         }
-        if (recording_.statements.empty()) {
+        if (reason_.statements.empty()) {
             Line("statement", "(none was sent)");
-            PrintOutsideDates();
+            if (reason_.unsent) {
+                Line("reason", ReasonText(*reason_.unsent));
+            }
             return;
         }
-        for (const auto& statement : recording_.statements) {
+        for (const auto& statement : reason_.statements) {
             fmt::print(context_.output, "---- statement ----\n{}\n---- end of statement ----\n", statement);
-        }
-    }
-
-    void PrintOutsideDates() {
-        const auto* call = std::get_if<ValueCall>(&call_.arguments);
-        if (!call || thread_.dates.CubeDates.empty() || !thread_.dates.earlier.empty() ||
-            !thread_.datesAreCurrent) {
-            return;
-        }
-        const auto& dates = thread_.dates;
-        const bool isOutside = call->From_Date <= call->To_Date &&
-                               (call->To_Date < dates.CubeMinDate || call->From_Date > dates.CubeMaxDate);
-        if (isOutside) {
-            Line("reason", fmt::format("no statement was sent: the dates lie outside the cube's, {} to {}",
-                                       ToText(dates.CubeMinDate, context_.locale),
-                                       ToText(dates.CubeMaxDate, context_.locale)));
         }
     }
 
     /// Which periods the dates select, and how their texts are read.
     void PrintPeriods() {
-        const auto* call = std::get_if<ValueCall>(&call_.arguments);
-        if (call == nullptr) {
-            return;
+        if (const auto* call = std::get_if<ValueCall>(&call_.arguments)) {
+            Lines("note", SwappedDates(formula_, *call, context_.locale));
         }
-        for (const auto& note : SwappedDates(formula_, *call, context_.locale)) {
-            Line("note", note);
-        }
-        if (!thread_.datesAreCurrent) {
-            return;
-        }
-        const char* label = "periods";
-        for (const auto& note : PeriodNotes(thread_.dates, *call, context_.locale)) {
-            Line(label, note);
-            label = "note";
+        if (reason_.periods) {
+            Line("periods", ReasonText(reason_.periods->periods));
+            Lines("note", reason_.periods->notes);
+            Line("rule", ReasonText(reason_.periods->rule));
         }
     }
 
-    /// Prints the known reasons why a value formula shows 0.
-    void PrintReasons(const FormulaResult& result) {
-        ZeroReasons reasons(context_.providers, context_.locale);
-        for (const auto& note : reasons.Ignored(call_)) {
-            Line("note", note);
-        }
-        if (!ShowsZero(result, context_.locale)) {
-            return;
-        }
-        auto found = reasons.Of(call_);
-        if (found.empty() && !result.failure) {
-            found = reasons.Alternatives(call_);
-        }
-        for (const auto& reason : found) {
-            Line("why", reason);
+    /// What is known of why the formula shows 0.
+    void PrintReasons() {
+        Lines("note", reason_.notes);
+        const auto& failure = reason_.result.failure;
+        const std::string told = failure ? ReasonText(FailureReason(*failure)) : std::string();
+        for (const auto& text : ReasonTexts(reason_.why)) {
+            if (text != told) {
+                Line("why", text);
+            }
         }
     }
 
     /// The failure that the function shows as 0 or "-", if there is one.
-    void PrintTrapped(const FormulaResult& result) {
+    void PrintTrapped() {
+        const FormulaResult& result = reason_.result;
         std::string masked = result.masked;
         if (masked == "#ERR 11111111") {
             masked += " (the start date is later than the end date)";
@@ -178,24 +157,23 @@ private:
         }
     }
 
-    void PrintTimes(std::chrono::nanoseconds openTime, std::chrono::nanoseconds firstTime) {
+    void PrintTimes() {
         // A sheet's formulas find the cube open: a later call is what each of them costs.
-        RunFormula(object_, call_);
+        reasons_.Run(call_);
         const auto start = Clock::now();
-        RunFormula(object_, call_);
+        reasons_.Run(call_);
         const auto again = Clock::now() - start;
-        Line("open", fmt::format("{:.1f} µs", Microseconds(openTime)));
-        Line("first call",
-             fmt::format("{:.1f} µs (with the opening and the cube's dates)", Microseconds(firstTime)));
+        Line("open", fmt::format("{:.1f} µs", Microseconds(reason_.openTime)));
+        Line("first call", fmt::format("{:.1f} µs (with the opening and the cube's dates)",
+                                       Microseconds(reason_.firstTime)));
         Line("compose and run", fmt::format("{:.1f} µs (the cube being open)", Microseconds(again)));
     }
 
     CommandContext& context_;
     const Formula& formula_;
     const FormulaCall& call_;
-    Recording recording_;
-    ModSetCube::ThreadState thread_;
-    OrmQelFunction object_;
+    ValueReasons reasons_;
+    ValueReason reason_;
 };
 
 void Explain(CommandContext& context, const std::string& formula) {

@@ -1,9 +1,7 @@
 #include "cli/LinesCommand.h"
 
-#include "cli/FailureText.h"
 #include "cli/LinesOutput.h"
 #include "cli/OutputFields.h"
-#include "cli/ValueText.h"
 #include "cube/CellLines.h"
 #include "function/OrmQelFunction.h"
 #include "function/formula/BindFormula.h"
@@ -11,6 +9,8 @@
 #include "function/formula/ParseFormula.h"
 #include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
+#include "platform/value/FailureText.h"
+#include "platform/value/ValueText.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -2,7 +2,7 @@
 
 #include "cli/OutputFields.h"
 #include "cli/TextTable.h"
-#include "cli/ValueText.h"
+#include "platform/value/ValueText.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>

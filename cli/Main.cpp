@@ -1,3 +1,4 @@
+#include "cli/CheckWorkbookCommand.h"
 #include "cli/CubeBuildCommand.h"
 #include "cli/CubeCheckCommand.h"
 #include "cli/CubeDraftCommand.h"
@@ -97,6 +98,7 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddEvalCommand(app, context);
     qel::AddExplainCommand(app, context);
     qel::AddLinesCommand(app, context);
+    qel::AddCheckWorkbookCommand(app, context);
     qel::AddMdxCommand(app, context);
     qel::AddMembersCommand(app, context);
     auto* cube = app.add_subcommand("cube", "Make, describe and check cube files");

@@ -1,10 +1,10 @@
 #include "cli/MembersCommand.h"
 
 #include "cli/LocalStore.h"
-#include "cli/Recording.h"
-#include "cli/ValueText.h"
 #include "cube/MemberListing.h"
 #include "platform/value/AutomationError.h"
+#include "platform/value/ValueText.h"
+#include "reason/Recording.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

@@ -1,6 +1,6 @@
 #include "cli/OutputFields.h"
 
-#include "cli/ValueText.h"
+#include "platform/value/ValueText.h"
 
 #include <nlohmann/json.hpp>
 

@@ -2,7 +2,7 @@
 
 set(sources "${CMAKE_SOURCE_DIR}/build/libraries")
 if(NOT EXISTS "${sources}/libcsv/libcsv.c" OR NOT EXISTS "${sources}/expat/expat/lib/xmlparse.c" OR
-        NOT EXISTS "${sources}/pugixml/src/pugixml.cpp")
+        NOT EXISTS "${sources}/pugixml/src/pugixml.cpp" OR NOT EXISTS "${sources}/zlib/inflate.c")
     execute_process(COMMAND "${CMAKE_SOURCE_DIR}/scripts/library-source" "${sources}" RESULT_VARIABLE failed)
     if(failed)
         message(FATAL_ERROR "Sources of libraries are missing; the lines above tell why.")
@@ -21,6 +21,8 @@ endfunction()
 
 qel_library_from_source(qel_libcsv LibCsv::LibCsv "${sources}/libcsv" libcsv.c)
 qel_library_from_source(qel_pugixml pugixml::pugixml "${sources}/pugixml/src" pugixml.cpp)
+qel_library_from_source(qel_zlib ZLIB::ZLIB "${sources}/zlib"
+    adler32.c crc32.c inffast.c inflate.c inftrees.c zutil.c)
 qel_library_from_source(qel_expat EXPAT::EXPAT "${sources}/expat/expat/lib" xmlparse.c xmlrole.c xmltok.c)
 set(expat_config "${CMAKE_BINARY_DIR}/expat-config")
 file(CONFIGURE OUTPUT "${expat_config}/expat_config.h" CONTENT [[

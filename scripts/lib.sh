@@ -12,7 +12,7 @@ say() { printf '\n== %s\n' "$*"; }
 
 # What the repository needs, by purpose.
 build_packages="g++ cmake ninja-build ccache libfmt-dev nlohmann-json3-dev libcli11-dev libcsv-dev libxxhash-dev
-    libsqlite3-dev unixodbc-dev libsimpleini-dev libpugixml-dev libexpat1-dev libcurl4-openssl-dev python3"
+    libsqlite3-dev unixodbc-dev libsimpleini-dev libpugixml-dev libexpat1-dev libcurl4-openssl-dev zlib1g-dev python3"
 test_packages="libgtest-dev libgmock-dev man-db zsh"
 office_packages="libreoffice-calc libreoffice-dev python3-uno python3-openpyxl fonts-liberation poppler-utils"
 office_test_packages="xvfb imagemagick openbox xdotool"

@@ -9,7 +9,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 PORTS = ("text platform/value platform/data platform/settings platform/database platform/tables platform/dialog"
          " platform/sheet")
-PRODUCT = "text platform/* engine/include support store lang cube wizard function function/formula lines batch"
+PRODUCT = "text platform/* engine/include support store lang cube wizard function function/formula reason lines batch"
 # Folders, and what they may include besides themselves; ".." is the folder above. The first row that fits counts.
 MAY_INCLUDE = {
     "text": "",
@@ -32,9 +32,11 @@ MAY_INCLUDE = {
     "wizard": f"{PORTS} support store lang cube",
     "function/formula": "text platform/value cube",
     "function": f"{PORTS} support store lang cube wizard function/formula",
-    "lines": f"{PORTS} support store lang cube wizard function function/formula",
+    "reason": f"{PORTS} support store lang cube wizard function function/formula",
+    "lines": f"{PORTS} support store lang cube wizard function function/formula reason",
     "batch": f"{PORTS} support store lang cube wizard function",
-    "cli": f"{PRODUCT} files",  # the doors
+    "workbook": "text platform/value function/formula",
+    "cli": f"{PRODUCT} files workbook",  # the doors
     "calc": PRODUCT,
     "server/dispatch": "text platform/value platform/windows",
     "server": f"{PRODUCT} server/dispatch",

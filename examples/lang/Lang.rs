@@ -91,6 +91,38 @@
 	<z:row lId='0' sId='1554' sText="Reading lines (Esc stops)"/>
 	<z:row lId='0' sId='1555' sText="The formula calls QelF1 several times. Which lines?"/>
 	<z:row lId='0' sId='1556' sText="Lines behind this cell"/>
+	<z:row lId='0' sId='1600' sText="; did you mean {0}?"/>
+	<z:row lId='0' sId='1601' sText="; it has {0}"/>
+	<z:row lId='0' sId='1602' sText="; it has {0} and {1} more"/>
+	<z:row lId='0' sId='1603' sText='{0} has no member "{1}"'/>
+	<z:row lId='0' sId='1604' sText='{0} has no level "{1}"'/>
+	<z:row lId='0' sId='1605' sText='{0}.[{1}] has no member "{2}", but [{3}] has one; set {4} to "{3}"'/>
+	<z:row lId='0' sId='1606' sText="the cube has no dimension [{0}]"/>
+	<z:row lId='0' sId='1607' sText='no key; write it in braces, {{"OBS"}}, or as a reference to a cell'/>
+	<z:row lId='0' sId='1608' sText="the formula has {0} of {1} arguments, so To_Date is omitted; if an earlier one is missing, those behind it stand one place too far to the left"/>
+	<z:row lId='0' sId='1609' sText="To_Date is omitted"/>
+	<z:row lId='0' sId='1610' sText="From_Date, {0}, is later than To_Date, {1}"/>
+	<z:row lId='0' sId='1611' sText="the cube has no periods"/>
+	<z:row lId='0' sId='1612' sText="the dates end before the cube's first period starts, on {0}"/>
+	<z:row lId='0' sId='1613' sText="the dates lie behind the cube's last period, which starts on {0}"/>
+	<z:row lId='0' sId='1614' sText="without From_Date, a To_Date behind the first day of the cube's last period selects nothing; set To_Date or From_Date to &quot;{0}&quot;"/>
+	<z:row lId='0' sId='1615' sText="From_Date lies behind the first day of the cube's last period; set it to &quot;{0}&quot;"/>
+	<z:row lId='0' sId='1616' sText='{0} "{1}" is read as {2}, because there is no month {3}'/>
+	<z:row lId='0' sId='1617' sText="one, {0}"/>
+	<z:row lId='0' sId='1618' sText="{0}, from {1} to {2}"/>
+	<z:row lId='0' sId='1619' sText="a period counts, the whole of it, when its first day lies within From_Date and To_Date"/>
+	<z:row lId='0' sId='1620' sText="without From_Date, the period of To_Date counts alone"/>
+	<z:row lId='0' sId='1621' sText="no period starts within the dates, so the period of To_Date counts, the whole of it"/>
+	<z:row lId='0' sId='1622' sText="{0} is left out, because it starts before From_Date"/>
+	<z:row lId='0' sId='1623' sText='{0} "{1}" is ignored, because {2} is "All"'/>
+	<z:row lId='0' sId='1624' sText='without {0} "{1}" it is {2}'/>
+	<z:row lId='0' sId='1625' sText="without these dates it is {0}"/>
+	<z:row lId='0' sId='1626' sText="no amount has all of these together, nor with any one of them left out"/>
+	<z:row lId='0' sId='1627' sText="only the first key of {0} is used"/>
+	<z:row lId='0' sId='1628' sText="{0}"/>
+	<z:row lId='0' sId='1629' sText="no statement was sent: the dates lie outside the cube's, {0} to {1}"/>
+	<z:row lId='0' sId='1630' sText="the cube is of an outdated layout; build it again"/>
+	<z:row lId='0' sId='1631' sText="there is no file {0}"/>
 	<z:row lId='1' sId='20' sText="Tahoma"/>
 	<z:row lId='1' sId='21' sText="9"/>
 	<z:row lId='1' sId='1364' sText="שם לא תקין לקובץ קוביה"/>
@@ -165,5 +197,37 @@
 	<z:row lId='1' sId='1554' sText="קריאת שורות (Esc לעצירה)"/>
 	<z:row lId='1' sId='1555' sText="הנוסחה קוראת ל-QelF1 כמה פעמים. אילו שורות?"/>
 	<z:row lId='1' sId='1556' sText="השורות מאחורי התא"/>
+	<z:row lId='1' sId='1600' sText="; האם הכוונה ל-{0}?"/>
+	<z:row lId='1' sId='1601' sText="; יש בו {0}"/>
+	<z:row lId='1' sId='1602' sText="; יש בו {0} ועוד {1}"/>
+	<z:row lId='1' sId='1603' sText='אין ב-{0} איבר "{1}"'/>
+	<z:row lId='1' sId='1604' sText='אין ב-{0} רמה "{1}"'/>
+	<z:row lId='1' sId='1605' sText='אין ב-{0}.[{1}] איבר "{2}", אבל יש ב-[{3}]; יש לכתוב "{3}" ב-{4}'/>
+	<z:row lId='1' sId='1606' sText="אין בקוביה ממד [{0}]"/>
+	<z:row lId='1' sId='1607' sText='אין מפתח; יש לכתוב אותו בסוגריים מסולסלים, {{"OBS"}}, או כהפניה לתא'/>
+	<z:row lId='1' sId='1608' sText="בנוסחה {0} ארגומנטים מתוך {1}, ולכן To_Date חסר; אם חסר ארגומנט לפניו, אלה שאחריו זזו מקום אחד"/>
+	<z:row lId='1' sId='1609' sText="To_Date חסר"/>
+	<z:row lId='1' sId='1610' sText="From_Date, {0}, מאוחר מ-To_Date, {1}"/>
+	<z:row lId='1' sId='1611' sText="אין בקוביה תקופות"/>
+	<z:row lId='1' sId='1612' sText="התאריכים מסתיימים לפני תחילת התקופה הראשונה בקוביה, {0}"/>
+	<z:row lId='1' sId='1613' sText="התאריכים מאוחרים מהתקופה האחרונה בקוביה, שמתחילה {0}"/>
+	<z:row lId='1' sId='1614' sText='בלי From_Date, To_Date שאחרי היום הראשון של התקופה האחרונה בקוביה אינו בוחר דבר; יש לכתוב "{0}" ב-To_Date או ב-From_Date'/>
+	<z:row lId='1' sId='1615' sText='From_Date מאוחר מהיום הראשון של התקופה האחרונה בקוביה; יש לכתוב בו "{0}"'/>
+	<z:row lId='1' sId='1616' sText='{0} "{1}" נקרא {2}, כי אין חודש {3}'/>
+	<z:row lId='1' sId='1617' sText="אחת, {0}"/>
+	<z:row lId='1' sId='1618' sText="{0}, מ-{1} עד {2}"/>
+	<z:row lId='1' sId='1619' sText="תקופה נספרת במלואה כשהיום הראשון שלה בין From_Date ל-To_Date"/>
+	<z:row lId='1' sId='1620' sText="בלי From_Date נספרת רק התקופה של To_Date"/>
+	<z:row lId='1' sId='1621' sText="אף תקופה אינה מתחילה בין התאריכים, ולכן נספרת התקופה של To_Date במלואה"/>
+	<z:row lId='1' sId='1622' sText="{0} אינה נספרת, כי היא מתחילה לפני From_Date"/>
+	<z:row lId='1' sId='1623' sText='{0} "{1}" אינו משפיע, כי {2} הוא "All"'/>
+	<z:row lId='1' sId='1624' sText='בלי {0} "{1}" הערך הוא {2}'/>
+	<z:row lId='1' sId='1625' sText="בלי התאריכים האלה הערך הוא {0}"/>
+	<z:row lId='1' sId='1626' sText="אין סכום שיש לו את כל אלה יחד, וגם לא בלי אחד מהם"/>
+	<z:row lId='1' sId='1627' sText="רק המפתח הראשון של {0} משפיע"/>
+	<z:row lId='1' sId='1628' sText="{0}"/>
+	<z:row lId='1' sId='1629' sText="לא נשלחה שאילתה: התאריכים מחוץ לתאריכי הקוביה, {0} עד {1}"/>
+	<z:row lId='1' sId='1630' sText="הקוביה במבנה ישן; יש לבנות אותה מחדש"/>
+	<z:row lId='1' sId='1631' sText="אין קובץ {0}"/>
 </rs:data>
 </xml>

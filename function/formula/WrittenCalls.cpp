@@ -13,6 +13,8 @@ namespace {
 
 constexpr std::string_view className = "OrmFunctionQel4.OrmQelFunction.";
 constexpr std::array<std::string_view, 4> editable = {"QelF1", "QeL1", "QelName", "RetQelName"};
+constexpr std::array<std::string_view, 5> callable = {"QelF1", "QeL1", "QelName", "RetQelName",
+                                                      "QelFuncDemo"};
 constexpr std::string_view blanks = " \t\r\n";
 
 bool IsNamePart(char c) {
@@ -73,23 +75,24 @@ std::optional<WrittenCall> ReadArguments(std::string_view formula, WrittenCall c
     return std::nullopt;
 }
 
-} // namespace
-
-bool IsNameCall(const WrittenCall& call) {
-    return EqualIgnoringCase(call.function, "QelName") || EqualIgnoringCase(call.function, "RetQelName");
+/// The function that a name calls with the class before it, otherwise empty.
+std::string_view FunctionOfClass(std::string_view word) {
+    const bool isOurs =
+        word.size() > className.size() && EqualIgnoringCase(word.substr(0, className.size()), className);
+    return isOurs ? word.substr(className.size()) : std::string_view();
 }
 
-std::vector<WrittenCall> FindCalls(std::string_view formula) {
+/// What stands behind the last dot of a name.
+std::string_view LastPart(std::string_view word) { return word.substr(word.rfind('.') + 1); }
+
+template <class Functions>
+std::vector<WrittenCall> FindCallsOf(std::string_view formula, const Functions& functions,
+                                     std::string_view (*functionOf)(std::string_view word)) {
     std::vector<WrittenCall> calls;
     for (std::size_t at = 0, next = 0; at < formula.size(); at = next) {
         next = SkipWord(formula, at);
-        const std::string_view word = formula.substr(at, next - at);
-        if (word.size() <= className.size() ||
-            !EqualIgnoringCase(word.substr(0, className.size()), className)) {
-            continue;
-        }
-        const std::string_view function = word.substr(className.size());
-        const bool isOurs = std::any_of(editable.begin(), editable.end(), [&](std::string_view own) {
+        const std::string_view function = functionOf(formula.substr(at, next - at));
+        const bool isOurs = std::any_of(functions.begin(), functions.end(), [&](std::string_view own) {
             return EqualIgnoringCase(own, function);
         });
         const auto open = formula.find_first_not_of(blanks, next);
@@ -101,6 +104,20 @@ std::vector<WrittenCall> FindCalls(std::string_view formula) {
         }
     }
     return calls;
+}
+
+} // namespace
+
+bool IsNameCall(const WrittenCall& call) {
+    return EqualIgnoringCase(call.function, "QelName") || EqualIgnoringCase(call.function, "RetQelName");
+}
+
+std::vector<WrittenCall> FindCalls(std::string_view formula) {
+    return FindCallsOf(formula, editable, FunctionOfClass);
+}
+
+std::vector<WrittenCall> FindCallsOfAnyName(std::string_view formula) {
+    return FindCallsOf(formula, callable, LastPart);
 }
 
 std::string WithArguments(std::string_view formula, const WrittenCall& call,

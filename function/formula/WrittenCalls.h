@@ -23,6 +23,9 @@ bool IsNameCall(const WrittenCall& call);
 /// may stand in an argument of another one. A call without its closing parenthesis is left out.
 std::vector<WrittenCall> FindCalls(std::string_view formula);
 
+/// The same, whatever stands before the function's name; QelFuncDemo's too.
+std::vector<WrittenCall> FindCallsOfAnyName(std::string_view formula);
+
 /// The formula with other arguments in the place of the call's; blanks around them stay.
 std::string WithArguments(std::string_view formula, const WrittenCall& call,
                           const std::vector<std::string>& arguments);

@@ -1,7 +1,7 @@
 #include "cli/CellsetOutput.h"
 #include "cli/InputLines.h"
 #include "cli/TextTable.h"
-#include "cli/ValueText.h"
+#include "platform/value/ValueText.h"
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>

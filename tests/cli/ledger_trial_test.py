@@ -205,6 +205,20 @@ class Reasons(unittest.TestCase):
         self.assertEqual(status, 0)
         self.assertRegex(output, r'^-999\.95\n0\twithout From_Date, .*"01/04/2024"\n0\tAccounts: .*"4000".*\n$')
 
+    def test_eval_compares_with_another_file(self):
+        folder = pathlib.Path(self.enterContext(tempfile.TemporaryDirectory(prefix="qel-test-")))
+        for file in BOOKS.iterdir():
+            (folder / file.name).write_bytes(file.read_bytes().replace(b"-1000.10", b"-1000.35"))
+        run("cube", "build", folder / "books.json", "-o", folder / "other.cub")
+        name = f'=QelName("{self.cube}","BooksFNC","SuperSum1","1")'
+        sales, unknown = self.formula(account='"4000"'), self.formula(account='"4001"')
+        status, output, errors = run("eval", "--against", folder / "other.cub", sales, name, unknown)
+        self.assertEqual((status, output), (0, "-1500.3\t-1500.55\t0.25\nRevenue\tRevenue\t\n0\t0\t0\n"))
+        self.assertIn("2 zeros are shown instead of an error, first at formula 3", errors)
+        status, output, errors = run("eval", "--strict", "--against", folder / "nowhere.cub", sales)
+        self.assertEqual((status, output), (1, ""))
+        self.assertIn("nowhere.cub", errors)
+
     def test_check_says_what_does_not_work(self):
         status, output, errors = run("cube", "check", self.cube, "booksfnc")
         self.assertEqual((status, errors), (1, ""))

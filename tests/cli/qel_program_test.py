@@ -316,7 +316,10 @@ class Explain(WithBooks):
         self.assertEqual(answer["cells"], [[200]], "as it is sent")
         lines = dict(line.split(":", 1) for line in (before + after).splitlines())
         shown = {label: text.strip() for label, text in lines.items()}
-        self.assertEqual([shown[label] for label in ("ObsName keys", "ObsNum keys", "value")], ['"OBS"', '"1"', "200"])
+        self.assertEqual([shown[label] for label in ("ObsName keys", "ObsNum keys", "value", "lines")],
+                         ['"OBS"', '"1"', "200", "1"])
+        self.assertEqual(shown["ObsMember"].split(", ")[0], "[Cost_Centers].[All].[200]")
+        self.assertRegex(shown["rule"], "its first day lies within From_Date and To_Date")
         self.assertIn(f";Data Source={self.cube};Initial Catalog=BooksFNC;", shown["connection"])
         self.assertNotIn("masked error", shown)
         for label in ("open", "first call", "compose and run"):

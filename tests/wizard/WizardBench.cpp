@@ -1,9 +1,9 @@
 #include "tests/wizard/WizardBench.h"
 
-#include "cli/RunFormula.h"
-#include "cli/ValueText.h"
 #include "function/formula/ParseFormula.h"
+#include "platform/value/ValueText.h"
 #include "qel/engine/BuildCube.h"
+#include "reason/RunFormula.h"
 #include "store/LocalDb.h"
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"

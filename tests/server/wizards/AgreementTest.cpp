@@ -1,7 +1,5 @@
 #include "tests/wizard/Agreement.h"
 
-#include "cli/RunFormula.h"
-#include "cli/ValueText.h"
 #include "function/OrmQelFunction.h"
 #include "function/formula/ParseFormula.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
@@ -9,6 +7,8 @@
 #include "platform/dialog/win32/Win32DialogToolkit.h"
 #include "platform/settings/windows/WindowsProfiles.h"
 #include "platform/tables/msxml/MsxmlTableReader.h"
+#include "platform/value/ValueText.h"
+#include "reason/RunFormula.h"
 #include "store/ModAPI.h"
 #include "store/ModPublics.h"
 #include "tests/helpers/TemporaryFolder.h"

@@ -1,4 +1,4 @@
-#include "cli/ValueText.h"
+#include "platform/value/ValueText.h"
 
 #include <fmt/format.h>
 

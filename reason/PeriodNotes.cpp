@@ -1,8 +1,6 @@
-#include "cli/PeriodNotes.h"
+#include "reason/PeriodNotes.h"
 
 #include "cube/PeriodSelection.h"
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -73,58 +71,48 @@ From_Date         To_Date     counts
 (omitted)         (omitted)   nothing
 )";
 
-std::string DayText(AutomationDate date) {
-    constexpr std::array months = {"January", "February", "March",     "April",   "May",      "June",
-                                   "July",    "August",   "September", "October", "November", "December"};
-    const CalendarDay day = DayFromDate(date);
-    return fmt::format("{} {} {}", day.day, months[static_cast<std::size_t>(day.month) - 1], day.year);
-}
-
-std::vector<std::string> PeriodNotes(const DateTable& dates, const ValueCall& call, const Locale& locale) {
+std::optional<PeriodChoice> ChosenPeriods(const DateTable& dates, const ValueCall& call,
+                                          const Locale& locale) {
     DayRange days = ModSetCube::DaysOf(StartOf(call), call.To_Date, locale);
     const DayRange asked = days;
     if (dates.CubeDates.empty() || !dates.earlier.empty() || ModSetCube::ClampToCube(dates, days)) {
-        return {};
+        return std::nullopt;
     }
     const auto span = ModSetCube::FindPeriods(dates, days);
     if (!span) {
-        return {};
+        return std::nullopt;
     }
     const auto last = std::find(dates.CubeDateNames.begin(), dates.CubeDateNames.end(), span->last);
     const auto lastPlace = static_cast<std::size_t>(last - dates.CubeDateNames.begin());
     const std::size_t firstPlace = lastPlace + 1 - static_cast<std::size_t>(span->count);
-    std::vector<std::string> notes = {
-        span->count == 1
-            ? fmt::format("one, {}", span->last)
-            : fmt::format("{}, from {} to {}", span->count, dates.CubeDateNames[firstPlace], span->last)};
+    PeriodChoice choice{span->count, dates.CubeDateNames[firstPlace], span->last, {}, {}, {}};
+    choice.periods = span->count == 1 ? Reason{ReasonCode::OnePeriod, {choice.last}}
+                                      : Reason{ReasonCode::SeveralPeriods,
+                                               {std::to_string(choice.count), choice.first, choice.last}};
+    choice.rule = {call.From_Date.IsZero() ? ReasonCode::ToDateAlone : ReasonCode::StartsWithin};
     const AutomationDate first = dates.CubeDates[firstPlace];
     if (first < asked.from) {
-        notes.push_back(
-            "no period starts within the dates, so the period of To_Date counts, the whole of it");
+        choice.notes.push_back({ReasonCode::NoneStarts});
     } else if (firstPlace > 0 && days.from < first) {
-        notes.push_back(fmt::format("{} is left out, because it starts before From_Date",
-                                    dates.CubeDateNames[firstPlace - 1]));
+        choice.notes.push_back({ReasonCode::LeftOut, {dates.CubeDateNames[firstPlace - 1]}});
     }
-    return notes;
+    return choice;
 }
 
-std::vector<std::string> ReasonsInDates(const DateTable& dates, const ValueCall& call, std::size_t given,
-                                        const Locale& locale) {
+std::vector<Reason> ReasonsInDates(const DateTable& dates, const ValueCall& call, std::size_t given,
+                                   const Locale& locale) {
     const AutomationDate from = StartOf(call);
     if (given < valueArguments) {
-        return {fmt::format("the formula has {} of {} arguments, so To_Date is omitted; if an earlier one is "
-                            "missing, those behind it stand one place too far to the left",
-                            given, valueArguments)};
+        return {{ReasonCode::TooFewArguments, {std::to_string(given), std::to_string(valueArguments)}}};
     }
     if (call.To_Date.IsZero()) {
-        return {"To_Date is omitted"};
+        return {{ReasonCode::NoToDate}};
     }
     if (from > call.To_Date) {
-        return {
-            fmt::format("From_Date, {}, is later than To_Date, {}", DayText(from), DayText(call.To_Date))};
+        return {{ReasonCode::ReversedDates, {from, call.To_Date}}};
     }
     if (dates.CubeDates.empty()) {
-        return {"the cube has no periods"};
+        return {{ReasonCode::NoPeriods}};
     }
     if (!dates.earlier.empty()) {
         return {}; // the failure says so
@@ -134,25 +122,17 @@ std::vector<std::string> ReasonsInDates(const DateTable& dates, const ValueCall&
         return {};
     }
     if (call.To_Date < dates.CubeMinDate) {
-        return {fmt::format("the dates end before the cube's first period starts, on {}",
-                            DayText(dates.CubeMinDate))};
+        return {{ReasonCode::DatesBefore, {dates.CubeMinDate}}};
     }
     if (from > LastDay(dates)) {
-        return {fmt::format("the dates lie behind the cube's last period, which starts on {}",
-                            DayText(dates.CubeMaxDate))};
+        return {{ReasonCode::DatesBehind, {dates.CubeMaxDate}}};
     }
-    const std::string day = FormatShortDate(dates.CubeMaxDate, locale);
-    return {
-        call.From_Date.IsZero()
-            ? fmt::format("without From_Date, a To_Date behind the first day of the cube's last period "
-                          "selects nothing; set To_Date or From_Date to \"{}\"",
-                          day)
-            : fmt::format("From_Date lies behind the first day of the cube's last period; set it to \"{}\"",
-                          day)};
+    return {{call.From_Date.IsZero() ? ReasonCode::OnlyToDateBehind : ReasonCode::FromDateBehind,
+             {FormatShortDate(dates.CubeMaxDate, locale)}}};
 }
 
-std::vector<std::string> SwappedDates(const Formula& formula, const ValueCall& call, const Locale& locale) {
-    std::vector<std::string> notes;
+std::vector<Reason> SwappedDates(const Formula& formula, const ValueCall& call, const Locale& locale) {
+    std::vector<Reason> notes;
     const std::array dates = {std::tuple(valueArguments - 2, "From_Date", call.From_Date),
                               std::tuple(valueArguments - 1, "To_Date", call.To_Date)};
     for (const auto& [place, name, date] : dates) {
@@ -166,8 +146,7 @@ std::vector<std::string> SwappedDates(const Formula& formula, const ValueCall& c
         constexpr int mostMonths = 12, mostDays = 31;
         const int month = locale.dateOrder == DateOrder::DayMonthYear ? second : first;
         if (first <= mostDays && month > mostMonths) {
-            notes.push_back(fmt::format("{} \"{}\" is read as {}, because there is no month {}", name, text,
-                                        DayText(date), month));
+            notes.push_back({ReasonCode::SwappedDate, {name, text, date, std::to_string(month)}});
         }
     }
     return notes;

@@ -11,6 +11,9 @@ FormulaResult RunFormula(OrmQelFunction& object, const FormulaCall& call);
 /// Whether the result is a worksheet's 0, which may stand for an error.
 bool ShowsZero(const FormulaResult& result, const Locale& locale);
 
+/// Whether a value formula's result says that the cube is of an outdated layout.
+bool IsOutdated(const FormulaResult& result);
+
 /// One of the five lists as the function uses it. QelFuncDemo takes arrays as they are. Raises
 /// AutomationError.
 KeyList KeysOf(WorksheetFunction function, const Variant& list, const Locale& locale);

@@ -1,4 +1,4 @@
-#include "cli/RunFormula.h"
+#include "reason/RunFormula.h"
 
 #include "platform/value/Conversion.h"
 
@@ -22,6 +22,11 @@ FormulaResult RunFormula(OrmQelFunction& object, const FormulaCall& call) {
 
 bool ShowsZero(const FormulaResult& result, const Locale& locale) {
     return IsNumeric(result.value, locale) && ToDouble(result.value, locale) == 0;
+}
+
+bool IsOutdated(const FormulaResult& result) {
+    return result.reached == Reached::Nothing && !result.failure && result.masked.empty() &&
+           result.value.Is<std::string>() && !result.value.As<std::string>().empty();
 }
 
 KeyList KeysOf(WorksheetFunction function, const Variant& list, const Locale& locale) {

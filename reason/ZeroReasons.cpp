@@ -1,16 +1,13 @@
-#include "cli/ZeroReasons.h"
+#include "reason/ZeroReasons.h"
 
-#include "cli/MemberReasons.h"
-#include "cli/PeriodNotes.h"
-#include "cli/RunFormula.h"
-#include "cli/ValueText.h"
 #include "cube/CubeConnection.h"
 #include "platform/value/AutomationError.h"
+#include "platform/value/ValueText.h"
+#include "reason/PeriodNotes.h"
 #include "text/Text.h"
 
-#include <fmt/format.h>
-
 #include <array>
+#include <iterator>
 
 namespace qel {
 
@@ -20,12 +17,12 @@ constexpr const char* everything = "All";
 
 Variant FirstOf(const KeyList& keys) { return keys.empty() ? Variant() : keys.front(); }
 
-/// The call without one restriction, and how that one is named; only those that restrict anything.
-std::vector<std::pair<std::string, ValueCall>> WithoutOne(const ValueCall& call,
-                                                          const ModSetCube::ValueQuery& query) {
-    std::vector<std::pair<std::string, ValueCall>> others;
+/// The call without one restriction, and what to say of it; only those that restrict anything.
+std::vector<std::pair<Reason, ValueCall>> WithoutOne(const ValueCall& call,
+                                                     const ModSetCube::ValueQuery& query) {
+    std::vector<std::pair<Reason, ValueCall>> others;
     const auto add = [&](const char* name, const std::string& key, auto field, auto value) {
-        others.emplace_back(fmt::format("{} \"{}\"", name, key), call);
+        others.emplace_back(Reason{ReasonCode::Without, {name, key}}, call);
         others.back().second.*field = value;
     };
     const Variant allKeys = Variant::List({everything});
@@ -72,7 +69,22 @@ bool ZeroReasons::OpenCubeOf(const ValueCall& call) {
         {std::string(Trimmed(call.cubeFile)), std::string(Trimmed(call.CubeName))});
 }
 
-std::vector<std::string> ZeroReasons::Of(const FormulaCall& call) {
+std::vector<Reason> ZeroReasons::Why(const FormulaCall& call, const FormulaResult& result) {
+    const bool isValue = std::holds_alternative<ValueCall>(call.arguments);
+    if (isValue && IsOutdated(result)) {
+        return {{ReasonCode::OutdatedCube}};
+    }
+    if (isValue ? !ShowsZero(result, locale_) : !result.failure) {
+        return {};
+    }
+    auto reasons = Of(call);
+    if (!reasons.empty()) {
+        return reasons;
+    }
+    return result.failure ? std::vector{FailureReason(*result.failure)} : Alternatives(call);
+}
+
+std::vector<Reason> ZeroReasons::Of(const FormulaCall& call) {
     const auto* value = std::get_if<ValueCall>(&call.arguments);
     if (value == nullptr) {
         return {};
@@ -82,59 +94,65 @@ std::vector<std::string> ZeroReasons::Of(const FormulaCall& call) {
             return {};
         }
         auto reasons = ReasonsInDates(thread_.dates, *value, call.given, locale_);
-        const auto missing = FindMissingMembers(*ModSetCube::OpenCatalog(thread_)->CubeAt(0), QueryOf(call));
-        reasons.insert(reasons.end(), missing.begin(), missing.end());
+        auto missing = FindQueryMembers(*ModSetCube::OpenCatalog(thread_)->CubeAt(0), QueryOf(call)).missing;
+        std::move(missing.begin(), missing.end(), std::back_inserter(reasons));
         return reasons;
     } catch (const AutomationError& error) {
         ModSetCube::DropConnection(thread_);
-        return {error.Description()};
+        return {{ReasonCode::Failure, {error.Description()}}};
     }
 }
 
-std::vector<std::string> ZeroReasons::Ignored(const FormulaCall& call) const {
+QueryMembers ZeroReasons::MembersOf(const FormulaCall& call) {
+    const auto* value = std::get_if<ValueCall>(&call.arguments);
+    return value != nullptr && OpenCubeOf(*value)
+               ? FindQueryMembers(*ModSetCube::OpenCatalog(thread_)->CubeAt(0), QueryOf(call))
+               : QueryMembers{};
+}
+
+std::vector<Reason> ZeroReasons::Ignored(const FormulaCall& call) const {
     const auto* value = std::get_if<ValueCall>(&call.arguments);
     if (value == nullptr) {
         return {};
     }
     const auto query = QueryOf(call);
-    std::vector<std::string> ignored;
+    std::vector<Reason> ignored;
     if (query.obsPart == ModSetCube::ObsPart::Nothing && !ModSetCube::IsUnrestricted(query.obsMember)) {
-        ignored.push_back(
-            fmt::format("ObsMember \"{}\" is ignored, because ObsLevel is \"All\"", query.obsMember));
+        ignored.push_back({ReasonCode::Ignored, {"ObsMember", query.obsMember, "ObsLevel"}});
     }
     if (query.summaryLevel.empty() && !ModSetCube::IsUnrestricted(query.summaryMember)) {
-        ignored.push_back(fmt::format("Seif_level \"{}\" is ignored, because Summary_Group is \"All\"",
-                                      query.summaryMember));
+        ignored.push_back({ReasonCode::Ignored, {"Seif_level", query.summaryMember, "Summary_Group"}});
     }
     return ignored;
 }
 
-std::vector<std::string> ZeroReasons::Alternatives(const FormulaCall& call) {
+std::vector<Reason> ZeroReasons::Alternatives(const FormulaCall& call) {
     const auto* value = std::get_if<ValueCall>(&call.arguments);
     if (value == nullptr) {
         return {};
     }
-    std::vector<std::string> found;
+    std::vector<Reason> found;
     try {
         auto others = WithoutOne(*value, QueryOf(call));
         if (OpenCubeOf(*value)) {
-            others.emplace_back("these dates", *value);
+            others.emplace_back(Reason{ReasonCode::WithoutDates}, *value);
             others.back().second.From_Date = thread_.dates.CubeMinDate;
             others.back().second.To_Date = thread_.dates.CubeMaxDate;
         }
         ModSetCube::ThreadState thread;
         OrmQelFunction object({thread, providers_, locale_});
-        for (const auto& [what, other] : others) {
+        for (auto& [reason, other] : others) {
             const auto result = RunFormula(object, {call.function, other, call.given});
             if (!result.failure && !ShowsZero(result, locale_)) {
-                found.push_back(fmt::format("without {} it is {}", what, ValueText(result.value)));
+                reason.fields.emplace_back(ValueText(result.value));
+                found.push_back(std::move(reason));
             }
         }
     } catch (const AutomationError&) {
         return found;
     }
     if (found.empty()) {
-        found.emplace_back("no amount has all of these together, nor with any one of them left out");
+        found.push_back({ReasonCode::NothingTogether});
     }
     return found;
 }

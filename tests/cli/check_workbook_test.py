@@ -1,0 +1,164 @@
+#!/usr/bin/env python3
+"""qel check-workbook over workbooks as Excel and LibreOffice write them, and over damaged ones."""
+import json
+import pathlib
+import random
+import subprocess
+import sys
+import tempfile
+import unittest
+import zipfile
+from xml.sax.saxutils import escape
+
+BOOKS = pathlib.Path(__file__).resolve().parents[1] / "helpers" / "books"
+QEL = ""
+MAIN = 'xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main"'
+OFFICE = "http://schemas.openxmlformats.org/officeDocument/2006/relationships"
+
+
+def run(*arguments, **options):
+    done = subprocess.run([QEL, *map(str, arguments)], capture_output=True, timeout=120, **options)
+    return done.returncode, done.stdout.decode(), done.stderr.decode()
+
+
+def call(account='"4000"', cube='"books.cub"', obs='{"OBS"}', start='"01/01/2024"', end='"31/03/2024"',
+         name="OrmFunctionQel4.OrmQelFunction.QelF1"):
+    return (f'{name}({cube},"BooksFNC",{obs},{{"1"}},{{"All"}},{{"All"}},{{"All"}},"All","All",{account},"Amount","All","All",'
+            f'"All","All","All",{start},{end})')
+
+
+def workbook(cells, path, names="", target="worksheets/sheet1.xml", date1904=False):
+    """Writes rows of cells as Excel has them: (place, the inside of the element, its attributes)."""
+    rows = "".join(f'<row r="{i}">' + "".join(f'<c r="{place}"{more}>{inside}</c>' for place, inside, more in row) + "</row>"
+                   for i, row in cells)
+    parts = {
+        "[Content_Types].xml": '<Types xmlns="http://schemas.openxmlformats.org/package/2006/content-types">'
+        '<Default Extension="rels" ContentType="application/vnd.openxmlformats-package.relationships+xml"/>'
+        '<Override PartName="/xl/workbook.xml" ContentType='
+        '"application/vnd.openxmlformats-officedocument.spreadsheetml.sheet.main+xml"/>'
+        '<Override PartName="/xl/worksheets/sheet1.xml" ContentType='
+        '"application/vnd.openxmlformats-officedocument.spreadsheetml.worksheet+xml"/>'
+        '<Override PartName="/xl/sharedStrings.xml" ContentType='
+        '"application/vnd.openxmlformats-officedocument.spreadsheetml.sharedStrings+xml"/></Types>',
+        "_rels/.rels": '<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">'
+        f'<Relationship Id="rId1" Type="{OFFICE}/officeDocument" Target="xl/workbook.xml"/></Relationships>',
+        "xl/workbook.xml": f'<workbook {MAIN} xmlns:r="{OFFICE}"><workbookPr date1904="{int(date1904)}"/><sheets>'
+        f'<sheet name="P &amp; L" sheetId="1" r:id="rId1"/></sheets><definedNames>{names}</definedNames></workbook>',
+        "xl/_rels/workbook.xml.rels": '<Relationships xmlns="http://schemas.openxmlformats.org/package/2006/relationships">'
+        f'<Relationship Id="rId1" Type="{OFFICE}/worksheet" Target="{target}"/>'
+        f'<Relationship Id="rId2" Type="{OFFICE}/sharedStrings" Target="sharedStrings.xml"/></Relationships>',
+        "xl/sharedStrings.xml": f'<sst {MAIN}><si><t>4000</t></si><si><r><t>99</t></r><r><t>99</t></r></si><si><t>OBS</t></si></sst>',
+        "xl/worksheets/sheet1.xml": f'<worksheet {MAIN}><sheetData>{rows}</sheetData></worksheet>'}
+    with zipfile.ZipFile(path, "w", zipfile.ZIP_DEFLATED) as file:
+        for name, text in parts.items():
+            file.writestr(name, text)
+
+
+def formula(text, more="", value="0"):
+    return f"<f{more}>{escape(text)}</f>" + (f"<v>{value}</v>" if value else "")
+
+
+def shown_cells():
+    """What stands in the workbook, and what is to be found in it by cell."""
+    texts = [("A1", "<v>0</v>", ' t="s"'), ("B1", "<v>1</v>", ' t="s"'), ("C1", "<v>2</v>", ' t="s"'), ("D1", "<v>45292</v>", ""),
+             ("E1", formula("1+1", value=""), ""), ("F1", "<v>#REF!</v>", ' t="e"'), ("G1", "<is><t>5000</t></is>", ' t="inlineStr"')]
+    unread, hidden = "not checked", "hidden error"
+    tried = [
+        (call(), None, ""), (call('"4001"'), hidden, 'did you mean "4000"'), ("IF(1," + call("A1") + ",0)+1", None, ""),
+        (call("$B$1"), hidden, "9999"), (call("'P & L'!A1", name="_xll.qelf1"), None, ""), (call("G1", obs="C1"), None, ""),
+        (call(obs='"OBS"'), hidden, "ObsName: no key"), (call(cube='"no.cub"'), "no cube file", "no.cub"),
+        (call("[1]Sheet1!A1"), unread, "[1]Sheet1!A1"), (call('VLOOKUP("a",A1:B2,2)'), unread, "VLOOKUP"), (call("E1"), unread, "E1"),
+        (call("F1"), unread, "F1"), (call("Account"), None, ""), (call("Nothing"), unread, "Nothing"), (call('"40"&"0"&0'), None, ""),
+        (call("A1:B1"), unread, "several cells"), (call(start="D1", end="EOMONTH(D1,2)"), None, ""),
+        (call(end='"never"'), "#VALUE!", "not a date"), (call(start='"01/04/2024"', end='"01/02/2024"'), hidden, "later than"),
+        ('OrmFunctionQel4.OrmQelFunction.QelName("books.cub","BooksFNC","SuperSum1",77)', hidden, ""),
+        (call() + "+" + call('"77"'), hidden, '"77"')]
+    rows = [(1, texts)] + [(i, [(f"B{i}", formula(text), "")]) for i, (text, _, _) in enumerate(tried, 2)]
+    found = {f"B{i}": (finding, words) for i, (_, finding, words) in enumerate(tried, 2) if finding}
+    shared = len(tried) + 2  # G1 is there, and H1 and the next row's are not
+    rows.append((shared, [(f"B{shared}", formula(call("A1"), f' t="shared" ref="B{shared}:C{shared}" si="0"'), ""),
+                          (f"C{shared}", '<f t="shared" si="0"/><v>0</v>', "")]))
+    found[f"C{shared}"] = (hidden, '"9999"')
+    return rows, found
+
+
+class Workbooks(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.path = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory(prefix="qel-check-")))
+        run("cube", "build", BOOKS / "books.json", "--output", cls.path / "books.cub")
+        cls.rows, cls.found = shown_cells()
+        cls.names = '<definedName name="ACCOUNT">\'P &amp; L\'!$A$1</definedName>'
+
+    def compare(self, file, found):
+        status, output, messages = run("check-workbook", file, "--json")
+        self.assertEqual(status, 1, messages)
+        listed = json.loads(output)["findings"]
+        self.assertEqual({each["cell"]: each["finding"] for each in listed}, {cell: what[0] for cell, what in found.items()})
+        for each in listed:
+            self.assertEqual((each["file"], each["sheet"]), (str(file), "P & L"))
+            self.assertIn(found[each["cell"]][1].lower(), each["reason"].lower())
+
+
+class CheckWorkbook(Workbooks):
+    def test_finds_what_is_hidden(self):
+        for target in ("worksheets/sheet1.xml", "/xl/worksheets/sheet1.xml"):
+            file = self.path / "report.xlsx"
+            workbook(self.rows, file, self.names, target)
+            self.compare(file, self.found)
+        status, output, messages = run("check-workbook", file, "--csv")
+        self.assertEqual(output.splitlines()[:2][0], "file,sheet,cell,finding,reason")
+        self.assertRegex(messages, r"^qel check-workbook: 24 formulas, 9 found, 6 not checked\n$")
+        self.assertIn("outdated", run("check-workbook", "--help")[1])
+
+    def test_what_is_sound_and_what_is_not_checked(self):
+        file = self.path / "sound.xlsx"
+        workbook([(1, [("A1", "<v>43830</v>", ""), ("B1", formula(call(start="A1", end="A1")), "")])], file, date1904=True)
+        self.assertEqual(run("check-workbook", file), (0, "", "qel check-workbook: 1 formulas, 0 found, 0 not checked\n"))
+        workbook([(1, [("B1", formula(call("RAND()")), "")])], file)
+        self.assertEqual([run("check-workbook", *more, file)[0] for more in ((), ("--strict",))], [0, 1])
+        self.assertEqual(run("check-workbook")[0], 2)
+
+    def test_damaged_files_are_told(self):
+        file = self.path / "damaged.xlsx"
+        workbook(self.rows, file, self.names)
+        whole, choose = file.read_bytes(), random.Random(20261123)
+        for what, content, words in (("no archive", b"text", "no .xlsx"), ("an old form", b"\xd0\xcf\x11\xe0" + whole, "password"),
+                                     ("cut", whole[:-30], "damaged"), ("empty", b"", "no .xlsx")):
+            file.write_bytes(content)
+            status, output, messages = run("check-workbook", file)
+            self.assertEqual((status, output), (1, ""), what)
+            self.assertRegex(messages, rf"^qel check-workbook: {file}: .*{words}", what)
+        self.assertIn("cannot be read", run("check-workbook", self.path / "nowhere.xlsx")[2])
+        for _ in range(150):
+            content = bytearray(whole)
+            for _ in range(choose.randint(1, 4)):
+                content[choose.randrange(len(content))] = choose.randrange(256)
+            file.write_bytes(content)
+            self.assertIn(run("check-workbook", file)[0], (0, 1), "no crash")
+        record = whole.rindex(b"xl/sharedStrings.xml") - 46  # of the archive's directory
+        for size, words in ((1 << 30) + 1, "more than 1024 MiB"), (1 << 29, "damaged"):
+            file.write_bytes(whole[:record + 24] + size.to_bytes(4, "little") + whole[record + 28:])
+            self.assertIn(words, run("check-workbook", file)[2])
+
+
+class WrittenByOffice(Workbooks):
+    """The same workbook after LibreOffice saved it in both forms."""
+
+    def test_finds_the_same_in_what_libreoffice_saves(self):
+        source = self.path / "report.xlsx"
+        workbook(self.rows, source, self.names)
+        found = {**self.found, "B12": ("hidden error", '"2"')}  # the office computes E1
+        for form in ("xlsx", "ods"):
+            folder = self.path / form
+            subprocess.run(["soffice", f"-env:UserInstallation=file://{self.path}/profile", "--headless", "--convert-to", form,
+                            "--outdir", folder, source], capture_output=True, timeout=300, check=True)
+            (folder / "books.cub").symlink_to(self.path / "books.cub")
+            if form == "ods":
+                del found["B8"]  # for Calc a text is a key
+            self.compare(folder / f"report.{form}", found)
+
+
+if __name__ == "__main__":
+    QEL = sys.argv.pop(1)
+    unittest.main()

@@ -1,0 +1,147 @@
+#include "text/CaseFold.h"
+#include "workbook/WorkbookError.h"
+#include "workbook/WorkbookReaders.h"
+
+#include <algorithm>
+
+// .ods, as OpenDocument describes it.
+
+namespace qel {
+
+namespace {
+
+constexpr std::uint32_t mostRepeated = 1U << 20U;
+
+std::uint32_t Repeated(const pugi::xml_node& node, const char* attribute) {
+    return std::clamp(node.attribute(attribute).as_uint(1), 1U, mostRepeated);
+}
+
+/// "of:=…" and "=…" without what stands before the formula.
+std::string_view WithoutOpening(std::string_view formula) {
+    const auto equals = formula.find('=');
+    return equals == std::string_view::npos ? formula : formula.substr(equals + 1);
+}
+
+void AppendText(const pugi::xml_node& node, std::string& text) {
+    for (const auto& child : node.children()) {
+        const std::string_view name = child.name();
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+            text += child.value();
+        } else if (name == "text:s") {
+            text.append(std::min(child.attribute("text:c").as_uint(1), mostRepeated), ' ');
+        } else if (name == "text:span" || name == "text:a") {
+            for (const auto& part : child.children()) { // one level: deeper ones hold no keys
+                text += part.type() == pugi::node_pcdata ? part.value() : part.text().get();
+            }
+        }
+    }
+}
+
+std::string ParagraphsOf(const pugi::xml_node& cell) {
+    std::string text;
+    for (const auto& paragraph : cell.children("text:p")) {
+        text += text.empty() ? "" : "\n";
+        AppendText(paragraph, text);
+    }
+    return text;
+}
+
+Variant ValueOf(const pugi::xml_node& cell, bool hasFormula) {
+    const std::string_view type = cell.attribute("office:value-type").value();
+    if (std::string_view(cell.attribute("calcext:value-type").value()) == "error") {
+        return ErrorValue{};
+    }
+    if (type == "string") {
+        const auto value = cell.attribute("office:string-value");
+        return value ? std::string(value.value()) : ParagraphsOf(cell);
+    }
+    if (type == "date") {
+        return DateOfText(cell.attribute("office:date-value").value());
+    }
+    if (type == "boolean") {
+        return std::string_view(cell.attribute("office:boolean-value").value()) == "true";
+    }
+    if (type == "float" || type == "currency" || type == "percentage") {
+        return cell.attribute("office:value").as_double();
+    }
+    return type.empty() && !hasFormula ? Variant() : Variant(Null{});
+}
+
+void ReadRow(Sheet& sheet, const pugi::xml_node& row, std::uint32_t number, std::uint32_t times) {
+    CellPlace place{number, 0};
+    for (const auto& cell : row.children()) {
+        const std::string_view name = cell.name();
+        if (name != "table:table-cell" && name != "table:covered-table-cell") {
+            continue;
+        }
+        const std::uint32_t columns = Repeated(cell, "table:number-columns-repeated");
+        const std::string_view formula = WithoutOpening(cell.attribute("table:formula").value());
+        const Variant value = ValueOf(cell, !formula.empty());
+        const bool isOurs = MayCallOurs(formula);
+        if (!value.Is<Empty>() || isOurs) {
+            for (std::uint64_t i = 0; i < std::uint64_t{times} * columns; ++i) {
+                const CellPlace each{place.row + static_cast<std::uint32_t>(i / columns),
+                                     place.column + static_cast<std::uint32_t>(i % columns)};
+                KeepValue(sheet, each, value);
+                if (isOurs) {
+                    sheet.formulas.push_back({each, std::string(formula)});
+                }
+            }
+        }
+        place.column += columns;
+    }
+}
+
+/// Rows may stand in groups and headers.
+void ReadRows(Sheet& sheet, const pugi::xml_node& parent, std::uint32_t& next, int depth) {
+    constexpr int deepestGroup = 64;
+    if (depth > deepestGroup) {
+        throw WorkbookError("its rows are grouped too deeply");
+    }
+    for (const auto& node : parent.children()) {
+        const std::string_view name = node.name();
+        if (name == "table:table-row") {
+            const std::uint32_t times = Repeated(node, "table:number-rows-repeated");
+            ReadRow(sheet, node, next, times);
+            next += times;
+        } else if (name == "table:table-row-group" || name == "table:table-header-rows" ||
+                   name == "table:table-rows") {
+            ReadRows(sheet, node, next, depth + 1);
+        }
+    }
+}
+
+void ReadNames(Workbook& workbook, const pugi::xml_node& parent, const std::string& prefix) {
+    for (const auto& entry : parent.child("table:named-expressions").children()) {
+        const std::string range = entry.attribute("table:cell-range-address").value();
+        workbook.names.emplace(prefix + FoldCase(entry.attribute("table:name").value()),
+                               range.empty()
+                                   ? std::string(WithoutOpening(entry.attribute("table:expression").value()))
+                                   : '[' + range + ']');
+    }
+}
+
+} // namespace
+
+Workbook ReadOpenDocument(ZipFile& file) {
+    pugi::xml_document document;
+    LoadPart(file, "content.xml", document);
+    const auto content = document.document_element().child("office:body").child("office:spreadsheet");
+    if (!content) {
+        throw WorkbookError("it is no spreadsheet");
+    }
+    Workbook workbook;
+    workbook.isOpenDocument = true;
+    for (const auto& table : content.children("table:table")) {
+        const std::string prefix = std::to_string(workbook.sheets.size()) + '!';
+        Sheet& sheet = workbook.sheets.emplace_back();
+        sheet.name = table.attribute("table:name").value();
+        std::uint32_t next = 0;
+        ReadRows(sheet, table, next, 0);
+        ReadNames(workbook, table, prefix);
+    }
+    ReadNames(workbook, content, "");
+    return workbook;
+}
+
+} // namespace qel

@@ -1,0 +1,214 @@
+#include "workbook/SheetCalls.h"
+
+#include "function/formula/FormulaError.h"
+#include "function/formula/ParseFormula.h"
+#include "function/formula/WrittenCalls.h"
+#include "platform/value/AutomationError.h"
+#include "text/CaseFold.h"
+#include "workbook/ComputedArgument.h"
+
+#include <fmt/format.h>
+
+#include <stdexcept>
+
+namespace qel {
+
+namespace {
+
+constexpr std::size_t firstList = 2, lastList = 6, firstDate = 16;
+constexpr int deepestName = 8;
+
+enum class Kind { Value, List, Date };
+
+Kind KindOf(bool isName, std::size_t argument) {
+    if (isName || argument < firstList) {
+        return Kind::Value;
+    }
+    return argument <= lastList ? Kind::List : argument >= firstDate ? Kind::Date : Kind::Value;
+}
+
+/// Why an argument's value is not in the file.
+class UnreadArgument : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+class ReferredCells : public Range {
+public:
+    explicit ReferredCells(std::vector<Variant> values) : values_(std::move(values)) {}
+
+    void ForEachCell(const std::function<void(const Variant& value)>& visit) const override {
+        for (const Variant& value : values_) {
+            visit(value);
+        }
+    }
+
+private:
+    std::vector<Variant> values_;
+};
+
+Variant Referred(std::vector<Variant> values) {
+    return std::shared_ptr<const Object>(std::make_shared<ReferredCells>(std::move(values)));
+}
+
+/// The values of the arguments in one sheet.
+class ArgumentValues {
+public:
+    ArgumentValues(const Workbook& workbook, std::size_t sheet, const Locale& locale)
+        : workbook_(workbook), sheet_(sheet), locale_(locale) {}
+
+    FormulaCall Bind(const WrittenCall& written) const {
+        Formula formula;
+        formula.function = written.function;
+        const bool isName = EqualIgnoringCase(written.function, "QelName") ||
+                            EqualIgnoringCase(written.function, "RetQelName");
+        for (std::size_t i = 0; i < written.arguments.size(); ++i) {
+            formula.arguments.push_back(
+                {ValueOf(written.arguments[i], KindOf(isName, i), 0), written.starts[i] + 1});
+        }
+        return BindFormula(formula, locale_);
+    }
+
+private:
+    std::optional<Variant> ValueOf(const std::string& text, Kind kind, int depth) const {
+        if (text.empty()) {
+            return std::nullopt;
+        }
+        if (const auto range = ReadReference(text, workbook_.isOpenDocument)) {
+            return CellsOf(*range, text, kind);
+        }
+        if (auto constant = ConstantOf(text)) {
+            return Kept(std::move(*constant), kind);
+        }
+        const std::string* named = FindName(text);
+        if (named != nullptr && depth < deepestName) {
+            return ValueOf(*named, kind, depth + 1);
+        }
+        return Kept(ComputedOf(text, depth), kind);
+    }
+
+    /// A text that no cell holds is a key in Calc only.
+    std::optional<Variant> Kept(Variant value, Kind kind) const {
+        const bool isKey = kind == Kind::List && workbook_.isOpenDocument && value.Is<std::string>() &&
+                           !value.As<std::string>().empty();
+        return isKey ? Referred({std::move(value)}) : std::move(value);
+    }
+
+    Variant ComputedOf(const std::string& text, int depth) const {
+        const auto lookUp = [&](const std::string& word) {
+            const auto value = word == text ? std::nullopt : ValueOf(word, Kind::Value, depth + 1);
+            return value ? *value : throw UnreadArgument(fmt::format("{} is nothing of this file", word));
+        };
+        if (depth >= deepestName) {
+            throw UnreadArgument(fmt::format("{} refers to itself", text));
+        }
+        auto value = ComputedArgument(text, lookUp, locale_);
+        if (!value || workbook_.daysBefore != 0) {
+            throw UnreadArgument(
+                fmt::format("{} is computed in a way that this command does not know", text));
+        }
+        return std::move(*value);
+    }
+
+    static std::optional<Variant> ConstantOf(const std::string& text) {
+        const bool isTruth = EqualIgnoringCase(text, "TRUE()");
+        if (isTruth || EqualIgnoringCase(text, "FALSE()")) {
+            return isTruth;
+        }
+        try {
+            const auto parsed = ParseFormula("QelF1(" + text + ")");
+            return parsed.arguments.size() == 1 ? parsed.arguments.front().value : std::nullopt;
+        } catch (const FormulaError&) {
+            return std::nullopt;
+        }
+    }
+
+    const std::string* FindName(const std::string& text) const {
+        auto found = workbook_.names.find(std::to_string(sheet_) + '!' + FoldCase(text));
+        if (found == workbook_.names.end()) {
+            found = workbook_.names.find(FoldCase(text));
+        }
+        return found == workbook_.names.end() ? nullptr : &found->second;
+    }
+
+    Variant CellsOf(const CellRange& range, const std::string& text, Kind kind) const {
+        if (range.isElsewhere) {
+            throw UnreadArgument(fmt::format("{} refers to another file", text));
+        }
+        const Sheet* sheet =
+            range.sheet.empty() ? &workbook_.sheets[sheet_] : workbook_.SheetNamed(range.sheet);
+        if (sheet == nullptr) {
+            throw UnreadArgument(fmt::format("{} refers to a sheet that is not there", text));
+        }
+        std::vector<Variant> values;
+        constexpr std::size_t mostCells = 32768;
+        for (auto row = range.first.row; row <= range.last.row; ++row) {
+            for (auto column = range.first.column; column <= range.last.column; ++column) {
+                values.push_back(CellOf(*sheet, {row, column}));
+                if (values.size() > mostCells) {
+                    throw UnreadArgument(fmt::format("{} has too many cells", text));
+                }
+            }
+        }
+        if (kind == Kind::List) {
+            return Referred(std::move(values));
+        }
+        if (values.size() > 1) {
+            throw UnreadArgument(fmt::format("{} are several cells for one value", text));
+        }
+        const auto* number = std::get_if<double>(&values.front().Get());
+        return kind == Kind::Date && number != nullptr ? Variant(*number + workbook_.daysBefore)
+                                                       : values.front();
+    }
+
+    static Variant CellOf(const Sheet& sheet, CellPlace place) {
+        const auto found = sheet.values.find(Sheet::KeyOf(place));
+        if (found == sheet.values.end()) {
+            return {};
+        }
+        if (found->second.Is<Null>()) {
+            throw UnreadArgument(
+                fmt::format("the file has no value of cell {}; save it in the spreadsheet", CellName(place)));
+        }
+        if (found->second.Is<ErrorValue>()) {
+            throw UnreadArgument(fmt::format("cell {} shows an error", CellName(place)));
+        }
+        return found->second;
+    }
+
+    const Workbook& workbook_;
+    std::size_t sheet_;
+    const Locale& locale_;
+};
+
+SheetCall Read(const ArgumentValues& values, const WrittenCall& written, std::size_t sheet, CellPlace place) {
+    SheetCall call{sheet, place, std::nullopt, {}, false};
+    try {
+        call.call = values.Bind(written);
+    } catch (const UnreadArgument& error) {
+        call.fault = error.what();
+        call.isUnread = true;
+    } catch (const FormulaError& error) {
+        call.fault = error.what();
+    } catch (const AutomationError& error) {
+        call.fault = error.Description();
+    }
+    return call;
+}
+
+} // namespace
+
+std::vector<SheetCall> FindSheetCalls(const Workbook& workbook, const Locale& locale) {
+    std::vector<SheetCall> calls;
+    for (std::size_t sheet = 0; sheet < workbook.sheets.size(); ++sheet) {
+        const ArgumentValues values(workbook, sheet, locale);
+        for (const SheetFormula& formula : workbook.sheets[sheet].formulas) {
+            for (const WrittenCall& written : FindCallsOfAnyName(formula.text)) {
+                calls.push_back(Read(values, written, sheet, formula.place));
+            }
+        }
+    }
+    return calls;
+}
+
+} // namespace qel

@@ -1,0 +1,85 @@
+#include "workbook/WorkbookFile.h"
+
+#include "text/CaseFold.h"
+#include "workbook/WorkbookError.h"
+#include "workbook/WorkbookReaders.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <charconv>
+
+namespace qel {
+
+namespace {
+
+constexpr std::size_t mostCellsOfSheet = 5'000'000;
+
+int NumberIn(std::string_view text, std::size_t place, std::size_t size) {
+    int number = -1;
+    if (place + size <= text.size()) {
+        const char* const end = text.data() + place + size;
+        number = std::from_chars(text.data() + place, end, number).ptr == end ? number : -1;
+    }
+    return number;
+}
+
+} // namespace
+
+const Sheet* Workbook::SheetNamed(const std::string& name) const {
+    const auto found = std::find_if(sheets.begin(), sheets.end(),
+                                    [&](const Sheet& sheet) { return EqualIgnoringCase(sheet.name, name); });
+    return found == sheets.end() ? nullptr : &*found;
+}
+
+Workbook ReadWorkbook(const std::filesystem::path& path) {
+    ZipFile file(path);
+    if (file.Has("xl/workbook.xml")) {
+        return ReadOpenXml(file);
+    }
+    if (file.Has("content.xml")) {
+        return ReadOpenDocument(file);
+    }
+    throw WorkbookError("it is no .xlsx, .xlsm or .ods file");
+}
+
+void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& document) {
+    const std::string bytes = file.Read(name);
+    const auto result =
+        document.load_buffer(bytes.data(), bytes.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
+    if (!result) {
+        throw WorkbookError(fmt::format("its part {} is no XML: {}", name, result.description()));
+    }
+}
+
+void KeepValue(Sheet& sheet, CellPlace place, Variant value) {
+    if (sheet.values.size() >= mostCellsOfSheet) {
+        throw WorkbookError(
+            fmt::format("sheet {} has more than {} cells with contents", sheet.name, mostCellsOfSheet));
+    }
+    sheet.values[Sheet::KeyOf(place)] = std::move(value);
+}
+
+bool MayCallOurs(std::string_view formula) {
+    constexpr std::string_view ours = "qel";
+    return std::search(formula.begin(), formula.end(), ours.begin(), ours.end(),
+                       [](char left, char right) { return (left | 0x20) == right; }) != formula.end();
+}
+
+Variant DateOfText(std::string_view text) {
+    const int year = NumberIn(text, 0, 4), month = NumberIn(text, 5, 2), day = NumberIn(text, 8, 2);
+    constexpr int firstYear = 1900, lastMonth = 12, lastDay = 31;
+    if (year < firstYear || month < 1 || month > lastMonth || day < 1 || day > lastDay) {
+        return Null{};
+    }
+    double days = DateFromDay({year, month, day}).days;
+    constexpr std::size_t timePlace = 11;
+    if (text.size() > timePlace) {
+        constexpr double hours = 24, minutes = hours * 60, seconds = minutes * 60;
+        days += NumberIn(text, timePlace, 2) / hours + NumberIn(text, timePlace + 3, 2) / minutes +
+                NumberIn(text, timePlace + 6, 2) / seconds;
+    }
+    return days;
+}
+
+} // namespace qel
