@@ -66,11 +66,11 @@ void WizardsService::ShowLines() {
         const WizardServices& services = suite_->Services();
         const WizardContext wizards{
             own, providers, locale, services.toolkit, services.language, services.servers};
-        const auto cell = office::ActiveFormulaCellOf(document);
+        const auto cell = office::ChosenFormulaCellOf(document);
         const auto book = office::WorkbookOf(context_, document);
         const DocumentReference properties(document, uno::UNO_QUERY);
         ShowLinesOfCell(wizards,
-                        {.cell = *cell,
+                        {.cell = cell.get(),
                          .book = *book,
                          .fullPath = [&](const std::string& file) { return CubePathFrom(properties, file); },
                          .argumentName = &ValueArgumentName});

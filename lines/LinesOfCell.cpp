@@ -30,7 +30,8 @@ public:
         if (!place_.book.CanChange()) {
             return Tell(Text::ProtectedSheet);
         }
-        const CellCalls calls = CallsOf(place_.cell, place_.fullPath, context_.locale);
+        const CellCalls calls =
+            place_.cell == nullptr ? CellCalls() : CallsOf(*place_.cell, place_.fullPath, context_.locale);
         if (calls.values.empty()) {
             return Tell(calls.hasNames ? Text::NamesHaveNoLines : Text::NoValueFormula);
         }
@@ -62,27 +63,37 @@ private:
         if (!prepared.query) { // dates outside those of the cube
             return Tell(Text::NoLines);
         }
-        const auto action = place_.book.BeginAction(OwnText(context_, Text::ReadingLines));
-        ReadAndWrite(call.call, ToDouble(result.value, context_.locale), *prepared.query, *action);
+        LinesBehind behind{.cell = place_.book.ActiveSheetName() + '.' + Cell(),
+                           .call = call.call,
+                           .value = ToDouble(result.value, context_.locale)};
+        ReadAndWrite(std::move(behind), *prepared.query);
     }
 
-    void ReadAndWrite(const ValueCall& call, double value, const ModSetCube::ValueQuery& query,
-                      LongAction& action) {
-        LinesBehind behind{
-            .cell = place_.book.ActiveSheetName() + '.' + Cell(), .call = call, .value = value};
-        behind.lines = ReadCellLines(
-            context_.thread, context_.providers, query,
-            {.most = mostLines, .progress = [&](double share) { action.Report(share * readingShare); }});
+    void ReadAndWrite(LinesBehind behind, const ModSetCube::ValueQuery& query) {
+        std::unique_ptr<LongAction> action;
+        const auto begin = [&] { action = place_.book.BeginAction(OwnText(context_, Text::ReadingLines)); };
+        ModSetCube::LinesRequest request{.most = mostLines};
+        if (!IsServer(context_,
+                      behind.call.cubeFile)) { // a server is waited for with a box, which takes keys
+            begin();
+            request.progress = [&](double share) { action->Report(share * readingShare); };
+        }
+        behind.lines = ReadCellLines(context_.thread, context_.providers, query, request);
         if (behind.lines.rows.rows.empty()) {
+            action.reset();
             return Tell(Text::NoLines);
+        }
+        if (!action) {
+            begin();
         }
         const std::string name =
             SheetNameFor(place_.book.ActiveSheetName(), Cell(), place_.book.SheetNames());
-        place_.book.AddSheet(ComposeLineSheet(name, std::move(behind), Words()),
-                             [&](double share) { action.Report(readingShare + share * (1 - readingShare)); });
+        place_.book.AddSheet(ComposeLineSheet(name, std::move(behind), Words()), [&](double share) {
+            action->Report(readingShare + share * (1 - readingShare));
+        });
     }
 
-    std::string Cell() const { return CellName(place_.cell.Row(), place_.cell.Column()); }
+    std::string Cell() const { return CellName(place_.cell->Row(), place_.cell->Column()); }
 
     /// Nullopt for a number.
     std::optional<std::string> ReasonOfNoValue(const FormulaResult& result) const {

@@ -8,7 +8,7 @@ namespace qel {
 
 /// A cell whose lines are wanted, as its spreadsheet knows it.
 struct LinesPlace {
-    FormulaCell& cell;
+    FormulaCell* cell; ///< null where no cell is chosen
     Workbook& book;
     CubePath fullPath;
     /// The name of an argument of a value formula.

@@ -395,12 +395,18 @@ std::shared_ptr<SheetRange> ActiveCellOf(const SheetDocument& document) {
 }
 
 std::shared_ptr<FormulaCell> ActiveFormulaCellOf(const SheetDocument& document) {
-    return Translating([&] {
-        const auto selection = As<com::sun::star::frame::XModel>(document)->getCurrentSelection();
-        if (const RangeReference range = FirstRange(selection); range.is()) {
-            return FirstCell(document, range);
-        }
+    auto cell = ChosenFormulaCellOf(document);
+    if (!cell) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    }
+    return cell;
+}
+
+std::shared_ptr<FormulaCell> ChosenFormulaCellOf(const SheetDocument& document) {
+    return Translating([&]() -> std::shared_ptr<FormulaCell> {
+        const auto selection = As<com::sun::star::frame::XModel>(document)->getCurrentSelection();
+        const RangeReference range = FirstRange(selection);
+        return range.is() ? FirstCell(document, range) : nullptr;
     });
 }
 
