@@ -8,10 +8,28 @@
 #include <com/sun/star/frame/XFrame.hpp>
 #include <com/sun/star/task/XStatusIndicator.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
+#include <com/sun/star/util/XCloseable.hpp>
 
 namespace qel::office {
 
-/// Shows a share in the status bar of a document's window, which takes no click and no key meanwhile.
+/// Keeps a document open as long as it lives: the office would go on with one that is gone.
+class OpenDocument {
+public:
+    using Frame = com::sun::star::uno::Reference<com::sun::star::frame::XFrame>;
+
+    /// `refused` is called when the document is to be closed.
+    OpenDocument(const Frame& frame, std::function<void()> refused);
+    ~OpenDocument();
+    OpenDocument(const OpenDocument&) = delete;
+    OpenDocument& operator=(const OpenDocument&) = delete;
+
+private:
+    com::sun::star::uno::Reference<com::sun::star::util::XCloseable> document_;
+    com::sun::star::uno::Reference<com::sun::star::util::XCloseListener> listener_;
+};
+
+/// Shows a share in the status bar of a document's window, which takes no click and no key meanwhile. To
+/// close the document stops the action, too.
 class StatusBarAction : public LongAction {
 public:
     using Context = com::sun::star::uno::Reference<com::sun::star::uno::XComponentContext>;
@@ -31,6 +49,7 @@ private:
     com::sun::star::uno::Reference<com::sun::star::awt::XWindow> window_;
     com::sun::star::uno::Reference<com::sun::star::task::XStatusIndicator> bar_;
     FilteredKeys keys_;
+    OpenDocument document_;
     std::chrono::steady_clock::time_point shown_;
     bool isStopped_ = false;
 };
