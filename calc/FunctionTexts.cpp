@@ -89,6 +89,10 @@ const FunctionTexts* Find(const Matches& matches) {
 
 const Bilingual categoryName = {"Add-In", "תוספת"};
 
+std::string ValueArgumentName(std::size_t argument, bool isHebrew) {
+    return valueArguments.at(argument).name.In(isHebrew);
+}
+
 const FunctionTexts* FindByMethod(std::string_view method) {
     return Find([&](const FunctionTexts& texts) { return texts.method == method; });
 }

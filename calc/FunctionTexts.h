@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace qel::calc {
@@ -27,6 +28,9 @@ struct FunctionTexts {
 };
 
 extern const Bilingual categoryName;
+
+/// The name of an argument of a value formula.
+std::string ValueArgumentName(std::size_t argument, bool isHebrew);
 
 /// Null for a method that is no worksheet function.
 const FunctionTexts* FindByMethod(std::string_view method);

@@ -1,5 +1,6 @@
 #include "calc/ServersOfWizards.h"
 
+#include "calc/Raised.h"
 #include "calc/ServerQuestion.h"
 #include "calc/ServerWait.h"
 #include "calc/ServersOfUser.h"
@@ -23,18 +24,6 @@ constexpr auto shortWait = std::chrono::milliseconds(300);
 /// So long it waits for all requests of an action before it shows boxes earlier.
 constexpr auto actionWait = std::chrono::milliseconds(1000);
 constexpr auto shortestWait = std::chrono::milliseconds(50);
-
-/// True while one lives.
-class Raised {
-public:
-    explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
-    ~Raised() { flag_ = false; }
-    Raised(const Raised&) = delete;
-    Raised& operator=(const Raised&) = delete;
-
-private:
-    bool& flag_;
-};
 
 /// Says that a request has ended, as long as it lives.
 class SilencedLater {

@@ -1,9 +1,13 @@
 #include "calc/WizardsService.h"
 
 #include "calc/CallingDocument.h"
+#include "calc/FunctionTexts.h"
+#include "calc/Raised.h"
 #include "calc/ThreadFunction.h"
+#include "lines/LinesOfCell.h"
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/office/OfficeText.h"
+#include "platform/sheet/calc/CalcWorkbook.h"
 
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/uno/RuntimeException.hpp>
@@ -50,16 +54,44 @@ void WizardsService::EditFormula() {
     });
 }
 
+void WizardsService::ShowLines() {
+    const auto document = DocumentInFront();
+    static bool isRunning = false; // of all windows: while lines are read, the others take commands
+    if (isRunning) {
+        return;
+    }
+    const Raised running(isRunning);
+    WithProviders(document, [&](const Providers& providers, const Locale& locale) {
+        ModSetCube::ThreadState own; // cells are calculated meanwhile
+        const WizardServices& services = suite_->Services();
+        const WizardContext wizards{
+            own, providers, locale, services.toolkit, services.language, services.servers};
+        const auto cell = office::ChosenFormulaCellOf(document);
+        const auto book = office::WorkbookOf(context_, document);
+        const DocumentReference properties(document, uno::UNO_QUERY);
+        ShowLinesOfCell(wizards,
+                        {.cell = cell.get(),
+                         .book = *book,
+                         .fullPath = [&](const std::string& file) { return CubePathFrom(properties, file); },
+                         .argumentName = &ValueArgumentName});
+    });
+}
+
 void WizardsService::With(const office::SheetDocument& document, const Use& use) {
+    WithProviders(document, [&](const Providers& providers, const Locale& locale) {
+        // A macro's object is one of its own; the thread's connection is every object's.
+        OrmQelFunction object({FunctionOfThread().state, providers, locale, &suite_->Services()});
+        use(object);
+    });
+}
+
+void WizardsService::WithProviders(const office::SheetDocument& document, const UseProviders& use) {
     try {
         if (!suite_) {
             suite_ = std::make_unique<SuiteOfUser>(context_);
         }
         const Locale locale = locales_.Of(DocumentReference(document, uno::UNO_QUERY));
-        // A macro's object is one of its own; the thread's connection is every object's.
-        OrmQelFunction object({FunctionOfThread().state, ChooseProvider(Cubes(), &suite_->Servers(), nullptr),
-                               locale, &suite_->Services()});
-        use(object);
+        use(ChooseProvider(Cubes(), &suite_->Servers(), nullptr), locale);
     } catch (const uno::Exception&) {
         throw;
     } catch (const std::exception& error) {
@@ -79,6 +111,8 @@ void WizardsService::trigger(const rtl::OUString& method) {
         ShowFormQelName({});
     } else if (method == "EditFormula") {
         EditFormula();
+    } else if (method == "ShowLines") {
+        ShowLines();
     }
 }
 

@@ -39,9 +39,13 @@ public:
 private:
     /// The wizard that wrote the formula of the active cell.
     void EditFormula();
+    /// A new sheet with the lines behind the active cell.
+    void ShowLines();
     /// The object of a call, with the user's suite and the document's locale.
     using Use = std::function<void(OrmQelFunction& object)>;
     void With(const office::SheetDocument& document, const Use& use);
+    using UseProviders = std::function<void(const Providers& providers, const Locale& locale)>;
+    void WithProviders(const office::SheetDocument& document, const UseProviders& use);
 
     using Form = std::string (OrmQelFunction::*)(const std::shared_ptr<SheetRange>& xlActiveCell);
 

@@ -4,7 +4,6 @@
 #include "function/SheetWriter.h"
 #include "function/formula/WrittenCalls.h"
 #include "support/ModError.h"
-#include "text/CaseFold.h"
 #include "wizard/OwnText.h"
 #include "wizard/frmFuncQelWiz.h"
 #include "wizard/frmNameWizz.h"
@@ -14,10 +13,6 @@
 namespace qel {
 
 namespace {
-
-bool IsNameCall(const WrittenCall& call) {
-    return EqualIgnoringCase(call.function, "QelName") || EqualIgnoringCase(call.function, "RetQelName");
-}
 
 /// Where the formula that is edited stands.
 struct EditedFormula {

@@ -149,6 +149,16 @@ void EditedValueCall::Take(std::size_t argument, const Variant& value) {
     }
 }
 
+std::vector<std::size_t> EditedValueCall::Faulty() const {
+    std::vector<std::size_t> faulty;
+    for (std::size_t i = 0; i < isFaulty_.size(); ++i) {
+        if (isFaulty_[i]) {
+            faulty.push_back(i);
+        }
+    }
+    return faulty;
+}
+
 Selection EditedValueCall::Choices() const {
     const ValueQuery query = QueryOf(call_, locale_);
     Selection choices;

@@ -28,6 +28,10 @@ class EditedValueCall {
 public:
     EditedValueCall(std::vector<std::string> arguments, const ArgumentReader& reader);
 
+    /// The values that the arguments have; an argument without one is empty.
+    const ValueCall& Call() const { return call_; }
+    /// The arguments without a value that the function takes.
+    std::vector<std::size_t> Faulty() const;
     /// What the wizard starts with.
     Selection Choices() const;
     /// The arguments of the formula after a call was chosen, which `composed` says in a formula's words.

@@ -25,6 +25,23 @@ inline constexpr std::int32_t FirstMemberCounts = 1520;
 inline constexpr std::int32_t ListCounts = 1521;
 inline constexpr std::int32_t LackingChoices = 1522;
 inline constexpr std::int32_t RemoveQuery = 1527;
+inline constexpr std::int32_t Value = 1529;
+inline constexpr std::int32_t NoValueFormula = 1540;
+inline constexpr std::int32_t NamesHaveNoLines = 1541;
+inline constexpr std::int32_t FaultyArguments = 1542;
+inline constexpr std::int32_t NoValue = 1543;
+inline constexpr std::int32_t NoSuchCubeFile = 1544;
+inline constexpr std::int32_t NoLines = 1545;
+inline constexpr std::int32_t ProtectedSheet = 1546;
+inline constexpr std::int32_t LinesBehind = 1547;
+inline constexpr std::int32_t Lines = 1548;
+inline constexpr std::int32_t SomeOf = 1549;
+inline constexpr std::int32_t More = 1550;
+inline constexpr std::int32_t TotalOfSome = 1551;
+inline constexpr std::int32_t OtherTotal = 1552;
+inline constexpr std::int32_t Total = 1553;
+inline constexpr std::int32_t ReadingLines = 1554;
+inline constexpr std::int32_t WhichCall = 1555;
 } // namespace OwnTextNumber
 
 /// The text in the dialogs' language.

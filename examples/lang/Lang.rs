@@ -74,6 +74,23 @@
 	<z:row lId='0' sId='1527' sText="Remove this saved query?"/>
 	<z:row lId='0' sId='1528' sText="Cube file"/>
 	<z:row lId='0' sId='1529' sText="Value"/>
+	<z:row lId='0' sId='1540' sText="Choose a cell whose formula calls QelF1."/>
+	<z:row lId='0' sId='1541' sText="The formula gives a name. Only amounts have lines."/>
+	<z:row lId='0' sId='1542' sText="These arguments of the formula have no value that it takes:"/>
+	<z:row lId='0' sId='1543' sText="The formula has no value:"/>
+	<z:row lId='0' sId='1544' sText="There is no such cube file:"/>
+	<z:row lId='0' sId='1545' sText="The value adds up no lines."/>
+	<z:row lId='0' sId='1546' sText="This sheet or document is protected, or opened to be read only."/>
+	<z:row lId='0' sId='1547' sText="Lines behind"/>
+	<z:row lId='0' sId='1548' sText="Lines"/>
+	<z:row lId='0' sId='1549' sText="of"/>
+	<z:row lId='0' sId='1550' sText="more"/>
+	<z:row lId='0' sId='1551' sText="The total is of these lines only."/>
+	<z:row lId='0' sId='1552' sText="The lines do not add up to the value."/>
+	<z:row lId='0' sId='1553' sText="Total"/>
+	<z:row lId='0' sId='1554' sText="Reading lines (Esc stops)"/>
+	<z:row lId='0' sId='1555' sText="The formula calls QelF1 several times. Which lines?"/>
+	<z:row lId='0' sId='1556' sText="Lines behind this cell"/>
 	<z:row lId='0' sId='1600' sText="; did you mean {0}?"/>
 	<z:row lId='0' sId='1601' sText="; it has {0}"/>
 	<z:row lId='0' sId='1602' sText="; it has {0} and {1} more"/>
@@ -163,6 +180,23 @@
 	<z:row lId='1' sId='1527' sText="להסיר את השאילתה השמורה הזאת?"/>
 	<z:row lId='1' sId='1528' sText="קובץ קוביה"/>
 	<z:row lId='1' sId='1529' sText="ערך"/>
+	<z:row lId='1' sId='1540' sText="יש לבחור תא שהנוסחה שלו קוראת ל-QelF1."/>
+	<z:row lId='1' sId='1541' sText="הנוסחה מחזירה שם. רק לסכומים יש שורות."/>
+	<z:row lId='1' sId='1542' sText="לארגומנטים האלה של הנוסחה אין ערך מתאים:"/>
+	<z:row lId='1' sId='1543' sText="לנוסחה אין ערך:"/>
+	<z:row lId='1' sId='1544' sText="אין קובץ קוביה כזה:"/>
+	<z:row lId='1' sId='1545' sText="אין שורות מאחורי הערך הזה."/>
+	<z:row lId='1' sId='1546' sText="הגיליון או המסמך מוגנים או פתוחים לקריאה בלבד."/>
+	<z:row lId='1' sId='1547' sText="השורות מאחורי"/>
+	<z:row lId='1' sId='1548' sText="שורות"/>
+	<z:row lId='1' sId='1549' sText="מתוך"/>
+	<z:row lId='1' sId='1550' sText="יותר"/>
+	<z:row lId='1' sId='1551' sText="הסיכום הוא של השורות האלה בלבד."/>
+	<z:row lId='1' sId='1552' sText="השורות אינן מסתכמות לערך."/>
+	<z:row lId='1' sId='1553' sText="סיכום"/>
+	<z:row lId='1' sId='1554' sText="קריאת שורות (Esc לעצירה)"/>
+	<z:row lId='1' sId='1555' sText="הנוסחה קוראת ל-QelF1 כמה פעמים. אילו שורות?"/>
+	<z:row lId='1' sId='1556' sText="השורות מאחורי התא"/>
 	<z:row lId='1' sId='1600' sText="; האם הכוונה ל-{0}?"/>
 	<z:row lId='1' sId='1601' sText="; יש בו {0}"/>
 	<z:row lId='1' sId='1602' sText="; יש בו {0} ועוד {1}"/>

@@ -108,6 +108,10 @@ std::vector<WrittenCall> FindCallsOf(std::string_view formula, const Functions& 
 
 } // namespace
 
+bool IsNameCall(const WrittenCall& call) {
+    return EqualIgnoringCase(call.function, "QelName") || EqualIgnoringCase(call.function, "RetQelName");
+}
+
 std::vector<WrittenCall> FindCalls(std::string_view formula) {
     return FindCallsOf(formula, editable, FunctionOfClass);
 }

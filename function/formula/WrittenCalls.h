@@ -16,6 +16,9 @@ struct WrittenCall {
     char separator = ';';                    ///< of the arguments: ';' or ','
 };
 
+/// Whether the call gives a name, no amount.
+bool IsNameCall(const WrittenCall& call);
+
 /// The calls of QelF1, QeL1, QelName and RetQelName in a formula, in the order in which they begin. A call
 /// may stand in an argument of another one. A call without its closing parenthesis is left out.
 std::vector<WrittenCall> FindCalls(std::string_view formula);

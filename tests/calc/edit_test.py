@@ -32,6 +32,7 @@ class Edit(KeyboardTest):
         self.cell.Formula = text
         self.assertEqual(self.cell.Formula, text)
         self.document.setModified(False)
+        self.undo = self.document.UndoManager.getAllUndoActionTitles()
         self.hands.key("alt+q", "e")
         return self.person.sees(title)
 
@@ -104,6 +105,7 @@ class Edit(KeyboardTest):
         eventually("the end", lambda: not self.person.windows("Function QEL"))
         self.assertEqual((self.cell.Formula, shown(self.cell)), (text, before))
         self.assertFalse(self.document.isModified())
+        self.assertEqual(self.document.UndoManager.getAllUndoActionTitles(), self.undo)
 
     def test_what_the_cube_lacks_is_told_and_what_is_shown_is_written(self):
         text = formula([*ARGUMENTS[:9], '"no such"', *ARGUMENTS[10:]])

@@ -203,18 +203,18 @@ class Person:
         except AssertionError as failure:
             raise AssertionError(f"{failure}; there are {[(w.title, w.texts()) for w in self.windows()]}") from None
 
-    def answers(self, title, part):
-        """Presses OK in a box that says so."""
+    def answers(self, title, part, button="OK"):
+        """Presses a button in a box that says so."""
         box = self.sees(title)
         text = " ".join(box.texts())
         if part not in text:
             raise AssertionError(f"{title} says {text!r}, not {part!r}")
-        box.button("OK").press()
+        box.button(button).press()
         eventually("the box's end", lambda: not self.windows(title))
 
     def leave(self):
         """Closes what a test that failed left open."""
-        for title in ("OrmFuncQel4", "Function QEL", "Name QEL"):
+        for title in ("OrmFuncQel4", "Function QEL", "Name QEL", "Lines behind this cell"):
             for window in self.windows(title):
                 window.button("OK" if title == "OrmFuncQel4" else "Cancel").press()
 

@@ -1,6 +1,6 @@
 #include "platform/dialog/calc/OfficeDialog.h"
 
-#include "platform/dialog/calc/KeyFilter.h"
+#include "platform/office/KeyFilter.h"
 #include "platform/office/OfficeFailure.h"
 #include "platform/value/AutomationError.h"
 #include "text/Utf8Path.h"

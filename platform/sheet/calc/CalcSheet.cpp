@@ -1,6 +1,7 @@
 #include "platform/sheet/calc/CalcSheet.h"
 
 #include "platform/office/OfficeFailure.h"
+#include "platform/office/OtherInterface.h"
 #include "platform/value/Conversion.h"
 
 #include <fmt/format.h>
@@ -40,16 +41,6 @@ namespace {
 
 using RangeReference = uno::Reference<sheet::XSheetCellRange>;
 
-/// Another interface of a sheet object. Raises 91 when it is missing.
-template <class Interface, class Object>
-uno::Reference<Interface> As(const Object& object) {
-    uno::Reference<Interface> found(object, uno::UNO_QUERY);
-    if (!found.is()) {
-        throw PlatformError(ErrorNumber::ObjectVariableNotSet);
-    }
-    return found;
-}
-
 table::CellRangeAddress AddressOf(const RangeReference& range) {
     return As<sheet::XCellRangeAddressable>(range)->getRangeAddress();
 }
@@ -59,20 +50,16 @@ RangeReference RangeOf(const RangeReference& spreadsheet, sal_Int32 left, sal_In
     return As<sheet::XSheetCellRange>(spreadsheet->getCellRangeByPosition(left, top, right, bottom));
 }
 
-/// While one lives, changes of the document leave no trace: they cannot be undone, are not shown, and do not
-/// count as changes.
+/// While one lives, changes of the document are not shown, and do not count as changes.
 class PassingChange {
 public:
     explicit PassingChange(const SheetDocument& document)
         : model_(document, uno::UNO_QUERY_THROW), modifiable_(document, uno::UNO_QUERY_THROW),
-          undo_(As<com::sun::star::document::XUndoManagerSupplier>(document)->getUndoManager()),
           wasModified_(modifiable_->isModified()) {
         model_->lockControllers();
-        undo_->lock();
     }
     ~PassingChange() {
         try {
-            undo_->unlock();
             model_->unlockControllers(); // which tells the document that it was changed
             modifiable_->setModified(wasModified_);
         } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the document was closed
@@ -84,23 +71,45 @@ public:
 private:
     uno::Reference<com::sun::star::frame::XModel> model_;
     uno::Reference<util::XModifiable> modifiable_;
-    uno::Reference<com::sun::star::document::XUndoManager> undo_;
     bool wasModified_;
+};
+
+/// While one lives, a change cannot be undone. The office locks out one change alone: it records those that
+/// follow.
+class Unrecorded {
+public:
+    explicit Unrecorded(const SheetDocument& document)
+        : undo_(As<com::sun::star::document::XUndoManagerSupplier>(document)->getUndoManager()) {
+        undo_->lock();
+    }
+    ~Unrecorded() {
+        try {
+            undo_->unlock();
+        } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the document was closed
+        }
+    }
+    Unrecorded(const Unrecorded&) = delete;
+    Unrecorded& operator=(const Unrecorded&) = delete;
+
+private:
+    uno::Reference<com::sun::star::document::XUndoManager> undo_;
 };
 
 /// While one lives, a cell has another formula. It is an array formula, so that a range is not taken for the
 /// cell beside the formula.
 class OtherFormula {
 public:
-    OtherFormula(const RangeReference& range, const rtl::OUString& formula)
-        : cell_(range->getCellByPosition(0, 0)), own_(cell_->getFormula()),
+    OtherFormula(const SheetDocument& document, const RangeReference& range, const rtl::OUString& formula)
+        : document_(document), cell_(range->getCellByPosition(0, 0)), own_(cell_->getFormula()),
           array_(As<sheet::XArrayFormulaRange>(range)) {
-        array_->setArrayFormula(formula);
+        SetArrayFormula(formula);
     }
     ~OtherFormula() {
         try {
-            array_->setArrayFormula({});
+            SetArrayFormula({});
+            const Unrecorded change(document_);
             cell_->setFormula(own_);
+        } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): it has no undo manager any more
         } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the document was closed
         }
     }
@@ -108,6 +117,12 @@ public:
     OtherFormula& operator=(const OtherFormula&) = delete;
 
 private:
+    void SetArrayFormula(const rtl::OUString& formula) const {
+        const Unrecorded change(document_);
+        array_->setArrayFormula(formula);
+    }
+
+    const SheetDocument& document_;
     uno::Reference<table::XCell> cell_;
     rtl::OUString own_;
     uno::Reference<sheet::XArrayFormulaRange> array_;
@@ -241,7 +256,7 @@ private:
     }
 
     Variant ValueOf(const std::string& expression) const {
-        const OtherFormula other(range_, ToOffice("=" + expression));
+        const OtherFormula other(document_, range_, ToOffice("=" + expression));
         return Result();
     }
 
@@ -380,12 +395,18 @@ std::shared_ptr<SheetRange> ActiveCellOf(const SheetDocument& document) {
 }
 
 std::shared_ptr<FormulaCell> ActiveFormulaCellOf(const SheetDocument& document) {
-    return Translating([&] {
-        const auto selection = As<com::sun::star::frame::XModel>(document)->getCurrentSelection();
-        if (const RangeReference range = FirstRange(selection); range.is()) {
-            return FirstCell(document, range);
-        }
+    auto cell = ChosenFormulaCellOf(document);
+    if (!cell) {
         throw PlatformError(ErrorNumber::ObjectVariableNotSet);
+    }
+    return cell;
+}
+
+std::shared_ptr<FormulaCell> ChosenFormulaCellOf(const SheetDocument& document) {
+    return Translating([&]() -> std::shared_ptr<FormulaCell> {
+        const auto selection = As<com::sun::star::frame::XModel>(document)->getCurrentSelection();
+        const RangeReference range = FirstRange(selection);
+        return range.is() ? FirstCell(document, range) : nullptr;
     });
 }
 

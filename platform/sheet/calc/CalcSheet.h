@@ -15,6 +15,9 @@ std::shared_ptr<SheetRange> ActiveCellOf(const SheetDocument& document);
 /// The same cell, to edit its formula.
 std::shared_ptr<FormulaCell> ActiveFormulaCellOf(const SheetDocument& document);
 
+/// The same; null where something else is chosen, such as a drawing.
+std::shared_ptr<FormulaCell> ChosenFormulaCellOf(const SheetDocument& document);
+
 /// The cell, or the first cell of the range, that a macro passed; null for any other object. Its document is
 /// the one whose window shows it.
 std::shared_ptr<SheetRange> CellFrom(const com::sun::star::uno::Any& object, const SheetDocument& document);

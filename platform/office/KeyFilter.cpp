@@ -1,4 +1,4 @@
-#include "platform/dialog/calc/KeyFilter.h"
+#include "platform/office/KeyFilter.h"
 
 // Deprecated because only some toolkits have it; the component checks that its own has.
 #pragma GCC diagnostic ignored "-Wdeprecated-declarations"

@@ -1,0 +1,60 @@
+#include "lines/CellCalls.h"
+
+#include "function/EditedCall.h"
+#include "function/formula/WrittenCalls.h"
+#include "platform/value/Conversion.h"
+
+#include <fmt/format.h>
+
+namespace qel {
+
+namespace {
+
+namespace Arg = FormulaArg;
+
+constexpr std::size_t argumentCount = std::tuple_size_v<FormulaArgs>;
+
+std::string IsoDay(AutomationDate date) {
+    if (date.IsZero()) {
+        return {};
+    }
+    const CalendarDay day = DayFromDate(date);
+    return fmt::format("{:04}-{:02}-{:02}", day.year, day.month, day.day);
+}
+
+std::string FirstKeyText(const Variant& list) {
+    const auto& keys = list.As<std::shared_ptr<const VariantArray>>()->elements;
+    return keys.empty() ? std::string() : ToText(keys.front(), {});
+}
+
+} // namespace
+
+CellCalls CallsOf(const FormulaCell& cell, const CubePath& fullPath, const Locale& locale) {
+    const ArgumentReader reader{[&](const std::string& expression) { return cell.Evaluate(expression); },
+                                fullPath, locale};
+    CellCalls calls;
+    for (const WrittenCall& written : FindCalls(cell.Formula())) {
+        if (IsNameCall(written)) {
+            calls.hasNames = true;
+            continue;
+        }
+        const EditedValueCall edited(written.arguments, reader);
+        calls.values.push_back({edited.Call(), edited.Faulty()});
+        if (written.arguments.size() > argumentCount) {
+            calls.values.back().faulty.push_back(argumentCount);
+        }
+    }
+    return calls;
+}
+
+std::string ArgumentText(const ValueCall& call, std::size_t argument) {
+    if (argument >= Arg::FromDate) {
+        return IsoDay(argument == Arg::FromDate ? call.From_Date : call.To_Date);
+    }
+    if (argument >= Arg::ObsName && argument <= Arg::ActivityList) {
+        return FirstKeyText(call.*valueCallLists[argument - Arg::ObsName]);
+    }
+    return call.*valueCallTexts[argument < Arg::ObsName ? argument : argument - valueCallLists.size()];
+}
+
+} // namespace qel

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "lines/CellCalls.h"
+#include "platform/sheet/Workbook.h"
+#include "wizard/WizardContext.h"
+
+namespace qel {
+
+/// A cell whose lines are wanted, as its spreadsheet knows it.
+struct LinesPlace {
+    FormulaCell* cell; ///< null where no cell is chosen
+    Workbook& book;
+    CubePath fullPath;
+    /// The name of an argument of a value formula.
+    std::function<std::string(std::size_t argument, bool isHebrew)> argumentName;
+};
+
+/// Shows the lines behind a cell's value in a new sheet. Of several calls in its formula it asks for one.
+/// What stands in the way, and every failure, is told in a box. The context's thread state is used by nothing
+/// else meanwhile: the spreadsheet goes on working.
+void ShowLinesOfCell(const WizardContext& context, const LinesPlace& place);
+
+} // namespace qel
