@@ -3,6 +3,7 @@
 #include "OrmFunctionQel4.h"
 #include "platform/windows/ProviderFailure.h"
 #include "server/Classes.h"
+#include "server/ExcelLists.h"
 #include "server/RegistryTree.h"
 #include "server/ServerModule.h"
 
@@ -17,7 +18,8 @@ const std::wstring automationProxy = L"{00020424-0000-0000-C000-000000000046}";
 const std::wstring platform = sizeof(void*) == 8 ? L"win64" : L"win32";
 
 RegistryTree TreeOf(RegistrationScope scope) {
-    return RegistryTree(scope == RegistrationScope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE);
+    return {scope == RegistrationScope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE,
+            L"Software\\Classes\\"};
 }
 
 std::wstring TextOf(REFGUID id) {
@@ -61,11 +63,15 @@ void RegisterLibrary(const RegistryTree& tree, const std::wstring& path) {
     tree.SetText(key + L"\\HELPDIR", L"", path.substr(0, path.find_last_of(L'\\')));
 }
 
+/// What names a class, such as its ProgID, is shared by both bitnesses.
+bool IsOfOtherBitness(const RegistryTree& tree, const AutomationClass& type) {
+    return tree.OtherBitnessHas(ClassKey(type));
+}
+
 void UnregisterClass(const RegistryTree& tree, const AutomationClass& type) {
     tree.Remove(ClassKey(type));
     tree.Remove(InterfaceKey(type));
-    // The ProgID, by which scripts and formulas find the class, is shared by both bitnesses.
-    if (!tree.OtherBitnessHas(ClassKey(type))) {
+    if (!IsOfOtherBitness(tree, type)) {
         tree.Remove(type.progId);
     }
 }
@@ -91,6 +97,9 @@ void Register(RegistrationScope scope) {
             RegisterInterface(tree, serverClass.automation);
         }
         RegisterLibrary(tree, path);
+        if (scope == RegistrationScope::User) {
+            AddToExcel(OfficeOfUser());
+        }
     } catch (const AutomationError&) {
         Unregister(scope);
         throw;
@@ -103,6 +112,9 @@ void Unregister(RegistrationScope scope) {
         UnregisterClass(tree, serverClass.automation);
     }
     UnregisterLibrary(tree);
+    if (scope == RegistrationScope::User && !IsOfOtherBitness(tree, ServerClasses().front().automation)) {
+        RemoveFromExcel(OfficeOfUser());
+    }
 }
 
 } // namespace qel::server
