@@ -8,6 +8,9 @@ namespace qel::server {
 
 namespace {
 
+const std::wstring comAddIns = L"Excel\\Addins";
+constexpr DWORD loadAtStart = 3;
+
 /// A version's add-ins are the values OPEN, OPEN1, OPEN2, … of its options.
 std::wstring OpenName(std::size_t index) { return index == 0 ? L"OPEN" : L"OPEN" + std::to_wstring(index); }
 
@@ -69,17 +72,25 @@ void RemoveFunctions(const RegistryTree& office, const std::wstring& excel) {
 
 } // namespace
 
-RegistryTree OfficeOfUser() { return {HKEY_CURRENT_USER, L"Software\\Microsoft\\Office\\"}; }
+RegistryTree OfficeOfUser() { return {HKEY_CURRENT_USER, L"Software\\Microsoft\\Office"}; }
 
 void AddToExcel(const RegistryTree& office) {
     for (const std::wstring& excel : ExcelKeys(office)) {
         AddFunctions(office, excel);
     }
+    const std::wstring key = comAddIns + L"\\" + ClassOfRibbon().progId;
+    office.SetText(key, L"FriendlyName", L"Qel");
+    office.SetText(key, L"Description", L"Wizards for formulas over cubes");
+    office.SetNumber(key, L"LoadBehavior", loadAtStart);
 }
 
 void RemoveFromExcel(const RegistryTree& office) {
     for (const std::wstring& excel : ExcelKeys(office)) {
         RemoveFunctions(office, excel);
+    }
+    office.Remove(comAddIns + L"\\" + ClassOfRibbon().progId);
+    for (const std::wstring& key : {comAddIns, std::wstring(L"Excel"), std::wstring()}) {
+        office.RemoveIfEmpty(key);
     }
 }
 

@@ -12,7 +12,7 @@ namespace qel::server {
 /// code and the key's name.
 class RegistryTree {
 public:
-    /// Keys are named below `base`, which ends in a backslash.
+    /// Keys are named below `base`; an empty name is the base itself.
     RegistryTree(HKEY root, std::wstring base) : root_(root), base_(std::move(base)) {}
 
     /// Sets a value and creates missing keys. An empty `name` is the key's default value.
@@ -40,7 +40,7 @@ public:
     void RemoveValue(const std::wstring& key, const std::wstring& name) const;
 
 private:
-    std::wstring Full(const std::wstring& key) const { return base_ + key; }
+    std::wstring Full(const std::wstring& key) const { return key.empty() ? base_ : base_ + L"\\" + key; }
     bool CanOpen(const std::wstring& key, REGSAM view) const;
     void SetValue(const std::wstring& key, const std::wstring& name, DWORD type, const void* bytes,
                   std::size_t size) const;

@@ -115,65 +115,47 @@ TEST_F(Registration, OfAUserTouchesTheUsersClassesAlone) {
     }
 }
 
-struct ListCase {
-    const char* what;
-    std::vector<const wchar_t*> before, during, after; ///< "name|text" of each value
-};
 #define OWN L"/A \"OrmFunctionQel4.OrmQelFunction\""
 
-const ListCase listCases[] = {
-    {"an empty list", {}, {L"OPEN|" OWN}, {}},
-    {"those of others",
-     {L"OPEN|/R other", L"OPEN1|b"},
-     {L"OPEN|/R other", L"OPEN1|b", L"OPEN2|" OWN},
-     {L"OPEN|/R other", L"OPEN1|b"}},
-    {"a gap", {L"OPEN|a", L"OPEN2|c"}, {L"OPEN|a", L"OPEN1|" OWN, L"OPEN2|c"}, {L"OPEN|a", L"OPEN1|c"}},
-    {"added by hand, behind a gap, and others behind it",
-     {L"open|a", L"OPEN3|" OWN, L"OPEN4|d", L"OPEN5|e", L"OPENING|x", L"Font|y"},
-     {L"open|a", L"OPEN3|" OWN, L"OPEN4|d", L"OPEN5|e", L"OPENING|x", L"Font|y"},
-     {L"open|a", L"OPEN3|d", L"OPEN4|e", L"OPENING|x", L"Font|y"}},
-    {"added twice by hand",
-     {L"OPEN|" OWN, L"OPEN1|" OWN, L"OPEN2|c"},
-     {L"OPEN|" OWN, L"OPEN1|" OWN, L"OPEN2|c"},
-     {L"OPEN|c"}},
+/// "name|text" of each value before, during and after the registration.
+const std::set<std::wstring> listCases[][3] = {
+    {{}, {L"OPEN|" OWN}, {}},
+    {{L"open|a", L"OPEN2|c"}, {L"open|a", L"OPEN1|" OWN, L"OPEN2|c"}, {L"open|a", L"OPEN1|c"}},
+    {{L"OPEN|a", L"OPEN3|" OWN, L"OPEN4|d", L"OPEN5|" OWN, L"OPEN6|f", L"OPENING|x"}, // by hand
+     {L"OPEN|a", L"OPEN3|" OWN, L"OPEN4|d", L"OPEN5|" OWN, L"OPEN6|f", L"OPENING|x"},
+     {L"OPEN|a", L"OPEN3|d", L"OPEN4|f", L"OPENING|x"}},
 };
 
 TEST_F(Registration, OfAUserKeepsExcelsListOfAutomationAddIns) {
     const auto install = Find<InstallEntry>("DllInstall");
-    const std::wstring office = L"Software\\Microsoft\\Office";
-    const std::wstring options = office + L"\\16.0\\Excel\\Options";
-    const auto entries = [&](const std::vector<const wchar_t*>& values) {
-        std::set<std::wstring> found = {options};
-        for (const wchar_t* value : values) {
-            found.insert(options + L"|" + value);
-        }
-        return found;
-    };
-    const auto listed = [&] {
-        std::set<std::wstring> found;
+    const std::wstring options = L"Software\\Microsoft\\Office\\16.0\\Excel\\Options";
+    const auto expectList = [&](const std::set<std::wstring>& values, const char* when) {
+        std::set<std::wstring> found, expected = {options};
         Collect(HKEY_CURRENT_USER, options, found);
-        return found;
-    };
-    for (const ListCase& list : listCases) {
-        HKEY key = nullptr;
-        ASSERT_EQ(::RegCreateKeyW(HKEY_CURRENT_USER, options.c_str(), &key), ERROR_SUCCESS);
-        for (const std::wstring value : list.before) {
-            const std::wstring text = value.substr(value.find(L'|') + 1);
-            ::RegSetValueExW(key, value.substr(0, value.find(L'|')).c_str(), 0, REG_SZ,
-                             reinterpret_cast<const BYTE*>(text.c_str()),
-                             static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+        for (const std::wstring& value : values) {
+            expected.insert(options + L"|" + value);
         }
-        ::RegCloseKey(key);
-        for (int times = 0; times < 2; ++times) {
+        EXPECT_EQ(found, expected) << when;
+    };
+    for (const auto& [before, during, after] : listCases) {
+        ::RegSetKeyValueW(HKEY_CURRENT_USER, options.c_str(), L"Any", REG_SZ, nullptr, 0); // makes the key
+        ::RegDeleteKeyValueW(HKEY_CURRENT_USER, options.c_str(), L"Any");
+        for (const std::wstring& value : before) {
+            const std::wstring text = value.substr(value.find(L'|') + 1);
+            ::RegSetKeyValueW(HKEY_CURRENT_USER, options.c_str(), value.substr(0, value.find(L'|')).c_str(),
+                              REG_SZ, text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+        }
+        for (const char* const when : {"registered", "registered again"}) {
             ASSERT_EQ(install(TRUE, L"user"), S_OK);
-            EXPECT_EQ(listed(), entries(list.during)) << list.what;
+            expectList(during, when);
         }
         ASSERT_EQ(install(FALSE, L"user"), S_OK);
-        EXPECT_EQ(listed(), entries(list.after)) << list.what;
-        ::RegDeleteTreeW(HKEY_CURRENT_USER, office.c_str());
+        expectList(after, "unregistered");
+        ::RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Microsoft\\Office");
     }
-    ASSERT_EQ(install(TRUE, L"user"), S_OK) << "without Excel";
-    EXPECT_TRUE(listed().empty());
+    ASSERT_EQ(install(TRUE, L"user"), S_OK);
+    HKEY key = nullptr;
+    EXPECT_NE(::RegOpenKeyW(HKEY_CURRENT_USER, options.c_str(), &key), ERROR_SUCCESS) << "there is no Excel";
     ASSERT_EQ(install(FALSE, L"user"), S_OK);
 }
 
