@@ -127,13 +127,21 @@ void Person::ActDuring(const std::function<void()>& call, const std::function<vo
         }
         hasLeft = true;
     });
-    call();
+    std::exception_ptr failure;
+    try {
+        call();
+    } catch (...) {
+        failure = std::current_exception();
+    }
     for (MSG message = {}; !hasLeft; ::Sleep(5)) { // the person still looks at the closed dialog
         while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
             ::DispatchMessageW(&message);
         }
     }
     acting.join();
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
 }
 
 void Person::WaitUntil(const std::string& what, const std::function<bool()>& holds) {

@@ -57,7 +57,8 @@ public:
     void ExpectGone() const;
 
     /// Makes the call while another thread acts in the dialog that it opens. Of a disappointed person's
-    /// dialog nobody can say how it would end, so the program ends, and prints `notes`.
+    /// dialog nobody can say how it would end, so the program ends, and prints `notes`. Raises what the call
+    /// raises.
     static void ActDuring(const std::function<void()>& call, const std::function<void()>& act,
                           const std::string& notes);
 
