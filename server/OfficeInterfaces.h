@@ -12,6 +12,7 @@ inline constexpr IID addInInterface = {
 inline constexpr IID ribbonInterface = {
     0x000c0396, 0x0000, 0x0000, {0xc0, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0x46}};
 
+// NOLINTBEGIN(cppcoreguidelines-virtual-class-destructor): their tables have none
 /// IDTExtensibility2. `custom` is an empty array.
 struct AddIn : public IDispatch {
     virtual HRESULT STDMETHODCALLTYPE OnConnection(IDispatch* application, int connectMode, IDispatch* addIn,
@@ -26,5 +27,6 @@ struct AddIn : public IDispatch {
 struct RibbonSource : public IDispatch {
     virtual HRESULT STDMETHODCALLTYPE GetCustomUI(BSTR ribbonId, BSTR* xml) = 0;
 };
+// NOLINTEND(cppcoreguidelines-virtual-class-destructor)
 
 } // namespace qel::server

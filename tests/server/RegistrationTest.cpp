@@ -62,8 +62,7 @@ bool Has(const std::set<std::wstring>& entries, const std::wstring& entry) {
 
 class Registration : public testing::Test {
 protected:
-    Registration() : library_(::LoadLibraryW(windows::ToWide(QEL_TEST_SERVER).c_str())) {}
-    ~Registration() override { ::FreeLibrary(library_); }
+    void TearDown() override { ::FreeLibrary(library_); }
 
     template <class Function>
     Function Find(const char* name) const {
@@ -74,7 +73,7 @@ protected:
         return function;
     }
 
-    HMODULE library_;
+    HMODULE library_ = ::LoadLibraryW(windows::ToWide(QEL_TEST_SERVER).c_str());
 };
 
 TEST_F(Registration, OfTheMachineLeavesNothingBehind) {
@@ -115,14 +114,16 @@ TEST_F(Registration, OfAUserTouchesTheUsersClassesAlone) {
     }
 }
 
-#define OWN L"/A \"OrmFunctionQel4.OrmQelFunction\""
+std::wstring Own(const wchar_t* name) {
+    return std::wstring(name) + L"|/A \"OrmFunctionQel4.OrmQelFunction\"";
+}
 
 /// "name|text" of each value before, during and after the registration.
 const std::set<std::wstring> listCases[][3] = {
-    {{}, {L"OPEN|" OWN}, {}},
-    {{L"open|a", L"OPEN2|c"}, {L"open|a", L"OPEN1|" OWN, L"OPEN2|c"}, {L"open|a", L"OPEN1|c"}},
-    {{L"OPEN|a", L"OPEN3|" OWN, L"OPEN4|d", L"OPEN5|" OWN, L"OPEN6|f", L"OPENING|x"}, // by hand
-     {L"OPEN|a", L"OPEN3|" OWN, L"OPEN4|d", L"OPEN5|" OWN, L"OPEN6|f", L"OPENING|x"},
+    {{}, {Own(L"OPEN")}, {}},
+    {{L"open|a", L"OPEN2|c"}, {L"open|a", Own(L"OPEN1"), L"OPEN2|c"}, {L"open|a", L"OPEN1|c"}},
+    {{L"OPEN|a", Own(L"OPEN3"), L"OPEN4|d", Own(L"OPEN5"), L"OPEN6|f", L"OPENING|x"}, // by hand
+     {L"OPEN|a", Own(L"OPEN3"), L"OPEN4|d", Own(L"OPEN5"), L"OPEN6|f", L"OPENING|x"},
      {L"OPEN|a", L"OPEN3|d", L"OPEN4|f", L"OPENING|x"}},
 };
 
@@ -133,7 +134,7 @@ TEST_F(Registration, OfAUserKeepsExcelsListOfAutomationAddIns) {
         std::set<std::wstring> found, expected = {options};
         Collect(HKEY_CURRENT_USER, options, found);
         for (const std::wstring& value : values) {
-            expected.insert(options + L"|" + value);
+            expected.insert(std::wstring(options).append(L"|").append(value));
         }
         EXPECT_EQ(found, expected) << when;
     };

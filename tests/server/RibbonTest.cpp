@@ -1,3 +1,4 @@
+#include "platform/windows/Bstr.h"
 #include "server/OfficeInterfaces.h"
 #include "tests/helpers/TemporaryFolder.h"
 #include "tests/helpers/automation/SheetObject.h"
@@ -28,7 +29,7 @@ DWORD LoadBehavior() {
 
 class Ribbon : public testing::Test {
 protected:
-    Ribbon() {
+    void SetUp() override {
         EXPECT_EQ(std::system("regsvr32 /s /n /i:user " QEL_TEST_SERVER), 0);
         EXPECT_EQ(LoadBehavior(), 3U);
         for (const wchar_t* key : classes) { // Windows finds classes of the user like those of the machine
@@ -41,7 +42,7 @@ protected:
         addIn_ = object_.As<server::AddIn>(server::addInInterface);
         key_.SetText(L"MDBPath", PathToUtf8(folder_.Path("")));
     }
-    ~Ribbon() override {
+    void TearDown() override {
         EXPECT_EQ(addIn_->OnDisconnection(0, nullptr), S_OK);
         EXPECT_EQ(std::system("regsvr32 /s /u /n /i:user " QEL_TEST_SERVER), 0);
         EXPECT_EQ(LoadBehavior(), 0U);

@@ -43,7 +43,7 @@ private:
 
 class ServerQuestion : public testing::Test {
 protected:
-    ServerQuestion() {
+    void SetUp() override {
         std::filesystem::remove_all(SettingsFolder());
         boxes_.choose = [this](const SeenBox& box) {
             const bool isSecond = box.text.find("Remember") != std::string::npos;
@@ -51,7 +51,7 @@ protected:
             return isSecond ? remember_ : allow_;
         };
     }
-    ~ServerQuestion() override { std::filesystem::remove_all(SettingsFolder()); }
+    void TearDown() override { std::filesystem::remove_all(SettingsFolder()); }
 
     std::string Calculate(const std::string& address) {
         LedgerCall call;
