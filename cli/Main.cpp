@@ -21,7 +21,7 @@
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
 #include "platform/data/embedded/ProviderErrors.h"
-#include "platform/data/xmla/XmlaDataAccess.h"
+#include "platform/data/xmla/settings/ConfiguredServers.h"
 #include "platform/data/xmla/settings/ServerSettings.h"
 #include "platform/value/AutomationError.h"
 #include "text/CaseFold.h"
@@ -117,29 +117,6 @@ void AddCommands(CLI::App& app, qel::CommandContext& context) {
     qel::AddShellFilesCommand(app, qel::programVersion);
 }
 
-/// The servers of the settings file, which is read when the first one is asked for: what needs no server does
-/// without.
-class ConfiguredServers : public qel::DataAccess {
-public:
-    explicit ConfiguredServers(std::shared_ptr<qel::KnownServers> known) : known_(std::move(known)) {}
-
-    std::shared_ptr<qel::Connection> CreateConnection() override { return Access().CreateConnection(); }
-    std::unique_ptr<qel::Catalog> CreateCatalog() override { return Access().CreateCatalog(); }
-    std::unique_ptr<qel::Cellset> CreateCellset() override { return Access().CreateCellset(); }
-    std::unique_ptr<qel::Recordset> CreateRecordset() override { return Access().CreateRecordset(); }
-
-private:
-    qel::XmlaDataAccess& Access() {
-        if (!access_) {
-            access_.emplace(qel::ReadServerOptions(known_));
-        }
-        return *access_;
-    }
-
-    std::shared_ptr<qel::KnownServers> known_;
-    std::optional<qel::XmlaDataAccess> access_;
-};
-
 /// The words of the command line. An option that is given an empty value ("--firma=") takes no other word for
 /// it.
 std::vector<std::string> WordsOf(const std::vector<std::string>& arguments) {
@@ -159,7 +136,7 @@ std::vector<std::string> WordsOf(const std::vector<std::string>& arguments) {
 int Run(const std::vector<std::string>& arguments, std::ostream& terminal) {
     qel::EmbeddedDataAccess cubeFiles;
     const auto known = std::make_shared<qel::KnownServers>(qel::ServerSettingsFile());
-    ConfiguredServers servers(known);
+    qel::ConfiguredServers servers([known] { return qel::ReadServerOptions(known); });
     qel::CommandContext context{.providers = qel::ChooseProvider(cubeFiles, &servers, nullptr),
                                 .servers = known,
                                 .locale = qel::LocaleOfUser(),

@@ -4,6 +4,7 @@
 #include "platform/data/DataAccessErrors.h"
 #include "platform/data/ProviderServer.h"
 #include "platform/data/ServerSections.h"
+#include "platform/data/xmla/settings/KnownServers.h"
 #include "platform/dialog/win32/SystemMessages.h"
 #include "platform/settings/windows/WindowsProfiles.h"
 #include "platform/value/AutomationError.h"
@@ -21,7 +22,6 @@
 #include <map>
 #include <mutex>
 #include <optional>
-#include <shlobj.h>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -34,14 +34,7 @@ constexpr const char* accessKey = "Access";
 constexpr std::int32_t pathFileAccessError = 75;
 
 /// Empty when the system does not tell the folder of settings.
-std::filesystem::path ServersFile() {
-    std::wstring folder(MAX_PATH, L'\0');
-    if (::SHGetFolderPathW(nullptr, CSIDL_APPDATA, nullptr, SHGFP_TYPE_CURRENT, folder.data()) != S_OK) {
-        return {};
-    }
-    folder.resize(folder.find(L'\0'));
-    return std::filesystem::path(folder) / "qel" / "servers.ini";
-}
+std::filesystem::path ServersFile() { return ServerSettingsFile().value_or(std::filesystem::path()); }
 
 /// What servers.ini says; nullopt without a section of the server that has an entry.
 std::optional<bool> IsAllowedByFile(const std::string& server) {
@@ -155,6 +148,12 @@ bool IsAllowed(const std::string& server) {
 }
 
 } // namespace
+
+ServerRights RightsByPerson(const ServerAddress& address) {
+    ServerRights rights = KnownServers(ServersFile()).RightsOf(address);
+    rights.access = IsAllowed(address.origin) ? ServerAccess::Allowed : ServerAccess::Refused;
+    return rights;
+}
 
 void RequireAllowedServer(const std::string& connectionText) {
     const auto server = ServerOfProvider(connectionText);

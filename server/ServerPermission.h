@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/data/xmla/ServerOptions.h"
+
 #include <string>
 
 namespace qel::server {
@@ -8,5 +10,8 @@ namespace qel::server {
 /// server that servers.ini or the user allows. The user is asked once per server and process, and only in the
 /// foreground. Nothing has been sent when it raises.
 void RequireAllowedServer(const std::string& connectionText);
+
+/// The same for a server that is asked directly, with the credentials of servers.ini.
+ServerRights RightsByPerson(const ServerAddress& address);
 
 } // namespace qel::server

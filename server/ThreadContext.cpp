@@ -3,6 +3,8 @@
 #include "platform/data/ado/AdoDataAccess.h"
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
+#include "platform/data/xmla/settings/ConfiguredServers.h"
+#include "platform/data/xmla/settings/ServerSettings.h"
 #include "platform/windows/WindowsApi.h"
 #include "server/ServerPermission.h"
 
@@ -11,10 +13,21 @@
 
 namespace qel::server {
 
+namespace {
+
+ServerOptions OptionsOfServers() {
+    ServerOptions options = ReadServerOptions(std::make_shared<KnownServers>(ServerSettingsFile()));
+    options.rights = RightsByPerson;
+    return options;
+}
+
+} // namespace
+
 Providers ProvidersOfMachine() {
     static EmbeddedDataAccess cubeFiles;
+    static ConfiguredServers servers(OptionsOfServers);
     static windows::AdoDataAccess machine(RequireAllowedServer);
-    return ChooseProvider(cubeFiles, nullptr, &machine);
+    return ChooseProvider(cubeFiles, &servers, &machine);
 }
 
 // Keyed by thread id instead of thread_local: the compiler's runtime frees thread-local memory before it

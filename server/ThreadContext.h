@@ -7,7 +7,8 @@
 
 namespace qel::server {
 
-/// Embedded cubes are read here, every other data source by the machine's own objects.
+/// Embedded cubes are read here and servers with a web address asked here; the machine's own objects open
+/// every other data source.
 Providers ProvidersOfMachine();
 
 /// The state shared by the calling thread's objects: its connection and Date table. It lives as long as one

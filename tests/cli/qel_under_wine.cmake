@@ -23,6 +23,16 @@ qel_wine_test(qel_cube_draft cube_draft_test.py
     Drafts.test_a_hebrew_export_whose_parents_are_not_unique Drafts.test_how_files_are_written)
 qel_wine_test(qel_store_commands store_commands_test.py Members Lang)
 
+qel_wine_test(qel_hostile_server ../platform/data/xmla/hostile_server_test.py
+    HostileServer.test_a_server_that_answers HostileServer.test_every_failure_is_reported_in_time
+    HostileServer.test_a_sheet_over_a_silent_server_does_not_wait_for_every_cell
+    HostileServer.test_a_grid_that_is_not_what_was_asked_for_changes_no_value
+    HostileServer.test_a_check_of_many_catalogs_asks_for_the_cubes_of_the_first
+    HostileServer.test_servers_that_cannot_be_reached HostileServer.test_certificates_are_checked
+    HostileServer.test_credentials HostileServer.test_nothing_is_sent_to_a_server_that_the_user_does_not_know
+    HostileServer.test_passwords_travel_unencrypted_only_where_the_settings_say_so
+    HostileServer.test_redirections_do_not_carry_credentials_elsewhere)
+
 add_test(NAME qel_windows_program
     COMMAND python3 "${CMAKE_CURRENT_SOURCE_DIR}/windows_program_test.py" "${CMAKE_SOURCE_DIR}/build/native/bin/qel"
         "${CMAKE_CURRENT_SOURCE_DIR}/qel_under_wine" "${CMAKE_SOURCE_DIR}/build/wine")

@@ -2,6 +2,7 @@
 
 #include "platform/data/xmla/ServerOptions.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -9,10 +10,11 @@
 
 namespace qel {
 
-/// Status and content type of an answer.
+/// What the first lines of an answer say; texts may be empty.
 struct HttpHead {
     long status = 0;
-    std::string contentType; ///< may be empty
+    std::string contentType;
+    std::string location; ///< where a redirection leads to, as a whole address
 };
 
 /// Receives an answer's body piece by piece, with the answer's status.
@@ -33,11 +35,14 @@ public:
 
 private:
     struct Transfer;
+    using Clock = std::chrono::steady_clock;
 
     /// The target of a redirection. Raises AutomationError when it has another scheme, host or port.
-    std::string Redirection() const;
+    std::string Redirection(const std::string& location) const;
+    /// Passes the body of a redirection on, too. Raises once `end` has come.
     HttpHead PostOnce(const std::string& url, const std::string& body, const std::string& action,
-                      const AnswerSink& take);
+                      const AnswerSink& take, Clock::time_point end);
+    void RequireNotStopped(const std::string& url) const;
     [[noreturn]] void Fail(int code, const std::string& url) const;
 
     ServerAddress address_;

@@ -18,31 +18,25 @@ std::filesystem::path FromVariable(const char* name) {
 
 } // namespace
 
-#ifdef _WIN32
-
-std::filesystem::path ConfigFolder() {
-    const auto folder = FromVariable("APPDATA");
-    if (folder.is_absolute()) {
-        return folder / product;
-    }
-    throw AutomationError(pathNotFound, "The settings' folder is not known: set APPDATA.");
-}
-
-#else
-
 std::filesystem::path ConfigFolder() {
     const auto configured = FromVariable("XDG_CONFIG_HOME");
     if (configured.is_absolute()) {
         return configured / product;
     }
+#ifdef _WIN32
+    constexpr const char* variables = "APPDATA";
+    const auto folder = FromVariable("APPDATA");
+#else
+    constexpr const char* variables = "HOME or XDG_CONFIG_HOME";
     const auto home = FromVariable("HOME");
-    if (home.is_absolute()) {
-        return home / ".config" / product;
-    }
-    throw AutomationError(pathNotFound, "The settings' folder is not known: set HOME or XDG_CONFIG_HOME.");
-}
-
+    const auto folder = home.is_absolute() ? home / ".config" : home;
 #endif
+    if (folder.is_absolute()) {
+        return folder / product;
+    }
+    throw AutomationError(pathNotFound,
+                          std::string("The settings' folder is not known: set ") + variables + ".");
+}
 
 std::filesystem::path SettingsFile() { return ConfigFolder() / "settings.ini"; }
 

@@ -23,8 +23,8 @@ DataAccess& Engine() {
 }
 
 /// The connection text with a double's data source replaced by the example's cube.
-std::string EngineText(const std::string& text) {
-    return ReplaceAll(ReplaceAll(text, "double.cub", QEL_TEST_CUBE), doubleServer, QEL_TEST_CUBE);
+std::string EngineText(const ProviderLog& log, const std::string& text) {
+    return ReplaceAll(text, log.cubeFile, QEL_TEST_CUBE);
 }
 
 void FailIf(const std::optional<ScriptedFailure>& failure) {
@@ -53,7 +53,7 @@ ComPointer<IDispatch> MakeCatalog(const LogPointer& log) {
                 return;
             }
             log->catalogs.push_back(TextAt(inputs, 0));
-            catalog->SetActiveConnection(EngineText(TextAt(inputs, 0)));
+            catalog->SetActiveConnection(EngineText(*log, TextAt(inputs, 0)));
         });
         object.Child(L"CubeDefs", [catalog] {
             return MakeCollection(catalog->CubeCount(), [catalog](const Variant& key) {
@@ -92,7 +92,7 @@ ComPointer<IDispatch> MakeConnection(const LogPointer& log) {
             log->opened.push_back(
                 fmt::format("{}|{}|{}|{}", *text, TextAt(inputs, 1), TextAt(inputs, 2), NumberAt(inputs, 3)));
             FailIf(log->openFailure);
-            connection->Open(EngineText(*text), "", "", optionsUnspecified);
+            connection->Open(EngineText(*log, *text), "", "", optionsUnspecified);
         });
         object.Method(L"Close", [connection, log](const Inputs&) {
             ++log->connectionsClosed;

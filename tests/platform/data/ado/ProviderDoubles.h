@@ -8,8 +8,6 @@
 
 namespace qel::test {
 
-inline constexpr const char* doubleServer = "http://double.example/xmla";
-
 /// Records the calls to the doubles, and scripts their failures.
 struct ProviderLog {
     std::vector<std::string> opened;     ///< "text|user|password|options" of each connection
@@ -19,10 +17,11 @@ struct ProviderLog {
     int connectionsClosed = 0, cellsetsClosed = 0, recordsetsClosed = 0;
     int alive = 0; ///< objects not yet released
     std::optional<ScriptedFailure> openFailure, statementFailure;
+    std::string cubeFile = "double.cub"; ///< the data source that is the example's cube
 };
 
 /// Registers ADODB.Connection, ADODB.Recordset, ADOMD.Catalog and ADOMD.Cellset over the embedded engine for
-/// this process. The data sources "double.cub" and doubleServer are the example's cube.
+/// this process.
 class ProviderDoubles {
 public:
     ProviderDoubles();

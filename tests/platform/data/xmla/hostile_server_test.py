@@ -18,6 +18,7 @@ import unittest.mock
 import zlib
 
 QEL = ""
+WINDOWS = "QEL_WINDOWS_PROGRAM" in os.environ  # under Wine
 HERE = pathlib.Path(__file__).resolve().parent
 REQUEST_SECONDS = 8
 ENVELOPE = ('<?xml version="1.0" encoding="%s"?>\n<SOAP-ENV:Envelope xmlns:SOAP-ENV="http://schemas.xmlsoap.org/soap/'
@@ -93,7 +94,7 @@ FAILURES = [
     ("elements in elements", "nested", "nested too deeply"),
     ("a text without end", "long-text", "too long"),
     ("an answer without end", "endless", "AnswerMegabytes"),
-    ("an answer that unpacks to very much", "packed-bomb", "AnswerMegabytes"),
+    ("an answer that unpacks to very much", "packed-bomb", "is not XML" if WINDOWS else "AnswerMegabytes"),
     ("a malformed number", "number", "'12,5' as a number"),
     ("a malformed cell ordinal", "ordinal", "'-3' as a cell's number"),
     ("axes out of order", "axes", "axis 'Axis7'"),
@@ -310,7 +311,8 @@ class HostileServer(unittest.TestCase):
         return f"{scheme}://127.0.0.1:{self.server.server_port}"
 
     def qel(self, *arguments, text=""):
-        environment = {**os.environ, "XDG_CONFIG_HOME": str(self.home), "HOME": str(self.home)}
+        folder = f"Z:{self.home}".replace("/", "\\") if WINDOWS else str(self.home)
+        environment = {**os.environ, "XDG_CONFIG_HOME": folder, **({} if WINDOWS else {"HOME": folder})}
         done = subprocess.run([QEL, *arguments], input=text.encode(), capture_output=True, env=environment, timeout=600)
         return done.returncode, done.stdout.decode(), done.stderr.decode()
 
@@ -451,7 +453,7 @@ class HostileServer(unittest.TestCase):
             ("of another host", "", f"[olap.example]\n{stored}", "", None),
             ("of another port, and of the host's own for TLS", "", f"[http://{host}]\n{stored}[{host}]\n{stored}", "", None),
             ("of another scheme", "", f"[{self.origin('https')}]\n{stored}", "", None),
-            ("in the netrc file", "", "", f'machine {host} login ann password "{secret}"\n', sent),
+            ("in the netrc file", "", "", f'machine {host} login ann password "{secret}"\n', None if WINDOWS else sent),
             ("the address before the others", "ann:pa%25ss%20w%C3%B6rd@", f"[{self.origin()}]\nUser=bob\nPassword=x\n",
              f"machine {host} login cid password y\n", sent),
         ]

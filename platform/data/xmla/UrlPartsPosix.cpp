@@ -1,7 +1,6 @@
-#include "platform/data/xmla/UrlParts.h"
-
 #include "platform/data/DataAccessErrors.h"
 #include "platform/data/xmla/ServerErrors.h"
+#include "platform/data/xmla/UrlParts.h"
 
 #include <curl/curl.h>
 #include <memory>
