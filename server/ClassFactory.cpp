@@ -17,10 +17,8 @@ STDMETHODIMP ClassFactory::CreateInstance(IUnknown* outer, REFIID id, void** obj
         return CLASS_E_NOAGGREGATION;
     }
     HRESULT found = E_NOINTERFACE;
-    const HRESULT made = Guarded(IID_IClassFactory, "OrmFuncQel4", [&] {
-        const auto instance = class_.create(TypesOf(class_));
-        found = instance->QueryInterface(id, object);
-    });
+    const HRESULT made =
+        Guarded(IID_IClassFactory, "OrmFuncQel4", [&] { found = make_()->QueryInterface(id, object); });
     return FAILED(made) ? made : found;
 }
 

@@ -1,15 +1,19 @@
 #pragma once
 
 #include "platform/windows/ComObject.h"
-#include "server/Classes.h"
+#include "platform/windows/ComPointer.h"
 #include "server/ServerModule.h"
+
+#include <functional>
 
 namespace qel::server {
 
-/// Makes objects of one class.
+/// Makes objects of one class. `make` raises what the class raises.
 class ClassFactory : public windows::ComObject<IClassFactory> {
 public:
-    explicit ClassFactory(const ServerClass& serverClass) : class_(serverClass) {}
+    using Maker = std::function<windows::ComPointer<IDispatch>()>;
+
+    explicit ClassFactory(Maker make) : make_(std::move(make)) {}
 
     STDMETHODIMP CreateInstance(IUnknown* outer, REFIID id, void** object) override;
     STDMETHODIMP LockServer(BOOL lock) override;
@@ -17,7 +21,7 @@ public:
 private:
     void* Find(REFIID id) override;
 
-    const ServerClass& class_;
+    Maker make_;
     ServerUse use_;
 };
 

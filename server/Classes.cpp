@@ -4,6 +4,7 @@
 #include "platform/windows/ProviderFailure.h"
 #include "server/ClTimmingObject.h"
 #include "server/OrmQelFunctionObject.h"
+#include "server/RibbonObject.h"
 #include "server/ServerModule.h"
 
 #include <memory>
@@ -39,6 +40,16 @@ std::span<const ServerClass> ServerClasses() {
          Create<ClTimmingObject>},
     };
     return classes;
+}
+
+const RibbonClass& ClassOfRibbon() {
+    static constexpr CLSID id = {
+        0x680cabbd, 0x2bbb, 0x462a, {0x94, 0x9c, 0x27, 0x4d, 0xc3, 0x51, 0x22, 0xf2}};
+    static const RibbonClass ribbon = {L"OrmFunctionQel4.Ribbon", id, [] {
+                                           AddIn* const made = std::make_unique<RibbonObject>().release();
+                                           return ComPointer<IDispatch>::Adopt(made);
+                                       }};
+    return ribbon;
 }
 
 const ClassTypes& TypesOf(const ServerClass& serverClass) {

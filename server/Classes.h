@@ -15,6 +15,14 @@ struct ServerClass {
 
 std::span<const ServerClass> ServerClasses();
 
+/// The class of Excel's ribbon, which is not in the type library.
+struct RibbonClass {
+    const wchar_t* progId;
+    CLSID classId;
+    windows::ComPointer<IDispatch> (*create)();
+};
+const RibbonClass& ClassOfRibbon();
+
 /// The class with its types, read from the DLL's type library on first use. Raises what the type library
 /// reports.
 const ClassTypes& TypesOf(const ServerClass& serverClass);

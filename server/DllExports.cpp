@@ -1,7 +1,7 @@
 // The DLL's entry points.
 
-#include "platform/windows/ProviderFailure.h"
 #include "server/ClassFactory.h"
+#include "server/Classes.h"
 #include "server/Registration.h"
 #include "server/dispatch/FailureReport.h"
 
@@ -16,6 +16,19 @@ HRESULT Try(void (*work)(RegistrationScope), RegistrationScope scope) {
     return Guarded(IID_IUnknown, "OrmFuncQel4", [&] { work(scope); });
 }
 
+/// Makes objects of the class; null for a class of another server.
+ClassFactory::Maker MakerOf(REFCLSID classId) {
+    if (classId == ClassOfRibbon().classId) {
+        return ClassOfRibbon().create;
+    }
+    for (const ServerClass& serverClass : ServerClasses()) {
+        if (serverClass.automation.classId == classId) {
+            return [&serverClass] { return serverClass.create(TypesOf(serverClass)); };
+        }
+    }
+    return nullptr;
+}
+
 } // namespace
 
 STDAPI DllGetClassObject(REFCLSID classId, REFIID id, LPVOID* object) {
@@ -23,18 +36,15 @@ STDAPI DllGetClassObject(REFCLSID classId, REFIID id, LPVOID* object) {
         return E_POINTER;
     }
     *object = nullptr;
-    for (const ServerClass& serverClass : ServerClasses()) {
-        if (serverClass.automation.classId != classId) {
-            continue;
-        }
-        return Guarded(IID_IClassFactory, "OrmFuncQel4", [&] {
+    HRESULT found = CLASS_E_CLASSNOTAVAILABLE;
+    const HRESULT made = Guarded(IID_IClassFactory, "OrmFuncQel4", [&] {
+        if (auto maker = MakerOf(classId)) {
             const auto factory = qel::windows::ComPointer<ClassFactory>::Adopt(
-                std::make_unique<ClassFactory>(serverClass).release());
-            qel::windows::Check(factory->QueryInterface(id, object),
-                                "The class factory has no such interface");
-        });
-    }
-    return CLASS_E_CLASSNOTAVAILABLE;
+                std::make_unique<ClassFactory>(std::move(maker)).release());
+            found = factory->QueryInterface(id, object);
+        }
+    });
+    return FAILED(made) ? made : found;
 }
 
 STDAPI DllCanUnloadNow() { return IsServerInUse() ? S_FALSE : S_OK; }

@@ -3,6 +3,7 @@
 #include "OrmFunctionQel4.h"
 #include "platform/windows/ProviderFailure.h"
 #include "server/Classes.h"
+#include "server/ExcelLists.h"
 #include "server/RegistryTree.h"
 #include "server/ServerModule.h"
 
@@ -17,7 +18,7 @@ const std::wstring automationProxy = L"{00020424-0000-0000-C000-000000000046}";
 const std::wstring platform = sizeof(void*) == 8 ? L"win64" : L"win32";
 
 RegistryTree TreeOf(RegistrationScope scope) {
-    return RegistryTree(scope == RegistrationScope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE);
+    return {scope == RegistrationScope::User ? HKEY_CURRENT_USER : HKEY_LOCAL_MACHINE, L"Software\\Classes"};
 }
 
 std::wstring TextOf(REFGUID id) {
@@ -27,22 +28,29 @@ std::wstring TextOf(REFGUID id) {
     return text;
 }
 
-std::wstring ClassKey(const AutomationClass& type) { return L"CLSID\\" + TextOf(type.classId); }
+std::wstring ClassKey(REFCLSID id) { return L"CLSID\\" + TextOf(id); }
 std::wstring InterfaceKey(const AutomationClass& type) { return L"Interface\\" + TextOf(type.interfaceId); }
 std::wstring LibraryKey() { return L"TypeLib\\" + TextOf(LIBID_OrmFunctionQel4); }
 
-void RegisterClass(const RegistryTree& tree, const AutomationClass& type, const std::wstring& path) {
-    const std::wstring key = ClassKey(type);
-    tree.SetText(key, L"", type.progId);
+/// What every creatable class has.
+void RegisterCreation(const RegistryTree& tree, const std::wstring& progId, REFCLSID id,
+                      const std::wstring& path) {
+    const std::wstring key = ClassKey(id);
+    tree.SetText(key, L"", progId);
     tree.SetText(key + L"\\InprocServer32", L"", path);
     tree.SetText(key + L"\\InprocServer32", L"ThreadingModel", L"Apartment");
-    tree.SetText(key + L"\\ProgID", L"", type.progId);
+    tree.SetText(key + L"\\ProgID", L"", progId);
+    tree.SetText(progId, L"", progId);
+    tree.SetText(progId + L"\\CLSID", L"", TextOf(id));
+}
+
+void RegisterClass(const RegistryTree& tree, const AutomationClass& type, const std::wstring& path) {
+    RegisterCreation(tree, type.progId, type.classId, path);
+    const std::wstring key = ClassKey(type.classId);
     tree.SetText(key + L"\\Programmable", L"",
                  L""); // Excel lists only programmable classes as automation add-ins
     tree.SetText(key + L"\\TypeLib", L"", TextOf(LIBID_OrmFunctionQel4));
     tree.SetText(key + L"\\Version", L"", version);
-    tree.SetText(type.progId, L"", type.progId);
-    tree.SetText(std::wstring(type.progId) + L"\\CLSID", L"", TextOf(type.classId));
 }
 
 void RegisterInterface(const RegistryTree& tree, const AutomationClass& type) {
@@ -61,12 +69,11 @@ void RegisterLibrary(const RegistryTree& tree, const std::wstring& path) {
     tree.SetText(key + L"\\HELPDIR", L"", path.substr(0, path.find_last_of(L'\\')));
 }
 
-void UnregisterClass(const RegistryTree& tree, const AutomationClass& type) {
-    tree.Remove(ClassKey(type));
-    tree.Remove(InterfaceKey(type));
-    // The ProgID, by which scripts and formulas find the class, is shared by both bitnesses.
-    if (!tree.OtherBitnessHas(ClassKey(type))) {
-        tree.Remove(type.progId);
+/// The ProgID, by which scripts and formulas find the class, is shared by both bitnesses.
+void UnregisterClass(const RegistryTree& tree, const std::wstring& progId, REFCLSID id) {
+    tree.Remove(ClassKey(id));
+    if (!tree.OtherBitnessHas(ClassKey(id))) {
+        tree.Remove(progId);
     }
 }
 
@@ -85,12 +92,17 @@ void UnregisterLibrary(const RegistryTree& tree) {
 void Register(RegistrationScope scope) {
     const RegistryTree tree = TreeOf(scope);
     const std::wstring path = ServerPath();
+    const RibbonClass& ribbon = ClassOfRibbon();
     try {
         for (const ServerClass& serverClass : ServerClasses()) {
             RegisterClass(tree, serverClass.automation, path);
             RegisterInterface(tree, serverClass.automation);
         }
         RegisterLibrary(tree, path);
+        if (scope == RegistrationScope::User) {
+            RegisterCreation(tree, ribbon.progId, ribbon.classId, path);
+            AddToExcel(OfficeOfUser());
+        }
     } catch (const AutomationError&) {
         Unregister(scope);
         throw;
@@ -100,9 +112,18 @@ void Register(RegistrationScope scope) {
 void Unregister(RegistrationScope scope) {
     const RegistryTree tree = TreeOf(scope);
     for (const ServerClass& serverClass : ServerClasses()) {
-        UnregisterClass(tree, serverClass.automation);
+        const AutomationClass& type = serverClass.automation;
+        UnregisterClass(tree, type.progId, type.classId);
+        tree.Remove(InterfaceKey(type));
     }
     UnregisterLibrary(tree);
+    if (scope == RegistrationScope::User) {
+        const RibbonClass& ribbon = ClassOfRibbon();
+        UnregisterClass(tree, ribbon.progId, ribbon.classId);
+        if (!tree.OtherBitnessHas(ClassKey(ribbon.classId))) {
+            RemoveFromExcel(OfficeOfUser());
+        }
+    }
 }
 
 } // namespace qel::server

@@ -28,14 +28,15 @@ std::unique_ptr<PersistedTableReader> TablesOfMachine() {
     return std::make_unique<windows::MsxmlTableReader>();
 }
 
+std::string ComponentFolder() { return PathToUtf8(std::filesystem::path(ServerPath()).parent_path()); }
+
 struct SuiteStore {
     windows::WindowsRegistry registry;
     windows::WindowsProfiles profiles;
     windows::SystemMessages messages;
     const std::unique_ptr<PersistedTableReader> tables = TablesOfMachine();
     const std::unique_ptr<DatabaseEngine> database = DatabaseOfMachine();
-    StoreEnvironment environment{registry, profiles, *database, messages,
-                                 PathToUtf8(std::filesystem::path(ServerPath()).parent_path())};
+    StoreEnvironment environment{registry, profiles, *database, messages, ComponentFolder()};
     ModLangFrm::LanguageState language{environment, *tables};
 };
 
@@ -44,6 +45,15 @@ struct SuiteStore {
 ModLangFrm::LanguageState& SuiteLanguage() {
     static SuiteStore suite;
     return suite.language;
+}
+
+std::int16_t LanguageOfSettings() {
+    windows::WindowsRegistry registry;
+    windows::WindowsProfiles profiles;
+    windows::SystemMessages messages;
+    SqliteDatabase database;
+    StoreEnvironment environment{registry, profiles, database, messages, ComponentFolder()};
+    return ModLangFrm::LanguageFromIni(environment);
 }
 
 } // namespace qel::server

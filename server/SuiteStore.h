@@ -8,4 +8,7 @@ namespace qel::server {
 /// where this process can load it, otherwise SQLite's. The calling thread must be in an apartment.
 ModLangFrm::LanguageState& SuiteLanguage();
 
+/// The language that the suite's settings choose now. Opens no database.
+std::int16_t LanguageOfSettings();
+
 } // namespace qel::server

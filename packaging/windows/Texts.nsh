@@ -21,6 +21,8 @@
         "PATH ארוך מכדי לשנות אותו כאן. כדי שהפקודה qel תהיה בכל שורת פקודה, הוסיפו בעצמכם את התיקייה:"
     !insertmacro Text SearchPathStays "PATH is too long to be changed here. Remove this folder from it yourself:" \
         "PATH ארוך מכדי לשנות אותו כאן. הסירו ממנו בעצמכם את התיקייה:"
-    !insertmacro Text NextStep "In Excel, open File > Options > Add-ins > Manage: Excel Add-ins > Go > Automation, choose OrmFunctionQel4.OrmQelFunction and press OK.$\r$\n$\r$\nThe example report and the documentation are in the Start menu." \
-        "ב-Excel פתחו קובץ > אפשרויות > תוספות > ניהול: תוספות Excel > ביצוע > אוטומציה, בחרו OrmFunctionQel4.OrmQelFunction ולחצו על אישור.$\r$\n$\r$\nהדוח לדוגמה והתיעוד נמצאים בתפריט התחלה."
+    !insertmacro Text StartExcel "Start Excel: its formulas know the functions, and the tab Qel has the wizards. If Excel was open during the installation, close it and run this program again, because Excel may have lost the add-in.$\r$\n$\r$\nThe example report and the documentation are in the Start menu." \
+        "הפעילו את Excel: הנוסחאות מכירות את הפונקציות, ובכרטיסייה Qel נמצאים האשפים. אם Excel היה פתוח בזמן ההתקנה, סגרו אותו והפעילו תוכנית זו שוב, כי ייתכן ש-Excel איבד את התוסף.$\r$\n$\r$\nהדוח לדוגמה והתיעוד נמצאים בתפריט התחלה."
+    !insertmacro Text ChooseInExcel "One step is left for each user. In Excel, open File > Options > Add-ins > Manage: Excel Add-ins > Go > Automation, choose OrmFunctionQel4.OrmQelFunction and press OK.$\r$\n$\r$\nThe example report and the documentation are in the Start menu." \
+        "נותר צעד אחד לכל משתמש. ב-Excel פתחו קובץ > אפשרויות > תוספות > ניהול: תוספות Excel > ביצוע > אוטומציה, בחרו OrmFunctionQel4.OrmQelFunction ולחצו על אישור.$\r$\n$\r$\nהדוח לדוגמה והתיעוד נמצאים בתפריט התחלה."
 !macroend

@@ -11,7 +11,8 @@ if defined PROCESSOR_ARCHITEW6432 set "system=%SystemRoot%\Sysnative"
 "%system%\regsvr32.exe" /s %words% "%~dp0%native%\OrmFuncQel4.dll"
 if errorlevel 1 goto failed
 if %native%==x64 if exist "%SystemRoot%\SysWOW64\regsvr32.exe" "%SystemRoot%\SysWOW64\regsvr32.exe" /s %words% "%~dp0x86\OrmFuncQel4.dll"
-echo Registered. In Excel, choose OrmFunctionQel4.OrmQelFunction: File, Options, Add-ins, Go, Automation.
+if defined words echo Registered. Start Excel. If it was open, close it and run this file again.
+if not defined words echo Registered. In Excel, each user chooses OrmFunctionQel4.OrmQelFunction: File, Options, Add-ins, Go, Automation.
 echo This folder must stay where it is; uninstall.cmd removes the registration.
 exit /b 0
 

@@ -37,7 +37,8 @@ OutFile "${OUTPUT}"
 SetCompressor /SOLID lzma
 SetDateSave off ; the same contents give the same bytes
 
-!define MUI_FINISHPAGE_TEXT "$(NextStep)"
+Var nextStep
+!define MUI_FINISHPAGE_TEXT "$nextStep"
 !insertmacro MULTIUSER_PAGE_INSTALLMODE
 !insertmacro MUI_PAGE_COMPONENTS
 !insertmacro MUI_PAGE_DIRECTORY
@@ -78,6 +79,10 @@ Section "$(ProgramsTitle)" programs
         ${StopWith} "$(CannotWrite)"
     ${EndIf}
     Call RegisterServers
+    StrCpy $nextStep "$(StartExcel)"
+    ${If} $MultiUser.InstallMode == AllUsers
+        StrCpy $nextStep "$(ChooseInExcel)" ; each user's own list
+    ${EndIf}
 
     CreateDirectory "$SMPROGRAMS\${PRODUCT}"
     CreateShortCut "$SMPROGRAMS\${PRODUCT}\$(DocumentationTitle).lnk" "$INSTDIR\README.html"

@@ -39,6 +39,12 @@ DispatchObject DispatchObject::Create(const wchar_t* progId) {
     return {std::move(object), name};
 }
 
+bool DispatchObject::Has(const wchar_t* member) const {
+    DISPID id = DISPID_UNKNOWN;
+    auto* name = const_cast<LPOLESTR>(member);
+    return SUCCEEDED(object_->GetIDsOfNames(IID_NULL, &name, 1, locale_, &id));
+}
+
 OwnedVariant DispatchObject::Property(const wchar_t* member, CallArguments arguments) const {
     return Invoke(member, DISPATCH_PROPERTYGET | DISPATCH_METHOD, std::move(arguments));
 }

@@ -41,6 +41,8 @@ public:
 
     IDispatch* Get() const { return object_.Get(); }
 
+    /// True when the object knows a member of that name.
+    bool Has(const wchar_t* member) const;
     OwnedVariant Property(const wchar_t* member, CallArguments arguments = {}) const;
     /// A property without a name: DISPID_VALUE, DISPID_NEWENUM.
     OwnedVariant SpecialProperty(DISPID id) const;

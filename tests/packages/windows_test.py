@@ -30,6 +30,8 @@ If WScript.Arguments.Count > 1 Then
 End If
 """
 UNINSTALL = r"Software\Microsoft\Windows\CurrentVersion\Uninstall\OrmFuncQel4"
+EXCEL = r"HKCU\Software\Microsoft\Office\16.0\Excel\Options"
+ADD_INS = ["/R other.xlam", '/A "OrmFunctionQel4.OrmQelFunction"']  # of Excel, while ours is installed
 OF_WINE = re.compile(r"\\Wine\\MenuFiles|\\Control\\Video|4D36E968-E325-11CE-BFC1-08002BE10318", re.IGNORECASE)  # shortcuts, displays
 PENDING = re.compile(r'"PendingFileRenameOperations"=(.*\\\n)*.*\n?')  # what Windows deletes when it starts next:
 UNTIL_THE_NEXT_START = re.compile(r"/Temp/~nsu\w+\.tmp(/|$)")  # where an uninstaller's copy of itself ran
@@ -63,6 +65,7 @@ class Windows(unittest.TestCase):
         for key in (r"Classes\CLSID", r"Classes\Interface", r"Classes\TypeLib", UNINSTALL[9:].rpartition("\\")[0]):
             cls.system("reg", "add", r"HKCU\Software" + "\\" + key, "/f")
         cls.system("reg", "add", r"HKCU\Software\Qel", "/v", "Kept", "/d", "a setting", "/f")
+        cls.system("reg", "add", EXCEL, "/v", "OPEN", "/d", ADD_INS[0], "/f")
         cls.system("reg", "add", r"HKCU\Environment", "/v", "Path", "/d", r"C:\tools", "/f")
         for bits in (64, 32):  # their first run registers something of theirs
             cls.system("cscript", "//nologo", f"Z:{cls.script}", "none", bits=bits)
@@ -111,6 +114,9 @@ class Windows(unittest.TestCase):
         text = self.system("reg", "query", hive + "\\" + UNINSTALL)[1]
         return dict(re.findall(r"^ +(\w+) +REG_\w+ +(.*)$", text, re.MULTILINE))
 
+    def excels_add_ins(self):
+        return re.findall(r"^ +OPEN\d* +REG_SZ +(.*)$", self.system("reg", "query", EXCEL)[1], re.MULTILINE)
+
     def uninstall(self, hive):
         """As Windows does, without questions."""
         program, words = re.match(r'"(.*?)" (.*)', self.installed(hive)["QuietUninstallString"]).groups()
@@ -136,7 +142,9 @@ class Windows(unittest.TestCase):
 
     def test_one_user(self):
         before = self.left()
+        self.run_setup(self.earlier)
         self.run_setup(self.setup)
+        self.assertEqual(self.excels_add_ins(), ADD_INS)
         location = self.installed("HKCU")["InstallLocation"]
         server = (location + r"\x64\OrmFuncQel4.dll").replace("\\", "\\\\")
         registered = {key.split("\\")[0] for key, values in self.registry().items() if server in values}
@@ -173,6 +181,9 @@ class Windows(unittest.TestCase):
         self.assertEqual(self.system("cmd", "/c", there + r"\install.cmd", "/allusers")[0], 0)
         self.assert_values(there + r"\example\ledger.cub")
         self.assertEqual(self.system("cmd", "/c", there + r"\uninstall.cmd", "/allusers")[0], 0)
+        self.assertEqual(self.system("cmd", "/c", there + r"\install.cmd")[0], 0)
+        self.assertEqual(self.excels_add_ins(), ADD_INS)
+        self.assertEqual(self.system("cmd", "/c", there + r"\uninstall.cmd")[0], 0)
         subprocess.run(["rm", "-r", self.drive / f"OrmFuncQel4-{self.version}"], check=True)
         self.assert_nothing_left_since(before)
 

@@ -62,8 +62,7 @@ bool Has(const std::set<std::wstring>& entries, const std::wstring& entry) {
 
 class Registration : public testing::Test {
 protected:
-    Registration() : library_(::LoadLibraryW(windows::ToWide(QEL_TEST_SERVER).c_str())) {}
-    ~Registration() override { ::FreeLibrary(library_); }
+    void TearDown() override { ::FreeLibrary(library_); }
 
     template <class Function>
     Function Find(const char* name) const {
@@ -74,7 +73,7 @@ protected:
         return function;
     }
 
-    HMODULE library_;
+    HMODULE library_ = ::LoadLibraryW(windows::ToWide(QEL_TEST_SERVER).c_str());
 };
 
 TEST_F(Registration, OfTheMachineLeavesNothingBehind) {
@@ -113,6 +112,50 @@ TEST_F(Registration, OfAUserTouchesTheUsersClassesAlone) {
     for (const std::wstring& entry : userAfter) {
         EXPECT_EQ(userBefore.count(entry), 1U) << windows::ToUtf8(entry);
     }
+}
+
+std::wstring Own(const wchar_t* name) {
+    return std::wstring(name) + L"|/A \"OrmFunctionQel4.OrmQelFunction\"";
+}
+
+/// "name|text" of each value before, during and after the registration.
+const std::set<std::wstring> listCases[][3] = {
+    {{}, {Own(L"OPEN")}, {}},
+    {{L"open|a", L"OPEN2|c"}, {L"open|a", Own(L"OPEN1"), L"OPEN2|c"}, {L"open|a", L"OPEN1|c"}},
+    {{L"OPEN|a", Own(L"OPEN3"), L"OPEN4|d", Own(L"OPEN5"), L"OPEN6|f", L"OPENING|x"}, // by hand
+     {L"OPEN|a", Own(L"OPEN3"), L"OPEN4|d", Own(L"OPEN5"), L"OPEN6|f", L"OPENING|x"},
+     {L"OPEN|a", L"OPEN3|d", L"OPEN4|f", L"OPENING|x"}},
+};
+
+TEST_F(Registration, OfAUserKeepsExcelsListOfAutomationAddIns) {
+    const auto install = Find<InstallEntry>("DllInstall");
+    const std::wstring options = L"Software\\Microsoft\\Office\\16.0\\Excel\\Options";
+    const auto expectList = [&](const std::set<std::wstring>& values, const char* when) {
+        std::set<std::wstring> found, expected = {options};
+        Collect(HKEY_CURRENT_USER, options, found);
+        for (const std::wstring& value : values) {
+            expected.insert(std::wstring(options).append(L"|").append(value));
+        }
+        EXPECT_EQ(found, expected) << when;
+    };
+    for (const auto& [before, during, after] : listCases) {
+        ::RegSetKeyValueW(HKEY_CURRENT_USER, options.c_str(), L"Any", REG_SZ, nullptr, 0); // makes the key
+        ::RegDeleteKeyValueW(HKEY_CURRENT_USER, options.c_str(), L"Any");
+        for (const std::wstring& value : before) {
+            const std::wstring text = value.substr(value.find(L'|') + 1);
+            ::RegSetKeyValueW(HKEY_CURRENT_USER, options.c_str(), value.substr(0, value.find(L'|')).c_str(),
+                              REG_SZ, text.c_str(), static_cast<DWORD>((text.size() + 1) * sizeof(wchar_t)));
+        }
+        ASSERT_EQ(install(TRUE, L"user"), S_OK);
+        expectList(during, "registered");
+        ASSERT_EQ(install(FALSE, L"user"), S_OK);
+        expectList(after, "unregistered");
+        ::RegDeleteTreeW(HKEY_CURRENT_USER, L"Software\\Microsoft\\Office");
+    }
+    ASSERT_EQ(install(TRUE, L"user"), S_OK);
+    HKEY key = nullptr;
+    EXPECT_NE(::RegOpenKeyW(HKEY_CURRENT_USER, options.c_str(), &key), ERROR_SUCCESS) << "there is no Excel";
+    ASSERT_EQ(install(FALSE, L"user"), S_OK);
 }
 
 TEST_F(Registration, TheServerMayUnloadOnceItsObjectsAreGone) {

@@ -1,8 +1,11 @@
 #include "platform/sheet/automation/AutomationSheet.h"
 
+#include "platform/value/AutomationError.h"
 #include "platform/windows/DispatchObject.h"
 #include "platform/windows/SafeArrayConversion.h"
 #include "platform/windows/VariantConversion.h"
+
+#include <algorithm>
 
 namespace qel::windows {
 
@@ -10,7 +13,14 @@ namespace {
 
 class AutomationApplication;
 
-class AutomationRange : public SheetRange {
+constexpr std::int32_t applicationDefinedError = 1004;
+
+bool IsTrue(const DispatchObject& object, const wchar_t* property) {
+    const Variant value = FromAutomation(object.Property(property).Get());
+    return value.Is<bool>() && value.As<bool>();
+}
+
+class AutomationRange : public FormulaCell {
 public:
     explicit AutomationRange(DispatchObject range) : range_(std::move(range)) {}
 
@@ -32,7 +42,39 @@ public:
                    formula.IsArray() ? ToAutomationArray(*formula.As<Array>()) : ToAutomation(formula));
     }
 
+    std::string Formula() const override {
+        if (IsTrue(range_, L"Locked") && IsTrue(range_.Child(L"Worksheet"), L"ProtectContents")) {
+            throw AutomationError(applicationDefinedError, "The cell is protected.", "Excel");
+        }
+        const bool isOwn = IsTrue(range_, L"HasFormula") && !IsTrue(range_, L"HasArray");
+        return isOwn ? range_.Text(FormulaMember()) : std::string();
+    }
+    Variant Evaluate(const std::string& expression) const override {
+        const OwnedVariant found = range_.Child(L"Worksheet").Property(L"Evaluate", ArgumentList(expression));
+        const VARIANT& value = Dereferenced(found.Get());
+        return V_VT(&value) == VT_DISPATCH
+                   ? CellsOf(DispatchObject(ComPointer<IDispatch>(V_DISPATCH(&value)), "Range", macroLocale))
+                   : FromAutomation(value);
+    }
+    void ReplaceFormula(const std::string& formula) override {
+        range_.Put(FormulaMember(), ToArgument(formula));
+    }
+
 private:
+    /// Where arrays spill, Formula would cut them down to one cell.
+    const wchar_t* FormulaMember() const { return range_.Has(L"Formula2") ? L"Formula2" : L"Formula"; }
+
+    static Variant CellsOf(const DispatchObject& range) {
+        constexpr std::int32_t mostCells = 6; // no argument uses more
+        const std::int32_t count = std::min(range.Number(L"Count"), mostCells);
+        std::vector<Variant> cells;
+        for (std::int32_t i = 1; i <= count; ++i) {
+            const DispatchObject cell = range.Child(L"Item", ArgumentList(i));
+            cells.push_back(FromAutomation(cell.Property(L"Value").Get()));
+        }
+        return cells.size() == 1 ? cells.front() : Variant::List(std::move(cells));
+    }
+
     DispatchObject range_;
 };
 
@@ -63,7 +105,9 @@ std::shared_ptr<SheetApplication> AutomationRange::Application() const {
 
 } // namespace
 
-std::shared_ptr<SheetRange> SheetRangeOf(IDispatch* cell) {
+std::shared_ptr<SheetRange> SheetRangeOf(IDispatch* cell) { return FormulaCellOf(cell); }
+
+std::shared_ptr<FormulaCell> FormulaCellOf(IDispatch* cell) {
     return std::make_shared<AutomationRange>(
         DispatchObject(ComPointer<IDispatch>(cell), "Range", macroLocale));
 }

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <cstdlib>
 #include <map>
 #include <optional>
 
@@ -17,6 +18,8 @@ struct CellPlace {
     std::int32_t row = 1, column = 1;
     auto operator<=>(const CellPlace&) const = default;
 };
+
+constexpr WORD getOrPut = DISPATCH_PROPERTYGET | DISPATCH_PROPERTYPUT;
 
 std::string NameOf(const CellPlace& place) { return fmt::format("R{}C{}", place.row, place.column); }
 
@@ -31,6 +34,7 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
     std::map<CellPlace, std::string> values;
     std::optional<std::string> protection;
     std::vector<std::string> log;
+    bool spills = false;
     ComPointer<DispatchDouble> application = MakeDouble();
 
     void RequireOpen() const {
@@ -74,15 +78,50 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
                 self->RequireOpen();
                 self->log.push_back(name + " format " + TextAt(inputs, 0));
             });
-            range.Put(L"Formula", [self, first, name](const Inputs& inputs) {
-                self->RequireOpen();
-                const Variant formula = windows::FromAutomation(*inputs.at(0));
-                if (formula.IsArray()) {
-                    self->WriteTable(first, name, *formula.As<std::shared_ptr<const VariantArray>>());
-                } else {
-                    self->values[first] = TextIn(formula);
-                    self->log.push_back(name + " formula " + self->values[first]);
-                }
+            range.Define(L"Formula", FormulaOf(first, name + " formula "), getOrPut);
+            if (spills) {
+                range.Define(L"Formula2", FormulaOf(first, name + " formula2 "), getOrPut);
+            }
+            range.Property(L"HasFormula", [self, first] { return self->values[first].starts_with('='); });
+            range.Value(L"HasArray", false);
+            range.Value(L"Locked", true);
+            range.Value(L"Count", (last.row - first.row + 1) * (last.column - first.column + 1));
+            range.Define(L"Item", [self, first, last](const Inputs& inputs) {
+                const auto [row, column] = std::div(NumberAt(inputs, 0) - 1, last.column - first.column + 1);
+                const CellPlace place{first.row + row, first.column + column};
+                return ObjectValue(self->MakeRange(place, place));
+            });
+            range.Child(L"Worksheet", [self] { return self->MakeWorksheet(); });
+        });
+    }
+
+    DispatchDouble::Handler FormulaOf(const CellPlace& first, const std::string& written) {
+        return [self = shared_from_this(), first, written](const Inputs& inputs) {
+            if (inputs.empty()) {
+                return windows::ToAutomation(self->values[first]);
+            }
+            self->RequireOpen();
+            const Variant formula = windows::FromAutomation(*inputs.at(0));
+            if (formula.IsArray()) {
+                self->WriteTable(first, written.substr(0, written.find(' ')),
+                                 *formula.As<std::shared_ptr<const VariantArray>>());
+            } else {
+                self->values[first] = TextIn(formula);
+                self->log.push_back(written + self->values[first]);
+            }
+            return OwnedVariant();
+        };
+    }
+
+    ComPointer<IDispatch> MakeWorksheet() {
+        return MakeObject([self = shared_from_this()](DispatchDouble& worksheet) {
+            worksheet.RequireLocale(windows::macroLocale);
+            worksheet.Value(L"ProtectContents", self->protection.has_value());
+            worksheet.Define(L"Evaluate", [self](const Inputs& inputs) {
+                const std::string cells = TextAt(inputs, 0); // "A1" or "A1:B2"
+                const CellPlace first{cells.at(1) - '0', cells.at(0) - 'A' + 1};
+                const CellPlace last{cells.back() - '0', cells.at(cells.size() - 2) - 'A' + 1};
+                return ObjectValue(self->MakeRange(first, last));
             });
         });
     }
@@ -131,6 +170,8 @@ std::string SheetObject::Formula(std::int32_t row, std::int32_t column) const {
     const auto found = state_->values.find({row, column});
     return found != state_->values.end() ? found->second : std::string();
 }
+
+void SheetObject::SpillArrays() const { state_->spills = true; }
 
 const std::vector<std::string>& SheetObject::Log() const { return state_->log; }
 

@@ -12,7 +12,7 @@ namespace {
 /// Changes the user's regional settings and restores them at the end.
 class RegionalSettings : public testing::Test {
 protected:
-    ~RegionalSettings() override {
+    void TearDown() override {
         for (const auto& [type, text] : before_) {
             ::SetLocaleInfoW(LOCALE_USER_DEFAULT, type, text.c_str());
         }

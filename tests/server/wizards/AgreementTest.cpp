@@ -25,7 +25,6 @@
 #include <cstdlib>
 #include <iostream>
 #include <random>
-#include <thread>
 
 // What the dialog of the system's own controls shows is what Calculate computes, what the formula says, and
 // what the engine answers: for random sequences of keys and clicks. QEL_AGREEMENT_SEQUENCES says how many,
@@ -290,28 +289,12 @@ private:
     std::mt19937& random_;
 };
 
-/// What the call returned while the person acted. Of a disappointed person's dialog nobody can say how it
-/// would end, so the program ends.
+/// What the call returned while the person acted.
 std::string Call(Machine& machine, Visit& visit) {
-    std::atomic<bool> hasLeft = false;
-    std::thread acting([&] {
-        try {
-            visit.Act();
-        } catch (const std::exception& error) {
-            std::cout << error.what() << " after: " << visit.acts << std::endl;
-            std::_Exit(1);
-        }
-        hasLeft = true;
-    });
-    std::string text = machine.object.ShowFormGetVal(machine.sheet.Cell(machine.sheet.activeCell));
-    while (!hasLeft) { // the person still looks at the closed dialog
-        MSG message = {};
-        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
-            ::DispatchMessageW(&message);
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    acting.join();
+    std::string text;
+    Person::ActDuring(
+        [&] { text = machine.object.ShowFormGetVal(machine.sheet.Cell(machine.sheet.activeCell)); },
+        [&] { visit.Act(); }, visit.acts);
     return text;
 }
 

@@ -13,9 +13,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <iostream>
-#include <thread>
-
 namespace qel::test {
 namespace {
 
@@ -30,21 +27,13 @@ protected:
         doubles_.Log().cubeFile = cubeFile_;
     }
 
-    /// What the call returned while the person acted. Of a disappointed person's dialog nobody can say how it
-    /// would end, so the program ends.
-    template <class Acts>
-    std::string Call(const Acts& acts) {
-        std::jthread person([&] {
-            try {
-                acts();
-            } catch (const std::exception& error) {
-                std::cout << error.what() << "; a box says: " << Person::TextOfBox() << std::endl;
-                std::_Exit(1);
-            }
-        });
+    /// What the call returned while the person acted.
+    std::string Call(const std::function<void()>& acts) {
         Arguments arguments;
         arguments.push_back(ObjectValue(sheet_.Cell(3, 2)));
-        return TextIn(Invoke(object_.Get(), L"ShowFormGetVal", arguments).value);
+        CallResult result;
+        Person::ActDuring([&] { result = Invoke(object_.Get(), L"ShowFormGetVal", arguments); }, acts, "");
+        return TextIn(result.value);
     }
     /// The text of the next box, which is answered.
     static std::string Box(int button = IDOK) { return Person::Answer(button); }

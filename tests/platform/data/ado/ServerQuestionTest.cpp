@@ -44,7 +44,7 @@ private:
 
 class ServerQuestion : public testing::Test {
 protected:
-    ServerQuestion() {
+    void SetUp() override {
         std::filesystem::remove_all(SettingsFolder());
         boxes_.choose = [this](const SeenBox& box) {
             const bool isSecond = box.text.find("Remember") != std::string::npos;

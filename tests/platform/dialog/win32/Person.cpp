@@ -6,7 +6,9 @@
 #include "platform/dialog/win32/ItemMessages.h"
 #include "platform/windows/WideText.h"
 
+#include <atomic>
 #include <cstdlib>
+#include <iostream>
 #include <thread>
 
 namespace qel::test {
@@ -112,6 +114,35 @@ HWND FieldOf(HWND control) {
 }
 
 } // namespace
+
+void Person::ActDuring(const std::function<void()>& call, const std::function<void()>& act,
+                       const std::string& notes) {
+    std::atomic<bool> hasLeft = false;
+    std::thread acting([&] {
+        try {
+            act();
+        } catch (const std::exception& error) {
+            std::cout << error.what() << "; box: " << TextOfBox() << "; after: " << notes << std::endl;
+            std::_Exit(1);
+        }
+        hasLeft = true;
+    });
+    std::exception_ptr failure;
+    try {
+        call();
+    } catch (...) {
+        failure = std::current_exception();
+    }
+    for (MSG message = {}; !hasLeft; ::Sleep(5)) { // the person still looks at the closed dialog
+        while (::PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != FALSE) {
+            ::DispatchMessageW(&message);
+        }
+    }
+    acting.join();
+    if (failure) {
+        std::rethrow_exception(failure);
+    }
+}
 
 void Person::WaitUntil(const std::string& what, const std::function<bool()>& holds) {
     const auto end = std::chrono::steady_clock::now() + patience;

@@ -56,6 +56,12 @@ public:
     /// Waits until the dialog is gone.
     void ExpectGone() const;
 
+    /// Makes the call while another thread acts in the dialog that it opens. Of a disappointed person's
+    /// dialog nobody can say how it would end, so the program ends, and prints `notes`. Raises what the call
+    /// raises.
+    static void ActDuring(const std::function<void()>& call, const std::function<void()>& act,
+                          const std::string& notes);
+
     static void WaitUntil(const std::string& what, const std::function<bool()>& holds);
 
 private:

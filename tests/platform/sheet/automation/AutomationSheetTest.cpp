@@ -39,6 +39,21 @@ TEST(AutomationSheet, ReachesCellsAsAMacroDoes) {
                             "R3C2 = קוביה", "R3C3 = ", "R4C2 = Cube Name", "R4C3 = LedgerFNC"));
 }
 
+TEST(AutomationSheet, EditsTheFormulasOfOlderExcels) {
+    const Apartment apartment;
+    SheetObject sheet;
+    sheet.Put(6, 4, "last");
+    const auto cell = windows::FormulaCellOf(sheet.Cell(3, 2).Get());
+    const auto block = cell->Evaluate("C5:D9").As<std::shared_ptr<const VariantArray>>();
+    ASSERT_EQ(block->elements.size(), 6U) << "more are never used";
+    EXPECT_EQ(block->elements[3].As<std::string>(), "last");
+    EXPECT_TRUE(block->elements[2].Is<Empty>());
+    cell->ReplaceFormula("=1");
+    EXPECT_THAT(sheet.Log(), ElementsAre("R3C2 formula =1"));
+    sheet.Protect("protected");
+    EXPECT_THROW(cell->Formula(), AutomationError);
+}
+
 TEST(AutomationSheet, KeepsTheNumberAndDescriptionOfTheSheetsErrors) {
     const Apartment apartment;
     SheetObject sheet;
