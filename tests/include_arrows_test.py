@@ -44,7 +44,7 @@ MAY_INCLUDE = {
     "tests/engine/*": "text files engine/* tests/*",
     "tests/*": f"{PRODUCT} files cli calc server server/* examples/* tests/*",
     "bench": f"{PRODUCT} engine/* cli examples/* tests/*",
-    "fuzz/*": f"{PRODUCT} engine/* tests/helpers",
+    "fuzz/*": f"{PRODUCT} workbook engine/* tests/helpers",
 }
 arrows, wrong = set(), []
 tops = [top for top in ROOT.iterdir() if top.is_dir() and top.name != "build" and not top.name.startswith(".")]

@@ -18,19 +18,27 @@ struct UnknownExpression {};
 
 using Numbers = std::vector<double>;
 
+int Whole(double number) {
+    constexpr double most = 1e6; // of years and months
+    if (!(std::abs(number) <= most)) {
+        throw UnknownExpression();
+    }
+    return static_cast<int>(number);
+}
+
 double DateOfNumbers(const Numbers& numbers) {
-    const AutomationDate year = DateFromDay({static_cast<int>(numbers[0]), 1, 1});
-    return AddMonths(year, static_cast<int>(numbers[1]) - 1).days + std::floor(numbers[2]) - 1;
+    const AutomationDate year = DateFromDay({Whole(numbers[0]), 1, 1});
+    return AddMonths(year, Whole(numbers[1]) - 1).days + std::floor(numbers[2]) - 1;
 }
 
 double DateAfterMonths(const Numbers& numbers) {
-    return AddMonths(AutomationDate{std::floor(numbers[0])}, static_cast<int>(numbers[1])).days;
+    return AddMonths(AutomationDate{std::floor(numbers[0])}, Whole(numbers[1])).days;
 }
 
 double EndOfMonth(const Numbers& numbers) {
     const CalendarDay day = DayFromDate(AutomationDate{std::floor(numbers[0])});
     const AutomationDate first = DateFromDay({day.year, day.month, 1});
-    return AddMonths(first, static_cast<int>(numbers[1]) + 1).days - 1;
+    return AddMonths(first, Whole(numbers[1]) + 1).days - 1;
 }
 
 CalendarDay DayOf(const Numbers& numbers) { return DayFromDate(AutomationDate{numbers[0]}); }

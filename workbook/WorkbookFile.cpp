@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 
 namespace qel {
 
@@ -72,8 +73,11 @@ bool MayCallOurs(std::string_view formula) {
 
 Variant DateOfText(std::string_view text) {
     const int year = NumberIn(text, 0, 4), month = NumberIn(text, 5, 2), day = NumberIn(text, 8, 2);
-    constexpr int firstYear = 1900, lastMonth = 12, lastDay = 31;
-    if (year < firstYear || month < 1 || month > lastMonth || day < 1 || day > lastDay) {
+    constexpr int firstYear = 1900;
+    const std::chrono::year_month_day date(std::chrono::year(year),
+                                           std::chrono::month(static_cast<unsigned>(month)),
+                                           std::chrono::day(static_cast<unsigned>(day)));
+    if (year < firstYear || !date.ok()) {
         return Null{};
     }
     double days = DateFromDay({year, month, day}).days;

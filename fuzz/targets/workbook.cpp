@@ -1,0 +1,71 @@
+#include "platform/value/AutomationDate.h"
+#include "workbook/SheetCalls.h"
+#include "workbook/WorkbookError.h"
+#include "workbook/WorkbookFile.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+#include <zlib.h>
+
+// Reads any bytes as a workbook and all its formulas. Bytes that do not begin like an archive are the
+// archive's parts, each below a line "@NAME": few inputs would keep checksums and lengths right.
+
+namespace {
+
+std::string LittleEndian(std::size_t number, int bytes) {
+    std::string text;
+    for (int i = 0; i < bytes; ++i, number >>= 8U) {
+        text += static_cast<char>(number & 0xFFU);
+    }
+    return text;
+}
+
+std::string ArchiveOf(std::string_view parts) {
+    std::string archive, directory;
+    std::size_t count = 0;
+    while (parts.starts_with('@')) {
+        const std::size_t line = std::min(parts.find('\n'), parts.size() - 1);
+        const std::size_t end = std::min(parts.find("\n@", line), parts.size() - 1);
+        const std::string name(parts.substr(1, line - 1)), content(parts.substr(line + 1, end - line));
+        parts.remove_prefix(end + 1);
+        const std::size_t checksum =
+            crc32(0, reinterpret_cast<const Bytef*>(content.data()), static_cast<uInt>(content.size()));
+        const std::string sizes = LittleEndian(0, 8) + LittleEndian(checksum, 4) +
+                                  LittleEndian(content.size(), 4) + LittleEndian(content.size(), 4) +
+                                  LittleEndian(name.size(), 2) + LittleEndian(0, 2);
+        directory += "PK\1\2" + LittleEndian(20, 2) + LittleEndian(20, 2) + sizes + LittleEndian(0, 10) +
+                     LittleEndian(archive.size(), 4) + name;
+        archive += "PK\3\4" + LittleEndian(20, 2) + sizes + name + content;
+        ++count;
+    }
+    return archive + directory + "PK\5\6" + LittleEndian(0, 4) + LittleEndian(count, 2) +
+           LittleEndian(count, 2) + LittleEndian(directory.size(), 4) + LittleEndian(archive.size(), 4) +
+           LittleEndian(0, 2);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static const std::filesystem::path file =
+        std::filesystem::temp_directory_path() / ("qel-fuzz-workbook-" + std::to_string(::getpid()));
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    std::ofstream(file, std::ios::binary)
+        << (bytes.starts_with("PK") ? std::string(bytes) : ArchiveOf(bytes));
+    try {
+        const qel::Workbook workbook = qel::ReadWorkbook(file);
+        for (const qel::SheetCall& call : qel::FindSheetCalls(workbook, {})) {
+            if (call.call.has_value() != call.fault.empty() || call.sheet >= workbook.sheets.size()) {
+                std::abort();
+            }
+        }
+    } catch (const qel::WorkbookError&) {
+        return 0; // an expected error
+    }
+    return 0;
+}
