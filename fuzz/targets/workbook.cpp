@@ -39,9 +39,13 @@ std::string ArchiveOf(std::string_view parts) {
         const std::string sizes = LittleEndian(0, 8) + LittleEndian(checksum, 4) +
                                   LittleEndian(content.size(), 4) + LittleEndian(content.size(), 4) +
                                   LittleEndian(name.size(), 2) + LittleEndian(0, 2);
-        directory += "PK\1\2" + LittleEndian(20, 2) + LittleEndian(20, 2) + sizes + LittleEndian(0, 10) +
-                     LittleEndian(archive.size(), 4) + name;
-        archive += "PK\3\4" + LittleEndian(20, 2) + sizes + name + content;
+        for (const auto& field : {std::string("PK\1\2"), LittleEndian(20, 2), LittleEndian(20, 2), sizes,
+                                  LittleEndian(0, 10), LittleEndian(archive.size(), 4), name}) {
+            directory += field;
+        }
+        for (const auto& field : {std::string("PK\3\4"), LittleEndian(20, 2), sizes, name, content}) {
+            archive += field;
+        }
         ++count;
     }
     return archive + directory + "PK\5\6" + LittleEndian(0, 4) + LittleEndian(count, 2) +
