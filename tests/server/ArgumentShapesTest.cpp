@@ -35,8 +35,9 @@ OwnedVariant Scalar(VARTYPE type) {
     return one;
 }
 
-OwnedVariant RangeOf(std::vector<std::string> texts) {
+OwnedVariant RangeOf(const std::vector<std::string>& texts) {
     std::vector<OwnedVariant> cells;
+    cells.reserve(texts.size());
     for (const std::string& text : texts) {
         cells.push_back(Text(text));
     }

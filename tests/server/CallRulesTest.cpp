@@ -155,7 +155,7 @@ TEST_F(CallRules, AFileOfAnotherKindGivesThePlatformsError) {
         Arguments arguments = ArgumentsOf(call);
         const std::string text = TextIn(Invoke(object_.Get(), L"QelFuncDemo", arguments).value);
         EXPECT_EQ(text.substr(0, 5), "#err ");
-        EXPECT_NE(std::atoi(text.c_str() + 5), 0);
+        EXPECT_NE(std::stol(text.substr(5)), 0);
         const CallResult masked = Invoke(object_.Get(), L"QeLF1", arguments);
         EXPECT_EQ(V_VT(&masked.value.Get()), VT_I2) << "a zero of 16 bits, not of a cell";
         EXPECT_EQ(V_I2(&masked.value.Get()), 0);

@@ -74,6 +74,7 @@ private:
 
 ComPointer<IDispatch> MakeRange(std::vector<OwnedVariant> values) {
     std::vector<SharedValue> shared;
+    shared.reserve(values.size());
     for (OwnedVariant& value : values) {
         shared.push_back(std::make_shared<OwnedVariant>(std::move(value)));
     }

@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <utility>
 
 namespace qel::test {
 namespace {
@@ -114,13 +116,14 @@ TEST(Threads, EndWithoutTouchingWhatIsGone) {
 TEST(Threads, TheServerIsUnloadedWhenNobodyUsesItAndCanComeBack) {
     const double expected = ValueInProcess({});
     for (int turn = 0; turn < 3; ++turn) {
-        HostThread([&] {
+        std::optional<HostThread> host(std::in_place, [&] {
             const Apartment apartment;
             const auto object = CreateByName(L"OrmFunctionQel4.OrmQelFunction");
             Arguments arguments = ArgumentsOf({});
             EXPECT_EQ(ValueThroughCom(object.Get(), arguments), expected);
             EXPECT_NE(::GetModuleHandleW(L"OrmFuncQel4.dll"), nullptr);
         });
+        host.reset();
         EXPECT_EQ(::GetModuleHandleW(L"OrmFuncQel4.dll"), nullptr) << "turn " << turn;
     }
 }
