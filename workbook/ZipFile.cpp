@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <system_error>
 #include <zlib.h>
 
 namespace qel {
@@ -59,7 +60,12 @@ std::string Inflated(std::string& packed, std::uint64_t size) {
 } // namespace
 
 ZipFile::ZipFile(const std::filesystem::path& path) : file_(path, std::ios::binary) {
-    if (!file_ || !std::filesystem::is_regular_file(path)) {
+    std::error_code error;
+    const auto type = std::filesystem::status(path, error).type();
+    if (type == std::filesystem::file_type::not_found) {
+        throw WorkbookError("there is no such file");
+    }
+    if (!file_ || type != std::filesystem::file_type::regular) {
         throw WorkbookError("it cannot be read");
     }
     file_.seekg(0, std::ios::end);

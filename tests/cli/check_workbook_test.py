@@ -129,7 +129,7 @@ class CheckWorkbook(Workbooks):
             status, output, messages = run("check-workbook", file)
             self.assertEqual((status, output), (1, ""), what)
             self.assertRegex(messages, rf"^qel check-workbook: {file}: .*{words}", what)
-        self.assertIn("cannot be read", run("check-workbook", self.path / "nowhere.xlsx")[2])
+        self.assertIn("nowhere.xlsx: there is no such file", run("check-workbook", self.path / "nowhere.xlsx")[2])
         for _ in range(150):
             content = bytearray(whole)
             for _ in range(choose.randint(1, 4)):
