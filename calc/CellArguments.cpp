@@ -2,10 +2,10 @@
 
 #include "platform/office/OfficeText.h"
 #include "platform/value/AutomationError.h"
+#include "platform/value/CellValues.h"
 #include "platform/value/Conversion.h"
 
 #include <com/sun/star/uno/Sequence.hxx>
-#include <memory>
 #include <utility>
 #include <vector>
 
@@ -19,25 +19,6 @@ using com::sun::star::uno::Sequence;
 using Rows = Sequence<Sequence<Any>>;
 
 namespace {
-
-/// The values of cells that Calc has read already.
-class CellBlock : public Range {
-public:
-    explicit CellBlock(std::vector<Variant> values) : values_(std::move(values)) {}
-
-    void ForEachCell(const std::function<void(const Variant& value)>& visit) const override {
-        for (const Variant& value : values_) {
-            visit(value);
-        }
-    }
-
-private:
-    std::vector<Variant> values_;
-};
-
-Variant RangeOf(std::vector<Variant> values) {
-    return std::shared_ptr<const Object>(std::make_shared<CellBlock>(std::move(values)));
-}
 
 /// A number or a text. Raises 13 for a block of cells and for what no cell holds.
 Variant ScalarFromCell(const Any& value) {

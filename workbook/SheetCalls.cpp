@@ -4,6 +4,7 @@
 #include "function/formula/ParseFormula.h"
 #include "function/formula/WrittenCalls.h"
 #include "platform/value/AutomationError.h"
+#include "platform/value/CellValues.h"
 #include "text/CaseFold.h"
 #include "workbook/ComputedArgument.h"
 
@@ -32,24 +33,6 @@ class UnreadArgument : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
 };
-
-class ReferredCells : public Range {
-public:
-    explicit ReferredCells(std::vector<Variant> values) : values_(std::move(values)) {}
-
-    void ForEachCell(const std::function<void(const Variant& value)>& visit) const override {
-        for (const Variant& value : values_) {
-            visit(value);
-        }
-    }
-
-private:
-    std::vector<Variant> values_;
-};
-
-Variant Referred(std::vector<Variant> values) {
-    return std::shared_ptr<const Object>(std::make_shared<ReferredCells>(std::move(values)));
-}
 
 /// The values of the arguments in one sheet.
 class ArgumentValues {
@@ -91,7 +74,7 @@ private:
     std::optional<Variant> Kept(Variant value, Kind kind) const {
         const bool isKey = kind == Kind::List && workbook_.isOpenDocument && value.Is<std::string>() &&
                            !value.As<std::string>().empty();
-        return isKey ? Referred({std::move(value)}) : std::move(value);
+        return isKey ? RangeOf({std::move(value)}) : std::move(value);
     }
 
     Variant ComputedOf(const std::string& text, int depth) const {
@@ -151,7 +134,7 @@ private:
             }
         }
         if (kind == Kind::List) {
-            return Referred(std::move(values));
+            return RangeOf(std::move(values));
         }
         if (values.size() > 1) {
             throw UnreadArgument(fmt::format("{} are several cells for one value", text));
