@@ -112,7 +112,7 @@ private:
         std::visit(
             [&](auto& arguments) {
                 const std::string file(Trimmed(arguments.cubeFile));
-                std::error_code failure; // of a path that is none
+                std::error_code failure; // set for an invalid path
                 const auto beside = folder / PathFromSetting(file);
                 if (!file.empty() && !IsServerAddress(file) && std::filesystem::exists(beside, failure)) {
                     arguments.cubeFile = PathToUtf8(beside);

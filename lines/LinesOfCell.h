@@ -16,8 +16,8 @@ struct LinesPlace {
 };
 
 /// Shows the lines behind a cell's value in a new sheet. Of several calls in its formula it asks for one.
-/// What stands in the way, and every failure, is told in a box. The context's thread state is used by nothing
-/// else meanwhile: the spreadsheet goes on working.
+/// A message box tells why there are no lines, and every failure. The context needs a thread state of its
+/// own, because the spreadsheet goes on working meanwhile.
 void ShowLinesOfCell(const WizardContext& context, const LinesPlace& place);
 
 } // namespace qel

@@ -40,7 +40,7 @@ bool FormulaJudge::IsMissing(const std::string& cubeFile) {
     }
     const auto [known, isNew] = missing_.try_emplace(cubeFile, false);
     if (isNew) {
-        std::error_code failure; // of a path that is none
+        std::error_code failure; // set for an invalid path
         known->second = !std::filesystem::exists(PathFromSetting(cubeFile), failure);
     }
     return known->second;

@@ -62,7 +62,7 @@ std::vector<ArgumentReason> GivenArguments(const FormulaCall& call, const Locale
 ValueReason ValueReasons::Of(const FormulaCall& call) {
     using Clock = std::chrono::steady_clock;
     ValueReason reason;
-    reason.arguments = GivenArguments(call, locale_); // before the call, which fails for lists that are none
+    reason.arguments = GivenArguments(call, locale_); // first: the call throws when a list is invalid
     recording_ = {};
     const auto start = Clock::now();
     reason.result = RunFormula(object_, call);

@@ -88,7 +88,7 @@ private:
         const auto relation = relations.find_child(
             [id](const pugi::xml_node& each) { return each.attribute("Id").value() == id; });
         if (!std::string_view(relation.attribute("Type").value()).ends_with("/worksheet")) {
-            return; // a chart or macros of old
+            return; // a chart sheet or a sheet of Excel 4 macros
         }
         pugi::xml_document document;
         LoadPart(file_, PartOfTarget(relation.attribute("Target").value()), document);

@@ -15,7 +15,7 @@ struct SheetCall {
     CellPlace place;
     std::optional<FormulaCall> call; ///< none where an argument cannot be read or does not fit
     std::string fault;               ///< why there is none
-    bool isUnread = false;           ///< an argument is nothing that the file has the value of
+    bool isUnread = false;           ///< the file has no value of an argument
 };
 
 /// All calls of the workbook, sheet by sheet; their arguments have the values that the file keeps.

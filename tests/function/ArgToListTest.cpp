@@ -1,5 +1,6 @@
 #include "function/ArgToList.h"
 
+#include "platform/value/CellValues.h"
 #include "tests/helpers/ErrorOf.h"
 
 #include <gtest/gtest.h>
@@ -9,27 +10,10 @@ namespace {
 
 constexpr Locale commaDecimal{DateOrder::DayMonthYear, '/', ',', '.'};
 
-class Cells : public Range {
-public:
-    explicit Cells(std::vector<Variant> values) : values_(std::move(values)) {}
-    void ForEachCell(const std::function<void(const Variant& value)>& visit) const override {
-        for (const Variant& value : values_) {
-            visit(value);
-        }
-    }
-
-private:
-    std::vector<Variant> values_;
-};
-
 class Workbook : public Object {
 public:
     std::string TypeName() const override { return "Workbook"; }
 };
-
-Variant RangeOf(std::vector<Variant> values) {
-    return std::shared_ptr<const Object>(std::make_shared<Cells>(std::move(values)));
-}
 
 Variant ArrayOf(ElementType type, std::vector<ArrayBounds> bounds, std::vector<Variant> elements) {
     return std::make_shared<const VariantArray>(VariantArray{type, std::move(bounds), std::move(elements)});
