@@ -8,6 +8,7 @@
 #include "platform/value/Conversion.h"
 #include "support/ModError.h"
 #include "wizard/CubeFileChoice.h"
+#include "wizard/FormulaArgs.h"
 #include "wizard/OwnText.h"
 #include "wizard/WizardForm.h"
 
