@@ -148,8 +148,9 @@ void RibbonObject::WithCell(const std::function<void(OrmQelFunction& object, IDi
     }
     const auto thread = StateOfThread();
     const Locale locale = windows::UserLocale();
-    OrmQelFunction object({*thread, ProvidersOfMachine(), locale, &Wizards()});
-    use(object, V_DISPATCH(&cell));
+    Wizards wizards(*thread);
+    OrmQelFunction object({*thread, ProvidersOfMachine(), locale, &wizards.Services()});
+    wizards.Show([&] { use(object, V_DISPATCH(&cell)); });
 }
 
 void RibbonObject::ShowFunctionWizard() {
