@@ -1,8 +1,8 @@
 #include "calc/WizardsService.h"
 
 #include "calc/CallingDocument.h"
-#include "calc/FunctionTexts.h"
 #include "calc/ThreadFunction.h"
+#include "function/FunctionTexts.h"
 #include "lines/LinesOfCell.h"
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/office/OfficeText.h"
