@@ -159,7 +159,7 @@ void OfficeDialog::ShowModal() {
 
 std::function<void()> OfficeDialog::Hider() {
     if (!hider_.is()) {
-        hider_ = new LaterCall([this] { Hide(); });
+        hider_ = rtl::Reference<LaterCall>(new LaterCall([this] { Hide(); }));
     }
     return [hider = hider_, office = windows_.Office()] {
         try {
@@ -176,7 +176,7 @@ void OfficeDialog::ShowBeside(WindowSide side) {
         }
         const uno::Reference<awt::XWindow> own(window_, uno::UNO_QUERY_THROW);
         windows_.PutBeside(own, side);
-        closing_.set(new CloseListener([this] {
+        closing_ = rtl::Reference<CloseListener>(new CloseListener([this] {
             if (handlers_ == 0) {
                 Hide();
                 Events().OnQueryUnload(); // which may destroy the dialog
