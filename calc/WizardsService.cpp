@@ -1,6 +1,7 @@
 #include "calc/WizardsService.h"
 
 #include "calc/CallingDocument.h"
+#include "calc/DocumentContent.h"
 #include "calc/FunctionTexts.h"
 #include "calc/OpenForm.h"
 #include "calc/Raised.h"
@@ -9,7 +10,9 @@
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/office/Clipboard.h"
 #include "platform/office/OfficeText.h"
+#include "platform/sheet/calc/CalcCells.h"
 #include "platform/sheet/calc/CalcWorkbook.h"
+#include "why/CheckForm.h"
 #include "why/MakeWhyForm.h"
 
 #include <com/sun/star/frame/Desktop.hpp>
@@ -120,6 +123,36 @@ void WizardsService::ShowLines() {
     });
 }
 
+void WizardsService::ShowCheck() {
+    static OpenForm* shown = nullptr;
+    const auto document = DocumentInFront();
+    WithProviders(document, [&](const Providers& providers, const Locale& locale) {
+        auto needs = std::make_unique<OwnNeeds>(this, locale);
+        const std::shared_ptr<Workbook> book = office::WorkbookOf(context_, document);
+        auto form = MakeCheckForm(
+            ContextOf(*needs, providers),
+            {.book = book,
+             .fullPath = CubePathsOf(document),
+             .read =
+                 [=](bool isWholeDocument) {
+                     return ContentOf(document, isWholeDocument ? "" : book->ActiveSheetName());
+                 },
+             .readCell =
+                 [=](const std::string& sheet, CellPlace place) {
+                     return CallsOf(*office::FormulaCellAt(document, sheet, place.row, place.column),
+                                    CubePathsOf(document), locale);
+                 },
+             .goTo = [=](const std::string& sheet,
+                         CellPlace place) { office::GoToCell(document, sheet, place.row, place.column); },
+             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); }});
+        if (form) {
+            const rtl::Reference<OpenForm> open(
+                new OpenForm(shown, context_, {document, uno::UNO_QUERY}, std::move(needs), std::move(form)));
+            open->Show(WindowSide::Right);
+        }
+    });
+}
+
 void WizardsService::With(const office::SheetDocument& document, const Use& use) {
     WithProviders(document, [&](const Providers& providers, const Locale& locale) {
         // A macro's object is one of its own; the thread's connection is every object's.
@@ -158,6 +191,8 @@ void WizardsService::trigger(const rtl::OUString& method) {
         ShowLines();
     } else if (method == "ShowWhy") {
         ShowWhy();
+    } else if (method == "ShowCheck") {
+        ShowCheck();
     }
 }
 
