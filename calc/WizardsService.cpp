@@ -2,10 +2,9 @@
 
 #include "calc/CallingDocument.h"
 #include "calc/DocumentContent.h"
-#include "calc/FunctionTexts.h"
 #include "calc/OpenForm.h"
-#include "calc/Raised.h"
 #include "calc/ThreadFunction.h"
+#include "function/FunctionTexts.h"
 #include "lines/LinesOfCell.h"
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/office/Clipboard.h"
@@ -14,6 +13,7 @@
 #include "platform/sheet/calc/CalcWorkbook.h"
 #include "why/CheckForm.h"
 #include "why/MakeWhyForm.h"
+#include "wizard/Raised.h"
 
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/uno/RuntimeException.hpp>
@@ -33,6 +33,15 @@ CubePath CubePathsOf(const office::SheetDocument& document) {
     return [properties = DocumentReference(document, uno::UNO_QUERY)](const std::string& file) {
         return CubePathFrom(properties, file);
     };
+}
+
+/// While lines are read, or formulas checked, other windows take commands.
+void RunAlone(const std::function<void()>& command) {
+    static bool isRunning = false;
+    if (!isRunning) {
+        const Raised running(isRunning);
+        command();
+    }
 }
 
 } // namespace
@@ -95,7 +104,8 @@ void WizardsService::ShowWhy() {
              .fullPath = CubePathsOf(document),
              .argumentName = &ValueArgumentName,
              .editFormula = [=, this] { Edit(document, [&] { return cell; }); },
-             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); }});
+             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); },
+             .alone = &RunAlone});
         if (form) {
             const auto side = office::StandsRight(document, *cell) ? WindowSide::Left : WindowSide::Right;
             const rtl::Reference<OpenForm> open(
@@ -107,11 +117,6 @@ void WizardsService::ShowWhy() {
 
 void WizardsService::ShowLines() {
     const auto document = DocumentInFront();
-    static bool isRunning = false; // of all windows: while lines are read, the others take commands
-    if (isRunning) {
-        return;
-    }
-    const Raised running(isRunning);
     WithProviders(document, [&](const Providers& providers, const Locale& locale) {
         OwnNeeds own(this, locale);
         const auto cell = office::ChosenFormulaCellOf(document);
@@ -144,7 +149,8 @@ void WizardsService::ShowCheck() {
                  },
              .goTo = [=](const std::string& sheet,
                          CellPlace place) { office::GoToCell(document, sheet, place.row, place.column); },
-             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); }});
+             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); },
+             .alone = &RunAlone});
         if (form) {
             const rtl::Reference<OpenForm> open(
                 new OpenForm(shown, context_, {document, uno::UNO_QUERY}, std::move(needs), std::move(form)));
@@ -188,11 +194,11 @@ void WizardsService::trigger(const rtl::OUString& method) {
     } else if (method == "EditFormula") {
         EditFormula();
     } else if (method == "ShowLines") {
-        ShowLines();
+        RunAlone([this] { ShowLines(); });
     } else if (method == "ShowWhy") {
         ShowWhy();
     } else if (method == "ShowCheck") {
-        ShowCheck();
+        RunAlone([this] { ShowCheck(); });
     }
 }
 

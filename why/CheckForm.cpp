@@ -58,7 +58,7 @@ void CheckForm::OnClick(std::string_view control) {
             return place_.copy(WithoutDirection(fmt::format("{}\n", fmt::join(rows, "\n"))));
         }
         try {
-            Check();
+            place_.alone([&] { Check(); });
         } catch (const ActionStopped&) { // NOLINT(bugprone-empty-catch): what was found before stays
         }
     });

@@ -17,6 +17,7 @@ struct CheckPlace {
     SheetCheck::ReadCell readCell;
     std::function<void(const std::string& sheet, CellPlace place)> goTo;
     std::function<void(const std::string& text)> copy;
+    LongCommand alone;
 };
 
 /// The window *Check this sheet*.

@@ -1,7 +1,7 @@
 #include "why/WhyForm.h"
 
-#include "lines/SheetName.h"
 #include "platform/dialog/ReadingOrder.h"
+#include "platform/sheet/SheetTexts.h"
 #include "text/Text.h"
 #include "why/WhyFormDesign.h"
 #include "wizard/CubeFileChoice.h"
@@ -94,8 +94,10 @@ ValueReason WhyForm::FindReason() {
 }
 
 void WhyForm::ShowLines() {
-    ShowLinesOfCall(Context(), {place_.cell.get(), *place_.book, place_.fullPath, place_.argumentName},
-                    *calls_.ValueAt(call_));
+    place_.alone([&] {
+        ShowLinesOfCall(Context(), {place_.cell.get(), *place_.book, place_.fullPath, place_.argumentName},
+                        *calls_.ValueAt(call_));
+    });
 }
 
 void WhyForm::EditFormula() {

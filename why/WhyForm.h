@@ -17,6 +17,7 @@ struct WhyPlace {
     ArgumentName argumentName;
     std::function<void()> editFormula; ///< of the cell, with its wizard
     std::function<void(const std::string& text)> copy;
+    LongCommand alone;
 };
 
 /// The calls of a formula, those of values first.

@@ -62,6 +62,9 @@ OfficeDialog::~OfficeDialog() {
     if (closing_.is()) {
         closing_->Silence();
     }
+    if (hider_.is()) {
+        hider_->Silence();
+    }
     for (const auto& listener : listeners_) {
         listener->Silence();
     }
@@ -170,6 +173,18 @@ void OfficeDialog::ShowBeside(WindowSide side) {
         uno::Reference<awt::XTopWindow>(window_, uno::UNO_QUERY_THROW)->addTopWindowListener(closing_.get());
         own->setVisible(true);
     });
+}
+
+std::function<void()> OfficeDialog::Hider() {
+    if (!hider_.is()) {
+        hider_ = new LaterCall([this] { Hide(); });
+    }
+    return [hider = hider_, office = windows_.Office()] {
+        try {
+            hider->Post(office);
+        } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office ends
+        }
+    };
 }
 
 void OfficeDialog::Hide() {
