@@ -103,7 +103,7 @@ void WizardsService::ShowWhy() {
              .book = office::WorkbookOf(context_, document),
              .fullPath = CubePathsOf(document),
              .argumentName = &ValueArgumentName,
-             .editFormula = [=, this] { Edit(document, [&] { return cell; }); },
+             .editFormula = [=, this] { Edit(document, [&] { return std::shared_ptr(cell); }); },
              .copy = [context = context_](const std::string& text) { office::CopyText(context, text); },
              .alone = &RunAlone});
         if (form) {

@@ -62,10 +62,11 @@ class Why(KeyboardTest):
     def test_a_hidden_error_is_told_and_a_window_goes_with_its_document(self):
         self.asks(formula(a9='"61119"'))
         window = self.person.sees(WHY)
-        self.person.photograph(WORK / "why.png")
         self.assertEqual(window.after("Explanation").items[:2], [
             'Reason: Accounts: [Accounts].[AccountCodes] has no member "61119"; did you', '    mean "6111"?'])
         self.assertIn('Accounts: "61119", not in the cube', window.after("Arguments").items)
+        self.hands.click(window.after("Statement"))  # it is drawn by now
+        self.person.photograph(WORK / "why.png")
         self.hands.do("mousemove", 400, 300, "click", 1)  # the sheet goes on taking clicks
         eventually("the sheet in front", self.controller.Frame.isActive)
         self.asks(formula(a0='"no such.cub"'))  # another window takes its place
@@ -121,10 +122,11 @@ class Why(KeyboardTest):
         self.report.Name = "דוח"
         self.asks(formula(a1='"LedgerHebrewFNC"', a9='"61119"'))
         window = self.person.sees("מדוע הערך הזה")
-        self.person.photograph(WORK / "why_he.png")
         self.assertIn("סיבה: חשבון", "".join(c for c in window.after("הסבר").items[0] if c not in "\u202a\u202b\u202c"))
         close, lines = (window.button(name).context.getLocationOnScreen().X for name in ("סגירה", "שורות"))
         self.assertLess(close, lines)
+        self.hands.click(window.after("שאילתה"))
+        self.person.photograph(WORK / "why_he.png")
         self.hands.key("Escape")
         self.closed("מדוע הערך הזה")
         self.hands.key("alt+q", "c")

@@ -164,12 +164,12 @@ void OfficeDialog::ShowBeside(WindowSide side) {
         }
         const uno::Reference<awt::XWindow> own(window_, uno::UNO_QUERY_THROW);
         windows_.PutBeside(own, side);
-        closing_.set(new CloseListener([this] {
+        closing_ = new CloseListener([this] {
             if (handlers_ == 0) {
                 Hide();
-                Events().OnQueryUnload(); // which may destroy the dialog
+                Events().OnQueryUnload();
             }
-        }));
+        });
         uno::Reference<awt::XTopWindow>(window_, uno::UNO_QUERY_THROW)->addTopWindowListener(closing_.get());
         own->setVisible(true);
     });
