@@ -36,7 +36,7 @@ void OpenForm::disposing(const com::sun::star::lang::EventObject& /*event*/) {
 
 void OpenForm::DropLater() {
     const rtl::Reference<OpenForm> self(this);
-    drop_.set(new office::LaterCall([self] { self->Drop(); }));
+    drop_ = new office::LaterCall([self] { self->Drop(); });
     drop_->Post(context_);
 }
 

@@ -1,6 +1,7 @@
 #include "calc/WizardsService.h"
 
 #include "calc/CallingDocument.h"
+#include "calc/DocumentContent.h"
 #include "calc/OpenForm.h"
 #include "calc/ThreadFunction.h"
 #include "function/FunctionTexts.h"
@@ -8,7 +9,9 @@
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/office/Clipboard.h"
 #include "platform/office/OfficeText.h"
+#include "platform/sheet/calc/CalcCells.h"
 #include "platform/sheet/calc/CalcWorkbook.h"
+#include "why/CheckForm.h"
 #include "why/MakeWhyForm.h"
 #include "wizard/Raised.h"
 
@@ -30,6 +33,15 @@ CubePath CubePathsOf(const office::SheetDocument& document) {
     return [properties = DocumentReference(document, uno::UNO_QUERY)](const std::string& file) {
         return CubePathFrom(properties, file);
     };
+}
+
+/// While lines are read, or formulas checked, other windows take commands.
+void RunAlone(const std::function<void()>& command) {
+    static bool isRunning = false;
+    if (!isRunning) {
+        const Raised running(isRunning);
+        command();
+    }
 }
 
 } // namespace
@@ -91,8 +103,9 @@ void WizardsService::ShowWhy() {
              .book = office::WorkbookOf(context_, document),
              .fullPath = CubePathsOf(document),
              .argumentName = &ValueArgumentName,
-             .editFormula = [=, this] { Edit(document, [&] { return cell; }); },
-             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); }});
+             .editFormula = [=, this] { Edit(document, [&] { return std::shared_ptr(cell); }); },
+             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); },
+             .alone = &RunAlone});
         if (form) {
             const auto side = office::StandsRight(document, *cell) ? WindowSide::Left : WindowSide::Right;
             const rtl::Reference<OpenForm> open(
@@ -104,11 +117,6 @@ void WizardsService::ShowWhy() {
 
 void WizardsService::ShowLines() {
     const auto document = DocumentInFront();
-    static bool isRunning = false; // of all windows: while lines are read, the others take commands
-    if (isRunning) {
-        return;
-    }
-    const Raised running(isRunning);
     WithProviders(document, [&](const Providers& providers, const Locale& locale) {
         OwnNeeds own(this, locale);
         const auto cell = office::ChosenFormulaCellOf(document);
@@ -117,6 +125,37 @@ void WizardsService::ShowLines() {
                                                     .book = *book,
                                                     .fullPath = CubePathsOf(document),
                                                     .argumentName = &ValueArgumentName});
+    });
+}
+
+void WizardsService::ShowCheck() {
+    static OpenForm* shown = nullptr;
+    const auto document = DocumentInFront();
+    WithProviders(document, [&](const Providers& providers, const Locale& locale) {
+        auto needs = std::make_unique<OwnNeeds>(this, locale);
+        const std::shared_ptr<Workbook> book = office::WorkbookOf(context_, document);
+        auto form = MakeCheckForm(
+            ContextOf(*needs, providers),
+            {.book = book,
+             .fullPath = CubePathsOf(document),
+             .read =
+                 [=](bool isWholeDocument) {
+                     return ContentOf(document, isWholeDocument ? "" : book->ActiveSheetName());
+                 },
+             .readCell =
+                 [=](const std::string& sheet, CellPlace place) {
+                     return CallsOf(*office::FormulaCellAt(document, sheet, place.row, place.column),
+                                    CubePathsOf(document), locale);
+                 },
+             .goTo = [=](const std::string& sheet,
+                         CellPlace place) { office::GoToCell(document, sheet, place.row, place.column); },
+             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); },
+             .alone = &RunAlone});
+        if (form) {
+            const rtl::Reference<OpenForm> open(
+                new OpenForm(shown, context_, {document, uno::UNO_QUERY}, std::move(needs), std::move(form)));
+            open->Show(WindowSide::Right);
+        }
     });
 }
 
@@ -155,9 +194,11 @@ void WizardsService::trigger(const rtl::OUString& method) {
     } else if (method == "EditFormula") {
         EditFormula();
     } else if (method == "ShowLines") {
-        ShowLines();
+        RunAlone([this] { ShowLines(); });
     } else if (method == "ShowWhy") {
         ShowWhy();
+    } else if (method == "ShowCheck") {
+        RunAlone([this] { ShowCheck(); });
     }
 }
 

@@ -45,6 +45,8 @@ private:
     void ShowLines();
     /// A window beside the sheet that tells why the active cell has its value.
     void ShowWhy();
+    /// A window with the formulas of the active sheet whose 0 hides an error.
+    void ShowCheck();
     struct OwnNeeds;
     WizardContext ContextOf(OwnNeeds& needs, const Providers& providers) const;
     /// The object of a call, with the user's suite and the document's locale.

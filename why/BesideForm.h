@@ -2,7 +2,13 @@
 
 #include "wizard/WizardForm.h"
 
+#include <functional>
+#include <string>
+
 namespace qel {
+
+/// Runs a command that takes long and lets other windows work meanwhile, unless one runs already.
+using LongCommand = std::function<void(const std::function<void()>& command)>;
 
 /// A window that stands beside a sheet while the person works there.
 class BesideForm : public WizardForm {

@@ -94,8 +94,10 @@ ValueReason WhyForm::FindReason() {
 }
 
 void WhyForm::ShowLines() {
-    ShowLinesOfCall(Context(), {place_.cell.get(), *place_.book, place_.fullPath, place_.argumentName},
-                    *calls_.ValueAt(call_));
+    place_.alone([&] {
+        ShowLinesOfCall(Context(), {place_.cell.get(), *place_.book, place_.fullPath, place_.argumentName},
+                        *calls_.ValueAt(call_));
+    });
 }
 
 void WhyForm::EditFormula() {

@@ -17,6 +17,7 @@ struct WhyPlace {
     ArgumentName argumentName;
     std::function<void()> editFormula; ///< of the cell, with its wizard
     std::function<void(const std::string& text)> copy;
+    LongCommand alone = [](const std::function<void()>& command) { command(); };
 };
 
 /// The calls of a formula, those of values first.

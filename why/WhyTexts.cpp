@@ -115,7 +115,7 @@ private:
             Line(Word::reason, Named(*reason_.unsent));
         }
         if (const auto& failure = reason_.result.failure) {
-            Line(Word::hiddenError, Marked(FailureText(*failure)));
+            ExplainFailure(FailureText(*failure));
         }
         Lines(Word::note, reason_.notes);
         for (std::size_t i = 0; i < reason_.arguments.size(); ++i) {
@@ -135,6 +135,15 @@ private:
             Line(Word::noStatement);
         }
         Line(Word::time, Milliseconds(reason_.firstTime), Milliseconds(reason_.openTime));
+    }
+
+    /// Rows of a Hebrew line that is Latin but for its beginning would read from the wrong side.
+    void ExplainFailure(const std::string& text) {
+        const bool isHebrew = language_ == Language::Hebrew;
+        Line(Word::hiddenError, isHebrew ? std::string() : text);
+        if (isHebrew) {
+            lines_.push_back(text);
+        }
     }
 
     static std::string Milliseconds(std::chrono::nanoseconds time) {

@@ -42,8 +42,8 @@ private:
 } // namespace
 
 void CopyText(const uno::Reference<uno::XComponentContext>& context, const std::string& text) {
-    datatransfer::clipboard::SystemClipboard::create(context)->setContents(
-        new TransferredText(ToOffice(text)), {});
+    const uno::Reference<datatransfer::XTransferable> contents(new TransferredText(ToOffice(text)));
+    datatransfer::clipboard::SystemClipboard::create(context)->setContents(contents, {});
 }
 
 } // namespace qel::office

@@ -59,11 +59,11 @@ OfficeDialog::OfficeDialog(OfficeWindows& windows, const FormDesign& design, boo
 
 OfficeDialog::~OfficeDialog() {
     later_->Silence();
-    if (hider_.is()) {
-        hider_->Silence();
-    }
     if (closing_.is()) {
         closing_->Silence();
+    }
+    if (hider_.is()) {
+        hider_->Silence();
     }
     for (const auto& listener : listeners_) {
         listener->Silence();
@@ -157,18 +157,6 @@ void OfficeDialog::ShowModal() {
     });
 }
 
-std::function<void()> OfficeDialog::Hider() {
-    if (!hider_.is()) {
-        hider_ = rtl::Reference<LaterCall>(new LaterCall([this] { Hide(); }));
-    }
-    return [hider = hider_, office = windows_.Office()] {
-        try {
-            hider->Post(office);
-        } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office ends
-        }
-    };
-}
-
 void OfficeDialog::ShowBeside(WindowSide side) {
     Translating([&] {
         if (!Load()) {
@@ -179,12 +167,24 @@ void OfficeDialog::ShowBeside(WindowSide side) {
         closing_ = rtl::Reference<CloseListener>(new CloseListener([this] {
             if (handlers_ == 0) {
                 Hide();
-                Events().OnQueryUnload(); // which may destroy the dialog
+                Events().OnQueryUnload();
             }
         }));
         uno::Reference<awt::XTopWindow>(window_, uno::UNO_QUERY_THROW)->addTopWindowListener(closing_.get());
         own->setVisible(true);
     });
+}
+
+std::function<void()> OfficeDialog::Hider() {
+    if (!hider_.is()) {
+        hider_ = rtl::Reference<LaterCall>(new LaterCall([this] { Hide(); }));
+    }
+    return [hider = hider_, office = windows_.Office()] {
+        try {
+            hider->Post(office);
+        } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office ends
+        }
+    };
 }
 
 void OfficeDialog::Hide() {

@@ -434,7 +434,11 @@ bool StandsRight(const SheetDocument& document, const SheetRange& cell) {
 }
 
 std::shared_ptr<SheetRange> CellFrom(const uno::Any& object, const SheetDocument& document) {
-    return Translating([&]() -> std::shared_ptr<SheetRange> {
+    return FormulaCellFrom(object, document);
+}
+
+std::shared_ptr<FormulaCell> FormulaCellFrom(const uno::Any& object, const SheetDocument& document) {
+    return Translating([&]() -> std::shared_ptr<FormulaCell> {
         const uno::Reference<uno::XInterface> any(object, uno::UNO_QUERY);
         const RangeReference range = FirstRange(any);
         return range.is() ? FirstCell(document, range) : nullptr;

@@ -25,4 +25,8 @@ bool StandsRight(const SheetDocument& document, const SheetRange& cell);
 /// the one whose window shows it.
 std::shared_ptr<SheetRange> CellFrom(const com::sun::star::uno::Any& object, const SheetDocument& document);
 
+/// The same, to edit its formula.
+std::shared_ptr<FormulaCell> FormulaCellFrom(const com::sun::star::uno::Any& object,
+                                             const SheetDocument& document);
+
 } // namespace qel::office
