@@ -91,7 +91,17 @@ void AtomicFile::Overwrite(std::uint64_t offset, std::span<const std::byte> byte
     Require(files::WriteAllAt(descriptor_, offset, bytes));
 }
 
-void AtomicFile::Commit() { Require(files::SyncAndMove(descriptor_, temporary_, path_)); }
+void AtomicFile::Finish() {
+    if (!isFinished_) {
+        Require(files::Sync(descriptor_));
+        isFinished_ = true;
+    }
+}
+
+void AtomicFile::Commit() {
+    Finish();
+    Require(files::Move(descriptor_, temporary_, path_));
+}
 
 void AtomicFile::Require(int error) const {
     if (error == 0) {

@@ -29,6 +29,9 @@ public:
     void Append(std::span<const std::byte> bytes);
     /// Overwrites bytes that were appended before.
     void Overwrite(std::uint64_t offset, std::span<const std::byte> bytes);
+    /// Puts what was written on the disk. From then on nothing is written, and others can open the file for
+    /// reading alone.
+    void Finish();
     void Commit();
     /// Where the bytes are before Commit.
     const std::filesystem::path& TemporaryPath() const { return temporary_; }
@@ -42,6 +45,7 @@ private:
     std::filesystem::path path_, temporary_;
     Failure failure_;
     int descriptor_ = -1;
+    bool isFinished_ = false;
 };
 
 } // namespace qel

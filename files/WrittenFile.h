@@ -19,9 +19,11 @@ int CreateLocked(const std::filesystem::path& path, bool isPrivate, int& descrip
 int TakeOverRights(int descriptor, const std::filesystem::path& replaced);
 int WriteAll(int descriptor, std::span<const std::byte> bytes);
 int WriteAllAt(int descriptor, std::uint64_t offset, std::span<const std::byte> bytes);
-/// Puts the open file on the disk, and then in the place of `target`. Closes it: then the descriptor is -1,
-/// and after a failure the file is removed.
-int SyncAndMove(int& descriptor, const std::filesystem::path& from, const std::filesystem::path& target);
+/// Puts the open file on the disk. It cannot be written afterwards.
+int Sync(int& descriptor);
+/// Puts the synced file in the place of `target`. Closes it: then the descriptor is -1, and after a failure
+/// the file is removed.
+int Move(int& descriptor, const std::filesystem::path& from, const std::filesystem::path& target);
 void CloseAndRemove(int descriptor, const std::filesystem::path& path);
 /// Removes the file unless a living process holds it.
 void RemoveIfAbandoned(const std::filesystem::path& path);

@@ -89,8 +89,10 @@ int WriteAllAt(int descriptor, std::uint64_t offset, std::span<const std::byte> 
     return 0;
 }
 
-int SyncAndMove(int& descriptor, const fs::path& from, const fs::path& target) {
-    if (::fsync(descriptor) != 0 || ::rename(from.c_str(), target.c_str()) != 0) {
+int Sync(int& descriptor) { return ::fsync(descriptor) == 0 ? 0 : errno; }
+
+int Move(int& descriptor, const fs::path& from, const fs::path& target) {
+    if (::rename(from.c_str(), target.c_str()) != 0) {
         return errno;
     }
     ::close(descriptor);

@@ -5,7 +5,9 @@
 #include <cerrno>
 #include <fcntl.h>
 #include <io.h>
+#include <iterator>
 #include <memory>
+#include <string>
 #include <system_error>
 #include <vector>
 #include <windows.h>
@@ -68,11 +70,45 @@ bool Rename(HANDLE file, const fs::path& target) {
                                         static_cast<DWORD>(memory.size())) != FALSE;
 }
 
-/// A file that is write-protected could not be replaced.
-int Move(const fs::path& from, const fs::path& target) {
+/// With the flag, the new name is on the disk when a renaming ends.
+HANDLE OpenToRename(const fs::path& path) {
     constexpr DWORD shared = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE file =
-        ::CreateFileW(from.c_str(), DELETE | SYNCHRONIZE, shared, nullptr, OPEN_EXISTING, 0, nullptr);
+    return ::CreateFileW(path.c_str(), DELETE | SYNCHRONIZE, shared, nullptr, OPEN_EXISTING,
+                         FILE_FLAG_WRITE_THROUGH, nullptr);
+}
+
+/// The name of another temporary file of the same target.
+fs::path Another(const fs::path& temporary) {
+    std::wstring name = temporary.native();
+    wchar_t& lastDigit = name[name.size() - std::size(L".tmp")];
+    lastDigit = lastDigit == L'0' ? L'1' : L'0';
+    return name;
+}
+
+/// For systems before Windows 10, where no file takes the place of one that others have open: that one is
+/// moved aside first, and goes when they close it.
+bool ReplaceOpenFile(HANDLE file, const fs::path& target, const fs::path& aside) {
+    const HANDLE old = OpenToRename(target);
+    if (old == INVALID_HANDLE_VALUE) {
+        return false;
+    }
+    bool isDone = false;
+    if (Rename(old, aside)) {
+        isDone = Rename(file, target);
+        if (!isDone) {
+            Rename(old, target);
+        }
+    }
+    ::CloseHandle(old);
+    if (isDone) {
+        ::DeleteFileW(aside.c_str());
+    }
+    return isDone;
+}
+
+/// A file that is write-protected could not be replaced.
+int Replace(const fs::path& from, const fs::path& target) {
+    const HANDLE file = OpenToRename(from);
     if (file == INVALID_HANDLE_VALUE) {
         return LastErrno();
     }
@@ -80,12 +116,24 @@ int Move(const fs::path& from, const fs::path& target) {
     if (IsReadOnly(attributes)) {
         ::SetFileAttributesW(target.c_str(), attributes & ~DWORD{FILE_ATTRIBUTE_READONLY});
     }
-    const int error = Rename(file, WholePath(target)) ? 0 : LastErrno();
+    int error = Rename(file, WholePath(target)) ? 0 : LastErrno();
+    if (error == EACCES && ReplaceOpenFile(file, WholePath(target), WholePath(Another(from)))) {
+        error = 0;
+    }
     ::CloseHandle(file);
     if (IsReadOnly(attributes)) {
         ::SetFileAttributesW(target.c_str(), attributes);
     }
     return error;
+}
+
+int Own(HANDLE file, int& descriptor) {
+    descriptor = ::_open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_BINARY);
+    if (descriptor < 0) {
+        ::CloseHandle(file);
+        return EMFILE;
+    }
+    return 0;
 }
 
 } // namespace
@@ -122,12 +170,7 @@ int CreateLocked(const fs::path& path, bool /*isPrivate*/, int& descriptor) {
     if (file == INVALID_HANDLE_VALUE) {
         return LastErrno();
     }
-    descriptor = ::_open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_BINARY);
-    if (descriptor < 0) {
-        ::CloseHandle(file);
-        return EMFILE;
-    }
-    return 0;
+    return Own(file, descriptor);
 }
 
 /// A file system without such rights has none to take over.
@@ -177,13 +220,24 @@ int WriteAllAt(int descriptor, std::uint64_t offset, std::span<const std::byte> 
     return ::SetFilePointerEx(file, end, nullptr, FILE_BEGIN) != FALSE ? 0 : LastErrno();
 }
 
-int SyncAndMove(int& descriptor, const fs::path& from, const fs::path& target) {
+/// A file that is open for writing keeps out readers that do not share it for that.
+int Sync(int& descriptor) {
     if (::FlushFileBuffers(HandleOf(descriptor)) == FALSE) {
         return LastErrno();
     }
+    const HANDLE reading =
+        ::ReOpenFile(HandleOf(descriptor), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, 0);
+    if (reading == INVALID_HANDLE_VALUE) {
+        return LastErrno();
+    }
+    ::_close(descriptor);
+    return Own(reading, descriptor);
+}
+
+int Move(int& descriptor, const fs::path& from, const fs::path& target) {
     ::_close(descriptor); // whoever may rename an open file keeps the reader of a new cube out
     descriptor = -1;
-    const int error = Move(from, target);
+    const int error = Replace(from, target);
     if (error != 0) {
         ::DeleteFileW(from.c_str());
     }

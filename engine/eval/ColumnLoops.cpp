@@ -7,8 +7,6 @@ namespace qel::engine {
 
 namespace {
 
-#define QEL_INLINE inline __attribute__((always_inline))
-
 /// Calls test(row) for every row, in steps of fixed length that vectorise without a scalar remainder: the
 /// last step ends at the end of the block and overlaps the one before, so test must be idempotent.
 template <std::size_t step, class Test>
@@ -107,32 +105,35 @@ QEL_INLINE std::uint64_t SumBlock(const std::byte* values, std::size_t count, co
 
 } // namespace
 
-QEL_VECTORISED
 void MarkBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask) {
     std::uint8_t* const marks = mask.data();
-    Between(block, bits, span, [marks](std::size_t i, std::uint8_t isIn) { marks[i] = isIn; });
+    RunVectorised([=]() __attribute__((always_inline)) {
+        Between(block, bits, span, [marks](std::size_t i, std::uint8_t isIn) { marks[i] = isIn; });
+    });
 }
 
-QEL_VECTORISED
 void KeepBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask) {
     std::uint8_t* const kept = mask.data();
-    Between(block, bits, span, [kept](std::size_t i, std::uint8_t isIn) { kept[i] &= isIn; });
+    RunVectorised([=]() __attribute__((always_inline)) {
+        Between(block, bits, span, [kept](std::size_t i, std::uint8_t isIn) { kept[i] &= isIn; });
+    });
 }
 
-QEL_VECTORISED
 void KeepBetweenAny(PackedBlock block, std::uint32_t bits, std::span<const PackedSpan> spans,
                     BlockMask& mask) {
     BlockMask any;
-    std::uint8_t* const found = any.data();
-    for (std::size_t i = 0; i < block.count; ++i) {
-        found[i] = 0;
-    }
-    for (const PackedSpan span : spans) {
-        Between(block, bits, span, [found](std::size_t i, std::uint8_t isIn) { found[i] |= isIn; });
-    }
-    for (std::size_t i = 0; i < block.count; ++i) {
-        mask[i] &= found[i];
-    }
+    std::uint8_t *const found = any.data(), *const kept = mask.data();
+    RunVectorised([=]() __attribute__((always_inline)) {
+        for (std::size_t i = 0; i < block.count; ++i) {
+            found[i] = 0;
+        }
+        for (const PackedSpan span : spans) {
+            Between(block, bits, span, [found](std::size_t i, std::uint8_t isIn) { found[i] |= isIn; });
+        }
+        for (std::size_t i = 0; i < block.count; ++i) {
+            kept[i] &= found[i];
+        }
+    });
 }
 
 void KeepListed(PackedBlock block, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
@@ -147,28 +148,31 @@ void KeepListed(PackedBlock block, std::uint32_t bits, unsigned shift, std::span
     });
 }
 
-QEL_VECTORISED
 std::uint64_t CountRows(const BlockMask& mask, std::size_t count) {
-    std::uint32_t rows = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        rows += mask[i];
-    }
-    return rows;
+    const std::uint8_t* const marks = mask.data();
+    return RunVectorised([=]() __attribute__((always_inline)) {
+        std::uint32_t rows = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            rows += marks[i];
+        }
+        return rows;
+    });
 }
 
-QEL_VECTORISED
 std::uint64_t SumValues(const std::byte* values, std::uint8_t width, std::size_t count, const BlockMask* mask,
                         std::uint64_t passed) {
-    switch (width) {
-    case 1:
-        return SumBlock<std::int8_t>(values, count, mask, passed);
-    case 2:
-        return SumBlock<std::int16_t>(values, count, mask, passed);
-    case 4:
-        return SumBlock<std::int32_t>(values, count, mask, passed);
-    default:
-        return SumBlock<std::int64_t>(values, count, mask, passed);
-    }
+    return RunVectorised([=]() __attribute__((always_inline)) {
+        switch (width) {
+        case 1:
+            return SumBlock<std::int8_t>(values, count, mask, passed);
+        case 2:
+            return SumBlock<std::int16_t>(values, count, mask, passed);
+        case 4:
+            return SumBlock<std::int32_t>(values, count, mask, passed);
+        default:
+            return SumBlock<std::int64_t>(values, count, mask, passed);
+        }
+    });
 }
 
 } // namespace qel::engine

@@ -35,8 +35,7 @@ inline std::uint64_t Below(std::uint32_t buckets) {
 }
 
 template <class Running>
-inline __attribute__((always_inline)) void AddKey(const PrefixRun& run, std::uint64_t key,
-                                                  PrefixTotal& total) {
+QEL_INLINE void AddKey(const PrefixRun& run, std::uint64_t key, PrefixTotal& total) {
     const std::uint64_t base = std::uint64_t{run.index.keys[key] & run.blockMask} * blockBuckets;
     if (base >= run.last || base + blockBuckets <= run.first) {
         return;
@@ -69,7 +68,7 @@ inline __attribute__((always_inline)) void AddKey(const PrefixRun& run, std::uin
 }
 
 template <class Running>
-inline __attribute__((always_inline)) PrefixTotal SumRun(const PrefixRun& run) {
+QEL_INLINE PrefixTotal SumRun(const PrefixRun& run) {
     PrefixTotal total;
     BlockMask mask;
     if (run.filters.empty()) {
@@ -87,11 +86,10 @@ inline __attribute__((always_inline)) PrefixTotal SumRun(const PrefixRun& run) {
     return total;
 }
 
-QEL_VECTORISED
-PrefixTotal SumNarrowKeys(const PrefixRun& run) { return SumRun<std::int32_t>(run); }
-
-QEL_VECTORISED
-PrefixTotal SumWide(const PrefixRun& run) { return SumRun<std::int64_t>(run); }
+template <class Running>
+PrefixTotal SumVectorised(const PrefixRun& run) {
+    return RunVectorised([&]() __attribute__((always_inline)) { return SumRun<Running>(run); });
+}
 
 } // namespace
 
@@ -162,7 +160,7 @@ FactSum PrefixSumReader::Sum(std::uint32_t first, std::uint32_t last) const {
         run.sums = aggregates_->Sums(measure_, firstEntry, run.entries);
     }
     const bool isNarrow = isCount || aggregates_->SumWidth(measure_) == sizeof(std::int32_t);
-    const PrefixTotal total = isNarrow ? SumNarrowKeys(run) : SumWide(run);
+    const PrefixTotal total = isNarrow ? SumVectorised<std::int32_t>(run) : SumVectorised<std::int64_t>(run);
     if (total.isDamaged) {
         throw EngineError(ErrorKind::DamagedFile,
                           "cube file: the packed keys of an aggregate point outside its prefix sums");

@@ -291,6 +291,7 @@ const std::filesystem::path& CubeFileWriter::Complete() {
     header.tailChecksum = XXH3_64bits(tail.data(), tail.size());
     header.headerChecksum = XXH3_64bits(&header, format::headerChecksumOffset);
     file_.Overwrite(0, std::as_bytes(std::span(&header, 1)));
+    file_.Finish();
     fileSize_ = header.fileSize;
     return file_.TemporaryPath();
 }

@@ -1,5 +1,6 @@
 #include "engine/storage/FileImage.h"
 
+#include "engine/storage/MappedFile.h"
 #include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
@@ -28,6 +29,12 @@ bool IsKnown(std::uint32_t kind) {
 
 FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes, const MappedFile* mapping)
     : fileName_(std::move(fileName)), bytes_(bytes) {
+    const auto load = [mapping](std::uint64_t offset, std::uint64_t length) {
+        if (mapping != nullptr) {
+            mapping->Load(offset, length);
+        }
+    };
+    load(0, std::min(bytes.size(), sizeof(format::Header)));
     if (bytes.size() < format::signature.size() ||
         std::memcmp(bytes.data(), format::signature.data(), format::signature.size()) != 0) {
         throw EngineError(ErrorKind::NotACubeFile,
@@ -40,6 +47,7 @@ FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes, con
     std::memcpy(&header, bytes.data(), sizeof header);
     CheckHeader(header);
 
+    load(header.checksumTableOffset, bytes.size() - header.checksumTableOffset);
     const auto pages = bytes.first(header.checksumTableOffset);
     const auto tail = bytes.subspan(header.checksumTableOffset);
     tail_.resize(tail.size() / sizeof(std::uint64_t));

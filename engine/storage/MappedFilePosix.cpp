@@ -128,6 +128,9 @@ struct MappedFile::Mapping {
 MappedFile::MappedFile(const std::filesystem::path& path)
     : mapping_(std::make_shared<Mapping>(path)), bytes_(mapping_->bytes) {}
 
+/// The system does, when they are read; MappingWatch sees to those that it cannot load.
+void MappedFile::Load(std::size_t /*offset*/, std::size_t /*length*/) const {}
+
 bool MappedFile::IsUnchanged(const std::function<bool()>& hasContent) const {
     return mapping_ == nullptr || mapping_->IsUnchanged(hasContent);
 }

@@ -37,6 +37,10 @@ void PageVerifier::Check(std::uint64_t offset, std::uint64_t length) {
 }
 
 void PageVerifier::CheckPage(std::uint64_t page) {
+    if (mapping_ != nullptr) {
+        const std::uint64_t first = page * format::pageSize;
+        mapping_->Load(first, std::min<std::uint64_t>(format::pageSize, file_.size() - first));
+    }
     if (PageChecksum(file_, page) != checksums_[page]) {
         CheckUnchanged();
         Fail(fmt::format("the bytes from {} on are not as they were written (wrong checksum of page {})",

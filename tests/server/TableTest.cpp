@@ -6,6 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <string>
+#include <vector>
+
 namespace qel::test {
 namespace {
 
@@ -154,6 +158,48 @@ TEST_F(Table, WizardsAreInSlots2And12AndReportThatThereIsNoCell) {
         EXPECT_EQ(windows::TextOfBstr(text.Get()), "");
         EXPECT_NE(box.seen.text.find(wizard.reportsItselfAs), std::string::npos) << box.seen.text;
     }
+}
+
+/// The members that the type library describes, in the order of their slots: "1 Start", "3 get ElapsedTime".
+std::vector<std::string> MembersByTypeLibrary(IDispatch* object) {
+    constexpr UINT tableView = static_cast<UINT>(-1);
+    ComPointer<ITypeInfo> calls, table;
+    HREFTYPE reference = 0;
+    if (FAILED(object->GetTypeInfo(0, 0, calls.Receive())) ||
+        FAILED(calls->GetRefTypeOfImplType(tableView, &reference)) ||
+        FAILED(calls->GetRefTypeInfo(reference, table.Receive()))) {
+        return {};
+    }
+    std::map<std::size_t, std::string> members;
+    FUNCDESC* function = nullptr;
+    for (UINT i = 0; SUCCEEDED(table->GetFuncDesc(i, &function)); ++i) {
+        windows::Bstr name;
+        UINT count = 0;
+        table->GetNames(function->memid, name.Receive(), 1, &count);
+        const std::size_t slot = static_cast<std::size_t>(function->oVft) / sizeof(void*) + 1;
+        const char* const kind = function->invkind == INVOKE_FUNC          ? ""
+                                 : function->invkind == INVOKE_PROPERTYGET ? "get "
+                                                                           : "put ";
+        members[slot] = std::to_string(slot - standardSlots) + " " + kind + windows::TextOfBstr(name.Get());
+        table->ReleaseFuncDesc(function);
+    }
+    std::vector<std::string> inOrder;
+    for (const auto& [slot, member] : members) {
+        inOrder.push_back(member);
+    }
+    return inOrder;
+}
+
+TEST_F(Table, TheTypeLibraryDescribesEverySlot) {
+    const auto timer = CreateByName(L"OrmFunctionQel4.ClTimming");
+    EXPECT_EQ(
+        MembersByTypeLibrary(object_.Get()),
+        (std::vector<std::string>{"1 QelFuncDemo", "2 ShowFormGetVal", "3 get g_cubeFile", "4 put g_cubeFile",
+                                  "5 get g_CubeName", "6 put g_CubeName", "7 put ResQel", "8 get iShowDetail",
+                                  "9 put iShowDetail", "10 get iLang", "11 put iLang", "12 ShowFormQelName",
+                                  "13 QelName", "14 RetQelName", "15 QeL1", "16 QeLF1"}));
+    EXPECT_EQ(MembersByTypeLibrary(timer.Get()),
+              (std::vector<std::string>{"1 Start", "2 Finish", "3 get ElapsedTime"}));
 }
 
 TEST_F(Table, ATimerMeasuresSeconds) {
