@@ -1,9 +1,9 @@
 #include "calc/OrmQelFunctionAddIn.h"
 
 #include "calc/CellArguments.h"
-#include "calc/FunctionTexts.h"
 #include "calc/ServerResultsOfOffice.h"
 #include "calc/ThreadFunction.h"
+#include "function/FunctionTexts.h"
 #include "platform/data/ConnectionText.h"
 #include "platform/office/OfficeText.h"
 

@@ -1,6 +1,6 @@
 #include "calc/ServerQuestion.h"
 
-#include "calc/FunctionTexts.h"
+#include "function/FunctionTexts.h"
 #include "platform/dialog/calc/OfficeDialogToolkit.h"
 #include "platform/dialog/calc/OfficeMessages.h"
 #include "platform/value/AutomationError.h"

@@ -1,5 +1,8 @@
 #include "calc/SuiteOfUser.h"
 
+#include "calc/ServerQuestion.h"
+#include "calc/ServersOfUser.h"
+#include "calc/ThreadFunction.h"
 #include "platform/settings/files/ConfigFolder.h"
 #include "text/Utf8Path.h"
 
@@ -29,7 +32,15 @@ SuiteOfUser::SuiteOfUser(const office::Context& context)
                    .messages = messages_,
                    .componentFolder = ComponentFolder(),
                    .settingsFolder = PathToUtf8(ConfigFolder())},
-      language_{environment_, tables_}, servers_(windows_, language_),
+      language_{environment_, tables_},
+      servers_({.ask =
+                    [this](const ServerAddress& address) {
+                        AskAboutServer(windows_, *KnownServersOfUser(), address,
+                                       language_.iLang == Language::Hebrew);
+                    },
+                .make = &ServersOfUser,
+                .thread = []() -> ModSetCube::ThreadState& { return FunctionOfThread().state; }},
+               toolkit_, language_),
       services_{toolkit_, language_, &servers_} {}
 
 } // namespace qel::calc

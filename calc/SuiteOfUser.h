@@ -1,6 +1,5 @@
 #pragma once
 
-#include "calc/ServersOfWizards.h"
 #include "lang/ModLangFrm.h"
 #include "platform/database/sqlite/SqliteDatabase.h"
 #include "platform/dialog/calc/OfficeDialogToolkit.h"
@@ -10,6 +9,7 @@
 #include "platform/tables/xml/XmlTableReader.h"
 #include "store/StoreEnvironment.h"
 #include "wizard/WizardContext.h"
+#include "wizard/servers/ServersOfWizards.h"
 
 namespace qel::calc {
 

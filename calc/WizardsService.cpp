@@ -1,13 +1,13 @@
 #include "calc/WizardsService.h"
 
 #include "calc/CallingDocument.h"
-#include "calc/FunctionTexts.h"
-#include "calc/Raised.h"
 #include "calc/ThreadFunction.h"
+#include "function/FunctionTexts.h"
 #include "lines/LinesOfCell.h"
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/office/OfficeText.h"
 #include "platform/sheet/calc/CalcWorkbook.h"
+#include "wizard/Raised.h"
 
 #include <com/sun/star/frame/Desktop.hpp>
 #include <com/sun/star/uno/RuntimeException.hpp>

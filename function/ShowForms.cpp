@@ -31,8 +31,10 @@ WizardContext OrmQelFunction::RequireWizards() const {
         throw AutomationError(notImplemented,
                               "There are no dialogs here: write the formula into the cell itself.");
     }
-    return {context_.thread,           context_.providers,         context_.locale,
-            context_.wizards->toolkit, context_.wizards->language, context_.wizards->servers};
+    WizardServices& wizards = *context_.wizards;
+    return {context_.thread,  wizards.providers.value_or(context_.providers),
+            context_.locale,  wizards.toolkit,
+            wizards.language, wizards.servers};
 }
 
 std::string OrmQelFunction::ShowFormGetVal(const std::shared_ptr<SheetRange>& xlActiveCell) {

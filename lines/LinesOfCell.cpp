@@ -5,6 +5,7 @@
 #include "lines/CallQuestion.h"
 #include "lines/LineSheet.h"
 #include "lines/SheetName.h"
+#include "platform/sheet/SheetTexts.h"
 #include "platform/value/Conversion.h"
 #include "support/ModError.h"
 #include "wizard/CubeFileChoice.h"

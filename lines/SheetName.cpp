@@ -28,15 +28,6 @@ std::string FirstUnits(std::string_view text, std::size_t most) {
 
 } // namespace
 
-std::string CellName(std::int32_t row, std::int32_t column) {
-    constexpr std::int32_t letters = 26;
-    std::string name;
-    for (; column > 0; column = (column - 1) / letters) {
-        name.insert(name.begin(), static_cast<char>('A' + (column - 1) % letters));
-    }
-    return name + std::to_string(row);
-}
-
 std::string SheetNameFor(std::string_view sheet, std::string_view cell,
                          const std::vector<std::string>& taken) {
     std::string legal(sheet);

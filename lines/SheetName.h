@@ -1,14 +1,10 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace qel {
-
-/// "AB7"; row and column are counted from 1.
-std::string CellName(std::int32_t row, std::int32_t column);
 
 /// "Report C5": the name of a sheet that belongs to a cell of another one. It is none of those taken, in any
 /// letter case, has at most 31 UTF-16 units, and no sign that spreadsheets refuse in names.

@@ -5,7 +5,6 @@
 #include "platform/windows/SafeArrayConversion.h"
 #include "platform/windows/VariantConversion.h"
 #include "server/ByReference.h"
-#include "server/Wizards.h"
 
 namespace qel::server {
 
@@ -74,18 +73,20 @@ STDMETHODIMP OrmQelFunctionObject::QelFuncDemo(BSTR* cubeFile, BSTR* CubeName, V
     });
 }
 
+void OrmQelFunctionObject::ShowDialog(const std::function<void()>& dialog) {
+    if (!wizards_) {
+        wizards_ = std::make_unique<Wizards>(*thread_);
+        function_.UseWizards(wizards_->Services());
+    }
+    wizards_->Show(dialog);
+}
+
 STDMETHODIMP OrmQelFunctionObject::ShowFormGetVal(IDispatch** xlActiveCell, BSTR* result) {
-    return Guard([&] {
-        function_.UseWizards(Wizards());
-        Give(function_.ShowFormGetVal(CellOf(xlActiveCell)), result);
-    });
+    return Guard([&] { ShowDialog([&] { Give(function_.ShowFormGetVal(CellOf(xlActiveCell)), result); }); });
 }
 
 STDMETHODIMP OrmQelFunctionObject::ShowFormQelName(IDispatch** xlActiveCell, BSTR* result) {
-    return Guard([&] {
-        function_.UseWizards(Wizards());
-        Give(function_.ShowFormQelName(CellOf(xlActiveCell)), result);
-    });
+    return Guard([&] { ShowDialog([&] { Give(function_.ShowFormQelName(CellOf(xlActiveCell)), result); }); });
 }
 
 STDMETHODIMP OrmQelFunctionObject::get_g_cubeFile(BSTR* result) {

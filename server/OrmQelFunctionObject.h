@@ -5,7 +5,11 @@
 #include "platform/windows/UserLocale.h"
 #include "server/ServerModule.h"
 #include "server/ThreadContext.h"
+#include "server/Wizards.h"
 #include "server/dispatch/AutomationObject.h"
+
+#include <functional>
+#include <memory>
 
 namespace qel::server {
 
@@ -46,8 +50,11 @@ public:
                        BSTR* Opening_Balance, DATE From_Date, DATE To_Date, VARIANT* result) override;
 
 private:
+    void ShowDialog(const std::function<void()>& dialog);
+
     ServerUse use_;
     std::shared_ptr<ModSetCube::ThreadState> thread_;
+    std::unique_ptr<Wizards> wizards_; ///< null until a dialog is shown
     OrmQelFunction function_;
 };
 

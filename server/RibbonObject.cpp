@@ -1,8 +1,11 @@
 #include "server/RibbonObject.h"
 
+#include "function/FunctionTexts.h"
 #include "function/OrmQelFunction.h"
+#include "lines/LinesOfCell.h"
 #include "platform/dialog/win32/SystemMessages.h"
 #include "platform/sheet/automation/AutomationSheet.h"
+#include "platform/sheet/automation/AutomationWorkbook.h"
 #include "platform/windows/Bstr.h"
 #include "platform/windows/DispatchObject.h"
 #include "platform/windows/ProviderFailure.h"
@@ -48,12 +51,10 @@ std::filesystem::path HelpFile() {
 
 } // namespace
 
-const RibbonObject::Callback RibbonObject::callbacks[5] = {
-    {L"OnFunction", &RibbonObject::ShowFunctionWizard},
-    {L"OnName", &RibbonObject::ShowNameWizard},
-    {L"OnEditFormula", &RibbonObject::EditFormula},
-    {L"OnRecalculate", &RibbonObject::Recalculate},
-    {L"OnHelp", &RibbonObject::ShowHelp},
+const RibbonObject::Callback RibbonObject::callbacks[6] = {
+    {L"OnFunction", &RibbonObject::ShowFunctionWizard}, {L"OnName", &RibbonObject::ShowNameWizard},
+    {L"OnEditFormula", &RibbonObject::EditFormula},     {L"OnLines", &RibbonObject::ShowLines},
+    {L"OnRecalculate", &RibbonObject::Recalculate},     {L"OnHelp", &RibbonObject::ShowHelp},
 };
 
 void* RibbonObject::Find(REFIID id) {
@@ -139,33 +140,58 @@ STDMETHODIMP RibbonObject::GetCustomUI(BSTR /*ribbonId*/, BSTR* xml) {
                    [&] { *xml = windows::Bstr(RibbonXml(IsHebrew())).Release(); });
 }
 
-void RibbonObject::WithCell(const std::function<void(OrmQelFunction& object, IDispatch* cell)>& use) const {
+void RibbonObject::WithCell(const std::function<void(IDispatch* cell)>& use) const {
     const DispatchObject application(application_, "Application", windows::macroLocale);
     const windows::OwnedVariant active = application.Property(L"ActiveCell");
     const VARIANT& cell = windows::Dereferenced(active.Get());
     if (V_VT(&cell) != VT_DISPATCH || V_DISPATCH(&cell) == nullptr) {
         return Tell(NoCellText(IsHebrew()));
     }
-    const auto thread = StateOfThread();
-    const Locale locale = windows::UserLocale();
-    OrmQelFunction object({*thread, ProvidersOfMachine(), locale, &Wizards()});
-    use(object, V_DISPATCH(&cell));
+    use(V_DISPATCH(&cell));
+}
+
+void RibbonObject::WithWizards(
+    const std::function<void(OrmQelFunction& object, IDispatch* cell)>& use) const {
+    WithCell([&](IDispatch* cell) {
+        const auto thread = StateOfThread();
+        const Locale locale = windows::UserLocale();
+        Wizards wizards(*thread);
+        OrmQelFunction object({*thread, ProvidersOfMachine(), locale, &wizards.Services()});
+        wizards.Show([&] { use(object, cell); });
+    });
 }
 
 void RibbonObject::ShowFunctionWizard() {
-    WithCell(
+    WithWizards(
         [](OrmQelFunction& object, IDispatch* cell) { object.ShowFormGetVal(windows::SheetRangeOf(cell)); });
 }
 
 void RibbonObject::ShowNameWizard() {
-    WithCell(
+    WithWizards(
         [](OrmQelFunction& object, IDispatch* cell) { object.ShowFormQelName(windows::SheetRangeOf(cell)); });
 }
 
 void RibbonObject::EditFormula() {
-    WithCell([](OrmQelFunction& object, IDispatch* cell) {
+    WithWizards([](OrmQelFunction& object, IDispatch* cell) {
         object.EditFormula(*windows::FormulaCellOf(cell),
                            [](const std::string& cubeFile) { return cubeFile; });
+    });
+}
+
+void RibbonObject::ShowLines() {
+    WithCell([&](IDispatch* active) {
+        ModSetCube::ThreadState own; // the thread's connection stays with the worksheet's cube
+        const Locale locale = windows::UserLocale();
+        Wizards wizards(own);
+        const WizardServices& services = wizards.Services();
+        const WizardContext context{
+            own, *services.providers, locale, services.toolkit, services.language, services.servers};
+        const auto cell = windows::ReadFormulaCellOf(active);
+        const auto book = windows::ActiveWorkbookOf(application_.Get());
+        ShowLinesOfCell(context, {.cell = cell.get(),
+                                  .book = *book,
+                                  .fullPath = [](const std::string& cubeFile) { return cubeFile; },
+                                  .argumentName = &ValueArgumentName});
     });
 }
 

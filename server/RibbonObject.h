@@ -39,18 +39,20 @@ private:
         const wchar_t* name;
         void (RibbonObject::*work)();
     };
-    static const Callback callbacks[5];
+    static const Callback callbacks[6];
 
     void* Find(REFIID id) override;
 
     void ShowFunctionWizard();
     void ShowNameWizard();
     void EditFormula();
+    void ShowLines();
     void Recalculate();
     void ShowHelp();
 
     /// Calls with an object of the worksheet functions and the active cell; says so when there is none.
-    void WithCell(const std::function<void(OrmQelFunction& object, IDispatch* cell)>& use) const;
+    void WithCell(const std::function<void(IDispatch* cell)>& use) const;
+    void WithWizards(const std::function<void(OrmQelFunction& object, IDispatch* cell)>& use) const;
 
     ServerUse use_;
     windows::ComPointer<IDispatch> application_;

@@ -43,6 +43,15 @@ constexpr Button formulaButtons[] = {
      {"Open the wizard that wrote the formula of the cell.", "פתיחת האשף שכתב את הנוסחה של התא."}},
 };
 
+constexpr Button cellButtons[] = {
+    {"qelLines",
+     "OnLines",
+     "TracePrecedents",
+     {"Lines behind it…", "השורות מאחוריו…"},
+     {"Put the ledger lines that the cell's formula adds up into a new sheet.",
+      "הצגת השורות שהנוסחה של התא מסכמת, בגיליון חדש."}},
+};
+
 constexpr Button workbookButtons[] = {
     {"qelRecalculate",
      "OnRecalculate",
@@ -54,6 +63,7 @@ constexpr Button workbookButtons[] = {
 };
 
 constexpr Group groups[] = {{"qelFormulas", {"Formulas", "נוסחאות"}, formulaButtons},
+                            {"qelCell", {"Cell", "תא"}, cellButtons},
                             {"qelWorkbook", {"Workbook", "חוברת עבודה"}, workbookButtons}};
 
 std::string Markup(const Button& button, bool isHebrew) {

@@ -127,13 +127,20 @@ bool Ask(const std::string& server, Answers& answers) {
     return isAllowed;
 }
 
-bool IsAllowed(const std::string& server) {
+Answers& AnswersOfProcess() {
     static Answers answers;
-    if (const auto answer = answers.Of(server)) {
-        return *answer;
-    }
-    if (const auto answer = IsAllowedByFile(server)) {
-        return *answer;
+    return answers;
+}
+
+/// What the user answered or servers.ini says.
+std::optional<bool> DecisionOn(const std::string& server) {
+    const auto answer = AnswersOfProcess().Of(server);
+    return answer ? answer : IsAllowedByFile(server);
+}
+
+bool IsAllowed(const std::string& server) {
+    if (const auto decision = DecisionOn(server)) {
+        return *decision;
     }
     if (!CanAskPerson()) {
         throw AutomationError(
@@ -144,15 +151,25 @@ bool IsAllowed(const std::string& server) {
                 "section [{0}] of {1}.",
                 OnOneShownLine(server), PathToUtf8(ServersFile())));
     }
-    return answers.Begin(server) && Ask(server, answers);
+    return AnswersOfProcess().Begin(server) && Ask(server, AnswersOfProcess());
+}
+
+ServerRights RightsOf(const ServerAddress& address, bool isAllowed) {
+    ServerRights rights = KnownServers(ServersFile()).RightsOf(address);
+    rights.access = isAllowed ? ServerAccess::Allowed : ServerAccess::Refused;
+    return rights;
 }
 
 } // namespace
 
 ServerRights RightsByPerson(const ServerAddress& address) {
-    ServerRights rights = KnownServers(ServersFile()).RightsOf(address);
-    rights.access = IsAllowed(address.origin) ? ServerAccess::Allowed : ServerAccess::Refused;
-    return rights;
+    return RightsOf(address, IsAllowed(address.origin));
+}
+
+void AskAboutServer(const ServerAddress& address) { static_cast<void>(IsAllowed(address.origin)); }
+
+ServerRights RightsByAnswer(const ServerAddress& address) {
+    return RightsOf(address, DecisionOn(address.origin).value_or(false));
 }
 
 void RequireAllowedServer(const std::string& connectionText) {

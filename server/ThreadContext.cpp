@@ -3,31 +3,44 @@
 #include "platform/data/ado/AdoDataAccess.h"
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/data/embedded/EmbeddedDataAccess.h"
+#include "platform/data/xmla/XmlaDataAccess.h"
 #include "platform/data/xmla/settings/ConfiguredServers.h"
 #include "platform/data/xmla/settings/ServerSettings.h"
 #include "platform/windows/WindowsApi.h"
 #include "server/ServerPermission.h"
 
+#include <functional>
 #include <map>
 #include <mutex>
+#include <utility>
 
 namespace qel::server {
 
 namespace {
 
-ServerOptions OptionsOfServers() {
+ServerOptions OptionsOfServers(std::function<ServerRights(const ServerAddress&)> rights) {
     ServerOptions options = ReadServerOptions(std::make_shared<KnownServers>(ServerSettingsFile()));
-    options.rights = RightsByPerson;
+    options.rights = std::move(rights);
     return options;
 }
 
 } // namespace
 
 Providers ProvidersOfMachine() {
+    static ConfiguredServers servers([] { return OptionsOfServers(RightsByPerson); });
+    return ProvidersOfMachine(servers);
+}
+
+Providers ProvidersOfMachine(DataAccess& servers) {
     static EmbeddedDataAccess cubeFiles;
-    static ConfiguredServers servers(OptionsOfServers);
     static windows::AdoDataAccess machine(RequireAllowedServer);
     return ChooseProvider(cubeFiles, &servers, &machine);
+}
+
+std::unique_ptr<DataAccess> ServersOfDialogs(const std::shared_ptr<const std::atomic<bool>>& isStopped) {
+    ServerOptions options = OptionsOfServers(RightsByAnswer);
+    options.isStopped = isStopped;
+    return std::make_unique<XmlaDataAccess>(std::move(options));
 }
 
 // Keyed by thread id instead of thread_local: the compiler's runtime frees thread-local memory before it

@@ -9,7 +9,7 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 PORTS = ("text platform/value platform/data platform/settings platform/database platform/tables platform/dialog"
          " platform/sheet")
-PRODUCT = "text platform/* engine/include support store lang cube wizard function function/formula reason lines batch"
+PRODUCT = "text platform/* engine/include support store lang cube wizard wizard/servers function function/formula reason lines batch"
 # Folders, and what they may include besides themselves; ".." is the folder above. The first row that fits counts.
 MAY_INCLUDE = {
     "text": "",
@@ -30,6 +30,7 @@ MAY_INCLUDE = {
     "lang": f"{PORTS} support store",
     "cube": f"{PORTS} support",
     "wizard": f"{PORTS} support store lang cube",
+    "wizard/servers": f"{PORTS} platform/data/waiting platform/data/xmla support lang cube wizard",
     "function/formula": "text platform/value cube",
     "function": f"{PORTS} support store lang cube wizard function/formula",
     "reason": f"{PORTS} support store lang cube wizard function function/formula",

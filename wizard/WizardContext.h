@@ -6,13 +6,16 @@
 #include "platform/dialog/DialogToolkit.h"
 #include "wizard/WizardServers.h"
 
+#include <optional>
+
 namespace qel {
 
 /// The dialogs' services, provided by a door. It outlives every object of the component.
 struct WizardServices {
     DialogToolkit& toolkit;
-    ModLangFrm::LanguageState& language; ///< with the store's settings, local database and message boxes
-    WizardServers* servers = nullptr;    ///< null where the wizards take cube files only
+    ModLangFrm::LanguageState& language;     ///< with the store's settings, local database and message boxes
+    WizardServers* servers = nullptr;        ///< null where the wizards take cube files only
+    std::optional<Providers> providers = {}; ///< of the dialogs, in place of the cells'
 };
 
 /// What a dialog works with.

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <span>
@@ -111,6 +112,8 @@ public:
     virtual void ShowModal() = 0;
     /// Ends ShowModal. The controls keep their state and can be read.
     virtual void Hide() = 0;
+    /// A call of Hide that every thread may make at any time; it does nothing once the dialog is gone.
+    virtual std::function<void()> Hider() = 0;
     /// Captions, tool tips and font; the layout follows the font.
     virtual TranslatableForm& Texts() = 0;
     /// The file that F1 opens.

@@ -14,6 +14,13 @@ OwnedVariant ToArgument(std::string_view text) { return ToAutomation(std::string
 
 OwnedVariant ToArgument(std::int32_t number) { return ToAutomation(number); }
 
+OwnedVariant MissingArgument() {
+    OwnedVariant argument;
+    V_VT(&argument.Get()) = VT_ERROR;
+    V_ERROR(&argument.Get()) = DISP_E_PARAMNOTFOUND;
+    return argument;
+}
+
 OwnedVariant ToArgument(const DispatchObject& object) {
     OwnedVariant argument;
     V_VT(&argument.Get()) = VT_DISPATCH;

@@ -17,6 +17,8 @@ using CallArguments = std::vector<OwnedVariant>;
 /// Makes arguments of texts, numbers and objects: ArgumentList(1, "text", object).
 OwnedVariant ToArgument(std::string_view text);
 OwnedVariant ToArgument(std::int32_t number);
+/// In the place of an optional argument.
+OwnedVariant MissingArgument();
 
 template <class... Values>
 CallArguments ArgumentList(const Values&... values) {

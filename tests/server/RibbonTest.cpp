@@ -1,6 +1,7 @@
 #include "platform/windows/Bstr.h"
 #include "server/OfficeInterfaces.h"
 #include "tests/helpers/TemporaryFolder.h"
+#include "tests/helpers/automation/RecordedObject.h"
 #include "tests/helpers/automation/SheetObject.h"
 #include "tests/platform/dialog/win32/BoxReader.h"
 #include "tests/platform/dialog/win32/Person.h"
@@ -11,6 +12,8 @@
 
 #include <gmock/gmock.h>
 #include <pugixml.hpp>
+
+#include <sstream>
 
 // The ribbon, loaded and used as Excel does.
 
@@ -100,7 +103,7 @@ TEST_F(Ribbon, HasThePublishedStructureInBothLanguages) {
         }
         EXPECT_STREQ(document.select_node("//group/@label").attribute().value(), group);
         const pugi::xpath_node_set callbacks = document.select_nodes("//button/@onAction");
-        EXPECT_EQ(callbacks.size(), 5U);
+        EXPECT_EQ(callbacks.size(), 6U);
         for (const pugi::xpath_node& callback : callbacks) {
             EXPECT_NE(BoxAfter(callback.attribute().value()), "") << "without Excel, each says so";
         }
@@ -128,6 +131,32 @@ TEST_F(Ribbon, TellsWhatAButtonFailsWithAndLetsExcelGo) {
     EXPECT_EQ(addIn_->OnBeginShutdown(nullptr), S_OK);
     application->AddRef();
     EXPECT_EQ(application->Release(), 1U) << "nothing but the test refers to it";
+}
+
+TEST_F(Ribbon, PutsTheLinesBehindACellIntoASheet) {
+    const auto record = std::make_shared<ObjectRecord>();
+    record->values = {
+        {"ActiveCell.Row", std::int32_t{3}},
+        {"ActiveCell.Column", std::int32_t{2}},
+        {"ActiveCell.HasFormula", true},
+        {"ActiveCell.HasArray", false},
+        {"ActiveCell.Locked", true}, // a protected sheet can be read
+        {"ActiveCell.Worksheet.ProtectContents", true},
+        {"ActiveCell.Formula2",
+         std::string(
+             "=1+OrmFunctionQel4.OrmQelFunction.QelF1(\"" QEL_TEST_CUBE
+             "\",\"LedgerFNC\",{\"OBS\"},{\"1\"},{\"All\"},{\"All\"},{\"All\"},\"SuperSum1\",\"4\",\"All\","
+             "\"Amount\",\"All\",\"All\",\"All\",\"All\",\"All\",DATE(2024,1,1),DATE(2024,1,31))")},
+        {"ActiveWorkbook.ProtectStructure", false},
+        {"ActiveWorkbook.Sheets.Count", std::int32_t{1}},
+        {"ActiveWorkbook.Sheets.Item(1).Name", std::string("Report")},
+        {"ActiveWorkbook.ActiveSheet.Name", std::string("Report")},
+    };
+    EXPECT_EQ(addIn_->OnConnection(RecordedObject(record).Get(), 0, object_.Get(), nullptr), S_OK);
+    EXPECT_EQ(BoxAfter("OnLines"), "");
+    for (auto& l : record->lines) {
+        std::cout << l << std::endl;
+    }
 }
 
 TEST_F(Ribbon, ShowsTheWizardsOnTheActiveCell) {

@@ -59,6 +59,9 @@ OfficeDialog::OfficeDialog(OfficeWindows& windows, const FormDesign& design, boo
 
 OfficeDialog::~OfficeDialog() {
     later_->Silence();
+    if (hider_.is()) {
+        hider_->Silence();
+    }
     for (const auto& listener : listeners_) {
         listener->Silence();
     }
@@ -145,6 +148,18 @@ void OfficeDialog::ShowModal() {
             Events().OnQueryUnload();
         }
     });
+}
+
+std::function<void()> OfficeDialog::Hider() {
+    if (!hider_.is()) {
+        hider_ = new LaterCall([this] { Hide(); });
+    }
+    return [hider = hider_, office = windows_.Office()] {
+        try {
+            hider->Post(office);
+        } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office ends
+        }
+    };
 }
 
 void OfficeDialog::Hide() {

@@ -24,6 +24,7 @@ public:
 
     void ShowModal() override;
     void Hide() override;
+    std::function<void()> Hider() override;
     /// The office cannot open this kind of help file.
     void SetHelpFile(const std::string& /*path*/) override {}
     void SetEnabled(std::string_view control, bool isEnabled) override;
@@ -66,6 +67,7 @@ private:
     com::sun::star::uno::Reference<com::sun::star::awt::XControl> window_;
     std::vector<rtl::Reference<ControlListener>> listeners_;
     rtl::Reference<LaterCall> later_;
+    rtl::Reference<LaterCall> hider_;  ///< null until it is needed
     OfficeControl* focused_ = nullptr; ///< the control that had the focus last
     /// The one that took it, unless it came with Tab: the mouse may be down on it.
     const OfficeControl* clicked_ = nullptr;

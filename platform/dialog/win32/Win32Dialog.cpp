@@ -17,6 +17,7 @@ namespace qel::windows {
 namespace {
 
 constexpr UINT tellWaiting = WM_APP + 1;
+constexpr UINT hideDialog = WM_APP + 2;
 constexpr UINT_PTR whileButtonIsHeld = 1; ///< a timer
 constexpr UINT timeBetweenLooks = 15;     ///< ms
 
@@ -79,6 +80,10 @@ void Win32Dialog::ShowModal() {
         }
     });
     waiting_.clear();
+}
+
+std::function<void()> Win32Dialog::Hider() {
+    return [window = frame_.Window()] { ::PostMessageW(window, hideDialog, 0, 0); };
 }
 
 DialogControl* Win32Dialog::WithId(int id) const {
@@ -147,6 +152,9 @@ std::optional<LRESULT> Win32Dialog::OnMessage(UINT message, WPARAM word, LPARAM 
     case tellWaiting:
     case WM_TIMER:
         TellWaitingWhenReleased();
+        return 0;
+    case hideDialog:
+        Hide();
         return 0;
     case WM_HELP:
         ShowHelp();
@@ -257,8 +265,8 @@ void Win32Dialog::Wait(Waiting::Kind kind, DialogControl& control) {
 
 void Win32Dialog::TellWaitingWhenReleased() {
     // While the mouse button is down, a handler's message box would swallow the click. The click itself
-    // raises the waiting events.
-    if (IsButtonHeld()) {
+    // raises the waiting events. The handler that shows a box has not ended.
+    if (IsButtonHeld() || IsBehindBox()) {
         ::SetTimer(frame_.Window(), whileButtonIsHeld, timeBetweenLooks, nullptr);
         return;
     }

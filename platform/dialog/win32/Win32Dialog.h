@@ -4,6 +4,7 @@
 #include "platform/dialog/win32/DialogControl.h"
 #include "platform/dialog/win32/DialogFrame.h"
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -20,6 +21,7 @@ public:
 
     void ShowModal() override;
     void Hide() override { frame_.End(); }
+    std::function<void()> Hider() override;
     void SetHelpFile(const std::string& path) override { helpFile_ = path; }
     void SetEnabled(std::string_view control, bool isEnabled) override;
     void SetFocus(std::string_view control) override;
@@ -47,6 +49,7 @@ private:
     void Wait(Waiting::Kind kind, DialogControl& control);
     void TellWaitingWhenReleased();
     bool IsButtonHeld() const;
+    bool IsBehindBox() const { return frame_.IsRunning() && ::IsWindowEnabled(frame_.Window()) == FALSE; }
     /// False when a handler moved the focus back to the field that was left, or shows something new.
     bool TellWaiting();
     bool HasLeft(const DialogControl& control) const;

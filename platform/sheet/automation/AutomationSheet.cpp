@@ -22,7 +22,8 @@ bool IsTrue(const DispatchObject& object, const wchar_t* property) {
 
 class AutomationRange : public FormulaCell {
 public:
-    explicit AutomationRange(DispatchObject range) : range_(std::move(range)) {}
+    explicit AutomationRange(DispatchObject range, bool isReadOnly = false)
+        : range_(std::move(range)), isReadOnly_(isReadOnly) {}
 
     const DispatchObject& Object() const { return range_; }
 
@@ -43,7 +44,8 @@ public:
     }
 
     std::string Formula() const override {
-        if (IsTrue(range_, L"Locked") && IsTrue(range_.Child(L"Worksheet"), L"ProtectContents")) {
+        if (!isReadOnly_ && IsTrue(range_, L"Locked") &&
+            IsTrue(range_.Child(L"Worksheet"), L"ProtectContents")) {
             throw AutomationError(applicationDefinedError, "The cell is protected.", "Excel");
         }
         const bool isOwn = IsTrue(range_, L"HasFormula") && !IsTrue(range_, L"HasArray");
@@ -76,6 +78,7 @@ private:
     }
 
     DispatchObject range_;
+    bool isReadOnly_; ///< then a protected cell does, too
 };
 
 class AutomationApplication : public SheetApplication {
@@ -110,6 +113,11 @@ std::shared_ptr<SheetRange> SheetRangeOf(IDispatch* cell) { return FormulaCellOf
 std::shared_ptr<FormulaCell> FormulaCellOf(IDispatch* cell) {
     return std::make_shared<AutomationRange>(
         DispatchObject(ComPointer<IDispatch>(cell), "Range", macroLocale));
+}
+
+std::shared_ptr<FormulaCell> ReadFormulaCellOf(IDispatch* cell) {
+    return std::make_shared<AutomationRange>(
+        DispatchObject(ComPointer<IDispatch>(cell), "Range", macroLocale), true);
 }
 
 } // namespace qel::windows

@@ -11,4 +11,7 @@ std::shared_ptr<SheetRange> SheetRangeOf(IDispatch* cell);
 /// The same, to edit its formula.
 std::shared_ptr<FormulaCell> FormulaCellOf(IDispatch* cell);
 
+/// The same, to read its formula, which may be protected.
+std::shared_ptr<FormulaCell> ReadFormulaCellOf(IDispatch* cell);
+
 } // namespace qel::windows

@@ -2,8 +2,7 @@
 
 #include "platform/office/OfficeText.h"
 #include "platform/office/OtherInterface.h"
-
-#include <fmt/format.h>
+#include "platform/sheet/SheetTexts.h"
 
 #include <algorithm>
 #include <cmath>
@@ -111,33 +110,8 @@ void SetBold(const uno::Reference<XPropertySet>& properties) {
     }
 }
 
-rtl::OUString FormatCode(const CellFormat& format) {
-    switch (format.kind) {
-    case CellFormat::Kind::Number:
-        return ToOffice("#,##0" + (format.decimals > 0
-                                       ? '.' + std::string(static_cast<std::size_t>(format.decimals), '0')
-                                       : std::string()));
-    case CellFormat::Kind::Day:
-        return ToOffice("YYYY-MM-DD");
-    case CellFormat::Kind::Month:
-        return ToOffice("YYYY-MM");
-    default:
-        return ToOffice("@");
-    }
-}
-
-std::string ColumnName(sal_Int32 column) {
-    constexpr sal_Int32 letters = 26;
-    std::string name;
-    for (++column; column > 0; column = (column - 1) / letters) {
-        name.insert(name.begin(), static_cast<char>('A' + (column - 1) % letters));
-    }
-    return name;
-}
-
 rtl::OUString SumOf(const table::CellRangeAddress& range) {
-    return ToOffice(fmt::format("=SUM({}{}:{}{})", ColumnName(range.StartColumn), range.StartRow + 1,
-                                ColumnName(range.EndColumn), range.EndRow + 1));
+    return ToOffice(SumFormula(range.StartColumn + 1, range.StartRow + 1, range.EndRow + 1));
 }
 
 } // namespace
@@ -186,7 +160,7 @@ void CalcTable::Format(const Range& range, const CellFormat& format) const {
     com::sun::star::lang::Locale own;
     As<XPropertySet>(document_)->getPropertyValue("CharLocale") >>= own;
     const auto formats = As<util::XNumberFormatsSupplier>(document_)->getNumberFormats();
-    const sal_Int32 key = formats->addNewConverted(FormatCode(format), english, own);
+    const sal_Int32 key = formats->addNewConverted(ToOffice(FormatCode(format)), english, own);
     As<XPropertySet>(range)->setPropertyValue("NumberFormat", uno::Any(key));
 }
 

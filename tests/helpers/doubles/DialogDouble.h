@@ -50,6 +50,10 @@ public:
     /// Loads the dialog, lets the person act, and uses the close box unless the dialog is hidden already.
     void ShowModal() override;
     void Hide() override { isHidden_ = true; }
+    /// The person alone closes the double.
+    std::function<void()> Hider() override {
+        return [] {};
+    }
     TranslatableForm& Texts() override { return *this; }
     void SetHelpFile(const std::string& path) override { helpFile_ = path; }
     void SetEnabled(std::string_view control, bool isEnabled) override { At(control).isEnabled = isEnabled; }

@@ -9,9 +9,12 @@
 #include "tests/server/LedgerCall.h"
 #include "text/Utf8Path.h"
 #include "wizard/FunctionFormDesign.h"
+#include "wizard/servers/ServerWait.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <winsock2.h>
 
 namespace qel::test {
 namespace {
@@ -50,6 +53,62 @@ protected:
     ProviderDoubles doubles_;
     ComPointer<IDispatch> object_ = CreateByName(L"OrmFunctionQel4.OrmQelFunction");
 };
+
+/// A server on this machine that takes connections and never answers.
+class SilentServer {
+public:
+    SilentServer() {
+        WSADATA details = {};
+        ::WSAStartup(MAKEWORD(2, 2), &details);
+        socket_ = ::socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in place = {};
+        place.sin_family = AF_INET;
+        place.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
+        int size = sizeof(place);
+        auto* const address = reinterpret_cast<sockaddr*>(&place);
+        ::bind(socket_, address, size);
+        ::listen(socket_, SOMAXCONN);
+        ::getsockname(socket_, address, &size);
+        port_ = ::ntohs(place.sin_port);
+    }
+    ~SilentServer() {
+        ::closesocket(socket_);
+        ::WSACleanup();
+    }
+    SilentServer(const SilentServer&) = delete;
+    SilentServer& operator=(const SilentServer&) = delete;
+
+    std::string Origin() const { return "http://127.0.0.1:" + std::to_string(port_); }
+
+private:
+    SOCKET socket_ = INVALID_SOCKET;
+    u_short port_ = 0;
+};
+
+TEST_F(ServedWizard, ReactsWhileAServerIsSilent) {
+    const SilentServer server;
+    EXPECT_EQ(Call([&] {
+                  const Person person(FunctionFormDesign());
+                  TypePath(person, server.Origin() + "/xmla");
+                  Box(IDYES);
+                  Box(IDNO); // to be remembered
+                  for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
+                      const Person waiting(ServerWaitDesign());
+                      EXPECT_EQ(waiting.Read("TxtServer"), server.Origin());
+                      EXPECT_FALSE(::IsWindowEnabled(person.Dialog()));
+                      waiting.Key("CmdCancel", key);
+                      EXPECT_THAT(Box(),
+                                  HasSubstr("The request to " + server.Origin() + "/xmla was cancelled."));
+                      person.Expect(cboDatabaseList, "");
+                      if (key == VK_ESCAPE) {
+                          person.Click(CmdOK); // asks the same address again
+                      }
+                  }
+                  person.Click(CmdCancel);
+                  person.ExpectGone();
+              }),
+              " ");
+}
 
 TEST_F(ServedWizard, AsksThenFillsCalculatesWritesAndRemembers) {
     const std::string text = Call([&] {

@@ -49,7 +49,9 @@ bool IsOf(const FormDesign& design, HWND window) {
             return false;
         }
     }
-    return true;
+    constexpr int firstId = 100;
+    const int next = firstId + static_cast<int>(design.controls.size());
+    return ::GetDlgItem(window, next) == nullptr; // which another design with the same first controls has
 }
 
 struct WindowSearch {

@@ -1,24 +1,25 @@
-#include "calc/FunctionTexts.h"
+#include "function/FunctionTexts.h"
 
 #include "text/CaseFold.h"
 
 #include <algorithm>
 #include <array>
 
-namespace qel::calc {
+namespace qel {
 
 namespace {
 
-constexpr ArgumentTexts cubeFile = {
+constexpr ArgumentTexts cubeFileText = {
     {"cubeFile", "קובץ קוביה"},
     {"The path of the cube file; a relative one counts from this document's folder, then from the current "
      "one.",
      "נתיב קובץ הקוביה; נתיב יחסי נמדד מתיקיית המסמך, ואם אין בה קובץ כזה - מהתיקייה הנוכחית."}};
-constexpr ArgumentTexts cubeName = {{"CubeName", "שם קוביה"}, {"The cube in the file.", "שם הקוביה שבקובץ."}};
+constexpr ArgumentTexts cubeNameText = {{"CubeName", "שם קוביה"},
+                                        {"The cube in the file.", "שם הקוביה שבקובץ."}};
 
-constexpr std::array valueArguments = {
-    cubeFile,
-    cubeName,
+constexpr std::array argumentsOfValues = {
+    cubeFileText,
+    cubeNameText,
     ArgumentTexts{{"ObsName", "שם OBS"},
                   {"The OBS structure, such as {\"OBS\"} or a cell that holds its name.",
                    "מבנה ה-OBS, כגון {\"OBS\"} או תא שמכיל את שמו."}},
@@ -57,8 +58,8 @@ constexpr std::array valueArguments = {
     ArgumentTexts{{"To_Date", "עד תאריך"},
                   {"The last day of the periods to add up.", "היום האחרון של התקופות שיסוכמו."}}};
 
-constexpr std::array nameArguments = {
-    cubeFile, cubeName,
+constexpr std::array argumentsOfNames = {
+    cubeFileText, cubeNameText,
     ArgumentTexts{{"DimType", "סוג סעיף"},
                   {"The level of summary groups: \"SuperSum1\", \"SuperSum2\" or \"SuperSum3\".",
                    "רמת הסעיפים: \"SuperSum1\",‏ \"SuperSum2\" או \"SuperSum3\"."}},
@@ -74,10 +75,10 @@ constexpr Bilingual nameHelp = {"The name of a summary group; \"-\" when there i
                                 "שם הסעיף; \"-\" כשאין סעיף כזה."};
 
 constexpr std::array functions = {
-    FunctionTexts{"QelF1", "OrmFunctionQel4.OrmQelFunction.QelF1", valueHelp, valueArguments},
-    FunctionTexts{"QeL1", "OrmFunctionQel4.OrmQelFunction.QeL1", valueHelp, valueArguments},
-    FunctionTexts{"QelName", "OrmFunctionQel4.OrmQelFunction.QelName", nameHelp, nameArguments},
-    FunctionTexts{"RetQelName", "OrmFunctionQel4.OrmQelFunction.RetQelName", nameHelp, nameArguments}};
+    FunctionTexts{"QelF1", "OrmFunctionQel4.OrmQelFunction.QelF1", valueHelp, argumentsOfValues},
+    FunctionTexts{"QeL1", "OrmFunctionQel4.OrmQelFunction.QeL1", valueHelp, argumentsOfValues},
+    FunctionTexts{"QelName", "OrmFunctionQel4.OrmQelFunction.QelName", nameHelp, argumentsOfNames},
+    FunctionTexts{"RetQelName", "OrmFunctionQel4.OrmQelFunction.RetQelName", nameHelp, argumentsOfNames}};
 
 template <class Matches>
 const FunctionTexts* Find(const Matches& matches) {
@@ -90,7 +91,7 @@ const FunctionTexts* Find(const Matches& matches) {
 const Bilingual categoryName = {"Add-In", "תוספת"};
 
 std::string ValueArgumentName(std::size_t argument, bool isHebrew) {
-    return valueArguments.at(argument).name.In(isHebrew);
+    return argumentsOfValues.at(argument).name.In(isHebrew);
 }
 
 const FunctionTexts* FindByMethod(std::string_view method) {
@@ -101,4 +102,4 @@ const FunctionTexts* FindByFullName(std::string_view fullName) {
     return Find([&](const FunctionTexts& texts) { return EqualIgnoringCase(texts.fullName, fullName); });
 }
 
-} // namespace qel::calc
+} // namespace qel

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace qel::calc {
+namespace qel {
 
 /// A flag is true while one lives.
 class Raised {
@@ -14,4 +14,4 @@ private:
     bool& flag_;
 };
 
-} // namespace qel::calc
+} // namespace qel

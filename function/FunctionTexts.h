@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace qel::calc {
+namespace qel {
 
 /// A text in the two languages of the suite.
 struct Bilingual {
@@ -37,4 +37,4 @@ const FunctionTexts* FindByMethod(std::string_view method);
 /// Compares as formulas do, without regard to letter case.
 const FunctionTexts* FindByFullName(std::string_view fullName);
 
-} // namespace qel::calc
+} // namespace qel

@@ -1,53 +1,45 @@
-#include "calc/ServersOfWizards.h"
+#include "wizard/servers/ServersOfWizards.h"
 
-#include "calc/Raised.h"
-#include "calc/ServerQuestion.h"
-#include "calc/ServerWait.h"
-#include "calc/ServersOfUser.h"
 #include "platform/data/ConnectionText.h"
 #include "platform/data/xmla/ServerErrors.h"
-#include "platform/dialog/calc/LaterCall.h"
+#include "wizard/Raised.h"
+#include "wizard/servers/RequestEnd.h"
+#include "wizard/servers/ServerWait.h"
 
 #include <algorithm>
-#include <com/sun/star/uno/Exception.hpp>
 #include <exception>
-#include <functional>
 #include <future>
-#include <rtl/ref.hxx>
+#include <utility>
 
-namespace qel::calc {
+namespace qel {
 
 namespace {
 
-/// So long the office waits for one request without a box, which would only flash.
+/// So long the program waits for one request without a box, which would only flash.
 constexpr auto shortWait = std::chrono::milliseconds(300);
 /// So long it waits for all requests of an action before it shows boxes earlier.
 constexpr auto actionWait = std::chrono::milliseconds(1000);
 constexpr auto shortestWait = std::chrono::milliseconds(50);
 
-/// Says that a request has ended, as long as it lives.
-class SilencedLater {
+/// While one lives, the thread has a connection of its own, and the one before is left alone.
+class ConnectionSetAside {
 public:
-    explicit SilencedLater(std::function<void()> call) : later_(new office::LaterCall(std::move(call))) {}
-    ~SilencedLater() { later_->Silence(); }
-    SilencedLater(const SilencedLater&) = delete;
-    SilencedLater& operator=(const SilencedLater&) = delete;
-
-    void Post(const office::Context& context) const noexcept {
-        try {
-            later_->Post(context);
-        } catch (const com::sun::star::uno::Exception&) { // NOLINT(bugprone-empty-catch): the office ends
-        }
-    }
+    explicit ConnectionSetAside(ModSetCube::ThreadState& thread)
+        : thread_(thread), state_(std::exchange(thread, {})) {}
+    ~ConnectionSetAside() { thread_ = std::move(state_); }
+    ConnectionSetAside(const ConnectionSetAside&) = delete;
+    ConnectionSetAside& operator=(const ConnectionSetAside&) = delete;
 
 private:
-    rtl::Reference<office::LaterCall> later_;
+    ModSetCube::ThreadState& thread_;
+    ModSetCube::ThreadState state_;
 };
 
 } // namespace
 
-ServersOfWizards::ServersOfWizards(office::OfficeWindows& windows, const ModLangFrm::LanguageState& language)
-    : windows_(windows), language_(language),
+ServersOfWizards::ServersOfWizards(WizardServerDoor door, DialogToolkit& toolkit,
+                                   const ModLangFrm::LanguageState& language)
+    : door_(std::move(door)), toolkit_(toolkit), language_(language),
       access_([this]() -> DataAccess& { return Servers(); },
               {.opening = [this](const std::string& text) { AskWhetherAllowed(text); },
                .run = [this](const std::function<void()>& request) { Run(request); }}) {}
@@ -61,7 +53,7 @@ void ServersOfWizards::BeginAction() {
 
 DataAccess& ServersOfWizards::Servers() {
     if (!servers_) {
-        servers_ = ServersOfUser(isStopped_);
+        servers_ = door_.make(isStopped_);
     }
     return *servers_;
 }
@@ -76,7 +68,7 @@ void ServersOfWizards::AskWhetherAllowed(const std::string& connectionText) {
     RequireIdle();
     const ServerAddress address = ParseServerAddress(ParseConnectionText(connectionText).dataSource);
     server_ = address.origin;
-    AskAboutServer(windows_, *KnownServersOfUser(), address, IsHebrew());
+    door_.ask(address);
 }
 
 void ServersOfWizards::Run(const std::function<void()>& request) {
@@ -87,7 +79,7 @@ void ServersOfWizards::Run(const std::function<void()>& request) {
     }
     const Raised running(isRunning_);
     try {
-        RunBesideOffice(request);
+        RunBesideDialogs(request);
     } catch (const AutomationError& error) {
         if (IsLostServer(error)) {
             lost_ = error;
@@ -96,14 +88,8 @@ void ServersOfWizards::Run(const std::function<void()>& request) {
     }
 }
 
-void ServersOfWizards::RunBesideOffice(const std::function<void()>& request) {
-    std::optional<ServerWait> box;
-    std::atomic<bool> hasEnded = false, isBoxShown = false;
-    const SilencedLater end([&box] {
-        if (box) {
-            box->End();
-        }
-    });
+void ServersOfWizards::RunBesideDialogs(const std::function<void()>& request) {
+    RequestEnd end;
     *isStopped_ = false;
     // Its destructor waits for the request.
     auto running = std::async(std::launch::async, [&] {
@@ -113,10 +99,7 @@ void ServersOfWizards::RunBesideOffice(const std::function<void()>& request) {
         } catch (...) {
             failure = std::current_exception();
         }
-        hasEnded = true;
-        if (isBoxShown) {
-            end.Post(windows_.Office());
-        }
+        end.Come();
         if (failure) {
             std::rethrow_exception(failure);
         }
@@ -127,21 +110,25 @@ void ServersOfWizards::RunBesideOffice(const std::function<void()>& request) {
     waited_ +=
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - began);
     if (!isQuick) {
-        try {
-            box.emplace(windows_, server_, IsHebrew());
-            isBoxShown = true;
-            if (!hasEnded) {
-                box->Show();
-            }
-        } catch (...) {
-            *isStopped_ = true;
-            throw;
-        }
-        if (!hasEnded) { // the person does not want to wait
-            *isStopped_ = true;
-        }
+        ShowBoxUntil(end);
     }
     running.get();
 }
 
-} // namespace qel::calc
+void ServersOfWizards::ShowBoxUntil(RequestEnd& end) {
+    try {
+        ServerWait box(toolkit_, language_, server_);
+        if (end.CallThen(box.Ender())) {
+            const ConnectionSetAside connection(door_.thread());
+            box.Show();
+        }
+    } catch (...) {
+        *isStopped_ = true;
+        throw;
+    }
+    if (!end.HasCome()) { // the person does not want to wait
+        *isStopped_ = true;
+    }
+}
+
+} // namespace qel

@@ -1,14 +1,16 @@
-#include "calc/ServerWait.h"
+#include "wizard/servers/ServerWait.h"
 
-#include "calc/FunctionTexts.h"
+#include "support/ModError.h"
 
-namespace qel::calc {
+namespace qel {
 
 namespace {
 
 constexpr const char* waitingLabel = "LabelWaiting";
 constexpr const char* askedServer = "TxtServer";
 constexpr const char* cancelWaiting = "CmdCancel";
+constexpr std::int32_t waitingText = 1557;
+constexpr std::int32_t cancelText = 1558;
 
 constexpr ControlDesign waitControls[] = {
     {.name = waitingLabel, .kind = ControlKind::Label, .place = {8, 8, 204, 10}},
@@ -17,22 +19,22 @@ constexpr ControlDesign waitControls[] = {
 };
 
 constexpr FormDesign waitDesign = {.name = "frmServerWait",
-                                   .caption = "OrmFuncQel4",
+                                   .caption = componentName,
                                    .width = 220,
                                    .height = 64,
                                    .controls = waitControls,
                                    .cancelButton = cancelWaiting};
 
-constexpr Bilingual waitingText = {"Waiting for this server.", "ממתינים לשרת הזה."};
-constexpr Bilingual cancelText = {"Cancel", "ביטול"};
-
 } // namespace
 
-ServerWait::ServerWait(office::OfficeWindows& windows, const std::string& server, bool isHebrew)
-    : dialog_(office::OfficeDialogToolkit(windows).NewDialog(waitDesign, isHebrew, *this)) {
-    dialog_->SetText(waitingLabel, waitingText.In(isHebrew));
+const FormDesign& ServerWaitDesign() { return waitDesign; }
+
+ServerWait::ServerWait(DialogToolkit& toolkit, const ModLangFrm::LanguageState& language,
+                       const std::string& server)
+    : dialog_(toolkit.NewDialog(waitDesign, language.iLang == Language::Hebrew, *this)) {
+    dialog_->SetText(waitingLabel, ModLangFrm::GetOwnString(language, waitingText));
     dialog_->SetText(askedServer, server);
-    dialog_->SetText(cancelWaiting, cancelText.In(isHebrew));
+    dialog_->SetText(cancelWaiting, ModLangFrm::GetOwnString(language, cancelText));
 }
 
-} // namespace qel::calc
+} // namespace qel

@@ -1,27 +1,44 @@
 #pragma once
 
+#include "cube/ThreadState.h"
 #include "lang/ModLangFrm.h"
 #include "platform/data/waiting/WaitingDataAccess.h"
-#include "platform/dialog/calc/OfficeWindows.h"
+#include "platform/data/xmla/ServerAddress.h"
+#include "platform/dialog/DialogToolkit.h"
 #include "platform/value/AutomationError.h"
 #include "wizard/WizardServers.h"
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
-namespace qel::calc {
+namespace qel {
 
-/// The user's servers as the wizards ask them. Each request runs on a thread of its own. The office waits for
-/// it a moment, then with a box in front of the wizard, which can cancel the request. The person is asked
-/// about a server that is not known before anything is sent to it.
-/// Used by the thread of the user interface alone.
+class RequestEnd;
+
+/// How a door reaches servers for its wizards.
+struct WizardServerDoor {
+    /// Asks the person about a server that is not known. Called in the dialogs' thread before anything is
+    /// sent.
+    std::function<void(const ServerAddress& address)> ask;
+    /// The provider, which never shows anything. Its requests end when the flag is set.
+    std::function<std::unique_ptr<DataAccess>(const std::shared_ptr<const std::atomic<bool>>& isStopped)>
+        make;
+    /// What the dialogs share with the cells of their thread, which may be calculated while a box is shown.
+    std::function<ModSetCube::ThreadState&()> thread;
+};
+
+/// The servers as the wizards ask them. Each request runs on a thread of its own. The program waits for it a
+/// moment, then with a box in front of the wizard, which can cancel the request.
+/// Used by the thread of the dialogs alone.
 class ServersOfWizards : public WizardServers {
 public:
-    /// Both outlive it.
-    ServersOfWizards(office::OfficeWindows& windows, const ModLangFrm::LanguageState& language);
+    /// Toolkit and language outlive it.
+    ServersOfWizards(WizardServerDoor door, DialogToolkit& toolkit,
+                     const ModLangFrm::LanguageState& language);
     ~ServersOfWizards() override = default;
     ServersOfWizards(const ServersOfWizards&) = delete;
     ServersOfWizards& operator=(const ServersOfWizards&) = delete;
@@ -36,10 +53,11 @@ private:
     void RequireIdle() const;
     void AskWhetherAllowed(const std::string& connectionText);
     void Run(const std::function<void()>& request);
-    void RunBesideOffice(const std::function<void()>& request);
-    bool IsHebrew() const { return language_.iLang == Language::Hebrew; }
+    void RunBesideDialogs(const std::function<void()>& request);
+    void ShowBoxUntil(RequestEnd& end);
 
-    office::OfficeWindows& windows_;
+    WizardServerDoor door_;
+    DialogToolkit& toolkit_;
     const ModLangFrm::LanguageState& language_;
     std::shared_ptr<std::atomic<bool>> isStopped_ = std::make_shared<std::atomic<bool>>(false);
     std::unique_ptr<DataAccess> servers_; ///< made at the first request
@@ -51,4 +69,4 @@ private:
     std::optional<AutomationError> lost_; ///< what ended the requests of the action
 };
 
-} // namespace qel::calc
+} // namespace qel
