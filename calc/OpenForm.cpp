@@ -36,7 +36,7 @@ void OpenForm::disposing(const com::sun::star::lang::EventObject& /*event*/) {
 
 void OpenForm::DropLater() {
     const rtl::Reference<OpenForm> self(this);
-    drop_ = new office::LaterCall([self] { self->Drop(); });
+    drop_ = rtl::Reference<office::LaterCall>(new office::LaterCall([self] { self->Drop(); }));
     drop_->Post(context_);
 }
 

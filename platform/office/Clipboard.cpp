@@ -16,7 +16,7 @@ namespace {
 
 class TransferredText : public cppu::WeakImplHelper1<datatransfer::XTransferable> {
 public:
-    explicit TransferredText(rtl::OUString text) : text_(std::move(text)) {}
+    explicit TransferredText(const rtl::OUString& text) : text_(text) {}
 
     uno::Any SAL_CALL getTransferData(const datatransfer::DataFlavor& flavor) override {
         if (!isDataFlavorSupported(flavor)) {
