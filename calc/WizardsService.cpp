@@ -1,12 +1,18 @@
 #include "calc/WizardsService.h"
 
 #include "calc/CallingDocument.h"
+#include "calc/DocumentContent.h"
+#include "calc/OpenForm.h"
 #include "calc/ThreadFunction.h"
 #include "function/FunctionTexts.h"
 #include "lines/LinesOfCell.h"
 #include "platform/data/choice/ChooseProvider.h"
+#include "platform/office/Clipboard.h"
 #include "platform/office/OfficeText.h"
+#include "platform/sheet/calc/CalcCells.h"
 #include "platform/sheet/calc/CalcWorkbook.h"
+#include "why/CheckForm.h"
+#include "why/MakeWhyForm.h"
 #include "wizard/Raised.h"
 
 #include <com/sun/star/frame/Desktop.hpp>
@@ -22,7 +28,37 @@ namespace {
 
 constexpr const char* serviceName = "OrmFunctionQel4.Wizards";
 
+/// How the document's formulas mean paths of cube files.
+CubePath CubePathsOf(const office::SheetDocument& document) {
+    return [properties = DocumentReference(document, uno::UNO_QUERY)](const std::string& file) {
+        return CubePathFrom(properties, file);
+    };
+}
+
+/// While lines are read, or formulas checked, other windows take commands.
+void RunAlone(const std::function<void()>& command) {
+    static bool isRunning = false;
+    if (!isRunning) {
+        const Raised running(isRunning);
+        command();
+    }
+}
+
 } // namespace
+
+/// What a command works with that is not the other cells': they are calculated meanwhile.
+struct WizardsService::OwnNeeds : FormNeeds {
+    OwnNeeds(WizardsService* own, Locale ofDocument) : service(own), locale(ofDocument) {}
+
+    rtl::Reference<WizardsService> service; ///< with the dialogs' services
+    Locale locale;
+    ModSetCube::ThreadState thread;
+};
+
+WizardContext WizardsService::ContextOf(OwnNeeds& needs, const Providers& providers) const {
+    const WizardServices& services = suite_->Services();
+    return {needs.thread, providers, needs.locale, services.toolkit, services.language, services.servers};
+}
 
 rtl::OUString WizardsService::ShowFormGetVal(const Any& activeCell) {
     return Show(&OrmQelFunction::ShowFormGetVal, activeCell);
@@ -47,33 +83,79 @@ rtl::OUString WizardsService::Show(Form form, const Any& activeCell) {
 
 void WizardsService::EditFormula() {
     const auto document = DocumentInFront();
-    With(document, [&](OrmQelFunction& object) {
-        const DocumentReference properties(document, uno::UNO_QUERY);
-        object.EditFormula(*office::ActiveFormulaCellOf(document),
-                           [&](const std::string& cubeFile) { return CubePathFrom(properties, cubeFile); });
+    Edit(document, [&] { return office::ActiveFormulaCellOf(document); });
+}
+
+void WizardsService::Edit(const office::SheetDocument& document, const FindCell& find) {
+    With(document, [&](OrmQelFunction& object) { object.EditFormula(*find(), CubePathsOf(document)); });
+}
+
+void WizardsService::ShowWhy() {
+    static OpenForm* shown = nullptr;
+    const auto document = DocumentInFront();
+    WithProviders(document, [&](const Providers& providers, const Locale& locale) {
+        auto needs = std::make_unique<OwnNeeds>(this, locale);
+        const auto wizards = ContextOf(*needs, providers);
+        const std::shared_ptr<FormulaCell> cell = office::ChosenFormulaCellOf(document);
+        auto form = MakeWhyForm(
+            wizards,
+            {.cell = cell,
+             .book = office::WorkbookOf(context_, document),
+             .fullPath = CubePathsOf(document),
+             .argumentName = &ValueArgumentName,
+             .editFormula = [=, this] { Edit(document, [&] { return std::shared_ptr(cell); }); },
+             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); },
+             .alone = &RunAlone});
+        if (form) {
+            const auto side = office::StandsRight(document, *cell) ? WindowSide::Left : WindowSide::Right;
+            const rtl::Reference<OpenForm> open(
+                new OpenForm(shown, context_, {document, uno::UNO_QUERY}, std::move(needs), std::move(form)));
+            open->Show(side);
+        }
     });
 }
 
 void WizardsService::ShowLines() {
     const auto document = DocumentInFront();
-    static bool isRunning = false; // of all windows: while lines are read, the others take commands
-    if (isRunning) {
-        return;
-    }
-    const Raised running(isRunning);
     WithProviders(document, [&](const Providers& providers, const Locale& locale) {
-        ModSetCube::ThreadState own; // cells are calculated meanwhile
-        const WizardServices& services = suite_->Services();
-        const WizardContext wizards{
-            own, providers, locale, services.toolkit, services.language, services.servers};
+        OwnNeeds own(this, locale);
         const auto cell = office::ChosenFormulaCellOf(document);
         const auto book = office::WorkbookOf(context_, document);
-        const DocumentReference properties(document, uno::UNO_QUERY);
-        ShowLinesOfCell(wizards,
-                        {.cell = cell.get(),
-                         .book = *book,
-                         .fullPath = [&](const std::string& file) { return CubePathFrom(properties, file); },
-                         .argumentName = &ValueArgumentName});
+        ShowLinesOfCell(ContextOf(own, providers), {.cell = cell.get(),
+                                                    .book = *book,
+                                                    .fullPath = CubePathsOf(document),
+                                                    .argumentName = &ValueArgumentName});
+    });
+}
+
+void WizardsService::ShowCheck() {
+    static OpenForm* shown = nullptr;
+    const auto document = DocumentInFront();
+    WithProviders(document, [&](const Providers& providers, const Locale& locale) {
+        auto needs = std::make_unique<OwnNeeds>(this, locale);
+        const std::shared_ptr<Workbook> book = office::WorkbookOf(context_, document);
+        auto form = MakeCheckForm(
+            ContextOf(*needs, providers),
+            {.book = book,
+             .fullPath = CubePathsOf(document),
+             .read =
+                 [=](bool isWholeDocument) {
+                     return ContentOf(document, isWholeDocument ? "" : book->ActiveSheetName());
+                 },
+             .readCell =
+                 [=](const std::string& sheet, CellPlace place) {
+                     return CallsOf(*office::FormulaCellAt(document, sheet, place.row, place.column),
+                                    CubePathsOf(document), locale);
+                 },
+             .goTo = [=](const std::string& sheet,
+                         CellPlace place) { office::GoToCell(document, sheet, place.row, place.column); },
+             .copy = [context = context_](const std::string& text) { office::CopyText(context, text); },
+             .alone = &RunAlone});
+        if (form) {
+            const rtl::Reference<OpenForm> open(
+                new OpenForm(shown, context_, {document, uno::UNO_QUERY}, std::move(needs), std::move(form)));
+            open->Show(WindowSide::Right);
+        }
     });
 }
 
@@ -112,7 +194,11 @@ void WizardsService::trigger(const rtl::OUString& method) {
     } else if (method == "EditFormula") {
         EditFormula();
     } else if (method == "ShowLines") {
-        ShowLines();
+        RunAlone([this] { ShowLines(); });
+    } else if (method == "ShowWhy") {
+        ShowWhy();
+    } else if (method == "ShowCheck") {
+        RunAlone([this] { ShowCheck(); });
     }
 }
 

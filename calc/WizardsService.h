@@ -39,8 +39,16 @@ public:
 private:
     /// The wizard that wrote the formula of the active cell.
     void EditFormula();
+    using FindCell = std::function<std::shared_ptr<FormulaCell>()>;
+    void Edit(const office::SheetDocument& document, const FindCell& find);
     /// A new sheet with the lines behind the active cell.
     void ShowLines();
+    /// A window beside the sheet that tells why the active cell has its value.
+    void ShowWhy();
+    /// A window with the formulas of the active sheet whose 0 hides an error.
+    void ShowCheck();
+    struct OwnNeeds;
+    WizardContext ContextOf(OwnNeeds& needs, const Providers& providers) const;
     /// The object of a call, with the user's suite and the document's locale.
     using Use = std::function<void(OrmQelFunction& object)>;
     void With(const office::SheetDocument& document, const Use& use);

@@ -9,8 +9,9 @@
 #include "reason/FormulaJudge.h"
 #include "text/Text.h"
 #include "text/Utf8Path.h"
-#include "workbook/SheetCalls.h"
+#include "workbook/cells/SheetCalls.h"
 #include "workbook/WorkbookError.h"
+#include "workbook/WorkbookFile.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
@@ -76,7 +77,7 @@ public:
     /// Raises WorkbookError.
     void Check(const std::string& file) {
         const auto path = PathFromUtf8(file);
-        const Workbook workbook = ReadWorkbook(path);
+        const WorkbookContent workbook = ReadWorkbook(path);
         auto calls = FindSheetCalls(workbook, context_.locale);
         for (SheetCall& call : calls) {
             CompletePath(call, path.parent_path());

@@ -175,14 +175,9 @@ private:
         }
         const bool areNumbers = IsNumeric(value, context_.locale) && IsNumeric(other.value, context_.locale);
         return ValueText(other.value) + '\t' +
-               (areNumbers ? NumberText(Difference(ToDouble(value, context_.locale),
-                                                   ToDouble(other.value, context_.locale)))
+               (areNumbers ? NumberText(ValueDifference(ToDouble(value, context_.locale),
+                                                        ToDouble(other.value, context_.locale)))
                            : "");
-    }
-
-    /// As decimals, so that cents stay cents.
-    static double Difference(double value, double other) {
-        return ModSetCube::SumOfField({{""}, {{value}, {-other}}}, 0);
     }
 
     void NoteHidden(const std::string& label, const std::string& reason) {

@@ -1,5 +1,6 @@
 #include "lines/CellCalls.h"
 
+#include "cube/ValueQuery.h"
 #include "function/EditedCall.h"
 #include "function/formula/WrittenCalls.h"
 #include "platform/value/Conversion.h"
@@ -35,16 +36,27 @@ CellCalls CallsOf(const FormulaCell& cell, const CubePath& fullPath, const Local
     CellCalls calls;
     for (const WrittenCall& written : FindCalls(cell.Formula())) {
         if (IsNameCall(written)) {
-            calls.hasNames = true;
+            const NamedQuery query = EditedNameCall(written.arguments, reader).Choice();
+            calls.names.push_back({query.cubeFile, query.cubeName, query.dimType, query.dataMember});
             continue;
         }
         const EditedValueCall edited(written.arguments, reader);
-        calls.values.push_back({edited.Call(), edited.Faulty()});
+        calls.values.push_back({edited.Call(), edited.Faulty(), written.arguments.size()});
         if (written.arguments.size() > argumentCount) {
             calls.values.back().faulty.push_back(argumentCount);
         }
     }
     return calls;
+}
+
+std::string CallText(std::size_t number, const ValueCall& call) {
+    std::string text = std::to_string(number) + ".";
+    for (std::size_t argument = Arg::ObsName; argument <= Arg::ToDate; ++argument) {
+        if (const std::string value = ArgumentText(call, argument); !ModSetCube::IsUnrestricted(value)) {
+            text += (text.ends_with('.') ? " " : ", ") + value;
+        }
+    }
+    return text;
 }
 
 std::string ArgumentText(const ValueCall& call, std::size_t argument) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cube/ValueCall.h"
+#include "function/formula/BindFormula.h"
 #include "platform/sheet/Spreadsheet.h"
 
 #include <functional>
@@ -17,15 +18,19 @@ struct CellCall {
     ValueCall call;
     std::vector<std::size_t> faulty; ///< arguments without a value that the function takes; the one after the
                                      ///< last for too many of them
+    std::size_t given = 0;           ///< how many arguments the formula has
 };
 
 struct CellCalls {
     std::vector<CellCall> values;
-    bool hasNames = false; ///< calls that give names
+    std::vector<NameCall> names; ///< calls that give names
 };
 
 /// The calls in a cell's formula, in their order. Raises what the cell raises.
 CellCalls CallsOf(const FormulaCell& cell, const CubePath& fullPath, const Locale& locale);
+
+/// What tells a call from the others of its formula: its arguments that restrict something.
+std::string CallText(std::size_t number, const ValueCall& call);
 
 /// An argument as a person reads it: the first key of a list, a day as 2024-12-31.
 std::string ArgumentText(const ValueCall& call, std::size_t argument);

@@ -29,25 +29,25 @@ public:
         : context_(context), place_(place), object_({context.thread, context.providers, context.locale}) {}
 
     void Run() {
-        if (!place_.book.CanChange()) {
+        if (!place_.book.CanChange()) { // before the arguments are computed, which takes the cell
             return Tell(Text::ProtectedSheet);
         }
         const CellCalls calls =
             place_.cell == nullptr ? CellCalls() : CallsOf(*place_.cell, place_.fullPath, context_.locale);
         if (calls.values.empty()) {
-            return Tell(calls.hasNames ? Text::NamesHaveNoLines : Text::NoValueFormula);
+            return Tell(calls.names.empty() ? Text::NoValueFormula : Text::NamesHaveNoLines);
         }
-        const auto chosen =
-            calls.values.size() == 1 ? std::optional<std::size_t>(0) : AskWhichCall(context_, calls.values);
-        if (chosen) {
-            ShowLines(calls.values[*chosen]);
+        if (const auto chosen = Choose(calls.values)) {
+            RunCall(calls.values[*chosen]);
         }
     }
 
-private:
-    void ShowLines(const CellCall& call) {
+    void RunCall(const CellCall& call) {
+        if (!place_.book.CanChange()) {
+            return Tell(Text::ProtectedSheet);
+        }
         if (!call.faulty.empty()) {
-            return Tell(Text::FaultyArguments, FaultyNames(call));
+            return Tell(Text::FaultyArguments, FaultyNames(call, place_.argumentName, context_.IsHebrew()));
         }
         if (!CanOpen(context_, call.call.cubeFile)) {
             return Tell(Text::NoSuchCubeFile, call.call.cubeFile);
@@ -69,6 +69,15 @@ private:
                            .call = call.call,
                            .value = ToDouble(result.value, context_.locale)};
         ReadAndWrite(std::move(behind), *prepared.query);
+    }
+
+    std::optional<std::size_t> Choose(const std::vector<CellCall>& calls) const {
+        std::vector<std::string> texts;
+        for (const CellCall& call : calls) {
+            texts.push_back(CallText(texts.size() + 1, call.call));
+        }
+        return calls.size() == 1 ? std::optional<std::size_t>(0)
+                                 : AskWhichCall(context_, {Text::LinesBehindCell, Text::WhichCall}, texts);
     }
 
     void ReadAndWrite(LinesBehind behind, const ModSetCube::ValueQuery& query) {
@@ -112,23 +121,10 @@ private:
         return isNumber ? std::nullopt : std::optional(ToText(result.value, context_.locale));
     }
 
-    std::string FaultyNames(const CellCall& call) const {
-        std::string names;
-        for (const std::size_t argument : call.faulty) {
-            names += (names.empty() ? "" : ", ") + ArgumentName(argument);
-        }
-        return names;
-    }
-
-    std::string ArgumentName(std::size_t argument) const {
-        const bool isKnown = argument < std::tuple_size_v<FormulaArgs>;
-        return isKnown ? place_.argumentName(argument, context_.IsHebrew()) : std::to_string(argument + 1);
-    }
-
     LineSheetTexts Words() const {
         std::vector<std::string> arguments;
         while (arguments.size() < std::tuple_size_v<FormulaArgs>) {
-            arguments.push_back(ArgumentName(arguments.size()));
+            arguments.push_back(place_.argumentName(arguments.size(), context_.IsHebrew()));
         }
         const auto text = [&](std::int32_t number) { return OwnText(context_, number); };
         return {.arguments = std::move(arguments),
@@ -152,17 +148,35 @@ private:
     OrmQelFunction object_;
 };
 
-} // namespace
-
-void ShowLinesOfCell(const WizardContext& context, const LinesPlace& place) {
+void Report(const WizardContext& context, const std::function<void()>& command) {
     try {
         FindLanguage(context);
-        LinesCommand(context, place).Run();
+        command();
     } catch (const ActionStopped&) { // NOLINT(bugprone-empty-catch): as the person wants it
     } catch (...) {
         ModError::ReportError(context.Messages(), ModError::CurrentError(), "", "ShowLinesOfCell",
                               "OrmQelFunc");
     }
+}
+
+} // namespace
+
+std::string FaultyNames(const CellCall& call, const ArgumentName& argumentName, bool isHebrew) {
+    std::string names;
+    for (const std::size_t argument : call.faulty) {
+        const bool isKnown = argument < std::tuple_size_v<FormulaArgs>;
+        names += (names.empty() ? "" : ", ") +
+                 (isKnown ? argumentName(argument, isHebrew) : std::to_string(argument + 1));
+    }
+    return names;
+}
+
+void ShowLinesOfCell(const WizardContext& context, const LinesPlace& place) {
+    Report(context, [&] { LinesCommand(context, place).Run(); });
+}
+
+void ShowLinesOfCall(const WizardContext& context, const LinesPlace& place, const CellCall& call) {
+    Report(context, [&] { LinesCommand(context, place).RunCall(call); });
 }
 
 } // namespace qel

@@ -36,7 +36,8 @@ FOLDER, *names = sys.argv[1:]
 FOLDER, PAGES = pathlib.Path(FOLDER), [pathlib.Path(name) for name in names]
 for page in PAGES:
     text = (ROOT / page).read_text(encoding="utf-8")
-    body = markdown.markdown(text, extensions=["tables", "fenced_code", "toc", "sane_lists"])
+    text = text.replace('<div dir=', '<div markdown="1" dir=')  # or what is inside stays as it is
+    body = markdown.markdown(text, extensions=["tables", "fenced_code", "toc", "sane_lists", "md_in_html"])
     body = re.sub(r'<a href="([^"]*)">(.*?)</a>', linked(page, FOLDER), body, flags=re.DOTALL)
     title = re.search(r"^# (.*)", text, re.MULTILINE)[1]
     target = FOLDER / page.with_suffix(".html")

@@ -131,6 +131,10 @@ std::optional<Reason> ValueReasons::WhyUnsent(const ValueCall& call) const {
                   {ToText(dates.CubeMinDate, locale_), ToText(dates.CubeMaxDate, locale_)}};
 }
 
+double ValueDifference(double value, double other) {
+    return ModSetCube::SumOfField({{""}, {{value}, {-other}}}, 0);
+}
+
 FormulaCall OverOtherFile(FormulaCall call, const std::string& cubeFile) {
     std::visit([&](auto& arguments) { arguments.cubeFile = cubeFile; }, call.arguments);
     return call;

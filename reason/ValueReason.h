@@ -60,6 +60,9 @@ private:
     ZeroReasons zeros_;
 };
 
+/// How much a value is above another one, as decimals, so that cents stay cents.
+double ValueDifference(double value, double other);
+
 /// The call over another cube file, to compare their values.
 FormulaCall OverOtherFile(FormulaCall call, const std::string& cubeFile);
 

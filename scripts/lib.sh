@@ -16,6 +16,7 @@ build_packages="g++ cmake ninja-build ccache libfmt-dev nlohmann-json3-dev libcl
 test_packages="libgtest-dev libgmock-dev man-db zsh"
 office_packages="libreoffice-calc libreoffice-dev python3-uno python3-openpyxl fonts-liberation poppler-utils"
 office_test_packages="xvfb imagemagick openbox xdotool"
+picture_packages="libreoffice-l10n-he locales nsis" # of a Hebrew office and a Hebrew Windows
 style_packages="clang clang-format-16 clang-tidy git"
 windows_packages="g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools libwine-dev dpkg-dev python3"
 wine_packages="wine wine64 xvfb imagemagick fonts-dejavu-core fonts-dejavu-extra fonts-wine" # a screen for the dialogs

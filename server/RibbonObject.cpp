@@ -7,6 +7,7 @@
 #include "platform/sheet/automation/AutomationSheet.h"
 #include "platform/sheet/automation/AutomationWorkbook.h"
 #include "platform/windows/Bstr.h"
+#include "platform/windows/Clipboard.h"
 #include "platform/windows/DispatchObject.h"
 #include "platform/windows/ProviderFailure.h"
 #include "platform/windows/UserLocale.h"
@@ -17,6 +18,7 @@
 #include "server/Wizards.h"
 #include "server/dispatch/FailureReport.h"
 #include "support/ModError.h"
+#include "why/MakeWhyForm.h"
 #include "wizard/OwnText.h"
 
 #include <cwchar>
@@ -49,12 +51,37 @@ std::filesystem::path HelpFile() {
     return {};
 }
 
+void Edit(OrmQelFunction& object, IDispatch* cell) {
+    object.EditFormula(*windows::FormulaCellOf(cell), [](const std::string& cubeFile) { return cubeFile; });
+}
+
+/// What commands on a cell work with. Their connection is their own: the thread's stays with the worksheet's
+/// cube.
+class CellNeeds {
+public:
+    CellNeeds() : wizards_(thread_) {}
+
+    WizardContext Context() {
+        const WizardServices& services = wizards_.Services();
+        return {thread_, *services.providers, locale_, services.toolkit, services.language, services.servers};
+    }
+
+private:
+    ModSetCube::ThreadState thread_;
+    Locale locale_ = windows::UserLocale();
+    Wizards wizards_;
+};
+
 } // namespace
 
-const RibbonObject::Callback RibbonObject::callbacks[6] = {
-    {L"OnFunction", &RibbonObject::ShowFunctionWizard}, {L"OnName", &RibbonObject::ShowNameWizard},
-    {L"OnEditFormula", &RibbonObject::EditFormula},     {L"OnLines", &RibbonObject::ShowLines},
-    {L"OnRecalculate", &RibbonObject::Recalculate},     {L"OnHelp", &RibbonObject::ShowHelp},
+const RibbonObject::Callback RibbonObject::callbacks[7] = {
+    {L"OnFunction", &RibbonObject::ShowFunctionWizard},
+    {L"OnName", &RibbonObject::ShowNameWizard},
+    {L"OnEditFormula", &RibbonObject::EditFormula},
+    {L"OnLines", &RibbonObject::ShowLines},
+    {L"OnWhy", &RibbonObject::ShowWhy},
+    {L"OnRecalculate", &RibbonObject::Recalculate},
+    {L"OnHelp", &RibbonObject::ShowHelp},
 };
 
 void* RibbonObject::Find(REFIID id) {
@@ -172,26 +199,37 @@ void RibbonObject::ShowNameWizard() {
 }
 
 void RibbonObject::EditFormula() {
-    WithWizards([](OrmQelFunction& object, IDispatch* cell) {
-        object.EditFormula(*windows::FormulaCellOf(cell),
-                           [](const std::string& cubeFile) { return cubeFile; });
-    });
+    WithWizards([](OrmQelFunction& object, IDispatch* cell) { Edit(object, cell); });
 }
 
 void RibbonObject::ShowLines() {
     WithCell([&](IDispatch* active) {
-        ModSetCube::ThreadState own; // the thread's connection stays with the worksheet's cube
-        const Locale locale = windows::UserLocale();
-        Wizards wizards(own);
-        const WizardServices& services = wizards.Services();
-        const WizardContext context{
-            own, *services.providers, locale, services.toolkit, services.language, services.servers};
+        CellNeeds needs;
         const auto cell = windows::ReadFormulaCellOf(active);
         const auto book = windows::ActiveWorkbookOf(application_.Get());
-        ShowLinesOfCell(context, {.cell = cell.get(),
-                                  .book = *book,
-                                  .fullPath = [](const std::string& cubeFile) { return cubeFile; },
-                                  .argumentName = &ValueArgumentName});
+        ShowLinesOfCell(needs.Context(), {.cell = cell.get(),
+                                          .book = *book,
+                                          .fullPath = [](const std::string& cubeFile) { return cubeFile; },
+                                          .argumentName = &ValueArgumentName});
+    });
+}
+
+void RibbonObject::ShowWhy() {
+    WithCell([&](IDispatch* active) {
+        CellNeeds needs;
+        const auto edit = [&] {
+            WithWizards([&](OrmQelFunction& object, IDispatch*) { Edit(object, active); });
+        };
+        const auto form =
+            MakeWhyForm(needs.Context(), {.cell = windows::ReadFormulaCellOf(active),
+                                          .book = windows::ActiveWorkbookOf(application_.Get()),
+                                          .fullPath = [](const std::string& cubeFile) { return cubeFile; },
+                                          .argumentName = &ValueArgumentName,
+                                          .editFormula = edit,
+                                          .copy = &windows::CopyText});
+        if (form) {
+            form->ShowBeside(WindowSide::Right, [] {});
+        }
     });
 }
 

@@ -39,7 +39,7 @@ private:
         const wchar_t* name;
         void (RibbonObject::*work)();
     };
-    static const Callback callbacks[6];
+    static const Callback callbacks[7];
 
     void* Find(REFIID id) override;
 
@@ -47,6 +47,7 @@ private:
     void ShowNameWizard();
     void EditFormula();
     void ShowLines();
+    void ShowWhy();
     void Recalculate();
     void ShowHelp();
 

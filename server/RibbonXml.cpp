@@ -44,6 +44,12 @@ constexpr Button formulaButtons[] = {
 };
 
 constexpr Button cellButtons[] = {
+    {"qelWhy",
+     "OnWhy",
+     "FormulaEvaluate",
+     {"Why this value…", "מדוע הערך הזה…"},
+     {"Tell how the cell's formula comes to its value, and what a 0 hides.",
+      "הסבר כיצד הנוסחה של התא מגיעה לערכה, ומה מסתתר מאחורי 0."}},
     {"qelLines",
      "OnLines",
      "TracePrecedents",

@@ -9,7 +9,8 @@ ROOT = pathlib.Path(__file__).resolve().parent.parent
 
 PORTS = ("text platform/value platform/data platform/settings platform/database platform/tables platform/dialog"
          " platform/sheet")
-PRODUCT = "text platform/* engine/include support store lang cube wizard wizard/servers function function/formula reason lines batch"
+PRODUCT = ("text platform/* engine/include support store lang cube wizard wizard/servers function function/formula reason lines batch"
+           " workbook/cells why")
 # Folders, and what they may include besides themselves; ".." is the folder above. The first row that fits counts.
 MAY_INCLUDE = {
     "text": "",
@@ -35,8 +36,10 @@ MAY_INCLUDE = {
     "function": f"{PORTS} support store lang cube wizard function/formula",
     "reason": f"{PORTS} support store lang cube wizard function function/formula",
     "lines": f"{PORTS} support store lang cube wizard function function/formula reason",
+    "why": f"{PORTS} support store lang cube wizard function function/formula reason lines batch workbook/cells",
     "batch": f"{PORTS} support store lang cube wizard function",
-    "workbook": "text platform/value function/formula",
+    "workbook/cells": "text platform/value function/formula",
+    "workbook": "text platform/value workbook/cells",
     "cli": f"{PRODUCT} files workbook",  # the doors
     "calc": PRODUCT,
     "server/dispatch": "text platform/value platform/windows",

@@ -42,6 +42,8 @@ inline constexpr std::int32_t OtherTotal = 1552;
 inline constexpr std::int32_t Total = 1553;
 inline constexpr std::int32_t ReadingLines = 1554;
 inline constexpr std::int32_t WhichCall = 1555;
+inline constexpr std::int32_t LinesBehindCell = 1556;
+inline constexpr std::int32_t NoFormulaOfOurs = 1660;
 } // namespace OwnTextNumber
 
 /// The text in the dialogs' language.

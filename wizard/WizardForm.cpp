@@ -13,12 +13,18 @@ namespace {
 
 constexpr const char* helpFileName = "PralixHeb.chm";
 
+bool HasSuiteTexts(const FormDesign& design) {
+    return std::any_of(design.controls.begin(), design.controls.end(),
+                       [](const ControlDesign& control) { return control.tag != 0; });
+}
+
 std::unique_ptr<Dialog> NewDialog(const WizardContext& context, const FormDesign& design,
                                   DialogEvents& events) {
     FindLanguage(context);
     const auto& language = context.language;
-    // The dialog is mirrored only with the suite's table, not with the component's own strings.
-    const bool isRightToLeft = context.IsHebrew() && !language.resourceOnly && language.table.has_value();
+    // A dialog with texts of the suite is mirrored only with the suite's table.
+    const bool hasTable = !language.resourceOnly && language.table.has_value();
+    const bool isRightToLeft = context.IsHebrew() && (hasTable || !HasSuiteTexts(design));
     auto dialog = context.toolkit.NewDialog(design, isRightToLeft, events);
     const std::string helpFile = context.Store().componentFolder + "/" + helpFileName;
     if (FileExists(helpFile)) {

@@ -67,7 +67,7 @@ Variant ValueOf(const pugi::xml_node& cell, bool hasFormula) {
     return type.empty() && !hasFormula ? Variant() : Variant(Null{});
 }
 
-void ReadRow(Sheet& sheet, const pugi::xml_node& row, std::uint32_t number, std::uint32_t times) {
+void ReadRow(SheetContent& sheet, const pugi::xml_node& row, std::uint32_t number, std::uint32_t times) {
     CellPlace place{number, 0};
     for (const auto& cell : row.children()) {
         const std::string_view name = cell.name();
@@ -93,7 +93,7 @@ void ReadRow(Sheet& sheet, const pugi::xml_node& row, std::uint32_t number, std:
 }
 
 /// Rows may stand in groups and headers.
-void ReadRows(Sheet& sheet, const pugi::xml_node& parent, std::uint32_t& next, int depth) {
+void ReadRows(SheetContent& sheet, const pugi::xml_node& parent, std::uint32_t& next, int depth) {
     constexpr int deepestGroup = 64;
     if (depth > deepestGroup) {
         throw WorkbookError("its rows are grouped too deeply");
@@ -111,7 +111,7 @@ void ReadRows(Sheet& sheet, const pugi::xml_node& parent, std::uint32_t& next, i
     }
 }
 
-void ReadNames(Workbook& workbook, const pugi::xml_node& parent, const std::string& prefix) {
+void ReadNames(WorkbookContent& workbook, const pugi::xml_node& parent, const std::string& prefix) {
     for (const auto& entry : parent.child("table:named-expressions").children()) {
         const std::string range = entry.attribute("table:cell-range-address").value();
         workbook.names.emplace(prefix + FoldCase(entry.attribute("table:name").value()),
@@ -123,7 +123,7 @@ void ReadNames(Workbook& workbook, const pugi::xml_node& parent, const std::stri
 
 } // namespace
 
-Workbook ReadOpenDocument(ZipFile& file) {
+WorkbookContent ReadOpenDocument(ZipFile& file) {
     const std::string manifest = "META-INF/manifest.xml";
     if (file.Has(manifest) && file.Read(manifest).find(":encryption-data") != std::string::npos) {
         throw WorkbookError("it needs a password; save it without one");
@@ -134,11 +134,11 @@ Workbook ReadOpenDocument(ZipFile& file) {
     if (!content) {
         throw WorkbookError("it is no spreadsheet");
     }
-    Workbook workbook;
+    WorkbookContent workbook;
     workbook.isOpenDocument = true;
     for (const auto& table : content.children("table:table")) {
         const std::string prefix = std::to_string(workbook.sheets.size()) + '!';
-        Sheet& sheet = workbook.sheets.emplace_back();
+        SheetContent& sheet = workbook.sheets.emplace_back();
         sheet.name = table.attribute("table:name").value();
         std::uint32_t next = 0;
         ReadRows(sheet, table, next, 0);

@@ -43,7 +43,7 @@ class OpenXmlReader {
 public:
     explicit OpenXmlReader(ZipFile& file) : file_(file) {}
 
-    Workbook Read() {
+    WorkbookContent Read() {
         ReadSharedTexts();
         pugi::xml_document document, relations;
         LoadPart(file_, "xl/workbook.xml", document);
@@ -79,7 +79,7 @@ private:
     }
 
     void ReadSheet(const pugi::xml_node& entry, const pugi::xml_node& relations) {
-        Sheet& sheet = workbook_.sheets.emplace_back();
+        SheetContent& sheet = workbook_.sheets.emplace_back();
         sheet.name = entry.attribute("name").value();
         std::string_view id;
         for (const auto& attribute : entry.attributes()) {
@@ -105,7 +105,7 @@ private:
         }
     }
 
-    void ReadCell(Sheet& sheet, const pugi::xml_node& cell, CellPlace place) {
+    void ReadCell(SheetContent& sheet, const pugi::xml_node& cell, CellPlace place) {
         const auto formula = Child(cell, "f");
         Variant value = ValueOf(cell, !formula.empty());
         if (!value.Is<Empty>()) {
@@ -159,13 +159,13 @@ private:
     }
 
     ZipFile& file_;
-    Workbook workbook_;
+    WorkbookContent workbook_;
     std::vector<std::string> texts_;
     std::map<std::string, SheetFormula> shared_; ///< of the sheet that is read
 };
 
 } // namespace
 
-Workbook ReadOpenXml(ZipFile& file) { return OpenXmlReader(file).Read(); }
+WorkbookContent ReadOpenXml(ZipFile& file) { return OpenXmlReader(file).Read(); }
 
 } // namespace qel

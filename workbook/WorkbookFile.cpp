@@ -1,6 +1,5 @@
 #include "workbook/WorkbookFile.h"
 
-#include "text/CaseFold.h"
 #include "workbook/WorkbookError.h"
 #include "workbook/WorkbookReaders.h"
 
@@ -28,13 +27,7 @@ int NumberIn(std::string_view text, std::size_t place, std::size_t size) {
 
 } // namespace
 
-const Sheet* Workbook::SheetNamed(const std::string& name) const {
-    const auto found = std::find_if(sheets.begin(), sheets.end(),
-                                    [&](const Sheet& sheet) { return EqualIgnoringCase(sheet.name, name); });
-    return found == sheets.end() ? nullptr : &*found;
-}
-
-Workbook ReadWorkbook(const std::filesystem::path& path) {
+WorkbookContent ReadWorkbook(const std::filesystem::path& path) {
     ZipFile file(path);
     if (file.Has("xl/workbook.xml")) {
         return ReadOpenXml(file);
@@ -57,18 +50,12 @@ void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& docume
     }
 }
 
-void KeepValue(Sheet& sheet, CellPlace place, Variant value) {
+void KeepValue(SheetContent& sheet, CellPlace place, Variant value) {
     if (sheet.values.size() >= mostCellsOfSheet) {
         throw WorkbookError(
             fmt::format("sheet {} has more than {} cells with contents", sheet.name, mostCellsOfSheet));
     }
-    sheet.values[Sheet::KeyOf(place)] = std::move(value);
-}
-
-bool MayCallOurs(std::string_view formula) {
-    constexpr std::string_view ours = "qel";
-    return std::search(formula.begin(), formula.end(), ours.begin(), ours.end(),
-                       [](char left, char right) { return (left | 0x20) == right; }) != formula.end();
+    sheet.values[SheetContent::KeyOf(place)] = std::move(value);
 }
 
 Variant DateOfText(std::string_view text) {

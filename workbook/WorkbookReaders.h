@@ -11,17 +11,14 @@
 
 namespace qel {
 
-Workbook ReadOpenXml(ZipFile& file);
-Workbook ReadOpenDocument(ZipFile& file);
+WorkbookContent ReadOpenXml(ZipFile& file);
+WorkbookContent ReadOpenDocument(ZipFile& file);
 
 /// A part as an XML document. Raises WorkbookError.
 void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& document);
 
 /// Keeps a value; raises WorkbookError for more than a file may have.
-void KeepValue(Sheet& sheet, CellPlace place, Variant value);
-
-/// Whether a formula may call a function of ours.
-bool MayCallOurs(std::string_view formula);
+void KeepValue(SheetContent& sheet, CellPlace place, Variant value);
 
 /// Of a text such as 2024-12-31 or 2024-12-31T10:00:00, in days; Null for another one.
 Variant DateOfText(std::string_view text);

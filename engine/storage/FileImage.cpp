@@ -65,9 +65,12 @@ FileImage::FileImage(std::string fileName, std::span<const std::byte> bytes, con
 void FileImage::CheckHeader(const format::Header& header) const {
     // Check the version first: other versions may lay out the header differently.
     if (header.version != format::version) {
-        throw EngineError(ErrorKind::UnsupportedVersion,
-                          fmt::format("{}: a cube file of format version {}; this program reads version {}",
-                                      fileName_, header.version, format::version));
+        throw EngineError(
+            ErrorKind::UnsupportedVersion,
+            fmt::format("{}: a cube file of format version {}; this program reads version {}; {}", fileName_,
+                        header.version, format::version,
+                        header.version < format::version ? "build the file again with qel cube build"
+                                                         : "install a newer version of the program"));
     }
     if (XXH3_64bits(bytes_.data(), format::headerChecksumOffset) != header.headerChecksum) {
         Fail("the header is not as it was written (wrong checksum)");

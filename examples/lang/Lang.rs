@@ -91,6 +91,8 @@
 	<z:row lId='0' sId='1554' sText="Reading lines (Esc stops)"/>
 	<z:row lId='0' sId='1555' sText="The formula calls QelF1 several times. Which lines?"/>
 	<z:row lId='0' sId='1556' sText="Lines behind this cell"/>
+	<z:row lId='0' sId='1557' sText="Waiting for this server."/>
+	<z:row lId='0' sId='1558' sText="Cancel"/>
 	<z:row lId='0' sId='1600' sText="; did you mean {0}?"/>
 	<z:row lId='0' sId='1601' sText="; it has {0}"/>
 	<z:row lId='0' sId='1602' sText="; it has {0} and {1} more"/>
@@ -123,6 +125,35 @@
 	<z:row lId='0' sId='1629' sText="no statement was sent: the dates lie outside the cube's, {0} to {1}"/>
 	<z:row lId='0' sId='1630' sText="the cube is of an outdated layout; build it again"/>
 	<z:row lId='0' sId='1631' sText="there is no file {0}"/>
+	<z:row lId='0' sId='1632' sText="everything"/>
+	<z:row lId='0' sId='1633' sText='"{0}", not in the cube'/>
+	<z:row lId='0' sId='1634' sText="Reason: {0}"/>
+	<z:row lId='0' sId='1635' sText="Hidden error: {0}"/>
+	<z:row lId='0' sId='1636' sText="Periods: {0}"/>
+	<z:row lId='0' sId='1637' sText="Rule: {0}"/>
+	<z:row lId='0' sId='1638' sText="Note: {0}"/>
+	<z:row lId='0' sId='1639' sText="Lines: {0}"/>
+	<z:row lId='0' sId='1640' sText="Time: {0} ms, {1} ms of it to open the cube"/>
+	<z:row lId='0' sId='1641' sText="No statement was sent."/>
+	<z:row lId='0' sId='1642' sText="Here {0}, there {1}, difference {2}"/>
+	<z:row lId='0' sId='1643' sText="Here {0}, there {1}"/>
+	<z:row lId='0' sId='1650' sText="Why this value"/>
+	<z:row lId='0' sId='1651' sText="Arguments"/>
+	<z:row lId='0' sId='1652' sText="Explanation"/>
+	<z:row lId='0' sId='1653' sText="Statement"/>
+	<z:row lId='0' sId='1654' sText="Compare with…"/>
+	<z:row lId='0' sId='1655' sText="Comparison"/>
+	<z:row lId='0' sId='1656' sText="Edit formula"/>
+	<z:row lId='0' sId='1657' sText="Copy"/>
+	<z:row lId='0' sId='1658' sText="Close"/>
+	<z:row lId='0' sId='1659' sText="The formula has several calls. Which one?"/>
+	<z:row lId='0' sId='1660' sText="Choose a cell whose formula calls QelF1 or QelName."/>
+	<z:row lId='0' sId='1670' sText="Check this sheet"/>
+	<z:row lId='0' sId='1671' sText="All sheets"/>
+	<z:row lId='0' sId='1672' sText="Check again"/>
+	<z:row lId='0' sId='1673' sText="Checking formulas (Esc stops)"/>
+	<z:row lId='0' sId='1674' sText="Formulas: {0}. To be looked at: {1}."/>
+	<z:row lId='0' sId='1675' sText="Formulas: {0}. To be looked at: {1}; the first {2} are listed."/>
 	<z:row lId='1' sId='20' sText="Tahoma"/>
 	<z:row lId='1' sId='21' sText="9"/>
 	<z:row lId='1' sId='1364' sText="שם לא תקין לקובץ קוביה"/>
@@ -197,6 +228,8 @@
 	<z:row lId='1' sId='1554' sText="קריאת שורות (Esc לעצירה)"/>
 	<z:row lId='1' sId='1555' sText="הנוסחה קוראת ל-QelF1 כמה פעמים. אילו שורות?"/>
 	<z:row lId='1' sId='1556' sText="השורות מאחורי התא"/>
+	<z:row lId='1' sId='1557' sText="ממתינים לשרת הזה."/>
+	<z:row lId='1' sId='1558' sText="ביטול"/>
 	<z:row lId='1' sId='1600' sText="; האם הכוונה ל-{0}?"/>
 	<z:row lId='1' sId='1601' sText="; יש בו {0}"/>
 	<z:row lId='1' sId='1602' sText="; יש בו {0} ועוד {1}"/>
@@ -229,5 +262,34 @@
 	<z:row lId='1' sId='1629' sText="לא נשלחה שאילתה: התאריכים מחוץ לתאריכי הקוביה, {0} עד {1}"/>
 	<z:row lId='1' sId='1630' sText="הקוביה במבנה ישן; יש לבנות אותה מחדש"/>
 	<z:row lId='1' sId='1631' sText="אין קובץ {0}"/>
+	<z:row lId='1' sId='1632' sText="הכל"/>
+	<z:row lId='1' sId='1633' sText='"{0}", אינו בקוביה'/>
+	<z:row lId='1' sId='1634' sText="סיבה: {0}"/>
+	<z:row lId='1' sId='1635' sText="שגיאה מוסתרת: {0}"/>
+	<z:row lId='1' sId='1636' sText="תקופות: {0}"/>
+	<z:row lId='1' sId='1637' sText="כלל: {0}"/>
+	<z:row lId='1' sId='1638' sText="הערה: {0}"/>
+	<z:row lId='1' sId='1639' sText="שורות: {0}"/>
+	<z:row lId='1' sId='1640' sText="זמן: {0} אלפיות שנייה, מהן {1} לפתיחת הקוביה"/>
+	<z:row lId='1' sId='1641' sText="לא נשלחה שאילתה."/>
+	<z:row lId='1' sId='1642' sText="כאן {0}, שם {1}, הפרש {2}"/>
+	<z:row lId='1' sId='1643' sText="כאן {0}, שם {1}"/>
+	<z:row lId='1' sId='1650' sText="מדוע הערך הזה"/>
+	<z:row lId='1' sId='1651' sText="ארגומנטים"/>
+	<z:row lId='1' sId='1652' sText="הסבר"/>
+	<z:row lId='1' sId='1653' sText="שאילתה"/>
+	<z:row lId='1' sId='1654' sText="השוואה עם…"/>
+	<z:row lId='1' sId='1655' sText="השוואה"/>
+	<z:row lId='1' sId='1656' sText="עריכת הנוסחה"/>
+	<z:row lId='1' sId='1657' sText="העתקה"/>
+	<z:row lId='1' sId='1658' sText="סגירה"/>
+	<z:row lId='1' sId='1659' sText="בנוסחה כמה קריאות. איזו מהן?"/>
+	<z:row lId='1' sId='1660' sText="יש לבחור תא שהנוסחה שלו קוראת ל-QelF1 או ל-QelName."/>
+	<z:row lId='1' sId='1670' sText="בדיקת הגיליון"/>
+	<z:row lId='1' sId='1671' sText="כל הגיליונות"/>
+	<z:row lId='1' sId='1672' sText="בדיקה נוספת"/>
+	<z:row lId='1' sId='1673' sText="בדיקת נוסחאות (Esc לעצירה)"/>
+	<z:row lId='1' sId='1674' sText="נוסחאות: {0}. דורשות בדיקה: {1}."/>
+	<z:row lId='1' sId='1675' sText="נוסחאות: {0}. דורשות בדיקה: {1}; מוצגות {2} הראשונות."/>
 </rs:data>
 </xml>

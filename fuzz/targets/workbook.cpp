@@ -1,5 +1,5 @@
 #include "platform/value/AutomationDate.h"
-#include "workbook/SheetCalls.h"
+#include "workbook/cells/SheetCalls.h"
 #include "workbook/WorkbookError.h"
 #include "workbook/WorkbookFile.h"
 
@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::ofstream(file, std::ios::binary)
         << (bytes.starts_with("PK") ? std::string(bytes) : ArchiveOf(bytes));
     try {
-        const qel::Workbook workbook = qel::ReadWorkbook(file);
+        const qel::WorkbookContent workbook = qel::ReadWorkbook(file);
         for (const qel::SheetCall& call : qel::FindSheetCalls(workbook, {})) {
             if (call.call.has_value() != call.fault.empty() || call.sheet >= workbook.sheets.size()) {
                 std::abort();

@@ -38,12 +38,17 @@ struct Place {
     std::int16_t left = 0, top = 0, width = 0, height = 0;
 };
 
+/// Of a window, as a person looks at it.
+enum class WindowSide : std::uint8_t { Left, Right };
+
 struct ControlDesign {
     const char* name; ///< unique on the form; control arrays have an index: "TxtDate(0)"
     ControlKind kind;
     Place place = {};
-    bool isReadOnly = false;  ///< of a text box: cannot be edited, only copied
-    std::int32_t tag = 0;     ///< number of the caption in the suite's table of texts, or 0
+    bool isReadOnly = false; ///< of a text box: cannot be edited, only copied
+    bool isMultiLine =
+        false;            ///< of a text box: wraps its text, which reads from left to right in any language
+    std::int32_t tag = 0; ///< number of the caption in the suite's table of texts, or 0
     const char* caption = ""; ///< shown until the form is translated
     /// Letters, one per language: the first one that the shown caption holds is its access key.
     const char* mnemonic = "";
@@ -110,6 +115,10 @@ public:
 
     /// Calls OnLoad, shows the dialog in front of the calling window, and returns when it is hidden.
     virtual void ShowModal() = 0;
+    /// Calls OnLoad, shows the dialog at a side of the calling window, and returns at once: both windows take
+    /// keys and clicks. The close box is told by OnQueryUnload. A toolkit without such dialogs shows this one
+    /// as ShowModal does.
+    virtual void ShowBeside(WindowSide /*side*/) { ShowModal(); }
     /// Ends ShowModal. The controls keep their state and can be read.
     virtual void Hide() = 0;
     /// A call of Hide that every thread may make at any time; it does nothing once the dialog is gone.

@@ -214,9 +214,10 @@ class Person:
 
     def leave(self):
         """Closes what a test that failed left open."""
-        for title in ("OrmFuncQel4", "Function QEL", "Name QEL", "Lines behind this cell"):
+        for title, button in (("OrmFuncQel4", "OK"), ("Function QEL", "Cancel"), ("Name QEL", "Cancel"),
+                              ("Lines behind this cell", "Cancel"), ("Why this value", "Close"), ("Check this sheet", "Close")):
             for window in self.windows(title):
-                window.button("OK" if title == "OrmFuncQel4" else "Cancel").press()
+                window.button(button).press()
 
     def photograph(self, path):
         subprocess.run(["import", "-display", self.display, "-window", "root", path], check=True)

@@ -9,6 +9,7 @@ import getpass
 import os
 import pathlib
 import re
+import shutil
 import subprocess
 import tempfile
 import time
@@ -60,6 +61,9 @@ class Windows(unittest.TestCase):
         cls.script = cls.folder / "client.vbs"
         cls.script.write_text(SCRIPT, encoding="ascii", newline="\r\n")
         cls.wine("--start")
+        cls.suite = cls.drive / "Suite"
+        shutil.copytree(ROOT / "tests" / "wizard" / "first_release", cls.suite)
+        cls.system("reg", "add", r"HKCU\Software\QRN\Pralix 17", "/v", "MDBPath", "/d", r"C:\Suite", "/f")
         # What Windows has, and a new Wine has not.
         (cls.drive / "users" / getpass.getuser() / "AppData/Local/Programs").mkdir(parents=True, exist_ok=True)
         for key in (r"Classes\CLSID", r"Classes\Interface", r"Classes\TypeLib", UNINSTALL[9:].rpartition("\\")[0]):
@@ -97,7 +101,8 @@ class Windows(unittest.TestCase):
 
     def left(self):
         files = {path.relative_to(self.drive).as_posix() for path in self.drive.rglob("*")}
-        return {name for name in files if not UNTIL_THE_NEXT_START.search(name)}, self.registry()
+        kept = {(path.name, path.read_bytes()) for path in self.suite.iterdir()}  # settings, selections, a cube
+        return {name for name in files if not UNTIL_THE_NEXT_START.search(name)} | kept, self.registry()
 
     def assert_nothing_left_since(self, before):
         files, registry = self.left()
@@ -136,6 +141,8 @@ class Windows(unittest.TestCase):
         entry = self.installed("HKLM")
         self.assertEqual(self.system("cmd", "/c", "qel --version"), (0, f"qel {self.version}\n"))
         self.assertEqual(entry["DisplayVersion"], self.version)
+        self.assertIn("odd.cub", self.system("cmd", "/c", "qel settings")[1])
+        self.assertEqual(self.system("cmd", "/c", r"qel cube verify C:\Suite\odd.cub")[0], 0)
         self.assert_values(entry["InstallLocation"] + r"\example\ledger.cub")
         self.uninstall("HKLM")
         self.assert_nothing_left_since(before)
@@ -178,13 +185,19 @@ class Windows(unittest.TestCase):
         with zipfile.ZipFile(OPTIONS.dist / f"OrmFuncQel4-{self.version}-windows.zip") as archive:
             archive.extractall(self.drive)
         there = f"C:\\OrmFuncQel4-{self.version}"
+        for folder in ("x64",) if OPTIONS.stub else ("x64", "x86"):
+            self.assertEqual(self.system("cmd", "/c", rf"{there}\{folder}\qel.exe --version"), (0, f"qel {self.version}\n"))
         self.assertEqual(self.system("cmd", "/c", there + r"\install.cmd", "/allusers")[0], 0)
         self.assert_values(there + r"\example\ledger.cub")
         self.assertEqual(self.system("cmd", "/c", there + r"\uninstall.cmd", "/allusers")[0], 0)
-        self.assertEqual(self.system("cmd", "/c", there + r"\install.cmd")[0], 0)
-        self.assertEqual(self.excels_add_ins(), ADD_INS)
+        shutil.copytree(self.drive / there[3:], self.drive / "Earlier")
+        for folder in (r"C:\Earlier", there):  # an upgrade: the newer one is registered in place of the earlier one
+            self.assertEqual(self.system("cmd", "/c", folder + r"\install.cmd")[0], 0)
+            self.assertEqual(self.excels_add_ins(), ADD_INS)
+        self.assertNotIn("Earlier", "".join(self.registry().values()))
         self.assertEqual(self.system("cmd", "/c", there + r"\uninstall.cmd")[0], 0)
-        subprocess.run(["rm", "-r", self.drive / f"OrmFuncQel4-{self.version}"], check=True)
+        for folder in ("Earlier", there[3:]):
+            shutil.rmtree(self.drive / folder)
         self.assert_nothing_left_since(before)
 
 

@@ -1,3 +1,4 @@
+#include "platform/dialog/ReadingOrder.h"
 #include "platform/windows/Bstr.h"
 #include "server/OfficeInterfaces.h"
 #include "tests/helpers/TemporaryFolder.h"
@@ -7,6 +8,7 @@
 #include "tests/platform/dialog/win32/Person.h"
 #include "tests/platform/settings/windows/SuiteKey.h"
 #include "text/Utf8Path.h"
+#include "why/WhyFormDesign.h"
 #include "wizard/FunctionFormDesign.h"
 #include "wizard/NameFormDesign.h"
 
@@ -103,7 +105,7 @@ TEST_F(Ribbon, HasThePublishedStructureInBothLanguages) {
         }
         EXPECT_STREQ(document.select_node("//group/@label").attribute().value(), group);
         const pugi::xpath_node_set callbacks = document.select_nodes("//button/@onAction");
-        EXPECT_EQ(callbacks.size(), 6U);
+        EXPECT_EQ(callbacks.size(), 7U);
         for (const pugi::xpath_node& callback : callbacks) {
             EXPECT_NE(BoxAfter(callback.attribute().value()), "") << "without Excel, each says so";
         }
@@ -133,30 +135,70 @@ TEST_F(Ribbon, TellsWhatAButtonFailsWithAndLetsExcelGo) {
     EXPECT_EQ(application->Release(), 1U) << "nothing but the test refers to it";
 }
 
-TEST_F(Ribbon, PutsTheLinesBehindACellIntoASheet) {
+std::string TextOfClipboard() {
+    ::OpenClipboard(nullptr);
+    const HANDLE text = ::GetClipboardData(CF_UNICODETEXT);
+    std::string copied = windows::ToUtf8(static_cast<const wchar_t*>(::GlobalLock(text)));
+    ::GlobalUnlock(text);
+    ::CloseClipboard();
+    return copied;
+}
+
+/// A workbook whose active cell, of a protected sheet, adds up January 2024.
+std::shared_ptr<ObjectRecord> WorkbookWithAFormula() {
     const auto record = std::make_shared<ObjectRecord>();
     record->values = {
         {"ActiveCell.Row", std::int32_t{3}},
         {"ActiveCell.Column", std::int32_t{2}},
         {"ActiveCell.HasFormula", true},
         {"ActiveCell.HasArray", false},
-        {"ActiveCell.Locked", true}, // a protected sheet can be read
+        {"ActiveCell.Locked", true},
         {"ActiveCell.Worksheet.ProtectContents", true},
         {"ActiveCell.Formula2",
          std::string(
              "=1+OrmFunctionQel4.OrmQelFunction.QelF1(\"" QEL_TEST_CUBE
-             "\",\"LedgerFNC\",{\"OBS\"},{\"1\"},{\"All\"},{\"All\"},{\"All\"},\"SuperSum1\",\"4\",\"All\","
-             "\"Amount\",\"All\",\"All\",\"All\",\"All\",\"All\",DATE(2024,1,1),DATE(2024,1,31))")},
+             "\",\"LedgerFNC\",{\"OBS\"},{\"1\"},{\"All\"},{\"All\"},{\"All\"},\"SuperSum1\",\"4\","
+             "\"All\",\"Amount\",\"All\",\"All\",\"All\",\"All\",\"All\",DATE(2024,1,1),DATE(2024,1,31))")},
         {"ActiveWorkbook.ProtectStructure", false},
         {"ActiveWorkbook.Sheets.Count", std::int32_t{1}},
         {"ActiveWorkbook.Sheets.Item(1).Name", std::string("Report")},
         {"ActiveWorkbook.ActiveSheet.Name", std::string("Report")},
     };
+    return record;
+}
+
+TEST_F(Ribbon, PutsTheLinesBehindACellIntoASheet) {
+    const auto record = WorkbookWithAFormula();
     EXPECT_EQ(addIn_->OnConnection(RecordedObject(record).Get(), 0, object_.Get(), nullptr), S_OK);
     EXPECT_EQ(BoxAfter("OnLines"), "");
     for (auto& l : record->lines) {
         std::cout << l << std::endl;
     }
+}
+
+TEST_F(Ribbon, TellsWhyACellHasItsValue) {
+    folder_.Write("Qel.ini", "[Qel]\r\nQelUILanguage=1\r\n"); // Hebrew, without the suite's texts
+    const auto record = WorkbookWithAFormula();
+    EXPECT_EQ(addIn_->OnConnection(RecordedObject(record).Get(), 0, object_.Get(), nullptr), S_OK);
+    std::string heading;
+    Person::ActDuring([&] { EXPECT_EQ(Press("OnWhy"), S_OK); },
+                      [&] {
+                          const Person person(WhyFormDesign());
+                          EXPECT_TRUE(::GetWindowLongW(person.Dialog(), GWL_EXSTYLE) & WS_EX_LAYOUTRTL);
+                          heading = WithoutDirection(person.Read(WhyFormControl::Heading));
+                          EXPECT_THAT(person.Read(WhyFormControl::Statement),
+                                      testing::StartsWith("WITH MEMBER [Date].DateSel"));
+                          person.Click(WhyFormControl::Copy);
+                          person.Click(WhyFormControl::Lines);
+                          person.Click(WhyFormControl::EditFormula); // of a protected sheet
+                          EXPECT_THAT(Person::Answer(IDOK), testing::HasSubstr("The cell is protected."));
+                          person.Click(WhyFormControl::Close);
+                          person.ExpectGone();
+                      },
+                      "OnWhy");
+    EXPECT_THAT(heading, testing::StartsWith("Report.B3: -7581273."));
+    EXPECT_THAT(TextOfClipboard(), testing::StartsWith(heading + "\r\n"));
+    EXPECT_THAT(record->lines, testing::Contains(testing::EndsWith(".Name = Report B3")));
 }
 
 TEST_F(Ribbon, ShowsTheWizardsOnTheActiveCell) {

@@ -79,10 +79,7 @@ void OfficeControl::MakeAsDesigned(const FormDesign& form) {
         Set("MultiLine", uno::Any(true));
         break;
     case ControlKind::TextBox:
-        Set("ReadOnly", uno::Any(Design().isReadOnly));
-        // Paths, dates and numbers read from left to right in any language.
-        Set("WritingMode", uno::Any(com::sun::star::text::WritingMode2::LR_TB));
-        Set("Align", uno::Any(IsRightToLeft() ? alignRight : alignLeft));
+        MakeTextBox();
         break;
     case ControlKind::Button:
         Set("DefaultButton", uno::Any(Design().name == std::string_view(form.defaultButton)));
@@ -101,6 +98,15 @@ void OfficeControl::MakeAsDesigned(const FormDesign& form) {
         break;
     }
     AlignToReading();
+}
+
+void OfficeControl::MakeTextBox() {
+    Set("ReadOnly", uno::Any(Design().isReadOnly));
+    Set("MultiLine", uno::Any(Design().isMultiLine));
+    Set("VScroll", uno::Any(Design().isMultiLine));
+    // Paths, dates and numbers read from left to right in any language.
+    Set("WritingMode", uno::Any(com::sun::star::text::WritingMode2::LR_TB));
+    Set("Align", uno::Any(IsRightToLeft() && !Design().isMultiLine ? alignRight : alignLeft));
 }
 
 void OfficeControl::AlignToReading() {

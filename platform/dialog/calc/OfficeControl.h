@@ -39,6 +39,7 @@ private:
     void Set(const char* property, const com::sun::star::uno::Any& value);
     void PutInPlace(const FormDesign& form, std::size_t index);
     void MakeAsDesigned(const FormDesign& form);
+    void MakeTextBox();
     void AlignToReading();
 
     com::sun::star::uno::Reference<com::sun::star::beans::XPropertySet> model_;

@@ -59,6 +59,9 @@ OfficeDialog::OfficeDialog(OfficeWindows& windows, const FormDesign& design, boo
 
 OfficeDialog::~OfficeDialog() {
     later_->Silence();
+    if (closing_.is()) {
+        closing_->Silence();
+    }
     if (hider_.is()) {
         hider_->Silence();
     }
@@ -117,16 +120,20 @@ ControlCallbacks OfficeDialog::CallbacksOf(OfficeControl& control) {
             .onFocus = [this, &control] { OnFocus(control); }};
 }
 
+bool OfficeDialog::Load() {
+    isHidden_ = false;
+    focused_ = nullptr;
+    clicked_ = spoilt_ = nullptr;
+    left_.clear();
+    changed_.clear();
+    told_ = nullptr;
+    Tell([&] { Events().OnLoad(); });
+    return !isHidden_;
+}
+
 void OfficeDialog::ShowModal() {
     Translating([&] {
-        isHidden_ = false;
-        focused_ = nullptr;
-        clicked_ = spoilt_ = nullptr;
-        left_.clear();
-        changed_.clear();
-        told_ = nullptr;
-        Tell([&] { Events().OnLoad(); });
-        if (isHidden_) {
+        if (!Load()) {
             return;
         }
         windows_.Centre({window_, uno::UNO_QUERY});
@@ -150,9 +157,27 @@ void OfficeDialog::ShowModal() {
     });
 }
 
+void OfficeDialog::ShowBeside(WindowSide side) {
+    Translating([&] {
+        if (!Load()) {
+            return;
+        }
+        const uno::Reference<awt::XWindow> own(window_, uno::UNO_QUERY_THROW);
+        windows_.PutBeside(own, side);
+        closing_ = rtl::Reference<CloseListener>(new CloseListener([this] {
+            if (handlers_ == 0) {
+                Hide();
+                Events().OnQueryUnload();
+            }
+        }));
+        uno::Reference<awt::XTopWindow>(window_, uno::UNO_QUERY_THROW)->addTopWindowListener(closing_.get());
+        own->setVisible(true);
+    });
+}
+
 std::function<void()> OfficeDialog::Hider() {
     if (!hider_.is()) {
-        hider_ = new LaterCall([this] { Hide(); });
+        hider_ = rtl::Reference<LaterCall>(new LaterCall([this] { Hide(); }));
     }
     return [hider = hider_, office = windows_.Office()] {
         try {
@@ -164,6 +189,11 @@ std::function<void()> OfficeDialog::Hider() {
 
 void OfficeDialog::Hide() {
     isHidden_ = true;
+    if (closing_.is()) {
+        closing_->Silence();
+        closing_.clear();
+        uno::Reference<awt::XWindow>(window_, uno::UNO_QUERY_THROW)->setVisible(false);
+    }
     for (const auto& control : OwnControls()) {
         if (control->Search() != nullptr) {
             const OwnChange own(*this);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/dialog/DesignedDialog.h"
+#include "platform/dialog/calc/CloseListener.h"
 #include "platform/dialog/calc/ControlListener.h"
 #include "platform/dialog/calc/LaterCall.h"
 #include "platform/dialog/calc/OfficeControl.h"
@@ -23,6 +24,7 @@ public:
     OfficeDialog& operator=(const OfficeDialog&) = delete;
 
     void ShowModal() override;
+    void ShowBeside(WindowSide side) override;
     void Hide() override;
     std::function<void()> Hider() override;
     /// The office cannot open this kind of help file.
@@ -38,6 +40,8 @@ private:
 
     void MakeModel();
     void MakeWindow();
+    /// False when the handler hid the dialog.
+    bool Load();
     ControlCallbacks CallbacksOf(OfficeControl& control);
     void OnPressed(const OfficeControl& control);
     void OnItem(OfficeControl& control);
@@ -67,8 +71,9 @@ private:
     com::sun::star::uno::Reference<com::sun::star::awt::XControl> window_;
     std::vector<rtl::Reference<ControlListener>> listeners_;
     rtl::Reference<LaterCall> later_;
-    rtl::Reference<LaterCall> hider_;  ///< null until it is needed
-    OfficeControl* focused_ = nullptr; ///< the control that had the focus last
+    rtl::Reference<LaterCall> hider_;       ///< null until it is needed
+    rtl::Reference<CloseListener> closing_; ///< of a dialog that is shown beside its window
+    OfficeControl* focused_ = nullptr;      ///< the control that had the focus last
     /// The one that took it, unless it came with Tab: the mouse may be down on it.
     const OfficeControl* clicked_ = nullptr;
     const OfficeControl* spoilt_ = nullptr; ///< whose press began before a handler showed something new

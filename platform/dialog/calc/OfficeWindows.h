@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/dialog/DialogToolkit.h"
+
 #include <com/sun/star/awt/XWindow.hpp>
 #include <com/sun/star/awt/XWindowPeer.hpp>
 #include <com/sun/star/uno/XComponentContext.hpp>
@@ -22,6 +24,9 @@ public:
     WindowPeer Active() const;
     /// Moves a new window to the middle of Active.
     void Centre(const com::sun::star::uno::Reference<com::sun::star::awt::XWindow>& own) const;
+    /// Moves a new window to a side of Active: out of it where the screen has room, otherwise to its edge.
+    void PutBeside(const com::sun::star::uno::Reference<com::sun::star::awt::XWindow>& own,
+                   WindowSide side) const;
     void Shown(const WindowPeer& dialog) { dialogs_.push_back(dialog); }
     void LastHidden() { dialogs_.pop_back(); }
 

@@ -4,6 +4,7 @@
 #include "platform/dialog/win32/CarriedPointer.h"
 #include "platform/dialog/win32/DrawnText.h"
 #include "platform/windows/WideText.h"
+#include "text/Text.h"
 
 #include <algorithm>
 
@@ -26,7 +27,10 @@ WindowKind KindOf(const ControlDesign& design, bool isDefaultButton) {
     case ControlKind::Label:
         return {WC_STATICW, SS_LEFT | WS_GROUP, 0};
     case ControlKind::TextBox:
-        return {WC_EDITW, ES_AUTOHSCROLL | input | (design.isReadOnly ? ES_READONLY : 0U), WS_EX_CLIENTEDGE};
+        return {WC_EDITW,
+                (design.isMultiLine ? ES_MULTILINE | ES_AUTOVSCROLL | WS_VSCROLL : ES_AUTOHSCROLL) | input |
+                    (design.isReadOnly ? ES_READONLY : 0U),
+                WS_EX_CLIENTEDGE};
     case ControlKind::Button:
         return {WC_BUTTONW, input | (isDefaultButton ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON), 0};
     case ControlKind::CheckBox:
@@ -75,7 +79,8 @@ DialogControl::DialogControl(HWND dialog, const ControlDesign& design, WORD id, 
     // Paths, dates and numbers read from left to right in any language, so a mirrored dialog's text boxes are
     // not mirrored.
     const bool isUnmirrored = isRightToLeft && design.kind == ControlKind::TextBox;
-    const DWORD style = kind.style | WS_CHILD | WS_VISIBLE | (isUnmirrored ? ES_RIGHT : 0U) |
+    const bool isFromRight = isUnmirrored && !design.isMultiLine;
+    const DWORD style = kind.style | WS_CHILD | WS_VISIBLE | (isFromRight ? ES_RIGHT : 0U) |
                         (isRightToLeft ? DrawnStyle(design.kind) : 0U);
     window_ = ::CreateWindowExW(kind.extendedStyle, kind.className, L"", style, 0, 0, 0, 0, dialog,
                                 CarriedPointer<std::remove_pointer_t<HMENU>>(static_cast<UINT_PTR>(id)),
@@ -164,7 +169,7 @@ std::string DialogControl::Content() const {
     if (Design().kind == ControlKind::ComboBox || Design().kind == ControlKind::ListBox) {
         return ItemsOfBox().SelectedText();
     }
-    return ToUtf8(WindowText(window_));
+    return ReplaceAll(ToUtf8(WindowText(window_)), "\r\n", "\n");
 }
 
 void DialogControl::SetContent(const std::string& text) {
@@ -173,7 +178,7 @@ void DialogControl::SetContent(const std::string& text) {
         return;
     }
     ReadFrom(text);
-    ::SetWindowTextW(window_, ToWide(text).c_str());
+    ::SetWindowTextW(window_, ToWide(ReplaceAll(text, "\n", "\r\n")).c_str());
 }
 
 void DialogControl::ReadFrom(const std::string& text) const {

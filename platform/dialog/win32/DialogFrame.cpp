@@ -44,7 +44,14 @@ void DialogFrame::Resize(SIZE insideFrame) const {
                    SWP_NOMOVE | SWP_NOZORDER | SWP_NOACTIVATE);
 }
 
-void DialogFrame::Centre() const {
+LONG DialogFrame::LeftIn(const RECT& around, LONG width) const {
+    if (side_) {
+        return *side_ == WindowSide::Left ? around.left : around.right - width;
+    }
+    return (around.left + around.right - width) / 2;
+}
+
+void DialogFrame::Place() const {
     const HWND owner = ::GetWindow(window_, GW_OWNER);
     MONITORINFO monitor = {};
     monitor.cbSize = sizeof(monitor);
@@ -60,8 +67,7 @@ void DialogFrame::Centre() const {
     const LONG width = area.right - area.left;
     const LONG height = area.bottom - area.top;
     // Inside the screen; the top left corner is always visible.
-    const LONG left =
-        std::max(std::min((around.left + around.right - width) / 2, work.right - width), work.left);
+    const LONG left = std::max(std::min(LeftIn(around, width), work.right - width), work.left);
     const LONG top =
         std::max(std::min((around.top + around.bottom - height) / 2, work.bottom - height), work.top);
     ::SetWindowPos(window_, nullptr, left, top, 0, 0, SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE);
@@ -70,7 +76,7 @@ void DialogFrame::Centre() const {
 void DialogFrame::RunModal(HWND firstFocus, const std::function<void(HWND)>& beforeClick) {
     if (!isEnded_) {
         const DisabledWindows others(window_);
-        Centre();
+        Place();
         ::ShowWindow(window_, SW_SHOW);
         ::SetForegroundWindow(window_);
         ::SendMessageW(window_, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(firstFocus), TRUE);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/dialog/DialogToolkit.h"
 #include "platform/dialog/win32/ControlsApi.h"
 
 #include <exception>
@@ -30,6 +31,8 @@ public:
 
     /// Resets an earlier End.
     void Begin() { isEnded_ = false; }
+    /// From now on the window is shown at that side of its owner, not in front of it.
+    void StandAt(WindowSide side) { side_ = side; }
     /// Shows the window in front of its owner until End, with the thread's other windows disabled. Returns at
     /// once when End was called after Begin. `beforeClick` is called with a window before it gets a click. An
     /// exception from a handler ends the dialog and is passed on.
@@ -39,10 +42,13 @@ public:
 private:
     static INT_PTR CALLBACK Procedure(HWND window, UINT message, WPARAM word, LPARAM value);
     void Pump(const std::function<void(HWND)>& beforeClick);
-    void Centre() const;
+    /// Where it stands in the owner's or the screen's area.
+    LONG LeftIn(const RECT& around, LONG width) const;
+    void Place() const;
 
     Handler handler_;
     HWND window_ = nullptr;
+    std::optional<WindowSide> side_;
     bool isEnded_ = false, isRunning_ = false;
     std::exception_ptr failure_;
 };

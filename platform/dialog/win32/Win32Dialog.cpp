@@ -82,6 +82,11 @@ void Win32Dialog::ShowModal() {
     waiting_.clear();
 }
 
+void Win32Dialog::ShowBeside(WindowSide side) {
+    frame_.StandAt(side);
+    ShowModal();
+}
+
 std::function<void()> Win32Dialog::Hider() {
     return [window = frame_.Window()] { ::PostMessageW(window, hideDialog, 0, 0); };
 }

@@ -20,6 +20,8 @@ public:
     Win32Dialog& operator=(const Win32Dialog&) = delete;
 
     void ShowModal() override;
+    /// As ShowModal: the spreadsheet's message loop would not move the focus between the controls.
+    void ShowBeside(WindowSide side) override;
     void Hide() override { frame_.End(); }
     std::function<void()> Hider() override;
     void SetHelpFile(const std::string& path) override { helpFile_ = path; }

@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <com/sun/star/awt/Point.hpp>
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/document/XUndoManagerSupplier.hpp>
 #include <com/sun/star/frame/XModel.hpp>
@@ -21,13 +22,16 @@
 #include <com/sun/star/sheet/XSheetCellRange.hpp>
 #include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
 #include <com/sun/star/sheet/XSpreadsheetView.hpp>
+#include <com/sun/star/sheet/XViewPane.hpp>
 #include <com/sun/star/table/CellContentType.hpp>
+#include <com/sun/star/text/WritingMode2.hpp>
 #include <com/sun/star/text/XTextRange.hpp>
 #include <com/sun/star/util/CellProtection.hpp>
 #include <com/sun/star/util/XModifiable.hpp>
 #include <com/sun/star/util/XNumberFormatTypes.hpp>
 #include <com/sun/star/util/XNumberFormatsSupplier.hpp>
 #include <com/sun/star/util/XProtectable.hpp>
+#include <cstdlib>
 
 namespace qel::office {
 
@@ -410,8 +414,31 @@ std::shared_ptr<FormulaCell> ChosenFormulaCellOf(const SheetDocument& document) 
     });
 }
 
+bool StandsRight(const SheetDocument& document, const SheetRange& cell) {
+    return Translating([&] {
+        const auto controller = ControllerOf(document);
+        const auto spreadsheet = As<sheet::XSpreadsheetView>(controller)->getActiveSheet();
+        const auto shown = As<sheet::XViewPane>(controller)->getVisibleRange();
+        const auto leftOf = [&](sal_Int32 column) {
+            com::sun::star::awt::Point place;
+            As<XPropertySet>(spreadsheet->getCellByPosition(column, 0))->getPropertyValue("Position") >>=
+                place;
+            return place.X;
+        };
+        const auto first = leftOf(shown.StartColumn), last = leftOf(shown.EndColumn);
+        sal_Int16 direction = 0;
+        As<XPropertySet>(spreadsheet)->getPropertyValue("TableLayout") >>= direction;
+        const bool isFar = std::abs(leftOf(cell.Column() - 1) - first) * 2 > std::abs(last - first);
+        return isFar != (direction == com::sun::star::text::WritingMode2::RL_TB);
+    });
+}
+
 std::shared_ptr<SheetRange> CellFrom(const uno::Any& object, const SheetDocument& document) {
-    return Translating([&]() -> std::shared_ptr<SheetRange> {
+    return FormulaCellFrom(object, document);
+}
+
+std::shared_ptr<FormulaCell> FormulaCellFrom(const uno::Any& object, const SheetDocument& document) {
+    return Translating([&]() -> std::shared_ptr<FormulaCell> {
         const uno::Reference<uno::XInterface> any(object, uno::UNO_QUERY);
         const RangeReference range = FirstRange(any);
         return range.is() ? FirstCell(document, range) : nullptr;

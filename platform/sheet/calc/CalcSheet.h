@@ -18,8 +18,15 @@ std::shared_ptr<FormulaCell> ActiveFormulaCellOf(const SheetDocument& document);
 /// The same; null where something else is chosen, such as a drawing.
 std::shared_ptr<FormulaCell> ChosenFormulaCellOf(const SheetDocument& document);
 
+/// Whether the cell stands in the right half of what the document's window shows.
+bool StandsRight(const SheetDocument& document, const SheetRange& cell);
+
 /// The cell, or the first cell of the range, that a macro passed; null for any other object. Its document is
 /// the one whose window shows it.
 std::shared_ptr<SheetRange> CellFrom(const com::sun::star::uno::Any& object, const SheetDocument& document);
+
+/// The same, to edit its formula.
+std::shared_ptr<FormulaCell> FormulaCellFrom(const com::sun::star::uno::Any& object,
+                                             const SheetDocument& document);
 
 } // namespace qel::office

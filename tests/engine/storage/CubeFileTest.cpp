@@ -110,10 +110,14 @@ TEST(CubeFile, TellsAnotherVersionFromDamage) {
     const TemporaryFolder folder;
     SmallCube().Write(folder.Path("a.cub"));
     std::string bytes = folder.Read("a.cub");
-    ++bytes[8];
-    const auto [kind, text] = FaultOf([&] { CubeFile::Open(folder.Write("new.cub", bytes)); });
-    EXPECT_EQ(kind, ErrorKind::UnsupportedVersion);
-    EXPECT_THAT(text, HasSubstr("format version 4; this program reads version 3"));
+    for (const auto& [version, message] :
+         {std::pair{char{2}, "format version 2; this program reads version 3; build the file again"},
+          std::pair{char{4}, "format version 4; this program reads version 3; install a newer version"}}) {
+        bytes[8] = version;
+        const auto [kind, text] = FaultOf([&] { CubeFile::Open(folder.Write("other.cub", bytes)); });
+        EXPECT_EQ(kind, ErrorKind::UnsupportedVersion);
+        EXPECT_THAT(text, HasSubstr(message));
+    }
 }
 
 /// Pages of facts are not read when the file is opened; they are checked when read.

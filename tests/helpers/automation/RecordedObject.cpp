@@ -87,7 +87,7 @@ private:
         if (!read.IsArray()) {
             return Shown(read);
         }
-        const auto array = read.As<std::shared_ptr<const VariantArray>>();
+        const auto& array = read.As<std::shared_ptr<const VariantArray>>();
         const auto rows = static_cast<std::size_t>(array->bounds.at(0).upper) + 1;
         std::string shown;
         for (std::size_t row = 0; row < rows; ++row) {

@@ -20,6 +20,6 @@ struct ObjectRecord {
 
 /// An object that has every member. A property without a value is an object, whose path is the member's; the
 /// arguments belong to it: "Cells(1,2)". Calls in other locales than a macro's are refused.
-ComPointer<IDispatch> RecordedObject(const std::shared_ptr<ObjectRecord>& record);
+windows::ComPointer<IDispatch> RecordedObject(const std::shared_ptr<ObjectRecord>& record);
 
 } // namespace qel::test

@@ -79,17 +79,22 @@ class Screen:
         self.component.mkdir(exist_ok=True)
         server = self.component / "OrmFuncQel4.dll"
         shutil.copy(self.server, server)
-        marlett = pathlib.Path("/usr/share/wine/fonts/marlett.ttf") # the letters that are a window's own buttons
-        if marlett.exists():
-            shutil.copy(marlett, self.drive / "windows" / "Fonts")
-        keys = "[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n\"Managed\"=\"N\"\n" \
-               "[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]\n\"Tahoma\"=\"DejaVu Sans Condensed\"\n"
+        keys = ""
         for name, number in (("QelTest.Sheet", SHEET), ("ADODB.Recordset", RECORDSET), ("MSPersist", RECORDSET)):
             keys += f"[HKEY_CLASSES_ROOT\\{name}\\CLSID]\n@=\"{number}\"\n" \
                     f"[HKEY_CLASSES_ROOT\\CLSID\\{number}\\InprocServer32]\n" \
                     f'@="{registry_text(windows_path(self.classes))}"\n"ThreadingModel"="Both"\n'
-        self.add_to_registry(keys)
+        self.prepare_look(keys)
         self.wine("--test", "regsvr32", "/s", windows_path(server))
+
+    def prepare_look(self, keys=""):
+        """Windows without a window manager, in fonts that this machine has."""
+        marlett = pathlib.Path("/usr/share/wine/fonts/marlett.ttf") # the letters that are a window's own buttons
+        if marlett.exists():
+            shutil.copy(marlett, self.drive / "windows" / "Fonts")
+        look = "[HKEY_CURRENT_USER\\Software\\Wine\\X11 Driver]\n\"Managed\"=\"N\"\n" \
+               "[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]\n\"Tahoma\"=\"DejaVu Sans Condensed\"\n"
+        self.add_to_registry(look + keys)
 
     def add_to_registry(self, keys):
         path = self.folder / "keys.reg"

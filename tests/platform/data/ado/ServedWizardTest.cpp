@@ -66,7 +66,7 @@ public:
         place.sin_addr.s_addr = ::htonl(INADDR_LOOPBACK);
         int size = sizeof(place);
         auto* const address = reinterpret_cast<sockaddr*>(&place);
-        ::bind(socket_, address, size);
+        EXPECT_EQ(::bind(socket_, address, size), 0);
         ::listen(socket_, SOMAXCONN);
         ::getsockname(socket_, address, &size);
         port_ = ::ntohs(place.sin_port);

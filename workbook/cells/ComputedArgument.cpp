@@ -1,4 +1,4 @@
-#include "workbook/ComputedArgument.h"
+#include "workbook/cells/ComputedArgument.h"
 
 #include "platform/value/Conversion.h"
 #include "text/CaseFold.h"

@@ -1,4 +1,4 @@
-#include "workbook/SheetCalls.h"
+#include "workbook/cells/SheetCalls.h"
 
 #include "function/formula/FormulaError.h"
 #include "function/formula/ParseFormula.h"
@@ -6,7 +6,7 @@
 #include "platform/value/AutomationError.h"
 #include "platform/value/CellValues.h"
 #include "text/CaseFold.h"
-#include "workbook/ComputedArgument.h"
+#include "workbook/cells/ComputedArgument.h"
 
 #include <fmt/format.h>
 
@@ -37,7 +37,7 @@ public:
 /// The values of the arguments in one sheet.
 class ArgumentValues {
 public:
-    ArgumentValues(const Workbook& workbook, std::size_t sheet, const Locale& locale)
+    ArgumentValues(const WorkbookContent& workbook, std::size_t sheet, const Locale& locale)
         : workbook_(workbook), sheet_(sheet), locale_(locale) {}
 
     FormulaCall Bind(const WrittenCall& written) const {
@@ -118,7 +118,7 @@ private:
         if (range.isElsewhere) {
             throw UnreadArgument(fmt::format("{} refers to another file", text));
         }
-        const Sheet* sheet =
+        const SheetContent* sheet =
             range.sheet.empty() ? &workbook_.sheets[sheet_] : workbook_.SheetNamed(range.sheet);
         if (sheet == nullptr) {
             throw UnreadArgument(fmt::format("{} refers to a sheet that is not there", text));
@@ -139,13 +139,16 @@ private:
         if (values.size() > 1) {
             throw UnreadArgument(fmt::format("{} are several cells for one value", text));
         }
+        if (workbook_.isOpenDocument && values.front().Is<Empty>()) {
+            return 0.0; // as Calc passes an empty cell
+        }
         const auto* number = std::get_if<double>(&values.front().Get());
         return kind == Kind::Date && number != nullptr ? Variant(*number + workbook_.daysBefore)
                                                        : values.front();
     }
 
-    static Variant CellOf(const Sheet& sheet, CellPlace place) {
-        const auto found = sheet.values.find(Sheet::KeyOf(place));
+    static Variant CellOf(const SheetContent& sheet, CellPlace place) {
+        const auto found = sheet.values.find(SheetContent::KeyOf(place));
         if (found == sheet.values.end()) {
             return {};
         }
@@ -159,7 +162,7 @@ private:
         return found->second;
     }
 
-    const Workbook& workbook_;
+    const WorkbookContent& workbook_;
     std::size_t sheet_;
     const Locale& locale_;
 };
@@ -181,7 +184,7 @@ SheetCall Read(const ArgumentValues& values, const WrittenCall& written, std::si
 
 } // namespace
 
-std::vector<SheetCall> FindSheetCalls(const Workbook& workbook, const Locale& locale) {
+std::vector<SheetCall> FindSheetCalls(const WorkbookContent& workbook, const Locale& locale) {
     std::vector<SheetCall> calls;
     for (std::size_t sheet = 0; sheet < workbook.sheets.size(); ++sheet) {
         const ArgumentValues values(workbook, sheet, locale);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "function/formula/BindFormula.h"
-#include "workbook/WorkbookFile.h"
+#include "workbook/cells/WorkbookContent.h"
 
 #include <optional>
 #include <string>
@@ -19,6 +19,6 @@ struct SheetCall {
 };
 
 /// All calls of the workbook, sheet by sheet; their arguments have the values that the file keeps.
-std::vector<SheetCall> FindSheetCalls(const Workbook& workbook, const Locale& locale);
+std::vector<SheetCall> FindSheetCalls(const WorkbookContent& workbook, const Locale& locale);
 
 } // namespace qel

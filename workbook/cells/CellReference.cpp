@@ -1,4 +1,4 @@
-#include "workbook/CellReference.h"
+#include "workbook/cells/CellReference.h"
 
 #include "text/Text.h"
 
@@ -92,12 +92,12 @@ std::optional<CellRange> ReadCells(std::string_view text, CellRange range, bool 
 }
 
 std::optional<CellRange> ReadOpenDocumentReference(std::string_view text) {
-    if (!text.starts_with('[') || !text.ends_with(']')) {
-        return std::nullopt;
+    const bool isInFile = text.starts_with('[') && text.ends_with(']');
+    if (isInFile) {
+        text = text.substr(1, text.size() - 2);
     }
-    text = text.substr(1, text.size() - 2);
     CellRange range;
-    if (text.find('#') != std::string_view::npos) { // 'file:///…'#$Sheet1.A1
+    if (isInFile && text.find('#') != std::string_view::npos) { // 'file:///…'#$Sheet1.A1
         range.isElsewhere = true;
         return range;
     }
@@ -105,10 +105,10 @@ std::optional<CellRange> ReadOpenDocumentReference(std::string_view text) {
         text.remove_prefix(1);
     }
     const auto sheet = TakeSheet(text, '.');
-    if (!sheet) {
+    if (!sheet && isInFile) {
         return std::nullopt;
     }
-    range.sheet = *sheet;
+    range.sheet = sheet.value_or("");
     return ReadCells(text, range, true);
 }
 

@@ -25,8 +25,8 @@ struct CellRange {
     bool isElsewhere = false; ///< in another file
 };
 
-/// A reference as one of the two kinds of files writes it: "'My sheet'!$A$1:B2" or "[$'My sheet'.A1:.B2]".
-/// None for any other text.
+/// A reference as one of the two kinds of files writes it: "'My sheet'!$A$1:B2" or "[$'My sheet'.A1:.B2]",
+/// which an open document has without brackets. None for any other text.
 std::optional<CellRange> ReadReference(std::string_view text, bool isOpenDocument);
 
 /// A formula that several cells of an .xlsx file share, as it reads `down` and `right` of its first cell.

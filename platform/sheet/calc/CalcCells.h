@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/sheet/calc/CalcSheet.h"
+#include "platform/value/Variant.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace qel::office {
+
+/// What a walk over a sheet's cells is told; rows and columns are counted from 0.
+using TakeFormula = std::function<void(std::uint32_t row, std::uint32_t column, const std::string& formula)>;
+using TakeValue = std::function<void(std::uint32_t row, std::uint32_t column, Variant value)>;
+
+/// The formulas of a sheet without the equals sign; those of array formulas are left out.
+void WalkFormulas(const SheetDocument& document, const std::string& sheet, const TakeFormula& take);
+
+/// The values of the cells that are not empty: numbers, texts, and an ErrorValue for an error. Raises for
+/// too many cells.
+void WalkValues(const SheetDocument& document, const std::string& sheet, const TakeValue& take);
+
+/// A cell of a sheet, counted from 0, to edit its formula.
+std::shared_ptr<FormulaCell> FormulaCellAt(const SheetDocument& document, const std::string& sheet,
+                                           std::uint32_t row, std::uint32_t column);
+
+/// Shows the cell and chooses it.
+void GoToCell(const SheetDocument& document, const std::string& sheet, std::uint32_t row,
+              std::uint32_t column);
+
+/// Calls with each name of the document, or of a sheet, whose content does not depend on the cell that uses
+/// it.
+void WalkNames(const SheetDocument& document,
+               const std::function<void(const std::string& sheet, const std::string& name,
+                                        const std::string& content)>& take);
+
+} // namespace qel::office

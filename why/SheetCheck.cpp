@@ -1,0 +1,103 @@
+#include "why/SheetCheck.h"
+
+#include "platform/value/AutomationError.h"
+#include "platform/value/FailureText.h"
+#include "reason/RunFormula.h"
+
+#include <algorithm>
+#include <tuple>
+#include <utility>
+
+namespace qel {
+
+SheetCheck::SheetCheck(const Providers& providers, const Locale& locale, std::int16_t language,
+                       CubePath fullPath)
+    : locale_(locale), language_(language), fullPath_(std::move(fullPath)), batch_(providers),
+      judge_(providers, locale) {}
+
+void SheetCheck::Run(const WorkbookContent& content, const ReadCell& read,
+                     const std::function<void(double share)>& progress) {
+    auto calls = FindSheetCalls(content, locale_);
+    formulas_ = calls.size();
+    const auto isOfOtherCell = [](const SheetCall& left, const SheetCall& right) {
+        return left.sheet != right.sheet || left.place.row != right.place.row ||
+               left.place.column != right.place.column;
+    };
+    constexpr std::size_t step = 64;
+    for (std::size_t begin = 0, told = 0; begin < calls.size();) {
+        if (begin >= told) {
+            progress(static_cast<double>(begin) / static_cast<double>(calls.size()));
+            told = begin + step;
+        }
+        std::size_t end = begin + 1;
+        while (end < calls.size() && !isOfOtherCell(calls[begin], calls[end])) {
+            ++end;
+        }
+        CheckCell({content.sheets[calls[begin].sheet].name, calls[begin].place},
+                  std::span(calls).subspan(begin, end - begin), read);
+        begin = end;
+    }
+}
+
+void SheetCheck::CheckCell(const Cell& cell, std::span<SheetCall> calls, const ReadCell& read) {
+    if (std::any_of(calls.begin(), calls.end(), [](const SheetCall& call) { return call.isUnread; })) {
+        return CheckByReading(cell, read);
+    }
+    for (SheetCall& call : calls) {
+        if (!call.call) {
+            Find(cell, call.fault);
+            continue;
+        }
+        std::visit([&](auto& arguments) { arguments.cubeFile = FullPath(arguments.cubeFile); },
+                   call.call->arguments);
+        Judge(cell, *call.call);
+    }
+}
+
+void SheetCheck::CheckByReading(const Cell& cell, const ReadCell& read) {
+    try {
+        const CellCalls calls = read(cell.sheet, cell.place);
+        for (const CellCall& value : calls.values) {
+            if (value.faulty.empty()) { // otherwise the cell shows an error
+                Judge(cell, {WorksheetFunction::QeLF1, value.call, value.given});
+            }
+        }
+        for (const NameCall& name : calls.names) {
+            Judge(cell, {WorksheetFunction::QelName, name});
+        }
+    } catch (const AutomationError& error) {
+        Find(cell, error.Description());
+    }
+}
+
+void SheetCheck::Judge(const Cell& cell, const FormulaCall& call) {
+    try {
+        const auto& [file, cube] =
+            std::visit([](const auto& arguments) { return std::tie(arguments.cubeFile, arguments.CubeName); },
+                       call.arguments);
+        const auto judgement = judge_.Of(call, RunFormula(batch_.FunctionOf(file, cube, locale_), call));
+        std::string reasons;
+        for (const Reason& reason : judgement.reasons) {
+            reasons += (reasons.empty() ? "" : "; ") + ReasonText(reason, language_);
+        }
+        if (judgement.verdict != Verdict::Sound) {
+            Find(cell, std::move(reasons));
+        }
+    } catch (const AutomationError& error) {
+        Find(cell, FailureText(error));
+    }
+}
+
+void SheetCheck::Find(const Cell& cell, std::string reason) {
+    findings_.push_back({cell.sheet, cell.place, std::move(reason)});
+}
+
+const std::string& SheetCheck::FullPath(const std::string& cubeFile) {
+    const auto [path, isNew] = paths_.try_emplace(cubeFile);
+    if (isNew) {
+        path->second = fullPath_(cubeFile);
+    }
+    return path->second;
+}
+
+} // namespace qel
