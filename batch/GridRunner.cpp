@@ -1,6 +1,7 @@
 #include "batch/GridRunner.h"
 
 #include "cube/ValueStatement.h"
+#include "platform/value/CurrentFailure.h"
 
 #include <system_error>
 #include <thread>
@@ -15,22 +16,6 @@ constexpr std::size_t requestsAtOnce = 3;
 /// A member that the cube does not have fails its whole grid, which is halved until that member stands alone.
 /// With more failures than this, halving would cost more than sending the statements one by one.
 constexpr int mostFailedGrids = 40;
-
-/// The exception that is being handled.
-AutomationError CurrentFailure() {
-    constexpr std::int32_t outOfMemory = 7, internalError = 51;
-    try {
-        throw;
-    } catch (const AutomationError& error) {
-        return error;
-    } catch (const std::bad_alloc&) {
-        return {outOfMemory, "Out of memory"};
-    } catch (const std::exception& error) {
-        return {internalError, error.what()};
-    } catch (...) {
-        return {internalError, "Internal error"};
-    }
-}
 
 /// The queries of a grid, row by row.
 std::vector<std::size_t> QueriesOf(const ValueGrid& grid) {

@@ -76,6 +76,8 @@ Any OrmQelFunctionAddIn::Answer(const DocumentReference& document, const Read& r
         throw;
     } catch (const std::exception& error) { // becomes the office's own exception
         throw uno::RuntimeException(ToOffice(error.what()));
+    } catch (...) {
+        throw uno::RuntimeException();
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "batch/CallBatch.h"
 
+#include <memory>
 #include <utility>
 
 namespace qel::calc {
@@ -12,41 +13,32 @@ namespace {
 constexpr auto moment = std::chrono::milliseconds(20);
 constexpr std::size_t mostAtOnce = 20'000;
 
-/// Evaluates calls: the values together, what is left one by one.
-class CallEvaluator {
-public:
-    explicit CallEvaluator(DataAccess& servers) : batch_(servers) {}
-
-    /// One result per call, in their order; none for a call that is to be evaluated by itself.
-    std::vector<CallResult> EvaluateTogether(const std::vector<ServerCall>& calls) {
-        std::vector<batch::BatchedCall> values;
-        std::vector<std::size_t> places;
-        for (std::size_t i = 0; i < calls.size(); ++i) {
-            if (calls[i].value) {
-                values.push_back({calls[i].value.get(), &calls[i].locale});
-                places.push_back(i);
-            }
+/// One result per call, in their order; none for a call that is to be evaluated by itself.
+std::vector<CallResult> EvaluateTogether(batch::CallBatch& batch, const std::vector<ServerCall>& calls) {
+    std::vector<batch::BatchedCall> values;
+    std::vector<std::size_t> places;
+    for (std::size_t i = 0; i < calls.size(); ++i) {
+        if (calls[i].value) {
+            values.push_back({calls[i].value.get(), &calls[i].locale});
+            places.push_back(i);
         }
-        std::vector<CallResult> results(calls.size());
-        if (values.size() < 2) {
-            return results;
-        }
-        const auto answered = batch_.Evaluate(values);
-        for (std::size_t i = 0; i < answered.size(); ++i) {
-            if (answered[i]) {
-                results[places[i]] = answered[i]->value;
-            }
-        }
+    }
+    std::vector<CallResult> results(calls.size());
+    if (values.size() < 2) {
         return results;
     }
-
-    CallResult Evaluate(const ServerCall& call) {
-        return call.evaluate(batch_.FunctionOf(call.cubeFile, call.cubeName, call.locale));
+    const auto answered = batch.Evaluate(values);
+    for (std::size_t i = 0; i < answered.size(); ++i) {
+        if (answered[i]) {
+            results[places[i]] = answered[i]->value;
+        }
     }
+    return results;
+}
 
-private:
-    batch::CallBatch batch_;
-};
+CallResult Evaluate(batch::CallBatch& batch, const ServerCall& call) {
+    return call.evaluate(batch.FunctionOf(call.cubeFile, call.cubeName, call.locale));
+}
 
 /// What `work` gives, or `otherwise`: no exception may end the thread, and the office with it.
 template <class Work, class Result>
@@ -61,7 +53,9 @@ Result OrElse(const Work& work, Result otherwise) {
 } // namespace
 
 ServerThread::ServerThread(DataAccess& servers, Answered answered)
-    : servers_(servers), answered_(std::move(answered)), thread_([this] { Work(); }) {}
+    : answered_(std::move(answered)),
+      // Made here, where a failure has someone to go to.
+      thread_([this, batch = std::make_unique<batch::CallBatch>(servers)] { Work(*batch); }) {}
 
 ServerThread::~ServerThread() {
     Stop();
@@ -105,18 +99,17 @@ std::vector<ServerCall> ServerThread::TakeCalls() {
     return isStopped_ ? std::vector<ServerCall>() : std::exchange(waiting_, {});
 }
 
-void ServerThread::Work() {
-    CallEvaluator evaluator(servers_);
+void ServerThread::Work(batch::CallBatch& batch) {
     while (!IsStopped()) {
         const auto calls = TakeCalls();
-        auto results = OrElse([&] { return evaluator.EvaluateTogether(calls); }, std::vector<CallResult>());
+        auto results = OrElse([&] { return EvaluateTogether(batch, calls); }, std::vector<CallResult>());
         for (std::size_t i = 0; i < calls.size(); ++i) {
             if (IsStopped()) {
                 return;
             }
             CallResult result = i < results.size() ? std::move(results[i]) : std::nullopt;
             if (!result) {
-                result = OrElse([&] { return evaluator.Evaluate(calls[i]); }, CallResult());
+                result = OrElse([&] { return Evaluate(batch, calls[i]); }, CallResult());
             }
             OrElse([&] { return answered_(calls[i].key, std::move(result)), true; }, false);
         }

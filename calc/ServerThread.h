@@ -8,6 +8,10 @@
 #include <thread>
 #include <vector>
 
+namespace qel::batch {
+class CallBatch;
+}
+
 namespace qel::calc {
 
 /// What a call gave; none when it failed.
@@ -34,12 +38,11 @@ public:
     void Stop();
 
 private:
-    void Work();
+    void Work(batch::CallBatch& batch);
     /// Waits for calls, and a moment for further ones. None when the thread shall end.
     std::vector<ServerCall> TakeCalls();
     bool IsStopped() const;
 
-    DataAccess& servers_;
     Answered answered_;
     mutable std::mutex mutex_; ///< guards the two below
     std::vector<ServerCall> waiting_;

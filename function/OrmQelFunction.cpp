@@ -2,6 +2,7 @@
 
 #include "cube/NameQuery.h"
 #include "platform/value/Conversion.h"
+#include "platform/value/CurrentFailure.h"
 #include "text/CaseFold.h"
 #include "text/Text.h"
 
@@ -31,9 +32,11 @@ ModSetCube::OpenedCube CubeOf(const std::string& cubeFile, const std::string& cu
     return {std::string(Trimmed(cubeFile)), std::string(Trimmed(cubeName))};
 }
 
-/// A result from QelFuncDemo's own trap.
-FormulaResult Trapped(const AutomationError& error, Reached reached) {
-    return {.value = "#err " + std::to_string(error.Number()), .reached = reached, .failure = error};
+/// The exception that is being handled, as QelFuncDemo's own trap shows it.
+FormulaResult Trapped(Reached reached) {
+    AutomationError error = CurrentFailure();
+    return {
+        .value = "#err " + std::to_string(error.Number()), .reached = reached, .failure = std::move(error)};
 }
 
 } // namespace
@@ -96,9 +99,9 @@ PreparedCall OrmQelFunction::Prepare(const ValueCall& call, ModSetCube::ValueKey
             prepared.result.value = std::move(known.value);
             prepared.result.failure = std::move(known.failure);
         }
-    } catch (const AutomationError& error) {
+    } catch (...) {
         DropConnection(thread);
-        prepared.result = Trapped(error, reached);
+        prepared.result = Trapped(reached);
     }
     return prepared;
 }
@@ -107,8 +110,14 @@ FormulaResult OrmQelFunction::Run(PreparedCall prepared) {
     if (!prepared.query) {
         return std::move(prepared.result);
     }
-    auto answer = ReadCell(context_.thread, context_.providers, *prepared.query);
-    return Complete(prepared, std::move(answer));
+    try {
+        auto answer = ReadCell(context_.thread, context_.providers, *prepared.query);
+        return Complete(prepared, std::move(answer));
+    } catch (...) {
+        DropConnection(context_.thread);
+        auto result = Trapped(prepared.result.reached);
+        return prepared.isForWorksheet ? ForWorksheet(std::move(result)) : result;
+    }
 }
 
 FormulaResult OrmQelFunction::Complete(const PreparedCall& prepared, ModSetCube::CellAnswer answer) const {
@@ -140,8 +149,8 @@ FormulaResult OrmQelFunction::RetQelName(const NameCall& call) {
         OpenOrReuse(thread, providers, opened_, cube);
         return {.value = ModSetCube::GetMemberName(thread, providers, locale, cube.cubeName, call.DimType,
                                                    call.DimMember)};
-    } catch (const AutomationError& error) {
-        return {.value = "-", .failure = error}; // a worksheet function raises no dialog
+    } catch (...) {
+        return {.value = "-", .failure = CurrentFailure()}; // a worksheet function raises no dialog
     }
 }
 

@@ -1,5 +1,8 @@
 #include "support/ModError.h"
 
+#include <exception>
+#include <string_view>
+
 namespace qel::ModError {
 
 namespace {
@@ -13,21 +16,30 @@ void AppendLine(std::string& text, const char* label, const std::string& value) 
     text += value;
 }
 
+/// Leaves the copy empty where memory lacks.
+void Copy(std::string_view text, std::string& copy) noexcept {
+    try {
+        copy = text;
+    } catch (const std::exception&) {
+        copy.clear();
+    }
+}
+
 } // namespace
 
 PendingError CurrentError(std::int32_t codeSection) noexcept {
     PendingError pending{ErrorNumber::InvalidProcedureCall, {}, {}, codeSection};
+    Copy(componentName, pending.source);
     try {
-        pending.source = componentName;
         throw;
     } catch (const AutomationError& error) {
         pending.number = error.Number();
-        pending.description = error.Description();
-        pending.source = error.Source();
+        Copy(error.Description(), pending.description);
+        Copy(error.Source(), pending.source);
     } catch (const std::exception& error) {
-        pending.description = error.what();
+        Copy(error.what(), pending.description);
     } catch (...) {
-        pending.description = unknownError;
+        Copy(unknownError, pending.description);
     }
     return pending;
 }

@@ -12,6 +12,15 @@
 namespace qel {
 
 struct Empty {
+    Empty() = default;
+    // Not trivial: a std::variant of nothing but strings, pointers and trivial types takes itself for always
+    // filled in GCC 12's library, and destroys garbage where memory for the copy of a string lacks.
+    // NOLINTBEGIN(modernize-use-equals-default)
+    Empty(const Empty& /*other*/) noexcept {}
+    Empty& operator=(const Empty& /*other*/) noexcept { return *this; }
+    // NOLINTEND(modernize-use-equals-default)
+    ~Empty() = default;
+
     bool operator==(const Empty&) const = default;
 };
 

@@ -24,6 +24,8 @@ template <class Work>
         return S_OK;
     } catch (const std::exception& failure) {
         return ReportFailure(failure, interfaceId, source);
+    } catch (...) {
+        return E_UNEXPECTED;
     }
 }
 

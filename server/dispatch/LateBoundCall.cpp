@@ -27,6 +27,14 @@ HRESULT Call(CallFrame& frame, IDispatch* object, const Locale& locale, VARIANT*
     return S_OK;
 }
 
+HRESULT Report(const std::exception& failure, const AutomationClass& called) noexcept {
+    try {
+        return ReportFailure(failure, called.interfaceId, windows::ToUtf8(called.progId));
+    } catch (const std::exception&) {
+        return E_OUTOFMEMORY;
+    }
+}
+
 } // namespace
 
 HRESULT FindNames(const ClassTypes& types, LPOLESTR* names, UINT count, DISPID* ids) {
@@ -55,9 +63,9 @@ HRESULT CallLateBound(const ClassTypes& types, IDispatch* object, const Locale& 
         }
         return Call(frame, object, locale, result, details);
     } catch (const std::exception& failure) {
-        const HRESULT status =
-            ReportFailure(failure, types.Class().interfaceId, windows::ToUtf8(types.Class().progId));
-        return Failed(status, details);
+        return Failed(Report(failure, types.Class()), details);
+    } catch (...) {
+        return E_UNEXPECTED;
     }
 }
 

@@ -184,6 +184,7 @@ std::vector<std::string> MembersByTypeLibrary(IDispatch* object) {
         table->ReleaseFuncDesc(function);
     }
     std::vector<std::string> inOrder;
+    inOrder.reserve(members.size());
     for (const auto& [slot, member] : members) {
         inOrder.push_back(member);
     }

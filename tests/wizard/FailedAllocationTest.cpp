@@ -1,0 +1,129 @@
+#include "cube/MemberListing.h"
+#include "function/formula/ParseFormula.h"
+#include "platform/value/ValueText.h"
+#include "reason/RunFormula.h"
+#include "tests/helpers/FailingAllocation.h"
+#include "tests/wizard/WizardBench.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <new>
+
+// Every allocation of a call fails once: nothing escapes but what the call may raise, nothing leaks, and the
+// next call is right.
+
+namespace qel::test {
+namespace {
+
+struct Outcome {
+    std::string shown;
+    bool hasFailed = false; ///< the allocation
+};
+
+/// Runs `call` with each of its allocations failing; its outcome then is the usual one or one of `others`. At
+/// most `lost` allocations are not freed.
+void FailEach(const std::function<Outcome(std::size_t failing)>& call, const std::vector<std::string>& others,
+              std::size_t lost = 0) {
+    const std::string expected = call(0).shown;
+    ASSERT_EQ(call(0).shown, expected);
+    std::size_t number = 0;
+    for (bool isMore = true; isMore && !testing::Test::HasFailure();) {
+        const std::size_t living = LivingAllocations();
+        {
+            const Outcome outcome = call(++number);
+            isMore = outcome.hasFailed;
+            EXPECT_TRUE(outcome.shown == expected ||
+                        std::find(others.begin(), others.end(), outcome.shown) != others.end())
+                << "allocation " << number << ": " << outcome.shown;
+        }
+        EXPECT_EQ(call(0).shown, expected) << "after allocation " << number;
+        EXPECT_LE(LivingAllocations(), living + lost) << "after allocation " << number;
+    }
+    EXPECT_GT(number, 30U);
+}
+
+/// What `work` gives while an allocation fails.
+template <class Work>
+Outcome While(std::size_t failing, const Work& work) {
+    Outcome outcome;
+    const FailingAllocation failure(failing);
+    try {
+        outcome.shown = work();
+    } catch (const std::bad_alloc&) {
+        outcome.shown = "raised";
+    }
+    outcome.hasFailed = failing != 0 && FailingAllocation::HasFailed();
+    return outcome;
+}
+
+Outcome Calculate(const std::string& formula, std::size_t failing) {
+    EmbeddedDataAccess cubes;
+    ModSetCube::ThreadState thread;
+    Locale locale;
+    OrmQelFunction function({thread, cubes, locale});
+    const auto bound = BindFormula(ParseFormula(formula), locale);
+    return While(failing, [&] {
+        const FormulaResult result = RunFormula(function, bound);
+        return ValueText(result.value) +
+               (result.failure ? " " + std::to_string(result.failure->Number()) : "");
+    });
+}
+
+TEST(FailedAllocation, ShowsAValueAs0) {
+    const std::string formula =
+        "=QelF1(\"" + PlainBooksFile() +
+        "\",\"BooksFNC\",{\"OBS\"},{\"1\"},{\"All\"},{\"All\"},{\"All\"},\"All\",\"\","
+        "\"4000\",\"Amount\",\"All\",\"All\",\"All\",\"All\",\"All\",\"01/01/2024\","
+        "\"31/12/2024\")";
+    EXPECT_EQ(Calculate(formula, 0).shown, "-1500.3");
+    FailEach([&](std::size_t failing) { return Calculate(formula, failing); }, {"0 7", "raised"});
+}
+
+TEST(FailedAllocation, ShowsANameAsADash) {
+    const std::string formula = "=QelName(\"" + PlainBooksFile() + "\",\"BooksFNC\",\"SuperSum1\",\"1\")";
+    EXPECT_EQ(Calculate(formula, 0).shown, "Revenue");
+    FailEach([&](std::size_t failing) { return Calculate(formula, failing); }, {"- 7", "raised"});
+}
+
+TEST(FailedAllocation, FailsAListing) {
+    const ModSetCube::MemberListing listing{"LedgerFNC", ModSetCube::AccountsListing{"All", "OBS"}};
+    const std::string file = LedgerFile();
+    FailEach(
+        [&](std::size_t failing) {
+            EmbeddedDataAccess cubes;
+            return While(failing, [&] {
+                const auto cellset = ModSetCube::ListMembersCellset(cubes, file, listing);
+                return std::to_string(cellset->PositionCount(1)) + cellset->MemberAt(1, 0, 0).name;
+            });
+        },
+        {"raised"});
+}
+
+/// The wizard opens all the same, or reports what it lacks; nothing escapes. SimpleIni does not free the text
+/// of a settings file that it cannot store.
+TEST(FailedAllocation, EndsNoWizard) {
+    WizardBench bench(LedgerFile());
+    std::filesystem::current_path(bench.folder.Path()); // where files go whose folder is not known
+    std::string file;
+    bench.toolkit.person = [&](DialogDouble& dialog) { file = dialog.Text("txtCubeFile"); };
+    const auto cell = bench.sheet.Cell(bench.sheet.activeCell);
+    const auto open = [&](std::size_t failing) {
+        file.clear();
+        auto outcome = While(failing, [&] {
+            bench.object.ShowFormGetVal(cell);
+            return std::string();
+        });
+        outcome.shown += failing == 0 ? file : "";
+        bench.TakeMessages();
+        return outcome;
+    };
+    EXPECT_EQ(open(0).shown, LedgerFile());
+    constexpr std::size_t ofSimpleIni = 3;
+    FailEach(open, {""}, ofSimpleIni);
+}
+
+} // namespace
+} // namespace qel::test
