@@ -35,8 +35,8 @@ ModSetCube::OpenedCube CubeOf(const std::string& cubeFile, const std::string& cu
 /// The exception that is being handled, as QelFuncDemo's own trap shows it.
 FormulaResult Trapped(Reached reached) {
     AutomationError error = CurrentFailure();
-    return {
-        .value = "#err " + std::to_string(error.Number()), .reached = reached, .failure = std::move(error)};
+    const std::int32_t number = error.Number();
+    return {.value = "#err " + std::to_string(number), .reached = reached, .failure = std::move(error)};
 }
 
 } // namespace

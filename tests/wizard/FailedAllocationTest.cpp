@@ -90,7 +90,7 @@ TEST(FailedAllocation, ShowsANameAsADash) {
 
 TEST(FailedAllocation, FailsAListing) {
     const ModSetCube::MemberListing listing{"LedgerFNC", ModSetCube::AccountsListing{"All", "OBS"}};
-    const std::string file = LedgerFile();
+    const std::string& file = LedgerFile();
     FailEach(
         [&](std::size_t failing) {
             EmbeddedDataAccess cubes;
