@@ -4,8 +4,8 @@
 #include <cstdlib>
 #include <new>
 
-// Replaces the global operators; the library's other forms call these. Not to be compiled together with
-// others: GCC must not know the replacement where it compiles calls.
+// Replaces the global operators; a sanitizer's other forms would not call these. Not to be compiled together
+// with others: GCC must not know the replacement where it compiles calls.
 
 static std::atomic<std::size_t> living = 0, left = 0;
 
@@ -27,6 +27,19 @@ void operator delete(void* memory) noexcept {
     std::free(memory);
 }
 void operator delete(void* memory, std::size_t /*size*/) noexcept { operator delete(memory); }
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+void operator delete(void* memory, const std::nothrow_t& /*tag*/) noexcept { operator delete(memory); }
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept { return operator new(size, tag); }
+void operator delete[](void* memory, const std::nothrow_t& /*tag*/) noexcept { operator delete(memory); }
+void operator delete[](void* memory) noexcept { operator delete(memory); }
+void operator delete[](void* memory, std::size_t /*size*/) noexcept { operator delete(memory); }
 // NOLINTEND(cppcoreguidelines-no-malloc, cppcoreguidelines-owning-memory)
 
 namespace qel::test {

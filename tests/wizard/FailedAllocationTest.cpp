@@ -15,6 +15,13 @@
 // Every allocation of a call fails once: nothing escapes but what the call may raise, nothing leaks, and the
 // next call is right.
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the leak checker's name
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
+
+/// A failed load of SimpleIni, the library of settings, keeps a few blocks.
+const char* __lsan_default_suppressions() { return "leak:libsimpleini"; }
+// NOLINTEND(bugprone-reserved-identifier)
+
 namespace qel::test {
 namespace {
 
