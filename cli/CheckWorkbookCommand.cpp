@@ -9,9 +9,9 @@
 #include "reason/FormulaJudge.h"
 #include "text/Text.h"
 #include "text/Utf8Path.h"
-#include "workbook/cells/SheetCalls.h"
 #include "workbook/WorkbookError.h"
 #include "workbook/WorkbookFile.h"
+#include "workbook/cells/SheetCalls.h"
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>

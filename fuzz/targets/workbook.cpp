@@ -1,7 +1,7 @@
 #include "platform/value/AutomationDate.h"
-#include "workbook/cells/SheetCalls.h"
 #include "workbook/WorkbookError.h"
 #include "workbook/WorkbookFile.h"
+#include "workbook/cells/SheetCalls.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -146,7 +146,7 @@ std::string TextOfClipboard() {
 
 /// A workbook whose active cell, of a protected sheet, adds up January 2024.
 std::shared_ptr<ObjectRecord> WorkbookWithAFormula() {
-    const auto record = std::make_shared<ObjectRecord>();
+    auto record = std::make_shared<ObjectRecord>();
     record->values = {
         {"ActiveCell.Row", std::int32_t{3}},
         {"ActiveCell.Column", std::int32_t{2}},
