@@ -8,7 +8,7 @@ import sys
 import tempfile
 import unittest
 import zipfile
-from xml.sax.saxutils import escape
+from xml.sax.saxutils import escape, quoteattr
 
 BOOKS = pathlib.Path(__file__).resolve().parents[1] / "helpers" / "books"
 QEL = ""
@@ -118,6 +118,18 @@ class CheckWorkbook(Workbooks):
         workbook([(1, [("B1", formula(call("RAND()")), "")])], file)
         self.assertEqual([run("check-workbook", *more, file)[0] for more in ((), ("--strict",))], [0, 1])
         self.assertEqual(run("check-workbook")[0], 2)
+
+    def test_an_empty_cell_is_0_in_an_open_document(self):
+        file = self.path / "empty.ods"
+        written = call("[.Z9]").replace(",", ";")
+        spaces = " ".join(f'xmlns:{name}="urn:oasis:names:tc:opendocument:xmlns:{name}:1.0"' for name in ("office", "table"))
+        with zipfile.ZipFile(file, "w") as archive:
+            archive.writestr("mimetype", "application/vnd.oasis.opendocument.spreadsheet")
+            archive.writestr("content.xml", f"<office:document-content {spaces}><office:body><office:spreadsheet>"
+                             '<table:table table:name="P &amp; L"><table:table-row><table:table-cell office:value-type="float" '
+                             f"office:value=\"0\" table:formula={quoteattr('of:=' + written)}/></table:table-row></table:table>"
+                             "</office:spreadsheet></office:body></office:document-content>")
+        self.compare(file, {"A1": ("hidden error", 'no member "0"')})
 
     def test_damaged_files_are_told(self):
         file = self.path / "damaged.xlsx"
