@@ -4,7 +4,6 @@
 #include "calc/DocumentContent.h"
 #include "calc/OpenForm.h"
 #include "calc/ThreadFunction.h"
-#include "function/FunctionTexts.h"
 #include "lines/LinesOfCell.h"
 #include "platform/data/choice/ChooseProvider.h"
 #include "platform/office/Clipboard.h"
@@ -46,7 +45,7 @@ void RunAlone(const std::function<void()>& command) {
 
 } // namespace
 
-/// What a command works with that is not the other cells': they are calculated meanwhile.
+/// What a command works with on its own, because cells are calculated meanwhile.
 struct WizardsService::OwnNeeds : FormNeeds {
     OwnNeeds(WizardsService* own, Locale ofDocument) : service(own), locale(ofDocument) {}
 
@@ -102,7 +101,6 @@ void WizardsService::ShowWhy() {
             {.cell = cell,
              .book = office::WorkbookOf(context_, document),
              .fullPath = CubePathsOf(document),
-             .argumentName = &ValueArgumentName,
              .editFormula = [=, this] { Edit(document, [&] { return std::shared_ptr(cell); }); },
              .copy = [context = context_](const std::string& text) { office::CopyText(context, text); },
              .alone = &RunAlone});
@@ -121,10 +119,8 @@ void WizardsService::ShowLines() {
         OwnNeeds own(this, locale);
         const auto cell = office::ChosenFormulaCellOf(document);
         const auto book = office::WorkbookOf(context_, document);
-        ShowLinesOfCell(ContextOf(own, providers), {.cell = cell.get(),
-                                                    .book = *book,
-                                                    .fullPath = CubePathsOf(document),
-                                                    .argumentName = &ValueArgumentName});
+        ShowLinesOfCell(ContextOf(own, providers),
+                        {.cell = cell.get(), .book = *book, .fullPath = CubePathsOf(document)});
     });
 }
 

@@ -1,6 +1,7 @@
 #include "lines/LinesOfCell.h"
 
 #include "cube/CellLines.h"
+#include "function/FunctionTexts.h"
 #include "function/OrmQelFunction.h"
 #include "lines/CallQuestion.h"
 #include "lines/LineSheet.h"
@@ -47,7 +48,7 @@ public:
             return Tell(Text::ProtectedSheet);
         }
         if (!call.faulty.empty()) {
-            return Tell(Text::FaultyArguments, FaultyNames(call, place_.argumentName, context_.IsHebrew()));
+            return Tell(Text::FaultyArguments, FaultyNames(call, context_.IsHebrew()));
         }
         if (!CanOpen(context_, call.call.cubeFile)) {
             return Tell(Text::NoSuchCubeFile, call.call.cubeFile);
@@ -124,7 +125,7 @@ public:
     LineSheetTexts Words() const {
         std::vector<std::string> arguments;
         while (arguments.size() < std::tuple_size_v<FormulaArgs>) {
-            arguments.push_back(place_.argumentName(arguments.size(), context_.IsHebrew()));
+            arguments.push_back(ValueArgumentName(arguments.size(), context_.IsHebrew()));
         }
         const auto text = [&](std::int32_t number) { return OwnText(context_, number); };
         return {.arguments = std::move(arguments),
@@ -161,12 +162,12 @@ void Report(const WizardContext& context, const std::function<void()>& command) 
 
 } // namespace
 
-std::string FaultyNames(const CellCall& call, const ArgumentName& argumentName, bool isHebrew) {
+std::string FaultyNames(const CellCall& call, bool isHebrew) {
     std::string names;
     for (const std::size_t argument : call.faulty) {
         const bool isKnown = argument < std::tuple_size_v<FormulaArgs>;
         names += (names.empty() ? "" : ", ") +
-                 (isKnown ? argumentName(argument, isHebrew) : std::to_string(argument + 1));
+                 (isKnown ? ValueArgumentName(argument, isHebrew) : std::to_string(argument + 1));
     }
     return names;
 }

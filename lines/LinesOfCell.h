@@ -6,19 +6,15 @@
 
 namespace qel {
 
-/// The name of an argument of a value formula.
-using ArgumentName = std::function<std::string(std::size_t argument, bool isHebrew)>;
-
 /// A cell whose lines are wanted, as its spreadsheet knows it.
 struct LinesPlace {
     FormulaCell* cell; ///< null where no cell is chosen
     Workbook& book;
     CubePath fullPath;
-    ArgumentName argumentName;
 };
 
 /// The arguments, by name, that hold nothing that a value formula takes.
-std::string FaultyNames(const CellCall& call, const ArgumentName& argumentName, bool isHebrew);
+std::string FaultyNames(const CellCall& call, bool isHebrew);
 
 /// Shows the lines behind a cell's value in a new sheet. Of several calls in its formula it asks for one.
 /// A message box tells why there are no lines, and every failure. The context needs a thread state of its

@@ -1,6 +1,5 @@
 #include "server/RibbonObject.h"
 
-#include "function/FunctionTexts.h"
 #include "function/OrmQelFunction.h"
 #include "lines/LinesOfCell.h"
 #include "platform/dialog/win32/SystemMessages.h"
@@ -209,8 +208,7 @@ void RibbonObject::ShowLines() {
         const auto book = windows::ActiveWorkbookOf(application_.Get());
         ShowLinesOfCell(needs.Context(), {.cell = cell.get(),
                                           .book = *book,
-                                          .fullPath = [](const std::string& cubeFile) { return cubeFile; },
-                                          .argumentName = &ValueArgumentName});
+                                          .fullPath = [](const std::string& cubeFile) { return cubeFile; }});
     });
 }
 
@@ -224,7 +222,6 @@ void RibbonObject::ShowWhy() {
             MakeWhyForm(needs.Context(), {.cell = windows::ReadFormulaCellOf(active),
                                           .book = windows::ActiveWorkbookOf(application_.Get()),
                                           .fullPath = [](const std::string& cubeFile) { return cubeFile; },
-                                          .argumentName = &ValueArgumentName,
                                           .editFormula = edit,
                                           .copy = &windows::CopyText});
         if (form) {

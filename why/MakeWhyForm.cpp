@@ -26,8 +26,7 @@ std::unique_ptr<WhyForm> Make(const WizardContext& context, const WhyPlace& plac
         return nullptr;
     }
     if (const CellCall* value = calls.ValueAt(*chosen); value != nullptr && !value->faulty.empty()) {
-        return tell(OwnTextNumber::FaultyArguments,
-                    "\r\n" + FaultyNames(*value, place.argumentName, context.IsHebrew()));
+        return tell(OwnTextNumber::FaultyArguments, "\r\n" + FaultyNames(*value, context.IsHebrew()));
     }
     return std::make_unique<WhyForm>(context, place, calls, *chosen);
 }

@@ -66,9 +66,7 @@ void WhyForm::ShowReason() {
         const ServerAction servers(Context().servers);
         reason_ = FindReason();
     }
-    const bool isHebrew = Context().IsHebrew();
-    texts_ = ComposeWhyTexts(reason_, Context().language.iLang,
-                             [&](std::size_t argument) { return place_.argumentName(argument, isHebrew); });
+    texts_ = ComposeWhyTexts(reason_, Context().language.iLang);
     comparison_.clear();
     Form().SetText(Own::Heading, Heading());
     Form().SetItems(Own::Arguments, texts_.arguments);
@@ -95,7 +93,7 @@ ValueReason WhyForm::FindReason() {
 
 void WhyForm::ShowLines() {
     place_.alone([&] {
-        ShowLinesOfCall(Context(), {place_.cell.get(), *place_.book, place_.fullPath, place_.argumentName},
+        ShowLinesOfCall(Context(), {place_.cell.get(), *place_.book, place_.fullPath},
                         *calls_.ValueAt(call_));
     });
 }

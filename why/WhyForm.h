@@ -14,7 +14,6 @@ struct WhyPlace {
     std::shared_ptr<FormulaCell> cell; ///< null where no cell is chosen
     std::shared_ptr<Workbook> book;
     CubePath fullPath;
-    ArgumentName argumentName;
     std::function<void()> editFormula; ///< of the cell, with its wizard
     std::function<void(const std::string& text)> copy;
     LongCommand alone = [](const std::function<void()>& command) { command(); };

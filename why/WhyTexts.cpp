@@ -1,6 +1,7 @@
 #include "why/WhyTexts.h"
 
 #include "cube/ValueQuery.h"
+#include "function/FunctionTexts.h"
 #include "lang/StringTable.h"
 #include "platform/dialog/ReadingOrder.h"
 #include "platform/value/Conversion.h"
@@ -25,9 +26,7 @@ constexpr std::int32_t everything = 1632, notInCube = 1633, reason = 1634, hidde
 
 class WhyComposer {
 public:
-    WhyComposer(const ValueReason& reason, std::int16_t language,
-                const std::function<std::string(std::size_t argument)>& argumentName)
-        : reason_(reason), language_(language), argumentName_(argumentName) {}
+    WhyComposer(const ValueReason& reason, std::int16_t language) : reason_(reason), language_(language) {}
 
     WhyTexts Compose() {
         WhyTexts texts;
@@ -59,8 +58,9 @@ private:
     /// The names of a name formula's arguments are the interface's.
     std::string NameAt(std::size_t argument) const {
         constexpr std::size_t valueArguments = 18;
-        return reason_.arguments.size() == valueArguments ? argumentName_(argument)
-                                                          : reason_.arguments[argument].name;
+        return reason_.arguments.size() == valueArguments
+                   ? ValueArgumentName(argument, language_ == Language::Hebrew)
+                   : reason_.arguments[argument].name;
     }
 
     std::string Named(Reason reason) const {
@@ -152,15 +152,13 @@ private:
 
     const ValueReason& reason_;
     std::int16_t language_;
-    const std::function<std::string(std::size_t argument)>& argumentName_;
     std::vector<std::string> lines_;
 };
 
 } // namespace
 
-WhyTexts ComposeWhyTexts(const ValueReason& reason, std::int16_t language,
-                         const std::function<std::string(std::size_t argument)>& argumentName) {
-    return WhyComposer(reason, language, argumentName).Compose();
+WhyTexts ComposeWhyTexts(const ValueReason& reason, std::int16_t language) {
+    return WhyComposer(reason, language).Compose();
 }
 
 std::vector<std::string> ComparisonTexts(const FormulaResult& result, const FormulaResult& other,

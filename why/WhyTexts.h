@@ -2,7 +2,7 @@
 
 #include "reason/ValueReason.h"
 
-#include <functional>
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -15,9 +15,7 @@ struct WhyTexts {
     std::string statement;                ///< exactly as it was sent; empty if none was
 };
 
-/// `argumentName` gives the names of a value formula's arguments.
-WhyTexts ComposeWhyTexts(const ValueReason& reason, std::int16_t language,
-                         const std::function<std::string(std::size_t argument)>& argumentName);
+WhyTexts ComposeWhyTexts(const ValueReason& reason, std::int16_t language);
 
 /// The value over another cube file: the file, the values, and an error that the other one hides.
 std::vector<std::string> ComparisonTexts(const FormulaResult& result, const FormulaResult& other,

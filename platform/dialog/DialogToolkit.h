@@ -116,7 +116,7 @@ public:
     /// Calls OnLoad, shows the dialog in front of the calling window, and returns when it is hidden.
     virtual void ShowModal() = 0;
     /// Calls OnLoad, shows the dialog at a side of the calling window, and returns at once: both windows take
-    /// keys and clicks. The close box is told by OnQueryUnload. A toolkit without such dialogs shows this one
+    /// keys and clicks. The close box calls OnQueryUnload. A toolkit without such dialogs shows this one
     /// as ShowModal does.
     virtual void ShowBeside(WindowSide /*side*/) { ShowModal(); }
     /// Ends ShowModal. The controls keep their state and can be read.

@@ -15,9 +15,9 @@ namespace qel {
 
 namespace {
 
-/// So long the program waits for one request without a box, which would only flash.
+/// How long the program waits for a request before it shows a box: for a quick one it would only flash.
 constexpr auto shortWait = std::chrono::milliseconds(300);
-/// So long it waits for all requests of an action before it shows boxes earlier.
+/// After it has waited so long in one action, it shows boxes earlier.
 constexpr auto actionWait = std::chrono::milliseconds(1000);
 constexpr auto shortestWait = std::chrono::milliseconds(50);
 

@@ -13,7 +13,7 @@ namespace qel {
 
 namespace {
 
-/// The text is nothing that is computed here.
+/// The text is an expression that is not computed here.
 struct UnknownExpression {};
 
 using Numbers = std::vector<double>;

@@ -9,7 +9,7 @@
 
 namespace qel::office {
 
-/// What a walk over a sheet's cells is told; rows and columns are counted from 0.
+/// Takes the cells of a sheet one by one; rows and columns are counted from 0.
 using TakeFormula = std::function<void(std::uint32_t row, std::uint32_t column, const std::string& formula)>;
 using TakeValue = std::function<void(std::uint32_t row, std::uint32_t column, Variant value)>;
 
