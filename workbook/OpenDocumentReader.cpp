@@ -22,26 +22,63 @@ std::string_view WithoutOpening(std::string_view formula) {
     return equals == std::string_view::npos ? formula : formula.substr(equals + 1);
 }
 
-void AppendText(const pugi::xml_node& node, std::string& text) {
-    for (const auto& child : node.children()) {
-        const std::string_view name = child.name();
-        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
-            text += child.value();
-        } else if (name == "text:s") {
-            text.append(std::min(child.attribute("text:c").as_uint(1), mostRepeated), ' ');
-        } else if (name == "text:span" || name == "text:a") {
-            for (const auto& part : child.children()) { // one level: deeper ones hold no keys
-                text += part.type() == pugi::node_pcdata ? part.value() : part.text().get();
+/// The text of a paragraph. Several blanks count as one, and those at its ends do not count; an element of
+/// its own stands for each that does.
+class ParagraphText {
+public:
+    explicit ParagraphText(const pugi::xml_node& paragraph) { Append(paragraph, 0); }
+
+    std::string Text() && {
+        if (isBehindBlank_ && !text_.empty()) {
+            text_.pop_back();
+        }
+        return std::move(text_);
+    }
+
+private:
+    void Append(const pugi::xml_node& node, int depth) {
+        constexpr int deepestSpan = 64;
+        if (depth > deepestSpan) {
+            throw WorkbookError("its texts are formatted too deeply");
+        }
+        for (const auto& child : node.children()) {
+            const std::string_view name = child.name();
+            if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+                AppendCharacters(child.value());
+            } else if (name == "text:s") {
+                Keep(std::min(child.attribute("text:c").as_uint(1), mostRepeated), ' ');
+            } else if (name == "text:tab") {
+                Keep(1, '\t');
+            } else if (name == "text:span" || name == "text:a") {
+                Append(child, depth + 1);
             }
         }
     }
-}
+
+    void AppendCharacters(std::string_view characters) {
+        for (const char c : characters) {
+            const bool isBlank = std::string_view(" \t\r\n").find(c) != std::string_view::npos;
+            if (!isBlank || !isBehindBlank_) {
+                text_ += isBlank ? ' ' : c;
+            }
+            isBehindBlank_ = isBlank;
+        }
+    }
+
+    void Keep(std::size_t count, char blank) {
+        text_.append(count, blank);
+        isBehindBlank_ = false;
+    }
+
+    std::string text_;
+    bool isBehindBlank_ = true; ///< or at the paragraph's beginning
+};
 
 std::string ParagraphsOf(const pugi::xml_node& cell) {
     std::string text;
     for (const auto& paragraph : cell.children("text:p")) {
         text += text.empty() ? "" : "\n";
-        AppendText(paragraph, text);
+        text += ParagraphText(paragraph).Text();
     }
     return text;
 }
@@ -129,7 +166,7 @@ WorkbookContent ReadOpenDocument(ZipFile& file) {
         throw WorkbookError("it needs a password; save it without one");
     }
     pugi::xml_document document;
-    LoadPart(file, "content.xml", document);
+    LoadPart(file, "content.xml", document, pugi::parse_default | pugi::parse_ws_pcdata);
     const auto content = document.document_element().child("office:body").child("office:spreadsheet");
     if (!content) {
         throw WorkbookError("it is no spreadsheet");

@@ -38,13 +38,12 @@ WorkbookContent ReadWorkbook(const std::filesystem::path& path) {
     throw WorkbookError("it is no .xlsx, .xlsm or .ods file");
 }
 
-void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& document) {
+void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& document, unsigned int options) {
     const std::string bytes = file.Read(name);
     if (std::count(bytes.begin(), bytes.end(), '<') > mostTags) {
         throw WorkbookError(fmt::format("its part {} has more than {} tags", name, mostTags));
     }
-    const auto result =
-        document.load_buffer(bytes.data(), bytes.size(), pugi::parse_default | pugi::parse_ws_pcdata_single);
+    const auto result = document.load_buffer(bytes.data(), bytes.size(), options);
     if (!result) {
         throw WorkbookError(fmt::format("its part {} is no XML: {}", name, result.description()));
     }

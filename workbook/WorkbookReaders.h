@@ -15,7 +15,8 @@ WorkbookContent ReadOpenXml(ZipFile& file);
 WorkbookContent ReadOpenDocument(ZipFile& file);
 
 /// A part as an XML document. Raises WorkbookError.
-void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& document);
+void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& document,
+              unsigned int options = pugi::parse_default | pugi::parse_ws_pcdata_single);
 
 /// Keeps a value; raises WorkbookError for more than a file may have.
 void KeepValue(SheetContent& sheet, CellPlace place, Variant value);
