@@ -3,6 +3,7 @@
 #include "platform/office/OfficeText.h"
 #include "platform/sheet/calc/CalcCells.h"
 #include "text/CaseFold.h"
+#include "text/Text.h"
 
 #include <algorithm>
 
@@ -12,7 +13,8 @@ namespace {
 
 /// Whether formulas of the sheet, or formulas and names elsewhere, may refer to its cells.
 bool IsReferredTo(const SheetContent& sheet, const WorkbookContent& content) {
-    const auto tells = [&](const std::string& text) { return text.find(sheet.name) != std::string::npos; };
+    const std::string written = ReplaceAll(sheet.name, "'", "''");
+    const auto tells = [&](const std::string& text) { return text.find(written) != std::string::npos; };
     return !sheet.formulas.empty() ||
            std::any_of(content.names.begin(), content.names.end(),
                        [&](const auto& name) { return tells(name.second); }) ||
