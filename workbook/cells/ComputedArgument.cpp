@@ -1,5 +1,6 @@
 #include "workbook/cells/ComputedArgument.h"
 
+#include "platform/value/AutomationError.h"
 #include "platform/value/Conversion.h"
 #include "text/CaseFold.h"
 
@@ -18,30 +19,64 @@ struct UnknownExpression {};
 
 using Numbers = std::vector<double>;
 
+double NumberOf(const Variant& value) {
+    if (const auto* number = std::get_if<double>(&value.Get())) {
+        return *number;
+    }
+    if (value.Is<Empty>()) {
+        return 0;
+    }
+    throw UnknownExpression(); // how a text is read depends on the spreadsheet and its settings
+}
+
+std::string TextOf(const Variant& value) {
+    if (value.Is<std::string>()) {
+        return value.As<std::string>();
+    }
+    constexpr double most = 1e10; // larger numbers may be written with an exponent
+    const double number = NumberOf(value);
+    if (number != std::trunc(number) || std::abs(number) > most) {
+        throw UnknownExpression();
+    }
+    return value.Is<Empty>() ? "" : ToText(number, {});
+}
+
 int Whole(double number) {
     constexpr double most = 1e6; // of years and months
-    if (!(std::abs(number) <= most)) {
+    if (number != std::trunc(number) || std::abs(number) > most) {
         throw UnknownExpression();
     }
     return static_cast<int>(number);
 }
 
+/// Before March 1900 spreadsheets count days each in its way.
+AutomationDate Date(double days) {
+    constexpr double march1900 = 61;
+    return days >= march1900 ? AutomationDate{std::floor(days)} : throw UnknownExpression();
+}
+
 double DateOfNumbers(const Numbers& numbers) {
-    const AutomationDate year = DateFromDay({Whole(numbers[0]), 1, 1});
-    return AddMonths(year, Whole(numbers[1]) - 1).days + std::floor(numbers[2]) - 1;
+    constexpr int firstYear =
+        1900; // Excel adds 1900 to an earlier year, Calc to one of two digits 1900 or 2000
+    const int year = Whole(numbers[0]);
+    if (year < firstYear) {
+        throw UnknownExpression();
+    }
+    return Date(AddMonths(DateFromDay({year, 1, 1}), Whole(numbers[1]) - 1).days + Whole(numbers[2]) - 1)
+        .days;
 }
 
 double DateAfterMonths(const Numbers& numbers) {
-    return AddMonths(AutomationDate{std::floor(numbers[0])}, Whole(numbers[1])).days;
+    return Date(AddMonths(Date(numbers[0]), Whole(numbers[1])).days).days;
 }
 
 double EndOfMonth(const Numbers& numbers) {
-    const CalendarDay day = DayFromDate(AutomationDate{std::floor(numbers[0])});
+    const CalendarDay day = DayFromDate(Date(numbers[0]));
     const AutomationDate first = DateFromDay({day.year, day.month, 1});
-    return AddMonths(first, Whole(numbers[1]) + 1).days - 1;
+    return Date(AddMonths(first, Whole(numbers[1]) + 1).days - 1).days;
 }
 
-CalendarDay DayOf(const Numbers& numbers) { return DayFromDate(AutomationDate{numbers[0]}); }
+CalendarDay DayOf(const Numbers& numbers) { return DayFromDate(Date(numbers[0])); }
 
 struct DateFunctionEntry {
     std::string_view name;
@@ -59,12 +94,11 @@ constexpr std::array<DateFunctionEntry, 6> dateFunctions = {
 
 class ExpressionReader {
 public:
-    ExpressionReader(std::string_view text, const CellLookup& lookUp, const Locale& locale)
-        : rest_(text), lookUp_(lookUp), locale_(locale) {}
+    ExpressionReader(std::string_view text, const CellLookup& lookUp) : rest_(text), lookUp_(lookUp) {}
 
     Variant ReadWhole() {
         Variant value = ReadJoined();
-        if (Next() != '\0') {
+        if (Next() != '\0' || value.Is<Empty>()) {
             throw UnknownExpression();
         }
         return value;
@@ -85,8 +119,8 @@ private:
     Variant ReadJoined() {
         Variant value = ReadSum();
         while (Take('&')) {
-            std::string text = ToText(value, locale_);
-            text += ToText(ReadSum(), locale_);
+            std::string text = TextOf(value);
+            text += TextOf(ReadSum());
             value = std::move(text);
         }
         return value;
@@ -96,7 +130,7 @@ private:
         Variant value = ReadProduct();
         while (Next() == '+' || Next() == '-') {
             const bool adds = Take('+') || !Take('-');
-            const double left = ToDouble(value, locale_), right = ToDouble(ReadProduct(), locale_);
+            const double left = NumberOf(value), right = NumberOf(ReadProduct());
             value = adds ? left + right : left - right;
         }
         return value;
@@ -106,7 +140,7 @@ private:
         Variant value = ReadSigned();
         while (Next() == '*' || Next() == '/') {
             const bool multiplies = Take('*') || !Take('/');
-            const double left = ToDouble(value, locale_), right = ToDouble(ReadSigned(), locale_);
+            const double left = NumberOf(value), right = NumberOf(ReadSigned());
             if (!multiplies && right == 0) {
                 throw UnknownExpression();
             }
@@ -120,7 +154,7 @@ private:
         if (++depth_ > deepest) {
             throw UnknownExpression();
         }
-        Variant value = Take('-') ? Variant(-ToDouble(ReadSigned(), locale_)) : ReadOne();
+        Variant value = Take('-') ? Variant(-NumberOf(ReadSigned())) : ReadOne();
         --depth_;
         return value;
     }
@@ -197,7 +231,7 @@ private:
         Require('(');
         Numbers numbers;
         do {
-            numbers.push_back(ToDouble(ReadJoined(), locale_));
+            numbers.push_back(NumberOf(ReadJoined()));
             constexpr double largest = 3e6; // more days than dates have
             if (!(std::abs(numbers.back()) < largest)) {
                 throw UnknownExpression();
@@ -212,17 +246,17 @@ private:
 
     std::string_view rest_;
     const CellLookup& lookUp_;
-    const Locale& locale_;
     int depth_ = 0;
 };
 
 } // namespace
 
-std::optional<Variant> ComputedArgument(std::string_view text, const CellLookup& lookUp,
-                                        const Locale& locale) {
+std::optional<Variant> ComputedArgument(std::string_view text, const CellLookup& lookUp) {
     try {
-        return ExpressionReader(text, lookUp, locale).ReadWhole();
+        return ExpressionReader(text, lookUp).ReadWhole();
     } catch (const UnknownExpression&) {
+        return std::nullopt;
+    } catch (const AutomationError&) { // a day of no calendar
         return std::nullopt;
     }
 }

@@ -13,9 +13,8 @@ namespace qel {
 using CellLookup = std::function<Variant(const std::string& text)>;
 
 /// The value of an argument that is computed of cells, as reports have them: + - * / & and parentheses, DATE,
-/// EDATE, EOMONTH, YEAR, MONTH and DAY. None for any other expression. Raises what the lookup raises, and
-/// AutomationError for values that do not fit.
-std::optional<Variant> ComputedArgument(std::string_view text, const CellLookup& lookUp,
-                                        const Locale& locale);
+/// EDATE, EOMONTH, YEAR, MONTH and DAY. None for any other expression, and for values that spreadsheets
+/// convert each in its way. Raises what the lookup raises.
+std::optional<Variant> ComputedArgument(std::string_view text, const CellLookup& lookUp);
 
 } // namespace qel

@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t firstList = 2, lastList = 6, firstDate = 16;
 constexpr int deepestName = 8;
 
-enum class Kind { Value, List, Date };
+enum class Kind { Value, List, Date, Operand };
 
 Kind KindOf(bool isName, std::size_t argument) {
     if (isName || argument < firstList) {
@@ -79,13 +79,13 @@ private:
 
     Variant ComputedOf(const std::string& text, int depth) const {
         const auto lookUp = [&](const std::string& word) {
-            const auto value = word == text ? std::nullopt : ValueOf(word, Kind::Value, depth + 1);
+            const auto value = word == text ? std::nullopt : ValueOf(word, Kind::Operand, depth + 1);
             return value ? *value : throw UnreadArgument(fmt::format("{} is nothing of this file", word));
         };
         if (depth >= deepestName) {
             throw UnreadArgument(fmt::format("{} refers to itself", text));
         }
-        auto value = ComputedArgument(text, lookUp, locale_);
+        auto value = ComputedArgument(text, lookUp);
         if (!value || workbook_.daysBefore != 0) {
             throw UnreadArgument(
                 fmt::format("{} is computed in a way that this command does not know", text));
@@ -139,7 +139,7 @@ private:
         if (values.size() > 1) {
             throw UnreadArgument(fmt::format("{} are several cells for one value", text));
         }
-        if (workbook_.isOpenDocument && values.front().Is<Empty>()) {
+        if (workbook_.isOpenDocument && kind != Kind::Operand && values.front().Is<Empty>()) {
             return 0.0; // as Calc passes an empty cell
         }
         const auto* number = std::get_if<double>(&values.front().Get());
