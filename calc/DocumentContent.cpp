@@ -2,6 +2,7 @@
 
 #include "platform/office/OfficeText.h"
 #include "platform/sheet/calc/CalcCells.h"
+#include "platform/sheet/calc/NullDate.h"
 #include "text/CaseFold.h"
 #include "text/Text.h"
 
@@ -29,6 +30,7 @@ bool IsReferredTo(const SheetContent& sheet, const WorkbookContent& content) {
 WorkbookContent ContentOf(const office::SheetDocument& document, const std::string& sheet) {
     WorkbookContent content;
     content.isOpenDocument = true; // so are references and lists written
+    content.daysBefore = office::NullDateOf({document, com::sun::star::uno::UNO_QUERY_THROW});
     for (const rtl::OUString& name : document->getSheets()->getElementNames()) {
         SheetContent& own = content.sheets.emplace_back();
         own.name = office::FromOffice(name);

@@ -1,5 +1,7 @@
 #include "calc/DocumentLocales.h"
 
+#include "platform/sheet/calc/NullDate.h"
+
 #include <com/sun/star/beans/PropertyValue.hpp>
 #include <com/sun/star/configuration/theDefaultProvider.hpp>
 #include <com/sun/star/i18n/LocaleData2.hpp>
@@ -73,8 +75,11 @@ Locale DocumentLocales::Of(const DocumentReference& document) {
     if (document.is()) {
         document->getPropertyValue("CharLocale") >>= language;
     }
+    const double nullDate = document.is() ? office::NullDateOf(document) : 0;
     const std::lock_guard lock(mutex_);
-    return LocaleOf(IsNobodysChoice(language) ? LanguageOfOffice() : language);
+    Locale locale = LocaleOf(IsNobodysChoice(language) ? LanguageOfOffice() : language);
+    locale.nullDate = nullDate;
+    return locale;
 }
 
 DocumentLocales::Language DocumentLocales::LanguageOfOffice() {

@@ -12,7 +12,7 @@
 
 namespace qel::calc {
 
-/// How the texts of documents write dates and numbers. Serves any number of threads.
+/// How documents write dates and numbers. Serves any number of threads.
 class DocumentLocales {
 public:
     using Context = com::sun::star::uno::Reference<com::sun::star::uno::XComponentContext>;

@@ -116,7 +116,8 @@ Variant ArgumentReader::Read(const std::string& argument) const {
         return {};
     }
     try {
-        const auto constant = ParseFormula("F(" + argument + ")").arguments;
+        const FormulaDates dates = {.nullDate = locale.nullDate, .takesYearsBefore1900 = false};
+        const auto constant = ParseFormula("F(" + argument + ")", dates).arguments;
         if (constant.size() == 1 && constant.front().value) {
             return *constant.front().value;
         }

@@ -83,7 +83,7 @@ std::string ParagraphsOf(const pugi::xml_node& cell) {
     return text;
 }
 
-Variant ValueOf(const pugi::xml_node& cell, bool hasFormula) {
+Variant ValueOf(const pugi::xml_node& cell, bool hasFormula, double daysBefore) {
     const std::string_view type = cell.attribute("office:value-type").value();
     if (std::string_view(cell.attribute("calcext:value-type").value()) == "error") {
         return ErrorValue{};
@@ -93,7 +93,7 @@ Variant ValueOf(const pugi::xml_node& cell, bool hasFormula) {
         return value ? std::string(value.value()) : ParagraphsOf(cell);
     }
     if (type == "date") {
-        return DateOfText(cell.attribute("office:date-value").value());
+        return DateOfText(cell.attribute("office:date-value").value(), daysBefore);
     }
     if (type == "boolean") {
         return std::string_view(cell.attribute("office:boolean-value").value()) == "true";
@@ -104,8 +104,8 @@ Variant ValueOf(const pugi::xml_node& cell, bool hasFormula) {
     return type.empty() && !hasFormula ? Variant() : Variant(Null{});
 }
 
-void ReadRow(SheetContent& sheet, const pugi::xml_node& row, std::uint32_t number, std::uint32_t times) {
-    CellPlace place{number, 0};
+void ReadRow(SheetContent& sheet, const pugi::xml_node& row, CellPlace place, std::uint32_t times,
+             double daysBefore) {
     for (const auto& cell : row.children()) {
         const std::string_view name = cell.name();
         if (name != "table:table-cell" && name != "table:covered-table-cell") {
@@ -113,7 +113,7 @@ void ReadRow(SheetContent& sheet, const pugi::xml_node& row, std::uint32_t numbe
         }
         const std::uint32_t columns = Repeated(cell, "table:number-columns-repeated");
         const std::string_view formula = WithoutOpening(cell.attribute("table:formula").value());
-        const Variant value = ValueOf(cell, !formula.empty());
+        const Variant value = ValueOf(cell, !formula.empty(), daysBefore);
         const bool isOurs = MayCallOurs(formula);
         if (!value.Is<Empty>() || isOurs) {
             for (std::uint64_t i = 0; i < std::uint64_t{times} * columns; ++i) {
@@ -130,7 +130,8 @@ void ReadRow(SheetContent& sheet, const pugi::xml_node& row, std::uint32_t numbe
 }
 
 /// Rows may stand in groups and headers.
-void ReadRows(SheetContent& sheet, const pugi::xml_node& parent, std::uint32_t& next, int depth) {
+void ReadRows(SheetContent& sheet, const pugi::xml_node& parent, std::uint32_t& next, double daysBefore,
+              int depth) {
     constexpr int deepestGroup = 64;
     if (depth > deepestGroup) {
         throw WorkbookError("its rows are grouped too deeply");
@@ -139,11 +140,11 @@ void ReadRows(SheetContent& sheet, const pugi::xml_node& parent, std::uint32_t& 
         const std::string_view name = node.name();
         if (name == "table:table-row") {
             const std::uint32_t times = Repeated(node, "table:number-rows-repeated");
-            ReadRow(sheet, node, next, times);
+            ReadRow(sheet, node, {next, 0}, times, daysBefore);
             next += times;
         } else if (name == "table:table-row-group" || name == "table:table-header-rows" ||
                    name == "table:table-rows") {
-            ReadRows(sheet, node, next, depth + 1);
+            ReadRows(sheet, node, next, daysBefore, depth + 1);
         }
     }
 }
@@ -173,12 +174,15 @@ WorkbookContent ReadOpenDocument(ZipFile& file) {
     }
     WorkbookContent workbook;
     workbook.isOpenDocument = true;
+    const auto nullDate = content.child("table:calculation-settings").child("table:null-date");
+    const Variant firstDay = DateOfText(nullDate.attribute("table:date-value").value(), 0);
+    workbook.daysBefore = firstDay.Is<double>() ? firstDay.As<double>() : 0;
     for (const auto& table : content.children("table:table")) {
         const std::string prefix = std::to_string(workbook.sheets.size()) + '!';
         SheetContent& sheet = workbook.sheets.emplace_back();
         sheet.name = table.attribute("table:name").value();
         std::uint32_t next = 0;
-        ReadRows(sheet, table, next, 0);
+        ReadRows(sheet, table, next, workbook.daysBefore, 0);
         ReadNames(workbook, table, prefix);
     }
     ReadNames(workbook, content, "");

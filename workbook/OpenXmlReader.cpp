@@ -153,7 +153,7 @@ private:
             return ErrorValue{};
         }
         if (type == "d") {
-            return DateOfText(value.text().get());
+            return DateOfText(value.text().get(), workbook_.daysBefore);
         }
         return type == "str" ? Variant(std::string(value.text().get())) : Variant(value.text().as_double());
     }

@@ -57,16 +57,16 @@ void KeepValue(SheetContent& sheet, CellPlace place, Variant value) {
     sheet.values[SheetContent::KeyOf(place)] = std::move(value);
 }
 
-Variant DateOfText(std::string_view text) {
+Variant DateOfText(std::string_view text, double daysBefore) {
     const int year = NumberIn(text, 0, 4), month = NumberIn(text, 5, 2), day = NumberIn(text, 8, 2);
-    constexpr int firstYear = 1900;
+    constexpr int firstYear = 1899;
     const std::chrono::year_month_day date(std::chrono::year(year),
                                            std::chrono::month(static_cast<unsigned>(month)),
                                            std::chrono::day(static_cast<unsigned>(day)));
     if (year < firstYear || !date.ok()) {
         return Null{};
     }
-    double days = DateFromDay({year, month, day}).days;
+    double days = DateFromDay({year, month, day}).days - daysBefore;
     constexpr std::size_t timePlace = 11;
     if (text.size() > timePlace) {
         constexpr double hours = 24, minutes = hours * 60, seconds = minutes * 60;

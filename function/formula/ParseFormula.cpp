@@ -18,7 +18,8 @@ namespace {
 /// numbers.
 class FormulaParser {
 public:
-    explicit FormulaParser(std::string_view text) : reader_(text), token_(reader_.Next()) {}
+    FormulaParser(std::string_view text, const FormulaDates& dates)
+        : reader_(text), token_(reader_.Next()), dates_(dates) {}
 
     Formula Parse() {
         if (token_.IsSymbol('=')) {
@@ -187,8 +188,12 @@ private:
             parts[i] = ParseNumber("a number in DATE(year,month,day)");
         }
         Expect(')', "the day of DATE(year,month,day)");
+        constexpr double firstYear = 1900;
+        if (!dates_.takesYearsBefore1900 && parts[0] < firstYear) {
+            throw FormulaError(name.position, "DATE has a year before 1900");
+        }
         try {
-            return DateOf(parts[0], parts[1], parts[2]).days;
+            return DateOf(parts[0], parts[1], parts[2]).days - dates_.nullDate;
         } catch (const AutomationError&) {
             throw FormulaError(name.position, "DATE gives a day outside the years 1900 to 9999");
         }
@@ -196,11 +201,14 @@ private:
 
     TokenReader reader_;
     Token token_;
+    FormulaDates dates_;
     char separator_ = '\0';
 };
 
 } // namespace
 
-Formula ParseFormula(std::string_view text) { return FormulaParser(text).Parse(); }
+Formula ParseFormula(std::string_view text, const FormulaDates& dates) {
+    return FormulaParser(text, dates).Parse();
+}
 
 } // namespace qel

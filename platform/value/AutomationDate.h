@@ -9,12 +9,13 @@ namespace qel {
 /// The order of day, month and year in the locale's short dates.
 enum class DateOrder { DayMonthYear, MonthDayYear, YearMonthDay };
 
-/// The user's regional settings that affect the texts of arguments and results.
+/// The user's regional settings and the document's that affect what arguments and results mean.
 struct Locale {
     DateOrder dateOrder = DateOrder::DayMonthYear;
     char dateSeparator = '/';
     char decimalSeparator = '.';
     char thousandsSeparator = ',';
+    double nullDate = 0; ///< the day since which the document's cells count days, as an AutomationDate
 };
 
 /// Days since 30 December 1899. The fraction is the time of day, also for negative dates, whose time counts

@@ -96,7 +96,9 @@ AutomationDate ToDate(const Variant& value, const Locale& locale) {
     if (value.Is<std::string>()) {
         return ParseDate(value.As<std::string>(), locale);
     }
-    const AutomationDate date{ToDouble(value, locale)};
+    const double days = ToDouble(value, locale);
+    const bool isCounted = days != 0 && !value.Is<AutomationDate>();
+    const AutomationDate date{isCounted ? days + locale.nullDate : days};
     DayFromDate(date); // raises for a day that does not exist
     return date;
 }

@@ -15,8 +15,8 @@ std::string ToText(const Variant& value, const Locale& locale);
 /// Raises 13 for a text that is not a number, 94 for Null, 6 on overflow.
 double ToDouble(const Variant& value, const Locale& locale);
 
-/// A date, a number of days, or a text in the locale's form; Empty is the zero date. Raises as ToDouble and
-/// ParseDate.
+/// A date, a number of days since the locale's null date, or a text in the locale's form; Empty and 0 are the
+/// zero date. Raises as ToDouble and ParseDate.
 AutomationDate ToDate(const Variant& value, const Locale& locale);
 
 /// The platform's IsNumeric: true for numbers, booleans, Empty and numeric texts (sign on either side,

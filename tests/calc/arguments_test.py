@@ -6,6 +6,7 @@ import unittest
 from calc_bench import BOOKS, NO_VALUE, CalcTest, Error, calc_session, name_formula, run_qel, shown, value_formula
 
 from com.sun.star.lang import Locale
+from com.sun.star.util import Date
 
 WHOLE_YEAR = -929.95
 SALES = -1500.3
@@ -75,6 +76,9 @@ class ArgumentForms(CalcTest):
             ("several cells", value_formula(first="B1:B2"), Error(NO_VALUE)),
             ("backwards", value_formula(first="B2", last="B1"), 0),
         ])
+        self.document.NullDate = Date(1, 1, 1904)
+        self.check([("numbers since 1904", value_formula(first="43830", last="B2-1462"), WHOLE_YEAR),
+                    ("no first date", value_formula(first="B9", last="DATE(2024,1,31)"), january)])
 
     def test_date_texts_are_read_as_the_document_writes_them(self):
         february_third = '"02/03/2024"', '"02/03/2024"'

@@ -10,6 +10,7 @@ from com.sun.star.text.WritingMode2 import RL_TB
 from com.sun.star.util import CloseVetoException
 from keyboard_bench import KeyboardTest, eventually
 from person import run_tests
+import uno
 
 ARGUMENTS = ['"ledger.cub"', "B1", '{"OBS"}', '{"1"}', '{"All"}', '{"All"}', '{"All"}', '"All"', '""', "B2", '"Amount"',
              '"All"', '"All"', '"All"', '"All"', '"All"', "DATE(2024;1;1)", "B3"]
@@ -47,6 +48,8 @@ class Lines(KeyboardTest):
         return self.controller.ActiveSheet
 
     def test_the_lines_stand_in_a_new_sheet(self):
+        self.document.NullDate = uno.createUnoStruct("com.sun.star.util.Date", 1, 1, 1904)  # the cells count days from then on
+        self.report.getCellRangeByName("B3").Formula = "2024-03-31"
         self.asks(formula())
         sheet = self.shows("Report C5")
         fields, *lines = csv.reader(io.StringIO(run_qel(

@@ -73,6 +73,8 @@ def shown_cells():
         (call(end='"never"'), "#VALUE!", "not a date"), (call(start='"01/04/2024"', end='"01/02/2024"'), hidden, "later than"),
         ('OrmFunctionQel4.OrmQelFunction.QelName("books.cub","BooksFNC","SuperSum1",77)', hidden, ""),
         (call() + "+" + call('"77"'), hidden, '"77"'), (call().replace("BooksFNC", "FlatFNC"), "outdated cube", "build it again"),
+        (call(start='"2024-01-01"&B99'), None, ""),
+        (call(start="C1+1"), unread, "computed"), (call(start="EOMONTH(A1,0)"), unread, "EOMONTH"), (call(end="DATE(24*1,3,31)"), unread, "DATE"),
         (call(cube='"http://localhost:9/cubes"'), hidden, "not a known server"), (call("A1", cube='"http://localhost:9/cubes"'), hidden, "")]
     rows = [(1, texts)] + [(i, [(f"B{i}", formula(text), "")]) for i, (text, _, _) in enumerate(tried, 2)]
     found = {f"B{i}": (finding, words) for i, (_, finding, words) in enumerate(tried, 2) if finding}
@@ -109,7 +111,7 @@ class CheckWorkbook(Workbooks):
             self.compare(file, self.found)
         status, output, messages = run("check-workbook", file, "--csv")
         self.assertEqual(output.splitlines()[0], "file,sheet,cell,finding,reason")
-        self.assertRegex(messages, r"^qel check-workbook: 27 formulas, 12 found, 6 not checked\n$")
+        self.assertRegex(messages, r"^qel check-workbook: 31 formulas, 12 found, 9 not checked\n$")
 
     def test_what_is_sound_and_what_is_not_checked(self):
         file = self.path / "sound.xlsx"
@@ -119,17 +121,24 @@ class CheckWorkbook(Workbooks):
         self.assertEqual([run("check-workbook", *more, file)[0] for more in ((), ("--strict",))], [0, 1])
         self.assertEqual(run("check-workbook")[0], 2)
 
-    def test_an_empty_cell_is_0_in_an_open_document(self):
-        file = self.path / "empty.ods"
-        written = call("[.Z9]").replace(",", ";")
-        spaces = " ".join(f'xmlns:{name}="urn:oasis:names:tc:opendocument:xmlns:{name}:1.0"' for name in ("office", "table"))
+    def test_empty_cells_blanks_and_dates_of_an_open_document(self):
+        file = self.path / "cells.ods"
+        spaces = " ".join(f'xmlns:{name}="urn:oasis:names:tc:opendocument:xmlns:{name}:1.0"' for name in ("office", "table", "text"))
+        date = '<table:table-cell office:value-type="date" office:date-value="{}"/>'
+        cells = "".join(f'<table:table-cell office:value-type="string"><text:p>{text}</text:p></table:table-cell>' for text in (
+            "<text:span>A</text:span> \n<text:span> B </text:span>", "<text:a><text:span>A<text:s text:c='2'/>B</text:span></text:a>"))
+        cells += date.format("2024-01-01") + date.format("2024-03-31")
+        calls = (call("[.Z9]"), call("[.A1]"), call("[.B1]"), call(start="[.C1]", end="[.D1]"),
+                 call(start="DATE(2024,1,1)", end=str(45382 - 1462)), call(start="DATE(24,1,1)"))
+        cells += "".join(f"<table:table-cell table:formula={quoteattr('of:=' + each.replace(',', ';'))}/>" for each in calls)
         with zipfile.ZipFile(file, "w") as archive:
             archive.writestr("mimetype", "application/vnd.oasis.opendocument.spreadsheet")
             archive.writestr("content.xml", f"<office:document-content {spaces}><office:body><office:spreadsheet>"
-                             '<table:table table:name="P &amp; L"><table:table-row><table:table-cell office:value-type="float" '
-                             f"office:value=\"0\" table:formula={quoteattr('of:=' + written)}/></table:table-row></table:table>"
+                             '<table:calculation-settings><table:null-date table:date-value="1904-01-01"/></table:calculation-settings>'
+                             f'<table:table table:name="P &amp; L"><table:table-row>{cells}</table:table-row></table:table>'
                              "</office:spreadsheet></office:body></office:document-content>")
-        self.compare(file, {"A1": ("hidden error", 'no member "0"')})
+        self.compare(file, {"E1": ("hidden error", 'no member "0"'), "F1": ("hidden error", 'no member "A B"'),
+                            "G1": ("hidden error", 'no member "A  B"'), "J1": ("not checked", "DATE")})
 
     def test_damaged_files_are_told(self):
         file = self.path / "damaged.xlsx"

@@ -16,16 +16,13 @@ namespace qel {
 
 namespace {
 
-constexpr std::size_t firstList = 2, lastList = 6, firstDate = 16;
+constexpr std::size_t firstList = 2, lastList = 6;
 constexpr int deepestName = 8;
 
-enum class Kind { Value, List, Date, Operand };
+enum class Kind { Value, List, Operand };
 
 Kind KindOf(bool isName, std::size_t argument) {
-    if (isName || argument < firstList) {
-        return Kind::Value;
-    }
-    return argument <= lastList ? Kind::List : argument >= firstDate ? Kind::Date : Kind::Value;
+    return !isName && argument >= firstList && argument <= lastList ? Kind::List : Kind::Value;
 }
 
 /// Why an argument's value is not in the file.
@@ -38,7 +35,9 @@ public:
 class ArgumentValues {
 public:
     ArgumentValues(const WorkbookContent& workbook, std::size_t sheet, const Locale& locale)
-        : workbook_(workbook), sheet_(sheet), locale_(locale) {}
+        : workbook_(workbook), sheet_(sheet), locale_(locale) {
+        locale_.nullDate = workbook.daysBefore;
+    }
 
     FormulaCall Bind(const WrittenCall& written) const {
         Formula formula;
@@ -93,13 +92,15 @@ private:
         return std::move(*value);
     }
 
-    static std::optional<Variant> ConstantOf(const std::string& text) {
+    std::optional<Variant> ConstantOf(const std::string& text) const {
         const bool isTruth = EqualIgnoringCase(text, "TRUE()");
         if (isTruth || EqualIgnoringCase(text, "FALSE()")) {
             return isTruth;
         }
         try {
-            const auto parsed = ParseFormula("QelF1(" + text + ")");
+            const FormulaDates dates = {.nullDate = workbook_.daysBefore,
+                                        .takesYearsBefore1900 = !workbook_.isOpenDocument};
+            const auto parsed = ParseFormula("QelF1(" + text + ")", dates);
             return parsed.arguments.size() == 1 ? parsed.arguments.front().value : std::nullopt;
         } catch (const FormulaError&) {
             return std::nullopt;
@@ -142,9 +143,7 @@ private:
         if (workbook_.isOpenDocument && kind != Kind::Operand && values.front().Is<Empty>()) {
             return 0.0; // as Calc passes an empty cell
         }
-        const auto* number = std::get_if<double>(&values.front().Get());
-        return kind == Kind::Date && number != nullptr ? Variant(*number + workbook_.daysBefore)
-                                                       : values.front();
+        return values.front();
     }
 
     static Variant CellOf(const SheetContent& sheet, CellPlace place) {
@@ -164,7 +163,7 @@ private:
 
     const WorkbookContent& workbook_;
     std::size_t sheet_;
-    const Locale& locale_;
+    Locale locale_;
 };
 
 SheetCall Read(const ArgumentValues& values, const WrittenCall& written, std::size_t sheet, CellPlace place) {

@@ -30,7 +30,7 @@ struct SheetContent {
 /// What a workbook's file keeps of its cells, or an open document has in them.
 struct WorkbookContent {
     bool isOpenDocument = false; ///< formulas are written as OpenDocument has them
-    double daysBefore = 0;       ///< from the first day of our dates to the one of its own
+    double daysBefore = 0;       ///< from the first day of our dates to the one of its numeric dates
     std::vector<SheetContent> sheets;
     std::map<std::string, std::string> names; ///< in small letters, each with its formula
 

@@ -3,6 +3,7 @@
 #include "platform/office/OfficeText.h"
 #include "platform/office/OtherInterface.h"
 #include "platform/sheet/SheetTexts.h"
+#include "platform/sheet/calc/NullDate.h"
 
 #include <algorithm>
 #include <cmath>
@@ -34,6 +35,8 @@ constexpr std::size_t rowsAtOnce = 10'000;
 /// Office texts of a column's values, each made once: ledgers repeat them.
 class CellMaker {
 public:
+    explicit CellMaker(double nullDate) : nullDate_(nullDate) {}
+
     uno::Any Make(const Variant& value) {
         if (value.Is<std::string>()) {
             return uno::Any(TextOf(value.As<std::string>()));
@@ -42,7 +45,7 @@ public:
             return uno::Any(value.As<double>());
         }
         if (value.Is<AutomationDate>()) {
-            return uno::Any(value.As<AutomationDate>().days);
+            return uno::Any(value.As<AutomationDate>().days - nullDate_);
         }
         return uno::Any(rtl::OUString()); // an empty cell; an Any without a value would be an error
     }
@@ -65,6 +68,7 @@ private:
         return found->second;
     }
 
+    double nullDate_;
     std::unordered_map<std::string, rtl::OUString> texts_;
     const std::pair<const std::string, rtl::OUString>* last_ = nullptr;
 };
@@ -117,7 +121,7 @@ rtl::OUString SumOf(const table::CellRangeAddress& range) {
 } // namespace
 
 CalcTable::CalcTable(const SheetDocument& document, const Sheet& sheet, const TableSheet& table)
-    : document_(document), sheet_(sheet), table_(table) {}
+    : document_(document), sheet_(sheet), table_(table), nullDate_(NullDateOf(As<XPropertySet>(document))) {}
 
 void CalcTable::Write(const std::function<void(double share)>& progress) const {
     FormatColumns();
@@ -202,7 +206,7 @@ void CalcTable::WriteHeadingCell(const HeadingCell& cell, sal_Int32 column, sal_
         range->getCellByPosition(0, 0)->setFormula(SumOf(below->getRangeAddress()));
         return;
     }
-    const uno::Any value = CellMaker().Make(cell.value);
+    const uno::Any value = CellMaker(nullDate_).Make(cell.value);
     As<sheet::XCellRangeData>(range)->setDataArray(OneRow({&value, 1}));
 }
 
@@ -227,8 +231,8 @@ void CalcTable::FitColumns() const {
         }
     }
     uno::Sequence<uno::Any> longest(Columns());
-    std::transform(widest.begin(), widest.end(), longest.getArray(), [](const Variant* value) {
-        return value == nullptr ? uno::Any() : CellMaker().Make(*value);
+    std::transform(widest.begin(), widest.end(), longest.getArray(), [&](const Variant* value) {
+        return value == nullptr ? uno::Any() : CellMaker(nullDate_).Make(*value);
     });
     As<sheet::XCellRangeData>(Block(0, CaptionRow() + 1, Columns(), 1))->setDataArray(OneRow(longest));
     const sal_Int32 columns = AllColumns();
@@ -243,7 +247,7 @@ void CalcTable::FitColumns() const {
 }
 
 void CalcTable::WriteRows(const std::function<void(double share)>& progress) const {
-    std::vector<CellMaker> makers(table_.columns.size());
+    std::vector<CellMaker> makers(table_.columns.size(), CellMaker(nullDate_));
     for (std::size_t first = 0; first < table_.rows.size(); first += rowsAtOnce) {
         const std::size_t count = std::min(rowsAtOnce, table_.rows.size() - first);
         uno::Sequence<uno::Sequence<uno::Any>> block(static_cast<sal_Int32>(count));

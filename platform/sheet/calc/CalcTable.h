@@ -48,6 +48,7 @@ private:
     SheetDocument document_;
     Sheet sheet_;
     const TableSheet& table_;
+    double nullDate_;
 };
 
 } // namespace qel::office
