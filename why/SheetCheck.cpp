@@ -1,8 +1,11 @@
 #include "why/SheetCheck.h"
 
+#include "lang/StringTable.h"
+#include "lines/LinesOfCell.h"
 #include "platform/value/AutomationError.h"
 #include "platform/value/FailureText.h"
 #include "reason/RunFormula.h"
+#include "wizard/OwnText.h"
 
 #include <algorithm>
 #include <tuple>
@@ -40,8 +43,10 @@ void SheetCheck::Run(const WorkbookContent& content, const ReadCell& read,
 }
 
 void SheetCheck::CheckCell(const Cell& cell, std::span<SheetCall> calls, const ReadCell& read) {
-    if (std::any_of(calls.begin(), calls.end(), [](const SheetCall& call) { return call.isUnread; })) {
-        return CheckByReading(cell, read);
+    const auto unread =
+        std::find_if(calls.begin(), calls.end(), [](const SheetCall& call) { return call.isUnread; });
+    if (unread != calls.end()) {
+        return CheckByReading(cell, read, unread->fault);
     }
     for (SheetCall& call : calls) {
         if (!call.call) {
@@ -54,12 +59,18 @@ void SheetCheck::CheckCell(const Cell& cell, std::span<SheetCall> calls, const R
     }
 }
 
-void SheetCheck::CheckByReading(const Cell& cell, const ReadCell& read) {
+void SheetCheck::CheckByReading(const Cell& cell, const ReadCell& read, const std::string& unread) {
     try {
         const CellCalls calls = read(cell.sheet, cell.place);
+        if (calls.values.empty() && calls.names.empty()) { // such as in an array formula
+            Find(cell, unread);
+        }
         for (const CellCall& value : calls.values) {
-            if (value.faulty.empty()) { // otherwise the cell shows an error
+            if (value.faulty.empty()) {
                 Judge(cell, {WorksheetFunction::QeLF1, value.call, value.given});
+            } else {
+                Find(cell, ResourceString(OwnTextNumber::FaultyArguments, language_) + ' ' +
+                               FaultyNames(value, language_ == Language::Hebrew));
             }
         }
         for (const NameCall& name : calls.names) {

@@ -43,7 +43,7 @@ private:
     };
 
     void CheckCell(const Cell& cell, std::span<SheetCall> calls, const ReadCell& read);
-    void CheckByReading(const Cell& cell, const ReadCell& read);
+    void CheckByReading(const Cell& cell, const ReadCell& read, const std::string& unread);
     void Judge(const Cell& cell, const FormulaCall& call);
     void Find(const Cell& cell, std::string reason);
     const std::string& FullPath(const std::string& cubeFile);
