@@ -145,6 +145,7 @@ void WizardsService::ShowCheck() {
                  },
              .goTo = [=](const std::string& sheet,
                          CellPlace place) { office::GoToCell(document, sheet, place.row, place.column); },
+             .isHidden = [=](const std::string& sheet) { return office::IsHidden(document, sheet); },
              .copy = [context = context_](const std::string& text) { office::CopyText(context, text); },
              .alone = &RunAlone});
         if (form) {

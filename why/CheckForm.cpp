@@ -17,7 +17,8 @@ constexpr const char* allSheets = "ChkAllSheets";
 constexpr const char* againButton = "CmdAgain";
 constexpr const char* copyButton = "CmdCopy";
 constexpr const char* closeButton = "CmdClose";
-constexpr std::int32_t checkingText = 1673, summaryText = 1674, summaryOfSomeText = 1675;
+constexpr std::int32_t checkingText = 1673, summaryText = 1674, summaryOfSomeText = 1675,
+                       hiddenSheetText = 1676;
 constexpr std::size_t mostRows = 1000;
 
 using enum ControlKind;
@@ -97,7 +98,9 @@ void CheckForm::Show(std::size_t formulas) {
 
 std::string CheckForm::RowOf(const SheetFinding& finding) const {
     const std::string cell = finding.sheet + '.' + CellName(finding.place);
-    return (Context().IsHebrew() ? InOwnDirection(cell) : cell) + ": " + finding.reason;
+    return (Context().IsHebrew() ? InOwnDirection(cell) : cell) +
+           (place_.isHidden(finding.sheet) ? " " + OwnText(Context(), hiddenSheetText) : "") + ": " +
+           finding.reason;
 }
 
 std::unique_ptr<CheckForm> MakeCheckForm(const WizardContext& context, const CheckPlace& place) {

@@ -16,6 +16,7 @@ struct CheckPlace {
     std::function<WorkbookContent(bool isWholeDocument)> read;
     SheetCheck::ReadCell readCell;
     std::function<void(const std::string& sheet, CellPlace place)> goTo;
+    std::function<bool(const std::string& sheet)> isHidden; ///< so that one cannot go to its cells
     std::function<void(const std::string& text)> copy;
     LongCommand alone;
 };

@@ -154,6 +154,7 @@
 	<z:row lId='0' sId='1673' sText="Checking formulas (Esc stops)"/>
 	<z:row lId='0' sId='1674' sText="Formulas: {0}. To be looked at: {1}."/>
 	<z:row lId='0' sId='1675' sText="Formulas: {0}. To be looked at: {1}; the first {2} are listed."/>
+	<z:row lId='0' sId='1676' sText="(hidden sheet)"/>
 	<z:row lId='1' sId='20' sText="Tahoma"/>
 	<z:row lId='1' sId='21' sText="9"/>
 	<z:row lId='1' sId='1364' sText="שם לא תקין לקובץ קוביה"/>
@@ -291,5 +292,6 @@
 	<z:row lId='1' sId='1673' sText="בדיקת נוסחאות (Esc לעצירה)"/>
 	<z:row lId='1' sId='1674' sText="נוסחאות: {0}. דורשות בדיקה: {1}."/>
 	<z:row lId='1' sId='1675' sText="נוסחאות: {0}. דורשות בדיקה: {1}; מוצגות {2} הראשונות."/>
+	<z:row lId='1' sId='1676' sText="(גיליון מוסתר)"/>
 </rs:data>
 </xml>

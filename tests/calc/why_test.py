@@ -136,8 +136,12 @@ class Why(KeyboardTest):
         self.closed("בדיקת הגיליון")
 
     def test_a_sheet_is_checked_and_a_click_goes_to_the_cell(self):
-        self.sheets.insertNewByName("More data", 1)
+        self.sheets.insertNewByName("Dan's data", 1)
         more = self.sheets.getByIndex(1)
+        more.getCellRangeByName("B1").String = "LedgerFNC"
+        self.document.NullDate = uno.createUnoStruct("com.sun.star.util.Date", 1, 1, 1904)
+        for cell, text in (("B3", "2024-03-31"), ("B4", "'2024-01-01"), ("B5", "=1/0")):
+            self.report.getCellRangeByName(cell).Formula = text
         run_qel("cube", "build", BOOKS / "books.json", "--output", WORK / "books.cub")
         self.document.NamedRanges.addNewByName("Cube", "$Report.$B$1", uno.createUnoStruct("com.sun.star.table.CellAddress"), 0)
         for cell, text in (("A7", formula()), ("A8", formula(a9='"61119"')), ("A9", formula(a0='"no such.cub"')),
@@ -145,8 +149,12 @@ class Why(KeyboardTest):
                            ("A11", formula(a9="LEFT(61119;5)")),  # which only the spreadsheet computes
                            ("A12", formula(a9="LEFT(61119;4)")),
                            ("A13", f"=1+{formula('QELNAME', a2=chr(34) + 'SuperSum1' + chr(34), a3=chr(34) + '999' + chr(34))[1:]}"),
-                           ("A14", formula(a0='"books.cub"', a1='"FlatFNC"')), ("A15", "=1+1")):
+                           ("A14", formula(a0='"books.cub"', a1='"FlatFNC"')), ("A15", "=1+1"),
+                           ("A16", formula(a1="$'Dan''s data'.B1", a16="B4+0")), ("A17", formula(a9="B5")),
+                           ("A18", formula(a17='UPPER("never")'))):
             self.report.getCellRangeByName(cell).Formula = text
+        self.report.getCellRangeByName("A19:A20").ArrayFormula = formula(a9='"61119"')
+        more.IsVisible = False
         more.getCellRangeByName("B2").Formula = formula(a1="$Report.B1", a9='"61118"', a17="$Report.B3")
         self.hands.key("alt+q", "c")
         window = self.person.sees(CHECK)
@@ -154,14 +162,18 @@ class Why(KeyboardTest):
         rows = window.first(*[window.controls[1].getAccessibleRole()]).items
         self.assertEqual(rows[:3], [f"Report.A8: {missing}", "Report.A9: there is no file no such.cub", f"Report.A11: {missing}"])
         self.assertEqual([row.split(":")[0] for row in rows[3:4]], ["Report.A13"])
-        self.assertEqual(rows[4:], ["Report.A14: the cube is of an outdated layout; build it again"])
-        self.assertIn("Formulas: 8. To be looked at: 5.", window.texts())
+        faulty = "These arguments of the formula have no value that it takes:"
+        self.assertEqual(rows[4:], ["Report.A14: the cube is of an outdated layout; build it again", f"Report.A17: {faulty} Accounts",
+                                    f"Report.A18: {faulty} To_Date", f"Report.A19: {missing}"])
+        self.assertIn("Formulas: 12. To be looked at: 8.", window.texts())
         self.person.photograph(WORK / "check.png")
         self.hands.key("Down", "Down")
         eventually("the cell", lambda: self.document.CurrentSelection.AbsoluteName == "$Report.$A$9")
         window.named("All sheets", CHECK_BOX).press()
         window.button("Check again").press()
-        eventually("the other sheet", lambda: "Formulas: 9. To be looked at: 6." in self.person.sees(CHECK).texts())
+        eventually("the other sheet", lambda: "Formulas: 13. To be looked at: 9." in self.person.sees(CHECK).texts())
+        rows = self.person.sees(CHECK).first(*[window.controls[1].getAccessibleRole()]).items
+        self.assertTrue(rows[-1].startswith("Dan's data.B2 (hidden sheet): "), rows)
         self.hands.click(window.button("Close"))
         self.closed(CHECK)
 

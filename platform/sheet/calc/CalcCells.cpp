@@ -7,10 +7,13 @@
 #include <com/sun/star/beans/XPropertySet.hpp>
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/sheet/CellFlags.hpp>
+#include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XCellRangeData.hpp>
 #include <com/sun/star/sheet/XCellRangeFormula.hpp>
 #include <com/sun/star/sheet/XCellRangesQuery.hpp>
 #include <com/sun/star/sheet/XNamedRange.hpp>
+#include <com/sun/star/sheet/XSheetCellCursor.hpp>
+#include <com/sun/star/sheet/XSheetCellRange.hpp>
 #include <com/sun/star/sheet/XSheetCellRangeContainer.hpp>
 #include <com/sun/star/sheet/XSpreadsheetView.hpp>
 #include <com/sun/star/view/XSelectionSupplier.hpp>
@@ -36,6 +39,16 @@ uno::Sequence<table::CellRangeAddress> AddressesOf(const uno::Reference<sheet::X
 
 uno::Reference<table::XCellRange> CellsOf(const Sheet& spreadsheet, const table::CellRangeAddress& at) {
     return spreadsheet->getCellRangeByPosition(at.StartColumn, at.StartRow, at.EndColumn, at.EndRow);
+}
+
+/// Whether a cell of an array formula is its first one.
+bool BeginsArray(const Sheet& spreadsheet, std::uint32_t row, std::uint32_t column) {
+    const auto x = static_cast<sal_Int32>(column), y = static_cast<sal_Int32>(row);
+    const auto cursor = spreadsheet->createCursorByRange(
+        As<sheet::XSheetCellRange>(spreadsheet->getCellRangeByPosition(x, y, x, y)));
+    cursor->collapseToCurrentArray();
+    const auto array = As<sheet::XCellRangeAddressable>(cursor)->getRangeAddress();
+    return array.StartColumn == x && array.StartRow == y;
 }
 
 /// Calls with each element of the rows of an area.
@@ -80,6 +93,8 @@ void WalkFormulas(const SheetDocument& document, const std::string& name, const 
             ForEachCell(rows, at, [&](std::uint32_t row, std::uint32_t column, const rtl::OUString& formula) {
                 if (formula.startsWith("=")) {
                     take(row, column, FromOffice(formula.copy(1)));
+                } else if (formula.startsWith("{=") && BeginsArray(spreadsheet, row, column)) {
+                    take(row, column, FromOffice(formula.copy(2, formula.getLength() - 3)));
                 }
             });
         }
@@ -129,6 +144,14 @@ void GoToCell(const SheetDocument& document, const std::string& name, std::uint3
         As<com::sun::star::view::XSelectionSupplier>(controller)
             ->select(uno::Any(
                 spreadsheet->getCellByPosition(static_cast<sal_Int32>(column), static_cast<sal_Int32>(row))));
+    });
+}
+
+bool IsHidden(const SheetDocument& document, const std::string& name) {
+    return Translating([&] {
+        bool isVisible = true;
+        As<XPropertySet>(SheetNamed(document, name))->getPropertyValue("IsVisible") >>= isVisible;
+        return !isVisible;
     });
 }
 

@@ -13,7 +13,7 @@ namespace qel::office {
 using TakeFormula = std::function<void(std::uint32_t row, std::uint32_t column, const std::string& formula)>;
 using TakeValue = std::function<void(std::uint32_t row, std::uint32_t column, Variant value)>;
 
-/// The formulas of a sheet without the equals sign; those of array formulas are left out.
+/// The formulas of a sheet without the equals sign; an array formula stands in its first cell.
 void WalkFormulas(const SheetDocument& document, const std::string& sheet, const TakeFormula& take);
 
 /// The values of the cells that are not empty: numbers, texts, and an ErrorValue for an error. Raises for
@@ -24,9 +24,12 @@ void WalkValues(const SheetDocument& document, const std::string& sheet, const T
 std::shared_ptr<FormulaCell> FormulaCellAt(const SheetDocument& document, const std::string& sheet,
                                            std::uint32_t row, std::uint32_t column);
 
-/// Shows the cell and chooses it.
+/// Shows the cell and chooses it, unless its sheet is hidden.
 void GoToCell(const SheetDocument& document, const std::string& sheet, std::uint32_t row,
               std::uint32_t column);
+
+/// Whether a sheet of the document is not shown.
+bool IsHidden(const SheetDocument& document, const std::string& sheet);
 
 /// Calls with each name of the document, or of a sheet, whose content does not depend on the cell that uses
 /// it.
