@@ -30,6 +30,7 @@ struct FormulaResult {
 struct PreparedCall {
     FormulaResult result;                        ///< complete when there is no query
     std::optional<ModSetCube::ValueQuery> query; ///< what to ask for
+    std::string key;                             ///< of the query, see WriteCallKey; empty for none
     bool isForWorksheet = false;                 ///< shows numbers alone
 };
 
