@@ -2,9 +2,9 @@
 
 #include "text/Text.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 
 namespace qel::ModSetCube {
@@ -16,32 +16,22 @@ void AppendBytes(std::string& key, Number number) {
     key.append(reinterpret_cast<const char*>(&number), sizeof number);
 }
 
-/// With its length, so that no two lists of texts have one key.
+/// With its length, so that no two lists of texts have one key. Most lengths take a byte.
 void AppendText(std::string& key, std::string_view text) {
-    AppendBytes(key, static_cast<std::uint32_t>(text.size()));
+    constexpr std::size_t isLong = 255;
+    key += static_cast<char>(std::min(text.size(), isLong));
+    if (text.size() >= isLong) {
+        AppendBytes(key, text.size());
+    }
     key += text;
 }
 
 constexpr std::array restrictions = {&ValueCall::Accounts, &ValueCall::MoneySet, &ValueCall::Plbs,
                                      &ValueCall::RH,       &ValueCall::Firma,    &ValueCall::Opening_Balance};
 
-/// The text of a list's element; null when it has to be converted.
-const std::string* TextOf(const Variant& element) {
-    static const std::string nothing;
-    return element.Is<Empty>() ? &nothing : std::get_if<std::string>(&element.Get());
-}
-
 } // namespace
 
-bool WriteCallKey(std::string& key, const ValueCall& call, const ValueKeys& keys, DayRange days) {
-    const std::string *const obsName = TextOf(keys.ObsName), *const obsNumber = TextOf(keys.ObsNum),
-                             *const obsLevel = TextOf(keys.ObsLevel),
-                             *const obsMember = TextOf(keys.ObsMember),
-                             *const activity = TextOf(keys.ActivityList);
-    if (obsName == nullptr || obsNumber == nullptr || obsLevel == nullptr || obsMember == nullptr ||
-        activity == nullptr) {
-        return false;
-    }
+void WriteCallKey(std::string& key, const ValueCall& call, const KeyTexts& keys, DayRange days) {
     key.clear();
     AppendBytes(key, days.from.days);
     AppendBytes(key, days.to.days);
@@ -51,12 +41,11 @@ bool WriteCallKey(std::string& key, const ValueCall& call, const ValueKeys& keys
     for (const auto text : restrictions) {
         AppendText(key, RestrictionOf(call.*text));
     }
-    AppendText(key, Trimmed(*obsName));
-    AppendText(key, *obsNumber);
-    AppendText(key, Trimmed(*obsLevel));
-    AppendText(key, Trimmed(*obsMember));
-    AppendText(key, RestrictionOf(*activity));
-    return true;
+    AppendText(key, Trimmed(keys.obsName));
+    AppendText(key, keys.obsNumber);
+    AppendText(key, Trimmed(keys.obsLevel));
+    AppendText(key, Trimmed(keys.obsMember));
+    AppendText(key, RestrictionOf(keys.activity));
 }
 
 } // namespace qel::ModSetCube

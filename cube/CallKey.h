@@ -4,11 +4,17 @@
 #include "cube/ValueQuery.h"
 
 #include <string>
+#include <string_view>
 
 namespace qel::ModSetCube {
 
+/// Element 0 of a call's lists, as texts.
+struct KeyTexts {
+    std::string_view obsName, obsNumber, obsLevel, obsMember, activity;
+};
+
 /// Writes all that a call's query depends on while one cube is open: calls with the same key have the same
-/// query. False for keys that are not texts; those have to be converted first.
-bool WriteCallKey(std::string& key, const ValueCall& call, const ValueKeys& keys, DayRange days);
+/// query.
+void WriteCallKey(std::string& key, const ValueCall& call, const KeyTexts& keys, DayRange days);
 
 } // namespace qel::ModSetCube

@@ -1,5 +1,6 @@
 #include "cube/KnownCells.h"
 
+#include <functional>
 #include <utility>
 
 namespace qel::ModSetCube {
@@ -13,8 +14,13 @@ constexpr std::size_t perEntry = 128; ///< overhead of the hash table
 } // namespace
 
 const PreparedCell* KnownCells::Find(std::string_view key) const {
-    const auto found = cells_.find(key);
-    return found == cells_.end() ? nullptr : found->second.get();
+    const auto found = cells_.find(std::hash<std::string_view>()(key));
+    if (found == cells_.end()) {
+        return nullptr;
+    }
+    const auto& [known, cell] = found->second;
+    __builtin_prefetch(cell.get()); // on its way while the keys are compared
+    return known == key ? cell.get() : nullptr;
 }
 
 void KnownCells::Keep(std::string key, std::shared_ptr<const PreparedCell> cell) {
@@ -22,7 +28,9 @@ void KnownCells::Keep(std::string key, std::shared_ptr<const PreparedCell> cell)
     if (bytes_ + bytes > mostBytes) {
         Clear();
     }
-    if (bytes <= mostBytes && cells_.emplace(std::move(key), std::move(cell)).second) {
+    if (bytes <= mostBytes) {
+        const std::size_t hash = std::hash<std::string_view>()(key);
+        cells_.insert_or_assign(hash, Known{std::move(key), std::move(cell)});
         bytes_ += bytes;
     }
 }

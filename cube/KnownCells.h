@@ -3,7 +3,6 @@
 #include "platform/data/CellQuery.h"
 
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -21,11 +20,12 @@ public:
     void Clear();
 
 private:
-    struct Hash : std::hash<std::string_view> {
-        using is_transparent = void;
+    struct Known {
+        std::string key;
+        std::shared_ptr<const PreparedCell> cell;
     };
 
-    std::unordered_map<std::string, std::shared_ptr<const PreparedCell>, Hash, std::equal_to<>> cells_;
+    std::unordered_map<std::size_t, Known> cells_; ///< by the hash of the key; of two with one hash, the last
     std::size_t bytes_ = 0;
 };
 

@@ -45,7 +45,8 @@ std::string_view SummaryLevelOf(std::string_view level) {
 
 bool IsUnrestricted(std::string_view key) {
     const std::string_view trimmed = Trimmed(key);
-    return trimmed.empty() || EqualIgnoringCase(trimmed, everything);
+    // No letter of another length becomes one of these.
+    return trimmed.empty() || (trimmed.size() == everything.size() && EqualIgnoringCase(trimmed, everything));
 }
 
 ValueQuery QueryOf(const ValueCall& call, const ValueKeys& keys, const Locale& locale) {

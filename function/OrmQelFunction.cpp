@@ -1,6 +1,5 @@
 #include "function/OrmQelFunction.h"
 
-#include "cube/CallKey.h"
 #include "cube/NameQuery.h"
 #include "platform/value/Conversion.h"
 #include "platform/value/CurrentFailure.h"
@@ -37,6 +36,10 @@ ModSetCube::OpenedCube CubeOf(const std::string& cubeFile, const std::string& cu
     return {std::string(Trimmed(cubeFile)), std::string(Trimmed(cubeName))};
 }
 
+ModSetCube::DayRange DaysOf(const ValueCall& call, const Locale& locale) {
+    return ModSetCube::DaysOf(call.From_Date.IsZero() ? call.To_Date : call.From_Date, call.To_Date, locale);
+}
+
 /// Completes the call with a value that is known without its cell, or gives it the query.
 void Ask(ModSetCube::PreparedValue value, PreparedCall& prepared) {
     if (value.hasSlicers) {
@@ -67,14 +70,14 @@ OrmQelFunction::OrmQelFunction(FunctionContext context) : context_(std::move(con
 OrmQelFunction::~OrmQelFunction() { DropConnection(context_.thread); }
 
 PreparedCall OrmQelFunction::PrepareForWorksheet(const ValueCall& call, KnownCell known) {
-    // A list that cannot be made fails the call itself. Their order says which failure is told.
-    ModSetCube::ValueKeys keys;
-    keys.ObsName = FirstKey(call.ObsName, context_.locale);
-    keys.ObsLevel = FirstKey(call.ObsLevel, context_.locale);
-    const Variant obsMember = FirstKey(call.ObsMember, context_.locale);
-    keys.ActivityList = FirstKey(call.ActivityList, context_.locale);
-    keys.ObsNum = FirstKey(call.ObsNum, context_.locale);
-    PreparedCall prepared = Prepare(call, std::move(keys), {&obsMember, 1}, known);
+    const FirstKeys keys(call, context_.locale); // a list that cannot be made fails the call itself
+    PreparedCall prepared = Prepare(call, [&](PreparedCall& reading) {
+        reading.result.reached = Reached::OpenCube;
+        const auto days = DaysOf(call, context_.locale);
+        if (known == KnownCell::IsLeft || !ReadKnown(call, keys, days, reading)) {
+            Ask(PrepareCubeValue(context_.thread, context_.locale, call, keys.Values(), days), reading);
+        }
+    });
     prepared.isForWorksheet = true;
     if (!prepared.query) {
         prepared.result = ForWorksheet(std::move(prepared.result));
@@ -89,14 +92,18 @@ PreparedCall OrmQelFunction::PrepareQelFuncDemo(const ValueCall& call) {
     keys.ObsLevel = FirstOf(ElementsOf(call.ObsLevel, "arrObsLevel"));
     const Elements obsMembers = ElementsOf(call.ObsMember, "arrObsMember");
     keys.ActivityList = FirstOf(ElementsOf(call.ActivityList, "arrActivityList"));
-    return Prepare(call, std::move(keys), obsMembers, KnownCell::IsLeft);
+    return Prepare(call, [&](PreparedCall& prepared) {
+        const Locale& locale = context_.locale;
+        keys.ObsMember = FirstWithQuotesRestored(obsMembers, locale);
+        prepared.result.reached = Reached::OpenCube;
+        Ask(PrepareCubeValue(context_.thread, locale, call, keys, DaysOf(call, locale)), prepared);
+    });
 }
 
-PreparedCall OrmQelFunction::Prepare(const ValueCall& call, ModSetCube::ValueKeys keys, Elements obsMembers,
-                                     KnownCell known) {
+template <class Steps>
+PreparedCall OrmQelFunction::Prepare(const ValueCall& call, const Steps& steps) {
     const auto& [thread, providers, locale, wizards] = context_;
     PreparedCall prepared;
-    Reached& reached = prepared.result.reached;
     try {
         std::optional<ModSetCube::OpenedCube> other;
         const auto& cube =
@@ -105,28 +112,20 @@ PreparedCall OrmQelFunction::Prepare(const ValueCall& call, ModSetCube::ValueKey
             prepared.result.value = outdatedCube;
             return prepared;
         }
-        keys.ObsMember = FirstWithQuotesRestored(obsMembers, locale);
-        reached = Reached::OpenCube;
-        const AutomationDate from = call.From_Date.IsZero() ? call.To_Date : call.From_Date;
-        const auto days = ModSetCube::DaysOf(from, call.To_Date, locale);
-        if (known == KnownCell::IsLeft || !ReadKnown(call, keys, days, prepared)) {
-            Ask(ModSetCube::PrepareCubeValue(thread, locale, call, keys, days), prepared);
-        }
+        steps(prepared);
         if (other) {
             opened_ = std::move(*other);
         }
     } catch (...) {
         DropConnection(thread);
-        prepared.result = Trapped(reached);
+        prepared.result = Trapped(prepared.result.reached);
     }
     return prepared;
 }
 
-bool OrmQelFunction::ReadKnown(const ValueCall& call, const ModSetCube::ValueKeys& keys,
-                               ModSetCube::DayRange days, PreparedCall& prepared) {
-    if (!ModSetCube::WriteCallKey(key_, call, keys, days)) {
-        return false;
-    }
+bool OrmQelFunction::ReadKnown(const ValueCall& call, const FirstKeys& keys, ModSetCube::DayRange days,
+                               PreparedCall& prepared) {
+    ModSetCube::WriteCallKey(key_, call, keys.Texts(), days);
     ModSetCube::KnownCells& cells = context_.thread.knownCells;
     if (const PreparedCell* cell = cells.Find(key_)) {
         if (auto answer = ModSetCube::ReadKnownCell(*cell)) {

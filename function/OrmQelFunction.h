@@ -3,6 +3,7 @@
 #include "cube/CubeConnection.h"
 #include "cube/ValueCall.h"
 #include "function/ArgToList.h"
+#include "function/FirstKeys.h"
 #include "function/FormulaResult.h"
 #include "platform/sheet/Spreadsheet.h"
 #include "wizard/WizardContext.h"
@@ -87,11 +88,12 @@ private:
     /// Whether a call that was made before has its known cell read again, which completes it.
     enum class KnownCell : std::uint8_t { IsRead, IsLeft };
     PreparedCall PrepareForWorksheet(const ValueCall& call, KnownCell known);
-    /// The steps that a failure ends with "#err ". `keys` lack the OBS member, the first of `obsMembers`.
-    PreparedCall Prepare(const ValueCall& call, ModSetCube::ValueKeys keys,
-                         std::span<const Variant> obsMembers, KnownCell known);
+    /// Opens the call's cube and takes the steps after it, which prepare the call; a failure of any of them
+    /// ends with "#err ".
+    template <class Steps>
+    PreparedCall Prepare(const ValueCall& call, const Steps& steps);
     /// Completes a call whose cell is known; otherwise gives it the key by which it will be.
-    bool ReadKnown(const ValueCall& call, const ModSetCube::ValueKeys& keys, ModSetCube::DayRange days,
+    bool ReadKnown(const ValueCall& call, const FirstKeys& keys, ModSetCube::DayRange days,
                    PreparedCall& prepared);
     FormulaResult Run(PreparedCall prepared);
     FormulaResult ForWorksheet(FormulaResult result) const;
