@@ -16,6 +16,7 @@ class FirstKeys {
 public:
     /// Raises as FirstKey for a list that cannot be made. Their order says which failure is told.
     FirstKeys(const ValueCall& call, const Locale& locale);
+    ~FirstKeys() = default;
     FirstKeys(const FirstKeys&) = delete;
     FirstKeys& operator=(const FirstKeys&) = delete;
 

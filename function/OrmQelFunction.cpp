@@ -1,6 +1,8 @@
 #include "function/OrmQelFunction.h"
 
+#include "cube/CallKey.h"
 #include "cube/NameQuery.h"
+#include "function/FirstKeys.h"
 #include "platform/value/Conversion.h"
 #include "platform/value/CurrentFailure.h"
 #include "text/CaseFold.h"

@@ -3,7 +3,6 @@
 #include "cube/CubeConnection.h"
 #include "cube/ValueCall.h"
 #include "function/ArgToList.h"
-#include "function/FirstKeys.h"
 #include "function/FormulaResult.h"
 #include "platform/sheet/Spreadsheet.h"
 #include "wizard/WizardContext.h"
@@ -14,6 +13,8 @@
 #include <string>
 
 namespace qel {
+
+class FirstKeys;
 
 /// What an object works with; it outlives the object. All objects of a thread share its `thread`.
 struct FunctionContext {
