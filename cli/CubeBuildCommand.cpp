@@ -3,6 +3,7 @@
 #include "cli/CubeTotals.h"
 #include "cli/FormulaReview.h"
 #include "cli/Interruption.h"
+#include "cli/MemorySize.h"
 #include "cli/ProgressBar.h"
 #include "qel/engine/BuildCube.h"
 #include "text/Utf8Path.h"
@@ -29,7 +30,7 @@ Example:
   qel cube build examples/ledger/ledger.json --output demo.cub --skip-bad-lines rejected.csv)";
 
 struct BuildArguments {
-    std::string definition, output, skippedLines;
+    std::string definition, output, skippedLines, memory = "1G";
     bool strict = false, force = false;
 };
 
@@ -56,6 +57,7 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     }
     options.strict = arguments.strict;
     options.force = arguments.force;
+    options.memory = *ParseMemorySize(arguments.memory);
     options.review = [&](const auto& complete) { return ReviewForFormulas(complete, context.providers); };
     const auto start = std::chrono::steady_clock::now();
     engine::BuildTotals totals;
@@ -96,6 +98,19 @@ void AddCubeBuildCommand(CLI::App& cube, CommandContext& context) {
         ->check([](const std::string& file) { return file.empty() ? "names no file" : ""; }, "FILE");
     command->add_option("--skip-bad-lines", arguments->skippedLines,
                         "Write lines that cannot be used to this file and go on");
+    command
+        ->add_option(
+            "--memory", arguments->memory,
+            "Memory for facts and aggregates, such as 512M or 2G; what is more goes to a temporary file "
+            "beside the cube file")
+        ->check(
+            [](const std::string& size) {
+                return ParseMemorySize(size)
+                           ? std::string()
+                           : "expected a size of 64M or more, such as 512M or 2G, found \"" + size + "\"";
+            },
+            "SIZE")
+        ->capture_default_str();
     command->add_flag("--strict", arguments->strict,
                       "Take warnings for errors: the cube file stays as it was");
     command->add_flag("--force", arguments->force, "Replace a cube file that is write-protected");

@@ -6,6 +6,7 @@
 #include "engine/build/CubeBuilder.h"
 #include "engine/build/Definition.h"
 #include "engine/build/FactSorter.h"
+#include "engine/build/SpillStore.h"
 #include "engine/storage/CubeFileWriter.h"
 #include "qel/engine/CheckCalculations.h"
 #include "qel/engine/CubeFile.h"
@@ -39,11 +40,12 @@ BuildTotals BuildCube(const BuildOptions& options) {
     CheckWrittenPaths(options, definition);
     BuildTotals totals;
     CubeFileWriter writer(options.output); // created first, so that a wrong path fails before a long build
+    SpillStore store(options.output, options.memory);
     BadLines badLines(options.skippedLines);
     // The metadata of all cubes comes before any facts, so that opening reads few pages.
     std::vector<std::unique_ptr<CubeBuilder>> cubes;
     for (const CubeDefinition& cube : definition.cubes) {
-        cubes.push_back(std::make_unique<CubeBuilder>(definition, cube, badLines, options.progress));
+        cubes.push_back(std::make_unique<CubeBuilder>(definition, cube, badLines, options.progress, store));
         cubes.back()->Run(totals);
         writer.AddCube(cubes.back()->Model());
     }
@@ -56,7 +58,7 @@ BuildTotals BuildCube(const BuildOptions& options) {
                 options.progress(step, share);
             }
         };
-        WriteFacts(cubes[i]->Model(), cubes[i]->Facts(), i, writer, progress);
+        WriteFacts(cubes[i]->Model(), cubes[i]->Facts(), i, store, writer, progress);
         cubes[i].reset();
     }
     CheckCalculations(definition, writer);

@@ -25,12 +25,18 @@ std::uint8_t CodeWidth(std::uint32_t codes) {
 } // namespace
 
 CubeBuilder::CubeBuilder(const Definition& definition, const CubeDefinition& cube, BadLines& badLines,
-                         const BuildProgress& progress)
-    : definition_(definition), cube_(cube), badLines_(badLines), progress_(progress), details_(cube.details) {
+                         const BuildProgress& progress, SpillStore& store)
+    : definition_(definition), cube_(cube), badLines_(badLines), progress_(progress), details_(cube.details),
+      store_(store), facts_(store) {
     for (const DimensionDefinition& dimension : cube.dimensions) {
         dimensions_.emplace_back(dimension);
     }
     AddKeyColumns();
+    std::vector<bool> isSummed;
+    for (const MeasureDefinition& measure : cube.measures) {
+        isSummed.push_back(measure.column.has_value());
+    }
+    facts_.store.SetColumns(keyColumns_.size(), isSummed);
 }
 
 void CubeBuilder::AddKeyColumns() {
@@ -68,6 +74,12 @@ void CubeBuilder::Run(BuildTotals& totals) {
     NumberKeys();
     MakeModel();
     FindWarnings(totals.warnings);
+    const RecordLayout layout(model_);
+    ready_.emplace(CubeFacts{layout, MakeRecords(model_, layout, keyColumns_, facts_.store, store_), {}, {}});
+    for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
+        ready_->codes.push_back(CountCodes(i));
+    }
+    ready_->details = std::move(facts_.details);
 }
 
 void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
@@ -99,21 +111,31 @@ void CubeBuilder::ReadDimensionTables(BuildTotals& totals) {
 void CubeBuilder::ReadFactTables(BuildTotals& totals) {
     for (const std::size_t table : cube_.facts) {
         TableReader reader(definition_.tables[table], badLines_, progress_);
-        const std::uint64_t firstRow = facts_.rowCount;
+        const std::uint64_t firstRow = facts_.store.RowCount();
+        const std::vector<std::uint64_t> sumsBefore = facts_.store.Sums();
         ReadFacts(reader, cube_.measures, DetailsIn(reader, model_.sources.size()), keyColumns_, facts_);
         SourceTotals& source = model_.sources.emplace_back();
         source.file = definition_.tables[table].ShortName();
         source.linesRead = reader.LinesRead();
         source.linesSkipped = reader.LinesSkipped();
-        AddTotals(facts_, firstRow, source);
+        source.linesUsed = facts_.store.RowCount() - firstRow;
+        const std::vector<std::uint64_t> sums = facts_.store.Sums();
+        for (std::size_t i = 0; i < sums.size(); ++i) {
+            // A sum that overflows is refused when the whole measure is known.
+            source.sums.push_back(static_cast<std::int64_t>(sums[i] - sumsBefore[i]));
+        }
         AddTableWarnings(reader, totals.warnings);
         totals.linesRead += reader.LinesRead();
         totals.linesSkipped += reader.LinesSkipped();
         totals.linesKept += reader.LinesRead() - reader.LinesSkipped();
-        if (facts_.rowCount > format::mostFacts) {
+        if (facts_.store.RowCount() > format::mostFacts) {
             throw EngineError(ErrorKind::InvalidData,
                               fmt::format("cube {}: more than {} facts", cube_.name, format::mostFacts));
         }
+    }
+    facts_.store.Finish();
+    for (DetailTexts& detail : facts_.details) {
+        detail.numbers.Finish();
     }
 }
 
@@ -127,6 +149,9 @@ DetailsOfTable CubeBuilder::DetailsIn(const TableReader& reader, std::size_t fil
     for (const DetailDefinition& detail : details_) {
         details.columns.push_back(reader.Column(detail.column));
     }
+    while (facts_.details.size() < details_.size()) {
+        facts_.details.emplace_back(store_);
+    }
     return details;
 }
 
@@ -138,7 +163,7 @@ void CubeBuilder::DescribeDetails() {
         model.name = details_[i].column;
         model.caption = details_[i].caption;
         model.texts = texts.Count();
-        const bool areAllDifferent = texts.Count() == facts_.rowCount; // and numbered like the rows
+        const bool areAllDifferent = texts.Count() == facts_.store.RowCount(); // and numbered like the rows
         model.codeWidth = areAllDifferent ? std::uint8_t{0} : CodeWidth(texts.Count());
         model.offsetWidth = texts.Bytes() > std::numeric_limits<std::uint32_t>::max() ? 8 : 4;
     }
@@ -149,12 +174,11 @@ void CubeBuilder::NumberKeys() {
     for (std::size_t i = 0; i < keyColumns_.size(); ++i) {
         KeyColumnBuilder& column = keyColumns_[i];
         if (column.IsCalendar()) {
-            column.NumberDates(facts_.keys[i], FactPlace());
+            column.NumberDates(facts_.store.Counts(i), FactPlace());
         } else {
             column.NumberTexts(MainTree(i).ValuesInTreeOrder(column.Ranks()));
         }
     }
-    ReplaceNumbersByCodes(keyColumns_, facts_);
 }
 
 std::string CubeBuilder::FactPlace() const {
@@ -194,19 +218,19 @@ void CubeBuilder::MakeModel() {
     model_.name = cube_.name;
     model_.caption = cube_.caption;
     model_.defaultMeasure = static_cast<std::uint32_t>(cube_.defaultMeasure);
-    model_.rowCount = facts_.rowCount;
+    model_.rowCount = facts_.store.RowCount();
     model_.calculations = cube_.calculations;
     for (const KeyColumnBuilder& column : keyColumns_) {
         model_.keyColumns.push_back({column.Name(), column.CodeCount()});
     }
     PackKeyColumns(model_.keyColumns);
-    model_.measures = MeasureModels(cube_.measures, facts_, cube_.name);
+    model_.measures = MeasureModels(cube_.measures, facts_.store, cube_.name);
     for (std::size_t i = 0; i < dimensions_.size(); ++i) {
         model_.dimensions.push_back(dimensions_[i].Model(KeysOf(i), keyColumnOf_[i]));
     }
     DescribeDetails();
     for (const auto& order : SortOrders()) {
-        model_.projections.push_back(DescribeProjection(order, model_.keyColumns, facts_));
+        model_.projections.push_back(DescribeProjection(order, CountCodes(order.front())));
     }
 }
 
@@ -217,10 +241,22 @@ void CubeBuilder::FindWarnings(std::vector<BuildWarning>& warnings) const {
                                       warnings);
         check.AddSharedNames();
         if (column) {
-            check.AddSharedValues(facts_, *column);
+            check.AddSharedValues(facts_.store, *column);
             check.AddDateOrder();
         }
     }
+}
+
+std::vector<std::uint64_t> CubeBuilder::CountCodes(std::size_t keyColumn) const {
+    const KeyColumnBuilder& column = keyColumns_[keyColumn];
+    const std::vector<std::uint64_t>& facts = facts_.store.Counts(keyColumn);
+    std::vector<std::uint64_t> counts(column.CodeCount());
+    for (std::size_t number = 0; number < facts.size(); ++number) {
+        if (facts[number] != 0) {
+            counts[column.Codes()[number]] += facts[number];
+        }
+    }
+    return counts;
 }
 
 std::vector<std::vector<std::uint16_t>> CubeBuilder::SortOrders() const {

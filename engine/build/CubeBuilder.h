@@ -4,7 +4,9 @@
 #include "engine/build/Definition.h"
 #include "engine/build/DimensionBuilder.h"
 #include "engine/build/FactColumns.h"
+#include "engine/build/FactSorter.h"
 #include "engine/build/KeyColumnBuilder.h"
+#include "engine/build/SpillStore.h"
 #include "engine/build/TableReader.h"
 #include "engine/storage/CubeModel.h"
 #include "qel/engine/BuildCube.h"
@@ -14,17 +16,18 @@
 
 namespace qel::engine {
 
-/// Builds one cube in memory: reads its dimension tables, then its facts, then assigns the codes.
+/// Builds one cube: reads its dimension tables, then its facts, then assigns the codes.
 class CubeBuilder {
 public:
     CubeBuilder(const Definition& definition, const CubeDefinition& cube, BadLines& badLines,
-                const BuildProgress& progress);
+                const BuildProgress& progress, SpillStore& store);
 
     /// Runs the build and adds the line counts and warnings to `totals`.
     void Run(BuildTotals& totals);
 
     const CubeModel& Model() const { return model_; }
-    const FactColumns& Facts() const { return facts_; }
+    /// For writing, which empties it.
+    CubeFacts& Facts() { return *ready_; }
 
 private:
     KeyColumnBuilder* KeysOf(std::size_t dimension);
@@ -42,6 +45,8 @@ private:
     void MakeModel();
     void FindWarnings(std::vector<BuildWarning>& warnings) const;
     std::vector<std::vector<std::uint16_t>> SortOrders() const;
+    /// The number of facts of each code.
+    std::vector<std::uint64_t> CountCodes(std::size_t keyColumn) const;
 
     const Definition& definition_;
     const CubeDefinition& cube_;
@@ -51,7 +56,9 @@ private:
     std::vector<std::optional<std::uint32_t>> keyColumnOf_; ///< by dimension
     std::vector<DimensionBuilder> dimensions_;
     std::vector<DetailDefinition> details_; ///< that are kept
+    SpillStore& store_;
     FactColumns facts_;
+    std::optional<CubeFacts> ready_;
     CubeModel model_;
 };
 

@@ -46,7 +46,8 @@ public:
 
     /// Assigns codes to dates. Raises EngineError (InvalidData) when the facts have no dates or their dates
     /// span too many years.
-    void NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place);
+    /// `facts` are the facts of each number.
+    void NumberDates(const std::vector<std::uint64_t>& facts, const std::string& place);
     /// Assigns codes to texts: first those in `ordered`, in that order, then all others.
     void NumberTexts(const std::vector<std::uint32_t>& ordered);
     /// The rank of every number in the order of its text.

@@ -31,6 +31,8 @@ struct BuildOptions {
     bool force = false;
     /// Warnings are errors: the output stays as it was.
     bool strict = false;
+    /// For the facts and aggregates, in bytes. What is more goes to a temporary file beside the output.
+    std::uint64_t memory = std::uint64_t{1} << 30U;
     /// Called with the complete file before it replaces the output. What it returns joins the build's own
     /// warnings. An exception that it throws stops the build and reaches the caller. May be empty.
     std::function<std::vector<BuildWarning>(const std::filesystem::path& complete)> review = {};
