@@ -5,9 +5,13 @@
 #include "engine/build/DimensionBuilder.h"
 #include "engine/build/FactColumns.h"
 #include "engine/build/FactSorter.h"
+#include "engine/build/FilePrint.h"
+#include "engine/build/KeptFacts.h"
 #include "engine/build/KeyColumnBuilder.h"
+#include "engine/build/PreviousBuild.h"
 #include "engine/build/SpillStore.h"
 #include "engine/build/TableReader.h"
+#include "engine/storage/CubeFileWriter.h"
 #include "engine/storage/CubeModel.h"
 #include "qel/engine/BuildCube.h"
 
@@ -20,7 +24,7 @@ namespace qel::engine {
 class CubeBuilder {
 public:
     CubeBuilder(const Definition& definition, const CubeDefinition& cube, BadLines& badLines,
-                const BuildProgress& progress, SpillStore& store);
+                const BuildProgress& progress, SpillStore& store, Continuation continuation);
 
     /// Runs the build and adds the line counts and warnings to `totals`.
     void Run(BuildTotals& totals);
@@ -28,12 +32,19 @@ public:
     const CubeModel& Model() const { return model_; }
     /// For writing, which empties it.
     CubeFacts& Facts() { return *ready_; }
+    /// Writes what a build that goes on from this one needs, if it is asked for.
+    void WriteKept(std::uint32_t number, CubeFileWriter& writer) const;
 
 private:
     KeyColumnBuilder* KeysOf(std::size_t dimension);
     void AddKeyColumns();
     void ReadDimensionTables(BuildTotals& totals);
     void ReadFactTables(BuildTotals& totals);
+    /// Reads the prints of the fact files. Whether the facts of the build before can be taken.
+    bool GoesOn();
+    /// Notes how far a table was read.
+    void Keep(const TableReader& reader, const ReadFile& file, std::uint64_t rows);
+    void DescribeKept();
     /// The columns of a fact table that are kept. The first table decides which are "all".
     DetailsOfTable DetailsIn(const TableReader& reader, std::size_t file);
     void DescribeDetails();
@@ -59,6 +70,9 @@ private:
     SpillStore& store_;
     FactColumns facts_;
     std::optional<CubeFacts> ready_;
+    Continuation continuation_;
+    std::vector<ReadFile> files_; ///< the fact files, when the facts are kept
+    KeptFacts kept_;
     CubeModel model_;
 };
 

@@ -3,14 +3,17 @@
 #include "engine/build/StoredWidth.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <numeric>
+#include <stdexcept>
 
 namespace qel::engine {
 
 namespace {
 
 constexpr std::size_t blockRows = 16384;
+constexpr std::uint8_t leastAmountWidth = 2;
 
 template <class Stored, class Number>
 void AppendNarrowed(const std::vector<Number>& numbers, std::vector<std::byte>& out) {
@@ -34,10 +37,9 @@ void AppendColumn(const std::vector<std::uint32_t>& numbers, std::vector<std::by
 
 void AppendColumn(const std::vector<std::int64_t>& amounts, std::vector<std::byte>& out) {
     const auto [least, most] = std::minmax_element(amounts.begin(), amounts.end());
-    const std::uint8_t width = ValueWidth(*least, *most);
+    const std::uint8_t width = std::max(ValueWidth(*least, *most), leastAmountWidth);
     out.push_back(std::byte{width});
-    width == 1   ? AppendNarrowed<std::int8_t>(amounts, out)
-    : width == 2 ? AppendNarrowed<std::int16_t>(amounts, out)
+    width == 2   ? AppendNarrowed<std::int16_t>(amounts, out)
     : width == 4 ? AppendNarrowed<std::int32_t>(amounts, out)
                  : AppendNarrowed<std::int64_t>(amounts, out);
 }
@@ -51,16 +53,43 @@ void Widen(const std::vector<std::byte>& bytes, std::vector<Number>& numbers) {
     }
 }
 
-/// Reads a column of `rows` numbers.
-std::vector<std::byte> ReadColumn(const ByteStream& stream, std::uint64_t& offset, std::size_t rows,
+/// The bytes of a column of `rows` numbers, and their width; none when it is not well-formed.
+std::vector<std::byte> ReadColumn(const ReadBytes& read, std::uint64_t& offset, std::size_t rows,
                                   std::uint8_t& width) {
     std::byte first{};
-    stream.Read(offset, {&first, 1});
+    read(offset, {&first, 1});
     width = static_cast<std::uint8_t>(first);
+    if (width > sizeof(std::int64_t) || !std::has_single_bit(width)) {
+        return {};
+    }
     std::vector<std::byte> bytes(rows * width);
-    stream.Read(offset + 1, bytes);
+    read(offset + 1, bytes);
     offset += 1 + bytes.size();
     return bytes;
+}
+
+bool ReadNumbers(const ReadBytes& read, std::uint64_t& offset, std::vector<std::uint32_t>& numbers) {
+    std::uint8_t width = 0;
+    const auto bytes = ReadColumn(read, offset, numbers.size(), width);
+    if (bytes.empty() || width > sizeof(std::uint32_t)) {
+        return false;
+    }
+    width == 1   ? Widen<std::uint8_t>(bytes, numbers)
+    : width == 2 ? Widen<std::uint16_t>(bytes, numbers)
+                 : Widen<std::uint32_t>(bytes, numbers);
+    return true;
+}
+
+bool ReadAmounts(const ReadBytes& read, std::uint64_t& offset, std::vector<std::int64_t>& amounts) {
+    std::uint8_t width = 0;
+    const auto bytes = ReadColumn(read, offset, amounts.size(), width);
+    if (bytes.empty() || width < leastAmountWidth) {
+        return false;
+    }
+    width == 2   ? Widen<std::int16_t>(bytes, amounts)
+    : width == 4 ? Widen<std::int32_t>(bytes, amounts)
+                 : Widen<std::int64_t>(bytes, amounts);
+    return true;
 }
 
 } // namespace
@@ -138,49 +167,53 @@ std::vector<std::uint64_t> FactStore::Sums() const {
     return sums;
 }
 
-void FactStore::ReadBlock(std::uint64_t& offset, FactBlock& block) const {
+bool ReadFactBlock(const ReadBytes& read, const std::vector<bool>& isSummed, std::uint64_t& offset,
+                   FactBlock& block) {
     std::uint32_t rows = 0;
-    stream_.Read(offset, std::as_writable_bytes(std::span(&rows, 1)));
+    read(offset, std::as_writable_bytes(std::span(&rows, 1)));
     offset += sizeof rows;
+    if (rows == 0 || rows > blockRows) {
+        return false;
+    }
     block.rows = rows;
-    block.keys.resize(counts_.size());
-    block.values.resize(isSummed_.size());
-    std::uint8_t width = 0;
     for (auto& column : block.keys) {
         column.resize(rows);
-        const auto bytes = ReadColumn(stream_, offset, rows, width);
-        width == 1   ? Widen<std::uint8_t>(bytes, column)
-        : width == 2 ? Widen<std::uint16_t>(bytes, column)
-                     : Widen<std::uint32_t>(bytes, column);
+        if (!ReadNumbers(read, offset, column)) {
+            return false;
+        }
     }
     for (std::size_t i = 0; i < block.values.size(); ++i) {
-        if (!isSummed_[i]) {
-            continue;
+        block.values[i].resize(isSummed[i] ? rows : 0);
+        if (isSummed[i] && !ReadAmounts(read, offset, block.values[i])) {
+            return false;
         }
-        block.values[i].resize(rows);
-        const auto bytes = ReadColumn(stream_, offset, rows, width);
-        width == 1   ? Widen<std::int8_t>(bytes, block.values[i])
-        : width == 2 ? Widen<std::int16_t>(bytes, block.values[i])
-        : width == 4 ? Widen<std::int32_t>(bytes, block.values[i])
-                     : Widen<std::int64_t>(bytes, block.values[i]);
+    }
+    return true;
+}
+
+void FactStore::Visit(const std::function<void(const FactBlock&)>& visit,
+                      const std::function<void(std::uint64_t)>& release) const {
+    FactBlock block;
+    block.keys.resize(counts_.size());
+    block.values.resize(isSummed_.size());
+    const ReadBytes read = [this](std::uint64_t offset, std::span<std::byte> bytes) {
+        stream_.Read(offset, bytes);
+    };
+    for (std::uint64_t offset = 0; offset < stream_.Size();) {
+        if (!ReadFactBlock(read, isSummed_, offset, block)) {
+            throw std::logic_error("a block of facts is damaged");
+        }
+        release(offset);
+        visit(block);
     }
 }
 
 void FactStore::ForEach(const std::function<void(const FactBlock&)>& visit) const {
-    FactBlock block;
-    for (std::uint64_t offset = 0; offset < stream_.Size();) {
-        ReadBlock(offset, block);
-        visit(block);
-    }
+    Visit(visit, [](std::uint64_t) {});
 }
 
 void FactStore::Consume(const std::function<void(const FactBlock&)>& visit) {
-    FactBlock block;
-    for (std::uint64_t offset = 0; offset < stream_.Size();) {
-        ReadBlock(offset, block);
-        stream_.ReleaseBefore(offset);
-        visit(block);
-    }
+    Visit(visit, [this](std::uint64_t offset) { stream_.ReleaseBefore(offset); });
     stream_.Clear();
 }
 

@@ -29,6 +29,14 @@ struct FactBlock {
     std::vector<std::vector<std::int64_t>> values; ///< by measure, scaled; empty for a count
 };
 
+/// Reads bytes from an offset on.
+using ReadBytes = std::function<void(std::uint64_t offset, std::span<std::byte> bytes)>;
+
+/// Reads a block that FactStore wrote into one with the right number of columns, and moves the offset behind
+/// it. False when it is not well-formed.
+bool ReadFactBlock(const ReadBytes& read, const std::vector<bool>& isSummed, std::uint64_t& offset,
+                   FactBlock& block);
+
 /// The facts of a cube as they are read: in blocks, each column in as few bytes as its numbers need.
 class FactStore {
 public:
@@ -50,10 +58,13 @@ public:
     void ForEach(const std::function<void(const FactBlock&)>& visit) const;
     /// As ForEach, and gives back the memory on the way.
     void Consume(const std::function<void(const FactBlock&)>& visit);
+    /// The blocks, to be written.
+    const ByteStream& Blocks() const { return stream_; }
 
 private:
     void StoreBlock();
-    void ReadBlock(std::uint64_t& offset, FactBlock& block) const;
+    void Visit(const std::function<void(const FactBlock&)>& visit,
+               const std::function<void(std::uint64_t)>& release) const;
 
     ByteStream stream_;
     std::uint64_t rowCount_ = 0;

@@ -54,6 +54,11 @@ bool KeyColumnBuilder::IsKnownToAll(std::uint32_t number) const {
                        [number](const auto& known) { return IsSet(known, number); });
 }
 
+bool KeyColumnBuilder::Takes(std::string_view text) const {
+    const auto number = texts_.Find(text);
+    return tableNames_.empty() || text.empty() || (number && IsSet(isUsable_, *number));
+}
+
 std::optional<std::uint32_t> KeyColumnBuilder::NumberOf(std::string_view field, DateFormat format) {
     if (IsCalendar()) {
         return NumberOfDate(field, format);

@@ -37,6 +37,8 @@ public:
     /// texts only when no dimension table restricts the values, and then always.
     std::optional<std::uint32_t> NumberOf(std::string_view field, DateFormat format);
     std::string FaultOf(std::string_view field, const TableDefinition& table) const;
+    /// Whether NumberOf accepts the text, of a column without a calendar.
+    bool Takes(std::string_view text) const;
     /// Whether NumberOf accepts any text.
     bool TakesAnyText() const { return !IsCalendar() && tableNames_.empty(); }
 

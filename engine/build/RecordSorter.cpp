@@ -70,9 +70,12 @@ void RecordSorter::Sort(const RecordSource& source, std::span<const std::uint16_
 
 void RecordSorter::SortBy(const SortKey& key, unsigned bits, const RecordSource& source, const Sink& sink) {
     if (source.Bytes() <= mostBytes_) {
-        std::vector<std::byte> records(static_cast<std::size_t>(source.Bytes())), spare(records.size());
+        const auto bytes = static_cast<std::size_t>(source.Bytes());
+        records_.resize(std::max(records_.size(), bytes));
+        spare_.resize(records_.size());
+        const auto records = std::span(records_).first(bytes);
         RecordSource::Reader(source).Next(records);
-        SortInMemory(key, bits, records, spare, sink);
+        SortInMemory(key, bits, records, std::span(spare_).first(bytes), sink);
         return;
     }
     if (bits == 0) {

@@ -51,7 +51,8 @@ private:
     const CubeModel& model_;
     const RecordLayout& layout_;
     SpillStore& store_;
-    std::uint64_t mostBytes_; ///< that are sorted in memory
+    std::uint64_t mostBytes_;                ///< that are sorted in memory
+    std::vector<std::byte> records_, spare_; ///< kept from one part to the next
     std::vector<std::uint64_t> places_;
 };
 

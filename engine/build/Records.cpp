@@ -110,11 +110,12 @@ std::span<std::byte> RecordSource::Reader::Next(std::span<std::byte> buffer) {
 }
 
 ByteStream MakeRecords(const CubeModel& model, const RecordLayout& layout,
-                       const std::vector<KeyColumnBuilder>& keyColumns, FactStore& facts, SpillStore& store) {
+                       const std::vector<KeyColumnBuilder>& keyColumns, FactStore& facts, bool keeps,
+                       SpillStore& store) {
     ByteStream records(store);
     std::vector<std::byte> bytes;
     std::uint64_t row = 0;
-    facts.Consume([&](const FactBlock& block) {
+    const auto add = [&](const FactBlock& block) {
         bytes.assign(block.rows * layout.size, std::byte{});
         for (std::size_t i = 0; i < keyColumns.size(); ++i) {
             StoreCodes(layout.keys[i], block.keys[i], keyColumns[i].Codes(), layout.size, bytes);
@@ -131,7 +132,8 @@ ByteStream MakeRecords(const CubeModel& model, const RecordLayout& layout,
         }
         row += block.rows;
         records.Append(bytes);
-    });
+    };
+    keeps ? facts.ForEach(add) : facts.Consume(add);
     records.Finish();
     return records;
 }

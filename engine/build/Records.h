@@ -116,8 +116,10 @@ private:
     std::span<const std::byte> memory_;
 };
 
-/// Writes the facts as records and empties the store. The model must have its key columns and measures.
+/// Writes the facts as records, and empties the store unless it `keeps`. The model must have its key columns
+/// and measures.
 ByteStream MakeRecords(const CubeModel& model, const RecordLayout& layout,
-                       const std::vector<KeyColumnBuilder>& keyColumns, FactStore& facts, SpillStore& store);
+                       const std::vector<KeyColumnBuilder>& keyColumns, FactStore& facts, bool keeps,
+                       SpillStore& store);
 
 } // namespace qel::engine

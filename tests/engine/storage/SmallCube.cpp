@@ -47,7 +47,7 @@ HierarchyModel MakeFirms() {
 } // namespace
 
 void StoredAggregates::Write(const CubeModel& model, std::uint32_t cube, CubeFileWriter& writer) const {
-    AggregateModel described = *this;
+    AggregateModel described = static_cast<const AggregateModel&>(*this);
     described.packedKeyCount = packedKeys.size();
     described.prefixSumCount = prefixStarts.back();
     for (const MeasureColumn& measure : model.measures) {
