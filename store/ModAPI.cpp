@@ -40,6 +40,11 @@ std::string QelFuncMdbPath(StoreEnvironment& store) {
     return folder;
 }
 
+std::string QelFuncMdbFile(StoreEnvironment& store, const std::string& fileName) {
+    const std::string folder = QelFuncMdbPath(store);
+    return folder.empty() ? folder : folder + fileName;
+}
+
 std::string GetRegSetting(StoreEnvironment& store, const std::string& valueName) {
     std::string value;
     KeyHandle key = 0;

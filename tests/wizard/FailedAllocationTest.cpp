@@ -1,16 +1,20 @@
 #include "cube/MemberListing.h"
 #include "function/formula/ParseFormula.h"
 #include "platform/value/ValueText.h"
+#include "qel/engine/Drillthrough.h"
 #include "reason/RunFormula.h"
+#include "reason/ValueReason.h"
 #include "tests/helpers/FailingAllocation.h"
 #include "tests/wizard/WizardBench.h"
 
+#include <fmt/ranges.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <exception>
 #include <filesystem>
 #include <functional>
-#include <new>
 
 // Every allocation of a call fails once: nothing escapes but what the call may raise, nothing leaks, and the
 // next call is right.
@@ -59,7 +63,7 @@ Outcome While(std::size_t failing, const Work& work) {
     const FailingAllocation failure(failing);
     try {
         outcome.shown = work();
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) { // bad_alloc, or the error of a call that lacked memory
         outcome.shown = "raised";
     }
     outcome.hasFailed = failing != 0 && FailingAllocation::HasFailed();
@@ -109,6 +113,36 @@ TEST(FailedAllocation, FailsAListing) {
         {"raised"});
 }
 
+TEST(FailedAllocation, FailsTheReasonsOfA0) {
+    const std::string formula = "=QelF1(\"" + PlainBooksFile() +
+                                "\",\"BooksFNC\",{\"OBS\"},{\"1\"},{\"All\"},{\"All\"},{\"All\"},"
+                                "\"A level that no dimension has\",\"4000\",\"All\",\"Amount\",\"All\","
+                                "\"All\",\"All\",\"All\",\"All\",\"01/01/2024\",\"31/12/2024\")";
+    const auto tell = [&](std::size_t failing) {
+        EmbeddedDataAccess cubes;
+        Locale locale;
+        ValueReasons reasons({cubes}, locale);
+        const auto bound = BindFormula(ParseFormula(formula), locale);
+        std::string told;
+        auto outcome = While(failing, [&] {
+            told = fmt::format("{}", fmt::join(ReasonTexts(reasons.Of(bound).why), "; "));
+            return std::string();
+        });
+        outcome.shown += failing == 0 ? told : "";
+        return outcome;
+    };
+    EXPECT_THAT(tell(0).shown, testing::HasSubstr("A level that no dimension has"));
+    FailEach(tell, {"", "raised"});
+}
+
+TEST(FailedAllocation, FailsTheCopyOfALine) {
+    const std::vector<engine::LineValue> line(40, std::string(40, 'x'));
+    const auto copy = [&](std::size_t failing) {
+        return While(failing, [&] { return std::to_string(std::vector(line).size()); });
+    };
+    FailEach(copy, {"raised"});
+}
+
 /// The wizard opens all the same, or reports what it lacks; nothing escapes. SimpleIni does not free the text
 /// of a settings file that it cannot store.
 TEST(FailedAllocation, EndsNoWizard) {
@@ -130,6 +164,7 @@ TEST(FailedAllocation, EndsNoWizard) {
     EXPECT_EQ(open(0).shown, LedgerFile());
     constexpr std::size_t ofSimpleIni = 3;
     FailEach(open, {""}, ofSimpleIni);
+    EXPECT_EQ(bench.folder.FileCount(), 1U) << "settings.ini; no database in the current folder";
 }
 
 } // namespace
