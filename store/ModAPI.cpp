@@ -49,7 +49,12 @@ std::string GetRegSetting(StoreEnvironment& store, const std::string& valueName)
     std::string value;
     KeyHandle key = 0;
     if (RegOpen(store, RootKey::CurrentUser, suiteKey, key)) {
-        RegGetString(store, key, valueName, value);
+        try {
+            RegGetString(store, key, valueName, value);
+        } catch (...) { // memory lacks
+            RegClose(store, key);
+            throw;
+        }
         RegClose(store, key);
     }
     return value;

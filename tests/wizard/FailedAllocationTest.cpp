@@ -4,17 +4,15 @@
 #include "qel/engine/Drillthrough.h"
 #include "reason/RunFormula.h"
 #include "reason/ValueReason.h"
-#include "tests/helpers/FailingAllocation.h"
+#include "tests/helpers/FailEach.h"
 #include "tests/wizard/WizardBench.h"
 
 #include <fmt/ranges.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <exception>
 #include <filesystem>
-#include <functional>
 
 // Every allocation of a call fails once: nothing escapes but what the call may raise, nothing leaks, and the
 // next call is right.
@@ -28,33 +26,6 @@ const char* __lsan_default_suppressions() { return "leak:libsimpleini"; }
 
 namespace qel::test {
 namespace {
-
-struct Outcome {
-    std::string shown;
-    bool hasFailed = false; ///< the allocation
-};
-
-/// Runs `call` with each of its allocations failing; its outcome then is the usual one or one of `others`. At
-/// most `lost` allocations are not freed.
-void FailEach(const std::function<Outcome(std::size_t failing)>& call, const std::vector<std::string>& others,
-              std::size_t lost = 0) {
-    const std::string expected = call(0).shown;
-    ASSERT_EQ(call(0).shown, expected);
-    std::size_t number = 0;
-    for (bool isMore = true; isMore && !testing::Test::HasFailure();) {
-        const std::size_t living = LivingAllocations();
-        {
-            const Outcome outcome = call(++number);
-            isMore = outcome.hasFailed;
-            EXPECT_TRUE(outcome.shown == expected ||
-                        std::find(others.begin(), others.end(), outcome.shown) != others.end())
-                << "allocation " << number << ": " << outcome.shown;
-        }
-        EXPECT_EQ(call(0).shown, expected) << "after allocation " << number;
-        EXPECT_LE(LivingAllocations(), living + lost) << "after allocation " << number;
-    }
-    EXPECT_GT(number, 30U);
-}
 
 /// What `work` gives while an allocation fails.
 template <class Work>
@@ -148,6 +119,7 @@ TEST(FailedAllocation, FailsTheCopyOfALine) {
 TEST(FailedAllocation, EndsNoWizard) {
     WizardBench bench(LedgerFile());
     std::filesystem::current_path(bench.folder.Path()); // where files go whose folder is not known
+    bench.folder.Write("component/readme.txt", ""); // where the suite's texts are looked for
     std::string file;
     bench.toolkit.person = [&](DialogDouble& dialog) { file = dialog.Text("txtCubeFile"); };
     const auto cell = bench.sheet.Cell(bench.sheet.activeCell);
