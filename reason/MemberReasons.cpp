@@ -1,13 +1,12 @@
 #include "reason/MemberReasons.h"
 
 #include "text/CaseFold.h"
-#include "text/Suggestion.h"
 #include "text/Text.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <span>
+#include <functional>
 #include <unordered_set>
 
 namespace qel {
@@ -28,12 +27,12 @@ std::vector<std::string> NamesOf(const Level& level) {
     return names;
 }
 
-NearestNames NearestOf(const std::string& name, std::span<const std::string> known) {
-    if (auto near = NearestWords(name, known, mostSuggestions); !near.empty()) {
+NearestNames NearestOf(const std::string& name, const KnownWords& known) {
+    if (auto near = known.Nearest(name, mostSuggestions); !near.empty()) {
         return {std::move(near), true, 0};
     }
-    const auto first = known.first(std::min(known.size(), mostSuggestions));
-    return {{first.begin(), first.end()}, false, known.size() - first.size()};
+    const auto first = known.All().first(std::min(known.All().size(), mostSuggestions));
+    return {{first.begin(), first.end()}, false, known.All().size() - first.size()};
 }
 
 using Members = std::vector<std::unique_ptr<Member>>;
@@ -41,7 +40,8 @@ using Members = std::vector<std::unique_ptr<Member>>;
 /// Looks up what one query names, argument by argument.
 class MemberSearch {
 public:
-    MemberSearch(const CubeDef& cube, QueryMembers& found) : cube_(cube), found_(found) {}
+    MemberSearch(const CubeDef& cube, QueryMembers& found, KnownNames& known)
+        : cube_(cube), found_(found), known_(known) {}
 
     /// An argument that names no member.
     void Plain(const char* argument, const std::string& key, ArgumentRole role) {
@@ -60,7 +60,8 @@ public:
         }
         if (entry.members.empty()) {
             const std::int32_t lowest = hierarchy->LevelCount() - 1;
-            Miss(argument, hierarchy->UniqueName(), name, NamesOf(*hierarchy->LevelAt(lowest)));
+            Miss(argument, hierarchy->UniqueName(), name,
+                 [&] { return NamesOf(*hierarchy->LevelAt(lowest)); });
         }
     }
 
@@ -76,7 +77,7 @@ public:
         }
         if (hierarchy) {
             Add(levelArgument, ReasonCode::NoLevel, {hierarchy->UniqueName(), level},
-                NearestOf(level, LevelNames(*hierarchy)));
+                NearestOf(level, KnownWords(LevelNames(*hierarchy))));
         }
     }
 
@@ -94,7 +95,7 @@ public:
         if (Entry("ObsName").members.empty()) {
             name.empty() ? Add("ObsName", ReasonCode::NoKey, {})
                          : Miss("ObsName", fmt::format("{}.[{}]", hierarchy->UniqueName(), names->Name()),
-                                name, NamesOf(*names));
+                                name, [&] { return NamesOf(*names); });
             return;
         }
         if (number) {
@@ -137,7 +138,7 @@ private:
             }
         }
         Miss(entry.name.c_str(), fmt::format("{}.[{}]", hierarchy.UniqueName(), level.Name()), name,
-             NamesOf(level));
+             [&] { return NamesOf(level); });
     }
 
     void NumberUnder(const Hierarchy& hierarchy, const Level& level, const std::string& name,
@@ -157,7 +158,8 @@ private:
         }
         Take(Entry("ObsNum"), found);
         if (found.empty()) {
-            Miss("ObsNum", fmt::format("\"{}\" of {}", name, hierarchy.UniqueName()), number, numbers);
+            Miss("ObsNum", fmt::format("\"{}\" of {}", name, hierarchy.UniqueName()), number,
+                 [&] { return numbers; });
         }
     }
 
@@ -191,8 +193,12 @@ private:
     }
 
     void Miss(const char* argument, const std::string& place, const std::string& name,
-              const std::vector<std::string>& known) {
-        Add(argument, ReasonCode::NoMember, {place, name}, NearestOf(name, known));
+              const std::function<std::vector<std::string>()>& names) {
+        auto known = known_.find(place);
+        if (known == known_.end()) {
+            known = known_.emplace(place, names()).first;
+        }
+        Add(argument, ReasonCode::NoMember, {place, name}, NearestOf(name, known->second));
     }
 
     void Add(const char* argument, ReasonCode code, std::vector<Reason::Field> fields,
@@ -203,6 +209,7 @@ private:
 
     const CubeDef& cube_;
     QueryMembers& found_;
+    KnownNames& known_;
 };
 
 /// Keys go into statements unchanged, so a caller has doubled their brackets.
@@ -210,10 +217,10 @@ std::string Unescaped(const std::string& key) { return ReplaceAll(key, "]]", "]"
 
 } // namespace
 
-QueryMembers FindQueryMembers(const CubeDef& cube, const ModSetCube::ValueQuery& query) {
+QueryMembers FindQueryMembers(const CubeDef& cube, const ModSetCube::ValueQuery& query, KnownNames& known) {
     using ModSetCube::ObsPart;
     QueryMembers found;
-    MemberSearch search(cube, found);
+    MemberSearch search(cube, found, known);
     search.ObsNumber(Unescaped(query.obsName),
                      query.obsNumber ? std::optional(Unescaped(*query.obsNumber)) : std::nullopt);
     if (query.obsPart == ObsPart::LevelMember) {

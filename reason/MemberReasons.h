@@ -3,8 +3,10 @@
 #include "cube/ValueQuery.h"
 #include "platform/data/DataAccess.h"
 #include "reason/Reason.h"
+#include "text/Suggestion.h"
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -39,7 +41,10 @@ struct QueryMembers {
     std::vector<Reason> missing;
 };
 
-/// Raises what the provider raises.
-QueryMembers FindQueryMembers(const CubeDef& cube, const ModSetCube::ValueQuery& query);
+/// The names that a cube has, by where they stand; read when one is missed there first.
+using KnownNames = std::map<std::string, KnownWords>;
+
+/// `known` belongs to the cube. Raises what the provider raises.
+QueryMembers FindQueryMembers(const CubeDef& cube, const ModSetCube::ValueQuery& query, KnownNames& known);
 
 } // namespace qel

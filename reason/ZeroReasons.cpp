@@ -94,7 +94,7 @@ std::vector<Reason> ZeroReasons::Of(const FormulaCall& call) {
             return {};
         }
         auto reasons = ReasonsInDates(thread_.dates, *value, call.given, locale_);
-        auto missing = FindQueryMembers(*ModSetCube::OpenCatalog(thread_)->CubeAt(0), QueryOf(call)).missing;
+        auto missing = MembersOfOpen(call).missing;
         std::move(missing.begin(), missing.end(), std::back_inserter(reasons));
         return reasons;
     } catch (const AutomationError& error) {
@@ -105,9 +105,15 @@ std::vector<Reason> ZeroReasons::Of(const FormulaCall& call) {
 
 QueryMembers ZeroReasons::MembersOf(const FormulaCall& call) {
     const auto* value = std::get_if<ValueCall>(&call.arguments);
-    return value != nullptr && OpenCubeOf(*value)
-               ? FindQueryMembers(*ModSetCube::OpenCatalog(thread_)->CubeAt(0), QueryOf(call))
-               : QueryMembers{};
+    return value != nullptr && OpenCubeOf(*value) ? MembersOfOpen(call) : QueryMembers{};
+}
+
+QueryMembers ZeroReasons::MembersOfOpen(const FormulaCall& call) {
+    if (!(namesOf_ == opened_)) {
+        names_.clear();
+        namesOf_ = opened_;
+    }
+    return FindQueryMembers(*ModSetCube::OpenCatalog(thread_)->CubeAt(0), QueryOf(call), names_);
 }
 
 std::vector<Reason> ZeroReasons::Ignored(const FormulaCall& call) const {

@@ -37,11 +37,14 @@ private:
     std::vector<Reason> Alternatives(const FormulaCall& call);
     ModSetCube::ValueQuery QueryOf(const FormulaCall& call) const;
     bool OpenCubeOf(const ValueCall& call);
+    QueryMembers MembersOfOpen(const FormulaCall& call);
 
     Providers providers_;
     const Locale& locale_;
     ModSetCube::ThreadState thread_;
     ModSetCube::OpenedCube opened_;
+    KnownNames names_; ///< of the cube `namesOf_`
+    ModSetCube::OpenedCube namesOf_;
 };
 
 } // namespace qel

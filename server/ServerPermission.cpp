@@ -117,7 +117,8 @@ bool Ask(const std::string& server, Answers& answers) {
     const bool isAllowed =
         IsYes(fmt::format("{}\r\n\r\n{}\r\n\r\n{}", texts.request, OnOneShownLine(server), texts.advice));
     answers.Set(server, isAllowed);
-    if (IsYes(fmt::format("{}\r\n\r\n{}", OnOneShownLine(server), texts.remember))) {
+    // The language's text comes first: a box takes its direction from its first letter.
+    if (IsYes(fmt::format("{}\r\n\r\n{}", texts.remember, OnOneShownLine(server)))) {
         try {
             WriteToFile(server, isAllowed);
         } catch (const AutomationError& error) {

@@ -5,6 +5,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <numeric>
 #include <utility>
 
@@ -22,9 +24,12 @@ std::size_t Distance(std::string_view left, std::string_view right) {
     if (left.size() > longest || right.size() > longest) {
         return std::max(left.size(), right.size());
     }
-    std::vector<std::size_t> before, last(right.size() + 1), row(right.size() + 1);
-    std::iota(last.begin(), last.end(), std::size_t{0});
+    std::array<std::array<std::size_t, longest + 1>, 3> rows; // NOLINT(*-member-init): as far as it is read
+    std::iota(rows[0].begin(), rows[0].begin() + static_cast<std::ptrdiff_t>(right.size()) + 1,
+              std::size_t{0});
     for (std::size_t i = 1; i <= left.size(); ++i) {
+        const auto &before = rows[(i + 1) % 3], &last = rows[(i + 2) % 3];
+        auto& row = rows[i % 3];
         row[0] = i;
         for (std::size_t j = 1; j <= right.size(); ++j) {
             const std::size_t replaced = last[j - 1] + (left[i - 1] == right[j - 1] ? 0 : 1);
@@ -35,10 +40,22 @@ std::size_t Distance(std::string_view left, std::string_view right) {
                 row[j] = std::min(row[j], before[j - 2] + 1);
             }
         }
-        before = last;
-        last = row;
     }
-    return last.back();
+    return rows[left.size() % 3][right.size()];
+}
+
+std::uint64_t BytesOf(std::string_view word) {
+    std::uint64_t bytes = 0;
+    for (const char c : word) {
+        bytes |= std::uint64_t{1} << (static_cast<unsigned char>(c) % 64);
+    }
+    return bytes;
+}
+
+/// A byte that only one of two words has costs an edit, whatever else they have.
+bool AreFar(std::uint64_t left, std::uint64_t right, std::size_t limit) {
+    return static_cast<std::size_t>(std::max(std::popcount(left & ~right), std::popcount(right & ~left))) >
+           limit;
 }
 
 } // namespace
@@ -57,22 +74,34 @@ const std::string* NearestWord(std::string_view word, std::span<const std::strin
     return nearest;
 }
 
-std::vector<std::string> NearestWords(std::string_view word, std::span<const std::string> known,
-                                      std::size_t most) {
+KnownWords::KnownWords(std::vector<std::string> words) : words_(std::move(words)) {
+    for (const std::string& word : words_) {
+        folded_.push_back(FoldCase(word));
+        bytes_.push_back(BytesOf(folded_.back()));
+    }
+}
+
+std::vector<std::string> KnownWords::Nearest(std::string_view word, std::size_t most) const {
     const std::string folded = FoldCase(word);
+    const std::uint64_t bytes = BytesOf(folded);
+    const std::size_t limit = LongestDistance(word);
     std::vector<std::pair<std::size_t, std::size_t>> near; // distance and place
-    for (std::size_t i = 0; i < known.size(); ++i) {
-        const std::size_t distance = Distance(folded, FoldCase(known[i]));
-        if (distance <= LongestDistance(word)) {
+    for (std::size_t i = 0; i < words_.size(); ++i) {
+        const std::size_t longer = std::max(folded.size(), folded_[i].size());
+        if (longer - std::min(folded.size(), folded_[i].size()) > limit || AreFar(bytes, bytes_[i], limit)) {
+            continue;
+        }
+        const std::size_t distance = Distance(folded, folded_[i]);
+        if (distance <= limit) {
             near.emplace_back(distance, i);
         }
     }
     std::sort(near.begin(), near.end());
-    std::vector<std::string> words;
+    std::vector<std::string> nearest;
     for (std::size_t i = 0; i < std::min(near.size(), most); ++i) {
-        words.push_back(known[near[i].second]);
+        nearest.push_back(words_[near[i].second]);
     }
-    return words;
+    return nearest;
 }
 
 std::string Suggestion(std::string_view word, std::span<const std::string> known) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -11,11 +12,23 @@ namespace qel {
 /// The known word nearest to a mistyped one, or null when none is near.
 const std::string* NearestWord(std::string_view word, std::span<const std::string> known);
 
-/// Up to `most` known words that are near to it, the nearest first.
-std::vector<std::string> NearestWords(std::string_view word, std::span<const std::string> known,
-                                      std::size_t most);
-
 /// "; did you mean \"X\"?" for the known word nearest to a mistyped one, otherwise an empty text.
 std::string Suggestion(std::string_view word, std::span<const std::string> known);
+
+/// Words among which the nearest to many a mistyped one are looked for.
+class KnownWords {
+public:
+    explicit KnownWords(std::vector<std::string> words);
+
+    /// Up to `most` words that are near to it, the nearest first.
+    std::vector<std::string> Nearest(std::string_view word, std::size_t most) const;
+
+    std::span<const std::string> All() const { return words_; }
+
+private:
+    std::vector<std::string> words_;
+    std::vector<std::string> folded_;
+    std::vector<std::uint64_t> bytes_; ///< which bytes each has, modulo 64
+};
 
 } // namespace qel

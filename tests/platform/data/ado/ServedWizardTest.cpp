@@ -91,7 +91,7 @@ TEST_F(ServedWizard, ReactsWhileAServerIsSilent) {
                   const Person person(FunctionFormDesign());
                   TypePath(person, server.Origin() + "/xmla");
                   Box(IDYES);
-                  Box(IDNO); // to be remembered
+                  EXPECT_THAT(Box(IDNO), StartsWith("Remember this answer?"));
                   for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
                       const Person waiting(ServerWaitDesign());
                       EXPECT_EQ(waiting.Read("TxtServer"), server.Origin());
