@@ -3,6 +3,7 @@
 #include "cli/CubeTotals.h"
 #include "cli/FormulaReview.h"
 #include "cli/Interruption.h"
+#include "cli/MemorySize.h"
 #include "cli/ProgressBar.h"
 #include "qel/engine/BuildCube.h"
 #include "text/Utf8Path.h"
@@ -25,11 +26,16 @@ build has succeeded, and stays as it was otherwise. A line that cannot be used s
 Warnings report input that is valid but may give wrong figures, such as a value under several parents. They are listed
 at the end of the build. To confirm an intended one, name it in "accept" in the definition.
 
-Example:
-  qel cube build examples/ledger/ledger.json --output demo.cub --skip-bad-lines rejected.csv)";
+With --previous FILE the cube file also keeps the facts as they were read. The next build with it takes them, when the
+definition is the same and each fact file begins with the bytes that were read before, and reads the lines behind them.
+Otherwise it reads every line and says why. The cube file has the same bytes either way.
+
+Examples:
+  qel cube build examples/ledger/ledger.json --output demo.cub --skip-bad-lines rejected.csv
+  qel cube build ledger.json --output ledger.cub --previous ledger.cub)";
 
 struct BuildArguments {
-    std::string definition, output, skippedLines;
+    std::string definition, output, skippedLines, previous, memory = "1G";
     bool strict = false, force = false;
 };
 
@@ -56,6 +62,10 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     }
     options.strict = arguments.strict;
     options.force = arguments.force;
+    if (!arguments.previous.empty()) {
+        options.previous = PathFromSetting(arguments.previous);
+    }
+    options.memory = *ParseMemorySize(arguments.memory);
     options.review = [&](const auto& complete) { return ReviewForFormulas(complete, context.providers); };
     const auto start = std::chrono::steady_clock::now();
     engine::BuildTotals totals;
@@ -72,6 +82,9 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     fmt::print(context.output, "{}: {} bytes in {:.1f} s\n", arguments.output, totals.bytesWritten, seconds);
     fmt::print(context.output, "lines read {}, kept {}, skipped {}\n", totals.linesRead, totals.linesKept,
                totals.linesSkipped);
+    if (totals.linesTaken != 0) {
+        fmt::print(context.output, "lines taken from {}: {}\n", arguments.previous, totals.linesTaken);
+    }
     PrintTotals(*engine::CubeFile::Open(options.output), context.output);
     if (totals.distinctLinesSkipped == 1) {
         fmt::print(context.messages, "qel cube build: 1 line could not be used; it is in {}\n",
@@ -80,6 +93,9 @@ void Build(const BuildArguments& arguments, CommandContext& context) {
     if (totals.distinctLinesSkipped > 1) {
         fmt::print(context.messages, "qel cube build: {} lines could not be used; they are in {}\n",
                    totals.distinctLinesSkipped, arguments.skippedLines);
+    }
+    if (!totals.obstacle.empty()) {
+        fmt::print(context.messages, "qel cube build: every line was read: {}\n", totals.obstacle);
     }
     PrintWarnings(totals.warnings, context.messages);
 }
@@ -96,6 +112,23 @@ void AddCubeBuildCommand(CLI::App& cube, CommandContext& context) {
         ->check([](const std::string& file) { return file.empty() ? "names no file" : ""; }, "FILE");
     command->add_option("--skip-bad-lines", arguments->skippedLines,
                         "Write lines that cannot be used to this file and go on");
+    command->add_option(
+        "--previous", arguments->previous,
+        "A cube file of the same definition, such as the one to write: read only the lines that "
+        "were appended to the fact files since");
+    command
+        ->add_option(
+            "--memory", arguments->memory,
+            "Memory for facts and aggregates, such as 512M or 2G; what is more goes to a temporary file "
+            "beside the cube file")
+        ->check(
+            [](const std::string& size) {
+                return ParseMemorySize(size)
+                           ? std::string()
+                           : "expected a size of 64M or more, such as 512M or 2G, found \"" + size + "\"";
+            },
+            "SIZE")
+        ->capture_default_str();
     command->add_flag("--strict", arguments->strict,
                       "Take warnings for errors: the cube file stays as it was");
     command->add_flag("--force", arguments->force, "Replace a cube file that is write-protected");

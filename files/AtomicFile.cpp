@@ -1,5 +1,7 @@
 #include "files/AtomicFile.h"
 
+#include "files/FolderNames.h"
+#include "files/TemporaryFile.h"
 #include "files/WrittenFile.h"
 #include "text/Utf8Path.h"
 
@@ -7,9 +9,7 @@
 
 #include <cerrno>
 #include <cstdlib>
-#include <random>
 #include <system_error>
-#include <vector>
 
 namespace qel {
 
@@ -26,18 +26,12 @@ bool IsTemporaryOf(const std::string& target, const std::string& name) {
 }
 
 void RemoveAbandoned(const fs::path& target) {
-    std::vector<fs::path> found;
-    std::error_code failed;
     const std::string name = PathToUtf8(target.filename());
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end;
-         entry.increment(failed)) {
-        if (IsTemporaryOf(name, PathToUtf8(entry->path().filename()))) {
-            found.push_back(entry->path());
+    for (const fs::path& found : NamesInFolder(folder)) {
+        if (IsTemporaryOf(name, PathToUtf8(found))) {
+            files::RemoveIfAbandoned(folder / found);
         }
-    }
-    for (const fs::path& path : found) {
-        files::RemoveIfAbandoned(path);
     }
 }
 
@@ -49,7 +43,8 @@ AtomicFile::AtomicFile(const fs::path& path, Failure failure)
     RemoveAbandoned(path_);
     std::error_code unknown;
     const bool isThere = fs::exists(path_, unknown);
-    CreateTemporary(isThere); // what replaces a private file is private from the start
+    // What replaces a private file is private from the start.
+    Require(files::CreateBeside(path_, isThere, temporary_, descriptor_));
     if (isThere) {
         Require(files::TakeOverRights(descriptor_, path_));
     }
@@ -73,21 +68,9 @@ void AtomicFile::RefuseWhatIsNoFile(const fs::path& named) const {
     }
 }
 
-void AtomicFile::CreateTemporary(bool isPrivate) {
-    std::random_device random;
-    constexpr int attempts = 100;
-    int error = EEXIST;
-    for (int attempt = 0; attempt < attempts && error == EEXIST; ++attempt) {
-        temporary_ = path_;
-        temporary_ += fmt::format(".{:08x}.tmp", random());
-        error = files::CreateLocked(temporary_, isPrivate, descriptor_);
-    }
-    Require(error);
-}
-
 void AtomicFile::Append(std::span<const std::byte> bytes) { Require(files::WriteAll(descriptor_, bytes)); }
 
-void AtomicFile::Overwrite(std::uint64_t offset, std::span<const std::byte> bytes) {
+void AtomicFile::WriteAt(std::uint64_t offset, std::span<const std::byte> bytes) {
     Require(files::WriteAllAt(descriptor_, offset, bytes));
 }
 

@@ -27,8 +27,9 @@ public:
 
     /// Writes at the end.
     void Append(std::span<const std::byte> bytes);
-    /// Overwrites bytes that were appended before.
-    void Overwrite(std::uint64_t offset, std::span<const std::byte> bytes);
+    /// Writes at a place, also behind the end; for a file to which nothing is appended. Several threads may
+    /// write other places.
+    void WriteAt(std::uint64_t offset, std::span<const std::byte> bytes);
     /// Puts what was written on the disk. From then on nothing is written, and others can open the file for
     /// reading alone.
     void Finish();
@@ -38,7 +39,6 @@ public:
 
 private:
     void RefuseWhatIsNoFile(const std::filesystem::path& named) const;
-    void CreateTemporary(bool isPrivate);
     /// Raises unless the error number is 0.
     void Require(int error) const;
 

@@ -12,13 +12,15 @@ namespace qel::files {
 /// Follows a symbolic link, so that the link stays and its target is replaced.
 std::filesystem::path ResolveLink(const std::filesystem::path& path);
 
-/// Opens a file that is new, for writing, and locks it: by this, others know that somebody writes it. EEXIST
-/// when the name is taken.
+/// Opens a file that is new, for reading and writing, and locks it: by this, others know that somebody writes
+/// it. EEXIST when the name is taken.
 int CreateLocked(const std::filesystem::path& path, bool isPrivate, int& descriptor);
 /// Gives the open file the rights of the file that it will replace.
 int TakeOverRights(int descriptor, const std::filesystem::path& replaced);
 int WriteAll(int descriptor, std::span<const std::byte> bytes);
+/// Several threads may write and read other places of one file with the next two.
 int WriteAllAt(int descriptor, std::uint64_t offset, std::span<const std::byte> bytes);
+int ReadAllAt(int descriptor, std::uint64_t offset, std::span<std::byte> bytes);
 /// Puts the open file on the disk. It cannot be written afterwards.
 int Sync(int& descriptor);
 /// Puts the synced file in the place of `target`. Closes it: then the descriptor is -1, and after a failure

@@ -33,7 +33,7 @@ fs::path ResolveLink(const fs::path& path) {
 
 int CreateLocked(const fs::path& path, bool isPrivate, int& descriptor) {
     const mode_t mode = isPrivate ? S_IRUSR | S_IWUSR : 0666U;
-    const int created = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    const int created = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (created < 0) {
         return errno;
     }
@@ -84,6 +84,20 @@ int WriteAllAt(int descriptor, std::uint64_t offset, std::span<const std::byte> 
         if (written > 0) {
             bytes = bytes.subspan(static_cast<std::size_t>(written));
             offset += static_cast<std::uint64_t>(written);
+        }
+    }
+    return 0;
+}
+
+int ReadAllAt(int descriptor, std::uint64_t offset, std::span<std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t read = ::pread(descriptor, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        if (read == 0 || (read < 0 && errno != EINTR)) {
+            return read == 0 ? EIO : errno;
+        }
+        if (read > 0) {
+            bytes = bytes.subspan(static_cast<std::size_t>(read));
+            offset += static_cast<std::uint64_t>(read);
         }
     }
     return 0;

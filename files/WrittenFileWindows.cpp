@@ -127,6 +127,16 @@ int Replace(const fs::path& from, const fs::path& target) {
     return error;
 }
 
+/// In one call of the system.
+constexpr std::size_t mostAtOnce = std::size_t{1} << 30U;
+
+OVERLAPPED PlaceAt(std::uint64_t offset) {
+    OVERLAPPED place = {};
+    place.Offset = static_cast<DWORD>(offset);
+    place.OffsetHigh = static_cast<DWORD>(offset >> 32U);
+    return place;
+}
+
 int Own(HANDLE file, int& descriptor) {
     descriptor = ::_open_osfhandle(reinterpret_cast<std::intptr_t>(file), _O_BINARY);
     if (descriptor < 0) {
@@ -194,7 +204,6 @@ int TakeOverRights(int descriptor, const fs::path& replaced) {
 }
 
 int WriteAll(int descriptor, std::span<const std::byte> bytes) {
-    constexpr std::size_t mostAtOnce = std::size_t{1} << 30U;
     while (!bytes.empty()) {
         DWORD written = 0;
         const auto count = static_cast<DWORD>(std::min(bytes.size(), mostAtOnce));
@@ -207,17 +216,31 @@ int WriteAll(int descriptor, std::span<const std::byte> bytes) {
 }
 
 int WriteAllAt(int descriptor, std::uint64_t offset, std::span<const std::byte> bytes) {
-    LARGE_INTEGER end = {}, place = {};
-    place.QuadPart = static_cast<LONGLONG>(offset);
-    const HANDLE file = HandleOf(descriptor);
-    if (::SetFilePointerEx(file, LARGE_INTEGER{}, &end, FILE_CURRENT) == FALSE ||
-        ::SetFilePointerEx(file, place, nullptr, FILE_BEGIN) == FALSE) {
-        return LastErrno();
+    while (!bytes.empty()) {
+        OVERLAPPED place = PlaceAt(offset);
+        DWORD written = 0;
+        const auto count = static_cast<DWORD>(std::min(bytes.size(), mostAtOnce));
+        if (::WriteFile(HandleOf(descriptor), bytes.data(), count, &written, &place) == FALSE) {
+            return LastErrno();
+        }
+        bytes = bytes.subspan(written);
+        offset += written;
     }
-    if (const int error = WriteAll(descriptor, bytes)) {
-        return error;
+    return 0;
+}
+
+int ReadAllAt(int descriptor, std::uint64_t offset, std::span<std::byte> bytes) {
+    while (!bytes.empty()) {
+        OVERLAPPED place = PlaceAt(offset);
+        DWORD read = 0;
+        const auto count = static_cast<DWORD>(std::min(bytes.size(), mostAtOnce));
+        if (::ReadFile(HandleOf(descriptor), bytes.data(), count, &read, &place) == FALSE || read == 0) {
+            return read == 0 ? EIO : LastErrno();
+        }
+        bytes = bytes.subspan(read);
+        offset += read;
     }
-    return ::SetFilePointerEx(file, end, nullptr, FILE_BEGIN) != FALSE ? 0 : LastErrno();
+    return 0;
 }
 
 /// A file that is open for writing keeps out readers that do not share it for that.

@@ -1,136 +1,107 @@
 #include "engine/build/AggregateBuilder.h"
 
-#include "engine/build/AggregateChoice.h"
 #include "engine/build/AggregateLayers.h"
-#include "engine/build/AggregateLayout.h"
-#include "engine/build/MemberSets.h"
+#include "engine/build/AggregateStreams.h"
+#include "engine/build/Distribution.h"
 #include "engine/build/PrefixSums.h"
+#include "engine/build/TwoThreads.h"
+#include "engine/storage/AggregateWriter.h"
 
 #include <algorithm>
-#include <atomic>
-#include <future>
-#include <numeric>
-#include <span>
+#include <cstring>
+#include <set>
+#include <utility>
 
 namespace qel::engine {
 
 namespace {
 
-struct PrefixSize {
-    std::uint64_t keys = 0, sums = 0;
-};
+AggregateCell CellOf(const std::byte* record) {
+    AggregateCell cell;
+    std::memcpy(&cell, record, sizeof cell);
+    return cell;
+}
 
-/// A computed aggregate.
-struct MadeAggregate {
-    Aggregate record;
-    RowNumbers rows; ///< of a row aggregate
-    PrefixSums prefixSums;
-};
+/// Calls visit(record) for each.
+template <class Visit>
+void ForEachRecord(const RecordSource& source, std::size_t size, const Visit& visit) {
+    source.ForEach(size, [&](std::span<const std::byte> records) {
+        for (std::size_t at = 0; at < records.size(); at += size) {
+            visit(&records[at]);
+        }
+    });
+}
 
-/// Computes aggregates from facts sorted by packed key and time. Every step keeps that order.
-class AggregateMaker {
+/// Computes the aggregates of one layer. Every step keeps the order of the facts.
+class LayerMaker {
 public:
-    AggregateMaker(const CubeModel& model, const FactColumns& facts, const AggregateModel& layout);
+    LayerMaker(const CubeModel& model, const AggregateModel& layout, const AggregateFacts& facts,
+               SpillStore& store, AggregateStreams& made)
+        : model_(model), layout_(layout), facts_(facts.Layout()), groups_(layout.Groups()), store_(store),
+          mostBytes_(store.Memory() / 24), made_(made) {
+        for (std::size_t i = 0; i < model.measures.size(); ++i) {
+            if (model.measures[i].width != 0) {
+                summed_.push_back(i);
+            }
+        }
+    }
 
-    std::vector<MadeAggregate> Make(const AggregateLayer& layer) const;
+    void Make(const AggregateLayer& layer, const RecordSource& facts);
 
 private:
-    void FindTimeBuckets(const std::vector<std::uint32_t>& times);
-    void SortFacts();
-    MadeAggregate MakeOne(const ChosenAggregate& chosen, std::span<const std::uint32_t> rows) const;
-    RowNumbers ByLastKeyColumn(std::span<const std::uint32_t> rows) const;
-    PrefixSize SizeOfPrefixSums(std::span<const std::uint32_t> rows) const;
-    void MakePrefixSums(std::span<const std::uint32_t> rows, PrefixSize size, PrefixSums& prefixSums) const;
-    void MakeOf(const std::vector<const ChosenAggregate*>& chosen, std::span<const std::uint32_t> rows,
-                std::vector<MadeAggregate>& made) const;
+    struct PrefixSize {
+        std::uint64_t keys = 0, sums = 0;
+    };
+
+    Distribution Distribute(const AggregateLayer& layer, const RecordSource& source) const;
+    void MakeOf(const std::vector<const ChosenAggregate*>& chosen, const RecordSource& source);
+    void MakeOne(const ChosenAggregate& chosen, const RecordSource& source);
+    void AddByLastKeyColumn(const Aggregate& record, const RecordSource& source);
+    PrefixSize SizeOfPrefixSums(const RecordSource& source) const;
+    void MakePrefixSums(const RecordSource& source, PrefixSize size, PrefixSums& prefixSums) const;
 
     const CubeModel& model_;
-    const FactColumns& facts_;
     const AggregateModel& layout_;
+    const RecordLayout& facts_;
     const CodeGroups groups_;
-    std::vector<std::size_t> summed_;  ///< the measures that are summed; the others are counts
-    std::vector<AggregateCell> cells_; ///< by fact
-    RowNumbers sorted_;
+    SpillStore& store_;
+    std::uint64_t mostBytes_; ///< of a set that is held in memory
+    AggregateStreams& made_;
+    std::vector<std::size_t> summed_; ///< the measures that are summed; the others are counts
 };
 
-AggregateMaker::AggregateMaker(const CubeModel& model, const FactColumns& facts, const AggregateModel& layout)
-    : model_(model), facts_(facts), layout_(layout), groups_(layout.Groups()), cells_(facts.rowCount) {
-    for (std::size_t i = 0; i < facts.values.size(); ++i) {
-        if (!facts.values[i].empty()) {
-            summed_.push_back(i);
-        }
-    }
-    for (const AggregateTable::PackedKeyColumn& part : layout.packedKeyColumns) {
-        const auto& codes = facts.keys[part.column];
-        for (std::size_t row = 0; row < cells_.size(); ++row) {
-            cells_[row].key |= codes[row] << part.shift;
-        }
-    }
-    if (layout.timeColumn) {
-        FindTimeBuckets(facts.keys[*layout.timeColumn]);
-    }
-    SortFacts();
-}
-
-void AggregateMaker::FindTimeBuckets(const std::vector<std::uint32_t>& times) {
-    std::vector<std::uint32_t> bucketOf; // by time code
-    for (std::uint32_t bucket = 0; bucket + 1 < layout_.timeBuckets.size(); ++bucket) {
-        bucketOf.insert(bucketOf.end(), layout_.timeBuckets[bucket + 1] - layout_.timeBuckets[bucket],
-                        bucket);
-    }
-    for (std::size_t row = 0; row < cells_.size(); ++row) {
-        cells_[row].bucket = bucketOf[times[row]];
-        cells_[row].key |= cells_[row].bucket / AggregateTable::blockBuckets;
-    }
-}
-
-/// A radix sort: one stable counting sort per key column, the least significant first.
-void AggregateMaker::SortFacts() {
-    sorted_.resize(facts_.rowCount);
-    std::iota(sorted_.begin(), sorted_.end(), 0U);
-    RowNumbers next(sorted_.size());
-    const auto sortBy = [&](std::size_t column) {
-        const auto& codes = facts_.keys[column];
-        std::vector<std::uint32_t> starts(std::size_t{model_.keyColumns[column].codes} + 1);
-        for (const std::uint32_t code : codes) {
-            ++starts[std::size_t{code} + 1];
-        }
-        std::partial_sum(starts.begin(), starts.end(), starts.begin());
-        for (const std::uint32_t row : sorted_) {
-            next[starts[codes[row]]++] = row;
-        }
-        sorted_.swap(next);
-    };
-    if (layout_.timeColumn) {
-        sortBy(*layout_.timeColumn);
-    }
-    for (auto part = layout_.packedKeyColumns.rbegin(); part != layout_.packedKeyColumns.rend(); ++part) {
-        sortBy(part->column);
-    }
-}
-
-std::vector<MadeAggregate> AggregateMaker::Make(const AggregateLayer& layer) const {
-    std::vector<MadeAggregate> made;
+void LayerMaker::Make(const AggregateLayer& layer, const RecordSource& facts) {
     if (!layer.column) {
-        MakeOf(layer.aggregates.front(), sorted_, made);
-        return made;
+        MakeOf(layer.aggregates.front(), facts);
+        return;
     }
-    std::vector<std::size_t> starts;
-    const RowNumbers rows = layer.Distribute(sorted_, facts_.keys[*layer.column], groups_, starts);
+    const Distribution sets = Distribute(layer, facts);
     for (std::size_t i = 0; i < layer.sets.size(); ++i) {
-        MakeOf(layer.aggregates[i], std::span(rows).subspan(starts[i], starts[i + 1] - starts[i]), made);
+        MakeOf(layer.aggregates[i], sets.Group(i));
     }
-    return made;
+}
+
+Distribution LayerMaker::Distribute(const AggregateLayer& layer, const RecordSource& source) const {
+    const std::vector<std::uint32_t> setOf = layer.SetOfCode(groups_);
+    const RecordLayout::KeyField& key = facts_.keys[*layer.column];
+    return {source, facts_.size, layer.sets.size(), mostBytes_, store_, [&](const std::byte* record) {
+                return setOf[std::min<std::size_t>(key.Code(record), setOf.size() - 1)];
+            }};
 }
 
 /// The aggregates under one set of leading codes: over all its facts, and over those under sets of a second
 /// column.
-void AggregateMaker::MakeOf(const std::vector<const ChosenAggregate*>& chosen,
-                            std::span<const std::uint32_t> rows, std::vector<MadeAggregate>& made) const {
+void LayerMaker::MakeOf(const std::vector<const ChosenAggregate*>& chosen, const RecordSource& source) {
+    std::vector<std::byte> held;
+    if (!source.IsInMemory() && source.Bytes() <= mostBytes_) {
+        held.resize(static_cast<std::size_t>(source.Bytes()));
+        RecordSource::Reader(source).Next(held);
+    }
+    const RecordSource facts = held.empty() ? source : RecordSource(std::span<const std::byte>(held));
     std::vector<ChosenAggregate> inner;
     for (const ChosenAggregate* aggregate : chosen) {
         if (!aggregate->second) {
-            made.push_back(MakeOne(*aggregate, rows));
+            MakeOne(*aggregate, facts);
             continue;
         }
         inner.push_back(*aggregate);
@@ -138,72 +109,63 @@ void AggregateMaker::MakeOf(const std::vector<const ChosenAggregate*>& chosen,
         std::swap(inner.back().leadCodes, inner.back().secondCodes);
     }
     for (const AggregateLayer& layer : MakeAggregateLayers(inner, groups_)) {
-        std::vector<std::size_t> starts;
-        const RowNumbers distributed = layer.Distribute(rows, facts_.keys[*layer.column], groups_, starts);
+        const Distribution sets = Distribute(layer, facts);
         for (std::size_t i = 0; i < layer.sets.size(); ++i) {
-            made.push_back(MakeOne(*layer.aggregates[i].front(),
-                                   std::span(distributed).subspan(starts[i], starts[i + 1] - starts[i])));
+            MakeOne(*layer.aggregates[i].front(), sets.Group(i));
         }
     }
 }
 
-MadeAggregate AggregateMaker::MakeOne(const ChosenAggregate& chosen,
-                                      std::span<const std::uint32_t> rows) const {
+void LayerMaker::MakeOne(const ChosenAggregate& chosen, const RecordSource& source) {
     constexpr std::size_t leastRowsOfPrefixSums = 4096;
     constexpr std::uint64_t keyBytes = sizeof(std::uint32_t) + sizeof(std::uint64_t) + sizeof(std::uint32_t);
-    MadeAggregate made;
-    made.record.key = chosen.Key();
-    made.record.rows = rows.size();
-    made.prefixSums.sums.resize(model_.measures.size());
-    if (rows.size() >= leastRowsOfPrefixSums) {
-        const PrefixSize size = SizeOfPrefixSums(rows);
+    Aggregate record;
+    record.key = chosen.Key();
+    record.rows = source.Bytes() / facts_.size;
+    if (record.rows >= leastRowsOfPrefixSums) {
+        const PrefixSize size = SizeOfPrefixSums(source);
         if (size.keys * keyBytes + size.sums * PrefixSumBytes(model_) <=
-            rows.size() * AggregateRowBytes(model_, layout_)) {
-            made.record.keyCount = static_cast<std::uint32_t>(size.keys);
-            MakePrefixSums(rows, size, made.prefixSums);
+            record.rows * AggregateRowBytes(model_, layout_)) {
+            PrefixSums prefixSums;
+            prefixSums.sums.resize(model_.measures.size());
+            record.keyCount = static_cast<std::uint32_t>(size.keys);
+            MakePrefixSums(source, size, prefixSums);
             if (!layout_.packedKeyColumns.empty()) {
-                made.record.coarserKeyCount =
-                    AddCoarserAggregate(layout_.packedKeyColumns.back(), summed_, made.prefixSums);
+                record.coarserKeyCount =
+                    AddCoarserAggregate(layout_.packedKeyColumns.back(), summed_, prefixSums);
             }
-            return made;
+            made_.Add(record, prefixSums);
+            return;
         }
     }
-    made.rows = ByLastKeyColumn(rows);
-    return made;
+    AddByLastKeyColumn(record, source);
 }
 
-RowNumbers AggregateMaker::ByLastKeyColumn(std::span<const std::uint32_t> rows) const {
-    RowNumbers sorted(rows.begin(), rows.end());
+void LayerMaker::AddByLastKeyColumn(const Aggregate& record, const RecordSource& source) {
     if (layout_.packedKeyColumns.empty()) {
-        return sorted;
+        made_.Add(record, source);
+        return;
     }
     const std::uint16_t column = layout_.packedKeyColumns.back().column;
-    const auto& codes = facts_.keys[column];
-    std::vector<std::size_t> starts(std::size_t{model_.keyColumns[column].codes} + 1);
-    for (const std::uint32_t row : rows) {
-        ++starts[std::size_t{codes[row]} + 1];
-    }
-    std::partial_sum(starts.begin(), starts.end(), starts.begin());
-    for (const std::uint32_t row : rows) {
-        sorted[starts[codes[row]]++] = row;
-    }
-    return sorted;
+    const RecordLayout::KeyField& key = facts_.keys[column];
+    const Distribution byCode(source, facts_.size, model_.keyColumns[column].codes, mostBytes_, store_,
+                              [&](const std::byte* each) { return key.Code(each); });
+    made_.Add(record, byCode.All());
 }
 
-PrefixSize AggregateMaker::SizeOfPrefixSums(std::span<const std::uint32_t> rows) const {
+LayerMaker::PrefixSize LayerMaker::SizeOfPrefixSums(const RecordSource& source) const {
     PrefixSize size;
     AggregateCell last;
-    for (const std::uint32_t row : rows) {
-        const AggregateCell cell = cells_[row];
+    ForEachRecord(source, facts_.size, [&](const std::byte* record) {
+        const AggregateCell cell = CellOf(record);
         size.keys += size.keys == 0 || cell.key != last.key ? 1U : 0U;
         size.sums += size.sums == 0 || !(cell == last) ? 1U : 0U;
         last = cell;
-    }
+    });
     return size;
 }
 
-void AggregateMaker::MakePrefixSums(std::span<const std::uint32_t> rows, PrefixSize size,
-                                    PrefixSums& prefixSums) const {
+void LayerMaker::MakePrefixSums(const RecordSource& source, PrefixSize size, PrefixSums& prefixSums) const {
     prefixSums.keys.reserve(size.keys);
     prefixSums.bucketMasks.reserve(size.keys);
     prefixSums.starts.reserve(size.keys);
@@ -212,97 +174,101 @@ void AggregateMaker::MakePrefixSums(std::span<const std::uint32_t> rows, PrefixS
         prefixSums.sums[i].reserve(size.sums);
     }
     PrefixSumWriter writer(prefixSums, summed_);
-    for (const std::uint32_t row : rows) {
-        writer.MoveTo(cells_[row]);
+    ForEachRecord(source, facts_.size, [&](const std::byte* record) {
+        writer.MoveTo(CellOf(record));
         ++prefixSums.counts.back();
         for (const std::size_t i : summed_) {
-            prefixSums.sums[i].back() += facts_.values[i][row] / model_.measures[i].unit;
+            prefixSums.sums[i].back() += facts_.values[i].LoadSigned(record);
         }
-    }
-}
-
-/// Reserves the final sizes, so that no vector is copied while it grows.
-void Reserve(const std::vector<std::vector<MadeAggregate>>& made, bool hasCounts, AggregateModel& model) {
-    std::size_t aggregates = 0, keys = 0, sums = 0;
-    for (const std::vector<MadeAggregate>& ofLayer : made) {
-        aggregates += ofLayer.size();
-        for (const MadeAggregate& aggregate : ofLayer) {
-            keys += aggregate.prefixSums.keys.size();
-            sums += aggregate.prefixSums.counts.size();
-        }
-    }
-    model.records.reserve(aggregates);
-    model.packedKeys.reserve(keys);
-    model.bucketMasks.reserve(keys);
-    model.prefixStarts.reserve(keys + 1);
-    for (auto& ofMeasure : model.sums) {
-        ofMeasure.reserve(sums); // for a count measure the memory is never touched
-    }
-    model.counts.reserve(hasCounts ? sums : 0);
-}
-
-/// Appends an aggregate to the model.
-void Append(MadeAggregate& made, bool hasCounts, BuiltAggregates& built) {
-    AggregateModel& model = built.model;
-    if (made.record.keyCount == 0) {
-        made.record.start = model.rows;
-        model.rows += made.rows.size();
-        built.rows.push_back(std::move(made.rows));
-    } else {
-        const PrefixSums& prefixSums = made.prefixSums;
-        made.record.start = model.packedKeys.size();
-        const std::uint32_t firstEntry = model.prefixStarts.back();
-        model.prefixStarts.pop_back();
-        for (const std::uint32_t entry : prefixSums.starts) {
-            model.prefixStarts.push_back(firstEntry + entry);
-        }
-        model.prefixStarts.push_back(firstEntry + static_cast<std::uint32_t>(prefixSums.counts.size()));
-        model.packedKeys.insert(model.packedKeys.end(), prefixSums.keys.begin(), prefixSums.keys.end());
-        model.bucketMasks.insert(model.bucketMasks.end(), prefixSums.bucketMasks.begin(),
-                                 prefixSums.bucketMasks.end());
-        for (std::size_t i = 0; i < prefixSums.sums.size(); ++i) {
-            model.sums[i].insert(model.sums[i].end(), prefixSums.sums[i].begin(), prefixSums.sums[i].end());
-        }
-        if (hasCounts) {
-            model.counts.insert(model.counts.end(), prefixSums.counts.begin(), prefixSums.counts.end());
-        }
-    }
-    model.records.push_back(made.record);
+    });
 }
 
 } // namespace
 
-BuiltAggregates BuildAggregates(const CubeModel& model, const FactColumns& facts) {
-    BuiltAggregates built;
-    built.model = LayOutAggregates(model);
-    FindGroups(model, built.model);
-    const std::vector<ChosenAggregate> chosen = ChooseAggregates(model, facts, built.model);
-    if (chosen.empty()) {
-        return built;
+AggregateFacts::AggregateFacts(const AggregateModel& aggregates, const RecordLayout& layout,
+                               SpillStore& store)
+    : aggregates_(aggregates), from_(layout), layout_(layout.MovedBy(sizeof(AggregateCell))),
+      bucketOf_(aggregates.timeColumn ? 0 : 1), stream_(store) {
+    for (const AggregateTable::PackedKeyColumn& part : aggregates.packedKeyColumns) {
+        sortOrder_.push_back(part.column);
     }
-    const std::vector<AggregateLayer> layers = MakeAggregateLayers(chosen, built.model.Groups());
-    const AggregateMaker maker(model, facts, built.model);
-    std::vector<std::vector<MadeAggregate>> made(layers.size());
-    std::atomic<std::size_t> next = 0;
-    const auto work = [&] {
-        for (std::size_t i = next++; i < layers.size(); i = next++) {
-            made[i] = maker.Make(layers[i]);
+    if (aggregates.timeColumn) {
+        sortOrder_.push_back(static_cast<std::uint16_t>(*aggregates.timeColumn));
+        for (std::uint32_t bucket = 0; bucket + 1 < aggregates.timeBuckets.size(); ++bucket) {
+            bucketOf_.insert(bucketOf_.end(),
+                             aggregates.timeBuckets[bucket + 1] - aggregates.timeBuckets[bucket], bucket);
+        }
+    }
+}
+
+void AggregateFacts::Append(std::span<const std::byte> records) {
+    std::vector<std::byte> moved(records.size() / from_.size * layout_.size);
+    std::byte* to = moved.data();
+    for (std::size_t at = 0; at < records.size(); at += from_.size, to += layout_.size) {
+        const std::byte* const record = &records[at];
+        AggregateCell cell;
+        for (const AggregateTable::PackedKeyColumn& part : aggregates_.packedKeyColumns) {
+            cell.key |= from_.keys[part.column].Code(record) << part.shift;
+        }
+        cell.bucket =
+            bucketOf_[aggregates_.timeColumn ? from_.keys[*aggregates_.timeColumn].Code(record) : 0];
+        cell.key |= cell.bucket / AggregateTable::blockBuckets;
+        std::memcpy(to, &cell, sizeof cell);
+        std::memcpy(to + sizeof cell, record, from_.size);
+    }
+    stream_.Append(moved);
+}
+
+void WriteAggregatesOf(const std::vector<ChosenAggregate>& chosen, const CubeModel& model,
+                       AggregateModel& aggregates, const AggregateFacts& facts, std::uint32_t cube,
+                       SpillStore& store, CubeFileWriter& writer,
+                       const std::function<void(double)>& progress) {
+    using format::SectionKind;
+    const std::vector<AggregateLayer> layers = MakeAggregateLayers(chosen, aggregates.Groups());
+    std::vector<AggregateStreams> made;
+    for (std::size_t i = 0; i < layers.size(); ++i) {
+        made.emplace_back(model, aggregates, facts.Layout(), store);
+    }
+    RunOnTwoThreads(
+        layers.size(),
+        [&](std::size_t i) {
+            LayerMaker(model, aggregates, facts, store, made[i]).Make(layers[i], facts.All());
+            made[i].Finish();
+        },
+        progress);
+    for (const AggregateStreams& layer : made) {
+        layer.AddTo(aggregates);
+    }
+    const auto append = [&](SectionKind kind, std::size_t second) {
+        std::uint32_t sumsBefore = 0;
+        const bool isSum = kind == SectionKind::PrefixSums;
+        for (const AggregateStreams& layer : made) {
+            layer.Append(kind, second, sumsBefore, isSum ? aggregates.sumWidths[second] : std::uint8_t{0},
+                         writer);
+            sumsBefore += layer.SumCount();
+        }
+        if (kind == SectionKind::PrefixStarts) {
+            writer.Append(std::as_bytes(std::span(&sumsBefore, 1)));
         }
     };
-    std::future<void> other = std::async(std::launch::async, work);
-    work();
-    other.get();
-    const bool hasCounts =
-        std::any_of(model.measures.begin(), model.measures.end(),
-                    [](const Measure& measure) { return measure.function == AggregateFunction::Count; });
-    Reserve(made, hasCounts, built.model);
-    for (std::vector<MadeAggregate>& ofLayer : made) {
-        for (MadeAggregate& aggregate : ofLayer) {
-            Append(aggregate, hasCounts, built);
-            aggregate = {};
+    WriteAggregates(aggregates, model, cube, writer, append);
+    const auto section = [&](SectionKind kind, std::size_t second) {
+        writer.Begin({static_cast<std::uint32_t>(kind), cube, 0, static_cast<std::uint32_t>(second)});
+        append(kind, second);
+        writer.End();
+    };
+    std::set<std::size_t> packedColumns;
+    for (const std::uint16_t column : facts.SortOrder()) {
+        packedColumns.insert(model.keyColumns[column].packedColumn);
+    }
+    for (const std::size_t packedColumn : packedColumns) {
+        section(SectionKind::AggregatePackedColumns, packedColumn);
+    }
+    for (std::size_t i = 0; i < model.measures.size(); ++i) {
+        if (model.measures[i].width != 0) {
+            section(SectionKind::AggregateValues, i);
         }
     }
-    return built;
 }
 
 } // namespace qel::engine

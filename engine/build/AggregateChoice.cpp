@@ -2,9 +2,11 @@
 
 #include "engine/build/AggregateLayout.h"
 #include "engine/build/MemberSets.h"
+#include "engine/build/Records.h"
 #include "engine/storage/Format.h"
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <numeric>
 #include <set>
@@ -31,12 +33,9 @@ struct Candidate {
 };
 
 /// Prefix counts: the number of facts below each code.
-std::vector<std::uint64_t> PrefixCounts(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
-    std::vector<std::uint64_t> counts(std::size_t{codeCount} + 1);
-    for (const std::uint32_t code : codes) {
-        ++counts[std::size_t{code} + 1];
-    }
-    std::partial_sum(counts.begin(), counts.end(), counts.begin());
+std::vector<std::uint64_t> PrefixCounts(const std::vector<std::uint64_t>& factsOfCode) {
+    std::vector<std::uint64_t> counts(factsOfCode.size() + 1);
+    std::partial_sum(factsOfCode.begin(), factsOfCode.end(), counts.begin() + 1);
     return counts;
 }
 
@@ -59,26 +58,28 @@ struct Lead {
 
 class AggregateChooser {
 public:
-    AggregateChooser(const CubeModel& model, const FactColumns& facts, const AggregateModel& aggregates)
-        : model_(model), facts_(facts), aggregates_(aggregates), groups_(aggregates.Groups()) {}
+    AggregateChooser(const CubeModel& model, const CodeCounts& codes,
+                     const std::map<std::size_t, PairCounts>& pairs, const AggregateModel& aggregates)
+        : model_(model), codes_(codes), pairs_(pairs), aggregates_(aggregates), groups_(aggregates.Groups()) {
+    }
 
     std::vector<ChosenAggregate> Run();
 
 private:
     void FindLeads();
     void AddSingles();
-    void AddPairs(std::uint16_t lead, std::uint16_t second);
+    void AddPairs(std::uint16_t lead, std::uint16_t second, const PairCounts& pairs);
+    /// `factsOfCode` are the facts under the leading codes that have each code of the second column.
     void AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
-                    const std::vector<KeyRange>& secondSets, std::span<const std::uint32_t> rows);
+                    const std::vector<KeyRange>& secondSets, const FactCounts& factsOfCode);
     std::vector<ChosenAggregate> TakeBest();
     std::uint64_t Bytes(std::uint64_t rows) const;
     /// The most that finding its facts takes where it is checked.
     std::uint64_t SearchSteps(const ChosenAggregate& aggregate) const;
-    /// The row numbers sorted by the column's codes.
-    std::vector<std::uint32_t> Sorted(std::uint16_t column) const;
 
     const CubeModel& model_;
-    const FactColumns& facts_;
+    const CodeCounts& codes_;
+    const std::map<std::size_t, PairCounts>& pairs_;
     const AggregateModel& aggregates_;
     const CodeGroups groups_;
     std::map<std::uint16_t, Lead> leads_;
@@ -88,16 +89,9 @@ private:
 std::vector<ChosenAggregate> AggregateChooser::Run() {
     FindLeads();
     AddSingles();
-    std::set<std::pair<std::uint16_t, std::uint16_t>> done;
-    for (const ProjectionModel& projection : model_.projections) {
-        if (projection.sortOrder.size() < 2) {
-            continue;
-        }
-        const std::uint16_t lead = projection.sortOrder[0], second = projection.sortOrder[1];
-        if (leads_.count(lead) != 0 && IsAggregateKey(aggregates_, second) &&
-            done.insert(std::minmax(lead, second)).second) {
-            AddPairs(lead, second);
-        }
+    for (const std::size_t projection : CountedPairs(model_, aggregates_)) {
+        const auto& order = model_.projections[projection].sortOrder;
+        AddPairs(order[0], order[1], pairs_.at(projection));
     }
     return TakeBest();
 }
@@ -109,7 +103,7 @@ void AggregateChooser::FindLeads() {
             continue;
         }
         Lead lead;
-        lead.counts = PrefixCounts(facts_.keys[column], model_.keyColumns[column].codes);
+        lead.counts = PrefixCounts(codes_[column]);
         lead.sets = MemberSets(model_, groups_, column);
         std::erase_if(lead.sets, [&](const KeyRange& set) {
             return static_cast<double>(RowsUnder(lead.counts, groups_.Ranges(set))) * rowCost < leastCost;
@@ -119,7 +113,7 @@ void AggregateChooser::FindLeads() {
 }
 
 void AggregateChooser::AddSingles() {
-    const auto rows = facts_.rowCount;
+    const auto rows = model_.rowCount;
     if (static_cast<double>(rows) * rowCost >= leastCost) {
         candidates_.push_back({{{}, {}, {}, {}, rows}, static_cast<double>(rows) * rowCost});
     }
@@ -131,34 +125,31 @@ void AggregateChooser::AddSingles() {
     }
 }
 
-void AggregateChooser::AddPairs(std::uint16_t lead, std::uint16_t second) {
-    const std::vector<std::uint32_t> sorted = Sorted(lead);
+void AggregateChooser::AddPairs(std::uint16_t lead, std::uint16_t second, const PairCounts& pairs) {
+    using Pair = PairCounts::Pair;
     const auto ownLead = leads_.find(second);
     const std::vector<KeyRange> secondSets =
         ownLead == leads_.end() ? MemberSets(model_, groups_, second) : ownLead->second.sets;
-    const auto& counts = leads_[lead].counts;
-    std::vector<std::uint32_t> rows;
     for (const KeyRange& set : leads_[lead].sets) {
-        rows.clear();
+        FactCounts factsOfCode(model_.keyColumns[second].codes);
         for (const KeyRange range : groups_.Ranges(set)) {
-            const auto at = [&](std::uint32_t code) {
-                return sorted.begin() + static_cast<std::ptrdiff_t>(counts[code]);
-            };
-            rows.insert(rows.end(), at(range.first), at(range.last));
+            const std::uint64_t first = pairs.starts[range.first], last = pairs.starts[range.last];
+            const RecordSource source(pairs.pairs, {{first * sizeof(Pair), (last - first) * sizeof(Pair)}});
+            source.ForEach(sizeof(Pair), [&](std::span<const std::byte> bytes) {
+                Pair pair;
+                for (; !bytes.empty(); bytes = bytes.subspan(sizeof pair)) {
+                    std::memcpy(&pair, bytes.data(), sizeof pair);
+                    factsOfCode[pair.second] += pair.facts;
+                }
+            });
         }
-        AddPairsOf(lead, set, second, secondSets, rows);
+        AddPairsOf(lead, set, second, secondSets, factsOfCode);
     }
 }
 
 void AggregateChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::uint16_t second,
-                                  const std::vector<KeyRange>& secondSets,
-                                  std::span<const std::uint32_t> rows) {
-    const auto& secondCodes = facts_.keys[second];
-    FactCounts counts(std::size_t{model_.keyColumns[second].codes} + 1);
-    for (const std::uint32_t row : rows) {
-        ++counts[std::size_t{secondCodes[row]} + 1];
-    }
-    std::partial_sum(counts.begin(), counts.end(), counts.begin());
+                                  const std::vector<KeyRange>& secondSets, const FactCounts& factsOfCode) {
+    const FactCounts counts = PrefixCounts(factsOfCode);
     const bool isSearchable =
         std::any_of(model_.projections.begin(), model_.projections.end(), [&](const auto& other) {
             return other.sortOrder.size() > 1 && other.sortOrder[0] == second && other.sortOrder[1] == lead;
@@ -172,7 +163,7 @@ void AggregateChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::u
         const std::uint64_t under = RowsUnder(counts, ranges);
         const double reading = static_cast<double>(under) * rowCost;
         double cost =
-            std::min(static_cast<double>(rows.size()) * rowCost, searchAll(leadRanges, ranges) + reading);
+            std::min(static_cast<double>(counts.back()) * rowCost, searchAll(leadRanges, ranges) + reading);
         if (isSearchable) {
             cost = std::min(cost, searchAll(ranges, leadRanges) + reading);
         }
@@ -185,9 +176,9 @@ void AggregateChooser::AddPairsOf(std::uint16_t lead, KeyRange leadCodes, std::u
 std::vector<ChosenAggregate> AggregateChooser::TakeBest() {
     std::stable_sort(candidates_.begin(), candidates_.end(),
                      [](const Candidate& left, const Candidate& right) { return left.cost > right.cost; });
-    auto budget = static_cast<std::uint64_t>(budgetPerFact * static_cast<double>(facts_.rowCount));
-    std::uint64_t rowsLeft = format::mostAggregatedFacts * facts_.rowCount;
-    std::uint64_t stepsLeft = format::mostSearchSteps / 2 * facts_.rowCount;
+    auto budget = static_cast<std::uint64_t>(budgetPerFact * static_cast<double>(model_.rowCount));
+    std::uint64_t rowsLeft = format::mostAggregatedFacts * model_.rowCount;
+    std::uint64_t stepsLeft = format::mostSearchSteps / 2 * model_.rowCount;
     std::vector<ChosenAggregate> chosen;
     for (const Candidate& candidate : candidates_) {
         const std::uint64_t bytes = Bytes(candidate.aggregate.rows);
@@ -228,16 +219,6 @@ std::uint64_t AggregateChooser::Bytes(std::uint64_t rows) const {
                     (std::min(rows, cells) + std::min(rows, coarserCells)) * PrefixSumBytes(model_));
 }
 
-std::vector<std::uint32_t> AggregateChooser::Sorted(std::uint16_t column) const {
-    const auto& codes = facts_.keys[column];
-    std::vector<std::uint64_t> next = leads_.at(column).counts;
-    std::vector<std::uint32_t> rows(facts_.rowCount);
-    for (std::uint32_t row = 0; row < facts_.rowCount; ++row) {
-        rows[next[codes[row]]++] = row;
-    }
-    return rows;
-}
-
 } // namespace
 
 AggregateKey ChosenAggregate::Key() const {
@@ -251,9 +232,23 @@ AggregateKey ChosenAggregate::Key() const {
     return key;
 }
 
-std::vector<ChosenAggregate> ChooseAggregates(const CubeModel& model, const FactColumns& facts,
+std::vector<std::size_t> CountedPairs(const CubeModel& model, const AggregateModel& aggregates) {
+    std::vector<std::size_t> counted;
+    std::set<std::pair<std::uint16_t, std::uint16_t>> done;
+    for (std::size_t i = 0; i < model.projections.size(); ++i) {
+        const auto& order = model.projections[i].sortOrder;
+        if (order.size() >= 2 && IsAggregateKey(aggregates, order[0]) &&
+            IsAggregateKey(aggregates, order[1]) && done.insert(std::minmax(order[0], order[1])).second) {
+            counted.push_back(i);
+        }
+    }
+    return counted;
+}
+
+std::vector<ChosenAggregate> ChooseAggregates(const CubeModel& model, const CodeCounts& codes,
+                                              const std::map<std::size_t, PairCounts>& pairs,
                                               const AggregateModel& aggregates) {
-    return AggregateChooser(model, facts, aggregates).Run();
+    return AggregateChooser(model, codes, pairs, aggregates).Run();
 }
 
 std::uint64_t AggregateRowBytes(const CubeModel& model, const AggregateModel& aggregates) {

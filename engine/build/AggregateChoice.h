@@ -1,9 +1,11 @@
 #pragma once
 
-#include "engine/build/FactColumns.h"
+#include "engine/build/SpillStore.h"
 #include "engine/storage/CubeModel.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <vector>
 
@@ -19,10 +21,29 @@ struct ChosenAggregate {
     AggregateKey Key() const;
 };
 
+/// The number of facts with each code, by key column.
+using CodeCounts = std::vector<std::vector<std::uint64_t>>;
+
+/// How many facts have a code of the leading and one of the second column of a sort order.
+struct PairCounts {
+    struct Pair {
+        std::uint32_t second = 0, facts = 0;
+    };
+
+    explicit PairCounts(SpillStore& store) : pairs(store) {}
+
+    ByteStream pairs;                    ///< in the sort order
+    std::vector<std::uint64_t> starts{}; ///< number of the first pair of each leading code, and the count
+};
+
+/// The sort orders of which ChooseAggregates takes the pairs. The model must have its projections.
+std::vector<std::size_t> CountedPairs(const CubeModel& model, const AggregateModel& aggregates);
+
 /// Estimates, for members and pairs of members, how long reading their facts from the best sort order takes,
 /// and chooses the most expensive ones within a size budget. The model must have its projections, the
-/// aggregates their groups.
-std::vector<ChosenAggregate> ChooseAggregates(const CubeModel& model, const FactColumns& facts,
+/// aggregates their groups, and `pairs` those of CountedPairs by sort order.
+std::vector<ChosenAggregate> ChooseAggregates(const CubeModel& model, const CodeCounts& codes,
+                                              const std::map<std::size_t, PairCounts>& pairs,
                                               const AggregateModel& aggregates);
 
 /// Bytes per fact of a row aggregate.

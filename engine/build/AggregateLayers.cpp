@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <numeric>
 #include <tuple>
 
 namespace qel::engine {
@@ -31,10 +30,7 @@ void AggregateLayer::Add(KeyRange set, CodeRanges ranges) {
     }
 }
 
-RowNumbers AggregateLayer::Distribute(std::span<const std::uint32_t> rows,
-                                      const std::vector<std::uint32_t>& codes, const CodeGroups& groups,
-                                      std::vector<std::size_t>& starts) const {
-    // Codes outside all ranges get the number behind the last set.
+std::vector<std::uint32_t> AggregateLayer::SetOfCode(const CodeGroups& groups) const {
     std::vector<std::uint32_t> setOf(taken.rbegin()->second + std::size_t{1},
                                      static_cast<std::uint32_t>(sets.size()));
     for (std::uint32_t i = 0; i < sets.size(); ++i) {
@@ -42,20 +38,7 @@ RowNumbers AggregateLayer::Distribute(std::span<const std::uint32_t> rows,
             std::fill(setOf.begin() + range.first, setOf.begin() + range.last, i);
         }
     }
-    const auto setAt = [&](std::uint32_t row) {
-        return setOf[std::min<std::size_t>(codes[row], setOf.size() - 1)];
-    };
-    starts.assign(sets.size() + 2, 0);
-    for (const std::uint32_t row : rows) {
-        ++starts[setAt(row) + std::size_t{1}];
-    }
-    std::partial_sum(starts.begin(), starts.end(), starts.begin());
-    RowNumbers distributed(rows.size());
-    std::vector<std::size_t> next = starts;
-    for (const std::uint32_t row : rows) {
-        distributed[next[setAt(row)]++] = row;
-    }
-    return distributed;
+    return setOf;
 }
 
 std::vector<AggregateLayer> MakeAggregateLayers(const std::vector<ChosenAggregate>& chosen,

@@ -2,16 +2,12 @@
 
 #include "engine/build/AggregateChoice.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
 #include <vector>
 
 namespace qel::engine {
-
-using RowNumbers = std::vector<std::uint32_t>;
 
 /// Aggregates with the same leading column and disjoint sets of codes, so that one pass over the facts serves
 /// all of them.
@@ -24,10 +20,9 @@ struct AggregateLayer {
 
     bool IsFree(CodeRanges ranges) const;
     void Add(KeyRange set, CodeRanges ranges);
-    /// Groups the rows by the set that their code belongs to, keeping their order: the rows of set i start at
-    /// starts[i].
-    RowNumbers Distribute(std::span<const std::uint32_t> rows, const std::vector<std::uint32_t>& codes,
-                          const CodeGroups& groups, std::vector<std::size_t>& starts) const;
+    /// The number of the set that each code belongs to; codes outside all ranges get the number behind the
+    /// last set. The last element is for all higher codes.
+    std::vector<std::uint32_t> SetOfCode(const CodeGroups& groups) const;
 };
 
 /// Splits aggregates into few layers. They must outlive the layers.

@@ -78,7 +78,6 @@ AggregateModel LayOutAggregates(const CubeModel& model) {
         end -= part.bits;
         part.shift = static_cast<std::uint8_t>(end);
     }
-    aggregates.sums.resize(model.measures.size());
     return aggregates;
 }
 

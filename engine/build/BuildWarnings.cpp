@@ -74,7 +74,7 @@ void DimensionWarnings::AddSharedNames() const {
     }
 }
 
-void DimensionWarnings::AddSharedValues(const FactColumns& facts, std::size_t column) const {
+void DimensionWarnings::AddSharedValues(const FactStore& facts, std::size_t column) const {
     for (const MemberTree& tree : dimension_.Trees()) {
         const SharedValues shared = FindSharedValues(tree);
         if (shared.values.empty()) {
@@ -92,24 +92,25 @@ void DimensionWarnings::AddSharedValues(const FactColumns& facts, std::size_t co
     }
 }
 
-std::string DimensionWarnings::AmountOf(const std::vector<std::uint32_t>& values, const FactColumns& facts,
+std::string DimensionWarnings::AmountOf(const std::vector<std::uint32_t>& values, const FactStore& facts,
                                         std::size_t column) const {
-    std::vector<bool> isShared(keys_->CodeCount());
+    std::vector<bool> isShared(keys_->Codes().size());
     for (const std::uint32_t value : values) {
-        isShared[keys_->Codes()[value]] = true;
+        isShared[value] = true;
     }
     std::size_t measure = cube_.defaultMeasure;
     while (measure < cube_.measures.size() && !cube_.measures[measure].column) {
         ++measure;
     }
-    const auto& codes = facts.keys[column];
     std::int64_t sum = 0, lines = 0;
-    for (std::size_t row = 0; row < codes.size(); ++row) {
-        if (isShared[codes[row]]) {
-            ++lines;
-            sum += measure < cube_.measures.size() ? facts.values[measure][row] : 0;
+    facts.ForEach([&](const FactBlock& block) {
+        for (std::size_t row = 0; row < block.rows; ++row) {
+            if (isShared[block.keys[column][row]]) {
+                ++lines;
+                sum += measure < cube_.measures.size() ? block.values[measure][row] : 0;
+            }
         }
-    }
+    });
     return measure < cube_.measures.size() ? fmt::format("{} {}", cube_.measures[measure].name,
                                                          DecimalText(sum, cube_.measures[measure].decimals))
                                            : fmt::format("{} lines", lines);

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "engine/build/DimensionBuilder.h"
-#include "engine/build/FactColumns.h"
+#include "engine/build/FactStore.h"
 #include "qel/engine/BuildCube.h"
 
 #include <string>
@@ -21,14 +21,14 @@ public:
     /// Names that several members of a level have.
     void AddSharedNames() const;
     /// Values that count in several members of a level, with their amount. `column` is their key column.
-    void AddSharedValues(const FactColumns& facts, std::size_t column) const;
+    void AddSharedValues(const FactStore& facts, std::size_t column) const;
     /// Dates whose order of day and month fits only as long as there are no others.
     void AddDateOrder() const;
 
 private:
     void Add(const char* kind, const std::string& place, const std::string& fault) const;
     /// "Amount 12.50" of the facts with one of the values, or "3 lines" without a sum.
-    std::string AmountOf(const std::vector<std::uint32_t>& values, const FactColumns& facts,
+    std::string AmountOf(const std::vector<std::uint32_t>& values, const FactStore& facts,
                          std::size_t column) const;
 
     const CubeDefinition& cube_;

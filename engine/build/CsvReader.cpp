@@ -112,6 +112,15 @@ void CsvReader::TakeDelimiterLine() {
     }
 }
 
+void CsvReader::ContinueAt(std::uint64_t offset, std::uint64_t line) {
+    lines_.Restart(offset);
+    line_ = line;
+    recordSize_ = 0;
+    recordLines_ = 0;
+    lineHasEnd_ = true;
+    ResetParser();
+}
+
 bool CsvReader::Next() {
     if (!ReadRecord()) {
         return false;

@@ -27,6 +27,8 @@ public:
     CsvReader(const CsvReader&) = delete;
     CsvReader& operator=(const CsvReader&) = delete;
 
+    /// Continues with line number `line`, where the input now stands: `offset` bytes after the file's start.
+    void ContinueAt(std::uint64_t offset, std::uint64_t line);
     std::string_view RecordName() const override { return "line"; }
     /// Blank lines are no records.
     bool Next() override;

@@ -72,6 +72,12 @@ void RefuseWorkbook(std::string_view start, const std::string& fileName) {
     }
 }
 
+/// The encoding of a file that begins with these bytes.
+std::string EncodingOf(std::string_view start, const std::string& encoding) {
+    const bool hasMark = start.starts_with("\xFF\xFE") || start.starts_with("\xFE\xFF");
+    return !encoding.empty() ? encoding : hasMark ? "UTF-16" : "UTF-8";
+}
+
 } // namespace
 
 DecodedFile::DecodedFile(const std::filesystem::path& path, const std::string& encoding)
@@ -82,8 +88,7 @@ DecodedFile::DecodedFile(const std::filesystem::path& path, const std::string& e
     file_.clear();
     file_.seekg(0);
     RefuseWorkbook(read, PathToUtf8(path));
-    const bool hasMark = read.starts_with("\xFF\xFE") || read.starts_with("\xFE\xFF");
-    const std::string from = !encoding.empty() ? encoding : hasMark ? "UTF-16" : "UTF-8";
+    const std::string from = EncodingOf(read, encoding);
     if (EqualIgnoringCase(from, "UTF-8")) {
         return;
     }
@@ -93,9 +98,29 @@ DecodedFile::DecodedFile(const std::filesystem::path& path, const std::string& e
             ErrorKind::InvalidData,
             fmt::format("{}: this machine cannot read the encoding \"{}\"", PathToUtf8(path), from));
     }
+    encoding_ = from;
     decoder_ = std::make_unique<Decoder>(file_, std::move(conversion));
     decoded_ = std::make_unique<std::istream>(decoder_.get());
     stream_ = decoded_.get();
+}
+
+bool DecodedFile::CanSeek(const std::filesystem::path& path, const std::string& encoding) {
+    std::array<char, 2> start = {};
+    std::ifstream file = OpenTextFile(path);
+    file.read(start.data(), start.size());
+    const std::string name =
+        FoldCase(EncodingOf({start.data(), static_cast<std::size_t>(file.gcount())}, encoding));
+    return name == "utf-8" || name.starts_with("windows-125") || name.starts_with("cp125") ||
+           name.starts_with("iso-8859-");
+}
+
+void DecodedFile::SeekTo(std::uint64_t offset) {
+    file_.clear();
+    file_.seekg(static_cast<std::streamoff>(offset));
+    if (decoder_) {
+        decoder_ = std::make_unique<Decoder>(file_, ConversionFrom(encoding_));
+        decoded_->rdbuf(decoder_.get());
+    }
 }
 
 } // namespace qel::engine

@@ -1,13 +1,14 @@
 #include "engine/build/FactColumns.h"
 
 #include "engine/build/AmountText.h"
+#include "engine/build/StoredWidth.h"
 #include "qel/engine/EngineError.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <limits>
-#include <numeric>
+#include <span>
 
 namespace qel::engine {
 
@@ -155,26 +156,19 @@ private:
     }
 
     void AddRow() {
-        for (std::size_t i = 0; i < numbers_.size(); ++i) {
-            facts_.keys[i].push_back(numbers_[i]);
-        }
-        for (std::size_t i = 0; i < amounts_.size(); ++i) {
-            if (valueFields_[i] != noColumn) {
-                facts_.values[i].push_back(amounts_[i]);
-            }
-        }
         if (details_.areKept) {
             AddDetails();
         }
-        ++facts_.rowCount;
+        facts_.store.Add(numbers_, amounts_);
     }
 
     void AddDetails() {
         for (std::size_t i = 0; i < details_.columns.size(); ++i) {
             DetailTexts& detail = facts_.details[i];
-            detail.numbers.push_back(detail.texts.Add(reader_.Field(details_.columns[i])));
+            const std::uint32_t number = detail.texts.Add(reader_.Field(details_.columns[i]));
+            detail.numbers.Append(std::as_bytes(std::span(&number, 1)));
         }
-        const auto row = static_cast<std::uint32_t>(facts_.rowCount);
+        const auto row = static_cast<std::uint32_t>(facts_.store.RowCount());
         const std::uint64_t line = reader_.Records().Number();
         const bool goesOn = !facts_.lines.empty() && facts_.lines.back().file == details_.file &&
                             facts_.lines.back().line + (row - facts_.lines.back().first) == line;
@@ -194,95 +188,32 @@ private:
     std::vector<std::int64_t> amounts_;
 };
 
-/// The narrowest signed width for values in the range.
-std::uint8_t ValueWidth(std::int64_t least, std::int64_t most) {
-    const auto fits = [&](auto smallest, auto largest) { return least >= smallest && most <= largest; };
-    if (fits(std::numeric_limits<std::int8_t>::min(), std::numeric_limits<std::int8_t>::max())) {
-        return 1;
-    }
-    if (fits(std::numeric_limits<std::int16_t>::min(), std::numeric_limits<std::int16_t>::max())) {
-        return 2;
-    }
-    if (fits(std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max())) {
-        return 4;
-    }
-    return 8;
-}
-
-/// The largest number that divides every value.
-std::int64_t CommonUnit(const std::vector<std::int64_t>& values) {
-    std::int64_t unit = 0;
-    for (std::size_t i = 0; i < values.size() && unit != 1; ++i) {
-        unit = std::gcd(unit, values[i]);
-    }
-    return std::max<std::int64_t>(unit, 1);
-}
-
-/// Whether the sum of absolute values fits in 63 bits.
-bool IsSummable(const std::vector<std::int64_t>& values) {
-    std::int64_t rest = std::numeric_limits<std::int64_t>::max();
-    for (const std::int64_t value : values) {
-        const std::int64_t magnitude = value < 0 ? -value : value; // cannot overflow: amounts have 63 bits
-        if (magnitude > rest) {
-            return false;
-        }
-        rest -= magnitude;
-    }
-    return true;
-}
-
 } // namespace
 
 void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measures,
                const DetailsOfTable& details, std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts) {
-    facts.details.resize(details.columns.size());
-    facts.keys.resize(keyColumns.size());
-    facts.values.resize(measures.size());
     FactReader(reader, measures, details, keyColumns, facts).Run();
 }
 
-void AddTotals(const FactColumns& facts, std::uint64_t first, SourceTotals& totals) {
-    totals.linesUsed = facts.rowCount - first;
-    for (const auto& values : facts.values) {
-        // A sum that overflows is refused when the whole measure is known.
-        std::uint64_t sum = values.empty() ? totals.linesUsed : 0;
-        for (std::size_t row = first; row < values.size(); ++row) {
-            sum += static_cast<std::uint64_t>(values[row]);
-        }
-        totals.sums.push_back(static_cast<std::int64_t>(sum));
-    }
-}
-
-void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts) {
-    for (std::size_t i = 0; i < keyColumns.size(); ++i) {
-        const auto& codes = keyColumns[i].Codes();
-        for (std::uint32_t& key : facts.keys[i]) {
-            key = codes[key];
-        }
-    }
-}
-
 std::vector<MeasureColumn> MeasureModels(const std::vector<MeasureDefinition>& measures,
-                                         const FactColumns& facts, const std::string& cubeName) {
+                                         const FactStore& facts, const std::string& cubeName) {
     std::vector<MeasureColumn> models;
     for (std::size_t i = 0; i < measures.size(); ++i) {
         const MeasureDefinition& measure = measures[i];
         MeasureColumn model{
             {measure.name, measure.caption, AggregateFunction::Count, measure.decimals}, 0, 1};
         if (measure.column) {
-            const auto& values = facts.values[i];
-            if (!IsSummable(values)) {
+            const AmountRange& amounts = facts.Amounts(i);
+            if (!amounts.isSummable) {
                 throw EngineError(
                     ErrorKind::InvalidData,
                     fmt::format("cube {}, measure {}: the amounts are too large; the sum of their "
                                 "absolute values is beyond 63 bits at {} decimals",
                                 cubeName, measure.name, measure.decimals));
             }
-            const auto [least, most] = std::minmax_element(values.begin(), values.end());
             model.function = AggregateFunction::Sum;
-            model.unit = CommonUnit(values);
-            model.width =
-                values.empty() ? std::uint8_t{1} : ValueWidth(*least / model.unit, *most / model.unit);
+            model.unit = std::max<std::int64_t>(amounts.unit, 1);
+            model.width = ValueWidth(amounts.least / model.unit, amounts.most / model.unit);
         }
         models.push_back(model);
     }

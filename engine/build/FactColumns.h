@@ -1,10 +1,11 @@
 #pragma once
 
+#include "engine/build/FactStore.h"
 #include "engine/build/KeyColumnBuilder.h"
+#include "engine/build/SpillStore.h"
 #include "engine/build/TableReader.h"
 #include "engine/build/TextDictionary.h"
 #include "engine/storage/CubeModel.h"
-#include "qel/engine/SourceTotals.h"
 
 #include <cstdint>
 #include <vector>
@@ -13,16 +14,17 @@ namespace qel::engine {
 
 /// A detail of the facts.
 struct DetailTexts {
+    explicit DetailTexts(SpillStore& store) : numbers(store) {}
+
     TextDictionary texts;
-    std::vector<std::uint32_t> numbers; ///< by row
+    ByteStream numbers; ///< 4 bytes by row
 };
 
-/// The facts of a cube in memory, column by column.
+/// The facts of a cube as they are read.
 struct FactColumns {
-    std::vector<std::vector<std::uint32_t>>
-        keys; ///< by key column: value numbers while reading, codes afterwards
-    std::vector<std::vector<std::int64_t>> values; ///< by measure, scaled; empty for a count
-    std::uint64_t rowCount = 0;
+    explicit FactColumns(SpillStore& spill) : store(spill) {}
+
+    FactStore store;
     std::vector<std::uint8_t> currencies; ///< by measure, of the amounts read; 0 until one has a currency
     std::vector<DetailTexts> details;
     std::vector<DetailRun> lines; ///< where the rows stand in the files, when details are kept
@@ -39,15 +41,9 @@ struct DetailsOfTable {
 void ReadFacts(TableReader& reader, const std::vector<MeasureDefinition>& measures,
                const DetailsOfTable& details, std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts);
 
-/// Adds to `totals` the lines used and the sums of the facts from row `first` on.
-void AddTotals(const FactColumns& facts, std::uint64_t first, SourceTotals& totals);
-
-/// Replaces value numbers by codes.
-void ReplaceNumbersByCodes(const std::vector<KeyColumnBuilder>& keyColumns, FactColumns& facts);
-
 /// The measures with their unit (the greatest common divisor of their values) and the narrowest width. Raises
 /// EngineError (InvalidData) when a measure's sum of absolute values exceeds 63 bits.
 std::vector<MeasureColumn> MeasureModels(const std::vector<MeasureDefinition>& measures,
-                                         const FactColumns& facts, const std::string& cubeName);
+                                         const FactStore& facts, const std::string& cubeName);
 
 } // namespace qel::engine

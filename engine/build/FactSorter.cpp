@@ -1,12 +1,17 @@
 #include "engine/build/FactSorter.h"
 
 #include "engine/build/AggregateBuilder.h"
-#include "engine/storage/AggregateWriter.h"
+#include "engine/build/AggregateLayout.h"
+#include "engine/build/MemberSets.h"
+#include "engine/build/RecordSorter.h"
+#include "engine/build/TwoThreads.h"
+#include "engine/storage/Format.h"
 
 #include <algorithm>
-#include <future>
+#include <cstring>
+#include <map>
 #include <numeric>
-#include <set>
+#include <optional>
 #include <span>
 #include <utility>
 
@@ -14,141 +19,111 @@ namespace qel::engine {
 
 namespace {
 
-using Rows = std::vector<std::uint32_t>;
-
-/// The first row of every code, followed by the row count.
-template <class Count>
-std::vector<Count> FirstRows(const std::vector<std::uint32_t>& codes, std::uint32_t codeCount) {
-    std::vector<Count> first(std::size_t{codeCount} + 1);
-    for (const std::uint32_t code : codes) {
-        ++first[std::size_t{code} + 1];
+/// A field of every record; the first bytes of it where the width is less than the field's.
+std::vector<std::byte> FieldsOf(const RecordLayout::Field& field, std::size_t recordSize,
+                                std::span<const std::byte> records) {
+    std::vector<std::byte> fields(records.size() / recordSize * field.width);
+    std::byte* to = fields.data();
+    for (std::size_t at = field.offset; at < records.size(); at += recordSize, to += field.width) {
+        std::memcpy(to, &records[at], field.width);
     }
-    std::partial_sum(first.begin(), first.end(), first.begin());
-    return first;
+    return fields;
 }
 
-/// The row numbers in sort order, by a radix sort: one stable counting sort per key, the least significant
-/// first.
-Rows SortRows(const std::vector<std::uint16_t>& sortOrder, const std::vector<KeyColumn>& keyColumns,
-              const FactColumns& facts) {
-    Rows rows(facts.rowCount), sorted(facts.rowCount);
-    std::iota(rows.begin(), rows.end(), 0U);
-    for (auto column = sortOrder.rbegin(); column != sortOrder.rend(); ++column) {
-        const auto& codes = facts.keys[*column];
-        auto starts = FirstRows<std::uint32_t>(codes, keyColumns[*column].codes);
-        for (const std::uint32_t row : rows) {
-            sorted[starts[codes[row]]++] = row;
-        }
-        rows.swap(sorted);
-    }
-    return rows;
-}
-
-/// Appends value(row) for each row, narrowed to `Stored`.
-template <class Stored, class Value>
-void AppendAs(const Rows& rows, const Value& value, CubeFileWriter& writer) {
-    constexpr std::size_t blockRows = 65536;
-    std::vector<Stored> block;
-    for (std::size_t first = 0; first < rows.size(); first += blockRows) {
-        block.resize(std::min(blockRows, rows.size() - first));
-        for (std::size_t i = 0; i < block.size(); ++i) {
-            block[i] = static_cast<Stored>(value(rows[first + i]));
-        }
-        writer.Append(std::as_bytes(std::span(block)));
-    }
-}
-
-/// Appends the packed column that combines its key columns.
-void AppendPackedColumn(const CubeModel& model, const FactColumns& facts, std::size_t packedColumn,
-                        const Rows& rows, CubeFileWriter& writer) {
-    std::vector<std::pair<const std::uint32_t*, std::uint8_t>> parts; // codes and shift
-    std::uint8_t width = 1;
-    for (std::size_t i = 0; i < model.keyColumns.size(); ++i) {
-        if (model.keyColumns[i].packedColumn != packedColumn) {
-            continue;
-        }
-        parts.emplace_back(facts.keys[i].data(), model.keyColumns[i].shift);
-        width = model.keyColumns[i].width;
-    }
-    const auto value = [&parts](std::uint32_t row) {
-        std::uint32_t bits = 0;
-        for (const auto& [codes, shift] : parts) {
-            bits |= codes[row] << shift;
-        }
-        return bits;
+/// The sections of the projections, in the order of the file.
+struct ProjectionSections {
+    struct Column {
+        std::size_t projection = 0;
+        RecordLayout::Field field;
     };
-    if (width == 1) {
-        AppendAs<std::uint8_t>(rows, value, writer);
-    } else if (width == 2) {
-        AppendAs<std::uint16_t>(rows, value, writer);
-    } else {
-        AppendAs<std::uint32_t>(rows, value, writer);
-    }
-}
 
-void AppendValues(const std::vector<std::int64_t>& values, const MeasureColumn& measure, const Rows& rows,
-                  CubeFileWriter& writer) {
-    const auto value = [&](std::uint32_t row) { return values[row] / measure.unit; };
-    if (measure.width == 1) {
-        AppendAs<std::int8_t>(rows, value, writer);
-    } else if (measure.width == 2) {
-        AppendAs<std::int16_t>(rows, value, writer);
-    } else if (measure.width == 4) {
-        AppendAs<std::int32_t>(rows, value, writer);
-    } else {
-        AppendAs<std::int64_t>(rows, value, writer);
-    }
-}
+    std::vector<Column> columns;
+    std::vector<CubeFileWriter::SizedSection> sections;
 
-std::size_t PackedColumnCount(const CubeModel& model) {
-    std::size_t count = 0;
-    for (const KeyColumn& column : model.keyColumns) {
-        count = std::max(count, std::size_t{column.packedColumn} + 1);
+    void Add(format::SectionKind kind, std::uint32_t cube, std::size_t projection, std::size_t index,
+             const RecordLayout::Field& field, std::uint64_t rows) {
+        columns.push_back({projection, field});
+        sections.push_back({{static_cast<std::uint32_t>(kind), cube, static_cast<std::uint32_t>(projection),
+                             static_cast<std::uint32_t>(index)},
+                            rows * field.width});
     }
-    return count;
-}
+};
 
-void WriteProjection(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
-                     std::size_t projection, const Rows& rows, CubeFileWriter& writer) {
-    for (std::size_t packedColumn = 0; packedColumn < PackedColumnCount(model); ++packedColumn) {
-        if (HoldsLeadAlone(model.keyColumns, packedColumn, model.projections[projection].sortOrder.front())) {
-            continue;
+ProjectionSections SectionsOf(const CubeModel& model, const RecordLayout& layout, std::uint32_t cube) {
+    using format::SectionKind;
+    ProjectionSections all;
+    for (std::size_t i = 0; i < model.projections.size(); ++i) {
+        for (std::size_t packed = 0; packed < layout.packedColumns.size(); ++packed) {
+            if (!HoldsLeadAlone(model.keyColumns, packed, model.projections[i].sortOrder.front())) {
+                all.Add(SectionKind::PackedColumns, cube, i, packed, layout.packedColumns[packed],
+                        model.rowCount);
+            }
         }
-        writer.BeginPackedColumn(cube, projection, packedColumn);
-        AppendPackedColumn(model, facts, packedColumn, rows, writer);
-        writer.End();
-    }
-    for (std::size_t measure = 0; measure < model.measures.size(); ++measure) {
-        if (model.measures[measure].width == 0) {
-            continue;
+        for (std::size_t measure = 0; measure < model.measures.size(); ++measure) {
+            if (model.measures[measure].width != 0) {
+                all.Add(SectionKind::FactValues, cube, i, measure, layout.values[measure], model.rowCount);
+            }
         }
-        writer.BeginValues(cube, projection, measure);
-        AppendValues(facts.values[measure], model.measures[measure], rows, writer);
-        writer.End();
+        if (layout.factNumber) { // which line of the ledger each row is
+            all.Add(SectionKind::DetailFacts, cube, i, 0,
+                    {layout.factNumber->offset, BytesFor(model.rowCount)}, model.rowCount);
+        }
     }
+    return all;
 }
 
-/// Writes which line of the ledger each row is, in as few bytes as every number fits.
-void WriteDetailFacts(const CubeModel& model, std::uint32_t cube, std::size_t projection, const Rows& rows,
-                      CubeFileWriter& writer) {
-    const std::uint8_t width = BytesFor(model.rowCount);
-    writer.Begin({static_cast<std::uint32_t>(format::SectionKind::DetailFacts), cube,
-                  static_cast<std::uint32_t>(projection), 0});
-    for (const std::uint32_t& row : rows) {
-        writer.Append(std::as_bytes(std::span(&row, 1)).first(width));
-    }
-    writer.End();
-}
+/// Counts the facts of each pair of codes while they come in their order.
+class PairCounter {
+public:
+    PairCounter(const RecordLayout& layout, const std::vector<std::uint16_t>& sortOrder,
+                std::size_t leadCodes, PairCounts& counts)
+        : size_(layout.size), lead_(layout.keys[sortOrder[0]]), second_(layout.keys[sortOrder[1]]),
+          leadCodes_(leadCodes), counts_(counts) {}
 
-void WriteDetailTexts(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
+    void Count(std::span<const std::byte> records) {
+        for (std::size_t at = 0; at < records.size(); at += size_) {
+            const std::uint32_t lead = lead_.Code(&records[at]), second = second_.Code(&records[at]);
+            if (current_.facts == 0 || lead != currentLead_ || second != current_.second) {
+                Store();
+                BeginLeads(std::size_t{lead} + 1);
+                currentLead_ = lead;
+                current_ = {second, 0};
+            }
+            ++current_.facts;
+        }
+    }
+    void Finish() {
+        Store();
+        BeginLeads(leadCodes_ + 1);
+        counts_.pairs.Finish();
+    }
+
+private:
+    void Store() {
+        if (current_.facts != 0) {
+            counts_.pairs.Append(std::as_bytes(std::span(&current_, 1)));
+        }
+    }
+    /// The codes below `end` that have not begun begin here.
+    void BeginLeads(std::size_t end) {
+        counts_.starts.resize(std::max(end, counts_.starts.size()),
+                              counts_.pairs.Size() / sizeof(PairCounts::Pair));
+    }
+
+    std::size_t size_;
+    const RecordLayout::KeyField &lead_, &second_;
+    std::size_t leadCodes_;
+    PairCounts& counts_;
+    std::uint32_t currentLead_ = 0;
+    PairCounts::Pair current_;
+};
+
+void WriteDetailTexts(const CubeModel& model, const CubeFacts& facts, std::uint32_t cube,
                       CubeFileWriter& writer) {
     using format::SectionKind;
-    Rows inOrder(facts.rowCount);
-    std::iota(inOrder.begin(), inOrder.end(), 0U);
     for (std::uint32_t i = 0; i < model.details.columns.size(); ++i) {
         const DetailModel& column = model.details.columns[i];
         const TextDictionary& texts = facts.details[i].texts;
-        const auto number = [&](std::uint32_t row) { return facts.details[i].numbers[row]; };
         const auto section = [&](SectionKind kind, const auto& append) {
             writer.Begin({static_cast<std::uint32_t>(kind), cube, 0, i});
             append();
@@ -156,9 +131,10 @@ void WriteDetailTexts(const CubeModel& model, const FactColumns& facts, std::uin
         };
         if (column.codeWidth != 0) {
             section(SectionKind::DetailCodes, [&] {
-                column.codeWidth == 1   ? AppendAs<std::uint8_t>(inOrder, number, writer)
-                : column.codeWidth == 2 ? AppendAs<std::uint16_t>(inOrder, number, writer)
-                                        : AppendAs<std::uint32_t>(inOrder, number, writer);
+                RecordSource(facts.details[i].numbers)
+                    .ForEach(sizeof(std::uint32_t), [&](const auto& numbers) {
+                        writer.Append(FieldsOf({0, column.codeWidth}, sizeof(std::uint32_t), numbers));
+                    });
             });
         }
         section(SectionKind::DetailOffsets, [&] {
@@ -173,36 +149,6 @@ void WriteDetailTexts(const CubeModel& model, const FactColumns& facts, std::uin
                 writer.Append(std::as_bytes(std::span(texts.Text(text))));
             }
         });
-    }
-}
-
-/// Writes the facts of row aggregates: only the packed columns of the packed key and of time.
-void WriteAggregateRows(const CubeModel& model, const FactColumns& facts, std::uint32_t cube,
-                        const BuiltAggregates& aggregates, CubeFileWriter& writer) {
-    const auto section = [&](format::SectionKind kind, std::size_t second, const auto& append) {
-        writer.Begin({static_cast<std::uint32_t>(kind), cube, 0, static_cast<std::uint32_t>(second)});
-        for (const Rows& rows : aggregates.rows) {
-            append(rows);
-        }
-        writer.End();
-    };
-    std::set<std::size_t> packedColumns;
-    for (const AggregateTable::PackedKeyColumn& part : aggregates.model.packedKeyColumns) {
-        packedColumns.insert(model.keyColumns[part.column].packedColumn);
-    }
-    if (aggregates.model.timeColumn) {
-        packedColumns.insert(model.keyColumns[*aggregates.model.timeColumn].packedColumn);
-    }
-    for (const std::size_t packedColumn : packedColumns) {
-        section(format::SectionKind::AggregatePackedColumns, packedColumn,
-                [&](const Rows& rows) { AppendPackedColumn(model, facts, packedColumn, rows, writer); });
-    }
-    for (std::size_t i = 0; i < model.measures.size(); ++i) {
-        if (model.measures[i].width != 0) {
-            section(format::SectionKind::AggregateValues, i, [&](const Rows& rows) {
-                AppendValues(facts.values[i], model.measures[i], rows, writer);
-            });
-        }
     }
 }
 
@@ -243,34 +189,61 @@ std::vector<std::vector<std::uint16_t>> ChooseSortOrders(const std::vector<KeyCo
 }
 
 ProjectionModel DescribeProjection(const std::vector<std::uint16_t>& sortOrder,
-                                   const std::vector<KeyColumn>& keyColumns, const FactColumns& facts) {
-    const std::uint16_t lead = sortOrder.front();
-    return {sortOrder, FirstRows<std::uint64_t>(facts.keys[lead], keyColumns[lead].codes)};
+                                   const std::vector<std::uint64_t>& facts) {
+    std::vector<std::uint64_t> leadRows(facts.size() + 1);
+    std::partial_sum(facts.begin(), facts.end(), leadRows.begin() + 1);
+    return {sortOrder, std::move(leadRows)};
 }
 
-void WriteFacts(const CubeModel& model, const FactColumns& facts, std::uint32_t cube, CubeFileWriter& writer,
-                const std::function<void(double)>& progress) {
-    const auto sort = [&](std::size_t projection) {
-        return SortRows(model.projections[projection].sortOrder, model.keyColumns, facts);
-    };
-    // Sorts the next order while this one is written.
-    std::future<Rows> next = std::async(std::launch::async, sort, std::size_t{0});
-    for (std::size_t i = 0; i < model.projections.size(); ++i) {
-        const Rows rows = next.get();
-        if (i + 1 < model.projections.size()) {
-            next = std::async(std::launch::async, sort, i + 1);
-        }
-        WriteProjection(model, facts, cube, i, rows, writer);
-        if (model.keepsDetails) {
-            WriteDetailFacts(model, cube, i, rows, writer);
-        }
-        progress(static_cast<double>(i + 1) / static_cast<double>(model.projections.size() + 1));
+void WriteFacts(const CubeModel& model, CubeFacts& facts, std::uint32_t cube, SpillStore& store,
+                CubeFileWriter& writer, const std::function<void(double)>& progress) {
+    AggregateModel aggregates = LayOutAggregates(model);
+    FindGroups(model, aggregates);
+    AggregateFacts aggregateFacts(aggregates, facts.layout, store);
+    std::map<std::size_t, PairCounts> pairs;
+    for (const std::size_t projection : CountedPairs(model, aggregates)) {
+        pairs.try_emplace(projection, store);
     }
+    const ProjectionSections all = SectionsOf(model, facts.layout, cube);
+    std::vector<ParallelSection> sections = writer.BeginTogether(all.sections);
+    const auto writeProjection = [&](std::size_t projection) {
+        const std::vector<std::uint16_t>& order = model.projections[projection].sortOrder;
+        std::optional<PairCounter> counter;
+        if (const auto found = pairs.find(projection); found != pairs.end()) {
+            counter.emplace(facts.layout, order, model.keyColumns[order[0]].codes, found->second);
+        }
+        RecordSorter(model, facts.layout, store)
+            .Sort(RecordSource(facts.records), order, [&](std::span<const std::byte> records) {
+                for (std::size_t i = 0; i < sections.size(); ++i) {
+                    if (all.columns[i].projection == projection) {
+                        sections[i].Append(FieldsOf(all.columns[i].field, facts.layout.size, records));
+                    }
+                }
+                if (counter) {
+                    counter->Count(records);
+                }
+            });
+        if (counter) {
+            counter->Finish();
+        }
+    };
+    const auto sortForAggregates = [&] {
+        RecordSorter(model, facts.layout, store)
+            .Sort(RecordSource(facts.records), aggregateFacts.SortOrder(),
+                  [&](std::span<const std::byte> records) { aggregateFacts.Append(records); });
+        aggregateFacts.Finish();
+    };
+    RunOnTwoThreads(
+        model.projections.size() + 1,
+        [&](std::size_t i) { i < model.projections.size() ? writeProjection(i) : sortForAggregates(); },
+        [&](double share) { progress(share / 2); });
+    writer.EndTogether();
+    facts.records.Clear();
     WriteDetailTexts(model, facts, cube, writer);
-    const BuiltAggregates aggregates = BuildAggregates(model, facts);
-    if (!aggregates.model.records.empty()) {
-        WriteAggregates(aggregates.model, model, cube, writer);
-        WriteAggregateRows(model, facts, cube, aggregates, writer);
+    const std::vector<ChosenAggregate> chosen = ChooseAggregates(model, facts.codes, pairs, aggregates);
+    if (!chosen.empty()) {
+        WriteAggregatesOf(chosen, model, aggregates, aggregateFacts, cube, store, writer,
+                          [&](double share) { progress((1 + share) / 2); });
     }
     progress(1);
 }

@@ -54,6 +54,11 @@ bool KeyColumnBuilder::IsKnownToAll(std::uint32_t number) const {
                        [number](const auto& known) { return IsSet(known, number); });
 }
 
+bool KeyColumnBuilder::Takes(std::string_view text) const {
+    const auto number = texts_.Find(text);
+    return tableNames_.empty() || text.empty() || (number && IsSet(isUsable_, *number));
+}
+
 std::optional<std::uint32_t> KeyColumnBuilder::NumberOf(std::string_view field, DateFormat format) {
     if (IsCalendar()) {
         return NumberOfDate(field, format);
@@ -127,14 +132,13 @@ std::optional<std::string> KeyColumnBuilder::DateOfEitherOrder() const {
     return std::nullopt;
 }
 
-void KeyColumnBuilder::NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place) {
+void KeyColumnBuilder::NumberDates(const std::vector<std::uint64_t>& facts, const std::string& place) {
     const auto fail = [&](const std::string& fault) {
         throw EngineError(ErrorKind::InvalidData, fmt::format("{}, column {}: {}", place, name_, fault));
     };
     std::vector<bool> isUsed(days_.size());
-    for (const std::uint32_t number : facts) {
-        isUsed[number] = true;
-    }
+    std::transform(facts.begin(), facts.end(), isUsed.begin(),
+                   [](std::uint64_t count) { return count != 0; });
     auto first = calendarDefinition_->from, last = calendarDefinition_->to;
     for (std::size_t i = 0; i < days_.size(); ++i) {
         if (!isUsed[i]) {

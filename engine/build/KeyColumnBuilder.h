@@ -37,6 +37,8 @@ public:
     /// texts only when no dimension table restricts the values, and then always.
     std::optional<std::uint32_t> NumberOf(std::string_view field, DateFormat format);
     std::string FaultOf(std::string_view field, const TableDefinition& table) const;
+    /// Whether NumberOf accepts the text, of a column without a calendar.
+    bool Takes(std::string_view text) const;
     /// Whether NumberOf accepts any text.
     bool TakesAnyText() const { return !IsCalendar() && tableNames_.empty(); }
 
@@ -46,7 +48,8 @@ public:
 
     /// Assigns codes to dates. Raises EngineError (InvalidData) when the facts have no dates or their dates
     /// span too many years.
-    void NumberDates(const std::vector<std::uint32_t>& facts, const std::string& place);
+    /// `facts` are the facts of each number.
+    void NumberDates(const std::vector<std::uint64_t>& facts, const std::string& place);
     /// Assigns codes to texts: first those in `ordered`, in that order, then all others.
     void NumberTexts(const std::vector<std::uint32_t>& ordered);
     /// The rank of every number in the order of its text.

@@ -37,6 +37,13 @@ std::string_view LineBuffer::LineAt(std::size_t offset) {
     }
 }
 
+void LineBuffer::Restart(std::uint64_t offset) {
+    buffer_.clear();
+    start_ = 0;
+    discarded_ = offset;
+    isAtEnd_ = false;
+}
+
 void LineBuffer::ReadMore() {
     constexpr std::size_t chunkSize = 1 << 16;
     buffer_.erase(0, start_);

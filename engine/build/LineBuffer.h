@@ -24,6 +24,8 @@ public:
     std::string_view First(std::size_t size) const { return std::string_view(buffer_).substr(start_, size); }
     /// Advances the window's start.
     void Drop(std::size_t size) { start_ += size; }
+    /// Continues where the input now stands, `offset` bytes after the file's start.
+    void Restart(std::uint64_t offset);
     /// The window's offset in the file.
     std::uint64_t Position() const { return discarded_ + start_; }
 

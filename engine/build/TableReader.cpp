@@ -12,6 +12,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <utility>
 
 namespace qel::engine {
 
@@ -23,8 +24,16 @@ TableReader::TableReader(const TableDefinition& table, BadLines& badLines, const
         return;
     }
     file_.emplace(table.file, table.format.encoding);
-    records_ = std::make_unique<CsvReader>(file_->Stream(), PathToUtf8(table.file), table.format.delimiter,
+    auto csv = std::make_unique<CsvReader>(file_->Stream(), PathToUtf8(table.file), table.format.delimiter,
                                            file_->Size(), table.format.skipLines);
+    csv_ = csv.get();
+    records_ = std::move(csv);
+}
+
+void TableReader::ContinueAt(std::uint64_t offset, std::uint64_t nextLine, std::uint64_t lines) {
+    file_->SeekTo(offset);
+    csv_->ContinueAt(offset, nextLine);
+    linesRead_ = lines;
 }
 
 std::size_t TableReader::Column(const std::string& name) const {

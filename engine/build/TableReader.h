@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/build/BadLines.h"
+#include "engine/build/CsvReader.h"
 #include "engine/build/DecodedFile.h"
 #include "engine/build/Definition.h"
 #include "engine/build/RecordReader.h"
@@ -46,6 +47,9 @@ public:
     std::string_view Key(std::span<const std::size_t> columns) {
         return columns.size() == 1 ? Field(columns.front()) : JoinedKey(columns);
     }
+    /// Leaves out the lines of a file before `offset`, which were read by a build before: `lines` that could
+    /// be used, up to before line number `nextLine`.
+    void ContinueAt(std::uint64_t offset, std::uint64_t nextLine, std::uint64_t lines);
     /// Reports the current record as unusable.
     void ReportBad(std::span<const std::size_t> columns, const std::string& fault);
 
@@ -67,6 +71,7 @@ private:
     std::string key_;
     std::optional<DecodedFile> file_; ///< of a table that is a file
     std::unique_ptr<RecordReader> records_;
+    CsvReader* csv_ = nullptr; ///< the records of a file
     std::uint64_t linesRead_ = 0, linesSkipped_ = 0;
 };
 

@@ -4,23 +4,14 @@
 
 #include <algorithm>
 #include <bit>
-#include <limits>
+#include <span>
+#include <vector>
 
 namespace qel::engine {
 
 namespace {
 
 using format::SectionKind;
-
-constexpr std::uint8_t narrowWidth = 4, wideWidth = 8;
-
-std::uint8_t SumWidth(const std::vector<std::int64_t>& sums) {
-    const bool isNarrow = std::all_of(sums.begin(), sums.end(), [](std::int64_t sum) {
-        return sum >= std::numeric_limits<std::int32_t>::min() &&
-               sum <= std::numeric_limits<std::int32_t>::max();
-    });
-    return isNarrow ? narrowWidth : wideWidth;
-}
 
 /// Open addressing over a power of two of slots, as in NameIndex.h.
 std::vector<std::uint32_t> BuildLookup(const std::vector<Aggregate>& records) {
@@ -41,14 +32,19 @@ public:
     AggregateSections(std::uint32_t cube, CubeFileWriter& writer) : cube_(cube), writer_(writer) {}
 
     template <class T>
-    void Write(SectionKind kind, std::span<const T> values, std::size_t second = 0) {
-        writer_.Begin({static_cast<std::uint32_t>(kind), cube_, 0, static_cast<std::uint32_t>(second)});
+    void Write(SectionKind kind, std::span<const T> values) {
+        writer_.Begin({static_cast<std::uint32_t>(kind), cube_, 0, 0});
         writer_.Append(std::as_bytes(values));
         writer_.End();
     }
     template <class T>
-    void Write(SectionKind kind, const std::vector<T>& values, std::size_t second = 0) {
-        Write(kind, std::span<const T>(values), second);
+    void Write(SectionKind kind, const std::vector<T>& values) {
+        Write(kind, std::span<const T>(values));
+    }
+    void Write(SectionKind kind, const AppendAggregateColumn& append, std::size_t measure = 0) {
+        writer_.Begin({static_cast<std::uint32_t>(kind), cube_, 0, static_cast<std::uint32_t>(measure)});
+        append(kind, measure);
+        writer_.End();
     }
 
 private:
@@ -59,7 +55,7 @@ private:
 } // namespace
 
 void WriteAggregates(const AggregateModel& aggregates, const CubeModel& model, std::uint32_t cube,
-                     CubeFileWriter& writer) {
+                     CubeFileWriter& writer, const AppendAggregateColumn& append) {
     AggregateSections sections(cube, writer);
     ByteWriter description;
     description.Put(aggregates.blockBits);
@@ -72,25 +68,16 @@ void WriteAggregates(const AggregateModel& aggregates, const CubeModel& model, s
     }
     description.Put(static_cast<std::uint32_t>(aggregates.records.size()));
     description.Put(aggregates.rows);
-    description.Put(std::uint64_t{aggregates.packedKeys.size()});
-    description.Put(aggregates.prefixStarts.back());
+    description.Put(aggregates.packedKeyCount);
+    description.Put(aggregates.prefixSumCount);
     const bool hasCounts =
         std::any_of(model.measures.begin(), model.measures.end(),
                     [](const Measure& measure) { return measure.function == AggregateFunction::Count; });
     description.Put(static_cast<std::uint8_t>(hasCounts));
     for (std::size_t i = 0; i < model.measures.size(); ++i) {
-        if (model.measures[i].function == AggregateFunction::Count) {
-            description.Put(std::uint8_t{0});
-            continue;
-        }
-        const std::uint8_t width = SumWidth(aggregates.sums[i]);
-        description.Put(width);
-        if (width == wideWidth) {
-            sections.Write(SectionKind::PrefixSums, aggregates.sums[i], i);
-        } else {
-            sections.Write(SectionKind::PrefixSums,
-                           std::vector<std::int32_t>(aggregates.sums[i].begin(), aggregates.sums[i].end()),
-                           i);
+        description.Put(aggregates.sumWidths[i]);
+        if (aggregates.sumWidths[i] != 0) {
+            sections.Write(SectionKind::PrefixSums, append, i);
         }
     }
     sections.Write(SectionKind::AggregateDescription, description.Bytes());
@@ -99,11 +86,11 @@ void WriteAggregates(const AggregateModel& aggregates, const CubeModel& model, s
     sections.Write(SectionKind::GroupRanges, aggregates.groupRanges);
     sections.Write(SectionKind::AggregateRecords, aggregates.records);
     sections.Write(SectionKind::AggregateLookup, BuildLookup(aggregates.records));
-    sections.Write(SectionKind::PackedKeys, aggregates.packedKeys);
-    sections.Write(SectionKind::BucketMasks, aggregates.bucketMasks);
-    sections.Write(SectionKind::PrefixStarts, aggregates.prefixStarts);
+    sections.Write(SectionKind::PackedKeys, append);
+    sections.Write(SectionKind::BucketMasks, append);
+    sections.Write(SectionKind::PrefixStarts, append);
     if (hasCounts) {
-        sections.Write(SectionKind::PrefixCounts, aggregates.counts);
+        sections.Write(SectionKind::PrefixCounts, append);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <xxhash.h>
 
 #include <algorithm>
+#include <stdexcept>
 #include <unordered_set>
 
 namespace qel::engine {
@@ -256,12 +257,95 @@ void CubeFileWriter::Emit(std::span<const std::byte> bytes) {
 }
 
 void CubeFileWriter::FinishPage() {
-    // The checksum of page 0 leaves out the header, which is written last.
-    const std::size_t skip = flushed_ == 0 ? sizeof(format::Header) : 0;
-    checksums_.push_back(XXH3_64bits(page_.data() + skip, page_.size() - skip));
-    file_.Append(page_);
+    const std::uint64_t number = flushed_ / format::pageSize;
+    checksums_.resize(static_cast<std::size_t>(number) + 1);
+    StorePage(number, page_);
     flushed_ += page_.size();
     page_.clear();
+}
+
+void CubeFileWriter::StorePage(std::uint64_t number, std::span<const std::byte> bytes) {
+    // The checksum of page 0 leaves out the header, which is written last.
+    const std::size_t skip = number == 0 ? sizeof(format::Header) : 0;
+    checksums_[static_cast<std::size_t>(number)] = XXH3_64bits(bytes.data() + skip, bytes.size() - skip);
+    file_.WriteAt(number * format::pageSize, bytes);
+}
+
+void CubeFileWriter::StorePart(std::uint64_t position, std::span<const std::byte> bytes) {
+    if (bytes.empty()) {
+        return;
+    }
+    const std::lock_guard lock(mutex_);
+    SharedPage& page = sharedPages_[position / format::pageSize];
+    page.bytes.resize(format::pageSize);
+    std::copy(bytes.begin(), bytes.end(),
+              page.bytes.begin() + static_cast<std::ptrdiff_t>(position % format::pageSize));
+    page.filled += bytes.size();
+    if (page.filled == format::pageSize) {
+        StorePage(position / format::pageSize, page.bytes);
+        sharedPages_.erase(position / format::pageSize);
+    }
+}
+
+void ParallelSection::Append(std::span<const std::byte> bytes) {
+    if (bytes.size() > end_ - position_) {
+        throw std::logic_error("a section of the cube file is too small");
+    }
+    while (!bytes.empty()) {
+        const std::uint64_t pageEnd = (position_ / format::pageSize + 1) * format::pageSize;
+        const auto room = static_cast<std::size_t>(std::min(pageEnd, end_) - position_);
+        const std::size_t part = std::min(bytes.size(), room);
+        page_.insert(page_.end(), bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(part));
+        bytes = bytes.subspan(part);
+        position_ += part;
+        if (part != room) {
+            return;
+        }
+        if (page_.size() == format::pageSize) {
+            writer_->StorePage(position_ / format::pageSize - 1, page_);
+        } else {
+            writer_->StorePart(position_ - page_.size(), page_);
+        }
+        page_.clear();
+    }
+}
+
+std::vector<ParallelSection> CubeFileWriter::BeginTogether(std::span<const SizedSection> sections) {
+    std::vector<ParallelSection> together;
+    std::uint64_t position = Position();
+    const auto makeRoom = [&] {
+        checksums_.resize(static_cast<std::size_t>(position / format::pageSize) + 1);
+    };
+    makeRoom();
+    StorePart(flushed_, page_);
+    const std::vector<std::byte> zeros(format::sectionAlignment);
+    for (const SizedSection& section : sections) {
+        const std::uint64_t padding =
+            (format::sectionAlignment - position % format::sectionAlignment) % format::sectionAlignment;
+        if (padding != 0) {
+            StorePart(position, std::span(zeros).first(static_cast<std::size_t>(padding)));
+        }
+        position += padding;
+        directory_.push_back({section.id, position, section.size});
+        together.emplace_back(*this, position, section.size);
+        position += section.size;
+        makeRoom();
+    }
+    endTogether_ = position;
+    return together;
+}
+
+void CubeFileWriter::EndTogether() {
+    const auto rest = static_cast<std::size_t>(endTogether_ % format::pageSize);
+    flushed_ = endTogether_ - rest;
+    SharedPage& last = sharedPages_[flushed_ / format::pageSize];
+    if (last.filled != rest || sharedPages_.size() != 1) {
+        throw std::logic_error("a section of the cube file is incomplete");
+    }
+    last.bytes.resize(rest);
+    page_.assign(last.bytes.begin(), last.bytes.end());
+    sharedPages_.clear();
+    checksums_.resize(static_cast<std::size_t>(flushed_ / format::pageSize));
 }
 
 const std::filesystem::path& CubeFileWriter::Complete() {
@@ -278,7 +362,7 @@ const std::filesystem::path& CubeFileWriter::Complete() {
     const auto directory = AsBytes(directory_);
     std::vector<std::byte> tail(checksums.begin(), checksums.end());
     tail.insert(tail.end(), directory.begin(), directory.end());
-    file_.Append(tail);
+    file_.WriteAt(flushed_, tail);
 
     format::Header header = {};
     header.signature = format::signature;
@@ -290,7 +374,7 @@ const std::filesystem::path& CubeFileWriter::Complete() {
     header.directoryEntries = static_cast<std::uint32_t>(directory_.size());
     header.tailChecksum = XXH3_64bits(tail.data(), tail.size());
     header.headerChecksum = XXH3_64bits(&header, format::headerChecksumOffset);
-    file_.Overwrite(0, std::as_bytes(std::span(&header, 1)));
+    file_.WriteAt(0, std::as_bytes(std::span(&header, 1)));
     file_.Finish();
     fileSize_ = header.fileSize;
     return file_.TemporaryPath();

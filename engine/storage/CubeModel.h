@@ -59,7 +59,7 @@ struct ProjectionModel {
     std::vector<std::uint64_t> leadRows; ///< one more than the leading key has codes
 };
 
-/// The aggregates of a cube, without the rows of row aggregates, which are written like a sort order.
+/// The aggregates of a cube, without their long columns.
 struct AggregateModel {
     std::vector<AggregateTable::PackedKeyColumn> packedKeyColumns; ///< from the highest bits down
     std::uint8_t blockBits = 0;
@@ -69,11 +69,9 @@ struct AggregateModel {
     std::vector<KeyRange> groupRanges;
     std::vector<Aggregate> records;
     std::uint64_t rows = 0; ///< of all row aggregates
-    std::vector<std::uint32_t> packedKeys;
-    std::vector<std::uint64_t> bucketMasks;
-    std::vector<std::uint32_t> prefixStarts{0};  ///< one more than there are packed keys
-    std::vector<std::vector<std::int64_t>> sums; ///< by measure; empty for a count
-    std::vector<std::uint32_t> counts;           ///< empty when no measure counts
+    std::uint64_t packedKeyCount = 0;
+    std::uint32_t prefixSumCount = 0;
+    std::vector<std::uint8_t> sumWidths; ///< by measure: 4, 8, or 0 for a count
 
     CodeGroups Groups() const { return {groupStarts, groupRanges}; }
 };

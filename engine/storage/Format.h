@@ -88,6 +88,9 @@ enum class SectionKind : std::uint32_t {
     DetailCodes = 0x80000013U,   ///< second: detail
     DetailOffsets = 0x80000014U, ///< second: detail
     DetailTexts = 0x80000015U,   ///< second: detail
+    // For a build that goes on from this one.
+    KeptDescription = 0x80000016U,
+    KeptFacts = 0x80000017U,
 };
 
 /// Readers skip unknown kinds from here on. An unknown kind below means a newer file format.

@@ -1,12 +1,12 @@
 #include "workbook/cells/SheetCalls.h"
 
+#include "function/formula/ComputedArgument.h"
 #include "function/formula/FormulaError.h"
 #include "function/formula/ParseFormula.h"
 #include "function/formula/WrittenCalls.h"
 #include "platform/value/AutomationError.h"
 #include "platform/value/CellValues.h"
 #include "text/CaseFold.h"
-#include "workbook/cells/ComputedArgument.h"
 
 #include <fmt/format.h>
 

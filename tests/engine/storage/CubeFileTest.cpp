@@ -338,7 +338,7 @@ TEST(CubeFile, InconsistentContentsAreFound) {
         {"rows that nothing stores, more than the cube has",
          [](auto& c) {
              c.model.measures = {{{"Lines", "Lines", AggregateFunction::Count, 0}, 0, 1}};
-             c.aggregates = AggregateModel();
+             c.aggregates = StoredAggregates();
              c.aggregates.timeBuckets = {0, 1};
              c.aggregates.records = {{{}, 0, 0, std::uint64_t{1} << 40U}};
              c.aggregates.rows = std::uint64_t{1} << 40U;

@@ -127,7 +127,7 @@ void AddAggregates(SmallCube& cube, std::uint32_t ends, bool haveFacts) {
     for (ProjectionModel& projection : cube.model.projections) {
         projection.leadRows.resize(codes + 1, cube.model.rowCount);
     }
-    AggregateModel& aggregates = cube.aggregates;
+    StoredAggregates& aggregates = cube.aggregates;
     aggregates.packedKeyColumns[0].bits = 8;
     const Aggregate ofAll = aggregates.records.front();
     aggregates.records.clear();

@@ -46,6 +46,30 @@ HierarchyModel MakeFirms() {
 
 } // namespace
 
+void StoredAggregates::Write(const CubeModel& model, std::uint32_t cube, CubeFileWriter& writer) const {
+    AggregateModel described = static_cast<const AggregateModel&>(*this);
+    described.packedKeyCount = packedKeys.size();
+    described.prefixSumCount = prefixStarts.back();
+    for (const MeasureColumn& measure : model.measures) {
+        described.sumWidths.push_back(measure.width == 0 ? 0 : sizeof(std::int32_t));
+    }
+    WriteAggregates(described, model, cube, writer, [&](format::SectionKind kind, std::size_t measure) {
+        const auto append = [&](const auto& values) { writer.Append(std::as_bytes(std::span(values))); };
+        switch (kind) {
+        case format::SectionKind::PackedKeys:
+            return append(packedKeys);
+        case format::SectionKind::BucketMasks:
+            return append(bucketMasks);
+        case format::SectionKind::PrefixStarts:
+            return append(prefixStarts);
+        case format::SectionKind::PrefixCounts:
+            return append(counts);
+        default:
+            append(sums[measure]);
+        }
+    });
+}
+
 SmallCube::SmallCube() {
     model.name = model.caption = "Small";
     model.dimensions = {{"Accounts", "Accounts", false, {MakeAccounts()}},
@@ -142,7 +166,7 @@ void SmallCube::AddTo(CubeFileWriter& writer) const {
     if (!hasAggregates) {
         return;
     }
-    WriteAggregates(aggregates, model, cube, writer);
+    aggregates.Write(model, cube, writer);
     using format::SectionKind;
     writer.Begin({static_cast<std::uint32_t>(SectionKind::AggregatePackedColumns), cube, 0, 1});
     writer.Append(std::as_bytes(std::span(aggregateFirms)));

@@ -10,6 +10,17 @@
 
 namespace qel::engine {
 
+/// Aggregates with their long columns.
+struct StoredAggregates : AggregateModel {
+    std::vector<std::uint32_t> packedKeys;
+    std::vector<std::uint64_t> bucketMasks;
+    std::vector<std::uint32_t> prefixStarts{0};
+    std::vector<std::vector<std::int32_t>> sums; ///< by measure; empty for a count
+    std::vector<std::uint32_t> counts;
+
+    void Write(const CubeModel& model, std::uint32_t cube, CubeFileWriter& writer) const;
+};
+
 /// Two accounts in one group, two firms, three facts: made by hand, so that a test can damage any part and
 /// still write it with valid checksums.
 struct SmallCube {
@@ -18,7 +29,7 @@ struct SmallCube {
     std::vector<std::vector<std::vector<std::uint8_t>>> keys;
     std::vector<std::vector<std::int8_t>> values;
     /// All facts as prefix sums by firm with a coarser aggregate, and those of account 1 as rows.
-    AggregateModel aggregates;
+    StoredAggregates aggregates;
     std::vector<std::uint8_t> aggregateFirms;
     std::vector<std::int8_t> aggregateValues;
     bool hasAggregates = true;
