@@ -14,9 +14,9 @@ namespace qel::batch {
 
 namespace {
 
+using ModSetCube::AppendMember;
 using ModSetCube::ObsMembers;
 using ModSetCube::PeriodSpan;
-using ModSetCube::QueryMember;
 using ModSetCube::ValueQuery;
 
 constexpr std::size_t mostColumns = 60;

@@ -140,7 +140,7 @@ std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePe
     for (const std::size_t threads : {std::size_t{1}, std::size_t{2}}) {
         const double perSecond = all.FormulasPerSecond(threads, options.rounds);
         report.Number(fmt::format("threads {} per second", threads), perSecond);
-        fmt::print("  formulas per second (elapsed), {} threads: {:.0f}\n", threads, perSecond);
+        fmt::print("  formulas per second by the clock, {} threads: {:.0f}\n", threads, perSecond);
     }
 
     PrintListings(options, data, cube, report);

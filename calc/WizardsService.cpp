@@ -119,8 +119,10 @@ void WizardsService::ShowLines() {
         OwnNeeds own(this, locale);
         const auto cell = office::ChosenFormulaCellOf(document);
         const auto book = office::WorkbookOf(context_, document);
-        ShowLinesOfCell(ContextOf(own, providers),
-                        {.cell = cell.get(), .book = *book, .fullPath = CubePathsOf(document)});
+        ShowLinesOfCell(ContextOf(own, providers), {.cell = cell.get(),
+                                                    .sheet = book->ActiveSheetName(),
+                                                    .book = *book,
+                                                    .fullPath = CubePathsOf(document)});
     });
 }
 

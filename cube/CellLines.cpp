@@ -31,10 +31,12 @@ std::string ReturnedColumn(const std::string& column) {
 std::string ReturnClause(const ValueQuery& query, const LinesRequest& request) {
     std::string text;
     bool hasAmount = request.columns.empty();
-    for (const std::string& column : request.columns) {
+    for (const std::string& asked : request.columns) {
+        const std::string column(Trimmed(asked));
         text += (text.empty() ? " RETURN " : ", ") + ReturnedColumn(column);
         hasAmount = hasAmount || EqualIgnoringCase(column, query.measure) ||
-                    EqualIgnoringCase(column, "[Measures].[" + query.measure + "]");
+                    EqualIgnoringCase(column, Bracketed(query.measure)) ||
+                    EqualIgnoringCase(column, "[Measures]." + Bracketed(query.measure));
     }
     return hasAmount ? text : text + ", [Measures]." + Bracketed(query.measure);
 }

@@ -20,6 +20,7 @@ bool IsOpen(const std::shared_ptr<Connection>& connection) {
 void ForgetData(ThreadState& thread) {
     thread.datesAreCurrent = false;
     thread.obsMembers.Clear();
+    thread.knownCells.Clear();
 }
 
 } // namespace
@@ -72,6 +73,7 @@ bool EnsureCurrentCubeOpen(ThreadState& thread, const Providers& providers, Open
 void DropConnection(ThreadState& thread) {
     thread.CubeConnection.reset();
     thread.obsMembers.Clear();
+    thread.knownCells.Clear();
 }
 
 std::unique_ptr<Catalog> OpenCatalog(const ThreadState& thread) {

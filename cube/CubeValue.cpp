@@ -4,6 +4,8 @@
 #include "cube/ValueStatement.h"
 #include "support/ClTimming.h"
 
+#include <utility>
+
 namespace qel::ModSetCube {
 
 namespace {
@@ -64,6 +66,25 @@ CellAnswer ReadCell(const ThreadState& thread, const Providers& providers, const
     const std::string statement = ComposeValueStatement(query);
     providers.Sending(statement);
     return ReadCell({*thread.provider, thread.CubeConnection}, statement);
+}
+
+std::optional<CellAnswer> ReadKnownCell(const PreparedCell& cell) {
+    try {
+        return cell.Value();
+    } catch (const AutomationError&) {
+        return std::nullopt;
+    }
+}
+
+CellAnswer ReadCellAndKeep(ThreadState& thread, const Providers& providers, const ValueQuery& query,
+                           std::string key) {
+    auto cell = providers.observer == nullptr ? thread.CubeConnection->Prepare(InParts(query)) : nullptr;
+    auto answer = cell ? ReadKnownCell(*cell) : std::nullopt;
+    if (!answer) {
+        return ReadCell(thread, providers, query);
+    }
+    thread.knownCells.Keep(std::move(key), std::move(cell));
+    return std::move(*answer);
 }
 
 CubeValue ValueOf(CellAnswer answer) {

@@ -35,6 +35,13 @@ CellAnswer ReadCell(const ProviderConnection& server, const std::string& stateme
 /// The query's statement over the open CubeConnection.
 CellAnswer ReadCell(const ThreadState& thread, const Providers& providers, const ValueQuery& query);
 
+/// The same for a call that comes again: prepares the cell, if the provider takes the query and nobody
+/// listens to statements, and keeps it by the call's key.
+CellAnswer ReadCellAndKeep(ThreadState& thread, const Providers& providers, const ValueQuery& query,
+                           std::string key);
+/// A kept cell. Nothing when it fails: what was kept is of no use then.
+std::optional<CellAnswer> ReadKnownCell(const PreparedCell& cell);
+
 CubeValue ValueOf(CellAnswer answer);
 
 /// GetCubeValue: the three together. Raises nothing.

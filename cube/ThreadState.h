@@ -1,5 +1,6 @@
 #pragma once
 
+#include "cube/KnownCells.h"
 #include "cube/ObsMemory.h"
 #include "platform/data/DataAccess.h"
 
@@ -31,8 +32,9 @@ struct ThreadState {
     OpenedCube connected;                       ///< what CubeConnection was last opened on, by any object
     DateTable dates;                            ///< of the cube that the last version check saw
     bool datesAreCurrent =
-        false;            ///< `dates` were loaded since CubeConnection was last opened or got new data
-    ObsMemory obsMembers; ///< of the cube that CubeConnection is open on
+        false;             ///< `dates` were loaded since CubeConnection was last opened or got new data
+    ObsMemory obsMembers;  ///< of the cube that CubeConnection is open on
+    KnownCells knownCells; ///< likewise
 };
 
 } // namespace qel::ModSetCube

@@ -13,10 +13,6 @@ constexpr std::string_view costCenters = "Cost_Centers";
 /// How a call says that it has no OBS number.
 constexpr std::string_view noNumber{"\0", 1};
 
-std::string Restriction(std::string_view key) {
-    return IsUnrestricted(key) ? std::string() : std::string(Trimmed(key));
-}
-
 std::string TrimmedKey(const Variant& key, const Locale& locale) {
     std::string text = ToText(key, locale);
     Trim(text);
@@ -36,16 +32,21 @@ ObsPart PartOf(std::string_view level) {
     return level == costCenters ? ObsPart::CostCenter : ObsPart::LevelMember;
 }
 
-/// Compared as it stands: with blanks around it, "All" is a level's name.
-std::string SummaryLevelOf(const std::string& level) {
-    return Trimmed(level).empty() || EqualIgnoringCase(level, everything) ? std::string() : level;
+} // namespace
+
+std::string_view RestrictionOf(std::string_view key) {
+    return IsUnrestricted(key) ? std::string_view() : Trimmed(key);
 }
 
-} // namespace
+/// Compared as it stands: with blanks around it, "All" is a level's name.
+std::string_view SummaryLevelOf(std::string_view level) {
+    return Trimmed(level).empty() || EqualIgnoringCase(level, everything) ? std::string_view() : level;
+}
 
 bool IsUnrestricted(std::string_view key) {
     const std::string_view trimmed = Trimmed(key);
-    return trimmed.empty() || EqualIgnoringCase(trimmed, everything);
+    // No letter of another length becomes one of these.
+    return trimmed.empty() || (trimmed.size() == everything.size() && EqualIgnoringCase(trimmed, everything));
 }
 
 ValueQuery QueryOf(const ValueCall& call, const ValueKeys& keys, const Locale& locale) {
@@ -54,18 +55,18 @@ ValueQuery QueryOf(const ValueCall& call, const ValueKeys& keys, const Locale& l
     query.measure = Trimmed(call.Measure);
     query.summaryLevel = SummaryLevelOf(call.Summary_Group);
     query.summaryMember = Trimmed(call.Seif_level);
-    query.plbs = Restriction(call.Plbs);
-    query.rh = Restriction(call.RH);
-    query.firma = Restriction(call.Firma);
-    query.openingBalance = Restriction(call.Opening_Balance);
-    query.moneySet = Restriction(call.MoneySet);
-    query.accounts = Restriction(call.Accounts);
+    query.plbs = RestrictionOf(call.Plbs);
+    query.rh = RestrictionOf(call.RH);
+    query.firma = RestrictionOf(call.Firma);
+    query.openingBalance = RestrictionOf(call.Opening_Balance);
+    query.moneySet = RestrictionOf(call.MoneySet);
+    query.accounts = RestrictionOf(call.Accounts);
     query.obsName = TrimmedKey(keys.ObsName, locale);
     query.obsNumber = NumberOf(keys.ObsNum, locale);
     query.obsLevel = TrimmedKey(keys.ObsLevel, locale);
     query.obsPart = PartOf(query.obsLevel);
     query.obsMember = TrimmedKey(keys.ObsMember, locale);
-    query.activity = Restriction(ToText(keys.ActivityList, locale));
+    query.activity = RestrictionOf(ToText(keys.ActivityList, locale));
     return query;
 }
 

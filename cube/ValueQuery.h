@@ -46,6 +46,11 @@ struct ValueQuery {
     auto operator<=>(const ValueQuery&) const = default;
 };
 
+/// The key trimmed; empty when it restricts nothing.
+std::string_view RestrictionOf(std::string_view key);
+/// The level as a query has it; empty for all groups.
+std::string_view SummaryLevelOf(std::string_view level);
+
 /// True for a key that restricts nothing: "All" in any letter case, or nothing, blanks aside.
 bool IsUnrestricted(std::string_view key);
 

@@ -2,7 +2,9 @@
 
 #include "text/Text.h"
 
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 
 namespace qel::ModSetCube {
 
@@ -33,6 +35,11 @@ QueryMember ObsMember(const ValueQuery& query) {
         member.names[member.nameCount++] = *query.obsNumber;
     }
     return member;
+}
+
+/// All summary groups together are the hierarchy's own default.
+QueryMember RowMember(const ValueQuery& query) {
+    return SummaryMember(query).value_or(QueryMember{summaryHierarchy, {}, 0});
 }
 
 std::size_t LengthOf(const ObsMembers& members) {
@@ -104,6 +111,25 @@ std::string MemberSlicer(std::string_view dimension, std::string_view key) {
     return slicer;
 }
 
+CellQuery InParts(const ValueQuery& query) {
+    CellQuery parts;
+    parts.cube = query.cubeName;
+    parts.measure = query.measure;
+    parts.periods = "[Date]";
+    parts.lastPeriod = query.span.last;
+    parts.periodCount = query.span.count;
+    if (query.obsPart == ObsPart::LevelMember) {
+        parts.summed = "[Obs]";
+        parts.summedMembers = query.obsMembers.get();
+    }
+    const SlicerMembers slicer(query);
+    parts.members.reserve(static_cast<std::size_t>(slicer.end() - slicer.begin()) + 1);
+    parts.members.push_back(RowMember(query));
+    std::copy_if(slicer.begin(), slicer.end(), std::back_inserter(parts.members),
+                 [](const QueryMember& member) { return member.nameCount > 0; });
+    return parts;
+}
+
 std::string ComposeValueStatement(const ValueQuery& query) {
     std::string text;
     text.reserve(usualLength + (query.obsMembers ? LengthOf(*query.obsMembers) : 0));
@@ -115,7 +141,7 @@ std::string ComposeValueStatement(const ValueQuery& query) {
         AppendObsSel(text, *query.obsMembers);
     }
     text += " SELECT  { [Date].DateSel} ON COLUMNS,  { ";
-    AppendMember(text, SummaryMember(query).value_or(QueryMember{summaryHierarchy, {}, 0}));
+    AppendMember(text, RowMember(query));
     text.append(" }ON ROWS  From ").append(query.cubeName).append(" where (  ");
     const SlicerMembers slicer(query); // never empty: the OBS name is always there
     for (const QueryMember& member : slicer) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "cube/ValueQuery.h"
+#include "platform/data/CellQuery.h"
 
 #include <array>
 #include <cstddef>
@@ -9,13 +10,6 @@
 #include <string_view>
 
 namespace qel::ModSetCube {
-
-/// A member as a statement names it: a path, and the names below it. It views into its query.
-struct QueryMember {
-    std::string_view path; ///< "[Accounts].[AccountCodes].[All]"
-    std::array<std::string_view, 2> names;
-    std::size_t nameCount = 0; ///< 0 for the calculated member [Obs].Sel
-};
 
 /// The members of the where tuple, in their order.
 class SlicerMembers {
@@ -44,6 +38,9 @@ void AppendObsSel(std::string& text, const ObsMembers& members);
 
 /// "[dimension].[member]" as the where tuple has it, or empty when the key restricts nothing.
 std::string MemberSlicer(std::string_view dimension, std::string_view key);
+
+/// The same query in parts, for providers that take it so. It views into the query.
+CellQuery InParts(const ValueQuery& query);
 
 /// The statement exactly as it is sent.
 std::string ComposeValueStatement(const ValueQuery& query);

@@ -1,5 +1,6 @@
 #include "files/AtomicFile.h"
 
+#include "files/FolderNames.h"
 #include "files/TemporaryFile.h"
 #include "files/WrittenFile.h"
 #include "text/Utf8Path.h"
@@ -9,7 +10,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <system_error>
-#include <vector>
 
 namespace qel {
 
@@ -26,18 +26,12 @@ bool IsTemporaryOf(const std::string& target, const std::string& name) {
 }
 
 void RemoveAbandoned(const fs::path& target) {
-    std::vector<fs::path> found;
-    std::error_code failed;
     const std::string name = PathToUtf8(target.filename());
     const fs::path folder = target.has_parent_path() ? target.parent_path() : fs::path(".");
-    for (fs::directory_iterator entry(folder, failed), end; !failed && entry != end;
-         entry.increment(failed)) {
-        if (IsTemporaryOf(name, PathToUtf8(entry->path().filename()))) {
-            found.push_back(entry->path());
+    for (const fs::path& found : NamesInFolder(folder)) {
+        if (IsTemporaryOf(name, PathToUtf8(found))) {
+            files::RemoveIfAbandoned(folder / found);
         }
-    }
-    for (const fs::path& path : found) {
-        files::RemoveIfAbandoned(path);
     }
 }
 

@@ -123,4 +123,17 @@ Variant FirstKey(const Variant& value, const Locale& locale) {
     return std::move(keys.first);
 }
 
+const std::string* PlainFirstKey(const Variant& value) {
+    static const std::string nothing;
+    if (!value.IsArray()) {
+        return value.Is<std::string>() ? &nothing : nullptr;
+    }
+    const VariantArray& array = *value.As<std::shared_ptr<const VariantArray>>();
+    const bool isPlain = array.elementType == ElementType::Variant && array.bounds.size() == 1 &&
+                         array.elements.size() == 1 &&
+                         array.bounds.front().upper == array.bounds.front().lower &&
+                         array.bounds.front().upper <= largestUpperBound;
+    return isPlain ? std::get_if<std::string>(&array.elements.front().Get()) : nullptr;
+}
+
 } // namespace qel

@@ -2,6 +2,7 @@
 
 #include "platform/value/Variant.h"
 
+#include <string>
 #include <vector>
 
 namespace qel {
@@ -19,5 +20,8 @@ KeyList ArrayToList(const Variant& value, const Locale& locale);
 
 /// Element 0 of ArgToList's list. Raises as ArgToList, for the other elements too.
 Variant FirstKey(const Variant& value, const Locale& locale);
+/// The same when it takes no conversion: the text of a list of one text, or of what gives no key. Null for
+/// anything else.
+const std::string* PlainFirstKey(const Variant& value);
 
 } // namespace qel

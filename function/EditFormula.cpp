@@ -60,8 +60,7 @@ void OrmQelFunction::EditFormula(FormulaCell& cell, const FullPath& fullPath) {
             return Warn(wizards, OwnText(wizards, OwnTextNumber::NoFormulaToEdit));
         }
         const EditedFormula edited{cell, formula, calls.front()};
-        const ArgumentReader reader{[&](const std::string& expression) { return cell.Evaluate(expression); },
-                                    fullPath, context_.locale};
+        const auto reader = ArgumentReader::Of(cell, fullPath, context_.locale);
         IsNameCall(edited.call) ? EditName(wizards, edited, reader) : EditValue(wizards, edited, reader);
     } catch (...) {
         ModError::ReportError(wizards.Messages(), ModError::CurrentError(), "", "EditFormula", "OrmQelFunc");

@@ -3,6 +3,7 @@
 #include "cube/ValueQuery.h"
 #include "function/ArgumentText.h"
 #include "function/FormulaResult.h"
+#include "function/formula/ComputedArgument.h"
 #include "function/formula/FormulaError.h"
 #include "function/formula/ParseFormula.h"
 #include "platform/value/AutomationError.h"
@@ -11,6 +12,9 @@
 #include "wizard/LoadedCube.h"
 
 #include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
 
 namespace qel {
 
@@ -41,12 +45,56 @@ Variant KeysOf(const Variant& value, const Locale& locale) {
     return Variant::List(std::move(keys));
 }
 
+/// The value of the one cell that a reference names; any other value itself.
+const Variant& OnlyCell(const Variant& value) {
+    if (!value.IsArray()) {
+        return value;
+    }
+    const auto& elements = value.As<std::shared_ptr<const VariantArray>>()->elements;
+    return elements.size() == 1 ? elements.front() : value;
+}
+
 std::string TrimmedText(const Variant& value, const Locale& locale) {
     return std::string(Trimmed(ToText(value, locale)));
 }
 
 AutomationDate DateOf(const Variant& value, const Locale& locale) {
     return value.Is<Empty>() ? AutomationDate() : ToDate(value, locale);
+}
+
+/// What an argument that is not a reference by itself is computed to, as far as it is known how.
+std::optional<Variant> Computed(const std::string& argument, const ArgumentReader& reader) {
+    const auto lookUp = [&](const std::string& word) {
+        if (word == argument) { // a reference by itself is a list
+            throw PlatformError(ErrorNumber::TypeMismatch);
+        }
+        return OnlyCell(reader.evaluate(word));
+    };
+    try {
+        return ComputedArgument(argument, lookUp, reader.locale);
+    } catch (const AutomationError&) { // the spreadsheet knows better
+        return std::nullopt;
+    }
+}
+
+/// Empty for an omitted argument; none for one that is no constant.
+std::optional<Variant> ConstantOf(const std::string& argument) {
+    if (argument.empty()) {
+        return Variant();
+    }
+    try {
+        const auto constant = ParseFormula("F(" + argument + ")").arguments;
+        if (constant.size() == 1) {
+            return constant.front().value;
+        }
+    } catch (const FormulaError&) { // NOLINT(bugprone-empty-catch): it is no constant
+    }
+    return std::nullopt;
+}
+
+Variant Evaluated(const std::string& argument, const ArgumentReader& reader) {
+    auto computed = Computed(argument, reader);
+    return computed ? *std::move(computed) : reader.evaluate(argument);
 }
 
 ValueQuery QueryOf(const ValueCall& call, const Locale& locale) {
@@ -68,6 +116,8 @@ std::vector<std::string> ObsMembersOf(const ValueCall& call, const Locale& local
     }
     return members;
 }
+
+bool TakesList(std::size_t argument) { return argument >= Arg::ObsName && argument <= Arg::ActivityList; }
 
 /// The texts of a call, where the arguments have them; null for the others.
 constexpr std::array<std::string ValueCall::*, 18> texts = {&ValueCall::cubeFile,
@@ -111,27 +161,30 @@ constexpr std::array<std::string ValueQuery::*, 18> keys = {nullptr,
 
 } // namespace
 
+ArgumentReader ArgumentReader::Of(const FormulaCell& cell,
+                                  std::function<std::string(const std::string&)> fullPath,
+                                  const Locale& locale) {
+    return {[&cell](const std::string& expression) { return cell.Evaluate(expression); }, std::move(fullPath),
+            locale, cell.TakesTextsAsKeys()};
+}
+
 Variant ArgumentReader::Read(const std::string& argument) const {
-    if (argument.empty()) {
-        return {};
-    }
-    try {
-        const auto constant = ParseFormula("F(" + argument + ")").arguments;
-        if (constant.size() == 1 && constant.front().value) {
-            return *constant.front().value;
-        }
-    } catch (const FormulaError&) { // NOLINT(bugprone-empty-catch): it is no constant
-    }
-    return evaluate(argument);
+    auto constant = ConstantOf(argument);
+    return constant ? *std::move(constant) : Evaluated(argument, *this);
+}
+
+Variant ArgumentReader::ReadValue(const std::string& argument) const {
+    auto constant = ConstantOf(argument);
+    return constant ? *std::move(constant) : OnlyCell(Evaluated(argument, *this));
 }
 
 EditedValueCall::EditedValueCall(std::vector<std::string> arguments, const ArgumentReader& reader)
-    : arguments_(std::move(arguments)), locale_(reader.locale) {
+    : arguments_(std::move(arguments)), locale_(reader.locale), takesTextsAsKeys_(reader.takesTextsAsKeys) {
     arguments_.resize(std::max(arguments_.size(), isFaulty_.size()));
     for (std::size_t i = 0; i < isFaulty_.size(); ++i) {
         Take(i, Variant());
         try {
-            Take(i, reader.Read(arguments_[i]));
+            Take(i, TakesList(i) ? reader.Read(arguments_[i]) : reader.ReadValue(arguments_[i]));
         } catch (const AutomationError&) {
             isFaulty_[i] = true;
         }
@@ -144,6 +197,8 @@ void EditedValueCall::Take(std::size_t argument, const Variant& value) {
         (argument == Arg::FromDate ? call_.From_Date : call_.To_Date) = DateOf(value, locale_);
     } else if (texts[argument] != nullptr) {
         call_.*texts[argument] = TrimmedText(value, locale_);
+    } else if (value.Is<std::string>() && !takesTextsAsKeys_) {
+        call_.*valueCallLists[argument - Arg::ObsName] = value;
     } else {
         call_.*valueCallLists[argument - Arg::ObsName] = KeysOf(value, locale_);
     }
@@ -190,9 +245,16 @@ Selection EditedValueCall::Choices() const {
     return choices;
 }
 
+bool EditedValueCall::IsPlainText(std::size_t argument) const {
+    return TakesList(argument) && (call_.*valueCallLists[argument - Arg::ObsName]).Is<std::string>();
+}
+
 bool EditedValueCall::MeansTheSame(std::size_t argument, const ValueCall& chosen) const {
     const ValueQuery before = QueryOf(call_, locale_), now = QueryOf(chosen, locale_);
     const bool isSameEnd = call_.To_Date == chosen.To_Date;
+    if (IsPlainText(argument)) {
+        return false;
+    }
     switch (argument) {
     case Arg::CubeFile:
         return call_.cubeFile == chosen.cubeFile;
@@ -236,7 +298,7 @@ EditedNameCall::EditedNameCall(std::vector<std::string> arguments, const Argumen
     arguments_.resize(std::max(arguments_.size(), nameArguments));
     for (const std::string& argument : arguments_) {
         try {
-            values_.push_back(TrimmedText(reader.Read(argument), reader.locale));
+            values_.push_back(TrimmedText(reader.ReadValue(argument), reader.locale));
         } catch (const AutomationError&) {
             values_.emplace_back();
         }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/sheet/Spreadsheet.h"
 #include "platform/value/Variant.h"
 #include "wizard/FormulaArgs.h"
 #include "wizard/NamedQueries.h"
@@ -13,13 +14,20 @@ namespace qel {
 
 /// How the arguments of a written call are read.
 struct ArgumentReader {
-    std::function<Variant(const std::string& expression)> evaluate; ///< an ErrorValue for an error
-    std::function<std::string(const std::string& path)> fullPath;   ///< of a cube file, as the sheet means it
-    const Locale& locale;
+    /// As the cell, which outlives the reader, evaluates them.
+    static ArgumentReader Of(const FormulaCell& cell, std::function<std::string(const std::string&)> fullPath,
+                             const Locale& locale);
 
     /// The value of an argument as it is written: a constant's, or that of its expression; Empty for an
-    /// omitted one.
+    /// omitted one, a list for a reference to cells. The spreadsheet evaluates what nothing else can.
     Variant Read(const std::string& argument) const;
+    /// The same of an argument that takes no list: of a reference to one cell, its value.
+    Variant ReadValue(const std::string& argument) const;
+
+    std::function<Variant(const std::string& expression)> evaluate; ///< as FormulaCell
+    std::function<std::string(const std::string& path)> fullPath;   ///< of a cube file, as the sheet means it
+    const Locale& locale;
+    bool takesTextsAsKeys = true; ///< as FormulaCell
 };
 
 /// The arguments of a value formula that is edited. An argument that still means the same when the formula is
@@ -28,7 +36,8 @@ class EditedValueCall {
 public:
     EditedValueCall(std::vector<std::string> arguments, const ArgumentReader& reader);
 
-    /// The values that the arguments have; an argument without one is empty.
+    /// The values that the arguments have; an argument without one is empty. Of the keys, a text that is none
+    /// in this spreadsheet stays a text.
     const ValueCall& Call() const { return call_; }
     /// The arguments without a value that the function takes.
     std::vector<std::size_t> Faulty() const;
@@ -40,10 +49,12 @@ public:
 
 private:
     void Take(std::size_t argument, const Variant& value);
+    bool IsPlainText(std::size_t argument) const;
     bool MeansTheSame(std::size_t argument, const ValueCall& chosen) const;
 
     std::vector<std::string> arguments_;
     const Locale& locale_;
+    bool takesTextsAsKeys_;
     ValueCall call_;
     std::array<bool, std::tuple_size_v<FormulaArgs>> isFaulty_{}; ///< has no value that the function takes
 };

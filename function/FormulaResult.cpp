@@ -10,10 +10,11 @@ namespace {
 
 constexpr std::size_t mostKeys = 32768; // keys are counted in 16 bits
 
+constexpr std::string_view carriedQuote = "\xC2\xA0";
+
 std::string RestoreQuotes(const Variant& key, const Locale& locale) {
-    constexpr std::string_view noBreakSpace = "\xC2\xA0";
     std::string text = ToText(key, locale);
-    return text.find(noBreakSpace) == std::string::npos ? text : ReplaceAll(text, noBreakSpace, "\"");
+    return HoldsCarriedQuotes(text) ? QuotesRestored(text) : text;
 }
 
 } // namespace
@@ -43,6 +44,10 @@ NameCall TextsAfter(NameCall call) {
     Trim(call.CubeName);
     return call;
 }
+
+bool HoldsCarriedQuotes(std::string_view key) { return key.find(carriedQuote) != std::string_view::npos; }
+
+std::string QuotesRestored(std::string_view key) { return ReplaceAll(key, carriedQuote, "\""); }
 
 std::vector<Variant> WithQuotesRestored(std::vector<Variant> keys, const Locale& locale) {
     for (Variant& key : keys) {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace qel {
@@ -30,6 +31,7 @@ struct FormulaResult {
 struct PreparedCall {
     FormulaResult result;                        ///< complete when there is no query
     std::optional<ModSetCube::ValueQuery> query; ///< what to ask for
+    std::string key;                             ///< of the query, see WriteCallKey; empty for none
     bool isForWorksheet = false;                 ///< shows numbers alone
 };
 
@@ -39,6 +41,10 @@ ValueCall TextsAfter(ValueCall call, Reached reached);
 
 /// The same of a name call: cube file and cube name trimmed.
 NameCall TextsAfter(NameCall call);
+
+/// Formulas carry the double quotes of an OBS member as no-break spaces.
+bool HoldsCarriedQuotes(std::string_view key);
+std::string QuotesRestored(std::string_view key);
 
 /// The keys as texts, with double quotes in the place of the no-break spaces by which formulas carry them.
 /// Raises as ToText.

@@ -1,6 +1,8 @@
 #include "function/OrmQelFunction.h"
 
+#include "cube/CallKey.h"
 #include "cube/NameQuery.h"
+#include "function/FirstKeys.h"
 #include "platform/value/Conversion.h"
 #include "platform/value/CurrentFailure.h"
 #include "text/CaseFold.h"
@@ -28,8 +30,30 @@ Elements ElementsOf(const Variant& list, const char* name) {
 
 Variant FirstOf(Elements elements) { return elements.empty() ? Variant() : elements.front(); }
 
+bool IsCubeOf(const ValueCall& call, const ModSetCube::OpenedCube& cube) {
+    return Trimmed(call.CubeName) == cube.cubeName && Trimmed(call.cubeFile) == cube.cubeFile;
+}
+
 ModSetCube::OpenedCube CubeOf(const std::string& cubeFile, const std::string& cubeName) {
     return {std::string(Trimmed(cubeFile)), std::string(Trimmed(cubeName))};
+}
+
+ModSetCube::DayRange DaysOf(const ValueCall& call, const Locale& locale) {
+    return ModSetCube::DaysOf(call.From_Date.IsZero() ? call.To_Date : call.From_Date, call.To_Date, locale);
+}
+
+/// Completes the call with a value that is known without its cell, or gives it the query.
+void Ask(ModSetCube::PreparedValue value, PreparedCall& prepared) {
+    if (value.hasSlicers) {
+        prepared.result.reached = Reached::Slicers;
+    }
+    if (auto* query = std::get_if<ModSetCube::ValueQuery>(&value.content)) {
+        prepared.query = std::move(*query);
+    } else {
+        auto& known = std::get<ModSetCube::CubeValue>(value.content);
+        prepared.result.value = std::move(known.value);
+        prepared.result.failure = std::move(known.failure);
+    }
 }
 
 /// The exception that is being handled, as QelFuncDemo's own trap shows it.
@@ -47,15 +71,15 @@ OrmQelFunction::OrmQelFunction(FunctionContext context) : context_(std::move(con
 
 OrmQelFunction::~OrmQelFunction() { DropConnection(context_.thread); }
 
-PreparedCall OrmQelFunction::PrepareQeLF1(const ValueCall& call) {
-    // A list that cannot be made fails the call itself. Their order says which failure is told.
-    ModSetCube::ValueKeys keys;
-    keys.ObsName = FirstKey(call.ObsName, context_.locale);
-    keys.ObsLevel = FirstKey(call.ObsLevel, context_.locale);
-    const Variant obsMember = FirstKey(call.ObsMember, context_.locale);
-    keys.ActivityList = FirstKey(call.ActivityList, context_.locale);
-    keys.ObsNum = FirstKey(call.ObsNum, context_.locale);
-    PreparedCall prepared = Prepare(call, std::move(keys), {&obsMember, 1});
+PreparedCall OrmQelFunction::PrepareForWorksheet(const ValueCall& call, KnownCell known) {
+    const FirstKeys keys(call, context_.locale); // a list that cannot be made fails the call itself
+    PreparedCall prepared = Prepare(call, [&](PreparedCall& reading) {
+        reading.result.reached = Reached::OpenCube;
+        const auto days = DaysOf(call, context_.locale);
+        if (known == KnownCell::IsLeft || !ReadKnown(call, keys, days, reading)) {
+            Ask(PrepareCubeValue(context_.thread, context_.locale, call, keys.Values(), days), reading);
+        }
+    });
     prepared.isForWorksheet = true;
     if (!prepared.query) {
         prepared.result = ForWorksheet(std::move(prepared.result));
@@ -70,40 +94,51 @@ PreparedCall OrmQelFunction::PrepareQelFuncDemo(const ValueCall& call) {
     keys.ObsLevel = FirstOf(ElementsOf(call.ObsLevel, "arrObsLevel"));
     const Elements obsMembers = ElementsOf(call.ObsMember, "arrObsMember");
     keys.ActivityList = FirstOf(ElementsOf(call.ActivityList, "arrActivityList"));
-    return Prepare(call, std::move(keys), obsMembers);
+    return Prepare(call, [&](PreparedCall& prepared) {
+        const Locale& locale = context_.locale;
+        keys.ObsMember = FirstWithQuotesRestored(obsMembers, locale);
+        prepared.result.reached = Reached::OpenCube;
+        Ask(PrepareCubeValue(context_.thread, locale, call, keys, DaysOf(call, locale)), prepared);
+    });
 }
 
-PreparedCall OrmQelFunction::Prepare(const ValueCall& call, ModSetCube::ValueKeys keys, Elements obsMembers) {
+template <class Steps>
+PreparedCall OrmQelFunction::Prepare(const ValueCall& call, const Steps& steps) {
     const auto& [thread, providers, locale, wizards] = context_;
     PreparedCall prepared;
-    Reached& reached = prepared.result.reached;
     try {
-        auto cube = CubeOf(call.cubeFile, call.CubeName);
+        std::optional<ModSetCube::OpenedCube> other;
+        const auto& cube =
+            IsCubeOf(call, opened_) ? opened_ : other.emplace(CubeOf(call.cubeFile, call.CubeName));
         if (!EnsureCurrentCubeOpen(thread, providers, opened_, cube)) {
             prepared.result.value = outdatedCube;
             return prepared;
         }
-        keys.ObsMember = FirstWithQuotesRestored(obsMembers, locale);
-        reached = Reached::OpenCube;
-        const AutomationDate from = call.From_Date.IsZero() ? call.To_Date : call.From_Date;
-        auto value = ModSetCube::PrepareCubeValue(thread, locale, call, keys,
-                                                  ModSetCube::DaysOf(from, call.To_Date, locale));
-        if (value.hasSlicers) {
-            reached = Reached::Slicers;
-        }
-        opened_ = std::move(cube);
-        if (auto* query = std::get_if<ModSetCube::ValueQuery>(&value.content)) {
-            prepared.query = std::move(*query);
-        } else {
-            auto& known = std::get<ModSetCube::CubeValue>(value.content);
-            prepared.result.value = std::move(known.value);
-            prepared.result.failure = std::move(known.failure);
+        steps(prepared);
+        if (other) {
+            opened_ = std::move(*other);
         }
     } catch (...) {
         DropConnection(thread);
-        prepared.result = Trapped(reached);
+        prepared.result = Trapped(prepared.result.reached);
     }
     return prepared;
+}
+
+bool OrmQelFunction::ReadKnown(const ValueCall& call, const FirstKeys& keys, ModSetCube::DayRange days,
+                               PreparedCall& prepared) {
+    ModSetCube::WriteCallKey(key_, call, keys.Texts(), days);
+    ModSetCube::KnownCells& cells = context_.thread.knownCells;
+    if (const PreparedCell* cell = cells.Find(key_)) {
+        if (auto answer = ModSetCube::ReadKnownCell(*cell)) {
+            prepared.result.reached = Reached::Slicers;
+            prepared.result.value = ModSetCube::ValueOf(std::move(*answer)).value;
+            return true;
+        }
+        cells.Clear(); // the file has changed
+    }
+    prepared.key = key_;
+    return false;
 }
 
 FormulaResult OrmQelFunction::Run(PreparedCall prepared) {
@@ -111,7 +146,9 @@ FormulaResult OrmQelFunction::Run(PreparedCall prepared) {
         return std::move(prepared.result);
     }
     try {
-        auto answer = ReadCell(context_.thread, context_.providers, *prepared.query);
+        auto answer = prepared.key.empty() ? ReadCell(context_.thread, context_.providers, *prepared.query)
+                                           : ReadCellAndKeep(context_.thread, context_.providers,
+                                                             *prepared.query, std::move(prepared.key));
         return Complete(prepared, std::move(answer));
     } catch (...) {
         DropConnection(context_.thread);

@@ -14,6 +14,8 @@
 
 namespace qel {
 
+class FirstKeys;
+
 /// What an object works with; it outlives the object. All objects of a thread share its `thread`.
 struct FunctionContext {
     ModSetCube::ThreadState& thread;
@@ -59,7 +61,7 @@ public:
     /// The two functions without reading the cell, for doors that ask for many cells together; Complete makes
     /// their result of the cell's answer. Raise as the functions.
     PreparedCall PrepareQelFuncDemo(const ValueCall& call);
-    PreparedCall PrepareQeLF1(const ValueCall& call);
+    PreparedCall PrepareQeLF1(const ValueCall& call) { return PrepareForWorksheet(call, KnownCell::IsLeft); }
     FormulaResult Complete(const PreparedCall& prepared, ModSetCube::CellAnswer answer) const;
 
     /// The name of a summary group; "-" on any failure. The same as RetQelName.
@@ -83,15 +85,23 @@ public:
 
 private:
     WizardContext RequireWizards() const;
-    FormulaResult EvalQel(const ValueCall& call) { return Run(PrepareQeLF1(call)); }
-    /// The steps that a failure ends with "#err ". `keys` lack the OBS member, the first of `obsMembers`.
-    PreparedCall Prepare(const ValueCall& call, ModSetCube::ValueKeys keys,
-                         std::span<const Variant> obsMembers);
+    FormulaResult EvalQel(const ValueCall& call) { return Run(PrepareForWorksheet(call, KnownCell::IsRead)); }
+    /// Whether a call that was made before has its known cell read again, which completes it.
+    enum class KnownCell : std::uint8_t { IsRead, IsLeft };
+    PreparedCall PrepareForWorksheet(const ValueCall& call, KnownCell known);
+    /// Opens the call's cube and takes the steps after it, which prepare the call; a failure of any of them
+    /// ends with "#err ".
+    template <class Steps>
+    PreparedCall Prepare(const ValueCall& call, const Steps& steps);
+    /// Completes a call whose cell is known; otherwise gives it the key by which it will be.
+    bool ReadKnown(const ValueCall& call, const FirstKeys& keys, ModSetCube::DayRange days,
+                   PreparedCall& prepared);
     FormulaResult Run(PreparedCall prepared);
     FormulaResult ForWorksheet(FormulaResult result) const;
 
     FunctionContext context_;
     ModSetCube::OpenedCube opened_;
+    std::string key_; ///< of the call at hand
     std::string resQel_;
     std::int16_t iShowDetail_ = 0;
     std::int16_t iLang_ = 0;

@@ -1,12 +1,12 @@
 #include "lang/ModLangFrm.h"
 
+#include "files/FolderNames.h"
 #include "store/ModPublics.h"
 #include "support/ModError.h"
 #include "support/SettingPaths.h"
 #include "text/CaseFold.h"
 #include "text/Utf8Path.h"
 
-#include <filesystem>
 #include <vector>
 
 namespace qel::ModLangFrm {
@@ -19,9 +19,8 @@ std::string LangTableIn(const std::string& folder, char separator) {
     if (FileExists(start + langTableFile)) {
         return start + langTableFile;
     }
-    std::error_code failure; // of a folder that is not there
-    for (const auto& file : std::filesystem::directory_iterator(PathFromSetting(folder), failure)) {
-        const std::string name = PathToUtf8(file.path().filename());
+    for (const auto& file : NamesInFolder(PathFromSetting(folder))) {
+        const std::string name = PathToUtf8(file);
         if (EqualIgnoringCase(name, langTableFile) && FileExists(start + name)) {
             return start + name;
         }

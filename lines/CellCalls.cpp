@@ -23,7 +23,11 @@ std::string IsoDay(AutomationDate date) {
     return fmt::format("{:04}-{:02}-{:02}", day.year, day.month, day.day);
 }
 
+/// A text that is no key has none.
 std::string FirstKeyText(const Variant& list) {
+    if (!list.IsArray()) {
+        return {};
+    }
     const auto& keys = list.As<std::shared_ptr<const VariantArray>>()->elements;
     return keys.empty() ? std::string() : ToText(keys.front(), {});
 }
@@ -31,8 +35,7 @@ std::string FirstKeyText(const Variant& list) {
 } // namespace
 
 CellCalls CallsOf(const FormulaCell& cell, const CubePath& fullPath, const Locale& locale) {
-    const ArgumentReader reader{[&](const std::string& expression) { return cell.Evaluate(expression); },
-                                fullPath, locale};
+    const auto reader = ArgumentReader::Of(cell, fullPath, locale);
     CellCalls calls;
     for (const WrittenCall& written : FindCalls(cell.Formula())) {
         if (IsNameCall(written)) {

@@ -67,6 +67,8 @@ void MakeDates(Rows& rows, std::size_t column, std::size_t length) {
     }
 }
 
+constexpr int mostDecimals = 9;
+
 int DecimalsOf(double number) {
     std::array<char, 512> digits;
     const auto end =
@@ -78,7 +80,6 @@ int DecimalsOf(double number) {
 
 /// The most decimals of a column's numbers; none for a column without numbers.
 std::optional<int> DecimalsOf(const Rows& rows, std::size_t column) {
-    constexpr int mostDecimals = 9;
     std::optional<int> most;
     for (const auto& row : rows) {
         if (row[column].Is<double>()) {
@@ -157,7 +158,7 @@ private:
 
     CellFormat AmountFormat() const {
         const int decimals = behind_.lines.amount ? columns_[*behind_.lines.amount].format.decimals : 2;
-        return {Kind::Number, std::max(decimals, DecimalsOf(behind_.value))};
+        return {Kind::Number, std::max(decimals, std::min(DecimalsOf(behind_.value), mostDecimals))};
     }
 
     std::string Summary() const {

@@ -14,6 +14,8 @@
 #include "wizard/OwnText.h"
 #include "wizard/WizardForm.h"
 
+#include <algorithm>
+
 namespace qel {
 
 namespace {
@@ -21,7 +23,8 @@ namespace {
 namespace Text = OwnTextNumber;
 
 constexpr std::uint64_t mostLines = 100'000;
-constexpr double readingShare = 0.4; ///< of the time; the rest goes into writing
+constexpr std::uint64_t rowsOfHeading = 10; ///< with the captions, and some to spare
+constexpr double readingShare = 0.4;        ///< of the time; the rest goes into writing
 
 /// One person's command.
 class LinesCommand {
@@ -30,7 +33,7 @@ public:
         : context_(context), place_(place), object_({context.thread, context.providers, context.locale}) {}
 
     void Run() {
-        if (!place_.book.CanChange()) { // before the arguments are computed, which takes the cell
+        if (!place_.book.CanReadArguments()) {
             return Tell(Text::ProtectedSheet);
         }
         const CellCalls calls =
@@ -44,7 +47,7 @@ public:
     }
 
     void RunCall(const CellCall& call) {
-        if (!place_.book.CanChange()) {
+        if (!place_.book.CanAddSheet()) {
             return Tell(Text::ProtectedSheet);
         }
         if (!call.faulty.empty()) {
@@ -66,7 +69,7 @@ public:
         if (!prepared.query) { // dates outside those of the cube
             return Tell(Text::NoLines);
         }
-        LinesBehind behind{.cell = place_.book.ActiveSheetName() + '.' + Cell(),
+        LinesBehind behind{.cell = place_.sheet + '.' + Cell(),
                            .call = call.call,
                            .value = ToDouble(result.value, context_.locale)};
         ReadAndWrite(std::move(behind), *prepared.query);
@@ -84,7 +87,8 @@ public:
     void ReadAndWrite(LinesBehind behind, const ModSetCube::ValueQuery& query) {
         std::unique_ptr<LongAction> action;
         const auto begin = [&] { action = place_.book.BeginAction(OwnText(context_, Text::ReadingLines)); };
-        ModSetCube::LinesRequest request{.most = mostLines};
+        ModSetCube::LinesRequest request{.most =
+                                             std::min(mostLines, place_.book.SheetRows() - rowsOfHeading)};
         if (!IsServer(context_,
                       behind.call.cubeFile)) { // a server is waited for with a box, which takes keys
             begin();
@@ -98,8 +102,7 @@ public:
         if (!action) {
             begin();
         }
-        const std::string name =
-            SheetNameFor(place_.book.ActiveSheetName(), Cell(), place_.book.SheetNames());
+        const std::string name = SheetNameFor(place_.sheet, Cell(), place_.book.SheetNames());
         place_.book.AddSheet(ComposeLineSheet(name, std::move(behind), Words()), [&](double share) {
             action->Report(readingShare + share * (1 - readingShare));
         });

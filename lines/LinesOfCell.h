@@ -4,11 +4,14 @@
 #include "platform/sheet/Workbook.h"
 #include "wizard/WizardContext.h"
 
+#include <string>
+
 namespace qel {
 
 /// A cell whose lines are wanted, as its spreadsheet knows it.
 struct LinesPlace {
     FormulaCell* cell; ///< null where no cell is chosen
+    std::string sheet; ///< its name
     Workbook& book;
     CubePath fullPath;
 };

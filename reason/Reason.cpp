@@ -16,8 +16,7 @@ namespace {
 std::string Composed(ReasonCode code, const std::vector<Reason::Field>& fields, std::int16_t language) {
     fmt::dynamic_format_arg_store<fmt::format_context> values;
     for (const Reason::Field& field : fields) {
-        const auto* date = std::get_if<AutomationDate>(&field);
-        values.push_back(date != nullptr ? DayText(*date, language) : std::get<std::string>(field));
+        values.push_back(field.day ? DayText(*field.day, language) : field.text);
     }
     return fmt::vformat(ResourceString(static_cast<std::int32_t>(code), language), values);
 }

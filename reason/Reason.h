@@ -4,8 +4,9 @@
 #include "platform/value/AutomationError.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
-#include <variant>
+#include <utility>
 #include <vector>
 
 namespace qel {
@@ -55,7 +56,17 @@ struct NearestNames {
 
 /// A statement about a formula in plain words, in the languages of the component.
 struct Reason {
-    using Field = std::variant<std::string, AutomationDate>;
+    /// A text, or a day that each language writes in its own way.
+    struct Field {
+        // NOLINTBEGIN(google-explicit-constructor): lists of fields mix texts and days
+        Field(std::string written) : text(std::move(written)) {}
+        Field(const char* written) : text(written) {}
+        Field(AutomationDate date) : day(date) {}
+        // NOLINTEND(google-explicit-constructor)
+
+        std::string text = {};
+        std::optional<AutomationDate> day = {};
+    };
 
     ReasonCode code = ReasonCode::Failure;
     std::vector<Field> fields = {};

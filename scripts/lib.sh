@@ -20,6 +20,7 @@ picture_packages="libreoffice-l10n-he locales nsis" # of a Hebrew office and a H
 style_packages="clang clang-format-16 clang-tidy git"
 windows_packages="g++-mingw-w64-x86-64 g++-mingw-w64-i686 mingw-w64-tools libwine-dev dpkg-dev python3"
 wine_packages="wine wine64 xvfb imagemagick fonts-dejavu-core fonts-dejavu-extra fonts-wine" # a screen for the dialogs
+wine32_packages="wine wine32:i386" # of a room with packages of i386
 command -v npm >/dev/null || windows_packages+=" npm" # SQLite's source for the Windows build comes through it
 package_packages="dpkg-dev nsis python3-markdown git"
 server_packages="openjdk-17-jre-headless libmondrian-java libjetty9-java libservlet-api-java liblog4j1.2-java

@@ -207,6 +207,7 @@ void RibbonObject::ShowLines() {
         const auto cell = windows::ReadFormulaCellOf(active);
         const auto book = windows::ActiveWorkbookOf(application_.Get());
         ShowLinesOfCell(needs.Context(), {.cell = cell.get(),
+                                          .sheet = book->ActiveSheetName(),
                                           .book = *book,
                                           .fullPath = [](const std::string& cubeFile) { return cubeFile; }});
     });

@@ -1,11 +1,16 @@
 #include "store/LocalDb.h"
 
+#include "platform/value/AutomationError.h"
 #include "store/ModAPI.h"
 #include "support/ModError.h"
+
+#include <cstdint>
 
 namespace qel {
 
 namespace {
+
+constexpr std::int32_t pathNotFound = 76;
 
 TableDefinition TableOf(std::string name, std::initializer_list<const char*> texts,
                         std::initializer_list<const char*> dates = {}) {
@@ -34,8 +39,11 @@ TableDefinition QelNameTable() {
 }
 
 std::string LocalDbConnectionText(StoreEnvironment& store) {
-    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + ModAPI::QelFuncMdbPath(store) +
-           ModAPI::localDbFile;
+    const std::string file = ModAPI::QelFuncMdbFile(store, ModAPI::localDbFile);
+    if (file.empty()) {
+        throw AutomationError(pathNotFound, "The folder of the local database is not known");
+    }
+    return "Provider=Microsoft.Jet.OLEDB.4.0;Data Source=" + file;
 }
 
 void CreateLocalDb(StoreEnvironment& store) {

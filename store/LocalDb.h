@@ -11,7 +11,7 @@ TableDefinition DataTblTable();
 /// The name wizard's last choice: 7 columns.
 TableDefinition QelNameTable();
 
-/// The connection text of the local database.
+/// The connection text of the local database. Raises AutomationError where its folder is not known.
 std::string LocalDbConnectionText(StoreEnvironment& store);
 
 /// Creates the local database with its two tables. Every failure is reported, including an existing file,

@@ -40,11 +40,21 @@ std::string QelFuncMdbPath(StoreEnvironment& store) {
     return folder;
 }
 
+std::string QelFuncMdbFile(StoreEnvironment& store, const std::string& fileName) {
+    const std::string folder = QelFuncMdbPath(store);
+    return folder.empty() ? folder : folder + fileName;
+}
+
 std::string GetRegSetting(StoreEnvironment& store, const std::string& valueName) {
     std::string value;
     KeyHandle key = 0;
     if (RegOpen(store, RootKey::CurrentUser, suiteKey, key)) {
-        RegGetString(store, key, valueName, value);
+        try {
+            RegGetString(store, key, valueName, value);
+        } catch (...) { // memory lacks
+            RegClose(store, key);
+            throw;
+        }
         RegClose(store, key);
     }
     return value;

@@ -19,6 +19,10 @@ std::string LocalDbFolder(StoreEnvironment& store);
 /// folder is created, its parents are not. A failure is reported, and the path is returned anyway.
 std::string QelFuncMdbPath(StoreEnvironment& store);
 
+/// A file in that folder; empty when reading the settings failed, so that no file is made in the current
+/// folder.
+std::string QelFuncMdbFile(StoreEnvironment& store, const std::string& fileName);
+
 /// A text value of the suite's registry key; empty when it is missing or not a text.
 std::string GetRegSetting(StoreEnvironment& store, const std::string& valueName);
 

@@ -26,13 +26,14 @@ std::string ReadQelIni(StoreEnvironment& store, const std::string& section, cons
 
 std::int32_t WriteCubIni(StoreEnvironment& store, const std::string& section, const std::string& key,
                          const std::string& value) {
-    return store.profiles.WriteString(section, key, std::string(Trimmed(value)),
-                                      ModAPI::QelFuncMdbPath(store) + cubIniFile);
+    const std::string file = ModAPI::QelFuncMdbFile(store, cubIniFile);
+    return file.empty() ? 0 : store.profiles.WriteString(section, key, std::string(Trimmed(value)), file);
 }
 
 void ReadCubIniSection(StoreEnvironment& store, const std::string& section, std::string& result) {
+    const std::string file = ModAPI::QelFuncMdbFile(store, cubIniFile);
     const std::string entries =
-        store.profiles.ReadSection(section, sectionCapacity, ModAPI::QelFuncMdbPath(store) + cubIniFile);
+        file.empty() ? std::string() : store.profiles.ReadSection(section, sectionCapacity, file);
     const std::string first = entries.substr(0, entries.find('\0'));
     result = first.size() > keyLength ? first.substr(keyLength) : std::string();
 }

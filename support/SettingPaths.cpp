@@ -1,5 +1,6 @@
 #include "support/SettingPaths.h"
 
+#include "files/FolderNames.h"
 #include "support/Wildcard.h"
 #include "text/CaseFold.h"
 #include "text/Text.h"
@@ -33,10 +34,10 @@ std::vector<fs::path> FilesMatching(const fs::path& pattern) {
     std::vector<fs::path> found;
     const fs::path folder = pattern.has_parent_path() ? pattern.parent_path() : fs::path(".");
     const std::string namePattern = NameOf(pattern);
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+    for (const fs::path& name : NamesInFolder(folder)) {
         std::error_code ignored;
-        if (entry.is_regular_file(ignored) && MatchesWildcard(NameOf(entry.path()), namePattern)) {
-            found.push_back(entry.path());
+        if (MatchesWildcard(NameOf(name), namePattern) && fs::is_regular_file(folder / name, ignored)) {
+            found.push_back(folder / name);
         }
     }
     return found;

@@ -26,9 +26,9 @@ MAY_INCLUDE = {
     "platform/settings/files": "text files platform/value ..",
     "platform/*/*": "text platform/value .. platform/windows platform/office",  # an adapter, below its port
     "platform/*": "text platform/value",
-    "support": PORTS,
+    "support": f"{PORTS} files",
     "store": f"{PORTS} support",
-    "lang": f"{PORTS} support store",
+    "lang": f"{PORTS} files support store",
     "cube": f"{PORTS} support",
     "wizard": f"{PORTS} support store lang cube",
     "wizard/servers": f"{PORTS} platform/data/waiting platform/data/xmla support lang cube wizard",

@@ -5,6 +5,7 @@
 #include "text/Text.h"
 #include "why/WhyFormDesign.h"
 #include "wizard/CubeFileChoice.h"
+#include "wizard/OwnText.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -37,7 +38,8 @@ DoubtedCalls::DoubtedCalls(const CellCalls& calls) : values_(calls.values) {
 
 WhyForm::WhyForm(const WizardContext& context, WhyPlace place, DoubtedCalls calls, std::size_t call)
     : BesideForm(context, WhyFormDesign()), place_(std::move(place)), calls_(std::move(calls)), call_(call),
-      cellName_(place_.book->ActiveSheetName() + '.' + CellName(place_.cell->Row(), place_.cell->Column())),
+      sheetName_(place_.book->ActiveSheetName()),
+      cellName_(sheetName_ + '.' + CellName(place_.cell->Row(), place_.cell->Column())),
       reasons_(Context().providers, Context().locale) {
     ShowReason();
 }
@@ -93,21 +95,33 @@ ValueReason WhyForm::FindReason() {
 
 void WhyForm::ShowLines() {
     place_.alone([&] {
-        ShowLinesOfCall(Context(), {place_.cell.get(), *place_.book, place_.fullPath},
-                        *calls_.ValueAt(call_));
+        if (ReadAgain() && calls_.ValueAt(call_) != nullptr) {
+            ShowLinesOfCall(Context(), {place_.cell.get(), sheetName_, *place_.book, place_.fullPath},
+                            *calls_.ValueAt(call_));
+        }
     });
 }
 
 void WhyForm::EditFormula() {
     place_.editFormula();
-    const DoubtedCalls edited(CallsOf(*place_.cell, place_.fullPath, Context().locale));
-    if (call_ < edited.Count()) {
-        calls_ = edited;
-        ShowReason();
+    ReadAgain();
+}
+
+bool WhyForm::ReadAgain() {
+    DoubtedCalls now(CallsOf(*place_.cell, place_.fullPath, Context().locale));
+    if (call_ >= now.Count()) {
+        Warn(Context(), OwnText(Context(), OwnTextNumber::NoFormulaOfOurs));
+        return false;
     }
+    calls_ = std::move(now);
+    ShowReason();
+    return true;
 }
 
 void WhyForm::Compare() {
+    if (!ReadAgain()) {
+        return;
+    }
     const FormulaCall& call = calls_.At(call_);
     const std::string file = AskForCubeFile(Form(), Own::FileDialog, CubeFileOf(call));
     if (!file.empty()) {

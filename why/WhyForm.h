@@ -51,6 +51,9 @@ private:
     bool OnLeave(std::string_view /*control*/) override { return true; }
 
     void ShowReason();
+    /// Reads the cell again: the spreadsheet goes on working beside the window. False, with a message, when
+    /// the call is there no more.
+    bool ReadAgain();
     ValueReason FindReason();
     void ShowLines();
     void EditFormula();
@@ -61,6 +64,7 @@ private:
     WhyPlace place_;
     DoubtedCalls calls_;
     std::size_t call_;
+    std::string sheetName_;
     std::string cellName_; ///< "Report.C5"
     ValueReasons reasons_;
     ValueReason reason_;

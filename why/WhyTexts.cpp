@@ -71,8 +71,8 @@ private:
             }
         }
         for (Reason::Field& field : reason.fields) {
-            if (auto* text = std::get_if<std::string>(&field)) {
-                *text = Marked(*text);
+            if (!field.day) {
+                field.text = Marked(field.text);
             }
         }
         for (std::string& name : reason.nearest.names) {

@@ -8,7 +8,7 @@
 namespace qel {
 
 bool HasWizardDatabase(const WizardContext& context) {
-    return FileExists(ModAPI::QelFuncMdbPath(context.Store()) + ModAPI::localDbFile);
+    return FileExists(ModAPI::QelFuncMdbFile(context.Store(), ModAPI::localDbFile));
 }
 
 std::unique_ptr<DatabaseConnection> OpenWizardDatabase(const WizardContext& context) {

@@ -11,7 +11,8 @@ namespace {
 /// last step ends at the end of the block and overlaps the one before, so test must be idempotent.
 template <std::size_t step, class Test>
 QEL_INLINE void InSteps(std::size_t count, const Test& test) {
-    const auto takeStep = [&](std::size_t first) {
+    // A call would cost more than the step, and the compiler decides by what else it compiles.
+    const auto takeStep = [&](std::size_t first) __attribute__((always_inline)) {
         for (std::size_t i = 0; i < step; ++i) {
             test(first + i);
         }
@@ -47,10 +48,11 @@ QEL_INLINE void Between(const std::byte* packed, std::size_t count, std::uint32_
     const auto lowest = static_cast<Packed>(span.first);
     // Unsigned wrap-around: a single comparison tests both ends.
     const auto width = static_cast<Packed>(span.last - span.first);
-    ForEachRow(count, [&](std::size_t i) {
-        const auto distance = static_cast<Packed>((ReadAt<Packed>(packed, i) & under) - lowest);
-        join(i, static_cast<std::uint8_t>(distance <= width));
-    });
+    ForEachRow(
+        count, [&](std::size_t i) __attribute__((always_inline)) {
+            const auto distance = static_cast<Packed>((ReadAt<Packed>(packed, i) & under) - lowest);
+            join(i, static_cast<std::uint8_t>(distance <= width));
+        });
 }
 
 template <class Join>
@@ -108,14 +110,20 @@ QEL_INLINE std::uint64_t SumBlock(const std::byte* values, std::size_t count, co
 void MarkBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask) {
     std::uint8_t* const marks = mask.data();
     RunVectorised([=]() __attribute__((always_inline)) {
-        Between(block, bits, span, [marks](std::size_t i, std::uint8_t isIn) { marks[i] = isIn; });
+        Between(
+            block, bits, span, [marks](std::size_t i, std::uint8_t isIn) __attribute__((always_inline)) {
+                marks[i] = isIn;
+            });
     });
 }
 
 void KeepBetween(PackedBlock block, std::uint32_t bits, PackedSpan span, BlockMask& mask) {
     std::uint8_t* const kept = mask.data();
     RunVectorised([=]() __attribute__((always_inline)) {
-        Between(block, bits, span, [kept](std::size_t i, std::uint8_t isIn) { kept[i] &= isIn; });
+        Between(
+            block, bits, span, [kept](std::size_t i, std::uint8_t isIn) __attribute__((always_inline)) {
+                kept[i] &= isIn;
+            });
     });
 }
 
@@ -128,7 +136,10 @@ void KeepBetweenAny(PackedBlock block, std::uint32_t bits, std::span<const Packe
             found[i] = 0;
         }
         for (const PackedSpan span : spans) {
-            Between(block, bits, span, [found](std::size_t i, std::uint8_t isIn) { found[i] |= isIn; });
+            Between(
+                block, bits, span, [found](std::size_t i, std::uint8_t isIn) __attribute__((always_inline)) {
+                    found[i] |= isIn;
+                });
         }
         for (std::size_t i = 0; i < block.count; ++i) {
             kept[i] &= found[i];

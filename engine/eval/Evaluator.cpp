@@ -39,6 +39,13 @@ void FactCell::Restrict(std::size_t keyColumn, CodeRanges codes) {
     restrictions.push_back({keyColumn, codes});
 }
 
+void FactCell::Restrict(const MemberSpace& space, HierarchyId hierarchy, CodeRanges codes) {
+    const std::optional<std::size_t> keyColumn = space.KeyColumn(hierarchy);
+    if (keyColumn && !CoversAll(codes, space.GetCube().Facts().KeyColumns()[*keyColumn].codes)) {
+        Restrict(*keyColumn, codes);
+    }
+}
+
 CellValue ValueOf(FactSum total, const MeasureColumn& measure) {
     if (total.rows == 0) {
         return CellValue::Empty();
@@ -203,21 +210,15 @@ bool Evaluator::Apply(const SumOfSet& sum) {
 void Evaluator::CollectRestrictions(std::span<const HierarchyId> open, FactCell& cell) const {
     cell.Clear();
     cell.measure = folding_[space_.Measures()];
-    const auto restrict = [&](HierarchyId hierarchy, CodeRanges codes) {
-        const std::optional<std::size_t> keyColumn = space_.KeyColumn(hierarchy);
-        if (keyColumn && !CoversAll(codes, space_.GetCube().Facts().KeyColumns()[*keyColumn].codes)) {
-            cell.Restrict(*keyColumn, codes);
-        }
-    };
     for (HierarchyId hierarchy = 0; hierarchy < space_.Measures(); ++hierarchy) {
         const bool isOpen = std::find(open.begin(), open.end(), hierarchy) != open.end();
         const bool isOne = folding_[hierarchy] != noMember && !IsCompound(folding_[hierarchy]);
         if (isOne && !isOpen) {
-            restrict(hierarchy, space_.Codes({hierarchy, folding_[hierarchy]}));
+            cell.Restrict(space_, hierarchy, space_.Codes({hierarchy, folding_[hierarchy]}));
         }
     }
     for (const FoldedHierarchy& folded : folded_) {
-        restrict(folded.hierarchy, folded.codes);
+        cell.Restrict(space_, folded.hierarchy, folded.codes);
     }
 }
 

@@ -5,7 +5,6 @@
 #include "engine/eval/SumOfSet.h"
 #include "engine/eval/TextPool.h"
 
-#include <deque>
 #include <functional>
 #include <optional>
 #include <span>
@@ -35,12 +34,14 @@ struct IterationPlace {
 struct FactCell {
     std::vector<Restriction> restrictions;
     MemberId measure = 0;
-    std::deque<std::vector<KeyRange>>
+    std::vector<std::vector<KeyRange>>
         intersections; ///< owns sets of codes that are not those of a single member
 
     void Clear();
     /// Adds a restriction, or intersects it with the key column's existing one.
     void Restrict(std::size_t keyColumn, CodeRanges codes);
+    /// The same of the hierarchy's key column, unless there is none or the codes are all that it has.
+    void Restrict(const MemberSpace& space, HierarchyId hierarchy, CodeRanges codes);
 };
 
 /// Converts a sum of facts to a cell value.

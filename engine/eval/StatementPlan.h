@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/eval/Evaluator.h"
+#include "engine/eval/CellPlan.h"
 
 #include <cstddef>
 #include <memory>
@@ -25,10 +25,8 @@ public:
     std::size_t Bytes() const;
 
 private:
-    const Cube& cube_;
     Cellset answer_;
-    MemberId measure_;
-    FactAccessPlan plan_;
+    CellPlan cell_;
 };
 
 /// The result of a statement, and its plan if it has one.

@@ -36,6 +36,8 @@ std::string Connection::Provider() const { return PropertyOf(ConnectionString(),
 
 std::string Connection::DefaultDatabase() const { return PropertyOf(ConnectionString(), "Initial Catalog"); }
 
+std::unique_ptr<const PreparedCell> Connection::Prepare(const CellQuery& /*query*/) { return nullptr; }
+
 std::unique_ptr<Recordset> Connection::OpenSchema(int /*schema*/) {
     throw AutomationError(featureNotAvailable,
                           "Object or provider is not capable of performing requested operation.");

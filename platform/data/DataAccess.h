@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/data/CellQuery.h"
 #include "platform/value/Variant.h"
 
 #include <cstdint>
@@ -39,6 +40,9 @@ public:
     /// Takes the data of a source that was replaced since the connection was opened or last refreshed. Cheap
     /// enough for every formula. True when what was read before is of older data. Raises what Open raises.
     virtual bool Refresh() { return false; }
+    /// The cell of a query, prepared without its statement; the value is the statement's. Null when the
+    /// provider takes no queries, or not this one: then the statement tells. Raises nothing.
+    virtual std::unique_ptr<const PreparedCell> Prepare(const CellQuery& query);
     /// An open recordset that describes the data source; of schemaCatalogs, a row a catalog with the field
     /// "CATALOG_NAME". Raises 3251 for a rowset that the provider does not have.
     virtual std::unique_ptr<Recordset> OpenSchema(int schema);

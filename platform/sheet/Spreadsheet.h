@@ -36,9 +36,11 @@ public:
     /// As the spreadsheet stores it, beginning with "="; empty for a cell without a formula of its own.
     /// Raises for a cell that must not be changed.
     virtual std::string Formula() const = 0;
-    /// The value of an expression of the cell's formula; an ErrorValue for an error. Leaves the cell as it
-    /// is.
+    /// The value of an expression of the cell's formula: a list of values for a reference to cells, also to
+    /// one; an ErrorValue for an error. Leaves the cell as it is.
     virtual Variant Evaluate(const std::string& expression) const = 0;
+    /// Whether a text that no cell holds counts as a key where the functions take lists.
+    virtual bool TakesTextsAsKeys() const = 0;
     /// Takes a formula in the words of Formula().
     virtual void ReplaceFormula(const std::string& formula) = 0;
 };

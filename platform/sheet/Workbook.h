@@ -69,7 +69,12 @@ public:
     virtual std::vector<std::string> SheetNames() const = 0;
     virtual std::string ActiveSheetName() const = 0;
     /// Neither protected nor opened to be read alone.
-    virtual bool CanChange() const = 0;
+    virtual bool CanAddSheet() const = 0;
+    /// The same, and where reading a formula's arguments takes the cell, its sheet, the active one, is not
+    /// protected.
+    virtual bool CanReadArguments() const = 0;
+    /// The rows of a sheet.
+    virtual std::uint64_t SheetRows() const = 0;
     virtual std::unique_ptr<LongAction> BeginAction(const std::string& text) = 0;
     /// Puts the sheet behind the active one and shows it; one step to undo. An exception of `progress` leaves
     /// no sheet. Raises AutomationError with the spreadsheet's description.

@@ -59,6 +59,27 @@ class Why(KeyboardTest):
         self.hands.click(window.button("Close"))
         self.closed(WHY)
 
+    def test_the_window_reads_the_cell_again_and_leaves_it_as_it_was(self):
+        key = self.report.getCellRangeByName("B2")
+        key.Value = 6111
+        key.NumberFormat = self.document.NumberFormats.queryKey("0.00%", uno.createUnoStruct("com.sun.star.lang.Locale"), False)
+        self.asks(formula(a9="MAX(B2)"))  # which only the spreadsheet computes, in per cent
+        window = self.person.sees(WHY)
+        self.assertEqual(self.cell.String, "4056682.5")
+        key.Value = 6112
+        self.hands.click(window.button("Lines"))
+        eventually("the lines", lambda: self.controller.ActiveSheet.Name == "Report C5")
+        names, values = self.controller.ActiveSheet.getCellRangeByName("A2:S3").DataArray
+        given = dict(zip(names, values))
+        self.assertEqual((given["Value"], given["Accounts"]), (139264.31, "6112"))
+        self.controller.ActiveSheet.protect("")
+        self.hands.click(window.button("Lines"))
+        eventually("the lines again", lambda: self.sheets.Count == 3)
+        self.assertIn("Lines behind Report.C5 ", self.sheets.getByIndex(2).getCellRangeByName("A1").String)
+        self.hands.click(window.button("Close"))
+        self.closed(WHY)
+        self.assertEqual(self.cell.String, "139264.31")
+
     def test_a_hidden_error_is_told_and_a_window_goes_with_its_document(self):
         self.asks(formula(a9='"61119"'))
         window = self.person.sees(WHY)

@@ -151,7 +151,7 @@ class Lines(unittest.TestCase):
                    '"All","All","All","All","01/01/2024","31/03/2024")')
         plain, kept = (formula.format(cubes[name], "4000", "Amount") for name in ("plain", "kept"))
         cases = [
-            ("a table", [plain, "--columns", "date,centre"], 0, "date     centre    Amount\n2024-01  100     -1000.10\n"
+            ("a table", [plain, "--columns", "date, centre,[Amount]"], 0, "date     centre    Amount\n2024-01  100     -1000.10\n"
              "2024-01  100        -0.20\n2024-02  200      -500.00\n\n3 lines, sum -1500.3\n", ""),
             ("details", [kept, "--columns", "Booked,line,Amount", "--csv"], 0, "Booked,line,Amount\n2024-01-05,2,-1000.1\n"
              "2024-01-20,3,-0.2\n2024-02-10,4,-500\n", "3 lines, sum -1500.3"),

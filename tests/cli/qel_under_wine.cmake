@@ -33,8 +33,10 @@ qel_wine_test(qel_hostile_server ../platform/data/xmla/hostile_server_test.py
     HostileServer.test_passwords_travel_unencrypted_only_where_the_settings_say_so
     HostileServer.test_redirections_do_not_carry_credentials_elsewhere)
 
+qel_program(console_closer ConsoleCloserMain.cpp)
+target_link_options(console_closer PRIVATE -municode)
 add_test(NAME qel_windows_program
     COMMAND python3 "${CMAKE_CURRENT_SOURCE_DIR}/windows_program_test.py" "${CMAKE_SOURCE_DIR}/build/native/bin/qel"
-        "${CMAKE_CURRENT_SOURCE_DIR}/qel_under_wine" "${CMAKE_SOURCE_DIR}/build/wine")
+        "${CMAKE_CURRENT_SOURCE_DIR}/qel_under_wine")
 set_tests_properties(qel_windows_program PROPERTIES TIMEOUT 600 FIXTURES_REQUIRED wine RESOURCE_LOCK wine_prefix
     LABELS windows ENVIRONMENT "QEL_WINDOWS_PROGRAM=$<TARGET_FILE:qel>")

@@ -29,6 +29,7 @@ def in_console(folder, *arguments, keys=lambda shown: b""):
     child, console = pty.fork()
     if child == 0:
         os.chdir(folder)
+        os.environ["TERM"] = "xterm"  # a dumb one gets no progress line
         os.execv(ROOT / "scripts" / "wine", ["wine", os.environ["QEL_WINDOWS_PROGRAM"], *arguments])
     shown = b""
     while True:
@@ -50,18 +51,32 @@ class Console(unittest.TestCase):
         status, shown = in_console(self.path, "cube", "verify", "ספר.cub")
         self.assertEqual((status, "'ספר.cub' does not exist" in shown), (1, True), shown)
 
-    def test_control_c_ends_a_build_and_leaves_the_old_file(self):
+    def write_long_build(self):
         (self.path / "long.csv").write_text("code,amount\n" + "7,1\n" * 4_000_000)
         (self.path / "long.json").write_text('''{"tables": {"t": {"file": "long.csv"}}, "cubes": [{"name": "LongFNC",
             "facts": ["t"], "dimensions": [{"name": "D", "column": "code"}],
             "measures": [{"name": "M", "column": "amount"}]}]}''')
         (self.path / "long.cub").write_text("the old file")
+
+    def assert_old_file_alone(self):
+        self.assertEqual(sorted(file.name for file in self.path.iterdir()), ["long.csv", "long.cub", "long.json"])
+        self.assertEqual((self.path / "long.cub").read_text(), "the old file")
+
+    def test_control_c_ends_a_build_and_leaves_the_old_file(self):
+        self.write_long_build()
         once = iter([b"\x03"])
         keys = lambda shown: next(once, b"") if b"Reading long.csv" in shown and any(self.path.glob("*.tmp")) else b""
         status, shown = in_console(self.path, "cube", "build", "long.json", "-o", "long.cub", keys=keys)
         self.assertEqual((status, "interrupted; the cube file is as it was" in shown), (1, True), shown)
-        self.assertEqual(sorted(file.name for file in self.path.iterdir()), ["long.csv", "long.cub", "long.json"])
-        self.assertEqual((self.path / "long.cub").read_text(), "the old file")
+        self.assert_old_file_alone()
+
+    def test_closing_the_window_ends_a_build_and_leaves_the_old_file(self):
+        self.write_long_build()
+        program = pathlib.Path(os.environ["QEL_WINDOWS_PROGRAM"])
+        command = f'"Z:{program}" cube build long.json -o long.cub'.replace("/", "\\")
+        status, _, errors = run(ROOT / "scripts" / "wine", program.parent / "console_closer.exe", "*.tmp", command, cwd=self.path)
+        self.assertEqual((status, errors), (1, b"qel: interrupted; the cube file is as it was\n"))
+        self.assert_old_file_alone()
 
 
 class Windows(unittest.TestCase):
@@ -157,5 +172,6 @@ class Settings(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    NATIVE, WINDOWS, PREFIX = (str(pathlib.Path(argument).resolve()) for argument in sys.argv[1:4])
+    NATIVE, WINDOWS = (str(pathlib.Path(argument).resolve()) for argument in sys.argv[1:3])
+    PREFIX = os.environ.get("QEL_WINEPREFIX", ROOT / "build" / "wine")
     unittest.main(argv=sys.argv[:1], verbosity=2)

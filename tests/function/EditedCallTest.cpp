@@ -22,13 +22,13 @@ const Arguments ledger = {R"("a.cub")",  R"("LedgerFNC")",  R"({"OBS"})",     R"
 
 /// The sheet in which the formulas stand.
 Variant ValueInSheet(const std::string& expression) {
-    static const std::map<std::string, Variant> values = {{"B1", "OBS"},
-                                                          {"$Accounts.$B$2", 4000.0},
-                                                          {"B3&\"\"", "4000"},
-                                                          {"הנהלה", "10"},
-                                                          {"B4:B6", "Level2"},
+    static const std::map<std::string, Variant> values = {{"B1", Variant::List({"OBS"})},
+                                                          {"$Accounts.$B$2", Variant::List({4000.0})},
+                                                          {"B3", Variant::List({4000.0})},
+                                                          {"הנהלה", Variant::List({"10"})},
+                                                          {"B4:B6", Variant::List({"Level2", "", ""})},
                                                           {"NoSuchName", ErrorValue{525}},
-                                                          {"EOMONTH(B7;0)", 45657.0},
+                                                          {"B7", Variant::List({45630.0})},
                                                           {"INDEX('My ;(sheet'.A1:B2;1;2)", "Amount"}};
     return values.at(expression);
 }
@@ -134,6 +134,19 @@ TEST(EditedCall, KeepsWhatWasNotChosenAsItIsWritten) {
         const ValueCall chosen = CallOf(selection);
         EXPECT_EQ(call.Rewritten(chosen, ArgumentsOf(chosen, Locale()), ';'), expected) << edit.what;
     }
+}
+
+TEST(EditedCall, ATextThatExcelTakesForNoKeyIsNoneAndIsPutIntoBraces) {
+    Arguments written = ledger;
+    written[2] = R"("OBS")", written[3] = "B1";
+    ArgumentReader reader = Reader();
+    reader.takesTextsAsKeys = false;
+    const EditedValueCall call(written, reader);
+    EXPECT_FALSE(call.Call().ObsName.IsArray());
+    EXPECT_TRUE(call.Call().ObsNum.IsArray()) << "a cell gives a key";
+    const ValueCall same = CallOf(call.Choices());
+    written[2] = R"({"OBS"})";
+    EXPECT_EQ(call.Rewritten(same, ArgumentsOf(same, Locale()), ';'), written);
 }
 
 TEST(EditedCall, LeavesOutTheDatesThatWereLeftOut) {

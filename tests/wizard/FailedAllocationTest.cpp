@@ -1,16 +1,18 @@
 #include "cube/MemberListing.h"
 #include "function/formula/ParseFormula.h"
 #include "platform/value/ValueText.h"
+#include "qel/engine/Drillthrough.h"
 #include "reason/RunFormula.h"
-#include "tests/helpers/FailingAllocation.h"
+#include "reason/ValueReason.h"
+#include "tests/helpers/FailEach.h"
 #include "tests/wizard/WizardBench.h"
 
+#include <fmt/ranges.h>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <exception>
 #include <filesystem>
-#include <functional>
-#include <new>
 
 // Every allocation of a call fails once: nothing escapes but what the call may raise, nothing leaks, and the
 // next call is right.
@@ -25,33 +27,6 @@ const char* __lsan_default_suppressions() { return "leak:libsimpleini"; }
 namespace qel::test {
 namespace {
 
-struct Outcome {
-    std::string shown;
-    bool hasFailed = false; ///< the allocation
-};
-
-/// Runs `call` with each of its allocations failing; its outcome then is the usual one or one of `others`. At
-/// most `lost` allocations are not freed.
-void FailEach(const std::function<Outcome(std::size_t failing)>& call, const std::vector<std::string>& others,
-              std::size_t lost = 0) {
-    const std::string expected = call(0).shown;
-    ASSERT_EQ(call(0).shown, expected);
-    std::size_t number = 0;
-    for (bool isMore = true; isMore && !testing::Test::HasFailure();) {
-        const std::size_t living = LivingAllocations();
-        {
-            const Outcome outcome = call(++number);
-            isMore = outcome.hasFailed;
-            EXPECT_TRUE(outcome.shown == expected ||
-                        std::find(others.begin(), others.end(), outcome.shown) != others.end())
-                << "allocation " << number << ": " << outcome.shown;
-        }
-        EXPECT_EQ(call(0).shown, expected) << "after allocation " << number;
-        EXPECT_LE(LivingAllocations(), living + lost) << "after allocation " << number;
-    }
-    EXPECT_GT(number, 30U);
-}
-
 /// What `work` gives while an allocation fails.
 template <class Work>
 Outcome While(std::size_t failing, const Work& work) {
@@ -59,7 +34,7 @@ Outcome While(std::size_t failing, const Work& work) {
     const FailingAllocation failure(failing);
     try {
         outcome.shown = work();
-    } catch (const std::bad_alloc&) {
+    } catch (const std::exception&) { // bad_alloc, or the error of a call that lacked memory
         outcome.shown = "raised";
     }
     outcome.hasFailed = failing != 0 && FailingAllocation::HasFailed();
@@ -109,11 +84,42 @@ TEST(FailedAllocation, FailsAListing) {
         {"raised"});
 }
 
+TEST(FailedAllocation, FailsTheReasonsOfA0) {
+    const std::string formula = "=QelF1(\"" + PlainBooksFile() +
+                                "\",\"BooksFNC\",{\"OBS\"},{\"1\"},{\"All\"},{\"All\"},{\"All\"},"
+                                "\"A level that no dimension has\",\"4000\",\"All\",\"Amount\",\"All\","
+                                "\"All\",\"All\",\"All\",\"All\",\"01/01/2024\",\"31/12/2024\")";
+    const auto tell = [&](std::size_t failing) {
+        EmbeddedDataAccess cubes;
+        Locale locale;
+        ValueReasons reasons({cubes}, locale);
+        const auto bound = BindFormula(ParseFormula(formula), locale);
+        std::string told;
+        auto outcome = While(failing, [&] {
+            told = fmt::format("{}", fmt::join(ReasonTexts(reasons.Of(bound).why), "; "));
+            return std::string();
+        });
+        outcome.shown += failing == 0 ? told : "";
+        return outcome;
+    };
+    EXPECT_THAT(tell(0).shown, testing::HasSubstr("A level that no dimension has"));
+    FailEach(tell, {"", "raised"});
+}
+
+TEST(FailedAllocation, FailsTheCopyOfALine) {
+    const std::vector<engine::LineValue> line(40, std::string(40, 'x'));
+    const auto copy = [&](std::size_t failing) {
+        return While(failing, [&] { return std::to_string(std::vector(line).size()); });
+    };
+    FailEach(copy, {"raised"});
+}
+
 /// The wizard opens all the same, or reports what it lacks; nothing escapes. SimpleIni does not free the text
 /// of a settings file that it cannot store.
 TEST(FailedAllocation, EndsNoWizard) {
     WizardBench bench(LedgerFile());
     std::filesystem::current_path(bench.folder.Path()); // where files go whose folder is not known
+    bench.folder.Write("component/readme.txt", ""); // where the suite's texts are looked for
     std::string file;
     bench.toolkit.person = [&](DialogDouble& dialog) { file = dialog.Text("txtCubeFile"); };
     const auto cell = bench.sheet.Cell(bench.sheet.activeCell);
@@ -130,6 +136,7 @@ TEST(FailedAllocation, EndsNoWizard) {
     EXPECT_EQ(open(0).shown, LedgerFile());
     constexpr std::size_t ofSimpleIni = 3;
     FailEach(open, {""}, ofSimpleIni);
+    EXPECT_EQ(bench.folder.FileCount(), 1U) << "settings.ini; no database in the current folder";
 }
 
 } // namespace

@@ -6,7 +6,7 @@
 #include "platform/value/AutomationError.h"
 #include "platform/value/CellValues.h"
 #include "text/CaseFold.h"
-#include "workbook/cells/ComputedArgument.h"
+#include "function/formula/ComputedArgument.h"
 
 #include <fmt/format.h>
 

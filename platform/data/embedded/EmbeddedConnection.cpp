@@ -1,9 +1,11 @@
 #include "platform/data/embedded/EmbeddedConnection.h"
 
 #include "platform/data/ObjectErrors.h"
+#include "platform/data/embedded/CellVariant.h"
 #include "platform/data/embedded/EmbeddedRecordset.h"
 #include "platform/data/embedded/OpenCubeFiles.h"
 #include "platform/data/embedded/ProviderErrors.h"
+#include "qel/engine/CellQuery.h"
 #include "text/CaseFold.h"
 #include "text/NameList.h"
 #include "text/Utf8Path.h"
@@ -64,6 +66,36 @@ Rowset CatalogRows(const engine::CubeFile& file) {
     return table;
 }
 
+/// Keeps its cube, and so the file, open.
+class EmbeddedCell final : public PreparedCell {
+public:
+    EmbeddedCell(std::shared_ptr<const engine::Cube> cube, std::unique_ptr<const engine::PlannedCell> cell)
+        : cube_(std::move(cube)), cell_(std::move(cell)) {}
+
+    Variant Value() const override {
+        return TranslatingErrors([this] { return CellVariant(cell_->Value()); });
+    }
+    std::size_t Bytes() const override { return sizeof *this + cell_->Bytes(); }
+
+private:
+    std::shared_ptr<const engine::Cube> cube_;
+    std::unique_ptr<const engine::PlannedCell> cell_;
+};
+
+std::unique_ptr<const engine::PlannedCell> PlanCell(const engine::Cube& cube, const CellQuery& query) {
+    std::vector<engine::MemberPath> members;
+    members.reserve(query.members.size());
+    for (const QueryMember& member : query.members) {
+        members.push_back({member.path, member.names, member.nameCount});
+    }
+    engine::CellQuery cell{query.cube,       query.measure,     members,      query.periods,
+                           query.lastPeriod, query.periodCount, query.summed, {}};
+    if (query.summedMembers != nullptr) {
+        cell.summedMembers = *query.summedMembers;
+    }
+    return engine::PlanCell(cube, cell);
+}
+
 } // namespace
 
 std::shared_ptr<const engine::Cube> OpenCube(OpenCubeFiles& files, const std::string& connectionString) {
@@ -99,6 +131,15 @@ bool EmbeddedConnection::Refresh() {
         TakeNewFile();
     }
     return std::exchange(hasNewData_, false);
+}
+
+std::unique_ptr<const PreparedCell> EmbeddedConnection::Prepare(const CellQuery& query) {
+    try {
+        auto cell = cube_ ? PlanCell(*cube_, query) : nullptr;
+        return cell ? std::make_unique<const EmbeddedCell>(cube_, std::move(cell)) : nullptr;
+    } catch (const engine::EngineError&) { // the statement tells
+        return nullptr;
+    }
 }
 
 bool EmbeddedConnection::TakeNewFile() {

@@ -32,6 +32,7 @@ public:
     /// Looks at the file once per synchronisation period, and after a rest, which is how a recalculation
     /// begins. A file that is missing stays open. Raises AutomationError when the new one cannot be opened.
     bool Refresh() override;
+    std::unique_ptr<const PreparedCell> Prepare(const CellQuery& query) override;
 
     /// The cube of a client's connection. Raises AutomationError 3709 for a null or closed connection, or one
     /// of another provider.

@@ -13,7 +13,7 @@ namespace qel {
 namespace {
 
 struct ToVariant {
-    Variant operator()(std::monostate /*nothing*/) const { return Null{}; }
+    Variant operator()(const engine::NoLineValue& /*nothing*/) const { return Null{}; }
     Variant operator()(std::string& text) const { return std::move(text); }
     Variant operator()(const engine::CellValue& amount) const { return CellVariant(amount); }
 };

@@ -6,9 +6,15 @@ namespace qel::windows {
 
 DisabledWindows::DisabledWindows(HWND dialog) : dialog_(dialog) {
     ::EnumThreadWindows(::GetCurrentThreadId(), &DisabledWindows::Disable, reinterpret_cast<LPARAM>(this));
+    if (failure_) {
+        EnableAll();
+        std::rethrow_exception(failure_);
+    }
 }
 
-DisabledWindows::~DisabledWindows() {
+DisabledWindows::~DisabledWindows() { EnableAll(); }
+
+void DisabledWindows::EnableAll() const {
     for (HWND window : windows_) {
         ::EnableWindow(window, TRUE);
     }
@@ -20,7 +26,12 @@ BOOL CALLBACK DisabledWindows::Disable(HWND window, LPARAM self) {
         ::IsWindowEnabled(window) == FALSE) {
         return TRUE;
     }
-    disabled.windows_.push_back(window);
+    try {
+        disabled.windows_.push_back(window);
+    } catch (...) { // the system calls this
+        disabled.failure_ = std::current_exception();
+        return FALSE;
+    }
     ::EnableWindow(window, FALSE);
     return TRUE;
 }

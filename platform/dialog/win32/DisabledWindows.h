@@ -2,6 +2,7 @@
 
 #include "platform/windows/WindowsApi.h"
 
+#include <exception>
 #include <vector>
 
 namespace qel::windows {
@@ -16,9 +17,11 @@ public:
 
 private:
     static BOOL CALLBACK Disable(HWND window, LPARAM self);
+    void EnableAll() const;
 
     HWND dialog_;
     std::vector<HWND> windows_;
+    std::exception_ptr failure_;
 };
 
 } // namespace qel::windows

@@ -58,6 +58,7 @@ public:
                    ? CellsOf(DispatchObject(ComPointer<IDispatch>(V_DISPATCH(&value)), "Range", macroLocale))
                    : FromAutomation(value);
     }
+    bool TakesTextsAsKeys() const override { return false; }
     void ReplaceFormula(const std::string& formula) override {
         range_.Put(FormulaMember(), ToArgument(formula));
     }
@@ -74,7 +75,7 @@ private:
             const DispatchObject cell = range.Child(L"Item", ArgumentList(i));
             cells.push_back(FromAutomation(cell.Property(L"Value").Get()));
         }
-        return cells.size() == 1 ? cells.front() : Variant::List(std::move(cells));
+        return Variant::List(std::move(cells));
     }
 
     DispatchObject range_;

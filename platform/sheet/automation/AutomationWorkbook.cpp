@@ -87,8 +87,16 @@ public:
 
     std::string ActiveSheetName() const override { return ActiveSheet().Text(L"Name"); }
 
-    bool CanChange() const override {
+    bool CanAddSheet() const override {
         return !FromAutomation(book_.Property(L"ProtectStructure").Get()).As<bool>();
+    }
+
+    bool CanReadArguments() const override { return CanAddSheet(); }
+
+    /// A workbook of the former format has fewer.
+    std::uint64_t SheetRows() const override {
+        return static_cast<std::uint64_t>(
+            book_.Child(L"Worksheets").Child(L"Item", ArgumentList(1)).Child(L"Rows").Number(L"Count"));
     }
 
     std::unique_ptr<LongAction> BeginAction(const std::string& text) override {

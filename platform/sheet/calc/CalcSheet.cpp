@@ -13,7 +13,11 @@
 #include <com/sun/star/frame/XModel.hpp>
 #include <com/sun/star/lang/XMultiServiceFactory.hpp>
 #include <com/sun/star/sheet/AddressConvention.hpp>
+#include <com/sun/star/sheet/ComplexReference.hpp>
 #include <com/sun/star/sheet/FormulaResult.hpp>
+#include <com/sun/star/sheet/FormulaToken.hpp>
+#include <com/sun/star/sheet/ReferenceFlags.hpp>
+#include <com/sun/star/sheet/SingleReference.hpp>
 #include <com/sun/star/sheet/XArrayFormulaRange.hpp>
 #include <com/sun/star/sheet/XCellAddressable.hpp>
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
@@ -32,6 +36,7 @@
 #include <com/sun/star/util/XNumberFormatsSupplier.hpp>
 #include <com/sun/star/util/XProtectable.hpp>
 #include <cstdlib>
+#include <tuple>
 
 namespace qel::office {
 
@@ -100,19 +105,23 @@ private:
 };
 
 /// While one lives, a cell has another formula. It is an array formula, so that a range is not taken for the
-/// cell beside the formula.
+/// cell beside the formula. A cell without a number format takes that of its formula: it is put back.
 class OtherFormula {
 public:
     OtherFormula(const SheetDocument& document, const RangeReference& range, const rtl::OUString& formula)
         : document_(document), cell_(range->getCellByPosition(0, 0)), own_(cell_->getFormula()),
           array_(As<sheet::XArrayFormulaRange>(range)) {
+        As<XPropertySet>(cell_)->getPropertyValue(NumberFormat()) >>= format_;
         SetArrayFormula(formula);
     }
     ~OtherFormula() {
         try {
             SetArrayFormula({});
-            const Unrecorded change(document_);
-            cell_->setFormula(own_);
+            {
+                const Unrecorded change(document_);
+                cell_->setFormula(own_);
+            }
+            RestoreFormat();
         } catch (const std::exception&) { // NOLINT(bugprone-empty-catch): it has no undo manager any more
         } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the document was closed
         }
@@ -121,6 +130,18 @@ public:
     OtherFormula& operator=(const OtherFormula&) = delete;
 
 private:
+    static rtl::OUString NumberFormat() { return "NumberFormat"; }
+
+    void RestoreFormat() const {
+        const auto properties = As<XPropertySet>(cell_);
+        sal_Int32 format = 0;
+        properties->getPropertyValue(NumberFormat()) >>= format;
+        if (format != format_) {
+            const Unrecorded change(document_);
+            properties->setPropertyValue(NumberFormat(), uno::Any(format_));
+        }
+    }
+
     void SetArrayFormula(const rtl::OUString& formula) const {
         const Unrecorded change(document_);
         array_->setArrayFormula(formula);
@@ -129,6 +150,7 @@ private:
     const SheetDocument& document_;
     uno::Reference<table::XCell> cell_;
     rtl::OUString own_;
+    sal_Int32 format_ = 0;
     uno::Reference<sheet::XArrayFormulaRange> array_;
 };
 
@@ -221,6 +243,9 @@ public:
 
     Variant Evaluate(const std::string& expression) const override {
         return Translating([&] {
+            if (const RangeReference cells = ReferredCells(expression); cells.is()) {
+                return ValuesOf(cells);
+            }
             const PassingChange passing(document_);
             const Variant rows = ValueOf("ROWS(" + expression + ")");
             const Variant columns = ValueOf("COLUMNS(" + expression + ")");
@@ -230,6 +255,8 @@ public:
                            : ValueOf(expression);
         });
     }
+
+    bool TakesTextsAsKeys() const override { return true; }
 
     void ReplaceFormula(const std::string& formula) override {
         Translating([&] { Cell()->setFormula(ToOffice(formula)); });
@@ -247,8 +274,61 @@ private:
         }
     }
 
+    /// The cells that an expression names by their places; none for any other expression.
+    RangeReference ReferredCells(const std::string& expression) const {
+        const auto parser = Parser(sheet::AddressConvention::OOO);
+        const auto place = As<sheet::XCellAddressable>(Cell())->getCellAddress();
+        const auto tokens = parser->parseFormula(ToOffice(expression), place);
+        sheet::ComplexReference range;
+        if (tokens.getLength() != 1 ||
+            !((tokens[0].Data >>= range) ||
+              ((tokens[0].Data >>= range.Reference1) && (tokens[0].Data >>= range.Reference2)))) {
+            return {};
+        }
+        const auto [left, top, spreadsheet] = PlaceOf(range.Reference1, place);
+        const auto [right, bottom, last] = PlaceOf(range.Reference2, place);
+        const uno::Reference<com::sun::star::container::XIndexAccess> sheets(document_->getSheets(),
+                                                                             uno::UNO_QUERY_THROW);
+        if (spreadsheet != last || spreadsheet < 0 || spreadsheet >= sheets->getCount()) {
+            return {};
+        }
+        const RangeReference whole(sheets->getByIndex(spreadsheet), uno::UNO_QUERY_THROW);
+        return RangeOf(whole, left, top, right, bottom);
+    }
+
+    static std::tuple<sal_Int32, sal_Int32, sal_Int32> PlaceOf(const sheet::SingleReference& cell,
+                                                               const table::CellAddress& from) {
+        using namespace sheet::ReferenceFlags;
+        const auto flag = [&](sal_Int32 one) { return (cell.Flags & one) != 0; };
+        constexpr sal_Int32 deleted = COLUMN_DELETED | ROW_DELETED | SHEET_DELETED;
+        return {flag(COLUMN_RELATIVE) ? from.Column + cell.RelativeColumn : cell.Column,
+                flag(ROW_RELATIVE) ? from.Row + cell.RelativeRow : cell.Row,
+                flag(deleted)          ? -1
+                : flag(SHEET_RELATIVE) ? from.Sheet + cell.RelativeSheet
+                                       : cell.Sheet};
+    }
+
+    static constexpr std::size_t mostCells = 6; // no argument uses more
+
+    /// In a list of several, an empty cell is an empty text; alone it is 0, as in a formula.
+    static Variant ValuesOf(const RangeReference& range) {
+        const auto at = AddressOf(range);
+        const bool isAlone = at.StartColumn == at.EndColumn && at.StartRow == at.EndRow;
+        std::vector<Variant> values;
+        for (sal_Int32 row = 0; row <= at.EndRow - at.StartRow; ++row) {
+            for (sal_Int32 column = 0; column <= at.EndColumn - at.StartColumn; ++column) {
+                const auto cell = range->getCellByPosition(column, row);
+                const bool isEmpty = cell->getType() == table::CellContentType_EMPTY;
+                values.push_back(isEmpty && !isAlone ? Variant("") : ResultOf(cell));
+                if (values.size() == mostCells) {
+                    return Variant::List(std::move(values));
+                }
+            }
+        }
+        return Variant::List(std::move(values));
+    }
+
     Variant CellsOf(const std::string& range, double rows, double columns) const {
-        constexpr std::size_t mostCells = 6; // no argument uses more
         std::vector<Variant> cells;
         for (int row = 1; row <= rows && cells.size() < mostCells; ++row) {
             for (int column = 1; column <= columns && cells.size() < mostCells; ++column) {
@@ -261,19 +341,21 @@ private:
 
     Variant ValueOf(const std::string& expression) const {
         const OtherFormula other(document_, range_, ToOffice("=" + expression));
-        return Result();
+        return ResultOf(Cell());
     }
 
-    Variant Result() const {
-        if (Cell()->getError() != 0) {
-            return ErrorValue{Cell()->getError()};
+    static Variant ResultOf(const uno::Reference<table::XCell>& cell) {
+        if (cell->getError() != 0) {
+            return ErrorValue{cell->getError()};
         }
-        sal_Int32 type = 0;
-        As<XPropertySet>(Cell())->getPropertyValue("FormulaResultType2") >>= type;
-        if (type == sheet::FormulaResult::STRING) {
-            return FromOffice(As<com::sun::star::text::XTextRange>(Cell())->getString());
+        sal_Int32 result = sheet::FormulaResult::VALUE;
+        if (cell->getType() == table::CellContentType_FORMULA) {
+            As<XPropertySet>(cell)->getPropertyValue("FormulaResultType2") >>= result;
         }
-        return Cell()->getValue();
+        if (cell->getType() == table::CellContentType_TEXT || result == sheet::FormulaResult::STRING) {
+            return FromOffice(As<com::sun::star::text::XTextRange>(cell)->getString());
+        }
+        return cell->getValue();
     }
 
     void SetBlock(const VariantArray& block) const {
@@ -322,14 +404,19 @@ private:
     }
 
     void SetTokens(const uno::Reference<table::XCell>& cell, const std::string& formula) const {
+        const auto parser = Parser(sheet::AddressConvention::XL_OOX);
+        const auto place = As<sheet::XCellAddressable>(cell)->getCellAddress();
+        As<sheet::XFormulaTokens>(cell)->setTokens(parser->parseFormula(ToOffice(formula), place));
+    }
+
+    uno::Reference<sheet::XFormulaParser> Parser(sal_Int16 convention) const {
         const auto factory = As<com::sun::star::lang::XMultiServiceFactory>(document_);
         const auto parser =
             As<sheet::XFormulaParser>(factory->createInstance("com.sun.star.sheet.FormulaParser"));
         const auto grammar = As<XPropertySet>(parser);
         grammar->setPropertyValue("CompileEnglish", uno::Any(true));
-        grammar->setPropertyValue("FormulaConvention", uno::Any(sheet::AddressConvention::XL_OOX));
-        const auto place = As<sheet::XCellAddressable>(cell)->getCellAddress();
-        As<sheet::XFormulaTokens>(cell)->setTokens(parser->parseFormula(ToOffice(formula), place));
+        grammar->setPropertyValue("FormulaConvention", uno::Any(convention));
+        return parser;
     }
 
     rtl::OUString FormatOf(const uno::Reference<table::XCell>& cell) const {

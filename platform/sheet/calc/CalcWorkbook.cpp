@@ -12,6 +12,7 @@
 #include <com/sun/star/sheet/XCellRangeAddressable.hpp>
 #include <com/sun/star/sheet/XSpreadsheetView.hpp>
 #include <com/sun/star/sheet/XViewFreezable.hpp>
+#include <com/sun/star/table/XColumnRowRange.hpp>
 #include <com/sun/star/util/XProtectable.hpp>
 
 namespace qel::office {
@@ -67,11 +68,23 @@ public:
             [&] { return FromOffice(As<com::sun::star::container::XNamed>(ActiveSheet())->getName()); });
     }
 
-    bool CanChange() const override {
+    bool CanAddSheet() const override {
         return Translating([&] {
             return !As<com::sun::star::util::XProtectable>(document_)->isProtected() &&
-                   !As<com::sun::star::util::XProtectable>(ActiveSheet())->isProtected() &&
                    !As<com::sun::star::frame::XStorable>(document_)->isReadonly();
+        });
+    }
+
+    bool CanReadArguments() const override {
+        return Translating([&] {
+            return CanAddSheet() && !As<com::sun::star::util::XProtectable>(ActiveSheet())->isProtected();
+        });
+    }
+
+    std::uint64_t SheetRows() const override {
+        return Translating([&] {
+            const auto rows = As<com::sun::star::table::XColumnRowRange>(ActiveSheet())->getRows();
+            return static_cast<std::uint64_t>(rows->getCount());
         });
     }
 

@@ -12,8 +12,21 @@
 
 namespace qel::engine {
 
+struct NoLineValue {
+    NoLineValue() = default;
+    // Not trivial: GCC 12's std::variant of strings and trivial types alone takes itself for always filled,
+    // and destroys garbage where memory for the copy of a string lacks.
+    // NOLINTBEGIN(modernize-use-equals-default)
+    NoLineValue(const NoLineValue& /*other*/) noexcept {}
+    NoLineValue& operator=(const NoLineValue& /*other*/) noexcept { return *this; }
+    // NOLINTEND(modernize-use-equals-default)
+    ~NoLineValue() = default;
+
+    bool operator==(const NoLineValue&) const = default;
+};
+
 /// A value of a fact: nothing, a text (a key, a name, a date such as 2024-03-31), or an amount.
-using LineValue = std::variant<std::monostate, std::string, CellValue>;
+using LineValue = std::variant<NoLineValue, std::string, CellValue>;
 
 /// The facts behind a cell.
 struct FactLines {

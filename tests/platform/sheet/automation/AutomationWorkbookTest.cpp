@@ -104,10 +104,12 @@ TEST_F(AutomationWorkbook, ReadsNamesAndWhetherSheetsMayBeAdded) {
                       {"ActiveWorkbook.Sheets.Item(1).Name", std::string("דוח")},
                       {"ActiveWorkbook.Sheets.Item(2).Name", std::string("Chart1")},
                       {"ActiveWorkbook.ActiveSheet.Name", std::string("דוח")},
+                      {"ActiveWorkbook.Worksheets.Item(1).Rows.Count", std::int32_t{65536}},
                       {"ActiveWorkbook.ProtectStructure", true}};
     EXPECT_THAT(book->SheetNames(), ElementsAre("דוח", "Chart1"));
     EXPECT_EQ(book->ActiveSheetName(), "דוח");
-    EXPECT_FALSE(book->CanChange());
+    EXPECT_FALSE(book->CanAddSheet());
+    EXPECT_EQ(book->SheetRows(), 65536U);
 }
 
 } // namespace

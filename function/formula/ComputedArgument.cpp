@@ -1,4 +1,4 @@
-#include "workbook/cells/ComputedArgument.h"
+#include "function/formula/ComputedArgument.h"
 
 #include "platform/value/Conversion.h"
 #include "text/CaseFold.h"
