@@ -7,6 +7,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 namespace qel::engine {
@@ -43,7 +44,8 @@ void PreviousBuild::Take(std::uint32_t cube, Continuation& continuation) const {
         return;
     }
     const MappedSection described = image_.Section(description), section = image_.Section(rows);
-    auto kept = KeptFacts::Parse({described.Bytes(0, described.Size()), described.Size()});
+    auto kept =
+        KeptFacts::Parse({described.Bytes(0, described.Size()), static_cast<std::size_t>(described.Size())});
     if (!kept) {
         continuation.obstacle = "the previous cube file is of another version of this program";
     } else if (!(kept->definition == continuation.definition)) {
