@@ -119,7 +119,7 @@ TEST(FailedAllocation, FailsTheCopyOfALine) {
 TEST(FailedAllocation, EndsNoWizard) {
     WizardBench bench(LedgerFile());
     std::filesystem::current_path(bench.folder.Path()); // where files go whose folder is not known
-    bench.folder.Write("component/readme.txt", ""); // where the suite's texts are looked for
+    bench.folder.Write("component/readme.txt", "");     // where the suite's texts are looked for
     std::string file;
     bench.toolkit.person = [&](DialogDouble& dialog) { file = dialog.Text("txtCubeFile"); };
     const auto cell = bench.sheet.Cell(bench.sheet.activeCell);
