@@ -68,7 +68,12 @@ std::optional<Variant> Computed(const std::string& argument, const ArgumentReade
         if (word == argument) { // a reference by itself is a list
             throw PlatformError(ErrorNumber::TypeMismatch);
         }
-        return OnlyCell(reader.evaluate(word));
+        const Variant value = reader.evaluate(word);
+        const Variant& cell = OnlyCell(value);
+        if (cell.Is<double>() && cell.As<double>() == 0) { // or an empty cell, which is no text beside others
+            throw PlatformError(ErrorNumber::TypeMismatch);
+        }
+        return cell;
     };
     if (reader.locale.nullDate != 0) { // its dates are other numbers
         return std::nullopt;

@@ -29,6 +29,8 @@ Variant ValueInSheet(const std::string& expression) {
                                                           {"B4:B6", Variant::List({"Level2", "", ""})},
                                                           {"NoSuchName", ErrorValue{525}},
                                                           {"B7", Variant::List({45630.0})},
+                                                          {"A9", Variant::List({0.0})},
+                                                          {"A9&64", "64"},
                                                           {"INDEX('My ;(sheet'.A1:B2;1;2)", "Amount"}};
     return values.at(expression);
 }
@@ -60,6 +62,7 @@ const EditCase edits[] = {
      {{9, "B3&\"\""}, {10, "INDEX('My ;(sheet'.A1:B2;1;2)"}, {14, "הנהלה"}},
      [](Selection& s) { s.measure = "Quantity"; },
      {{10, R"("Quantity")"}}},
+    {"an empty cell joined to a text", {{9, "A9&64"}}, [](Selection& s) { EXPECT_EQ(s.account, "64"); }, {}},
     {"a reference that was chosen anew is replaced",
      {{9, "$Accounts.$B$2"}},
      [](Selection& s) { s.account = "4100"; },
