@@ -15,8 +15,6 @@
 #include <gmock/gmock.h>
 #include <pugixml.hpp>
 
-#include <sstream>
-
 // The ribbon, loaded and used as Excel does.
 
 namespace qel::test {
@@ -163,6 +161,7 @@ std::shared_ptr<ObjectRecord> WorkbookWithAFormula() {
         {"ActiveWorkbook.Sheets.Count", std::int32_t{1}},
         {"ActiveWorkbook.Sheets.Item(1).Name", std::string("Report")},
         {"ActiveWorkbook.ActiveSheet.Name", std::string("Report")},
+        {"ActiveWorkbook.Worksheets.Item(1).Rows.Count", std::int32_t{65536}},
     };
     return record;
 }
@@ -171,9 +170,14 @@ TEST_F(Ribbon, PutsTheLinesBehindACellIntoASheet) {
     const auto record = WorkbookWithAFormula();
     EXPECT_EQ(addIn_->OnConnection(RecordedObject(record).Get(), 0, object_.Get(), nullptr), S_OK);
     EXPECT_EQ(BoxAfter("OnLines"), "");
-    for (auto& l : record->lines) {
-        std::cout << l << std::endl;
+    const std::string added = "ActiveWorkbook.Worksheets.Add(,ActiveWorkbook.ActiveSheet)";
+    for (const char* end :
+         {".Name = Report B3", ".Value = date 45292", ".Formula = =SUM(W7:W79)", ".Value = Lines: 73",
+          ".Value = Lines behind Report.B3 – LedgerFNC, ledger.cub"}) {
+        EXPECT_THAT(record->lines,
+                    testing::Contains(testing::AllOf(testing::StartsWith(added), testing::EndsWith(end))));
     }
+    EXPECT_THAT(record->lines, testing::Contains(testing::HasSubstr("[date 45292|OBS, Segments|1, 4, 2|")));
 }
 
 TEST_F(Ribbon, TellsWhyACellHasItsValue) {
