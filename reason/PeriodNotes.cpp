@@ -86,9 +86,13 @@ std::optional<PeriodChoice> ChosenPeriods(const DateTable& dates, const ValueCal
     const auto lastPlace = static_cast<std::size_t>(last - dates.CubeDateNames.begin());
     const std::size_t firstPlace = lastPlace + 1 - static_cast<std::size_t>(span->count);
     PeriodChoice choice{span->count, dates.CubeDateNames[firstPlace], span->last, {}, {}, {}};
-    choice.periods = span->count == 1 ? Reason{ReasonCode::OnePeriod, {choice.last}}
-                                      : Reason{ReasonCode::SeveralPeriods,
-                                               {std::to_string(choice.count), choice.first, choice.last}};
+    // No conditional expression: where memory lacks, GCC 12 ends the lives of fields that never began in it.
+    if (span->count == 1) {
+        choice.periods = {ReasonCode::OnePeriod, {choice.last}};
+    } else {
+        choice.periods = {ReasonCode::SeveralPeriods,
+                          {std::to_string(choice.count), choice.first, choice.last}};
+    }
     choice.rule = {call.From_Date.IsZero() ? ReasonCode::ToDateAlone : ReasonCode::StartsWithin};
     const AutomationDate first = dates.CubeDates[firstPlace];
     if (first < asked.from) {
