@@ -62,15 +62,17 @@ AutomationDate DateOf(const Variant& value, const Locale& locale) {
     return value.Is<Empty>() ? AutomationDate() : ToDate(value, locale);
 }
 
-/// What an argument that is not a reference by itself is computed to, as far as it is known how.
+/// The value of an expression that can be computed without the spreadsheet; nothing for any other expression
+/// and for a single reference.
 std::optional<Variant> Computed(const std::string& argument, const ArgumentReader& reader) {
     const auto lookUp = [&](const std::string& word) {
-        if (word == argument) { // a reference by itself is a list
+        if (word == argument) { // a single reference may name a list of cells
             throw PlatformError(ErrorNumber::TypeMismatch);
         }
         const Variant value = reader.evaluate(word);
         const Variant& cell = OnlyCell(value);
-        if (cell.Is<double>() && cell.As<double>() == 0) { // or an empty cell, which is no text beside others
+        if (cell.Is<double>() &&
+            cell.As<double>() == 0) { // it may be an empty cell, which adds nothing to a text
             throw PlatformError(ErrorNumber::TypeMismatch);
         }
         return cell;

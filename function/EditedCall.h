@@ -36,8 +36,8 @@ class EditedValueCall {
 public:
     EditedValueCall(std::vector<std::string> arguments, const ArgumentReader& reader);
 
-    /// The values that the arguments have; an argument without one is empty. Of the keys, a text that is none
-    /// in this spreadsheet stays a text.
+    /// The values of the arguments; empty where an argument has none. A plain text that the spreadsheet does
+    /// not accept as a key stays a text.
     const ValueCall& Call() const { return call_; }
     /// The arguments without a value that the function takes.
     std::vector<std::size_t> Faulty() const;

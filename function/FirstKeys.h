@@ -14,7 +14,8 @@ namespace qel {
 /// otherwise converted. It views into the call.
 class FirstKeys {
 public:
-    /// Raises as FirstKey for a list that cannot be made. Their order says which failure is told.
+    /// Raises as FirstKey for a list that cannot be made. The order of reading decides which failure is
+    /// reported.
     FirstKeys(const ValueCall& call, const Locale& locale);
     ~FirstKeys() = default;
     FirstKeys(const FirstKeys&) = delete;

@@ -41,7 +41,7 @@ struct QueryMembers {
     std::vector<Reason> missing;
 };
 
-/// The names that a cube has, by where they stand; read when one is missed there first.
+/// The names of a cube by their place in it. A place is read when a name is first missing there.
 using KnownNames = std::map<std::string, KnownWords>;
 
 /// `known` belongs to the cube. Raises what the provider raises.

@@ -86,7 +86,8 @@ std::optional<PeriodChoice> ChosenPeriods(const DateTable& dates, const ValueCal
     const auto lastPlace = static_cast<std::size_t>(last - dates.CubeDateNames.begin());
     const std::size_t firstPlace = lastPlace + 1 - static_cast<std::size_t>(span->count);
     PeriodChoice choice{span->count, dates.CubeDateNames[firstPlace], span->last, {}, {}, {}};
-    // No conditional expression: where memory lacks, GCC 12 ends the lives of fields that never began in it.
+    // Not a conditional expression: if an allocation fails in one, GCC 12 destroys fields that were never
+    // made.
     if (span->count == 1) {
         choice.periods = {ReasonCode::OnePeriod, {choice.last}};
     } else {

@@ -52,7 +52,7 @@ std::uint64_t BytesOf(std::string_view word) {
     return bytes;
 }
 
-/// A byte that only one of two words has costs an edit, whatever else they have.
+/// Each byte that occurs in only one of two words costs at least one edit.
 bool AreFar(std::uint64_t left, std::uint64_t right, std::size_t limit) {
     return static_cast<std::size_t>(std::max(std::popcount(left & ~right), std::popcount(right & ~left))) >
            limit;

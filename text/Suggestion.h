@@ -15,12 +15,12 @@ const std::string* NearestWord(std::string_view word, std::span<const std::strin
 /// "; did you mean \"X\"?" for the known word nearest to a mistyped one, otherwise an empty text.
 std::string Suggestion(std::string_view word, std::span<const std::string> known);
 
-/// Words among which the nearest to many a mistyped one are looked for.
+/// A list of words, prepared for many searches.
 class KnownWords {
 public:
     explicit KnownWords(std::vector<std::string> words);
 
-    /// Up to `most` words that are near to it, the nearest first.
+    /// Up to `most` words similar to a mistyped one, the nearest first.
     std::vector<std::string> Nearest(std::string_view word, std::size_t most) const;
 
     std::span<const std::string> All() const { return words_; }

@@ -51,8 +51,8 @@ private:
     bool OnLeave(std::string_view /*control*/) override { return true; }
 
     void ShowReason();
-    /// Reads the cell again: the spreadsheet goes on working beside the window. False, with a message, when
-    /// the call is there no more.
+    /// Reads the cell again, which may have changed while the window was open. Returns false, after a
+    /// message, if the formula no longer has the call.
     bool ReadAgain();
     ValueReason FindReason();
     void ShowLines();

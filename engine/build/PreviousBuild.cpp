@@ -39,8 +39,8 @@ void PreviousBuild::Take(std::uint32_t cube, Continuation& continuation) const {
     const format::SectionId description = id(SectionKind::KeptDescription), rows = id(SectionKind::KeptFacts);
     if (!image_.HasSection(description) || !image_.HasSection(rows)) {
         continuation.obstacle = "the previous cube file keeps no facts: it was built without --previous, a "
-                                "line was skipped, or a "
-                                "fact file had no end of its last line or changed meanwhile";
+                                "line was skipped, or a fact file had no end of its last line or changed "
+                                "meanwhile";
         return;
     }
     const MappedSection described = image_.Section(description), section = image_.Section(rows);

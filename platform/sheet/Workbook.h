@@ -70,8 +70,8 @@ public:
     virtual std::string ActiveSheetName() const = 0;
     /// Neither protected nor opened to be read alone.
     virtual bool CanAddSheet() const = 0;
-    /// The same, and where reading a formula's arguments takes the cell, its sheet, the active one, is not
-    /// protected.
+    /// The same, and the arguments of formulas in the active sheet can be read: a spreadsheet may have to
+    /// change a cell for that, which a protected sheet does not allow.
     virtual bool CanReadArguments() const = 0;
     /// The rows of a sheet.
     virtual std::uint64_t SheetRows() const = 0;
