@@ -80,7 +80,7 @@ std::string_view TimeLevelType(const Hierarchy& hierarchy, const Level& level) {
 }
 
 std::string LevelElement(const Hierarchy& hierarchy, const StarTable& table, std::size_t level,
-                         bool namesTable, bool isTime) {
+                         bool namesTable, bool isTime, bool isUnique) {
     const Level& stored = hierarchy.Levels()[level];
     const std::string tableAttribute = namesTable ? fmt::format(" table=\"{}\"", table.name) : "";
     const std::string captions =
@@ -88,9 +88,9 @@ std::string LevelElement(const Hierarchy& hierarchy, const StarTable& table, std
     const std::string levelType =
         isTime ? fmt::format(" levelType=\"{}\"", TimeLevelType(hierarchy, stored)) : "";
     return fmt::format("        <Level name=\"{}\"{} column=\"{}\" nameColumn=\"{}\"{} type=\"Integer\" "
-                       "uniqueMembers=\"true\"{}/>\n",
+                       "uniqueMembers=\"{}\"{}/>\n",
                        Escaped(stored.name), tableAttribute, IdColumn(level), NameColumn(level), captions,
-                       levelType);
+                       isUnique, levelType);
 }
 
 std::string AllAttributes(const Hierarchy& hierarchy) {
@@ -101,7 +101,14 @@ std::string AllAttributes(const Hierarchy& hierarchy) {
                        Escaped(hierarchy.Levels().front().name), Escaped(hierarchy.MemberName(0)));
 }
 
-std::string HierarchyElement(const StarSchema& star, const Hierarchy& hierarchy, const Dimension& dimension) {
+/// Sums by a level with unique members are grouped by it alone. Below the months by which a star is spread
+/// they must be grouped by month too, or the coordinator would sum what the shards can.
+bool HasUniqueMembers(const FlatStar* flat, const Hierarchy& hierarchy, std::size_t level) {
+    return !flat || hierarchy.Index() != flat->calendar || level <= flat->months;
+}
+
+std::string HierarchyElement(const StarSchema& star, const FlatStar* flat, const Hierarchy& hierarchy,
+                             const Dimension& dimension) {
     const auto& tables = star.hierarchies[hierarchy.Index()];
     const bool isJoined = tables.size() > 1;
     std::string attributes;
@@ -120,7 +127,8 @@ std::string HierarchyElement(const StarSchema& star, const Hierarchy& hierarchy,
     std::string text = fmt::format("      <Hierarchy{}>\n{}", attributes, Relation(tables, 0, "        "));
     for (const auto& table : tables) {
         for (const std::size_t level : table.levels) {
-            text += LevelElement(hierarchy, table, level, isJoined, dimension.isTime);
+            text += LevelElement(hierarchy, table, level, isJoined, dimension.isTime,
+                                 HasUniqueMembers(flat, hierarchy, level));
         }
     }
     return text + "      </Hierarchy>\n";
@@ -196,22 +204,70 @@ std::string CalculationElements(const Cube& cube) {
     return text;
 }
 
+std::string AggregateLevels(const StarSchema& star, std::size_t index, std::size_t tableCount) {
+    const Hierarchy& hierarchy = star.cube->Hierarchies()[index];
+    const std::string name = BracketedName(star.cube->Dimensions()[hierarchy.DimensionIndex()].name) + "." +
+                             BracketedName(hierarchy.Name());
+    std::string text;
+    for (std::size_t i = 0; i < tableCount; ++i) {
+        for (const std::size_t level : star.hierarchies[index][i].levels) {
+            text += fmt::format("        <AggLevel name=\"{}\" column=\"{}\"/>\n",
+                                Escaped(name + "." + BracketedName(hierarchy.Levels()[level].name)),
+                                FlatColumn(index, level));
+        }
+    }
+    return text;
+}
+
+/// The view as an aggregate table. Of those that hold a statement's levels the server takes the one with the
+/// fewest rows, so the stated numbers only give the order of the views.
+std::string AggregateElement(const StarSchema& star, const FlatView& view, std::size_t place) {
+    std::string text = fmt::format("      <AggName name=\"{}\" approxRowCount=\"{}\">\n"
+                                   "        <AggFactCount column=\"{}\"/>\n",
+                                   view.name, place + 1, factCountColumn);
+    std::vector<std::string> ignored = star.keyColumns;
+    if (!star.constantColumn.empty()) {
+        ignored.push_back(star.constantColumn);
+    }
+    for (const auto& column : ignored) {
+        text += fmt::format("        <AggIgnoreColumn column=\"{}\"/>\n", column);
+    }
+    for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
+        text += fmt::format("        <AggMeasure name=\"[Measures].{}\" column=\"{}\"/>\n",
+                            Escaped(BracketedName(star.cube->Measures()[i].name)), star.measureColumns[i]);
+    }
+    for (std::size_t index = 0; index < view.tables.size(); ++index) {
+        text += AggregateLevels(star, index, view.tables[index]);
+    }
+    return text + "      </AggName>\n";
+}
+
+std::string FactElement(const StarSchema& star, const FlatStar* flat) {
+    if (!flat) {
+        return fmt::format("    <Table name=\"{}\"/>\n", star.factTable);
+    }
+    std::string text = fmt::format("    <Table name=\"{}\">\n", star.factTable);
+    for (std::size_t i = 0; i < flat->views.size(); ++i) {
+        text += AggregateElement(star, flat->views[i], i);
+    }
+    return text + "    </Table>\n";
+}
+
 } // namespace
 
-std::string ComposeMondrianSchema(const StarSchema& star) {
+std::string ComposeMondrianSchema(const StarSchema& star, const FlatStar* flat) {
     const Cube& cube = *star.cube;
     const auto measures = cube.Measures();
-    std::string text =
-        fmt::format("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Schema name=\"{0}\">\n"
-                    "  <Cube name=\"{0}\"{1} defaultMeasure=\"{2}\">\n    <Table name=\"{3}\"/>\n",
-                    Escaped(cube.Name()), CaptionAttribute(cube.Name(), cube.Caption()),
-                    Escaped(measures[cube.DefaultMeasure()].name), star.factTable);
+    std::string text = fmt::format("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<Schema name=\"{0}\">\n"
+                                   "  <Cube name=\"{0}\"{1} defaultMeasure=\"{2}\">\n{3}",
+                                   Escaped(cube.Name()), CaptionAttribute(cube.Name(), cube.Caption()),
+                                   Escaped(measures[cube.DefaultMeasure()].name), FactElement(star, flat));
     for (const auto& dimension : cube.Dimensions()) {
         text += fmt::format("    <Dimension name=\"{}\"{}{} foreignKey=\"{}\">\n", Escaped(dimension.name),
                             CaptionAttribute(dimension.name, dimension.caption),
                             dimension.isTime ? " type=\"TimeDimension\"" : "", ForeignKey(star, dimension));
         for (const std::size_t index : dimension.hierarchies) {
-            text += HierarchyElement(star, cube.Hierarchies()[index], dimension);
+            text += HierarchyElement(star, flat, cube.Hierarchies()[index], dimension);
         }
         text += "    </Dimension>\n";
     }

@@ -12,8 +12,6 @@ namespace qel::engine {
 
 namespace {
 
-constexpr const char* integerType = "INTEGER";
-
 std::size_t LongestText(const Hierarchy& hierarchy) {
     std::size_t longest = 1;
     for (MemberId member = 0; member < hierarchy.MemberCount(); ++member) {
@@ -35,26 +33,9 @@ std::string MemberTable(const Hierarchy& hierarchy, const StarTable& table) {
     return CreateTable(table.name, columns);
 }
 
-std::string Index(std::string_view table, std::string_view column) {
-    return fmt::format("CREATE INDEX {} ON {} ({});\n", SqlName(fmt::format("{}_by_{}", table, column)),
+std::string Index(std::string_view kind, std::string_view table, std::string_view column) {
+    return fmt::format("CREATE {} {} ON {} ({});\n", kind, SqlName(fmt::format("{}_by_{}", table, column)),
                        SqlName(table), SqlName(column));
-}
-
-std::string FactTableText(const StarSchema& star) {
-    std::vector<SqlColumn> columns;
-    for (const auto& name : star.keyColumns) {
-        columns.push_back({name, integerType});
-    }
-    for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
-        const Measure& measure = star.cube->Measures()[i];
-        columns.push_back({star.measureColumns[i], measure.function == AggregateFunction::Count
-                                                       ? integerType
-                                                       : fmt::format("DECIMAL(19,{})", measure.decimals)});
-    }
-    if (!star.constantColumn.empty()) {
-        columns.push_back({star.constantColumn, integerType});
-    }
-    return CreateTable(star.factTable, columns);
 }
 
 void WriteMembers(const Hierarchy& hierarchy, const StarTable& table, const TextSink& sink) {
@@ -105,8 +86,9 @@ public:
         }
     }
 
-    void Write(RowWriter& writer, bool hasConstant) const {
+    void Write(const FactSpread& spread, std::vector<RowWriter>& writers, bool hasConstant) const {
         for (std::uint64_t row = 0; row < rows_.Count(); ++row) {
+            const std::size_t part = spread.parts.empty() ? 0 : spread.parts[codes_[spread.keyColumn][row]];
             std::vector<std::string> values;
             for (const auto& codes : codes_) {
                 values.push_back(std::to_string(codes[row]));
@@ -117,7 +99,7 @@ public:
             if (hasConstant) {
                 values.emplace_back("0");
             }
-            writer.Add(values);
+            writers[part].Add(values);
         }
     }
 
@@ -142,14 +124,12 @@ private:
     std::vector<const std::byte*> values_;
 };
 
-std::string ComposeIndexes(const StarSchema& star) {
+std::string ComposeMemberIndexes(const StarSchema& star) {
     std::string text;
-    for (const auto& name : star.keyColumns) {
-        text += Index(star.factTable, name);
-    }
     for (const auto& tables : star.hierarchies) {
+        const char* kind = HasOneRowPerCode(tables) ? "UNIQUE INDEX" : "INDEX";
         for (const auto& table : tables) {
-            text += Index(table.name, ownerColumn);
+            text += Index(kind, table.name, ownerColumn);
         }
     }
     return text;
@@ -157,8 +137,25 @@ std::string ComposeIndexes(const StarSchema& star) {
 
 } // namespace
 
-std::string ComposeTables(const StarSchema& star) {
-    std::string text = FactTableText(star);
+std::vector<SqlColumn> FactColumns(const StarSchema& star) {
+    std::vector<SqlColumn> columns;
+    for (const auto& name : star.keyColumns) {
+        columns.push_back({name, integerType});
+    }
+    for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
+        const Measure& measure = star.cube->Measures()[i];
+        columns.push_back({star.measureColumns[i], measure.function == AggregateFunction::Count
+                                                       ? integerType
+                                                       : fmt::format("DECIMAL(19,{})", measure.decimals)});
+    }
+    if (!star.constantColumn.empty()) {
+        columns.push_back({star.constantColumn, integerType});
+    }
+    return columns;
+}
+
+std::string ComposeMemberTables(const StarSchema& star) {
+    std::string text;
     for (const auto& hierarchy : star.cube->Hierarchies()) {
         for (const auto& table : star.hierarchies[hierarchy.Index()]) {
             text += MemberTable(hierarchy, table);
@@ -167,23 +164,39 @@ std::string ComposeTables(const StarSchema& star) {
     return text;
 }
 
-void WriteRows(const StarSchema& star, const TextSink& sink, const std::function<void(double)>& progress) {
-    constexpr std::uint64_t blockRows = 8192;
+std::string ComposeTables(const StarSchema& star) {
+    return CreateTable(star.factTable, FactColumns(star)) + ComposeMemberTables(star);
+}
+
+void WriteMemberRows(const StarSchema& star, const TextSink& sink) {
     for (const auto& hierarchy : star.cube->Hierarchies()) {
         for (const auto& table : star.hierarchies[hierarchy.Index()]) {
             WriteMembers(hierarchy, table, sink);
         }
     }
-    RowWriter writer(star.factTable, sink);
+    sink(ComposeMemberIndexes(star));
+}
+
+void WriteFactRows(const StarSchema& star, const FactSpread& spread, std::span<const TextSink> sinks,
+                   const std::function<void(double)>& progress) {
+    constexpr std::uint64_t blockRows = 8192;
+    std::vector<RowWriter> writers;
+    for (const TextSink& sink : sinks) {
+        writers.emplace_back(star.factTable, sink);
+    }
     const FactTable& facts = star.cube->Facts();
     for (std::uint64_t first = 0; first < facts.RowCount(); first += blockRows) {
         const RowRange rows{first, std::min(first + blockRows, facts.RowCount())};
-        FactBlock(facts, rows).Write(writer, !star.constantColumn.empty());
+        FactBlock(facts, rows).Write(spread, writers, !star.constantColumn.empty());
         progress(static_cast<double>(rows.last) / static_cast<double>(facts.RowCount()));
     }
-    writer.Finish();
     star.cube->CheckUnchanged();
-    sink(ComposeIndexes(star));
+    for (std::size_t part = 0; part < sinks.size(); ++part) {
+        writers[part].Finish();
+        for (const auto& name : star.keyColumns) {
+            sinks[part](Index("INDEX", star.factTable, name));
+        }
+    }
 }
 
 } // namespace qel::engine

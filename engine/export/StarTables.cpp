@@ -148,4 +148,11 @@ std::vector<StarTable> MakeStarTables(const Hierarchy& hierarchy, const std::str
     return tables;
 }
 
+bool HasOneRowPerCode(const std::vector<StarTable>& tables) {
+    std::set<std::int64_t> owners;
+    return tables.size() == 1 &&
+           std::all_of(tables.front().rows.begin(), tables.front().rows.end(),
+                       [&](const StarRow& row) { return owners.insert(row.owner).second; });
+}
+
 } // namespace qel::engine

@@ -29,4 +29,7 @@ struct StarTable {
 /// All level has no column. Members without a code get rows with negative codes.
 std::vector<StarTable> MakeStarTables(const Hierarchy& hierarchy, const std::string& name);
 
+/// Whether the tables are a single one with one row per code.
+bool HasOneRowPerCode(const std::vector<StarTable>& tables);
+
 } // namespace qel::engine

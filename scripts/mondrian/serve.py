@@ -70,6 +70,7 @@ class Server:
     def __init__(self, options, work):
         sources = work / "datasources.xml"
         sources.write_text(data_sources(options.folder, options.jdbc, options.user, options.password), encoding="utf-8")
+        spread = "true" if any((options.folder).glob("shard*.sql")) else "false"
         jars = [f"/usr/share/java/{jar}.jar" for jar in JARS]
         steps = ([HERE / "load-hsql.xml"] if options.jdbc == IN_MEMORY else []) + [HERE / "jetty.xml"]
         command = ["java", f"-Xmx{options.memory}", "-cp", ":".join(filter(os.path.exists, jars)),
@@ -83,6 +84,8 @@ class Server:
                    # The SQL of these fails for some sets.
                    "-Dmondrian.native.filter.enable=false", "-Dmondrian.native.topcount.enable=false",
                    "-Dmondrian.native.crossjoin.enable=false",
+                   # The views of a star that is spread over shards are aggregate tables.
+                   f"-Dmondrian.rolap.aggregates.Use={spread}", f"-Dmondrian.rolap.aggregates.Read={spread}",
                    f"-Dxmla.port={options.port}", f"-Dxmla.sources={sources.as_uri()}", f"-Dsql.folder={options.folder}",
                    "org.eclipse.jetty.xml.XmlConfiguration", *map(str, steps)]
         self.log = []
@@ -117,8 +120,9 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("folder", type=lambda text: pathlib.Path(text).resolve(), help="what qel cube export wrote")
     parser.add_argument("--port", type=int, default=0, help="(default: a free one)")
-    parser.add_argument("--jdbc", default=IN_MEMORY, help="the database, such as jdbc:postgresql://127.0.0.1/cubes")
-    parser.add_argument("--user", default="SA")
+    parser.add_argument("--jdbc", default=os.environ.get("QEL_JDBC", IN_MEMORY),
+                        help="the database, such as jdbc:postgresql://127.0.0.1/cubes (default: QEL_JDBC, or one in memory)")
+    parser.add_argument("--user", default=os.environ.get("QEL_USER", "SA"))
     parser.add_argument("--password", default="")
     parser.add_argument("--memory", default="512m", help="for the server (default: 512m)")
     parser.add_argument("command", nargs=argparse.REMAINDER, metavar="-- COMMAND")

@@ -2,6 +2,7 @@
 
 #include "qel/engine/CubeFile.h"
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <vector>
@@ -14,5 +15,12 @@ namespace qel::engine {
 /// the share done, 0 to 1. Returns the files written. Raises EngineError naming the file.
 std::vector<std::filesystem::path> ExportCubes(const CubeFile& file, const std::filesystem::path& folder,
                                                const std::function<void(double)>& progress);
+
+/// The same for a PostgreSQL server, the coordinator, over others that share the facts by month: the schemas,
+/// "shard1.sql" and so on for the shards, and "coordinator.sql". Raises EngineError (InvalidExpression) for a
+/// cube without a calendar of months.
+std::vector<std::filesystem::path> ExportShards(const CubeFile& file, const std::filesystem::path& folder,
+                                                std::size_t shards,
+                                                const std::function<void(double)>& progress);
 
 } // namespace qel::engine

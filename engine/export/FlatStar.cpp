@@ -1,0 +1,216 @@
+#include "engine/export/FlatStar.h"
+
+#include "qel/engine/EngineError.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <numeric>
+#include <optional>
+
+namespace qel::engine {
+
+namespace {
+
+/// The level of months, which its members' keys tell: 2024-03.
+std::optional<std::size_t> MonthLevel(const Hierarchy& hierarchy) {
+    for (std::size_t level = 0; level < hierarchy.Levels().size(); ++level) {
+        const MemberRange members = hierarchy.Levels()[level].members;
+        const std::string_view key = members.first < members.last ? hierarchy.MemberKey(members.first) : "";
+        if (!hierarchy.Levels()[level].isAll && key.size() == 7 && key[5] != 'Q') {
+            return level;
+        }
+    }
+    return std::nullopt;
+}
+
+void FindMonths(FlatStar& flat) {
+    const Cube& cube = *flat.star->cube;
+    for (const auto& dimension : cube.Dimensions()) {
+        for (const std::size_t index : dimension.hierarchies) {
+            const Hierarchy& hierarchy = cube.Hierarchies()[index];
+            const auto months = dimension.isTime ? MonthLevel(hierarchy) : std::nullopt;
+            if (months && hierarchy.KeyColumn() && HasOneRowPerCode(flat.star->hierarchies[index])) {
+                flat.calendar = index;
+                flat.months = *months;
+                return;
+            }
+        }
+    }
+    throw EngineError(ErrorKind::InvalidExpression,
+                      fmt::format("The cube '{}' has no calendar with months, by which its facts could be "
+                                  "spread over shards.",
+                                  cube.Name()));
+}
+
+/// Every choice of how far to follow each hierarchy that multiplies the facts, from none to the deepest.
+std::vector<FlatView> ListViews(const StarSchema& star) {
+    constexpr std::size_t most = 32;
+    std::vector<FlatView> views{FlatView{}};
+    for (const auto& tables : star.hierarchies) {
+        std::vector<FlatView> longer;
+        for (const FlatView& view : views) {
+            const bool isSingle = HasOneRowPerCode(tables);
+            for (std::size_t count = isSingle ? 1 : 0; count <= tables.size(); ++count) {
+                if (count == 0 || !tables[count - 1].levels.empty()) { // a table of codes shows no level
+                    longer.push_back(view);
+                    longer.back().tables.push_back(count);
+                }
+            }
+        }
+        views = std::move(longer);
+        if (views.size() > most) {
+            throw EngineError(
+                ErrorKind::InvalidExpression,
+                fmt::format("The cube '{}' has too many hierarchies whose codes have several members on a "
+                            "level to be spread over shards.",
+                            star.cube->Name()));
+        }
+    }
+    std::stable_sort(views.begin(), views.end(), [](const FlatView& left, const FlatView& right) {
+        return std::reduce(left.tables.begin(), left.tables.end()) <
+               std::reduce(right.tables.begin(), right.tables.end());
+    });
+    for (std::size_t i = 0; i < views.size(); ++i) {
+        views[i].name = fmt::format("{}__flat{}", star.factTable, i);
+    }
+    return views;
+}
+
+/// The levels that a view shows, by hierarchy and level.
+std::vector<std::string> LevelColumns(const StarSchema& star, const FlatView& view) {
+    std::vector<std::string> columns;
+    for (std::size_t hierarchy = 0; hierarchy < star.hierarchies.size(); ++hierarchy) {
+        for (std::size_t i = 0; i < view.tables[hierarchy]; ++i) {
+            for (const std::size_t level : star.hierarchies[hierarchy][i].levels) {
+                columns.push_back(FlatColumn(hierarchy, level));
+            }
+        }
+    }
+    return columns;
+}
+
+/// The joins of a hierarchy's tables. A table with one row per code is joined from outside: the database
+/// leaves such a join out where a statement uses none of its columns.
+void AddHierarchy(const StarSchema& star, std::size_t index, std::size_t tableCount, std::string& columns,
+                  std::string& joins) {
+    const auto key = star.cube->Hierarchies()[index].KeyColumn();
+    std::string owner = "f." + SqlName(key ? star.keyColumns[*key] : star.constantColumn);
+    const auto& tables = star.hierarchies[index];
+    const char* kind = HasOneRowPerCode(tables) ? "LEFT JOIN" : "JOIN";
+    for (std::size_t i = 0; i < tableCount; ++i) {
+        if (tables[i].levels.empty()) {
+            continue;
+        }
+        const std::string alias = fmt::format("h{}_{}", index, i);
+        joins += fmt::format("\n  {} {} {} ON {}.{} = {}", kind, SqlName(tables[i].name), alias, alias,
+                             SqlName(ownerColumn), owner);
+        for (const std::size_t level : tables[i].levels) {
+            columns += fmt::format(",\n  {}.{} AS {}", alias, SqlName(IdColumn(level)),
+                                   SqlName(FlatColumn(index, level)));
+        }
+        owner = alias + "." + SqlName(rowColumn);
+    }
+}
+
+std::vector<SqlColumn> ColumnsOfView(const StarSchema& star, const FlatView& view) {
+    std::vector<SqlColumn> columns = FactColumns(star);
+    columns.push_back({factCountColumn, integerType});
+    for (const auto& name : LevelColumns(star, view)) {
+        columns.push_back({name, integerType});
+    }
+    return columns;
+}
+
+std::string AllShards(const FlatView& view) { return view.name + "__all"; }
+
+std::string ForeignPart(const FlatStar& flat, const FlatView& view, std::size_t shard) {
+    const auto months = MonthsOfShard(flat, shard);
+    if (months.empty()) {
+        return {};
+    }
+    return fmt::format("CREATE FOREIGN TABLE {} PARTITION OF {} FOR VALUES IN ({})\n  SERVER shard{} OPTIONS "
+                       "(table_name {}, fetch_size '10000', async_capable 'true');\n",
+                       SqlName(fmt::format("{}__shard{}", view.name, shard + 1)), SqlName(AllShards(view)),
+                       fmt::join(months, ","), shard + 1, SqlText(view.name));
+}
+
+} // namespace
+
+std::string FlatColumn(std::size_t hierarchy, std::size_t level) {
+    return fmt::format("h{}__level{}", hierarchy, level);
+}
+
+FlatStar SpreadStar(const StarSchema& star, std::size_t shards) {
+    FlatStar flat;
+    flat.star = &star;
+    flat.shards = shards;
+    FindMonths(flat);
+    flat.views = ListViews(star);
+    return flat;
+}
+
+std::vector<MemberId> MonthsOfShard(const FlatStar& flat, std::size_t shard) {
+    // In turn, so that every shard works for a statement over a year.
+    const MemberRange members = flat.star->cube->Hierarchies()[flat.calendar].Levels()[flat.months].members;
+    std::vector<MemberId> months;
+    for (std::size_t member = members.first + shard; member < members.last; member += flat.shards) {
+        months.push_back(static_cast<MemberId>(member));
+    }
+    return months;
+}
+
+FactSpread SpreadOfFacts(const FlatStar& flat) {
+    const Hierarchy& calendar = flat.star->cube->Hierarchies()[flat.calendar];
+    const StarTable& table = flat.star->hierarchies[flat.calendar].front();
+    const auto months = std::find(table.levels.begin(), table.levels.end(), flat.months);
+    const auto place = static_cast<std::size_t>(months - table.levels.begin());
+    const MemberId first = calendar.Levels()[flat.months].members.first;
+    FactSpread spread{.keyColumn = *calendar.KeyColumn(), .parts = {}};
+    for (const StarRow& row : table.rows) {
+        if (row.owner >= 0) { // others have no facts
+            const auto code = static_cast<std::size_t>(row.owner);
+            spread.parts.resize(std::max(spread.parts.size(), code + 1));
+            spread.parts[code] = (row.members[place] - first) % flat.shards;
+        }
+    }
+    return spread;
+}
+
+std::string ComposeShardViews(const FlatStar& flat) {
+    std::string text;
+    for (const FlatView& view : flat.views) {
+        std::string columns = fmt::format("f.*, 1 AS {}", SqlName(factCountColumn));
+        std::string joins;
+        for (std::size_t index = 0; index < view.tables.size(); ++index) {
+            AddHierarchy(*flat.star, index, view.tables[index], columns, joins);
+        }
+        text += fmt::format("CREATE VIEW {} AS SELECT {}\n  FROM {} f{};\n", SqlName(view.name), columns,
+                            SqlName(flat.star->factTable), joins);
+    }
+    return text;
+}
+
+std::string ComposeForeignTables(const FlatStar& flat) {
+    std::string text;
+    for (const FlatView& view : flat.views) {
+        std::string table = CreateTable(AllShards(view), ColumnsOfView(*flat.star, view));
+        table.resize(table.rfind(';'));
+        text += fmt::format("{} PARTITION BY LIST ({});\n", table,
+                            SqlName(FlatColumn(flat.calendar, flat.months)));
+        for (std::size_t shard = 0; shard < flat.shards; ++shard) {
+            text += ForeignPart(flat, view, shard);
+        }
+        // The OLAP server looks for tables and views, not for partitioned tables.
+        text += fmt::format("CREATE VIEW {} AS SELECT * FROM {};\n", SqlName(view.name),
+                            SqlName(AllShards(view)));
+    }
+    std::vector<std::string> columns;
+    for (const SqlColumn& column : FactColumns(*flat.star)) {
+        columns.push_back(SqlName(column.name));
+    }
+    return text + fmt::format("CREATE VIEW {} AS SELECT {} FROM {};\n", SqlName(flat.star->factTable),
+                              fmt::join(columns, ", "), SqlName(AllShards(flat.views.front())));
+}
+
+} // namespace qel::engine
