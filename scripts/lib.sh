@@ -24,7 +24,7 @@ wine32_packages="wine wine32:i386" # of a room with packages of i386
 command -v npm >/dev/null || windows_packages+=" npm" # SQLite's source for the Windows build comes through it
 package_packages="dpkg-dev nsis python3-markdown git"
 server_packages="openjdk-17-jre-headless libmondrian-java libjetty9-java libservlet-api-java liblog4j1.2-java
-    libcommons-io-java libcommons-collections3-java libhsqldb-java postgresql odbc-postgresql libsqliteodbc"
+    libcommons-io-java libcommons-collections3-java libhsqldb-java postgresql odbc-postgresql libpostgresql-jdbc-java libsqliteodbc"
 fuzz_packages="clang libclang-rt-14-dev"
 
 as_root() {

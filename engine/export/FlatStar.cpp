@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <numeric>
 #include <optional>
+#include <string_view>
+#include <utility>
 
 namespace qel::engine {
 
@@ -77,6 +79,24 @@ std::vector<FlatView> ListViews(const StarSchema& star) {
     return views;
 }
 
+/// A view for each key column whose codes have one member per level.
+std::vector<FlatView> ListSums(const StarSchema& star) {
+    std::vector<FlatView> views;
+    for (std::size_t key = 0; key < star.keyColumns.size(); ++key) {
+        FlatView view{.name = fmt::format("{}__sums{}", star.factTable, key), .tables = {}, .summedBy = key};
+        bool hasLevels = false;
+        for (const auto& hierarchy : star.cube->Hierarchies()) {
+            const bool isOfKey = hierarchy.KeyColumn().value_or(key) == key; // the others restrict nothing
+            view.tables.push_back(isOfKey && HasOneRowPerCode(star.hierarchies[hierarchy.Index()]) ? 1 : 0);
+            hasLevels = hasLevels || (hierarchy.KeyColumn() && view.tables.back() > 0);
+        }
+        if (hasLevels) {
+            views.push_back(std::move(view));
+        }
+    }
+    return views;
+}
+
 /// The levels that a view shows, by hierarchy and level.
 std::vector<std::string> LevelColumns(const StarSchema& star, const FlatView& view) {
     std::vector<std::string> columns;
@@ -114,25 +134,102 @@ void AddHierarchy(const StarSchema& star, std::size_t index, std::size_t tableCo
 }
 
 std::vector<SqlColumn> ColumnsOfView(const StarSchema& star, const FlatView& view) {
-    std::vector<SqlColumn> columns = FactColumns(star);
-    columns.push_back({factCountColumn, integerType});
+    std::vector<SqlColumn> columns;
+    if (view.summedBy) {
+        for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
+            const Measure& measure = star.cube->Measures()[i];
+            columns.push_back(
+                {star.measureColumns[i], measure.function == AggregateFunction::Count
+                                             ? "BIGINT"
+                                             : fmt::format("DECIMAL(38,{})", measure.decimals)});
+        }
+    } else {
+        columns = FactColumns(star);
+    }
+    columns.push_back({factCountColumn, "BIGINT"});
     for (const auto& name : LevelColumns(star, view)) {
         columns.push_back({name, integerType});
     }
     return columns;
 }
 
+/// The facts summed by the view's key column, as a table of a FROM.
+std::string SummedFacts(const StarSchema& star, const FlatView& view, std::string& columns) {
+    const std::string key = SqlName(star.keyColumns[*view.summedBy]);
+    std::string sums;
+    std::vector<std::string> shown;
+    for (const auto& measure : star.measureColumns) {
+        sums += fmt::format(", sum({0}) AS {0}", SqlName(measure));
+        shown.push_back("f." + SqlName(measure));
+    }
+    shown.push_back("f." + SqlName(factCountColumn));
+    columns = fmt::format("{}", fmt::join(shown, ", "));
+    const std::string constant =
+        star.constantColumn.empty() ? "" : fmt::format(", 0 AS {}", SqlName(star.constantColumn));
+    return fmt::format("(SELECT {0}{1}{2}, count(*) AS {3} FROM {4} GROUP BY {0})", key, constant, sums,
+                       SqlName(factCountColumn), SqlName(star.factTable));
+}
+
+std::string ShardView(const StarSchema& star, const FlatView& view) {
+    std::string columns = fmt::format("f.*, 1 AS {}", SqlName(factCountColumn));
+    const std::string facts = view.summedBy ? SummedFacts(star, view, columns) : SqlName(star.factTable);
+    std::string joins;
+    for (std::size_t index = 0; index < view.tables.size(); ++index) {
+        AddHierarchy(star, index, view.tables[index], columns, joins);
+    }
+    return fmt::format("CREATE {}VIEW {} AS SELECT {}\n  FROM {} f{};\n",
+                       view.summedBy ? "MATERIALIZED " : "", SqlName(view.name), columns, facts, joins);
+}
+
 std::string AllShards(const FlatView& view) { return view.name + "__all"; }
 
-std::string ForeignPart(const FlatStar& flat, const FlatView& view, std::size_t shard) {
-    const auto months = MonthsOfShard(flat, shard);
-    if (months.empty()) {
-        return {};
+std::string PartOfShard(const FlatView& view, std::size_t shard) {
+    return fmt::format("{}__shard{}", view.name, shard + 1);
+}
+
+std::string AtShard(const FlatView& view, std::size_t shard) {
+    return fmt::format("SERVER shard{} OPTIONS (table_name {}, fetch_size '10000', async_capable 'true');\n",
+                       shard + 1, SqlText(view.name));
+}
+
+std::string CreateOpen(std::string_view kind, const std::string& name,
+                       const std::vector<SqlColumn>& columns) {
+    std::string table = CreateTable(name, columns);
+    table.resize(table.rfind(';'));
+    return table.replace(0, std::string_view("CREATE TABLE").size(), kind);
+}
+
+/// Sums by month are those of the shards: a month's facts are all on one.
+std::string PartitionedView(const FlatStar& flat, const FlatView& view) {
+    std::string text =
+        fmt::format("{} PARTITION BY LIST ({});\n",
+                    CreateOpen("CREATE TABLE", AllShards(view), ColumnsOfView(*flat.star, view)),
+                    SqlName(FlatColumn(flat.calendar, flat.months)));
+    for (std::size_t shard = 0; shard < flat.shards; ++shard) {
+        if (const auto months = MonthsOfShard(flat, shard); !months.empty()) {
+            text += fmt::format("CREATE FOREIGN TABLE {} PARTITION OF {} FOR VALUES IN ({})\n  {}",
+                                SqlName(PartOfShard(view, shard)), SqlName(AllShards(view)),
+                                fmt::join(months, ","), AtShard(view, shard));
+        }
     }
-    return fmt::format("CREATE FOREIGN TABLE {} PARTITION OF {} FOR VALUES IN ({})\n  SERVER shard{} OPTIONS "
-                       "(table_name {}, fetch_size '10000', async_capable 'true');\n",
-                       SqlName(fmt::format("{}__shard{}", view.name, shard + 1)), SqlName(AllShards(view)),
-                       fmt::join(months, ","), shard + 1, SqlText(view.name));
+    // The OLAP server looks for tables and views, not for partitioned tables.
+    return text +
+           fmt::format("CREATE VIEW {} AS SELECT * FROM {};\n", SqlName(view.name), SqlName(AllShards(view)));
+}
+
+/// The sums of all shards, one after the other.
+std::string UnitedView(const FlatStar& flat, const FlatView& view) {
+    std::string text;
+    std::vector<std::string> parts;
+    for (std::size_t shard = 0; shard < flat.shards; ++shard) {
+        text += fmt::format(
+            "{}\n  {}",
+            CreateOpen("CREATE FOREIGN TABLE", PartOfShard(view, shard), ColumnsOfView(*flat.star, view)),
+            AtShard(view, shard));
+        parts.push_back("SELECT * FROM " + SqlName(PartOfShard(view, shard)));
+    }
+    return text +
+           fmt::format("CREATE VIEW {} AS\n  {};\n", SqlName(view.name), fmt::join(parts, "\n  UNION ALL "));
 }
 
 } // namespace
@@ -146,7 +243,10 @@ FlatStar SpreadStar(const StarSchema& star, std::size_t shards) {
     flat.star = &star;
     flat.shards = shards;
     FindMonths(flat);
-    flat.views = ListViews(star);
+    flat.views = ListSums(star);
+    for (FlatView& view : ListViews(star)) {
+        flat.views.push_back(std::move(view));
+    }
     return flat;
 }
 
@@ -180,13 +280,7 @@ FactSpread SpreadOfFacts(const FlatStar& flat) {
 std::string ComposeShardViews(const FlatStar& flat) {
     std::string text;
     for (const FlatView& view : flat.views) {
-        std::string columns = fmt::format("f.*, 1 AS {}", SqlName(factCountColumn));
-        std::string joins;
-        for (std::size_t index = 0; index < view.tables.size(); ++index) {
-            AddHierarchy(*flat.star, index, view.tables[index], columns, joins);
-        }
-        text += fmt::format("CREATE VIEW {} AS SELECT {}\n  FROM {} f{};\n", SqlName(view.name), columns,
-                            SqlName(flat.star->factTable), joins);
+        text += ShardView(*flat.star, view);
     }
     return text;
 }
@@ -194,23 +288,16 @@ std::string ComposeShardViews(const FlatStar& flat) {
 std::string ComposeForeignTables(const FlatStar& flat) {
     std::string text;
     for (const FlatView& view : flat.views) {
-        std::string table = CreateTable(AllShards(view), ColumnsOfView(*flat.star, view));
-        table.resize(table.rfind(';'));
-        text += fmt::format("{} PARTITION BY LIST ({});\n", table,
-                            SqlName(FlatColumn(flat.calendar, flat.months)));
-        for (std::size_t shard = 0; shard < flat.shards; ++shard) {
-            text += ForeignPart(flat, view, shard);
-        }
-        // The OLAP server looks for tables and views, not for partitioned tables.
-        text += fmt::format("CREATE VIEW {} AS SELECT * FROM {};\n", SqlName(view.name),
-                            SqlName(AllShards(view)));
+        text += view.summedBy ? UnitedView(flat, view) : PartitionedView(flat, view);
     }
     std::vector<std::string> columns;
     for (const SqlColumn& column : FactColumns(*flat.star)) {
         columns.push_back(SqlName(column.name));
     }
+    const auto facts = std::find_if(flat.views.begin(), flat.views.end(),
+                                    [](const FlatView& view) { return !view.summedBy; });
     return text + fmt::format("CREATE VIEW {} AS SELECT {} FROM {};\n", SqlName(flat.star->factTable),
-                              fmt::join(columns, ", "), SqlName(AllShards(flat.views.front())));
+                              fmt::join(columns, ", "), SqlName(AllShards(*facts)));
 }
 
 } // namespace qel::engine

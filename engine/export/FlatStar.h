@@ -3,6 +3,7 @@
 #include "engine/export/StarRows.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,6 +15,9 @@ namespace qel::engine {
 struct FlatView {
     std::string name;
     std::vector<std::size_t> tables; ///< by hierarchy: how many of its tables are joined
+    /// The one key column by which every shard sums its facts ahead. The coordinator adds what the shards sum
+    /// only for statements that group by month; others would fetch facts, and here they fetch a row per code.
+    std::optional<std::size_t> summedBy;
 };
 
 /// A star spread over shards, each with some months' facts and all members.
@@ -22,7 +26,7 @@ struct FlatStar {
     std::size_t shards = 1;
     std::size_t calendar = 0; ///< the hierarchy by whose months the facts are spread
     std::size_t months = 0;   ///< its level
-    /// Of two views that serve a statement, the first counts right.
+    /// Of two views that serve a statement, the first counts right and is the smaller one.
     std::vector<FlatView> views;
 };
 

@@ -3,8 +3,11 @@
 #include "qel/engine/BracketedName.h"
 #include "qel/engine/CheckCalculations.h"
 #include "qel/engine/EngineError.h"
+#include "text/CaseFold.h"
 
 #include <fmt/format.h>
+
+#include <algorithm>
 
 namespace qel::engine {
 
@@ -107,15 +110,41 @@ bool HasUniqueMembers(const FlatStar* flat, const Hierarchy& hierarchy, std::siz
     return !flat || hierarchy.Index() != flat->calendar || level <= flat->months;
 }
 
+bool HasLevelOfItsName(const Hierarchy& hierarchy) {
+    const auto& levels = hierarchy.Levels();
+    return std::any_of(levels.begin(), levels.end(),
+                       [&](const Level& level) { return EqualIgnoringCase(level.name, hierarchy.Name()); });
+}
+
+/// The name with the first Latin letter in the other case.
+std::string InOtherCase(std::string name) {
+    const auto letter = std::find_if(name.begin(), name.end(), [](char character) {
+        return (character >= 'A' && character <= 'Z') || (character >= 'a' && character <= 'z');
+    });
+    if (letter != name.end()) {
+        *letter = static_cast<char>(*letter ^ ' ');
+    }
+    return name;
+}
+
+/// The hierarchy's name in the schema, which is the same to statements. In the description of an aggregate
+/// table Mondrian takes [Firma].[Firma] for a hierarchy and finds no level, but finds
+/// [Firma].[firma].[Firma].
+std::string NameInSchema(const FlatStar* flat, const Hierarchy& hierarchy, const std::string& dimension) {
+    const bool isUnclear = flat && hierarchy.Name() == dimension && HasLevelOfItsName(hierarchy);
+    return isUnclear ? InOtherCase(hierarchy.Name()) : hierarchy.Name();
+}
+
 std::string HierarchyElement(const StarSchema& star, const FlatStar* flat, const Hierarchy& hierarchy,
                              const Dimension& dimension) {
     const auto& tables = star.hierarchies[hierarchy.Index()];
     const bool isJoined = tables.size() > 1;
     std::string attributes;
-    if (hierarchy.Name() != dimension.name) {
-        attributes += fmt::format(" name=\"{}\"", Escaped(hierarchy.Name()));
+    const std::string name = NameInSchema(flat, hierarchy, dimension.name);
+    if (name != dimension.name) {
+        attributes += fmt::format(" name=\"{}\"", Escaped(name));
     }
-    attributes += CaptionAttribute(hierarchy.Name(), hierarchy.Caption()) + AllAttributes(hierarchy);
+    attributes += CaptionAttribute(name, hierarchy.Caption()) + AllAttributes(hierarchy);
     attributes += fmt::format(" primaryKey=\"{}\"", ownerColumn);
     if (isJoined) {
         attributes += fmt::format(" primaryKeyTable=\"{}\"", tables.front().name);
@@ -204,40 +233,54 @@ std::string CalculationElements(const Cube& cube) {
     return text;
 }
 
-std::string AggregateLevels(const StarSchema& star, std::size_t index, std::size_t tableCount) {
+std::string AggregateLevels(const StarSchema& star, const FlatStar& flat, std::size_t index,
+                            std::size_t tableCount) {
     const Hierarchy& hierarchy = star.cube->Hierarchies()[index];
-    const std::string name = BracketedName(star.cube->Dimensions()[hierarchy.DimensionIndex()].name) + "." +
-                             BracketedName(hierarchy.Name());
+    const std::string& dimension = star.cube->Dimensions()[hierarchy.DimensionIndex()].name;
+    const std::string name = NameInSchema(&flat, hierarchy, dimension);
+    if (name == dimension && HasLevelOfItsName(hierarchy)) { // statements with it go to the facts
+        return {};
+    }
+    const std::string path =
+        name == dimension ? BracketedName(dimension) : BracketedName(dimension) + "." + BracketedName(name);
     std::string text;
     for (std::size_t i = 0; i < tableCount; ++i) {
         for (const std::size_t level : star.hierarchies[index][i].levels) {
             text += fmt::format("        <AggLevel name=\"{}\" column=\"{}\"/>\n",
-                                Escaped(name + "." + BracketedName(hierarchy.Levels()[level].name)),
+                                Escaped(path + "." + BracketedName(hierarchy.Levels()[level].name)),
                                 FlatColumn(index, level));
         }
     }
     return text;
 }
 
-/// The view as an aggregate table. Of those that hold a statement's levels the server takes the one with the
-/// fewest rows, so the stated numbers only give the order of the views.
-std::string AggregateElement(const StarSchema& star, const FlatView& view, std::size_t place) {
-    std::string text = fmt::format("      <AggName name=\"{}\" approxRowCount=\"{}\">\n"
-                                   "        <AggFactCount column=\"{}\"/>\n",
-                                   view.name, place + 1, factCountColumn);
+std::string IgnoredColumns(const StarSchema& star) {
     std::vector<std::string> ignored = star.keyColumns;
     if (!star.constantColumn.empty()) {
         ignored.push_back(star.constantColumn);
     }
+    std::string text;
     for (const auto& column : ignored) {
         text += fmt::format("        <AggIgnoreColumn column=\"{}\"/>\n", column);
     }
+    return text;
+}
+
+/// The view as an aggregate table. Of those that hold a statement's levels the server takes the one with the
+/// fewest rows, so the stated numbers only give the order of the views.
+std::string AggregateElement(const FlatStar& flat, std::size_t place) {
+    const StarSchema& star = *flat.star;
+    const FlatView& view = flat.views[place];
+    std::string text = fmt::format("      <AggName name=\"{}\" approxRowCount=\"{}\">\n"
+                                   "        <AggFactCount column=\"{}\"/>\n",
+                                   view.name, place + 1, factCountColumn);
+    text += view.summedBy ? "" : IgnoredColumns(star);
     for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
         text += fmt::format("        <AggMeasure name=\"[Measures].{}\" column=\"{}\"/>\n",
                             Escaped(BracketedName(star.cube->Measures()[i].name)), star.measureColumns[i]);
     }
     for (std::size_t index = 0; index < view.tables.size(); ++index) {
-        text += AggregateLevels(star, index, view.tables[index]);
+        text += AggregateLevels(star, flat, index, view.tables[index]);
     }
     return text + "      </AggName>\n";
 }
@@ -248,7 +291,7 @@ std::string FactElement(const StarSchema& star, const FlatStar* flat) {
     }
     std::string text = fmt::format("    <Table name=\"{}\">\n", star.factTable);
     for (std::size_t i = 0; i < flat->views.size(); ++i) {
-        text += AggregateElement(star, flat->views[i], i);
+        text += AggregateElement(*flat, i);
     }
     return text + "    </Table>\n";
 }

@@ -63,7 +63,7 @@ def connect(ports):
     text = "CREATE EXTENSION postgres_fdw;"
     for number, port in enumerate(ports, 1):
         text += (f"CREATE SERVER shard{number} FOREIGN DATA WRAPPER postgres_fdw OPTIONS (host '127.0.0.1', port '{port}', "
-                 "dbname 'postgres', use_remote_estimate 'true', connect_timeout '10');"
+                 "dbname 'postgres', use_remote_estimate 'true', fdw_tuple_cost '1', connect_timeout '10');"
                  f"CREATE USER MAPPING FOR {USER} SERVER shard{number} OPTIONS (user '{USER}', password_required 'false');")
     return text
 
