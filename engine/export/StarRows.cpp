@@ -88,7 +88,7 @@ public:
 
     void Write(const FactSpread& spread, std::vector<RowWriter>& writers, bool hasConstant) const {
         for (std::uint64_t row = 0; row < rows_.Count(); ++row) {
-            const std::size_t part = spread.parts.empty() ? 0 : spread.parts[codes_[spread.keyColumn][row]];
+            const std::size_t part = spread.PartOf(codes_[spread.keyColumn][row]);
             std::vector<std::string> values;
             for (const auto& codes : codes_) {
                 values.push_back(std::to_string(codes[row]));

@@ -4,6 +4,7 @@
 #include "engine/export/StarSchema.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
@@ -23,7 +24,8 @@ std::string ComposeTables(const StarSchema& star);
 /// Which part of the facts a fact belongs to.
 struct FactSpread {
     std::size_t keyColumn = 0;
-    std::vector<std::size_t> parts; ///< by code of the key column; empty when there is one part
+    std::vector<std::size_t> parts; ///< by code of the key column; the others belong to part 0
+    std::size_t PartOf(std::uint32_t code) const { return code < parts.size() ? parts[code] : 0; }
 };
 
 /// The statements that fill the tables of members, piece by piece, then those that create their indexes.

@@ -3,7 +3,8 @@
 
 Every shard and the coordinator is a server of its own on a loopback port. The command finds the coordinator in QEL_JDBC
 and QEL_USER, which serve.py reads, and the ports of all servers in QEL_PORTS: the coordinator's, then those of the
-shards. The folders of their data, QEL_DATA, have the same order; pg_ctl stops and starts the server in a folder.
+shards. The folders of their data, QEL_DATA, and the lines of QEL_OPTIONS have the same order; pg_ctl stops the server
+of a folder and starts it with its options.
 
   scripts/mondrian/shards.py served -- scripts/mondrian/serve.py served -- bash
 """
@@ -63,7 +64,7 @@ def connect(ports):
     text = "CREATE EXTENSION postgres_fdw;"
     for number, port in enumerate(ports, 1):
         text += (f"CREATE SERVER shard{number} FOREIGN DATA WRAPPER postgres_fdw OPTIONS (host '127.0.0.1', port '{port}', "
-                 "dbname 'postgres', use_remote_estimate 'true', fdw_tuple_cost '1', connect_timeout '10');"
+                 "dbname 'postgres', use_remote_estimate 'true', connect_timeout '10');"
                  f"CREATE USER MAPPING FOR {USER} SERVER shard{number} OPTIONS (user '{USER}', password_required 'false');")
     return text
 
@@ -100,7 +101,8 @@ def main():
         await_all([coordinator.load(connect([shard.port for shard in shards]), options.folder / "coordinator.sql")])
         environment = {"QEL_JDBC": f"jdbc:postgresql://127.0.0.1:{coordinator.port}/postgres", "QEL_USER": USER,
                        "QEL_PORTS": " ".join(str(server.port) for server in servers),
-                       "QEL_DATA": " ".join(str(server.folder) for server in servers)}
+                       "QEL_DATA": " ".join(str(server.folder) for server in servers),
+                       "QEL_OPTIONS": "\n".join(server.options for server in servers)}
         return subprocess.run(command, env={**os.environ, **environment}).returncode
 
 
