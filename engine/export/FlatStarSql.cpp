@@ -51,6 +51,7 @@ void AddHierarchy(const StarSchema& star, std::size_t index, std::size_t tableCo
 std::vector<SqlColumn> ColumnsOfView(const StarSchema& star, const FlatView& view) {
     std::vector<SqlColumn> columns;
     if (view.summedBy) {
+        columns.push_back({star.keyColumns[*view.summedBy], integerType});
         for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
             const Measure& measure = star.cube->Measures()[i];
             columns.push_back(
@@ -72,7 +73,7 @@ std::vector<SqlColumn> ColumnsOfView(const StarSchema& star, const FlatView& vie
 std::string SummedFacts(const StarSchema& star, const FlatView& view, std::string& columns) {
     const std::string key = SqlName(star.keyColumns[*view.summedBy]);
     std::string sums;
-    std::vector<std::string> shown;
+    std::vector<std::string> shown{"f." + key};
     for (const auto& measure : star.measureColumns) {
         sums += fmt::format(", sum({0}) AS {0}", SqlName(measure));
         shown.push_back("f." + SqlName(measure));

@@ -52,9 +52,13 @@ std::string AggregateLevels(const StarSchema& star, std::size_t index, std::size
     return text;
 }
 
-std::string IgnoredColumns(const StarSchema& star) {
+/// The columns that are no levels. Without any Mondrian would not sum the rows for a statement with all
+/// levels of the view.
+std::string IgnoredColumns(const StarSchema& star, const FlatView& view) {
     std::vector<std::string> ignored = star.keyColumns;
-    if (!star.constantColumn.empty()) {
+    if (view.summedBy) {
+        ignored = {star.keyColumns[*view.summedBy]};
+    } else if (!star.constantColumn.empty()) {
         ignored.push_back(star.constantColumn);
     }
     std::string text;
@@ -70,7 +74,7 @@ std::string AggregateElement(const FlatStar& flat, std::size_t place) {
     std::string text = fmt::format("      <AggName name=\"{}\" approxRowCount=\"{}\">\n"
                                    "        <AggFactCount column=\"{}\"/>\n",
                                    view.name, place + 1, factCountColumn);
-    text += view.summedBy ? "" : IgnoredColumns(star);
+    text += IgnoredColumns(star, view);
     for (std::size_t i = 0; i < star.measureColumns.size(); ++i) {
         text += fmt::format("        <AggMeasure name=\"[Measures].{}\" column=\"{}\"/>\n",
                             XmlEscaped(BracketedName(star.cube->Measures()[i].name)), star.measureColumns[i]);

@@ -148,8 +148,8 @@ std::string CalculatedMemberElement(const Cube& cube, const CalculatedMember& me
         const std::string& dimension = cube.Dimensions()[hierarchy.DimensionIndex()].name;
         attributes = hierarchy.Name() == dimension
                          ? fmt::format(" dimension=\"{}\"", XmlEscaped(dimension))
-                         : fmt::format(" hierarchy=\"{}\"",
-                                       XmlEscaped(BracketedName(dimension + "." + hierarchy.Name())));
+                         : fmt::format(" hierarchy=\"{}\"", XmlEscaped(BracketedName(dimension) + "." +
+                                                                       BracketedName(hierarchy.Name())));
         if (place.parent != noMember) {
             attributes += fmt::format(" parent=\"{}\"", XmlEscaped(hierarchy.MemberUniqueName(place.parent)));
         }

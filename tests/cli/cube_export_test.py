@@ -141,7 +141,7 @@ class Export(unittest.TestCase):
         self.assertEqual(written, [
             ({"name": "Per line", "dimension": "Measures", "formatString": "0.0"},
              "[Measures].[Amount] / [Measures].[Lines]", ["3"]),
-            ({"name": "1 & 2", "hierarchy": "[Unit.Flat]", "parent": "[Unit].[Flat].[All]"}, "Sum([Two])", []),
+            ({"name": "1 & 2", "hierarchy": "[Unit].[Flat]", "parent": "[Unit].[Flat].[All]"}, "Sum([Two])", []),
             ({"name": "Two"}, "{[Unit].[Flat].[1], [Unit].[Flat].[2]}", [])])
 
     def test_names_of_every_kind(self):
@@ -151,6 +151,7 @@ class Export(unittest.TestCase):
     def test_wrong_usage(self):
         for arguments, words in ((("no.cub", "--schema", "mondrian", "--sql", "x"), "does not exist"),
                                  (("no.cub", "--schema", "saiku", "--sql", "x"), "mondrian"),
+                                 (("no.cub", "--schema", "mondrian", "--sql", "x", "--shards", "0"), "not in range"),
                                  (("no.cub",), "--schema is required")):
             done = subprocess.run([QEL, "cube", "export", *arguments], capture_output=True, cwd=self.path, timeout=60)
             self.assertNotEqual(done.returncode, 0)
