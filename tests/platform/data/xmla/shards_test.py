@@ -57,8 +57,10 @@ class SpreadFacts(unittest.TestCase):
         formulas = self.sheet(served.SERVER)
         formulas += [served.formula(served.SERVER, month=month, firm=firm, measure=measure, group="SuperSum1", group_member=group)
                      for month in range(1, 13) for firm in ("All", "20") for measure in ("Amount", "Lines") for group in "128"]
+        log = pathlib.Path(DATA[COORDINATOR] + ".log")
+        before = log.stat().st_size
         self.assert_same(formulas, values([text.replace(served.SERVER, served.CUBE) for text in formulas]), values(formulas))
-        logged = pathlib.Path(DATA[COORDINATOR] + ".log").read_text(encoding="utf-8").split("Query Text: ")[1:]
+        logged = log.read_bytes()[before:].decode().split("Query Text: ")[1:]
         plans = [plan for plan in logged if "Foreign Scan" in plan and "__sums" not in plan]
         self.assertGreater(len(plans), 10)
         self.assertTrue(any("__sums" in plan for plan in logged), "names need no facts")
@@ -67,14 +69,15 @@ class SpreadFacts(unittest.TestCase):
                 self.assertRegex(statement, r"sum\(.* GROUP BY", plan)
 
     def test_sums_of_all_months(self):
-        # The first is all that its view of sums shows, so that the OLAP server might take rows for sums.
-        for level in ("[Cost_Centers].[Cost_Center]", "[Firma].[Firma]", "[Date].[Quarter]", "[Activities].[ActivityNames].[ActivityName]"):
-            mdx = f"SELECT {{[Measures].[Amount],[Measures].[Lines]}} ON COLUMNS, {{{level}.Members}} ON ROWS FROM LedgerFNC"
+        # The first has all levels that its view shows, where the OLAP server might take rows for sums.
+        for columns, rows in (("[MoneyType].[MoneyType]", "[Cost_Centers].[Cost_Center]"), ("[Measures]", "[Firma].[Firma]"),
+                              ("[Measures]", "[Date].[Quarter]"), ("[Firma].[Firma]", "[Date].[Year]")):
+            mdx = f"SELECT {{{columns}.Members}} ON COLUMNS, {{{rows}.Members}} ON ROWS FROM LedgerFNC"
             local, spread = (json.loads(served.run("mdx", source, "LedgerFNC", "--json", mdx)[1])["cells"]
                              for source in (served.CUBE, served.SERVER))
-            self.assertEqual(len(local), len(spread))
-            for right, row in zip(local, spread):
-                self.assertTrue(all(map(served.same, map(str, right), map(str, row))), f"{level}: {row} instead of {right}")
+            self.assertGreater(len(local), 1)
+            for right, row in zip(local, spread, strict=True):
+                self.assertTrue(all(map(served.same, map(str, right), map(str, row))), f"{rows}: {row} instead of {right}")
 
     def test_a_shard_that_dies_gives_errors_and_no_smaller_sums(self):
         formulas = [served.formula(served.SERVER, account, month).replace("2024", "2023")
