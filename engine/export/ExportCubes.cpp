@@ -160,6 +160,7 @@ std::vector<std::filesystem::path> ExportShards(const CubeFile& file, const std:
                                                 const std::function<void(double)>& progress) {
     const std::vector<StarSchema> stars = MakeStars(file);
     std::vector<FlatStar> flats;
+    flats.reserve(stars.size());
     for (const StarSchema& star : stars) {
         flats.push_back(SpreadStar(star, shards));
     }
