@@ -36,8 +36,11 @@ void WriteCallKey(std::string& key, const ValueCall& call, const KeyTexts& keys,
     AppendBytes(key, days.from.days);
     AppendBytes(key, days.to.days);
     AppendText(key, Trimmed(call.Measure));
-    AppendText(key, SummaryLevelOf(call.Summary_Group));
-    AppendText(key, Trimmed(call.Seif_level));
+    const std::string_view summaryLevel = SummaryLevelOf(call.Summary_Group);
+    AppendText(key, summaryLevel);
+    if (!summaryLevel.empty()) { // otherwise no query has the member
+        AppendText(key, Trimmed(call.Seif_level));
+    }
     for (const auto text : restrictions) {
         AppendText(key, RestrictionOf(call.*text));
     }

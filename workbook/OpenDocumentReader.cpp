@@ -1,4 +1,5 @@
 #include "text/CaseFold.h"
+#include "workbook/ContentLimits.h"
 #include "workbook/WorkbookError.h"
 #include "workbook/WorkbookReaders.h"
 
@@ -66,6 +67,10 @@ private:
     }
 
     void Keep(std::size_t count, char blank) {
+        constexpr std::size_t longest = std::size_t{1} << 24U;
+        if (count > longest - std::min(longest, text_.size())) {
+            throw WorkbookError("the text of one of its cells has more than 16 MiB");
+        }
         text_.append(count, blank);
         isBehindBlank_ = false;
     }
@@ -104,50 +109,67 @@ Variant ValueOf(const pugi::xml_node& cell, bool hasFormula, double daysBefore) 
     return type.empty() && !hasFormula ? Variant() : Variant(Null{});
 }
 
-void ReadRow(SheetContent& sheet, const pugi::xml_node& row, CellPlace place, std::uint32_t times,
-             double daysBefore) {
-    for (const auto& cell : row.children()) {
-        const std::string_view name = cell.name();
-        if (name != "table:table-cell" && name != "table:covered-table-cell") {
-            continue;
+/// Reads the rows of one sheet.
+class RowReader {
+public:
+    RowReader(ContentLimits& limits, SheetContent& sheet, double daysBefore)
+        : limits_(limits), sheet_(sheet), daysBefore_(daysBefore) {}
+
+    /// Rows may stand in groups and headers.
+    void ReadRows(const pugi::xml_node& parent, int depth) {
+        constexpr int deepestGroup = 64;
+        if (depth > deepestGroup) {
+            throw WorkbookError("its rows are grouped too deeply");
         }
-        const std::uint32_t columns = Repeated(cell, "table:number-columns-repeated");
-        const std::string_view formula = WithoutOpening(cell.attribute("table:formula").value());
-        const Variant value = ValueOf(cell, !formula.empty(), daysBefore);
-        const bool isOurs = MayCallOurs(formula);
-        if (!value.Is<Empty>() || isOurs) {
-            for (std::uint64_t i = 0; i < std::uint64_t{times} * columns; ++i) {
-                const CellPlace each{place.row + static_cast<std::uint32_t>(i / columns),
-                                     place.column + static_cast<std::uint32_t>(i % columns)};
-                KeepValue(sheet, each, value);
-                if (isOurs) {
-                    sheet.formulas.push_back({each, std::string(formula)});
-                }
+        for (const auto& node : parent.children()) {
+            const std::string_view name = node.name();
+            if (name == "table:table-row") {
+                const std::uint32_t times = Repeated(node, "table:number-rows-repeated");
+                ReadRow(node, times);
+                next_ += times;
+            } else if (name == "table:table-row-group" || name == "table:table-header-rows" ||
+                       name == "table:table-rows") {
+                ReadRows(node, depth + 1);
             }
         }
-        place.column += columns;
     }
-}
 
-/// Rows may stand in groups and headers.
-void ReadRows(SheetContent& sheet, const pugi::xml_node& parent, std::uint32_t& next, double daysBefore,
-              int depth) {
-    constexpr int deepestGroup = 64;
-    if (depth > deepestGroup) {
-        throw WorkbookError("its rows are grouped too deeply");
-    }
-    for (const auto& node : parent.children()) {
-        const std::string_view name = node.name();
-        if (name == "table:table-row") {
-            const std::uint32_t times = Repeated(node, "table:number-rows-repeated");
-            ReadRow(sheet, node, {next, 0}, times, daysBefore);
-            next += times;
-        } else if (name == "table:table-row-group" || name == "table:table-header-rows" ||
-                   name == "table:table-rows") {
-            ReadRows(sheet, node, next, daysBefore, depth + 1);
+private:
+    void ReadRow(const pugi::xml_node& row, std::uint32_t times) {
+        CellPlace place{next_, 0};
+        for (const auto& cell : row.children()) {
+            const std::string_view name = cell.name();
+            if (name == "table:table-cell" || name == "table:covered-table-cell") {
+                const std::uint32_t columns = Repeated(cell, "table:number-columns-repeated");
+                ReadCell(cell, place, times, columns);
+                place.column += columns;
+            }
         }
     }
-}
+
+    void ReadCell(const pugi::xml_node& cell, CellPlace first, std::uint32_t rows, std::uint32_t columns) {
+        const std::string_view formula = WithoutOpening(cell.attribute("table:formula").value());
+        const Variant value = ValueOf(cell, !formula.empty(), daysBefore_);
+        const bool isOurs = MayCallOurs(formula);
+        if (value.Is<Empty>() && !isOurs) {
+            return;
+        }
+        limits_.Repeat(sheet_, std::uint64_t{rows} * columns, isOurs);
+        for (std::uint64_t i = 0; i < std::uint64_t{rows} * columns; ++i) {
+            const CellPlace each{first.row + static_cast<std::uint32_t>(i / columns),
+                                 first.column + static_cast<std::uint32_t>(i % columns)};
+            limits_.Keep(sheet_, each, value);
+            if (isOurs) {
+                limits_.Keep(sheet_, {each, std::string(formula)});
+            }
+        }
+    }
+
+    ContentLimits& limits_;
+    SheetContent& sheet_;
+    double daysBefore_;
+    std::uint32_t next_ = 0;
+};
 
 void ReadNames(WorkbookContent& workbook, const pugi::xml_node& parent, const std::string& prefix) {
     for (const auto& entry : parent.child("table:named-expressions").children()) {
@@ -177,12 +199,11 @@ WorkbookContent ReadOpenDocument(ZipFile& file) {
     const auto nullDate = content.child("table:calculation-settings").child("table:null-date");
     const Variant firstDay = DateOfText(nullDate.attribute("table:date-value").value(), 0);
     workbook.daysBefore = firstDay.Is<double>() ? firstDay.As<double>() : 0;
+    ContentLimits limits;
     for (const auto& table : content.children("table:table")) {
         const std::string prefix = std::to_string(workbook.sheets.size()) + '!';
-        SheetContent& sheet = workbook.sheets.emplace_back();
-        sheet.name = table.attribute("table:name").value();
-        std::uint32_t next = 0;
-        ReadRows(sheet, table, next, workbook.daysBefore, 0);
+        SheetContent& sheet = limits.AddSheet(workbook, table.attribute("table:name").value());
+        RowReader(limits, sheet, workbook.daysBefore).ReadRows(table, 0);
         ReadNames(workbook, table, prefix);
     }
     ReadNames(workbook, content, "");

@@ -1,4 +1,5 @@
 #include "text/CaseFold.h"
+#include "workbook/ContentLimits.h"
 #include "workbook/WorkbookError.h"
 #include "workbook/WorkbookReaders.h"
 
@@ -79,8 +80,7 @@ private:
     }
 
     void ReadSheet(const pugi::xml_node& entry, const pugi::xml_node& relations) {
-        SheetContent& sheet = workbook_.sheets.emplace_back();
-        sheet.name = entry.attribute("name").value();
+        SheetContent& sheet = limits_.AddSheet(workbook_, entry.attribute("name").value());
         std::string_view id;
         for (const auto& attribute : entry.attributes()) {
             id = std::string_view(attribute.name()).ends_with(":id") ? attribute.value() : id;
@@ -109,7 +109,7 @@ private:
         const auto formula = Child(cell, "f");
         Variant value = ValueOf(cell, !formula.empty());
         if (!value.Is<Empty>()) {
-            KeepValue(sheet, place, std::move(value));
+            limits_.Keep(sheet, place, std::move(value));
         }
         if (formula.empty()) {
             return;
@@ -126,7 +126,7 @@ private:
             }
         }
         if (MayCallOurs(text)) {
-            sheet.formulas.push_back({place, std::move(text)});
+            limits_.Keep(sheet, {place, std::move(text)});
         }
     }
 
@@ -159,6 +159,7 @@ private:
     }
 
     ZipFile& file_;
+    ContentLimits limits_;
     WorkbookContent workbook_;
     std::vector<std::string> texts_;
     std::map<std::string, SheetFormula> shared_; ///< of the sheet that is read

@@ -13,7 +13,6 @@ namespace qel {
 
 namespace {
 
-constexpr std::size_t mostCellsOfSheet = 5'000'000;
 constexpr std::ptrdiff_t mostTags = 16'000'000; // in memory an element takes more than its text
 
 int NumberIn(std::string_view text, std::size_t place, std::size_t size) {
@@ -47,14 +46,6 @@ void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& docume
     if (!result) {
         throw WorkbookError(fmt::format("its part {} is no XML: {}", name, result.description()));
     }
-}
-
-void KeepValue(SheetContent& sheet, CellPlace place, Variant value) {
-    if (sheet.values.size() >= mostCellsOfSheet) {
-        throw WorkbookError(
-            fmt::format("sheet {} has more than {} cells with contents", sheet.name, mostCellsOfSheet));
-    }
-    sheet.values[SheetContent::KeyOf(place)] = std::move(value);
 }
 
 Variant DateOfText(std::string_view text, double daysBefore) {

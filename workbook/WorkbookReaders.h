@@ -18,9 +18,6 @@ WorkbookContent ReadOpenDocument(ZipFile& file);
 void LoadPart(ZipFile& file, const std::string& name, pugi::xml_document& document,
               unsigned int options = pugi::parse_default | pugi::parse_ws_pcdata_single);
 
-/// Keeps a value; raises WorkbookError for more than a file may have.
-void KeepValue(SheetContent& sheet, CellPlace place, Variant value);
-
 /// Of a text such as 2024-12-31 or 2024-12-31T10:00:00, in days of the workbook; Null for another one.
 Variant DateOfText(std::string_view text, double daysBefore);
 

@@ -20,6 +20,7 @@ public:
         cube_.CheckUnchanged();
         return value;
     }
+    void Prefetch() const override { plan_.Prefetch(); }
     std::size_t Bytes() const override { return sizeof *this + plan_.OwnedBytes(); }
 
 private:

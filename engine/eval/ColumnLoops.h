@@ -39,6 +39,14 @@ void KeepBetweenAny(PackedBlock block, std::uint32_t bits, std::span<const Packe
 void KeepListed(PackedBlock block, std::uint32_t bits, unsigned shift, std::span<const std::uint8_t> isIn,
                 BlockMask& mask);
 
+/// Begins to fetch bytes into the processor's caches.
+inline void PrefetchBytes(const void* first, std::uint64_t count) {
+    constexpr std::uint64_t lineBytes = 64;
+    for (std::uint64_t at = 0; at < count; at += lineBytes) {
+        __builtin_prefetch(static_cast<const std::byte*>(first) + at);
+    }
+}
+
 /// Calls visit(row) for every marked row, in order. Skips eight unmarked rows at once, so it is fast for
 /// sparse masks.
 template <class Visit>

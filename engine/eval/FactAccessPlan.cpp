@@ -1,6 +1,7 @@
 #include "engine/eval/FactAccessPlan.h"
 
 #include "engine/eval/AggregatePlan.h"
+#include "engine/eval/ColumnLoops.h"
 #include "engine/eval/ScanPlan.h"
 #include "engine/eval/VisitBlocks.h"
 
@@ -86,24 +87,32 @@ FactSum FactAccessPlan::Sum() const {
     return Subtracts() ? Subtract(total) : total;
 }
 
+void FactAccessPlan::Prefetch() const {
+    for (const Rows& read : rows_) {
+        if (read.firstRun < read.lastRun) {
+            Prefetch(*read.projection, runs_[read.firstRun], FiltersOf(read));
+        }
+    }
+    for (const PrefixSumRead& read : prefixSums_) {
+        read.sums.Prefetch();
+    }
+}
+
+std::span<const BlockFilter> FactAccessPlan::FiltersOf(const Rows& rows) const {
+    return std::span(filters_).subspan(rows.firstFilter, rows.lastFilter - rows.firstFilter);
+}
+
 /// Prefetches the first block of the rows in all columns at once. The columns are far apart, and the hardware
 /// prefetcher stops at page boundaries.
 void FactAccessPlan::Prefetch(const Projection& projection, RowRange rows,
                               std::span<const BlockFilter> filters) const {
-    constexpr std::uint64_t lineBytes = 64;
     const RowRange start{rows.first, std::min(rows.last, rows.first + blockRows)};
-    const auto fetch = [&](const std::byte* values, std::uint64_t width) {
-        const std::uint64_t bytes = start.Count() * width;
-        for (std::uint64_t at = 0; at < bytes; at += lineBytes) {
-            __builtin_prefetch(values + at);
-        }
-    };
     for (const BlockFilter& filter : filters) {
-        fetch(projection.PackedColumn(filter.PackedColumn(), start),
-              facts_->PackedWidth(filter.PackedColumn()));
+        PrefetchBytes(projection.PackedColumn(filter.PackedColumn(), start),
+                      start.Count() * facts_->PackedWidth(filter.PackedColumn()));
     }
     if (const std::uint64_t width = facts_->Measures()[measure_].width; width != 0) {
-        fetch(projection.Values(measure_, start), width);
+        PrefetchBytes(projection.Values(measure_, start), start.Count() * width);
     }
 }
 
@@ -113,8 +122,7 @@ FactSum FactAccessPlan::SumRows(bool areSubtracted) const {
         if (read.areSubtracted != areSubtracted) {
             continue;
         }
-        const auto filters =
-            std::span(filters_).subspan(read.firstFilter, read.lastFilter - read.firstFilter);
+        const auto filters = FiltersOf(read);
         for (std::uint32_t i = read.firstRun; i < read.lastRun; ++i) {
             Prefetch(*read.projection, runs_[i], filters);
             VisitBlocks(*read.projection, runs_[i], filters, [&](RowRange block, const BlockMask* mask) {

@@ -35,6 +35,8 @@ public:
 
     /// Reads everything that was added.
     FactSum Sum() const;
+    /// Begins to fetch what Sum reads first into the processor's caches.
+    void Prefetch() const;
     /// Approximate heap memory in bytes.
     std::size_t OwnedBytes() const;
 
@@ -54,6 +56,7 @@ private:
     void AddRows(const Projection& projection, std::span<const RowRange> runs,
                  std::span<const Restriction> residuals, bool areSubtracted);
     FactSum SumRows(bool areSubtracted) const;
+    std::span<const BlockFilter> FiltersOf(const Rows& rows) const;
     void Prefetch(const Projection& projection, RowRange rows, std::span<const BlockFilter> filters) const;
     FactSum Subtract(FactSum total) const;
 

@@ -1,5 +1,6 @@
 #include "engine/eval/PrefixSumReader.h"
 
+#include "engine/eval/ColumnLoops.h"
 #include "engine/eval/Vectorised.h"
 #include "qel/engine/EngineError.h"
 
@@ -136,6 +137,13 @@ void PrefixSumReader::NarrowKeys(std::uint8_t shift, KeyRange codes) {
     index_.bucketMasks += first;
     index_.starts += first;
     keyCount_ = static_cast<std::uint64_t>(last - first);
+}
+
+void PrefixSumReader::Prefetch() const {
+    const std::uint64_t count = std::min<std::uint64_t>(keyCount_, blockRows);
+    PrefetchBytes(index_.keys, count * sizeof *index_.keys);
+    PrefetchBytes(index_.starts, count * sizeof *index_.starts);
+    PrefetchBytes(index_.bucketMasks, count * sizeof *index_.bucketMasks);
 }
 
 FactSum PrefixSumReader::Sum(std::uint32_t first, std::uint32_t last) const {

@@ -20,6 +20,8 @@ public:
     /// The facts in the time buckets from `first` up to, but not including, `last`. For sums, `rows` only
     /// tells zero from non-zero.
     FactSum Sum(std::uint32_t first, std::uint32_t last) const;
+    /// Begins to fetch the keys into the processor's caches.
+    void Prefetch() const;
     /// Approximate heap memory in bytes.
     std::size_t OwnedBytes() const { return BytesOf(filters_); }
 

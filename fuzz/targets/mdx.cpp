@@ -82,11 +82,21 @@ void RunInput(const qel::engine::Cube& cube, std::string_view statement) {
     }
 }
 
+const qel::engine::Cube& SmallCube() {
+    static const std::shared_ptr<const qel::engine::Cube> cube = BuildSmallCube();
+    return *cube;
+}
+
 } // namespace
 
+/// Builds the cube before the time of the first input is measured: a build waits for the disk.
+extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
+    SmallCube();
+    return 0;
+}
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static const std::shared_ptr<const qel::engine::Cube> cube = BuildSmallCube();
     const std::string statement = Lengthened({reinterpret_cast<const char*>(data), size});
-    qel::test::RunOnSmallStack([&] { RunInput(*cube, statement); });
+    qel::test::RunOnSmallStack([&] { RunInput(SmallCube(), statement); });
     return 0;
 }

@@ -36,6 +36,9 @@ public:
     virtual ~PreparedCell() = default;
     /// As Cellset::Value. Raises what the provider raises; the statement may then still succeed.
     virtual Variant Value() const = 0;
+    /// Begins to fetch what Value reads into the processor's caches. For a cell that was read; raises
+    /// nothing then.
+    virtual void Prefetch() const {}
     /// Approximate memory in bytes.
     virtual std::size_t Bytes() const = 0;
 };

@@ -42,17 +42,19 @@ AutomationDate DateFromDay(CalendarDay day) {
     return {static_cast<double>((std::chrono::sys_days(ToCivil(day)) - epoch).count())};
 }
 
-CalendarDay DayFromDate(AutomationDate date) {
+AutomationDate WithoutTime(AutomationDate date) {
     const double wholeDays = std::trunc(date.days);
     if (!(wholeDays >= firstDay && wholeDays < dayAfterLast)) {
         throw PlatformError(ErrorNumber::Overflow);
     }
-    const year_month_day civil(epoch + std::chrono::days(static_cast<int>(wholeDays)));
+    return {wholeDays + 0.0}; // never -0
+}
+
+CalendarDay DayFromDate(AutomationDate date) {
+    const year_month_day civil(epoch + std::chrono::days(static_cast<int>(WithoutTime(date).days)));
     return {static_cast<int>(civil.year()), static_cast<int>(static_cast<unsigned>(civil.month())),
             static_cast<int>(static_cast<unsigned>(civil.day()))};
 }
-
-AutomationDate WithoutTime(AutomationDate date) { return DateFromDay(DayFromDate(date)); }
 
 AutomationDate AddMonths(AutomationDate date, int months) {
     CalendarDay day = DayFromDate(date);

@@ -39,7 +39,7 @@ AutomationDate DateFromDay(CalendarDay day);
 /// The calendar day without the time. Raises 6 outside the years 100 to 9999 and for numbers that are not
 /// finite.
 CalendarDay DayFromDate(AutomationDate date);
-/// The same date without its time of day.
+/// The same date without its time of day. Raises as DayFromDate.
 AutomationDate WithoutTime(AutomationDate date);
 /// The same day `months` later, or the month's last day when the month is shorter.
 AutomationDate AddMonths(AutomationDate date, int months);

@@ -85,6 +85,16 @@ def shown_cells():
     return rows, found
 
 
+def open_document(file, rows):
+    """Of one sheet, whose days count from 1904."""
+    spaces = " ".join(f'xmlns:{name}="urn:oasis:names:tc:opendocument:xmlns:{name}:1.0"' for name in ("office", "table", "text"))
+    with zipfile.ZipFile(file, "w") as archive:
+        archive.writestr("mimetype", "application/vnd.oasis.opendocument.spreadsheet")
+        archive.writestr("content.xml", f"<office:document-content {spaces}><office:body><office:spreadsheet>"
+                         '<table:calculation-settings><table:null-date table:date-value="1904-01-01"/></table:calculation-settings>'
+                         f'<table:table table:name="P &amp; L">{rows}</table:table></office:spreadsheet></office:body></office:document-content>')
+
+
 class Workbooks(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
@@ -123,7 +133,6 @@ class CheckWorkbook(Workbooks):
 
     def test_empty_cells_blanks_and_dates_of_an_open_document(self):
         file = self.path / "cells.ods"
-        spaces = " ".join(f'xmlns:{name}="urn:oasis:names:tc:opendocument:xmlns:{name}:1.0"' for name in ("office", "table", "text"))
         date = '<table:table-cell office:value-type="date" office:date-value="{}"/>'
         cells = "".join(f'<table:table-cell office:value-type="string"><text:p>{text}</text:p></table:table-cell>' for text in (
             "<text:span>A</text:span> \n<text:span> B </text:span>", "<text:a><text:span>A<text:s text:c='2'/>B</text:span></text:a>"))
@@ -131,14 +140,22 @@ class CheckWorkbook(Workbooks):
         calls = (call("[.Z9]"), call("[.A1]"), call("[.B1]"), call(start="[.C1]", end="[.D1]"),
                  call(start="DATE(2024,1,1)", end=str(45382 - 1462)), call(start="DATE(24,1,1)"))
         cells += "".join(f"<table:table-cell table:formula={quoteattr('of:=' + each.replace(',', ';'))}/>" for each in calls)
-        with zipfile.ZipFile(file, "w") as archive:
-            archive.writestr("mimetype", "application/vnd.oasis.opendocument.spreadsheet")
-            archive.writestr("content.xml", f"<office:document-content {spaces}><office:body><office:spreadsheet>"
-                             '<table:calculation-settings><table:null-date table:date-value="1904-01-01"/></table:calculation-settings>'
-                             f'<table:table table:name="P &amp; L"><table:table-row>{cells}</table:table-row></table:table>'
-                             "</office:spreadsheet></office:body></office:document-content>")
+        open_document(file, f"<table:table-row>{cells}</table:table-row>")
         self.compare(file, {"E1": ("hidden error", 'no member "0"'), "F1": ("hidden error", 'no member "A B"'),
                             "G1": ("hidden error", 'no member "A  B"'), "J1": ("not checked", "DATE")})
+
+    def test_small_files_of_huge_sheets_are_refused_at_once(self):
+        file = self.path / "huge.ods"
+        text = 'office:value-type="string" office:string-value="{}"'
+        ours = f"table:formula={quoteattr('of:=' + call('[.A1]').replace(',', ';'))}"
+        for rows, cell, words in ((1000, f'table:number-columns-repeated="101" {ours}', "100000 formulas that repeat"),
+                                  (1 << 20, f'table:number-columns-repeated="3" {text.format(1)}', "2000000 cells that repeat"),
+                                  (1 << 20, text.format("x" * 1000), "256 MiB of texts")):
+            open_document(file, f'<table:table-row table:number-rows-repeated="{rows}"><table:table-cell {cell}/></table:table-row>')
+            self.assertIn(f"with sheet P & L it has more than {words}", run("check-workbook", file)[2])
+        blanks = "<text:s text:c='1048576'/>" * 17
+        open_document(file, f'<table:table-row><table:table-cell office:value-type="string"><text:p>{blanks}</text:p></table:table-cell></table:table-row>')
+        self.assertIn("has more than 16 MiB", run("check-workbook", file)[2])
 
     def test_damaged_files_are_told(self):
         file = self.path / "damaged.xlsx"

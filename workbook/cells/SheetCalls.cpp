@@ -187,10 +187,21 @@ std::vector<SheetCall> FindSheetCalls(const WorkbookContent& workbook, const Loc
     std::vector<SheetCall> calls;
     for (std::size_t sheet = 0; sheet < workbook.sheets.size(); ++sheet) {
         const ArgumentValues values(workbook, sheet, locale);
+        const std::string* last = nullptr;
+        std::size_t begin = 0;
         for (const SheetFormula& formula : workbook.sheets[sheet].formulas) {
+            if (last != nullptr && *last == formula.text) { // as in a file that repeats a cell
+                for (const std::size_t end = calls.size(); begin < end; ++begin) {
+                    calls.push_back(calls[begin]);
+                    calls.back().place = formula.place;
+                }
+                continue;
+            }
+            begin = calls.size();
             for (const WrittenCall& written : FindCallsOfAnyName(formula.text)) {
                 calls.push_back(Read(values, written, sheet, formula.place));
             }
+            last = &formula.text;
         }
     }
     return calls;

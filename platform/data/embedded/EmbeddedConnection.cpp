@@ -75,6 +75,7 @@ public:
     Variant Value() const override {
         return TranslatingErrors([this] { return CellVariant(cell_->Value()); });
     }
+    void Prefetch() const override { cell_->Prefetch(); }
     std::size_t Bytes() const override { return sizeof *this + cell_->Bytes(); }
 
 private:

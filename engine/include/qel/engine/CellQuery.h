@@ -37,6 +37,8 @@ public:
     virtual ~PlannedCell() = default;
     /// Reads the facts. Raises EngineError (DamagedFile).
     virtual CellValue Value() const = 0;
+    /// Begins to fetch the facts into the processor's caches. Raises as Value for a cell that was never read.
+    virtual void Prefetch() const = 0;
     /// Approximate memory in bytes.
     virtual std::size_t Bytes() const = 0;
 };
