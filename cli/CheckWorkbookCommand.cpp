@@ -4,8 +4,8 @@
 #include "cli/OutputFields.h"
 #include "cli/ProgressBar.h"
 #include "cli/TextTable.h"
+#include "lang/StringTable.h"
 #include "platform/data/ConnectionText.h"
-#include "platform/value/FailureText.h"
 #include "reason/FormulaJudge.h"
 #include "text/Text.h"
 #include "text/Utf8Path.h"
@@ -15,7 +15,6 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <nlohmann/json.hpp>
 
 #include <filesystem>
@@ -43,6 +42,7 @@ Examples:
   qel check-workbook *.ods --csv > findings.csv)";
 
 constexpr const char* notChecked = "not checked";
+constexpr const char* failing = "#VALUE!";
 
 struct CheckOptions {
     std::vector<std::string> files;
@@ -63,6 +63,8 @@ const char* NameOf(Verdict verdict) {
         return "outdated cube";
     case Verdict::NoFile:
         return "no cube file";
+    case Verdict::Fails:
+        return failing;
     default:
         return "hidden error";
     }
@@ -72,7 +74,7 @@ const char* NameOf(Verdict verdict) {
 class WorkbookCheck {
 public:
     explicit WorkbookCheck(CommandContext& context)
-        : context_(context), batch_(context.providers), judge_(context.providers, context.locale) {}
+        : context_(context), batch_(context.providers), judge_(context.providers, context.locale, batch_) {}
 
     /// Raises WorkbookError.
     void Check(const std::string& file) {
@@ -92,7 +94,7 @@ public:
             const SheetCall& call = calls[i];
             Found place{file, workbook.sheets[call.sheet].name, CellName(call.place)};
             call.call ? Judge(place, *call.call, known[i])
-                      : List(place, call.isUnread ? notChecked : "#VALUE!", call.fault);
+                      : List(place, call.isUnread ? notChecked : failing, call.fault);
         }
         formulas_ += calls.size();
     }
@@ -143,19 +145,9 @@ private:
     }
 
     void Judge(const Found& place, const FormulaCall& call, const std::optional<FormulaResult>& known) {
-        try {
-            const auto& [file, cube] = std::visit(
-                [](const auto& arguments) { return std::tie(arguments.cubeFile, arguments.CubeName); },
-                call.arguments);
-            const FormulaResult result =
-                known ? *known : RunFormula(batch_.FunctionOf(file, cube, context_.locale), call);
-            const auto judgement = judge_.Of(call, result);
-            if (judgement.verdict != Verdict::Sound) {
-                List(place, NameOf(judgement.verdict),
-                     fmt::format("{}", fmt::join(ReasonTexts(judgement.reasons), "; ")));
-            }
-        } catch (const AutomationError& error) {
-            List(place, "#VALUE!", FailureText(error));
+        const Judgement judgement = judge_.Of(call, known);
+        if (judgement.verdict != Verdict::Sound) {
+            List(place, NameOf(judgement.verdict), JudgementText(judgement, Language::English));
         }
     }
 

@@ -2,33 +2,20 @@
 
 #include "cli/OutputFields.h"
 #include "cli/TextTable.h"
+#include "lines/ColumnDecimals.h"
 #include "platform/value/ValueText.h"
 
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <optional>
 
 namespace qel {
 
 namespace {
 
-constexpr int noDecimals = -1;
-
 std::string TextOf(const Variant& value) { return value.Is<Null>() ? std::string() : ValueText(value); }
-
-/// The most decimals that a number of the field has; noDecimals for a field without numbers.
-int DecimalsOf(const Rowset& rows, std::size_t field) {
-    int most = noDecimals;
-    for (const auto& row : rows.rows) {
-        if (row[field].Is<double>()) {
-            const std::string text = NumberText(row[field].As<double>());
-            const auto point = text.find('.');
-            most = std::max(most, point == std::string::npos ? 0 : static_cast<int>(text.size() - point - 1));
-        }
-    }
-    return most == 1 ? 2 : most; // money has two decimals
-}
 
 /// The number as NumberText has it, with zeros up to that many decimals.
 std::string PaddedNumber(double number, int decimals) {
@@ -50,19 +37,20 @@ std::string PaddedNumber(double number, int decimals) {
 
 void PrintRowsAsTable(const Rowset& rows, std::ostream& output) {
     TextTable table;
-    std::vector<int> decimals;
+    std::vector<std::optional<int>> decimals;
     for (std::size_t field = 0; field < rows.fields.size(); ++field) {
-        decimals.push_back(DecimalsOf(rows, field));
+        decimals.push_back(ColumnDecimals(rows.rows, field));
     }
     const auto firstNumber =
-        std::find_if(decimals.begin(), decimals.end(), [](int most) { return most != noDecimals; });
+        std::find_if(decimals.begin(), decimals.end(), [](const auto& most) { return most.has_value(); });
     table.leftColumns = static_cast<std::size_t>(firstNumber - decimals.begin());
     table.lines.push_back(rows.fields);
     for (const auto& row : rows.rows) {
         auto& line = table.lines.emplace_back();
         for (std::size_t field = 0; field < row.size(); ++field) {
-            line.push_back(row[field].Is<double>() ? PaddedNumber(row[field].As<double>(), decimals[field])
-                                                   : TextOf(row[field]));
+            line.push_back(row[field].Is<double>()
+                               ? PaddedNumber(row[field].As<double>(), decimals[field].value_or(0))
+                               : TextOf(row[field]));
         }
     }
     PrintTable(table, output);

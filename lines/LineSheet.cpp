@@ -1,13 +1,13 @@
 #include "lines/LineSheet.h"
 
 #include "lines/CellCalls.h"
+#include "lines/ColumnDecimals.h"
 #include "platform/value/AutomationError.h"
 #include "wizard/FormulaArgs.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <cmath>
 #include <optional>
@@ -69,30 +69,9 @@ void MakeDates(Rows& rows, std::size_t column, std::size_t length) {
 
 constexpr int mostDecimals = 9;
 
-int DecimalsOf(double number) {
-    std::array<char, 512> digits;
-    const auto end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), number, std::chars_format::fixed).ptr;
-    const std::string_view text(digits.data(), static_cast<std::size_t>(end - digits.data()));
-    const auto point = text.find('.');
-    return point == std::string_view::npos ? 0 : static_cast<int>(text.size() - point - 1);
-}
-
-/// The most decimals of a column's numbers; none for a column without numbers.
-std::optional<int> DecimalsOf(const Rows& rows, std::size_t column) {
-    std::optional<int> most;
-    for (const auto& row : rows) {
-        if (row[column].Is<double>()) {
-            most = std::max(most.value_or(0), DecimalsOf(row[column].As<double>()));
-        }
-    }
-    return most ? std::optional(*most == 1 ? 2 : std::min(*most, mostDecimals)) // money has two
-                : std::nullopt;
-}
-
 CellFormat TakeFormat(Rows& rows, std::size_t column) {
-    if (const auto decimals = DecimalsOf(rows, column)) {
-        return {Kind::Number, *decimals};
+    if (const auto decimals = ColumnDecimals(rows, column)) {
+        return {Kind::Number, std::min(*decimals, mostDecimals)};
     }
     if (HoldsDates(rows, column, dayLength)) {
         MakeDates(rows, column, dayLength);

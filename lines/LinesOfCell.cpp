@@ -6,9 +6,9 @@
 #include "lines/CallQuestion.h"
 #include "lines/LineSheet.h"
 #include "lines/SheetName.h"
-#include "platform/sheet/SheetTexts.h"
 #include "platform/value/Conversion.h"
 #include "support/ModError.h"
+#include "text/CellName.h"
 #include "wizard/CubeFileChoice.h"
 #include "wizard/FormulaArgs.h"
 #include "wizard/OwnText.h"
@@ -27,9 +27,9 @@ constexpr std::uint64_t rowsOfHeading = 10; ///< with the captions, and some to 
 constexpr double readingShare = 0.4;        ///< of the time; the rest goes into writing
 
 /// One person's command.
-class LinesCommand {
+class CellLinesCommand {
 public:
-    LinesCommand(const WizardContext& context, const LinesPlace& place)
+    CellLinesCommand(const WizardContext& context, const LinesPlace& place)
         : context_(context), place_(place), object_({context.thread, context.providers, context.locale}) {}
 
     void Run() {
@@ -176,11 +176,11 @@ std::string FaultyNames(const CellCall& call, bool isHebrew) {
 }
 
 void ShowLinesOfCell(const WizardContext& context, const LinesPlace& place) {
-    Report(context, [&] { LinesCommand(context, place).Run(); });
+    Report(context, [&] { CellLinesCommand(context, place).Run(); });
 }
 
 void ShowLinesOfCall(const WizardContext& context, const LinesPlace& place, const CellCall& call) {
-    Report(context, [&] { LinesCommand(context, place).RunCall(call); });
+    Report(context, [&] { CellLinesCommand(context, place).RunCall(call); });
 }
 
 } // namespace qel

@@ -34,7 +34,7 @@ MAY_INCLUDE = {
     "wizard/servers": f"{PORTS} platform/data/waiting platform/data/xmla support lang cube wizard",
     "function/formula": "text platform/value cube",
     "function": f"{PORTS} support store lang cube wizard function/formula",
-    "reason": f"{PORTS} support store lang cube wizard function function/formula",
+    "reason": f"{PORTS} support store lang cube wizard function function/formula batch",
     "lines": f"{PORTS} support store lang cube wizard function function/formula reason",
     "why": f"{PORTS} support store lang cube wizard function function/formula reason lines batch workbook/cells",
     "batch": f"{PORTS} support store lang cube wizard function",

@@ -8,18 +8,34 @@
 #include <array>
 #include <bit>
 #include <numeric>
+#include <string>
 #include <utility>
 
 namespace qel {
 
 namespace {
 
-/// How far a word may be from what was meant.
-std::size_t LongestDistance(std::string_view word) { return std::max<std::size_t>(1, word.size() / 3); }
+/// A folded word, each letter as the number that its bytes make.
+std::u32string LettersOf(std::string_view word) {
+    std::u32string letters;
+    for (const char c : FoldCase(word)) {
+        const char32_t byte = static_cast<unsigned char>(c);
+        const bool isContinued = (byte & 0xC0U) == 0x80;
+        if (isContinued && !letters.empty()) {
+            letters.back() = letters.back() << 8U | byte;
+        } else {
+            letters += byte;
+        }
+    }
+    return letters;
+}
 
-/// The edit distance in bytes: insertions, deletions, replacements and transpositions. Long words, for which
-/// this takes long, are never near.
-std::size_t Distance(std::string_view left, std::string_view right) {
+/// How far a word may be from what was meant.
+std::size_t LongestDistance(std::u32string_view word) { return std::max<std::size_t>(1, word.size() / 3); }
+
+/// The edit distance in letters: insertions, deletions, replacements and transpositions. Long words, for
+/// which this takes long, are never near.
+std::size_t Distance(std::u32string_view left, std::u32string_view right) {
     constexpr std::size_t longest = 100;
     if (left.size() > longest || right.size() > longest) {
         return std::max(left.size(), right.size());
@@ -44,15 +60,15 @@ std::size_t Distance(std::string_view left, std::string_view right) {
     return rows[left.size() % 3][right.size()];
 }
 
-std::uint64_t BytesOf(std::string_view word) {
-    std::uint64_t bytes = 0;
-    for (const char c : word) {
-        bytes |= std::uint64_t{1} << (static_cast<unsigned char>(c) % 64);
+std::uint64_t OccurringIn(std::u32string_view letters) {
+    std::uint64_t occurring = 0;
+    for (const char32_t letter : letters) {
+        occurring |= std::uint64_t{1} << (letter % 64);
     }
-    return bytes;
+    return occurring;
 }
 
-/// Each byte that occurs in only one of two words costs at least one edit.
+/// Each letter that occurs in only one of two words costs at least one edit.
 bool AreFar(std::uint64_t left, std::uint64_t right, std::size_t limit) {
     return static_cast<std::size_t>(std::max(std::popcount(left & ~right), std::popcount(right & ~left))) >
            limit;
@@ -61,11 +77,11 @@ bool AreFar(std::uint64_t left, std::uint64_t right, std::size_t limit) {
 } // namespace
 
 const std::string* NearestWord(std::string_view word, std::span<const std::string> known) {
-    const std::string folded = FoldCase(word);
+    const std::u32string letters = LettersOf(word);
     const std::string* nearest = nullptr;
-    std::size_t best = LongestDistance(word) + 1;
+    std::size_t best = LongestDistance(letters) + 1;
     for (const std::string& candidate : known) {
-        const std::size_t distance = Distance(folded, FoldCase(candidate));
+        const std::size_t distance = Distance(letters, LettersOf(candidate));
         if (distance < best) {
             best = distance;
             nearest = &candidate;
@@ -76,22 +92,22 @@ const std::string* NearestWord(std::string_view word, std::span<const std::strin
 
 KnownWords::KnownWords(std::vector<std::string> words) : words_(std::move(words)) {
     for (const std::string& word : words_) {
-        folded_.push_back(FoldCase(word));
-        bytes_.push_back(BytesOf(folded_.back()));
+        letters_.push_back(LettersOf(word));
+        occurring_.push_back(OccurringIn(letters_.back()));
     }
 }
 
 std::vector<std::string> KnownWords::Nearest(std::string_view word, std::size_t most) const {
-    const std::string folded = FoldCase(word);
-    const std::uint64_t bytes = BytesOf(folded);
-    const std::size_t limit = LongestDistance(word);
+    const std::u32string letters = LettersOf(word);
+    const std::uint64_t occurring = OccurringIn(letters);
+    const std::size_t limit = LongestDistance(letters);
     std::vector<std::pair<std::size_t, std::size_t>> near; // distance and place
     for (std::size_t i = 0; i < words_.size(); ++i) {
-        const std::size_t longer = std::max(folded.size(), folded_[i].size());
-        if (longer - std::min(folded.size(), folded_[i].size()) > limit || AreFar(bytes, bytes_[i], limit)) {
+        const auto [shorter, longer] = std::minmax({letters.size(), letters_[i].size()});
+        if (longer - shorter > limit || AreFar(occurring, occurring_[i], limit)) {
             continue;
         }
-        const std::size_t distance = Distance(folded, folded_[i]);
+        const std::size_t distance = Distance(letters, letters_[i]);
         if (distance <= limit) {
             near.emplace_back(distance, i);
         }

@@ -27,8 +27,8 @@ public:
 
 private:
     std::vector<std::string> words_;
-    std::vector<std::string> folded_;
-    std::vector<std::uint64_t> bytes_; ///< which bytes each has, modulo 64
+    std::vector<std::u32string> letters_;
+    std::vector<std::uint64_t> occurring_; ///< which letters each has, modulo 64
 };
 
 } // namespace qel

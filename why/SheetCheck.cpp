@@ -3,12 +3,9 @@
 #include "lang/StringTable.h"
 #include "lines/LinesOfCell.h"
 #include "platform/value/AutomationError.h"
-#include "platform/value/FailureText.h"
-#include "reason/RunFormula.h"
 #include "wizard/OwnText.h"
 
 #include <algorithm>
-#include <tuple>
 #include <utility>
 
 namespace qel {
@@ -16,7 +13,7 @@ namespace qel {
 SheetCheck::SheetCheck(const Providers& providers, const Locale& locale, std::int16_t language,
                        CubePath fullPath)
     : locale_(locale), language_(language), fullPath_(std::move(fullPath)), batch_(providers),
-      judge_(providers, locale) {}
+      judge_(providers, locale, batch_) {}
 
 void SheetCheck::Run(const WorkbookContent& content, const ReadCell& read,
                      const std::function<void(double share)>& progress) {
@@ -82,20 +79,9 @@ void SheetCheck::CheckByReading(const Cell& cell, const ReadCell& read, const st
 }
 
 void SheetCheck::Judge(const Cell& cell, const FormulaCall& call) {
-    try {
-        const auto& [file, cube] =
-            std::visit([](const auto& arguments) { return std::tie(arguments.cubeFile, arguments.CubeName); },
-                       call.arguments);
-        const auto judgement = judge_.Of(call, RunFormula(batch_.FunctionOf(file, cube, locale_), call));
-        std::string reasons;
-        for (const Reason& reason : judgement.reasons) {
-            reasons += (reasons.empty() ? "" : "; ") + ReasonText(reason, language_);
-        }
-        if (judgement.verdict != Verdict::Sound) {
-            Find(cell, std::move(reasons));
-        }
-    } catch (const AutomationError& error) {
-        Find(cell, FailureText(error));
+    const Judgement judgement = judge_.Of(call);
+    if (judgement.verdict != Verdict::Sound) {
+        Find(cell, JudgementText(judgement, language_));
     }
 }
 

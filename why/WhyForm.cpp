@@ -1,7 +1,7 @@
 #include "why/WhyForm.h"
 
 #include "platform/dialog/ReadingOrder.h"
-#include "platform/sheet/SheetTexts.h"
+#include "text/CellName.h"
 #include "text/Text.h"
 #include "why/WhyFormDesign.h"
 #include "wizard/CubeFileChoice.h"

@@ -9,9 +9,6 @@
 
 namespace qel {
 
-/// "AB7"; row and column are counted from 1.
-std::string CellName(std::int32_t row, std::int32_t column);
-
 /// "=SUM(C12:C40)".
 std::string SumFormula(std::int32_t column, std::int32_t firstRow, std::int32_t lastRow);
 

@@ -1,6 +1,7 @@
 #include "text/Text.h"
 
 #include "text/CaseFold.h"
+#include "text/Suggestion.h"
 
 #include <gtest/gtest.h>
 
@@ -73,6 +74,16 @@ TEST(Text, CountsCharactersAsUtf16) {
     EXPECT_EQ(LengthInUtf16("שכר"), 3U);
     EXPECT_EQ(LengthInUtf16("€"), 1U);
     EXPECT_EQ(LengthInUtf16("😀"), 2U);
+}
+
+TEST(Text, SuggestsWordsThatDifferInFewLettersWhateverTheirBytes) {
+    const KnownWords words({"Main", "רכשים", "כספיים", "Café"});
+    using Words = std::vector<std::string>;
+    EXPECT_EQ(words.Nearest("Mian", 3), Words{"Main"});
+    EXPECT_EQ(words.Nearest("כספים", 3), Words{"כספיים"});
+    EXPECT_EQ(words.Nearest("cafe", 3), Words{"Café"});
+    EXPECT_EQ(words.Nearest("\x80", 3), Words{});
+    EXPECT_EQ(Suggestion("כספים", words.All()), "; did you mean \"כספיים\"?");
 }
 
 TEST(Text, ReplacesEveryOccurrenceOnce) {

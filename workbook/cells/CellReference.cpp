@@ -1,5 +1,6 @@
 #include "workbook/cells/CellReference.h"
 
+#include "text/CellName.h"
 #include "text/Text.h"
 
 #include <algorithm>
@@ -114,13 +115,7 @@ std::optional<CellRange> ReadOpenDocumentReference(std::string_view text) {
 
 } // namespace
 
-std::string CellName(CellPlace place) {
-    std::string name;
-    for (std::uint32_t column = place.column + 1; column > 0; column = (column - 1) / letters) {
-        name.insert(name.begin(), static_cast<char>('A' + (column - 1) % letters));
-    }
-    return name + std::to_string(place.row + 1);
-}
+std::string CellName(CellPlace place) { return CellName(place.row + 1, place.column + 1); }
 
 std::optional<CellPlace> ReadCellName(std::string_view text, std::string_view& rest) {
     const auto cell = ReadWrittenCell(text);

@@ -39,13 +39,13 @@ private:
 
 } // namespace
 
-OpenDocument::OpenDocument(const Frame& frame, std::function<void()> refused)
+ClosingVeto::ClosingVeto(const Frame& frame, std::function<void()> refused)
     : document_(As<util::XCloseable>(frame->getController()->getModel())),
       listener_(new ClosingRefused(std::move(refused))) {
     document_->addCloseListener(listener_);
 }
 
-OpenDocument::~OpenDocument() {
+ClosingVeto::~ClosingVeto() {
     try {
         document_->removeCloseListener(listener_);
     } catch (const uno::Exception&) { // NOLINT(bugprone-empty-catch): the office ends
@@ -57,7 +57,7 @@ StatusBarAction::StatusBarAction(const Context& context, const Frame& frame, con
       bar_(As<com::sun::star::task::XStatusIndicatorFactory>(frame)->createStatusIndicator()),
       keys_({com::sun::star::awt::Toolkit::create(context), uno::UNO_QUERY_THROW},
             [this](sal_Int16 key) { return Takes(key); }),
-      document_(frame, [this] { isStopped_ = true; }) {
+      veto_(frame, [this] { isStopped_ = true; }) {
     bar_->start(ToOffice(text), wholeBar);
     SetWindowEnabled(false);
 }

@@ -13,15 +13,15 @@
 namespace qel::office {
 
 /// Keeps a document open as long as it lives: the office would go on with one that is gone.
-class OpenDocument {
+class ClosingVeto {
 public:
     using Frame = com::sun::star::uno::Reference<com::sun::star::frame::XFrame>;
 
     /// `refused` is called when the document is to be closed.
-    OpenDocument(const Frame& frame, std::function<void()> refused);
-    ~OpenDocument();
-    OpenDocument(const OpenDocument&) = delete;
-    OpenDocument& operator=(const OpenDocument&) = delete;
+    ClosingVeto(const Frame& frame, std::function<void()> refused);
+    ~ClosingVeto();
+    ClosingVeto(const ClosingVeto&) = delete;
+    ClosingVeto& operator=(const ClosingVeto&) = delete;
 
 private:
     com::sun::star::uno::Reference<com::sun::star::util::XCloseable> document_;
@@ -49,7 +49,7 @@ private:
     com::sun::star::uno::Reference<com::sun::star::awt::XWindow> window_;
     com::sun::star::uno::Reference<com::sun::star::task::XStatusIndicator> bar_;
     FilteredKeys keys_;
-    OpenDocument document_;
+    ClosingVeto veto_;
     std::chrono::steady_clock::time_point shown_;
     bool isStopped_ = false;
 };
