@@ -129,6 +129,7 @@ std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePe
                cube == LedgerCube::Months ? "months" : "days", "", "median µs", "p99 µs", "per second",
                "allocations");
     report.Times("formula, statement new", "new", all.FirstCalculation());
+    report.Times("formula, statement new, pages checked", "checked", all.FirstCalculationOfCheckedPages());
     report.Times("formula, statement known", "known", all.Recalculation(options.rounds));
     report.Times("engine alone, from plan to cell", "engine", all.EngineAlone(options.rounds));
     const double sheetNew = sheet.FirstCalculation().Total() / 1e3;

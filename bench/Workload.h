@@ -16,8 +16,10 @@ public:
         : data_(data), formulas_(std::move(formulas)), seed_(seed) {}
 
     const std::vector<ledger::Selection>& Formulas() const { return formulas_; }
-    /// Every formula once, in a program that has just opened the cube.
+    /// Every formula once, in a program that has just opened the cube, whose file is in the system's memory.
     Timings FirstCalculation() const;
+    /// The same on another thread: all pages that the formulas read are checked already.
+    Timings FirstCalculationOfCheckedPages() const;
     /// The same again and again.
     Timings Recalculation(int rounds) const;
     /// The statements' plans alone, which every formula was turned into before: from the plan to the cell.
