@@ -54,8 +54,9 @@ void Timed(const char* what, const std::function<void()>& work) {
 } // namespace
 
 BenchData PrepareBenchData(const std::filesystem::path& folder, const std::filesystem::path& program,
-                           std::uint64_t rows, std::uint64_t seed) {
-    const std::filesystem::path own = folder / fmt::format("{}-{}", rows, seed);
+                           std::uint64_t rows, std::uint64_t seed, std::optional<ledger::LedgerCube> only) {
+    const char* const which = !only ? "" : *only == ledger::LedgerCube::Months ? "-months" : "-days";
+    const std::filesystem::path own = folder / fmt::format("{}-{}{}", rows, seed, which);
     const std::filesystem::path done = own / "done";
     BenchData data{own, own / "ledger.cub", own / "ledger.sqlite"};
     if (std::filesystem::exists(done) &&
@@ -65,7 +66,8 @@ BenchData PrepareBenchData(const std::filesystem::path& folder, const std::files
     std::filesystem::remove_all(own);
     std::filesystem::create_directories(own);
     Timed("ledger in CSV", [&] { Generate(own, rows, seed); });
-    Timed("cube file", [&] { Build(own / "ledger.json", data.cubeFile); });
+    Timed("cube file",
+          [&] { Build(only ? DefinitionOfOne(data, *only) : own / "ledger.json", data.cubeFile); });
     Timed("SQLite database", [&] { MakeSqliteDatabase(own, data.database, rows <= mostPeerFacts); });
     std::ofstream(done) << "complete\n";
     return data;

@@ -1,7 +1,9 @@
 #include "bench/BenchData.h"
+#include "bench/CellRanges.h"
 #include "bench/DuckDbPeer.h"
 #include "bench/FormulaMix.h"
 #include "bench/Listings.h"
+#include "bench/ScanPeer.h"
 #include "bench/SqlitePeer.h"
 #include "bench/Workload.h"
 
@@ -29,7 +31,7 @@ struct BenchOptions {
     int rounds = 3;
     std::uint64_t seed = 17;
     std::filesystem::path data = QEL_BENCH_DATA, duckDb, csv;
-    bool measuresBuild = false;
+    bool measuresBuild = false, scans = false;
 };
 
 /// Prints the measurements, and writes them as lines "facts,cube,what,number" for the table and the plot.
@@ -71,27 +73,78 @@ void PrintRatio(Report& report, const std::string& peer, const char* what, const
     fmt::print("  {:<44}{:>34.0f}\n", fmt::format("times faster than {}: {}", peer, what), ratio);
 }
 
-/// Compares values and times the peer on the first formulas, with the engine's times in `own`.
+/// Compares the first formulas' values with the peer's, which is timed; run(i) returns the i-th.
 template <class Run>
 std::size_t ComparePeer(Report& report, const std::string& name, const Run& run,
-                        const std::vector<SqliteCell>& cells, const std::vector<double>& values,
-                        const Workload& same, int rounds) {
-    Timings peer(cells.size());
+                        const std::vector<double>& values, const Workload& same, int rounds) {
+    Timings peer(values.size());
     std::size_t differences = 0;
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        const double value = peer.Measure(i, [&] { return run(cells[i]); });
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const double value = peer.Measure(i, [&] { return run(i); });
         if (value != values[i] && ++differences <= 5) {
             fmt::print(stderr, "{} instead of {}: {}\n", values[i], value, Describe(same.Formulas()[i]));
         }
     }
     for (int round = 1; round < rounds; ++round) { // the peer's best times count too
-        for (std::size_t i = 0; i < cells.size(); ++i) {
-            peer.Measure(i, [&] { return run(cells[i]); });
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            peer.Measure(i, [&] { return run(i); });
         }
     }
-    report.Times(fmt::format("{} ({} formulas, {} differ)", name, cells.size(), differences), name, peer);
+    report.Times(fmt::format("{} ({} formulas, {} differ)", name, values.size(), differences), name, peer);
     PrintRatio(report, name, "formula", same.Recalculation(rounds), peer);
     PrintRatio(report, name, "engine", same.EngineAlone(rounds), peer);
+    return differences;
+}
+
+/// Other ways to compute the cells of one ledger.
+struct Peers {
+    Peers(const BenchOptions& options, const BenchData& data, std::uint64_t rows) : sqlite(data.database) {
+        if (!options.duckDb.empty() && sqlite.HasFacts()) {
+            duckDb.emplace(options.duckDb, sqlite);
+        }
+        if (options.scans || !sqlite.HasFacts()) {
+            scan.emplace(rows, options.seed);
+        }
+    }
+
+    SqlitePeer sqlite;
+    std::optional<DuckDbPeer> duckDb;
+    std::optional<ScanPeer> scan;
+};
+
+/// Returns the number of values that differ from a peer's.
+std::size_t ComparePeers(const BenchOptions& options, const BenchData& data, Peers& peers,
+                         const std::vector<Selection>& formulas, Report& report) {
+    const auto count = std::min(options.peerFormulas, formulas.size());
+    const Workload same(data, {formulas.begin(), formulas.begin() + static_cast<std::ptrdiff_t>(count)},
+                        options.seed);
+    const RangeFinder finder(peers.sqlite.Database());
+    std::vector<std::optional<CellRanges>> ranges;
+    for (const Selection& formula : same.Formulas()) {
+        ranges.push_back(finder.Find(formula));
+    }
+    const std::vector<double> values = same.Values();
+    std::size_t differences = 0;
+    const auto compare = [&](const char* name, const auto& run, int rounds) {
+        differences += ComparePeer(report, name, run, values, same, rounds);
+    };
+    if (peers.sqlite.HasFacts()) {
+        std::vector<SqliteCell> cells;
+        cells.reserve(ranges.size());
+        for (const auto& cell : ranges) {
+            cells.push_back(peers.sqlite.Prepare(cell));
+        }
+        compare(
+            "SQLite", [&](std::size_t i) { return SqlitePeer::Run(cells[i]); }, options.rounds);
+        if (peers.duckDb) {
+            compare(
+                "DuckDB", [&](std::size_t i) { return peers.duckDb->Run(cells[i]); }, options.rounds);
+        }
+    }
+    if (peers.scan) { // its time varies little
+        compare(
+            "scan", [&](std::size_t i) { return ranges[i] ? peers.scan->Run(*ranges[i]) : 0; }, 1);
+    }
     return differences;
 }
 
@@ -120,9 +173,9 @@ void PrintLines(const BenchOptions& options, const BenchData& data, const Worklo
 }
 
 /// Times the formulas of one cube. Returns the number of values that differ from a peer's.
-std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePeer& sqlite,
-                    DuckDbPeer* duckDb, LedgerCube cube, Report& report) {
-    qel::ledger::RandomSelections selections(sqlite.Database(), options.seed);
+std::size_t Measure(const BenchOptions& options, const BenchData& data, Peers& peers, LedgerCube cube,
+                    Report& report) {
+    qel::ledger::RandomSelections selections(peers.sqlite.Database(), options.seed);
     const Workload all(data, DrawFormulas(selections, options.seed, options.formulas, cube), options.seed);
     const Workload sheet(data, DrawSheet(selections, options.seed + 1, 834, cube), options.seed);
     fmt::print("cube by {}\n  {:<44}{:>10}{:>10}{:>14}{:>14}\n",
@@ -146,27 +199,7 @@ std::size_t Measure(const BenchOptions& options, const BenchData& data, SqlitePe
 
     PrintListings(options, data, cube, report);
     PrintLines(options, data, all, report);
-    if (!sqlite.HasFacts()) {
-        return 0;
-    }
-
-    std::vector<Selection> first(all.Formulas().begin(),
-                                 all.Formulas().begin() + static_cast<std::ptrdiff_t>(std::min(
-                                                              options.peerFormulas, options.formulas)));
-    const Workload same(data, std::move(first), options.seed);
-    std::vector<SqliteCell> cells;
-    for (const Selection& formula : same.Formulas()) {
-        cells.push_back(sqlite.Prepare(formula));
-    }
-    const std::vector<double> values = same.Values();
-    std::size_t differences =
-        ComparePeer(report, "SQLite", SqlitePeer::Run, cells, values, same, options.rounds);
-    if (duckDb != nullptr) {
-        differences += ComparePeer(
-            report, "DuckDB", [&](const SqliteCell& cell) { return duckDb->Run(cell); }, cells, values, same,
-            options.rounds);
-    }
-    return differences;
+    return ComparePeers(options, data, peers, all.Formulas(), report);
 }
 
 LedgerCube CubeNamed(const std::string& name) {
@@ -178,7 +211,9 @@ std::size_t RunBench(const BenchOptions& options, const std::filesystem::path& p
     Report report(options.csv);
     for (const std::uint64_t rows : options.rows) {
         report.Begin(rows);
-        const BenchData data = PrepareBenchData(options.data, program, rows, options.seed);
+        const bool hasBoth = options.cubes.size() > 1;
+        const auto only = hasBoth ? std::optional<LedgerCube>() : CubeNamed(options.cubes.front());
+        const BenchData data = PrepareBenchData(options.data, program, rows, options.seed, only);
         const auto perFact = [rows](const std::filesystem::path& file) {
             return static_cast<double>(std::filesystem::file_size(file)) / static_cast<double>(rows);
         };
@@ -194,24 +229,21 @@ std::size_t RunBench(const BenchOptions& options, const std::filesystem::path& p
         }
         report.BeginCube("both");
         const double opening = OpeningMilliseconds(data);
-        report.Number("bytes", perFact(data.cubeFile) / 2);
+        const double bytesEach = perFact(data.cubeFile) / (hasBoth ? 2 : 1);
+        report.Number("bytes", bytesEach);
         report.Number("open ms", opening);
-        fmt::print("bytes per fact: {:.1f} per cube (two in the file)\nopen: {:.2f} ms\n",
-                   perFact(data.cubeFile) / 2, opening);
-        SqlitePeer sqlite(data.database);
-        if (sqlite.HasFacts()) {
+        fmt::print("bytes per fact and cube: {:.1f}\nopen: {:.2f} ms\n", bytesEach, opening);
+        Peers peers(options, data, rows);
+        if (peers.duckDb) {
+            fmt::print("DuckDB {}\n", peers.duckDb->Version());
+        }
+        if (peers.sqlite.HasFacts()) {
             report.Number("SQLite bytes", perFact(data.database));
             fmt::print("bytes per fact in SQLite: {:.1f}\n", perFact(data.database));
         }
-        std::optional<DuckDbPeer> duckDb;
-        if (!options.duckDb.empty() && sqlite.HasFacts()) {
-            duckDb.emplace(options.duckDb, sqlite);
-            fmt::print("DuckDB {}\n", duckDb->Version());
-        }
         for (const std::string& cube : options.cubes) {
             report.BeginCube(cube);
-            differences +=
-                Measure(options, data, sqlite, duckDb ? &*duckDb : nullptr, CubeNamed(cube), report);
+            differences += Measure(options, data, peers, CubeNamed(cube), report);
         }
         std::fflush(stdout);
     }
@@ -244,6 +276,9 @@ int main(int argc, char** argv) {
     app.add_option("--data", options.data, "where the generated ledgers are kept")->capture_default_str();
     app.add_option("--duckdb", options.duckDb, "DuckDB's shared library; without it DuckDB is skipped")
         ->check(CLI::ExistingFile);
+    app.add_flag(
+        "--scan", options.scans,
+        "also compute the cells by a plain scan of all lines, as is always done above 10,000,000 facts");
     app.add_option("--csv", options.csv, "also write the numbers to this file");
     app.add_flag("--build", options.measuresBuild, "also measure the build of each cube");
     CLI11_PARSE(app, argc, argv);

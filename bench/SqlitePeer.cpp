@@ -1,27 +1,13 @@
 #include "bench/SqlitePeer.h"
 
 #include "examples/ledger/reference/LedgerDatabase.h"
-#include "examples/ledger/reference/PlainSums.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
 #include <stdexcept>
 
 namespace qel::bench {
 namespace {
-
-using ledger::Selection;
-
-/// "2024-03-31" is 20240331.
-std::int64_t DayNumber(std::string iso) {
-    iso.erase(std::remove(iso.begin(), iso.end(), '-'), iso.end());
-    return std::stoll(iso);
-}
-
-CalendarDay ToCalendar(std::int64_t day) {
-    return {static_cast<int>(day / 10000), static_cast<int>(day / 100 % 100), static_cast<int>(day % 100)};
-}
 
 constexpr const char* factsSql = R"sql(
     CREATE TABLE facts AS
@@ -42,25 +28,8 @@ constexpr const char* factsSql = R"sql(
     JOIN opening_balance ON opening_balance.code = l.opening_balance
     JOIN money_sets ON money_sets.code = l.money_set)sql";
 
-constexpr const char* numberedStructure = "obs_name || '.' || obs_number";
 constexpr const char* smallColumns =
     "obs_number, plbs, rh, firm, opening_balance, money_set, amount, quantity";
-
-/// Conditions with their values, in order.
-struct Where {
-    std::string sql = "day BETWEEN ? AND ?";
-    std::vector<std::int64_t> values;
-
-    void Between(const char* column, std::int64_t first, std::int64_t last) {
-        if (first == last) {
-            sql += fmt::format(" AND {} = ?", column);
-            values.push_back(first);
-            return;
-        }
-        sql += fmt::format(" AND {} BETWEEN ? AND ?", column);
-        values.insert(values.end(), {first, last});
-    }
-};
 
 double BindAndRun(ledger::SqlStatement& statement, const SqliteCell& cell) {
     for (std::size_t i = 0; i < cell.values.size(); ++i) {
@@ -78,7 +47,8 @@ void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::files
                         bool facts) {
     ledger::SqlDatabase database(file.string());
     database.Run("PRAGMA journal_mode = OFF; PRAGMA synchronous = OFF");
-    ledger::LoadLedger(csvFolder, database);
+    constexpr std::uint64_t sampled = 100;
+    ledger::LoadLedger(csvFolder, database, facts ? 1 : sampled);
     if (!facts) {
         return;
     }
@@ -105,87 +75,29 @@ SqlitePeer::SqlitePeer(const std::filesystem::path& file)
     : database_(file.string()),
       hasFacts_(database_.Number("SELECT count(*) FROM sqlite_master WHERE name = 'facts'") != 0) {
     database_.Run("PRAGMA query_only = ON; PRAGMA mmap_size = 8000000000; PRAGMA cache_size = -1000000");
-    if (!hasFacts_) {
-        return;
-    }
-    for (const char* table :
-         {"accounts", "activities", "cost_centres", "firms", "plbs", "rh", "opening_balance", "money_sets"}) {
-        ReadRanges(table, "code");
-    }
-    for (const char* column : {"group1", "group2", "group3"}) {
-        ReadRanges("accounts", column);
-    }
-    for (const char* level : {"level1", "level2", "level3", "level4"}) {
-        ReadRanges("obs", fmt::format("{}_name", level));
-        ReadRanges("obs", fmt::format("{}_name_he", level));
-    }
-    ReadRanges("obs_numbers", numberedStructure);
-    first_ = ToCalendar(database_.Number("SELECT min(day) FROM facts"));
-    last_ = ToCalendar(database_.Number("SELECT max(day) FROM facts"));
 }
 
-void SqlitePeer::ReadRanges(const std::string& table, const std::string& member) {
-    ledger::SqlStatement rows = database_.Prepare(
-        fmt::format("SELECT {1}, min(rowid), max(rowid), count(*) FROM {0} GROUP BY 1", table, member));
-    Ranges& ranges = ranges_[table + "." + member];
-    while (rows.Step()) {
-        const Range range{rows.Number(1), rows.Number(2)};
-        if (rows.Number(3) != range.last - range.first + 1) {
-            throw std::runtime_error(fmt::format("{} of {} is no range of lines.", rows.Text(0), table));
-        }
-        ranges[rows.Text(0)] = range;
-    }
-}
-
-const SqlitePeer::Range& SqlitePeer::Find(const std::string& table, const std::string& column,
-                                          const std::string& member) const {
-    return ranges_.at(table + "." + column).at(member);
-}
-
-SqliteCell SqlitePeer::Prepare(const Selection& selection) {
-    const std::optional<ledger::DaySpan> days = CoveredDays(selection, first_, last_);
-    if (!days) {
+SqliteCell SqlitePeer::Prepare(const std::optional<CellRanges>& cell) {
+    if (!cell) {
         return {};
     }
-    Where where;
-    where.values = {DayNumber(days->first), DayNumber(days->second)};
-    const auto add = [&](const char* factColumn, const char* table, const std::string& column,
-                         const std::string& member) {
-        if (member.empty()) {
-            return;
+    std::string sql =
+        fmt::format("SELECT sum({}) FROM facts WHERE ", cell->isQuantity ? "quantity" : "amount");
+    std::vector<std::int64_t> values;
+    for (const FactRange& range : cell->where) {
+        const bool isOne = range.first == range.last;
+        sql += fmt::format("{}{} {}", values.empty() ? "" : " AND ", range.column,
+                           isOne ? "= ?" : "BETWEEN ? AND ?");
+        values.push_back(range.first);
+        if (!isOne) {
+            values.push_back(range.last);
         }
-        const Range& range = Find(table, column, member);
-        where.Between(factColumn, range.first, range.last);
-    };
-    add("account", "accounts", "code", selection.account);
-    if (!selection.summaryLevel.empty()) {
-        add("account", "accounts", fmt::format("group{}", selection.summaryLevel.back()),
-            selection.summaryMember);
     }
-    if (selection.obsLevel == "Cost_Centers") {
-        add("cost_centre", "cost_centres", "code", selection.obsMember);
-    } else if (!selection.obsLevel.empty()) {
-        const char* suffix = selection.cube == ledger::LedgerCube::Days ? "_he" : "";
-        add("obs", "obs", fmt::format("level{}_name{}", selection.obsLevel.back(), suffix),
-            selection.obsMember);
-    }
-    add("activity", "activities", "code", selection.activity);
-    if (!selection.obsNumber.empty()) { // all numbers share the name
-        add("obs_number", "obs_numbers", numberedStructure, selection.obsName + "." + selection.obsNumber);
-    }
-    add("firm", "firms", "code", selection.firm);
-    add("plbs", "plbs", "code", selection.plbs);
-    add("rh", "rh", "code", selection.rh);
-    add("opening_balance", "opening_balance", "code", selection.openingBalance);
-    add("money_set", "money_sets", "code", selection.moneySet);
-    const bool isQuantity = selection.measure == "Quantity";
-    const std::string sql =
-        fmt::format("SELECT sum({}) FROM facts WHERE {}", isQuantity ? "quantity" : "amount", where.sql);
     auto statement = statements_.find(sql);
     if (statement == statements_.end()) {
         statement = statements_.emplace(sql, database_.Prepare(sql)).first;
     }
-    return {&statement->second, sql, std::move(where.values), isQuantity ? 1000.0 : 100.0};
+    return {&statement->second, sql, std::move(values), cell->isQuantity ? 1000.0 : 100.0};
 }
 
 double SqlitePeer::Run(const SqliteCell& cell) {

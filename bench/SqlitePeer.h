@@ -1,9 +1,10 @@
 #pragma once
 
-#include "examples/ledger/reference/Selection.h"
+#include "bench/CellRanges.h"
 #include "examples/ledger/reference/Sqlite.h"
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -12,8 +13,8 @@ namespace qel::bench {
 
 /// Loads the folder's ledger into an SQLite database laid out for reading cells: codes are small numbers in
 /// tree order, so that a summary group is a range, with covering indexes that start with the account, the OBS
-/// leaf, the cost centre and the activity. Without `facts` it only holds the ledger and its tables, from
-/// which formulas are drawn.
+/// leaf, the cost centre and the activity. Without `facts` it only holds the tables and one in a hundred
+/// ledger lines, from which formulas are drawn.
 void MakeSqliteDatabase(const std::filesystem::path& csvFolder, const std::filesystem::path& file,
                         bool facts);
 
@@ -30,9 +31,8 @@ class SqlitePeer {
 public:
     explicit SqlitePeer(const std::filesystem::path& file);
 
-    /// Does the work that a program would do once per kind of formula. The cell refers to this object. Raises
-    /// std::out_of_range for a member that is not in the ledger.
-    SqliteCell Prepare(const ledger::Selection& selection);
+    /// Does the work that a program would do once per kind of formula. The cell refers to this object.
+    SqliteCell Prepare(const std::optional<CellRanges>& cell);
     /// Binds the values and runs the statement. Returns the number that the formula shows.
     static double Run(const SqliteCell& cell);
     /// The same starting from the statement's text, as the component does for every formula.
@@ -43,20 +43,9 @@ public:
     bool HasFacts() const { return hasFacts_; }
 
 private:
-    /// The row numbers of a table that a member stands for.
-    struct Range {
-        std::int64_t first = 0, last = 0;
-    };
-    using Ranges = std::unordered_map<std::string, Range>;
-
-    void ReadRanges(const std::string& table, const std::string& member);
-    const Range& Find(const std::string& table, const std::string& column, const std::string& member) const;
-
     ledger::SqlDatabase database_;
-    std::unordered_map<std::string, Ranges> ranges_; ///< by "table.column"
     std::unordered_map<std::string, ledger::SqlStatement> statements_;
     bool hasFacts_;
-    CalendarDay first_, last_;
 };
 
 } // namespace qel::bench

@@ -67,10 +67,11 @@ std::int64_t Scaled(const std::string& text, std::size_t decimals) {
     return text.starts_with('-') ? -magnitude : magnitude;
 }
 
-void LoadTable(const std::filesystem::path& path, SqlDatabase& database) {
+void LoadTable(const std::filesystem::path& path, SqlDatabase& database, std::uint64_t oneIn) {
     const std::string table = path.stem().string();
     std::optional<SqlStatement> insert;
     Row header;
+    std::uint64_t number = 0;
     ReadCsv(path, [&](const Row& row) {
         if (!insert) {
             header = row;
@@ -78,6 +79,9 @@ void LoadTable(const std::filesystem::path& path, SqlDatabase& database) {
             insert =
                 database.Prepare(fmt::format("INSERT INTO {} VALUES ({})", table,
                                              fmt::join(std::vector<std::string>(header.size(), "?"), ", ")));
+            return;
+        }
+        if (number++ % oneIn != 0) {
             return;
         }
         for (std::size_t i = 0; i < row.size(); ++i) {
@@ -100,11 +104,12 @@ void LoadTable(const std::filesystem::path& path, SqlDatabase& database) {
 
 } // namespace
 
-void LoadLedger(const std::filesystem::path& folder, SqlDatabase& database) {
+void LoadLedger(const std::filesystem::path& folder, SqlDatabase& database, std::uint64_t oneIn) {
     database.Run("BEGIN");
-    for (const char* file : {"ledger", "accounts", "activities", "cost_centres", "obs", "obs_numbers",
-                             "firms", "plbs", "rh", "opening_balance", "money_sets"}) {
-        LoadTable(folder / fmt::format("{}.csv", file), database);
+    LoadTable(folder / "ledger.csv", database, oneIn);
+    for (const char* file : {"accounts", "activities", "cost_centres", "obs", "obs_numbers", "firms", "plbs",
+                             "rh", "opening_balance", "money_sets"}) {
+        LoadTable(folder / fmt::format("{}.csv", file), database, 1);
     }
     database.Run("COMMIT");
 }
