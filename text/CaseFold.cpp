@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <iterator>
 
 namespace qel {
@@ -88,6 +89,19 @@ void AppendUtf8(char32_t codePoint, std::string& text) {
     }
 }
 
+/// The number of bytes from `position` on that are ASCII for certain: as many words as are.
+std::size_t AsciiWords(std::string_view text, std::size_t position) {
+    constexpr std::uint64_t highBits = 0x8080808080808080;
+    std::size_t end = position;
+    for (std::uint64_t word = 0; text.size() - end >= sizeof word; end += sizeof word) {
+        std::memcpy(&word, text.data() + end, sizeof word);
+        if ((word & highBits) != 0) {
+            break;
+        }
+    }
+    return end - position;
+}
+
 bool IsAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
 
 char LowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
@@ -166,12 +180,13 @@ bool EqualIgnoringCase(std::string_view left, std::string_view right) {
 }
 
 bool IsValidUtf8(std::string_view text) {
-    for (std::size_t i = 0; i < text.size();) {
+    for (std::size_t i = AsciiWords(text, 0); i < text.size();) {
         const std::size_t bytes = DecodeAt(text, i).bytes;
         if (bytes == 0) {
             return false;
         }
         i += bytes;
+        i += AsciiWords(text, i);
     }
     return true;
 }

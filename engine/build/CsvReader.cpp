@@ -161,7 +161,7 @@ bool CsvReader::ReadRecord() {
     recordSize_ = 0;
     recordLines_ = 0;
     recordIsComplete_ = false;
-    ClearFields();
+    fields_.Clear();
     fault_.clear();
     if (!SkipBlankLines()) {
         return false;
@@ -197,10 +197,10 @@ bool CsvReader::ReadRecord() {
 
 bool CsvReader::TakeQuotesWithinFields() {
     const auto fields = CsvFieldsOf(lines_.LineAt(0), delimiter_);
-    ClearFields();
+    fields_.Clear();
     for (const std::string_view field : fields) {
         const bool isQuoted = field.starts_with('"');
-        AddField(isQuoted ? ReplaceAll(field.substr(1, field.size() - 2), "\"\"", "\"") : field);
+        fields_.Add(isQuoted ? ReplaceAll(field.substr(1, field.size() - 2), "\"\"", "\"") : field);
     }
     return !fields.empty();
 }
@@ -232,7 +232,7 @@ void CsvReader::Fail(const std::string& fault) const {
 }
 
 void CsvReader::OnField(void* text, std::size_t length, void* self) {
-    static_cast<CsvReader*>(self)->AddField(
+    static_cast<CsvReader*>(self)->fields_.Add(
         length == 0 ? std::string_view() : std::string_view(static_cast<const char*>(text), length));
 }
 

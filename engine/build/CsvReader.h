@@ -34,6 +34,8 @@ public:
     bool Next() override;
     std::uint64_t Number() const override { return line_; }
     double Share() const override;
+    /// The record as it stands in the file, including its line end; valid until the next call.
+    std::string_view RawText() const { return lines_.First(recordSize_); }
     std::string Raw() const override { return std::string(RawText()); }
     std::string HeaderText() const override { return headerText_; }
     char Delimiter() const override { return delimiter_; }
@@ -53,8 +55,6 @@ private:
     /// Takes a line such as "sep=;".
     void TakeDelimiterLine();
     void ResetParser();
-    /// The record as it stands in the file, including its line end.
-    std::string_view RawText() const { return lines_.First(recordSize_); }
     /// Why the record's bytes are malformed, or an empty text.
     std::string FormFault() const;
     [[noreturn]] void Fail(const std::string& fault) const;

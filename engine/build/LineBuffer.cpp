@@ -12,14 +12,27 @@ namespace {
 
 constexpr std::size_t longestLine = std::size_t{16} << 20U;
 
+/// The place of the first LF or CR from `start` on; the text's size where there is none.
+std::size_t FindLineEnd(std::string_view text, std::size_t start) {
+    // Short stretches: one of the two may not occur at all, and is not looked for in the whole text each
+    // time.
+    constexpr std::size_t stretch = 256;
+    for (; start < text.size(); start += stretch) {
+        const std::string_view part = text.substr(start, stretch);
+        const std::size_t place = std::min(part.find('\n'), part.find('\r'));
+        if (place != std::string_view::npos) {
+            return start + place;
+        }
+    }
+    return text.size();
+}
+
 } // namespace
 
 std::string_view LineBuffer::LineAt(std::size_t offset) {
     for (std::size_t searched = offset;;) {
         const std::string_view window = std::string_view(buffer_).substr(start_);
-        const auto* const end = std::find_if(window.begin() + searched, window.end(),
-                                             [](char c) { return c == '\n' || c == '\r'; });
-        const auto place = static_cast<std::size_t>(end - window.begin());
+        const std::size_t place = FindLineEnd(window, searched);
         // A CR at the end of the buffer may be followed by its LF in the next chunk.
         if (place < window.size() && (window[place] == '\n' || place + 1 < window.size() || isAtEnd_)) {
             const bool isPair = window.substr(place, 2) == "\r\n";

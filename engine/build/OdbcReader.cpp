@@ -120,7 +120,7 @@ bool OdbcReader::Next() {
 }
 
 void OdbcReader::TakeRow(std::size_t row) {
-    ClearFields();
+    fields_.Clear();
     fault_.clear();
     if (states_[row] == SQL_ROW_ERROR || states_[row] == SQL_ROW_NOROW) {
         fault_ = "the database could not read it";
@@ -130,7 +130,7 @@ void OdbcReader::TakeRow(std::size_t row) {
         if (!TakeText(i, row)) {
             return;
         }
-        AddField(value_);
+        fields_.Add(value_);
     }
 }
 

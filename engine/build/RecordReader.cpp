@@ -28,18 +28,19 @@ std::string_view Trimmed(std::string_view text) {
 
 } // namespace
 
+void RecordFields::Clear() {
+    text.clear();
+    places.clear();
+}
+
+void RecordFields::Add(std::string_view field) {
+    places.emplace_back(text.size(), field.size());
+    text.append(field);
+}
+
 std::string_view RecordReader::Field(std::size_t column) const {
-    return Trimmed(std::string_view(text_).substr(fields_[column].first, fields_[column].second));
-}
-
-void RecordReader::ClearFields() {
-    text_.clear();
-    fields_.clear();
-}
-
-void RecordReader::AddField(std::string_view text) {
-    fields_.emplace_back(text_.size(), text.size());
-    text_.append(text);
+    const auto [offset, length] = fields_.places[column];
+    return Trimmed(std::string_view(fields_.text).substr(offset, length));
 }
 
 } // namespace qel::engine

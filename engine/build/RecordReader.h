@@ -9,6 +9,15 @@
 
 namespace qel::engine {
 
+/// The fields of one record.
+struct RecordFields {
+    std::string text;                                        ///< the fields, one after the other
+    std::vector<std::pair<std::size_t, std::size_t>> places; ///< offset and length of each in the text
+
+    void Clear();
+    void Add(std::string_view field);
+};
+
 /// Reads the records of a table one after the other: the lines of a file, or the rows of a query.
 class RecordReader {
 public:
@@ -30,7 +39,8 @@ public:
     virtual std::uint64_t Number() const = 0;
     /// The field, trimmed. When Fault() is empty there are as many fields as in the header.
     std::string_view Field(std::size_t column) const;
-    std::size_t FieldCount() const { return fields_.size(); }
+    std::size_t FieldCount() const { return fields_.places.size(); }
+    const RecordFields& Fields() const { return fields_; }
     /// The share of the records that has been read; 0 while it is unknown.
     virtual double Share() const = 0;
 
@@ -46,16 +56,12 @@ public:
 protected:
     explicit RecordReader(std::string name) : name_(std::move(name)) {}
 
-    void ClearFields();
-    void AddField(std::string_view text);
-
     std::vector<std::string> header_;
     std::string fault_;
+    RecordFields fields_;
 
 private:
     std::string name_;
-    std::string text_;                                        ///< the fields, one after the other
-    std::vector<std::pair<std::size_t, std::size_t>> fields_; ///< offset and length
 };
 
 } // namespace qel::engine

@@ -3,6 +3,7 @@
 #include "engine/build/CsvReader.h"
 #include "engine/build/HeaderLine.h"
 #include "engine/build/OdbcReader.h"
+#include "engine/build/ReadAhead.h"
 #include "engine/build/TotalLine.h"
 #include "qel/engine/EngineError.h"
 #include "text/Suggestion.h"
@@ -27,7 +28,7 @@ TableReader::TableReader(const TableDefinition& table, BadLines& badLines, const
     auto csv = std::make_unique<CsvReader>(file_->Stream(), PathToUtf8(table.file), table.format.delimiter,
                                            file_->Size(), table.format.skipLines);
     csv_ = csv.get();
-    records_ = std::move(csv);
+    records_ = std::make_unique<ReadAhead>(std::move(csv));
 }
 
 void TableReader::ContinueAt(std::uint64_t offset, std::uint64_t nextLine, std::uint64_t lines) {

@@ -1,13 +1,17 @@
 #include "engine/build/CsvReader.h"
 
 #include "engine/build/HeaderLine.h"
+#include "engine/build/ReadAhead.h"
 #include "qel/engine/EngineError.h"
 #include "tests/engine/FaultOf.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <sstream>
 #include <string>
+#include <utility>
 
 namespace qel::engine {
 namespace {
@@ -162,6 +166,48 @@ TEST(CsvReader, AnOpenQuoteDoesNotSwallowABigFile) {
         records += reader.Fault().empty() ? 1 : 0;
     }
     EXPECT_EQ(records, 300000);
+}
+
+/// Many batches, read by another thread: every record is the one that the reader itself gives, with its
+/// number, its text and its faults; a failure comes behind the records before it, each time it is asked for.
+TEST(ReadAhead, GivesTheRecordsOfItsReader) {
+    std::string text = "number,text\r\n";
+    for (int i = 0; i < 60000; ++i) {
+        const std::string field(static_cast<std::size_t>(i) % 97, 'x');
+        text += i % 1000 == 7    ? "too,many," + field + "\n"
+                : i % 1000 == 77 ? "\"a\nb\"," + field + "\r\n"
+                                 : std::to_string(i) + ", " + field + "\n";
+    }
+    for (const std::string& end : {std::string("last,\"line"), std::string(17 << 20, 'a')}) {
+        std::istringstream input(text + end), same(text + end);
+        CsvReader alone(input, "t.csv", 0);
+        ReadAhead ahead(std::make_unique<CsvReader>(same, "t.csv", 0));
+        ASSERT_EQ(ahead.HeaderText() + ahead.Delimiter(), alone.HeaderText() + alone.Delimiter());
+        const auto next = [](RecordReader& reader) {
+            bool isRead = false;
+            const std::string failure = FaultOf([&] { isRead = reader.Next(); }).text;
+            if (failure != "no fault") {
+                return std::pair(false, failure);
+            }
+            std::string record = fmt::format("{} {} {} {}", reader.Number(), reader.Fault(),
+                                             reader.IsComplete(), isRead ? reader.Raw() : "");
+            for (std::size_t i = 0; isRead && i < reader.FieldCount(); ++i) {
+                record.append("|").append(reader.Field(i));
+            }
+            return std::pair(isRead, record);
+        };
+        for (bool isRead = true; isRead;) {
+            const auto expected = next(alone);
+            ASSERT_EQ(next(ahead).second, expected.second);
+            isRead = expected.first;
+        }
+        EXPECT_EQ(next(ahead), next(alone));
+    }
+    std::istringstream input(text);
+    ReadAhead left(std::make_unique<CsvReader>(input, "t.csv", 0));
+    for (int i = 0; i < 20000; ++i) {
+        ASSERT_TRUE(left.Next()); // and is left while the other thread reads
+    }
 }
 
 } // namespace
