@@ -27,10 +27,10 @@ rtl::OUString AddressOf(const DocumentReference& document) {
     return stored.is() ? stored->getLocation() : rtl::OUString();
 }
 
-/// Empty for a document that was never saved, or not to a file.
-std::filesystem::path FolderOf(const DocumentReference& document) {
+/// The folder of a document at that address; empty for one that was never saved, or not to a file.
+std::filesystem::path FolderOf(const rtl::OUString& address) {
     rtl::OUString path;
-    if (osl::FileBase::getSystemPathFromFileURL(AddressOf(document), path) != osl::FileBase::E_None) {
+    if (osl::FileBase::getSystemPathFromFileURL(address, path) != osl::FileBase::E_None) {
         return {};
     }
     return PathFromSetting(FromOffice(path)).parent_path();
@@ -38,18 +38,24 @@ std::filesystem::path FolderOf(const DocumentReference& document) {
 
 } // namespace
 
-std::string CubePathFrom(const DocumentReference& document, const std::string& cubeFile) {
-    std::string text(Trimmed(cubeFile));
-    const std::filesystem::path path = PathFromSetting(text);
-    if (path.empty() || path.is_absolute()) {
-        return text;
+std::string CubePaths::Of(const DocumentReference& document, const std::string& cubeFile) {
+    const rtl::OUString address = AddressOf(document);
+    if (cubeFile != cubeFile_ || address != address_) {
+        text_ = Trimmed(cubeFile);
+        const std::filesystem::path path = PathFromSetting(text_);
+        const std::filesystem::path folder =
+            path.empty() || path.is_absolute() ? std::filesystem::path() : FolderOf(address);
+        inFolder_ = folder.empty() ? std::filesystem::path() : folder / path;
+        textInFolder_ = PathToUtf8(inFolder_);
+        cubeFile_ = cubeFile;
+        address_ = address;
     }
-    const std::filesystem::path folder = FolderOf(document);
     std::error_code failed;
-    if (folder.empty() || !std::filesystem::is_regular_file(folder / path, failed)) {
-        return text;
-    }
-    return PathToUtf8(folder / path);
+    return !inFolder_.empty() && std::filesystem::is_regular_file(inFolder_, failed) ? textInFolder_ : text_;
+}
+
+std::string CubePathFrom(const DocumentReference& document, const std::string& cubeFile) {
+    return CubePaths().Of(document, cubeFile);
 }
 
 } // namespace qel::calc

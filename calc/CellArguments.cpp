@@ -16,6 +16,7 @@ using office::ToOffice;
 
 using com::sun::star::uno::Any;
 using com::sun::star::uno::Sequence;
+using com::sun::star::uno::TypeClass_SEQUENCE;
 using Rows = Sequence<Sequence<Any>>;
 
 namespace {
@@ -52,7 +53,7 @@ bool IsOmitted(const Variant& value) { return value.Is<ErrorValue>(); }
 } // namespace
 
 Variant KeysFromCell(const Any& argument) {
-    if (Rows rows; argument >>= rows) {
+    if (Rows rows; argument.getValueTypeClass() == TypeClass_SEQUENCE && (argument >>= rows)) {
         return BlockFromCell(rows);
     }
     Variant value = ScalarFromCell(argument);
@@ -63,6 +64,9 @@ Variant KeysFromCell(const Any& argument) {
 }
 
 std::string TextFromCell(const Any& argument, const Locale& locale) {
+    if (rtl::OUString text; argument >>= text) {
+        return FromOffice(text);
+    }
     const Variant value = ScalarFromCell(argument);
     return IsOmitted(value) ? std::string() : ToText(value, locale);
 }

@@ -26,9 +26,9 @@ NameAccess Settings(const DocumentLocales::Context& context, const char* path) {
             uno::UNO_QUERY_THROW};
 }
 
-rtl::OUString TextOf(const NameAccess& settings, const char* name) {
+rtl::OUString TextOf(const NameAccess& settings, const rtl::OUString& name) {
     rtl::OUString text;
-    settings->getByName(rtl::OUString::createFromAscii(name)) >>= text;
+    settings->getByName(name) >>= text;
     return text;
 }
 
@@ -71,27 +71,36 @@ bool IsNobodysChoice(const com::sun::star::lang::Locale& language) {
 } // namespace
 
 Locale DocumentLocales::Of(const DocumentReference& document) {
+    static const rtl::OUString property("CharLocale");
     Language language;
     if (document.is()) {
-        document->getPropertyValue("CharLocale") >>= language;
+        document->getPropertyValue(property) >>= language;
     }
     const double nullDate = document.is() ? office::NullDateOf(document) : 0;
     const std::lock_guard lock(mutex_);
-    Locale locale = LocaleOf(IsNobodysChoice(language) ? LanguageOfOffice() : language);
+    Locale locale = IsNobodysChoice(language) ? LocaleOfOffice() : LocaleOf(language);
     locale.nullDate = nullDate;
     return locale;
 }
 
-DocumentLocales::Language DocumentLocales::LanguageOfOffice() {
+const Locale& DocumentLocales::LocaleOfOffice() {
+    static const rtl::OUString choice("ooSetupSystemLocale"), system("SystemLocale");
     if (!setting_.is()) {
         setting_ = Settings(context_, "/org.openoffice.Setup/L10N");
         system_ = Settings(context_, "/org.openoffice.System/L10N");
     }
-    const rtl::OUString chosen = TextOf(setting_, "ooSetupSystemLocale");
-    return LanguageFromTag(chosen.isEmpty() ? TextOf(system_, "SystemLocale") : chosen);
+    rtl::OUString tag = TextOf(setting_, choice);
+    if (tag.isEmpty()) {
+        tag = TextOf(system_, system);
+    }
+    if (!localeOfTag_ || tag != tag_) {
+        localeOfTag_ = LocaleOf(LanguageFromTag(tag));
+        tag_ = tag;
+    }
+    return *localeOfTag_;
 }
 
-Locale DocumentLocales::LocaleOf(const Language& language) {
+const Locale& DocumentLocales::LocaleOf(const Language& language) {
     const Key key(language.Language, language.Country, language.Variant);
     const auto found = known_.find(key);
     if (found != known_.end()) {

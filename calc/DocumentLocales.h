@@ -8,6 +8,7 @@
 #include <com/sun/star/uno/XComponentContext.hpp>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <tuple>
 
 namespace qel::calc {
@@ -27,13 +28,15 @@ private:
     using Language = com::sun::star::lang::Locale;
     using Key = std::tuple<rtl::OUString, rtl::OUString, rtl::OUString>;
 
-    Language LanguageOfOffice();
-    Locale LocaleOf(const Language& language);
+    const Locale& LocaleOfOffice();
+    const Locale& LocaleOf(const Language& language);
 
     Context context_;
     std::mutex mutex_;
     com::sun::star::uno::Reference<com::sun::star::container::XNameAccess> setting_, system_;
     std::map<Key, Locale> known_;
+    rtl::OUString tag_; ///< of the office's language as it was last
+    std::optional<Locale> localeOfTag_;
 };
 
 } // namespace qel::calc

@@ -30,16 +30,17 @@ using Any = uno::Any;
 /// One call of a cell: its arguments as the class takes them.
 class CellCall {
 public:
-    CellCall(const DocumentReference& document, const Locale& locale)
-        : document_(document), locale_(locale) {}
+    CellCall(const DocumentReference& document, const Locale& locale, CubePaths& paths)
+        : document_(document), locale_(locale), paths_(paths) {}
 
-    std::string CubeFile(const Any& argument) const { return CubePathFrom(document_, Text(argument)); }
+    std::string CubeFile(const Any& argument) const { return paths_.Of(document_, Text(argument)); }
     std::string Text(const Any& argument) const { return TextFromCell(argument, locale_); }
     AutomationDate Date(const Any& argument) const { return DateFromCell(argument, locale_); }
 
 private:
     const DocumentReference& document_;
     const Locale& locale_;
+    CubePaths& paths_;
 };
 
 const ArgumentTexts* FindArgument(const rtl::OUString& method, sal_Int32 argument) {
@@ -67,7 +68,7 @@ Any OrmQelFunctionAddIn::Answer(const DocumentReference& document, const Read& r
     try {
         ThreadFunction& thread = FunctionOfThread();
         thread.locale = locales_.Of(document);
-        const auto call = read(CellCall(document, thread.locale));
+        const auto call = read(CellCall(document, thread.locale, thread.paths));
         if (IsServerAddress(call.cubeFile)) {
             return ServerResults().Ask(ServerCallOf(call, thread.locale));
         }

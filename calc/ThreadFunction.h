@@ -1,5 +1,6 @@
 #pragma once
 
+#include "calc/CallingDocument.h"
 #include "function/OrmQelFunction.h"
 
 namespace qel::calc {
@@ -9,6 +10,7 @@ struct ThreadFunction {
     ThreadFunction();
 
     Locale locale; ///< of the calling document; set before each call
+    CubePaths paths;
     ModSetCube::ThreadState state;
     OrmQelFunction function;
 };

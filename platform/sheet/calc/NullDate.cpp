@@ -7,8 +7,9 @@
 namespace qel::office {
 
 double NullDateOf(const com::sun::star::uno::Reference<com::sun::star::beans::XPropertySet>& document) {
+    static const rtl::OUString property("NullDate");
     com::sun::star::util::Date date(30, 12, 1899);
-    document->getPropertyValue("NullDate") >>= date;
+    document->getPropertyValue(property) >>= date;
     return DateFromDay({date.Year, date.Month, date.Day}).days;
 }
 
