@@ -43,14 +43,14 @@ void TakeRange(const Range& range, const Locale& locale, Keys& keys) {
 
 template <class Keys>
 void TakeArray(const VariantArray& array, const Locale& locale, Keys& keys) {
-    if (array.bounds.empty()) { // an array that was never dimensioned
+    if (array.bounds.DimensionCount() == 0) { // an array that was never dimensioned
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
     }
-    const ArrayBounds bounds = array.bounds.front();
+    const ArrayBounds bounds = array.bounds[0];
     if (bounds.upper > largestUpperBound) {
         throw PlatformError(ErrorNumber::ToManyDimensions);
     }
-    if (array.bounds.size() > 1 || bounds.upper < bounds.lower) {
+    if (array.bounds.DimensionCount() > 1 || bounds.upper < bounds.lower) {
         throw PlatformError(ErrorNumber::SubscriptOutOfRange);
     }
     for (const Variant& element : array.elements) {
@@ -129,10 +129,9 @@ const std::string* PlainFirstKey(const Variant& value) {
         return value.Is<std::string>() ? &nothing : nullptr;
     }
     const VariantArray& array = *value.As<std::shared_ptr<const VariantArray>>();
-    const bool isPlain = array.elementType == ElementType::Variant && array.bounds.size() == 1 &&
-                         array.elements.size() == 1 &&
-                         array.bounds.front().upper == array.bounds.front().lower &&
-                         array.bounds.front().upper <= largestUpperBound;
+    const bool isPlain = array.elementType == ElementType::Variant && array.bounds.DimensionCount() == 1 &&
+                         array.elements.size() == 1 && array.bounds[0].upper == array.bounds[0].lower &&
+                         array.bounds[0].upper <= largestUpperBound;
     return isPlain ? std::get_if<std::string>(&array.elements.front().Get()) : nullptr;
 }
 

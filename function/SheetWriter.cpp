@@ -63,7 +63,7 @@ void WriteDetailTable(const SheetRange& xlActiveCell, const std::string& argumen
         return;
     }
     const auto first = application->ActiveCell();
-    const std::int32_t lastRow = table->bounds.front().upper;
+    const std::int32_t lastRow = table->bounds[0].upper;
     application->Range(*first, *first->Offset(lastRow - rowsNotText, 1))->SetNumberFormat("@");
     application->Range(*first, *first->Offset(lastRow, 1))->SetFormula(table);
 }

@@ -62,7 +62,7 @@ struct TypeNameOf {
 
 Variant Variant::List(std::vector<Variant> elements) {
     auto array = std::make_shared<VariantArray>();
-    array->bounds.push_back({0, static_cast<std::int32_t>(elements.size()) - 1});
+    array->bounds.Add({0, static_cast<std::int32_t>(elements.size()) - 1});
     array->elements = std::move(elements);
     return std::shared_ptr<const VariantArray>(std::move(array));
 }

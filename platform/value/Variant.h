@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/value/ArrayShape.h"
 #include "platform/value/AutomationDate.h"
 
 #include <cstdint>
@@ -88,15 +89,10 @@ enum class ElementType : std::uint8_t {
     Object
 };
 
-struct ArrayBounds {
-    std::int32_t lower = 0;
-    std::int32_t upper = -1; ///< inclusive; lower - 1 for no elements
-};
-
 /// A safe array: the bounds of each dimension, and the elements, the first dimension varying fastest.
 struct VariantArray {
     ElementType elementType = ElementType::Variant;
-    std::vector<ArrayBounds> bounds;
+    ArrayShape bounds;
     std::vector<Variant> elements;
 };
 

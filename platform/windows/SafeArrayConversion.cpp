@@ -105,7 +105,7 @@ Variant ArrayFrom(SAFEARRAY* array, VARTYPE elementType) {
     std::size_t count = 1;
     for (UINT dimension = 1; dimension <= ::SafeArrayGetDim(array); ++dimension) {
         const ArrayBounds bounds = BoundsOf(array, dimension);
-        result->bounds.push_back(bounds);
+        result->bounds.Add(bounds);
         count *= static_cast<std::size_t>(std::int64_t{bounds.upper} - bounds.lower + 1);
     }
     const LockedElements elements(array);
@@ -118,7 +118,8 @@ Variant ArrayFrom(SAFEARRAY* array, VARTYPE elementType) {
 
 OwnedVariant ToAutomationArray(const VariantArray& array) {
     std::vector<SAFEARRAYBOUND> bounds;
-    for (const ArrayBounds& dimension : array.bounds) {
+    for (std::size_t i = 0; i < array.bounds.DimensionCount(); ++i) {
+        const ArrayBounds& dimension = array.bounds[i];
         bounds.push_back(
             {static_cast<ULONG>(std::int64_t{dimension.upper} - dimension.lower + 1), dimension.lower});
     }
@@ -155,7 +156,7 @@ void ReplaceTexts(SAFEARRAY* array, const std::vector<Variant>& texts) {
         if (!was.Is<std::string>() || was.As<std::string>() == texts[i].As<std::string>()) {
             continue;
         }
-        LONG index = before->bounds.front().lower + static_cast<LONG>(i);
+        LONG index = before->bounds[0].lower + static_cast<LONG>(i);
         OwnedVariant text = ToAutomation(texts[i]);
         void* const element = type == VT_BSTR ? static_cast<void*>(V_BSTR(&text.Get())) : &text.Get();
         Check(::SafeArrayPutElement(array, &index, element), "The array's elements cannot be written");

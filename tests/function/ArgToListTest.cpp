@@ -15,7 +15,7 @@ public:
     std::string TypeName() const override { return "Workbook"; }
 };
 
-Variant ArrayOf(ElementType type, std::vector<ArrayBounds> bounds, std::vector<Variant> elements) {
+Variant ArrayOf(ElementType type, ArrayShape bounds, std::vector<Variant> elements) {
     return std::make_shared<const VariantArray>(VariantArray{type, std::move(bounds), std::move(elements)});
 }
 

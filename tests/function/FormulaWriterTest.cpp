@@ -89,7 +89,7 @@ TEST(ArgumentText, OfANameFormulaIsFourTexts) {
 
 /// The rows of a table: "label=value".
 std::vector<std::string> RowsOf(const VariantArray& table) {
-    const auto rows = static_cast<std::size_t>(table.bounds.at(0).upper) + 1;
+    const auto rows = static_cast<std::size_t>(table.bounds[0].upper) + 1;
     const auto text = [&](std::size_t i) {
         const Variant& cell = table.elements.at(i);
         return cell.Is<Empty>() ? std::string("(empty)") : cell.As<std::string>();

@@ -359,7 +359,7 @@ private:
     }
 
     void SetBlock(const VariantArray& block) const {
-        if (block.bounds.size() != 2) {
+        if (block.bounds.DimensionCount() != 2) {
             throw PlatformError(ErrorNumber::TypeMismatch);
         }
         const auto rows = block.bounds[0].upper - block.bounds[0].lower + 1;

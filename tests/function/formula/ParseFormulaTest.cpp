@@ -76,7 +76,7 @@ TEST(ParseFormula, AnArrayConstantIsAZeroBasedArrayOfVariants) {
     const auto& value = *formula.arguments.at(0).value;
     EXPECT_EQ(value.TypeName(), "Variant()");
     const auto& array = *value.As<std::shared_ptr<const VariantArray>>();
-    ASSERT_EQ(array.bounds.size(), 1U);
+    ASSERT_EQ(array.bounds.DimensionCount(), 1U);
     EXPECT_EQ(array.bounds[0].lower, 0);
     EXPECT_EQ(array.bounds[0].upper, 2);
 }

@@ -88,7 +88,7 @@ private:
             return Shown(read);
         }
         const auto& array = read.As<std::shared_ptr<const VariantArray>>();
-        const auto rows = static_cast<std::size_t>(array->bounds.at(0).upper) + 1;
+        const auto rows = static_cast<std::size_t>(array->bounds[0].upper) + 1;
         std::string shown;
         for (std::size_t row = 0; row < rows; ++row) {
             for (std::size_t i = row; i < array->elements.size(); i += rows) {

@@ -44,8 +44,8 @@ struct SheetObject::State : std::enable_shared_from_this<SheetObject::State> {
     }
 
     void WriteTable(const CellPlace& first, const std::string& name, const VariantArray& table) {
-        const std::int32_t rows = table.bounds.at(0).upper + 1;
-        const std::int32_t columns = table.bounds.at(1).upper + 1;
+        const std::int32_t rows = table.bounds[0].upper + 1;
+        const std::int32_t columns = table.bounds[1].upper + 1;
         log.push_back(fmt::format("{} table {} x {}", name, rows, columns));
         for (std::int32_t row = 0; row < rows; ++row) {
             for (std::int32_t column = 0; column < columns; ++column) {

@@ -55,7 +55,7 @@ private:
         }
     }
     void PutBlock(const VariantArray& block) {
-        const std::int32_t rows = block.bounds.at(0).upper - block.bounds.at(0).lower + 1;
+        const std::int32_t rows = block.bounds[0].upper - block.bounds[0].lower + 1;
         for (std::int32_t column = first_.second; column <= last_.second; ++column) {
             for (std::int32_t row = first_.first; row <= last_.first; ++row) {
                 sheet_.cells[{row, column}] = block.elements.at(
