@@ -78,7 +78,7 @@ def table(numbers, sizes, rows):
 
 def plot(numbers, sizes):
     """Plots microseconds per cell (months cube) and bytes per fact against the facts; only the bytes are linear."""
-    width, height, left, top = 420, 300, 60, 40
+    width, height, left, top = 420, 300, 70, 40
     span = max(math.log10(sizes[-1]) - math.log10(sizes[0]), 1)
     x = lambda panel, size: left + panel * (width + 90) + (math.log10(size) - math.log10(sizes[0])) / span * width
     y = lambda value: top + height - (math.log10(value) + 1) / 7 * height  # 0.1 µs to 1 s
@@ -97,23 +97,24 @@ def plot(numbers, sizes):
     for power in range(-1, 7):
         at = y(10.0**power)
         parts.append(f'<line x1="{left}" x2="{left + width}" y1="{at:.1f}" y2="{at:.1f}" stroke="#ddd"/>')
-        parts.append(f'<text x="{left - 6}" y="{at + 4:.1f}" text-anchor="end">{10.0**power:g}</text>')
+        parts.append(f'<text x="{left - 6}" y="{at + 4:.1f}" text-anchor="end">{10.0**power:,.{max(0, -power)}f}</text>')
     for value in range(0, most + 1, 100):
         at, start = bytes_y(value), left + width + 90
         parts.append(f'<line x1="{start}" x2="{start + width}" y1="{at:.1f}" y2="{at:.1f}" stroke="#ddd"/>')
         parts.append(f'<text x="{start - 6}" y="{at + 4:.1f}" text-anchor="end">{value}</text>')
 
-    def line(points, colour, name):
+    def line(points, colour, name, below=False):
         if points:
             path = " ".join(f"{a:.1f},{b:.1f}" for a, b in points)
             parts.append(f'<polyline points="{path}" fill="none" stroke="{colour}" stroke-width="2"/>')
             parts.extend(f'<circle cx="{a:.1f}" cy="{b:.1f}" r="3" fill="{colour}"/>' for a, b in points)
-            parts.append(f'<text x="{points[-1][0] + 6:.0f}" y="{points[-1][1] - 6:.0f}" fill="{colour}" '
+            at = points[-1][1] + (17 if below else -6)
+            parts.append(f'<text x="{points[-1][0] + 6:.0f}" y="{at:.0f}" fill="{colour}" '
                          f'text-anchor="end">{name}</text>')
 
     for name, what, colour in LINES:
         line([(x(0, s), y(1e6 / numbers[s, "months", what])) for s in sizes if (s, "months", what) in numbers],
-             colour, name)
+             colour, name, below=what == "engine per second")  # which is close below the formula's line
     for name, what, colour in (("cube file", "bytes", "#1b6ca8"), ("SQLite", "SQLite bytes", "#c0392b")):
         line([(x(1, s), bytes_y(min(numbers[s, "both", what], most))) for s in sizes if (s, "both", what) in numbers],
              colour, name)
