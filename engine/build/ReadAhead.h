@@ -17,8 +17,8 @@
 
 namespace qel::engine {
 
-/// Reads the records of another reader on a second thread while the caller uses those before; those of a
-/// short table on the caller's thread.
+/// Reads the records of a CSV file on a second thread while the caller uses those before; those of a short
+/// file on the caller's thread.
 class ReadAhead final : public RecordReader {
 public:
     /// From the first call of Next on nobody else uses `reader`.
