@@ -15,7 +15,7 @@ using DocumentReference = com::sun::star::uno::Reference<com::sun::star::beans::
 /// current folder.
 std::string CubePathFrom(const DocumentReference& document, const std::string& cubeFile);
 
-/// CubePathFrom for many calls, most of which name the cube of the call before.
+/// CubePathFrom that keeps its last result: consecutive cells usually name the same cube.
 class CubePaths {
 public:
     std::string Of(const DocumentReference& document, const std::string& cubeFile);
@@ -23,7 +23,7 @@ public:
 private:
     rtl::OUString address_; ///< of the document
     std::string cubeFile_, text_, textInFolder_;
-    std::filesystem::path inFolder_; ///< where the document's folder would have the cube; empty without one
+    std::filesystem::path inFolder_; ///< the cube in the document's folder; empty if the document has none
 };
 
 } // namespace qel::calc

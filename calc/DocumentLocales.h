@@ -35,7 +35,7 @@ private:
     std::mutex mutex_;
     com::sun::star::uno::Reference<com::sun::star::container::XNameAccess> setting_, system_;
     std::map<Key, Locale> known_;
-    rtl::OUString tag_; ///< of the office's language as it was last
+    rtl::OUString tag_; ///< the office's language when localeOfTag_ was read
     std::optional<Locale> localeOfTag_;
 };
 

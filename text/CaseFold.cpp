@@ -89,7 +89,7 @@ void AppendUtf8(char32_t codePoint, std::string& text) {
     }
 }
 
-/// The number of bytes from `position` on that are ASCII for certain: as many words as are.
+/// The length of the run of ASCII at `position`, counted in whole words of eight bytes.
 std::size_t AsciiWords(std::string_view text, std::size_t position) {
     constexpr std::uint64_t highBits = 0x8080808080808080;
     std::size_t end = position;

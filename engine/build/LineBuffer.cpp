@@ -12,10 +12,9 @@ namespace {
 
 constexpr std::size_t longestLine = std::size_t{16} << 20U;
 
-/// The place of the first LF or CR from `start` on; the text's size where there is none.
+/// The offset of the first LF or CR at or after `start`; the text's size if there is none.
 std::size_t FindLineEnd(std::string_view text, std::size_t start) {
-    // Short stretches: one of the two may not occur at all, and is not looked for in the whole text each
-    // time.
+    // Most files contain only one of the two characters; stretches bound the search for the other one.
     constexpr std::size_t stretch = 256;
     for (; start < text.size(); start += stretch) {
         const std::string_view part = text.substr(start, stretch);

@@ -6,7 +6,7 @@ namespace qel::engine {
 
 namespace {
 
-// Of a batch: in the processors' caches, and so much that handing it over takes no time.
+// Bytes per batch: few enough for the caches, enough to make the hand-over cheap.
 constexpr std::size_t firstBytes = std::size_t{64} << 10U, laterBytes = std::size_t{256} << 10U;
 
 } // namespace

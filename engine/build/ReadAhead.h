@@ -17,11 +17,11 @@
 
 namespace qel::engine {
 
-/// Reads the records of a CSV file on a second thread while the caller uses those before; those of a short
-/// file on the caller's thread.
+/// Reads a CSV file on a second thread, up to three batches ahead of the caller. A short file is read on the
+/// caller's thread.
 class ReadAhead final : public RecordReader {
 public:
-    /// From the first call of Next on nobody else uses `reader`.
+    /// `reader` must not be used elsewhere once Next has been called.
     explicit ReadAhead(std::unique_ptr<CsvReader> reader);
     ~ReadAhead() override;
     ReadAhead(const ReadAhead&) = delete;
@@ -42,14 +42,14 @@ private:
         double share = 0;
         bool isComplete = true;
         std::string fault;
-        std::size_t text = 0, place = 0, raw = 0; ///< where its parts begin in the batch
+        std::size_t text = 0, place = 0, raw = 0; ///< offsets of its parts in the batch
     };
     struct Batch {
-        std::vector<Record> records = {Record()}; ///< and one that stands for the place behind them
+        std::vector<Record> records = {Record()}; ///< the last element is the state after the last record
         RecordFields fields;                      ///< of all records
         std::string raw;
         bool isLast = false;
-        std::exception_ptr failure; ///< in place of what would follow the records
+        std::exception_ptr failure; ///< raised by the reader after the last record
     };
 
     void Fill(Batch& batch, std::size_t mostBytes) noexcept;
@@ -62,12 +62,12 @@ private:
     const Record& Behind() const { return batch_->records[next_]; }
 
     std::unique_ptr<CsvReader> reader_;
-    std::array<Batch, 4> batches_; ///< filled and used in turn
+    std::array<Batch, 4> batches_; ///< a ring
     Batch* batch_ = batches_.data();
     std::size_t current_ = 0, next_ = 0; ///< records of the batch
-    std::mutex mutex_;                   ///< of the numbers below
+    std::mutex mutex_;                   ///< guards the members below, except the thread
     std::condition_variable hasChanged_;
-    std::size_t filled_ = 0, used_ = 0; ///< batches, from the first one on
+    std::size_t filled_ = 0, used_ = 0; ///< numbers of batches since the start
     bool isEnded_ = false;
     std::thread thread_;
 };

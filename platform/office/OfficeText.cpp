@@ -7,7 +7,7 @@ namespace qel::office {
 
 std::string FromOffice(const rtl::OUString& text) {
     const sal_Unicode *const begin = text.getStr(), *const end = begin + text.getLength();
-    if (std::all_of(begin, end, [](sal_Unicode unit) { return unit < 0x80; })) { // as most texts of cells
+    if (std::all_of(begin, end, [](sal_Unicode unit) { return unit < 0x80; })) { // most texts of cells are
         std::string ascii(static_cast<std::size_t>(text.getLength()), '\0');
         std::transform(begin, end, ascii.begin(), [](sal_Unicode unit) { return static_cast<char>(unit); });
         return ascii;

@@ -30,8 +30,9 @@ public:
         }
     }
     std::size_t DimensionCount() const { return count_; }
+    /// Raises std::out_of_range for a dimension that the array lacks.
     const ArrayBounds& operator[](std::size_t dimension) const {
-        return dimension == 0 ? first_ : others_[dimension - 1];
+        return dimension == 0 && count_ != 0 ? first_ : others_.at(dimension - 1);
     }
 
 private:

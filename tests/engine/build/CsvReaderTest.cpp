@@ -168,8 +168,8 @@ TEST(CsvReader, AnOpenQuoteDoesNotSwallowABigFile) {
     EXPECT_EQ(records, 300000);
 }
 
-/// Many batches, read by another thread: every record is the one that the reader itself gives, with its
-/// number, its text and its faults; a failure comes behind the records before it, each time it is asked for.
+/// Over many batches, every record equals the one of a plain reader: its number, fields, raw text and fault.
+/// An error of the reader is raised after the records before it, and again on every further call.
 TEST(ReadAhead, GivesTheRecordsOfItsReader) {
     std::string text = "number,text\r\n";
     for (int i = 0; i < 60000; ++i) {
@@ -206,7 +206,7 @@ TEST(ReadAhead, GivesTheRecordsOfItsReader) {
     std::istringstream input(text);
     ReadAhead left(std::make_unique<CsvReader>(input, "t.csv", 0));
     for (int i = 0; i < 20000; ++i) {
-        ASSERT_TRUE(left.Next()); // and is left while the other thread reads
+        ASSERT_TRUE(left.Next()); // the destructor runs while the other thread reads
     }
 }
 
